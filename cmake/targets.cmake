@@ -1,0 +1,45 @@
+# What every target of the project has in common.
+
+# tessarlorn_sources(<variable> <folder>...): the sources of some folders; a new file is found by the next build.
+function(tessarlorn_sources variable)
+  list(TRANSFORM ARGN APPEND "/*.cpp")
+  file(GLOB found CONFIGURE_DEPENDS ${ARGN})
+  set(${variable} ${found} PARENT_SCOPE)
+endfunction()
+
+function(tessarlorn_warnings target)
+  target_compile_options(
+    ${target}
+    PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough
+            $<$<BOOL:${TESSARLORN_WARNINGS_AS_ERRORS}>:-Werror>)
+endfunction()
+
+# tessarlorn_library(<name> <folder>...): the static library tessarlorn_<name>, alias tessarlorn::<name>, of some rooms.
+# A name whose rooms have no source makes no target.
+function(tessarlorn_library name)
+  tessarlorn_sources(sources ${ARGN})
+  if(NOT sources)
+    return()
+  endif()
+  add_library(tessarlorn_${name} STATIC ${sources})
+  add_library(tessarlorn::${name} ALIAS tessarlorn_${name})
+  set_target_properties(tessarlorn_${name} PROPERTIES EXPORT_NAME ${name} POSITION_INDEPENDENT_CODE ON)
+  target_compile_features(tessarlorn_${name} PUBLIC cxx_std_20)
+  target_include_directories(
+    tessarlorn_${name}
+    PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src> $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/generated>
+           $<INSTALL_INTERFACE:include/tessarlorn>)
+  tessarlorn_warnings(tessarlorn_${name})
+  tessarlorn_install_library(tessarlorn_${name} ${ARGN})
+endfunction()
+
+# tessarlorn_executable(<name> <source>...): an executable with the whole component and every driver there is.
+function(tessarlorn_executable name)
+  add_executable(${name} ${ARGN})
+  foreach(library IN ITEMS component embedded)
+    if(TARGET tessarlorn::${library})
+      target_link_libraries(${name} PRIVATE tessarlorn::${library})
+    endif()
+  endforeach()
+  tessarlorn_warnings(${name})
+endfunction()

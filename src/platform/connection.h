@@ -1,0 +1,69 @@
+// What a database driver supplies: a connection that runs batches of Transact-SQL, and the driver that opens it.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/recordset.h"
+
+namespace tessarlorn {
+
+/// An open connection. One thread at a time, but for Cancel(). All functions raise `Error` with the numbers of
+/// `error_number`, the server's own text as description and the native number beside it.
+///
+/// A connection that was lost says so in the call that meets it and answers `usable()` with false from then on.
+class Connection {
+ public:
+  Connection() = default;
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+  virtual ~Connection() = default;
+
+  /// Runs a batch to its end and answers its first row-returning result, or nullptr when it has none. An error in any
+  /// statement of the batch is raised; what ran before it stays unless a transaction takes it back.
+  RecordsetPtr Execute(std::string_view text);
+  /// The same, answering every row-returning result in order.
+  std::vector<RecordsetPtr> ExecuteAll(std::string_view text);
+
+  /// The container's transaction; they do not nest. Raise when none, or already one, is open.
+  virtual void BeginTransaction() = 0;
+  virtual void CommitTransaction() = 0;
+  virtual void RollbackTransaction() = 0;
+
+  /// Makes the connection as good as new for its next user: no open transaction, no temporary table, default settings.
+  /// Answers false when that is not possible; the connection is then thrown away.
+  virtual bool Reset() noexcept = 0;
+  [[nodiscard]] virtual bool usable() const noexcept = 0;
+  /// Ends the batch that another thread is running on this connection: that call raises `error_number::kCancelled`.
+  /// May be called from any thread, or from a signal handler.
+  virtual void Cancel() noexcept = 0;
+
+ protected:
+  /// @param first_only the caller wants the first row-returning result; later ones are run but need not be kept.
+  virtual std::vector<RecordsetPtr> Run(std::string_view text, bool first_only) = 0;
+};
+
+/// Called with each text just before it goes to the database, on the thread that runs it. For the whole process; set it
+/// before the first connection is used. An empty function ends it.
+using StatementObserver = std::function<void(std::string_view)>;
+void SetStatementObserver(StatementObserver observer);
+
+/// Opens connections for the database strings that begin with one of its prefixes. Used by several threads at once.
+class Driver {
+ public:
+  virtual ~Driver() = default;
+  /// The first keys that mark this driver's strings, as "Embedded" for `Embedded=orders.db`.
+  [[nodiscard]] virtual std::vector<std::string> Prefixes() const = 0;
+  [[nodiscard]] virtual std::unique_ptr<Connection> Open(std::string_view database_string) = 0;
+};
+
+/// Adds a driver for the process; a later one with the same prefix takes its place.
+void RegisterDriver(std::shared_ptr<Driver> driver);
+/// Opens a connection with the driver whose prefix the string begins with. Raises 0x80040E4D naming the prefix when
+/// there is none, and whatever the driver raises.
+std::unique_ptr<Connection> OpenConnection(std::string_view database_string);
+
+}  // namespace tessarlorn

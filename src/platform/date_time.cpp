@@ -1,0 +1,236 @@
+#include "platform/date_time.h"
+
+#include <array>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <ctime>
+
+#include "platform/text.h"
+
+namespace tessarlorn {
+namespace {
+
+constexpr std::int64_t kMillisecondsPerDay = 86'400'000;
+/// Days from 1899-12-30, automation's day zero, to 1900-01-01.
+constexpr double kAutomationOffset = 2;
+constexpr std::int64_t kFirst = -693'595 * kMillisecondsPerDay;
+constexpr std::int64_t kBehindLast = 2'958'464 * kMillisecondsPerDay;
+
+/// Reads a date-time text from the left.
+class Scanner {
+ public:
+  explicit Scanner(std::string_view text) : rest_(text) {}
+
+  [[nodiscard]] bool done() const { return rest_.empty(); }
+  [[nodiscard]] char peek() const { return rest_.empty() ? '\0' : rest_.front(); }
+  bool Take(char c) {
+    if (peek() != c) return false;
+    rest_.remove_prefix(1);
+    return true;
+  }
+  bool TakeWord(std::string_view word) {
+    if (!StartsWithIgnoreCase(rest_, word)) return false;
+    rest_.remove_prefix(word.size());
+    return true;
+  }
+  void SkipBlanks() {
+    while (Take(' ')) {
+    }
+  }
+  /// Digits up to `most`; the count goes to `count`.
+  int Number(std::size_t most, std::size_t& count) {
+    int value = 0;
+    for (count = 0; count < most && peek() >= '0' && peek() <= '9'; ++count) {
+      value = value * 10 + (peek() - '0');
+      rest_.remove_prefix(1);
+    }
+    return value;
+  }
+  [[nodiscard]] std::size_t DigitsAhead() const {
+    const std::size_t end = rest_.find_first_not_of("0123456789");
+    return end == std::string_view::npos ? rest_.size() : end;
+  }
+  [[nodiscard]] bool TimeAhead() const {
+    const std::size_t digits = DigitsAhead();
+    return digits >= 1 && digits <= 2 && digits < rest_.size() && rest_[digits] == ':';
+  }
+
+ private:
+  std::string_view rest_;
+};
+
+bool ReadDate(Scanner& scan, CivilTime& civil) {
+  std::size_t digits = 0;
+  if (scan.DigitsAhead() == 8) {
+    civil.year = scan.Number(4, digits);
+    civil.month = scan.Number(2, digits);
+    civil.day = scan.Number(2, digits);
+    return true;
+  }
+  const int first = scan.Number(4, digits);
+  const bool year_first = digits == 4;
+  if (!year_first && (digits == 0 || digits > 2)) return false;
+  const char separator = scan.peek();
+  if (separator != '-' && separator != '/' && !(separator == '.' && year_first)) return false;
+  scan.Take(separator);
+  const int second = scan.Number(2, digits);
+  if (digits == 0 || !scan.Take(separator)) return false;
+  const int third = scan.Number(year_first ? 2 : 4, digits);
+  if (year_first ? digits == 0 : digits != 4) return false;
+  civil.year = year_first ? first : third;
+  civil.month = year_first ? second : first;
+  civil.day = year_first ? third : second;
+  return true;
+}
+
+bool ReadTime(Scanner& scan, CivilTime& civil) {
+  std::size_t digits = 0;
+  civil.hour = scan.Number(2, digits);
+  if (digits == 0 || !scan.Take(':')) return false;
+  civil.minute = scan.Number(2, digits);
+  if (digits == 0) return false;
+  if (scan.Take(':')) {
+    civil.second = scan.Number(2, digits);
+    if (digits == 0) return false;
+    if (scan.Take('.')) {
+      civil.millisecond = scan.Number(3, digits);
+      if (digits == 0) return false;
+      for (; digits < 3; ++digits) civil.millisecond *= 10;
+      scan.Number(6, digits);
+    }
+  }
+  scan.SkipBlanks();
+  const bool morning = scan.TakeWord("AM");
+  if (morning || scan.TakeWord("PM")) {
+    if (civil.hour < 1 || civil.hour > 12) return false;
+    civil.hour = civil.hour % 12 + (morning ? 0 : 12);
+  }
+  return true;
+}
+
+}  // namespace
+
+std::int64_t DaysFromCivil(int year, int month, int day) {
+  // Years counted from March, in eras of 400.
+  const int shifted_year = month <= 2 ? year - 1 : year;
+  const int era = (shifted_year >= 0 ? shifted_year : shifted_year - 399) / 400;
+  const int year_of_era = shifted_year - era * 400;
+  const int day_of_year = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
+  const int day_of_era = year_of_era * 365 + year_of_era / 4 - year_of_era / 100 + day_of_year;
+  constexpr std::int64_t kMarch0000 = 693'901;
+  return std::int64_t{era} * 146'097 + day_of_era - kMarch0000;
+}
+
+int DaysInMonth(int year, int month) {
+  constexpr std::array<int, 12> kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+  const bool leap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+  return month == 2 && leap ? 29 : kDays[static_cast<std::size_t>(month - 1)];
+}
+
+std::optional<DateTime> DateTime::FromCivil(const CivilTime& civil) {
+  if (civil.year < 1 || civil.year > 9999 || civil.month < 1 || civil.month > 12 || civil.day < 1 ||
+      civil.day > DaysInMonth(civil.year, civil.month) || civil.hour < 0 || civil.hour > 23 || civil.minute < 0 ||
+      civil.minute > 59 || civil.second < 0 || civil.second > 59 || civil.millisecond < 0 || civil.millisecond > 999) {
+    return std::nullopt;
+  }
+  const std::int64_t seconds = (civil.hour * 60 + civil.minute) * 60 + civil.second;
+  return DateTime(DaysFromCivil(civil.year, civil.month, civil.day) * kMillisecondsPerDay + seconds * 1000 +
+                  civil.millisecond);
+}
+
+std::optional<DateTime> DateTime::FromAutomation(double days) {
+  if (!(std::abs(days) < 3e6)) return std::nullopt;
+  // Before day zero the whole part counts backwards, the time of day still forwards.
+  const double whole = std::trunc(days);
+  const double time = std::abs(days - whole);
+  const auto milliseconds = static_cast<std::int64_t>(std::llround(time * static_cast<double>(kMillisecondsPerDay)));
+  const std::int64_t value = static_cast<std::int64_t>(whole - kAutomationOffset) * kMillisecondsPerDay + milliseconds;
+  if (value < kFirst || value >= kBehindLast) return std::nullopt;
+  return DateTime(value);
+}
+
+std::optional<DateTime> DateTime::Parse(std::string_view text) {
+  Scanner scan(Trim(text));
+  CivilTime civil;
+  if (scan.done()) return DateTime();
+  bool time = scan.TimeAhead();
+  if (!time) {
+    if (!ReadDate(scan, civil)) return std::nullopt;
+    const bool separated = scan.Take('T') || scan.peek() == ' ';
+    scan.SkipBlanks();
+    time = !scan.done();
+    if (time && !separated) return std::nullopt;
+  }
+  if (time && !ReadTime(scan, civil)) return std::nullopt;
+  if (!scan.done()) return std::nullopt;
+  return FromCivil(civil);
+}
+
+DateTime DateTime::Now() {
+  const auto now = std::chrono::system_clock::now();
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
+  std::tm local{};
+#ifdef _WIN32
+  localtime_s(&local, &seconds);
+#else
+  localtime_r(&seconds, &local);
+#endif
+  const auto milliseconds =
+      std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
+  CivilTime civil{
+      local.tm_year + 1900,          local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec % 60,
+      static_cast<int>(milliseconds)};
+  return FromCivil(civil).value_or(DateTime());
+}
+
+CivilTime DateTime::ToCivil() const {
+  std::int64_t days = milliseconds_ / kMillisecondsPerDay;
+  std::int64_t rest = milliseconds_ % kMillisecondsPerDay;
+  if (rest < 0) {
+    rest += kMillisecondsPerDay;
+    --days;
+  }
+  const std::int64_t shifted = days + 693'901;
+  const std::int64_t era = (shifted >= 0 ? shifted : shifted - 146'096) / 146'097;
+  const auto day_of_era = static_cast<int>(shifted - era * 146'097);
+  const int year_of_era = (day_of_era - day_of_era / 1460 + day_of_era / 36'524 - day_of_era / 146'096) / 365;
+  const int day_of_year = day_of_era - (365 * year_of_era + year_of_era / 4 - year_of_era / 100);
+  const int shifted_month = (5 * day_of_year + 2) / 153;
+  CivilTime civil;
+  civil.month = shifted_month < 10 ? shifted_month + 3 : shifted_month - 9;
+  civil.year = static_cast<int>(era * 400) + year_of_era + (civil.month <= 2 ? 1 : 0);
+  civil.day = day_of_year - (153 * shifted_month + 2) / 5 + 1;
+  civil.millisecond = static_cast<int>(rest % 1000);
+  civil.second = static_cast<int>(rest / 1000 % 60);
+  civil.minute = static_cast<int>(rest / 60'000 % 60);
+  civil.hour = static_cast<int>(rest / 3'600'000);
+  return civil;
+}
+
+double DateTime::ToAutomation() const {
+  std::int64_t days = milliseconds_ / kMillisecondsPerDay;
+  std::int64_t rest = milliseconds_ % kMillisecondsPerDay;
+  if (rest < 0) {
+    rest += kMillisecondsPerDay;
+    --days;
+  }
+  const double whole = static_cast<double>(days) + kAutomationOffset;
+  const double time = static_cast<double>(rest) / static_cast<double>(kMillisecondsPerDay);
+  return whole < 0 ? whole - time : whole + time;
+}
+
+std::string DateTime::ToString(bool with_milliseconds) const {
+  const CivilTime civil = ToCivil();
+  std::array<char, 96> buffer;
+  int length = std::snprintf(buffer.data(), buffer.size(), "%04d-%02d-%02d %02d:%02d:%02d", civil.year, civil.month,
+                             civil.day, civil.hour, civil.minute, civil.second);
+  std::string text(buffer.data(), static_cast<std::size_t>(length));
+  if (with_milliseconds) {
+    length = std::snprintf(buffer.data(), buffer.size(), ".%03d", civil.millisecond);
+    text.append(buffer.data(), static_cast<std::size_t>(length));
+  }
+  return text;
+}
+
+}  // namespace tessarlorn

@@ -1,0 +1,36 @@
+// The object-creation service: sibling components are created by name and called by name.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/variant.h"
+
+namespace tessarlorn {
+
+/// A component that is called by name at run time.
+class Object {
+ public:
+  virtual ~Object() = default;
+  /// Raises 438 naming the method when there is none, and whatever the method raises.
+  virtual Variant Call(std::string_view method, std::span<const Variant> arguments) = 0;
+};
+
+using ObjectCreator = std::function<std::shared_ptr<Object>()>;
+
+/// Names the creator of a component for the whole process; a later one takes the place of an earlier one, an empty one
+/// takes the name away. Names do not depend on case.
+void RegisterObject(std::string_view prog_id, ObjectCreator creator);
+
+/// One per thread, created on first use.
+class ObjectService {
+ public:
+  static ObjectService& ForThisThread();
+  /// Raises 429 "ActiveX component can't create object" with the name when nobody registered it.
+  std::shared_ptr<Object> CreateInstance(std::string_view prog_id);
+};
+
+}  // namespace tessarlorn

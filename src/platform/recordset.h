@@ -1,0 +1,118 @@
+// A result of the database: fields with name and type, and all rows, packed in memory.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/variant.h"
+
+namespace tessarlorn {
+
+/// The type of a field as the database declares it.
+enum class FieldType : std::uint8_t {
+  kBit,
+  kTinyInt,
+  kSmallInt,
+  kInt,
+  kBigInt,
+  kReal,
+  kFloat,
+  kDecimal,
+  kMoney,
+  kDate,
+  kTime,
+  kDateTime,
+  kChar,
+  kVarChar,
+  kNChar,
+  kNVarChar,
+  kBinary,
+  kVarBinary,
+  kGuid,
+};
+
+struct Field {
+  std::string name;
+  FieldType type = FieldType::kNVarChar;
+  /// Characters or bytes for text and binary; 0 = without limit (max).
+  int size = 0;
+  /// Digits and places, for kDecimal and kMoney.
+  int precision = 0;
+  int scale = 0;
+  bool nullable = true;
+};
+
+/// A client-side, read-only result: it knows its count and moves both ways. It stands on the first row when it is made.
+/// Bigint values come as 32-bit integers when they fit, else as decimals; every other value in the type of its field.
+/// Not for use by two threads at once.
+class Recordset {
+ public:
+  explicit Recordset(std::vector<Field> fields) : fields_(std::move(fields)) {}
+
+  [[nodiscard]] const std::vector<Field>& fields() const noexcept { return fields_; }
+  [[nodiscard]] std::size_t RecordCount() const noexcept { return row_starts_.size(); }
+  [[nodiscard]] bool eof() const noexcept { return position_ >= row_starts_.size(); }
+  void MoveFirst() noexcept { position_ = 0; }
+  /// Raises 3021 at the end.
+  void MoveNext();
+  /// 0-based; RecordCount() is the end.
+  void MoveTo(std::size_t position);
+
+  /// Position of a field by name without regard to case, or nothing.
+  [[nodiscard]] std::optional<std::size_t> FindField(std::string_view name) const;
+  /// The current row's value. Raises 3021 when no row is current, 3265 when there is no such field.
+  [[nodiscard]] Variant Get(std::size_t field) const;
+  [[nodiscard]] Variant Get(std::string_view field) const;
+  /// The text of a text field without a copy, "" for null; valid until the recordset goes. Raises as Get, and 13 for a
+  /// field that holds no text.
+  [[nodiscard]] std::string_view GetText(std::size_t field) const;
+  [[nodiscard]] bool IsNull(std::size_t field) const;
+
+  /// Cuts the tie to the connection that produced the rows; the rows stay.
+  void Detach() noexcept { attached_ = false; }
+  [[nodiscard]] bool attached() const noexcept { return attached_; }
+  /// Bytes that the rows take in memory.
+  [[nodiscard]] std::size_t memory() const noexcept;
+
+  // For drivers: a row is BeginRow() and then one Append… for each field in order.
+  void BeginRow();
+  void AppendNull();
+  void AppendInteger(std::int64_t value);
+  void AppendDouble(double value);
+  void AppendDecimal(const Decimal& value);
+  /// coefficient × 10^-scale of the field.
+  void AppendScaled(std::int64_t coefficient);
+  void AppendDateTime(DateTime value);
+  void AppendText(std::string_view text);
+  void AppendBytes(const void* data, std::size_t size);
+  /// To be called after the last row: goes to the first row and gives back spare memory.
+  void Finish();
+
+ private:
+  void Locate() const;
+  [[nodiscard]] const std::uint8_t* Cell(std::size_t field) const;
+  std::uint8_t* Grow(std::size_t size);
+
+  static constexpr std::size_t kChunkSize = std::size_t{1} << 20;
+  struct Chunk {
+    std::unique_ptr<std::uint8_t[]> data;
+    std::size_t used = 0;
+    std::size_t capacity = 0;
+  };
+  std::vector<Field> fields_;
+  std::vector<Chunk> chunks_;
+  std::vector<const std::uint8_t*> row_starts_;
+  std::size_t position_ = 0;
+  bool attached_ = true;
+  mutable std::size_t located_row_ = static_cast<std::size_t>(-1);
+  mutable std::vector<std::uint32_t> cell_offsets_;
+};
+
+using RecordsetPtr = std::shared_ptr<Recordset>;
+
+}  // namespace tessarlorn

@@ -1,0 +1,130 @@
+// The platform's per-call database session, its context, and the per-thread factory that makes it.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/connection.h"
+#include "platform/session_string.h"
+
+namespace tessarlorn {
+
+/// Who is calling, and in which language.
+class SessionContext {
+ public:
+  SessionContext() = default;
+  explicit SessionContext(const SessionString& session);
+
+  /// The language code as the session string has it, "CHS" when it has none; callers trim and upper-case it.
+  [[nodiscard]] const std::string& GetLanguage() const noexcept { return language_; }
+  /// The text from which the security component tells the user: `User=16394`.
+  [[nodiscard]] const std::string& GetCallerInfo() const noexcept { return caller_info_; }
+  /// The client address that the session string names, "" when none.
+  [[nodiscard]] const std::string& client() const noexcept { return client_; }
+
+ private:
+  std::string language_ = "CHS";
+  std::string caller_info_ = "User=0";
+  std::string client_;
+};
+
+class SessionFactory;
+
+/// A database session, made by `SessionFactory::NewSession` and used on that thread only.
+class DataSession {
+ public:
+  DataSession(const DataSession&) = delete;
+  DataSession& operator=(const DataSession&) = delete;
+  ~DataSession();
+
+  /// Gives the connections back to the factory. The session may be opened again.
+  void Reset() noexcept;
+  /// Binds the session to a session string; the connection is opened, or taken from the idle ones, at once.
+  /// Raises what ParseSessionString and the driver raise.
+  void OpenSession(std::string_view sDsn);
+  /// Default context before OpenSession.
+  [[nodiscard]] const SessionContext& GetContext() const noexcept { return context_; }
+  /// "" before OpenSession.
+  [[nodiscard]] const std::string& GetDsn() const noexcept { return dsn_; }
+  /// The connection of the container's transaction, where there is one. Raises 91 when the session is not open.
+  [[nodiscard]] Connection& GetConnection();
+  /// A second connection to the same database, outside the container's transaction. Raises 91 when not open.
+  [[nodiscard]] Connection& GetAlternateConnection();
+
+ private:
+  friend class SessionFactory;
+  explicit DataSession(SessionFactory& factory) : factory_(factory) {}
+
+  SessionFactory& factory_;
+  std::string dsn_;
+  std::string database_;
+  SessionContext context_;
+  std::shared_ptr<Connection> connection_;
+  std::shared_ptr<Connection> alternate_;
+};
+
+/// Makes sessions; one per thread, created on first use. It keeps the connections that sessions gave back and hands
+/// them out again for the same database string, clean, so that a session does not cost a login.
+class SessionFactory {
+ public:
+  static SessionFactory& ForThisThread();
+  ~SessionFactory();
+
+  [[nodiscard]] std::shared_ptr<DataSession> NewSession();
+
+  /// The session on which siblings work: the one of the call that is under way on this thread, or nullptr.
+  [[nodiscard]] DataSession* current() const noexcept { return current_; }
+
+  /// Closes the idle connections of this thread.
+  void CloseIdle() noexcept;
+
+ private:
+  friend class DataSession;
+  friend class ContainerTransaction;
+  friend class CurrentSession;
+  struct State;
+  SessionFactory();
+  std::shared_ptr<Connection> Acquire(const std::string& database, bool enlist);
+  void Release(const std::string& database, std::shared_ptr<Connection>& connection) noexcept;
+
+  std::unique_ptr<State> state_;
+  DataSession* current_ = nullptr;
+};
+
+/// While it lives, `session` is the thread's current one.
+class CurrentSession {
+ public:
+  explicit CurrentSession(DataSession& session)
+      : factory_(SessionFactory::ForThisThread()), previous_(factory_.current_) {
+    factory_.current_ = &session;
+  }
+  CurrentSession(const CurrentSession&) = delete;
+  CurrentSession& operator=(const CurrentSession&) = delete;
+  ~CurrentSession() { factory_.current_ = previous_; }
+
+ private:
+  SessionFactory& factory_;
+  DataSession* previous_;
+};
+
+/// The transaction of a component container around calls on this thread. Every session opened while it lives works on
+/// one connection per database string, in a transaction. Destroyed without Commit() it rolls back.
+class ContainerTransaction {
+ public:
+  /// Raises when this thread already has one.
+  ContainerTransaction();
+  ContainerTransaction(const ContainerTransaction&) = delete;
+  ContainerTransaction& operator=(const ContainerTransaction&) = delete;
+  ~ContainerTransaction();
+
+  /// Raises what the database raises, and when the transaction was ended before.
+  void Commit();
+  void Rollback();
+
+ private:
+  void End(bool commit);
+  bool ended_ = false;
+};
+
+}  // namespace tessarlorn

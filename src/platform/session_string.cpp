@@ -1,0 +1,127 @@
+#include "platform/session_string.h"
+
+#include <charconv>
+#include <variant>
+
+#include "platform/error.h"
+#include "platform/text.h"
+
+namespace tessarlorn {
+namespace {
+
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+struct Fault {
+  std::string description;
+};
+
+/// Reads the braced value that begins at `position`, which moves behind its closing brace.
+std::variant<std::string, Fault> ReadBraced(std::string_view text, std::size_t& position, std::string_view key) {
+  std::string value;
+  for (std::size_t i = position + 1; i < text.size(); ++i) {
+    if (text[i] != '}') {
+      value += text[i];
+    } else if (i + 1 < text.size() && text[i + 1] == '}') {
+      value += text[i++];
+    } else {
+      position = i + 1;
+      return value;
+    }
+  }
+  return Fault{"The brace behind " + std::string(key) + "= is not closed"};
+}
+
+std::variant<Pairs, Fault> ReadPairs(std::string_view text) {
+  Pairs pairs;
+  std::size_t position = 0;
+  while (position < text.size()) {
+    const std::size_t next = text.find_first_not_of(" ;", position);
+    if (next == std::string_view::npos) break;
+    const std::size_t end_of_key = text.find_first_of("=;", next);
+    if (end_of_key == std::string_view::npos || text[end_of_key] == ';') {
+      return Fault{"No \"=\" behind the key " + std::string(Trim(text.substr(next, end_of_key - next)))};
+    }
+    const std::string_view key = Trim(text.substr(next, end_of_key - next));
+    if (key.empty()) return Fault{"No key before \"=\""};
+    position = text.find_first_not_of(' ', end_of_key + 1);
+    if (position == std::string_view::npos) position = text.size();
+    if (position < text.size() && text[position] == '{') {
+      auto braced = ReadBraced(text, position, key);
+      if (auto* fault = std::get_if<Fault>(&braced)) return std::move(*fault);
+      position = text.find_first_not_of(' ', position);
+      if (position == std::string_view::npos) position = text.size();
+      if (position < text.size() && text[position] != ';') {
+        return Fault{"Text behind the closing brace of " + std::string(key)};
+      }
+      pairs.emplace_back(key, std::get<std::string>(std::move(braced)));
+    } else {
+      const std::size_t end = std::min(text.find(';', position), text.size());
+      pairs.emplace_back(key, Trim(text.substr(position, end - position)));
+      position = end;
+    }
+  }
+  return pairs;
+}
+
+/// Whether the text means to name its database with Connect=, so that its faults are faults of a session string.
+bool NamesConnect(std::string_view text) {
+  for (std::size_t found = 0; (found = FindIgnoreCase(text, "connect")) != std::string_view::npos;
+       text.remove_prefix(found + 1)) {
+    const std::string_view before = Trim(text.substr(0, found));
+    const std::string_view behind = Trim(text.substr(found + std::string_view("connect").size()));
+    if ((before.empty() || before.back() == ';') && behind.starts_with('=')) return true;
+  }
+  return false;
+}
+
+[[noreturn]] void RaiseFault(const std::string& description) {
+  Raise(error_number::kLoginRefused, "Session string: " + description);
+}
+
+std::int32_t ReadUser(const std::string& text) {
+  std::int32_t user = 0;
+  const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), user);
+  if (fault != std::errc{} || end != text.data() + text.size()) {
+    RaiseFault("User=" + text + " is no 32-bit number");
+  }
+  return user;
+}
+
+}  // namespace
+
+std::vector<std::pair<std::string, std::string>> ParsePairs(std::string_view text) {
+  auto pairs = ReadPairs(text);
+  if (const auto* fault = std::get_if<Fault>(&pairs)) RaiseFault(fault->description);
+  return std::get<Pairs>(std::move(pairs));
+}
+
+SessionString ParseSessionString(std::string_view text) {
+  SessionString session;
+  if (!NamesConnect(text)) {
+    session.database = Trim(text);
+    if (session.database.empty()) RaiseFault("it is empty");
+    return session;
+  }
+  std::vector<std::string> seen;
+  for (auto& [key, value] : ParsePairs(text)) {
+    const std::string name = LowerCase(key);
+    for (const std::string& earlier : seen) {
+      if (earlier == name) RaiseFault("the key " + key + " is doubled");
+    }
+    seen.push_back(name);
+    if (name == "connect") {
+      session.database = Trim(value);
+    } else if (name == "user") {
+      session.user = ReadUser(value);
+    } else if (name == "language") {
+      if (!value.empty()) session.language = value;
+    } else if (name == "client") {
+      session.client = value;
+    } else {
+      RaiseFault("unknown key " + key);
+    }
+  }
+  if (session.database.empty()) RaiseFault("Connect= names no database");
+  return session;
+}
+
+}  // namespace tessarlorn

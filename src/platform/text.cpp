@@ -1,0 +1,240 @@
+#include "platform/text.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace tessarlorn {
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t kMalformed = 0xFFFFFFFF;
+
+char AsciiLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
+
+bool IsContinuation(char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; }
+
+/// Like NextCharacter, but a malformed byte counts as kMalformed.
+char32_t Decode(std::string_view text, std::size_t& position) {
+  const auto first = static_cast<unsigned char>(text[position++]);
+  if (first < 0x80) return first;
+  std::size_t more = 0;
+  char32_t least = 0;
+  char32_t character = 0;
+  if (first >= 0xC2 && first < 0xE0) {
+    more = 1, least = 0x80, character = first & 0x1FU;
+  } else if (first >= 0xE0 && first < 0xF0) {
+    more = 2, least = 0x800, character = first & 0x0FU;
+  } else if (first >= 0xF0 && first < 0xF5) {
+    more = 3, least = 0x10000, character = first & 0x07U;
+  } else {
+    return kMalformed;
+  }
+  if (text.size() - position < more) return kMalformed;
+  for (std::size_t i = 0; i < more; ++i) {
+    if (!IsContinuation(text[position + i])) return kMalformed;
+    character = (character << 6) | (static_cast<unsigned char>(text[position + i]) & 0x3FU);
+  }
+  if (character < least || character > 0x10FFFF || (character >= 0xD800 && character < 0xE000)) return kMalformed;
+  position += more;
+  return character;
+}
+
+template <typename Convert>
+std::string ConvertCase(std::string_view text, Convert convert) {
+  std::string result;
+  result.reserve(text.size());
+  for (std::size_t position = 0; position < text.size();) {
+    const std::size_t start = position;
+    const char32_t character = Decode(text, position);
+    if (character == kMalformed) {
+      result += text[start];
+    } else {
+      AppendCharacter(result, convert(character));
+    }
+  }
+  return result;
+}
+
+/// Blocks in which a capital at an even (or odd) place is followed by its small letter.
+bool IsPairedBlock(char32_t c) {
+  return (c >= 0x100 && c <= 0x137 && c != 0x130 && c != 0x131) || (c >= 0x14A && c <= 0x177) ||
+         (c >= 0x460 && c <= 0x481) || (c >= 0x48A && c <= 0x4BF) || (c >= 0x4D0 && c <= 0x52F) ||
+         (c >= 0x1E00 && c <= 0x1E95) || (c >= 0x1EA0 && c <= 0x1EFF);
+}
+bool IsPairedBlockFromOdd(char32_t c) {
+  return (c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E) || (c >= 0x4C1 && c <= 0x4CE);
+}
+
+}  // namespace
+
+char32_t NextCharacter(std::string_view text, std::size_t& position) {
+  const char32_t character = Decode(text, position);
+  return character == kMalformed ? kReplacement : character;
+}
+
+void AppendCharacter(std::string& text, char32_t character) {
+  const auto put = [&text](char32_t byte) { text += static_cast<char>(static_cast<unsigned char>(byte)); };
+  if (character < 0x80) {
+    put(character);
+  } else if (character < 0x800) {
+    put(0xC0 | (character >> 6));
+    put(0x80 | (character & 0x3F));
+  } else if (character < 0x10000) {
+    put(0xE0 | (character >> 12));
+    put(0x80 | ((character >> 6) & 0x3F));
+    put(0x80 | (character & 0x3F));
+  } else {
+    put(0xF0 | (character >> 18));
+    put(0x80 | ((character >> 12) & 0x3F));
+    put(0x80 | ((character >> 6) & 0x3F));
+    put(0x80 | (character & 0x3F));
+  }
+}
+
+std::size_t Utf16Length(std::string_view text) {
+  std::size_t length = 0;
+  for (std::size_t position = 0; position < text.size();) length += NextCharacter(text, position) > 0xFFFF ? 2 : 1;
+  return length;
+}
+
+bool IsValidUtf8(std::string_view text) {
+  for (std::size_t position = 0; position < text.size();) {
+    if (Decode(text, position) == kMalformed) return false;
+  }
+  return true;
+}
+
+char32_t ToUpper(char32_t c) {
+  if (c < 0x80) return c >= 'a' && c <= 'z' ? c - 32 : c;
+  if ((c >= 0xE0 && c <= 0xFE && c != 0xF7) || (c >= 0x3B1 && c <= 0x3CB && c != 0x3C2) || (c >= 0x430 && c <= 0x44F) ||
+      (c >= 0xFF41 && c <= 0xFF5A)) {
+    return c - 32;
+  }
+  switch (c) {
+    case 0xFF:
+      return 0x178;
+    case 0x3AC:
+      return 0x386;
+    case 0x3AD:
+    case 0x3AE:
+    case 0x3AF:
+      return c - 37;
+    case 0x3C2:
+      return 0x3A3;
+    case 0x3CC:
+      return 0x38C;
+    case 0x3CD:
+    case 0x3CE:
+      return c - 63;
+    default:
+      break;
+  }
+  if (c >= 0x450 && c <= 0x45F) return c - 80;
+  if (IsPairedBlock(c)) return c & ~char32_t{1};
+  if (IsPairedBlockFromOdd(c)) return c % 2 == 0 ? c - 1 : c;
+  return c;
+}
+
+char32_t ToLower(char32_t c) {
+  if (c < 0x80) return c >= 'A' && c <= 'Z' ? c + 32 : c;
+  if ((c >= 0xC0 && c <= 0xDE && c != 0xD7) || (c >= 0x391 && c <= 0x3AB && c != 0x3A2) || (c >= 0x410 && c <= 0x42F) ||
+      (c >= 0xFF21 && c <= 0xFF3A)) {
+    return c + 32;
+  }
+  switch (c) {
+    case 0x178:
+      return 0xFF;
+    case 0x386:
+      return 0x3AC;
+    case 0x388:
+    case 0x389:
+    case 0x38A:
+      return c + 37;
+    case 0x38C:
+      return 0x3CC;
+    case 0x38E:
+    case 0x38F:
+      return c + 63;
+    default:
+      break;
+  }
+  if (c >= 0x400 && c <= 0x40F) return c + 80;
+  if (IsPairedBlock(c)) return c | 1;
+  if (IsPairedBlockFromOdd(c)) return c % 2 == 1 ? c + 1 : c;
+  return c;
+}
+
+std::string UpperCase(std::string_view text) {
+  return ConvertCase(text, [](char32_t c) { return ToUpper(c); });
+}
+
+std::string LowerCase(std::string_view text) {
+  return ConvertCase(text, [](char32_t c) { return ToLower(c); });
+}
+
+bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() &&
+         std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return AsciiLower(x) == AsciiLower(y); });
+}
+
+bool StartsWithIgnoreCase(std::string_view text, std::string_view prefix) {
+  return text.size() >= prefix.size() && EqualsIgnoreCase(text.substr(0, prefix.size()), prefix);
+}
+
+std::size_t FindIgnoreCase(std::string_view text, std::string_view needle) {
+  const auto found = std::search(text.begin(), text.end(), needle.begin(), needle.end(),
+                                 [](char x, char y) { return AsciiLower(x) == AsciiLower(y); });
+  return found == text.end() && !needle.empty() ? std::string_view::npos
+                                                : static_cast<std::size_t>(found - text.begin());
+}
+
+std::string_view Trim(std::string_view text) {
+  const std::size_t begin = text.find_first_not_of(' ');
+  if (begin == std::string_view::npos) return {};
+  return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
+}
+
+std::vector<std::string_view> Split(std::string_view text, char separator) {
+  std::vector<std::string_view> parts;
+  for (std::size_t end = text.find(separator); end != std::string_view::npos; end = text.find(separator)) {
+    parts.push_back(text.substr(0, end));
+    text.remove_prefix(end + 1);
+  }
+  parts.push_back(text);
+  return parts;
+}
+
+std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to) {
+  std::string result;
+  result.reserve(text.size());
+  for (std::size_t found = text.find(from); !from.empty() && found != std::string_view::npos; found = text.find(from)) {
+    result.append(text.substr(0, found)).append(to);
+    text.remove_prefix(found + from.size());
+  }
+  return result.append(text);
+}
+
+std::string_view Nearest(std::string_view name, const std::vector<std::string_view>& candidates) {
+  std::string_view nearest;
+  std::size_t least = std::max<std::size_t>(1, name.size() / 3) + 1;
+  std::vector<std::size_t> row;
+  for (const std::string_view candidate : candidates) {
+    row.resize(candidate.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < name.size(); ++i) {
+      std::size_t diagonal = row[0]++;
+      for (std::size_t j = 0; j < candidate.size(); ++j) {
+        const std::size_t replaced = diagonal + (AsciiLower(name[i]) == AsciiLower(candidate[j]) ? 0 : 1);
+        diagonal = row[j + 1];
+        row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
+      }
+    }
+    if (row.back() < least) {
+      least = row.back();
+      nearest = candidate;
+    }
+  }
+  return nearest;
+}
+
+}  // namespace tessarlorn

@@ -1,0 +1,40 @@
+#include "platform/collections.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/error.h"
+
+namespace tessarlorn {
+namespace {
+
+TEST(DictionaryTest, KeepsOrderAndPlacesThroughChanges) {
+  Dictionary entries{{"b", 1}, {"a", 2}, {"c", 3}};
+  entries.SetValue("b", 10);
+  EXPECT_TRUE(entries.Remove("a"));
+  EXPECT_FALSE(entries.Remove("a"));
+  entries.SetValue("A", 4);
+  ASSERT_EQ(entries.size(), 3U);
+  EXPECT_EQ(entries.At(1).first, "b");
+  EXPECT_EQ(entries.At(1).second.ToInt32(), 10);
+  EXPECT_EQ(entries.At(2).first, "c");
+  EXPECT_EQ(entries.At(3).first, "A");
+  EXPECT_EQ(entries.Find("c")->ToInt32(), 3);
+  EXPECT_FALSE(entries.Exists("a"));
+  EXPECT_EQ(entries.GetValue("a", "none").ToText(), "none");
+}
+
+TEST(CollectionsTest, CountFromOne) {
+  const Vector items{1, 2};
+  EXPECT_EQ(items.At(2).ToInt32(), 2);
+  for (const std::size_t position : {0U, 3U}) {
+    try {
+      (void)items.At(position);
+      FAIL() << position;
+    } catch (const Error& error) {
+      EXPECT_EQ(error.number(), error_number::kSubscriptOutOfRange);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tessarlorn

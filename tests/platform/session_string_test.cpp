@@ -1,0 +1,57 @@
+#include "platform/session_string.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/error.h"
+
+namespace tessarlorn {
+namespace {
+
+TEST(SessionStringTest, TakesApart) {
+  const SessionString full =
+      ParseSessionString(" connect = {Driver={{a}};Server=s} ; User=16394;Language=CHT;Client=10.0.0.5;");
+  EXPECT_EQ(full.database, "Driver={{a};Server=s");
+  EXPECT_EQ(full.user, 16394);
+  EXPECT_EQ(full.language, "CHT");
+  EXPECT_EQ(full.client, "10.0.0.5");
+  EXPECT_EQ(ParseSessionString("User=1;Connect=Embedded=orders.db").database, "Embedded=orders.db");
+}
+
+TEST(SessionStringTest, TakesWholeWhatNamesNoConnect) {
+  for (const char* text : {"Embedded=:memory:", "Driver={ODBC};Connect Timeout=5;PWD={a", "DSN=Connect"}) {
+    const SessionString session = ParseSessionString(text);
+    EXPECT_EQ(session.database, text);
+    EXPECT_EQ(session.user, 0);
+    EXPECT_EQ(session.language, "CHS");
+  }
+}
+
+TEST(SessionStringTest, NamesTheFault) {
+  const struct {
+    const char* text;
+    const char* named;
+  } cases[] = {
+      {"", "empty"},
+      {"Connect={Embedded=a;User=1", "Connect="},
+      {"Connect={Embedded=a}x;User=1", "Connect"},
+      {"Connect=Embedded=a;Usr=1", "Usr"},
+      {"Connect=Embedded=a;User=1;user=2", "user"},
+      {"Connect=Embedded=a;User", "User"},
+      {"Connect=Embedded=a;User=12x", "12x"},
+      {"Connect=Embedded=a;User=2147483648", "2147483648"},
+      {"Connect=;User=1", "Connect="},
+      {"Connect=Embedded=a;=1", "\"=\""},
+  };
+  for (const auto& c : cases) {
+    try {
+      ParseSessionString(c.text);
+      ADD_FAILURE() << c.text;
+    } catch (const Error& error) {
+      EXPECT_EQ(error.number(), error_number::kLoginRefused) << c.text;
+      EXPECT_NE(error.description().find(c.named), std::string::npos) << c.text << ": " << error.description();
+    }
+  }
+}
+
+}  // namespace
+}  // namespace tessarlorn

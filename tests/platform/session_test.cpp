@@ -1,0 +1,171 @@
+#include "platform/session.h"
+
+#include <algorithm>
+#include <array>
+#include <gtest/gtest.h>
+#include <thread>
+
+#include "platform/client_address.h"
+#include "platform/error.h"
+
+namespace tessarlorn {
+namespace {
+
+/// What happened to the connections of the driver under test, in order: "open 1", "begin 1", "reset 1" …
+std::vector<std::string> events;
+
+class LoggedConnection : public Connection {
+ public:
+  explicit LoggedConnection(int number) : number_(number) {}
+  ~LoggedConnection() override { Note("close"); }
+
+  void BeginTransaction() override { Note("begin"); }
+  void CommitTransaction() override {
+    Note("commit");
+    if (fails_to_commit) Raise(error_number::kDatabaseFailure, "commit failed");
+  }
+  void RollbackTransaction() override { Note("rollback"); }
+  bool Reset() noexcept override {
+    Note("reset");
+    return resets;
+  }
+  [[nodiscard]] bool usable() const noexcept override { return !lost; }
+  void Cancel() noexcept override {}
+
+  bool resets = true;
+  bool lost = false;
+  bool fails_to_commit = false;
+
+ protected:
+  std::vector<RecordsetPtr> Run(std::string_view, bool) override { return {}; }
+
+ private:
+  void Note(const std::string& what) const { events.push_back(what + " " + std::to_string(number_)); }
+  int number_;
+};
+
+class LoggedDriver : public Driver {
+ public:
+  [[nodiscard]] std::vector<std::string> Prefixes() const override { return {"Logged"}; }
+  [[nodiscard]] std::unique_ptr<Connection> Open(std::string_view) override {
+    events.push_back("open " + std::to_string(++opened_));
+    return std::make_unique<LoggedConnection>(opened_);
+  }
+
+ private:
+  int opened_ = 0;
+};
+
+class SessionTest : public testing::Test {
+ protected:
+  SessionTest() {
+    SessionFactory::ForThisThread().CloseIdle();
+    RegisterDriver(std::make_shared<LoggedDriver>());
+    events.clear();
+  }
+  static std::shared_ptr<DataSession> Open(std::string_view dsn = "Logged=a") {
+    auto session = SessionFactory::ForThisThread().NewSession();
+    session->OpenSession(dsn);
+    return session;
+  }
+  static LoggedConnection& Logged(DataSession& session) {
+    return dynamic_cast<LoggedConnection&>(session.GetConnection());
+  }
+  using Events = std::vector<std::string>;
+};
+
+TEST_F(SessionTest, HandsIdleConnectionsOutAgainForTheSameDatabase) {
+  Open("Connect=Logged=a;User=1");
+  const auto again = Open("Connect=Logged=a;User=2;Language=CHT;Client=10.0.0.5");
+  const auto other = Open("Logged=b");
+  EXPECT_EQ(events, (Events{"open 1", "reset 1", "open 2"}));
+  EXPECT_EQ(again->GetContext().GetCallerInfo(), "User=2");
+  EXPECT_EQ(again->GetContext().GetLanguage(), "CHT");
+  EXPECT_EQ(again->GetDsn(), "Connect=Logged=a;User=2;Language=CHT;Client=10.0.0.5");
+  EXPECT_NE(&again->GetConnection(), &other->GetConnection());
+}
+
+TEST_F(SessionTest, KeepsFourIdleConnectionsAndNoSpoiltOne) {
+  {
+    std::vector<std::shared_ptr<DataSession>> sessions;
+    for (int i = 0; i < 5; ++i) sessions.push_back(Open());
+  }
+  EXPECT_EQ(std::count(events.begin(), events.end(), "close 5"), 1);
+  EXPECT_EQ(events.size(), 11U);
+  SessionFactory::ForThisThread().CloseIdle();
+  events.clear();
+  Logged(*Open()).resets = false;
+  EXPECT_EQ(events, (Events{"open 6", "reset 6", "close 6"}));
+  events.clear();
+  Logged(*Open()).lost = true;
+  EXPECT_EQ(events, (Events{"open 7", "close 7"}));
+}
+
+TEST_F(SessionTest, IsNotOpenBeforeOpenSessionNorAfterReset) {
+  const auto session = SessionFactory::ForThisThread().NewSession();
+  EXPECT_EQ(session->GetDsn(), "");
+  EXPECT_EQ(session->GetContext().GetLanguage(), "CHS");
+  EXPECT_THROW((void)session->GetConnection(), Error);
+  session->OpenSession("Logged=a");
+  session->Reset();
+  EXPECT_THROW((void)session->GetConnection(), Error);
+  EXPECT_THROW((void)session->GetAlternateConnection(), Error);
+  EXPECT_THROW(session->OpenSession("Unheard=a"), Error);
+}
+
+TEST_F(SessionTest, TransactionSpansTheSessionsOfADatabase) {
+  const auto before = Open();
+  events.clear();
+  {
+    ContainerTransaction transaction;
+    EXPECT_THROW(ContainerTransaction second, Error);
+    const auto first = Open();
+    const auto second = Open();
+    const auto other = Open("Logged=b");
+    EXPECT_EQ(&first->GetConnection(), &second->GetConnection());
+    EXPECT_EQ(&before->GetConnection(), &first->GetConnection()) << "an earlier session joins when it is used";
+    EXPECT_NE(&first->GetAlternateConnection(), &first->GetConnection());
+    transaction.Commit();
+    EXPECT_THROW(transaction.Commit(), Error);
+    EXPECT_EQ(events, (Events{"open 2", "begin 2", "open 3", "begin 3", "reset 1", "commit 2", "commit 3"}));
+  }
+  EXPECT_NE(&Open()->GetConnection(), &before->GetConnection()) << "a connection still held is not idle";
+}
+
+TEST_F(SessionTest, UncommittedTransactionRollsBack) {
+  {
+    const ContainerTransaction transaction;
+    Open();
+  }
+  EXPECT_EQ(events, (Events{"open 1", "begin 1", "rollback 1", "reset 1"}));
+  events.clear();
+  {
+    ContainerTransaction transaction;
+    const auto first = Open("Logged=a");
+    const auto second = Open("Logged=b");
+    Logged(*first).fails_to_commit = true;
+    EXPECT_THROW(transaction.Commit(), Error);
+  }
+  EXPECT_EQ(events, (Events{"begin 1", "open 2", "begin 2", "commit 1", "rollback 2", "reset 2", "reset 1"}));
+}
+
+TEST_F(SessionTest, ThreadsShareNothing) {
+  Open();
+  std::thread([] {
+    const ContainerTransaction transaction;
+    Open();
+  }).join();
+  EXPECT_EQ(events, (Events{"open 1", "reset 1", "open 2", "begin 2", "rollback 2", "reset 2", "close 2"}));
+}
+
+TEST_F(SessionTest, CurrentSessionTellsTheClientAddress) {
+  std::array<char, 8> buffer{};
+  EXPECT_EQ(ReadTcp(buffer, {}), 0);
+  const auto session = Open("Connect=Logged=a;Client=10.11.12.13");
+  const CurrentSession current(*session);
+  EXPECT_EQ(ReadTcp(buffer, {}), 1);
+  EXPECT_STREQ(buffer.data(), "10.11.1");
+}
+
+}  // namespace
+}  // namespace tessarlorn

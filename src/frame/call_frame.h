@@ -1,0 +1,44 @@
+// The one way in which an operation reaches the database: session, connection, and errors under its own Source.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include "platform/session.h"
+
+namespace tessarlorn {
+
+/// What an instance of either service class holds between calls; the frame replaces both.
+struct InstanceState {
+  SessionContext& context;
+  std::shared_ptr<DataSession>& session;
+};
+
+/// Whether the session of the call before is reset before the new one is opened. Without, its connection is given back
+/// only when the new session is open.
+enum class OldSession : std::uint8_t { kReset, kKeep };
+
+/// Opens a new session for `dsn` in place of the instance's. Raises what DataSession::OpenSession raises; the instance
+/// then holds the new, unopened session.
+void OpenSession(InstanceState instance, std::string_view dsn);
+
+/// To be called while an exception is handled: raises it as an Error with `source`. An Error keeps its number,
+/// description and native error; out of memory is 7, any other exception 51.
+[[noreturn]] void RaiseFromHandler(std::string_view source);
+
+/// Runs an operation: `body(Connection&)` on a new session of the instance; answers what it answers. Whatever is
+/// raised comes out as one Error with `source`. Nothing is rolled back, and the session stays open for the instance.
+template <typename Body>
+auto CallOperation(InstanceState instance, std::string_view source, std::string_view dsn, const Body& body,
+                   OldSession old_session = OldSession::kReset) {
+  try {
+    if (old_session == OldSession::kReset) instance.session->Reset();
+    OpenSession(instance, dsn);
+    return body(instance.session->GetConnection());
+  } catch (...) {
+    RaiseFromHandler(source);
+  }
+}
+
+}  // namespace tessarlorn

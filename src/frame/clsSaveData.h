@@ -1,0 +1,121 @@
+// clsSaveData: every operation that changes orders.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "frame/call_frame.h"
+#include "frame/transaction_mode.h"
+#include "platform/collections.h"
+#include "platform/session.h"
+
+namespace tessarlorn {
+
+/// One call at a time, on the thread that made the instance. It may be used for any number of calls, with different
+/// connection strings; each opens a session of its own and leaves it open until the next.
+///
+/// Operations with a mandatory parameter missing do nothing at all: no session, no error, the answer False. A connection
+/// string under a key counts as missing when it is empty. Dictionary and Vector arguments may be nullptr, which is
+/// Nothing. False never stands for a failure: that is raised as `Error`, with the database's number and description and
+/// the Source that the operation names. Without one named, the Source is the operation's bare name.
+///
+/// Values go into the SQL as they are given, lists of order keys ("12,15") included; texts are not escaped.
+class clsSaveData {
+ public:
+  clsSaveData();
+  clsSaveData(const clsSaveData&) = delete;
+  clsSaveData& operator=(const clsSaveData&) = delete;
+  ~clsSaveData() = default;
+
+  [[nodiscard]] TransactionMode TransMode() const noexcept { return TransactionMode::kRequired; }
+
+  // Operation log. These three open no session: they work on the one that the instance's last operation opened, and
+  // answer what the web-order component answers. Its errors, and 429 when there is none, come out unchanged.
+
+  /// Records a new field value of an order, or of its line `EntryID` ("0": the order itself). FID may be "".
+  bool WriteSaveOrderLog(std::string_view FID, std::string_view EntryID, std::string_view FieldName,
+                         std::string_view Value);
+  /// Records an operation: one row for each order of the list `sFID`, with the acting user, the client's address and
+  /// the host's local time. ItemID is "0" for the whole order. Raises 5 when the client's address has no end.
+  bool WriteOPLog(std::string_view sFID, std::string_view OPCode, std::string_view ItemID, std::string_view FOldValue,
+                  std::string_view FNewValue);
+  /// Whether operations of this code are to be logged.
+  bool IsLogEnable(std::string_view OPCode);
+
+  // Picking.
+
+  /// Assigns the picker FPickManNumber (employee code) with the remark FPickRem and sets the orders FID waiting for
+  /// delivery (status 6), whatever their status was. Needs sDSN and FID; an absent remark or picker is stored as "".
+  bool ConfirmBill(const Dictionary* dctPara);
+  /// Stores the picking check FPickingGoodsStatus (default 0) by the user FPickingGoodMan for the parcel
+  /// FLogisticsOrder: its logistics number or, when it is numeric, its unique code as well. The host's local time is
+  /// stored when the second key FPickingGoodsstatus (small s) is 1. The connection string is under sProps. Logged as
+  /// 3003, for the first order found.
+  bool SavePickingGoods(const Dictionary* dctPara);
+  /// Marks the picking check of those of the orders FID as passed that are not, by user UserId. The connection string is
+  /// under sDsn. Logged as 3014 for all of them, always and before the change.
+  bool MarkPickingGoodsStatus(const Dictionary* dctPara);
+  /// Takes the mark back from those that have it; logged as 3013 where that is enabled.
+  bool ClearPickingGoodsStatus(const Dictionary* dctPara);
+
+  // Delivery.
+
+  /// Sets the orders FID delivered (status 14) by the acting user and closes their lines, whatever their status was.
+  /// Needs sDSN and FID. Raises 6 "Overflow" when the user's id is beyond 16 bits.
+  bool Delivery(const Dictionary* dctPara);
+  /// Replaces the delivery remark of the orders FID by FShippingRem or, with Mode 1, adds it behind the old one and a
+  /// backslash. Needs sDSN, FID and FShippingRem. Each order's field log is written first. Source "OrderRemark".
+  bool DeliveryRemark(const Dictionary* dctPara);
+  /// Steps the orders FID back: with UpdateFlag True from delivered to 6 (lines open again, shipper cleared), otherwise
+  /// to 2 (picker cleared, lines untouched), whatever their status was. Needs sDSN and FID; an absent UpdateFlag is
+  /// False. Logged as 3005, before the change.
+  bool BackToThePreviousStep(const Dictionary* dctPara);
+  /// Queues the creation of stock bills for the orders; an order that is queued already is reset to waiting. An empty
+  /// list queues nothing and is True. Batches before a failing one stay applied. Raises 13 for a key that is no number.
+  /// Source "TessarLornPickingAndDelivery.clsSaveData.UpdateDeliveryData".
+  bool UpdateDeliveryData(std::string_view sDsn, std::string_view sFID);
+
+  // Logistics numbers, weights and costs.
+
+  /// Sets the logistics cost of the orders FID to LogisticsCosts, in the order's currency, rounded to two decimals
+  /// (half away from zero). Needs sDSN and FID. Each order's field log is written first. Raises 13, before anything is
+  /// written, when LogisticsCosts is missing or no number. Source "Delivery".
+  bool ModifyCost(const Dictionary* dctPara);
+  /// Stores FLogisticsOrder, FWeight (kg) and FLogisticsCost of the order FID for each Dictionary of the list. Weight and
+  /// cost count as the number with which their text begins, 0 when there is none. A number that is not empty goes to the
+  /// field log. False for Nothing; an empty list changes nothing and is True. Source "Delivery".
+  bool SetUpLogisticsNumberAndWeight(std::string_view sDsn, const Vector* vctPara);
+  /// Stores logistics numbers: each entry's key is an order's FUniqueCode, its value the number. False without sDsn or
+  /// entries. Nothing is logged. Source "Delivery".
+  bool SetUpLogisticsNumber(std::string_view sDsn, const Dictionary* dctPara);
+  /// Stores FWeight (kg), FLogisticsCost, FWeighttingMan and FWeighttingStatus of the order FID for each Dictionary of
+  /// the list; a missing key is spliced as "". Each order is logged as 3008 before the batch runs. False for Nothing; an
+  /// empty list changes nothing and is True.
+  bool SaveLogWeight(std::string_view sDsn, const Vector* vctPara);
+  /// Marks the orders FID as weighed by UserID and, with AsyncCreate True, queues their stock bills as
+  /// UpdateDeliveryData does. Needs FID and AsyncCreate.
+  /// Source "TessarLornPickingAndDelivery.clsSaveData.UpdateLogisticsWeightStatus".
+  bool UpdateLogisticsWeightStatus(std::string_view sDsn, const Dictionary* dctPara);
+
+  // Upload of delivery states to the web shops.
+
+  /// Marks the orders FID as uploaded (transaction status 38193) and clears their failure; with IsOfflineUpLoad 1 also
+  /// as sent offline (send type 38132). Needs sDSN and FID.
+  bool UploadStatus(const Dictionary* dctPara);
+  /// Marks orders as not uploaded, with the reason: ErrInfo is a Vector of Dictionaries with FailureFID (default 0) and
+  /// FailureInfo, whose single quotes are removed. Needs sDSN and ErrInfo; an empty Vector changes nothing and is True.
+  bool UploadStatusFailure(const Dictionary* dctPara);
+  /// Marks every manual order and every closed transaction, with their lines, as uploaded: they never need it.
+  bool UpLoadStatusForManualAndClosed(std::string_view sDsn);
+
+ private:
+  struct PickingMark;
+  bool ChangePickingMark(const Dictionary* dctPara, const PickingMark& mark);
+  [[nodiscard]] InstanceState State() noexcept { return {context_, session_}; }
+
+  SessionContext context_;
+  std::shared_ptr<DataSession> session_;
+};
+
+}  // namespace tessarlorn

@@ -1,0 +1,34 @@
+#include "frame/identity.h"
+
+#include <algorithm>
+#include <array>
+
+#include "platform/client_address.h"
+#include "platform/error.h"
+#include "platform/object_service.h"
+
+namespace tessarlorn {
+
+Variant CallSibling(DataSession& session, std::string_view prog_id, std::string_view method,
+                    std::span<const Variant> arguments) {
+  const CurrentSession current(session);
+  return ObjectService::ForThisThread().CreateInstance(prog_id)->Call(method, arguments);
+}
+
+std::int32_t CurrentUserId(DataSession& session) {
+  const std::array<Variant, 1> caller = {session.GetContext().GetCallerInfo()};
+  return CallSibling(session, "QuorBase.SecurityInfo", "GetCurrentUserID", caller).ToInt32();
+}
+
+std::string ClientAddress(DataSession& session) {
+  constexpr std::size_t kBufferSize = 64;
+  const CurrentSession current(session);
+  std::array<char, kBufferSize> buffer{};
+  if (ReadTcp(buffer, {}) != 1) return {};
+  const char* const end = std::find(buffer.data(), buffer.data() + buffer.size(), '\0');
+  if (end == buffer.data() + buffer.size())
+    Raise(error_number::kInvalidArgument, "Invalid procedure call or argument: client address");
+  return std::string(static_cast<const char*>(buffer.data()), end);
+}
+
+}  // namespace tessarlorn

@@ -1,0 +1,29 @@
+#include "frame/parameters.h"
+
+#include "platform/error.h"
+
+namespace tessarlorn {
+
+std::string Parameters::Text(std::string_view key, std::string_view fallback) const {
+  const Variant* value = Find(key);
+  return value == nullptr ? std::string(fallback) : value->ToText();
+}
+
+const Variant& Parameters::Value(std::string_view key) const {
+  static const Variant kMissing;
+  const Variant* value = Find(key);
+  return value == nullptr ? kMissing : *value;
+}
+
+bool Parameters::IsNumber(std::string_view key, std::int32_t number) const {
+  const Variant* value = Find(key);
+  return value != nullptr && !value->is_empty() && IsNumeric(*value) && value->Equals(number);
+}
+
+std::shared_ptr<Dictionary> ItemDictionary(const Variant& item) {
+  std::shared_ptr<Dictionary> dictionary = item.ToDictionary();
+  if (!dictionary) RaiseTypeMismatch();
+  return dictionary;
+}
+
+}  // namespace tessarlorn

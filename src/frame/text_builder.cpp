@@ -1,0 +1,33 @@
+#include "frame/text_builder.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "platform/error.h"
+#include "platform/text.h"
+
+namespace tessarlorn {
+
+Spliced::Spliced(std::string_view name, std::int32_t number) : name_(name) {
+  const auto end = std::to_chars(digits_.data(), digits_.data() + digits_.size(), number).ptr;
+  length_ = static_cast<std::size_t>(end - digits_.data());
+}
+
+void TextBuilder::Append(std::string_view block, std::initializer_list<Spliced> values) {
+  for (std::size_t open = block.find('{'); open != std::string_view::npos; open = block.find('{')) {
+    const std::size_t close = block.find('}', open);
+    const std::string_view name = block.substr(open + 1, close - open - 1);
+    const auto* const value =
+        std::find_if(values.begin(), values.end(), [name](const Spliced& spliced) { return spliced.name() == name; });
+    if (value == values.end()) {
+      Raise(error_number::kInternalError, "Internal error: no value for {" + std::string(name) + "}");
+    }
+    text_.append(block.substr(0, open)).append(value->text());
+    block.remove_prefix(close + 1);
+  }
+  text_ += block;
+}
+
+std::string FillTemplate(std::string_view text, std::string_view argument) { return ReplaceAll(text, "%1", argument); }
+
+}  // namespace tessarlorn

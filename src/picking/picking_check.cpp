@@ -1,0 +1,104 @@
+// Confirming the picker, and the picking check of orders.
+#include "frame/clsSaveData.h"
+#include "frame/parameters.h"
+#include "frame/text_builder.h"
+#include "platform/clock.h"
+
+namespace tessarlorn {
+
+bool clsSaveData::ConfirmBill(const Dictionary* dctPara) {
+  const Parameters parameters(dctPara);
+  if (!parameters.HasText("sDSN") || !parameters.HasText("FID")) return false;
+  return CallOperation(State(), "ConfirmBill", parameters.Text("sDSN"), [&](Connection& connection) {
+    TextBuilder text;
+    text.Append(R"(
+Update IC_Web2ERPOrders
+SET     FPickMan = '{FPickManNumber}', --配货员职员代码
+        FPickRem = '{FPickRem}', --配货备注
+        FPickDate=GETDATE(),                    --配货日期
+        FOrderStatus = 6                        --待发货状态值
+WHERE   FID IN ( {FID})
+)"_sql,
+                {{"FPickManNumber", parameters.Text("FPickManNumber")},
+                 {"FPickRem", parameters.Text("FPickRem")},
+                 {"FID", parameters.Text("FID")}});
+    connection.Execute(text.GetText());
+    return true;
+  });
+}
+
+bool clsSaveData::SavePickingGoods(const Dictionary* dctPara) {
+  const Parameters parameters(dctPara);
+  if (!parameters.HasText("sProps")) return false;
+  return CallOperation(State(), "SavePickingGoods", parameters.Text("sProps"), [&](Connection& connection) {
+    const std::string parcel = parameters.Text("FLogisticsOrder");
+    TextBuilder condition;
+    if (IsNumeric(parcel)) {
+      condition.Append(" Where FUniqueCode ='{parcel}' OR FLogisticsOrder ='{parcel}'", {{"parcel", parcel}});
+    } else {
+      condition.Append(" Where FLogisticsOrder ='{parcel}'", {{"parcel", parcel}});
+    }
+    if (IsLogEnable("3003")) {
+      TextBuilder query;
+      query.Line("select FID from IC_Web2ERPOrders with(nolock) ", condition.GetText());
+      const RecordsetPtr orders = connection.Execute(query.GetText());
+      if (!orders->eof()) {
+        const bool passed = parameters.Has("FPickingGoodsStatus") && !parameters.IsNumber("FPickingGoodsStatus", 0);
+        WriteOPLog(orders->Get(std::size_t{0}).ToText(), "3003", "0", "", passed ? "通过" : "不通过");
+      }
+    }
+    TextBuilder text;
+    text.Append("UPDATE IC_Web2ERPOrders  SET FPIckingGoodsStatus ={status},FPickingGoodMan = {man}",
+                {{"status", parameters.Text("FPickingGoodsStatus", "0")}, {"man", parameters.Text("FPickingGoodMan")}});
+    if (parameters.IsNumber("FPickingGoodsstatus", 1)) {
+      text.Append(",FOrderPickingDate='{now}'", {{"now", LocalNow().ToString()}});
+    }
+    text.Line(condition.GetText());
+    connection.Execute(text.GetText());
+    return true;
+  });
+}
+
+/// What tells marking from clearing.
+struct clsSaveData::PickingMark {
+  std::string_view source;
+  std::string_view code;
+  bool always_logged;
+  std::string_view set;
+  std::string_view guard;
+};
+
+bool clsSaveData::MarkPickingGoodsStatus(const Dictionary* dctPara) {
+  return ChangePickingMark(dctPara,
+                           {.source = "MarkPickingGoodsStatus",
+                            .code = "3014",
+                            .always_logged = true,
+                            .set = "SET FOrderPickingDate = GETDATE(),FPIckingGoodsStatus = 1,FPickingGoodMan=",
+                            .guard = ") AND FPIckingGoodsStatus = 0"});
+}
+
+bool clsSaveData::ClearPickingGoodsStatus(const Dictionary* dctPara) {
+  return ChangePickingMark(dctPara,
+                           {.source = "ClearPickingGoodsStatus",
+                            .code = "3013",
+                            .always_logged = false,
+                            .set = "SET FOrderPickingDate = GETDATE(),FPIckingGoodsStatus = 0,FPickingGoodMan=",
+                            .guard = ") AND FPIckingGoodsStatus = 1"});
+}
+
+bool clsSaveData::ChangePickingMark(const Dictionary* dctPara, const PickingMark& mark) {
+  const Parameters parameters(dctPara);
+  if (!parameters.HasText("sDsn") || !parameters.HasText("FID")) return false;
+  return CallOperation(State(), mark.source, parameters.Text("sDsn"), [&](Connection& connection) {
+    const std::string orders = parameters.Text("FID");
+    if (mark.always_logged || IsLogEnable(mark.code)) WriteOPLog(orders, mark.code, "0", "", "");
+    TextBuilder text;
+    text.Line("UPDATE IC_Web2ERPOrders ");
+    text.Line(mark.set, parameters.Text("UserId"));
+    text.Line("WHERE FID IN (", orders, mark.guard);
+    connection.Execute(text.GetText());
+    return true;
+  });
+}
+
+}  // namespace tessarlorn

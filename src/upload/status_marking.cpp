@@ -1,0 +1,78 @@
+// Recording what became of the upload of delivery states to the web shops.
+#include "frame/clsGetData.h"
+#include "frame/clsSaveData.h"
+#include "frame/parameters.h"
+#include "frame/text_builder.h"
+#include "platform/error.h"
+#include "platform/text.h"
+
+namespace tessarlorn {
+
+bool clsSaveData::UploadStatus(const Dictionary* dctPara) {
+  const Parameters parameters(dctPara);
+  if (!parameters.HasText("sDSN") || !parameters.HasText("FID")) return false;
+  return CallOperation(State(), "UploadStatus", parameters.Text("sDSN"), [&](Connection& connection) {
+    TextBuilder text;
+    text.Append(R"(
+Update IC_Web2ERPOrders
+Set FUpLoadStatus = 1,
+ FTransactionStatus = 38193,
+)"_sql);
+    if (parameters.IsNumber("IsOfflineUpLoad", 1)) text.Line("FSendType = 38132 ,");
+    text.Append(R"(
+    FReasonsForFailure=''
+WHERE   FID IN ({FID})
+)"_sql,
+                {{"FID", parameters.Text("FID")}});
+    connection.Execute(text.GetText());
+    return true;
+  });
+}
+
+bool clsSaveData::UploadStatusFailure(const Dictionary* dctPara) {
+  const Parameters parameters(dctPara);
+  if (!parameters.HasText("sDSN") || !parameters.Has("ErrInfo")) return false;
+  return CallOperation(State(), "UploadStatusFailure", parameters.Text("sDSN"), [&](Connection& connection) {
+    const std::shared_ptr<Vector> failures = parameters.Value("ErrInfo").ToVector();
+    if (!failures) RaiseTypeMismatch();
+    TextBuilder text;
+    for (const Variant& item : *failures) {
+      const std::shared_ptr<Dictionary> failure = ItemDictionary(item);
+      const Parameters order(failure.get());
+      text.Line("UPDATE IC_Web2ERPOrders SET FUpLoadStatus =0,FReasonsForFailure = '",
+                ReplaceAll(order.Text("FailureInfo"), "'", ""), "' WHERE FID = ", order.Text("FailureFID", "0"));
+    }
+    if (!text.empty()) connection.Execute(text.GetText());
+    return true;
+  });
+}
+
+bool clsSaveData::UpLoadStatusForManualAndClosed(std::string_view sDsn) {
+  return CallOperation(State(), "UpLoadStatusForManualAndClosed", sDsn, [&](Connection& connection) {
+    TextBuilder text;
+    text.Line("Update IC_Web2ERPOrders");
+    text.Line("Set FUpLoadStatus = 1 ");
+    text.Line("where  (FTransactionStatus=38195 or FOrderType=38112) and FUpLoadStatus=0");
+    text.Line("update entry ");
+    text.Line("Set FUpLoadStatus = 1 ");
+    text.Line("from IC_Web2ERPOrdersEntry  entry ");
+    text.Line("inner join  IC_Web2ERPOrders head ");
+    text.Line("on entry.FID=head.FID ");
+    text.Line("where (FTransactionStatus=38195 or FOrderType=38112) and entry.FUpLoadStatus=0 ");
+    connection.Execute(text.GetText());
+    return true;
+  });
+}
+
+RecordsetPtr clsGetData::bExistUpLoadBill(const Dictionary* dctPara) {
+  const Parameters parameters(dctPara);
+  if (!parameters.HasText("sDSN") || !parameters.HasText("FID")) return nullptr;
+  return CallOperation(State(), "bExistUpLoadBill", parameters.Text("sDSN"), [&](Connection& connection) {
+    TextBuilder text;
+    text.Line("SELECT FOrderID ,FUpLoadStatus FROM IC_Web2ERPOrders WHERE FUpLoadStatus =1 AND FID in (",
+              parameters.Text("FID"), ")");
+    return connection.Execute(text.GetText());
+  });
+}
+
+}  // namespace tessarlorn

@@ -1,0 +1,173 @@
+// Makes a row of the operation table from a member function: types from its signature, the call from its pointer.
+#pragma once
+
+#include <cstddef>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+
+#include "automation/operations.h"
+#include "platform/error.h"
+
+namespace tessarlorn {
+
+/// Converts one argument to the parameter type and keeps what the parameter refers to during the call.
+template <typename Parameter>
+class BoundArgument;
+
+/// Text, in or in/out.
+template <typename Parameter>
+requires std::is_same_v<Parameter, std::string_view> || std::is_same_v<Parameter, std::string&>
+class BoundArgument<Parameter> {
+ public:
+  static constexpr ValueType kType = ValueType::kString;
+  static constexpr bool kInOut = std::is_reference_v<Parameter>;
+
+  explicit BoundArgument(Variant& variant) : variant_(variant) {
+    if (variant.is_null()) Raise(error_number::kInvalidUseOfNull, "Invalid use of Null");
+    value_ = variant.ToText();
+  }
+  Parameter Get() noexcept { return value_; }
+  void WriteBack() {
+    if constexpr (kInOut) variant_ = value_;
+  }
+
+ private:
+  Variant& variant_;
+  std::string value_;
+};
+
+template <>
+class BoundArgument<std::int32_t> {
+ public:
+  static constexpr ValueType kType = ValueType::kLong;
+  static constexpr bool kInOut = false;
+
+  explicit BoundArgument(const Variant& variant) : value_(variant.ToInt32()) {}
+  [[nodiscard]] std::int32_t Get() const noexcept { return value_; }
+  void WriteBack() {}
+
+ private:
+  std::int32_t value_;
+};
+
+template <typename Collection>
+requires std::is_same_v<Collection, Dictionary> || std::is_same_v<Collection, Vector>
+class BoundArgument<const Collection*> {
+ public:
+  static constexpr ValueType kType =
+      std::is_same_v<Collection, Dictionary> ? ValueType::kDictionary : ValueType::kVector;
+  static constexpr bool kInOut = false;
+
+  explicit BoundArgument(const Variant& variant) {
+    if (variant.is_empty() || variant.type_name() == "Nothing") return;
+    const auto* value = variant.get_if<std::shared_ptr<Collection>>();
+    if (value == nullptr) RaiseTypeMismatch();
+    value_ = *value;
+  }
+  [[nodiscard]] const Collection* Get() const noexcept { return value_.get(); }
+  void WriteBack() {}
+
+ private:
+  std::shared_ptr<Collection> value_;
+};
+
+template <typename Result>
+constexpr ValueType kResultType = [] {
+  if constexpr (std::is_same_v<Result, bool>) return ValueType::kBoolean;
+  if constexpr (std::is_same_v<Result, double>) return ValueType::kDouble;
+  if constexpr (std::is_same_v<Result, std::string>) return ValueType::kString;
+  if constexpr (std::is_same_v<Result, RecordsetPtr>) return ValueType::kRecordset;
+  if constexpr (std::is_same_v<Result, std::optional<Dictionary>>) return ValueType::kDictionary;
+  if constexpr (std::is_same_v<Result, std::optional<Vector>>) return ValueType::kVector;
+  if constexpr (std::is_same_v<Result, std::int32_t> || std::is_enum_v<Result>) return ValueType::kLong;
+}();
+
+template <typename Value>
+Variant ToVariant(Value value) {
+  if constexpr (std::is_enum_v<Value>) {
+    return static_cast<std::underlying_type_t<Value>>(value);
+  } else {
+    return value;
+  }
+}
+template <typename Collection>
+Variant ToVariant(std::optional<Collection> value) {
+  return value ? std::make_shared<Collection>(*std::move(value)) : std::shared_ptr<Collection>();
+}
+
+template <typename Member>
+struct Signature;
+template <typename ResultType, typename ClassType, typename... Parameters>
+struct Signature<ResultType (ClassType::*)(Parameters...)> {
+  using Result = ResultType;
+  using Class = ClassType;
+  static constexpr std::size_t kCount = sizeof...(Parameters);
+  static constexpr std::array<ValueType, kCount> kTypes = {BoundArgument<Parameters>::kType...};
+  static constexpr std::array<bool, kCount> kInOut = {BoundArgument<Parameters>::kInOut...};
+
+  /// Converts the arguments, calls, writes back.
+  template <typename Member>
+  static Variant Call(Class& object, Member member, std::span<Variant> arguments) {
+    return Call(object, member, arguments, std::index_sequence_for<Parameters...>());
+  }
+
+ private:
+  template <typename Member, std::size_t... kIndex>
+  static Variant Call(Class& object, Member member, [[maybe_unused]] std::span<Variant> arguments,
+                      std::index_sequence<kIndex...>) {
+    std::tuple<BoundArgument<Parameters>...> bound{arguments[kIndex]...};
+    Variant result = ToVariant((object.*member)(std::get<kIndex>(bound).Get()...));
+    (std::get<kIndex>(bound).WriteBack(), ...);
+    return result;
+  }
+};
+template <typename ResultType, typename ClassType, typename... Parameters>
+struct Signature<ResultType (ClassType::*)(Parameters...) const noexcept>
+    : Signature<ResultType (ClassType::*)(Parameters...)> {};
+
+/// What the signature does not tell about an argument.
+struct ArgumentText {
+  std::string_view name;
+  std::span<const Key> keys = {};
+  bool any_key = false;
+  bool optional = false;
+};
+
+/// A row of the table. Does not compile when the number of arguments is not the member's.
+template <auto kMember>
+consteval Operation Bind(std::string_view name, std::initializer_list<ArgumentText> arguments, std::string_view help) {
+  using Bound = Signature<decltype(kMember)>;
+  if (arguments.size() != Bound::kCount) throw "an argument of the member function is not described";
+  Operation operation;
+  operation.service =
+      std::is_same_v<typename Bound::Class, clsSaveData> ? ServiceClass::kSaveData : ServiceClass::kGetData;
+  operation.name = name;
+  operation.property = std::is_enum_v<typename Bound::Result>;
+  operation.result = kResultType<typename Bound::Result>;
+  operation.help = help;
+  operation.argument_count = Bound::kCount;
+  std::size_t i = 0;
+  for (const ArgumentText& text : arguments) {
+    operation.argument_list[i] = {.name = text.name,
+                                  .type = Bound::kTypes[i],
+                                  .in_out = Bound::kInOut[i],
+                                  .optional = text.optional,
+                                  .keys = text.keys,
+                                  .any_key = text.any_key};
+    ++i;
+  }
+  operation.call = [](ServiceObject& object, std::span<Variant> values) {
+    return Bound::Call(object.As<typename Bound::Class>(), kMember, values);
+  };
+  return operation;
+}
+
+/// The rows of each class.
+std::span<const Operation> SaveOperations();
+std::span<const Operation> GetOperations();
+
+}  // namespace tessarlorn

@@ -1,0 +1,176 @@
+#include "automation/operations.h"
+
+#include <fstream>
+#include <gmock/gmock.h>
+#include <set>
+
+#include "automation/binding.h"
+#include "platform/text.h"
+#include "support/recording_driver.h"
+
+namespace tessarlorn {
+namespace {
+
+/// The public functions that a service class declares: the names before the parentheses of its member declarations.
+std::set<std::string> DeclaredOperations(const std::string& class_name) {
+  std::ifstream file(std::string(TESSARLORN_SOURCE_ROOT) + "/src/frame/" + class_name + ".h");
+  std::set<std::string> names;
+  for (std::string line; std::getline(file, line) && line != " private:";) {
+    const std::size_t open = line.find('(');
+    const bool member = line.starts_with("  ") && line[2] != ' ' && line[2] != '/';
+    if (!member || open == std::string::npos) continue;
+    const std::string name = line.substr(line.rfind(' ', open) + 1, open - line.rfind(' ', open) - 1);
+    if (name != class_name && name != "~" + class_name && name != "operator=") names.insert(name);
+  }
+  return names;
+}
+
+void CheckKeys(const Operation& operation, std::span<const Key> keys) {
+  std::set<std::string_view> names;
+  for (const Key& key : keys) {
+    EXPECT_FALSE(key.help.empty()) << operation.name << " " << key.name;
+    EXPECT_TRUE(names.insert(key.name).second) << operation.name << " " << key.name;
+    EXPECT_EQ(key.type == ValueType::kVector, !key.item_keys.empty()) << operation.name << " " << key.name;
+    CheckKeys(operation, key.item_keys);
+  }
+}
+
+TEST(OperationTableTest, HoldsEveryPublicOperation) {
+  for (const ServiceClass service : {ServiceClass::kSaveData, ServiceClass::kGetData}) {
+    std::set<std::string> held;
+    for (const Operation* operation : Operations()) {
+      if (operation->service != service) continue;
+      EXPECT_TRUE(held.emplace(operation->name).second) << operation->name;
+    }
+    EXPECT_EQ(held, DeclaredOperations(std::string(ClassName(service))));
+  }
+}
+
+TEST(OperationTableTest, DescribesEveryOperation) {
+  for (const Operation* operation : Operations()) {
+    EXPECT_FALSE(operation->help.empty()) << operation->name;
+    EXPECT_EQ(operation->property, operation->name == "TransMode");
+    for (const Argument& argument : operation->arguments()) {
+      const bool has_keys = argument.type == ValueType::kDictionary || argument.type == ValueType::kVector;
+      EXPECT_EQ(has_keys, argument.any_key || !argument.keys.empty()) << operation->name << " " << argument.name;
+      CheckKeys(*operation, argument.keys);
+    }
+  }
+}
+
+TEST(OperationTableTest, FindsByNameWithoutCase) {
+  EXPECT_EQ(FindOperation("getlistdata")->name, "GetListData");
+  EXPECT_EQ(FindOperation("CLSSAVEDATA.uploadstatus")->name, "UploadStatus");
+  EXPECT_EQ(FindOperation("clsGetData.TransMode")->service, ServiceClass::kGetData);
+  EXPECT_EQ(FindOperation("TransMode")->service, ServiceClass::kSaveData);
+  for (const char* name : {"clsGetData.Delivery", "clsGetData.", "Deliver", "", "clsSaveData"}) {
+    EXPECT_EQ(FindOperation(name), nullptr) << name;
+  }
+}
+
+class InvokeTest : public RecordingTest {
+ protected:
+  /// Calls on a new object of the operation's class.
+  static Variant Invoke(std::string_view name, std::vector<Variant> arguments) {
+    const Operation& operation = *FindOperation(name);
+    return ServiceObject(operation.service).Invoke(operation, arguments);
+  }
+};
+
+/// Operations that have nothing to miss: they work on the instance's session, or take any connection string.
+bool HasGuard(const Operation& operation) {
+  static const std::set<std::string_view> kWithout = {
+      "WriteSaveOrderLog", "WriteOPLog", "IsLogEnable", "UpdateDeliveryData", "UpLoadStatusForManualAndClosed",
+      "NewGetWeightByFID"};
+  return !kWithout.contains(operation.name) && !operation.property;
+}
+
+TEST_F(InvokeTest, DoesNothingWhenEverythingIsMissing) {
+  for (const Operation* operation : Operations()) {
+    if (!HasGuard(*operation)) continue;
+    std::vector<Variant> arguments(operation->argument_count);
+    const Variant result = ServiceObject(operation->service).Invoke(*operation, arguments);
+    if (result.is_object()) {
+      EXPECT_EQ(result.type_name(), "Nothing") << operation->name;
+    } else {
+      EXPECT_EQ(result.ToDouble(), 0) << operation->name;
+    }
+  }
+  EXPECT_TRUE(Events().empty());
+}
+
+/// A key's or argument's value that lets the operation reach the database.
+Variant Sample(const Key& key) {
+  if (key.is_connection()) return kDsn;
+  if (key.type == ValueType::kVector) return Vector{Dictionary{}};
+  if (key.type == ValueType::kBoolean) return true;
+  return 1;
+}
+
+TEST_F(InvokeTest, RaisesUnderTheSourceThatItsHelpNames) {
+  TheRecording().answer = [](std::string_view) -> RecordsetPtr {
+    throw Error(error_number::kNoSuchTable, "driver", "Invalid object name");
+  };
+  for (const Operation* operation : Operations()) {
+    if (operation->property || FindIgnoreCase(operation->help, "Source") == std::string_view::npos) continue;
+    std::vector<Variant> arguments;
+    for (const Argument& argument : operation->arguments()) {
+      Dictionary values;
+      for (const Key& key : argument.keys) values.SetValue(key.name, Sample(key));
+      if (argument.any_key) values.SetValue("1", "SF1");
+      if (argument.type == ValueType::kDictionary)
+        arguments.emplace_back(values);
+      else if (argument.type == ValueType::kVector)
+        arguments.emplace_back(Vector{values});
+      else
+        arguments.emplace_back(argument.is_connection() ? Variant(kDsn) : Variant(1));
+    }
+    try {
+      ServiceObject(operation->service).Invoke(*operation, arguments);
+      ADD_FAILURE() << operation->name;
+    } catch (const Error& error) {
+      EXPECT_EQ(error.number(), error_number::kNoSuchTable) << operation->name;
+      const std::size_t named = operation->help.find("Source " + error.source());
+      ASSERT_NE(named, std::string_view::npos) << operation->name << " " << error.source();
+      EXPECT_THAT(operation->help[named + 7 + error.source().size()], testing::AnyOf('.', ',')) << operation->name;
+    }
+  }
+}
+
+TEST_F(InvokeTest, ConvertsArgumentsAsAutomationDoes) {
+  EXPECT_EQ(Invoke("NewGetWeightByFID", {kDsn, "12.5"}).ToDictionary()->GetValue("FID").ToInt32(), 12);
+  EXPECT_EQ(Invoke("TransMode", {}).ToInt32(), 2);
+  EXPECT_EQ(Invoke("clsSaveData.UpdateDeliveryData", {kDsn, 12}).ToBool(), true);
+  EXPECT_THAT(Events().back(), testing::HasSubstr("VALUES (12,1,'')"));
+  const std::string source = " TessarLornPickingAndDelivery";
+  EXPECT_EQ(Raised([] { Invoke("NewGetWeightByFID", {kDsn, "x"}); }), "13" + source);
+  EXPECT_EQ(Raised([] { Invoke("NewGetWeightByFID", {kDsn, 1e10}); }), "6" + source);
+  EXPECT_EQ(Raised([] { Invoke("bIsWeightting", {Null{}}); }), "94" + source);
+  EXPECT_EQ(Raised([] { Invoke("Delivery", {Vector{}}); }), "13" + source);
+  EXPECT_EQ(Raised([] { Invoke("UpdateDeliveryData", {kDsn}); }), "449" + source);
+  EXPECT_EQ(Raised([] { Invoke("Delivery", {Variant(), Variant()}); }), "450" + source);
+  EXPECT_EQ(Raised([] { ServiceObject("clsGetData").Invoke(*FindOperation("Delivery"), {}); }), "438" + source);
+  EXPECT_EQ(Raised([] { ServiceObject("clsPutData"); }), "429" + source);
+  EXPECT_EQ(ServiceObject("tessarlornpickinganddelivery.CLSGETDATA").service(), ServiceClass::kGetData);
+}
+
+struct Swapper {
+  std::int32_t Swap(std::string& text, std::int32_t number) {
+    const std::int32_t old = Variant(text).ToInt32();
+    text = std::to_string(number);
+    return old;
+  }
+};
+
+TEST(BindingTest, WritesInOutArgumentsBack) {
+  using Bound = Signature<decltype(&Swapper::Swap)>;
+  EXPECT_TRUE(Bound::kInOut[0]);
+  EXPECT_FALSE(Bound::kInOut[1]);
+  Swapper swapper;
+  std::vector<Variant> arguments = {5, "7"};
+  EXPECT_EQ(Bound::Call(swapper, &Swapper::Swap, arguments).ToInt32(), 5);
+  EXPECT_EQ(arguments[0].ToText(), "7");
+}
+
+}  // namespace
+}  // namespace tessarlorn

@@ -1,0 +1,65 @@
+#include "frame/call_frame.h"
+
+#include <gmock/gmock.h>
+#include <new>
+
+#include "frame/clsGetData.h"
+#include "frame/clsSaveData.h"
+#include "support/recording_driver.h"
+
+namespace tessarlorn {
+namespace {
+
+class CallFrameTest : public RecordingTest {
+ protected:
+  InstanceState State() { return {context_, session_}; }
+
+  SessionContext context_;
+  std::shared_ptr<DataSession> session_ = SessionFactory::ForThisThread().NewSession();
+};
+
+TEST_F(CallFrameTest, TurnsEveryFailureIntoOneErrorOfTheOperation) {
+  const auto raised = [&](const auto& failure) {
+    return Raised([&] { CallOperation(State(), "Delivery", kDsn, [&](Connection&) { failure(); }); });
+  };
+  EXPECT_EQ(raised([] { throw std::bad_alloc(); }), "7 Delivery");
+  EXPECT_EQ(raised([] { throw std::runtime_error("x"); }), "51 Delivery");
+  EXPECT_EQ(raised([] { throw 1; }), "51 Delivery");
+  EXPECT_EQ(raised([] { RaiseTypeMismatch(); }), "13 Delivery");
+  EXPECT_EQ(Raised([&] { CallOperation(State(), "Delivery", "Nobody=1", [](Connection&) {}); }),
+            std::to_string(error_number::kLoginRefused) + " Delivery");
+  try {
+    CallOperation(State(), "Delivery", kDsn, [](Connection&) {
+      throw Error(error_number::kConstraintBroken, "driver", "Violation of PRIMARY KEY", {2627, "23000"});
+    });
+    FAIL();
+  } catch (const Error& error) {
+    EXPECT_EQ(error.number(), error_number::kConstraintBroken);
+    EXPECT_EQ(error.description(), "Violation of PRIMARY KEY");
+    EXPECT_EQ(error.native().number, 2627);
+    EXPECT_EQ(error.native().sqlstate, "23000");
+  }
+}
+
+TEST_F(CallFrameTest, ReplacesSessionAndContextWithEachCall) {
+  CallOperation(State(), "", kDsn, [&](Connection&) { EXPECT_EQ(session_->GetDsn(), kDsn); });
+  CallOperation(State(), "", "Connect=Recording=b;User=2;Language=CHT", [&](Connection&) {});
+  EXPECT_EQ(context_.GetLanguage(), "CHT");
+  EXPECT_EQ(context_.GetCallerInfo(), "User=2");
+  EXPECT_THAT(Events(), testing::ElementsAre("open"));
+  // A session that is kept holds its connection until the new one is open.
+  CallOperation(
+      State(), "", "Recording=b", [](Connection&) {}, OldSession::kKeep);
+  EXPECT_THAT(Events(), testing::ElementsAre("open", "open"));
+}
+
+TEST_F(CallFrameTest, ServiceClassesStartWithoutASession) {
+  clsSaveData save;
+  clsGetData get;
+  EXPECT_EQ(static_cast<int>(save.TransMode()), 2);
+  EXPECT_EQ(static_cast<int>(get.TransMode()), 2);
+  EXPECT_TRUE(Events().empty());
+}
+
+}  // namespace
+}  // namespace tessarlorn

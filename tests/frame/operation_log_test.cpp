@@ -1,0 +1,54 @@
+#include <gmock/gmock.h>
+
+#include "frame/clsSaveData.h"
+#include "support/recording_driver.h"
+
+namespace tessarlorn {
+namespace {
+
+using testing::ElementsAre;
+
+class OperationLogTest : public RecordingTest {
+ protected:
+  /// An instance whose last operation has left a session open.
+  OperationLogTest() {
+    save_.UpdateDeliveryData(kDsn, "");
+    Events().clear();
+  }
+  clsSaveData save_;
+};
+
+TEST_F(OperationLogTest, HandsTheRowToTheWebOrderComponent) {
+  EXPECT_TRUE(save_.WriteOPLog("12,15", "3005", "0", "old", "new"));
+  EXPECT_TRUE(save_.WriteSaveOrderLog("12", "0", "FShippingRem", "x"));
+  TheRecording().log_enabled = false;
+  EXPECT_FALSE(save_.IsLogEnable("3005"));
+  EXPECT_THAT(Events(), ElementsAre("WriteOPLog({sFID=12,15,FOPUserID=16394,FOPCode=3005,FUserIP=10.0.0.5,"
+                                    "FOPTime=2024-05-06 07:08:09,FItemID=0,FOldValue=old,FNewValue=new}," +
+                                        std::string(kDsn) + ")",
+                                    "WriteSaveOrderLog(12,0,FShippingRem,x)", "IsLogEnable(3005)"));
+}
+
+TEST_F(OperationLogTest, TakesTheAddressUpToItsEnd) {
+  const auto address = [&](std::size_t length, int answer) {
+    Events().clear();
+    SetReadTcp([=](std::span<char> buffer, std::span<char>) {
+      std::fill_n(buffer.begin(), length, '1');
+      return answer;
+    });
+    return Raised([&] { save_.WriteOPLog("1", "1", "0", "", ""); });
+  };
+  EXPECT_EQ(address(63, 1), "none");
+  EXPECT_THAT(Events(), ElementsAre(testing::HasSubstr("FUserIP=" + std::string(63, '1') + ",")));
+  EXPECT_EQ(address(5, 0), "none");
+  EXPECT_THAT(Events(), ElementsAre(testing::HasSubstr("FUserIP=,")));
+  EXPECT_EQ(address(64, 1), "5 TessarLornPickingAndDelivery");
+}
+
+TEST_F(OperationLogTest, LetsErrorsOfTheComponentThrough) {
+  RegisterObject("TessarMWebOrder.TessarMWebOrderUpdate", {});
+  EXPECT_EQ(Raised([&] { save_.IsLogEnable("3005"); }), "429 TessarLornPickingAndDelivery");
+}
+
+}  // namespace
+}  // namespace tessarlorn

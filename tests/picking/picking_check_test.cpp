@@ -1,0 +1,112 @@
+#include <gmock/gmock.h>
+
+#include "frame/clsSaveData.h"
+#include "support/recording_driver.h"
+
+namespace tessarlorn {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class PickingCheckTest : public RecordingTest {
+ protected:
+  clsSaveData save_;
+};
+
+TEST_F(PickingCheckTest, ConfirmsThePicker) {
+  const Dictionary parameters{{"sDSN", kDsn}, {"FID", "12,15"}, {"FPickManNumber", "E01"}, {"FPickRem", "fragile"}};
+  EXPECT_TRUE(save_.ConfirmBill(&parameters));
+  EXPECT_EQ(OnlyEvent(), Lines({
+                             "Update IC_Web2ERPOrders",
+                             "SET     FPickMan = 'E01', --配货员职员代码",
+                             "        FPickRem = 'fragile', --配货备注",
+                             "        FPickDate=GETDATE(),                    --配货日期",
+                             "        FOrderStatus = 6                        --待发货状态值",
+                             "WHERE   FID IN ( 12,15)",
+                         }));
+}
+
+TEST_F(PickingCheckTest, SavesTheCheckOfAParcel) {
+  const struct {
+    const char* name;
+    Dictionary parameters;
+    const char* condition;
+    const char* update;
+    const char* logged;
+  } cases[] = {
+      {"number, passed with time",
+       {{"FLogisticsOrder", "4711"}, {"FPickingGoodsStatus", 1}, {"FPickingGoodMan", 7}, {"FPickingGoodsstatus", 1}},
+       " Where FUniqueCode ='4711' OR FLogisticsOrder ='4711'",
+       "UPDATE IC_Web2ERPOrders  SET FPIckingGoodsStatus =1,FPickingGoodMan = 7,FOrderPickingDate='2024-05-06 07:08:09'",
+       "FNewValue=通过"},
+      {"letters, passed without time",
+       {{"FLogisticsOrder", "SF12"}, {"FPickingGoodsStatus", "1"}, {"FPickingGoodMan", "7"}},
+       " Where FLogisticsOrder ='SF12'",
+       "UPDATE IC_Web2ERPOrders  SET FPIckingGoodsStatus =1,FPickingGoodMan = 7",
+       "FNewValue=通过"},
+      {"not passed",
+       {{"FLogisticsOrder", "SF12"}},
+       " Where FLogisticsOrder ='SF12'",
+       "UPDATE IC_Web2ERPOrders  SET FPIckingGoodsStatus =0,FPickingGoodMan = ",
+       "FNewValue=不通过"},
+  };
+  for (const auto& c : cases) {
+    Events().clear();
+    TheRecording().answer = [](std::string_view text) {
+      return text.starts_with("select") ? TextRows({"FID"}, {{"12"}, {"13"}}) : nullptr;
+    };
+    Dictionary parameters = c.parameters;
+    parameters.SetValue("sProps", kDsn);
+    EXPECT_TRUE(save_.SavePickingGoods(&parameters)) << c.name;
+    EXPECT_THAT(Events(),
+                ElementsAre("IsLogEnable(3003)",
+                            Lines({std::string("select FID from IC_Web2ERPOrders with(nolock) ") + c.condition}),
+                            testing::AllOf(HasSubstr("{sFID=12,"), HasSubstr("FOPCode=3003"), HasSubstr(c.logged)),
+                            Lines({std::string(c.update) + c.condition})))
+        << c.name;
+  }
+}
+
+TEST_F(PickingCheckTest, UpdatesTheCheckThoughNoOrderIsFoundToLog) {
+  const Dictionary parameters{{"sProps", kDsn}, {"FLogisticsOrder", "SF12"}};
+  EXPECT_TRUE(save_.SavePickingGoods(&parameters));
+  EXPECT_EQ(TheRecording().Batches().size(), 2U);
+  EXPECT_EQ(Events().size(), 3U);
+}
+
+TEST_F(PickingCheckTest, MarksAlwaysLoggedAndClearsLoggedOnRequest) {
+  const Dictionary parameters{{"sDsn", kDsn}, {"FID", "12,15"}, {"UserId", 7}};
+  TheRecording().log_enabled = false;
+  EXPECT_TRUE(save_.MarkPickingGoodsStatus(&parameters));
+  EXPECT_THAT(Events(), ElementsAre(HasSubstr("sFID=12,15,FOPUserID=16394,FOPCode=3014"),
+                                    Lines({
+                                        "UPDATE IC_Web2ERPOrders ",
+                                        "SET FOrderPickingDate = GETDATE(),FPIckingGoodsStatus = 1,FPickingGoodMan=7",
+                                        "WHERE FID IN (12,15) AND FPIckingGoodsStatus = 0",
+                                    })));
+  Events().clear();
+  EXPECT_TRUE(save_.ClearPickingGoodsStatus(&parameters));
+  EXPECT_THAT(Events(), ElementsAre("IsLogEnable(3013)",
+                                    Lines({
+                                        "UPDATE IC_Web2ERPOrders ",
+                                        "SET FOrderPickingDate = GETDATE(),FPIckingGoodsStatus = 0,FPickingGoodMan=7",
+                                        "WHERE FID IN (12,15) AND FPIckingGoodsStatus = 1",
+                                    })));
+}
+
+TEST_F(PickingCheckTest, NeedsItsKeysInTheirSpelling) {
+  const Dictionary wrong{{"sDsn", kDsn}, {"FID", "12"}};
+  EXPECT_FALSE(save_.ConfirmBill(&wrong));
+  EXPECT_FALSE(save_.SavePickingGoods(&wrong));
+  const Dictionary other{{"sDSN", kDsn}, {"FID", "12"}, {"sProps", ""}};
+  EXPECT_FALSE(save_.MarkPickingGoodsStatus(&other));
+  EXPECT_FALSE(save_.SavePickingGoods(&other));
+  const Dictionary no_orders{{"sDSN", kDsn}, {"sDsn", kDsn}, {"FID", ""}};
+  EXPECT_FALSE(save_.ConfirmBill(&no_orders));
+  EXPECT_FALSE(save_.ClearPickingGoodsStatus(&no_orders));
+  EXPECT_TRUE(Events().empty());
+}
+
+}  // namespace
+}  // namespace tessarlorn

@@ -1,0 +1,73 @@
+#include "siblings/siblings.h"
+
+#include <gmock/gmock.h>
+
+#include "frame/clsSaveData.h"
+#include "frame/identity.h"
+#include "support/recording_driver.h"
+
+namespace tessarlorn {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class SiblingsTest : public RecordingTest {
+ protected:
+  SiblingsTest() {
+    RegisterDefaultSiblings();
+    save_.UpdateDeliveryData(kDsn, "");
+    Events().clear();
+  }
+  clsSaveData save_;
+};
+
+TEST_F(SiblingsTest, WritesOneRowForEachOrder) {
+  EXPECT_TRUE(save_.WriteOPLog("12,15", "3005", "0", "it's", ""));
+  const std::string columns =
+      "INSERT INTO IC_TradeLog (FOrderFID,FOPUserID,FOPCode,FUserIP,FOPTime,FItemID,FOldValue,FNewValue) VALUES (";
+  const std::string values = ",16394,3005,N'10.0.0.5','2024-05-06 07:08:09',0,N'it''s',N'')";
+  EXPECT_EQ(OnlyEvent(), Lines({columns + "12" + values, columns + "15" + values}));
+  Events().clear();
+  EXPECT_FALSE(save_.WriteOPLog("", "3005", "0", "", ""));
+  EXPECT_TRUE(Events().empty());
+  EXPECT_EQ(Raised([&] { save_.WriteOPLog("12); drop table x--", "3005", "0", "", ""); }),
+            "13 TessarLornPickingAndDelivery");
+}
+
+TEST_F(SiblingsTest, WritesFieldValuesEscapedAndCut) {
+  EXPECT_TRUE(save_.WriteSaveOrderLog("", "3", "FShippingRem", "it's"));
+  EXPECT_EQ(OnlyEvent(),
+            Lines({"INSERT INTO IC_TradeFieldLog (FOrderFID,FEntryID,FFieldName,FNewValue,FOPUserID,FOPTime) VALUES "
+                   "(NULL,3,N'FShippingRem',N'it''s',16394,GETDATE())"}));
+  Events().clear();
+  // The last place is half of a character that takes two.
+  EXPECT_TRUE(save_.WriteSaveOrderLog("1", "0", std::string(80, 'f'), std::string(1999, '\'') + "\U00020BB7"));
+  EXPECT_THAT(OnlyEvent(), HasSubstr("N'" + std::string(64, 'f') + "',N'" + std::string(3998, '\'') + "',16394"));
+}
+
+TEST_F(SiblingsTest, ReadsTheLogSwitch) {
+  EXPECT_FALSE(save_.IsLogEnable("3005"));
+  EXPECT_EQ(OnlyEvent(), Lines({"SELECT 1 FROM t_SystemProfile WHERE FCategory='EC' AND FKey=N'TradeLog3005' AND "
+                                "FValue='1'"}));
+  TheRecording().answer = [](std::string_view) { return TextRows({"n"}, {{"1"}}); };
+  EXPECT_TRUE(save_.IsLogEnable("3005"));
+}
+
+TEST_F(SiblingsTest, RefusesWhatItCannotDo) {
+  const auto call = [](std::string_view component, std::string_view method, std::vector<Variant> arguments) {
+    return Raised([&] { ObjectService::ForThisThread().CreateInstance(component)->Call(method, arguments); });
+  };
+  const std::string source = " TessarLornPickingAndDelivery";
+  EXPECT_EQ(call("quorbase.securityinfo", "GetUserName", {}), "438" + source);
+  EXPECT_EQ(call("QuorBase.SecurityInfo", "GetCurrentUserID", {"User=x"}), "13" + source);
+  EXPECT_EQ(call("QuorBase.SecurityInfo", "GetCurrentUserID", {}), "450" + source);
+  EXPECT_EQ(call("TessarMWebOrder.TessarMWebOrderUpdate", "Write", {}), "438" + source);
+  EXPECT_EQ(call("TessarMWebOrder.TessarMWebOrderUpdate", "WriteOPLog", {"1", "2"}), "13" + source);
+  // Outside a call there is no session to work on; on a fresh instance it is not open.
+  EXPECT_EQ(call("TessarMWebOrder.TessarMWebOrderUpdate", "IsLogEnable", {"1"}), "91" + source);
+  EXPECT_EQ(Raised([] { clsSaveData().IsLogEnable("1"); }), "91" + source);
+}
+
+}  // namespace
+}  // namespace tessarlorn

@@ -1,0 +1,76 @@
+#include <gmock/gmock.h>
+
+#include "frame/clsGetData.h"
+#include "frame/clsSaveData.h"
+#include "support/recording_driver.h"
+
+namespace tessarlorn {
+namespace {
+
+class StatusMarkingTest : public RecordingTest {
+ protected:
+  clsSaveData save_;
+};
+
+TEST_F(StatusMarkingTest, MarksUploaded) {
+  Dictionary parameters{{"sDSN", kDsn}, {"FID", "12,15"}, {"IsOfflineUpLoad", "1"}};
+  EXPECT_TRUE(save_.UploadStatus(&parameters));
+  EXPECT_EQ(OnlyEvent(), Lines({
+                             "Update IC_Web2ERPOrders",
+                             "Set FUpLoadStatus = 1,",
+                             " FTransactionStatus = 38193,",
+                             "FSendType = 38132 ,",
+                             "    FReasonsForFailure=''",
+                             "WHERE   FID IN (12,15)",
+                         }));
+  for (const Variant& offline : {Variant(0), Variant(2), Variant(true), Variant("no")}) {
+    Events().clear();
+    parameters.SetValue("IsOfflineUpLoad", offline);
+    EXPECT_TRUE(save_.UploadStatus(&parameters));
+    EXPECT_EQ(OnlyEvent().find("FSendType"), std::string::npos) << offline.ToText();
+  }
+}
+
+TEST_F(StatusMarkingTest, RecordsFailures) {
+  Dictionary parameters{
+      {"sDSN", kDsn},
+      {"ErrInfo", Vector{Dictionary{{"FailureFID", 12}, {"FailureInfo", "can't 'ship'"}}, Dictionary{}}}};
+  EXPECT_TRUE(save_.UploadStatusFailure(&parameters));
+  EXPECT_EQ(OnlyEvent(),
+            Lines({
+                "UPDATE IC_Web2ERPOrders SET FUpLoadStatus =0,FReasonsForFailure = 'cant ship' WHERE FID = 12",
+                "UPDATE IC_Web2ERPOrders SET FUpLoadStatus =0,FReasonsForFailure = '' WHERE FID = 0",
+            }));
+  Events().clear();
+  parameters.SetValue("ErrInfo", Vector{});
+  EXPECT_TRUE(save_.UploadStatusFailure(&parameters));
+  EXPECT_TRUE(Events().empty());
+  parameters.SetValue("ErrInfo", "failed");
+  EXPECT_EQ(Raised([&] { save_.UploadStatusFailure(&parameters); }), "13 UploadStatusFailure");
+}
+
+TEST_F(StatusMarkingTest, MarksWhatIsNeverUploaded) {
+  EXPECT_TRUE(save_.UpLoadStatusForManualAndClosed(kDsn));
+  EXPECT_EQ(OnlyEvent(), Lines({
+                             "Update IC_Web2ERPOrders",
+                             "Set FUpLoadStatus = 1 ",
+                             "where  (FTransactionStatus=38195 or FOrderType=38112) and FUpLoadStatus=0",
+                             "update entry ",
+                             "Set FUpLoadStatus = 1 ",
+                             "from IC_Web2ERPOrdersEntry  entry ",
+                             "inner join  IC_Web2ERPOrders head ",
+                             "on entry.FID=head.FID ",
+                             "where (FTransactionStatus=38195 or FOrderType=38112) and entry.FUpLoadStatus=0 ",
+                         }));
+}
+
+TEST_F(StatusMarkingTest, AsksWhichAreUploaded) {
+  clsGetData get;
+  const Dictionary parameters{{"sDSN", kDsn}, {"FID", "12,15"}};
+  EXPECT_NE(get.bExistUpLoadBill(&parameters), nullptr);
+  EXPECT_EQ(OnlyEvent(),
+            Lines({"SELECT FOrderID ,FUpLoadStatus FROM IC_Web2ERPOrders WHERE FUpLoadStatus =1 AND FID in (12,15)"}));
+}
+
+}  // namespace
+}  // namespace tessarlorn

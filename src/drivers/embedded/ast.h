@@ -55,33 +55,33 @@ struct CaseBranch {
 /// One node of an expression or a condition; `kind` tells which members count.
 struct Expression {
   enum class Kind : std::uint8_t {
-    kLiteral,     // literal, text, literal_index
-    kVariable,    // text: "@name" in lower case
-    kGlobal,      // text: "@@rowcount" in lower case
-    kColumn,      // parts: [[schema.]table.]column, one to three
-    kStar,        // * or parts[0].* : only in a select list, and as the argument of COUNT
-    kUnary,       // unary, operands[0]
-    kBinary,      // binary, operands[0..1]
-    kCase,        // operands[0] the compared value or null; branches; operands[1] ELSE or null
-    kCast,        // operands[0], type; try_cast
-    kConvert,     // operands[0] value, operands[1] style or null; type; try_cast
-    kFunction,    // text: name in lower case; operands; distinct (aggregates); window; parts[0] datepart where it has
-                  // one; type of identity(type, seed, increment), whose operands are seed and increment
-    kSubquery,    // query: a scalar subquery
-    kCollate,     // operands[0], text: collation
+    kLiteral,   // literal, text, literal_index
+    kVariable,  // text: "@name" in lower case
+    kGlobal,    // text: "@@rowcount" in lower case
+    kColumn,    // parts: [[schema.]table.]column, one to three
+    kStar,      // * or parts[0].* : only in a select list, and as the argument of COUNT
+    kUnary,     // unary, operands[0]
+    kBinary,    // binary, operands[0..1]
+    kCase,      // operands[0] the compared value or null; branches; operands[1] ELSE or null
+    kCast,      // operands[0], type; try_cast
+    kConvert,   // operands[0] value, operands[1] style or null; type; try_cast
+    kFunction,  // text: name in lower case; operands; distinct (aggregates); window; parts[0] datepart where it has
+                // one; type of identity(type, seed, increment), whose operands are seed and increment
+    kSubquery,  // query: a scalar subquery
+    kCollate,   // operands[0], text: collation
     // Conditions
-    kCompare,     // compare, operands[0..1]
-    kAnd,         // operands[0..n)
-    kOr,          // operands[0..n)
-    kNot,         // operands[0]
-    kIsNull,      // operands[0]; negated
-    kBetween,     // operands[0..2]; negated
-    kLike,        // operands[0] text, [1] pattern, [2] escape or absent; negated
-    kInList,      // operands[0], operands[1..] the items; negated
+    kCompare,        // compare, operands[0..1]
+    kAnd,            // operands[0..n)
+    kOr,             // operands[0..n)
+    kNot,            // operands[0]
+    kIsNull,         // operands[0]; negated
+    kBetween,        // operands[0..2]; negated
+    kLike,           // operands[0] text, [1] pattern, [2] escape or absent; negated
+    kInList,         // operands[0], operands[1..] the items; negated
     kInLiteralList,  // operands[0], list_index, list_of_strings: the items of a kList token; negated
-    kInQuery,     // operands[0], query; negated
-    kExists,      // query
-    kQuantified,  // operands[0] compare quantifier (query)
+    kInQuery,        // operands[0], query; negated
+    kExists,         // query
+    kQuantified,     // operands[0] compare quantifier (query)
   };
   Kind kind = Kind::kLiteral;
   LiteralKind literal = LiteralKind::kNull;
@@ -117,30 +117,30 @@ struct TableSource {
   enum class Kind : std::uint8_t { kTable, kDerived, kJoin };
   Kind kind = Kind::kTable;
   std::uint32_t line = 1;
-  ObjectName table;                        // kTable; hints are parsed, checked against the known ones and dropped
-  QueryPtr query;                          // kDerived
-  std::string alias;                       // "" when none
-  std::vector<std::string> column_aliases; // of a derived table: t(a,b)
-  JoinKind join = JoinKind::kInner;        // kJoin
+  ObjectName table;                         // kTable; hints are parsed, checked against the known ones and dropped
+  QueryPtr query;                           // kDerived
+  std::string alias;                        // "" when none
+  std::vector<std::string> column_aliases;  // of a derived table: t(a,b)
+  JoinKind join = JoinKind::kInner;         // kJoin
   TableSourcePtr left;
   TableSourcePtr right;
-  ExpressionPtr on;                        // absent for kCross
+  ExpressionPtr on;  // absent for kCross
 };
 
 struct SelectItem {
   ExpressionPtr expression;
-  std::string alias;      // "" when none
-  std::string variable;   // "@v" for @v = expression
+  std::string alias;     // "" when none
+  std::string variable;  // "@v" for @v = expression
 };
 
 struct Select {
   std::uint32_t line = 1;
   bool distinct = false;
-  ExpressionPtr top;       // TOP n / TOP (expression)
+  ExpressionPtr top;  // TOP n / TOP (expression)
   bool top_percent = false;
   bool top_with_ties = false;
   std::vector<SelectItem> items;
-  ObjectName into;         // name "" when none
+  ObjectName into;                   // name "" when none
   std::vector<TableSourcePtr> from;  // comma-separated sources
   ExpressionPtr where;
   std::vector<ExpressionPtr> group_by;
@@ -158,8 +158,8 @@ struct CommonTable {
 /// A query expression: a SELECT, a VALUES table (rows), or two queries with a set operator.
 struct Query {
   std::vector<CommonTable> with;
-  std::unique_ptr<Select> select;                     // kNone
-  std::vector<std::vector<ExpressionPtr>> rows;       // kNone without select: (VALUES (…),(…)) as derived table
+  std::unique_ptr<Select> select;                // kNone
+  std::vector<std::vector<ExpressionPtr>> rows;  // kNone without select: (VALUES (…),(…)) as derived table
   SetOperator set_operator = SetOperator::kNone;
   QueryPtr left;
   QueryPtr right;
@@ -169,26 +169,26 @@ struct Query {
 };
 
 struct Assignment {
-  std::string variable;              // "@v" or ""
-  std::vector<std::string> column;   // [alias.]column, empty when only a variable is assigned
+  std::string variable;             // "@v" or ""
+  std::vector<std::string> column;  // [alias.]column, empty when only a variable is assigned
   BinaryOp compound = BinaryOp::kAdd;
-  bool is_compound = false;          // +=, -= …
+  bool is_compound = false;  // +=, -= …
   ExpressionPtr value;
 };
 
 struct ColumnDefinition {
   std::string name;
   TypeName type;
-  std::optional<bool> nullable;      // not given: nullable
-  std::string collation;             // "" when none is given
+  std::optional<bool> nullable;  // not given: nullable
+  std::string collation;         // "" when none is given
   bool identity = false;
   std::int64_t identity_seed = 1;
   std::int64_t identity_increment = 1;
   ExpressionPtr default_value;
-  std::string default_text;          // the default as written, for the catalog
+  std::string default_text;  // the default as written, for the catalog
   bool primary_key = false;
   bool unique = false;
-  ExpressionPtr computed;            // column AS expression
+  ExpressionPtr computed;  // column AS expression
   ExpressionPtr check;
   std::string check_text;
 };
@@ -200,7 +200,7 @@ struct TableConstraint {
   Kind kind = Kind::kPrimaryKey;
   std::string name;
   std::vector<std::string> columns;
-  ExpressionPtr check;               // of kDefault the value
+  ExpressionPtr check;  // of kDefault the value
   std::string check_text;
   ObjectName references;
   std::vector<std::string> referenced_columns;
@@ -225,26 +225,26 @@ struct Parameter {
 /// One statement; `kind` tells which members count.
 struct Statement {
   enum class Kind : std::uint8_t {
-    kSelect,           // query
-    kInsert,           // table, columns, query (VALUES is a Query with rows) or execute, or default_values
-    kUpdate,           // table (as written: name or alias), assignments, from, where, top
-    kDelete,           // table, from, where, top
-    kTruncate,         // table
-    kDeclare,          // declarations
-    kSet,              // assignments (one): variable
-    kSetOption,        // text: "nocount" …, on/off in flag; "isolation" with text2 "read uncommitted"; "identity_insert"
-                       // with table; "lock_timeout" and others with value or, when it is a word, text2
-    kIf,               // condition, body[0], optional body[1]
-    kWhile,            // condition, body[0]
-    kBlock,            // body
+    kSelect,     // query
+    kInsert,     // table, columns, query (VALUES is a Query with rows) or execute, or default_values
+    kUpdate,     // table (as written: name or alias), assignments, from, where, top
+    kDelete,     // table, from, where, top
+    kTruncate,   // table
+    kDeclare,    // declarations
+    kSet,        // assignments (one): variable
+    kSetOption,  // text: "nocount" …, on/off in flag; "isolation" with text2 "read uncommitted"; "identity_insert"
+                 // with table; "lock_timeout" and others with value or, when it is a word, text2
+    kIf,         // condition, body[0], optional body[1]
+    kWhile,      // condition, body[0]
+    kBlock,      // body
     kBreak,
     kContinue,
-    kReturn,           // value or none
-    kPrint,            // value
-    kRaiseError,       // values: message, severity, state, further arguments
-    kThrow,            // values: none, or number, message, state
-    kTryCatch,         // body (TRY), catch_body
-    kBeginTransaction, // text: name or ""
+    kReturn,            // value or none
+    kPrint,             // value
+    kRaiseError,        // values: message, severity, state, further arguments
+    kThrow,             // values: none, or number, message, state
+    kTryCatch,          // body (TRY), catch_body
+    kBeginTransaction,  // text: name or ""
     kCommit,
     kRollback,         // text: name of a save point or transaction, or ""
     kSaveTransaction,  // text
@@ -275,7 +275,7 @@ struct Statement {
   ObjectName table;
   std::vector<ObjectName> tables;
   std::vector<std::string> columns;
-  std::vector<CommonTable> with;                // WITH before INSERT, UPDATE or DELETE
+  std::vector<CommonTable> with;  // WITH before INSERT, UPDATE or DELETE
   QueryPtr query;
   std::vector<TableSourcePtr> from;
   ExpressionPtr where;
@@ -287,11 +287,11 @@ struct Statement {
   std::vector<ExpressionPtr> values;
   std::vector<StatementPtr> body;
   std::vector<StatementPtr> catch_body;
-  StatementPtr execute;                         // of INSERT … EXEC
+  StatementPtr execute;                                          // of INSERT … EXEC
   std::vector<std::pair<std::string, ExpressionPtr>> arguments;  // EXEC: "@name" or "", value (null: DEFAULT)
-  std::vector<bool> argument_outputs;           // EXEC: OUTPUT behind it
-  std::string result_variable;                  // EXEC @r = …
-  ExpressionPtr text_expression;                // EXEC ('…')
+  std::vector<bool> argument_outputs;                            // EXEC: OUTPUT behind it
+  std::string result_variable;                                   // EXEC @r = …
+  ExpressionPtr text_expression;                                 // EXEC ('…')
   std::vector<ColumnDefinition> column_definitions;
   std::vector<TableConstraint> constraints;
   std::vector<OrderItem> order;

@@ -10,25 +10,49 @@ namespace tessarlorn::embedded {
 
 enum class TokenKind : std::uint8_t {
   kEnd,
-  kWord,       // unquoted identifier or keyword: letters, digits, _ @ # $; begins with a letter, _ or #
-  kQuoted,     // [name] or "name"; Token::text is what stands between the delimiters, undoubled by Unquote
-  kVariable,   // @name
-  kGlobal,     // @@name
-  kInteger,    // digits only
-  kDecimal,    // digits with a point
-  kFloat,      // digits with an exponent
-  kBinary,     // 0x…
-  kString,     // '…'
-  kNString,    // N'…'
-  kList,       // ( literal , literal , … ) behind IN: one token for the whole list, see TokenizeBatch
-  kOperator,   // punctuation; Token::op tells which
+  kWord,      // unquoted identifier or keyword: letters, digits, _ @ # $; begins with a letter, _ or #
+  kQuoted,    // [name] or "name"; Token::text is what stands between the delimiters, undoubled by Unquote
+  kVariable,  // @name
+  kGlobal,    // @@name
+  kInteger,   // digits only
+  kDecimal,   // digits with a point
+  kFloat,     // digits with an exponent
+  kBinary,    // 0x…
+  kString,    // '…'
+  kNString,   // N'…'
+  kList,      // ( literal , literal , … ) behind IN: one token for the whole list, see TokenizeBatch
+  kOperator,  // punctuation; Token::op tells which
 };
 
 /// Punctuation. Two-character operators are one token, without blanks between.
 enum class Op : std::uint8_t {
-  kNone, kLeftParen, kRightParen, kComma, kDot, kSemicolon, kPlus, kMinus, kStar, kSlash, kPercent,
-  kEqual, kLess, kGreater, kLessEqual, kGreaterEqual, kNotEqual, kAmpersand, kPipe, kCaret, kTilde,
-  kPlusEqual, kMinusEqual, kStarEqual, kSlashEqual, kPercentEqual, kColon,
+  kNone,
+  kLeftParen,
+  kRightParen,
+  kComma,
+  kDot,
+  kSemicolon,
+  kPlus,
+  kMinus,
+  kStar,
+  kSlash,
+  kPercent,
+  kEqual,
+  kLess,
+  kGreater,
+  kLessEqual,
+  kGreaterEqual,
+  kNotEqual,
+  kAmpersand,
+  kPipe,
+  kCaret,
+  kTilde,
+  kPlusEqual,
+  kMinusEqual,
+  kStarEqual,
+  kSlashEqual,
+  kPercentEqual,
+  kColon,
 };
 
 struct Token {

@@ -1,0 +1,253 @@
+// Values into compiled statements, and rows out of them.
+#include <charconv>
+#include <chrono>
+#include <ctime>
+
+#include "drivers/embedded/functions.h"
+#include "drivers/embedded/list_table.h"
+#include "drivers/embedded/session.h"
+#include "drivers/embedded/sqlite_value.h"
+#include "platform/clock.h"
+
+namespace tessarlorn::embedded {
+namespace {
+
+void BindDatum(sqlite3_stmt* statement, int index, const Datum& value) {
+  if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+    sqlite3_bind_int64(statement, index, *integer);
+  } else if (const auto* real = std::get_if<double>(&value)) {
+    sqlite3_bind_double(statement, index, *real);
+  } else if (const auto* text = std::get_if<std::string>(&value)) {
+    sqlite3_bind_text64(statement, index, text->data(), text->size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+  } else if (const auto* blob = std::get_if<Blob>(&value)) {
+    sqlite3_bind_blob64(statement, index, blob->bytes.data(), blob->bytes.size(), SQLITE_TRANSIENT);
+  } else {
+    sqlite3_bind_null(statement, index);
+  }
+}
+
+std::string_view ColumnBytes(sqlite3_stmt* statement, int column) {
+  const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
+  return bytes == nullptr ? std::string_view{}
+                          : std::string_view(bytes, static_cast<std::size_t>(sqlite3_column_bytes(statement, column)));
+}
+
+void AppendCell(Recordset& rows, sqlite3_stmt* statement, int column, const SqlType& type, Storage storage) {
+  switch (sqlite3_column_type(statement, column)) {
+    case SQLITE_NULL:
+      rows.AppendNull();
+      return;
+    case SQLITE_INTEGER:
+      if (storage == Storage::kScaled) {
+        rows.AppendScaled(sqlite3_column_int64(statement, column));
+      } else if (type.is_date()) {
+        rows.AppendDateTime(DateTime(sqlite3_column_int64(statement, column)));
+      } else if (storage == Storage::kReal) {
+        rows.AppendDouble(sqlite3_column_double(statement, column));
+      } else {
+        rows.AppendInteger(sqlite3_column_int64(statement, column));
+      }
+      return;
+    case SQLITE_FLOAT:
+      rows.AppendDouble(sqlite3_column_double(statement, column));
+      return;
+    case SQLITE_TEXT:
+      rows.AppendText(ColumnBytes(statement, column));
+      return;
+    default:
+      if (storage == Storage::kBigDecimal) {
+        rows.AppendDecimal(DecodeBigDecimal(ColumnBytes(statement, column), type.scale));
+      } else {
+        const std::string_view bytes = ColumnBytes(statement, column);
+        rows.AppendBytes(bytes.data(), bytes.size());
+      }
+  }
+}
+
+Datum ColumnDatum(sqlite3_stmt* statement, int column) { return ToDatum(sqlite3_column_value(statement, column)); }
+
+}  // namespace
+
+Datum Session::LiteralValue(const Token& token, SqlType& type) {
+  switch (token.kind) {
+    case TokenKind::kInteger: {
+      std::int64_t value = 0;
+      const auto [end, error] = std::from_chars(token.text.data(), token.text.data() + token.text.size(), value);
+      if (error == std::errc{} && type.is_integer()) return value;
+      break;
+    }
+    case TokenKind::kFloat:
+      return Convert(std::string(token.text), VarCharType(0), FloatType());
+    case TokenKind::kString:
+    case TokenKind::kNString:
+      return token.doubled ? Unquote(token) : std::string(token.text);
+    default:
+      break;
+  }
+  const std::optional<Decimal> number = Decimal::Parse(token.text);
+  if (!number) throw SqlError(1007, "The number '" + std::string(token.text) + "' is out of the range for numeric representation (maximum precision 38).", 15);
+  if (!type.is_exact()) type = DecimalType(std::max(1, number->precision()), number->scale());
+  return FromDecimal(*number, type);
+}
+
+Datum Session::ParameterValue(const BoundParameter& parameter, Scope& scope) {
+  SqlType from = parameter.from;
+  Datum value;
+  switch (parameter.source) {
+    case BoundParameter::Source::kLiteral:
+      value = LiteralValue(scope.literals[static_cast<std::size_t>(parameter.index)], from);
+      break;
+    case BoundParameter::Source::kVariable:
+      value = scope.frame->Get(parameter.name).value;
+      break;
+    case BoundParameter::Source::kSystem:
+      value = SystemValue(parameter.name, from);
+      break;
+    default:
+      value = parameter.constant;
+      break;
+  }
+  try {
+    return Convert(value, from, parameter.to, parameter.style, parameter.fit);
+  } catch (const SqlError& error) {
+    if (error.number() != 8152 || parameter.column.empty()) throw;
+    const std::string* text = std::get_if<std::string>(&value);
+    RaiseTruncated(parameter.table, parameter.column, text == nullptr ? "" : *text);
+  }
+}
+
+std::shared_ptr<const ListItems> Session::ListValues(const BoundParameter& parameter, Scope& scope) {
+  const Token& list = scope.lists[static_cast<std::size_t>(parameter.index)];
+  auto items = std::make_shared<ListItems>();
+  items->reserve(list.count);
+  for (std::uint32_t i = 0; i < list.count; ++i) {
+    const Token& token = (*scope.list_items)[list.id + i];
+    const bool text = token.kind == TokenKind::kString || token.kind == TokenKind::kNString;
+    SqlType from = text ? NVarCharType(0) : BigIntType();
+    Datum value = LiteralValue(token, from);
+    items->push_back(Convert(value, from, parameter.to, 0, Fit::kCompare));
+  }
+  return items;
+}
+
+void Session::BindParameter(sqlite3_stmt* statement, int index, const BoundParameter& parameter, Scope& scope) {
+  if (parameter.source == BoundParameter::Source::kList) {
+    BindList(statement, index, ListValues(parameter, scope));
+    return;
+  }
+  // The ways of most literals, without a copy: whole numbers, and text that fits. The batch outlives the statement's run.
+  if (parameter.source == BoundParameter::Source::kLiteral) {
+    const Token& token = scope.literals[static_cast<std::size_t>(parameter.index)];
+    if (token.kind == TokenKind::kInteger && parameter.from.is_integer() &&
+        (parameter.to.kind == FieldType::kInt || parameter.to.kind == FieldType::kBigInt)) {
+      std::int64_t value = 0;
+      std::from_chars(token.text.data(), token.text.data() + token.text.size(), value);
+      sqlite3_bind_int64(statement, index, value);
+      return;
+    }
+    const bool text = token.kind == TokenKind::kString || token.kind == TokenKind::kNString;
+    const bool varying = parameter.to.kind == FieldType::kNVarChar || parameter.to.kind == FieldType::kVarChar;
+    if (text && varying && !token.doubled &&
+        (parameter.to.size == 0 || token.text.size() <= static_cast<std::size_t>(parameter.to.size))) {
+      sqlite3_bind_text64(statement, index, token.text.data(), token.text.size(), SQLITE_STATIC, SQLITE_UTF8);
+      return;
+    }
+  }
+  BindDatum(statement, index, ParameterValue(parameter, scope));
+}
+
+sqlite3_stmt* Session::Bind(Compiled& compiled, Scope& scope) {
+  if (compiled.handle == nullptr) compiled.handle = Prepare(database_.get(), compiled.sql, &runtime_);
+  sqlite3_stmt* statement = compiled.handle.get();
+  for (std::size_t i = 0; i < compiled.parameters.size(); ++i) {
+    BindParameter(statement, static_cast<int>(i) + 1, compiled.parameters[i], scope);
+  }
+  return statement;
+}
+
+int Session::Step(sqlite3_stmt* statement, std::string_view verb) {
+  const int status = sqlite3_step(statement);
+  if (status == SQLITE_ROW || status == SQLITE_DONE) return status;
+  sqlite3_reset(statement);
+  RaiseSqlite(database_.get(), status, &runtime_, verb);
+}
+
+RecordsetPtr Session::ReadRows(Compiled& compiled, sqlite3_stmt* statement, bool keep) {
+  RecordsetPtr rows;
+  std::vector<Storage> storages;
+  if (keep) {
+    std::vector<Field> fields;
+    fields.reserve(compiled.columns.size());
+    for (const ResultColumn& column : compiled.columns) {
+      fields.push_back(ToField(column.name, column.type, column.nullable));
+      storages.push_back(column.type.storage());
+    }
+    rows = std::make_shared<Recordset>(std::move(fields));
+  }
+  const auto width = static_cast<int>(compiled.columns.size());
+  row_count_ = 0;
+  while (Step(statement, compiled.verb) == SQLITE_ROW) {
+    ++row_count_;
+    if (!keep) continue;
+    rows->BeginRow();
+    for (int i = 0; i < width; ++i) {
+      const auto column = static_cast<std::size_t>(i);
+      AppendCell(*rows, statement, i, compiled.columns[column].type, storages[column]);
+    }
+  }
+  if (keep) rows->Finish();
+  return rows;
+}
+
+void Session::AssignRows(Compiled& compiled, sqlite3_stmt* statement, Scope& scope) {
+  row_count_ = 0;
+  while (Step(statement, compiled.verb) == SQLITE_ROW) {
+    ++row_count_;
+    for (std::size_t i = 0; i < compiled.assigned.size(); ++i) {
+      Variable& variable = scope.frame->Get(compiled.assigned[i]);
+      variable.value = Convert(ColumnDatum(statement, static_cast<int>(i)), compiled.columns[i].type, variable.type);
+    }
+  }
+}
+
+void Session::RunChange(Compiled& compiled, sqlite3_stmt* statement) {
+  std::int64_t rows = 0;
+  while (Step(statement, compiled.verb) == SQLITE_ROW) ++rows;
+  // An UPDATE of variables only is a query for SQLite.
+  row_count_ = sqlite3_stmt_readonly(statement) != 0 ? rows : sqlite3_changes64(database_.get());
+  if (compiled.gives_identity && row_count_ > 0) identity_ = sqlite3_last_insert_rowid(database_.get());
+}
+
+Datum Session::SystemValue(const std::string& name, SqlType& type) {
+  const auto whole = [&](std::int64_t value) -> Datum {
+    type = BigIntType();
+    return value;
+  };
+  if (name == "getdate") return LocalNow().milliseconds();
+  if (name == "getutcdate") {
+    const auto since = std::chrono::system_clock::now().time_since_epoch();
+    constexpr std::int64_t kUnixEpoch = 25567LL * 86'400'000;
+    return kUnixEpoch + std::chrono::duration_cast<std::chrono::milliseconds>(since).count();
+  }
+  if (name == "@@rowcount") return whole(row_count_);
+  if (name == "@@error") return whole(last_error_);
+  if (name == "@@trancount") return whole(depth_);
+  if (name == "@@spid") return whole(1);
+  if (name == "xact_state") return whole(depth_ > 0 ? 1 : 0);
+  if (name == "@@identity" || name == "scope_identity") return identity_ ? whole(*identity_) : Datum{};
+  if (name == "@@version") return std::string("TessarLorn embedded database on SQLite ") + sqlite3_libversion();
+  if (name.starts_with("error_")) {
+    if (caught_.empty()) return {};
+    const SqlError& error = caught_.back();
+    if (name == "error_number") return whole(error.number());
+    if (name == "error_severity") return whole(error.severity());
+    if (name == "error_state") return whole(error.state());
+    if (name == "error_line") return whole(error.line());
+    return std::string(error.what());
+  }
+  if (name == "db_name") return std::string("main");
+  if (name == "suser_sname" || name == "suser_name" || name == "user_name") return std::string("dbo");
+  return std::string("localhost");
+}
+
+}  // namespace tessarlorn::embedded

@@ -1,0 +1,92 @@
+// The tables, views and procedures of a database, as the embedded database keeps them in two tables of its own.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "drivers/embedded/types.h"
+
+namespace tessarlorn::embedded {
+
+struct Column {
+  std::string name;
+  SqlType type;
+  bool nullable = true;
+  bool identity = false;
+  /// The default as written, "" when none.
+  std::string default_text;
+  /// It is SQLite's own row number, which takes no NULL but makes a number of it.
+  bool row_key = false;
+};
+
+enum class CatalogKind : std::uint8_t { kTable, kView, kProcedure };
+
+/// A table, view or procedure. Not changed once it stands in the catalog: a new definition is a new object.
+struct CatalogObject {
+  CatalogKind kind = CatalogKind::kTable;
+  std::string name;
+  bool temporary = false;
+  std::vector<Column> columns;  // of a table
+  std::string definition;       // of a view its query, of a procedure its parameters and body
+  std::int64_t id = 0;
+
+  [[nodiscard]] int FindColumn(std::string_view column) const;
+  [[nodiscard]] int identity_column() const;
+  /// Two definitions with the same signature can serve the same compiled statements.
+  [[nodiscard]] const std::string& signature() const noexcept { return signature_; }
+  void Seal();
+
+ private:
+  std::string signature_;
+};
+
+using CatalogObjectPtr = std::shared_ptr<const CatalogObject>;
+
+/// `name` in double quotes, as SQLite reads it.
+std::string QuoteName(std::string_view name);
+/// `text` in single quotes.
+std::string QuoteText(std::string_view text);
+
+class Catalog {
+ public:
+  explicit Catalog(sqlite3* database) : database_(database) {}
+
+  /// Reads the catalog anew when another connection may have changed it. Raises what SQLite reports.
+  void Refresh();
+  /// Forgets what was read, as after a rollback; temporary tables that are gone are dropped from the list.
+  void Invalidate();
+
+  /// The object of that name without regard to case, or nullptr. `#name` is a temporary table of this connection.
+  [[nodiscard]] CatalogObjectPtr Find(std::string_view name) const;
+  /// The object of that kind. Raises 208 for a missing table or view, 2812 for a procedure.
+  [[nodiscard]] CatalogObjectPtr Get(std::string_view name) const;
+
+  /// Writes a definition; the SQLite table itself is the caller's business. Raises 2714 when the name is taken.
+  void Add(CatalogObject object);
+  /// Puts a definition in the place of the one of the same name.
+  void Replace(CatalogObject object);
+  void Remove(std::string_view name);
+
+  [[nodiscard]] std::vector<std::string> TemporaryTables() const;
+  /// Grows whenever a definition changes.
+  [[nodiscard]] std::uint64_t generation() const noexcept { return generation_; }
+
+ private:
+  void Load();
+  void Write(const CatalogObject& object);
+
+  sqlite3* database_;
+  std::unordered_map<std::string, CatalogObjectPtr> objects_;     // by lower-case name
+  std::unordered_map<std::string, CatalogObjectPtr> temporaries_;
+  std::int64_t schema_version_ = -1;
+  std::uint64_t generation_ = 0;
+  std::int64_t next_temporary_id_ = -1;
+};
+
+}  // namespace tessarlorn::embedded

@@ -1,0 +1,139 @@
+#include "drivers/embedded/collation.h"
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "platform/text.h"
+
+namespace tessarlorn::embedded {
+namespace {
+
+constexpr std::array<std::uint8_t, 128> kAsciiLower = [] {
+  std::array<std::uint8_t, 128> table{};
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    table[i] = static_cast<std::uint8_t>(i >= 'A' && i <= 'Z' ? i + 32 : i);
+  }
+  return table;
+}();
+
+std::string_view WithoutTrailingBlanks(std::string_view text) {
+  std::size_t size = text.size();
+  while (size > 0 && text[size - 1] == ' ') --size;
+  return text.substr(0, size);
+}
+
+std::vector<char32_t> Folded(std::string_view text) {
+  std::vector<char32_t> characters;
+  characters.reserve(text.size());
+  for (std::size_t i = 0; i < text.size();) characters.push_back(FoldCharacter(NextCharacter(text, i)));
+  return characters;
+}
+
+/// The end of the set that begins behind `[` at `position`; whether `character` is in it.
+bool InSet(const std::vector<char32_t>& pattern, std::size_t& position, char32_t character) {
+  bool negated = false;
+  if (position < pattern.size() && pattern[position] == U'^') {
+    negated = true;
+    ++position;
+  }
+  bool found = false;
+  bool first = true;
+  while (position < pattern.size() && (first || pattern[position] != U']')) {
+    const char32_t low = pattern[position];
+    char32_t high = low;
+    if (position + 2 < pattern.size() && pattern[position + 1] == U'-' && pattern[position + 2] != U']') {
+      high = pattern[position + 2];
+      position += 2;
+    }
+    if (character >= low && character <= high) found = true;
+    ++position;
+    first = false;
+  }
+  if (position < pattern.size()) ++position;
+  return found != negated;
+}
+
+}  // namespace
+
+char32_t FoldCharacter(char32_t character) {
+  if (character < 128) return kAsciiLower[character];
+  if (character >= 0xff01 && character <= 0xff5e) return FoldCharacter(character - 0xfee0);
+  if (character == 0x3000) return U' ';
+  return ToLower(character);
+}
+
+int CompareText(std::string_view a, std::string_view b) {
+  std::size_t i = 0;
+  const std::size_t common = a.size() < b.size() ? a.size() : b.size();
+  while (i < common) {
+    const auto x = static_cast<std::uint8_t>(a[i]);
+    const auto y = static_cast<std::uint8_t>(b[i]);
+    if (((x | y) & 0x80) != 0) break;
+    if (x != y && kAsciiLower[x] != kAsciiLower[y]) break;
+    ++i;
+  }
+  a = WithoutTrailingBlanks(a.substr(i));
+  b = WithoutTrailingBlanks(b.substr(i));
+  std::size_t p = 0;
+  std::size_t q = 0;
+  while (p < a.size() && q < b.size()) {
+    const char32_t x = FoldCharacter(NextCharacter(a, p));
+    const char32_t y = FoldCharacter(NextCharacter(b, q));
+    if (x != y) return x < y ? -1 : 1;
+  }
+  if (p < a.size()) return 1;
+  return q < b.size() ? -1 : 0;
+}
+
+bool MatchesLike(std::string_view text, std::string_view pattern, char32_t escape) {
+  const std::vector<char32_t> subject = Folded(text);
+  const std::vector<char32_t> wanted = Folded(pattern);
+  if (escape != 0) escape = FoldCharacter(escape);
+  // Greedy with one point of return: the last % seen.
+  std::size_t s = 0;
+  std::size_t p = 0;
+  constexpr auto kNone = static_cast<std::size_t>(-1);
+  std::size_t star = kNone;
+  std::size_t star_subject = 0;
+  while (true) {
+    if (p < wanted.size() && wanted[p] == U'%' && wanted[p] != escape) {
+      star = ++p;
+      star_subject = s;
+      continue;
+    }
+    bool matched = false;
+    std::size_t next = p;
+    if (s < subject.size() && p < wanted.size()) {
+      if (escape != 0 && wanted[p] == escape && p + 1 < wanted.size()) {
+        matched = wanted[p + 1] == subject[s];
+        next = p + 2;
+      } else if (wanted[p] == U'_') {
+        matched = true;
+        next = p + 1;
+      } else if (wanted[p] == U'[') {
+        next = p + 1;
+        matched = InSet(wanted, next, subject[s]);
+      } else {
+        matched = wanted[p] == subject[s];
+        next = p + 1;
+      }
+    }
+    if (matched) {
+      ++s;
+      p = next;
+      continue;
+    }
+    if (p == wanted.size()) {
+      // Blanks at the end of the text do not count.
+      std::size_t rest = s;
+      while (rest < subject.size() && subject[rest] == U' ') ++rest;
+      if (rest == subject.size()) return true;
+    }
+    if (star == kNone || star_subject >= subject.size()) return false;
+    p = star;
+    s = ++star_subject;
+  }
+}
+
+}  // namespace tessarlorn::embedded

@@ -1,0 +1,564 @@
+// The statements that a session runs itself: control flow, variables, errors, procedures.
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <thread>
+
+#include "drivers/embedded/session.h"
+#include "drivers/embedded/sqlite_value.h"
+#include "platform/text.h"
+
+namespace tessarlorn::embedded {
+namespace {
+
+/// Makes a statement ready for its next use when the block is left, whichever way.
+class Running {
+ public:
+  explicit Running(sqlite3_stmt* statement) : statement_(statement) {}
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+  ~Running() { sqlite3_reset(statement_); }
+
+ private:
+  sqlite3_stmt* statement_;
+};
+
+constexpr int kMostCalls = 32;
+
+/// printf-like %s, %d, %i, %u, %% of RAISERROR, filled with the texts of its arguments.
+std::string FormatMessage(const std::string& format, const std::vector<std::string>& arguments) {
+  std::string text;
+  std::size_t next = 0;
+  for (std::size_t i = 0; i < format.size(); ++i) {
+    if (format[i] != '%' || i + 1 == format.size()) {
+      text += format[i];
+    } else if (format[++i] == '%') {
+      text += '%';
+    } else {
+      while (i + 1 < format.size() && std::string_view("0123456789.-+ #*").find(format[i]) != std::string_view::npos) ++i;
+      text += next < arguments.size() ? arguments[next++] : "(null)";
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+Session::Flow Session::ExecuteGuarded(const Statement& statement, Scope& scope) {
+  try {
+    return Execute(statement, scope);
+  } catch (SqlError& error) {
+    error.set_line(statement.line);
+    NoteLostTransaction();
+    last_error_ = error.number();
+    if (try_depth_ > 0 || xact_abort_ || !error.ends_statement_only()) throw;
+    if (!first_error_) first_error_ = error;
+    return Flow::kNormal;
+  }
+}
+
+Session::Flow Session::ExecuteBody(const std::vector<StatementPtr>& body, Scope& scope) {
+  for (const StatementPtr& statement : body) {
+    const Flow flow = ExecuteGuarded(*statement, scope);
+    if (flow != Flow::kNormal) return flow;
+  }
+  return Flow::kNormal;
+}
+
+Session::Flow Session::Execute(const Statement& statement, Scope& scope) {
+  using Kind = Statement::Kind;
+  switch (statement.kind) {
+    case Kind::kSelect:
+      ExecuteSelect(statement, scope);
+      break;
+    case Kind::kInsert:
+    case Kind::kUpdate:
+    case Kind::kDelete:
+    case Kind::kTruncate:
+      ExecuteChange(statement, scope);
+      break;
+    case Kind::kDeclare:
+      for (const VariableDeclaration& declaration : statement.declarations) {
+        if (declaration.initial == nullptr) continue;
+        const SqlType type = scope.frame->Get(declaration.name).type;
+        Datum value = Evaluate(*declaration.initial, type, scope);
+        scope.frame->Get(declaration.name).value = std::move(value);
+      }
+      return Flow::kNormal;
+    case Kind::kSet:
+      ExecuteSet(statement, scope);
+      return Flow::kNormal;
+    case Kind::kSetOption:
+      ExecuteSetOption(statement);
+      return Flow::kNormal;
+    case Kind::kIf:
+      if (Holds(statement, scope)) return ExecuteGuarded(*statement.body[0], scope);
+      return statement.body.size() > 1 ? ExecuteGuarded(*statement.body[1], scope) : Flow::kNormal;
+    case Kind::kWhile:
+      return ExecuteWhile(statement, scope);
+    case Kind::kBlock:
+      return ExecuteBody(statement.body, scope);
+    case Kind::kBreak:
+      return Flow::kBreak;
+    case Kind::kContinue:
+      return Flow::kContinue;
+    case Kind::kReturn:
+      if (statement.value != nullptr) {
+        const Datum value = Evaluate(*statement.value, IntType(), scope);
+        const auto* number = std::get_if<std::int64_t>(&value);
+        scope.return_value = number == nullptr ? 0 : static_cast<int>(*number);
+      }
+      return Flow::kReturn;
+    case Kind::kPrint: {
+      // Messages go nowhere here; the value is computed all the same, as it may fail.
+      Evaluate(*statement.value, NVarCharType(0), scope);
+      return Flow::kNormal;
+    }
+    case Kind::kRaiseError:
+    case Kind::kThrow:
+      RaiseUser(statement, scope);
+      return Flow::kNormal;
+    case Kind::kTryCatch:
+      return ExecuteTryCatch(statement, scope);
+    case Kind::kBeginTransaction:
+    case Kind::kCommit:
+    case Kind::kRollback:
+    case Kind::kSaveTransaction:
+      ExecuteTransaction(statement);
+      break;
+    case Kind::kExecute:
+      ExecuteProcedure(statement, scope);
+      break;
+    case Kind::kWaitFor: {
+      const Datum value = Evaluate(*statement.value, SqlType{FieldType::kTime, 0, 0, 0, false}, scope);
+      const auto* delay = std::get_if<std::int64_t>(&value);
+      const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(delay == nullptr ? 0 : *delay);
+      while (std::chrono::steady_clock::now() < until) {
+        CheckCancelled();
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+      }
+      break;
+    }
+    case Kind::kCreateTable:
+      CreateTable(statement, scope);
+      break;
+    case Kind::kAlterTable:
+      AlterTable(statement, scope);
+      break;
+    case Kind::kDropTable:
+      DropObjects(statement);
+      break;
+    case Kind::kCreateIndex:
+      CreateIndex(statement, scope);
+      break;
+    case Kind::kDropIndex:
+      DropIndex(statement);
+      break;
+    case Kind::kCreateView:
+      CreateView(statement, scope);
+      break;
+    case Kind::kCreateProcedure:
+      CreateProcedure(statement);
+      break;
+    case Kind::kUse:
+      // There is one database; whatever it is called by, it is in use.
+    case Kind::kEmpty:
+      return Flow::kNormal;
+  }
+  last_error_ = 0;
+  return Flow::kNormal;
+}
+
+Session::Flow Session::ExecuteWhile(const Statement& statement, Scope& scope) {
+  while (Holds(statement, scope)) {
+    CheckCancelled();
+    const Flow flow = ExecuteGuarded(*statement.body[0], scope);
+    if (flow == Flow::kBreak) break;
+    if (flow == Flow::kReturn) return flow;
+  }
+  return Flow::kNormal;
+}
+
+Session::Flow Session::ExecuteTryCatch(const Statement& statement, Scope& scope) {
+  const int depth = try_depth_;
+  try {
+    ++try_depth_;
+    const Flow flow = ExecuteBody(statement.body, scope);
+    try_depth_ = depth;
+    return flow;
+  } catch (const SqlError& error) {
+    try_depth_ = depth;
+    constexpr std::int32_t kCancelledNumber = 3617;
+    if (error.number() == kCancelledNumber || error.severity() >= 20) throw;
+    caught_.push_back(error);
+  }
+  struct Leave {
+    std::vector<SqlError>& caught;
+    ~Leave() { caught.pop_back(); }
+  } leave{caught_};
+  if (depth == 0 && statement.catch_body.empty()) return Flow::kNormal;
+  return ExecuteBody(statement.catch_body, scope);
+}
+
+bool Session::Holds(const Statement& statement, Scope& scope) {
+  Compiled& compiled = CompiledCondition(statement, scope);
+  sqlite3_stmt* query = Bind(compiled, scope);
+  const Running running(query);
+  return Step(query, compiled.verb) == SQLITE_ROW && sqlite3_column_int(query, 0) != 0;
+}
+
+Datum Session::Evaluate(const Expression& expression, const SqlType& type, Scope& scope) {
+  Compiled& compiled = CompiledValue(expression, &type, scope);
+  if (compiled.parameter_only) return ParameterValue(compiled.parameters[0], scope);
+  sqlite3_stmt* query = Bind(compiled, scope);
+  const Running running(query);
+  return Step(query, compiled.verb) == SQLITE_ROW ? ToDatum(sqlite3_column_value(query, 0)) : Datum{};
+}
+
+Datum Session::EvaluateNatural(const Expression& expression, SqlType& type, Scope& scope) {
+  Compiled& compiled = CompiledValue(expression, nullptr, scope);
+  type = compiled.columns[0].type;
+  sqlite3_stmt* query = Bind(compiled, scope);
+  const Running running(query);
+  return Step(query, compiled.verb) == SQLITE_ROW ? ToDatum(sqlite3_column_value(query, 0)) : Datum{};
+}
+
+void Session::ExecuteSelect(const Statement& statement, Scope& scope) {
+  if (statement.query->select != nullptr && !statement.query->select->into.name.empty()) {
+    ExecuteSelectInto(statement, scope);
+    return;
+  }
+  Compiled& compiled = CompiledStatement(statement, scope);
+  sqlite3_stmt* query = Bind(compiled, scope);
+  const Running running(query);
+  if (!compiled.assigned.empty()) {
+    AssignRows(compiled, query, scope);
+    return;
+  }
+  const bool keep = results_->wants_more();
+  RecordsetPtr rows = ReadRows(compiled, query, keep);
+  if (keep) results_->sets.push_back(std::move(rows));
+}
+
+void Session::ExecuteSelectInto(const Statement& statement, Scope& scope) {
+  const Query& query = *statement.query;
+  const ObjectName& into = query.select->into;
+  CatalogObject table;
+  table.name = into.name;
+  table.temporary = into.temporary();
+  for (const ResultColumn& column : MakeTranslator(scope).DescribeQuery(query)) {
+    SqlType type = column.type.untyped_null ? IntType() : column.type;
+    if (type.is_integer()) type.precision = 0;
+    table.columns.push_back({column.name, type, column.nullable, column.identity, ""});
+  }
+  Atomically([&] {
+    CreateTable(table, {}, {});
+    Compiled compiled = MakeTranslator(scope).CompileInsertInto(*catalog_.Get(into.name), query);
+    RunChange(compiled, Bind(compiled, scope));
+  });
+}
+
+void Session::ExecuteChange(const Statement& statement, Scope& scope) {
+  if (statement.execute != nullptr) {
+    ExecuteInsertExecute(statement, scope);
+    return;
+  }
+  if (statement.kind == Statement::Kind::kTruncate) {
+    const CatalogObjectPtr table = catalog_.Get(statement.table.name);
+    RunSql(database_.get(), "DELETE FROM " + TableSql(*table), &runtime_);
+    if (table->identity_column() >= 0) {
+      RunSql(database_.get(), std::string("DELETE FROM ") + (table->temporary ? "temp" : "main") +
+                                  ".sqlite_sequence WHERE name = " + QuoteText(table->name), &runtime_);
+    }
+    return;
+  }
+  Compiled& compiled = CompiledStatement(statement, scope);
+  sqlite3_stmt* change = Bind(compiled, scope);
+  const Running running(change);
+  RunChange(compiled, change);
+}
+
+void Session::ExecuteInsertExecute(const Statement& statement, Scope& scope) {
+  Results taken;
+  Results* outer = std::exchange(results_, &taken);
+  try {
+    ExecuteProcedure(*statement.execute, scope);
+  } catch (...) {
+    results_ = outer;
+    throw;
+  }
+  results_ = outer;
+  const CatalogObjectPtr table = catalog_.Get(statement.table.name);
+  std::vector<const Column*> columns;
+  for (const Column& column : table->columns) {
+    const bool named = std::any_of(statement.columns.begin(), statement.columns.end(),
+                                   [&](const std::string& name) { return EqualsIgnoreCase(name, column.name); });
+    if (statement.columns.empty() ? !column.identity : named) columns.push_back(&column);
+  }
+  std::int64_t inserted = 0;
+  for (const RecordsetPtr& rows : taken.sets) {
+    if (rows->fields().size() != columns.size()) {
+      throw SqlError(213, "Column name or number of supplied values does not match table definition.");
+    }
+    std::string sql = "INSERT INTO " + TableSql(*table) + " (";
+    std::string values;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+      sql += (i == 0 ? "" : ", ") + QuoteName(columns[i]->name);
+      values += (i == 0 ? "?" : ", ?") + std::to_string(i + 1);
+    }
+    const StatementHandle insert = Prepare(database_.get(), sql + ") VALUES (" + values + ")", &runtime_);
+    for (rows->MoveFirst(); !rows->eof(); rows->MoveNext(), ++inserted) {
+      for (std::size_t i = 0; i < columns.size(); ++i) {
+        const Variant value = rows->Get(i);
+        const int index = static_cast<int>(i) + 1;
+        if (value.is_null()) {
+          sqlite3_bind_null(insert.get(), index);
+          continue;
+        }
+        const Datum stored = Convert(value.holds<bool>() ? (value.ToBool() ? "1" : "0") : value.ToText(),
+                                     NVarCharType(0), columns[i]->type, 0, Fit::kAssign);
+        if (const auto* whole = std::get_if<std::int64_t>(&stored)) sqlite3_bind_int64(insert.get(), index, *whole);
+        if (const auto* real = std::get_if<double>(&stored)) sqlite3_bind_double(insert.get(), index, *real);
+        if (const auto* text = std::get_if<std::string>(&stored)) {
+          sqlite3_bind_text64(insert.get(), index, text->data(), text->size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+        }
+        if (const auto* blob = std::get_if<Blob>(&stored)) {
+          sqlite3_bind_blob64(insert.get(), index, blob->bytes.data(), blob->bytes.size(), SQLITE_TRANSIENT);
+        }
+      }
+      Step(insert.get(), "INSERT");
+      sqlite3_reset(insert.get());
+    }
+  }
+  row_count_ = inserted;
+}
+
+void Session::ExecuteSet(const Statement& statement, Scope& scope) {
+  const Assignment& assignment = statement.assignments[0];
+  const SqlType type = scope.frame->Get(assignment.variable).type;
+  if (!assignment.is_compound) {
+    Datum value = Evaluate(*assignment.value, type, scope);
+    scope.frame->Get(assignment.variable).value = std::move(value);
+    return;
+  }
+  Compiled& compiled = CompiledFor(&assignment, scope, [&](Translator& translator) {
+    return translator.CompileCompound(assignment, type);
+  });
+  sqlite3_stmt* query = Bind(compiled, scope);
+  const Running running(query);
+  if (Step(query, compiled.verb) == SQLITE_ROW) {
+    scope.frame->Get(assignment.variable).value = ToDatum(sqlite3_column_value(query, 0));
+  }
+}
+
+void Session::ExecuteSetOption(const Statement& statement) {
+  constexpr std::array kAlwaysOn = {"ansi_nulls", "ansi_padding", "ansi_warnings", "arithabort",
+                                    "concat_null_yields_null", "quoted_identifier", "ansi_null_dflt_on"};
+  constexpr std::array kAlwaysOff = {"implicit_transactions", "numeric_roundabort", "noexec", "parseonly", "fmtonly",
+                                     "showplan_all", "showplan_text", "showplan_xml", "ansi_null_dflt_off"};
+  const std::string& option = statement.text;
+  if (option == "identity_insert") {
+    identity_insert_ = statement.flag ? statement.table.name : "";
+    return;
+  }
+  if (option == "xact_abort") {
+    xact_abort_ = statement.flag;
+    return;
+  }
+  const auto refuse = [&](const char* state) {
+    RaiseUnsupported("SET " + UpperCase(option) + " " + state, statement.line);
+  };
+  if (!statement.flag && std::find(kAlwaysOn.begin(), kAlwaysOn.end(), option) != kAlwaysOn.end()) refuse("OFF");
+  if (statement.flag && std::find(kAlwaysOff.begin(), kAlwaysOff.end(), option) != kAlwaysOff.end()) refuse("ON");
+  const bool zero = statement.value != nullptr && statement.value->kind == Expression::Kind::kLiteral && statement.value->text == "0";
+  if (option == "rowcount" && !zero) refuse("with a number");
+  if (option == "dateformat" && statement.text2 != "mdy" && statement.text2 != "ymd") refuse(statement.text2.c_str());
+  const bool seven = statement.value != nullptr && statement.value->kind == Expression::Kind::kLiteral && statement.value->text == "7";
+  if (option == "datefirst" && !seven) refuse("other than 7");
+  // NOCOUNT, the isolation levels, LOCK_TIMEOUT, TEXTSIZE, LANGUAGE and STATISTICS change no result here.
+}
+
+void Session::RaiseUser(const Statement& statement, Scope& scope) {
+  if (statement.values.empty()) {
+    if (caught_.empty()) {
+      throw SqlError(10704, "To rethrow an error, a THROW statement must be used inside a CATCH block.", 15);
+    }
+    throw SqlError(caught_.back());
+  }
+  if (statement.kind == Statement::Kind::kThrow) {
+    const Datum number = Evaluate(*statement.values[0], IntType(), scope);
+    const Datum message = Evaluate(*statement.values[1], NVarCharType(2048), scope);
+    const auto* code = std::get_if<std::int64_t>(&number);
+    const auto* text = std::get_if<std::string>(&message);
+    if (code == nullptr || *code < 50000) {
+      throw SqlError(35100, "Error number in the THROW statement is outside the valid range. Specify an error number in the valid range of 50000 to 2147483647.");
+    }
+    throw SqlError(static_cast<std::int32_t>(*code), text == nullptr ? "" : *text, 16, 1).EndingBatch();
+  }
+  std::vector<std::string> arguments;
+  for (std::size_t i = 3; i < statement.values.size(); ++i) {
+    const Datum value = Evaluate(*statement.values[i], NVarCharType(0), scope);
+    const auto* text = std::get_if<std::string>(&value);
+    arguments.push_back(text == nullptr ? "(null)" : *text);
+  }
+  const Datum message = Evaluate(*statement.values[0], NVarCharType(2048), scope);
+  const Datum severity = Evaluate(*statement.values[1], IntType(), scope);
+  const Datum state = Evaluate(*statement.values[2], IntType(), scope);
+  const auto whole = [](const Datum& value) {
+    const auto* number = std::get_if<std::int64_t>(&value);
+    return number == nullptr ? 0 : static_cast<int>(*number);
+  };
+  if (whole(severity) <= 10) return;  // a message, no error
+  const auto* text = std::get_if<std::string>(&message);
+  throw SqlError(50000, FormatMessage(text == nullptr ? "" : *text, arguments), whole(severity), whole(state));
+}
+
+void Session::RunText(std::string_view text, Frame& frame) {
+  if (call_depth_ >= kMostCalls) {
+    throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
+  }
+  ++call_depth_;
+  try {
+    RunBatch(text, frame);
+  } catch (...) {
+    --call_depth_;
+    throw;
+  }
+  --call_depth_;
+}
+
+void Session::ExecuteProcedure(const Statement& statement, Scope& scope) {
+  if (statement.text_expression != nullptr) {
+    const Datum text = Evaluate(*statement.text_expression, NVarCharType(0), scope);
+    const std::string* sql = std::get_if<std::string>(&text);
+    Frame frame;
+    if (sql != nullptr) RunText(*sql, frame);
+    return;
+  }
+  if (EqualsIgnoreCase(statement.table.name, "sp_executesql")) {
+    ExecuteSql(statement, scope);
+    return;
+  }
+  const CatalogObjectPtr procedure = catalog_.Find(statement.table.name);
+  if (procedure == nullptr || procedure->kind != CatalogKind::kProcedure) {
+    throw SqlError(2812, "Could not find stored procedure '" + statement.table.name + "'.");
+  }
+  CallProcedure(*procedure, statement, scope);
+}
+
+void Session::CallProcedure(const CatalogObject& procedure, const Statement& call, Scope& scope) {
+  std::shared_ptr<Plan>& plan = procedures_[procedure.signature()];
+  if (plan == nullptr) {
+    Tokens tokens;
+    TokenizeBatch(procedure.definition, names_, tokens);
+    std::vector<StatementPtr> statements = ParseStatements(procedure.definition, tokens);
+    plan = std::make_shared<Plan>();
+    plan->statement = std::move(statements.at(0));
+  }
+  const std::shared_ptr<Plan> body = plan;
+  const Statement& definition = *body->statement;
+  Frame frame;
+  for (const Parameter& parameter : definition.parameters) frame.Declare(parameter.name, ResolveType(parameter.type, false));
+  std::vector<std::pair<std::string, std::string>> outputs;  // parameter, caller's variable
+  std::vector<bool> given(definition.parameters.size(), false);
+  for (std::size_t i = 0; i < call.arguments.size(); ++i) {
+    const auto& [name, value] = call.arguments[i];
+    std::size_t position = i;
+    if (!name.empty()) {
+      const auto found = std::find_if(definition.parameters.begin(), definition.parameters.end(),
+                                      [&](const Parameter& parameter) { return EqualsIgnoreCase(parameter.name, name); });
+      position = static_cast<std::size_t>(found - definition.parameters.begin());
+    }
+    if (position >= definition.parameters.size()) {
+      if (name.empty()) throw SqlError(8144, "Procedure or function " + procedure.name + " has too many arguments specified.");
+      throw SqlError(8145, name + " is not a parameter for procedure " + procedure.name + ".");
+    }
+    Variable& parameter = frame.Get(definition.parameters[position].name);
+    given[position] = true;
+    if (value == nullptr) continue;
+    parameter.value = Evaluate(*value, parameter.type, scope);
+    if (call.argument_outputs[i] && value->kind == Expression::Kind::kVariable) outputs.emplace_back(parameter.name, value->text);
+  }
+  Scope inner{&frame, body.get(), {}, {}, nullptr};
+  if (body->checked_generation != catalog_.generation()) Revalidate(*body, frame);
+  for (std::size_t i = 0; i < definition.parameters.size(); ++i) {
+    const Parameter& parameter = definition.parameters[i];
+    if (given[i]) continue;
+    if (parameter.default_value == nullptr) {
+      throw SqlError(201, "Procedure or function '" + procedure.name + "' expects parameter '" + parameter.name + "', which was not supplied.");
+    }
+    Variable& variable = frame.Get(parameter.name);
+    variable.value = Evaluate(*parameter.default_value, variable.type, inner);
+  }
+  for (const StatementPtr& statement : definition.body) Declare(*statement, frame);
+  if (call_depth_ >= kMostCalls) {
+    throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
+  }
+  struct Call {
+    Session& session;
+    Frame* frame;
+    std::vector<std::string> tables;
+    ~Call() {
+      --session.call_depth_;
+      session.runtime_.frame = frame;
+      try {
+        session.DropTemporaryTables(tables);
+      } catch (const SqlError&) {
+        // They go with the session.
+        return;
+      }
+    }
+  } call_guard{*this, runtime_.frame, catalog_.TemporaryTables()};
+  ++call_depth_;
+  runtime_.frame = &frame;
+  ExecuteBody(definition.body, inner);
+  for (const auto& [parameter, variable] : outputs) {
+    const Variable& from = frame.Get(parameter);
+    Variable& to = scope.frame->Get(variable);
+    to.value = Convert(from.value, from.type, to.type);
+  }
+  if (!call.result_variable.empty()) {
+    Variable& result = scope.frame->Get(call.result_variable);
+    result.value = Convert(std::int64_t{inner.return_value}, IntType(), result.type);
+  }
+}
+
+void Session::ExecuteSql(const Statement& call, Scope& scope) {
+  if (call.arguments.empty()) {
+    throw SqlError(214, "Procedure expects parameter '@statement' of type 'ntext/nchar/nvarchar'.");
+  }
+  const auto text_of = [&](std::size_t argument) {
+    const Datum value = Evaluate(*call.arguments[argument].second, NVarCharType(0), scope);
+    const auto* text = std::get_if<std::string>(&value);
+    return text == nullptr ? std::string() : *text;
+  };
+  const std::string text = text_of(0);
+  Frame frame;
+  std::vector<std::pair<std::string, std::string>> outputs;
+  if (call.arguments.size() > 1) {
+    const std::string declarations = ReplaceAll("DECLARE " + text_of(1), " OUTPUT", "");
+    Tokens tokens;
+    TokenizeBatch(declarations, names_, tokens);
+    const std::vector<StatementPtr> parsed = ParseStatements(declarations, tokens);
+    const std::vector<VariableDeclaration>& parameters = parsed.at(0)->declarations;
+    Declare(*parsed[0], frame);
+    for (std::size_t i = 2; i < call.arguments.size(); ++i) {
+      const auto& [name, value] = call.arguments[i];
+      if (name.empty() && i - 2 >= parameters.size()) {
+        throw SqlError(8144, "Procedure or function sp_executesql has too many arguments specified.");
+      }
+      Variable& parameter = frame.Get(name.empty() ? parameters[i - 2].name : LowerCase(name));
+      if (value == nullptr) continue;
+      parameter.value = Evaluate(*value, parameter.type, scope);
+      if (call.argument_outputs[i] && value->kind == Expression::Kind::kVariable) outputs.emplace_back(parameter.name, value->text);
+    }
+  }
+  RunText(text, frame);
+  for (const auto& [parameter, variable] : outputs) {
+    const Variable& from = frame.Get(parameter);
+    Variable& to = scope.frame->Get(variable);
+    to.value = Convert(from.value, from.type, to.type);
+  }
+}
+
+}  // namespace tessarlorn::embedded

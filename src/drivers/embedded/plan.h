@@ -1,0 +1,80 @@
+// Compiled statements by the shape of their text: a statement that differs from an earlier one in nothing but its
+// literals is neither parsed nor translated nor prepared again.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "drivers/embedded/compiled.h"
+#include "drivers/embedded/parser.h"
+#include "drivers/embedded/token.h"
+
+namespace tessarlorn::embedded {
+
+/// A top-level statement, parsed, with what was compiled of it so far.
+struct Plan {
+  StatementPtr statement;
+  /// One number a token: what the token is, but not which value a literal has.
+  std::vector<std::uint64_t> shape;
+  bool lifted = false;
+  /// Holds a change of data or definitions outside temporary tables.
+  bool writes = false;
+  /// Creates, alters or drops something, or makes a table by SELECT … INTO.
+  bool defines = false;
+  bool declares = false;
+  /// Every data statement in it is compiled.
+  bool complete = false;
+  Dependencies dependencies;
+  std::uint64_t checked_generation = 0;
+  /// The table whose identity column could be given when it was compiled.
+  std::string identity_insert;
+  std::uint64_t last_used = 0;
+  /// By the node of the tree that it was made from.
+  std::unordered_map<const void*, std::unique_ptr<Compiled>> compiled;
+};
+
+/// A statement of the batch that is running: its plan, and its own literals and lists.
+struct BatchStatement {
+  std::shared_ptr<Plan> plan;
+  std::span<const Token> literals;
+  std::span<const Token> lists;
+};
+
+/// Cuts batches into statements, remembering the plans of those seen before. Keeps at most `kMostPlans`.
+class PlanCache {
+ public:
+  explicit PlanCache(NameTable& names) : names_(names) {}
+
+  /// The batch as statements. The tokens and the batch's text have to outlive them. Raises what the lexer and the
+  /// parser raise; nothing has run then.
+  struct Batch {
+    Tokens tokens;
+    std::vector<Token> literals;
+    std::vector<Token> lists;
+    std::vector<BatchStatement> statements;
+  };
+  void Parse(std::string_view text, Batch& batch);
+  void Clear() { plans_.clear(); }
+
+  static constexpr std::size_t kMostPlans = 1000;
+
+ private:
+  std::shared_ptr<Plan> Find(const Batch& batch, std::span<const std::uint64_t> shape, std::size_t begin,
+                             std::size_t first_literal);
+  void Keep(const std::shared_ptr<Plan>& plan);
+  static std::uint64_t Key(std::span<const std::uint64_t> shape);
+
+  NameTable& names_;
+  std::unordered_map<std::uint64_t, std::vector<std::shared_ptr<Plan>>> plans_;
+  std::size_t count_ = 0;
+  std::uint64_t clock_ = 0;
+  std::vector<std::uint64_t> shape_;
+  std::vector<std::uint32_t> literals_before_;
+  std::vector<std::uint32_t> lists_before_;
+};
+
+}  // namespace tessarlorn::embedded

@@ -1,0 +1,182 @@
+// One session with an embedded database: it runs batches, keeps variables, temporary tables and the transaction.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "drivers/embedded/catalog.h"
+#include "drivers/embedded/plan.h"
+#include "drivers/embedded/runtime.h"
+#include "drivers/embedded/sqlite_handle.h"
+#include "drivers/embedded/translator.h"
+#include "platform/recordset.h"
+
+namespace tessarlorn::embedded {
+
+/// Runs batches as SQL Server would. A batch is parsed whole before anything of it runs. Without an open transaction
+/// the changes of a batch are committed together when it ends, also when a statement of it failed: what ran before the
+/// failing statement stays. Writers wait for each other; a statement that writes takes the write lock before it reads,
+/// so that what it saw is still true when it writes. Readers never wait.
+///
+/// One thread at a time, but for Cancel(). Raises SqlError.
+class Session {
+ public:
+  explicit Session(DatabaseHandle database);
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+  ~Session();
+
+  /// Every row-returning result in order, or only the first.
+  std::vector<RecordsetPtr> Run(std::string_view batch, bool first_only);
+
+  void BeginContainerTransaction();
+  void CommitContainerTransaction();
+  void RollbackContainerTransaction();
+
+  /// As good as new: see Connection::Reset. Raises what SQLite reports.
+  void Reset();
+  void Cancel() noexcept;
+  [[nodiscard]] bool in_transaction() const noexcept { return depth_ > 0; }
+
+ private:
+  enum class Flow : std::uint8_t { kNormal, kBreak, kContinue, kReturn };
+
+  /// What the statements of one batch or procedure body share.
+  struct Scope {
+    Frame* frame = nullptr;
+    Plan* plan = nullptr;
+    std::span<const Token> literals;
+    std::span<const Token> lists;
+    const std::vector<Token>* list_items = nullptr;
+    int return_value = 0;
+  };
+
+  /// Where row-returning results go.
+  struct Results {
+    std::vector<RecordsetPtr> sets;
+    bool first_only = false;
+    /// INSERT … EXEC takes them.
+    [[nodiscard]] bool wants_more() const { return !first_only || sets.empty(); }
+  };
+
+  // session.cpp
+  void RegisterSessionFunctions();
+  void RunBatch(std::string_view text, Frame& frame);
+  void Declare(const Statement& statement, Frame& frame);
+  void Precompile(const PlanCache::Batch& batch, Frame& frame);
+  void CompileTree(const Statement& statement, Scope& scope);
+  void Revalidate(Plan& plan, Frame& frame);
+  template <typename Make>
+  Compiled& CompiledFor(const void* node, Scope& scope, Make make);
+  Translator MakeTranslator(Scope& scope);
+  Compiled& CompiledStatement(const Statement& statement, Scope& scope);
+  Compiled& CompiledCondition(const Statement& statement, Scope& scope);
+  Compiled& CompiledValue(const Expression& expression, const SqlType* type, Scope& scope);
+
+  // execute.cpp
+  Flow Execute(const Statement& statement, Scope& scope);
+  Flow ExecuteGuarded(const Statement& statement, Scope& scope);
+  Flow ExecuteBody(const std::vector<StatementPtr>& body, Scope& scope);
+  Flow ExecuteTryCatch(const Statement& statement, Scope& scope);
+  Flow ExecuteWhile(const Statement& statement, Scope& scope);
+  void ExecuteSelect(const Statement& statement, Scope& scope);
+  void ExecuteSelectInto(const Statement& statement, Scope& scope);
+  void ExecuteChange(const Statement& statement, Scope& scope);
+  void ExecuteInsertExecute(const Statement& statement, Scope& scope);
+  void ExecuteSet(const Statement& statement, Scope& scope);
+  void ExecuteSetOption(const Statement& statement);
+  void ExecuteProcedure(const Statement& statement, Scope& scope);
+  void CallProcedure(const CatalogObject& procedure, const Statement& call, Scope& scope);
+  void ExecuteSql(const Statement& call, Scope& scope);
+  void RunText(std::string_view text, Frame& frame);
+  void ExecuteTransaction(const Statement& statement);
+  void RaiseUser(const Statement& statement, Scope& scope);
+  bool Holds(const Statement& statement, Scope& scope);
+  Datum Evaluate(const Expression& expression, const SqlType& type, Scope& scope);
+  Datum EvaluateNatural(const Expression& expression, SqlType& type, Scope& scope);
+  void CheckCancelled();
+
+  // bind.cpp
+  sqlite3_stmt* Bind(Compiled& compiled, Scope& scope);
+  void BindParameter(sqlite3_stmt* statement, int index, const BoundParameter& parameter, Scope& scope);
+  Datum ParameterValue(const BoundParameter& parameter, Scope& scope);
+  Datum LiteralValue(const Token& token, SqlType& type);
+  std::shared_ptr<const std::vector<Datum>> ListValues(const BoundParameter& parameter, Scope& scope);
+  Datum SystemValue(const std::string& name, SqlType& type);
+  RecordsetPtr ReadRows(Compiled& compiled, sqlite3_stmt* statement, bool keep);
+  void AssignRows(Compiled& compiled, sqlite3_stmt* statement, Scope& scope);
+  void RunChange(Compiled& compiled, sqlite3_stmt* statement);
+  /// SQLITE_ROW or SQLITE_DONE; raises everything else.
+  int Step(sqlite3_stmt* statement, std::string_view verb);
+
+  // definition.cpp
+  void CreateTable(const Statement& statement, Scope& scope);
+  void CreateTable(CatalogObject table, const std::vector<std::string>& constraints,
+                   const std::vector<std::string>& primary_key);
+  void AlterTable(const Statement& statement, Scope& scope);
+  void DropObjects(const Statement& statement);
+  void DropTable(const CatalogObject& table);
+  void CreateIndex(const Statement& statement, Scope& scope);
+  void DropIndex(const Statement& statement);
+  void CreateView(const Statement& statement, Scope& scope);
+  void CreateProcedure(const Statement& statement);
+  /// All that `body` does to SQLite and the catalog, or nothing.
+  void Atomically(const std::function<void()>& body);
+  void DropTemporaryTables(const std::vector<std::string>& but = {});
+
+  // transaction.cpp
+  void EnsureWrite();
+  void CommitWrite();
+  void RollbackWrite() noexcept;
+  void NoteLostTransaction();
+  void EndTransaction(bool commit);
+
+  Runtime runtime_;
+  DatabaseHandle database_;
+  NameTable names_;
+  Catalog catalog_;
+  PlanCache plans_;
+  std::unordered_map<std::string, std::shared_ptr<Plan>> procedures_;  // by signature
+  std::vector<std::unique_ptr<PlanCache::Batch>> spare_batches_;
+
+  Results* results_ = nullptr;
+  int depth_ = 0;              // @@TRANCOUNT
+  bool writing_ = false;       // SQLite holds the write lock
+  std::vector<std::string> save_points_;
+  int try_depth_ = 0;
+  int call_depth_ = 0;
+  bool xact_abort_ = false;
+  std::string identity_insert_;
+  std::int64_t row_count_ = 0;
+  std::int32_t last_error_ = 0;
+  std::optional<std::int64_t> identity_;
+  std::optional<SqlError> first_error_;
+  std::vector<SqlError> caught_;  // the errors of the CATCH blocks that are running, innermost last
+  std::atomic<bool> cancelled_{false};
+};
+
+template <typename Make>
+Compiled& Session::CompiledFor(const void* node, Scope& scope, Make make) {
+  if (scope.plan->checked_generation != catalog_.generation()) Revalidate(*scope.plan, *scope.frame);
+  std::unique_ptr<Compiled>& slot = scope.plan->compiled[node];
+  if (slot == nullptr) {
+    try {
+      Translator translator = MakeTranslator(scope);
+      slot = std::make_unique<Compiled>(make(translator));
+    } catch (...) {
+      scope.plan->compiled.erase(node);
+      throw;
+    }
+  }
+  return *slot;
+}
+
+}  // namespace tessarlorn::embedded

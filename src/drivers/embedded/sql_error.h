@@ -1,0 +1,48 @@
+// Errors of the embedded database, with SQL Server's numbers and wording.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/error.h"
+
+namespace tessarlorn::embedded {
+
+/// An error on its way through the executor: SQL Server's number, severity, state and text.
+class SqlError : public std::runtime_error {
+ public:
+  SqlError(std::int32_t number, const std::string& message, int severity = 16, int state = 1)
+      : std::runtime_error(message), number_(number), severity_(severity), state_(state) {}
+  [[nodiscard]] std::int32_t number() const noexcept { return number_; }
+  [[nodiscard]] int severity() const noexcept { return severity_; }
+  [[nodiscard]] int state() const noexcept { return state_; }
+  [[nodiscard]] std::uint32_t line() const noexcept { return line_; }
+  void set_line(std::uint32_t line) noexcept {
+    if (line_ == 0) line_ = line;
+  }
+  /// The same error as THROW raises it: it ends the batch, whatever its number.
+  [[nodiscard]] SqlError EndingBatch() const {
+    SqlError error = *this;
+    error.ends_batch_ = true;
+    return error;
+  }
+  /// Ends the statement only; the batch goes on (a broken constraint, a division by zero). Others end the batch.
+  [[nodiscard]] bool ends_statement_only() const noexcept;
+
+ private:
+  std::int32_t number_;
+  int severity_;
+  int state_;
+  std::uint32_t line_ = 0;
+  bool ends_batch_ = false;
+};
+
+/// The driver's one table: SQL Server's number to the number that OLE DB gives, and SQLSTATE.
+Error ToError(const SqlError& error);
+
+[[noreturn]] void RaiseSyntax(std::string_view near, bool keyword, std::uint32_t line);
+/// A feature that is refused by name: "<feature> is not supported by the embedded database."
+[[noreturn]] void RaiseUnsupported(std::string_view feature, std::uint32_t line = 0);
+
+}  // namespace tessarlorn::embedded

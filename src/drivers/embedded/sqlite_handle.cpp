@@ -1,0 +1,103 @@
+#include "drivers/embedded/sqlite_handle.h"
+
+#include <optional>
+
+#include "drivers/embedded/sql_error.h"
+#include "platform/text.h"
+
+namespace tessarlorn::embedded {
+namespace {
+
+/// "UNIQUE constraint failed: t.a, t.b" or "… failed: index 't.i'": what stands behind the colon.
+std::string_view Detail(std::string_view message) {
+  const std::size_t colon = message.find(": ");
+  return colon == std::string_view::npos ? std::string_view{} : message.substr(colon + 2);
+}
+
+std::string_view TablePart(std::string_view column) { return column.substr(0, column.find('.')); }
+
+std::string_view ColumnPart(std::string_view column) {
+  const std::size_t dot = column.find('.');
+  return dot == std::string_view::npos ? column : column.substr(dot + 1);
+}
+
+[[noreturn]] void RaiseConstraint(int status, std::string_view message, std::string_view verb) {
+  const std::string detail(Detail(message));
+  switch (status) {
+    case SQLITE_CONSTRAINT_NOTNULL:
+      throw SqlError(515, "Cannot insert the value NULL into column '" + std::string(ColumnPart(detail)) + "', table 'dbo." +
+                              std::string(TablePart(detail)) + "'; column does not allow nulls. " + std::string(verb) +
+                              " fails.");
+    case SQLITE_CONSTRAINT_PRIMARYKEY:
+    case SQLITE_CONSTRAINT_ROWID:
+      throw SqlError(2627, "Violation of PRIMARY KEY constraint 'PK_" + std::string(TablePart(detail)) +
+                               "'. Cannot insert duplicate key in object 'dbo." + std::string(TablePart(detail)) + "'.", 14);
+    case SQLITE_CONSTRAINT_UNIQUE:
+      if (detail.starts_with("index '")) {
+        throw SqlError(2601, "Cannot insert duplicate key row in an object with unique " + detail + ".", 14);
+      }
+      throw SqlError(2627, "Violation of UNIQUE KEY constraint on '" + detail + "'. Cannot insert duplicate key in object 'dbo." +
+                               std::string(TablePart(detail)) + "'.", 14);
+    default:
+      throw SqlError(547, "The " + std::string(verb) + " statement conflicted with the " +
+                              (status == SQLITE_CONSTRAINT_CHECK ? "CHECK" : "FOREIGN KEY") + " constraint" +
+                              (detail.empty() ? "" : " \"" + detail + "\"") + ".");
+  }
+}
+
+}  // namespace
+
+void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_view verb) {
+  if (runtime != nullptr && runtime->error) {
+    const SqlError error = *runtime->error;
+    runtime->error.reset();
+    throw error;
+  }
+  const std::string message = database == nullptr ? sqlite3_errstr(status) : sqlite3_errmsg(database);
+  const int extended = database == nullptr ? status : sqlite3_extended_errcode(database);
+  const char* file = database == nullptr ? nullptr : sqlite3_db_filename(database, "main");
+  const std::string name = file == nullptr || *file == '\0' ? "in memory" : std::string("'") + file + "'";
+  switch (status & 0xff) {
+    case SQLITE_CONSTRAINT:
+      RaiseConstraint(extended, message, verb);
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      throw SqlError(1222, "Lock request time out period exceeded: the database " + name + " is in use.");
+    case SQLITE_FULL:
+      throw SqlError(1105, "Could not allocate space in the database " + name + ": the disk is full.", 17);
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+      throw SqlError(824, "The database " + name + " is damaged or is no database: " + message + ".", 24);
+    case SQLITE_IOERR:
+      throw SqlError(823, "Reading or writing the database " + name + " failed: " + message + ".", 24);
+    case SQLITE_READONLY:
+      throw SqlError(3906, "Failed to update the database " + name + " because it is read-only.");
+    case SQLITE_CANTOPEN:
+      throw SqlError(4060, "Cannot open the database " + name + ": " + message + ".", 11);
+    case SQLITE_INTERRUPT:
+      throw SqlError(3617, "The statement was cancelled.");
+    case SQLITE_NOMEM:
+      throw SqlError(701, "There is insufficient memory to run this query.", 17);
+    case SQLITE_TOOBIG:
+      throw SqlError(8631, "The value or the statement is too large: " + message + ".", 17);
+    default:
+      break;
+  }
+  if (message == "integer overflow") throw SqlError(8115, "Arithmetic overflow error converting expression to data type bigint.");
+  throw SqlError(8624, "The embedded database could not run the statement: " + message + ".");
+}
+
+StatementHandle Prepare(sqlite3* database, std::string_view sql, Runtime* runtime) {
+  sqlite3_stmt* statement = nullptr;
+  const int status = sqlite3_prepare_v3(database, sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT,
+                                        &statement, nullptr);
+  if (status != SQLITE_OK) RaiseSqlite(database, status, runtime);
+  return StatementHandle(statement);
+}
+
+void RunSql(sqlite3* database, const std::string& sql, Runtime* runtime) {
+  const int status = sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr);
+  if (status != SQLITE_OK) RaiseSqlite(database, status, runtime);
+}
+
+}  // namespace tessarlorn::embedded

@@ -1,0 +1,28 @@
+// The catalog as queries see it: sys.objects, sys.tables, sys.columns, sys.indexes and their like.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "drivers/embedded/types.h"
+
+namespace tessarlorn::embedded {
+
+struct SystemViewColumn {
+  std::string name;
+  SqlType type;
+  bool nullable = true;
+};
+
+struct SystemView {
+  std::string qualifier;  // "sys" or "information_schema"
+  std::string name;
+  std::string sql;
+  std::vector<SystemViewColumn> columns;
+};
+
+/// The system view of that name without regard to case, or nullptr.
+const SystemView* FindSystemView(std::string_view qualifier, std::string_view name);
+
+}  // namespace tessarlorn::embedded

@@ -1,0 +1,98 @@
+// Transactions: the write lock, commit and rollback, save points, and the container's transaction.
+#include "drivers/embedded/session.h"
+#include "platform/text.h"
+
+namespace tessarlorn::embedded {
+
+void Session::EnsureWrite() {
+  if (writing_) return;
+  RunSql(database_.get(), "BEGIN IMMEDIATE", &runtime_);
+  writing_ = true;
+}
+
+void Session::CommitWrite() {
+  if (!writing_) return;
+  try {
+    RunSql(database_.get(), "COMMIT", &runtime_);
+  } catch (const SqlError&) {
+    RollbackWrite();
+    throw;
+  }
+  writing_ = false;
+  save_points_.clear();
+}
+
+void Session::RollbackWrite() noexcept {
+  if (sqlite3_get_autocommit(database_.get()) == 0) {
+    sqlite3_exec(database_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+  }
+  writing_ = false;
+  save_points_.clear();
+  catalog_.Invalidate();
+}
+
+void Session::NoteLostTransaction() {
+  // A full disk or a failing file makes SQLite roll back by itself.
+  if (!writing_ || sqlite3_get_autocommit(database_.get()) == 0) return;
+  writing_ = false;
+  depth_ = 0;
+  save_points_.clear();
+  catalog_.Invalidate();
+}
+
+void Session::EndTransaction(bool commit) {
+  depth_ = 0;
+  if (commit) {
+    CommitWrite();
+  } else {
+    RollbackWrite();
+  }
+}
+
+void Session::BeginContainerTransaction() {
+  if (depth_ > 0) throw SqlError(3988, "New transaction is not allowed because there is another transaction open.");
+  depth_ = 1;
+}
+
+void Session::CommitContainerTransaction() {
+  if (depth_ == 0) {
+    throw SqlError(3902, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION: the transaction was ended before.");
+  }
+  EndTransaction(true);
+}
+
+void Session::RollbackContainerTransaction() {
+  if (depth_ > 0 || writing_) EndTransaction(false);
+}
+
+void Session::ExecuteTransaction(const Statement& statement) {
+  switch (statement.kind) {
+    case Statement::Kind::kBeginTransaction:
+      // What the batch changed so far is its own, not the transaction's.
+      if (depth_ == 0) CommitWrite();
+      ++depth_;
+      return;
+    case Statement::Kind::kCommit:
+      if (depth_ == 0) throw SqlError(3902, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION.");
+      if (--depth_ == 0) CommitWrite();
+      return;
+    case Statement::Kind::kSaveTransaction:
+      if (depth_ == 0) throw SqlError(628, "Cannot issue SAVE TRANSACTION when there is no active transaction.");
+      EnsureWrite();
+      RunSql(database_.get(), "SAVEPOINT " + QuoteName("save " + LowerCase(statement.text)), &runtime_);
+      save_points_.push_back(LowerCase(statement.text));
+      return;
+    default:
+      break;
+  }
+  if (depth_ == 0) throw SqlError(3903, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION.");
+  for (std::size_t i = save_points_.size(); !statement.text.empty() && i-- > 0;) {
+    if (save_points_[i] != LowerCase(statement.text)) continue;
+    RunSql(database_.get(), "ROLLBACK TO " + QuoteName("save " + save_points_[i]), &runtime_);
+    catalog_.Invalidate();
+    return;
+  }
+  EndTransaction(false);
+}
+
+}  // namespace tessarlorn::embedded

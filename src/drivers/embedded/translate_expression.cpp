@@ -1,0 +1,645 @@
+// Expressions and conditions: literals, names, operators, CASE, CAST, subqueries.
+#include <algorithm>
+#include <array>
+
+#include "drivers/embedded/sql_error.h"
+#include "drivers/embedded/translator.h"
+#include "platform/text.h"
+
+namespace tessarlorn::embedded {
+namespace {
+
+constexpr std::array<std::string_view, 6> kCompareText = {" = ", " <> ", " < ", " <= ", " > ", " >= "};
+
+bool SameText(const SqlType& from, const SqlType& to, Fit fit) {
+  if (fit == Fit::kCompare) return true;
+  const bool padded = to.kind == FieldType::kChar || to.kind == FieldType::kNChar;
+  if (padded) return from.kind == to.kind && from.size == to.size;
+  if (to.size == 0) return true;
+  // A character of national text may take two bytes of the other kind.
+  const int most = from.is_national() && !to.is_national() ? from.size * 2 : from.size;
+  return from.size != 0 && most <= to.size;
+}
+
+int IntegerRank(FieldType kind) {
+  switch (kind) {
+    case FieldType::kBit:
+      return 0;
+    case FieldType::kTinyInt:
+      return 1;
+    case FieldType::kSmallInt:
+      return 2;
+    case FieldType::kInt:
+      return 3;
+    default:
+      return 4;
+  }
+}
+
+/// Whether a value of `from` stands in SQLite as the same value of `to` would.
+bool NeedsNoConversion(const SqlType& from, const SqlType& to, Fit fit) {
+  if (from.is_text() && to.is_text()) return SameText(from, to, fit);
+  if (from.is_integer() && to.is_integer()) {
+    return fit == Fit::kCompare || IntegerRank(from.kind) <= IntegerRank(to.kind);
+  }
+  if (from.is_exact() && to.is_exact()) {
+    return from.storage() == to.storage() && from.scale == to.scale &&
+           (fit == Fit::kCompare || from.precision <= to.precision);
+  }
+  if (from.is_float() && to.is_float()) return to.kind == FieldType::kFloat || from.kind == to.kind;
+  if (from.is_date() && to.is_date()) return to.kind == FieldType::kDateTime || from.kind == to.kind;
+  return from.kind == to.kind && from.size == to.size;
+}
+
+std::string PowerOfTen(int power) { return "1" + std::string(static_cast<std::size_t>(power), '0'); }
+
+std::string_view OperatorName(BinaryOp op) {
+  switch (op) {
+    case BinaryOp::kAdd:
+      return "add";
+    case BinaryOp::kSubtract:
+      return "subtract";
+    case BinaryOp::kMultiply:
+      return "multiply";
+    case BinaryOp::kDivide:
+      return "divide";
+    case BinaryOp::kModulo:
+      return "modulo";
+    case BinaryOp::kBitAnd:
+      return "'&'";
+    case BinaryOp::kBitOr:
+      return "'|'";
+    default:
+      return "'^'";
+  }
+}
+
+[[noreturn]] void RaiseOperand(const SqlType& type, BinaryOp op) {
+  throw SqlError(8117, "Operand data type " + std::string(TypeNameText(type.kind)) + " is invalid for " +
+                           std::string(OperatorName(op)) + " operator.");
+}
+
+}  // namespace
+
+std::string Translator::Collated(const Typed& value) {
+  return value.type.is_text() ? "(" + value.sql + " COLLATE TSQL)" : value.sql;
+}
+
+Typed Translator::Constant(Datum value, const SqlType& type) {
+  BoundParameter parameter;
+  parameter.source = BoundParameter::Source::kConstant;
+  parameter.constant = std::move(value);
+  parameter.from = parameter.to = type;
+  parameters_.push_back(std::move(parameter));
+  return {"?" + std::to_string(parameters_.size()), type, false, static_cast<int>(parameters_.size()) - 1};
+}
+
+Typed Translator::SystemValue(const std::string& name, const SqlType& type) {
+  Typed value = Constant({}, type);
+  parameters_.back().source = BoundParameter::Source::kSystem;
+  parameters_.back().name = name;
+  value.nullable = true;
+  return value;
+}
+
+void Translator::Pin(const Expression& literal) {
+  if (lift_ && view_depth_ == 0 && literal.kind == Expression::Kind::kLiteral && literal.literal_index >= 0) {
+    dependencies_.pinned.push_back({literal.literal_index, literal.text});
+  }
+}
+
+Typed Translator::Literal(const Expression& expression) {
+  SqlType type;
+  Datum value;
+  switch (expression.literal) {
+    case LiteralKind::kNull:
+      return {"NULL", NullType(), true, -1};
+    case LiteralKind::kInteger: {
+      std::string_view digits = expression.text;
+      while (digits.size() > 1 && digits.front() == '0') digits.remove_prefix(1);
+      if (digits.size() < 10 || (digits.size() == 10 && digits <= "2147483647")) {
+        type = IntType();
+        type.precision = static_cast<int>(digits.size());
+        value = std::int64_t{std::stoll(std::string(digits))};
+        break;
+      }
+      [[fallthrough]];
+    }
+    case LiteralKind::kDecimal: {
+      const std::optional<Decimal> number = Decimal::Parse(expression.text);
+      if (!number) {
+        throw SqlError(1007, "The number '" + expression.text +
+                                 "' is out of the range for numeric representation (maximum precision 38).", 15);
+      }
+      type = DecimalType(std::max(number->precision(), 1), number->scale());
+      value = FromDecimal(*number, type);
+      break;
+    }
+    case LiteralKind::kFloat:
+      type = FloatType();
+      value = Convert(expression.text, VarCharType(8000), type);
+      break;
+    case LiteralKind::kBinary:
+      type = {FieldType::kVarBinary, 8000, 0, 0, false};
+      value = Convert(expression.text, VarCharType(8000), type, 1);
+      break;
+    case LiteralKind::kString:
+      type = VarCharType(8000);
+      value = expression.text;
+      break;
+    case LiteralKind::kNString:
+      type = NVarCharType(4000);
+      value = expression.text;
+      break;
+  }
+  Typed literal = Constant(std::move(value), type);
+  if (lift_ && view_depth_ == 0 && expression.literal_index >= 0 && expression.literal != LiteralKind::kBinary) {
+    parameters_.back().source = BoundParameter::Source::kLiteral;
+    parameters_.back().index = expression.literal_index;
+    parameters_.back().constant = {};
+  }
+  return literal;
+}
+
+Typed Translator::VariableValue(const std::string& name) {
+  const Variable& variable = frame_.Get(name);
+  const auto known = std::find_if(dependencies_.variables.begin(), dependencies_.variables.end(),
+                                  [&](const Dependencies::Variable& entry) { return entry.name == name; });
+  if (known == dependencies_.variables.end()) dependencies_.variables.push_back({name, variable.type});
+  if (live_variables_.contains(name)) return {"ts_var(" + QuoteText(name) + ")", variable.type, true, -1};
+  Typed value = Constant({}, variable.type);
+  parameters_.back().source = BoundParameter::Source::kVariable;
+  parameters_.back().name = name;
+  value.nullable = true;
+  return value;
+}
+
+Typed Translator::ColumnValue(const Expression& expression, Scope& scope) {
+  const std::string& name = expression.parts.back();
+  const std::string qualifier = expression.parts.size() > 1 ? expression.parts[expression.parts.size() - 2] : "";
+  bool qualifier_known = false;
+  for (const Scope* level = &scope; level != nullptr; level = level->parent) {
+    const SourceColumn* found = nullptr;
+    const Source* owner = nullptr;
+    for (const Source& source : level->sources) {
+      if (!qualifier.empty() && !EqualsIgnoreCase(source.alias, qualifier)) continue;
+      if (!qualifier.empty()) qualifier_known = true;
+      for (const SourceColumn& column : source.columns) {
+        if (!EqualsIgnoreCase(column.name, name)) continue;
+        if (found != nullptr) throw SqlError(209, "Ambiguous column name '" + name + "'.");
+        found = &column;
+        owner = &source;
+      }
+    }
+    if (found == nullptr) {
+      if (qualifier_known) break;
+      continue;
+    }
+    if (level->check_grouping && aggregate_depth_ == 0 && !level->group_columns.contains(found->sql)) {
+      throw SqlError(8120, "Column '" + owner->alias + "." + found->name + "' is invalid in the " + level->clause +
+                               " because it is not contained in either an aggregate function or the GROUP BY clause.");
+    }
+    return {found->sql, found->type, found->nullable, -1};
+  }
+  if (!qualifier.empty() && !qualifier_known) {
+    throw SqlError(4104, "The multi-part identifier \"" + qualifier + "." + name + "\" could not be bound.");
+  }
+  throw SqlError(207, "Invalid column name '" + name + "'.");
+}
+
+std::string Translator::Coerce(const Typed& value, const SqlType& to, Fit fit, int style, bool attempt) {
+  if (value.type.untyped_null || to.untyped_null) return value.sql;
+  if (value.parameter >= 0 && !attempt) {
+    BoundParameter& parameter = parameters_[static_cast<std::size_t>(value.parameter)];
+    parameter.to = to;
+    parameter.fit = fit;
+    parameter.style = style;
+    return value.sql;
+  }
+  const SqlType& from = value.type;
+  if (NeedsNoConversion(from, to, fit)) return value.sql;
+  if (from.is_integer() && to.is_float()) return "CAST(" + value.sql + " AS REAL)";
+  if (to.storage() == Storage::kScaled && !attempt) {
+    const SqlType exact = AsDecimal(from);
+    const bool widens = (from.is_integer() || (from.is_exact() && from.storage() == Storage::kScaled)) &&
+                        exact.scale <= to.scale && exact.precision + to.scale - exact.scale <= 18;
+    if (widens && (fit == Fit::kCompare || exact.precision - exact.scale <= to.precision - to.scale)) {
+      return "(" + value.sql + " * " + PowerOfTen(to.scale - exact.scale) + ")";
+    }
+  }
+  return (attempt ? "ts_try(" : "ts_conv(") + value.sql + ", " + std::to_string(PackType(from)) + ", " +
+         std::to_string(PackType(to)) + ", " + std::to_string(style) + ")";
+}
+
+std::string Translator::Assign(const Typed& value, const Column& column, const std::string& table) {
+  std::string sql;
+  if (value.type.untyped_null) {
+    sql = value.sql;
+  } else if (value.parameter >= 0) {
+    sql = Coerce(value, column.type, Fit::kAssign);
+    BoundParameter& parameter = parameters_[static_cast<std::size_t>(value.parameter)];
+    parameter.table = table;
+    parameter.column = column.name;
+  } else if ((value.type.is_text() && column.type.is_text()) || (value.type.is_binary() && column.type.is_binary())) {
+    sql = NeedsNoConversion(value.type, column.type, Fit::kAssign)
+              ? value.sql
+              : "ts_assign(" + value.sql + ", " + std::to_string(PackType(value.type)) + ", " +
+                    std::to_string(PackType(column.type)) + ", " + QuoteText(table) + ", " + QuoteText(column.name) + ")";
+  } else {
+    sql = Coerce(value, column.type);
+  }
+  return column.row_key && value.nullable ? Required(sql, column, table) : sql;
+}
+
+std::string Translator::Required(const std::string& sql, const Column& column, const std::string& table) {
+  return "ts_require(" + sql + ", " + QuoteText(table) + ", " + QuoteText(column.name) + ")";
+}
+
+std::string Translator::Compare(CompareOp op, Typed a, Typed b) {
+  SqlType common = CommonType(a.type, b.type);
+  // An index serves only while the column's side stands as it is: constants are brought to the column's type where
+  // that loses nothing.
+  const auto prefer = [&](const Typed& column, const Typed& constant) {
+    if (constant.parameter < 0 || column.parameter >= 0 || constant.type.untyped_null) return false;
+    if (column.type.is_exact() && (constant.type.is_integer() || constant.type.is_exact()) &&
+        AsDecimal(constant.type).scale <= column.type.scale) {
+      common = column.type;
+      return true;
+    }
+    if (column.type.is_integer() && constant.type.is_exact() && constant.type.scale == 0) {
+      common = BigIntType();
+      return true;
+    }
+    return false;
+  };
+  if (!prefer(a, b)) prefer(b, a);
+  const std::string left = Coerce(a, common, Fit::kCompare);
+  const std::string right = Coerce(b, common, Fit::kCompare);
+  const std::string collation = common.is_text() ? " COLLATE TSQL" : "";
+  return "(" + left + collation + std::string(kCompareText[static_cast<std::size_t>(op)]) + right + ")";
+}
+
+Typed Translator::BinaryOf(BinaryOp op, Typed a, Typed b) {
+  const bool nullable = a.nullable || b.nullable;
+  const SqlType common = CommonType(a.type, b.type);
+  if (op == BinaryOp::kAdd && common.is_text()) {
+    SqlType type = common;
+    if (type.kind == FieldType::kChar) type.kind = FieldType::kVarChar;
+    if (type.kind == FieldType::kNChar) type.kind = FieldType::kNVarChar;
+    const int most = type.is_national() ? 4000 : 8000;
+    type.size = a.type.size == 0 || b.type.size == 0 ? 0 : std::min(most, a.type.size + b.type.size);
+    SqlType left = type;
+    left.size = 0;
+    return {"(" + Coerce(a, left) + " || " + Coerce(b, left) + ")", type, nullable, -1};
+  }
+  const bool bits = op == BinaryOp::kBitAnd || op == BinaryOp::kBitOr || op == BinaryOp::kBitXor;
+  if (common.is_date() && !bits && (op == BinaryOp::kAdd || op == BinaryOp::kSubtract)) {
+    const auto side = [&](const Typed& value) {
+      if (value.type.is_date()) return value.sql;
+      if (value.type.is_text()) return Coerce(value, DateTimeType());
+      if (value.type.is_integer()) return "(" + Coerce(value, BigIntType()) + " * 86400000)";
+      return "CAST(round(" + Coerce(value, FloatType()) + " * 86400000) AS INTEGER)";
+    };
+    return {"(" + side(a) + (op == BinaryOp::kAdd ? " + " : " - ") + side(b) + ")", DateTimeType(), nullable, -1};
+  }
+  if (common.is_binary() && op == BinaryOp::kAdd) {
+    return {"(" + Coerce(a, common) + " || " + Coerce(b, common) + ")", common, nullable, -1};
+  }
+  if (!common.is_number()) RaiseOperand(common, op);
+  // Text beside a number becomes a number of that type.
+  const auto as_number = [&](Typed& value) {
+    if (value.type.untyped_null) value.type = common;
+    if (!value.type.is_text()) return;
+    value = {Coerce(value, common), common, value.nullable, -1};
+  };
+  as_number(a);
+  as_number(b);
+  if (bits) {
+    if (!a.type.is_integer() || !b.type.is_integer()) RaiseOperand(common, op);
+    if (op == BinaryOp::kBitXor) {
+      return {"((" + a.sql + " | " + b.sql + ") - (" + a.sql + " & " + b.sql + "))", common, nullable, -1};
+    }
+    return {"(" + a.sql + (op == BinaryOp::kBitAnd ? " & " : " | ") + b.sql + ")", common, nullable, -1};
+  }
+  const SqlType type = ArithmeticType(op, a.type, b.type);
+  constexpr std::array<std::string_view, 5> kSigns = {" + ", " - ", " * ", " / ", " % "};
+  const std::string sign(kSigns[static_cast<std::size_t>(op)]);
+  if (type.is_float()) {
+    const std::string left = Coerce(a, FloatType());
+    const std::string right = Coerce(b, FloatType());
+    if (op == BinaryOp::kModulo) RaiseOperand(type, op);
+    if (op == BinaryOp::kDivide) return {"ts_fdiv(" + left + ", " + right + ")", type, nullable, -1};
+    return {"(" + left + sign + right + ")", type, nullable, -1};
+  }
+  if (type.is_integer()) {
+    const std::string check = type.kind == FieldType::kBigInt ? "ts_i64(" : "ts_i32(";
+    if (op == BinaryOp::kDivide) return {"ts_div(" + a.sql + ", " + b.sql + ")", type, nullable, -1};
+    if (op == BinaryOp::kModulo) return {"ts_mod(" + a.sql + ", " + b.sql + ")", type, nullable, -1};
+    return {check + a.sql + sign + b.sql + ")", type, nullable, -1};
+  }
+  const bool inline_arithmetic = type.storage() == Storage::kScaled &&
+                                 (op == BinaryOp::kAdd || op == BinaryOp::kSubtract) &&
+                                 AsDecimal(a.type).storage() == Storage::kScaled &&
+                                 AsDecimal(b.type).storage() == Storage::kScaled;
+  if (inline_arithmetic) {
+    return {"(" + Coerce(a, type, Fit::kCompare) + sign + Coerce(b, type, Fit::kCompare) + ")", type, nullable, -1};
+  }
+  return {"ts_arith(" + std::to_string(static_cast<int>(op)) + ", " + a.sql + ", " +
+              std::to_string(PackType(a.type)) + ", " + b.sql + ", " + std::to_string(PackType(b.type)) + ", " +
+              std::to_string(PackType(type)) + ")",
+          type, nullable, -1};
+}
+
+Typed Translator::Binary(const Expression& expression, Scope& scope) {
+  Typed a = Value(*expression.operands[0], scope);
+  Typed b = Value(*expression.operands[1], scope);
+  // The digits of a whole number count where it meets a decimal.
+  if (a.type.is_exact() || b.type.is_exact()) {
+    Pin(*expression.operands[0]);
+    Pin(*expression.operands[1]);
+  }
+  return BinaryOf(expression.binary, std::move(a), std::move(b));
+}
+
+Typed Translator::Unary(const Expression& expression, Scope& scope) {
+  Typed value = Value(*expression.operands[0], scope);
+  if (expression.unary == UnaryOp::kPlus) return value;
+  if (expression.unary == UnaryOp::kBitNot) {
+    if (!value.type.is_integer()) RaiseOperand(value.type, BinaryOp::kBitAnd);
+    if (value.type.kind == FieldType::kBit) return {"(1 - " + value.sql + ")", value.type, value.nullable, -1};
+    return {"(~" + value.sql + ")", value.type, value.nullable, -1};
+  }
+  if (value.type.untyped_null) return value;
+  if (!value.type.is_number()) RaiseOperand(value.type, BinaryOp::kSubtract);
+  if (value.type.storage() == Storage::kBigDecimal) {
+    return BinaryOf(BinaryOp::kSubtract, Constant(std::int64_t{0}, IntType()), std::move(value));
+  }
+  return {"(-" + value.sql + ")", value.type, value.nullable, -1};
+}
+
+Typed Translator::Case(const Expression& expression, Scope& scope) {
+  const Expression* compared = expression.operands.empty() ? nullptr : expression.operands[0].get();
+  const Expression* otherwise = expression.operands.size() < 2 ? nullptr : expression.operands[1].get();
+  std::vector<std::string> conditions;
+  std::vector<Typed> values;
+  for (const CaseBranch& branch : expression.branches) {
+    conditions.push_back(compared == nullptr
+                             ? Condition(*branch.when, scope)
+                             : Compare(CompareOp::kEqual, Value(*compared, scope), Value(*branch.when, scope)));
+    values.push_back(Value(*branch.then, scope));
+  }
+  if (otherwise != nullptr) values.push_back(Value(*otherwise, scope));
+  SqlType type = NullType();
+  bool nullable = otherwise == nullptr;
+  for (const Typed& value : values) {
+    type = CommonType(type, value.type);
+    nullable = nullable || value.nullable;
+  }
+  std::string sql = "CASE";
+  for (std::size_t i = 0; i < conditions.size(); ++i) {
+    sql += " WHEN " + conditions[i] + " THEN " + Coerce(values[i], type);
+  }
+  if (otherwise != nullptr) sql += " ELSE " + Coerce(values.back(), type);
+  return {sql + " END", type, nullable, -1};
+}
+
+Typed Translator::Cast(const Expression& expression, Scope& scope) {
+  const SqlType type = ResolveType(expression.type, true);
+  int style = 0;
+  if (expression.kind == Expression::Kind::kConvert && expression.operands.size() > 1 && expression.operands[1]) {
+    const Expression& given = *expression.operands[1];
+    if (given.kind != Expression::Kind::kLiteral || given.literal != LiteralKind::kInteger) {
+      RaiseUnsupported("A CONVERT style that is not a whole number", expression.line);
+    }
+    Pin(given);
+    style = std::stoi(given.text.substr(0, 9));
+  }
+  const Typed value = Value(*expression.operands[0], scope);
+  if (value.type.untyped_null) return {"NULL", type, true, -1};
+  if (value.parameter >= 0 && !expression.try_cast) {
+    // The parameter stays one, converted when it is bound; from here on it is of the new type.
+    const std::string sql = Coerce(value, type, Fit::kCast, style);
+    return {"(" + sql + ")", type, value.nullable, -1};
+  }
+  return {Coerce(value, type, Fit::kCast, style, expression.try_cast), type,
+          value.nullable || expression.try_cast, -1};
+}
+
+Typed Translator::ScalarSubquery(const Expression& expression, Scope& scope) {
+  static const std::vector<std::string> kNames = {"c"};
+  SelectOptions options;
+  options.names = &kNames;
+  const TranslatedQuery query = QueryText(*expression.query, &scope, options);
+  if (query.columns.size() != 1) {
+    throw SqlError(116, "Only one expression can be specified in the select list when the subquery is not introduced "
+                        "with EXISTS.");
+  }
+  const Select* select = expression.query->select.get();
+  const bool one_row = select != nullptr && select->group_by.empty() && select->having == nullptr &&
+                       std::any_of(select->items.begin(), select->items.end(),
+                                   [](const SelectItem& item) { return HasAggregate(*item.expression); });
+  const bool top_one = select != nullptr && select->top != nullptr && !select->top_percent && !select->top_with_ties &&
+                       select->top->kind == Expression::Kind::kLiteral && select->top->text == "1";
+  const SqlType type = query.columns[0].type;
+  if (one_row || top_one) return {"(" + query.sql + ")", type, true, -1};
+  return {"(SELECT ts_single(\"c\") FROM (" + query.sql + "))", type, true, -1};
+}
+
+std::string Translator::InList(const Expression& expression, Scope& scope) {
+  const std::string negation = expression.negated ? " NOT IN (" : " IN (";
+  Typed value = Value(*expression.operands[0], scope);
+  if (expression.kind == Expression::Kind::kInLiteralList) {
+    const SqlType item = expression.list_of_strings ? VarCharType(8000) : IntType();
+    SqlType common = expression.list_of_strings || value.type.is_text() ? CommonType(value.type, item) : value.type;
+    if (value.type.is_date() || value.type.is_float()) common = value.type;
+    if (value.type.is_text() && !expression.list_of_strings) common = BigIntType();
+    if (value.type.is_integer() && !expression.list_of_strings) common = BigIntType();
+    const std::string left = Coerce(value, common, Fit::kCompare);
+    BoundParameter list;
+    list.source = BoundParameter::Source::kList;
+    list.index = expression.list_index;
+    list.from = item;
+    list.to = common;
+    list.fit = Fit::kCompare;
+    parameters_.push_back(std::move(list));
+    return "(" + left + (common.is_text() ? " COLLATE TSQL" : "") + negation + "SELECT value FROM ts_list(?" +
+           std::to_string(parameters_.size()) + ")))";
+  }
+  std::vector<Typed> items;
+  SqlType common = value.type;
+  for (std::size_t i = 1; i < expression.operands.size(); ++i) {
+    items.push_back(Value(*expression.operands[i], scope));
+    common = CommonType(common, items.back().type);
+  }
+  if (items.size() == 1) {
+    const std::string sql = Compare(CompareOp::kEqual, std::move(value), std::move(items[0]));
+    return expression.negated ? "(NOT " + sql + ")" : sql;
+  }
+  std::string sql = "(" + Coerce(value, common, Fit::kCompare) + (common.is_text() ? " COLLATE TSQL" : "") + negation;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    sql += (i == 0 ? "" : ", ") + Coerce(items[i], common, Fit::kCompare);
+  }
+  return sql + "))";
+}
+
+std::string Translator::InQuery(const Expression& expression, Scope& scope) {
+  static const std::vector<std::string> kNames = {"c"};
+  Typed value = Value(*expression.operands[0], scope);
+  SelectOptions options;
+  options.names = &kNames;
+  const TranslatedQuery query = QueryText(*expression.query, &scope, options);
+  if (query.columns.size() != 1) {
+    throw SqlError(116, "Only one expression can be specified in the select list when the subquery is not introduced "
+                        "with EXISTS.");
+  }
+  const SqlType common = CommonType(value.type, query.columns[0].type);
+  const Typed column{"\"c\"", query.columns[0].type, true, -1};
+  const std::string converted = Coerce(column, common, Fit::kCompare);
+  const std::string rows =
+      converted == column.sql ? query.sql : "SELECT " + converted + " FROM (" + query.sql + ")";
+  return "(" + Coerce(value, common, Fit::kCompare) + (common.is_text() ? " COLLATE TSQL" : "") +
+         (expression.negated ? " NOT IN (" : " IN (") + rows + "))";
+}
+
+std::string Translator::Quantified(const Expression& expression, Scope& scope) {
+  static const std::vector<std::string> kNames = {"c"};
+  SelectOptions options;
+  options.names = &kNames;
+  const TranslatedQuery query = QueryText(*expression.query, &scope, options);
+  if (query.columns.size() != 1) throw SqlError(116, "Only one expression can be specified in the select list when the subquery is not introduced with EXISTS.");
+  const Typed column{"\"c\"", query.columns[0].type, true, -1};
+  const std::string holds = Compare(expression.compare, Value(*expression.operands[0], scope), column);
+  if (expression.quantifier == Quantifier::kAny) return "EXISTS (SELECT 1 FROM (" + query.sql + ") WHERE " + holds + ")";
+  return "NOT EXISTS (SELECT 1 FROM (" + query.sql + ") WHERE (" + holds + ") IS NOT 1)";
+}
+
+std::string Translator::Condition(const Expression& expression, Scope& scope) {
+  switch (expression.kind) {
+    case Expression::Kind::kCompare:
+      return Compare(expression.compare, Value(*expression.operands[0], scope), Value(*expression.operands[1], scope));
+    case Expression::Kind::kAnd:
+    case Expression::Kind::kOr: {
+      const char* joint = expression.kind == Expression::Kind::kAnd ? " AND " : " OR ";
+      std::string sql = "(";
+      for (std::size_t i = 0; i < expression.operands.size(); ++i) {
+        if (i > 0) sql += joint;
+        sql += Condition(*expression.operands[i], scope);
+      }
+      return sql + ")";
+    }
+    case Expression::Kind::kNot:
+      return "(NOT " + Condition(*expression.operands[0], scope) + ")";
+    case Expression::Kind::kIsNull:
+      return "(" + Value(*expression.operands[0], scope).sql + (expression.negated ? " IS NOT NULL)" : " IS NULL)");
+    case Expression::Kind::kBetween: {
+      const std::string low = Compare(CompareOp::kGreaterEqual, Value(*expression.operands[0], scope),
+                                      Value(*expression.operands[1], scope));
+      const std::string high = Compare(CompareOp::kLessEqual, Value(*expression.operands[0], scope),
+                                       Value(*expression.operands[2], scope));
+      return std::string(expression.negated ? "(NOT " : "(") + "(" + low + " AND " + high + "))";
+    }
+    case Expression::Kind::kLike: {
+      std::string sql = "ts_like(" + TextArgument(*expression.operands[0], scope) + ", " +
+                        TextArgument(*expression.operands[1], scope);
+      if (expression.operands.size() > 2 && expression.operands[2] != nullptr) {
+        sql += ", " + TextArgument(*expression.operands[2], scope);
+      }
+      return (expression.negated ? "(NOT " : "(") + sql + "))";
+    }
+    case Expression::Kind::kInList:
+    case Expression::Kind::kInLiteralList:
+      return InList(expression, scope);
+    case Expression::Kind::kInQuery:
+      return InQuery(expression, scope);
+    case Expression::Kind::kExists: {
+      const TranslatedQuery query = QueryText(*expression.query, &scope, {});
+      return "EXISTS (" + query.sql + ")";
+    }
+    case Expression::Kind::kQuantified:
+      return Quantified(expression, scope);
+    default: {
+      SqlError error(4145, "An expression of non-boolean type specified in a context where a condition is expected.", 15);
+      error.set_line(expression.line);
+      throw error;
+    }
+  }
+}
+
+Typed Translator::Value(const Expression& expression, Scope& scope) {
+  if (scope.check_grouping && aggregate_depth_ == 0 && !scope.group_expressions.empty() &&
+      expression.kind != Expression::Kind::kLiteral && scope.group_expressions.contains(Dump(expression))) {
+    scope.check_grouping = false;
+    Typed value = Value(expression, scope);
+    scope.check_grouping = true;
+    return value;
+  }
+  switch (expression.kind) {
+    case Expression::Kind::kLiteral:
+      return Literal(expression);
+    case Expression::Kind::kVariable:
+      return VariableValue(expression.text);
+    case Expression::Kind::kGlobal:
+      return MetadataFunction(expression, scope);
+    case Expression::Kind::kColumn:
+      return ColumnValue(expression, scope);
+    case Expression::Kind::kUnary:
+      return Unary(expression, scope);
+    case Expression::Kind::kBinary:
+      return Binary(expression, scope);
+    case Expression::Kind::kCase:
+      return Case(expression, scope);
+    case Expression::Kind::kCast:
+    case Expression::Kind::kConvert:
+      return Cast(expression, scope);
+    case Expression::Kind::kFunction:
+      return Function(expression, scope);
+    case Expression::Kind::kSubquery:
+      return ScalarSubquery(expression, scope);
+    case Expression::Kind::kCollate: {
+      if (!EqualsIgnoreCase(expression.text, "database_default") &&
+          FindIgnoreCase(expression.text, "_CI_AS") == std::string_view::npos) {
+        RaiseUnsupported("The collation " + expression.text, expression.line);
+      }
+      return Value(*expression.operands[0], scope);
+    }
+    case Expression::Kind::kStar:
+      throw SqlError(102, "Incorrect syntax near '*'.", 15);
+    default: {
+      SqlError error(102, "Incorrect syntax: a condition stands where a value is expected.", 15);
+      error.set_line(expression.line);
+      throw error;
+    }
+  }
+}
+
+bool HasAggregate(const Expression& expression) {
+  constexpr std::array<std::string_view, 8> kAggregates = {"count", "count_big", "sum", "avg",
+                                                           "min",   "max",       "string_agg", "checksum_agg"};
+  if (expression.kind == Expression::Kind::kFunction && expression.window == nullptr &&
+      std::find(kAggregates.begin(), kAggregates.end(), expression.text) != kAggregates.end()) {
+    return true;
+  }
+  for (const ExpressionPtr& operand : expression.operands) {
+    if (operand != nullptr && HasAggregate(*operand)) return true;
+  }
+  return std::any_of(expression.branches.begin(), expression.branches.end(), [](const CaseBranch& branch) {
+    return HasAggregate(*branch.when) || HasAggregate(*branch.then);
+  });
+}
+
+std::string Dump(const Expression& expression) {
+  std::string text = std::to_string(static_cast<int>(expression.kind)) + ":" +
+                     std::to_string(static_cast<int>(expression.unary)) +
+                     std::to_string(static_cast<int>(expression.binary)) +
+                     std::to_string(static_cast<int>(expression.compare)) + (expression.negated ? "!" : "") +
+                     (expression.distinct ? "d" : "") + ":";
+  const bool literal = expression.kind == Expression::Kind::kLiteral;
+  text += (literal ? expression.text : LowerCase(expression.text)) + ":" + expression.type.name + ":";
+  if (!expression.parts.empty()) text += LowerCase(expression.parts.back());
+  text += "(";
+  for (const ExpressionPtr& operand : expression.operands) text += (operand == nullptr ? "-" : Dump(*operand)) + ",";
+  for (const CaseBranch& branch : expression.branches) text += Dump(*branch.when) + ">" + Dump(*branch.then) + ",";
+  return text + ")";
+}
+
+}  // namespace tessarlorn::embedded

@@ -1,0 +1,515 @@
+// Queries: FROM, select lists, grouping, set operators, ORDER BY, TOP, common table expressions, views.
+#include <algorithm>
+#include <array>
+
+#include "drivers/embedded/parser.h"
+#include "drivers/embedded/sql_error.h"
+#include "drivers/embedded/system_views.h"
+#include "drivers/embedded/translator.h"
+#include "platform/text.h"
+
+namespace tessarlorn::embedded {
+namespace {
+
+/// Whether a query's result is computed through an outer-joined view, which SQLite can only unfold outside DISTINCT.
+std::string Unfolded(const std::string& sql) { return "SELECT DISTINCT * FROM (" + sql + " LIMIT -1)"; }
+
+bool StoresAlike(const SqlType& a, const SqlType& b) {
+  return a.storage() == b.storage() && (!a.is_exact() || a.scale == b.scale);
+}
+
+}  // namespace
+
+std::string TableSql(const CatalogObject& table) {
+  return (table.temporary ? "temp." : "main.") + QuoteName(table.name);
+}
+
+CatalogObjectPtr Translator::Lookup(const ObjectName& name) {
+  CatalogObjectPtr object = catalog_.Find(name.name);
+  const bool known = std::any_of(dependencies_.objects.begin(), dependencies_.objects.end(),
+                                 [&](const Dependencies::Object& entry) { return entry.name == name.name; });
+  if (!known) dependencies_.objects.push_back({name.name, object == nullptr ? "" : object->signature()});
+  if (object == nullptr || object->kind == CatalogKind::kProcedure) {
+    throw SqlError(208, "Invalid object name '" + (name.qualifier.empty() ? "" : name.qualifier + ".") + name.name + "'.");
+  }
+  return object;
+}
+
+const Translator::CommonTableColumns* Translator::FindCommonTable(std::string_view name) const {
+  for (std::size_t i = common_tables_.size(); i-- > 0;) {
+    if (EqualsIgnoreCase(common_tables_[i].name, name)) return &common_tables_[i];
+  }
+  return nullptr;
+}
+
+void Translator::AddSource(Scope& scope, Source source) {
+  for (const Source& other : scope.sources) {
+    if (EqualsIgnoreCase(other.alias, source.alias)) {
+      throw SqlError(1011, "The correlation name '" + source.alias + "' is specified multiple times in a FROM clause.", 15);
+    }
+  }
+  scope.sources.push_back(std::move(source));
+}
+
+std::string Translator::AddTable(const TableSource& source, Scope& scope, bool optional) {
+  Source added;
+  added.alias = source.alias.empty() ? source.table.name : source.alias;
+  const std::string alias = QuoteName(added.alias);
+  const auto add_columns = [&](const auto& columns) {
+    for (const auto& column : columns) {
+      added.columns.push_back({column.name, column.type, optional || column.nullable, alias + "." + QuoteName(column.name)});
+    }
+  };
+  if (const CommonTableColumns* common = source.table.qualifier.empty() ? FindCommonTable(source.table.name) : nullptr) {
+    add_columns(common->columns);
+    AddSource(scope, std::move(added));
+    return QuoteName(common->name) + " AS " + alias;
+  }
+  if (const SystemView* view = FindSystemView(source.table.qualifier, source.table.name)) {
+    add_columns(view->columns);
+    AddSource(scope, std::move(added));
+    return "(" + view->sql + ") AS " + alias;
+  }
+  const CatalogObjectPtr table = Lookup(source.table);
+  if (table->kind == CatalogKind::kTable) {
+    add_columns(table->columns);
+    added.table = table;
+    AddSource(scope, std::move(added));
+    return TableSql(*table) + " AS " + alias;
+  }
+  if (view_depth_ >= 32) throw SqlError(217, "Maximum view nesting level exceeded (limit 32).");
+  Tokens tokens;
+  TokenizeBatch(table->definition, names_, tokens);
+  const std::vector<StatementPtr> statements = ParseStatements(table->definition, tokens);
+  // A view knows nothing of where it is used: no outer names, no common tables, no lifted literals.
+  std::vector<CommonTableColumns> outer;
+  outer.swap(common_tables_);
+  ++view_depth_;
+  SelectOptions options;
+  options.named = true;
+  options.owner = table->name;
+  std::vector<std::string> names;
+  for (const Column& column : table->columns) names.push_back(column.name);
+  if (!names.empty()) options.names = &names;
+  const TranslatedQuery query = QueryText(*statements.at(0)->query, nullptr, options);
+  --view_depth_;
+  outer.swap(common_tables_);
+  scope.optional_view = scope.optional_view || optional;
+  add_columns(query.columns);
+  AddSource(scope, std::move(added));
+  return "(" + query.sql + ") AS " + alias;
+}
+
+std::string Translator::SourceText(const TableSource& source, Scope& scope, bool optional) {
+  if (source.kind == TableSource::Kind::kTable) return AddTable(source, scope, optional);
+  if (source.kind == TableSource::Kind::kDerived) {
+    SelectOptions options;
+    options.named = true;
+    options.owner = source.alias;
+    if (!source.column_aliases.empty()) options.names = &source.column_aliases;
+    const TranslatedQuery query = QueryText(*source.query, scope.parent, options);
+    Source added;
+    added.alias = source.alias;
+    for (const ResultColumn& column : query.columns) {
+      added.columns.push_back({column.name, column.type, optional || column.nullable,
+                               QuoteName(source.alias) + "." + QuoteName(column.name)});
+    }
+    AddSource(scope, std::move(added));
+    return "(" + query.sql + ") AS " + QuoteName(source.alias);
+  }
+  constexpr std::array<std::string_view, 5> kJoins = {" INNER JOIN ", " LEFT JOIN ", " RIGHT JOIN ", " FULL JOIN ",
+                                                      " CROSS JOIN "};
+  const bool left_optional = source.join == JoinKind::kRight || source.join == JoinKind::kFull;
+  const bool right_optional = source.join == JoinKind::kLeft || source.join == JoinKind::kFull;
+  std::string sql = SourceText(*source.left, scope, optional || left_optional);
+  sql += kJoins[static_cast<std::size_t>(source.join)];
+  const std::string right = SourceText(*source.right, scope, optional || right_optional);
+  sql += source.right->kind == TableSource::Kind::kJoin ? "(" + right + ")" : right;
+  if (source.on != nullptr) sql += " ON " + Condition(*source.on, scope);
+  return sql;
+}
+
+std::string Translator::From(const std::vector<TableSourcePtr>& sources, Scope& scope) {
+  std::string sql;
+  for (const TableSourcePtr& source : sources) {
+    sql += sql.empty() ? " FROM " : ", ";
+    sql += SourceText(*source, scope, false);
+  }
+  return sql;
+}
+
+void Translator::ExpandStar(const Expression& star, const Scope& scope, std::vector<Typed>& values,
+                            std::vector<ResultColumn>& columns) {
+  bool any = false;
+  for (const Source& source : scope.sources) {
+    if (!star.parts.empty() && !EqualsIgnoreCase(source.alias, star.parts.back())) continue;
+    any = true;
+    for (const SourceColumn& column : source.columns) {
+      if (scope.check_grouping && !scope.group_columns.contains(column.sql)) {
+        throw SqlError(8120, "Column '" + source.alias + "." + column.name + "' is invalid in the select list because it "
+                             "is not contained in either an aggregate function or the GROUP BY clause.");
+      }
+      values.push_back({column.sql, column.type, column.nullable, -1});
+      columns.push_back({column.name, column.type, column.nullable, false});
+    }
+  }
+  if (any) return;
+  if (star.parts.empty()) throw SqlError(263, "Must specify table to select from.");
+  throw SqlError(107, "The column prefix '" + star.parts.back() + "' does not match with a table name or alias name used in the query.", 15);
+}
+
+void Translator::GroupBy(const Select& select, Scope& scope, std::string& sql) {
+  for (std::size_t i = 0; i < select.group_by.size(); ++i) {
+    const Expression& key = *select.group_by[i];
+    const Typed value = Value(key, scope);
+    sql += (i == 0 ? " GROUP BY " : ", ") + Collated(value);
+    if (key.kind == Expression::Kind::kColumn) scope.group_columns.insert(value.sql);
+    scope.group_expressions.insert(Dump(key));
+  }
+  const bool aggregates = std::any_of(select.items.begin(), select.items.end(),
+                                      [](const SelectItem& item) { return HasAggregate(*item.expression); });
+  scope.check_grouping = !select.group_by.empty() || aggregates || select.having != nullptr;
+}
+
+void Translator::CheckNames(const std::vector<ResultColumn>& columns, const std::string& owner) {
+  std::set<std::string> seen;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (columns[i].name.empty()) {
+      throw SqlError(8155, "No column name was specified for column " + std::to_string(i + 1) + " of '" + owner + "'.");
+    }
+    if (!seen.insert(LowerCase(columns[i].name)).second) {
+      throw SqlError(8156, "The column '" + columns[i].name + "' was specified multiple times for '" + owner + "'.");
+    }
+  }
+}
+
+std::string Translator::OrderBy(const std::vector<OrderItem>& items, Scope* scope, const Select* select,
+                                const std::vector<ResultColumn>& columns) {
+  std::string sql;
+  for (const OrderItem& item : items) {
+    const Expression& key = *item.expression;
+    std::string text;
+    const auto position = [&](std::size_t column) {
+      text = std::to_string(column + 1) + (columns[column].type.is_text() ? " COLLATE TSQL" : "");
+    };
+    if (key.kind == Expression::Kind::kLiteral) {
+      Pin(key);
+      const int number = key.literal == LiteralKind::kInteger ? std::stoi(key.text.substr(0, 9)) : 0;
+      if (number < 1 || number > static_cast<int>(columns.size())) {
+        throw SqlError(108, "The ORDER BY position number " + key.text + " is out of range of the number of items in the select list.", 15);
+      }
+      position(static_cast<std::size_t>(number - 1));
+    } else if (key.kind == Expression::Kind::kColumn && key.parts.size() == 1) {
+      // A name of the select list goes before a column of the tables.
+      for (std::size_t i = 0; i < columns.size() && text.empty(); ++i) {
+        const bool named = select == nullptr || i >= select->items.size() || !select->items[i].alias.empty();
+        if (named && EqualsIgnoreCase(columns[i].name, key.parts[0])) position(i);
+      }
+    }
+    if (text.empty()) {
+      if (scope == nullptr) {
+        throw SqlError(104, "ORDER BY items must appear in the select list if the statement contains a UNION, INTERSECT or EXCEPT operator.", 15);
+      }
+      scope->clause = "ORDER BY clause";
+      const Typed value = Value(key, *scope);
+      text = value.type.is_text() ? value.sql + " COLLATE TSQL" : value.sql;
+    }
+    sql += (sql.empty() ? " ORDER BY " : ", ") + text + (item.descending ? " DESC" : "");
+  }
+  return sql;
+}
+
+std::string Translator::Limit(const Query& query, const Select* select, Scope& scope) {
+  if (select != nullptr && select->top != nullptr) {
+    if (select->top_percent) RaiseUnsupported("TOP … PERCENT", select->line);
+    if (select->top_with_ties) RaiseUnsupported("TOP … WITH TIES", select->line);
+    Pin(*select->top);
+    return " LIMIT " + IntArgument(*select->top, scope);
+  }
+  if (query.offset == nullptr) return "";
+  const std::string offset = IntArgument(*query.offset, scope);
+  const std::string fetch = query.fetch == nullptr ? "-1" : IntArgument(*query.fetch, scope);
+  return " LIMIT " + fetch + " OFFSET " + offset;
+}
+
+TranslatedQuery Translator::SelectText(const Query& query, const Select& select, const Scope* parent,
+                                       const SelectOptions& options) {
+  Scope scope;
+  scope.parent = parent;
+  TranslatedQuery result;
+  const std::string from = From(select.from, scope);
+  std::string where;
+  if (select.where != nullptr) where = " WHERE " + Condition(*select.where, scope);
+  std::string group;
+  const int outer_depth = aggregate_depth_;
+  aggregate_depth_ = 0;
+  GroupBy(select, scope, group);
+  std::vector<Typed> values;
+  for (const SelectItem& item : select.items) {
+    const Expression& expression = *item.expression;
+    if (expression.kind == Expression::Kind::kStar) {
+      ExpandStar(expression, scope, values, result.columns);
+      continue;
+    }
+    ResultColumn column;
+    column.name = item.alias;
+    if (column.name.empty() && expression.kind == Expression::Kind::kColumn) column.name = expression.parts.back();
+    if (expression.kind == Expression::Kind::kFunction && expression.text == "identity" && !select.into.name.empty()) {
+      column.identity = true;
+      column.type = IntType();
+      column.nullable = false;
+      values.push_back({"row_number() OVER ()", column.type, false, -1});
+    } else {
+      values.push_back(Value(expression, scope));
+      column.type = values.back().type;
+      column.nullable = values.back().nullable;
+    }
+    result.columns.push_back(std::move(column));
+  }
+  if (options.names != nullptr) {
+    if (options.names->size() != result.columns.size()) {
+      if (options.names->size() == 1 && (*options.names)[0] == "c" && !options.named) return result;
+      throw SqlError(result.columns.size() > options.names->size() ? 8158 : 8159,
+                     "'" + options.owner + "' has " + (result.columns.size() > options.names->size() ? "more" : "fewer") +
+                         " columns than were specified in the column list.");
+    }
+    for (std::size_t i = 0; i < result.columns.size(); ++i) result.columns[i].name = (*options.names)[i];
+  }
+  if (options.named) CheckNames(result.columns, options.owner);
+  const bool named = options.named || options.names != nullptr;
+  const bool unfold = select.distinct && scope.optional_view && query.order_by.empty() && select.top == nullptr;
+  std::string sql = select.distinct && !unfold ? "SELECT DISTINCT " : "SELECT ";
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (i > 0) sql += ", ";
+    const bool collate = (options.collate_items || select.distinct) && values[i].type.is_text();
+    sql += collate ? Collated(values[i]) : values[i].sql;
+    if (named) sql += " AS " + QuoteName(result.columns[i].name);
+  }
+  if (values.empty()) throw SqlError(263, "Must specify table to select from.");
+  sql += from + where + group;
+  if (select.having != nullptr) {
+    scope.clause = "HAVING clause";
+    sql += " HAVING " + Condition(*select.having, scope);
+  }
+  sql += OrderBy(query.order_by, &scope, &select, result.columns);
+  const std::string limit = Limit(query, &select, scope);
+  aggregate_depth_ = outer_depth;
+  result.sql = unfold ? Unfolded(sql) : sql + limit;
+  return result;
+}
+
+TranslatedQuery Translator::RowsText(const Query& query, const Scope* parent, const SelectOptions& options) {
+  Scope scope;
+  scope.parent = parent;
+  TranslatedQuery result;
+  std::vector<std::vector<Typed>> rows;
+  for (const auto& row : query.rows) {
+    if (row.size() != query.rows[0].size()) {
+      throw SqlError(10709, "The number of columns for each row in a table value constructor must be the same.");
+    }
+    rows.emplace_back();
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      rows.back().push_back(Value(*row[i], scope));
+      if (rows.size() == 1) result.columns.push_back({"", NullType(), false, false});
+      result.columns[i].type = CommonType(result.columns[i].type, rows.back()[i].type);
+      result.columns[i].nullable = result.columns[i].nullable || rows.back()[i].nullable;
+    }
+  }
+  for (std::size_t i = 0; i < result.columns.size(); ++i) {
+    result.columns[i].name = options.names != nullptr && i < options.names->size() ? (*options.names)[i] : "";
+  }
+  if (options.named) CheckNames(result.columns, options.owner);
+  for (std::size_t r = 0; r < rows.size(); ++r) {
+    result.sql += r == 0 ? "SELECT " : " UNION ALL SELECT ";
+    for (std::size_t i = 0; i < rows[r].size(); ++i) {
+      if (i > 0) result.sql += ", ";
+      result.sql += Coerce(rows[r][i], result.columns[i].type);
+      if (r == 0 && !result.columns[i].name.empty()) result.sql += " AS " + QuoteName(result.columns[i].name);
+    }
+  }
+  return result;
+}
+
+TranslatedQuery Translator::SetText(const Query& query, const Scope* parent, const SelectOptions& options) {
+  SelectOptions side_options;
+  side_options.collate_items = query.set_operator != SetOperator::kUnionAll;
+  SelectOptions left_options = side_options;
+  left_options.names = options.names;
+  left_options.named = options.named;
+  left_options.owner = options.owner;
+  TranslatedQuery left = QueryText(*query.left, parent, left_options);
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < left.columns.size(); ++i) names.push_back("c" + std::to_string(i));
+  // Both sides are wrapped, so that TOP and ORDER BY may stand in them and columns can be converted by name.
+  TranslatedQuery right = QueryText(*query.right, parent, side_options);
+  if (left.columns.size() != right.columns.size()) {
+    throw SqlError(205, "All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal number of "
+                        "expressions in their target lists.");
+  }
+  TranslatedQuery result;
+  for (std::size_t i = 0; i < left.columns.size(); ++i) {
+    ResultColumn column = left.columns[i];
+    column.type = CommonType(left.columns[i].type, right.columns[i].type);
+    column.nullable = left.columns[i].nullable || right.columns[i].nullable;
+    result.columns.push_back(std::move(column));
+  }
+  const auto side = [&](const TranslatedQuery& part, const Query& tree, bool first) {
+    const bool bare = tree.select != nullptr && tree.select->top == nullptr && tree.order_by.empty() && tree.with.empty();
+    bool alike = true;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      alike = alike && (part.columns[i].type.untyped_null || StoresAlike(part.columns[i].type, result.columns[i].type));
+    }
+    if (alike && (bare || (first && tree.set_operator != SetOperator::kNone))) return part.sql;
+    std::string sql = "SELECT ";
+    std::string list;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      const Typed column{names[i], part.columns[i].type, true, -1};
+      if (i > 0) {
+        sql += ", ";
+        list += ", ";
+      }
+      Typed converted{Coerce(column, result.columns[i].type), result.columns[i].type, true, -1};
+      sql += side_options.collate_items ? Collated(converted) : converted.sql;
+      if (!result.columns[i].name.empty()) sql += " AS " + QuoteName(result.columns[i].name);
+      list += names[i];
+    }
+    const std::string alias = "s" + std::to_string(next_alias_++);
+    return "SELECT * FROM (WITH " + alias + "(" + list + ") AS (" + part.sql + ") " + sql + " FROM " + alias + ")";
+  };
+  constexpr std::array<std::string_view, 5> kOperators = {"", " UNION ", " UNION ALL ", " EXCEPT ", " INTERSECT "};
+  result.sql = side(left, *query.left, true) + std::string(kOperators[static_cast<std::size_t>(query.set_operator)]) +
+               side(right, *query.right, false);
+  result.sql += OrderBy(query.order_by, nullptr, nullptr, result.columns);
+  Scope scope;
+  scope.parent = parent;
+  result.sql += Limit(query, nullptr, scope);
+  return result;
+}
+
+std::string Translator::With(const std::vector<CommonTable>& tables, const Scope* parent) {
+  std::string sql;
+  for (const CommonTable& table : tables) {
+    SelectOptions options;
+    options.named = true;
+    options.owner = table.name;
+    if (!table.columns.empty()) options.names = &table.columns;
+    const Query& query = *table.query;
+    const bool recursive_shape = query.set_operator == SetOperator::kUnionAll;
+    if (recursive_shape) {
+      // The first part gives the columns that the second may read under the table's own name.
+      const std::size_t parameters = parameters_.size();
+      const TranslatedQuery anchor = QueryText(*query.left, parent, options);
+      parameters_.resize(parameters);
+      common_tables_.push_back({table.name, anchor.columns});
+    }
+    const TranslatedQuery body = QueryText(query, parent, options);
+    if (recursive_shape) common_tables_.pop_back();
+    common_tables_.push_back({table.name, body.columns});
+    sql += (sql.empty() ? "WITH " : ", ") + QuoteName(table.name) + "(";
+    for (std::size_t i = 0; i < body.columns.size(); ++i) sql += (i == 0 ? "" : ", ") + QuoteName(body.columns[i].name);
+    sql += ") AS (" + body.sql + ")";
+  }
+  return sql.empty() ? sql : sql + " ";
+}
+
+TranslatedQuery Translator::QueryText(const Query& query, const Scope* parent, const SelectOptions& options) {
+  const std::size_t outer_tables = common_tables_.size();
+  const std::string with = With(query.with, parent);
+  TranslatedQuery result = query.set_operator != SetOperator::kNone ? SetText(query, parent, options)
+                           : query.select != nullptr                ? SelectText(query, *query.select, parent, options)
+                                                                    : RowsText(query, parent, options);
+  result.sql = with + result.sql;
+  common_tables_.resize(outer_tables);
+  return result;
+}
+
+Compiled Translator::Finish(std::string sql) {
+  Compiled compiled;
+  compiled.sql = std::move(sql);
+  compiled.parameters = std::move(parameters_);
+  parameters_.clear();
+  return compiled;
+}
+
+Compiled Translator::CompileQuery(const Query& query) {
+  std::vector<std::string> assigned;
+  if (query.select != nullptr) {
+    for (const SelectItem& item : query.select->items) {
+      if (item.variable.empty()) continue;
+      assigned.push_back(item.variable);
+      live_variables_.insert(item.variable);
+    }
+    if (!assigned.empty() && assigned.size() != query.select->items.size()) {
+      throw SqlError(141, "A SELECT statement that assigns a value to a variable must not be combined with data-retrieval operations.", 15);
+    }
+  }
+  SelectOptions options;
+  options.top_level = true;
+  TranslatedQuery text = QueryText(query, nullptr, options);
+  Compiled compiled = Finish(std::move(text.sql));
+  compiled.columns = std::move(text.columns);
+  compiled.assigned = std::move(assigned);
+  compiled.verb = "SELECT";
+  for (const std::string& name : compiled.assigned) VariableValue(name);
+  parameters_.clear();
+  return compiled;
+}
+
+std::vector<ResultColumn> Translator::DescribeQuery(const Query& query) {
+  SelectOptions options;
+  options.named = true;
+  options.owner = query.select != nullptr && !query.select->into.name.empty() ? query.select->into.name : "query";
+  std::vector<ResultColumn> columns = QueryText(query, nullptr, options).columns;
+  parameters_.clear();
+  return columns;
+}
+
+Compiled Translator::CompileCondition(const Expression& condition) {
+  Scope scope;
+  const std::string sql = "SELECT " + Condition(condition, scope);
+  Compiled compiled = Finish(sql);
+  compiled.columns.push_back({"", BitType(), true, false});
+  compiled.verb = "SELECT";
+  return compiled;
+}
+
+Compiled Translator::CompileValue(const Expression& value, const SqlType& type) {
+  Scope scope;
+  const Typed typed = Value(value, scope);
+  const bool parameter_only = typed.parameter >= 0;
+  Compiled compiled = Finish("");
+  compiled.columns.push_back({"", type, true, false});
+  compiled.verb = "SELECT";
+  if (parameter_only) {
+    compiled.parameters[0].to = type;
+    compiled.parameter_only = true;
+    return compiled;
+  }
+  parameters_ = std::move(compiled.parameters);
+  const std::string sql = "SELECT " + Coerce(typed, type);
+  compiled.parameters = std::move(parameters_);
+  parameters_.clear();
+  compiled.sql = sql;
+  return compiled;
+}
+
+Compiled Translator::CompileCompound(const Assignment& assignment, const SqlType& type) {
+  Scope scope;
+  Typed variable = VariableValue(assignment.variable);
+  const Typed sum = BinaryOf(assignment.compound, std::move(variable), Value(*assignment.value, scope));
+  Compiled compiled = Finish("SELECT " + Coerce(sum, type));
+  compiled.columns.push_back({"", type, true, false});
+  compiled.verb = "SELECT";
+  return compiled;
+}
+
+Compiled Translator::CompileValue(const Expression& value) {
+  Scope scope;
+  const Typed typed = Value(value, scope);
+  Compiled compiled = Finish("SELECT " + typed.sql);
+  compiled.columns.push_back({"", typed.type, true, false});
+  compiled.verb = "SELECT";
+  return compiled;
+}
+
+}  // namespace tessarlorn::embedded

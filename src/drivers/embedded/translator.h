@@ -1,0 +1,193 @@
+// The translator: Transact-SQL's syntax trees to SQL that SQLite runs with the same meaning.
+#pragma once
+
+#include <functional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "drivers/embedded/ast.h"
+#include "drivers/embedded/catalog.h"
+#include "drivers/embedded/compiled.h"
+#include "drivers/embedded/runtime.h"
+#include "drivers/embedded/token.h"
+
+namespace tessarlorn::embedded {
+
+/// An expression in SQLite's words, and its type.
+struct Typed {
+  std::string sql;
+  SqlType type;
+  bool nullable = true;
+  /// Index of the parameter when the expression is nothing but that parameter, else -1.
+  int parameter = -1;
+};
+
+/// A query in SQLite's words, and its columns.
+struct TranslatedQuery {
+  std::string sql;
+  std::vector<ResultColumn> columns;
+};
+
+/// Translates one statement. Every value is typed as SQL Server types it; conversions that SQL Server makes by itself
+/// stand in the SQLite text as calls, or are made once when a parameter is bound. Names are resolved here, so that the
+/// errors 207, 208, 209, 4104, 8120, 8155, 8156 and their like are raised before anything runs.
+class Translator {
+ public:
+  /// @param lift_literals literals become parameters that are bound from the batch's tokens; otherwise their values
+  /// stand in the compiled statement.
+  Translator(const Catalog& catalog, Frame& frame, NameTable& names, bool lift_literals, Dependencies& dependencies)
+      : catalog_(catalog), frame_(frame), names_(names), lift_(lift_literals), dependencies_(dependencies) {}
+
+  /// SELECT (without INTO), with its assignments.
+  Compiled CompileQuery(const Query& query);
+  /// IF's and WHILE's condition: one row with 1, 0 or NULL.
+  Compiled CompileCondition(const Expression& condition);
+  /// A value converted to `type`.
+  Compiled CompileValue(const Expression& value, const SqlType& type);
+  /// A value of its own type, in columns[0].
+  Compiled CompileValue(const Expression& value);
+  /// The new value of the variable of `SET @v += x`, of `type`.
+  Compiled CompileCompound(const Assignment& assignment, const SqlType& type);
+  Compiled CompileInsert(const Statement& statement, bool identity_insert);
+  /// INSERT of the query into a table made for it by SELECT … INTO.
+  Compiled CompileInsertInto(const CatalogObject& table, const Query& query);
+  Compiled CompileUpdate(const Statement& statement);
+  Compiled CompileDelete(const Statement& statement);
+  /// The columns that a query gives, as a new table or a view has them.
+  std::vector<ResultColumn> DescribeQuery(const Query& query);
+  /// A condition over the columns of a table that is being made, without parameters, for a CHECK constraint.
+  std::string TranslateCheck(const CatalogObject& table, const Expression& condition);
+
+ private:
+  struct SourceColumn {
+    std::string name;
+    SqlType type;
+    bool nullable = true;
+    std::string sql;
+  };
+  struct Source {
+    std::string alias;
+    std::vector<SourceColumn> columns;
+    CatalogObjectPtr table;  // a base table, else null
+  };
+  struct Scope {
+    const Scope* parent = nullptr;
+    std::vector<Source> sources;
+    /// Only grouped columns may stand outside aggregates.
+    bool grouped = false;
+    bool check_grouping = false;
+    std::string clause = "select list";
+    std::set<std::string> group_columns;    // resolved SQL
+    std::set<std::string> group_expressions;  // dumps
+    bool optional_view = false;             // a view on the inner side of an outer join
+  };
+  struct CommonTableColumns {
+    std::string name;
+    std::vector<ResultColumn> columns;
+  };
+  struct SelectOptions {
+    bool collate_items = false;
+    /// Output names given from outside: t(a, b), WITH c(a, b).
+    const std::vector<std::string>* names = nullptr;
+    bool named = false;   // every column needs a name of its own (derived tables, views)
+    std::string owner;    // for messages: the derived table's alias
+    bool top_level = false;
+  };
+
+  // translate_expression.cpp
+  Typed Value(const Expression& expression, Scope& scope);
+  std::string Condition(const Expression& expression, Scope& scope);
+  Typed Literal(const Expression& expression);
+  Typed VariableValue(const std::string& name);
+  Typed SystemValue(const std::string& name, const SqlType& type);
+  Typed Constant(Datum value, const SqlType& type);
+  Typed ColumnValue(const Expression& expression, Scope& scope);
+  Typed Unary(const Expression& expression, Scope& scope);
+  Typed Binary(const Expression& expression, Scope& scope);
+  Typed BinaryOf(BinaryOp op, Typed a, Typed b);
+  Typed Case(const Expression& expression, Scope& scope);
+  Typed Cast(const Expression& expression, Scope& scope);
+  Typed ScalarSubquery(const Expression& expression, Scope& scope);
+  std::string Compare(CompareOp op, Typed a, Typed b);
+  std::string InList(const Expression& expression, Scope& scope);
+  std::string InQuery(const Expression& expression, Scope& scope);
+  std::string Quantified(const Expression& expression, Scope& scope);
+  /// The expression converted; `fit` as for Convert.
+  std::string Coerce(const Typed& value, const SqlType& to, Fit fit = Fit::kCast, int style = 0, bool attempt = false);
+  std::string Assign(const Typed& value, const Column& column, const std::string& table);
+  /// The value, or error 515 for NULL.
+  static std::string Required(const std::string& sql, const Column& column, const std::string& table);
+  void Pin(const Expression& literal);
+  static std::string Collated(const Typed& value);
+
+  // translate_function.cpp
+  Typed Function(const Expression& expression, Scope& scope);
+  Typed Aggregate(const Expression& expression, Scope& scope);
+  Typed WindowFunction(const Expression& expression, Scope& scope);
+  std::string Over(const Window& window, Scope& scope);
+  Typed DateFunction(const Expression& expression, Scope& scope);
+  Typed ConditionalFunction(const Expression& expression, Scope& scope);
+  Typed NumberFunction(const Expression& expression, Scope& scope);
+  Typed TextFunction(const Expression& expression, Scope& scope);
+  Typed MetadataFunction(const Expression& expression, Scope& scope);
+  std::string TextArgument(const Expression& expression, Scope& scope);
+  std::string IntArgument(const Expression& expression, Scope& scope);
+  std::string FloatArgument(const Expression& expression, Scope& scope);
+  std::string DateArgument(const Expression& expression, Scope& scope);
+
+  // translate_query.cpp
+  TranslatedQuery QueryText(const Query& query, const Scope* parent, const SelectOptions& options);
+  TranslatedQuery SelectText(const Query& query, const Select& select, const Scope* parent, const SelectOptions& options);
+  TranslatedQuery RowsText(const Query& query, const Scope* parent, const SelectOptions& options);
+  TranslatedQuery SetText(const Query& query, const Scope* parent, const SelectOptions& options);
+  std::string With(const std::vector<CommonTable>& tables, const Scope* parent);
+  std::string From(const std::vector<TableSourcePtr>& sources, Scope& scope);
+  std::string SourceText(const TableSource& source, Scope& scope, bool optional);
+  std::string AddTable(const TableSource& source, Scope& scope, bool optional);
+  void AddSource(Scope& scope, Source source);
+  std::string OrderBy(const std::vector<OrderItem>& items, Scope* scope, const Select* select,
+                      const std::vector<ResultColumn>& columns);
+  std::string Limit(const Query& query, const Select* select, Scope& scope);
+  void GroupBy(const Select& select, Scope& scope, std::string& sql);
+  void ExpandStar(const Expression& star, const Scope& scope, std::vector<Typed>& values,
+                  std::vector<ResultColumn>& columns);
+  void CheckNames(const std::vector<ResultColumn>& columns, const std::string& owner);
+  CatalogObjectPtr Lookup(const ObjectName& name);
+  const CommonTableColumns* FindCommonTable(std::string_view name) const;
+
+  // translate_change.cpp
+  struct Target {
+    CatalogObjectPtr table;
+    std::string alias;
+    bool joined = false;  // FROM names more than the target
+  };
+  Target ChangeTarget(const Statement& statement);
+  std::vector<std::pair<std::string, std::string>> Defaults(const CatalogObject& table,
+                                                            const std::vector<int>& given);
+  std::string InsertHead(const CatalogObject& table, const std::vector<int>& positions,
+                         const std::vector<std::pair<std::string, std::string>>& defaults);
+  Compiled Finish(std::string sql);
+
+  const Catalog& catalog_;
+  Frame& frame_;
+  NameTable& names_;
+  bool lift_;
+  Dependencies& dependencies_;
+  std::vector<BoundParameter> parameters_;
+  std::set<std::string> live_variables_;
+  std::vector<CommonTableColumns> common_tables_;
+  int view_depth_ = 0;
+  int next_alias_ = 0;
+  int aggregate_depth_ = 0;
+};
+
+/// Whether the expression holds an aggregate of its own query level.
+bool HasAggregate(const Expression& expression);
+/// A text that is the same for expressions that mean the same, without regard to case.
+std::string Dump(const Expression& expression);
+/// The name of a table as it stands in SQL: temporary tables carry their schema.
+std::string TableSql(const CatalogObject& table);
+
+}  // namespace tessarlorn::embedded

@@ -1,0 +1,91 @@
+// The types of Transact-SQL: how they are written, how they are stored in SQLite, and which type an operation yields.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "drivers/embedded/ast.h"
+#include "platform/recordset.h"
+
+namespace tessarlorn::embedded {
+
+/// How a value of a type stands in SQLite.
+enum class Storage : std::uint8_t {
+  kInteger,     // whole numbers, bits; dates and times as milliseconds since 1900-01-01
+  kScaled,      // decimals of up to 18 digits and money: value × 10^scale as integer
+  kBigDecimal,  // longer decimals: a blob of 16 bytes whose byte order is that of the numbers (see datum.h)
+  kReal,
+  kText,
+  kBlob,
+};
+
+struct SqlType {
+  FieldType kind = FieldType::kInt;
+  /// Characters (UTF-16 units; bytes of a double-byte code page for char and varchar), or bytes; 0 is (max).
+  int size = 0;
+  int precision = 0;
+  int scale = 0;
+  /// The type of NULL itself, which takes any other's place.
+  bool untyped_null = false;
+
+  [[nodiscard]] Storage storage() const noexcept;
+  [[nodiscard]] bool is_text() const noexcept;
+  /// Bit, integers.
+  [[nodiscard]] bool is_integer() const noexcept;
+  /// Decimal or money.
+  [[nodiscard]] bool is_exact() const noexcept { return kind == FieldType::kDecimal || kind == FieldType::kMoney; }
+  [[nodiscard]] bool is_float() const noexcept { return kind == FieldType::kFloat || kind == FieldType::kReal; }
+  [[nodiscard]] bool is_number() const noexcept { return is_integer() || is_exact() || is_float(); }
+  [[nodiscard]] bool is_date() const noexcept;
+  [[nodiscard]] bool is_binary() const noexcept {
+    return kind == FieldType::kBinary || kind == FieldType::kVarBinary;
+  }
+  /// Text of the national types: Unicode.
+  [[nodiscard]] bool is_national() const noexcept {
+    return kind == FieldType::kNChar || kind == FieldType::kNVarChar;
+  }
+
+  friend bool operator==(const SqlType&, const SqlType&) = default;
+};
+
+SqlType IntType();
+SqlType BigIntType();
+SqlType FloatType();
+SqlType DateTimeType();
+SqlType BitType();
+SqlType NullType();
+SqlType DecimalType(int precision, int scale);
+SqlType VarCharType(int size);
+SqlType NVarCharType(int size);
+
+/// The type that a name means. `in_cast`: text without a length has 30 characters, elsewhere 1. Raises 2715 for an
+/// unknown type ("Column, parameter, or variable #…: Cannot find data type …."), 1002 and 2716-like errors for
+/// arguments out of range, 40000 for types that are not supported.
+SqlType ResolveType(const TypeName& name, bool in_cast);
+
+/// As it is written: "nvarchar(50)", "decimal(18, 4)".
+std::string TypeText(const SqlType& type);
+/// Only the name: "nvarchar".
+std::string_view TypeNameText(FieldType kind);
+/// The type that `TypeText` wrote.
+SqlType ParseTypeText(std::string_view text);
+
+/// The declared type of a SQLite column that holds values of the type, chosen so that SQLite converts nothing.
+std::string_view SqliteColumnType(const SqlType& type);
+
+/// A type in one number, as the row functions get it.
+std::int64_t PackType(const SqlType& type);
+SqlType UnpackType(std::int64_t packed);
+
+/// The type to which both sides of a comparison, or all branches of a CASE, are converted.
+SqlType CommonType(const SqlType& a, const SqlType& b);
+
+/// The result of an arithmetic operation on two numbers; exact types follow SQL Server's rules of precision and scale.
+SqlType ArithmeticType(BinaryOp op, const SqlType& a, const SqlType& b);
+
+/// Exact types as decimal(p,s): integers by their digits, money as decimal(19,4).
+SqlType AsDecimal(const SqlType& type);
+
+Field ToField(const std::string& name, const SqlType& type, bool nullable);
+
+}  // namespace tessarlorn::embedded

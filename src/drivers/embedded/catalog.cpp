@@ -40,11 +40,6 @@ bool Step(sqlite3* database, sqlite3_stmt* statement) {
   return status == SQLITE_ROW;
 }
 
-std::int64_t SchemaVersion(sqlite3* database) {
-  const StatementHandle statement = Prepare(database, "PRAGMA main.schema_version");
-  return Step(database, statement.get()) ? sqlite3_column_int64(statement.get(), 0) : 0;
-}
-
 }  // namespace
 
 std::string QuoteName(std::string_view name) { return "\"" + ReplaceAll(name, "\"", "\"\"") + "\""; }
@@ -73,8 +68,16 @@ void CatalogObject::Seal() {
   }
 }
 
+std::int64_t Catalog::SchemaVersion() {
+  if (version_statement_ == nullptr) version_statement_ = Prepare(database_, "PRAGMA main.schema_version");
+  sqlite3_stmt* statement = version_statement_.get();
+  const std::int64_t version = Step(database_, statement) ? sqlite3_column_int64(statement, 0) : 0;
+  sqlite3_reset(statement);
+  return version;
+}
+
 void Catalog::Refresh() {
-  const std::int64_t version = SchemaVersion(database_);
+  const std::int64_t version = SchemaVersion();
   if (version == schema_version_) return;
   Load();
   schema_version_ = version;
@@ -187,7 +190,7 @@ void Catalog::Write(const CatalogObject& object) {
   Step(database_, insert.get());
   // Views and procedures are no SQLite objects: the version says to other connections that something changed.
   if (object.kind != CatalogKind::kTable) {
-    RunSql(database_, "PRAGMA main.schema_version = " + std::to_string(SchemaVersion(database_) + 1));
+    RunSql(database_, "PRAGMA main.schema_version = " + std::to_string(SchemaVersion() + 1));
   }
 }
 
@@ -206,7 +209,7 @@ void Catalog::Remove(std::string_view name) {
     Step(database_, statement.get());
   }
   if (found->second->kind != CatalogKind::kTable) {
-    RunSql(database_, "PRAGMA main.schema_version = " + std::to_string(SchemaVersion(database_) + 1));
+    RunSql(database_, "PRAGMA main.schema_version = " + std::to_string(SchemaVersion() + 1));
   }
   objects_.erase(found);
 }

@@ -10,6 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "drivers/embedded/sqlite_handle.h"
 #include "drivers/embedded/types.h"
 
 namespace tessarlorn::embedded {
@@ -79,9 +80,11 @@ class Catalog {
 
  private:
   void Load();
+  std::int64_t SchemaVersion();
   void Write(const CatalogObject& object);
 
   sqlite3* database_;
+  StatementHandle version_statement_;
   std::unordered_map<std::string, CatalogObjectPtr> objects_;     // by lower-case name
   std::unordered_map<std::string, CatalogObjectPtr> temporaries_;
   std::int64_t schema_version_ = -1;

@@ -3,11 +3,13 @@
 #include <algorithm>
 
 #include "drivers/embedded/keywords.h"
+#include "platform/text.h"
 
 namespace tessarlorn::embedded {
 namespace {
 
-constexpr std::size_t kKeyTokens = 6;
+constexpr std::size_t kKeyTokens = 4;
+constexpr std::size_t kBeginning = 24;
 
 bool IsLiteral(TokenKind kind) {
   return kind == TokenKind::kInteger || kind == TokenKind::kDecimal || kind == TokenKind::kFloat ||
@@ -61,6 +63,104 @@ bool EndsStatement(const Token& token) {
     default:
       return false;
   }
+}
+
+bool IsBlank(char c) { return c == ' ' || c == '\r' || c == '\n' || c == '\t' || c == ';'; }
+
+bool IsWordPart(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '#' || c == '@' ||
+         c == '$' || (c & 0x80) != 0;
+}
+
+std::size_t SkipBlanks(std::string_view text, std::size_t position) {
+  while (position < text.size() && IsBlank(text[position])) ++position;
+  return position;
+}
+
+/// EndsStatement for a text that is not cut into tokens.
+bool EndsStatementAt(std::string_view text, std::size_t position) {
+  if (position == text.size()) return true;
+  std::size_t end = position;
+  while (end < text.size() && IsWordPart(text[end])) ++end;
+  const std::string_view word = text.substr(position, end - position);
+  constexpr std::string_view kStarters[] = {"if",   "select", "update", "insert", "delete", "declare",
+                                            "exec", "while",  "begin",  "drop",   "print"};
+  return std::any_of(std::begin(kStarters), std::end(kStarters),
+                     [&](std::string_view starter) { return EqualsIgnoreCase(word, starter); });
+}
+
+/// Cuts the statement's text at its literals.
+TextTemplate MakeTemplate(std::span<const Token> tokens) {
+  TextTemplate result;
+  const char* begin = tokens.front().text.data();
+  if (tokens.front().kind != TokenKind::kWord) return {};
+  for (const Token& token : tokens) {
+    if (token.kind == TokenKind::kList || token.kind == TokenKind::kBinary) return {};
+    if (!IsLiteral(token.kind)) continue;
+    const char* end = token.text.data() + token.text.size();
+    const bool quoted = token.kind == TokenKind::kString || token.kind == TokenKind::kNString;
+    // Digits that run into a letter are left to the lexer.
+    if (!quoted && &token != &tokens.back() && (IsWordPart(*end) || *end == '.')) return {};
+    result.segments.emplace_back(begin, token.text.data());
+    result.literals.push_back({token.kind, LiteralClass(token)});
+    begin = end;
+  }
+  const Token& last = tokens.back();
+  const bool delimited = last.kind == TokenKind::kQuoted || last.kind == TokenKind::kString || last.kind == TokenKind::kNString;
+  result.segments.emplace_back(begin, last.text.data() + last.text.size() + (delimited ? 1 : 0));
+  return result;
+}
+
+/// The literal of that kind at `position`, which moves behind its text; false when another kind stands there.
+bool TakeLiteral(std::string_view text, std::size_t& position, const TextTemplate::Literal& wanted, Token& token) {
+  const std::size_t begin = position;
+  token.kind = wanted.kind;
+  token.doubled = false;
+  if (wanted.kind == TokenKind::kString || wanted.kind == TokenKind::kNString) {
+    for (;;) {
+      position = text.find('\'', position);
+      if (position == std::string_view::npos) return false;
+      if (position + 1 == text.size() || text[position + 1] != '\'') break;
+      token.doubled = true;
+      position += 2;
+    }
+    token.text = text.substr(begin, position - begin);
+    return true;
+  }
+  if (wanted.kind == TokenKind::kFloat) return false;
+  bool point = false;
+  while (position < text.size() && ((text[position] >= '0' && text[position] <= '9') || (text[position] == '.' && !point))) {
+    point = point || text[position] == '.';
+    ++position;
+  }
+  if (position == begin || point != (wanted.kind == TokenKind::kDecimal)) return false;
+  if (position < text.size() && IsWordPart(text[position])) return false;
+  token.text = text.substr(begin, position - begin);
+  return LiteralClass(token) == wanted.literal_class;
+}
+
+/// Where the statement ends that begins at `position` and is the template's but for its literals, or npos.
+std::size_t MatchText(const TextTemplate& wanted, std::string_view text, std::size_t position, std::vector<Token>& literals) {
+  for (std::size_t i = 0; i < wanted.segments.size(); ++i) {
+    const std::string& segment = wanted.segments[i];
+    if (text.compare(position, segment.size(), segment) != 0) return std::string_view::npos;
+    position += segment.size();
+    if (i == wanted.literals.size()) break;
+    Token token;
+    if (!TakeLiteral(text, position, wanted.literals[i], token)) return std::string_view::npos;
+    literals.push_back(token);
+  }
+  if (position < text.size() && IsWordPart(text[position])) return std::string_view::npos;
+  position = SkipBlanks(text, position);
+  return EndsStatementAt(text, position) ? position : std::string_view::npos;
+}
+
+std::uint64_t BeginningOf(std::string_view text) { return std::hash<std::string_view>{}(text.substr(0, kBeginning)); }
+
+bool SamePins(const Plan& plan, std::span<const Token> literals) {
+  return std::all_of(plan.dependencies.pinned.begin(), plan.dependencies.pinned.end(), [&](const Dependencies::Pinned& pin) {
+    return Unquote(literals[static_cast<std::size_t>(pin.literal)]) == pin.text;
+  });
 }
 
 void Classify(const Statement& statement, Plan& plan) {
@@ -126,13 +226,10 @@ std::shared_ptr<Plan> PlanCache::Find(const Batch& batch, std::span<const std::u
     const std::size_t size = plan->shape.size();
     if (size > shape.size() - begin || !EndsStatement(batch.tokens.tokens[begin + size])) continue;
     if (!std::equal(plan->shape.begin(), plan->shape.end(), shape.begin() + static_cast<std::ptrdiff_t>(begin))) continue;
-    const bool same_pins =
-        std::all_of(plan->dependencies.pinned.begin(), plan->dependencies.pinned.end(), [&](const Dependencies::Pinned& pin) {
-          return Unquote(batch.literals[first_literal + static_cast<std::size_t>(pin.literal)]) == pin.text;
-        });
-    if (!same_pins) continue;
+    if (!SamePins(*plan, std::span<const Token>(batch.literals).subspan(first_literal))) continue;
     plan->last_used = ++clock_;
-    return plan;
+    if (i > 0) std::swap(found->second[i], found->second[i - 1]);
+    return found->second[i > 0 ? i - 1 : 0];
   }
   return nullptr;
 }
@@ -147,66 +244,105 @@ void PlanCache::Keep(const std::shared_ptr<Plan>& plan) {
       count_ += plans.size();
     }
     std::erase_if(plans_, [](const auto& entry) { return entry.second.empty(); });
+    std::erase_if(beginnings_, [](const auto& entry) { return entry.second.expired(); });
   }
   plan->last_used = ++clock_;
   plans_[Key(plan->shape)].push_back(plan);
+}
+
+std::size_t PlanCache::ParseKnown(std::string_view text, Batch& batch) {
+  std::size_t position = SkipBlanks(text, 0);
+  const auto found = beginnings_.find(BeginningOf(text.substr(position)));
+  std::shared_ptr<Plan> plan = found == beginnings_.end() ? nullptr : found->second.lock();
+  while (plan != nullptr && position < text.size()) {
+    const std::size_t first_literal = batch.literals.size();
+    const std::size_t end = plan->text.segments.empty() ? std::string_view::npos
+                                                        : MatchText(plan->text, text, position, batch.literals);
+    if (end == std::string_view::npos || !SamePins(*plan, std::span<const Token>(batch.literals).subspan(first_literal))) {
+      batch.literals.resize(first_literal);
+      break;
+    }
+    plan->last_used = ++clock_;
+    batch.starts.emplace_back(first_literal, batch.lists.size());
+    batch.statements.push_back({plan, {}, {}});
+    position = end;
+    std::shared_ptr<Plan> next = plan->next.lock();
+    if (next != nullptr) plan = std::move(next);
+  }
+  return position;
 }
 
 void PlanCache::Parse(std::string_view text, Batch& batch) {
   batch.statements.clear();
   batch.literals.clear();
   batch.lists.clear();
+  batch.starts.clear();
+  batch.tokens.tokens.clear();
+  batch.tokens.list_items.clear();
+  const std::size_t known = ParseKnown(text, batch);
+  if (known < text.size()) ParseTokens(text.substr(known), batch);
+  for (std::size_t i = 0; i < batch.statements.size(); ++i) {
+    batch.statements[i].literals = std::span<const Token>(batch.literals).subspan(batch.starts[i].first);
+    batch.statements[i].lists = std::span<const Token>(batch.lists).subspan(batch.starts[i].second);
+  }
+}
+
+void PlanCache::ParseTokens(std::string_view text, Batch& batch) {
   TokenizeBatch(text, names_, batch.tokens);
   const std::vector<Token>& tokens = batch.tokens.tokens;
   shape_.clear();
   shape_.reserve(tokens.size());
   // How many literals and lists stand before each statement is told by their running numbers.
-  std::vector<std::uint32_t>& literals_before = literals_before_;
-  literals_before.clear();
-  std::vector<std::uint32_t>& lists_before = lists_before_;
-  lists_before.clear();
+  literals_before_.clear();
+  lists_before_.clear();
   for (const Token& token : tokens) {
     shape_.push_back(ShapeOf(token, batch.tokens));
-    literals_before.push_back(static_cast<std::uint32_t>(batch.literals.size()));
-    lists_before.push_back(static_cast<std::uint32_t>(batch.lists.size()));
+    literals_before_.push_back(static_cast<std::uint32_t>(batch.literals.size()));
+    lists_before_.push_back(static_cast<std::uint32_t>(batch.lists.size()));
     if (IsLiteral(token.kind)) batch.literals.push_back(token);
     if (token.kind == TokenKind::kList) batch.lists.push_back(token);
   }
   const std::span<const std::uint64_t> shape(shape_);
+  const bool whole = batch.statements.empty();
   std::size_t begin = 0;
   while (tokens[begin].kind != TokenKind::kEnd) {
     if (tokens[begin].op == Op::kSemicolon) {
       ++begin;
       continue;
     }
-    const std::size_t first_literal = literals_before[begin];
-    BatchStatement entry;
-    entry.plan = Find(batch, shape, begin, first_literal);
+    const std::size_t first_literal = literals_before_[begin];
+    std::shared_ptr<Plan> plan = Find(batch, shape, begin, first_literal);
     std::size_t end = begin;
-    if (entry.plan != nullptr) {
-      end = begin + entry.plan->shape.size();
+    if (plan != nullptr) {
+      end = begin + plan->shape.size();
     } else {
       ParsedStatement parsed = ParseStatement(text, batch.tokens, begin);
       end = parsed.end;
       std::size_t last = end;
       while (last > begin && tokens[last - 1].op == Op::kSemicolon) --last;
-      entry.plan = std::make_shared<Plan>();
-      entry.plan->statement = std::move(parsed.statement);
-      entry.plan->shape.assign(shape_.begin() + static_cast<std::ptrdiff_t>(begin),
-                               shape_.begin() + static_cast<std::ptrdiff_t>(last));
-      Classify(*entry.plan->statement, *entry.plan);
+      plan = std::make_shared<Plan>();
+      plan->statement = std::move(parsed.statement);
+      plan->shape.assign(shape_.begin() + static_cast<std::ptrdiff_t>(begin),
+                         shape_.begin() + static_cast<std::ptrdiff_t>(last));
+      Classify(*plan->statement, *plan);
       // A statement that keeps its own text is different with every text.
-      const bool keeps_text = entry.plan->statement->kind == Statement::Kind::kCreateView ||
-                              entry.plan->statement->kind == Statement::Kind::kCreateProcedure ||
-                              entry.plan->statement->kind == Statement::Kind::kCreateTable ||
-                              entry.plan->statement->kind == Statement::Kind::kAlterTable;
-      const bool first_of_batch = begin == 0 && tokens[0].kind != TokenKind::kWord;
-      entry.plan->lifted = !keeps_text && !first_of_batch;
-      if (entry.plan->lifted && EndsStatement(tokens[last])) Keep(entry.plan);
+      const bool keeps_text = plan->statement->kind == Statement::Kind::kCreateView ||
+                              plan->statement->kind == Statement::Kind::kCreateProcedure ||
+                              plan->statement->kind == Statement::Kind::kCreateTable ||
+                              plan->statement->kind == Statement::Kind::kAlterTable;
+      plan->lifted = !keeps_text && plan->shape.size() >= kKeyTokens;
+      if (plan->lifted && EndsStatement(tokens[last])) {
+        plan->text = MakeTemplate(std::span<const Token>(tokens).subspan(begin, last - begin));
+        Keep(plan);
+      }
     }
-    entry.literals = std::span<const Token>(batch.literals).subspan(first_literal);
-    entry.lists = std::span<const Token>(batch.lists).subspan(lists_before[begin]);
-    batch.statements.push_back(std::move(entry));
+    if (!batch.statements.empty()) {
+      batch.statements.back().plan->next = plan;
+    } else if (whole) {
+      beginnings_[BeginningOf(text.substr(SkipBlanks(text, 0)))] = plan;
+    }
+    batch.starts.emplace_back(first_literal, lists_before_[begin]);
+    batch.statements.push_back({std::move(plan), {}, {}});
     begin = end;
   }
 }

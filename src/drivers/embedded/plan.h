@@ -6,7 +6,9 @@
 #include <memory>
 #include <span>
 #include <string_view>
+#include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "drivers/embedded/compiled.h"
@@ -15,9 +17,24 @@
 
 namespace tessarlorn::embedded {
 
+/// A statement's own text, cut at its literals: a text that is the same but for the literals needs no lexer.
+struct TextTemplate {
+  struct Literal {
+    TokenKind kind = TokenKind::kInteger;
+    std::uint64_t literal_class = 0;
+  };
+  /// What stands before, between and behind the literals, quotes included; one more than there are literals.
+  std::vector<std::string> segments;
+  std::vector<Literal> literals;
+};
+
 /// A top-level statement, parsed, with what was compiled of it so far.
 struct Plan {
   StatementPtr statement;
+  /// No segments when the text cannot be told by its beginning (lists, binary literals).
+  TextTemplate text;
+  /// The statement that followed the last time.
+  std::weak_ptr<Plan> next;
   /// One number a token: what the token is, but not which value a literal has.
   std::vector<std::uint64_t> shape;
   bool lifted = false;
@@ -56,9 +73,14 @@ class PlanCache {
     std::vector<Token> literals;
     std::vector<Token> lists;
     std::vector<BatchStatement> statements;
+    /// Where the literals and lists of each statement begin.
+    std::vector<std::pair<std::size_t, std::size_t>> starts;
   };
   void Parse(std::string_view text, Batch& batch);
-  void Clear() { plans_.clear(); }
+  void Clear() {
+    plans_.clear();
+    beginnings_.clear();
+  }
 
   static constexpr std::size_t kMostPlans = 1000;
 
@@ -66,10 +88,14 @@ class PlanCache {
   std::shared_ptr<Plan> Find(const Batch& batch, std::span<const std::uint64_t> shape, std::size_t begin,
                              std::size_t first_literal);
   void Keep(const std::shared_ptr<Plan>& plan);
+  /// Takes the statements at the text's beginning that are known by their text; answers where the others begin.
+  std::size_t ParseKnown(std::string_view text, Batch& batch);
+  void ParseTokens(std::string_view text, Batch& batch);
   static std::uint64_t Key(std::span<const std::uint64_t> shape);
 
   NameTable& names_;
   std::unordered_map<std::uint64_t, std::vector<std::shared_ptr<Plan>>> plans_;
+  std::unordered_map<std::uint64_t, std::weak_ptr<Plan>> beginnings_;  // by how a batch begins
   std::size_t count_ = 0;
   std::uint64_t clock_ = 0;
   std::vector<std::uint64_t> shape_;

@@ -22,8 +22,8 @@ namespace tessarlorn {
 /// arguments may be nullptr, which is Nothing. A failure is raised as `Error`, with the database's number and
 /// description and the operation's bare name as Source, unless another is named.
 ///
-/// Recordsets stay attached to their connection, unless said otherwise, and stand on their first row. Values go into the
-/// SQL as they are given, lists of order keys ("12,15") included; texts are not escaped.
+/// Recordsets stay attached to their connection, unless said otherwise, and stand on their first row. Values go into
+/// the SQL as they are given, lists of order keys ("12,15") included; texts are not escaped.
 class clsGetData {
  public:
   clsGetData();

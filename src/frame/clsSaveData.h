@@ -15,10 +15,10 @@ namespace tessarlorn {
 /// One call at a time, on the thread that made the instance. It may be used for any number of calls, with different
 /// connection strings; each opens a session of its own and leaves it open until the next.
 ///
-/// Operations with a mandatory parameter missing do nothing at all: no session, no error, the answer False. A connection
-/// string under a key counts as missing when it is empty. Dictionary and Vector arguments may be nullptr, which is
-/// Nothing. False never stands for a failure: that is raised as `Error`, with the database's number and description and
-/// the Source that the operation names. Without one named, the Source is the operation's bare name.
+/// Operations with a mandatory parameter missing do nothing at all: no session, no error, the answer False. A
+/// connection string under a key counts as missing when it is empty. Dictionary and Vector arguments may be nullptr,
+/// which is Nothing. False never stands for a failure: that is raised as `Error`, with the database's number and
+/// description and the Source that the operation names. Without one named, the Source is the operation's bare name.
 ///
 /// Values go into the SQL as they are given, lists of order keys ("12,15") included; texts are not escaped.
 class clsSaveData {
@@ -53,8 +53,8 @@ class clsSaveData {
   /// stored when the second key FPickingGoodsstatus (small s) is 1. The connection string is under sProps. Logged as
   /// 3003, for the first order found.
   bool SavePickingGoods(const Dictionary* dctPara);
-  /// Marks the picking check of those of the orders FID as passed that are not, by user UserId. The connection string is
-  /// under sDsn. Logged as 3014 for all of them, always and before the change.
+  /// Marks the picking check of those of the orders FID as passed that are not, by user UserId. The connection string
+  /// is under sDsn. Logged as 3014 for all of them, always and before the change.
   bool MarkPickingGoodsStatus(const Dictionary* dctPara);
   /// Takes the mark back from those that have it; logged as 3013 where that is enabled.
   bool ClearPickingGoodsStatus(const Dictionary* dctPara);
@@ -82,16 +82,16 @@ class clsSaveData {
   /// (half away from zero). Needs sDSN and FID. Each order's field log is written first. Raises 13, before anything is
   /// written, when LogisticsCosts is missing or no number. Source "Delivery".
   bool ModifyCost(const Dictionary* dctPara);
-  /// Stores FLogisticsOrder, FWeight (kg) and FLogisticsCost of the order FID for each Dictionary of the list. Weight and
-  /// cost count as the number with which their text begins, 0 when there is none. A number that is not empty goes to the
-  /// field log. False for Nothing; an empty list changes nothing and is True. Source "Delivery".
+  /// Stores FLogisticsOrder, FWeight (kg) and FLogisticsCost of the order FID for each Dictionary of the list. Weight
+  /// and cost count as the number with which their text begins, 0 when there is none. A number that is not empty goes
+  /// to the field log. False for Nothing; an empty list changes nothing and is True. Source "Delivery".
   bool SetUpLogisticsNumberAndWeight(std::string_view sDsn, const Vector* vctPara);
   /// Stores logistics numbers: each entry's key is an order's FUniqueCode, its value the number. False without sDsn or
   /// entries. Nothing is logged. Source "Delivery".
   bool SetUpLogisticsNumber(std::string_view sDsn, const Dictionary* dctPara);
   /// Stores FWeight (kg), FLogisticsCost, FWeighttingMan and FWeighttingStatus of the order FID for each Dictionary of
-  /// the list; a missing key is spliced as "". Each order is logged as 3008 before the batch runs. False for Nothing; an
-  /// empty list changes nothing and is True.
+  /// the list; a missing key is spliced as "". Each order is logged as 3008 before the batch runs. False for Nothing;
+  /// an empty list changes nothing and is True.
   bool SaveLogWeight(std::string_view sDsn, const Vector* vctPara);
   /// Marks the orders FID as weighed by UserID and, with AsyncCreate True, queues their stock bills as
   /// UpdateDeliveryData does. Needs FID and AsyncCreate.

@@ -20,8 +20,8 @@ std::int32_t KeyNumber(std::string_view key);
 /// Blocks that go to the database in one batch.
 inline constexpr std::size_t kBlocksPerBatch = 150;
 
-/// Calls `write(TextBuilder&, item)` for each item and executes the text after every 150 of them and at the end. Batches
-/// that ran before one fails stay applied.
+/// Calls `write(TextBuilder&, item)` for each item and executes the text after every 150 of them and at the end.
+/// Batches that ran before one fails stay applied.
 template <typename Items, typename Write>
 void ExecuteInBatches(Connection& connection, const Items& items, const Write& write) {
   TextBuilder text;

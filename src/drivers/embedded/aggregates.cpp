@@ -37,8 +37,9 @@ void StepSingle(sqlite3_context* context, int, sqlite3_value** values) {
   Guarded(context, RuntimeOf(context), [&] {
     auto* state = StateOf<Single>(context, true);
     if (state->seen) {
-      throw SqlError(512, "Subquery returned more than 1 value. This is not permitted when the subquery follows =, !=, "
-                          "<, <= , >, >= or when the subquery is used as an expression.");
+      throw SqlError(512,
+                     "Subquery returned more than 1 value. This is not permitted when the subquery follows =, !=, "
+                     "<, <= , >, >= or when the subquery is used as an expression.");
     }
     state->value = ToDatum(values[0]);
     state->seen = true;

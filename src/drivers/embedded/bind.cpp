@@ -85,7 +85,11 @@ Datum Session::LiteralValue(const Token& token, SqlType& type) {
       break;
   }
   const std::optional<Decimal> number = Decimal::Parse(token.text);
-  if (!number) throw SqlError(1007, "The number '" + std::string(token.text) + "' is out of the range for numeric representation (maximum precision 38).", 15);
+  if (!number)
+    throw SqlError(1007,
+                   "The number '" + std::string(token.text) +
+                       "' is out of the range for numeric representation (maximum precision 38).",
+                   15);
   if (!type.is_exact()) type = DecimalType(std::max(1, number->precision()), number->scale());
   return FromDecimal(*number, type);
 }
@@ -135,7 +139,8 @@ void Session::BindParameter(sqlite3_stmt* statement, int index, const BoundParam
     BindList(statement, index, ListValues(parameter, scope));
     return;
   }
-  // The ways of most literals, without a copy: whole numbers, and text that fits. The batch outlives the statement's run.
+  // The ways of most literals, without a copy: whole numbers, and text that fits. The batch outlives the statement's
+  // run.
   if (parameter.source == BoundParameter::Source::kLiteral) {
     const Token& token = scope.literals[static_cast<std::size_t>(parameter.index)];
     if (token.kind == TokenKind::kInteger && parameter.from.is_integer() &&

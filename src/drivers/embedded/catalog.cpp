@@ -64,7 +64,10 @@ void CatalogObject::Seal() {
   signature_ = std::string(kKindNames[static_cast<std::size_t>(kind)]) + "\n" + definition;
   for (const Column& column : columns) {
     signature_ += "\n" + column.name + " " + TypeText(column.type) + (column.nullable ? " null " : " not null ") +
-                  (column.identity ? "identity " : column.row_key ? "key " : "") + column.default_text;
+                  (column.identity  ? "identity "
+                   : column.row_key ? "key "
+                                    : "") +
+                  column.default_text;
   }
 }
 
@@ -77,20 +80,19 @@ std::int64_t Catalog::SchemaVersion() {
 }
 
 void Catalog::Refresh() {
+  if (stale_) {
+    std::erase_if(temporaries_, [this](const auto& entry) {
+      const StatementHandle statement =
+          Prepare(database_, "SELECT 1 FROM sqlite_temp_schema WHERE type='table' AND lower(name)=?1");
+      BindText(statement.get(), 1, entry.first);
+      return !Step(database_, statement.get());
+    });
+  }
   const std::int64_t version = SchemaVersion();
-  if (version == schema_version_) return;
+  if (version == schema_version_ && !stale_) return;
   Load();
   schema_version_ = version;
-}
-
-void Catalog::Invalidate() {
-  schema_version_ = -1;
-  ++generation_;
-  std::erase_if(temporaries_, [this](const auto& entry) {
-    const StatementHandle statement = Prepare(database_, "SELECT 1 FROM sqlite_temp_schema WHERE type='table' AND lower(name)=?1");
-    BindText(statement.get(), 1, entry.first);
-    return !Step(database_, statement.get());
-  });
+  stale_ = false;
 }
 
 void Catalog::Load() {
@@ -107,12 +109,15 @@ void Catalog::Load() {
     object.id = sqlite3_column_int64(objects.get(), 0);
     object.name = ColumnText(objects.get(), 1);
     const std::string kind = ColumnText(objects.get(), 2);
-    object.kind = kind == kKindNames[1] ? CatalogKind::kView : kind == kKindNames[2] ? CatalogKind::kProcedure : CatalogKind::kTable;
+    object.kind = kind == kKindNames[1]   ? CatalogKind::kView
+                  : kind == kKindNames[2] ? CatalogKind::kProcedure
+                                          : CatalogKind::kTable;
     object.definition = ColumnText(objects.get(), 3);
     read.emplace(object.id, std::move(object));
   }
   const StatementHandle columns = Prepare(
-      database_, R"(SELECT object, name, type, nullable, identity, default_text FROM "$columns" ORDER BY object, position)");
+      database_,
+      R"(SELECT object, name, type, nullable, identity, default_text FROM "$columns" ORDER BY object, position)");
   while (Step(database_, columns.get())) {
     Column column;
     column.name = ColumnText(columns.get(), 1);

@@ -1,10 +1,9 @@
 // The tables, views and procedures of a database, as the embedded database keeps them in two tables of its own.
 #pragma once
 
-#include <sqlite3.h>
-
 #include <cstdint>
 #include <memory>
+#include <sqlite3.h>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -60,8 +59,8 @@ class Catalog {
 
   /// Reads the catalog anew when another connection may have changed it. Raises what SQLite reports.
   void Refresh();
-  /// Forgets what was read, as after a rollback; temporary tables that are gone are dropped from the list.
-  void Invalidate();
+  /// What was read may be wrong, as after a rollback: the next Refresh reads all of it anew.
+  void Invalidate() noexcept { stale_ = true; }
 
   /// The object of that name without regard to case, or nullptr. `#name` is a temporary table of this connection.
   [[nodiscard]] CatalogObjectPtr Find(std::string_view name) const;
@@ -85,9 +84,10 @@ class Catalog {
 
   sqlite3* database_;
   StatementHandle version_statement_;
-  std::unordered_map<std::string, CatalogObjectPtr> objects_;     // by lower-case name
+  std::unordered_map<std::string, CatalogObjectPtr> objects_;  // by lower-case name
   std::unordered_map<std::string, CatalogObjectPtr> temporaries_;
   std::int64_t schema_version_ = -1;
+  bool stale_ = false;
   std::uint64_t generation_ = 0;
   std::int64_t next_temporary_id_ = -1;
 };

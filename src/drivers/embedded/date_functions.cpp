@@ -15,9 +15,7 @@ constexpr std::int64_t kMinute = 60 * kSecond;
 constexpr std::int64_t kHour = 60 * kMinute;
 constexpr std::int64_t kDay = 24 * kHour;
 
-std::int64_t FloorDivide(std::int64_t value, std::int64_t by) {
-  return value / by - (value % by < 0 ? 1 : 0);
-}
+std::int64_t FloorDivide(std::int64_t value, std::int64_t by) { return value / by - (value % by < 0 ? 1 : 0); }
 
 [[noreturn]] void RaiseDateOverflow() {
   throw SqlError(517, "Adding a value to a 'datetime' column caused an overflow.");
@@ -107,8 +105,9 @@ void DateDiff(sqlite3_context* context, Runtime&, Arguments arguments) {
       break;
   }
   if (result > 2147483647 || result < -2147483648LL) {
-    throw SqlError(535, "The datediff function resulted in an overflow. The number of dateparts separating two "
-                        "date/time instances is too large. Try to use datediff with a less precise datepart.");
+    throw SqlError(535,
+                   "The datediff function resulted in an overflow. The number of dateparts separating two "
+                   "date/time instances is too large. Try to use datediff with a less precise datepart.");
   }
   sqlite3_result_int64(context, result);
 }
@@ -146,15 +145,16 @@ std::int64_t PartOf(DatePart part, std::int64_t time) {
 // ts_datepart(part, date)
 void DatePartOf(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (AnyNull(arguments)) return;
-  sqlite3_result_int64(context, PartOf(static_cast<DatePart>(sqlite3_value_int(arguments[0])),
-                                       sqlite3_value_int64(arguments[1])));
+  sqlite3_result_int64(
+      context, PartOf(static_cast<DatePart>(sqlite3_value_int(arguments[0])), sqlite3_value_int64(arguments[1])));
 }
 
 // ts_datename(part, date)
 void DateName(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (AnyNull(arguments)) return;
-  constexpr std::array<const char*, 12> kMonths = {"January", "February", "March",     "April",   "May",      "June",
-                                                   "July",    "August",   "September", "October", "November", "December"};
+  constexpr std::array<const char*, 12> kMonths = {"January",   "February", "March",    "April",
+                                                   "May",       "June",     "July",     "August",
+                                                   "September", "October",  "November", "December"};
   constexpr std::array<const char*, 7> kDays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                                 "Thursday", "Friday", "Saturday"};
   const auto part = static_cast<DatePart>(sqlite3_value_int(arguments[0]));
@@ -193,8 +193,8 @@ void DateFromParts(sqlite3_context* context, Runtime&, Arguments arguments) {
 
 // ts_isdate(text)
 void IsDate(sqlite3_context* context, Runtime&, Arguments arguments) {
-  const bool date = !IsNull(arguments[0]) && !Trim(TextOf(arguments[0])).empty() &&
-                    DateTime::Parse(TextOf(arguments[0])).has_value();
+  const bool date =
+      !IsNull(arguments[0]) && !Trim(TextOf(arguments[0])).empty() && DateTime::Parse(TextOf(arguments[0])).has_value();
   sqlite3_result_int(context, date ? 1 : 0);
 }
 
@@ -206,21 +206,21 @@ std::optional<DatePart> FindDatePart(std::string_view name) {
     DatePart part;
   };
   constexpr std::array kParts = {
-      Named{"year", DatePart::kYear},         Named{"yy", DatePart::kYear},
-      Named{"yyyy", DatePart::kYear},         Named{"quarter", DatePart::kQuarter},
-      Named{"qq", DatePart::kQuarter},        Named{"q", DatePart::kQuarter},
-      Named{"month", DatePart::kMonth},       Named{"mm", DatePart::kMonth},
-      Named{"m", DatePart::kMonth},           Named{"dayofyear", DatePart::kDayOfYear},
-      Named{"dy", DatePart::kDayOfYear},      Named{"y", DatePart::kDayOfYear},
-      Named{"day", DatePart::kDay},           Named{"dd", DatePart::kDay},
-      Named{"d", DatePart::kDay},             Named{"week", DatePart::kWeek},
-      Named{"wk", DatePart::kWeek},           Named{"ww", DatePart::kWeek},
-      Named{"weekday", DatePart::kWeekDay},   Named{"dw", DatePart::kWeekDay},
-      Named{"w", DatePart::kWeekDay},         Named{"hour", DatePart::kHour},
-      Named{"hh", DatePart::kHour},           Named{"minute", DatePart::kMinute},
-      Named{"mi", DatePart::kMinute},         Named{"n", DatePart::kMinute},
-      Named{"second", DatePart::kSecond},     Named{"ss", DatePart::kSecond},
-      Named{"s", DatePart::kSecond},          Named{"millisecond", DatePart::kMillisecond},
+      Named{"year", DatePart::kYear},       Named{"yy", DatePart::kYear},
+      Named{"yyyy", DatePart::kYear},       Named{"quarter", DatePart::kQuarter},
+      Named{"qq", DatePart::kQuarter},      Named{"q", DatePart::kQuarter},
+      Named{"month", DatePart::kMonth},     Named{"mm", DatePart::kMonth},
+      Named{"m", DatePart::kMonth},         Named{"dayofyear", DatePart::kDayOfYear},
+      Named{"dy", DatePart::kDayOfYear},    Named{"y", DatePart::kDayOfYear},
+      Named{"day", DatePart::kDay},         Named{"dd", DatePart::kDay},
+      Named{"d", DatePart::kDay},           Named{"week", DatePart::kWeek},
+      Named{"wk", DatePart::kWeek},         Named{"ww", DatePart::kWeek},
+      Named{"weekday", DatePart::kWeekDay}, Named{"dw", DatePart::kWeekDay},
+      Named{"w", DatePart::kWeekDay},       Named{"hour", DatePart::kHour},
+      Named{"hh", DatePart::kHour},         Named{"minute", DatePart::kMinute},
+      Named{"mi", DatePart::kMinute},       Named{"n", DatePart::kMinute},
+      Named{"second", DatePart::kSecond},   Named{"ss", DatePart::kSecond},
+      Named{"s", DatePart::kSecond},        Named{"millisecond", DatePart::kMillisecond},
       Named{"ms", DatePart::kMillisecond},
   };
   for (const Named& part : kParts) {

@@ -42,8 +42,8 @@ std::string_view SourceName(const SqlType& type) {
 }
 
 [[noreturn]] void RaiseConverting(const SqlType& from, const SqlType& to) {
-  throw SqlError(8114, "Error converting data type " + std::string(SourceName(from)) + " to " +
-                           std::string(SourceName(to)) + ".");
+  throw SqlError(
+      8114, "Error converting data type " + std::string(SourceName(from)) + " to " + std::string(SourceName(to)) + ".");
 }
 
 std::int64_t CheckRange(std::int64_t value, const SqlType& to, Fit fit) {
@@ -74,9 +74,9 @@ std::int64_t TextToInteger(std::string_view text, const SqlType& from, const Sql
   if (error != std::errc{} || (to.kind != FieldType::kBit && (value < range.least || value > range.most))) {
     if (fit == Fit::kCompare && error == std::errc{}) return value;
     if (to.kind == FieldType::kBigInt) RaiseArithmeticOverflow(to);
-    throw SqlError(to.kind == FieldType::kInt ? 248 : 244,
-                   "The conversion of the " + std::string(SourceName(from)) + " value '" + std::string(text) +
-                       "' overflowed an " + std::string(TypeNameText(to.kind)) + " column.");
+    throw SqlError(to.kind == FieldType::kInt ? 248 : 244, "The conversion of the " + std::string(SourceName(from)) +
+                                                               " value '" + std::string(text) + "' overflowed an " +
+                                                               std::string(TypeNameText(to.kind)) + " column.");
   }
   return CheckRange(value, to, fit);
 }
@@ -101,7 +101,8 @@ Datum ToInteger(const Datum& value, const SqlType& from, const SqlType& to, Fit 
     const std::optional<std::int64_t> whole =
         from.kind == FieldType::kMoney ? number.ToScaled(0) : number.Truncate(0).ToScaled(0);
     if (!whole) {
-      if (fit == Fit::kCompare) return number.negative() ? RangeOf(FieldType::kBigInt).least : RangeOf(FieldType::kBigInt).most;
+      if (fit == Fit::kCompare)
+        return number.negative() ? RangeOf(FieldType::kBigInt).least : RangeOf(FieldType::kBigInt).most;
       RaiseArithmeticOverflow(to);
     }
     if (fit != Fit::kCompare && to.kind != FieldType::kBigInt) {
@@ -169,7 +170,9 @@ Datum ToExact(const Datum& value, const SqlType& from, const SqlType& to, Fit fi
 
 Datum ToReal(const Datum& value, const SqlType& from, const SqlType& to) {
   if (from.is_integer()) return static_cast<double>(std::get<std::int64_t>(value));
-  if (from.is_float()) return to.kind == FieldType::kReal ? static_cast<double>(static_cast<float>(std::get<double>(value))) : std::get<double>(value);
+  if (from.is_float())
+    return to.kind == FieldType::kReal ? static_cast<double>(static_cast<float>(std::get<double>(value)))
+                                       : std::get<double>(value);
   if (from.is_exact()) return ToDecimal(value, from).ToDouble();
   if (from.is_date()) return static_cast<double>(std::get<std::int64_t>(value)) / kDayMilliseconds;
   if (from.is_text()) {
@@ -280,7 +283,10 @@ Datum ToBinary(const Datum& value, const SqlType& from, const SqlType& to, int s
   } else if (from.is_text()) {
     blob.bytes = std::get<std::string>(value);
   } else if (from.is_integer()) {
-    const std::size_t width = from.kind == FieldType::kBigInt ? 8 : from.kind == FieldType::kSmallInt ? 2 : from.kind == FieldType::kInt ? 4 : 1;
+    const std::size_t width = from.kind == FieldType::kBigInt     ? 8
+                              : from.kind == FieldType::kSmallInt ? 2
+                              : from.kind == FieldType::kInt      ? 4
+                                                                  : 1;
     for (std::size_t i = width; i-- > 0;) {
       blob.bytes += static_cast<char>(static_cast<std::uint64_t>(std::get<std::int64_t>(value)) >> (8 * i));
     }
@@ -313,8 +319,8 @@ Datum ToGuid(const Datum& value, const SqlType& from) {
 }  // namespace
 
 void RaiseArithmeticOverflow(const SqlType& type) {
-  throw SqlError(8115, "Arithmetic overflow error converting expression to data type " +
-                           std::string(SourceName(type)) + ".");
+  throw SqlError(8115,
+                 "Arithmetic overflow error converting expression to data type " + std::string(SourceName(type)) + ".");
 }
 
 int TextLength(std::string_view text, bool national) {

@@ -21,9 +21,9 @@ using Datum = std::variant<std::monostate, std::int64_t, double, std::string, Bl
 
 /// What a conversion does with values that the target cannot hold.
 enum class Fit : std::uint8_t {
-  kCast,      // CAST: text is cut, numbers out of range raise
-  kAssign,    // storing: text that is too long raises 2628
-  kCompare,   // for comparing only: numbers out of range become the nearest that can stand
+  kCast,     // CAST: text is cut, numbers out of range raise
+  kAssign,   // storing: text that is too long raises 2628
+  kCompare,  // for comparing only: numbers out of range become the nearest that can stand
 };
 
 /// Converts a value. Raises 245, 8114, 241, 8115, 220, 2628, 8169 in SQL Server's words.

@@ -85,14 +85,16 @@ void Session::CreateTable(const Statement& statement, Scope& scope) {
   std::vector<std::string> primary_key;
   std::vector<std::string> constraints;
   for (const ColumnDefinition& definition : statement.column_definitions) {
-    if (definition.computed != nullptr) RaiseUnsupported("The computed column '" + definition.name + "'", statement.line);
+    if (definition.computed != nullptr)
+      RaiseUnsupported("The computed column '" + definition.name + "'", statement.line);
     if (table.FindColumn(definition.name) >= 0) {
-      throw SqlError(2705, "Column names in each table must be unique. Column name '" + definition.name + "' in table '" +
-                               table.name + "' is specified more than once.");
+      throw SqlError(2705, "Column names in each table must be unique. Column name '" + definition.name +
+                               "' in table '" + table.name + "' is specified more than once.");
     }
-    Column column{definition.name, ResolveType(definition.type, false), definition.nullable.value_or(!definition.identity),
-                  definition.identity, definition.default_text};
-    if (definition.identity && (definition.identity_increment != 1 || definition.identity_seed < 0 || table.identity_column() >= 0)) {
+    Column column{definition.name, ResolveType(definition.type, false),
+                  definition.nullable.value_or(!definition.identity), definition.identity, definition.default_text};
+    if (definition.identity &&
+        (definition.identity_increment != 1 || definition.identity_seed < 0 || table.identity_column() >= 0)) {
       RaiseUnsupported("An identity that does not count by ones from a number above 0", statement.line);
     }
     table.columns.push_back(std::move(column));
@@ -102,15 +104,16 @@ void Session::CreateTable(const Statement& statement, Scope& scope) {
   for (const TableConstraint& constraint : statement.constraints) {
     if (constraint.kind == TableConstraint::Kind::kPrimaryKey) {
       RequireColumns(table, constraint.columns);
-      if (!primary_key.empty()) throw SqlError(8110, "Cannot add multiple PRIMARY KEY constraints to table '" + table.name + "'.");
+      if (!primary_key.empty())
+        throw SqlError(8110, "Cannot add multiple PRIMARY KEY constraints to table '" + table.name + "'.");
       primary_key = constraint.columns;
     } else if (constraint.kind == TableConstraint::Kind::kUnique) {
       RequireColumns(table, constraint.columns);
       constraints.push_back("UNIQUE (" + NameList(constraint.columns) + ")");
     } else if (constraint.kind == TableConstraint::Kind::kForeignKey) {
-      constraints.push_back("FOREIGN KEY (" + NameList(constraint.columns) + ") REFERENCES " +
-                            QuoteName(constraint.references.name) +
-                            (constraint.referenced_columns.empty() ? "" : " (" + NameList(constraint.referenced_columns) + ")"));
+      constraints.push_back(
+          "FOREIGN KEY (" + NameList(constraint.columns) + ") REFERENCES " + QuoteName(constraint.references.name) +
+          (constraint.referenced_columns.empty() ? "" : " (" + NameList(constraint.referenced_columns) + ")"));
     }
   }
   const auto add_check = [&](const ExpressionPtr& check) {
@@ -122,8 +125,10 @@ void Session::CreateTable(const Statement& statement, Scope& scope) {
     CreateTable(table, constraints, primary_key);
     for (const ColumnDefinition& definition : statement.column_definitions) {
       if (!definition.identity || definition.identity_seed == 1) continue;
-      RunSql(database_.get(), std::string("INSERT INTO ") + (table.temporary ? "temp" : "main") + ".sqlite_sequence VALUES (" +
-                                  QuoteText(table.name) + ", " + std::to_string(definition.identity_seed - 1) + ")", &runtime_);
+      RunSql(database_.get(),
+             std::string("INSERT INTO ") + (table.temporary ? "temp" : "main") + ".sqlite_sequence VALUES (" +
+                 QuoteText(table.name) + ", " + std::to_string(definition.identity_seed - 1) + ")",
+             &runtime_);
     }
   });
 }
@@ -131,7 +136,8 @@ void Session::CreateTable(const Statement& statement, Scope& scope) {
 void Session::AlterTable(const Statement& statement, Scope& scope) {
   const CatalogObjectPtr old = catalog_.Find(statement.table.name);
   if (old == nullptr || old->kind != CatalogKind::kTable) {
-    throw SqlError(4902, "Cannot find the object \"" + statement.table.name + "\" because it does not exist or you do not have permissions.");
+    throw SqlError(4902, "Cannot find the object \"" + statement.table.name +
+                             "\" because it does not exist or you do not have permissions.");
   }
   CatalogObject table = *old;
   const std::string name = TableSql(table);
@@ -140,14 +146,17 @@ void Session::AlterTable(const Statement& statement, Scope& scope) {
       for (const ColumnDefinition& definition : statement.column_definitions) {
         if (definition.identity || definition.primary_key || definition.unique || definition.check != nullptr ||
             definition.computed != nullptr) {
-          RaiseUnsupported("ALTER TABLE … ADD with anything but a type, NULL or NOT NULL, and a default", statement.line);
+          RaiseUnsupported("ALTER TABLE … ADD with anything but a type, NULL or NOT NULL, and a default",
+                           statement.line);
         }
         if (table.FindColumn(definition.name) >= 0) {
-          throw SqlError(2705, "Column names in each table must be unique. Column name '" + definition.name + "' in table '" +
-                                   table.name + "' is specified more than once.");
+          throw SqlError(2705, "Column names in each table must be unique. Column name '" + definition.name +
+                                   "' in table '" + table.name + "' is specified more than once.");
         }
-        Column column{definition.name, ResolveType(definition.type, false), definition.nullable.value_or(true), false, definition.default_text};
-        std::string sql = "ALTER TABLE " + name + " ADD COLUMN " + QuoteName(column.name) + " " + std::string(SqliteColumnType(column.type));
+        Column column{definition.name, ResolveType(definition.type, false), definition.nullable.value_or(true), false,
+                      definition.default_text};
+        std::string sql = "ALTER TABLE " + name + " ADD COLUMN " + QuoteName(column.name) + " " +
+                          std::string(SqliteColumnType(column.type));
         if (definition.default_value != nullptr && !column.nullable) {
           const Datum value = Evaluate(*definition.default_value, column.type, scope);
           const auto* text = std::get_if<std::string>(&value);
@@ -158,8 +167,10 @@ void Session::AlterTable(const Statement& statement, Scope& scope) {
                                          : real != nullptr  ? std::to_string(*real)
                                                             : "NULL");
         } else if (!column.nullable) {
-          throw SqlError(4901, "ALTER TABLE only allows columns to be added that can contain nulls, or have a DEFAULT definition specified. Column '" +
-                                   column.name + "' cannot be added to non-empty table '" + table.name + "'.");
+          throw SqlError(
+              4901,
+              "ALTER TABLE only allows columns to be added that can contain nulls, or have a DEFAULT definition specified. Column '" +
+                  column.name + "' cannot be added to non-empty table '" + table.name + "'.");
         }
         RunSql(database_.get(), sql, &runtime_);
         table.columns.push_back(std::move(column));
@@ -197,7 +208,10 @@ void Session::DropObjects(const Statement& statement) {
     if (object == nullptr || object->kind != kind) {
       if (statement.if_exists) continue;
       const char* word = kind == CatalogKind::kTable ? "table" : kind == CatalogKind::kView ? "view" : "procedure";
-      throw SqlError(3701, std::string("Cannot drop the ") + word + " '" + name.name + "', because it does not exist or you do not have permission.", 11);
+      throw SqlError(3701,
+                     std::string("Cannot drop the ") + word + " '" + name.name +
+                         "', because it does not exist or you do not have permission.",
+                     11);
     }
     Atomically([&] { DropTable(*object); });
   }
@@ -219,26 +233,34 @@ void Session::CreateIndex(const Statement& statement, Scope& scope) {
     RequireColumns(*table, {column});
     columns += (columns.empty() ? "" : ", ") + QuoteName(column) + (item.descending ? " DESC" : "");
   }
-  std::string sql = std::string(statement.flag ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") + IndexSql(*table, statement.text) +
-                    " ON " + QuoteName(table->name) + " (" + columns + ")";
+  std::string sql = std::string(statement.flag ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
+                    IndexSql(*table, statement.text) + " ON " + QuoteName(table->name) + " (" + columns + ")";
   if (statement.where != nullptr) sql += " WHERE " + MakeTranslator(scope).TranslateCheck(*table, *statement.where);
-  const StatementHandle there = Prepare(database_.get(), std::string("SELECT 1 FROM ") + (table->temporary ? "temp" : "main") +
-                                                             ".sqlite_schema WHERE type = 'index' AND lower(name) = lower(" +
-                                                             QuoteText(table->name + "." + statement.text) + ")", &runtime_);
+  const StatementHandle there = Prepare(database_.get(),
+                                        std::string("SELECT 1 FROM ") + (table->temporary ? "temp" : "main") +
+                                            ".sqlite_schema WHERE type = 'index' AND lower(name) = lower(" +
+                                            QuoteText(table->name + "." + statement.text) + ")",
+                                        &runtime_);
   if (Step(there.get(), "SELECT") == SQLITE_ROW) {
-    throw SqlError(1913, "The operation failed because an index or statistics with name '" + statement.text + "' already exists on table '" + table->name + "'.");
+    throw SqlError(1913, "The operation failed because an index or statistics with name '" + statement.text +
+                             "' already exists on table '" + table->name + "'.");
   }
   RunSql(database_.get(), sql, &runtime_);
 }
 
 void Session::DropIndex(const Statement& statement) {
   const CatalogObjectPtr table = catalog_.Get(statement.table.name);
-  const StatementHandle there = Prepare(database_.get(), std::string("SELECT 1 FROM ") + (table->temporary ? "temp" : "main") +
-                                                             ".sqlite_schema WHERE type = 'index' AND lower(name) = lower(" +
-                                                             QuoteText(table->name + "." + statement.text) + ")", &runtime_);
+  const StatementHandle there = Prepare(database_.get(),
+                                        std::string("SELECT 1 FROM ") + (table->temporary ? "temp" : "main") +
+                                            ".sqlite_schema WHERE type = 'index' AND lower(name) = lower(" +
+                                            QuoteText(table->name + "." + statement.text) + ")",
+                                        &runtime_);
   if (Step(there.get(), "SELECT") != SQLITE_ROW) {
     if (statement.if_exists) return;
-    throw SqlError(3701, "Cannot drop the index '" + table->name + "." + statement.text + "', because it does not exist or you do not have permission.", 11);
+    throw SqlError(3701,
+                   "Cannot drop the index '" + table->name + "." + statement.text +
+                       "', because it does not exist or you do not have permission.",
+                   11);
   }
   sqlite3_reset(there.get());
   RunSql(database_.get(), "DROP INDEX " + IndexSql(*table, statement.text), &runtime_);

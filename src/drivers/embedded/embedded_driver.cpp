@@ -31,8 +31,10 @@ Options ParseOptions(std::string_view text) {
       options.file = value;
     } else if (EqualsIgnoreCase(key, "Timeout")) {
       const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), options.timeout_seconds);
-      if (error != std::errc{} || end != value.data() + value.size() || options.timeout_seconds < 0 || options.timeout_seconds > 3600) {
-        RaiseLogin("Timeout in the connection string is '" + value + "'; a number of seconds from 0 to 3600 is wanted.");
+      if (error != std::errc{} || end != value.data() + value.size() || options.timeout_seconds < 0 ||
+          options.timeout_seconds > 3600) {
+        RaiseLogin("Timeout in the connection string is '" + value +
+                   "'; a number of seconds from 0 to 3600 is wanted.");
       }
     } else if (EqualsIgnoreCase(key, "Synchronous")) {
       options.full = EqualsIgnoreCase(value, "Full");
@@ -40,7 +42,8 @@ Options ParseOptions(std::string_view text) {
         RaiseLogin("Synchronous in the connection string is '" + value + "'; Full or Normal is wanted.");
       }
     } else {
-      RaiseLogin("The connection string has an unknown key '" + key + "'; known are Embedded, Timeout and Synchronous.");
+      RaiseLogin("The connection string has an unknown key '" + key +
+                 "'; known are Embedded, Timeout and Synchronous.");
     }
   }
   if (options.file.empty()) RaiseLogin("Embedded= in the connection string names no file.");
@@ -61,7 +64,8 @@ DatabaseHandle OpenDatabase(const Options& options) {
     if (!folder.empty() && !std::filesystem::is_directory(folder, ignored)) {
       RaiseLogin("Cannot open the database '" + name + "': the folder '" + folder.string() + "' does not exist.");
     }
-    if (std::filesystem::is_directory(name, ignored)) RaiseLogin("Cannot open the database '" + name + "': it is a folder.");
+    if (std::filesystem::is_directory(name, ignored))
+      RaiseLogin("Cannot open the database '" + name + "': it is a folder.");
   }
   sqlite3* opened = nullptr;
   const int status = sqlite3_open_v2(name.c_str(), &opened, flags, nullptr);

@@ -23,8 +23,6 @@ class Running {
   sqlite3_stmt* statement_;
 };
 
-constexpr int kMostCalls = 32;
-
 /// printf-like %s, %d, %i, %u, %% of RAISERROR, filled with the texts of its arguments.
 std::string FormatMessage(const std::string& format, const std::vector<std::string>& arguments) {
   std::string text;
@@ -35,7 +33,8 @@ std::string FormatMessage(const std::string& format, const std::vector<std::stri
     } else if (format[++i] == '%') {
       text += '%';
     } else {
-      while (i + 1 < format.size() && std::string_view("0123456789.-+ #*").find(format[i]) != std::string_view::npos) ++i;
+      while (i + 1 < format.size() && std::string_view("0123456789.-+ #*").find(format[i]) != std::string_view::npos)
+        ++i;
       text += next < arguments.size() ? arguments[next++] : "(null)";
     }
   }
@@ -267,8 +266,10 @@ void Session::ExecuteChange(const Statement& statement, Scope& scope) {
     const CatalogObjectPtr table = catalog_.Get(statement.table.name);
     RunSql(database_.get(), "DELETE FROM " + TableSql(*table), &runtime_);
     if (table->identity_column() >= 0) {
-      RunSql(database_.get(), std::string("DELETE FROM ") + (table->temporary ? "temp" : "main") +
-                                  ".sqlite_sequence WHERE name = " + QuoteText(table->name), &runtime_);
+      RunSql(database_.get(),
+             std::string("DELETE FROM ") + (table->temporary ? "temp" : "main") +
+                 ".sqlite_sequence WHERE name = " + QuoteText(table->name),
+             &runtime_);
     }
     return;
   }
@@ -341,9 +342,8 @@ void Session::ExecuteSet(const Statement& statement, Scope& scope) {
     scope.frame->Get(assignment.variable).value = std::move(value);
     return;
   }
-  Compiled& compiled = CompiledFor(&assignment, scope, [&](Translator& translator) {
-    return translator.CompileCompound(assignment, type);
-  });
+  Compiled& compiled = CompiledFor(
+      &assignment, scope, [&](Translator& translator) { return translator.CompileCompound(assignment, type); });
   sqlite3_stmt* query = Bind(compiled, scope);
   const Running running(query);
   if (Step(query, compiled.verb) == SQLITE_ROW) {
@@ -352,10 +352,12 @@ void Session::ExecuteSet(const Statement& statement, Scope& scope) {
 }
 
 void Session::ExecuteSetOption(const Statement& statement) {
-  constexpr std::array kAlwaysOn = {"ansi_nulls", "ansi_padding", "ansi_warnings", "arithabort",
-                                    "concat_null_yields_null", "quoted_identifier", "ansi_null_dflt_on"};
-  constexpr std::array kAlwaysOff = {"implicit_transactions", "numeric_roundabort", "noexec", "parseonly", "fmtonly",
-                                     "showplan_all", "showplan_text", "showplan_xml", "ansi_null_dflt_off"};
+  constexpr std::array kAlwaysOn = {
+      "ansi_nulls",        "ansi_padding",     "ansi_warnings", "arithabort", "concat_null_yields_null",
+      "quoted_identifier", "ansi_null_dflt_on"};
+  constexpr std::array kAlwaysOff = {
+      "implicit_transactions", "numeric_roundabort", "noexec",       "parseonly",         "fmtonly",
+      "showplan_all",          "showplan_text",      "showplan_xml", "ansi_null_dflt_off"};
   const std::string& option = statement.text;
   if (option == "identity_insert") {
     identity_insert_ = statement.flag ? statement.table.name : "";
@@ -370,10 +372,12 @@ void Session::ExecuteSetOption(const Statement& statement) {
   };
   if (!statement.flag && std::find(kAlwaysOn.begin(), kAlwaysOn.end(), option) != kAlwaysOn.end()) refuse("OFF");
   if (statement.flag && std::find(kAlwaysOff.begin(), kAlwaysOff.end(), option) != kAlwaysOff.end()) refuse("ON");
-  const bool zero = statement.value != nullptr && statement.value->kind == Expression::Kind::kLiteral && statement.value->text == "0";
+  const bool zero =
+      statement.value != nullptr && statement.value->kind == Expression::Kind::kLiteral && statement.value->text == "0";
   if (option == "rowcount" && !zero) refuse("with a number");
   if (option == "dateformat" && statement.text2 != "mdy" && statement.text2 != "ymd") refuse(statement.text2.c_str());
-  const bool seven = statement.value != nullptr && statement.value->kind == Expression::Kind::kLiteral && statement.value->text == "7";
+  const bool seven =
+      statement.value != nullptr && statement.value->kind == Expression::Kind::kLiteral && statement.value->text == "7";
   if (option == "datefirst" && !seven) refuse("other than 7");
   // NOCOUNT, the isolation levels, LOCK_TIMEOUT, TEXTSIZE, LANGUAGE and STATISTICS change no result here.
 }
@@ -391,7 +395,9 @@ void Session::RaiseUser(const Statement& statement, Scope& scope) {
     const auto* code = std::get_if<std::int64_t>(&number);
     const auto* text = std::get_if<std::string>(&message);
     if (code == nullptr || *code < 50000) {
-      throw SqlError(35100, "Error number in the THROW statement is outside the valid range. Specify an error number in the valid range of 50000 to 2147483647.");
+      throw SqlError(
+          35100,
+          "Error number in the THROW statement is outside the valid range. Specify an error number in the valid range of 50000 to 2147483647.");
     }
     throw SqlError(static_cast<std::int32_t>(*code), text == nullptr ? "" : *text, 16, 1).EndingBatch();
   }
@@ -411,154 +417,6 @@ void Session::RaiseUser(const Statement& statement, Scope& scope) {
   if (whole(severity) <= 10) return;  // a message, no error
   const auto* text = std::get_if<std::string>(&message);
   throw SqlError(50000, FormatMessage(text == nullptr ? "" : *text, arguments), whole(severity), whole(state));
-}
-
-void Session::RunText(std::string_view text, Frame& frame) {
-  if (call_depth_ >= kMostCalls) {
-    throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
-  }
-  ++call_depth_;
-  try {
-    RunBatch(text, frame);
-  } catch (...) {
-    --call_depth_;
-    throw;
-  }
-  --call_depth_;
-}
-
-void Session::ExecuteProcedure(const Statement& statement, Scope& scope) {
-  if (statement.text_expression != nullptr) {
-    const Datum text = Evaluate(*statement.text_expression, NVarCharType(0), scope);
-    const std::string* sql = std::get_if<std::string>(&text);
-    Frame frame;
-    if (sql != nullptr) RunText(*sql, frame);
-    return;
-  }
-  if (EqualsIgnoreCase(statement.table.name, "sp_executesql")) {
-    ExecuteSql(statement, scope);
-    return;
-  }
-  const CatalogObjectPtr procedure = catalog_.Find(statement.table.name);
-  if (procedure == nullptr || procedure->kind != CatalogKind::kProcedure) {
-    throw SqlError(2812, "Could not find stored procedure '" + statement.table.name + "'.");
-  }
-  CallProcedure(*procedure, statement, scope);
-}
-
-void Session::CallProcedure(const CatalogObject& procedure, const Statement& call, Scope& scope) {
-  std::shared_ptr<Plan>& plan = procedures_[procedure.signature()];
-  if (plan == nullptr) {
-    Tokens tokens;
-    TokenizeBatch(procedure.definition, names_, tokens);
-    std::vector<StatementPtr> statements = ParseStatements(procedure.definition, tokens);
-    plan = std::make_shared<Plan>();
-    plan->statement = std::move(statements.at(0));
-  }
-  const std::shared_ptr<Plan> body = plan;
-  const Statement& definition = *body->statement;
-  Frame frame;
-  for (const Parameter& parameter : definition.parameters) frame.Declare(parameter.name, ResolveType(parameter.type, false));
-  std::vector<std::pair<std::string, std::string>> outputs;  // parameter, caller's variable
-  std::vector<bool> given(definition.parameters.size(), false);
-  for (std::size_t i = 0; i < call.arguments.size(); ++i) {
-    const auto& [name, value] = call.arguments[i];
-    std::size_t position = i;
-    if (!name.empty()) {
-      const auto found = std::find_if(definition.parameters.begin(), definition.parameters.end(),
-                                      [&](const Parameter& parameter) { return EqualsIgnoreCase(parameter.name, name); });
-      position = static_cast<std::size_t>(found - definition.parameters.begin());
-    }
-    if (position >= definition.parameters.size()) {
-      if (name.empty()) throw SqlError(8144, "Procedure or function " + procedure.name + " has too many arguments specified.");
-      throw SqlError(8145, name + " is not a parameter for procedure " + procedure.name + ".");
-    }
-    Variable& parameter = frame.Get(definition.parameters[position].name);
-    given[position] = true;
-    if (value == nullptr) continue;
-    parameter.value = Evaluate(*value, parameter.type, scope);
-    if (call.argument_outputs[i] && value->kind == Expression::Kind::kVariable) outputs.emplace_back(parameter.name, value->text);
-  }
-  Scope inner{&frame, body.get(), {}, {}, nullptr};
-  if (body->checked_generation != catalog_.generation()) Revalidate(*body, frame);
-  for (std::size_t i = 0; i < definition.parameters.size(); ++i) {
-    const Parameter& parameter = definition.parameters[i];
-    if (given[i]) continue;
-    if (parameter.default_value == nullptr) {
-      throw SqlError(201, "Procedure or function '" + procedure.name + "' expects parameter '" + parameter.name + "', which was not supplied.");
-    }
-    Variable& variable = frame.Get(parameter.name);
-    variable.value = Evaluate(*parameter.default_value, variable.type, inner);
-  }
-  for (const StatementPtr& statement : definition.body) Declare(*statement, frame);
-  if (call_depth_ >= kMostCalls) {
-    throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
-  }
-  struct Call {
-    Session& session;
-    Frame* frame;
-    std::vector<std::string> tables;
-    ~Call() {
-      --session.call_depth_;
-      session.runtime_.frame = frame;
-      try {
-        session.DropTemporaryTables(tables);
-      } catch (const SqlError&) {
-        // They go with the session.
-        return;
-      }
-    }
-  } call_guard{*this, runtime_.frame, catalog_.TemporaryTables()};
-  ++call_depth_;
-  runtime_.frame = &frame;
-  ExecuteBody(definition.body, inner);
-  for (const auto& [parameter, variable] : outputs) {
-    const Variable& from = frame.Get(parameter);
-    Variable& to = scope.frame->Get(variable);
-    to.value = Convert(from.value, from.type, to.type);
-  }
-  if (!call.result_variable.empty()) {
-    Variable& result = scope.frame->Get(call.result_variable);
-    result.value = Convert(std::int64_t{inner.return_value}, IntType(), result.type);
-  }
-}
-
-void Session::ExecuteSql(const Statement& call, Scope& scope) {
-  if (call.arguments.empty()) {
-    throw SqlError(214, "Procedure expects parameter '@statement' of type 'ntext/nchar/nvarchar'.");
-  }
-  const auto text_of = [&](std::size_t argument) {
-    const Datum value = Evaluate(*call.arguments[argument].second, NVarCharType(0), scope);
-    const auto* text = std::get_if<std::string>(&value);
-    return text == nullptr ? std::string() : *text;
-  };
-  const std::string text = text_of(0);
-  Frame frame;
-  std::vector<std::pair<std::string, std::string>> outputs;
-  if (call.arguments.size() > 1) {
-    const std::string declarations = ReplaceAll("DECLARE " + text_of(1), " OUTPUT", "");
-    Tokens tokens;
-    TokenizeBatch(declarations, names_, tokens);
-    const std::vector<StatementPtr> parsed = ParseStatements(declarations, tokens);
-    const std::vector<VariableDeclaration>& parameters = parsed.at(0)->declarations;
-    Declare(*parsed[0], frame);
-    for (std::size_t i = 2; i < call.arguments.size(); ++i) {
-      const auto& [name, value] = call.arguments[i];
-      if (name.empty() && i - 2 >= parameters.size()) {
-        throw SqlError(8144, "Procedure or function sp_executesql has too many arguments specified.");
-      }
-      Variable& parameter = frame.Get(name.empty() ? parameters[i - 2].name : LowerCase(name));
-      if (value == nullptr) continue;
-      parameter.value = Evaluate(*value, parameter.type, scope);
-      if (call.argument_outputs[i] && value->kind == Expression::Kind::kVariable) outputs.emplace_back(parameter.name, value->text);
-    }
-  }
-  RunText(text, frame);
-  for (const auto& [parameter, variable] : outputs) {
-    const Variable& from = frame.Get(parameter);
-    Variable& to = scope.frame->Get(variable);
-    to.value = Convert(from.value, from.type, to.type);
-  }
 }
 
 }  // namespace tessarlorn::embedded

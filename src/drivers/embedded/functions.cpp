@@ -51,8 +51,8 @@ void TryConvertValue(sqlite3_context* context, Runtime& runtime, Arguments argum
 void AssignValue(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (IsNull(arguments[0])) return;
   try {
-    SetResult(context, Convert(ToDatum(arguments[0]), TypeArgument(arguments[1]), TypeArgument(arguments[2]), 0,
-                               Fit::kAssign));
+    SetResult(context,
+              Convert(ToDatum(arguments[0]), TypeArgument(arguments[1]), TypeArgument(arguments[2]), 0, Fit::kAssign));
   } catch (const SqlError& error) {
     if (error.number() != 8152) throw;
     RaiseTruncated(TextOf(arguments[3]), TextOf(arguments[4]), TextOf(arguments[0]));
@@ -62,8 +62,9 @@ void AssignValue(sqlite3_context* context, Runtime&, Arguments arguments) {
 // ts_require(value, table, column): NULL on its way into a column that is SQLite's row number
 void RequireValue(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (IsNull(arguments[0])) {
-    throw SqlError(515, "Cannot insert the value NULL into column '" + std::string(TextOf(arguments[2])) + "', table '" +
-                            std::string(TextOf(arguments[1])) + "'; column does not allow nulls. INSERT fails.");
+    throw SqlError(515, "Cannot insert the value NULL into column '" + std::string(TextOf(arguments[2])) +
+                            "', table '" + std::string(TextOf(arguments[1])) +
+                            "'; column does not allow nulls. INSERT fails.");
   }
   sqlite3_result_value(context, arguments[0]);
 }
@@ -98,7 +99,8 @@ void Like(sqlite3_context* context, Runtime&, Arguments arguments) {
     const std::string_view text = TextOf(arguments[2]);
     for (std::size_t i = 0; i < text.size();) characters += NextCharacter(text, i);
     if (characters.size() != 1) {
-      throw SqlError(506, "The invalid escape character \"" + std::string(text) + "\" was specified in a LIKE predicate.");
+      throw SqlError(506,
+                     "The invalid escape character \"" + std::string(text) + "\" was specified in a LIKE predicate.");
     }
     escape = characters[0];
   }

@@ -1,9 +1,8 @@
 // The row functions that translated statements call in SQLite. Their names begin with "ts_".
 #pragma once
 
-#include <sqlite3.h>
-
 #include <span>
+#include <sqlite3.h>
 
 #include "drivers/embedded/datum.h"
 #include "drivers/embedded/runtime.h"

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "drivers/embedded/keywords.h"
+#include "drivers/embedded/literals.h"
 #include "platform/text.h"
 
 namespace tessarlorn::embedded {
@@ -68,8 +69,8 @@ bool EndsStatement(const Token& token) {
 bool IsBlank(char c) { return c == ' ' || c == '\r' || c == '\n' || c == '\t' || c == ';'; }
 
 bool IsWordPart(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '#' || c == '@' ||
-         c == '$' || (c & 0x80) != 0;
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '#' ||
+         c == '@' || c == '$' || (c & 0x80) != 0;
 }
 
 std::size_t SkipBlanks(std::string_view text, std::size_t position) {
@@ -106,7 +107,8 @@ TextTemplate MakeTemplate(std::span<const Token> tokens) {
     begin = end;
   }
   const Token& last = tokens.back();
-  const bool delimited = last.kind == TokenKind::kQuoted || last.kind == TokenKind::kString || last.kind == TokenKind::kNString;
+  const bool delimited =
+      last.kind == TokenKind::kQuoted || last.kind == TokenKind::kString || last.kind == TokenKind::kNString;
   result.segments.emplace_back(begin, last.text.data() + last.text.size() + (delimited ? 1 : 0));
   return result;
 }
@@ -129,7 +131,8 @@ bool TakeLiteral(std::string_view text, std::size_t& position, const TextTemplat
   }
   if (wanted.kind == TokenKind::kFloat) return false;
   bool point = false;
-  while (position < text.size() && ((text[position] >= '0' && text[position] <= '9') || (text[position] == '.' && !point))) {
+  while (position < text.size() &&
+         ((text[position] >= '0' && text[position] <= '9') || (text[position] == '.' && !point))) {
     point = point || text[position] == '.';
     ++position;
   }
@@ -140,7 +143,8 @@ bool TakeLiteral(std::string_view text, std::size_t& position, const TextTemplat
 }
 
 /// Where the statement ends that begins at `position` and is the template's but for its literals, or npos.
-std::size_t MatchText(const TextTemplate& wanted, std::string_view text, std::size_t position, std::vector<Token>& literals) {
+std::size_t MatchText(const TextTemplate& wanted, std::string_view text, std::size_t position,
+                      std::vector<Token>& literals) {
   for (std::size_t i = 0; i < wanted.segments.size(); ++i) {
     const std::string& segment = wanted.segments[i];
     if (text.compare(position, segment.size(), segment) != 0) return std::string_view::npos;
@@ -157,10 +161,24 @@ std::size_t MatchText(const TextTemplate& wanted, std::string_view text, std::si
 
 std::uint64_t BeginningOf(std::string_view text) { return std::hash<std::string_view>{}(text.substr(0, kBeginning)); }
 
-bool SamePins(const Plan& plan, std::span<const Token> literals) {
-  return std::all_of(plan.dependencies.pinned.begin(), plan.dependencies.pinned.end(), [&](const Dependencies::Pinned& pin) {
+/// Whether the plan serves a text with these literals.
+bool Serves(const Plan& plan, std::span<const Token> literals) {
+  if (plan.may_pin && !plan.complete) return false;
+  const auto same = [&](const Dependencies::Pinned& pin) {
     return Unquote(literals[static_cast<std::size_t>(pin.literal)]) == pin.text;
-  });
+  };
+  return std::all_of(plan.fixed.begin(), plan.fixed.end(), same) &&
+         std::all_of(plan.dependencies.pinned.begin(), plan.dependencies.pinned.end(), same);
+}
+
+/// Notes what the statement's literals mean.
+void ClassifyLiterals(Plan& plan, std::span<const Token> literals) {
+  const LiteralUse use = FindLiterals(*plan.statement);
+  plan.may_pin = use.may_shape;
+  for (std::size_t i = 0; i < literals.size(); ++i) {
+    const int number = static_cast<int>(i);
+    if (!use.values.contains(number)) plan.fixed.push_back({number, Unquote(literals[i])});
+  }
 }
 
 void Classify(const Statement& statement, Plan& plan) {
@@ -225,8 +243,9 @@ std::shared_ptr<Plan> PlanCache::Find(const Batch& batch, std::span<const std::u
     const std::shared_ptr<Plan>& plan = found->second[i];
     const std::size_t size = plan->shape.size();
     if (size > shape.size() - begin || !EndsStatement(batch.tokens.tokens[begin + size])) continue;
-    if (!std::equal(plan->shape.begin(), plan->shape.end(), shape.begin() + static_cast<std::ptrdiff_t>(begin))) continue;
-    if (!SamePins(*plan, std::span<const Token>(batch.literals).subspan(first_literal))) continue;
+    if (!std::equal(plan->shape.begin(), plan->shape.end(), shape.begin() + static_cast<std::ptrdiff_t>(begin)))
+      continue;
+    if (!Serves(*plan, std::span<const Token>(batch.literals).subspan(first_literal))) continue;
     plan->last_used = ++clock_;
     if (i > 0) std::swap(found->second[i], found->second[i - 1]);
     return found->second[i > 0 ? i - 1 : 0];
@@ -256,9 +275,10 @@ std::size_t PlanCache::ParseKnown(std::string_view text, Batch& batch) {
   std::shared_ptr<Plan> plan = found == beginnings_.end() ? nullptr : found->second.lock();
   while (plan != nullptr && position < text.size()) {
     const std::size_t first_literal = batch.literals.size();
-    const std::size_t end = plan->text.segments.empty() ? std::string_view::npos
-                                                        : MatchText(plan->text, text, position, batch.literals);
-    if (end == std::string_view::npos || !SamePins(*plan, std::span<const Token>(batch.literals).subspan(first_literal))) {
+    const std::size_t end =
+        plan->text.segments.empty() ? std::string_view::npos : MatchText(plan->text, text, position, batch.literals);
+    if (end == std::string_view::npos ||
+        !Serves(*plan, std::span<const Token>(batch.literals).subspan(first_literal))) {
       batch.literals.resize(first_literal);
       break;
     }
@@ -332,6 +352,9 @@ void PlanCache::ParseTokens(std::string_view text, Batch& batch) {
                               plan->statement->kind == Statement::Kind::kAlterTable;
       plan->lifted = !keeps_text && plan->shape.size() >= kKeyTokens;
       if (plan->lifted && EndsStatement(tokens[last])) {
+        ClassifyLiterals(
+            *plan,
+            std::span<const Token>(batch.literals).subspan(first_literal, literals_before_[last] - first_literal));
         plan->text = MakeTemplate(std::span<const Token>(tokens).subspan(begin, last - begin));
         Keep(plan);
       }

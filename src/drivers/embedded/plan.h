@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <memory>
 #include <span>
-#include <string_view>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -46,6 +46,10 @@ struct Plan {
   /// Every data statement in it is compiled.
   bool complete = false;
   Dependencies dependencies;
+  /// Literals that are no values but part of the grammar.
+  std::vector<Dependencies::Pinned> fixed;
+  /// The translation may pin further ones: until it has been made the plan serves one text only.
+  bool may_pin = false;
   std::uint64_t checked_generation = 0;
   /// The table whose identity column could be given when it was compiled.
   std::string identity_insert;

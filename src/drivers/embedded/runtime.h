@@ -37,9 +37,11 @@ class Frame {
   /// Raises 134 when the name is there already.
   void Declare(const std::string& name, const SqlType& type) {
     if (Find(name) != nullptr) {
-      throw SqlError(134, "The variable name '" + name +
-                              "' has already been declared. Variable names must be unique within a query batch or "
-                              "stored procedure.", 15);
+      throw SqlError(134,
+                     "The variable name '" + name +
+                         "' has already been declared. Variable names must be unique within a query batch or "
+                         "stored procedure.",
+                     15);
     }
     variables_.push_back({name, type, {}});
   }

@@ -71,13 +71,13 @@ using CatalogFunction = void (*)(sqlite3_context*, const Catalog&, Arguments);
 
 template <CatalogFunction F>
 void CallCatalogFunction(sqlite3_context* context, int count, sqlite3_value** values) {
-  F(context, *static_cast<const Catalog*>(sqlite3_user_data(context)), Arguments(values, static_cast<std::size_t>(count)));
+  F(context, *static_cast<const Catalog*>(sqlite3_user_data(context)),
+    Arguments(values, static_cast<std::size_t>(count)));
 }
 
 }  // namespace
 
-Session::Session(DatabaseHandle database)
-    : database_(std::move(database)), catalog_(database_.get()), plans_(names_) {
+Session::Session(DatabaseHandle database) : database_(std::move(database)), catalog_(database_.get()), plans_(names_) {
   RegisterFunctions(database_.get(), runtime_);
   RegisterListTable(database_.get());
   RegisterSessionFunctions();
@@ -90,8 +90,10 @@ Session::~Session() {
 
 void Session::RegisterSessionFunctions() {
   sqlite3* database = database_.get();
-  sqlite3_create_function_v2(database, "ts_object_id", -1, SQLITE_UTF8, &catalog_, CallCatalogFunction<ObjectId>, nullptr, nullptr, nullptr);
-  sqlite3_create_function_v2(database, "ts_col_length", 2, SQLITE_UTF8, &catalog_, CallCatalogFunction<ColumnLength>, nullptr, nullptr, nullptr);
+  sqlite3_create_function_v2(database, "ts_object_id", -1, SQLITE_UTF8, &catalog_, CallCatalogFunction<ObjectId>,
+                             nullptr, nullptr, nullptr);
+  sqlite3_create_function_v2(database, "ts_col_length", 2, SQLITE_UTF8, &catalog_, CallCatalogFunction<ColumnLength>,
+                             nullptr, nullptr, nullptr);
 }
 
 void Session::Cancel() noexcept {

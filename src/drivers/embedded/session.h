@@ -1,12 +1,11 @@
 // One session with an embedded database: it runs batches, keeps variables, temporary tables and the transaction.
 #pragma once
 
-#include <sqlite3.h>
-
 #include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <sqlite3.h>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -148,8 +147,8 @@ class Session {
   std::vector<std::unique_ptr<PlanCache::Batch>> spare_batches_;
 
   Results* results_ = nullptr;
-  int depth_ = 0;              // @@TRANCOUNT
-  bool writing_ = false;       // SQLite holds the write lock
+  int depth_ = 0;         // @@TRANCOUNT
+  bool writing_ = false;  // SQLite holds the write lock
   std::vector<std::string> save_points_;
   int try_depth_ = 0;
   int call_depth_ = 0;

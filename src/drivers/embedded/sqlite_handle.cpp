@@ -25,19 +25,23 @@ std::string_view ColumnPart(std::string_view column) {
   const std::string detail(Detail(message));
   switch (status) {
     case SQLITE_CONSTRAINT_NOTNULL:
-      throw SqlError(515, "Cannot insert the value NULL into column '" + std::string(ColumnPart(detail)) + "', table 'dbo." +
-                              std::string(TablePart(detail)) + "'; column does not allow nulls. " + std::string(verb) +
-                              " fails.");
+      throw SqlError(515, "Cannot insert the value NULL into column '" + std::string(ColumnPart(detail)) +
+                              "', table 'dbo." + std::string(TablePart(detail)) + "'; column does not allow nulls. " +
+                              std::string(verb) + " fails.");
     case SQLITE_CONSTRAINT_PRIMARYKEY:
     case SQLITE_CONSTRAINT_ROWID:
-      throw SqlError(2627, "Violation of PRIMARY KEY constraint 'PK_" + std::string(TablePart(detail)) +
-                               "'. Cannot insert duplicate key in object 'dbo." + std::string(TablePart(detail)) + "'.", 14);
+      throw SqlError(2627,
+                     "Violation of PRIMARY KEY constraint 'PK_" + std::string(TablePart(detail)) +
+                         "'. Cannot insert duplicate key in object 'dbo." + std::string(TablePart(detail)) + "'.",
+                     14);
     case SQLITE_CONSTRAINT_UNIQUE:
       if (detail.starts_with("index '")) {
         throw SqlError(2601, "Cannot insert duplicate key row in an object with unique " + detail + ".", 14);
       }
-      throw SqlError(2627, "Violation of UNIQUE KEY constraint on '" + detail + "'. Cannot insert duplicate key in object 'dbo." +
-                               std::string(TablePart(detail)) + "'.", 14);
+      throw SqlError(2627,
+                     "Violation of UNIQUE KEY constraint on '" + detail +
+                         "'. Cannot insert duplicate key in object 'dbo." + std::string(TablePart(detail)) + "'.",
+                     14);
     default:
       throw SqlError(547, "The " + std::string(verb) + " statement conflicted with the " +
                               (status == SQLITE_CONSTRAINT_CHECK ? "CHECK" : "FOREIGN KEY") + " constraint" +
@@ -83,7 +87,8 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
     default:
       break;
   }
-  if (message == "integer overflow") throw SqlError(8115, "Arithmetic overflow error converting expression to data type bigint.");
+  if (message == "integer overflow")
+    throw SqlError(8115, "Arithmetic overflow error converting expression to data type bigint.");
   throw SqlError(8624, "The embedded database could not run the statement: " + message + ".");
 }
 

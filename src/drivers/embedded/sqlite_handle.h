@@ -1,9 +1,8 @@
 // SQLite's handles with owners, and its failures as errors with SQL Server's numbers.
 #pragma once
 
-#include <sqlite3.h>
-
 #include <memory>
+#include <sqlite3.h>
 #include <string>
 #include <string_view>
 

@@ -9,7 +9,8 @@ namespace tessarlorn::embedded {
 
 inline std::string_view TextOf(sqlite3_value* value) {
   const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
-  return text == nullptr ? std::string_view{} : std::string_view(text, static_cast<std::size_t>(sqlite3_value_bytes(value)));
+  return text == nullptr ? std::string_view{}
+                         : std::string_view(text, static_cast<std::size_t>(sqlite3_value_bytes(value)));
 }
 
 inline Datum ToDatum(sqlite3_value* value) {

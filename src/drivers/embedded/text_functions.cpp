@@ -139,8 +139,9 @@ void CharIndex(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (AnyNull(arguments)) return;
   const std::u16string wanted = Fold(TextOf(arguments[0]));
   const std::int64_t start = arguments.size() > 2 ? std::max<std::int64_t>(1, sqlite3_value_int64(arguments[2])) : 1;
-  const std::size_t found =
-      wanted.empty() ? std::u16string::npos : Fold(TextOf(arguments[1])).find(wanted, static_cast<std::size_t>(start - 1));
+  const std::size_t found = wanted.empty()
+                                ? std::u16string::npos
+                                : Fold(TextOf(arguments[1])).find(wanted, static_cast<std::size_t>(start - 1));
   sqlite3_result_int64(context, found == std::u16string::npos ? 0 : static_cast<std::int64_t>(found) + 1);
 }
 
@@ -194,7 +195,8 @@ void Stuff(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (start < 1 || length < 0 || start > static_cast<std::int64_t>(text.size())) return;
   std::u16string result = text.substr(0, static_cast<std::size_t>(start - 1));
   if (!IsNull(arguments[3])) result += ToUtf16(TextOf(arguments[3]));
-  const auto rest = static_cast<std::size_t>(start - 1 + std::min<std::int64_t>(length, static_cast<std::int64_t>(text.size())));
+  const auto rest =
+      static_cast<std::size_t>(start - 1 + std::min<std::int64_t>(length, static_cast<std::int64_t>(text.size())));
   if (rest < text.size()) result.append(text, rest);
   SetText(context, FromUtf16(result));
 }

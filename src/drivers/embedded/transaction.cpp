@@ -56,7 +56,9 @@ void Session::BeginContainerTransaction() {
 
 void Session::CommitContainerTransaction() {
   if (depth_ == 0) {
-    throw SqlError(3902, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION: the transaction was ended before.");
+    throw SqlError(
+        3902,
+        "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION: the transaction was ended before.");
   }
   EndTransaction(true);
 }
@@ -90,9 +92,11 @@ void Session::ExecuteTransaction(const Statement& statement) {
     if (save_points_[i] != LowerCase(statement.text)) continue;
     RunSql(database_.get(), "ROLLBACK TO " + QuoteName("save " + save_points_[i]), &runtime_);
     catalog_.Invalidate();
+    catalog_.Refresh();
     return;
   }
   EndTransaction(false);
+  catalog_.Refresh();
 }
 
 }  // namespace tessarlorn::embedded

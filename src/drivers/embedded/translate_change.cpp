@@ -86,7 +86,8 @@ Compiled Translator::CompileInsert(const Statement& statement, bool identity_ins
   for (const std::string& name : statement.columns) {
     const int position = RequireColumn(*table, name);
     if (std::find(positions.begin(), positions.end(), position) != positions.end()) {
-      throw SqlError(264, "The column name '" + name + "' is specified more than once in the SET clause or column list of an INSERT.");
+      throw SqlError(264, "The column name '" + name +
+                              "' is specified more than once in the SET clause or column list of an INSERT.");
     }
     positions.push_back(position);
   }
@@ -122,17 +123,21 @@ Compiled Translator::CompileInsert(const Statement& statement, bool identity_ins
     }
     const bool query = statement.query->select != nullptr;
     if (positions.size() > count) {
-      throw SqlError(query ? 120 : 109, query ? "The select list for the INSERT statement contains fewer items than the insert list. "
-                                                "The number of SELECT values must match the number of INSERT columns."
-                                              : "There are more columns in the INSERT statement than values specified in the "
-                                                "VALUES clause. The number of values in the VALUES clause must match the number "
-                                                "of columns specified in the INSERT statement.", 15);
+      throw SqlError(query ? 120 : 109,
+                     query ? "The select list for the INSERT statement contains fewer items than the insert list. "
+                             "The number of SELECT values must match the number of INSERT columns."
+                           : "There are more columns in the INSERT statement than values specified in the "
+                             "VALUES clause. The number of values in the VALUES clause must match the number "
+                             "of columns specified in the INSERT statement.",
+                     15);
     }
-    throw SqlError(query ? 121 : 110, query ? "The select list for the INSERT statement contains more items than the insert list. "
-                                              "The number of SELECT values must match the number of INSERT columns."
-                                            : "There are fewer columns in the INSERT statement than values specified in the "
-                                              "VALUES clause. The number of values in the VALUES clause must match the number "
-                                              "of columns specified in the INSERT statement.", 15);
+    throw SqlError(query ? 121 : 110,
+                   query ? "The select list for the INSERT statement contains more items than the insert list. "
+                           "The number of SELECT values must match the number of INSERT columns."
+                         : "There are fewer columns in the INSERT statement than values specified in the "
+                           "VALUES clause. The number of values in the VALUES clause must match the number "
+                           "of columns specified in the INSERT statement.",
+                   15);
   };
   const Query& query = *statement.query;
   if (query.select == nullptr && query.set_operator == SetOperator::kNone) {
@@ -149,7 +154,8 @@ Compiled Translator::CompileInsert(const Statement& statement, bool identity_ins
         if (i > 0) sql += ", ";
         if (use_default) {
           const auto own = Defaults(*table, {});
-          const auto found = std::find_if(own.begin(), own.end(), [&](const auto& entry) { return entry.first == column.name; });
+          const auto found =
+              std::find_if(own.begin(), own.end(), [&](const auto& entry) { return entry.first == column.name; });
           sql += found == own.end() ? "NULL" : found->second;
         } else {
           sql += Assign(Value(value, scope), column, Messaged(*table));
@@ -172,8 +178,8 @@ Compiled Translator::CompileInsert(const Statement& statement, bool identity_ins
     const std::string name = "c" + std::to_string(i);
     list += (i == 0 ? "" : ", ") + name;
     const Typed column{name, rows.columns[i].type, true, -1};
-    values += (i == 0 ? "" : ", ") +
-              Assign(column, table->columns[static_cast<std::size_t>(positions[i])], Messaged(*table));
+    values +=
+        (i == 0 ? "" : ", ") + Assign(column, table->columns[static_cast<std::size_t>(positions[i])], Messaged(*table));
   }
   for (const auto& [name, value] : defaults) values += ", " + value;
   return finish(head + "SELECT " + values + " FROM (WITH i(" + list + ") AS (" + rows.sql + ") SELECT * FROM i)");
@@ -206,7 +212,8 @@ Translator::Target Translator::ChangeTarget(const Statement& statement) {
     target.table = Lookup(statement.table);
     target.alias = statement.table.name;
     target.joined = !statement.from.empty();
-    if (target.joined) RaiseUnsupported("A FROM clause that does not name the table '" + statement.table.name + "'", statement.line);
+    if (target.joined)
+      RaiseUnsupported("A FROM clause that does not name the table '" + statement.table.name + "'", statement.line);
   }
   if (target.table->kind != CatalogKind::kTable) RaiseReadOnly(*target.table);
   return target;
@@ -229,8 +236,8 @@ Compiled Translator::CompileUpdate(const Statement& statement) {
     from = From(statement.from, scope);
   }
   const std::string alias = QuoteName(target.alias);
-  std::vector<std::pair<std::string, std::string>> sets;   // column, value
-  std::string variables;                                   // ", name, value" for ts_setvar
+  std::vector<std::pair<std::string, std::string>> sets;  // column, value
+  std::string variables;                                  // ", name, value" for ts_setvar
   for (const Assignment& assignment : statement.assignments) {
     Typed value = Value(*assignment.value, scope);
     const int position = assignment.column.empty() ? -1 : RequireColumn(*target.table, assignment.column.back());
@@ -238,22 +245,26 @@ Compiled Translator::CompileUpdate(const Statement& statement) {
       const Column& column = target.table->columns[static_cast<std::size_t>(position)];
       if (column.identity) throw SqlError(8102, "Cannot update identity column '" + column.name + "'.");
       if (assignment.is_compound) {
-        value = BinaryOf(assignment.compound, {alias + "." + QuoteName(column.name), column.type, column.nullable, -1}, std::move(value));
+        value = BinaryOf(assignment.compound, {alias + "." + QuoteName(column.name), column.type, column.nullable, -1},
+                         std::move(value));
       }
       for (const auto& [name, sql] : sets) {
         if (EqualsIgnoreCase(name, column.name)) {
-          throw SqlError(264, "The column name '" + column.name + "' is specified more than once in the SET clause or column list of an INSERT.");
+          throw SqlError(264, "The column name '" + column.name +
+                                  "' is specified more than once in the SET clause or column list of an INSERT.");
         }
       }
       sets.emplace_back(column.name, Assign(value, column, Messaged(*target.table)));
       if (!assignment.variable.empty()) {
         const Typed stored{sets.back().second, column.type, true, -1};
-        variables += ", " + QuoteText(assignment.variable) + ", " + Coerce(stored, frame_.Get(assignment.variable).type);
+        variables +=
+            ", " + QuoteText(assignment.variable) + ", " + Coerce(stored, frame_.Get(assignment.variable).type);
         VariableValue(assignment.variable);
       }
     } else {
       const SqlType type = frame_.Get(assignment.variable).type;
-      if (assignment.is_compound) value = BinaryOf(assignment.compound, VariableValue(assignment.variable), std::move(value));
+      if (assignment.is_compound)
+        value = BinaryOf(assignment.compound, VariableValue(assignment.variable), std::move(value));
       VariableValue(assignment.variable);
       variables += ", " + QuoteText(assignment.variable) + ", " + Coerce(value, type);
     }
@@ -269,7 +280,8 @@ Compiled Translator::CompileUpdate(const Statement& statement) {
   if (!variables.empty()) sets[0].second = "ts_setvar(" + sets[0].second + variables + ")";
   if (!indirect) {
     sql = "UPDATE " + TableSql(*target.table) + " AS " + alias + " SET ";
-    for (std::size_t i = 0; i < sets.size(); ++i) sql += (i == 0 ? "" : ", ") + QuoteName(sets[i].first) + " = " + sets[i].second;
+    for (std::size_t i = 0; i < sets.size(); ++i)
+      sql += (i == 0 ? "" : ", ") + QuoteName(sets[i].first) + " = " + sets[i].second;
     sql += where;
   } else {
     const std::string limit = statement.top == nullptr ? "" : " LIMIT " + IntArgument(*statement.top, scope);
@@ -280,7 +292,8 @@ Compiled Translator::CompileUpdate(const Statement& statement) {
       sql += (i == 0 ? "" : ", ") + QuoteName(sets[i].first) + " = \"$rows\"." + name;
       rows += ", " + sets[i].second + " AS " + name;
     }
-    const std::string present = target.joined ? (where.empty() ? " WHERE " : " AND ") + alias + "._rowid_ IS NOT NULL" : "";
+    const std::string present =
+        target.joined ? (where.empty() ? " WHERE " : " AND ") + alias + "._rowid_ IS NOT NULL" : "";
     sql += " FROM (" + rows + from + where + present + limit + ") AS \"$rows\" WHERE \"$target\"._rowid_ = \"$rows\".r";
   }
   Compiled compiled = Finish(std::move(sql));
@@ -325,7 +338,8 @@ std::string Translator::TranslateCheck(const CatalogObject& table, const Express
   // SQLite allows no parameters in a definition: each constant is written where its parameter stands.
   for (std::size_t i = parameters_.size(); i-- > 0;) {
     const BoundParameter& parameter = parameters_[i];
-    if (parameter.source != BoundParameter::Source::kConstant) RaiseUnsupported("A CHECK constraint that is not made of columns and constants");
+    if (parameter.source != BoundParameter::Source::kConstant)
+      RaiseUnsupported("A CHECK constraint that is not made of columns and constants");
     const Datum value = Convert(parameter.constant, parameter.from, parameter.to, parameter.style, parameter.fit);
     std::string text = "NULL";
     if (const auto* integer = std::get_if<std::int64_t>(&value)) text = std::to_string(*integer);

@@ -152,7 +152,8 @@ Typed Translator::Aggregate(const Expression& expression, Scope& scope) {
   if (name == "string_agg") separator = TextArgument(*expression.operands[1], scope);
   --aggregate_depth_;
   const std::string distinct = expression.distinct ? "DISTINCT " : "";
-  if (count) return {"count(" + distinct + Collated(value) + ")", name == "count" ? IntType() : BigIntType(), false, -1};
+  if (count)
+    return {"count(" + distinct + Collated(value) + ")", name == "count" ? IntType() : BigIntType(), false, -1};
   if (name == "string_agg") {
     const SqlType type = value.type.is_national() || !value.type.is_text() ? NVarCharType(4000) : VarCharType(8000);
     return {"group_concat(" + Coerce(value, NVarCharType(0)) + ", " + separator + ")", type, true, -1};
@@ -174,7 +175,8 @@ Typed Translator::Aggregate(const Expression& expression, Scope& scope) {
   const SqlType total_type = DecimalType(38, exact.scale);
   const std::string total =
       value.type.storage() == Storage::kScaled
-          ? "ts_conv(sum(" + distinct + value.sql + "), " + Packed(DecimalType(18, exact.scale)) + ", " + Packed(total_type) + ", 0)"
+          ? "ts_conv(sum(" + distinct + value.sql + "), " + Packed(DecimalType(18, exact.scale)) + ", " +
+                Packed(total_type) + ", 0)"
           : "ts_sum(" + distinct + value.sql + ", " + Packed(value.type) + ", " + Packed(total_type) + ")";
   if (sum) return {total, total_type, true, -1};
   const SqlType average = DecimalType(38, std::max(exact.scale, 6));
@@ -205,7 +207,8 @@ Typed Translator::WindowFunction(const Expression& expression, Scope& scope) {
     if (expression.window->order.empty()) {
       throw SqlError(4112, "The function '" + name + "' must have an OVER clause with ORDER BY.", 15);
     }
-    const std::string argument = name == "ntile" && !expression.operands.empty() ? IntArgument(*expression.operands[0], scope) : "";
+    const std::string argument =
+        name == "ntile" && !expression.operands.empty() ? IntArgument(*expression.operands[0], scope) : "";
     return {name + "(" + argument + ")" + Over(*expression.window, scope), BigIntType(), false, -1};
   }
   if (name == "lag" || name == "lead" || name == "first_value" || name == "last_value") {
@@ -221,7 +224,8 @@ Typed Translator::WindowFunction(const Expression& expression, Scope& scope) {
   if (name == "count" || name == "count_big") {
     const Expression& operand = *expression.operands.at(0);
     const std::string counted = operand.kind == Expression::Kind::kStar ? "*" : Value(operand, scope).sql;
-    return {"count(" + counted + ")" + Over(*expression.window, scope), name == "count" ? IntType() : BigIntType(), false, -1};
+    return {"count(" + counted + ")" + Over(*expression.window, scope), name == "count" ? IntType() : BigIntType(),
+            false, -1};
   }
   const Typed value = Value(*expression.operands.at(0), scope);
   const std::string over = Over(*expression.window, scope);
@@ -271,7 +275,8 @@ Typed Translator::ConditionalFunction(const Expression& expression, Scope& scope
     }
     if (name == "iif") {
       return {"CASE WHEN " + Condition(*expression.operands[0], scope) + " THEN " + Coerce(values[0], type) + " ELSE " +
-                  Coerce(values[1], type) + " END", type, nullable, -1};
+                  Coerce(values[1], type) + " END",
+              type, nullable, -1};
     }
     std::string sql = "CASE " + IntArgument(*expression.operands[0], scope);
     for (std::size_t i = 0; i < values.size(); ++i) {
@@ -281,8 +286,8 @@ Typed Translator::ConditionalFunction(const Expression& expression, Scope& scope
   }
   if (name == "nullif") {
     RequireArguments(expression, 2, 2);
-    const std::string equal = Compare(CompareOp::kEqual, Value(*expression.operands[0], scope),
-                                      Value(*expression.operands[1], scope));
+    const std::string equal =
+        Compare(CompareOp::kEqual, Value(*expression.operands[0], scope), Value(*expression.operands[1], scope));
     const Typed value = Value(*expression.operands[0], scope);
     return {"CASE WHEN " + equal + " THEN NULL ELSE " + value.sql + " END", value.type, true, -1};
   }
@@ -321,7 +326,8 @@ Typed Translator::DateFunction(const Expression& expression, Scope& scope) {
     return {"ts_datepart(" + std::to_string(number) + ", " + DateArgument(*expression.operands[0], scope) + ")",
             IntType(), true, -1};
   }
-  if (name == "getdate" || name == "sysdatetime" || name == "current_timestamp") return SystemValue("getdate", DateTimeType());
+  if (name == "getdate" || name == "sysdatetime" || name == "current_timestamp")
+    return SystemValue("getdate", DateTimeType());
   if (name == "getutcdate" || name == "sysutcdatetime") return SystemValue("getutcdate", DateTimeType());
   if (name == "eomonth") {
     RequireArguments(expression, 1, 2);
@@ -347,7 +353,10 @@ Typed Translator::NumberFunction(const Expression& expression, Scope& scope) {
       name != "square") {
     return {};
   }
-  RequireArguments(expression, name == "round" || name == "power" ? 2 : 1, name == "round" ? 3 : name == "power" ? 2 : 1);
+  RequireArguments(expression, name == "round" || name == "power" ? 2 : 1,
+                   name == "round"   ? 3
+                   : name == "power" ? 2
+                                     : 1);
   Typed value = Value(*expression.operands[0], scope);
   if (!value.type.is_number()) value = {Coerce(value, FloatType()), FloatType(), value.nullable, -1};
   if (value.type.kind == FieldType::kBit || value.type.kind == FieldType::kTinyInt ||
@@ -357,14 +366,16 @@ Typed Translator::NumberFunction(const Expression& expression, Scope& scope) {
   value.type.precision = value.type.is_integer() ? 0 : value.type.precision;
   const std::string type = Packed(value.type);
   if (name == "abs" || name == "sign") {
-    if (value.type.storage() != Storage::kBigDecimal) return {name + "(" + value.sql + ")", value.type, value.nullable, -1};
+    if (value.type.storage() != Storage::kBigDecimal)
+      return {name + "(" + value.sql + ")", value.type, value.nullable, -1};
     const std::string zero = Packed(IntType());
     const std::string negated = "ts_arith(" + std::to_string(static_cast<int>(BinaryOp::kSubtract)) + ", 0, " + zero +
                                 ", " + value.sql + ", " + type + ", " + type + ")";
     const std::string origin = "ts_conv(0, " + zero + ", " + type + ", 0)";
     if (name == "abs") return {"max(" + value.sql + ", " + negated + ")", value.type, value.nullable, -1};
-    return {"CASE WHEN " + value.sql + " > " + origin + " THEN 1 WHEN " + value.sql + " < " + origin + " THEN -1 WHEN " +
-                value.sql + " IS NOT NULL THEN 0 END", IntType(), value.nullable, -1};
+    return {"CASE WHEN " + value.sql + " > " + origin + " THEN 1 WHEN " + value.sql + " < " + origin +
+                " THEN -1 WHEN " + value.sql + " IS NOT NULL THEN 0 END",
+            IntType(), value.nullable, -1};
   }
   if (name == "round") {
     const std::string places = IntArgument(*expression.operands[1], scope);
@@ -382,7 +393,8 @@ Typed Translator::NumberFunction(const Expression& expression, Scope& scope) {
   }
   const SqlType result = value.type;
   const std::string base = Coerce(value, FloatType());
-  return {"ts_power(" + base + ", " + FloatArgument(*expression.operands[1], scope) + ", " + type + ")", result, true, -1};
+  return {"ts_power(" + base + ", " + FloatArgument(*expression.operands[1], scope) + ", " + type + ")", result, true,
+          -1};
 }
 
 Typed Translator::TextFunction(const Expression& expression, Scope& scope) {
@@ -417,16 +429,26 @@ Typed Translator::MetadataFunction(const Expression& expression, Scope& scope) {
     FieldType kind;
   };
   constexpr std::array kSystems = {
-      System{"@@rowcount", FieldType::kInt},        System{"@@error", FieldType::kInt},
-      System{"@@trancount", FieldType::kInt},       System{"@@identity", FieldType::kDecimal},
-      System{"@@spid", FieldType::kInt},            System{"@@version", FieldType::kNVarChar},
-      System{"@@servername", FieldType::kNVarChar}, System{"scope_identity", FieldType::kDecimal},
-      System{"error_number", FieldType::kInt},      System{"error_severity", FieldType::kInt},
-      System{"error_state", FieldType::kInt},       System{"error_line", FieldType::kInt},
-      System{"error_message", FieldType::kNVarChar}, System{"db_name", FieldType::kNVarChar},
-      System{"host_name", FieldType::kNVarChar},    System{"suser_sname", FieldType::kNVarChar},
-      System{"suser_name", FieldType::kNVarChar},   System{"user_name", FieldType::kNVarChar},
-      System{"app_name", FieldType::kNVarChar},     System{"xact_state", FieldType::kInt},
+      System{"@@rowcount", FieldType::kInt},
+      System{"@@error", FieldType::kInt},
+      System{"@@trancount", FieldType::kInt},
+      System{"@@identity", FieldType::kDecimal},
+      System{"@@spid", FieldType::kInt},
+      System{"@@version", FieldType::kNVarChar},
+      System{"@@servername", FieldType::kNVarChar},
+      System{"scope_identity", FieldType::kDecimal},
+      System{"error_number", FieldType::kInt},
+      System{"error_severity", FieldType::kInt},
+      System{"error_state", FieldType::kInt},
+      System{"error_line", FieldType::kInt},
+      System{"error_message", FieldType::kNVarChar},
+      System{"db_name", FieldType::kNVarChar},
+      System{"host_name", FieldType::kNVarChar},
+      System{"suser_sname", FieldType::kNVarChar},
+      System{"suser_name", FieldType::kNVarChar},
+      System{"user_name", FieldType::kNVarChar},
+      System{"app_name", FieldType::kNVarChar},
+      System{"xact_state", FieldType::kInt},
   };
   for (const System& system : kSystems) {
     if (system.name != name) continue;

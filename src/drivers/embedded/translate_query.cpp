@@ -30,7 +30,8 @@ CatalogObjectPtr Translator::Lookup(const ObjectName& name) {
                                  [&](const Dependencies::Object& entry) { return entry.name == name.name; });
   if (!known) dependencies_.objects.push_back({name.name, object == nullptr ? "" : object->signature()});
   if (object == nullptr || object->kind == CatalogKind::kProcedure) {
-    throw SqlError(208, "Invalid object name '" + (name.qualifier.empty() ? "" : name.qualifier + ".") + name.name + "'.");
+    throw SqlError(208,
+                   "Invalid object name '" + (name.qualifier.empty() ? "" : name.qualifier + ".") + name.name + "'.");
   }
   return object;
 }
@@ -45,7 +46,8 @@ const Translator::CommonTableColumns* Translator::FindCommonTable(std::string_vi
 void Translator::AddSource(Scope& scope, Source source) {
   for (const Source& other : scope.sources) {
     if (EqualsIgnoreCase(other.alias, source.alias)) {
-      throw SqlError(1011, "The correlation name '" + source.alias + "' is specified multiple times in a FROM clause.", 15);
+      throw SqlError(1011, "The correlation name '" + source.alias + "' is specified multiple times in a FROM clause.",
+                     15);
     }
   }
   scope.sources.push_back(std::move(source));
@@ -57,10 +59,12 @@ std::string Translator::AddTable(const TableSource& source, Scope& scope, bool o
   const std::string alias = QuoteName(added.alias);
   const auto add_columns = [&](const auto& columns) {
     for (const auto& column : columns) {
-      added.columns.push_back({column.name, column.type, optional || column.nullable, alias + "." + QuoteName(column.name)});
+      added.columns.push_back(
+          {column.name, column.type, optional || column.nullable, alias + "." + QuoteName(column.name)});
     }
   };
-  if (const CommonTableColumns* common = source.table.qualifier.empty() ? FindCommonTable(source.table.name) : nullptr) {
+  if (const CommonTableColumns* common =
+          source.table.qualifier.empty() ? FindCommonTable(source.table.name) : nullptr) {
     add_columns(common->columns);
     AddSource(scope, std::move(added));
     return QuoteName(common->name) + " AS " + alias;
@@ -146,8 +150,9 @@ void Translator::ExpandStar(const Expression& star, const Scope& scope, std::vec
     any = true;
     for (const SourceColumn& column : source.columns) {
       if (scope.check_grouping && !scope.group_columns.contains(column.sql)) {
-        throw SqlError(8120, "Column '" + source.alias + "." + column.name + "' is invalid in the select list because it "
-                             "is not contained in either an aggregate function or the GROUP BY clause.");
+        throw SqlError(8120, "Column '" + source.alias + "." + column.name +
+                                 "' is invalid in the select list because it "
+                                 "is not contained in either an aggregate function or the GROUP BY clause.");
       }
       values.push_back({column.sql, column.type, column.nullable, -1});
       columns.push_back({column.name, column.type, column.nullable, false});
@@ -155,7 +160,10 @@ void Translator::ExpandStar(const Expression& star, const Scope& scope, std::vec
   }
   if (any) return;
   if (star.parts.empty()) throw SqlError(263, "Must specify table to select from.");
-  throw SqlError(107, "The column prefix '" + star.parts.back() + "' does not match with a table name or alias name used in the query.", 15);
+  throw SqlError(
+      107,
+      "The column prefix '" + star.parts.back() + "' does not match with a table name or alias name used in the query.",
+      15);
 }
 
 void Translator::GroupBy(const Select& select, Scope& scope, std::string& sql) {
@@ -196,7 +204,10 @@ std::string Translator::OrderBy(const std::vector<OrderItem>& items, Scope* scop
       Pin(key);
       const int number = key.literal == LiteralKind::kInteger ? std::stoi(key.text.substr(0, 9)) : 0;
       if (number < 1 || number > static_cast<int>(columns.size())) {
-        throw SqlError(108, "The ORDER BY position number " + key.text + " is out of range of the number of items in the select list.", 15);
+        throw SqlError(
+            108,
+            "The ORDER BY position number " + key.text + " is out of range of the number of items in the select list.",
+            15);
       }
       position(static_cast<std::size_t>(number - 1));
     } else if (key.kind == Expression::Kind::kColumn && key.parts.size() == 1) {
@@ -208,7 +219,10 @@ std::string Translator::OrderBy(const std::vector<OrderItem>& items, Scope* scop
     }
     if (text.empty()) {
       if (scope == nullptr) {
-        throw SqlError(104, "ORDER BY items must appear in the select list if the statement contains a UNION, INTERSECT or EXCEPT operator.", 15);
+        throw SqlError(
+            104,
+            "ORDER BY items must appear in the select list if the statement contains a UNION, INTERSECT or EXCEPT operator.",
+            15);
       }
       scope->clause = "ORDER BY clause";
       const Typed value = Value(key, *scope);
@@ -270,7 +284,8 @@ TranslatedQuery Translator::SelectText(const Query& query, const Select& select,
     if (options.names->size() != result.columns.size()) {
       if (options.names->size() == 1 && (*options.names)[0] == "c" && !options.named) return result;
       throw SqlError(result.columns.size() > options.names->size() ? 8158 : 8159,
-                     "'" + options.owner + "' has " + (result.columns.size() > options.names->size() ? "more" : "fewer") +
+                     "'" + options.owner + "' has " +
+                         (result.columns.size() > options.names->size() ? "more" : "fewer") +
                          " columns than were specified in the column list.");
     }
     for (std::size_t i = 0; i < result.columns.size(); ++i) result.columns[i].name = (*options.names)[i];
@@ -343,8 +358,9 @@ TranslatedQuery Translator::SetText(const Query& query, const Scope* parent, con
   // Both sides are wrapped, so that TOP and ORDER BY may stand in them and columns can be converted by name.
   TranslatedQuery right = QueryText(*query.right, parent, side_options);
   if (left.columns.size() != right.columns.size()) {
-    throw SqlError(205, "All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal number of "
-                        "expressions in their target lists.");
+    throw SqlError(205,
+                   "All queries combined using a UNION, INTERSECT or EXCEPT operator must have an equal number of "
+                   "expressions in their target lists.");
   }
   TranslatedQuery result;
   for (std::size_t i = 0; i < left.columns.size(); ++i) {
@@ -354,7 +370,8 @@ TranslatedQuery Translator::SetText(const Query& query, const Scope* parent, con
     result.columns.push_back(std::move(column));
   }
   const auto side = [&](const TranslatedQuery& part, const Query& tree, bool first) {
-    const bool bare = tree.select != nullptr && tree.select->top == nullptr && tree.order_by.empty() && tree.with.empty();
+    const bool bare =
+        tree.select != nullptr && tree.select->top == nullptr && tree.order_by.empty() && tree.with.empty();
     bool alike = true;
     for (std::size_t i = 0; i < names.size(); ++i) {
       alike = alike && (part.columns[i].type.untyped_null || StoresAlike(part.columns[i].type, result.columns[i].type));
@@ -440,7 +457,10 @@ Compiled Translator::CompileQuery(const Query& query) {
       live_variables_.insert(item.variable);
     }
     if (!assigned.empty() && assigned.size() != query.select->items.size()) {
-      throw SqlError(141, "A SELECT statement that assigns a value to a variable must not be combined with data-retrieval operations.", 15);
+      throw SqlError(
+          141,
+          "A SELECT statement that assigns a value to a variable must not be combined with data-retrieval operations.",
+          15);
     }
   }
   SelectOptions options;

@@ -79,9 +79,9 @@ class Translator {
     bool grouped = false;
     bool check_grouping = false;
     std::string clause = "select list";
-    std::set<std::string> group_columns;    // resolved SQL
+    std::set<std::string> group_columns;      // resolved SQL
     std::set<std::string> group_expressions;  // dumps
-    bool optional_view = false;             // a view on the inner side of an outer join
+    bool optional_view = false;               // a view on the inner side of an outer join
   };
   struct CommonTableColumns {
     std::string name;
@@ -91,8 +91,8 @@ class Translator {
     bool collate_items = false;
     /// Output names given from outside: t(a, b), WITH c(a, b).
     const std::vector<std::string>* names = nullptr;
-    bool named = false;   // every column needs a name of its own (derived tables, views)
-    std::string owner;    // for messages: the derived table's alias
+    bool named = false;  // every column needs a name of its own (derived tables, views)
+    std::string owner;   // for messages: the derived table's alias
     bool top_level = false;
   };
 
@@ -139,7 +139,8 @@ class Translator {
 
   // translate_query.cpp
   TranslatedQuery QueryText(const Query& query, const Scope* parent, const SelectOptions& options);
-  TranslatedQuery SelectText(const Query& query, const Select& select, const Scope* parent, const SelectOptions& options);
+  TranslatedQuery SelectText(const Query& query, const Select& select, const Scope* parent,
+                             const SelectOptions& options);
   TranslatedQuery RowsText(const Query& query, const Scope* parent, const SelectOptions& options);
   TranslatedQuery SetText(const Query& query, const Scope* parent, const SelectOptions& options);
   std::string With(const std::vector<CommonTable>& tables, const Scope* parent);
@@ -164,8 +165,7 @@ class Translator {
     bool joined = false;  // FROM names more than the target
   };
   Target ChangeTarget(const Statement& statement);
-  std::vector<std::pair<std::string, std::string>> Defaults(const CatalogObject& table,
-                                                            const std::vector<int>& given);
+  std::vector<std::pair<std::string, std::string>> Defaults(const CatalogObject& table, const std::vector<int>& given);
   std::string InsertHead(const CatalogObject& table, const std::vector<int>& positions,
                          const std::vector<std::pair<std::string, std::string>>& defaults);
   Compiled Finish(std::string sql);

@@ -111,9 +111,7 @@ int Precedence(const SqlType& type) {
   return 0;
 }
 
-SqlType MakeDecimal(int precision, int scale) {
-  return {FieldType::kDecimal, 0, precision, scale, false};
-}
+SqlType MakeDecimal(int precision, int scale) { return {FieldType::kDecimal, 0, precision, scale, false}; }
 
 /// Brings a computed precision and scale into 38 digits: places give way to digits before the point, but at least six
 /// places stay.
@@ -201,8 +199,10 @@ SqlType ResolveType(const TypeName& name, bool in_cast) {
     } else if (name.length == -2) {
       type.size = in_cast ? 30 : 1;
     } else if (name.length < 1 || name.length > most) {
-      throw SqlError(131, "The size (" + std::to_string(name.length) + ") given to the type '" + name.name +
-                              "' exceeds the maximum allowed for any data type (" + std::to_string(most) + ").", 15);
+      throw SqlError(131,
+                     "The size (" + std::to_string(name.length) + ") given to the type '" + name.name +
+                         "' exceeds the maximum allowed for any data type (" + std::to_string(most) + ").",
+                     15);
     } else {
       type.size = name.length;
     }

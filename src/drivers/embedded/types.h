@@ -37,13 +37,9 @@ struct SqlType {
   [[nodiscard]] bool is_float() const noexcept { return kind == FieldType::kFloat || kind == FieldType::kReal; }
   [[nodiscard]] bool is_number() const noexcept { return is_integer() || is_exact() || is_float(); }
   [[nodiscard]] bool is_date() const noexcept;
-  [[nodiscard]] bool is_binary() const noexcept {
-    return kind == FieldType::kBinary || kind == FieldType::kVarBinary;
-  }
+  [[nodiscard]] bool is_binary() const noexcept { return kind == FieldType::kBinary || kind == FieldType::kVarBinary; }
   /// Text of the national types: Unicode.
-  [[nodiscard]] bool is_national() const noexcept {
-    return kind == FieldType::kNChar || kind == FieldType::kNVarChar;
-  }
+  [[nodiscard]] bool is_national() const noexcept { return kind == FieldType::kNChar || kind == FieldType::kNVarChar; }
 
   friend bool operator==(const SqlType&, const SqlType&) = default;
 };

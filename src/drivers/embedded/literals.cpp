@@ -1,0 +1,104 @@
+#include "drivers/embedded/literals.h"
+
+namespace tessarlorn::embedded {
+namespace {
+
+class Finder {
+ public:
+  void Visit(const Statement& statement) {
+    Visit(statement.query);
+    VisitAll(statement.from);
+    VisitAll(statement.values);
+    VisitAll(statement.body);
+    VisitAll(statement.catch_body);
+    for (const CommonTable& table : statement.with) Visit(table.query);
+    for (const ExpressionPtr* expression :
+         {&statement.where, &statement.condition, &statement.value, &statement.text_expression}) {
+      Visit(*expression);
+    }
+    VisitShaping(statement.top);
+    for (const Assignment& assignment : statement.assignments) {
+      Visit(assignment.value);
+      if (assignment.is_compound) use.may_shape = true;
+    }
+    for (const VariableDeclaration& declaration : statement.declarations) Visit(declaration.initial);
+    for (const auto& [name, value] : statement.arguments) Visit(value);
+    if (statement.execute != nullptr) Visit(*statement.execute);
+  }
+
+  LiteralUse use;
+
+ private:
+  void Visit(const StatementPtr& statement) {
+    if (statement != nullptr) Visit(*statement);
+  }
+
+  template <typename Pointers>
+  void VisitAll(const Pointers& pointers) {
+    for (const auto& pointer : pointers) Visit(pointer);
+  }
+
+  void VisitShaping(const ExpressionPtr& expression) {
+    if (expression != nullptr && expression->kind == Expression::Kind::kLiteral) use.may_shape = true;
+    Visit(expression);
+  }
+
+  void Visit(const ExpressionPtr& pointer) {
+    if (pointer == nullptr) return;
+    const Expression& expression = *pointer;
+    if (expression.kind == Expression::Kind::kLiteral && expression.literal_index >= 0)
+      use.values.insert(expression.literal_index);
+    if (expression.kind == Expression::Kind::kBinary) {
+      for (const ExpressionPtr& operand : expression.operands) VisitShaping(operand);
+      return;
+    }
+    if (expression.kind == Expression::Kind::kConvert && expression.operands.size() > 1) use.may_shape = true;
+    VisitAll(expression.operands);
+    for (const CaseBranch& branch : expression.branches) {
+      Visit(branch.when);
+      Visit(branch.then);
+    }
+    Visit(expression.query);
+    if (expression.window == nullptr) return;
+    VisitAll(expression.window->partition);
+    for (const OrderItem& item : expression.window->order) Visit(item.expression);
+  }
+
+  void Visit(const QueryPtr& pointer) {
+    if (pointer == nullptr) return;
+    const Query& query = *pointer;
+    for (const CommonTable& table : query.with) Visit(table.query);
+    for (const auto& row : query.rows) VisitAll(row);
+    Visit(query.left);
+    Visit(query.right);
+    Visit(query.offset);
+    Visit(query.fetch);
+    for (const OrderItem& item : query.order_by) VisitShaping(item.expression);
+    if (query.select == nullptr) return;
+    const Select& select = *query.select;
+    VisitShaping(select.top);
+    for (const SelectItem& item : select.items) Visit(item.expression);
+    VisitAll(select.from);
+    Visit(select.where);
+    VisitAll(select.group_by);
+    Visit(select.having);
+  }
+
+  void Visit(const TableSourcePtr& pointer) {
+    if (pointer == nullptr) return;
+    Visit(pointer->query);
+    Visit(pointer->left);
+    Visit(pointer->right);
+    Visit(pointer->on);
+  }
+};
+
+}  // namespace
+
+LiteralUse FindLiterals(const Statement& statement) {
+  Finder finder;
+  finder.Visit(statement);
+  return std::move(finder.use);
+}
+
+}  // namespace tessarlorn::embedded

@@ -1,0 +1,169 @@
+// EXEC: stored procedures, texts, and sp_executesql.
+#include <algorithm>
+
+#include "drivers/embedded/session.h"
+#include "platform/text.h"
+
+namespace tessarlorn::embedded {
+namespace {
+
+constexpr int kMostCalls = 32;
+
+}  // namespace
+
+void Session::RunText(std::string_view text, Frame& frame) {
+  if (call_depth_ >= kMostCalls) {
+    throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
+  }
+  ++call_depth_;
+  try {
+    RunBatch(text, frame);
+  } catch (...) {
+    --call_depth_;
+    throw;
+  }
+  --call_depth_;
+}
+
+void Session::ExecuteProcedure(const Statement& statement, Scope& scope) {
+  if (statement.text_expression != nullptr) {
+    const Datum text = Evaluate(*statement.text_expression, NVarCharType(0), scope);
+    const std::string* sql = std::get_if<std::string>(&text);
+    Frame frame;
+    if (sql != nullptr) RunText(*sql, frame);
+    return;
+  }
+  if (EqualsIgnoreCase(statement.table.name, "sp_executesql")) {
+    ExecuteSql(statement, scope);
+    return;
+  }
+  const CatalogObjectPtr procedure = catalog_.Find(statement.table.name);
+  if (procedure == nullptr || procedure->kind != CatalogKind::kProcedure) {
+    throw SqlError(2812, "Could not find stored procedure '" + statement.table.name + "'.");
+  }
+  CallProcedure(*procedure, statement, scope);
+}
+
+void Session::CallProcedure(const CatalogObject& procedure, const Statement& call, Scope& scope) {
+  std::shared_ptr<Plan>& plan = procedures_[procedure.signature()];
+  if (plan == nullptr) {
+    Tokens tokens;
+    TokenizeBatch(procedure.definition, names_, tokens);
+    std::vector<StatementPtr> statements = ParseStatements(procedure.definition, tokens);
+    plan = std::make_shared<Plan>();
+    plan->statement = std::move(statements.at(0));
+  }
+  const std::shared_ptr<Plan> body = plan;
+  const Statement& definition = *body->statement;
+  Frame frame;
+  for (const Parameter& parameter : definition.parameters)
+    frame.Declare(parameter.name, ResolveType(parameter.type, false));
+  std::vector<std::pair<std::string, std::string>> outputs;  // parameter, caller's variable
+  std::vector<bool> given(definition.parameters.size(), false);
+  for (std::size_t i = 0; i < call.arguments.size(); ++i) {
+    const std::string& name = call.arguments[i].first;
+    const ExpressionPtr& value = call.arguments[i].second;
+    std::size_t position = i;
+    if (!name.empty()) {
+      const auto found =
+          std::find_if(definition.parameters.begin(), definition.parameters.end(),
+                       [&](const Parameter& parameter) { return EqualsIgnoreCase(parameter.name, name); });
+      position = static_cast<std::size_t>(found - definition.parameters.begin());
+    }
+    if (position >= definition.parameters.size()) {
+      if (name.empty())
+        throw SqlError(8144, "Procedure or function " + procedure.name + " has too many arguments specified.");
+      throw SqlError(8145, name + " is not a parameter for procedure " + procedure.name + ".");
+    }
+    Variable& parameter = frame.Get(definition.parameters[position].name);
+    given[position] = true;
+    if (value == nullptr) continue;
+    parameter.value = Evaluate(*value, parameter.type, scope);
+    if (call.argument_outputs[i] && value->kind == Expression::Kind::kVariable)
+      outputs.emplace_back(parameter.name, value->text);
+  }
+  Scope inner{&frame, body.get(), {}, {}, nullptr};
+  if (body->checked_generation != catalog_.generation()) Revalidate(*body, frame);
+  for (std::size_t i = 0; i < definition.parameters.size(); ++i) {
+    const Parameter& parameter = definition.parameters[i];
+    if (given[i]) continue;
+    if (parameter.default_value == nullptr) {
+      throw SqlError(201, "Procedure or function '" + procedure.name + "' expects parameter '" + parameter.name +
+                              "', which was not supplied.");
+    }
+    Variable& variable = frame.Get(parameter.name);
+    variable.value = Evaluate(*parameter.default_value, variable.type, inner);
+  }
+  for (const StatementPtr& statement : definition.body) Declare(*statement, frame);
+  if (call_depth_ >= kMostCalls) {
+    throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
+  }
+  struct Call {
+    Session& session;
+    Frame* frame;
+    std::vector<std::string> tables;
+    ~Call() {
+      --session.call_depth_;
+      session.runtime_.frame = frame;
+      try {
+        session.DropTemporaryTables(tables);
+      } catch (const SqlError&) {
+        // They go with the session.
+        return;
+      }
+    }
+  } call_guard{*this, runtime_.frame, catalog_.TemporaryTables()};
+  ++call_depth_;
+  runtime_.frame = &frame;
+  ExecuteBody(definition.body, inner);
+  for (const auto& [parameter, variable] : outputs) {
+    const Variable& from = frame.Get(parameter);
+    Variable& to = scope.frame->Get(variable);
+    to.value = Convert(from.value, from.type, to.type);
+  }
+  if (!call.result_variable.empty()) {
+    Variable& result = scope.frame->Get(call.result_variable);
+    result.value = Convert(std::int64_t{inner.return_value}, IntType(), result.type);
+  }
+}
+
+void Session::ExecuteSql(const Statement& call, Scope& scope) {
+  if (call.arguments.empty()) {
+    throw SqlError(214, "Procedure expects parameter '@statement' of type 'ntext/nchar/nvarchar'.");
+  }
+  const auto text_of = [&](std::size_t argument) {
+    const Datum value = Evaluate(*call.arguments[argument].second, NVarCharType(0), scope);
+    const auto* text = std::get_if<std::string>(&value);
+    return text == nullptr ? std::string() : *text;
+  };
+  const std::string text = text_of(0);
+  Frame frame;
+  std::vector<std::pair<std::string, std::string>> outputs;
+  if (call.arguments.size() > 1) {
+    const std::string declarations = ReplaceAll("DECLARE " + text_of(1), " OUTPUT", "");
+    Tokens tokens;
+    TokenizeBatch(declarations, names_, tokens);
+    const std::vector<StatementPtr> parsed = ParseStatements(declarations, tokens);
+    const std::vector<VariableDeclaration>& parameters = parsed.at(0)->declarations;
+    Declare(*parsed[0], frame);
+    for (std::size_t i = 2; i < call.arguments.size(); ++i) {
+      const auto& [name, value] = call.arguments[i];
+      if (name.empty() && i - 2 >= parameters.size()) {
+        throw SqlError(8144, "Procedure or function sp_executesql has too many arguments specified.");
+      }
+      Variable& parameter = frame.Get(name.empty() ? parameters[i - 2].name : LowerCase(name));
+      if (value == nullptr) continue;
+      parameter.value = Evaluate(*value, parameter.type, scope);
+      if (call.argument_outputs[i] && value->kind == Expression::Kind::kVariable)
+        outputs.emplace_back(parameter.name, value->text);
+    }
+  }
+  RunText(text, frame);
+  for (const auto& [parameter, variable] : outputs) {
+    const Variable& from = frame.Get(parameter);
+    Variable& to = scope.frame->Get(variable);
+    to.value = Convert(from.value, from.type, to.type);
+  }
+}
+
+}  // namespace tessarlorn::embedded

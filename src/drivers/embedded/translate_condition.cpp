@@ -1,0 +1,163 @@
+// Conditions: comparisons, IN, BETWEEN, LIKE, EXISTS, quantifiers, AND, OR, NOT.
+#include <array>
+
+#include "drivers/embedded/sql_error.h"
+#include "drivers/embedded/translator.h"
+
+namespace tessarlorn::embedded {
+namespace {
+
+constexpr std::array<std::string_view, 6> kCompareText = {" = ", " <> ", " < ", " <= ", " > ", " >= "};
+
+}  // namespace
+
+std::string Translator::Compare(CompareOp op, Typed a, Typed b) {
+  SqlType common = CommonType(a.type, b.type);
+  // An index serves only while the column's side stands as it is: constants are brought to the column's type where
+  // that loses nothing.
+  const auto prefer = [&](const Typed& column, const Typed& constant) {
+    if (constant.parameter < 0 || column.parameter >= 0 || constant.type.untyped_null) return false;
+    if (column.type.is_exact() && (constant.type.is_integer() || constant.type.is_exact()) &&
+        AsDecimal(constant.type).scale <= column.type.scale) {
+      common = column.type;
+      return true;
+    }
+    if (column.type.is_integer() && constant.type.is_exact() && constant.type.scale == 0) {
+      common = BigIntType();
+      return true;
+    }
+    return false;
+  };
+  if (!prefer(a, b)) prefer(b, a);
+  const std::string left = Coerce(a, common, Fit::kCompare);
+  const std::string right = Coerce(b, common, Fit::kCompare);
+  const std::string collation = common.is_text() ? " COLLATE TSQL" : "";
+  return "(" + left + collation + std::string(kCompareText[static_cast<std::size_t>(op)]) + right + ")";
+}
+
+std::string Translator::InList(const Expression& expression, Scope& scope) {
+  const std::string negation = expression.negated ? " NOT IN (" : " IN (";
+  Typed value = Value(*expression.operands[0], scope);
+  if (expression.kind == Expression::Kind::kInLiteralList) {
+    const SqlType item = expression.list_of_strings ? VarCharType(8000) : IntType();
+    SqlType common = expression.list_of_strings || value.type.is_text() ? CommonType(value.type, item) : value.type;
+    if (value.type.is_date() || value.type.is_float()) common = value.type;
+    if (value.type.is_text() && !expression.list_of_strings) common = BigIntType();
+    if (value.type.is_integer() && !expression.list_of_strings) common = BigIntType();
+    const std::string left = Coerce(value, common, Fit::kCompare);
+    BoundParameter list;
+    list.source = BoundParameter::Source::kList;
+    list.index = expression.list_index;
+    list.from = item;
+    list.to = common;
+    list.fit = Fit::kCompare;
+    parameters_.push_back(std::move(list));
+    return "(" + left + (common.is_text() ? " COLLATE TSQL" : "") + negation + "SELECT value FROM ts_list(?" +
+           std::to_string(parameters_.size()) + ")))";
+  }
+  std::vector<Typed> items;
+  SqlType common = value.type;
+  for (std::size_t i = 1; i < expression.operands.size(); ++i) {
+    items.push_back(Value(*expression.operands[i], scope));
+    common = CommonType(common, items.back().type);
+  }
+  if (items.size() == 1) {
+    const std::string sql = Compare(CompareOp::kEqual, std::move(value), std::move(items[0]));
+    return expression.negated ? "(NOT " + sql + ")" : sql;
+  }
+  std::string sql = "(" + Coerce(value, common, Fit::kCompare) + (common.is_text() ? " COLLATE TSQL" : "") + negation;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    sql += (i == 0 ? "" : ", ") + Coerce(items[i], common, Fit::kCompare);
+  }
+  return sql + "))";
+}
+
+std::string Translator::InQuery(const Expression& expression, Scope& scope) {
+  static const std::vector<std::string> kNames = {"c"};
+  Typed value = Value(*expression.operands[0], scope);
+  SelectOptions options;
+  options.names = &kNames;
+  const TranslatedQuery query = QueryText(*expression.query, &scope, options);
+  if (query.columns.size() != 1) {
+    throw SqlError(116,
+                   "Only one expression can be specified in the select list when the subquery is not introduced "
+                   "with EXISTS.");
+  }
+  const SqlType common = CommonType(value.type, query.columns[0].type);
+  const Typed column{"\"c\"", query.columns[0].type, true, -1};
+  const std::string converted = Coerce(column, common, Fit::kCompare);
+  const std::string rows = converted == column.sql ? query.sql : "SELECT " + converted + " FROM (" + query.sql + ")";
+  return "(" + Coerce(value, common, Fit::kCompare) + (common.is_text() ? " COLLATE TSQL" : "") +
+         (expression.negated ? " NOT IN (" : " IN (") + rows + "))";
+}
+
+std::string Translator::Quantified(const Expression& expression, Scope& scope) {
+  static const std::vector<std::string> kNames = {"c"};
+  SelectOptions options;
+  options.names = &kNames;
+  const TranslatedQuery query = QueryText(*expression.query, &scope, options);
+  if (query.columns.size() != 1)
+    throw SqlError(
+        116,
+        "Only one expression can be specified in the select list when the subquery is not introduced with EXISTS.");
+  const Typed column{"\"c\"", query.columns[0].type, true, -1};
+  const std::string holds = Compare(expression.compare, Value(*expression.operands[0], scope), column);
+  if (expression.quantifier == Quantifier::kAny)
+    return "EXISTS (SELECT 1 FROM (" + query.sql + ") WHERE " + holds + ")";
+  return "NOT EXISTS (SELECT 1 FROM (" + query.sql + ") WHERE (" + holds + ") IS NOT 1)";
+}
+
+std::string Translator::Condition(const Expression& expression, Scope& scope) {
+  switch (expression.kind) {
+    case Expression::Kind::kCompare:
+      return Compare(expression.compare, Value(*expression.operands[0], scope), Value(*expression.operands[1], scope));
+    case Expression::Kind::kAnd:
+    case Expression::Kind::kOr: {
+      const char* joint = expression.kind == Expression::Kind::kAnd ? " AND " : " OR ";
+      std::string sql = "(";
+      for (std::size_t i = 0; i < expression.operands.size(); ++i) {
+        if (i > 0) sql += joint;
+        sql += Condition(*expression.operands[i], scope);
+      }
+      return sql + ")";
+    }
+    case Expression::Kind::kNot:
+      return "(NOT " + Condition(*expression.operands[0], scope) + ")";
+    case Expression::Kind::kIsNull:
+      return "(" + Value(*expression.operands[0], scope).sql + (expression.negated ? " IS NOT NULL)" : " IS NULL)");
+    case Expression::Kind::kBetween: {
+      const std::string low = Compare(CompareOp::kGreaterEqual, Value(*expression.operands[0], scope),
+                                      Value(*expression.operands[1], scope));
+      const std::string high =
+          Compare(CompareOp::kLessEqual, Value(*expression.operands[0], scope), Value(*expression.operands[2], scope));
+      return std::string(expression.negated ? "(NOT " : "(") + "(" + low + " AND " + high + "))";
+    }
+    case Expression::Kind::kLike: {
+      std::string sql = "ts_like(" + TextArgument(*expression.operands[0], scope) + ", " +
+                        TextArgument(*expression.operands[1], scope);
+      if (expression.operands.size() > 2 && expression.operands[2] != nullptr) {
+        sql += ", " + TextArgument(*expression.operands[2], scope);
+      }
+      return (expression.negated ? "(NOT " : "(") + sql + "))";
+    }
+    case Expression::Kind::kInList:
+    case Expression::Kind::kInLiteralList:
+      return InList(expression, scope);
+    case Expression::Kind::kInQuery:
+      return InQuery(expression, scope);
+    case Expression::Kind::kExists: {
+      const TranslatedQuery query = QueryText(*expression.query, &scope, {});
+      return "EXISTS (" + query.sql + ")";
+    }
+    case Expression::Kind::kQuantified:
+      return Quantified(expression, scope);
+    default: {
+      SqlError error(4145, "An expression of non-boolean type specified in a context where a condition is expected.",
+                     15);
+      error.set_line(expression.line);
+      throw error;
+    }
+  }
+}
+
+}  // namespace tessarlorn::embedded

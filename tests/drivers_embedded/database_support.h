@@ -1,0 +1,44 @@
+// A fresh embedded database for a test, and its answers as text.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "drivers/embedded/embedded_driver.h"
+#include "platform/connection.h"
+#include "platform/error.h"
+
+namespace tessarlorn {
+
+inline std::unique_ptr<Connection> OpenEmbedded(const std::string& database = ":memory:") {
+  RegisterEmbeddedDriver();
+  // A name of its own for each database in memory: others of this process may still be open.
+  static int number = 0;
+  return OpenConnection("Embedded=" + (database == ":memory:" ? database + std::to_string(++number) : database));
+}
+
+/// "a|b;1|x;2|NULL": heads and rows.
+inline std::string TextOf(const RecordsetPtr& rows) {
+  if (rows == nullptr) return "";
+  std::string text;
+  for (std::size_t i = 0; i < rows->fields().size(); ++i) text += (i == 0 ? "" : "|") + rows->fields()[i].name;
+  for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) {
+    for (std::size_t i = 0; i < rows->fields().size(); ++i) {
+      const Variant value = rows->Get(i);
+      text += i == 0 ? ";" : "|";
+      text += value.is_null() ? "NULL" : value.holds<bool>() ? (value.ToBool() ? "1" : "0") : value.ToText();
+    }
+  }
+  return text;
+}
+
+/// The first result as text, or "error 208: …".
+inline std::string Answer(Connection& connection, std::string_view batch) {
+  try {
+    return TextOf(connection.Execute(batch));
+  } catch (const Error& error) {
+    return "error " + std::to_string(error.native().number) + ": " + error.description();
+  }
+}
+
+}  // namespace tessarlorn

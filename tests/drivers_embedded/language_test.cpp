@@ -1,0 +1,198 @@
+// What people type into filters and ad-hoc queries: each batch with the answer that SQL Server gives.
+#include <gtest/gtest.h>
+
+#include "drivers_embedded/database_support.h"
+
+namespace tessarlorn {
+namespace {
+
+struct Row {
+  const char* batch;
+  const char* answer;
+};
+
+constexpr const char* kTables = R"(
+create table o (FID int not null primary key, FName nvarchar(20), FDate datetime, FAmount decimal(14,4), FState int)
+insert o values (1,N'张三','2026-11-01 08:00:00',10.5,2),(2,'Bob','2026-11-02',20,6),(3,'bob ','2026-10-31 23:59:59.997',null,14)
+create table e (FEntryID int not null primary key, FID int, FQty decimal(14,4), FCode varchar(10))
+insert e values (11,1,1,'A1'),(12,1,2,'a1 '),(21,2,3,null)
+)";
+
+void Check(std::initializer_list<Row> rows) {
+  const auto connection = OpenEmbedded();
+  ASSERT_EQ(Answer(*connection, kTables), "");
+  for (const Row& row : rows) EXPECT_EQ(Answer(*connection, row.batch), row.answer) << row.batch;
+}
+
+TEST(Language, QueriesOfManyShapes) {
+  Check({
+      {"with a as (select FID, count(*) n from e group by FID), b as (select max(n) m from a) select a.FID from a join b on a.n = b.m",
+       "FID;1"},
+      {"with r(i) as (select 1 union all select i + 1 from r where i < 4) select sum(i) as s from r", "s;10"},
+      {"select FID, sum(FQty) over (partition by FID order by FEntryID) as q from e order by FEntryID",
+       "FID|q;1|1.0000;1|3.0000;2|3.0000"},
+      {"select FEntryID, lag(FEntryID, 1, 0) over (order by FEntryID) as b, rank() over (order by FID) as r from e order by 1",
+       "FEntryID|b|r;11|0|1;12|11|1;21|12|3"},
+      {"select FID from o except select FID from e", "FID;3"},
+      {"select 1 as a, 'x' as b union all select 2.5, N'货' order by a desc", "a|b;2.5|货;1.0|x"},
+      {"select top 1 FID from (select top 2 FID from o order by FID desc) t order by FID", "FID;2"},
+      {"select o.FID, t.n from o left join (select FID, count(*) as n from e group by FID) t on t.FID = o.FID order by 1",
+       "FID|n;1|2;2|1;3|NULL"},
+      {"select FID from o order by FID offset 1 rows fetch next 1 rows only", "FID;2"},
+      {"select v.a, v.b from (values (1,'x'),(2,null)) v(a,b) order by a", "a|b;1|x;2|NULL"},
+      {"select count(distinct FName) as n, min(FName) as m from o", "n|m;2|Bob"},
+      {"select FID from o where FID > all (select FID from e where FID < 2) and FID = any (select FID from o) order by 1",
+       "FID;2;3"},
+      {"select case when exists(select 1 from e where FID = o.FID) then 'y' else 'n' end as x from o order by FID",
+       "x;y;y;n"},
+      {"select o.FID, e.FEntryID from e right join o on e.FID = o.FID and e.FQty > 1 order by 1, 2",
+       "FID|FEntryID;1|12;2|21;3|NULL"},
+      {"select FState, avg(FAmount) as a from o group by FState having max(FID) < 3 order by FState",
+       "FState|a;2|10.500000;6|20.000000"},
+      {"select string_agg(FCode, ',') as s from e", "s;A1,a1 "},
+      {"select FID from o where FName in ('BOB', N'李四') and not (FID = 2)", "FID;3"},
+      {"select FEntryID from e where FCode = 'a1' and FEntryID between 11 and 12 order by FEntryID desc",
+       "FEntryID;12;11"},
+  });
+}
+
+TEST(Language, FunctionsOfTextNumberAndDate) {
+  Check({
+      {"select patindex('%[0-9]%', 'ab3c') as a, charindex(N'货', N'发货') as b, stuff(N'发货单', 2, 1, 'X') as c, quotename('a]b') as d",
+       "a|b|c|d;3|2|发X单|[a]]b]"},
+      {"select concat('a', null, 5, 1.50) as a, concat_ws('-', 'a', null, 'b') as b, len(N'货物 ') as c, datalength(N'货') as d, datalength('ab') as e",
+       "a|b|c|d|e;a51.50|a-b|2|2|2"},
+      {"select round(1234.5678, 2) as a, round(1250, -2) as b, round(2.567, 1, 1) as c, ceiling(-1.5) as d, power(2.5, 2) as e, abs(-5.25) as f",
+       "a|b|c|d|e|f;1234.5700|1300|2.500|-1|6.3|5.25"},
+      {"select 5 % 3 as a, -5 / 2 as b, 5.0 / 2 as c, 2 * 3.5 as d, 7 & 3 as e, 5 ^ 1 as f",
+       "a|b|c|d|e|f;2|-2|2.500000|7.0|3|4"},
+      {"select dateadd(day, -1, '2026-03-01') as a, datediff(week, '2026-11-01', '2026-11-08') as b, datename(month, '2026-11-03') as c, eomonth('2026-02-11') as d",
+       "a|b|c|d;2026-02-28 00:00:00|1|November|2026-02-28 00:00:00"},
+      {"select convert(varchar(30), cast('2026-11-03 14:05:06.007' as datetime), 121) as a, convert(varchar(20), cast('2026-11-03' as datetime)) as b",
+       "a|b;2026-11-03 14:05:06.007|Nov  3 2026 12:00AM"},
+      {"select isnumeric('1e5') as a, isdate('2026-02-30') as b, try_cast('x' as int) as c, try_convert(datetime, 'x') as d, iif(1 > 2, 'a', 'b') as e, choose(2, 'x', 'y') as f",
+       "a|b|c|d|e|f;1|0|NULL|NULL|b|y"},
+      {"select cast(1 as bit) as a, cast('2026-11-03' as date) as b, cast(123.456 as money) as c, convert(varchar(10), cast(12.345 as money)) as d, cast(1.0e10 as float) as e",
+       "a|b|c|d|e;1|2026-11-03 00:00:00|123.4560|12.35|10000000000"},
+      {"select FID from o where FDate >= '2026-11-01' and datepart(year, FDate) = 2026 order by FDate desc", "FID;2;1"},
+      {"select FDate + 1 as a, cast(FDate - '2026-11-01' as int) as b from o where FID = 2",
+       "a|b;2026-11-03 00:00:00|1"},
+      {"select replace('aXa', 'x', '-') as a, reverse(N'货a') as b, upper('äb') as c, left('abc', 2) + right('abc', 1) as d, str(3.14159, 6, 2) as e",
+       "a|b|c|d|e;a-a|a货|ÄB|abc|  3.14"},
+  });
+}
+
+TEST(Language, BatchesWithControlFlowAndTransactions) {
+  Check({
+      {"begin try insert o (FID) values (1) end try begin catch select error_number() as n, error_severity() as s end catch",
+       "n|s;2627|14"},
+      {"begin try raiserror('stock %s: %d', 16, 1, 'Main', 5) end try begin catch select error_message() as m end catch",
+       "m;stock Main: 5"},
+      {"begin try begin try select 1/0 end try begin catch throw end catch end try begin catch select error_number() as n end catch",
+       "n;8134"},
+      {"throw 51000, 'stop', 1 select 1 as a", "error 51000: stop"},
+      {"begin tran update o set FState = 0 save tran s delete o rollback tran s select count(*) as n, @@trancount as t from o rollback",
+       "n|t;3|1"},
+      {"select FState from o where FID = 1", "FState;2"},
+      {"begin tran create table fresh (a int) rollback select object_id('fresh') as i", "i;NULL"},
+      {"declare @i int = 0 while 1 = 1 begin set @i += 2 if @i > 6 break end select @i as i", "i;8"},
+      {"declare @s nvarchar(50) select @s = isnull(@s + ',', '') + FName from o order by FID select @s as s",
+       "s;张三,Bob,bob "},
+      {"update e set FQty += 1, FCode = 'n' where FID = 1 select @@rowcount as n", "n;2"},
+      {"update t set FQty = o.FID * 10 from e t join o on o.FID = t.FID where o.FID = 2 select FQty from e where FID = 2",
+       "FQty;20.0000"},
+      {"delete top (1) from e where FID = 1 select count(*) as n from e", "n;2"},
+      {"insert into e (FEntryID, FID) output inserted.FID values (1, 1)",
+       "error 40000: The OUTPUT clause is not supported by the embedded database."},
+      {"select 1 as a commit", "error 3902: The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."},
+      {"set xact_abort on begin tran update o set FState = 1 select 1/0",
+       "error 8134: Divide by zero error encountered."},
+      {"select @@trancount as t, min(FState) as s from o", "t|s;0|2"},
+  });
+}
+
+TEST(Language, ViewsAndProcedures) {
+  Check({
+      {"create view v as select FID, FName as n from o where FState <> 14", ""},
+      {"select n from v where FID = 2", "n;Bob"},
+      {"select o.FID from o left join v on v.FID = o.FID where v.n is null", "FID;3"},
+      {"select distinct o.FState from o left join v on v.FID = o.FID order by 1", "FState;2;6;14"},
+      {"alter view v (k) as select FID from o", ""},
+      {"select max(k) as m from v", "m;3"},
+      {"create procedure p @a int, @b nvarchar(10) = N'默认', @c int output as set @c = @a * 2 select @a as a, @b as b return 7",
+       ""},
+      {"declare @x int, @r int exec @r = p 5, @c = @x output", "a|b;5|默认"},
+      {"declare @x int, @r int create table #t (a int, b nvarchar(10)) insert #t exec @r = p 5, N'x', @x output select b, @x as x, @r as r from #t drop table #t",
+       "b|x|r;x|10|7"},
+      {"exec p", "error 201: Procedure or function 'p' expects parameter '@a', which was not supplied."},
+      {"exec sp_executesql N'select FID from o where FName = @n', N'@n nvarchar(20)', @n = N'张三'", "FID;1"},
+      {"exec('select count(*) as n from v')", "n;3"},
+      {"drop view v drop procedure p select count(*) as n from sys.objects where type in ('V', 'P')", "n;0"},
+  });
+}
+
+TEST(Language, ErrorsNameWhatIsWrong) {
+  Check({
+      {"select FNope from o", "error 207: Invalid column name 'FNope'."},
+      {"select x.FID from o", "error 4104: The multi-part identifier \"x.FID\" could not be bound."},
+      {"update o set FState = 9 select FNope from o", "error 207: Invalid column name 'FNope'."},
+      {"select max(FState) as s from o", "s;14"},
+      {"insert o (FID, FName) values (9, replicate('x', 21))",
+       "error 2628: String or binary data would be truncated in table 'dbo.o', column 'FName'. Truncated value: 'xxxxxxxxxxxxxxxxxxxxx'."},
+      {"insert o (FID, FName) values (9, 'exactly twenty chars')", ""},
+      {"update o set FID = null where FID = 9",
+       "error 515: Cannot insert the value NULL into column 'FID', table 'dbo.o'; column does not allow nulls. INSERT fails."},
+      {"select FID from o where FName = 5",
+       "error 245: Conversion failed when converting the nvarchar value '张三' to data type int."},
+      {"select cast('2026-13-01' as datetime) as d",
+       "error 241: Conversion failed when converting date and/or time from character string."},
+      {"select 2147483647 + FID from o",
+       "error 8115: Arithmetic overflow error converting expression to data type int."},
+      {"select 9223372036854775807 + FID as x from o where FID = 1", "x;9223372036854775808"},
+      {"select nothing(1)", "error 195: 'nothing' is not a recognized built-in function name."},
+      {"select FID from o for xml auto", "error 40000: FOR XML is not supported by the embedded database."},
+      {"set ansi_nulls off", "error 40000: SET ANSI_NULLS OFF is not supported by the embedded database."},
+      {"create table o (a int)", "error 2714: There is already an object named 'o' in the database."},
+      {"drop table gone",
+       "error 3701: Cannot drop the table 'gone', because it does not exist or you do not have permission."},
+      {"create table t (a int, a int)",
+       "error 2705: Column names in each table must be unique. Column name 'a' in table 't' is specified more than once."},
+      {"select * from o where FID in (select FID, FQty from e)",
+       "error 116: Only one expression can be specified in the select list when the subquery is not introduced with EXISTS."},
+  });
+}
+
+// A statement that was seen before is not read again; what differs must still count.
+TEST(Language, StatementsOfOneShapeKeepTheirOwnLiterals) {
+  Check({
+      {"select FID from o where FName = 'Bob' and FID < 3", "FID;2"},
+      {"select FID from o where FName = 'bob' and FID < 9", "FID;2;3"},
+      {"select FID from o where FName = 'O''Neil' and FID < 9", "FID"},
+      {"select FID from o where FName = N'张三' and FID < 9", "FID;1"},
+      {"select top 1 FID from o order by 1", "FID;1"},
+      {"select top 2 FID from o order by 1", "FID;1;2"},
+      {"select FID, FState from o order by 2 desc", "FID|FState;3|14;2|6;1|2"},
+      {"select FID, FState from o order by 1 desc", "FID|FState;3|14;2|6;1|2"},
+      {"select 1 as a, 1.0 / 3 as b", "a|b;1|0.333333"},
+      {"select 1 as a, 1.0 / 3000 as b", "a|b;1|0.000333"},
+      {"select 3000000000 as a, 1.0 / 3 as b", "a|b;3000000000|0.333333"},
+      {"select FID from o where FID in (1,2)", "FID;1;2"},
+      {"select FID from o where FID in (2,3,4,5)", "FID;2;3"},
+      {"select FID from o where FID in ('2','3')", "FID;2;3"},
+      {"update o set FAmount = 1.25 where FID = 1 update o set FAmount = 100 where FID = 2 select sum(FAmount) as s from o",
+       "s;101.2500"},
+      {"select cast('abcdef' as varchar(3)) as a", "a;abc"},
+      {"select cast('abcdef' as varchar(5)) as a", "a;abcde"},
+      {"declare @a varchar(9) set @a = cast('abcdef' as varchar(2)) set @a = @a + cast('abcdef' as varchar(4)) select @a as a",
+       "a;ababcd"},
+      {"insert e (FEntryID) select top 1 FID from o order by 1 insert e (FEntryID) select top 2 FID + 5 from o order by 1 select count(*) as n from e where FEntryID < 10",
+       "n;3"},
+      {"declare @v int = 5 select @v as v", "v;5"},
+      {"declare @v varchar(5) = 'x' select @v as v", "v;x"},
+      {"create table #t (a int) insert #t values (1) select a from #t drop table #t", "a;1"},
+      {"create table #t (a nvarchar(5)) insert #t values (1) select a + 'x' as a from #t drop table #t", "a;1x"},
+  });
+}
+
+}  // namespace
+}  // namespace tessarlorn

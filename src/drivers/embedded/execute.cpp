@@ -304,8 +304,10 @@ void Session::ExecuteInsertExecute(const Statement& statement, Scope& scope) {
     std::string sql = "INSERT INTO " + TableSql(*table) + " (";
     std::string values;
     for (std::size_t i = 0; i < columns.size(); ++i) {
-      sql += (i == 0 ? "" : ", ") + QuoteName(columns[i]->name);
-      values += (i == 0 ? "?" : ", ?") + std::to_string(i + 1);
+      sql += i == 0 ? "" : ", ";
+      sql += QuoteName(columns[i]->name);
+      values += i == 0 ? "?" : ", ?";
+      values += std::to_string(i + 1);
     }
     const StatementHandle insert = Prepare(database_.get(), sql + ") VALUES (" + values + ")", &runtime_);
     for (rows->MoveFirst(); !rows->eof(); rows->MoveNext(), ++inserted) {

@@ -295,7 +295,7 @@ std::vector<RecordsetPtr> Session::Run(std::string_view batch, bool first_only) 
 void Session::Reset() {
   cancelled_.store(false);
   if (depth_ > 0 || writing_) EndTransaction(false);
-  depth_ = 0;
+  catalog_.Refresh();
   DropTemporaryTables();
   identity_insert_.clear();
   identity_.reset();

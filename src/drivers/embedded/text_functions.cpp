@@ -51,7 +51,7 @@ void DataLength(sqlite3_context* context, Runtime&, Arguments arguments) {
   const SqlType type = UnpackType(sqlite3_value_int64(arguments[1]));
   std::int64_t bytes = 8;
   if (type.is_text()) {
-    bytes = TextLength(TextOf(arguments[0]), type.is_national()) * (type.is_national() ? 2 : 1);
+    bytes = std::int64_t{TextLength(TextOf(arguments[0]), type.is_national())} * (type.is_national() ? 2 : 1);
   } else if (type.is_binary()) {
     bytes = sqlite3_value_bytes(arguments[0]);
   } else if (type.kind == FieldType::kInt || type.kind == FieldType::kReal) {

@@ -11,7 +11,7 @@ constexpr std::array<std::string_view, 6> kCompareText = {" = ", " <> ", " < ", 
 
 }  // namespace
 
-std::string Translator::Compare(CompareOp op, Typed a, Typed b) {
+std::string Translator::Compare(CompareOp op, const Typed& a, const Typed& b) {
   SqlType common = CommonType(a.type, b.type);
   // An index serves only while the column's side stands as it is: constants are brought to the column's type where
   // that loses nothing.
@@ -62,7 +62,7 @@ std::string Translator::InList(const Expression& expression, Scope& scope) {
     common = CommonType(common, items.back().type);
   }
   if (items.size() == 1) {
-    const std::string sql = Compare(CompareOp::kEqual, std::move(value), std::move(items[0]));
+    const std::string sql = Compare(CompareOp::kEqual, value, items[0]);
     return expression.negated ? "(NOT " + sql + ")" : sql;
   }
   std::string sql = "(" + Coerce(value, common, Fit::kCompare) + (common.is_text() ? " COLLATE TSQL" : "") + negation;

@@ -252,7 +252,7 @@ Typed Translator::ConditionalFunction(const Expression& expression, Scope& scope
   if (name == "isnull") {
     RequireArguments(expression, 2, 2);
     const Typed value = Value(*expression.operands[0], scope);
-    const Typed instead = Value(*expression.operands[1], scope);
+    Typed instead = Value(*expression.operands[1], scope);
     if (value.type.untyped_null) return instead;
     return {"ifnull(" + value.sql + ", " + Coerce(instead, value.type) + ")", value.type, instead.nullable, -1};
   }

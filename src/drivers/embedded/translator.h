@@ -110,7 +110,7 @@ class Translator {
   Typed Case(const Expression& expression, Scope& scope);
   Typed Cast(const Expression& expression, Scope& scope);
   Typed ScalarSubquery(const Expression& expression, Scope& scope);
-  std::string Compare(CompareOp op, Typed a, Typed b);
+  std::string Compare(CompareOp op, const Typed& a, const Typed& b);
   std::string InList(const Expression& expression, Scope& scope);
   std::string InQuery(const Expression& expression, Scope& scope);
   std::string Quantified(const Expression& expression, Scope& scope);

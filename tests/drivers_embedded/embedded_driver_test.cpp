@@ -1,0 +1,132 @@
+// Opening embedded databases, files that are none, full disks, and connections as good as new.
+#include <csignal>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include "drivers_embedded/database_support.h"
+#include "drivers_embedded/file_support.h"
+
+namespace tessarlorn {
+namespace {
+
+using testing::HasSubstr;
+
+std::string OpenError(const std::string& text) {
+  RegisterEmbeddedDriver();
+  try {
+    OpenConnection(text)->Execute("select 1 as a");
+    return "none";
+  } catch (const Error& error) {
+    return error.description();
+  }
+}
+
+TEST(EmbeddedDriver, NamesWhatIsWrongWithTheConnectionString) {
+  const TemporaryFolder folder;
+  EXPECT_THAT(OpenError("Embedded="), HasSubstr("names no file"));
+  EXPECT_THAT(OpenError("Embedded=x.db;Timeout=soon"), HasSubstr("Timeout in the connection string is 'soon'"));
+  EXPECT_THAT(OpenError("Embedded=x.db;Timeout=99999"), HasSubstr("0 to 3600"));
+  EXPECT_THAT(OpenError("Embedded=x.db;Synchronous=No"), HasSubstr("Full or Normal"));
+  EXPECT_THAT(OpenError("Embedded=x.db;Colour=red"), HasSubstr("'Colour'"));
+  EXPECT_THAT(OpenError("Embedded=" + folder.file("gone/x.db")), HasSubstr("gone' does not exist"));
+  EXPECT_THAT(OpenError("Embedded=" + folder.file("")), HasSubstr("is a folder"));
+}
+
+TEST(EmbeddedDriver, SaysThatAFileIsNoDatabaseOrDamaged) {
+  const TemporaryFolder folder;
+  const std::string text = folder.file("text.db");
+  std::ofstream(text) << std::string(5000, 'x');
+  EXPECT_THAT(OpenError("Embedded=" + text), HasSubstr("is damaged or is no database"));
+
+  const std::string file = folder.file("damaged.db");
+  {
+    const auto connection = OpenEmbedded(file);
+    connection->Execute("create table n (FID int not null primary key, FText nvarchar(200))");
+    connection->Execute(
+        "declare @i int = 0 while @i < 500 begin set @i += 1 insert n values (@i, replicate('x', 150)) end");
+  }
+  {
+    std::fstream pages(file, std::ios::in | std::ios::out | std::ios::binary);
+    pages.seekp(8192);
+    const std::string noise(40000, '\x5a');
+    pages.write(noise.data(), static_cast<std::streamsize>(noise.size()));
+  }
+  EXPECT_THAT(OpenError("Embedded=" + file + ";Timeout=1"), testing::AnyOf("none", HasSubstr("damaged")));
+  const auto connection = OpenEmbedded(file);
+  EXPECT_THAT(Answer(*connection, "select count(FText) as n from n where FText like '%y%'"), HasSubstr("error 824"));
+}
+
+TEST(EmbeddedDriver, AFullDiskIsAnErrorThatLosesNothing) {
+  const TemporaryFolder folder;
+  const auto connection = OpenEmbedded(folder.file("full.db"));
+  connection->Execute("create table n (FText nvarchar(4000)) insert n values ('kept')");
+  // The limit on a file's size stands for the disk: writing beyond it fails as a write to a full disk does.
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  rlimit small = before;
+  small.rlim_cur = 300000;
+  setrlimit(RLIMIT_FSIZE, &small);
+  const std::string answer = Answer(
+      *connection, "declare @i int = 0 while @i < 2000 begin set @i += 1 insert n values (replicate('x', 4000)) end");
+  setrlimit(RLIMIT_FSIZE, &before);
+  EXPECT_THAT(answer, testing::AnyOf(HasSubstr("error 1105"), HasSubstr("error 823")));
+  EXPECT_EQ(Answer(*connection, "select FText from n where FText not like 'xx%'"), "FText;kept");
+  EXPECT_EQ(Answer(*connection, "insert n values ('goes on') select count(*) as n from n where FText = 'goes on'"),
+            "n;1");
+}
+
+TEST(EmbeddedDriver, ResetMakesAConnectionAsGoodAsNew) {
+  const auto connection = OpenEmbedded();
+  connection->Execute("create table n (FID int identity(1,1) primary key, FValue int)");
+  connection->BeginTransaction();
+  connection->Execute(
+      "insert n (FValue) values (1) create table #t (a int) set xact_abort on set identity_insert n on");
+  ASSERT_TRUE(connection->Reset());
+  EXPECT_EQ(Answer(*connection, "select count(*) as n, @@trancount as t from n"), "n|t;0|0");
+  EXPECT_THAT(Answer(*connection, "select * from #t"), HasSubstr("error 208"));
+  EXPECT_THAT(Answer(*connection, "insert n (FID, FValue) values (5, 1)"), HasSubstr("error 544"));
+}
+
+TEST(EmbeddedDriver, ADatabaseInMemoryIsSharedByName) {
+  RegisterEmbeddedDriver();
+  const auto one = OpenConnection("Embedded=:memory:shared");
+  one->Execute("create table n (FValue int) insert n values (7)");
+  EXPECT_EQ(Answer(*OpenConnection("Embedded=:memory:shared"), "select FValue from n"), "FValue;7");
+  EXPECT_THAT(Answer(*OpenConnection("Embedded=:memory:other"), "select FValue from n"), HasSubstr("error 208"));
+}
+
+TEST(EmbeddedDriver, AnotherConnectionsDefinitionsAreSeen) {
+  const TemporaryFolder folder;
+  const auto one = OpenEmbedded(folder.file("shared.db"));
+  const auto two = OpenEmbedded(folder.file("shared.db"));
+  EXPECT_THAT(Answer(*two, "select * from n"), HasSubstr("error 208"));
+  one->Execute("create table n (a int) insert n values (1)");
+  EXPECT_EQ(Answer(*two, "select * from n"), "a;1");
+  one->Execute("alter table n add b nvarchar(10) not null default 'x'");
+  EXPECT_EQ(Answer(*two, "select * from n"), "a|b;1|x");
+  one->Execute("create view v as select b from n");
+  EXPECT_EQ(Answer(*two, "select * from v"), "b;x");
+}
+
+TEST(EmbeddedDriver, ResultsCarryTheTypesOfTheServer) {
+  const auto connection = OpenEmbedded();
+  const RecordsetPtr rows = connection->Execute(
+      "select cast(1 as bit) as a, cast(20261103000000000000001 as decimal(23,0)) as b, cast(1.5 as decimal(10,4)) as c, "
+      "cast('2026-11-03 10:00' as datetime) as d, N'货' as e, cast(5 as smallint) as f, cast(null as int) as g, 1.5e0 as h");
+  const std::vector<FieldType> wanted = {FieldType::kBit,      FieldType::kDecimal,  FieldType::kDecimal,
+                                         FieldType::kDateTime, FieldType::kNVarChar, FieldType::kSmallInt,
+                                         FieldType::kInt,      FieldType::kFloat};
+  for (std::size_t i = 0; i < wanted.size(); ++i) EXPECT_EQ(rows->fields()[i].type, wanted[i]) << i;
+  EXPECT_TRUE(rows->Get(0).holds<bool>());
+  EXPECT_EQ(rows->Get("B").ToText(), "20261103000000000000001");
+  EXPECT_EQ(rows->Get("c").ToText(), "1.5000");
+  EXPECT_TRUE(rows->Get("d").holds<DateTime>());
+  EXPECT_TRUE(rows->Get("f").holds<std::int16_t>());
+  EXPECT_TRUE(rows->Get("g").is_null());
+}
+
+}  // namespace
+}  // namespace tessarlorn

@@ -33,10 +33,11 @@ function(tessarlorn_library name)
   tessarlorn_install_library(tessarlorn_${name} ${ARGN})
 endfunction()
 
-# tessarlorn_executable(<name> <source>...): an executable with the whole component and every driver there is.
+# tessarlorn_executable(<name> <source>...): an executable with the whole component, every driver there is, the schema
+# and the sample data.
 function(tessarlorn_executable name)
   add_executable(${name} ${ARGN})
-  foreach(library IN ITEMS component embedded)
+  foreach(library IN ITEMS component embedded schema samples)
     if(TARGET tessarlorn::${library})
       target_link_libraries(${name} PRIVATE tessarlorn::${library})
     endif()

@@ -1,0 +1,131 @@
+-- Indexes for a million orders. Keys alone serve every join of the order list; these serve its filters and its order,
+-- the search by what stands on a parcel, and the jobs that look for what is left to do.
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_OrderDate' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_OrderDate ON IC_Web2ERPOrders (FOrderDate);
+GO
+
+-- The order of the order list.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_PayDate' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_PayDate ON IC_Web2ERPOrders (FSitePayDate, FOrderID);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_Status' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_Status ON IC_Web2ERPOrders (FOrderStatus, FSitePayDate);
+GO
+
+-- One shop, and the shops that a user may see.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_WebShop' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_WebShop ON IC_Web2ERPOrders (FWebshopID, FSitePayDate);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_Carrier' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_Carrier ON IC_Web2ERPOrders (FLogisticsID);
+GO
+
+-- The scanner's searches: waybill or unique code.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_Waybill' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_Waybill ON IC_Web2ERPOrders (FLogisticsOrder);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_UniqueCode' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_UniqueCode ON IC_Web2ERPOrders (FUniqueCode);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_OrderID' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_OrderID ON IC_Web2ERPOrders (FOrderID);
+GO
+
+-- Closed and manual orders that are not marked as uploaded yet.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_Upload' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_Upload ON IC_Web2ERPOrders (FUpLoadStatus, FTransactionStatus, FOrderType);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrdersEntry_Order' AND object_id = OBJECT_ID('IC_Web2ERPOrdersEntry'))
+CREATE INDEX IX_Web2ERPOrdersEntry_Order ON IC_Web2ERPOrdersEntry (FID, FIndex);
+GO
+
+-- Lines of one web-shop order that was split.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrdersEntry_SiteOrder' AND object_id = OBJECT_ID('IC_Web2ERPOrdersEntry'))
+CREATE INDEX IX_Web2ERPOrdersEntry_SiteOrder ON IC_Web2ERPOrdersEntry (FSiteOrderID);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrdersEntry_Upload' AND object_id = OBJECT_ID('IC_Web2ERPOrdersEntry'))
+CREATE INDEX IX_Web2ERPOrdersEntry_Upload ON IC_Web2ERPOrdersEntry (FUpLoadStatus, FID);
+GO
+
+-- The list of locked orders.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrdersEx_Lock' AND object_id = OBJECT_ID('IC_Web2ERPOrdersEx'))
+CREATE INDEX IX_Web2ERPOrdersEx_Lock ON IC_Web2ERPOrdersEx (FIsLock, FLockStatus);
+GO
+
+-- The last lot number of a month.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrdersEx_Lot' AND object_id = OBJECT_ID('IC_Web2ERPOrdersEx'))
+CREATE INDEX IX_Web2ERPOrdersEx_Lot ON IC_Web2ERPOrdersEx (FLotNumber);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_StockBillOrdersStatus_Status' AND object_id = OBJECT_ID('IC_StockBillOrdersStatus'))
+CREATE INDEX IX_StockBillOrdersStatus_Status ON IC_StockBillOrdersStatus (FStockBillStatus);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_WebOrder_OID' AND object_id = OBJECT_ID('IC_WebOrder'))
+CREATE INDEX IX_WebOrder_OID ON IC_WebOrder (FOID);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_TradeLog_Order' AND object_id = OBJECT_ID('IC_TradeLog'))
+CREATE INDEX IX_TradeLog_Order ON IC_TradeLog (FOrderFID);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_TradeFieldLog_Order' AND object_id = OBJECT_ID('IC_TradeFieldLog'))
+CREATE INDEX IX_TradeFieldLog_Order ON IC_TradeFieldLog (FOrderFID);
+GO
+
+-- Most switches are read without their category.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_SystemProfile_Key' AND object_id = OBJECT_ID('t_SystemProfile'))
+CREATE INDEX IX_SystemProfile_Key ON t_SystemProfile (FKey);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_SubMessage_Type' AND object_id = OBJECT_ID('t_SubMessage'))
+CREATE INDEX IX_SubMessage_Type ON t_SubMessage (FTypeID);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_ICItem_Number' AND object_id = OBJECT_ID('t_ICItem'))
+CREATE INDEX IX_ICItem_Number ON t_ICItem (FNumber);
+GO
+
+-- Pickers are joined by their code; two with one code would double an order.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Emp_Number' AND object_id = OBJECT_ID('t_Emp'))
+CREATE UNIQUE INDEX IX_Emp_Number ON t_Emp (FNumber);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_WebshopToStorage_WebShop' AND object_id = OBJECT_ID('IC_WebshopToStorage'))
+CREATE UNIQUE INDEX IX_WebshopToStorage_WebShop ON IC_WebshopToStorage (FWebShopID);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Area_Parent' AND object_id = OBJECT_ID('IC_Area'))
+CREATE INDEX IX_Area_Parent ON IC_Area (FParentID);
+GO

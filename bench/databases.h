@@ -1,0 +1,38 @@
+// The sample databases of the benchmarks, and SQLite's own view of them.
+#pragma once
+
+#include <memory>
+#include <sqlite3.h>
+#include <string>
+
+namespace tessarlorn::bench {
+
+/// Where the databases are kept; made when it is not there.
+void SetDataFolder(const std::string& folder);
+
+/// A file with the schema and that many orders, made on first use. Only for reading.
+std::string SampleFile(int orders);
+/// A copy of it for a benchmark that writes.
+std::string SampleCopy(int orders, const std::string& name);
+/// The session string of the administrator for a file; `options` as ";Synchronous=Normal".
+std::string Dsn(const std::string& file, const std::string& options = {});
+/// "1,2,3,…", the first keys of the sample orders.
+std::string KeyList(int count);
+
+struct CloseSqlite {
+  void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
+};
+struct FinalizeSqlite {
+  void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+using Sqlite = std::unique_ptr<sqlite3, CloseSqlite>;
+using SqliteStatement = std::unique_ptr<sqlite3_stmt, FinalizeSqlite>;
+
+/// Opens a file with SQLite alone; the collation of the text columns compares ASCII letters without case.
+Sqlite OpenSqlite(const std::string& file);
+SqliteStatement PrepareSqlite(sqlite3* database, const std::string& sql);
+void RunSqlite(sqlite3* database, const std::string& sql);
+/// Steps to the end, reading every column of every row. Answers the number of rows.
+int ReadAll(sqlite3_stmt* statement);
+
+}  // namespace tessarlorn::bench

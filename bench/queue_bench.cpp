@@ -1,0 +1,66 @@
+// UpdateDeliveryData against the same upserts prepared in SQLite; Delivery with short and long key lists.
+#include "bench/databases.h"
+#include "bench/ratios.h"
+#include "frame/clsSaveData.h"
+
+namespace tessarlorn::bench {
+namespace {
+
+constexpr int kOrders = 10000;
+
+void QueueOurs(benchmark::State& state) {
+  const std::string dsn = Dsn(SampleCopy(kOrders, "queue-ours"));
+  const std::string keys = KeyList(kOrders);
+  clsSaveData service;
+  for (auto _ : state) {
+    ContainerTransaction transaction;
+    service.UpdateDeliveryData(dsn, keys);
+    transaction.Commit();
+  }
+}
+
+void QueueAgainst(benchmark::State& state) {
+  const Sqlite database = OpenSqlite(SampleCopy(kOrders, "queue-against"));
+  const SqliteStatement find = PrepareSqlite(database.get(), "SELECT 1 FROM IC_StockBillOrdersStatus WHERE FID = ?1");
+  const SqliteStatement update =
+      PrepareSqlite(database.get(),
+                    "UPDATE IC_StockBillOrdersStatus SET FStockBillResult = ?2, FStockBillStatus = ?3 WHERE FID = ?1");
+  const SqliteStatement insert = PrepareSqlite(
+      database.get(), "INSERT INTO IC_StockBillOrdersStatus(FID,FStockBillStatus,FStockBillResult) VALUES (?1,?3,?2)");
+  for (auto _ : state) {
+    RunSqlite(database.get(), "BEGIN IMMEDIATE");
+    for (int key = 1; key <= kOrders; ++key) {
+      sqlite3_bind_int(find.get(), 1, key);
+      sqlite3_stmt* change = sqlite3_step(find.get()) == SQLITE_ROW ? update.get() : insert.get();
+      sqlite3_reset(find.get());
+      sqlite3_bind_int(change, 1, key);
+      sqlite3_bind_text(change, 2, "", 0, SQLITE_STATIC);
+      sqlite3_bind_int(change, 3, 1);
+      sqlite3_step(change);
+      sqlite3_reset(change);
+    }
+    RunSqlite(database.get(), "COMMIT");
+  }
+}
+
+/// 100,000 orders in lists of `count`, so that the two lengths can be set against each other.
+void Deliver(benchmark::State& state, int count) {
+  const std::string dsn = Dsn(SampleCopy(100000, "deliver-" + std::to_string(count)), ";Synchronous=Normal");
+  const Dictionary parameters{{"sDSN", dsn}, {"FID", KeyList(count)}};
+  clsSaveData service;
+  for (auto _ : state) {
+    for (int i = 0; i < 100000 / count; ++i) service.Delivery(&parameters);
+  }
+}
+
+void DeliverLong(benchmark::State& state) { Deliver(state, 100000); }
+void DeliverShort(benchmark::State& state) { Deliver(state, 1000); }
+
+}  // namespace
+
+void AddQueueBenchmarks() {
+  AddRatio("UpdateDeliveryData, 10,000 orders : prepared upserts", "<= 2.5 x", QueueOurs, QueueAgainst);
+  AddRatio("Delivery of 100,000 orders, one list : a hundred lists of 1,000", "<= 1 x", DeliverLong, DeliverShort);
+}
+
+}  // namespace tessarlorn::bench

@@ -1,0 +1,18 @@
+// Lists the orders of an embedded database that wait for picking: the component as a C++ library.
+#include <iostream>
+
+#include "drivers/embedded/embedded_driver.h"
+#include "frame/clsGetData.h"
+#include "platform/error.h"
+#include "siblings/siblings.h"
+
+int main(int argc, char** argv) try {
+  tessarlorn::RegisterEmbeddedDriver();
+  tessarlorn::RegisterDefaultSiblings();
+  const tessarlorn::Dictionary filter{{"FOrderStatus", 2}, {"WebOrderMaxDisplayCount", 5}};
+  const tessarlorn::RecordsetPtr orders = tessarlorn::clsGetData().GetListData(argc > 1 ? argv[1] : "", &filter);
+  for (; orders != nullptr && !orders->eof(); orders->MoveNext()) std::cout << orders->Get("FOrderID").ToText() << '\n';
+} catch (const tessarlorn::Error& error) {
+  std::cerr << error.source() << ": " << error.description() << '\n';
+  return 1;
+}

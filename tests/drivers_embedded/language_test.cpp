@@ -51,6 +51,8 @@ TEST(Language, QueriesOfManyShapes) {
        "FState|a;2|10.500000;6|20.000000"},
       {"select string_agg(FCode, ',') as s from e", "s;A1,a1 "},
       {"select FID from o where FName in ('BOB', N'李四') and not (FID = 2)", "FID;3"},
+      {"create table #k (k int) insert #k values (2),(2),(null),(7) select FID from o where exists(select 1 from #k where k=o.FID) drop table #k",
+       "FID;2"},
       {"select FEntryID from e where FCode = 'a1' and FEntryID between 11 and 12 order by FEntryID desc",
        "FEntryID;12;11"},
   });

@@ -246,6 +246,46 @@ std::string Translator::Limit(const Query& query, const Select* select, Scope& s
   return " LIMIT " + fetch + " OFFSET " + offset;
 }
 
+std::string Translator::KeyListCondition(const Expression& condition, Scope& scope) {
+  std::string sql;
+  if (condition.kind == Expression::Kind::kAnd) {
+    for (const ExpressionPtr& part : condition.operands) sql += KeyListCondition(*part, scope);
+    return sql;
+  }
+  const Select* keys = condition.kind == Expression::Kind::kExists ? condition.query->select.get() : nullptr;
+  if (keys == nullptr || keys->where == nullptr || keys->from.size() != 1 || keys->top != nullptr ||
+      keys->from[0]->kind != TableSource::Kind::kTable || !keys->from[0]->table.temporary()) {
+    return sql;
+  }
+  const TableSource& source = *keys->from[0];
+  const CatalogObjectPtr table = Lookup(source.table);
+  const std::string& alias = source.alias.empty() ? source.table.name : source.alias;
+  const auto own_column = [&](const Expression& expression) {
+    if (expression.kind != Expression::Kind::kColumn) return -1;
+    const bool qualified = expression.parts.size() > 1;
+    if (qualified && !EqualsIgnoreCase(expression.parts[expression.parts.size() - 2], alias)) return -1;
+    return table->FindColumn(expression.parts.back());
+  };
+  const auto add = [&](const Expression& part) {
+    if (part.kind != Expression::Kind::kCompare || part.compare != CompareOp::kEqual) return;
+    for (std::size_t side = 0; side < 2; ++side) {
+      const Expression& outer = *part.operands[1 - side];
+      const int key = own_column(*part.operands[side]);
+      if (key < 0 || outer.kind != Expression::Kind::kColumn || own_column(outer) >= 0) continue;
+      const Column& column = table->columns[static_cast<std::size_t>(key)];
+      const Typed value = Value(outer, scope);
+      if (!StoresAlike(value.type, column.type) || value.type.is_text()) continue;
+      sql += " AND " + value.sql + " IN (SELECT " + QuoteName(column.name) + " FROM " + TableSql(*table) + ")";
+    }
+  };
+  if (keys->where->kind == Expression::Kind::kAnd) {
+    for (const ExpressionPtr& part : keys->where->operands) add(*part);
+  } else {
+    add(*keys->where);
+  }
+  return sql;
+}
+
 TranslatedQuery Translator::SelectText(const Query& query, const Select& select, const Scope* parent,
                                        const SelectOptions& options) {
   Scope scope;
@@ -253,7 +293,10 @@ TranslatedQuery Translator::SelectText(const Query& query, const Select& select,
   TranslatedQuery result;
   const std::string from = From(select.from, scope);
   std::string where;
-  if (select.where != nullptr) where = " WHERE " + Condition(*select.where, scope);
+  if (select.where != nullptr) {
+    where = " WHERE " + Condition(*select.where, scope);
+    where += KeyListCondition(*select.where, scope);
+  }
   std::string group;
   const int outer_depth = aggregate_depth_;
   aggregate_depth_ = 0;

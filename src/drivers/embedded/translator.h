@@ -152,6 +152,9 @@ class Translator {
                       const std::vector<ResultColumn>& columns);
   std::string Limit(const Query& query, const Select* select, Scope& scope);
   void GroupBy(const Select& select, Scope& scope, std::string& sql);
+  /// For `EXISTS (SELECT … FROM #keys WHERE key = outer.column …)`: the condition that the column is among the keys, ""
+  /// for anything else. It follows from the EXISTS, and lets SQLite start from the keys instead of trying every row.
+  std::string KeyListCondition(const Expression& condition, Scope& scope);
   void ExpandStar(const Expression& star, const Scope& scope, std::vector<Typed>& values,
                   std::vector<ResultColumn>& columns);
   void CheckNames(const std::vector<ResultColumn>& columns, const std::string& owner);

@@ -15,6 +15,28 @@ StatementObserver& Observer() {
   return observer;
 }
 
+std::atomic<Connection*>*& RunningSlot() {
+  thread_local std::atomic<Connection*>* slot = nullptr;
+  return slot;
+}
+
+/// Shows the connection in the thread's slot while a batch runs.
+class Running {
+ public:
+  explicit Running(Connection* connection) : slot_(RunningSlot()) {
+    if (slot_ != nullptr) previous_ = slot_->exchange(connection);
+  }
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+  ~Running() {
+    if (slot_ != nullptr) slot_->store(previous_);
+  }
+
+ private:
+  std::atomic<Connection*>* slot_;
+  Connection* previous_ = nullptr;
+};
+
 struct DriverRegistry {
   std::mutex mutex;
   std::map<std::string, std::shared_ptr<Driver>> drivers;
@@ -29,14 +51,18 @@ DriverRegistry& TheDrivers() {
 
 void SetStatementObserver(StatementObserver observer) { Observer() = std::move(observer); }
 
+void ShowRunningConnection(std::atomic<Connection*>* slot) { RunningSlot() = slot; }
+
 RecordsetPtr Connection::Execute(std::string_view text) {
   if (Observer()) Observer()(text);
+  const Running running(this);
   std::vector<RecordsetPtr> results = Run(text, true);
   return results.empty() ? nullptr : std::move(results.front());
 }
 
 std::vector<RecordsetPtr> Connection::ExecuteAll(std::string_view text) {
   if (Observer()) Observer()(text);
+  const Running running(this);
   return Run(text, false);
 }
 

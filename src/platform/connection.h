@@ -1,6 +1,7 @@
 // What a database driver supplies: a connection that runs batches of Transact-SQL, and the driver that opens it.
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
@@ -50,6 +51,10 @@ class Connection {
 /// before the first connection is used. An empty function ends it.
 using StatementObserver = std::function<void(std::string_view)>;
 void SetStatementObserver(StatementObserver observer);
+
+/// From now on `slot` holds the connection that is running a batch on the calling thread, nullptr between batches, so
+/// that a signal handler of this thread can cancel it. The slot must outlive the thread's batches; nullptr ends it.
+void ShowRunningConnection(std::atomic<Connection*>* slot);
 
 /// Opens connections for the database strings that begin with one of its prefixes. Used by several threads at once.
 class Driver {

@@ -1,0 +1,180 @@
+#include "cli/command.h"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <iostream>
+
+#include "cli/commands.h"
+#include "cli/display_width.h"
+#include "cli/interrupt.h"
+#include "cli/usage_error.h"
+#include "drivers/embedded/embedded_driver.h"
+#include "platform/error.h"
+#include "platform/version.h"
+#include "siblings/siblings.h"
+
+namespace tessarlorn::cli {
+namespace {
+
+constexpr const char* kFooter = R"(Connection strings:
+  Embedded=orders.db                    an embedded database file, made when it is not there
+  Connect={Embedded=orders.db};User=16394;Language=CHS;Client=10.0.0.5
+                                        the same, with who is calling
+
+Exit status:
+  0  done
+  1  the operation answered its empty result: False, Nothing, 0 or ""
+  2  a wrong call: nothing was done
+  3  the operation or the database raised an error; its number, Source and description are on standard error
+  4  the result could not be written; what was called has been done
+  130  ended by Ctrl-C
+
+Examples:
+  export TESSARLORN_DSN="Connect={Embedded=orders.db};User=16394"
+  tessarlorn init
+  tessarlorn seed --orders 500
+  tessarlorn ops GetListData
+  tessarlorn call GetListData Filter.FOrderStatus=2 Filter.WebOrderMaxDisplayCount=10
+  tessarlorn sql "select top 5 * from IC_Web2ERPOrders"
+
+'tessarlorn COMMAND --help' explains a command.)";
+
+/// The chosen command, or the application itself.
+const CLI::App& Chosen(const CLI::App& app) {
+  const std::vector<CLI::App*> chosen = app.get_subcommands();
+  return chosen.empty() ? app : *chosen.front();
+}
+
+void ReportUsage(const CLI::App& app, std::string_view fault) {
+  const CLI::App& chosen = Chosen(app);
+  const std::string words = &chosen == &app ? "tessarlorn" : "tessarlorn " + chosen.get_name();
+  std::cerr << words << ": " << OnOneLine(fault) << "\n'" << words << " --help' tells how to call it.\n";
+}
+
+/// What the library says of words that nobody expects, better said.
+std::string DescribeExtra(const CLI::App& app) {
+  const CLI::App& chosen = Chosen(app);
+  const std::vector<std::string> words = app.remaining(true);
+  if (words.empty()) return "unexpected words";
+  const std::string& word = words.front();
+  std::vector<std::string> names;
+  std::string kind = "unexpected word ";
+  if (word.starts_with("-")) {
+    kind = "unknown option ";
+    for (const CLI::Option* option : chosen.get_options()) {
+      for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    }
+  } else if (&chosen == &app) {
+    kind = "unknown command ";
+    for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
+  }
+  return kind + word + DidYouMean(word.substr(0, word.find('=')), {names.begin(), names.end()});
+}
+
+void ReportError(const Error& error) {
+  std::array<char, 8> digits{};
+  const auto bits = static_cast<std::uint32_t>(error.number());
+  const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), bits, 16).ptr;
+  std::string hex(digits.data(), static_cast<std::size_t>(end - digits.data()));
+  for (char& digit : hex) digit = static_cast<char>(std::toupper(digit));
+  hex.insert(0, digits.size() - hex.size(), '0');
+  std::cerr << "Number: " << error.number() << " (0x" << hex << ")\n"
+            << "Source: " << OnOneLine(error.source()) << '\n'
+            << "Description: " << OnOneLine(error.description()) << '\n';
+  if (error.native().number != 0) std::cerr << "Native: " << error.native().number << '\n';
+  if (!error.native().sqlstate.empty()) std::cerr << "SQLSTATE: " << error.native().sqlstate << '\n';
+}
+
+void ObserveStatements(bool show) {
+  SetStatementObserver([show](std::string_view text) {
+    RaiseIfInterrupted();
+    if (show) std::cerr << text << (text.ends_with('\n') ? "" : "\n") << std::flush;
+  });
+}
+
+ExitStatus RunAction(const CLI::App& app, const CommandContext& context) {
+  try {
+    return context.action();
+  } catch (const UsageError& error) {
+    ReportUsage(app, error.what());
+    return ExitStatus::kWrongCall;
+  } catch (const Error& error) {
+    if (WasInterrupted()) {
+      std::cerr << "tessarlorn: interrupted\n";
+      return ExitStatus::kInterrupted;
+    }
+    ReportError(error);
+    return ExitStatus::kRaised;
+  }
+}
+
+/// Reads the words and runs the command that they choose.
+ExitStatus Run(int argc, const char* const* argv) {
+  CLI::App app("Picking and delivery of web-shop orders: lists, checks, weighs, delivers and reports them.",
+               "tessarlorn");
+  CommandContext context;
+  app.set_version_flag("--version", std::string("tessarlorn ") + kVersion, "Print the version");
+  app.set_help_flag("-h,--help", "Print this help");
+  app.require_subcommand(0, 1);
+  app.footer(kFooter);
+  AddConnectionOptions(app, context);
+  AddInitCommand(app, context);
+  AddSeedCommand(app, context);
+  AddOpsCommand(app, context);
+  AddCallCommand(app, context);
+  AddSqlCommand(app, context);
+  AddVersionCommand(app, context);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& request) {
+    app.exit(request, std::cout, std::cerr);
+    return ExitStatus::kDone;
+  } catch (const CLI::ExtrasError&) {
+    ReportUsage(app, DescribeExtra(app));
+    return ExitStatus::kWrongCall;
+  } catch (const CLI::ParseError& error) {
+    ReportUsage(app, error.what());
+    return ExitStatus::kWrongCall;
+  }
+  if (!context.action) {
+    ReportUsage(app, "no command given");
+    return ExitStatus::kWrongCall;
+  }
+  ObserveStatements(context.show_sql);
+  return RunAction(app, context);
+}
+
+/// Nothing that was printed may be lost in silence.
+ExitStatus FlushOutput(ExitStatus status) {
+  errno = 0;
+  std::cout.flush();
+  if (std::cout.good()) return status;
+  std::cerr << "tessarlorn: cannot write to standard output";
+  if (errno != 0) std::cerr << ": " << std::strerror(errno);
+  std::cerr << '\n';
+  return ExitStatus::kNotWritten;
+}
+
+}  // namespace
+
+ExitStatus RunCommand(int argc, const char* const* argv) noexcept {
+#ifdef SIGPIPE
+  std::signal(SIGPIPE, SIG_IGN);
+#endif
+  try {
+    std::ios::sync_with_stdio(false);
+    CatchInterrupts();
+    RegisterEmbeddedDriver();
+    RegisterDefaultSiblings();
+    return FlushOutput(Run(argc, argv));
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "tessarlorn: %s\n", error.what());
+    return ExitStatus::kRaised;
+  }
+}
+
+}  // namespace tessarlorn::cli

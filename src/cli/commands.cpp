@@ -1,0 +1,89 @@
+#include "cli/commands.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+
+#include "cli/terminal.h"
+#include "cli/usage_error.h"
+#include "platform/session_string.h"
+#include "platform/version.h"
+
+namespace tessarlorn::cli {
+namespace {
+
+constexpr const char* kDsnVariable = "TESSARLORN_DSN";
+
+}  // namespace
+
+std::string CommandContext::FindDsn() const {
+  if (!dsn.empty()) return dsn;
+  const char* const value = std::getenv(kDsnVariable);
+  return value == nullptr ? "" : value;
+}
+
+std::string CommandContext::RequireDsn() const {
+  std::string found = FindDsn();
+  if (found.empty()) {
+    throw UsageError(std::string("no connection string: give --dsn, as --dsn Embedded=orders.db, or set ") +
+                     kDsnVariable);
+  }
+  return found;
+}
+
+std::unique_ptr<Connection> CommandContext::OpenDatabase() const {
+  return OpenConnection(ParseSessionString(RequireDsn()).database);
+}
+
+OutputLayout OutputOptions::Layout() const {
+  OutputLayout layout;
+  if (json) layout.format = OutputFormat::kJson;
+  if (csv) layout.format = OutputFormat::kCsv;
+  if (!full) layout.width = OutputWidth();
+  layout.columns = columns;
+  return layout;
+}
+
+void AddConnectionOptions(CLI::App& command, CommandContext& context) {
+  command
+      .add_option("--dsn", context.dsn,
+                  "Connection string of the database, or a session string; else that of TESSARLORN_DSN")
+      ->type_name("STRING");
+  command.add_flag("--show-sql", context.show_sql,
+                   "Print each statement, as it goes to the database and before it runs, to standard error");
+}
+
+void AddOutputOptions(CLI::App& command, OutputOptions& options) {
+  CLI::Option* const json = command.add_flag("--json", options.json, "Print results as JSON, numbers with all digits");
+  command.add_flag("--csv", options.csv, "Print results as comma-separated values with a line of heads")
+      ->excludes(json);
+  command.add_flag("--full", options.full, "Cut no cell and leave out no column of a table on a terminal");
+  command.add_option("--columns", options.columns, "The columns of recordsets to print, as FID,FOrderID")
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->type_name("NAMES");
+}
+
+std::string ReadInput(const std::string& path) {
+  if (path == "-") return {std::istreambuf_iterator<char>(std::cin), {}};
+  std::ifstream file(path, std::ios::binary);
+  std::string text;
+  if (file) text.assign(std::istreambuf_iterator<char>(file), {});
+  if (!file) throw UsageError("cannot read " + path + ": " + std::strerror(errno));
+  return text;
+}
+
+void AddVersionCommand(CLI::App& app, CommandContext& context) {
+  CLI::App* const command = app.add_subcommand("version", "Print the version");
+  command->callback([&context] {
+    context.action = [] {
+      std::cout << "tessarlorn " << kVersion << '\n';
+      return ExitStatus::kDone;
+    };
+  });
+}
+
+}  // namespace tessarlorn::cli

@@ -1,0 +1,39 @@
+#include "cli/interrupt.h"
+
+#include <atomic>
+#include <csignal>
+#include <cstdlib>
+
+#include "cli/exit_status.h"
+#include "platform/connection.h"
+#include "platform/error.h"
+
+namespace tessarlorn::cli {
+namespace {
+
+std::atomic<Connection*> running{nullptr};
+std::atomic<bool> interrupted{false};
+static_assert(std::atomic<Connection*>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
+
+extern "C" void HandleInterrupt(int signal) {
+  std::signal(signal, SIG_DFL);
+  Connection* const connection = running.load();
+  if (connection == nullptr) std::_Exit(static_cast<int>(ExitStatus::kInterrupted));
+  interrupted.store(true);
+  connection->Cancel();
+}
+
+}  // namespace
+
+void CatchInterrupts() {
+  ShowRunningConnection(&running);
+  std::signal(SIGINT, HandleInterrupt);
+}
+
+bool WasInterrupted() noexcept { return interrupted.load(); }
+
+void RaiseIfInterrupted() {
+  if (WasInterrupted()) Raise(error_number::kCancelled, "The command was interrupted");
+}
+
+}  // namespace tessarlorn::cli

@@ -1,0 +1,17 @@
+// Ctrl-C: ends the batch that is running; a second one ends the process.
+#pragma once
+
+namespace tessarlorn::cli {
+
+/// From now on, on the calling thread's batches: the first Ctrl-C cancels the running batch, which then raises
+/// `error_number::kCancelled`; where no batch runs it ends the process with status 130. The second one kills.
+/// The thread must be the only one that runs batches.
+void CatchInterrupts();
+
+/// Whether Ctrl-C was pressed while a batch ran.
+bool WasInterrupted() noexcept;
+
+/// Raises `error_number::kCancelled` once Ctrl-C was pressed: for the batches behind the one that it met at its end.
+void RaiseIfInterrupted();
+
+}  // namespace tessarlorn::cli

@@ -1,0 +1,227 @@
+// The built command, run as a user runs it, on a database file with sample orders.
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "automation/operations.h"
+#include "platform/version.h"
+
+namespace tessarlorn::cli {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+struct Outcome {
+  int status = -1;
+  std::string out;
+  std::string err;
+};
+
+std::string ReadFile(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class CommandTest : public testing::Test {
+ protected:
+  static void SetUpTestSuite() {
+    std::string name = (std::filesystem::temp_directory_path() / "command_test_XXXXXX").string();
+    ASSERT_NE(mkdtemp(name.data()), nullptr);
+    folder_ = name;
+    UseDatabase("orders.db");
+    ASSERT_EQ(Run("init").status, 0);
+    ASSERT_EQ(Run("seed --orders 60").status, 0);
+  }
+  static void TearDownTestSuite() { std::filesystem::remove_all(folder_); }
+
+  static void UseDatabase(const std::string& file) {
+    const std::string dsn = "Connect={Embedded=" + (folder_ / file).string() + "};User=16394;Client=10.0.0.5";
+    ASSERT_EQ(setenv("TESSARLORN_DSN", dsn.c_str(), 1), 0);
+  }
+
+  /// @param words as the shell takes them, with redirections of its input if need be
+  /// @param before stands before the command in the shell's line
+  static Outcome Run(const std::string& words, const std::string& before = "") {
+    const std::string err_file = folder_ / "err";
+    const std::string line = "{ " + before + " '" TESSARLORN_COMMAND "' " + words + "\n} 2>'" + err_file + "'";
+    Outcome outcome;
+    std::FILE* const pipe = popen(line.c_str(), "r");
+    if (pipe == nullptr) return outcome;
+    std::array<char, 4096> buffer{};
+    for (std::size_t size = 0; (size = fread(buffer.data(), 1, buffer.size(), pipe)) > 0;) {
+      outcome.out.append(buffer.data(), size);
+    }
+    const int status = pclose(pipe);
+    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    outcome.err = ReadFile(err_file);
+    return outcome;
+  }
+  static nlohmann::json Query(const std::string& text) {
+    return nlohmann::json::parse(Run("sql --json \"" + text + "\"").out);
+  }
+  /// The key of an order in this state.
+  static std::string Order(int status) {
+    return Query("select top 1 FID from IC_Web2ERPOrders where FOrderStatus=" + std::to_string(status))[0]["FID"]
+        .dump();
+  }
+
+  static inline std::filesystem::path folder_;
+};
+
+TEST_F(CommandTest, HelpsAtEveryLevel) {
+  for (const std::string command : {"", "init", "seed", "ops", "call", "sql"}) {
+    const Outcome help = Run(command + " --help");
+    EXPECT_EQ(help.status, 0) << command;
+    EXPECT_THAT(help.out, AllOf(HasSubstr("Example"), HasSubstr("tessarlorn " + command))) << command;
+    EXPECT_EQ(help.err, "") << command;
+  }
+  EXPECT_EQ(Run("version").out, std::string("tessarlorn ") + kVersion + "\n");
+  EXPECT_EQ(Run("--version").out, Run("version").out);
+}
+
+TEST_F(CommandTest, NamesWhatIsWrongWithACallAndDoesNothing) {
+  std::ofstream(folder_ / "broken.json") << "{\"dctPara\":\n {\"FID\" 1}}";
+  struct Case {
+    std::string words;
+    std::string fault;
+  };
+  for (const Case& item : {
+           Case{"", "tessarlorn: no command given"},
+           Case{"cal GetListData", "tessarlorn: unknown command cal; did you mean call?"},
+           Case{"ops --jsn", "tessarlorn ops: unknown option --jsn; did you mean --json?"},
+           Case{"ops GetListDat", "tessarlorn ops: unknown operation GetListDat; did you mean GetListData?"},
+           Case{"call", "tessarlorn call: OPERATION is required"},
+           Case{"call Delivery dctPara.Fid=1", "tessarlorn call: dctPara has no key Fid; did you mean FID?"},
+           Case{"call GetListData Filter={} --columns FIDD", "tessarlorn call: the result has no column FIDD"},
+           Case{"call Delivery --args '" + (folder_ / "broken.json").string() + "'", "broken.json:2:9: syntax error"},
+           Case{"call Delivery --args nowhere.json", "cannot read nowhere.json: No such file or directory"},
+           Case{"call Delivery --json --csv", "--json excludes --csv"},
+           Case{"seed --orders many", "--orders"},
+           Case{"sql", "tessarlorn sql: give the text to run"},
+       }) {
+    const Outcome outcome = Run(item.words);
+    EXPECT_EQ(outcome.status, 2) << item.words;
+    EXPECT_THAT(outcome.err, AllOf(HasSubstr(item.fault), HasSubstr("--help' tells how to call it"))) << item.words;
+    EXPECT_EQ(outcome.out, "") << item.words;
+  }
+  EXPECT_THAT(Run("init", "TESSARLORN_DSN=").err, HasSubstr("no connection string"));
+}
+
+TEST_F(CommandTest, ExplainsEveryOperation) {
+  const nlohmann::json all = nlohmann::json::parse(Run("ops --json").out);
+  ASSERT_EQ(all.size(), Operations().size());
+  const std::string list = Run("ops").out;
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    const Operation& operation = *Operations()[i];
+    const std::string name = std::string(ClassName(operation.service)) + "." + std::string(operation.name);
+    EXPECT_EQ(all[i]["name"], operation.name);
+    EXPECT_THAT(list, HasSubstr("  " + std::string(operation.name)));
+    const Outcome text = Run("ops " + name);
+    EXPECT_EQ(text.status, 0);
+    EXPECT_THAT(text.out, StartsWith(name));
+    for (const Argument& argument : operation.arguments()) {
+      for (const Key& key : argument.keys) EXPECT_THAT(text.out, HasSubstr("    " + std::string(key.name) + " "));
+    }
+  }
+}
+
+TEST_F(CommandTest, TellsByItsStatusWhatCameOfACall) {
+  const std::string order = Order(2);
+  const Outcome list = Run("call GetListData Filter.FOrderStatus=2 Filter.WebOrderMaxDisplayCount=3 --json");
+  EXPECT_EQ(list.status, 0) << list.err;
+  EXPECT_EQ(nlohmann::json::parse(list.out).size(), 3U);
+  EXPECT_THAT(Run("call GetListData Filter.WebOrderMaxDisplayCount=1 --csv --columns FID,FOrderID").out,
+              testing::MatchesRegex("FID,FOrderID\r\n[0-9]+,[^\r]+\r\n"));
+  EXPECT_THAT(Run("call NewGetWeightByFID sFID=" + order).out, HasSubstr("\nFWeight  "));
+
+  const Outcome nothing = Run("call GetListData");
+  EXPECT_EQ(nothing.status, 1);
+  EXPECT_EQ(nothing.out, "Nothing\n");
+  EXPECT_EQ(Run("call ConfirmBill --json").out, "false\n");
+  EXPECT_EQ(Run("call lPickGoodsCount sDsn=").status, 1);
+  EXPECT_EQ(Run("call GetListData Filter.FOrderStatus=99").status, 0) << "an empty recordset is an answer";
+
+  const Outcome raised = Run("call GetEntryData dctParameters.FID=x1");
+  EXPECT_EQ(raised.status, 3);
+  EXPECT_EQ(raised.out, "");
+  EXPECT_EQ(raised.err,
+            "Number: -2147217900 (0x80040E14)\nSource: TessarLornPickingAndDelivery.clsGetData.GetEntryData\n"
+            "Description: Invalid column name 'x1'.\nNative: 207\nSQLSTATE: 42000\n");
+}
+
+TEST_F(CommandTest, ReadsJsonAndKeepsItsDigits) {
+  const std::string order = Order(2);
+  const std::string code =
+      Query("select FUniqueCode from IC_Web2ERPOrders where FID=" + order)[0]["FUniqueCode"].dump();
+  EXPECT_EQ(Run("call SetUpLogisticsNumber --args -", "echo '{\"dctPara\":{\"" + code + "\":\"SF 1\"}}' |").status, 0);
+  EXPECT_EQ(Run("call SaveLogWeight 'vctPara=[{\"FID\":" + order +
+                ",\"FWeight\":12345678.0125,\"FLogisticsCost\":0,\"FWeighttingMan\":7,\"FWeighttingStatus\":1}]'")
+                .status,
+            0);
+  EXPECT_EQ(Run("sql --csv 'select FLogisticsOrder,FWeight from IC_Web2ERPOrders where FID=" + order + "'").out,
+            "FLogisticsOrder,FWeight\r\nSF 1,12345678.0125\r\n");
+}
+
+TEST_F(CommandTest, RunsACallInATransactionUnlessTold) {
+  std::filesystem::copy_file(folder_ / "orders.db", folder_ / "damaged.db");
+  UseDatabase("damaged.db");
+  const std::string order = Order(14);
+  const std::string status = "select FOrderStatus from IC_Web2ERPOrders where FID=" + order;
+  // The operation changes the orders before it fails on their lines.
+  const std::string call = "call BackToThePreviousStep dctPara.UpdateFlag=True dctPara.FID=" + order;
+  ASSERT_EQ(Run("sql 'drop table IC_Web2ERPOrdersEntry'").status, 0);
+  EXPECT_EQ(Run(call).status, 3);
+  EXPECT_EQ(Query(status)[0]["FOrderStatus"], 14);
+  EXPECT_EQ(Run(call + " --no-transaction").status, 3);
+  EXPECT_EQ(Query(status)[0]["FOrderStatus"], 6);
+  UseDatabase("orders.db");
+}
+
+TEST_F(CommandTest, ShowsStatementsAsTheyGoToTheDatabase) {
+  EXPECT_EQ(Run("--show-sql sql \"select 1 A\"").err, "select 1 A\n");
+  const Outcome shown = Run("call UpdateDeliveryData sFID=1,2 --show-sql");
+  EXPECT_EQ(shown.status, 0);
+  EXPECT_THAT(shown.err, AllOf(HasSubstr("VALUES (1,1,'')\r\n"), HasSubstr("VALUES (2,1,'')\r\n")));
+}
+
+TEST_F(CommandTest, RunsBatchesUpToTheFirstError) {
+  std::ofstream(folder_ / "batches.sql") << "select 1 A; select 'x' B\nGO\nselect 2 A where 1=0\ngo\n"
+                                            "select * from Nowhere\nGO\nselect 3 A\n";
+  const Outcome outcome = Run("sql --file '" + (folder_ / "batches.sql").string() + "'");
+  EXPECT_EQ(outcome.status, 3);
+  EXPECT_EQ(outcome.out, "A\n-\n1\n(1 row)\n\nB\n-\nx\n(1 row)\n\nA\n-\n(0 rows)\n");
+  EXPECT_THAT(outcome.err, AllOf(StartsWith("Number: -2147217865 (0x80040E37)\n"), HasSubstr("\nNative: 208\n")));
+  EXPECT_EQ(Run("sql - --json", "printf 'select 1 A\\nGO\\nselect 2 A' |").out,
+            "[\n  {\"A\":1}\n]\n[\n  {\"A\":2}\n]\n");
+}
+
+TEST_F(CommandTest, EndsWithAnErrorWhenItsOutputIsLost) {
+  const Outcome full = Run("ops >/dev/full");
+  EXPECT_EQ(full.status, 4);
+  EXPECT_THAT(full.err, HasSubstr("cannot write to standard output"));
+  EXPECT_EQ(Run("ops >&-").status, 4);
+  // The reader is gone before the command writes.
+  EXPECT_THAT(Run("ops; echo $? >&2; } | sleep 0", "{ sleep 0.2;").err,
+              AllOf(HasSubstr("cannot write to standard output: Broken pipe\n"), HasSubstr("\n4\n")));
+}
+
+TEST_F(CommandTest, IsInterrupted) {
+  const Outcome outcome =
+      Run("sql 'declare @n int; set @n = 0; while 1=1 set @n = @n + 1' & sleep 0.5; kill -INT $!; wait $!; exit $?");
+  EXPECT_EQ(outcome.err, "tessarlorn: interrupted\n");
+  EXPECT_EQ(outcome.status, 130);
+}
+
+}  // namespace
+}  // namespace tessarlorn::cli

@@ -1,10 +1,12 @@
-// A database in memory with the schema, for tests that want the real tables and views.
+// A database in memory with the schema and sample orders, for tests that want the real tables and views.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
 #include "cli/schema_files.h"
+#include "cli/seed/seed.h"
 #include "drivers/embedded/embedded_driver.h"
 #include "platform/connection.h"
 #include "siblings/siblings.h"
@@ -14,11 +16,13 @@ namespace tessarlorn {
 /// A database of its own that lives as long as this object. Registers the embedded driver and the default siblings.
 class SampleDatabase {
  public:
-  SampleDatabase() {
+  /// @param orders keys from 1; 0 leaves every table empty
+  explicit SampleDatabase(int orders = 0, std::uint64_t random_seed = 1) {
     RegisterEmbeddedDriver();
     RegisterDefaultSiblings();
     connection_ = OpenConnection(database_);
     ApplySchema(*connection_);
+    if (orders > 0) cli::Seed(*connection_, {.orders = orders, .random_seed = random_seed}, {});
   }
 
   /// For OpenConnection: "Embedded=:memory:…".

@@ -1,0 +1,26 @@
+// Sample data: a believable shop's orders in every state, for trying the component out, for tests and for benchmarks.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "platform/connection.h"
+
+namespace tessarlorn::cli {
+
+struct SeedOptions {
+  /// 0 puts in master data and settings only.
+  int orders = 1000;
+  /// The same number gives the same orders on every machine; order dates included, which do not follow the clock.
+  std::uint64_t random_seed = 1;
+};
+
+/// Fills a database that has the schema. Master data and settings that are there already are used as they are; user
+/// 16394 is the administrator of those it brings. Works in transactions of a few thousand orders on the connection,
+/// which must have none open; after each one `progress` is told how many orders of how many are in.
+///
+/// Raises 5 when the database already holds orders or `orders` is negative, and what the database raises; the
+/// transactions before that stay.
+void Seed(Connection& connection, const SeedOptions& options, const std::function<void(int done, int total)>& progress);
+
+}  // namespace tessarlorn::cli

@@ -219,6 +219,13 @@ Translator::Target Translator::ChangeTarget(const Statement& statement) {
   return target;
 }
 
+std::string Translator::ChangeSources(const Statement& statement, Scope& scope) {
+  if (!statement.from.empty()) return From(statement.from, scope);
+  TableSource source;
+  source.table = statement.table;
+  return " FROM " + SourceText(source, scope, false);
+}
+
 Compiled Translator::CompileUpdate(const Statement& statement) {
   const std::string with = With(statement.with, nullptr);
   const Target target = ChangeTarget(statement);
@@ -227,14 +234,7 @@ Compiled Translator::CompileUpdate(const Statement& statement) {
     if (!assignment.variable.empty()) live_variables_.insert(assignment.variable);
   }
   Scope scope;
-  std::string from;
-  if (statement.from.empty()) {
-    TableSource source;
-    source.table = statement.table;
-    from = " FROM " + SourceText(source, scope, false);
-  } else {
-    from = From(statement.from, scope);
-  }
+  const std::string from = ChangeSources(statement, scope);
   const std::string alias = QuoteName(target.alias);
   std::vector<std::pair<std::string, std::string>> sets;  // column, value
   std::string variables;                                  // ", name, value" for ts_setvar
@@ -305,14 +305,7 @@ Compiled Translator::CompileDelete(const Statement& statement) {
   const std::string with = With(statement.with, nullptr);
   const Target target = ChangeTarget(statement);
   Scope scope;
-  std::string from;
-  if (statement.from.empty()) {
-    TableSource source;
-    source.table = statement.table;
-    from = " FROM " + SourceText(source, scope, false);
-  } else {
-    from = From(statement.from, scope);
-  }
+  const std::string from = ChangeSources(statement, scope);
   const std::string where = statement.where == nullptr ? "" : " WHERE " + Condition(*statement.where, scope);
   const std::string limit = statement.top == nullptr ? "" : " LIMIT " + IntArgument(*statement.top, scope);
   std::string sql = with + "DELETE FROM " + TableSql(*target.table);

@@ -73,16 +73,8 @@ std::string Translator::InList(const Expression& expression, Scope& scope) {
 }
 
 std::string Translator::InQuery(const Expression& expression, Scope& scope) {
-  static const std::vector<std::string> kNames = {"c"};
   Typed value = Value(*expression.operands[0], scope);
-  SelectOptions options;
-  options.names = &kNames;
-  const TranslatedQuery query = QueryText(*expression.query, &scope, options);
-  if (query.columns.size() != 1) {
-    throw SqlError(116,
-                   "Only one expression can be specified in the select list when the subquery is not introduced "
-                   "with EXISTS.");
-  }
+  const TranslatedQuery query = SingleColumn(*expression.query, scope);
   const SqlType common = CommonType(value.type, query.columns[0].type);
   const Typed column{"\"c\"", query.columns[0].type, true, -1};
   const std::string converted = Coerce(column, common, Fit::kCompare);
@@ -92,14 +84,7 @@ std::string Translator::InQuery(const Expression& expression, Scope& scope) {
 }
 
 std::string Translator::Quantified(const Expression& expression, Scope& scope) {
-  static const std::vector<std::string> kNames = {"c"};
-  SelectOptions options;
-  options.names = &kNames;
-  const TranslatedQuery query = QueryText(*expression.query, &scope, options);
-  if (query.columns.size() != 1)
-    throw SqlError(
-        116,
-        "Only one expression can be specified in the select list when the subquery is not introduced with EXISTS.");
+  const TranslatedQuery query = SingleColumn(*expression.query, scope);
   const Typed column{"\"c\"", query.columns[0].type, true, -1};
   const std::string holds = Compare(expression.compare, Value(*expression.operands[0], scope), column);
   if (expression.quantifier == Quantifier::kAny)

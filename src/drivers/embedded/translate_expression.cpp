@@ -399,16 +399,19 @@ Typed Translator::Cast(const Expression& expression, Scope& scope) {
   return {Coerce(value, type, Fit::kCast, style, expression.try_cast), type, value.nullable || expression.try_cast, -1};
 }
 
-Typed Translator::ScalarSubquery(const Expression& expression, Scope& scope) {
+TranslatedQuery Translator::SingleColumn(const Query& query, Scope& scope) {
   static const std::vector<std::string> kNames = {"c"};
   SelectOptions options;
   options.names = &kNames;
-  const TranslatedQuery query = QueryText(*expression.query, &scope, options);
-  if (query.columns.size() != 1) {
-    throw SqlError(116,
-                   "Only one expression can be specified in the select list when the subquery is not introduced "
-                   "with EXISTS.");
-  }
+  TranslatedQuery translated = QueryText(query, &scope, options);
+  if (translated.columns.size() == 1) return translated;
+  throw SqlError(116,
+                 "Only one expression can be specified in the select list when the subquery is not introduced with "
+                 "EXISTS.");
+}
+
+Typed Translator::ScalarSubquery(const Expression& expression, Scope& scope) {
+  const TranslatedQuery query = SingleColumn(*expression.query, scope);
   const Select* select = expression.query->select.get();
   const bool one_row = select != nullptr && select->group_by.empty() && select->having == nullptr &&
                        std::any_of(select->items.begin(), select->items.end(),

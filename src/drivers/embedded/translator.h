@@ -110,6 +110,8 @@ class Translator {
   Typed Case(const Expression& expression, Scope& scope);
   Typed Cast(const Expression& expression, Scope& scope);
   Typed ScalarSubquery(const Expression& expression, Scope& scope);
+  /// A subquery of one column, which is named c. Raises 116.
+  TranslatedQuery SingleColumn(const Query& query, Scope& scope);
   std::string Compare(CompareOp op, const Typed& a, const Typed& b);
   std::string InList(const Expression& expression, Scope& scope);
   std::string InQuery(const Expression& expression, Scope& scope);
@@ -168,6 +170,8 @@ class Translator {
     bool joined = false;  // FROM names more than the target
   };
   Target ChangeTarget(const Statement& statement);
+  /// The FROM clause, of the target alone where none is written.
+  std::string ChangeSources(const Statement& statement, Scope& scope);
   std::vector<std::pair<std::string, std::string>> Defaults(const CatalogObject& table, const std::vector<int>& given);
   std::string InsertHead(const CatalogObject& table, const std::vector<int>& positions,
                          const std::vector<std::pair<std::string, std::string>>& defaults);

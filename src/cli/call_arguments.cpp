@@ -101,7 +101,7 @@ class Reader {
   std::vector<Variant> Finish(std::string_view dsn) && {
     for (std::size_t i = 0; i < values_.size(); ++i) {
       const Argument& argument = operation_.arguments()[i];
-      if (!dsn.empty()) Connect(i, dsn);
+      Connect(i, dsn);
       if (values_[i].is_empty()) continue;
       RequireFit(values_[i], argument.type, std::string(argument.name));
       if (IsCollection(argument.type) && !argument.any_key) {
@@ -148,13 +148,18 @@ class Reader {
 
   void Connect(std::size_t position, std::string_view dsn) {
     const Argument& argument = operation_.arguments()[position];
-    if (argument.is_connection() && values_[position].is_empty()) values_[position] = dsn;
+    if (argument.is_connection() && values_[position].is_empty()) values_[position] = Given(dsn);
     if (argument.type != ValueType::kDictionary) return;
     for (const Key& key : argument.keys) {
       if (!key.is_connection()) continue;
       Dictionary& dictionary = RequireDictionary(position);
-      if (!dictionary.Exists(key.name)) dictionary.SetValue(key.name, dsn);
+      if (!dictionary.Exists(key.name)) dictionary.SetValue(key.name, Given(dsn));
     }
+  }
+
+  [[nodiscard]] std::string_view Given(std::string_view dsn) const {
+    if (!dsn.empty()) return dsn;
+    throw UsageError(std::string(operation_.name) + " wants a connection string: give --dsn or set TESSARLORN_DSN");
   }
 
   const Operation& operation_;

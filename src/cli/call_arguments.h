@@ -18,11 +18,11 @@ const Operation& RequireOperation(std::string_view name);
 /// @param json a Dictionary with an entry for each argument, or empty
 /// @param words "argument=value" or "argument.Key=value"; they win over `json`. A value is text; for a Dictionary, a
 ///        Vector, or a key that wants one, it is JSON.
-/// @param dsn goes to each connection string, argument or key, that is not given; may be "".
+/// @param dsn goes to each connection string, argument or key, that is not given; "" when there is none
 ///
 /// Arguments are found without regard to case, keys to the letter. Raises UsageError that names the word, argument or
-/// key: one that the operation does not have, one given twice, a value that is no Dictionary or Vector where one is
-/// declared, and the faults of ReadJson.
+/// key: one that the operation does not have, one given twice, a connection string that nobody gives, a value that is
+/// no Dictionary or Vector where one is declared, and the faults of ReadJson.
 std::vector<Variant> ReadCallArguments(const Operation& operation, const Variant& json,
                                        std::span<const std::string> words, std::string_view dsn);
 

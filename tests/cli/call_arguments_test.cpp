@@ -27,7 +27,7 @@ std::string Read(std::string_view operation, const std::vector<std::string>& wor
 TEST(CallArgumentsTest, FillsEachArgumentFromWordsAndJson) {
   EXPECT_EQ(Read("NewGetWeightByFID", {"SFID=12"}), R"("D" "12")");
   EXPECT_EQ(Read("NewGetWeightByFID", {"sDsn=a=b", "sfid=12"}), R"("a=b" "12")");
-  EXPECT_EQ(Read("NewGetWeightByFID", {}, "", ""), "null null");
+  EXPECT_EQ(Read("NewGetWeightByFID", {"sDsn="}, "", ""), R"("" null)");
   // Nothing stays Nothing where it has no connection string.
   EXPECT_EQ(Read("GetListData", {}), R"("D" null)");
   EXPECT_EQ(Read("GetListData", {"Filter={}"}), R"("D" {})");
@@ -47,6 +47,8 @@ TEST(CallArgumentsTest, FillsEachArgumentFromWordsAndJson) {
 }
 
 TEST(CallArgumentsTest, NamesWhatIsAtFault) {
+  EXPECT_EQ(Read("ConfirmBill", {}, "", ""),
+            "fault: ConfirmBill wants a connection string: give --dsn or set TESSARLORN_DSN");
   struct Case {
     const char* operation;
     std::vector<std::string> words;

@@ -1,6 +1,7 @@
 #include "bench/databases.h"
 
 #include <algorithm>
+#include <benchmark/benchmark.h>
 #include <filesystem>
 #include <fstream>
 #include <strings.h>
@@ -113,8 +114,7 @@ int ReadAll(sqlite3_stmt* statement) {
     }
   }
   sqlite3_reset(statement);
-  static volatile std::size_t sink = 0;
-  sink = sum;
+  benchmark::DoNotOptimize(sum);
   return rows;
 }
 

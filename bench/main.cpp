@@ -1,7 +1,7 @@
 // Runs the benchmarks and prints what they are worth against each other.
-#include <algorithm>
 #include <cstdio>
 #include <map>
+#include <unistd.h>
 #include <vector>
 
 #include "bench/databases.h"
@@ -39,6 +39,8 @@ void Add(const std::string& name, Function function) {
 /// Notes the medians while the console shows everything.
 class Reporter : public benchmark::ConsoleReporter {
  public:
+  Reporter() : ConsoleReporter(isatty(STDOUT_FILENO) != 0 ? OO_Defaults : OO_None) {}
+
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) {
       const bool median = run.aggregate_name == "median";

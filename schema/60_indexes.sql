@@ -25,7 +25,7 @@ GO
 
 IF NOT EXISTS (SELECT 1 FROM sys.indexes
                WHERE name = 'IX_Web2ERPOrders_Carrier' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
-CREATE INDEX IX_Web2ERPOrders_Carrier ON IC_Web2ERPOrders (FLogisticsID);
+CREATE INDEX IX_Web2ERPOrders_Carrier ON IC_Web2ERPOrders (FLogisticsID, FSitePayDate);
 GO
 
 -- The scanner's searches: waybill or unique code.

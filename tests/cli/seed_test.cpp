@@ -88,8 +88,8 @@ TEST_F(SeededTest, HoldsEveryState) {
       "IC_Web2ERPOrdersEntry WHERE FBatchNo<>'' AND FSPID<>0",
       "IC_Web2ERPOrdersEntry WHERE FIndex=8",
       "IC_Web2ERPOrdersEntry l INNER JOIN IC_WebOrder w ON l.FChildOrderID=CAST(w.FOID AS varchar(50)) AND w.FOID<>0",
-      "IC_Web2ERPOrdersEntry a INNER JOIN IC_Web2ERPOrdersEntry b ON a.FSiteOrderID=b.FSiteOrderID AND a.FID<b.FID "
-      "AND a.FSiteOrderID<>''",
+      ("IC_Web2ERPOrdersEntry a INNER JOIN IC_Web2ERPOrdersEntry b ON a.FSiteOrderID=b.FSiteOrderID AND a.FID<b.FID "
+       "AND a.FSiteOrderID<>''"),
       "IC_PrintOrderInfo WHERE FIsPrintPick NOT IN (0,1)",
   };
   for (const char* state : states) EXPECT_GT(Count(Database(), state), 0) << state;
@@ -98,8 +98,8 @@ TEST_F(SeededTest, HoldsEveryState) {
 TEST_F(SeededTest, AmountsAddUpAndReferencesExist) {
   const char* const faults[] = {
       "IC_Web2ERPOrders h WHERE FAmount<>(SELECT SUM(FAmount) FROM IC_Web2ERPOrdersEntry l WHERE l.FID=h.FID)",
-      "IC_Web2ERPOrders h WHERE FBillDiscountFee<>(SELECT SUM(FEntryBillDiscountFee) FROM IC_Web2ERPOrdersEntry l WHERE "
-      "l.FID=h.FID)",
+      ("IC_Web2ERPOrders h WHERE FBillDiscountFee<>(SELECT SUM(FEntryBillDiscountFee) FROM IC_Web2ERPOrdersEntry l WHERE "
+       "l.FID=h.FID)"),
       "IC_Web2ERPOrdersEntry WHERE FAfterDiscountAmount<0",
       "IC_Web2ERPOrdersEntry l INNER JOIN IC_Web2ERPOrders h ON l.FID=h.FID WHERE h.FOrderStatus=14 AND l.FIsRowClose=0",
       "IC_Web2ERPOrders h LEFT JOIN t_Emp e ON h.FPickMan=e.FNumber WHERE h.FPickMan<>'0' AND e.FItemID IS NULL",

@@ -80,7 +80,36 @@ TEST(SchemaTest, TakesValuesAsWideAsTheLogsWriteThem) {
 TEST(SchemaTest, HasEveryNameThatTheQueriesUse) {
   SampleDatabase database;
   const std::string dsn = database.Dsn(7);
+  clsSaveData save;
+  EXPECT_TRUE(save.UpLoadStatusForManualAndClosed(dsn));
+  const Dictionary order{{"sDSN", dsn},
+                         {"sDsn", dsn},
+                         {"sProps", dsn},
+                         {"FID", "1"},
+                         {"FPickManNumber", "E"},
+                         {"UserId", 7},
+                         {"UserID", 7},
+                         {"AsyncCreate", true},
+                         {"FShippingRem", "r"},
+                         {"UpdateFlag", false},
+                         {"LogisticsCosts", 1},
+                         {"FPickingGoodMan", 7},
+                         {"FLogisticsOrder", "20260630101000000001"},
+                         {"FPickingGoodsstatus", 1}};
+  EXPECT_TRUE(save.ConfirmBill(&order));
+  EXPECT_TRUE(save.SavePickingGoods(&order));
+  EXPECT_TRUE(save.MarkPickingGoodsStatus(&order));
+  EXPECT_TRUE(save.ModifyCost(&order));
+  EXPECT_TRUE(save.UpdateLogisticsWeightStatus(dsn, &order));
+  EXPECT_TRUE(save.Delivery(&order));
+  EXPECT_TRUE(save.DeliveryRemark(&order));
+  EXPECT_TRUE(save.BackToThePreviousStep(&order));
+  EXPECT_TRUE(save.UploadStatus(&order));
   clsGetData get;
+  EXPECT_EQ(get.GetTotalLogisticsCosts(&order), 0);
+  EXPECT_EQ(get.GetWeightByFID(&order)->RecordCount(), 0U);
+  EXPECT_EQ(get.bExistUpLoadBill(&order)->RecordCount(), 0U);
+  EXPECT_FALSE(get.bIsWeightting(dsn));
   const Dictionary lines{{"FID", 1}};
   EXPECT_EQ(get.GetEntryData(dsn, &lines)->RecordCount(), 0U);
   for (const Dictionary& filter : {Dictionary{}, Dictionary{{"IsLock", 1}, {"FStockID", "x"}},

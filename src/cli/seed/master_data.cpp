@@ -173,8 +173,8 @@ std::vector<int> ReadKeys(Connection& connection, std::string_view query) {
 
 std::vector<Item> ReadItems(Connection& connection) {
   return Read<Item>(connection, R"(
-SELECT i.FItemID, i.FNumber, i.FName, i.FUnitID, i.FSalePrice, i.FBatchManager, i.FGrossWeight, w.FNumber AS FWeightUnit,
-       u.FNumber AS FUnit
+SELECT i.FItemID, i.FNumber, i.FName, i.FUnitID, i.FSalePrice, i.FBatchManager, i.FGrossWeight,
+       ISNULL(w.FNumber, '*') AS FWeightUnit, ISNULL(u.FNumber, '*') AS FUnit
 FROM t_ICItem i
 LEFT JOIN t_MeasureUnit w ON i.FMaund = w.FMeasureUnitID
 LEFT JOIN t_MeasureUnit u ON i.FUnitID = u.FMeasureUnitID
@@ -184,15 +184,14 @@ ORDER BY i.FItemID
                     [](const Recordset& row) {
                       std::string unit = row.Get("FWeightUnit").ToText();
                       if (unit == "*") unit = row.Get("FUnit").ToText();
-                      const double grams = row.Get("FGrossWeight").ToDouble() * (unit == "G" ? 1 : 1000);
                       return Item{
                           .id = row.Get("FItemID").ToInt32(),
                           .number = row.Get("FNumber").ToText(),
                           .name = row.Get("FName").ToText(),
                           .unit = row.Get("FUnitID").ToInt32(),
-                          .price_cents = static_cast<std::int64_t>(row.Get("FSalePrice").ToDouble() * 100 + 0.5),
+                          .price_cents = row.Get("FSalePrice").ToDecimal().ToScaled(2).value_or(0),
                           .batch = row.Get("FBatchManager").ToInt32() == 1,
-                          .grams = static_cast<std::int64_t>(grams + 0.5)};
+                          .grams = row.Get("FGrossWeight").ToDecimal().ToScaled(unit == "G" ? 0 : 3).value_or(0)};
                     });
 }
 

@@ -34,7 +34,7 @@ ExitStatus RunSql(const SqlOptions& options, const CommandContext& context) {
   const std::unique_ptr<Connection> connection = context.OpenDatabase();
   const std::unique_ptr<ResultWriter> writer = MakeResultWriter(options.output.Layout(), std::cout);
   for (const std::string_view batch : SplitBatches(text)) {
-    for (const RecordsetPtr& result : connection->ExecuteAll(batch)) writer->Write(result);
+    connection->ExecuteAll(batch, [&writer](const RecordsetPtr& result) { writer->Write(result); });
     std::cout.flush();
     if (!std::cout) break;
   }

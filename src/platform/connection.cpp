@@ -56,14 +56,17 @@ void ShowRunningConnection(std::atomic<Connection*>* slot) { RunningSlot() = slo
 RecordsetPtr Connection::Execute(std::string_view text) {
   if (Observer()) Observer()(text);
   const Running running(this);
-  std::vector<RecordsetPtr> results = Run(text, true);
-  return results.empty() ? nullptr : std::move(results.front());
+  RecordsetPtr first;
+  Run(text, true, [&first](RecordsetPtr result) {
+    if (first == nullptr) first = std::move(result);
+  });
+  return first;
 }
 
-std::vector<RecordsetPtr> Connection::ExecuteAll(std::string_view text) {
+void Connection::ExecuteAll(std::string_view text, const ResultSink& sink) {
   if (Observer()) Observer()(text);
   const Running running(this);
-  return Run(text, false);
+  Run(text, false, sink);
 }
 
 void RegisterDriver(std::shared_ptr<Driver> driver) {

@@ -12,6 +12,9 @@
 
 namespace tessarlorn {
 
+/// Takes a result of a batch; it may raise, which ends the batch.
+using ResultSink = std::function<void(RecordsetPtr)>;
+
 /// An open connection. One thread at a time, but for Cancel(). All functions raise `Error` with the numbers of
 /// `error_number`, the server's own text as description and the native number beside it.
 ///
@@ -26,8 +29,9 @@ class Connection {
   /// Runs a batch to its end and answers its first row-returning result, or nullptr when it has none. An error in any
   /// statement of the batch is raised; what ran before it stays unless a transaction takes it back.
   RecordsetPtr Execute(std::string_view text);
-  /// The same, answering every row-returning result in order.
-  std::vector<RecordsetPtr> ExecuteAll(std::string_view text);
+  /// The same, handing over every row-returning result in order, each as soon as it is there: those before a failing
+  /// statement come, then the error is raised.
+  void ExecuteAll(std::string_view text, const ResultSink& sink);
 
   /// The container's transaction; they do not nest. Raise when none, or already one, is open.
   virtual void BeginTransaction() = 0;
@@ -44,7 +48,7 @@ class Connection {
 
  protected:
   /// @param first_only the caller wants the first row-returning result; later ones are run but need not be kept.
-  virtual std::vector<RecordsetPtr> Run(std::string_view text, bool first_only) = 0;
+  virtual void Run(std::string_view text, bool first_only, const ResultSink& sink) = 0;
 };
 
 /// Called with each text just before it goes to the database, on the thread that runs it. For the whole process; set it

@@ -42,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   running = connection.get();
   alarm(1);
   try {
-    connection->ExecuteAll({reinterpret_cast<const char*>(data), size});
+    connection->ExecuteAll({reinterpret_cast<const char*>(data), size}, [](const tessarlorn::RecordsetPtr&) {});
   } catch (const tessarlorn::Error&) {
     // A refusal is an answer.
   }

@@ -111,6 +111,15 @@ TEST(EmbeddedDriver, AnotherConnectionsDefinitionsAreSeen) {
   EXPECT_EQ(Answer(*two, "select * from v"), "b;x");
 }
 
+TEST(EmbeddedDriver, ResultsBeforeAFailingStatementAreHandedOver) {
+  const auto connection = OpenEmbedded();
+  std::vector<std::string> results;
+  EXPECT_THROW(connection->ExecuteAll("select 1 as a select 2 as b select cast('x' as int) as c select 3 as d",
+                                      [&](const RecordsetPtr& rows) { results.push_back(TextOf(rows)); }),
+               Error);
+  EXPECT_THAT(results, testing::ElementsAre("a;1", "b;2"));
+}
+
 TEST(EmbeddedDriver, ResultsCarryTheTypesOfTheServer) {
   const auto connection = OpenEmbedded();
   const RecordsetPtr rows = connection->Execute(

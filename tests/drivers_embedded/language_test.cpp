@@ -40,6 +40,8 @@ TEST(Language, QueriesOfManyShapes) {
        "FID|n;1|2;2|1;3|NULL"},
       {"select FID from o order by FID offset 1 rows fetch next 1 rows only", "FID;2"},
       {"select v.a, v.b from (values (1,'x'),(2,null)) v(a,b) order by a", "a|b;1|x;2|NULL"},
+      {"select o.FID, e.FEntryID from o left join e on replace(e.FCode, 'A', '') = cast(o.FID as varchar(50)) order by 1, 2",
+       "FID|FEntryID;1|11;1|12;2|NULL;3|NULL"},
       {"select count(distinct FName) as n, min(FName) as m from o", "n|m;2|Bob"},
       {"select FID from o where FID > all (select FID from e where FID < 2) and FID = any (select FID from o) order by 1",
        "FID;2;3"},

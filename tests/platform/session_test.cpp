@@ -37,7 +37,7 @@ class LoggedConnection : public Connection {
   bool fails_to_commit = false;
 
  protected:
-  std::vector<RecordsetPtr> Run(std::string_view, bool) override { return {}; }
+  void Run(std::string_view, bool, const ResultSink&) override {}
 
  private:
   void Note(const std::string& what) const { events.push_back(what + " " + std::to_string(number_)); }

@@ -64,10 +64,9 @@ class RecordingConnection : public Connection {
   void Cancel() noexcept override {}
 
  protected:
-  std::vector<RecordsetPtr> Run(std::string_view text, bool) override {
+  void Run(std::string_view text, bool, const ResultSink& sink) override {
     TheRecording().events.emplace_back(text);
-    if (TheRecording().answer) return {TheRecording().answer(text)};
-    return {TextRows({}, {})};
+    sink(TheRecording().answer ? TheRecording().answer(text) : TextRows({}, {}));
   }
 };
 

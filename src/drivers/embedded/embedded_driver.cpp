@@ -123,8 +123,8 @@ class EmbeddedConnection final : public Connection {
   void Cancel() noexcept override { session_.Cancel(); }
 
  protected:
-  std::vector<RecordsetPtr> Run(std::string_view text, bool first_only) override {
-    return Translated([&] { return session_.Run(text, first_only); });
+  void Run(std::string_view text, bool first_only, const ResultSink& sink) override {
+    Translated([&] { session_.Run(text, first_only, sink); });
   }
 
  private:

@@ -236,7 +236,9 @@ void Session::ExecuteSelect(const Statement& statement, Scope& scope) {
   }
   const bool keep = results_->wants_more();
   RecordsetPtr rows = ReadRows(compiled, query, keep);
-  if (keep) results_->sets.push_back(std::move(rows));
+  if (!keep) return;
+  results_->any = true;
+  results_->sink(std::move(rows));
 }
 
 void Session::ExecuteSelectInto(const Statement& statement, Scope& scope) {
@@ -280,7 +282,9 @@ void Session::ExecuteChange(const Statement& statement, Scope& scope) {
 }
 
 void Session::ExecuteInsertExecute(const Statement& statement, Scope& scope) {
+  std::vector<RecordsetPtr> sets;
   Results taken;
+  taken.sink = [&sets](RecordsetPtr rows) { sets.push_back(std::move(rows)); };
   Results* outer = std::exchange(results_, &taken);
   try {
     ExecuteProcedure(*statement.execute, scope);
@@ -297,7 +301,7 @@ void Session::ExecuteInsertExecute(const Statement& statement, Scope& scope) {
     if (statement.columns.empty() ? !column.identity : named) columns.push_back(&column);
   }
   std::int64_t inserted = 0;
-  for (const RecordsetPtr& rows : taken.sets) {
+  for (const RecordsetPtr& rows : sets) {
     if (rows->fields().size() != columns.size()) {
       throw SqlError(213, "Column name or number of supplied values does not match table definition.");
     }

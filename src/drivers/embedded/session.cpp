@@ -258,7 +258,7 @@ void Session::RunBatch(std::string_view text, Frame& frame) {
   }
 }
 
-std::vector<RecordsetPtr> Session::Run(std::string_view batch, bool first_only) {
+void Session::Run(std::string_view batch, bool first_only, const ResultSink& sink) {
   cancelled_.store(false);
   runtime_.error.reset();
   first_error_.reset();
@@ -266,6 +266,7 @@ std::vector<RecordsetPtr> Session::Run(std::string_view batch, bool first_only) 
   call_depth_ = 0;
   caught_.clear();
   Results results;
+  results.sink = sink;
   results.first_only = first_only;
   results_ = &results;
   Frame frame;
@@ -289,7 +290,6 @@ std::vector<RecordsetPtr> Session::Run(std::string_view batch, bool first_only) 
   results_ = nullptr;
   if (depth_ == 0 && writing_) CommitWrite();
   if (first_error_) throw SqlError(*first_error_);
-  return std::move(results.sets);
 }
 
 void Session::Reset() {

@@ -16,6 +16,7 @@
 #include "drivers/embedded/runtime.h"
 #include "drivers/embedded/sqlite_handle.h"
 #include "drivers/embedded/translator.h"
+#include "platform/connection.h"
 #include "platform/recordset.h"
 
 namespace tessarlorn::embedded {
@@ -33,8 +34,8 @@ class Session {
   Session& operator=(const Session&) = delete;
   ~Session();
 
-  /// Every row-returning result in order, or only the first.
-  std::vector<RecordsetPtr> Run(std::string_view batch, bool first_only);
+  /// Hands over every row-returning result in order, or only the first.
+  void Run(std::string_view batch, bool first_only, const ResultSink& sink);
 
   void BeginContainerTransaction();
   void CommitContainerTransaction();
@@ -58,12 +59,12 @@ class Session {
     int return_value = 0;
   };
 
-  /// Where row-returning results go.
+  /// Where row-returning results go: to the caller, or to the INSERT of INSERT … EXEC.
   struct Results {
-    std::vector<RecordsetPtr> sets;
+    ResultSink sink;
     bool first_only = false;
-    /// INSERT … EXEC takes them.
-    [[nodiscard]] bool wants_more() const { return !first_only || sets.empty(); }
+    bool any = false;
+    [[nodiscard]] bool wants_more() const { return !first_only || !any; }
   };
 
   // session.cpp

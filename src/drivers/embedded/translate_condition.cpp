@@ -32,6 +32,13 @@ std::string Translator::Compare(CompareOp op, const Typed& a, const Typed& b) {
   const std::string left = Coerce(a, common, Fit::kCompare);
   const std::string right = Coerce(b, common, Fit::kCompare);
   const std::string collation = common.is_text() ? " COLLATE TSQL" : "";
+  if (op == CompareOp::kEqual && common.is_text() && a.number.empty() != b.number.empty()) {
+    // An index on the number serves where the text can be read as one; that it can follows from the equality.
+    const Typed& number = a.number.empty() ? b : a;
+    const Typed& text = a.number.empty() ? a : b;
+    return "(" + left + collation + " = " + right + " AND " + number.number + " = ts_try(" + text.sql + ", " +
+           std::to_string(PackType(text.type)) + ", " + std::to_string(PackType(BigIntType())) + ", 0))";
+  }
   return "(" + left + collation + std::string(kCompareText[static_cast<std::size_t>(op)]) + right + ")";
 }
 

@@ -396,7 +396,11 @@ Typed Translator::Cast(const Expression& expression, Scope& scope) {
     const std::string sql = Coerce(value, type, Fit::kCast, style);
     return {"(" + sql + ")", type, value.nullable, -1};
   }
-  return {Coerce(value, type, Fit::kCast, style, expression.try_cast), type, value.nullable || expression.try_cast, -1};
+  constexpr int kLongestNumber = 20;
+  const bool text_of_number =
+      value.type.is_integer() && type.is_text() && (type.size == 0 || type.size >= kLongestNumber);
+  return {Coerce(value, type, Fit::kCast, style, expression.try_cast), type, value.nullable || expression.try_cast, -1,
+          text_of_number ? value.sql : ""};
 }
 
 TranslatedQuery Translator::SingleColumn(const Query& query, Scope& scope) {

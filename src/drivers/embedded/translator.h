@@ -22,6 +22,8 @@ struct Typed {
   bool nullable = true;
   /// Index of the parameter when the expression is nothing but that parameter, else -1.
   int parameter = -1;
+  /// For the text of a whole number, CAST(number AS varchar): the number, else "".
+  std::string number = {};
 };
 
 /// A query in SQLite's words, and its columns.

@@ -38,19 +38,27 @@ void RequireFit(const Variant& value, ValueType type, const std::string& path) {
   throw UsageError(path + " wants a " + std::string(TypeName(type)) + ", not " + std::string(value.type_name()));
 }
 
+[[noreturn]] void ThrowUnknownKey(const std::string& path, const std::string& name, std::span<const Key> keys) {
+  throw UsageError(path + " has no key " + name + DidYouMean(name, Names(keys)));
+}
+
 /// Checks the keys of a Dictionary, or of the Dictionaries in a Vector.
 void CheckKeys(const Variant& value, std::span<const Key> keys, const std::string& path) {
   if (const std::shared_ptr<Vector> items = value.ToVector()) {
     for (std::size_t i = 1; i <= items->size(); ++i) {
-      if (items->At(i).ToDictionary()) CheckKeys(items->At(i), keys, path + "[" + std::to_string(i) + "]");
+      std::string item_path = path;
+      item_path.append("[").append(std::to_string(i)).append("]");
+      if (items->At(i).ToDictionary()) CheckKeys(items->At(i), keys, item_path);
     }
     return;
   }
   for (const auto& [name, entry] : *value.ToDictionary()) {
     const Key* const key = FindKey(keys, name);
-    if (key == nullptr) throw UsageError(path + " has no key " + name + DidYouMean(name, Names(keys)));
-    RequireFit(entry, key->type, path + "." + name);
-    if (!key->item_keys.empty()) CheckKeys(entry, key->item_keys, path + "." + name);
+    if (key == nullptr) ThrowUnknownKey(path, name, keys);
+    std::string key_path = path;
+    key_path.append(".").append(name);
+    RequireFit(entry, key->type, key_path);
+    if (!key->item_keys.empty()) CheckKeys(entry, key->item_keys, key_path);
   }
 }
 
@@ -93,7 +101,7 @@ class Reader {
     const std::string name = target.substr(dot + 1);
     const Key* const key = FindKey(argument.keys, name);
     if (key == nullptr && !argument.any_key) {
-      throw UsageError(std::string(argument.name) + " has no key " + name + DidYouMean(name, Names(argument.keys)));
+      ThrowUnknownKey(std::string(argument.name), name, argument.keys);
     }
     RequireDictionary(position).SetValue(name, FromText(value, key ? key->type : ValueType::kString, target));
   }

@@ -1,6 +1,7 @@
 #include "cli/command.h"
 
 #include <array>
+#include <cctype>
 #include <cerrno>
 #include <charconv>
 #include <csignal>
@@ -80,7 +81,7 @@ void ReportError(const Error& error) {
   const auto bits = static_cast<std::uint32_t>(error.number());
   const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), bits, 16).ptr;
   std::string hex(digits.data(), static_cast<std::size_t>(end - digits.data()));
-  for (char& digit : hex) digit = static_cast<char>(std::toupper(digit));
+  for (char& digit : hex) digit = static_cast<char>(std::toupper(static_cast<unsigned char>(digit)));
   hex.insert(0, digits.size() - hex.size(), '0');
   std::cerr << "Number: " << error.number() << " (0x" << hex << ")\n"
             << "Source: " << OnOneLine(error.source()) << '\n'

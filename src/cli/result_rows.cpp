@@ -78,8 +78,8 @@ void AppendCell(Recordset& rows, const Variant& value) {
 }
 
 std::shared_ptr<Recordset> TextFields(const std::vector<std::string>& names) {
-  std::vector<Field> fields;
-  for (const std::string& name : names) fields.push_back({.name = name});
+  std::vector<Field> fields(names.size());
+  for (std::size_t i = 0; i < names.size(); ++i) fields[i].name = names[i];
   return std::make_shared<Recordset>(fields);
 }
 
@@ -118,8 +118,9 @@ ResultRows SelectColumns(const RecordsetPtr& rows, const std::vector<std::string
   for (const std::string& column : columns) {
     const std::optional<std::size_t> found = rows->FindField(column);
     if (!found) {
-      std::vector<std::string_view> names;
-      for (const Field& field : fields) names.emplace_back(field.name);
+      std::vector<std::string_view> names(fields.size());
+      std::transform(fields.begin(), fields.end(), names.begin(),
+                     [](const Field& field) { return std::string_view(field.name); });
       throw UsageError("the result has no column " + column + DidYouMean(column, names));
     }
     result.fields.push_back(*found);

@@ -157,7 +157,7 @@ TEST_F(CommandTest, TellsByItsStatusWhatCameOfACall) {
   EXPECT_EQ(raised.out, "");
   EXPECT_EQ(raised.err,
             "Number: -2147217900 (0x80040E14)\nSource: TessarLornPickingAndDelivery.clsGetData.GetEntryData\n"
-            "Description: Invalid column name 'x1'.\nNative: 207\nSQLSTATE: 42000\n");
+            "Description: Invalid column name 'x1'.\nNative: 207\nSQLSTATE: 42S22\n");
 }
 
 TEST_F(CommandTest, ReadsJsonAndKeepsItsDigits) {

@@ -14,6 +14,7 @@ struct Mapping {
 
 // Sorted by native number. A number that does not stand here is an error in the statement.
 constexpr std::array kMappings = {
+    Mapping{207, error_number::kStatementError, "42S22"},
     Mapping{208, error_number::kNoSuchTable, "42S02"},       Mapping{220, error_number::kDataOverflow, "22003"},
     Mapping{241, error_number::kConversionFailed, "22007"},  Mapping{242, error_number::kDataOverflow, "22007"},
     Mapping{244, error_number::kDataOverflow, "22003"},      Mapping{245, error_number::kConversionFailed, "22018"},

@@ -15,6 +15,11 @@ StatementObserver& Observer() {
   return observer;
 }
 
+MessageObserver& Messages() {
+  static MessageObserver observer;
+  return observer;
+}
+
 std::atomic<Connection*>*& RunningSlot() {
   thread_local std::atomic<Connection*>* slot = nullptr;
   return slot;
@@ -50,6 +55,12 @@ DriverRegistry& TheDrivers() {
 }  // namespace
 
 void SetStatementObserver(StatementObserver observer) { Observer() = std::move(observer); }
+
+void SetMessageObserver(MessageObserver observer) { Messages() = std::move(observer); }
+
+void ReportMessage(std::string_view message) {
+  if (Messages()) Messages()(message);
+}
 
 void ShowRunningConnection(std::atomic<Connection*>* slot) { RunningSlot() = slot; }
 

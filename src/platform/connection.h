@@ -56,6 +56,13 @@ class Connection {
 using StatementObserver = std::function<void(std::string_view)>;
 void SetStatementObserver(StatementObserver observer);
 
+/// Called with each message that a batch sends beside its results (PRINT), on the thread that runs it. For the whole
+/// process; set it before the first connection is used. An empty function ends it.
+using MessageObserver = std::function<void(std::string_view)>;
+void SetMessageObserver(MessageObserver observer);
+/// For drivers: hands a message to the observer.
+void ReportMessage(std::string_view message);
+
 /// From now on `slot` holds the connection that is running a batch on the calling thread, nullptr between batches, so
 /// that a signal handler of this thread can cancel it. The slot must outlive the thread's batches; nullptr ends it.
 void ShowRunningConnection(std::atomic<Connection*>* slot);

@@ -81,6 +81,8 @@ TEST(Language, FunctionsOfTextNumberAndDate) {
       {"select FID from o where FDate >= '2026-11-01' and datepart(year, FDate) = 2026 order by FDate desc", "FID;2;1"},
       {"select FDate + 1 as a, cast(FDate - '2026-11-01' as int) as b from o where FID = 2",
        "a|b;2026-11-03 00:00:00|1"},
+      {"select sign(-3.2) as a, sign(cast(5 as money)) as b, sign(0.0) as c, abs(-2.5) as d",
+       "a|b|c|d;-1.0|1.0000|0.0|2.5"},
       {"select replace('aXa', 'x', '-') as a, reverse(N'货a') as b, upper('äb') as c, left('abc', 2) + right('abc', 1) as d, str(3.14159, 6, 2) as e",
        "a|b|c|d|e;a-a|a货|ÄB|abc|  3.14"},
   });
@@ -102,6 +104,11 @@ TEST(Language, BatchesWithControlFlowAndTransactions) {
       {"declare @i int = 0 while 1 = 1 begin set @i += 2 if @i > 6 break end select @i as i", "i;8"},
       {"declare @s nvarchar(50) select @s = isnull(@s + ',', '') + FName from o order by FID select @s as s",
        "s;张三,Bob,bob "},
+      {"declare @s varchar(50) = '' select @s = @s + cast(FID as varchar(5)) from o where FID > 0 order by FDate desc, FID select @s as s",
+       "s;213"},
+      {"declare @i int = 1 select @i = @i * 10 + FID from o order by FID desc select @i as i", "i;1321"},
+      {"create table d (i int identity(1,1) primary key, v int) set identity_insert d on insert d (i, v) values (7, 1) set identity_insert d off insert d (v) values (2) select max(i) as i from d drop table d",
+       "i;8"},
       {"update e set FQty += 1, FCode = 'n' where FID = 1 select @@rowcount as n", "n;2"},
       {"update t set FQty = o.FID * 10 from e t join o on o.FID = t.FID where o.FID = 2 select FQty from e where FID = 2",
        "FQty;20.0000"},
@@ -112,6 +119,26 @@ TEST(Language, BatchesWithControlFlowAndTransactions) {
       {"set xact_abort on begin tran update o set FState = 1 select 1/0",
        "error 8134: Divide by zero error encountered."},
       {"select @@trancount as t, min(FState) as s from o", "t|s;0|2"},
+  });
+}
+
+// Wherever BEGIN TRANSACTION stands, ROLLBACK takes back what came behind it.
+TEST(Language, TransactionsInsideBlocks) {
+  Check({
+      {"begin try begin tran insert e (FEntryID) values (1) raiserror('x', 16, 1) commit end try begin catch rollback end catch select count(*) as n from e",
+       "n;3"},
+      {"begin begin tran insert e (FEntryID) values (1) rollback end select count(*) as n from e", "n;3"},
+      {"if 1 = 1 begin begin tran insert e (FEntryID) values (1) commit begin tran delete e rollback end select count(*) as n from e",
+       "n;4"},
+      {"create procedure p as begin tran delete e rollback", ""},
+      {"exec p select count(*) as n from e", "n;4"},
+      {"create table #t (a int) begin tran insert #t values (1) rollback select count(*) as n from #t drop table #t",
+       "n;0"},
+      {"begin tran begin try select cast('x' as int) as x end try begin catch select xact_state() as s end catch rollback",
+       "s;-1"},
+      {"begin tran delete e begin try select cast('x' as int) as x end try begin catch end catch commit",
+       "error 3930: The current transaction cannot be committed and cannot support operations that write to the log file. Roll back the transaction."},
+      {"select count(*) as n, @@trancount as t from e", "n|t;4|0"},
   });
 }
 
@@ -129,6 +156,8 @@ TEST(Language, ViewsAndProcedures) {
       {"declare @x int, @r int create table #t (a int, b nvarchar(10)) insert #t exec @r = p 5, N'x', @x output select b, @x as x, @r as r from #t drop table #t",
        "b|x|r;x|10|7"},
       {"exec p", "error 201: Procedure or function 'p' expects parameter '@a', which was not supplied."},
+      {"declare @n int exec sp_executesql N'select @c = count(*) from o', N'@c int output', @c = @n output select @n as n",
+       "n;3"},
       {"exec sp_executesql N'select FID from o where FName = @n', N'@n nvarchar(20)', @n = N'张三'", "FID;1"},
       {"exec('select count(*) as n from v')", "n;3"},
       {"drop view v drop procedure p select count(*) as n from sys.objects where type in ('V', 'P')", "n;0"},
@@ -153,6 +182,14 @@ TEST(Language, ErrorsNameWhatIsWrong) {
       {"select 2147483647 + FID from o",
        "error 8115: Arithmetic overflow error converting expression to data type int."},
       {"select 9223372036854775807 + FID as x from o where FID = 1", "x;9223372036854775808"},
+      {"delete from archive.dbo.o", "error 208: Invalid object name 'archive.dbo.o'."},
+      {"use archive", "error 911: Database 'archive' does not exist. Make sure that the name is entered correctly."},
+      {"select FID from o where count(*) > 1",
+       "error 147: An aggregate may not appear in the WHERE clause unless it is in a subquery contained in a HAVING clause or a select list, and the column being aggregated is an outer reference."},
+      {"select max(sum(FID)) as m from o",
+       "error 130: Cannot perform an aggregate function on an expression containing an aggregate or a subquery."},
+      {"select 1e308 * 10 as x", "error 8115: Arithmetic overflow error converting expression to data type float."},
+      {"select format(1, 'N') as x", "error 40000: The function FORMAT is not supported by the embedded database."},
       {"select nothing(1)", "error 195: 'nothing' is not a recognized built-in function name."},
       {"select FID from o for xml auto", "error 40000: FOR XML is not supported by the embedded database."},
       {"set ansi_nulls off", "error 40000: SET ANSI_NULLS OFF is not supported by the embedded database."},
@@ -164,6 +201,14 @@ TEST(Language, ErrorsNameWhatIsWrong) {
       {"select * from o where FID in (select FID, FQty from e)",
        "error 116: Only one expression can be specified in the select list when the subquery is not introduced with EXISTS."},
   });
+}
+
+TEST(Language, ConditionsOfThousandsOfTerms) {
+  std::string terms = "FID = 1";
+  for (int i = 0; i < 5000; ++i) terms += i % 2 == 0 ? " or FID = 2" : " or FID = 9";
+  const auto connection = OpenEmbedded();
+  Answer(*connection, kTables);
+  EXPECT_EQ(Answer(*connection, "select FID from o where " + terms + " order by FID"), "FID;1;2");
 }
 
 // A statement that was seen before is not read again; what differs must still count.

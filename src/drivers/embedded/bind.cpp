@@ -238,7 +238,7 @@ Datum Session::SystemValue(const std::string& name, SqlType& type) {
   if (name == "@@error") return whole(last_error_);
   if (name == "@@trancount") return whole(depth_);
   if (name == "@@spid") return whole(1);
-  if (name == "xact_state") return whole(depth_ > 0 ? 1 : 0);
+  if (name == "xact_state") return whole(doomed_ ? -1 : depth_ > 0 ? 1 : 0);
   if (name == "@@identity" || name == "scope_identity") return identity_ ? whole(*identity_) : Datum{};
   if (name == "@@version") return std::string("TessarLorn embedded database on SQLite ") + sqlite3_libversion();
   if (name.starts_with("error_")) {

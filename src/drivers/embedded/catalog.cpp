@@ -46,6 +46,21 @@ std::string QuoteName(std::string_view name) { return "\"" + ReplaceAll(name, "\
 
 std::string QuoteText(std::string_view text) { return "'" + ReplaceAll(text, "'", "''") + "'"; }
 
+void RequireThisDatabase(std::string_view database) {
+  if (EqualsIgnoreCase(database, "main") || EqualsIgnoreCase(database, "tempdb")) return;
+  throw SqlError(
+      911, "Database '" + std::string(database) + "' does not exist. Make sure that the name is entered correctly.");
+}
+
+void RequireLocal(const ObjectName& name) {
+  const std::vector<std::string_view> parts = Split(name.qualifier, '.');
+  const std::string_view schema = parts.back();
+  const std::string_view database = parts.size() > 1 ? parts[parts.size() - 2] : std::string_view{};
+  const bool here = database.empty() || EqualsIgnoreCase(database, name.temporary() ? "tempdb" : "main");
+  if (here && parts.size() <= 2 && (schema.empty() || EqualsIgnoreCase(schema, "dbo"))) return;
+  throw SqlError(208, "Invalid object name '" + name.qualifier + "." + name.name + "'.");
+}
+
 int CatalogObject::FindColumn(std::string_view column) const {
   for (std::size_t i = 0; i < columns.size(); ++i) {
     if (EqualsIgnoreCase(columns[i].name, column)) return static_cast<int>(i);

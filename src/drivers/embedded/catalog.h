@@ -53,6 +53,11 @@ std::string QuoteName(std::string_view name);
 /// `text` in single quotes.
 std::string QuoteText(std::string_view text);
 
+/// There is one database, "main"; its temporary tables stand in "tempdb". Raises 911 for any other name.
+void RequireThisDatabase(std::string_view database);
+/// Raises 208 for the name of an object of another database, or of a schema that is not dbo.
+void RequireLocal(const ObjectName& name);
+
 class Catalog {
  public:
   explicit Catalog(sqlite3* database) : database_(database) {}

@@ -79,6 +79,7 @@ void Session::CreateTable(CatalogObject table, const std::vector<std::string>& c
 }
 
 void Session::CreateTable(const Statement& statement, Scope& scope) {
+  RequireLocal(statement.table);
   CatalogObject table;
   table.name = statement.table.name;
   table.temporary = statement.table.temporary();
@@ -134,6 +135,7 @@ void Session::CreateTable(const Statement& statement, Scope& scope) {
 }
 
 void Session::AlterTable(const Statement& statement, Scope& scope) {
+  RequireLocal(statement.table);
   const CatalogObjectPtr old = catalog_.Find(statement.table.name);
   if (old == nullptr || old->kind != CatalogKind::kTable) {
     throw SqlError(4902, "Cannot find the object \"" + statement.table.name +
@@ -204,6 +206,7 @@ void Session::DropObjects(const Statement& statement) {
                            : statement.object_kind == Statement::ObjectKind::kView ? CatalogKind::kView
                                                                                    : CatalogKind::kProcedure;
   for (const ObjectName& name : statement.tables) {
+    RequireLocal(name);
     const CatalogObjectPtr object = catalog_.Find(name.name);
     if (object == nullptr || object->kind != kind) {
       if (statement.if_exists) continue;
@@ -225,6 +228,7 @@ void Session::DropTemporaryTables(const std::vector<std::string>& but) {
 }
 
 void Session::CreateIndex(const Statement& statement, Scope& scope) {
+  RequireLocal(statement.table);
   const CatalogObjectPtr table = catalog_.Get(statement.table.name);
   if (table->kind != CatalogKind::kTable) RaiseUnsupported("An index on a view", statement.line);
   std::string columns;
@@ -267,6 +271,7 @@ void Session::DropIndex(const Statement& statement) {
 }
 
 void Session::CreateView(const Statement& statement, Scope& scope) {
+  RequireLocal(statement.table);
   CatalogObject view;
   view.kind = CatalogKind::kView;
   view.name = statement.table.name;
@@ -279,6 +284,7 @@ void Session::CreateView(const Statement& statement, Scope& scope) {
 }
 
 void Session::CreateProcedure(const Statement& statement) {
+  RequireLocal(statement.table);
   CatalogObject procedure;
   procedure.kind = CatalogKind::kProcedure;
   procedure.name = statement.table.name;

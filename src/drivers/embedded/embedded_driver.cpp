@@ -82,6 +82,9 @@ DatabaseHandle OpenDatabase(const Options& options) {
   // A read that fails here says that the file is no database, before anything is done with it.
   embedded::RunSql(opened, "SELECT count(*) FROM sqlite_schema");
   if (!memory) {
+    if (sqlite3_db_readonly(opened, "main") == 1) {
+      RaiseLogin("Cannot open the database '" + options.file + "': the file or its folder may not be written.");
+    }
     embedded::RunSql(opened, "PRAGMA journal_mode = WAL");
     embedded::RunSql(opened, options.full ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
   }

@@ -66,6 +66,7 @@ Session::Flow Session::ExecuteBody(const std::vector<StatementPtr>& body, Scope&
 
 Session::Flow Session::Execute(const Statement& statement, Scope& scope) {
   using Kind = Statement::Kind;
+  LockFor(statement);
   switch (statement.kind) {
     case Kind::kSelect:
       ExecuteSelect(statement, scope);
@@ -109,8 +110,9 @@ Session::Flow Session::Execute(const Statement& statement, Scope& scope) {
       }
       return Flow::kReturn;
     case Kind::kPrint: {
-      // Messages go nowhere here; the value is computed all the same, as it may fail.
-      Evaluate(*statement.value, NVarCharType(0), scope);
+      const Datum message = Evaluate(*statement.value, NVarCharType(0), scope);
+      const auto* words = std::get_if<std::string>(&message);
+      ReportMessage(words == nullptr ? "" : *words);
       return Flow::kNormal;
     }
     case Kind::kRaiseError:
@@ -160,7 +162,8 @@ Session::Flow Session::Execute(const Statement& statement, Scope& scope) {
       CreateProcedure(statement);
       break;
     case Kind::kUse:
-      // There is one database; whatever it is called by, it is in use.
+      RequireThisDatabase(statement.text);
+      return Flow::kNormal;
     case Kind::kEmpty:
       return Flow::kNormal;
   }
@@ -189,6 +192,8 @@ Session::Flow Session::ExecuteTryCatch(const Statement& statement, Scope& scope)
     try_depth_ = depth;
     constexpr std::int32_t kCancelledNumber = 3617;
     if (error.number() == kCancelledNumber || error.severity() >= 20) throw;
+    // An error that would have ended the batch leaves a transaction that can only be rolled back.
+    if (depth_ > 0 && (xact_abort_ || error.ends_transaction())) doomed_ = true;
     caught_.push_back(error);
   }
   struct Leave {
@@ -265,6 +270,7 @@ void Session::ExecuteChange(const Statement& statement, Scope& scope) {
     return;
   }
   if (statement.kind == Statement::Kind::kTruncate) {
+    RequireLocal(statement.table);
     const CatalogObjectPtr table = catalog_.Get(statement.table.name);
     RunSql(database_.get(), "DELETE FROM " + TableSql(*table), &runtime_);
     if (table->identity_column() >= 0) {
@@ -420,8 +426,11 @@ void Session::RaiseUser(const Statement& statement, Scope& scope) {
     const auto* number = std::get_if<std::int64_t>(&value);
     return number == nullptr ? 0 : static_cast<int>(*number);
   };
-  if (whole(severity) <= 10) return;  // a message, no error
   const auto* text = std::get_if<std::string>(&message);
+  if (whole(severity) <= 10) {
+    ReportMessage(FormatMessage(text == nullptr ? "" : *text, arguments));
+    return;
+  }
   throw SqlError(50000, FormatMessage(text == nullptr ? "" : *text, arguments), whole(severity), whole(state));
 }
 

@@ -29,6 +29,13 @@ void CheckBigInt(sqlite3_context* context, Runtime&, Arguments arguments) {
   sqlite3_result_value(context, arguments[0]);
 }
 
+// ts_float(value): a float that has to be finite
+void CheckFloat(sqlite3_context* context, Runtime&, Arguments arguments) {
+  if (IsNull(arguments[0])) return;
+  if (!std::isfinite(sqlite3_value_double(arguments[0]))) RaiseArithmeticOverflow(FloatType());
+  sqlite3_result_value(context, arguments[0]);
+}
+
 void Divide(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (AnyNull(arguments)) return;
   const std::int64_t divisor = sqlite3_value_int64(arguments[1]);
@@ -49,7 +56,9 @@ void DivideFloat(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (AnyNull(arguments)) return;
   const double divisor = sqlite3_value_double(arguments[1]);
   if (divisor == 0.0) RaiseDivideByZero();
-  sqlite3_result_double(context, sqlite3_value_double(arguments[0]) / divisor);
+  const double quotient = sqlite3_value_double(arguments[0]) / divisor;
+  if (!std::isfinite(quotient)) RaiseArithmeticOverflow(FloatType());
+  sqlite3_result_double(context, quotient);
 }
 
 // ts_round(value, places, truncate, type)
@@ -150,6 +159,7 @@ void NewId(sqlite3_context* context, Runtime&, Arguments) {
 void RegisterNumberFunctions(sqlite3* database, Runtime& runtime) {
   RegisterFunction(database, runtime, "ts_i32", 1, CheckInt);
   RegisterFunction(database, runtime, "ts_i64", 1, CheckBigInt);
+  RegisterFunction(database, runtime, "ts_float", 1, CheckFloat);
   RegisterFunction(database, runtime, "ts_div", 2, Divide);
   RegisterFunction(database, runtime, "ts_mod", 2, Modulo);
   RegisterFunction(database, runtime, "ts_fdiv", 2, DivideFloat);

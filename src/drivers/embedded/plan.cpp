@@ -213,6 +213,10 @@ void Classify(const Statement& statement, Plan& plan) {
     case Kind::kExecute:
       plan.defines = true;
       break;
+    case Kind::kSetOption:
+      // What INSERT may name depends on it.
+      plan.defines = plan.defines || statement.text == "identity_insert";
+      break;
     case Kind::kDeclare:
       plan.declares = true;
       break;

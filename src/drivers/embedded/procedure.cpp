@@ -37,6 +37,7 @@ void Session::ExecuteProcedure(const Statement& statement, Scope& scope) {
     ExecuteSql(statement, scope);
     return;
   }
+  RequireLocal(statement.table);
   const CatalogObjectPtr procedure = catalog_.Find(statement.table.name);
   if (procedure == nullptr || procedure->kind != CatalogKind::kProcedure) {
     throw SqlError(2812, "Could not find stored procedure '" + statement.table.name + "'.");
@@ -140,12 +141,13 @@ void Session::ExecuteSql(const Statement& call, Scope& scope) {
   Frame frame;
   std::vector<std::pair<std::string, std::string>> outputs;
   if (call.arguments.size() > 1) {
-    const std::string declarations = ReplaceAll("DECLARE " + text_of(1), " OUTPUT", "");
+    // The declarations read as those of a procedure, OUTPUT and defaults included.
+    const std::string declarations = "CREATE PROCEDURE p " + text_of(1) + " AS RETURN";
     Tokens tokens;
     TokenizeBatch(declarations, names_, tokens);
     const std::vector<StatementPtr> parsed = ParseStatements(declarations, tokens);
-    const std::vector<VariableDeclaration>& parameters = parsed.at(0)->declarations;
-    Declare(*parsed[0], frame);
+    const std::vector<Parameter>& parameters = parsed.at(0)->parameters;
+    for (const Parameter& parameter : parameters) frame.Declare(parameter.name, ResolveType(parameter.type, false));
     for (std::size_t i = 2; i < call.arguments.size(); ++i) {
       const auto& [name, value] = call.arguments[i];
       if (name.empty() && i - 2 >= parameters.size()) {

@@ -275,7 +275,7 @@ void Session::Run(std::string_view batch, bool first_only, const ResultSink& sin
   } catch (...) {
     results_ = nullptr;
     NoteLostTransaction();
-    if (xact_abort_ && depth_ > 0) {
+    if ((xact_abort_ || doomed_) && depth_ > 0) {
       EndTransaction(false);
     } else if (depth_ == 0 && writing_) {
       // What ran before the failing statement stays. When even that cannot be committed the first error says enough.
@@ -288,6 +288,11 @@ void Session::Run(std::string_view batch, bool first_only, const ResultSink& sin
     throw;
   }
   results_ = nullptr;
+  if (doomed_) {
+    EndTransaction(false);
+    throw SqlError(3998,
+                   "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back.");
+  }
   if (depth_ == 0 && writing_) CommitWrite();
   if (first_error_) throw SqlError(*first_error_);
 }

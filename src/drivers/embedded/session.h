@@ -133,6 +133,8 @@ class Session {
   void DropTemporaryTables(const std::vector<std::string>& but = {});
 
   // transaction.cpp
+  /// Takes the write lock that the statement needs, before anything is read for it.
+  void LockFor(const Statement& statement);
   void EnsureWrite();
   void CommitWrite();
   void RollbackWrite() noexcept;
@@ -154,6 +156,7 @@ class Session {
   int try_depth_ = 0;
   int call_depth_ = 0;
   bool xact_abort_ = false;
+  bool doomed_ = false;  // the transaction can only be rolled back
   std::string identity_insert_;
   std::int64_t row_count_ = 0;
   std::int32_t last_error_ = 0;

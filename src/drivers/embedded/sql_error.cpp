@@ -14,20 +14,20 @@ struct Mapping {
 
 // Sorted by native number. A number that does not stand here is an error in the statement.
 constexpr std::array kMappings = {
-    Mapping{207, error_number::kStatementError, "42S22"},
-    Mapping{208, error_number::kNoSuchTable, "42S02"},       Mapping{220, error_number::kDataOverflow, "22003"},
-    Mapping{241, error_number::kConversionFailed, "22007"},  Mapping{242, error_number::kDataOverflow, "22007"},
-    Mapping{244, error_number::kDataOverflow, "22003"},      Mapping{245, error_number::kConversionFailed, "22018"},
-    Mapping{248, error_number::kDataOverflow, "22003"},      Mapping{515, error_number::kConstraintBroken, "23000"},
-    Mapping{517, error_number::kDataOverflow, "22007"},      Mapping{547, error_number::kConstraintBroken, "23000"},
-    Mapping{823, error_number::kDatabaseFailure, "HY000"},   Mapping{824, error_number::kDatabaseFailure, "HY000"},
-    Mapping{1105, error_number::kDatabaseFailure, "HY000"},  Mapping{1205, error_number::kAbortedDeadlock, "40001"},
-    Mapping{1222, error_number::kTimeout, "HYT00"},          Mapping{2601, error_number::kConstraintBroken, "23000"},
-    Mapping{2627, error_number::kConstraintBroken, "23000"}, Mapping{2628, error_number::kStatementError, "22001"},
-    Mapping{3617, error_number::kCancelled, "HY008"},        Mapping{3906, error_number::kPermissionDenied, "42000"},
-    Mapping{4060, error_number::kLoginRefused, "08004"},     Mapping{8114, error_number::kConversionFailed, "22018"},
-    Mapping{8115, error_number::kDataOverflow, "22003"},     Mapping{8134, error_number::kDataOverflow, "22012"},
-    Mapping{8152, error_number::kStatementError, "22001"},   Mapping{40000, error_number::kNotSupported, "0A000"},
+    Mapping{207, error_number::kStatementError, "42S22"},    Mapping{208, error_number::kNoSuchTable, "42S02"},
+    Mapping{220, error_number::kDataOverflow, "22003"},      Mapping{241, error_number::kConversionFailed, "22007"},
+    Mapping{242, error_number::kDataOverflow, "22007"},      Mapping{244, error_number::kDataOverflow, "22003"},
+    Mapping{245, error_number::kConversionFailed, "22018"},  Mapping{248, error_number::kDataOverflow, "22003"},
+    Mapping{515, error_number::kConstraintBroken, "23000"},  Mapping{517, error_number::kDataOverflow, "22007"},
+    Mapping{547, error_number::kConstraintBroken, "23000"},  Mapping{823, error_number::kDatabaseFailure, "HY000"},
+    Mapping{824, error_number::kDatabaseFailure, "HY000"},   Mapping{1105, error_number::kDatabaseFailure, "HY000"},
+    Mapping{1205, error_number::kAbortedDeadlock, "40001"},  Mapping{1222, error_number::kTimeout, "HYT00"},
+    Mapping{2601, error_number::kConstraintBroken, "23000"}, Mapping{2627, error_number::kConstraintBroken, "23000"},
+    Mapping{2628, error_number::kStatementError, "22001"},   Mapping{3617, error_number::kCancelled, "HY008"},
+    Mapping{3906, error_number::kPermissionDenied, "42000"}, Mapping{4060, error_number::kLoginRefused, "08004"},
+    Mapping{8114, error_number::kConversionFailed, "22018"}, Mapping{8115, error_number::kDataOverflow, "22003"},
+    Mapping{8134, error_number::kDataOverflow, "22012"},     Mapping{8152, error_number::kStatementError, "22001"},
+    Mapping{40000, error_number::kNotSupported, "0A000"},
 };
 
 }  // namespace

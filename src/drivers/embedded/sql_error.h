@@ -27,6 +27,8 @@ class SqlError : public std::runtime_error {
     error.ends_batch_ = true;
     return error;
   }
+  /// Inside TRY it leaves a transaction that cannot be committed: a failed conversion, a missing object.
+  [[nodiscard]] bool ends_transaction() const noexcept { return number_ < 50000 && !ends_statement_only(); }
   /// Ends the statement only; the batch goes on (a broken constraint, a division by zero). Others end the batch.
   [[nodiscard]] bool ends_statement_only() const noexcept;
 

@@ -213,8 +213,10 @@ void Char(sqlite3_context* context, Runtime&, Arguments arguments) {
   const std::int64_t code = sqlite3_value_int64(arguments[0]);
   const bool national = sqlite3_value_int(arguments[1]) != 0;
   if (code < 0 || code > (national ? 0xffff : 0xff)) return;
+  // Half a character cannot stand alone in UTF-8.
+  const bool half = code >= 0xd800 && code < 0xe000;
   std::string text;
-  AppendCharacter(text, static_cast<char32_t>(code));
+  AppendCharacter(text, half ? char32_t{0xfffd} : static_cast<char32_t>(code));
   SetText(context, text);
 }
 

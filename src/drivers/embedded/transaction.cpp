@@ -1,10 +1,48 @@
 // Transactions: the write lock, commit and rollback, save points, and the container's transaction.
+#include <algorithm>
+
 #include "drivers/embedded/session.h"
 #include "platform/text.h"
 
 namespace tessarlorn::embedded {
 
+void Session::LockFor(const Statement& statement) {
+  using Kind = Statement::Kind;
+  if (writing_ && !doomed_) return;
+  bool temporary = statement.table.temporary();
+  switch (statement.kind) {
+    case Kind::kInsert:
+    case Kind::kUpdate:
+    case Kind::kDelete:
+    case Kind::kTruncate:
+    case Kind::kCreateTable:
+    case Kind::kAlterTable:
+    case Kind::kCreateIndex:
+    case Kind::kDropIndex:
+    case Kind::kCreateView:
+    case Kind::kCreateProcedure:
+      break;
+    case Kind::kSelect:
+      if (statement.query->select == nullptr || statement.query->select->into.name.empty()) return;
+      temporary = statement.query->select->into.temporary();
+      break;
+    case Kind::kDropTable:
+      temporary = std::all_of(statement.tables.begin(), statement.tables.end(),
+                              [](const ObjectName& name) { return name.temporary(); });
+      break;
+    default:
+      return;
+  }
+  // A transaction takes back what it did to temporary tables, too.
+  if (!temporary || depth_ > 0) EnsureWrite();
+}
+
 void Session::EnsureWrite() {
+  if (doomed_) {
+    throw SqlError(3930,
+                   "The current transaction cannot be committed and cannot support operations that write to the log "
+                   "file. Roll back the transaction.");
+  }
   if (writing_) return;
   RunSql(database_.get(), "BEGIN IMMEDIATE", &runtime_);
   writing_ = true;
@@ -42,6 +80,7 @@ void Session::NoteLostTransaction() {
 
 void Session::EndTransaction(bool commit) {
   depth_ = 0;
+  doomed_ = false;
   if (commit) {
     CommitWrite();
   } else {
@@ -60,6 +99,7 @@ void Session::CommitContainerTransaction() {
         3902,
         "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION: the transaction was ended before.");
   }
+  if (doomed_) EnsureWrite();
   EndTransaction(true);
 }
 
@@ -76,6 +116,7 @@ void Session::ExecuteTransaction(const Statement& statement) {
       return;
     case Statement::Kind::kCommit:
       if (depth_ == 0) throw SqlError(3902, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION.");
+      if (doomed_) EnsureWrite();
       if (--depth_ == 0) CommitWrite();
       return;
     case Statement::Kind::kSaveTransaction:

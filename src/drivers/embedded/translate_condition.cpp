@@ -1,5 +1,6 @@
 // Conditions: comparisons, IN, BETWEEN, LIKE, EXISTS, quantifiers, AND, OR, NOT.
 #include <array>
+#include <span>
 
 #include "drivers/embedded/sql_error.h"
 #include "drivers/embedded/translator.h"
@@ -8,6 +9,13 @@ namespace tessarlorn::embedded {
 namespace {
 
 constexpr std::array<std::string_view, 6> kCompareText = {" = ", " <> ", " < ", " <= ", " > ", " >= "};
+
+/// The parts with `joint` between them, as a tree that is no deeper than it has to be: SQLite limits the depth.
+std::string Joined(std::span<const std::string> parts, const char* joint) {
+  if (parts.size() == 1) return parts[0];
+  const std::size_t half = parts.size() / 2;
+  return "(" + Joined(parts.first(half), joint) + joint + Joined(parts.subspan(half), joint) + ")";
+}
 
 }  // namespace
 
@@ -106,12 +114,9 @@ std::string Translator::Condition(const Expression& expression, Scope& scope) {
     case Expression::Kind::kAnd:
     case Expression::Kind::kOr: {
       const char* joint = expression.kind == Expression::Kind::kAnd ? " AND " : " OR ";
-      std::string sql = "(";
-      for (std::size_t i = 0; i < expression.operands.size(); ++i) {
-        if (i > 0) sql += joint;
-        sql += Condition(*expression.operands[i], scope);
-      }
-      return sql + ")";
+      std::vector<std::string> parts;
+      for (const ExpressionPtr& operand : expression.operands) parts.push_back(Condition(*operand, scope));
+      return Joined(parts, joint);
     }
     case Expression::Kind::kNot:
       return "(NOT " + Condition(*expression.operands[0], scope) + ")";

@@ -199,6 +199,10 @@ Typed Translator::ColumnValue(const Expression& expression, Scope& scope) {
       throw SqlError(8120, "Column '" + owner->alias + "." + found->name + "' is invalid in the " + level->clause +
                                " because it is not contained in either an aggregate function or the GROUP BY clause.");
     }
+    if (level->captured != nullptr) {
+      level->captured->push_back(found->sql);
+      return {"\"$row\".c" + std::to_string(level->captured->size()), found->type, found->nullable, -1};
+    }
     return {found->sql, found->type, found->nullable, -1};
   }
   if (!qualifier.empty() && !qualifier_known) {
@@ -306,11 +310,11 @@ Typed Translator::BinaryOf(BinaryOp op, Typed a, Typed b) {
     const std::string right = Coerce(b, FloatType());
     if (op == BinaryOp::kModulo) RaiseOperand(type, op);
     if (op == BinaryOp::kDivide) return {"ts_fdiv(" + left + ", " + right + ")", type, nullable, -1};
-    return {"(" + left + sign + right + ")", type, nullable, -1};
+    return {"ts_float(" + left + sign + right + ")", type, nullable, -1};
   }
   if (type.is_integer()) {
     const std::string check = type.kind == FieldType::kBigInt ? "ts_i64(" : "ts_i32(";
-    if (op == BinaryOp::kDivide) return {"ts_div(" + a.sql + ", " + b.sql + ")", type, nullable, -1};
+    if (op == BinaryOp::kDivide) return {check + "ts_div(" + a.sql + ", " + b.sql + "))", type, nullable, -1};
     if (op == BinaryOp::kModulo) return {"ts_mod(" + a.sql + ", " + b.sql + ")", type, nullable, -1};
     return {check + a.sql + sign + b.sql + ")", type, nullable, -1};
   }

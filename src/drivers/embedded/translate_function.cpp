@@ -134,6 +134,33 @@ Typed Translator::Function(const Expression& expression, Scope& scope) {
     Typed value = (this->*topic)(expression, scope);
     if (!value.sql.empty()) return value;
   }
+  constexpr std::array<std::string_view, 24> kServerOnly = {"format",
+                                                            "stdev",
+                                                            "stdevp",
+                                                            "var",
+                                                            "varp",
+                                                            "checksum",
+                                                            "degrees",
+                                                            "radians",
+                                                            "cot",
+                                                            "object_name",
+                                                            "parsename",
+                                                            "translate",
+                                                            "string_split",
+                                                            "json_value",
+                                                            "hashbytes",
+                                                            "soundex",
+                                                            "difference",
+                                                            "percent_rank",
+                                                            "cume_dist",
+                                                            "checksum_agg",
+                                                            "datetimefromparts",
+                                                            "switchoffset",
+                                                            "todatetimeoffset",
+                                                            "grouping"};
+  if (std::find(kServerOnly.begin(), kServerOnly.end(), expression.text) != kServerOnly.end()) {
+    RaiseUnsupported("The function " + UpperCase(expression.text), expression.line);
+  }
   SqlError error(195, "'" + expression.text + "' is not a recognized built-in function name.", 15);
   error.set_line(expression.line);
   throw error;
@@ -141,6 +168,17 @@ Typed Translator::Function(const Expression& expression, Scope& scope) {
 
 Typed Translator::Aggregate(const Expression& expression, Scope& scope) {
   const std::string& name = expression.text;
+  if (scope.no_aggregates) {
+    throw SqlError(
+        147,
+        "An aggregate may not appear in the WHERE clause unless it is in a subquery contained in a HAVING clause "
+        "or a select list, and the column being aggregated is an outer reference.",
+        15);
+  }
+  if (aggregate_depth_ > 0) {
+    throw SqlError(130, "Cannot perform an aggregate function on an expression containing an aggregate or a subquery.",
+                   15);
+  }
   const bool count = name == "count" || name == "count_big";
   if (count && !expression.operands.empty() && expression.operands[0]->kind == Expression::Kind::kStar) {
     return {"count(*)", name == "count" ? IntType() : BigIntType(), false, -1};
@@ -366,8 +404,15 @@ Typed Translator::NumberFunction(const Expression& expression, Scope& scope) {
   value.type.precision = value.type.is_integer() ? 0 : value.type.precision;
   const std::string type = Packed(value.type);
   if (name == "abs" || name == "sign") {
-    if (value.type.storage() != Storage::kBigDecimal)
-      return {name + "(" + value.sql + ")", value.type, value.nullable, -1};
+    if (value.type.storage() != Storage::kBigDecimal) {
+      const bool sign_of_scaled = name == "sign" && value.type.is_exact();
+      const std::string call = name + "(" + value.sql + ")";
+      const std::string sql =
+          sign_of_scaled ? "(" + call + " * 1" + std::string(static_cast<std::size_t>(value.type.scale), '0') + ")"
+          : value.type.kind == FieldType::kInt ? "ts_i32(" + call + ")"
+                                               : call;
+      return {sql, value.type, value.nullable, -1};
+    }
     const std::string zero = Packed(IntType());
     const std::string negated = "ts_arith(" + std::to_string(static_cast<int>(BinaryOp::kSubtract)) + ", 0, " + zero +
                                 ", " + value.sql + ", " + type + ", " + type + ")";

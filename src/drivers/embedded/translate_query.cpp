@@ -25,6 +25,7 @@ std::string TableSql(const CatalogObject& table) {
 }
 
 CatalogObjectPtr Translator::Lookup(const ObjectName& name) {
+  RequireLocal(name);
   CatalogObjectPtr object = catalog_.Find(name.name);
   const bool known = std::any_of(dependencies_.objects.begin(), dependencies_.objects.end(),
                                  [&](const Dependencies::Object& entry) { return entry.name == name.name; });
@@ -294,7 +295,9 @@ TranslatedQuery Translator::SelectText(const Query& query, const Select& select,
   const std::string from = From(select.from, scope);
   std::string where;
   if (select.where != nullptr) {
+    scope.no_aggregates = true;
     where = " WHERE " + Condition(*select.where, scope);
+    scope.no_aggregates = false;
     where += KeyListCondition(*select.where, scope);
   }
   std::string group;
@@ -302,6 +305,10 @@ TranslatedQuery Translator::SelectText(const Query& query, const Select& select,
   aggregate_depth_ = 0;
   GroupBy(select, scope, group);
   std::vector<Typed> values;
+  std::vector<std::string> captured;
+  const bool assigns = !select.items.empty() && !select.items[0].variable.empty();
+  const bool sorted = assigns && !query.order_by.empty() && !scope.check_grouping && !select.distinct;
+  if (sorted) scope.captured = &captured;
   for (const SelectItem& item : select.items) {
     const Expression& expression = *item.expression;
     if (expression.kind == Expression::Kind::kStar) {
@@ -344,6 +351,13 @@ TranslatedQuery Translator::SelectText(const Query& query, const Select& select,
     if (named) sql += " AS " + QuoteName(result.columns[i].name);
   }
   if (values.empty()) throw SqlError(263, "Must specify table to select from.");
+  if (sorted) {
+    scope.captured = nullptr;
+    const std::string order = OrderBy(query.order_by, &scope, &select, {});
+    result.sql = SortedAssignment(captured, sql, from + where + order + Limit(query, &select, scope));
+    aggregate_depth_ = outer_depth;
+    return result;
+  }
   sql += from + where + group;
   if (select.having != nullptr) {
     scope.clause = "HAVING clause";
@@ -354,6 +368,13 @@ TranslatedQuery Translator::SelectText(const Query& query, const Select& select,
   aggregate_depth_ = outer_depth;
   result.sql = unfold ? Unfolded(sql) : sql + limit;
   return result;
+}
+
+std::string Translator::SortedAssignment(const std::vector<std::string>& columns, const std::string& values,
+                                         const std::string& rest) {
+  std::string rows = "SELECT 1 AS c0";
+  for (std::size_t i = 0; i < columns.size(); ++i) rows += ", " + columns[i] + " AS c" + std::to_string(i + 1);
+  return "WITH \"$row\" AS MATERIALIZED (" + rows + rest + ") " + values + " FROM \"$row\"";
 }
 
 TranslatedQuery Translator::RowsText(const Query& query, const Scope* parent, const SelectOptions& options) {

@@ -81,6 +81,10 @@ class Translator {
     bool grouped = false;
     bool check_grouping = false;
     std::string clause = "select list";
+    /// An aggregate here is error 147.
+    bool no_aggregates = false;
+    /// Where not null, columns of this scope are noted in it and read from the sorted rows, see SortedAssignment.
+    std::vector<std::string>* captured = nullptr;
     std::set<std::string> group_columns;      // resolved SQL
     std::set<std::string> group_expressions;  // dumps
     bool optional_view = false;               // a view on the inner side of an outer join
@@ -145,6 +149,10 @@ class Translator {
   TranslatedQuery QueryText(const Query& query, const Scope* parent, const SelectOptions& options);
   TranslatedQuery SelectText(const Query& query, const Select& select, const Scope* parent,
                              const SelectOptions& options);
+  /// SELECT @v = … ORDER BY: the rows are sorted before any value is computed, so that a value may read what the row
+  /// before it assigned.
+  std::string SortedAssignment(const std::vector<std::string>& columns, const std::string& values,
+                               const std::string& rest);
   TranslatedQuery RowsText(const Query& query, const Scope* parent, const SelectOptions& options);
   TranslatedQuery SetText(const Query& query, const Scope* parent, const SelectOptions& options);
   std::string With(const std::vector<CommonTable>& tables, const Scope* parent);

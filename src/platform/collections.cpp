@@ -26,7 +26,8 @@ const Variant* Dictionary::Find(std::string_view key) const {
 
 Variant Dictionary::GetValue(std::string_view key, Variant fallback) const {
   const Variant* value = Find(key);
-  return value ? *value : std::move(fallback);
+  if (value != nullptr) return *value;
+  return fallback;
 }
 
 void Dictionary::SetValue(std::string_view key, Variant value) {

@@ -221,10 +221,10 @@ std::string_view Nearest(std::string_view name, const std::vector<std::string_vi
   for (const std::string_view candidate : candidates) {
     row.resize(candidate.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < name.size(); ++i) {
+    for (const char letter : name) {
       std::size_t diagonal = row[0]++;
       for (std::size_t j = 0; j < candidate.size(); ++j) {
-        const std::size_t replaced = diagonal + (AsciiLower(name[i]) == AsciiLower(candidate[j]) ? 0 : 1);
+        const std::size_t replaced = diagonal + (AsciiLower(letter) == AsciiLower(candidate[j]) ? 0 : 1);
         diagonal = row[j + 1];
         row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
       }

@@ -319,7 +319,8 @@ void Session::ExecuteInsertExecute(const Statement& statement, Scope& scope) {
       values += i == 0 ? "?" : ", ?";
       values += std::to_string(i + 1);
     }
-    const StatementHandle insert = Prepare(database_.get(), sql + ") VALUES (" + values + ")", &runtime_);
+    sql.append(") VALUES (").append(values).append(")");
+    const StatementHandle insert = Prepare(database_.get(), sql, &runtime_);
     for (rows->MoveFirst(); !rows->eof(); rows->MoveNext(), ++inserted) {
       for (std::size_t i = 0; i < columns.size(); ++i) {
         const Variant value = rows->Get(i);

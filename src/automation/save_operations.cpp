@@ -86,18 +86,20 @@ constexpr std::array kOperations = {
         "transaction. Never raises."),
     Bind<&clsSaveData::WriteSaveOrderLog>(
         "WriteSaveOrderLog", {{"FID"}, {"EntryID"}, {"FieldName"}, {"Value"}},
-        "Records a new field value of an order (EntryID 0) or of one of its lines, on the session of the instance's last "
-        "operation. Answers what the web-order component answers; its errors come out unchanged, 429 when there is none, "
-        "91 when no session is open."),
+        "Records a new field value of an order (EntryID 0) or of one of its lines, on the session that an earlier "
+        "operation of the same instance opened. Answers what the web-order component answers; its errors come out "
+        "unchanged, 429 when there is none, 91 without such a session, as in a single call by the command."),
     Bind<&clsSaveData::WriteOPLog>(
         "WriteOPLog", {{"sFID"}, {"OPCode"}, {"ItemID"}, {"FOldValue"}, {"FNewValue"}},
         "Records an operation on the orders of the list sFID, with acting user, client address and local time, on the "
-        "session of the instance's last operation. ItemID is 0 for whole orders. Answers what the web-order component "
-        "answers; its errors come out unchanged, 429 when there is none, 91 when no session is open."),
+        "session that an earlier operation of the same instance opened. ItemID is 0 for whole orders. Answers what "
+        "the web-order component answers; its errors come out unchanged, 429 when there is none, 91 without such a "
+        "session, as in a single call by the command."),
     Bind<&clsSaveData::IsLogEnable>(
         "IsLogEnable", {{"OPCode"}},
-        "Whether operations of this code are to be logged, asked on the session of the instance's last operation. Errors "
-        "of the web-order component come out unchanged, 429 when there is none, 91 when no session is open."),
+        "Whether operations of this code are to be logged, asked on the session that an earlier operation of the same "
+        "instance opened. Errors of the web-order component come out unchanged, 429 when there is none, 91 without "
+        "such a session, as in a single call by the command."),
     Bind<&clsSaveData::ConfirmBill>(
         "ConfirmBill", {{"dctPara", kConfirmBill}},
         "Assigns a picker and sets orders waiting for delivery (status 6), whatever their status was. False, with nothing "

@@ -1,5 +1,6 @@
 #include "cli/command.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <cerrno>
@@ -8,6 +9,8 @@
 #include <cstdio>
 #include <cstring>
 #include <iostream>
+#include <optional>
+#include <span>
 
 #include "cli/commands.h"
 #include "cli/display_width.h"
@@ -15,6 +18,7 @@
 #include "cli/usage_error.h"
 #include "drivers/embedded/embedded_driver.h"
 #include "platform/error.h"
+#include "platform/text.h"
 #include "platform/version.h"
 #include "siblings/siblings.h"
 
@@ -50,10 +54,26 @@ const CLI::App& Chosen(const CLI::App& app) {
   return chosen.empty() ? app : *chosen.front();
 }
 
-void ReportUsage(const CLI::App& app, std::string_view fault) {
+void ReportUsage(const CLI::App& app, std::string_view fault, std::string_view help_command = {}) {
   const CLI::App& chosen = Chosen(app);
   const std::string words = &chosen == &app ? "tessarlorn" : "tessarlorn " + chosen.get_name();
-  std::cerr << words << ": " << OnOneLine(fault) << "\n'" << words << " --help' tells how to call it.\n";
+  std::cerr << words << ": " << OnOneLine(fault) << "\n'";
+  if (help_command.empty()) {
+    std::cerr << words << " --help' explains the command.\n";
+  } else {
+    std::cerr << help_command << "' explains the operation.\n";
+  }
+}
+
+/// The first word that is no text, with U+FFFD for what is malformed; nothing when all are texts.
+std::optional<std::string> FindMalformedWord(std::span<const char* const> words) {
+  const auto found = std::find_if_not(words.begin(), words.end(), IsValidUtf8);
+  if (found == words.end()) return std::nullopt;
+  const std::string_view word = *found;
+  std::string shown;
+  for (std::size_t position = 0; position < word.size();) AppendCharacter(shown, NextCharacter(word, position));
+  constexpr std::size_t kShownWidth = 60;
+  return CutToWidth(shown, kShownWidth);
 }
 
 /// What the library says of words that nobody expects, better said.
@@ -90,18 +110,19 @@ void ReportError(const Error& error) {
   if (!error.native().sqlstate.empty()) std::cerr << "SQLSTATE: " << error.native().sqlstate << '\n';
 }
 
-void ObserveStatements(bool show) {
+void ObserveBatches(bool show) {
   SetStatementObserver([show](std::string_view text) {
     RaiseIfInterrupted();
     if (show) std::cerr << text << (text.ends_with('\n') ? "" : "\n") << std::flush;
   });
+  SetMessageObserver([](std::string_view message) { std::cerr << message << '\n' << std::flush; });
 }
 
 ExitStatus RunAction(const CLI::App& app, const CommandContext& context) {
   try {
     return context.action();
   } catch (const UsageError& error) {
-    ReportUsage(app, error.what());
+    ReportUsage(app, error.what(), error.help_command());
     return ExitStatus::kWrongCall;
   } catch (const Error& error) {
     if (WasInterrupted()) {
@@ -129,6 +150,10 @@ ExitStatus Run(int argc, const char* const* argv) {
   AddCallCommand(app, context);
   AddSqlCommand(app, context);
   AddVersionCommand(app, context);
+  if (const auto word = FindMalformedWord({argv, static_cast<std::size_t>(argc)})) {
+    ReportUsage(app, "\"" + *word + "\" is not valid UTF-8");
+    return ExitStatus::kWrongCall;
+  }
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& request) {
@@ -145,7 +170,7 @@ ExitStatus Run(int argc, const char* const* argv) {
     ReportUsage(app, "no command given");
     return ExitStatus::kWrongCall;
   }
-  ObserveStatements(context.show_sql);
+  ObserveBatches(context.show_sql);
   return RunAction(app, context);
 }
 

@@ -5,6 +5,7 @@
 #include "cli/call_arguments.h"
 #include "cli/commands.h"
 #include "cli/json_arguments.h"
+#include "cli/usage_error.h"
 #include "platform/collections.h"
 #include "platform/session.h"
 
@@ -65,13 +66,23 @@ void WriteResult(const CallOptions& options, const Operation& operation, const V
   }
 }
 
+/// A fault of the arguments points to the page of the operation, which lists them.
+std::vector<Variant> ReadArguments(const CallOptions& options, const Operation& operation, const Variant& json,
+                                   const std::string& dsn) {
+  try {
+    return ReadCallArguments(operation, json, options.words, dsn);
+  } catch (const UsageError& error) {
+    throw UsageError(error.what(), "tessarlorn ops " + std::string(operation.name));
+  }
+}
+
 ExitStatus Call(const CallOptions& options, const std::string& dsn) {
   const Operation& operation = RequireOperation(options.operation);
   Variant json;
   if (!options.json_file.empty()) {
-    json = ReadJson(ReadInput(options.json_file), options.json_file == "-" ? "standard input" : options.json_file);
+    json = ReadJson(ReadInput(options.json_file), InputName(options.json_file));
   }
-  std::vector<Variant> arguments = ReadCallArguments(operation, json, options.words, dsn);
+  std::vector<Variant> arguments = ReadArguments(options, operation, json, dsn);
   Variant result;
   {
     std::optional<ContainerTransaction> transaction;

@@ -3,13 +3,16 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <system_error>
 
 #include "cli/terminal.h"
 #include "cli/usage_error.h"
 #include "platform/session_string.h"
+#include "platform/text.h"
 #include "platform/version.h"
 
 namespace tessarlorn::cli {
@@ -51,6 +54,7 @@ void AddConnectionOptions(CLI::App& command, CommandContext& context) {
   command
       .add_option("--dsn", context.dsn,
                   "Connection string of the database, or a session string; else that of TESSARLORN_DSN")
+      ->check([](const std::string& text) { return std::string(text.empty() ? "the connection string is empty" : ""); })
       ->type_name("STRING");
   command.add_flag("--show-sql", context.show_sql,
                    "Print each statement, as it goes to the database and before it runs, to standard error");
@@ -67,12 +71,26 @@ void AddOutputOptions(CLI::App& command, OutputOptions& options) {
       ->type_name("NAMES");
 }
 
+std::string InputName(const std::string& path) { return path == "-" ? "standard input" : path; }
+
 std::string ReadInput(const std::string& path) {
-  if (path == "-") return {std::istreambuf_iterator<char>(std::cin), {}};
-  std::ifstream file(path, std::ios::binary);
+  const auto refuse = [&path](const std::string& why) {
+    throw UsageError("cannot read " + InputName(path) + ": " + why);
+  };
+  std::ifstream file;
+  if (path != "-") {
+    std::error_code unknown;
+    if (std::filesystem::is_directory(path, unknown)) refuse("it is a folder");
+    file.open(path, std::ios::binary);
+    if (!file) refuse(std::strerror(errno));
+  }
   std::string text;
-  if (file) text.assign(std::istreambuf_iterator<char>(file), {});
-  if (!file) throw UsageError("cannot read " + path + ": " + std::strerror(errno));
+  try {
+    text.assign(std::istreambuf_iterator<char>(path == "-" ? std::cin : file), {});
+  } catch (const std::ios_base::failure&) {
+    refuse(std::strerror(errno));
+  }
+  if (!IsValidUtf8(text)) refuse("it is not valid UTF-8");
   return text;
 }
 

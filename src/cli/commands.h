@@ -40,7 +40,11 @@ struct OutputOptions {
 void AddConnectionOptions(CLI::App& command, CommandContext& context);
 void AddOutputOptions(CLI::App& command, OutputOptions& options);
 
-/// The whole of a file, or of standard input for "-". Raises UsageError naming a file that cannot be read.
+/// How messages name an input: the path, or "standard input" for "-".
+std::string InputName(const std::string& path);
+
+/// The whole of a file, or of standard input for "-". Raises UsageError naming an input that cannot be read, that is a
+/// folder, or that is not valid UTF-8.
 std::string ReadInput(const std::string& path);
 
 // Each adds a command that sets the context's action when it is chosen. `context` must outlive `app`.

@@ -1,8 +1,24 @@
+#include <set>
+#include <string>
+#include <vector>
+
 #include "cli/result_rows.h"
 #include "cli/result_writer.h"
 
 namespace tessarlorn::cli {
 namespace {
+
+/// The heads as keys of one object: "_2" and so on behind those that stood before.
+std::vector<std::string> KeysOf(const std::vector<std::string>& heads) {
+  std::set<std::string> taken;
+  std::vector<std::string> keys;
+  for (const std::string& head : heads) {
+    std::string key = head;
+    for (int number = 2; !taken.insert(key).second; ++number) key = head + "_" + std::to_string(number);
+    keys.push_back(key);
+  }
+  return keys;
+}
 
 class JsonWriter final : public ResultWriter {
  public:
@@ -20,7 +36,7 @@ class JsonWriter final : public ResultWriter {
  private:
   void WriteRows(const ResultRows& result) {
     std::vector<std::string> heads;
-    for (const std::string& head : result.heads) heads.push_back(JsonText(head) + ":");
+    for (const std::string& key : KeysOf(result.heads)) heads.push_back(JsonText(key) + ":");
     Recordset& rows = *result.rows;
     out_ << '[';
     bool first = true;

@@ -4,7 +4,6 @@
 #include <array>
 #include <charconv>
 #include <nlohmann/json.hpp>
-#include <set>
 #include <string_view>
 
 #include "cli/usage_error.h"
@@ -126,12 +125,8 @@ ResultRows SelectColumns(const RecordsetPtr& rows, const std::vector<std::string
     result.fields.push_back(*found);
   }
   for (std::size_t i = 0; columns.empty() && i < fields.size(); ++i) result.fields.push_back(i);
-  std::set<std::string> taken;
   for (const std::size_t field : result.fields) {
-    const std::string name = fields[field].name.empty() ? "Column" + std::to_string(field + 1) : fields[field].name;
-    std::string head = name;
-    for (int number = 2; !taken.insert(head).second; ++number) head = name + "_" + std::to_string(number);
-    result.heads.push_back(head);
+    result.heads.push_back(fields[field].name.empty() ? "Column" + std::to_string(field + 1) : fields[field].name);
   }
   return result;
 }

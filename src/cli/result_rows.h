@@ -14,7 +14,7 @@ namespace tessarlorn::cli {
 struct ResultRows {
   RecordsetPtr rows;
   std::vector<std::size_t> fields;
-  /// The head of each shown field; no two are the same, none is empty.
+  /// The head of each shown field, its name or, when it has none, "ColumnN"; two may be the same.
   std::vector<std::string> heads;
 };
 

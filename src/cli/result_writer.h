@@ -38,7 +38,8 @@ class ResultWriter {
 /// Blanks stand in for control characters.
 std::unique_ptr<ResultWriter> MakeTableWriter(const OutputLayout& layout, std::ostream& out);
 
-/// One JSON value for each result, a recordset as an array with one object on each line.
+/// One JSON value for each result, a recordset as an array with one object on each line; of columns of the same name
+/// the later ones get "_2" and so on behind it.
 std::unique_ptr<ResultWriter> MakeJsonWriter(const OutputLayout& layout, std::ostream& out);
 
 /// A line of heads and a line for each row, ended by CR LF; a cell with a comma, quote or line break is quoted, the

@@ -35,10 +35,11 @@ bool clsSaveData::DeliveryRemark(const Dictionary* dctPara) {
   return CallOperation(State(), "OrderRemark", parameters.Text("sDSN"), [&](Connection& connection) {
     const std::string orders = parameters.Text("FID");
     const std::string remark = parameters.Text("FShippingRem");
+    const bool appends = parameters.IsNumber("Mode", 1);
     for (const std::string_view order : SplitKeys(orders)) WriteSaveOrderLog(order, "0", "FShippingRem", remark);
     TextBuilder text;
     text.Line("Update IC_Web2ERPOrders ");
-    if (parameters.IsNumber("Mode", 1)) {
+    if (appends) {
       text.Line("SET    FShippingRem = FShippingRem + '\\", remark, "'");
     } else {
       text.Line("SET    FShippingRem ='", remark, "'");

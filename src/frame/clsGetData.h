@@ -36,9 +36,10 @@ class clsGetData {
   // Browsing.
 
   /// The orders that the filter lets through, one row each, by pay date and local order number; only those of web shops
-  /// that the acting user may see, unless access control is off or the user is an administrator. Nothing without sDsn;
-  /// with Filter Nothing, Nothing after the session is open. Country, province, city, district and carrier are named in
-  /// the caller's language: CHS, otherwise CHT.
+  /// that the acting user may see, unless access control is off or the user is an administrator, which is asked on the
+  /// alternate connection of the operation's own session. Nothing without sDsn; with Filter Nothing, Nothing after the
+  /// session is open. Country, province, city, district and carrier are named in the caller's language: CHS, otherwise
+  /// CHT.
   ///
   /// A text that reads as a date is formatted as one in the eight date keys; any other value is spliced as its text.
   /// With AdvancedFilter (SQL that begins with " AND") the other plain keys do not count; an advanced filter that

@@ -17,7 +17,9 @@ const Variant& Parameters::Value(std::string_view key) const {
 
 bool Parameters::IsNumber(std::string_view key, std::int32_t number) const {
   const Variant* value = Find(key);
-  return value != nullptr && !value->is_empty() && IsNumeric(*value) && value->Equals(number);
+  if (value == nullptr || value->is_empty()) return false;
+  const auto* text = value->get_if<std::string>();
+  return (text == nullptr || !text->empty()) && value->Equals(number);
 }
 
 std::shared_ptr<Dictionary> ItemDictionary(const Variant& item) {

@@ -23,7 +23,8 @@ class Parameters {
   [[nodiscard]] std::string Text(std::string_view key, std::string_view fallback = {}) const;
   /// The value itself, empty when the key is missing.
   [[nodiscard]] const Variant& Value(std::string_view key) const;
-  /// Whether the value is that number, or a text that reads as it; False for a missing key and for any other text.
+  /// Whether the value is that number, or a text that reads as it; False for a missing key, Empty, Null and the empty
+  /// text. Raises 13 "Type mismatch" for any other value that cannot be read as a number.
   [[nodiscard]] bool IsNumber(std::string_view key, std::int32_t number) const;
 
  private:

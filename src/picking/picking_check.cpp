@@ -31,6 +31,9 @@ bool clsSaveData::SavePickingGoods(const Dictionary* dctPara) {
   const Parameters parameters(dctPara);
   if (!parameters.HasText("sProps")) return false;
   return CallOperation(State(), "SavePickingGoods", parameters.Text("sProps"), [&](Connection& connection) {
+    // What is no number is refused before anything is logged.
+    const bool passed = parameters.Has("FPickingGoodsStatus") && !parameters.IsNumber("FPickingGoodsStatus", 0);
+    const bool timed = parameters.IsNumber("FPickingGoodsstatus", 1);
     const std::string parcel = parameters.Text("FLogisticsOrder");
     TextBuilder condition;
     if (IsNumeric(parcel)) {
@@ -43,16 +46,13 @@ bool clsSaveData::SavePickingGoods(const Dictionary* dctPara) {
       query.Line("select FID from IC_Web2ERPOrders with(nolock) ", condition.GetText());
       const RecordsetPtr orders = connection.Execute(query.GetText());
       if (!orders->eof()) {
-        const bool passed = parameters.Has("FPickingGoodsStatus") && !parameters.IsNumber("FPickingGoodsStatus", 0);
         WriteOPLog(orders->Get(std::size_t{0}).ToText(), "3003", "0", "", passed ? "通过" : "不通过");
       }
     }
     TextBuilder text;
     text.Append("UPDATE IC_Web2ERPOrders  SET FPIckingGoodsStatus ={status},FPickingGoodMan = {man}",
                 {{"status", parameters.Text("FPickingGoodsStatus", "0")}, {"man", parameters.Text("FPickingGoodMan")}});
-    if (parameters.IsNumber("FPickingGoodsstatus", 1)) {
-      text.Append(",FOrderPickingDate='{now}'", {{"now", LocalNow().ToString()}});
-    }
+    if (timed) text.Append(",FOrderPickingDate='{now}'", {{"now", LocalNow().ToString()}});
     text.Line(condition.GetText());
     connection.Execute(text.GetText());
     return true;

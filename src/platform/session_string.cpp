@@ -1,6 +1,7 @@
 #include "platform/session_string.h"
 
 #include <charconv>
+#include <set>
 #include <variant>
 
 #include "platform/error.h"
@@ -32,6 +33,7 @@ std::variant<std::string, Fault> ReadBraced(std::string_view text, std::size_t& 
 
 std::variant<Pairs, Fault> ReadPairs(std::string_view text) {
   Pairs pairs;
+  std::set<std::string> seen;
   std::size_t position = 0;
   while (position < text.size()) {
     const std::size_t next = text.find_first_not_of(" ;", position);
@@ -42,6 +44,7 @@ std::variant<Pairs, Fault> ReadPairs(std::string_view text) {
     }
     const std::string_view key = Trim(text.substr(next, end_of_key - next));
     if (key.empty()) return Fault{"No key before \"=\""};
+    if (!seen.insert(LowerCase(key)).second) return Fault{"The key " + std::string(key) + " is doubled"};
     position = text.find_first_not_of(' ', end_of_key + 1);
     if (position == std::string_view::npos) position = text.size();
     if (position < text.size() && text[position] == '{') {
@@ -101,13 +104,8 @@ SessionString ParseSessionString(std::string_view text) {
     if (session.database.empty()) RaiseFault("it is empty");
     return session;
   }
-  std::vector<std::string> seen;
   for (auto& [key, value] : ParsePairs(text)) {
     const std::string name = LowerCase(key);
-    for (const std::string& earlier : seen) {
-      if (earlier == name) RaiseFault("the key " + key + " is doubled");
-    }
-    seen.push_back(name);
     if (name == "connect") {
       session.database = Trim(value);
     } else if (name == "user") {

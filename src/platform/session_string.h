@@ -26,7 +26,8 @@ struct SessionString {
 SessionString ParseSessionString(std::string_view text);
 
 /// Splits `Key=value;…` into pairs in their order; a value may stand in braces, `}}` in it is a brace. Blanks around
-/// keys and unbraced values are dropped. Raises 0x80040E4D for text that is no such list.
+/// keys and unbraced values are dropped. Raises 0x80040E4D for text that is no such list, and for a key that stands
+/// twice without regard to case, naming it.
 std::vector<std::pair<std::string, std::string>> ParsePairs(std::string_view text);
 
 }  // namespace tessarlorn

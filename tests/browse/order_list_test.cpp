@@ -134,6 +134,10 @@ TEST_F(OrderListTest, FiltersByStatusAndLock) {
              kUnlocked}));
   EXPECT_EQ(Where({{"FOrderStatus", 2}, {"IsLock", "1"}}), Lines({" where 1=1 ", locked}));
   EXPECT_EQ(Where({{"FOrderStatus", 2}, {"IsLock", 2}}), Lines({" where 1=1 ", kUnlocked}));
+  EXPECT_EQ(Where({{"IsLock", ""}}), Lines({" where 1=1 ", kUnlocked}));
+  const Dictionary no_number{{"IsLock", "abc"}};
+  EXPECT_EQ(Raised([&] { get_.GetListData(kDsn, &no_number); }),
+            "13 TessarLornPickingAndDelivery.clsGetData.GetListData");
 }
 
 TEST_F(OrderListTest, FiltersRefundsByTheSetting) {

@@ -91,10 +91,13 @@ TEST_F(CommandTest, HelpsAtEveryLevel) {
 }
 
 TEST_F(CommandTest, NamesWhatIsWrongWithACallAndDoesNothing) {
+  const std::string folder = folder_.string();
+  std::ofstream(folder_ / "malformed.sql") << "select 'a\xff' A";
   std::ofstream(folder_ / "broken.json") << "{\"dctPara\":\n {\"FID\" 1}}";
   struct Case {
     std::string words;
     std::string fault;
+    std::string help = "--help' explains the command.\n";
   };
   for (const Case& item : {
            Case{"", "tessarlorn: no command given"},
@@ -102,17 +105,29 @@ TEST_F(CommandTest, NamesWhatIsWrongWithACallAndDoesNothing) {
            Case{"ops --jsn", "tessarlorn ops: unknown option --jsn; did you mean --json?"},
            Case{"ops GetListDat", "tessarlorn ops: unknown operation GetListDat; did you mean GetListData?"},
            Case{"call", "tessarlorn call: OPERATION is required"},
-           Case{"call Delivery dctPara.Fid=1", "tessarlorn call: dctPara has no key Fid; did you mean FID?"},
+           Case{"call Delivery dctPara.Fid=1", "tessarlorn call: dctPara has no key Fid; did you mean FID?",
+                "\n'tessarlorn ops Delivery' explains the operation.\n"},
+           Case{"call clsSaveData.Delivery FID=1", "tessarlorn call: Delivery has no argument FID",
+                "\n'tessarlorn ops Delivery' explains the operation.\n"},
            Case{"call GetListData Filter={} --columns FIDD", "tessarlorn call: the result has no column FIDD"},
            Case{"call Delivery --args '" + (folder_ / "broken.json").string() + "'", "broken.json:2:9: syntax error"},
            Case{"call Delivery --args nowhere.json", "cannot read nowhere.json: No such file or directory"},
            Case{"call Delivery --json --csv", "--json excludes --csv"},
            Case{"seed --orders many", "--orders"},
            Case{"sql", "tessarlorn sql: give the text to run"},
+           Case{"call GetListData --dsn ''", "--dsn: the connection string is empty"},
+           Case{"--dsn '' sql 'select 1 A'", "--dsn: the connection string is empty"},
+           Case{"call GetListData --args '" + folder + "'", "cannot read " + folder + ": it is a folder"},
+           Case{"sql --file '" + folder + "'", "cannot read " + folder + ": it is a folder"},
+           Case{"sql - <'" + folder + "'", "cannot read standard input: "},
+           Case{"sql --file '" + folder + "/malformed.sql'", "malformed.sql: it is not valid UTF-8"},
+           Case{"call ConfirmBill \"$(printf 'dctPara.FPickRem=a\\377b')\"",
+                "\"dctPara.FPickRem=a\xEF\xBF\xBD"
+                "b\" is not valid UTF-8"},
        }) {
     const Outcome outcome = Run(item.words);
     EXPECT_EQ(outcome.status, 2) << item.words;
-    EXPECT_THAT(outcome.err, AllOf(HasSubstr(item.fault), HasSubstr("--help' tells how to call it"))) << item.words;
+    EXPECT_THAT(outcome.err, AllOf(HasSubstr(item.fault), HasSubstr(item.help))) << item.words;
     EXPECT_EQ(outcome.out, "") << item.words;
   }
   EXPECT_THAT(Run("init", "TESSARLORN_DSN=").err, HasSubstr("no connection string"));
@@ -188,8 +203,11 @@ TEST_F(CommandTest, RunsACallInATransactionUnlessTold) {
   UseDatabase("orders.db");
 }
 
-TEST_F(CommandTest, ShowsStatementsAsTheyGoToTheDatabase) {
+TEST_F(CommandTest, ShowsStatementsAndMessagesAsTheyCome) {
   EXPECT_EQ(Run("--show-sql sql \"select 1 A\"").err, "select 1 A\n");
+  const Outcome told = Run("sql \"print 'half way'; select 1 A\" --csv");
+  EXPECT_EQ(told.err, "half way\n");
+  EXPECT_EQ(told.out, "A\r\n1\r\n");
   const Outcome shown = Run("call UpdateDeliveryData sFID=1,2 --show-sql");
   EXPECT_EQ(shown.status, 0);
   EXPECT_THAT(shown.err, AllOf(HasSubstr("VALUES (1,1,'')\r\n"), HasSubstr("VALUES (2,1,'')\r\n")));

@@ -91,9 +91,14 @@ TEST(ResultWriterTest, WritesJsonWithEveryDigit) {
             "false\n0.30000000000000004\nnull\n\"a\xEF\xBF\xBD\\u0001\"\n");
 }
 
-TEST(ResultWriterTest, ShowsTheColumnsAskedForUnderNamesOfTheirOwn) {
+TEST(ResultWriterTest, ShowsTheColumnsAskedForAndRenamesDoubledOnesInJsonOnly) {
   EXPECT_EQ(Write({.format = OutputFormat::kCsv, .width = 0, .columns = {"ok", "FID", "fid"}}, {Orders()}),
-            "Ok,FID,FID_2\r\ntrue,7,7\r\nfalse,12345,12345\r\n");
+            "Ok,FID,FID\r\ntrue,7,7\r\nfalse,12345,12345\r\n");
+  const std::vector<std::string> doubled = {"FID", "fid"};
+  EXPECT_EQ(Write({.format = OutputFormat::kTable, .width = 0, .columns = doubled}, {Orders()}),
+            "  FID    FID\n-----  -----\n    7      7\n12345  12345\n(2 rows)\n");
+  EXPECT_EQ(Write({.format = OutputFormat::kJson, .width = 0, .columns = doubled}, {Orders()}),
+            "[\n  {\"FID\":7,\"FID_2\":7},\n  {\"FID\":12345,\"FID_2\":12345}\n]\n");
   try {
     Write({.format = OutputFormat::kJson, .width = 0, .columns = {"Costs"}}, {Orders()});
     ADD_FAILURE();

@@ -42,12 +42,16 @@ TEST_F(TransitionsTest, RemarksAreLoggedForEachOrderFirst) {
                               "SET    FShippingRem = FShippingRem + '\\late'",
                               "Where FID in (12,15)",
                           })));
-  for (const Variant& mode : {Variant(0), Variant("append"), Variant(true), Variant()}) {
+  for (const Variant& mode : {Variant(0), Variant(""), Variant(true), Variant()}) {
     Events().clear();
     parameters.SetValue("Mode", mode);
     EXPECT_TRUE(save_.DeliveryRemark(&parameters));
     EXPECT_THAT(Events().back(), HasSubstr("\r\nSET    FShippingRem ='late'\r\n"));
   }
+  Events().clear();
+  parameters.SetValue("Mode", "append");
+  EXPECT_EQ(Raised([&] { save_.DeliveryRemark(&parameters); }), "13 OrderRemark");
+  EXPECT_TRUE(Events().empty());
 }
 
 TEST_F(TransitionsTest, StepsBack) {

@@ -75,6 +75,15 @@ TEST_F(PickingCheckTest, UpdatesTheCheckThoughNoOrderIsFoundToLog) {
   EXPECT_EQ(Events().size(), 3U);
 }
 
+TEST_F(PickingCheckTest, LogsNothingWhenTheCheckIsNoNumber) {
+  TheRecording().answer = [](std::string_view) { return TextRows({"FID"}, {{"12"}}); };
+  for (const char* key : {"FPickingGoodsStatus", "FPickingGoodsstatus"}) {
+    const Dictionary parameters{{"sProps", kDsn}, {"FLogisticsOrder", "SF12"}, {key, "abc"}};
+    EXPECT_EQ(Raised([&] { save_.SavePickingGoods(&parameters); }), "13 SavePickingGoods") << key;
+    EXPECT_TRUE(Events().empty()) << key;
+  }
+}
+
 TEST_F(PickingCheckTest, MarksAlwaysLoggedAndClearsLoggedOnRequest) {
   const Dictionary parameters{{"sDsn", kDsn}, {"FID", "12,15"}, {"UserId", 7}};
   TheRecording().log_enabled = false;

@@ -26,6 +26,18 @@ TEST(SessionStringTest, TakesWholeWhatNamesNoConnect) {
   }
 }
 
+TEST(SessionStringTest, SplitsPairsWithoutDoubledKeys) {
+  const std::vector<std::pair<std::string, std::string>> pairs = {{"Embedded", "a"}, {"Pool", "Embedded"}};
+  EXPECT_EQ(ParsePairs("Embedded=a; Pool = {Embedded};"), pairs);
+  try {
+    ParsePairs("Embedded=a;Pool=1;EMBEDDED={b}");
+    ADD_FAILURE();
+  } catch (const Error& error) {
+    EXPECT_EQ(error.number(), error_number::kLoginRefused);
+    EXPECT_NE(error.description().find("EMBEDDED is doubled"), std::string::npos) << error.description();
+  }
+}
+
 TEST(SessionStringTest, NamesTheFault) {
   const struct {
     const char* text;

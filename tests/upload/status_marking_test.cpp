@@ -23,12 +23,14 @@ TEST_F(StatusMarkingTest, MarksUploaded) {
                              "    FReasonsForFailure=''",
                              "WHERE   FID IN (12,15)",
                          }));
-  for (const Variant& offline : {Variant(0), Variant(2), Variant(true), Variant("no")}) {
+  for (const Variant& offline : {Variant(0), Variant(2), Variant(true), Variant("")}) {
     Events().clear();
     parameters.SetValue("IsOfflineUpLoad", offline);
     EXPECT_TRUE(save_.UploadStatus(&parameters));
     EXPECT_EQ(OnlyEvent().find("FSendType"), std::string::npos) << offline.ToText();
   }
+  parameters.SetValue("IsOfflineUpLoad", "no");
+  EXPECT_EQ(Raised([&] { save_.UploadStatus(&parameters); }), "13 UploadStatus");
 }
 
 TEST_F(StatusMarkingTest, RecordsFailures) {

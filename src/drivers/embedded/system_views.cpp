@@ -1,7 +1,5 @@
 #include "drivers/embedded/system_views.h"
 
-#include <array>
-
 #include "platform/text.h"
 
 namespace tessarlorn::embedded {

@@ -528,7 +528,6 @@ Compiled Translator::CompileQuery(const Query& query) {
     }
   }
   SelectOptions options;
-  options.top_level = true;
   TranslatedQuery text = QueryText(query, nullptr, options);
   Compiled compiled = Finish(std::move(text.sql));
   compiled.columns = std::move(text.columns);

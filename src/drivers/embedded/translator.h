@@ -78,7 +78,6 @@ class Translator {
     const Scope* parent = nullptr;
     std::vector<Source> sources;
     /// Only grouped columns may stand outside aggregates.
-    bool grouped = false;
     bool check_grouping = false;
     std::string clause = "select list";
     /// An aggregate here is error 147.
@@ -99,7 +98,6 @@ class Translator {
     const std::vector<std::string>* names = nullptr;
     bool named = false;  // every column needs a name of its own (derived tables, views)
     std::string owner;   // for messages: the derived table's alias
-    bool top_level = false;
   };
 
   // translate_expression.cpp

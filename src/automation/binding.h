@@ -40,18 +40,58 @@ class BoundArgument<Parameter> {
   std::string value_;
 };
 
-template <>
-class BoundArgument<std::int32_t> {
+/// Long and Boolean, in.
+template <typename Parameter>
+requires std::is_same_v<Parameter, std::int32_t> || std::is_same_v<Parameter, bool>
+class BoundArgument<Parameter> {
  public:
-  static constexpr ValueType kType = ValueType::kLong;
+  static constexpr bool kIsLong = std::is_same_v<Parameter, std::int32_t>;
+  static constexpr ValueType kType = kIsLong ? ValueType::kLong : ValueType::kBoolean;
   static constexpr bool kInOut = false;
 
-  explicit BoundArgument(const Variant& variant) : value_(variant.ToInt32()) {}
-  [[nodiscard]] std::int32_t Get() const noexcept { return value_; }
+  explicit BoundArgument(const Variant& variant) {
+    if constexpr (kIsLong) {
+      value_ = variant.ToInt32();
+    } else {
+      value_ = variant.ToBool();
+    }
+  }
+  [[nodiscard]] Parameter Get() const noexcept { return value_; }
   void WriteBack() {}
 
  private:
-  std::int32_t value_;
+  Parameter value_;
+};
+
+/// Integer, in/out.
+template <>
+class BoundArgument<std::int16_t&> {
+ public:
+  static constexpr ValueType kType = ValueType::kInteger;
+  static constexpr bool kInOut = true;
+
+  explicit BoundArgument(Variant& variant) : variant_(variant), value_(variant.ToInt16()) {}
+  std::int16_t& Get() noexcept { return value_; }
+  void WriteBack() { variant_ = value_; }
+
+ private:
+  Variant& variant_;
+  std::int16_t value_;
+};
+
+/// Variant, in/out: the caller's own.
+template <>
+class BoundArgument<Variant&> {
+ public:
+  static constexpr ValueType kType = ValueType::kVariant;
+  static constexpr bool kInOut = true;
+
+  explicit BoundArgument(Variant& variant) : variant_(variant) {}
+  Variant& Get() noexcept { return variant_; }
+  void WriteBack() {}
+
+ private:
+  Variant& variant_;
 };
 
 template <typename Collection>
@@ -82,7 +122,10 @@ constexpr ValueType kResultType = [] {
   if constexpr (std::is_same_v<Result, std::string>) return ValueType::kString;
   if constexpr (std::is_same_v<Result, RecordsetPtr>) return ValueType::kRecordset;
   if constexpr (std::is_same_v<Result, std::optional<Dictionary>>) return ValueType::kDictionary;
-  if constexpr (std::is_same_v<Result, std::optional<Vector>>) return ValueType::kVector;
+  if constexpr (std::is_same_v<Result, std::optional<Vector>> || std::is_same_v<Result, Vector>) {
+    return ValueType::kVector;
+  }
+  if constexpr (std::is_same_v<Result, std::int16_t>) return ValueType::kInteger;
   if constexpr (std::is_same_v<Result, std::int32_t> || std::is_enum_v<Result>) return ValueType::kLong;
 }();
 

@@ -71,7 +71,7 @@ struct Argument {
 class ServiceObject;
 
 struct Operation {
-  static constexpr std::size_t kMostArguments = 5;
+  static constexpr std::size_t kMostArguments = 8;
 
   ServiceClass service = ServiceClass::kSaveData;
   std::string_view name;

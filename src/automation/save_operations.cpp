@@ -26,12 +26,6 @@ constexpr std::array kPickingMark = {
     Optional("UserId", kLong, "", "Id of the user who checked"),
 };
 constexpr std::array kOrders = {ConnectionKey("sDSN"), kOrdersKey};
-constexpr std::array kDeliveryRemark = {
-    ConnectionKey("sDSN"),
-    kOrdersKey,
-    Mandatory("FShippingRem", kString, "The remark"),
-    Optional("Mode", kLong, "0", "1 adds the remark behind the old one, anything else replaces it"),
-};
 constexpr std::array kStepBack = {
     ConnectionKey("sDSN"),
     kOrdersKey,
@@ -78,6 +72,23 @@ constexpr std::array kUploadFailure = {
         .help = "One Dictionary for each failed order",
         .item_keys = kFailure},
 };
+constexpr std::array kOrderRemark = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Mandatory("FSellerMessage", kString, "The remark"),
+    Optional("Mode", kLong, "0", "0 replaces the old remark, any other number adds the new one behind it"),
+};
+constexpr std::array kWishes = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Mandatory("FDeliveryRemark", kString, "The wishes"),
+};
+constexpr std::array kDeliveryRemark = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Mandatory("FShippingRem", kString, "The remark"),
+    Optional("Mode", kLong, "0", "1 adds the remark behind the old one, anything else replaces it"),
+};
 
 constexpr std::array kOperations = {
     Bind<&clsSaveData::TransMode>(
@@ -122,10 +133,6 @@ constexpr std::array kOperations = {
         "Sets orders delivered (status 14) by the acting user and closes their lines, whatever their status was. False, "
         "with nothing done, without sDSN or FID; True when the update ran, also when no order matched. Raises with Source "
         "Delivery, 6 when the user's id is beyond 16 bits."),
-    Bind<&clsSaveData::DeliveryRemark>(
-        "DeliveryRemark", {{"dctPara", kDeliveryRemark}},
-        "Replaces or extends the delivery remark of orders and records it in their field log. False, with nothing done, "
-        "without sDSN, FID or FShippingRem. Raises with Source OrderRemark."),
     Bind<&clsSaveData::BackToThePreviousStep>(
         "BackToThePreviousStep", {{"dctPara", kStepBack}},
         "Steps orders back, from delivered to waiting for delivery or from there to waiting for picking, whatever their "
@@ -169,6 +176,18 @@ constexpr std::array kOperations = {
         "UpLoadStatusForManualAndClosed", {{"sDsn"}},
         "Marks every manual order and every closed transaction, with its lines, as uploaded. True, also when there is "
         "none. Raises with Source UpLoadStatusForManualAndClosed."),
+    Bind<&clsSaveData::OrderRemark>(
+        "OrderRemark", {{"dctPara", kOrderRemark}},
+        "Replaces or extends the seller's remark of orders and records it in their field log. False, with nothing done, "
+        "without sDSN, FID or FSellerMessage. Raises with Source OrderRemark, 13 when Mode is no number."),
+    Bind<&clsSaveData::DeRemark>(
+        "DeRemark", {{"dctPara", kWishes}},
+        "Replaces the buyer's wishes for the delivery of orders and records them in their field log. False, with nothing "
+        "done, without sDSN, FID or FDeliveryRemark. Raises with Source OrderRemark."),
+    Bind<&clsSaveData::DeliveryRemark>(
+        "DeliveryRemark", {{"dctPara", kDeliveryRemark}},
+        "Replaces or extends the delivery remark of orders and records it in their field log. False, with nothing done, "
+        "without sDSN, FID or FShippingRem. Raises with Source OrderRemark."),
 };
 
 }  // namespace

@@ -77,7 +77,7 @@ RecordsetPtr clsGetData::GetListData(std::string_view sDsn, const Dictionary* Fi
   return CallOperation(State(), kSource, sDsn, [&](Connection& connection) -> RecordsetPtr {
     if (Filter == nullptr) return nullptr;
     const Parameters filter(Filter);
-    const std::string language = UpperCase(Trim(context_.GetLanguage()));
+    const std::string language = LanguageOf(context_);
     const std::string where = OrderFilterText(filter, [&] { return IsRefundCheckOff(connection); });
     const std::string columns = SelectList(connection, filter, language);
     TextBuilder tables;

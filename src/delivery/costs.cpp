@@ -3,26 +3,24 @@
 #include "frame/clsSaveData.h"
 #include "frame/formats.h"
 #include "frame/key_list.h"
+#include "frame/order_call.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
 
 namespace tessarlorn {
 
 bool clsSaveData::ModifyCost(const Dictionary* dctPara) {
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN") || !parameters.HasText("FID")) return false;
-  return CallOperation(State(), "Delivery", parameters.Text("sDSN"), [&](Connection& connection) {
-    const std::string orders = parameters.Text("FID");
-    const std::string cost = FormatAmount(parameters.Value("LogisticsCosts"));
-    for (const std::string_view order : SplitKeys(orders)) WriteSaveOrderLog(order, "0", "FLogisticsCost", cost);
+  return CallForOrders(State(), "Delivery", dctPara, [&](const OrderCall& call) {
+    const std::string cost = FormatAmount(call.parameters.Value("LogisticsCosts"));
+    for (const std::string_view order : SplitKeys(call.orders)) WriteSaveOrderLog(order, "0", "FLogisticsCost", cost);
     TextBuilder text;
     text.Append(R"(
 Update IC_Web2ERPOrders
 Set FLogisticsCost = {cost}--物流成本
 WHERE   FID IN ({FID})
 )"_sql,
-                {{"cost", cost}, {"FID", orders}});
-    connection.Execute(text.GetText());
+                {{"cost", cost}, {"FID", call.orders}});
+    call.connection.Execute(text.GetText());
     return true;
   });
 }
@@ -68,9 +66,7 @@ bool clsSaveData::SetUpLogisticsNumber(std::string_view sDsn, const Dictionary* 
 }
 
 double clsGetData::GetTotalLogisticsCosts(const Dictionary* dctPara) {
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN") || !parameters.HasText("FID")) return 0;
-  return CallOperation(State(), "GetTotalLogisticsCosts", parameters.Text("sDSN"), [&](Connection& connection) {
+  return CallForOrders(State(), "GetTotalLogisticsCosts", dctPara, [&](const OrderCall& call) {
     TextBuilder text;
     text.Line(" SET TRANSACTION ISOLATION LEVEL READ UNCOMMITTED  ");
     text.Line(" select SUM(FLogisticsCost) AS TotalLogisticsCosts from ");
@@ -78,8 +74,8 @@ double clsGetData::GetTotalLogisticsCosts(const Dictionary* dctPara) {
     text.Line(
         " else FLogisticsCost/(case when c.FExchangeRate=0 then 1 else c.FExchangeRate end) end FLogisticsCost  ");
     text.Line(" from IC_Web2ERPOrders o inner join t_Currency c on o.FCurrencyID=c.FCurrencyID  ");
-    text.Line(" WHERE   o.FID IN ( ", parameters.Text("FID"), ")) t");
-    const Variant total = connection.Execute(text.GetText())->Get("TotalLogisticsCosts");
+    text.Line(" WHERE   o.FID IN ( ", call.orders, ")) t");
+    const Variant total = call.connection.Execute(text.GetText())->Get("TotalLogisticsCosts");
     return total.is_null() ? 0.0 : total.ToDouble();
   });
 }

@@ -3,15 +3,14 @@
 #include "frame/clsSaveData.h"
 #include "frame/identity.h"
 #include "frame/key_list.h"
+#include "frame/order_call.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
 
 namespace tessarlorn {
 
 bool clsSaveData::Delivery(const Dictionary* dctPara) {
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN") || !parameters.HasText("FID")) return false;
-  return CallOperation(State(), "Delivery", parameters.Text("sDSN"), [&](Connection& connection) {
+  return CallForOrders(State(), "Delivery", dctPara, [&](const OrderCall& call) {
     const std::int16_t user = Variant(CurrentUserId(*session_)).ToInt16();
     TextBuilder text;
     text.Append(R"(
@@ -23,40 +22,16 @@ Update IC_Web2ERPOrdersEntry
 Set FIsRowClose = 1
 Where FID IN ({FID})
 )"_sql,
-                {{"user", user}, {"FID", parameters.Text("FID")}});
-    connection.Execute(text.GetText());
-    return true;
-  });
-}
-
-bool clsSaveData::DeliveryRemark(const Dictionary* dctPara) {
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN") || !parameters.HasText("FID") || !parameters.Has("FShippingRem")) return false;
-  return CallOperation(State(), "OrderRemark", parameters.Text("sDSN"), [&](Connection& connection) {
-    const std::string orders = parameters.Text("FID");
-    const std::string remark = parameters.Text("FShippingRem");
-    const bool appends = parameters.IsNumber("Mode", 1);
-    for (const std::string_view order : SplitKeys(orders)) WriteSaveOrderLog(order, "0", "FShippingRem", remark);
-    TextBuilder text;
-    text.Line("Update IC_Web2ERPOrders ");
-    if (appends) {
-      text.Line("SET    FShippingRem = FShippingRem + '\\", remark, "'");
-    } else {
-      text.Line("SET    FShippingRem ='", remark, "'");
-    }
-    text.Line("Where FID in (", orders, ")");
-    connection.Execute(text.GetText());
+                {{"user", user}, {"FID", call.orders}});
+    call.connection.Execute(text.GetText());
     return true;
   });
 }
 
 bool clsSaveData::BackToThePreviousStep(const Dictionary* dctPara) {
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN") || !parameters.HasText("FID")) return false;
-  return CallOperation(State(), "BackToThePreviousStep", parameters.Text("sDSN"), [&](Connection& connection) {
-    const std::string orders = parameters.Text("FID");
-    const bool from_delivered = parameters.Value("UpdateFlag").ToBool();
-    if (IsLogEnable("3005")) WriteOPLog(orders, "3005", "0", "", "");
+  return CallForOrders(State(), "BackToThePreviousStep", dctPara, [&](const OrderCall& call) {
+    const bool from_delivered = call.parameters.Value("UpdateFlag").ToBool();
+    if (IsLogEnable("3005")) WriteOPLog(call.orders, "3005", "0", "", "");
     TextBuilder text;
     if (from_delivered) {
       text.Append(R"(
@@ -68,7 +43,7 @@ Update IC_Web2ERPOrdersEntry
 Set FIsRowClose = 0
 Where FID IN ({FID})
 )"_sql,
-                  {{"FID", orders}});
+                  {{"FID", call.orders}});
     } else {
       text.Append(R"(
 UPDATE IC_Web2ERPOrders
@@ -77,9 +52,9 @@ SET     FOrderStatus = 2 ,         --待配货状态为2
         FPickDate = Null           --配货时间为空
 WHERE   FID IN ({FID})
 )"_sql,
-                  {{"FID", orders}});
+                  {{"FID", call.orders}});
     }
-    connection.Execute(text.GetText());
+    call.connection.Execute(text.GetText());
     return true;
   });
 }

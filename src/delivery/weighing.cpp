@@ -2,6 +2,7 @@
 #include "delivery/stock_bill_queue.h"
 #include "frame/clsGetData.h"
 #include "frame/clsSaveData.h"
+#include "frame/order_call.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
 #include "platform/error.h"
@@ -70,9 +71,7 @@ bool clsSaveData::UpdateLogisticsWeightStatus(std::string_view sDsn, const Dicti
 }
 
 RecordsetPtr clsGetData::GetWeightByFID(const Dictionary* dctPara) {
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN") || !parameters.HasText("FID")) return nullptr;
-  return CallOperation(State(), "GetWeightByFID", parameters.Text("sDSN"), [&](Connection& connection) {
+  return CallForOrders(State(), "GetWeightByFID", dctPara, [&](const OrderCall& call) {
     TextBuilder text;
     text.Append(R"(
       SELECT    t1.FID ,
@@ -84,9 +83,9 @@ RecordsetPtr clsGetData::GetWeightByFID(const Dictionary* dctPara) {
                 INNER JOIN t_MeasureUnit t4 ON t2.FMaund = t4.FMeasureUnitID
       Where t1.FID = {FID}
 )"_sql,
-                {{"FID", parameters.Text("FID")}});
+                {{"FID", call.orders}});
     text.Line("      GROUP BY  t1.FID ");
-    return connection.Execute(text.GetText());
+    return call.connection.Execute(text.GetText());
   });
 }
 

@@ -64,9 +64,6 @@ class clsSaveData {
   /// Sets the orders FID delivered (status 14) by the acting user and closes their lines, whatever their status was.
   /// Needs sDSN and FID. Raises 6 "Overflow" when the user's id is beyond 16 bits.
   bool Delivery(const Dictionary* dctPara);
-  /// Replaces the delivery remark of the orders FID by FShippingRem or, with Mode 1, adds it behind the old one and a
-  /// backslash. Needs sDSN, FID and FShippingRem. Each order's field log is written first. Source "OrderRemark".
-  bool DeliveryRemark(const Dictionary* dctPara);
   /// Steps the orders FID back: with UpdateFlag True from delivered to 6 (lines open again, shipper cleared), otherwise
   /// to 2 (picker cleared, lines untouched), whatever their status was. Needs sDSN and FID; an absent UpdateFlag is
   /// False. Logged as 3005, before the change.
@@ -109,7 +106,22 @@ class clsSaveData {
   /// Marks every manual order and every closed transaction, with their lines, as uploaded: they never need it.
   bool UpLoadStatusForManualAndClosed(std::string_view sDsn);
 
+  // Amendments.
+
+  /// Replaces the seller's remark of the orders FID by FSellerMessage or, with a Mode other than 0, adds it behind the
+  /// old one and a backslash; an absent or empty Mode replaces. Needs sDSN, FID and FSellerMessage. Each order's field
+  /// log is written first. Raises 13, before that, for a Mode that is no number.
+  bool OrderRemark(const Dictionary* dctPara);
+  /// Replaces the delivery wishes of the orders FID by FDeliveryRemark, which it needs besides sDSN and FID. Each
+  /// order's field log is written first. Source "OrderRemark".
+  bool DeRemark(const Dictionary* dctPara);
+  /// Replaces the delivery remark of the orders FID by FShippingRem or, with Mode 1, adds it behind the old one and a
+  /// backslash. Needs sDSN, FID and FShippingRem. Each order's field log is written first. Source "OrderRemark".
+  bool DeliveryRemark(const Dictionary* dctPara);
+
  private:
+  struct RemarkChange;
+  bool ChangeRemark(const Dictionary* dctPara, const RemarkChange& change);
   struct PickingMark;
   bool ChangePickingMark(const Dictionary* dctPara, const PickingMark& mark);
   [[nodiscard]] InstanceState State() noexcept { return {context_, session_}; }

@@ -6,6 +6,7 @@
 #include "platform/client_address.h"
 #include "platform/error.h"
 #include "platform/object_service.h"
+#include "platform/text.h"
 
 namespace tessarlorn {
 
@@ -14,6 +15,8 @@ Variant CallSibling(DataSession& session, std::string_view prog_id, std::string_
   const CurrentSession current(session);
   return ObjectService::ForThisThread().CreateInstance(prog_id)->Call(method, arguments);
 }
+
+std::string LanguageOf(const SessionContext& context) { return UpperCase(Trim(context.GetLanguage())); }
 
 std::int32_t CurrentUserId(DataSession& session) {
   const std::array<Variant, 1> caller = {session.GetContext().GetCallerInfo()};

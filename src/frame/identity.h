@@ -16,6 +16,9 @@ namespace tessarlorn {
 Variant CallSibling(DataSession& session, std::string_view prog_id, std::string_view method,
                     std::span<const Variant> arguments);
 
+/// The session's language in capitals: "CHS", "CHT", …
+std::string LanguageOf(const SessionContext& context);
+
 /// Id of the acting user, from the security component.
 std::int32_t CurrentUserId(DataSession& session);
 

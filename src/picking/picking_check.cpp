@@ -1,5 +1,6 @@
 // Confirming the picker, and the picking check of orders.
 #include "frame/clsSaveData.h"
+#include "frame/order_call.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
 #include "platform/clock.h"
@@ -7,9 +8,7 @@
 namespace tessarlorn {
 
 bool clsSaveData::ConfirmBill(const Dictionary* dctPara) {
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN") || !parameters.HasText("FID")) return false;
-  return CallOperation(State(), "ConfirmBill", parameters.Text("sDSN"), [&](Connection& connection) {
+  return CallForOrders(State(), "ConfirmBill", dctPara, [&](const OrderCall& call) {
     TextBuilder text;
     text.Append(R"(
 Update IC_Web2ERPOrders
@@ -19,10 +18,10 @@ SET     FPickMan = '{FPickManNumber}', --配货员职员代码
         FOrderStatus = 6                        --待发货状态值
 WHERE   FID IN ( {FID})
 )"_sql,
-                {{"FPickManNumber", parameters.Text("FPickManNumber")},
-                 {"FPickRem", parameters.Text("FPickRem")},
-                 {"FID", parameters.Text("FID")}});
-    connection.Execute(text.GetText());
+                {{"FPickManNumber", call.parameters.Text("FPickManNumber")},
+                 {"FPickRem", call.parameters.Text("FPickRem")},
+                 {"FID", call.orders}});
+    call.connection.Execute(text.GetText());
     return true;
   });
 }

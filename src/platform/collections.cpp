@@ -1,5 +1,7 @@
 #include "platform/collections.h"
 
+#include <algorithm>
+
 #include "platform/error.h"
 
 namespace tessarlorn {
@@ -17,11 +19,21 @@ Dictionary::Dictionary(std::initializer_list<Entry> entries) {
   for (const auto& [key, value] : entries) SetValue(key, value);
 }
 
-bool Dictionary::Exists(std::string_view key) const { return index_.find(key) != index_.end(); }
+std::size_t Dictionary::Position(std::string_view key) const {
+  if (index_.empty()) {
+    const auto found =
+        std::find_if(entries_.begin(), entries_.end(), [key](const Entry& entry) { return entry.first == key; });
+    return found == entries_.end() ? kNowhere : static_cast<std::size_t>(found - entries_.begin());
+  }
+  const auto found = index_.find(key);
+  return found == index_.end() ? kNowhere : found->second;
+}
+
+bool Dictionary::Exists(std::string_view key) const { return Position(key) != kNowhere; }
 
 const Variant* Dictionary::Find(std::string_view key) const {
-  const auto found = index_.find(key);
-  return found == index_.end() ? nullptr : &entries_[found->second].second;
+  const std::size_t position = Position(key);
+  return position == kNowhere ? nullptr : &entries_[position].second;
 }
 
 Variant Dictionary::GetValue(std::string_view key, Variant fallback) const {
@@ -31,21 +43,26 @@ Variant Dictionary::GetValue(std::string_view key, Variant fallback) const {
 }
 
 void Dictionary::SetValue(std::string_view key, Variant value) {
-  const auto found = index_.find(key);
-  if (found != index_.end()) {
-    entries_[found->second].second = std::move(value);
+  const std::size_t position = Position(key);
+  if (position != kNowhere) {
+    entries_[position].second = std::move(value);
     return;
   }
   entries_.emplace_back(key, std::move(value));
-  index_.emplace(key, entries_.size() - 1);
+  if (entries_.size() <= kMostUnindexed) return;
+  if (index_.empty()) {
+    for (const Entry& entry : entries_) index_.emplace(entry.first, index_.size());
+  } else {
+    index_.emplace(key, entries_.size() - 1);
+  }
 }
 
 bool Dictionary::Remove(std::string_view key) {
-  const auto found = index_.find(key);
-  if (found == index_.end()) return false;
-  const std::size_t position = found->second;
-  index_.erase(found);
+  const std::size_t position = Position(key);
+  if (position == kNowhere) return false;
   entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(position));
+  if (index_.empty()) return true;
+  index_.erase(index_.find(key));
   for (auto& [name, place] : index_) {
     if (place > position) --place;
   }

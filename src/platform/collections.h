@@ -41,7 +41,13 @@ class Dictionary {
     using is_transparent = void;
     std::size_t operator()(std::string_view text) const noexcept { return std::hash<std::string_view>{}(text); }
   };
+  /// Up to so many keys are searched one by one.
+  static constexpr std::size_t kMostUnindexed = 12;
+  static constexpr std::size_t kNowhere = static_cast<std::size_t>(-1);
+  [[nodiscard]] std::size_t Position(std::string_view key) const;
+
   std::vector<Entry> entries_;
+  /// Of every key, once there are more than kMostUnindexed; empty before.
   std::unordered_map<std::string, std::size_t, Hash, std::equal_to<>> index_;
 };
 

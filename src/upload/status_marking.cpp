@@ -1,6 +1,7 @@
 // Recording what became of the upload of delivery states to the web shops.
 #include "frame/clsGetData.h"
 #include "frame/clsSaveData.h"
+#include "frame/order_call.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
 #include "platform/error.h"
@@ -9,22 +10,20 @@
 namespace tessarlorn {
 
 bool clsSaveData::UploadStatus(const Dictionary* dctPara) {
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN") || !parameters.HasText("FID")) return false;
-  return CallOperation(State(), "UploadStatus", parameters.Text("sDSN"), [&](Connection& connection) {
+  return CallForOrders(State(), "UploadStatus", dctPara, [&](const OrderCall& call) {
     TextBuilder text;
     text.Append(R"(
 Update IC_Web2ERPOrders
 Set FUpLoadStatus = 1,
  FTransactionStatus = 38193,
 )"_sql);
-    if (parameters.IsNumber("IsOfflineUpLoad", 1)) text.Line("FSendType = 38132 ,");
+    if (call.parameters.IsNumber("IsOfflineUpLoad", 1)) text.Line("FSendType = 38132 ,");
     text.Append(R"(
     FReasonsForFailure=''
 WHERE   FID IN ({FID})
 )"_sql,
-                {{"FID", parameters.Text("FID")}});
-    connection.Execute(text.GetText());
+                {{"FID", call.orders}});
+    call.connection.Execute(text.GetText());
     return true;
   });
 }
@@ -65,13 +64,11 @@ bool clsSaveData::UpLoadStatusForManualAndClosed(std::string_view sDsn) {
 }
 
 RecordsetPtr clsGetData::bExistUpLoadBill(const Dictionary* dctPara) {
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN") || !parameters.HasText("FID")) return nullptr;
-  return CallOperation(State(), "bExistUpLoadBill", parameters.Text("sDSN"), [&](Connection& connection) {
+  return CallForOrders(State(), "bExistUpLoadBill", dctPara, [&](const OrderCall& call) {
     TextBuilder text;
-    text.Line("SELECT FOrderID ,FUpLoadStatus FROM IC_Web2ERPOrders WHERE FUpLoadStatus =1 AND FID in (",
-              parameters.Text("FID"), ")");
-    return connection.Execute(text.GetText());
+    text.Line("SELECT FOrderID ,FUpLoadStatus FROM IC_Web2ERPOrders WHERE FUpLoadStatus =1 AND FID in (", call.orders,
+              ")");
+    return call.connection.Execute(text.GetText());
   });
 }
 

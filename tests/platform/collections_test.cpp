@@ -1,6 +1,7 @@
 #include "platform/collections.h"
 
 #include <gtest/gtest.h>
+#include <string>
 
 #include "platform/error.h"
 
@@ -8,19 +9,25 @@ namespace tessarlorn {
 namespace {
 
 TEST(DictionaryTest, KeepsOrderAndPlacesThroughChanges) {
-  Dictionary entries{{"b", 1}, {"a", 2}, {"c", 3}};
-  entries.SetValue("b", 10);
-  EXPECT_TRUE(entries.Remove("a"));
-  EXPECT_FALSE(entries.Remove("a"));
-  entries.SetValue("A", 4);
-  ASSERT_EQ(entries.size(), 3U);
-  EXPECT_EQ(entries.At(1).first, "b");
-  EXPECT_EQ(entries.At(1).second.ToInt32(), 10);
-  EXPECT_EQ(entries.At(2).first, "c");
-  EXPECT_EQ(entries.At(3).first, "A");
-  EXPECT_EQ(entries.Find("c")->ToInt32(), 3);
-  EXPECT_FALSE(entries.Exists("a"));
-  EXPECT_EQ(entries.GetValue("a", "none").ToText(), "none");
+  // Few keys are searched one by one, many through an index.
+  for (const int others : {0, 12, 50}) {
+    Dictionary entries{{"b", 1}, {"a", 2}, {"c", 3}};
+    for (int i = 0; i < others; ++i) entries.SetValue("key" + std::to_string(i), i);
+    entries.SetValue("b", 10);
+    EXPECT_TRUE(entries.Remove("a"));
+    EXPECT_FALSE(entries.Remove("a"));
+    entries.SetValue("A", 4);
+    const auto count = static_cast<std::size_t>(3 + others);
+    ASSERT_EQ(entries.size(), count);
+    EXPECT_EQ(entries.At(1).first, "b");
+    EXPECT_EQ(entries.At(1).second.ToInt32(), 10);
+    EXPECT_EQ(entries.At(2).first, "c");
+    EXPECT_EQ(entries.At(count).first, "A");
+    EXPECT_EQ(entries.Find("c")->ToInt32(), 3);
+    EXPECT_FALSE(entries.Exists("a"));
+    EXPECT_EQ(entries.GetValue("a", "none").ToText(), "none");
+    for (int i = 0; i < others; ++i) EXPECT_EQ(entries.GetValue("key" + std::to_string(i)).ToInt32(), i);
+  }
 }
 
 TEST(CollectionsTest, CountFromOne) {

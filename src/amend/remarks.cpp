@@ -1,0 +1,59 @@
+// The three remarks that an order carries: the seller's, the buyer's wishes for the delivery, the shipper's.
+#include "frame/clsSaveData.h"
+#include "frame/key_list.h"
+#include "frame/order_call.h"
+#include "frame/text_builder.h"
+
+namespace tessarlorn {
+
+struct clsSaveData::RemarkChange {
+  std::string_view source;
+  /// The key of the new remark, and the column.
+  std::string_view field;
+  /// What stands in the update before the new remark.
+  std::string_view replace;
+  std::string_view append = {};
+  /// Whether the new remark is added behind the old one and a backslash.
+  bool (*appends)(const Parameters& parameters) = nullptr;
+};
+
+bool clsSaveData::OrderRemark(const Dictionary* dctPara) {
+  return ChangeRemark(dctPara, {.source = "OrderRemark",
+                                .field = "FSellerMessage",
+                                .replace = "SET    FSellerMessage ='",
+                                .append = "SET    FSellerMessage = FSellerMessage + '\\",
+                                .appends = [](const Parameters& parameters) {
+                                  return parameters.HasText("Mode") && !parameters.IsNumber("Mode", 0);
+                                }});
+}
+
+bool clsSaveData::DeRemark(const Dictionary* dctPara) {
+  return ChangeRemark(dctPara,
+                      {.source = "OrderRemark", .field = "FDeliveryRemark", .replace = "SET    FDeliveryRemark ='"});
+}
+
+bool clsSaveData::DeliveryRemark(const Dictionary* dctPara) {
+  return ChangeRemark(dctPara,
+                      {.source = "OrderRemark",
+                       .field = "FShippingRem",
+                       .replace = "SET    FShippingRem ='",
+                       .append = "SET    FShippingRem = FShippingRem + '\\",
+                       .appends = [](const Parameters& parameters) { return parameters.IsNumber("Mode", 1); }});
+}
+
+bool clsSaveData::ChangeRemark(const Dictionary* dctPara, const RemarkChange& change) {
+  if (!Parameters(dctPara).Has(change.field)) return false;
+  return CallForOrders(State(), change.source, dctPara, [&](const OrderCall& call) {
+    const std::string remark = call.parameters.Text(change.field);
+    const bool appends = change.appends != nullptr && change.appends(call.parameters);
+    for (const std::string_view order : SplitKeys(call.orders)) WriteSaveOrderLog(order, "0", change.field, remark);
+    TextBuilder text;
+    text.Line("Update IC_Web2ERPOrders ");
+    text.Line(appends ? change.append : change.replace, remark, "'");
+    text.Line("Where FID in (", call.orders, ")");
+    call.connection.Execute(text.GetText());
+    return true;
+  });
+}
+
+}  // namespace tessarlorn

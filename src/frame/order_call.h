@@ -1,0 +1,33 @@
+// The call of operations whose Dictionary names the connection string, sDSN, and the orders, FID.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "frame/call_frame.h"
+#include "frame/parameters.h"
+
+namespace tessarlorn {
+
+struct OrderCall {
+  Connection& connection;
+  const Parameters& parameters;
+  /// The list FID.
+  const std::string& orders;
+};
+
+/// Runs `body(const OrderCall&)` as CallOperation does. Without sDSN or FID nothing is done, and the answer is empty:
+/// False, 0, "" or Nothing.
+template <typename Body>
+auto CallForOrders(InstanceState instance, std::string_view source, const Dictionary* values, const Body& body)
+    -> std::invoke_result_t<Body, const OrderCall&> {
+  const Parameters parameters(values);
+  if (!parameters.HasText("sDSN") || !parameters.HasText("FID")) return {};
+  return CallOperation(instance, source, parameters.Text("sDSN"), [&](Connection& connection) {
+    const std::string orders = parameters.Text("FID");
+    return body(OrderCall{connection, parameters, orders});
+  });
+}
+
+}  // namespace tessarlorn

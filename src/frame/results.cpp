@@ -1,0 +1,29 @@
+#include "frame/results.h"
+
+namespace tessarlorn {
+
+bool ReadFlag(Connection& connection, std::string_view query) {
+  return connection.Execute(query)->Get("Flag").ToInt32() > 0;
+}
+
+std::string JoinColumn(const RecordsetPtr& rows, std::string_view field) {
+  std::string text;
+  std::string_view separator;
+  for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) {
+    text.append(separator).append(rows->Get(field).ToText());
+    separator = ",";
+  }
+  return text;
+}
+
+Vector RowDictionaries(const RecordsetPtr& rows, std::initializer_list<std::string_view> names) {
+  Vector items;
+  for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) {
+    Dictionary item;
+    for (const std::string_view name : names) item.SetValue(name, rows->Get(name));
+    items.Add(std::move(item));
+  }
+  return items;
+}
+
+}  // namespace tessarlorn

@@ -1,0 +1,23 @@
+// What operations make of the rows that a query answers.
+#pragma once
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+#include "platform/collections.h"
+#include "platform/connection.h"
+#include "platform/recordset.h"
+
+namespace tessarlorn {
+
+/// Whether the query, which counts something AS flag, counted any.
+bool ReadFlag(Connection& connection, std::string_view query);
+
+/// The texts of a field in all rows with commas between them, "" for no row.
+std::string JoinColumn(const RecordsetPtr& rows, std::string_view field);
+
+/// One Dictionary a row, with the values of the fields under the names given. Empty for no row.
+Vector RowDictionaries(const RecordsetPtr& rows, std::initializer_list<std::string_view> names);
+
+}  // namespace tessarlorn

@@ -39,7 +39,7 @@ CREATE TABLE IC_Web2ERPOrders (
   FInvoiceStatus int NOT NULL DEFAULT 0,                   -- 1 = the buyer has an invoice
   FInvoiceName nvarchar(255) NOT NULL DEFAULT '',
   FInnerInvoice int NOT NULL DEFAULT 0,                    -- 1 = covered by an internal invoice
-  FFeeBillNO nvarchar(50) NOT NULL DEFAULT '',             -- key of the covering cost invoice
+  FFeeBillNO nvarchar(50) NOT NULL DEFAULT '',             -- ICExpenses.FinterID as text, '' = none
   -- State
   FOrderStatus int NOT NULL DEFAULT 2,                     -- 2 to be picked, 6 to be delivered, 14 delivered
   FTransactionType int NOT NULL DEFAULT 0,                 -- t_SubMessage
@@ -79,6 +79,16 @@ GO
 -- When the buyer wants the parcel, in the shop's words.
 IF COL_LENGTH('IC_Web2ERPOrders', 'FDeliveryTime') IS NULL
 ALTER TABLE IC_Web2ERPOrders ADD FDeliveryTime nvarchar(100) NULL;
+GO
+
+-- How often an order was printed, and whether its address was changed here after the import.
+IF COL_LENGTH('IC_Web2ERPOrders', 'FPrintPickCount') IS NULL
+ALTER TABLE IC_Web2ERPOrders ADD
+  FPrintPickCount int NOT NULL DEFAULT 0,                  -- pick list
+  FPrintSendCount int NOT NULL DEFAULT 0,                  -- delivery note
+  FPrintExpressCount int NOT NULL DEFAULT 0,               -- waybill
+  FPrintSendList int NOT NULL DEFAULT 0,                   -- delivery list
+  fisLocalChangeAddr int NOT NULL DEFAULT 0;               -- 1 = changed
 GO
 
 -- Order line.

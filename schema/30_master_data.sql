@@ -27,6 +27,22 @@ CREATE TABLE t_MeasureUnit (
   FCoefficient decimal(14,4) NOT NULL DEFAULT 1);          -- how many of it make one base unit of the group
 GO
 
+-- The same key under the name that other basic data have it by.
+IF COL_LENGTH('t_MeasureUnit', 'FItemID') IS NULL
+ALTER TABLE t_MeasureUnit ADD FItemID int NOT NULL DEFAULT 0;
+GO
+UPDATE t_MeasureUnit SET FItemID = FMeasureUnitID WHERE FItemID = 0;
+GO
+
+-- Which goods of the web shops are which items.
+IF OBJECT_ID('ic_goodstomateriel') IS NULL
+CREATE TABLE ic_goodstomateriel (
+  FID int NOT NULL PRIMARY KEY,
+  FWebGoodsCode nvarchar(80) NOT NULL DEFAULT '',          -- the merchant's code that the web shop keeps for the goods
+  FMaterielCode nvarchar(80) NOT NULL DEFAULT '',          -- t_ICItem.FNumber
+  FIsPriceChange int NOT NULL DEFAULT 0);                  -- 1 = makes good a difference in price, nothing to be sent
+GO
+
 -- Auxiliary attributes of goods: colours, sizes.
 IF OBJECT_ID('t_AuxItem') IS NULL
 CREATE TABLE t_AuxItem (
@@ -122,6 +138,17 @@ CREATE TABLE IC_Logistics (
   FNumber nvarchar(50) NOT NULL DEFAULT '',
   FName nvarchar(100) NOT NULL DEFAULT '',                 -- simplified Chinese
   FName_CHT nvarchar(100) NOT NULL DEFAULT '');            -- traditional Chinese
+GO
+
+-- Addresses that a carrier is known to serve or not; the places are keys of IC_Area as text.
+IF OBJECT_ID('IC_SaveAddressReachableInfo') IS NULL
+CREATE TABLE IC_SaveAddressReachableInfo (
+  FDeliveryProvince nvarchar(50) NOT NULL,
+  FDeliveryCity nvarchar(50) NOT NULL,
+  FDeliveryDistrict nvarchar(50) NOT NULL,
+  FNumber nvarchar(50) NOT NULL,                           -- the carrier's code
+  FArrive int NOT NULL DEFAULT 0,                          -- 1 = served
+  PRIMARY KEY (FDeliveryProvince, FDeliveryCity, FDeliveryDistrict, FNumber));
 GO
 
 -- Where a parcel is on its way.

@@ -1,4 +1,4 @@
--- Switches, the layout of the order grid, and the logs.
+-- Switches, limits and counters, the layout of the order grid, and the logs.
 
 -- Switches; '1' is on where a switch has no other values.
 IF OBJECT_ID('t_SystemProfile') IS NULL
@@ -8,6 +8,39 @@ CREATE TABLE t_SystemProfile (
   FValue nvarchar(255) NOT NULL DEFAULT '',
   FDescription nvarchar(255) NOT NULL DEFAULT '',
   PRIMARY KEY (FCategory, FKey));
+GO
+
+-- Settings of the programs that synchronise with other systems.
+IF OBJECT_ID('IC_SynchSetting') IS NULL
+CREATE TABLE IC_SynchSetting (
+  FSettingName nvarchar(80) NOT NULL PRIMARY KEY,
+  FSettingValue nvarchar(255) NOT NULL DEFAULT '');
+GO
+
+-- How often each document of an order may be printed.
+IF OBJECT_ID('ICPrintMaxCount') IS NULL
+CREATE TABLE ICPrintMaxCount (
+  FID int NOT NULL PRIMARY KEY,                            -- 10143011 pick list, 10143012 delivery note,
+                                                           -- 10143013 waybill, 10143014 delivery list
+  FName nvarchar(80) NOT NULL DEFAULT '',
+  FPrintControlOrNo bit NOT NULL DEFAULT 0,                -- 1 = limited
+  FPrintMaxCount int NOT NULL DEFAULT 0,
+  FPrintAfterCheck bit NOT NULL DEFAULT 0);                -- 1 = only once the order is checked
+GO
+
+-- Running numbers: the period that each belongs to, and the last one that was handed out. Whoever needs a number first
+-- adds its rows.
+IF OBJECT_ID('IC_MaxNum') IS NULL
+CREATE TABLE IC_MaxNum (
+  FTableName nvarchar(50) NOT NULL PRIMARY KEY,
+  FUserID int NOT NULL DEFAULT 0,
+  FNumber int NOT NULL DEFAULT 0,                          -- such as year and month, six digits
+  FFlag int NOT NULL DEFAULT 0);
+GO
+IF OBJECT_ID('ICMaxNum') IS NULL
+CREATE TABLE ICMaxNum (
+  FTableName nvarchar(50) NOT NULL PRIMARY KEY,
+  FMaxNum int NOT NULL DEFAULT 0);
 GO
 
 -- Fields of the order grid, class type 1014301.

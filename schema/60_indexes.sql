@@ -129,3 +129,63 @@ IF NOT EXISTS (SELECT 1 FROM sys.indexes
                WHERE name = 'IX_Area_Parent' AND object_id = OBJECT_ID('IC_Area'))
 CREATE INDEX IX_Area_Parent ON IC_Area (FParentID);
 GO
+
+-- The orders of a cost invoice.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_FeeBill' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_FeeBill ON IC_Web2ERPOrders (FFeeBillNO);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Trade_TID' AND object_id = OBJECT_ID('IC_Trade'))
+CREATE INDEX IX_Trade_TID ON IC_Trade (FTID);
+GO
+
+-- Which rows of a task are there already.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_UploadWebOrderIndicator_Task' AND object_id = OBJECT_ID('IC_UploadWebOrderIndicator'))
+CREATE INDEX IX_UploadWebOrderIndicator_Task ON IC_UploadWebOrderIndicator (FTaskID, FID);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_UploadWebOrderTaskFlow_User' AND object_id = OBJECT_ID('IC_UploadWebOrderTaskFlow'))
+CREATE INDEX IX_UploadWebOrderTaskFlow_User ON IC_UploadWebOrderTaskFlow (FUserName, FUpStatus);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_goodstomateriel_Materiel' AND object_id = OBJECT_ID('ic_goodstomateriel'))
+CREATE INDEX IX_goodstomateriel_Materiel ON ic_goodstomateriel (FMaterielCode);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_WebtplToStorage_Stock' AND object_id = OBJECT_ID('IC_WebtplToStorage'))
+CREATE INDEX IX_WebtplToStorage_Stock ON IC_WebtplToStorage (FStockID);
+GO
+
+-- A task by its own key, and by what it is for.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_TPLTaskFlow_TaskId' AND object_id = OBJECT_ID('TPLTaskFlow'))
+CREATE INDEX IX_TPLTaskFlow_TaskId ON TPLTaskFlow (FTaskId);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_TPLTaskFlow_Warehouse' AND object_id = OBJECT_ID('TPLTaskFlow'))
+CREATE INDEX IX_TPLTaskFlow_Warehouse ON TPLTaskFlow (FTaskType, FWebTplType, FWebTplID);
+GO
+
+-- A purchase order is looked for by its number; two with one number would be an error.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_POOrder_BillNo' AND object_id = OBJECT_ID('POOrder'))
+CREATE UNIQUE INDEX IX_POOrder_BillNo ON POOrder (FBillNo);
+GO
+
+-- The stock bills of a web-shop order, and their invoices.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_ICStockBillEntry_Source' AND object_id = OBJECT_ID('ICStockBillEntry'))
+CREATE INDEX IX_ICStockBillEntry_Source ON ICStockBillEntry (FSourceTranType, FSourceInterId);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_ICSaleEntry_Source' AND object_id = OBJECT_ID('ICSaleEntry'))
+CREATE INDEX IX_ICSaleEntry_Source ON ICSaleEntry (FSourceInterId, FSourceEntryID);
+GO

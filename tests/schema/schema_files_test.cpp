@@ -17,13 +17,14 @@ TEST(SplitBatchesTest, SplitsAtLinesOfGoAlone) {
   EXPECT_EQ(SplitBatches("GO\n \t\nGO\n"), Batches{});
 }
 
-/// What the database knows of its tables: columns with their types, indexes, views.
+/// What the database knows of its tables: columns with their types, indexes, views, procedures.
 std::string Shape(Connection& connection) {
   std::string shape;
   for (const char* query : {"SELECT TABLE_NAME, COLUMN_NAME, DATA_TYPE, IS_NULLABLE FROM "
                             "INFORMATION_SCHEMA.COLUMNS ORDER BY TABLE_NAME, ORDINAL_POSITION",
-                            "SELECT name, object_id FROM sys.indexes ORDER BY name, object_id",
-                            "SELECT name FROM sys.views ORDER BY name"}) {
+                            "SELECT i.name, t.name FROM sys.indexes i INNER JOIN sys.tables t ON i.object_id = "
+                            "t.object_id ORDER BY i.name, t.name",
+                            "SELECT name FROM sys.views ORDER BY name", "SELECT name FROM sys.procedures"}) {
     for (const RecordsetPtr rows = connection.Execute(query); !rows->eof(); rows->MoveNext()) {
       for (std::size_t i = 0; i < rows->fields().size(); ++i) shape += rows->Get(i).ToText() + "|";
       shape += "\n";
@@ -47,13 +48,83 @@ TEST(SchemaTest, CompletesAnOlderDatabase) {
   database.connection().Execute(
       "DROP INDEX IX_Web2ERPOrdersEx_Lock ON IC_Web2ERPOrdersEx\n"
       "ALTER TABLE IC_Web2ERPOrdersEx DROP COLUMN FIsLock, FLockStatus, FLockReason\n"
+      "ALTER TABLE IC_Web2ERPOrders DROP COLUMN FPrintPickCount, FPrintSendCount, FPrintExpressCount, FPrintSendList, "
+      "fisLocalChangeAddr\n"
+      "ALTER TABLE t_MeasureUnit DROP COLUMN FItemID\n"
+      "INSERT INTO t_MeasureUnit (FMeasureUnitID) VALUES (21)\n"
+      "INSERT INTO IC_Web2ERPOrders (FID) VALUES (1)\n"
       "DROP VIEW vw_TplWeb2ERPOrders\n"
-      "DROP TABLE IC_TradeLog");
+      "DROP PROCEDURE p_WebBillTitleData");
+  for (const char* table : {"IC_TradeLog",
+                            "IC_Trade",
+                            "IC_UploadWebOrderIndicator",
+                            "IC_UploadWebOrderTaskFlow",
+                            "ic_goodstomateriel",
+                            "IC_SaveAddressReachableInfo",
+                            "IC_WebtplFlat",
+                            "IC_WebtplToStorage",
+                            "POOrder",
+                            "POOrderEntry",
+                            "SEOrder",
+                            "SEOrderEntry",
+                            "TPLTaskFlow",
+                            "IC_SynchSetting",
+                            "ICPrintMaxCount",
+                            "IC_MaxNum",
+                            "ICMaxNum",
+                            "ICExpenses",
+                            "ICStockBill",
+                            "ICStockBillEntry",
+                            "ICSale",
+                            "ICSaleEntry",
+                            "IC_WEBOrders_Status"}) {
+    database.connection().Execute(std::string("DROP TABLE ") + table);
+  }
   ASSERT_NE(Shape(database.connection()), shape);
   ApplySchema(database.connection());
-  EXPECT_NO_THROW(database.connection().Execute("SELECT FIsLock, FLockStatus, FLockReason FROM IC_Web2ERPOrdersEx"));
-  EXPECT_NO_THROW(database.connection().Execute("SELECT FTplOrderStatus FROM vw_TplWeb2ERPOrders"));
-  EXPECT_NO_THROW(database.connection().Execute("SELECT FOPCode FROM IC_TradeLog"));
+  EXPECT_EQ(Shape(database.connection()), shape);
+  const RecordsetPtr unit = database.connection().Execute("SELECT FItemID FROM t_MeasureUnit");
+  EXPECT_EQ(unit->Get("FItemID").ToInt32(), 21);
+  const RecordsetPtr order = database.connection().Execute("SELECT FPrintPickCount FROM IC_Web2ERPOrders");
+  EXPECT_EQ(order->Get("FPrintPickCount").ToInt32(), 0);
+}
+
+TEST(SchemaTest, TitlesCountTheOrdersOfEachState) {
+  SampleDatabase database;
+  const auto titles = [&] {
+    std::string text;
+    database.connection().Execute(" exec p_WebBillTitleData ");
+    const RecordsetPtr rows =
+        database.connection().Execute("select * from IC_WEBOrders_Status WITH(NOLOCK) order by FOrderStatus");
+    for (; !rows->eof(); rows->MoveNext()) {
+      text += rows->Get(std::size_t{0}).ToText() + "=" + rows->Get(std::size_t{1}).ToText() + ";";
+    }
+    return text;
+  };
+  EXPECT_EQ(titles(), "2=待配货(0);6=待发货(0);14=已发货(0);");
+  database.connection().Execute(
+      "INSERT INTO IC_Web2ERPOrders (FID,FOrderStatus) VALUES (1,2),(2,6),(3,2)\n"
+      "UPDATE IC_WEBOrders_Status SET FName = N'发完' WHERE FOrderStatus = 14");
+  EXPECT_EQ(titles(), "2=待配货(2);6=待发货(1);14=发完(0);") << "names that were changed stay";
+}
+
+TEST(SchemaTest, TakesTextsWhereOperationsQuoteThem) {
+  SampleDatabase database;
+  database.connection().Execute(
+      "INSERT INTO IC_UploadWebOrderIndicator (FTaskID,FIsSplit,FWebshopID,FID) VALUES ('T','True','101','7')\n"
+      "INSERT INTO IC_Web2ERPOrdersEx (FID,FOrderID,FLotNumber,FSerialNumber,FCreateDate,FAddressReachable,FTplStatus) "
+      "VALUES (1,'','','',GETDATE(),'','3')\n"
+      "INSERT INTO ICExpenses (FinterID) VALUES (5)\n"
+      "INSERT INTO IC_Web2ERPOrders (FID,FFeeBillNO) VALUES (1,'5'),(2,'')\n"
+      "INSERT INTO TPLTaskFlow (FTaskType,FTaskName,FWebTplType,FRefreshTime) VALUES (130,'" +
+      std::string(9000, '1') + "','2',GETDATE())");
+  const auto number = [&](const char* query) {
+    return database.connection().Execute(query)->Get(std::size_t{0}).ToInt32();
+  };
+  EXPECT_EQ(number("SELECT COUNT(*) FROM IC_UploadWebOrderIndicator WHERE FIsSplit=1 AND FID=7"), 1);
+  EXPECT_EQ(number("SELECT FAddressReachable FROM IC_Web2ERPOrdersEx"), 0);
+  EXPECT_EQ(number("SELECT o.FID FROM ICExpenses e INNER JOIN IC_Web2ERPOrders o ON e.FinterID = o.FFeeBillNO"), 1);
+  EXPECT_EQ(number("SELECT LEN(FTaskName) FROM TPLTaskFlow WHERE FWebTplType='2'"), 9000);
 }
 
 TEST(SchemaTest, TakesValuesAsWideAsTheLogsWriteThem) {

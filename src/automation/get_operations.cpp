@@ -42,6 +42,18 @@ constexpr std::array kEntry = {Mandatory("FID", kLong, "Order key")};
 constexpr std::array kOrder = {ConnectionKey("sDSN"), Mandatory("FID", kLong, "Order key")};
 constexpr std::array kOrders = {ConnectionKey("sDSN"), kOrdersKey};
 
+constexpr std::array kConnection = {ConnectionKey("sDSN")};
+constexpr std::array kBuyers = {
+    ConnectionKey("sDSN"),
+    Optional("FID", kString, "", "Order keys (FID), separated by commas; an error without any"),
+};
+constexpr std::array kPrintCount = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Optional("PrintID", kLong, "",
+             "10143011 pick list, 10143012 delivery note, 10143013 waybill, 10143014 delivery list"),
+};
+
 constexpr std::array kOperations = {
     Bind<&clsGetData::TransMode>("TransMode", {},
                                  "The transaction mode that the class reports to its container: 2, each call runs in a "
@@ -56,6 +68,46 @@ constexpr std::array kOperations = {
         "The lines of an order with item, unit, warehouse, refund and after-sales data; gift lines come last. Nothing "
         "without sDsn or FID; an empty recordset for an order without lines. Raises with Source "
         "TessarLornPickingAndDelivery.clsGetData.GetEntryData."),
+    Bind<&clsGetData::GetTemplateData>(
+        "GetTemplateData", {{"dctParam", kConnection}},
+        "The fields of the order grid by page (1 header, 2 lines) and tab index, with captions in the caller's language. "
+        "Nothing without sDSN. Raises with Source TessarLornPickingAndDelivery.clsGetData.GetTemplateData."),
+    Bind<&clsGetData::GetUserDefineFilterTemplate>(
+        "GetUserDefineFilterTemplate", {{"sDsn"}},
+        "The fields that a user-defined filter may use, by tab index, with captions in the caller's language. Nothing "
+        "without sDsn. Raises with Source TessarLornPickingAndDelivery.clsGetData.GetUserDefineFilterTemplate."),
+    Bind<&clsGetData::GetListBySQL>(
+        "GetListBySQL", {{"sDsn"}, {"sFKey"}},
+        "The choices of a lookup field as display_id|display_id, cut at 1000 characters. sFKey is class type and field "
+        "key, as 1014301_FStockID. Empty without sDsn or sFKey, for an unknown field and for one that has no list. Raises "
+        "with Source TessarLornPickingAndDelivery.clsGetData.GetListBySQL, 9 for a key without _, 5 for a list without "
+        "FROM."),
+    Bind<&clsGetData::ExecuteSQL>(
+        "ExecuteSQL", {{"sDsn"}, {"StrSql"}},
+        "Runs SQL as it is and answers its first rows, detached from the connection; Nothing when it answers none. Errors "
+        "come out as the database raised them; an empty connection string is one."),
+    Bind<&clsGetData::GetWebShopData>(
+        "GetWebShopData", {{"dctPara", kConnection}},
+        "FID, FWebShopID and FWebShopName of all web shops. Nothing without sDSN. Raises with Source "
+        "TessarLornPickingAndDelivery.clsGetData.GetWebShopData."),
+    Bind<&clsGetData::GetCommunicaInformation>(
+        "GetCommunicaInformation", {{"dctPara", kBuyers}},
+        "Names, mobile and e-mail of the buyers of orders, in no certain order. Nothing without sDSN; an empty recordset "
+        "when no order matches. Raises with Source TessarLornPickingAndDelivery.clsGetData.GetCommunicaInformation, also "
+        "when FID is missing."),
+    Bind<&clsGetData::GetMobileInformation>(
+        "GetMobileInformation", {{"dctPara", kBuyers}},
+        "What a text message to the buyers of orders needs: buyer, shop, consignee, order numbers, carrier, waybill. "
+        "Orders without a carrier or of an unknown shop are left out. Nothing without sDSN. Raises with Source "
+        "TessarLornPickingAndDelivery.clsGetData.GetMobileInformation, also when FID is missing."),
+    Bind<&clsGetData::GetWebBillTitleData>(
+        "GetWebBillTitleData", {{"PropsString"}},
+        "The titles of the order states, by state. PropsString is the connection string. Nothing without it and on any "
+        "error: it never raises."),
+    Bind<&clsGetData::ExeP_WebBillTitleData>(
+        "ExeP_WebBillTitleData", {{"PropsString"}},
+        "Has the database refresh the titles of the order states. PropsString is the connection string. False without it "
+        "and on any error: it never raises."),
     Bind<&clsGetData::bIsPickingGoods>(
         "bIsPickingGoods", {{"sDsn"}},
         "Whether the picking check is switched on (setting ECPickingGoods). False without sDsn or such a setting. Raises "
@@ -68,6 +120,36 @@ constexpr std::array kOperations = {
         "lPickGoodsCount", {{"sDsn"}},
         "Orders per picking run (setting PickGoodsCount), 20 when the setting is no number. 0 without sDsn. Raises with "
         "Source lPickGoodsCount, 3021 when there is no such setting."),
+    Bind<&clsGetData::bExistStockPositionManager>(
+        "bExistStockPositionManager", {{"dctPara", kOrders}},
+        "The lines of orders that go to a warehouse with stock places, with the default places of warehouse and item; "
+        "price-difference goods are left out. Nothing without sDSN or FID; an empty Vector when no line matches. Raises "
+        "with Source ChangeAddess."),
+    Bind<&clsGetData::bExistBatchOrSerialManagerItem>(
+        "bExistBatchOrSerialManagerItem", {{"dctPara", kOrders}},
+        "Whether a line of the orders has an item with batch or serial numbers. False without sDSN or FID. Raises with "
+        "Source ChangeAddess."),
+    Bind<&clsGetData::bExistBatchEmpty>(
+        "bExistBatchEmpty", {{"dctPara", kOrders}},
+        "Whether a line of the orders has an empty batch number; Null does not count. False without sDSN or FID. Raises "
+        "with Source bExistBatchEmpty."),
+    Bind<&clsGetData::GetBatchNo>(
+        "GetBatchNo", {{"dctPara", kOrders}},
+        "Item, batch number, warehouse and stock place of the lines of orders; one row with Nulls for an order without "
+        "lines. Nothing without sDSN or FID. Raises with Source GetBatchNo."),
+    Bind<&clsGetData::GetSumRecordsetDataForDelivery>(
+        "GetSumRecordsetDataForDelivery", {{"dctParam", kOrders}},
+        "FTotalAmount of each of the orders, in no certain order. Nothing without sDSN or FID. Raises with Source "
+        "TessarLornPickingAndDelivery.clsGetData.GetSumRecordsetDataForDelivery."),
+    Bind<&clsGetData::GetPrintRecordsetForDelivery>(
+        "GetPrintRecordsetForDelivery", {{"dctParam", kOrders}},
+        "The header and line data of delivery notes, one row a line, with area names in the caller's language. Nothing "
+        "without sDSN or FID. Raises with Source TessarLornPickingAndDelivery.clsGetData.GetPrintRecordsetForDelivery."),
+    Bind<&clsGetData::GetOverMaxPrintCountBillInfo>(
+        "GetOverMaxPrintCountBillInfo", {{"dctPara", kPrintCount}},
+        "Those of the orders that were printed as often as the type of print allows, or more, with their counter. An empty "
+        "Vector without sDSN or FID, for any other type, and for one that is not limited. Raises with Source "
+        "GetOverMaxPrintCountBillInfo."),
     Bind<&clsGetData::GetWeightByFID>(
         "GetWeightByFID", {{"dctPara", kOrder}},
         "FID and FWeight of an order, computed from its lines in the base unit of gross weights. Nothing without sDSN or "
@@ -88,6 +170,36 @@ constexpr std::array kOperations = {
         "bExistUpLoadBill", {{"dctPara", kOrders}},
         "FOrderID and FUpLoadStatus of those of the orders that are marked as uploaded. Nothing without sDSN or FID; an "
         "empty recordset when none is. Raises with Source bExistUpLoadBill."),
+    Bind<&clsGetData::GetUploadDataByFID>(
+        "GetUploadDataByFID", {{"strDSN"}, {"strFids"}},
+        "What is to be reported to the web shops about the orders of the list strFids: one Dictionary for each marketplace "
+        "order, or for each of its lines when it was split. An empty Vector without strDSN or strFids. Raises with Source "
+        "TessarLornPickingAndDelivery.clsGetData.GetUploadDataByFID."),
+    Bind<&clsGetData::GetUploadDataByTab>(
+        "GetUploadDataByTab", {{"strDSN"}, {"pageTable"}, {"strFids"}, {"strTempTable"}, {"sNewID"}},
+        "Writes the same reports for the orders of one page as rows: pageTable is the page's work table, strFids the "
+        "run's, strTempTable takes the rows under task sNewID; from there they go into IC_UploadWebOrderIndicator. The "
+        "page is joined as pageTable, so its name is that or is followed by that alias. True, with nothing done, for a "
+        "page that is done; False without strDSN or pageTable. Raises with Source "
+        "TessarLornPickingAndDelivery.clsGetData.GetUploadDataByTab."),
+    Bind<&clsGetData::isRunUploadOrder>(
+        "isRunUploadOrder", {{"sDsn"}},
+        "Whether the acting user has an upload task that is not finished. False without sDsn. Raises with Source "
+        "TessarLornPickingAndDelivery.clsGetData.isRunUploadOrder."),
+    Bind<&clsGetData::GetSplitChrildOrderIDs>(
+        "GetSplitChrildOrderIDs", {{"strDSN"}, {"FID"}, {"SiteOrderID"}, {"ChildOrderIDs"}},
+        "Whether other orders than FID have lines of the marketplace order SiteOrderID; if so, the child orders of FID's "
+        "lines go behind what ChildOrderIDs holds, with commas between them. False without strDSN or with FID 0. Raises "
+        "with Source TessarMWebOrder.TessarMWebOrderInfo.GetSortRs."),
+    Bind<&clsGetData::CheckWebShopTypeSameByOrders>(
+        "CheckWebShopTypeSameByOrders", {{"sDsn"}, {"strIDs"}, {"WebShopType"}},
+        "Whether the orders of the list strIDs are all of web shops of one type, which WebShopType then is; True with 0 "
+        "when none has a shop or strIDs is empty. Raises with Source "
+        "TessarLornPickingAndDelivery.clsGetData.CheckWebShopTypeSameByOrders."),
+    Bind<&clsGetData::GetWebShopType>(
+        "GetWebShopType", {{"sDsn"}, {"sFWebshopID"}},
+        "The type of a web shop. 0 without sDsn and when there is no such shop. Raises with Source "
+        "TessarLornPickingAndDelivery.clsGetData.GetWebShopType."),
 };
 
 }  // namespace

@@ -65,7 +65,10 @@ struct Argument {
   /// Every key counts, whatever its name; `keys` is empty.
   bool any_key = false;
 
-  [[nodiscard]] bool is_connection() const noexcept { return name == "sDsn"; }
+  /// Whether it is the connection string.
+  [[nodiscard]] bool is_connection() const noexcept {
+    return name == "sDsn" || name == "strDSN" || name == "PropsString";
+  }
 };
 
 class ServiceObject;

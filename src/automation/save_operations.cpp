@@ -90,6 +90,14 @@ constexpr std::array kDeliveryRemark = {
     Optional("Mode", kLong, "0", "1 adds the remark behind the old one, anything else replaces it"),
 };
 
+constexpr std::array kBatch = {
+    Optional("FBatchNo", kString, "", "Batch number; single quotes are removed, here and below"),
+    Optional("FStockID", kLong, "", "Warehouse"),
+    Optional("SPID", kLong, "", "Stock place"),
+    Optional("FEntryID", kLong, "0", "Line key"),
+};
+constexpr std::array kPrinted = {Optional("FID", kLong, "", "Order key; the first value counts, whatever its name")};
+
 constexpr std::array kOperations = {
     Bind<&clsSaveData::TransMode>(
         "TransMode", {},
@@ -128,6 +136,19 @@ constexpr std::array kOperations = {
         "ClearPickingGoodsStatus", {{"dctPara", kPickingMark}},
         "Takes the mark of the picking check back; orders without it stay as they are. Logged as 3013 where enabled. "
         "False, with nothing done, without sDsn or FID. Raises with Source ClearPickingGoodsStatus."),
+    Bind<&clsSaveData::SaveBatchNo>(
+        "SaveBatchNo", {{"sDsn"}, {"vctPara", kBatch}},
+        "Stores batch number, warehouse and stock place of each order line of the Vector; batch numbers go to the field "
+        "log first. False, with nothing done, without sDsn or entries. Raises with Source SaveBatchNo."),
+    Bind<&clsSaveData::SavePrintSerialNumber>(
+        "SavePrintSerialNumber", {{"sDsn"}, {"vctOrderInfo", kPrinted}},
+        "Gives the orders of a print run a new lot number and serial numbers from 1, in the order of the Vector. False, "
+        "with nothing done, without sDsn or for Nothing; an empty Vector uses up a lot number and is True. Raises with "
+        "Source SavePrintSerialNumber."),
+    Bind<&clsSaveData::GetUniqueCodeIndex>(
+        "GetUniqueCodeIndex", {{"dctParam", kOrders}},
+        "The unique codes of orders, numbered in the order of FID, five a line. Empty without sDSN or FID. Raises with "
+        "Source TessarLornPickingAndDelivery.clsGetData.GetUniqueCodeIndex."),
     Bind<&clsSaveData::Delivery>(
         "Delivery", {{"dctPara", kOrders}},
         "Sets orders delivered (status 14) by the acting user and closes their lines, whatever their status was. False, "

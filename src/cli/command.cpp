@@ -179,6 +179,7 @@ ExitStatus FlushOutput(ExitStatus status) {
   errno = 0;
   std::cout.flush();
   if (std::cout.good()) return status;
+  // When an earlier part could not be written the reason is lost.
   std::cerr << "tessarlorn: cannot write to standard output";
   if (errno != 0) std::cerr << ": " << std::strerror(errno);
   std::cerr << '\n';

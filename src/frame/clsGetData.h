@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "frame/call_frame.h"
@@ -51,6 +52,40 @@ class clsGetData {
   /// Source "TessarLornPickingAndDelivery.clsGetData.GetEntryData".
   RecordsetPtr GetEntryData(std::string_view sDsn, const Dictionary* dctParameters);
 
+  /// The fields of the order grid by page (1 header, 2 lines) and tab index: FPage, FCaption in the caller's language
+  /// (CHT, otherwise CHS), FFieldName, FTableName, FVisible, FTabIndex, FKey, FCtlType, FClassTypeID. Needs sDSN.
+  /// Source "TessarLornPickingAndDelivery.clsGetData.GetTemplateData".
+  RecordsetPtr GetTemplateData(const Dictionary* dctParam);
+  /// The fields that a user-defined filter may use, by tab index: the saved header fields and some of the lines and
+  /// states. Captions as in GetTemplateData. Nothing without sDsn.
+  /// Source "TessarLornPickingAndDelivery.clsGetData.GetUserDefineFilterTemplate".
+  RecordsetPtr GetUserDefineFilterTemplate(std::string_view sDsn);
+  /// The choices of a lookup field, as "display_id|display_id". sFKey is class type and field key, "1014301_FStockID";
+  /// what follows a second "_" does not count. "" without sDsn or sFKey, for an unknown field, and for one that has no
+  /// list. The database cuts the list at 1000 characters. Raises 9 for a key without "_", 5 for a list that has no FROM
+  /// in capitals. Source "TessarLornPickingAndDelivery.clsGetData.GetListBySQL".
+  std::string GetListBySQL(std::string_view sDsn, std::string_view sFKey);
+  /// Runs the client's own SQL, whatever it is. The recordset is detached from its connection; Nothing when the SQL
+  /// answers no rows. Errors come out as the driver raised them, its Source included; without sDsn that is the error of
+  /// an empty connection string.
+  RecordsetPtr ExecuteSQL(std::string_view sDsn, std::string_view StrSql);
+  /// FID, FWebShopID, FWebShopName of all web shops, by FID. Needs sDSN. The session of the call before is not reset.
+  /// Source "TessarLornPickingAndDelivery.clsGetData.GetWebShopData".
+  RecordsetPtr GetWebShopData(const Dictionary* dctPara);
+  /// FID, names, mobile and e-mail of the buyers of the orders FID, in no certain order. Needs sDSN; without FID the
+  /// database refuses the statement. Source "TessarLornPickingAndDelivery.clsGetData.GetCommunicaInformation".
+  RecordsetPtr GetCommunicaInformation(const Dictionary* dctPara);
+  /// What a text message to the buyers of the orders FID needs: buyer, shop, consignee, order numbers, carrier (named
+  /// in the caller's language: CHT, otherwise CHS) and waybill. Orders without a carrier or of an unknown shop are left
+  /// out. Needs sDSN; without FID the database refuses the statement. Source
+  /// "TessarLornPickingAndDelivery.clsGetData.GetMobileInformation".
+  RecordsetPtr GetMobileInformation(const Dictionary* dctPara);
+  /// The titles of the order states by state, both as the table IC_WEBOrders_Status has them in its first two columns.
+  /// Nothing without PropsString, which is the connection string, and on any error: it raises none.
+  std::optional<Dictionary> GetWebBillTitleData(std::string_view PropsString);
+  /// Has the database refresh those titles. False without PropsString and on any error: it raises none.
+  bool ExeP_WebBillTitleData(std::string_view PropsString);
+
   // Picking settings. False or 0 without sDsn.
 
   /// Whether the picking check is switched on.
@@ -59,6 +94,38 @@ class clsGetData {
   bool bIsPickByBatch(std::string_view sDsn);
   /// Orders per picking run; 20 when the setting is no number. Raises 3021 when there is no such setting.
   std::int32_t lPickGoodsCount(std::string_view sDsn);
+
+  // Batches and stock places.
+
+  /// The lines of the orders FID that go to a warehouse with stock places, price-difference goods left out: FEntryID,
+  /// FStockID, FStockName, FDefaultStockPlaceGroupID (the group's default place, in spite of its name),
+  /// FDefaultStockPlaceGroupName, FDefaultStockPlaceName, FDefaultItemStockPlaceID (the item's own place when this is
+  /// its own warehouse, else 0). Nothing without sDSN or FID; empty when no line matches. Source "ChangeAddess".
+  std::optional<Vector> bExistStockPositionManager(const Dictionary* dctPara);
+  /// Whether a line of the orders FID has an item with batch or serial numbers. Needs sDSN and FID. Source
+  /// "ChangeAddess".
+  bool bExistBatchOrSerialManagerItem(const Dictionary* dctPara);
+  /// Whether a line of the orders FID, of whatever item, has an empty batch number; one that is Null does not count.
+  /// Needs sDSN and FID.
+  bool bExistBatchEmpty(const Dictionary* dctPara);
+  /// Item, batch number, warehouse and stock place of the lines of the orders FID; an order without lines has one row
+  /// with Nulls. Needs sDSN and FID.
+  RecordsetPtr GetBatchNo(const Dictionary* dctPara);
+
+  // Delivery prints.
+
+  /// FTotalAmount of each of the orders FID, in no certain order. Needs sDSN and FID.
+  /// Source "TessarLornPickingAndDelivery.clsGetData.GetSumRecordsetDataForDelivery".
+  RecordsetPtr GetSumRecordsetDataForDelivery(const Dictionary* dctParam);
+  /// Header and line data of delivery notes, one row a line, by order and line. Province, city and district are named
+  /// in the caller's language: CHS, otherwise CHT; Null where the order has none. Needs sDSN and FID. Source
+  /// "TessarLornPickingAndDelivery.clsGetData.GetPrintRecordsetForDelivery".
+  RecordsetPtr GetPrintRecordsetForDelivery(const Dictionary* dctParam);
+  /// Those of the orders FID that were printed as often as the type of print allows, or more: FOrderID, FUniqueCode,
+  /// the type's counter under its column name, FPrintMaxCount. PrintID is the type: 10143011 pick list, 10143012
+  /// delivery note, 10143013 waybill, 10143014 delivery list. Empty without sDSN or FID, for any other type, and for
+  /// one that is not limited.
+  Vector GetOverMaxPrintCountBillInfo(const Dictionary* dctPara);
 
   // Weights and costs.
 
@@ -76,6 +143,38 @@ class clsGetData {
 
   /// FOrderID and FUpLoadStatus of those of the orders FID that are marked as uploaded. Needs sDSN and FID.
   RecordsetPtr bExistUpLoadBill(const Dictionary* dctPara);
+  /// What is to be reported about the orders strFids, one Dictionary a report: SiteOrderID, ChildIDs, IsSplit,
+  /// FWebshopID, FLogisticsNumber (the carrier's code, "" for an unknown carrier), FLogisticsOrder, FOrderID, FID.
+  /// A marketplace order is split when it has three waybill numbers or more, one counted for each of its lines also
+  /// where they repeat, or more child orders, in all ERP orders, than lines among these: then each line is a report
+  /// with its child order in ChildIDs; else the first line stands for the whole. Lines whose marketplace order is empty
+  /// or unknown to IC_Trade are left out. Empty without strDSN or strFids. Source
+  /// "TessarLornPickingAndDelivery.clsGetData.GetUploadDataByFID".
+  Vector GetUploadDataByFID(std::string_view strDSN, std::string_view strFids);
+  /// The same for one page of a long run: the orders in the column fid of the work table pageTable. The reports go as
+  /// rows under task sNewID into the work table strTempTable, FIsSplit 1 or 0, FUpStatus 0 and FError empty, and from
+  /// there into IC_UploadWebOrderIndicator, none twice; then the page's orders get fstatus 1 in the run's table, which
+  /// is named in strFids. A page of which an order has fstatus 1 in pageTable is done: nothing happens, and it is True.
+  /// The SQL joins the page as `pageTable`: the table has that name, or its name is followed by that alias
+  /// ("Page7 pageTable"). Text values are quoted, not escaped. False without strDSN or pageTable.
+  /// Source "TessarLornPickingAndDelivery.clsGetData.GetUploadDataByTab".
+  bool GetUploadDataByTab(std::string_view strDSN, std::string_view pageTable, std::string_view strFids,
+                          std::string_view strTempTable, std::string_view sNewID);
+  /// Whether the acting user has an upload task that is not finished, asked on the alternate connection. False without
+  /// sDsn. Source "TessarLornPickingAndDelivery.clsGetData.isRunUploadOrder".
+  bool isRunUploadOrder(std::string_view sDsn);
+  /// Whether other orders than FID have lines of the marketplace order SiteOrderID. If so, the child orders of FID's
+  /// own lines, with commas between them, go behind what ChildOrderIDs holds. False, ChildOrderIDs untouched, without
+  /// strDSN or with FID 0. Source "TessarMWebOrder.TessarMWebOrderInfo.GetSortRs".
+  bool GetSplitChrildOrderIDs(std::string_view strDSN, std::int32_t FID, std::string_view SiteOrderID,
+                              Variant& ChildOrderIDs);
+  /// Whether the orders strIDs are all of web shops of one type, which WebShopType then is; 0 when none of them has a
+  /// shop, or strIDs is empty. False, WebShopType untouched, for several types: such orders are not uploaded together.
+  /// Source "TessarLornPickingAndDelivery.clsGetData.CheckWebShopTypeSameByOrders".
+  bool CheckWebShopTypeSameByOrders(std::string_view sDsn, std::string_view strIDs, std::int16_t& WebShopType);
+  /// Type of a web shop, 0 when there is none of that key. 0 without sDsn.
+  /// Source "TessarLornPickingAndDelivery.clsGetData.GetWebShopType".
+  std::int16_t GetWebShopType(std::string_view sDsn, std::string_view sFWebshopID);
 
  private:
   bool ReadSwitch(std::string_view source, std::string_view dsn, std::string_view key);

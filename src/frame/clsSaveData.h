@@ -59,6 +59,22 @@ class clsSaveData {
   /// Takes the mark back from those that have it; logged as 3013 where that is enabled.
   bool ClearPickingGoodsStatus(const Dictionary* dctPara);
 
+  // Batches and prints.
+
+  /// Stores batch number, warehouse and stock place (FBatchNo, FStockID, SPID, without their single quotes) of the line
+  /// FEntryID, default 0, for each Dictionary of the list. Each batch number goes to the field log before the batch
+  /// runs. False without sDsn or entries.
+  bool SaveBatchNo(std::string_view sDsn, const Vector* vctPara);
+  /// Gives the orders of a print run a lot number (year, month and the run's number in the month: "20261112") and
+  /// serial numbers from 1, their places in the list; a reprint gives new ones. The first value of each Dictionary is
+  /// an order's FID. False, with no number taken, without sDsn or with vctOrderInfo Nothing; an empty list takes a
+  /// number and is True. A number taken before an error is lost, unless the call runs in a transaction.
+  bool SavePrintSerialNumber(std::string_view sDsn, const Vector* vctOrderInfo);
+  /// The unique codes of the orders FID, numbered in the order of that list, five a line: the number in 3 columns, "-",
+  /// the code in 10 to 20 columns (a longer one cut to 19 and ".."), "| ". Keys without an order are left out. ""
+  /// without sDSN or FID. Source "TessarLornPickingAndDelivery.clsGetData.GetUniqueCodeIndex".
+  std::string GetUniqueCodeIndex(const Dictionary* dctParam);
+
   // Delivery.
 
   /// Sets the orders FID delivered (status 14) by the acting user and closes their lines, whatever their status was.

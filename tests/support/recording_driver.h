@@ -86,10 +86,7 @@ class RecordingSibling : public Object {
   Variant Call(std::string_view method, std::span<const Variant> arguments) override {
     if (method == "GetCurrentUserID") return TheRecording().user;
     std::string event = std::string(method) + "(";
-    for (const Variant& argument : arguments) {
-      if (event.back() != '(') event += ",";
-      event += Text(argument);
-    }
+    for (const Variant& argument : arguments) event += (&argument == arguments.data() ? "" : ",") + Text(argument);
     TheRecording().events.push_back(event + ")");
     return method == "IsLogEnable" ? TheRecording().log_enabled : true;
   }

@@ -1,0 +1,111 @@
+// The layout of the order grid, and the choices of its lookup fields.
+#include <algorithm>
+
+#include "frame/clsGetData.h"
+#include "frame/identity.h"
+#include "frame/parameters.h"
+#include "frame/text_builder.h"
+#include "platform/error.h"
+#include "platform/text.h"
+
+namespace tessarlorn {
+namespace {
+
+std::string_view CaptionColumn(const SessionContext& context) {
+  return LanguageOf(context) == "CHT" ? "t1.FCaption_CHT AS FCaption" : "t1.FCaption_CHS AS FCaption";
+}
+
+/// The choices of a lookup field as "display_id|display_id|…", with a bar in front; null when there are none.
+Variant ReadChoices(Connection& connection, const Recordset& field, const std::string& list) {
+  const std::size_t from = list.find("FROM");
+  if (from == std::string::npos) {
+    Raise(error_number::kInvalidArgument, "Invalid procedure call or argument: FLookUpList without FROM: " + list);
+  }
+  TextBuilder text;
+  text.Line("declare @s varchar(1000)");
+  text.Line("SELECT @s = isnull(@s,'')+'|'+", field.Get("FDSPFieldName").ToText(), "+'_'+Cast(",
+            field.Get("FSRCFieldName").ToText(), " as varchar(50))", " ", list.substr(from));
+  text.Line("SELECT @s");
+  return connection.Execute(text.GetText())->Get(std::size_t{0});
+}
+
+}  // namespace
+
+RecordsetPtr clsGetData::GetTemplateData(const Dictionary* dctParam) {
+  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetTemplateData";
+  const Parameters parameters(dctParam);
+  if (!parameters.HasText("sDSN")) return nullptr;
+  return CallOperation(State(), kSource, parameters.Text("sDSN"), [&](Connection& connection) {
+    TextBuilder text;
+    text.Append(R"(
+SELECT t1.FPage ,
+       {caption} ,
+       t1.FFieldName ,
+       t1.FTableName ,
+       t1.FVisible ,
+       t1.FTabIndex ,
+       t1.FKey ,
+       t1.FCtlType ,
+       t1.FClassTypeID
+FROM   ICClassTableInfo t1
+Where FClassTypeID = 1014301
+ORDER BY t1.FPage ,
+       t1.FTabIndex
+)"_sql,
+                {{"caption", CaptionColumn(context_)}});
+    return connection.Execute(text.GetText());
+  });
+}
+
+RecordsetPtr clsGetData::GetUserDefineFilterTemplate(std::string_view sDsn) {
+  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetUserDefineFilterTemplate";
+  if (sDsn.empty()) return nullptr;
+  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) {
+    TextBuilder text;
+    text.Line("SELECT ");
+    text.Append(R"(
+        t1.FPage ,
+        {caption} ,
+        t1.FFieldName ,
+        t1.FCtlType ,
+        t1.Fkey ,
+        t1.FTableName
+FROM    ICClassTableInfo t1
+Where (t1.FClassTypeID = 1014301 AND t1.FPage=1 AND t1.FNeedSave=1 AND t1.FKey NOT IN ( 'FID','FTextMulti','FOrderType'))
+)"_sql,
+                {{"caption", CaptionColumn(context_)}});
+    text.Line(
+        "OR (t1.FClassTypeID = 1014301 AND t1.FKey IN "
+        "('FItemName','FPackagedGoods','FPackagedGoodsName','FIsFree','FNumber','FBarCode','FItemOnlineProductNumber',"
+        "'FSiteOrderID','FTextApplyForReFund','FMealID2','FAddressReachable','FInsuredValue','FLogisticsState',"
+        "'FStockBillResult','FStockBillStatus','FTplFail','FTplStatus','FLotNumber','FSerialNumber','FTpName',"
+        "'FTplRemark','FUpdateMemoFail','FUpdateMemoStauts','FIsLock','FLockReason','FSPID','FStockID',"
+        "'FIsPrintExpress','FIsPrintPick','FIsPrintSend','FPrintExpressCount','FPrintExpressUserID','FTplOrderID')) ");
+    text.Line("ORDER BY t1.FTabIndex");
+    return connection.Execute(text.GetText());
+  });
+}
+
+std::string clsGetData::GetListBySQL(std::string_view sDsn, std::string_view sFKey) {
+  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetListBySQL";
+  if (sDsn.empty() || sFKey.empty()) return {};
+  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) -> std::string {
+    const std::vector<std::string_view> parts = Split(sFKey, '_');
+    if (parts.size() < 2) {
+      Raise(error_number::kSubscriptOutOfRange,
+            "Subscript out of range: " + std::string(sFKey) + " has no _ between class type and key");
+    }
+    TextBuilder text;
+    text.Line("SELECT FLookUpList,FSRCFieldName,FDSPFieldName");
+    text.Line("FROM   ICClassTableInfo ");
+    text.Line("WHERE FClassTypeID=", parts[0], " AND FKey='", parts[1], "'");
+    const RecordsetPtr field = connection.Execute(text.GetText());
+    if (field->eof()) return {};
+    const std::string list = field->Get("FLookUpList").ToText();
+    if (Trim(list).empty()) return {};
+    const std::string choices = ReadChoices(connection, *field, list).ToText();
+    return choices.substr(std::min<std::size_t>(1, choices.size()));
+  });
+}
+
+}  // namespace tessarlorn

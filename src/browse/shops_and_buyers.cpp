@@ -1,0 +1,107 @@
+// Web shops, the buyers' contact data, the titles of order states, and SQL of the client's own.
+#include "frame/clsGetData.h"
+#include "frame/identity.h"
+#include "frame/parameters.h"
+#include "frame/text_builder.h"
+#include "platform/error.h"
+
+namespace tessarlorn {
+
+RecordsetPtr clsGetData::GetWebShopData(const Dictionary* dctPara) {
+  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetWebShopData";
+  const Parameters parameters(dctPara);
+  if (!parameters.HasText("sDSN")) return nullptr;
+  const auto body = [](Connection& connection) {
+    return connection.Execute("Select FID,FWebShopID,FWebShopName From IC_WebshopToStorage Order by FID\r\n");
+  };
+  return CallOperation(State(), kSource, parameters.Text("sDSN"), body, OldSession::kKeep);
+}
+
+RecordsetPtr clsGetData::GetCommunicaInformation(const Dictionary* dctPara) {
+  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetCommunicaInformation";
+  const Parameters parameters(dctPara);
+  if (!parameters.HasText("sDSN")) return nullptr;
+  return CallOperation(State(), kSource, parameters.Text("sDSN"), [&](Connection& connection) {
+    TextBuilder text;
+    text.Append(R"(
+SELECT  FID,
+        FBuyerName ,
+        FBuyerNick ,
+        FConsignee ,
+        FMobile ,
+        FBuyerEMail
+From IC_Web2ERPOrders
+Where FID IN ( {FID})
+)"_sql,
+                {{"FID", parameters.Text("FID")}});
+    return connection.Execute(text.GetText());
+  });
+}
+
+RecordsetPtr clsGetData::GetMobileInformation(const Dictionary* dctPara) {
+  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetMobileInformation";
+  const Parameters parameters(dctPara);
+  if (!parameters.HasText("sDSN")) return nullptr;
+  return CallOperation(State(), kSource, parameters.Text("sDSN"), [&](Connection& connection) {
+    TextBuilder text;
+    text.Append(
+        R"(
+SELECT  t1.FBuyerName ,
+        t1.FWebshopID ,
+        t2.FWebShopName ,
+        t1.FConsignee ,
+        t1.FBuyerNick ,
+        t1.FTelephone ,
+        t1.FMobile ,
+        t1.FSiteOrderID ,
+        t1.FOrderID ,
+        t1.FLogisticsID ,
+        {name} AS FLogisticsName ,
+        t1.FLogisticsOrder
+FROM    IC_Web2ERPOrders t1
+INNER JOIN IC_WebshopToStorage t2 ON t1.FWebshopID = t2.FWebshopID
+INNER JOIN IC_Logistics t3 ON t1.FLogisticsID =t3.FItemID
+Where t1.FID IN ( {FID})
+)"_sql,
+        {{"name", LanguageOf(context_) == "CHT" ? "t3.FName_Cht" : "t3.FName"}, {"FID", parameters.Text("FID")}});
+    return connection.Execute(text.GetText());
+  });
+}
+
+RecordsetPtr clsGetData::ExecuteSQL(std::string_view sDsn, std::string_view StrSql) {
+  session_->Reset();
+  OpenSession(State(), sDsn);
+  RecordsetPtr rows = session_->GetConnection().Execute(StrSql);
+  if (rows) rows->Detach();
+  return rows;
+}
+
+std::optional<Dictionary> clsGetData::GetWebBillTitleData(std::string_view PropsString) {
+  if (PropsString.empty()) return std::nullopt;
+  try {
+    return CallOperation(State(), "GetWebBillTitleData", PropsString, [](Connection& connection) {
+      const RecordsetPtr states = connection.Execute("select * from IC_WEBOrders_Status WITH(NOLOCK) \r\n");
+      Dictionary titles;
+      for (; !states->eof(); states->MoveNext()) {
+        titles.SetValue(states->Get(std::size_t{0}).ToText(), states->Get(std::size_t{1}));
+      }
+      return std::optional<Dictionary>(std::move(titles));
+    });
+  } catch (const Error&) {
+    return std::nullopt;
+  }
+}
+
+bool clsGetData::ExeP_WebBillTitleData(std::string_view PropsString) {
+  if (PropsString.empty()) return false;
+  try {
+    return CallOperation(State(), "ExeP_WebBillTitleData", PropsString, [](Connection& connection) {
+      connection.Execute(" exec p_WebBillTitleData \r\n");
+      return true;
+    });
+  } catch (const Error&) {
+    return false;
+  }
+}
+
+}  // namespace tessarlorn

@@ -1,0 +1,71 @@
+// What an upload asks before it begins: whether one runs already, and what shops and child orders it is about.
+#include "frame/clsGetData.h"
+#include "frame/identity.h"
+#include "frame/results.h"
+#include "frame/text_builder.h"
+
+namespace tessarlorn {
+
+bool clsGetData::isRunUploadOrder(std::string_view sDsn) {
+  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.isRunUploadOrder";
+  if (sDsn.empty()) return false;
+  return CallOperation(State(), kSource, sDsn, [&](Connection&) {
+    TextBuilder text;
+    text.Line(" SELECT  Frowid  ");
+    text.Line(" FROM IC_UploadWebOrderTaskFlow ");
+    text.Append(" where FUserName in (select fName from t_user where fuserID= {user})",
+                {{"user", CurrentUserId(*session_)}});
+    text.Line(" and FUpStatus=0 ");
+    return !session_->GetAlternateConnection().Execute(text.GetText())->eof();
+  });
+}
+
+bool clsGetData::GetSplitChrildOrderIDs(std::string_view strDSN, std::int32_t FID, std::string_view SiteOrderID,
+                                        Variant& ChildOrderIDs) {
+  constexpr std::string_view kSource = "TessarMWebOrder.TessarMWebOrderInfo.GetSortRs";
+  if (strDSN.empty() || FID == 0) return false;
+  return CallOperation(State(), kSource, strDSN, [&](Connection& connection) {
+    const auto child_orders = [&](std::string_view orders) {
+      TextBuilder text;
+      text.Line(" SELECT FChildOrderID FROM IC_Web2ERPOrdersEntry where FSiteOrderID='", SiteOrderID, orders,
+                Variant(FID).ToText());
+      return connection.Execute(text.GetText());
+    };
+    if (child_orders("' and FID <> ")->eof()) return false;
+    // What the caller passed in stays in front.
+    ChildOrderIDs = ChildOrderIDs.ToText() + JoinColumn(child_orders("' and FID = "), "FChildOrderID");
+    return true;
+  });
+}
+
+bool clsGetData::CheckWebShopTypeSameByOrders(std::string_view sDsn, std::string_view strIDs,
+                                              std::int16_t& WebShopType) {
+  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.CheckWebShopTypeSameByOrders";
+  if (strIDs.empty()) {
+    WebShopType = 0;
+    return true;
+  }
+  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) {
+    TextBuilder text;
+    text.Line("select distinct t1.FWebShopType from IC_WebshopToStorage t1");
+    text.Line(" where exists(select 1 from IC_Web2ERPOrders t2  where t1.FWebshopID = t2.FWebshopID and t2.FID in (",
+              strIDs, "))");
+    const RecordsetPtr types = connection.Execute(text.GetText());
+    if (types->RecordCount() > 1) return false;
+    WebShopType = types->eof() ? std::int16_t{0} : types->Get("FWebShopType").ToInt16();
+    return true;
+  });
+}
+
+std::int16_t clsGetData::GetWebShopType(std::string_view sDsn, std::string_view sFWebshopID) {
+  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetWebShopType";
+  if (sDsn.empty()) return 0;
+  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) -> std::int16_t {
+    TextBuilder text;
+    text.Line("SELECT FWebShopType FROM IC_WebshopToStorage WHERE FWebshopID ='", sFWebshopID, "'");
+    const RecordsetPtr shop = connection.Execute(text.GetText());
+    return shop->eof() ? std::int16_t{0} : shop->Get("FWebShopType").ToInt16();
+  });
+}
+
+}  // namespace tessarlorn

@@ -1,0 +1,170 @@
+#include "picking/print_lot.h"
+
+#include <gmock/gmock.h>
+#include <set>
+#include <thread>
+
+#include "frame/clsSaveData.h"
+#include "platform/clock.h"
+#include "support/recording_driver.h"
+#include "support/sample_database.h"
+
+namespace tessarlorn {
+namespace {
+
+using testing::ElementsAre;
+
+/// An empty database on 2026-11-21.
+class PrintLotTest : public testing::Test {
+ protected:
+  PrintLotTest() { SetDay("2026-11-21"); }
+  ~PrintLotTest() override { SetClock({}); }
+
+  static void SetDay(const std::string& day) {
+    SetClock([day] { return DateTime::Parse(day + " 10:00:00").value(); });
+  }
+  void Run(std::string_view sql) { sample_.connection().Execute(sql); }
+  /// The first column of all rows.
+  std::vector<std::string> Ask(std::string_view sql) {
+    std::vector<std::string> values;
+    const RecordsetPtr rows = sample_.connection().Execute(sql);
+    for (; !rows->eof(); rows->MoveNext()) values.push_back(rows->Get(std::size_t{0}).ToText());
+    return values;
+  }
+  void GiveLot(int order, const std::string& lot) {
+    Run("INSERT INTO IC_Web2ERPOrdersEx (FID, FLotNumber) VALUES (" + std::to_string(order) + ", '" + lot + "')");
+  }
+  double Reserve(std::int32_t count = 1) { return GetPrintOrderLotNumber(sample_.connection(), count); }
+
+  SampleDatabase sample_;
+};
+
+TEST_F(PrintLotTest, CountsFromTheFirstRunEver) {
+  EXPECT_EQ(Reserve(), 1);
+  EXPECT_EQ(Reserve(), 2);
+  EXPECT_EQ(Reserve(5), 3);
+  EXPECT_EQ(Reserve(), 8);
+  EXPECT_THAT(Ask("SELECT FNumber FROM IC_MaxNum"), ElementsAre("202611"));
+  EXPECT_THAT(Ask("SELECT FMaxNum FROM ICMaxNum"), ElementsAre("8"));
+}
+
+TEST_F(PrintLotTest, GoesOnBehindTheLotsOfOrdersInTheFirstRun) {
+  GiveLot(1, "20261112");
+  GiveLot(2, "2026119");
+  GiveLot(3, "202610400");
+  GiveLot(4, "");
+  EXPECT_EQ(Reserve(), 13);
+  EXPECT_EQ(Reserve(), 14);
+}
+
+TEST_F(PrintLotTest, StartsAnewInANewMonth) {
+  EXPECT_EQ(Reserve(), 1);
+  EXPECT_EQ(Reserve(), 2);
+  SetDay("2026-12-01");
+  EXPECT_EQ(Reserve(), 1);
+  EXPECT_EQ(Reserve(), 2);
+  EXPECT_THAT(Ask("SELECT FNumber FROM IC_MaxNum"), ElementsAre("202612"));
+  // Unless orders have lots of that month already: the tenth after the ninth, by number and not by text.
+  GiveLot(1, "2027019");
+  GiveLot(2, "2027012");
+  SetDay("2027-01-02");
+  EXPECT_EQ(Reserve(), 10);
+  GiveLot(3, "20270110");
+  SetDay("2027-02-01");
+  EXPECT_EQ(Reserve(), 1);
+  SetDay("2027-01-31");
+  EXPECT_EQ(Reserve(), 11);
+}
+
+// The month is there and the counter is not: the run that makes it counts it as one that was.
+TEST_F(PrintLotTest, SkipsANumberWhenTheCounterIsMissing) {
+  EXPECT_EQ(Reserve(), 1);
+  Run("DELETE FROM ICMaxNum");
+  EXPECT_EQ(Reserve(), 2);
+  EXPECT_EQ(Reserve(), 2);
+  EXPECT_EQ(Reserve(), 3);
+}
+
+TEST_F(PrintLotTest, NumbersTheOrdersOfARun) {
+  GiveLot(7, "202610400");
+  clsSaveData save;
+  const Vector run{Dictionary{{"FID", 9}}, Dictionary{{"Order", "7"}, {"FID", 1}}, Dictionary{{"FID", 8}}};
+  EXPECT_TRUE(save.SavePrintSerialNumber(sample_.Dsn(), &run));
+  const std::string states = "SELECT FLotNumber + '/' + FSerialNumber FROM IC_Web2ERPOrdersEx ORDER BY FID";
+  EXPECT_THAT(Ask(states), ElementsAre("2026111/2", "2026111/3", "2026111/1"));
+  EXPECT_THAT(Ask("SELECT FID FROM IC_Web2ERPOrdersEx WHERE FOrderID = '' ORDER BY FID"), ElementsAre("8", "9"));
+  for (int i = 2; i < 10; ++i) EXPECT_TRUE(save.SavePrintSerialNumber(sample_.Dsn(), &run));
+  const Vector again{Dictionary{{"FID", 7}}};
+  EXPECT_TRUE(save.SavePrintSerialNumber(sample_.Dsn(), &again));
+  EXPECT_THAT(Ask(states), ElementsAre("20261110/1", "2026119/3", "2026119/1"));
+}
+
+TEST_F(PrintLotTest, TakesNoNumberWithoutAListAndOneForAnEmptyList) {
+  clsSaveData save;
+  const Vector none;
+  const Vector some{Dictionary{{"FID", 1}}};
+  EXPECT_FALSE(save.SavePrintSerialNumber(sample_.Dsn(), nullptr));
+  EXPECT_FALSE(save.SavePrintSerialNumber("", &some));
+  EXPECT_TRUE(Ask("SELECT FMaxNum FROM ICMaxNum").empty());
+  EXPECT_TRUE(save.SavePrintSerialNumber(sample_.Dsn(), &none));
+  EXPECT_THAT(Ask("SELECT FMaxNum FROM ICMaxNum"), ElementsAre("1"));
+  // The number is lost when the orders cannot be numbered, and nothing of them is stored.
+  const Vector wrong{Dictionary{{"FID", 1}}, Dictionary{{"FID", "none"}}};
+  EXPECT_EQ(Raised([&] { save.SavePrintSerialNumber(sample_.Dsn(), &wrong); }),
+            std::to_string(error_number::kStatementError) + " SavePrintSerialNumber");
+  const Vector empty{Dictionary{}};
+  EXPECT_EQ(Raised([&] { save.SavePrintSerialNumber(sample_.Dsn(), &empty); }), "9 SavePrintSerialNumber");
+  EXPECT_EQ(Reserve(), 4);
+}
+
+TEST_F(PrintLotTest, NamesItselfInItsErrors) {
+  Run("DROP TABLE ICMaxNum");
+  EXPECT_EQ(Raised([&] { Reserve(); }), std::to_string(error_number::kNoSuchTable) + " GetPrintOrderLotNumber");
+}
+
+TEST_F(PrintLotTest, GivesThreadsDifferentNumbers) {
+  constexpr int kRuns = 60;
+  Reserve();
+  std::vector<double> numbers[3];
+  std::vector<std::thread> threads;
+  for (std::vector<double>& mine : numbers) {
+    threads.emplace_back([&mine, this] {
+      const std::unique_ptr<Connection> connection = OpenConnection(sample_.database());
+      for (int i = 0; i < kRuns; ++i) mine.push_back(GetPrintOrderLotNumber(*connection, 1));
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  std::set<double> all;
+  for (const std::vector<double>& mine : numbers) all.insert(mine.begin(), mine.end());
+  EXPECT_EQ(all.size(), std::size(numbers) * kRuns);
+  EXPECT_EQ(*all.rbegin(), 1 + std::size(numbers) * kRuns);
+}
+
+using PrintLotTextTest = RecordingTest;
+
+// Trailing blanks are part of what the database is sent.
+TEST_F(PrintLotTextTest, SendsTheBatchToTheBlank) {
+  TheRecording().answer = [](std::string_view text) {
+    return text.starts_with("SET NOCOUNT ON") ? TextRows({"MaxNum"}, {{"7"}}) : TextRows({}, {});
+  };
+  const Vector run{Dictionary{{"FID", 12}}};
+  EXPECT_TRUE(clsSaveData().SavePrintSerialNumber(kDsn, &run));
+  ASSERT_EQ(Events().size(), 2U);
+  EXPECT_TRUE(Events()[0].starts_with(
+      Lines({"SET NOCOUNT ON", "declare @Num as int", "declare @MaxNum as int ", "declare @YearMoth as nvarchar(20) ",
+             "declare @maxLotNumber as nvarchar(50) ", "set @YearMoth=CONVERT(VARCHAR(6),GETDATE(),112) ", "set @Num=1",
+             "--判断打印批次的年月前缀"})))
+      << Events()[0];
+  EXPECT_EQ(
+      Events()[1],
+      Lines({" declare @varUniqueCode as nvarchar(50)", " set @varUniqueCode=CONVERT(VARCHAR(6),GETDATE(),112) +'7'",
+             "IF  exists  ( select  1  from  IC_Web2ERPOrdersEx WHERE  FID = 12)", "Begin ",
+             "update  IC_Web2ERPOrdersEx  set  FLotNumber = @varUniqueCode,FSerialNumber = '1' WHERE  FID = 12", "End ",
+             "ELSE ", "Begin ",
+             "INSERT INTO IC_Web2ERPOrdersEx(FID,FLotNumber,FSerialNumber,FOrderID) VALUES(12,@varUniqueCode,"
+             "'1','')",
+             "End "}));
+}
+
+}  // namespace
+}  // namespace tessarlorn

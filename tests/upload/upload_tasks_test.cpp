@@ -1,0 +1,77 @@
+#include <gmock/gmock.h>
+
+#include "automation/operations.h"
+#include "frame/clsGetData.h"
+#include "support/recording_driver.h"
+#include "support/sample_database.h"
+
+namespace tessarlorn {
+namespace {
+
+class UploadTasksTest : public testing::Test {
+ protected:
+  UploadTasksTest() {
+    sample_.connection().Execute(
+        "INSERT INTO IC_WebshopToStorage (FID, FWebshopID, FWebShopName, FWebShopType) "
+        "VALUES (1, 31, 'Tea', 2), (2, 32, 'Cups', 2), (3, 33, 'Pots', 5) "
+        "INSERT INTO IC_Web2ERPOrders (FID, FWebshopID) VALUES (1, 31), (2, 32), (3, 33), (4, 99) "
+        "INSERT INTO IC_Web2ERPOrdersEntry (FEntryID, FID, FSiteOrderID, FChildOrderID) "
+        "VALUES (1, 1, 'S', 'c1'), (2, 1, 'S', 'c2'), (3, 2, 'S', 'c3'), (4, 3, 'W', 'c4')");
+  }
+  /// Through the table of operations, as every host calls.
+  Variant Invoke(std::string_view name, std::vector<Variant>& arguments) {
+    const Operation& operation = *FindOperation(name);
+    arguments.insert(arguments.begin(), sample_.Dsn());
+    return ServiceObject(operation.service).Invoke(operation, arguments);
+  }
+
+  SampleDatabase sample_;
+};
+
+TEST_F(UploadTasksTest, TellsWhetherShopsAreOfOneType) {
+  struct Case {
+    const char* orders;
+    bool same;
+    int type;
+  };
+  for (const Case& expected : {Case{"1", true, 2}, Case{"1,2", true, 2}, Case{"3,4", true, 5}, Case{"4", true, 0},
+                               Case{"", true, 0}, Case{"2,3", false, 77}}) {
+    std::vector<Variant> arguments = {expected.orders, 77};
+    EXPECT_EQ(Invoke("CheckWebShopTypeSameByOrders", arguments).ToBool(), expected.same) << expected.orders;
+    EXPECT_EQ(arguments[2].type_name(), "Integer");
+    EXPECT_EQ(arguments[2].ToInt32(), expected.type) << expected.orders;
+  }
+  clsGetData get;
+  EXPECT_EQ(get.GetWebShopType(sample_.Dsn(), "33"), 5);
+  EXPECT_EQ(get.GetWebShopType(sample_.Dsn(), "99"), 0);
+}
+
+TEST_F(UploadTasksTest, AddsTheChildOrdersOfASplitOrder) {
+  std::vector<Variant> arguments = {1, "S", Variant()};
+  EXPECT_TRUE(Invoke("GetSplitChrildOrderIDs", arguments).ToBool());
+  EXPECT_EQ(arguments[3].ToText(), "c1,c2");
+  arguments = {2, "S", "c0,"};
+  EXPECT_TRUE(Invoke("GetSplitChrildOrderIDs", arguments).ToBool());
+  EXPECT_EQ(arguments[3].ToText(), "c0,c3");
+  for (const Variant& order : {Variant(3), Variant(0)}) {
+    arguments = {order, "W", "as it was"};
+    EXPECT_FALSE(Invoke("GetSplitChrildOrderIDs", arguments).ToBool());
+    EXPECT_EQ(arguments[3].ToText(), "as it was");
+  }
+  arguments = {1, "it's", Variant()};
+  EXPECT_EQ(Raised([&] { Invoke("GetSplitChrildOrderIDs", arguments); }),
+            std::to_string(error_number::kStatementError) + " TessarMWebOrder.TessarMWebOrderInfo.GetSortRs");
+}
+
+TEST_F(UploadTasksTest, FindsTheUsersUnfinishedTask) {
+  sample_.connection().Execute(
+      "INSERT INTO t_User (FUserID, FName) VALUES (16395, 'Ann'), (16396, 'Bob') "
+      "INSERT INTO IC_UploadWebOrderTaskFlow (FUserName, FUpStatus) VALUES ('Ann', 1), ('Ann', 0), ('Bob', 1)");
+  clsGetData get;
+  EXPECT_TRUE(get.isRunUploadOrder(sample_.Dsn(16395)));
+  EXPECT_FALSE(get.isRunUploadOrder(sample_.Dsn(16396)));
+  EXPECT_FALSE(get.isRunUploadOrder(sample_.Dsn(16397)));
+}
+
+}  // namespace
+}  // namespace tessarlorn

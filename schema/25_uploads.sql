@@ -35,6 +35,5 @@ CREATE TABLE IC_UploadWebOrderTaskFlow (
   FUserName nvarchar(80) NOT NULL DEFAULT '',              -- t_User.FName
   FUpStatus int NOT NULL DEFAULT 0,                        -- 0 = not finished
   FOrderCount int NOT NULL DEFAULT 0,
-  FCreateDate datetime NULL DEFAULT GETDATE(),
-  FFinishDate datetime NULL);
+  FCreateDate datetime NULL DEFAULT GETDATE());
 GO

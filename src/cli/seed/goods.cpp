@@ -67,6 +67,14 @@ std::span<const Goods> SamplePackages() {
   return kPackages;
 }
 
+std::span<const Goods> SamplePriceDifferences() {
+  static constexpr Goods kPriceDifferences[] = {
+      {1801, "08.001", "补差价", "1元", kPiece, 100, 0, kNoUnit},
+      {1802, "08.002", "补运费", "1元", kPiece, 100, 0, kNoUnit},
+  };
+  return kPriceDifferences;
+}
+
 std::span<const Attribute> SampleAttributes() {
   static constexpr Attribute kAttributes[] = {
       {501, "浅灰"}, {502, "米白"}, {503, "深蓝"}, {504, "黑色"}, {505, "S"}, {506, "M"}, {507, "L"}, {508, "XL"},

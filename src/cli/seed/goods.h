@@ -37,6 +37,8 @@ struct Goods {
 std::span<const Goods> SampleGoods();
 /// Packages of goods, items themselves.
 std::span<const Goods> SamplePackages();
+/// No goods: what is paid for a difference in price, one yuan a piece.
+std::span<const Goods> SamplePriceDifferences();
 
 struct Attribute {
   int id;

@@ -55,4 +55,12 @@ void InsertRows::AppendValue(DateTime value) {
   text_.append(text).append("'");
 }
 
+void FillIfEmpty(Connection& connection, std::string_view table, std::string columns,
+                 const std::function<void(InsertRows&)>& write) {
+  if (connection.Execute("SELECT TOP 1 1 AS FFilled FROM " + std::string(table))->RecordCount() > 0) return;
+  InsertRows rows(connection, table, std::move(columns));
+  write(rows);
+  rows.Flush();
+}
+
 }  // namespace tessarlorn::cli

@@ -3,6 +3,7 @@
 
 #include <concepts>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -17,10 +18,15 @@ struct Fixed {
   int scale = 2;
 };
 
+/// NULL. Statements with NULL in other places have another shape: rows with and without one go into objects of their
+/// own.
+struct Null {};
+
 /// Collects rows and sends them as INSERT statements of `kRows` rows. What is left in the end needs a Flush().
 class InsertRows {
  public:
-  static constexpr int kRows = 100;
+  /// Few enough to keep the first statement of a shape cheap, whose cost grows with the square of its values.
+  static constexpr int kRows = 40;
 
   /// @param table a literal; @param columns separated by commas
   InsertRows(Connection& connection, std::string_view table, std::string columns)
@@ -52,6 +58,7 @@ class InsertRows {
   void AppendValue(const char* value) { AppendValue(std::string_view(value)); }
   void AppendValue(const Fixed& value);
   void AppendValue(DateTime value);
+  void AppendValue(Null /*value*/) { AppendPlain("NULL"); }
   void AppendPlain(std::string_view text);
 
   Connection& connection_;
@@ -61,5 +68,9 @@ class InsertRows {
   int rows_ = 0;
   bool first_value_ = true;
 };
+
+/// Runs `write` and sends what it wrote when the table is empty. @param table as InsertRows takes it
+void FillIfEmpty(Connection& connection, std::string_view table, std::string columns,
+                 const std::function<void(InsertRows&)>& write);
 
 }  // namespace tessarlorn::cli

@@ -7,6 +7,7 @@
 #include "cli/seed/areas.h"
 #include "cli/seed/goods.h"
 #include "cli/seed/insert_rows.h"
+#include "cli/seed/outside_warehouses.h"
 
 namespace tessarlorn::cli {
 namespace {
@@ -35,15 +36,6 @@ constexpr ShopRow kShops[] = {
     {103, "青禾母婴旗舰店", 1, kManagedStock}, {104, "山岚户外专营店", 3, kMainStock},
     {105, "谷雨食品商城", 4, kManagedStock},   {106, "自营官网", 0, 203},
 };
-
-/// Runs `write` when the table is empty.
-void FillIfEmpty(Connection& connection, std::string_view table, std::string columns,
-                 const std::function<void(InsertRows&)>& write) {
-  if (connection.Execute("SELECT TOP 1 1 AS FFilled FROM " + std::string(table))->RecordCount() > 0) return;
-  InsertRows rows(connection, table, std::move(columns));
-  write(rows);
-  rows.Flush();
-}
 
 void FillPeople(Connection& connection) {
   FillIfEmpty(connection, "t_Emp", "FItemID,FNumber,FName", [](InsertRows& rows) {
@@ -75,8 +67,11 @@ void FillStocks(Connection& connection) {
     rows.Add(kMainStock, "01", "中心仓", 0, 0);
     rows.Add(kManagedStock, "02", "立体仓", 1, 1);
     rows.Add(203, "03", "北方仓", 0, 0);
-    rows.Add(204, "04", "外包仓", 0, 0);
+    rows.Add(outside_stock::kEast, "04", "外包仓", 0, 0);
     rows.Add(205, "05", "食品冷藏仓", 1, 2);
+    rows.Add(outside_stock::kEastBad, "06", "外包次品仓", 0, 0);
+    rows.Add(outside_stock::kSouth, "07", "外包南方仓", 0, 0);
+    rows.Add(outside_stock::kClosed, "08", "外包旧仓", 0, 0);
   });
   FillIfEmpty(connection, "t_StockPlaceGroup", "FSPGroupID,FName,FDefaultSPID", [](InsertRows& rows) {
     rows.Add(1, "立体仓货位", 1001);
@@ -94,17 +89,17 @@ void FillStocks(Connection& connection) {
 }
 
 void FillGoods(Connection& connection) {
-  FillIfEmpty(connection, "t_MeasureUnit", "FMeasureUnitID,FUnitGroupID,FNumber,FName,FCoefficient",
+  FillIfEmpty(connection, "t_MeasureUnit", "FMeasureUnitID,FItemID,FUnitGroupID,FNumber,FName,FCoefficient",
               [](InsertRows& rows) {
                 for (const Unit& unit : Units()) {
-                  rows.Add(unit.id, unit.group, unit.number, unit.name, Fixed{unit.coefficient, 4});
+                  rows.Add(unit.id, unit.id, unit.group, unit.number, unit.name, Fixed{unit.coefficient, 4});
                 }
               });
   FillIfEmpty(connection, "t_ICItem",
               "FItemID,FNumber,FName,FModel,FUnitID,FSalePrice,FGrossWeight,FMaund,FBatchManager,FSerialClassID,"
               "FDefaultLoc,FSPID",
               [](InsertRows& rows) {
-                for (const std::span<const Goods> part : {SampleGoods(), SamplePackages()}) {
+                for (const std::span<const Goods> part : {SampleGoods(), SamplePriceDifferences(), SamplePackages()}) {
                   for (const Goods& goods : part) {
                     const bool managed = goods.tracking == Tracking::kBatch;
                     rows.Add(goods.id, goods.number, goods.name, goods.model, goods.unit, Fixed{goods.price_cents, 2},
@@ -114,6 +109,10 @@ void FillGoods(Connection& connection) {
                   }
                 }
               });
+  FillIfEmpty(connection, "ic_goodstomateriel", "FID,FWebGoodsCode,FMaterielCode,FIsPriceChange", [](InsertRows& rows) {
+    for (const Goods& goods : SampleGoods()) rows.Add(goods.id, goods.number, goods.number, 0);
+    for (const Goods& goods : SamplePriceDifferences()) rows.Add(goods.id, goods.number, goods.number, 1);
+  });
   FillIfEmpty(connection, "t_AuxItem", "FItemID,FName", [](InsertRows& rows) {
     for (const Attribute& attribute : SampleAttributes()) rows.Add(attribute.id, attribute.name);
   });
@@ -143,6 +142,7 @@ void FillTrade(Connection& connection) {
     rows.Add(303, "KD03", "千里速运", "千里速運");
     rows.Add(304, "KD04", "同城即达", "同城即達");
     rows.Add(305, "KD05", "安达物流", "安達物流");
+    rows.Add(306, "", "本店自送", "本店自送");
   });
   FillIfEmpty(connection, "IC_LogisticsTraceState", "FID,FName", [](InsertRows& rows) {
     int key = -1;
@@ -171,32 +171,36 @@ std::vector<int> ReadKeys(Connection& connection, std::string_view query) {
   return Read<int>(connection, query, [](const Recordset& row) { return row.Get(std::size_t{0}).ToInt32(); });
 }
 
-std::vector<Item> ReadItems(Connection& connection) {
-  return Read<Item>(connection, R"(
+/// Physical goods without packages, or the items that stand for a difference in price.
+std::vector<Item> ReadItems(Connection& connection, bool price_differences) {
+  const std::string query = R"(
 SELECT i.FItemID, i.FNumber, i.FName, i.FUnitID, i.FSalePrice, i.FBatchManager, i.FGrossWeight,
        ISNULL(w.FNumber, '*') AS FWeightUnit, ISNULL(u.FNumber, '*') AS FUnit
 FROM t_ICItem i
 LEFT JOIN t_MeasureUnit w ON i.FMaund = w.FMeasureUnitID
 LEFT JOIN t_MeasureUnit u ON i.FUnitID = u.FMeasureUnitID
-WHERE i.FNumber NOT LIKE '09.%'
+WHERE i.FNumber NOT LIKE '09.%' AND )" +
+                            std::string(price_differences ? "" : "NOT ") + R"(EXISTS (
+  SELECT 1 FROM ic_goodstomateriel g WHERE g.FMaterielCode = i.FNumber AND g.FIsPriceChange = 1)
 ORDER BY i.FItemID
-)",
-                    [](const Recordset& row) {
-                      std::string unit = row.Get("FWeightUnit").ToText();
-                      if (unit == "*") unit = row.Get("FUnit").ToText();
-                      return Item{
-                          .id = row.Get("FItemID").ToInt32(),
-                          .number = row.Get("FNumber").ToText(),
-                          .name = row.Get("FName").ToText(),
-                          .unit = row.Get("FUnitID").ToInt32(),
-                          .price_cents = row.Get("FSalePrice").ToDecimal().ToScaled(2).value_or(0),
-                          .batch = row.Get("FBatchManager").ToInt32() == 1,
-                          .grams = row.Get("FGrossWeight").ToDecimal().ToScaled(unit == "G" ? 0 : 3).value_or(0)};
-                    });
+)";
+  return Read<Item>(connection, query, [](const Recordset& row) {
+    std::string unit = row.Get("FWeightUnit").ToText();
+    if (unit == "*") unit = row.Get("FUnit").ToText();
+    return Item{.id = row.Get("FItemID").ToInt32(),
+                .number = row.Get("FNumber").ToText(),
+                .name = row.Get("FName").ToText(),
+                .unit = row.Get("FUnitID").ToInt32(),
+                .price_cents = row.Get("FSalePrice").ToDecimal().ToScaled(2).value_or(0),
+                .batch = row.Get("FBatchManager").ToInt32() == 1,
+                .grams = row.Get("FGrossWeight").ToDecimal().ToScaled(unit == "G" ? 0 : 3).value_or(0)};
+  });
 }
 
 std::vector<Stock> ReadStocks(Connection& connection) {
-  return Read<Stock>(connection, "SELECT FItemID, FIsStockMgr, FSPGroupID FROM t_Stock ORDER BY FItemID",
+  return Read<Stock>(connection,
+                     "SELECT FItemID, FIsStockMgr, FSPGroupID FROM t_Stock WHERE FItemID NOT IN (SELECT FStockID FROM "
+                     "IC_WebtplToStorage WHERE FIsbad <> 0 OR FUnUsed = 1) ORDER BY FItemID",
                      [&](const Recordset& row) {
                        Stock stock{.id = row.Get("FItemID").ToInt32(), .places = {}};
                        if (row.Get("FIsStockMgr").ToInt32() == 1) {
@@ -214,6 +218,7 @@ MasterData PrepareMasterData(Connection& connection) {
   FillStocks(connection);
   FillGoods(connection);
   FillTrade(connection);
+  FillOutsideWarehouses(connection);
   MasterData data;
   data.shops = Read<Shop>(
       connection, "SELECT FWebShopID, FWebShopType, FStockID FROM IC_WebshopToStorage ORDER BY FWebShopID",
@@ -232,9 +237,16 @@ MasterData PrepareMasterData(Connection& connection) {
                     return Place{row.Get("FProvince").ToInt32(), row.Get("FCity").ToInt32(), row.Get("FID").ToInt32()};
                   });
   data.stocks = ReadStocks(connection);
-  data.items = ReadItems(connection);
+  data.outside_stocks = ReadKeys(
+      connection,
+      "SELECT FStockID FROM IC_WebtplToStorage WHERE FStockID <> 0 AND FUnUsed <> 1 AND FIsbad = 0 ORDER BY FID");
+  data.items = ReadItems(connection, false);
+  data.price_differences = ReadItems(connection, true);
   data.users = ReadKeys(connection, "SELECT FUserID FROM t_User ORDER BY FUserID");
-  data.carriers = ReadKeys(connection, "SELECT FItemID FROM IC_Logistics ORDER BY FItemID");
+  data.carriers = ReadKeys(connection, "SELECT FItemID FROM IC_Logistics WHERE FNumber <> '' ORDER BY FItemID");
+  data.carrier_without_code =
+      ReadKeys(connection, "SELECT FItemID FROM IC_Logistics WHERE FNumber = '' ORDER BY FItemID").front();
+  data.courier = ReadKeys(connection, "SELECT FItemID FROM IC_Logistics WHERE FNumber = 'KD03'").front();
   data.currencies = ReadKeys(connection, "SELECT FCurrencyID FROM t_Currency ORDER BY FCurrencyID");
   data.promotions = ReadKeys(connection, "SELECT FPromotionID FROM IC_CDPSPromotion ORDER BY FPromotionID");
   data.attributes = ReadKeys(connection, "SELECT FItemID FROM t_AuxItem ORDER BY FItemID");

@@ -45,6 +45,7 @@ struct MasterData {
   std::vector<Stock> stocks;
   std::vector<Employee> employees;
   std::vector<int> users;
+  /// Those with a code.
   std::vector<int> carriers;
   std::vector<int> currencies;
   std::vector<int> promotions;
@@ -52,7 +53,15 @@ struct MasterData {
   std::vector<int> trace_states;
   std::vector<Place> places;
   std::vector<Item> items;
+  /// Items without goods, which make good a difference in price; one of key 0 where there is none.
+  std::vector<Item> price_differences;
   std::vector<int> packages;
+  /// The warehouses of outside providers that are in use, for goods in order.
+  std::vector<int> outside_stocks;
+  /// 0 where there is none.
+  int carrier_without_code = 0;
+  /// The carrier that gives waybills over the wire; 0 where there is none.
+  int courier = 0;
   int country = 0;
 };
 

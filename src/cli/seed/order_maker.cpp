@@ -50,6 +50,9 @@ std::string DayDigits(DateTime time) {
 
 std::string Joined(std::string_view first, std::string_view second) { return std::string(first).append(second); }
 
+/// Rare things come by the order's key, so that a few hundred orders have each of them.
+bool KeyIs(const Order& order, int divisor, int remainder) { return order.key % divisor == remainder; }
+
 }  // namespace
 
 std::int64_t Order::amount() const {
@@ -102,14 +105,19 @@ void OrderMaker::SetTimes(Order& order) {
   order.sent = After(order.picking_checked, random_.Between(10 * kMinute, 5 * kHour));
 }
 
-OrderLine OrderMaker::MakeLine(const Order& order) {
+OrderLine OrderMaker::NewLine(const Order& order) {
   OrderLine line;
   line.key = ++last_line_;
-  line.item = &random_.Pick(master_.items);
   line.site_order = order.purchase.site_order;
   constexpr int kNumberingShops = 1;
   if (order.purchase.shop.type == kNumberingShops)
     line.child_order = std::to_string(260'000'000'000'000'000 + line.key);
+  return line;
+}
+
+OrderLine OrderMaker::MakeLine(const Order& order) {
+  OrderLine line = NewLine(order);
+  line.item = &random_.Pick(master_.items);
   line.quantity = random_.Percent(75) ? 1 : random_.Between(2, 4);
   line.price = line.item->price_cents;
   line.amount = line.price * line.quantity;
@@ -124,8 +132,11 @@ OrderLine OrderMaker::MakeLine(const Order& order) {
   if (confirmed && stock != master_.stocks.end() && !stock->places.empty()) {
     line.stock_place = random_.Pick(stock->places);
   }
-  if (confirmed && line.item->batch)
+  if (confirmed && line.item->batch) {
     line.batch = "B" + DayDigits(order.ordered).substr(2, 4) + Digits(random_.Below(40), 2);
+  } else if (KeyIs(order, 13, 3)) {
+    line.batch.reset();
+  }
   if (random_.Percent(2)) line.engraving = "平安喜乐";
   if (random_.Percent(4)) line.wrapping = "礼盒包装";
   return line;
@@ -154,7 +165,40 @@ void OrderMaker::AddLines(Order& order) {
     order.lines.back().site_order = second;
     order.purchase.site_order += "," + second;
   }
+  AddPriceDifference(order);
+  MoveLines(order);
   if (order.scenario->refund != Refund::kNone) order.lines.front().refund = ++last_refund_;
+}
+
+void OrderMaker::AddPriceDifference(Order& order) {
+  constexpr std::size_t kMostLines = 8;
+  const Item& item = master_.price_differences[static_cast<std::size_t>(order.key) % master_.price_differences.size()];
+  if (!KeyIs(order, 16, 5) || order.merged || item.id == 0 || order.lines.size() >= kMostLines) return;
+  OrderLine line = NewLine(order);
+  line.item = &item;
+  line.site_order = order.lines.front().site_order;
+  line.quantity = 5 + order.key % 26;
+  line.price = item.price_cents;
+  line.amount = line.price * line.quantity;
+  line.stock = order.lines.front().stock;
+  order.lines.push_back(line);
+}
+
+/// Lines of orders at an outside warehouse go to it, now and then but for the last one; some orders that nobody has
+/// looked at yet have a line that goes nowhere.
+void OrderMaker::MoveLines(Order& order) {
+  const Scenario& scenario = *order.scenario;
+  if (!scenario.outside_state.empty()) {
+    const int stock = master_.outside_stocks[static_cast<std::size_t>(order.key) % master_.outside_stocks.size()];
+    if (stock == 0) return;
+    const bool in_part = KeyIs(order, 7, 3) && order.lines.size() > 1;
+    for (std::size_t i = 0; i + (in_part ? 1 : 0) < order.lines.size(); ++i) {
+      order.lines[i].stock = stock;
+      order.lines[i].stock_place = 0;
+    }
+  } else if (scenario.stage == Stage::kWaiting && KeyIs(order, 5, 4)) {
+    order.lines.front().stock = 0;
+  }
 }
 
 void OrderMaker::ShareDiscount(Order& order) {
@@ -177,6 +221,30 @@ void OrderMaker::SetParcel(Order& order) {
   const bool letters = order.carrier % 2 == 0;
   order.waybill =
       (letters ? "EY" : "7") + Digits(random_.Below(1000), 3) + Digits(order.key, 9) + (letters ? "CN" : "");
+  const Stage stage = order.scenario->stage;
+  if (KeyIs(order, 23, 11)) {
+    order.carrier = master_.carrier_without_code;
+  } else if (stage < Stage::kWeighed && KeyIs(order, 13, 8)) {
+    order.carrier = 0;
+  }
+  if (KeyIs(order, 19, 7)) order.purchase.place.district = 0;
+  if (stage >= Stage::kConfirmed && order.carrier != 0 && order.carrier == master_.courier) {
+    order.courier_number = "SF" + order.waybill;
+  }
+}
+
+/// Runs of twenty orders, numbered within the month.
+void OrderMaker::SetPrints(Order& order) {
+  if (order.scenario->stage == Stage::kWaiting) return;
+  if (!KeyIs(order, 10, 0)) {
+    order.prints = KeyIs(order, 60, 1) ? 4 : KeyIs(order, 20, 1) ? 3 : KeyIs(order, 8, 1) ? 2 : 1;
+  }
+  if (!order.has_extension) return;
+  constexpr int kRun = 20;
+  const std::string month = DayDigits(order.picked).substr(0, 6);
+  const int index = printed_[month]++;
+  order.lot = month + std::to_string(index / kRun + 1);
+  order.serial = std::to_string(index % kRun + 1);
 }
 
 Order OrderMaker::Next() {
@@ -186,7 +254,7 @@ Order OrderMaker::Next() {
   SetTimes(order);
   order.purchase = continues_ ? last_purchase_ : MakePurchase(order.key);
   order.merged = !continues_ && random_.Percent(3);
-  continues_ = !continues_ && !order.merged && random_.Percent(3);
+  continues_ = !continues_ && !order.merged && (random_.Percent(3) || KeyIs(order, 25, 0));
   last_purchase_ = order.purchase;
   order.number = "XS" + DayDigits(order.ordered).substr(2) + Digits(order.key, 7);
   order.unique_code = DayDigits(order.ordered) + Digits(order.purchase.shop.id % 1000, 3) + Digits(order.key, 9) +
@@ -198,11 +266,18 @@ Order OrderMaker::Next() {
   AddLines(order);
   ShareDiscount(order);
   order.freight = random_.Percent(30) ? random_.Between(5, 15) * 100 : 0;
+  order.lines.back().freight = order.freight;
   SetParcel(order);
   order.flag = random_.Percent(20) ? static_cast<int>(random_.Between(1, 5)) : 0;
   order.invoice = random_.Percent(12);
+  if (order.invoice && KeyIs(order, 2, 0) && order.scenario->stage == Stage::kDelivered) {
+    // Invoices of one order and of two, in turn.
+    const int index = on_cost_invoices_++;
+    order.cost_invoice = index / 3 * 2 + (index % 3 == 0 ? 1 : 2);
+  }
   // Locks and outside warehouses are kept in the extension.
   order.has_extension = order.scenario->lock > 0 || !order.scenario->outside_state.empty() || !random_.Percent(15);
+  SetPrints(order);
   order.user = random_.Pick(master_.users);
   order.seller = &random_.Pick(master_.employees);
   order.picker = &random_.Pick(master_.employees);

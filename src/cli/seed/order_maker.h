@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,7 +35,10 @@ struct OrderLine {
   int attribute = 0;
   int stock = 0;
   int stock_place = 0;
-  std::string batch;
+  /// None: imported without one, which is not the same as "" for everybody.
+  std::optional<std::string> batch = "";
+  /// The part of the order's freight that the line carries.
+  std::int64_t freight = 0;
   /// Key of its refund request, 0 = none.
   int refund = 0;
   std::string_view engraving;
@@ -71,6 +76,15 @@ struct Order {
   std::int64_t bill_discount = 0;
   int carrier = 0;
   std::string waybill;
+  /// What the courier gave over the wire, "" = nothing.
+  std::string courier_number;
+  /// Print run and place in it, "" = not printed.
+  std::string lot;
+  std::string serial;
+  /// How often each of its documents was printed.
+  int prints = 0;
+  /// Key of the cost invoice that covers it, 0 = none.
+  int cost_invoice = 0;
   std::int64_t grams = 0;
   std::int64_t cost = 0;
   int flag = 0;
@@ -104,8 +118,13 @@ class OrderMaker {
   Purchase MakePurchase(int key);
   void SetTimes(Order& order);
   void SetParcel(Order& order);
+  void SetPrints(Order& order);
   void AddLines(Order& order);
   OrderLine MakeLine(const Order& order);
+  /// A line with its keys alone.
+  OrderLine NewLine(const Order& order);
+  void AddPriceDifference(Order& order);
+  void MoveLines(Order& order);
   void ShareDiscount(Order& order);
 
   const MasterData& master_;
@@ -117,6 +136,9 @@ class OrderMaker {
   int last_key_ = 0;
   int last_line_ = 0;
   int last_refund_ = 0;
+  int on_cost_invoices_ = 0;
+  /// By month, "202606".
+  std::map<std::string, int> printed_;
   /// Set while the next order is a further part of the same purchase.
   bool continues_ = false;
   Purchase last_purchase_;

@@ -9,19 +9,30 @@ constexpr std::string_view kExtensionColumns =
     "FID,FOrderID,FLotNumber,FSerialNumber,FCreateDate,FAddressReachable,FParcelQuantity,FInsuredValue,FItemSummary,"
     "FTplStatus,FTplFail,FTplOrderID,FTpName,FIsLock,FLockStatus,FLockReason";
 
+constexpr std::string_view kLineColumns =
+    "FEntryID,FID,FIndex,FSiteOrderID,FChildOrderID,FItemID,FNumID,FSKUID,FOuterID,FOnlineTitle,FBarCode,FAttrCode,"
+    "FAttrType,FUnitID,FQuantity,FPrice,FAmount,FDiscountFee,FEntryBillDiscountFee,FAfterDiscountAmount,FBuyerFreight,"
+    "FIsFree,FMealID,FMealName,FPackagedGoods,FPromotionID,FStockID,FSPID,FBatchNo,FOutStockQuantity,FOutStockAmount,"
+    "FStatus,FIsRowClose,FUpLoadStatus,FRefundStatus,FRefundFID,FServiceType,FServiceSource,FServiceStatus,FEngraving,"
+    "FWrapping";
+
 /// The header's columns up to a stage.
 std::string HeaderColumns(Stage stage) {
   std::string columns =
       "FID,FOrderID,FSiteOrderID,FUniqueCode,FOrderType,FOrderDate,FSitePayDate,FOrderFlag,FTradeFrom,FWebshopID,"
       "FMergeStatus,FBuyerNick,FBuyerName,FBuyerEMail,FBuyerPayMode,FBuyerMessage,FSellerMessage,FConsignee,FMobile,"
       "FZipCode,FDeliveryCountry,FDeliveryProvince,FDeliveryCity,FDeliveryDistrict,FDeliveryAddress,FDeliveryTime,"
-      "FCurrencyID,FAmount,FDiscountFee,FBillDiscountFee,FTotalFreight,FInvoiceStatus,FInvoiceName,FFeeBillNO,"
-      "FOrderStatus,FTransactionType,FTransactionStatus,FSendType,FCheckStatus,FChkMan,FChkDate,FBiller,FEmpID,"
-      "FLogisticsID,FShippingType,FUpLoadStatus,FReasonsForFailure,FGiftCardText";
-  if (stage >= Stage::kConfirmed) columns += ",FPickMan,FPickDate,FPickRem,FPickingGoodMan";
+      "FCurrencyID,FAmount,FDiscountFee,FBillDiscountFee,FTotalFreight,FInvoiceStatus,FInvoiceName,FInnerInvoice,"
+      "FFeeBillNO,FOrderStatus,FTransactionType,FTransactionStatus,FSendType,FCheckStatus,FChkMan,FChkDate,FBiller,"
+      "FEmpID,FLogisticsID,FShippingType,FUpLoadStatus,FReasonsForFailure,FGiftCardText";
+  if (stage >= Stage::kConfirmed) columns += ",FPickMan,FPickDate,FPickRem,FPickingGoodMan,FPrintPickCount";
   if (stage >= Stage::kChecked) columns += ",FPIckingGoodsStatus,FOrderPickingDate";
-  if (stage >= Stage::kWeighed) columns += ",FLogisticsOrder,FWeight,FLogisticsCost,FWeighttingStatus,FWeighttingMan";
-  if (stage >= Stage::kDelivered) columns += ",FShippingMan,FShippingRem,FSendDate,FOnlineSendDate";
+  if (stage >= Stage::kWeighed) {
+    columns += ",FLogisticsOrder,FWeight,FLogisticsCost,FWeighttingStatus,FWeighttingMan,FPrintExpressCount";
+  }
+  if (stage >= Stage::kDelivered) {
+    columns += ",FShippingMan,FShippingRem,FSendDate,FOnlineSendDate,FPrintSendCount,FPrintSendList";
+  }
   return columns;
 }
 
@@ -53,13 +64,8 @@ bool OneIn(int n, const Order& order) { return order.key % n == 0; }
 
 OrderWriter::OrderWriter(Connection& connection, int country)
     : country_(country),
-      lines_(
-          connection, "IC_Web2ERPOrdersEntry",
-          "FEntryID,FID,FIndex,FSiteOrderID,FChildOrderID,FItemID,FNumID,FSKUID,FOuterID,FOnlineTitle,FBarCode,"
-          "FAttrCode,FAttrType,FUnitID,FQuantity,FPrice,FAmount,FDiscountFee,FEntryBillDiscountFee,"
-          "FAfterDiscountAmount,FIsFree,FMealID,FMealName,FPackagedGoods,FPromotionID,FStockID,FSPID,FBatchNo,"
-          "FOutStockQuantity,FOutStockAmount,FStatus,FIsRowClose,FUpLoadStatus,FRefundStatus,FRefundFID,FServiceType,"
-          "FServiceSource,FServiceStatus,FEngraving,FWrapping"),
+      lines_(connection, "IC_Web2ERPOrdersEntry", std::string(kLineColumns)),
+      lines_without_batch_(connection, "IC_Web2ERPOrdersEntry", std::string(kLineColumns)),
       line_extensions_(connection, "IC_Web2ERPOrdersEntryEx", "FEntryID,FTplRemark"),
       web_orders_(connection, "IC_WebOrder", "FInterID,FOID,FTID,FTitle,FOuterIID,FOuterSKUID"),
       extensions_(connection, "IC_Web2ERPOrdersEx", std::string(kExtensionColumns)),
@@ -73,7 +79,8 @@ OrderWriter::OrderWriter(Connection& connection, int country)
       home_deliveries_(connection, "IC_Web2ERPOrdersJZ", "FID,FIs_jzservice_order"),
       forwarded_(connection, "IC_CainiaoShShipWeb2ERPOrders", "FID,FIsShShip"),
       courier_numbers_(connection, "IC_SfexpressLogisticsOrder", "FID,FMailNo"),
-      early_waybills_(connection, "IC_TradeUpdateMemoStatus", "FSiteOrderID,FStauts,FFailinfo") {
+      early_waybills_(connection, "IC_TradeUpdateMemoStatus", "FSiteOrderID,FStauts,FFailinfo"),
+      trades_(connection, "IC_Trade", "FID,FTID,FWebshopID,FBuyerNick,FPayTime,FPayment") {
   for (int stage = 0; stage < kStages; ++stage) {
     headers_.emplace_back(connection, "IC_Web2ERPOrders", HeaderColumns(static_cast<Stage>(stage)));
   }
@@ -90,25 +97,27 @@ void OrderWriter::WriteHeader(const Order& order) {
               OneIn(4, order) ? "PC" : "APP", purchase.shop.id, order.merged ? 1 : 0, purchase.nick, purchase.buyer,
               purchase.nick + "@example.com", order.transaction_type == code::kPayOnDelivery ? "货到付款" : "在线支付",
               order.buyer_message, order.seller_message, purchase.consignee, purchase.mobile,
-              std::to_string(purchase.place.district), country_, purchase.place.province, purchase.place.city,
-              purchase.place.district, purchase.address, order.delivery_time, order.currency, Fixed{order.amount(), 2},
-              Fixed{order.discount(), 2}, Fixed{order.bill_discount, 2}, Fixed{order.freight, 2}, order.invoice ? 1 : 0,
-              order.invoice ? purchase.buyer : std::string(),
-              order.invoice && OneIn(2, order) ? "FY" + std::to_string(order.key) : std::string(),
-              OrderStatus(scenario.stage), order.transaction_type, scenario.transaction_status,
+              std::to_string(purchase.place.district != 0 ? purchase.place.district : purchase.place.city), country_,
+              purchase.place.province, purchase.place.city, purchase.place.district, purchase.address,
+              order.delivery_time, order.currency, Fixed{order.amount(), 2}, Fixed{order.discount(), 2},
+              Fixed{order.bill_discount, 2}, Fixed{order.freight, 2}, order.invoice ? 1 : 0,
+              order.invoice ? purchase.buyer : std::string(), order.invoice && OneIn(3, order) ? 1 : 0,
+              order.cost_invoice != 0 ? std::to_string(order.cost_invoice) : std::string(), OrderStatus(scenario.stage),
+              order.transaction_type, scenario.transaction_status,
               scenario.offline ? code::kSentOffline : code::kSentOnline, 1, order.user, order.checked, order.user,
               order.seller->id, order.carrier, postal ? code::kPost : code::kExpress, scenario.upload, scenario.failure,
               order.gift_card);
   if (scenario.stage >= Stage::kConfirmed) {
     const bool checked = scenario.stage >= Stage::kChecked || scenario.picking_check_failed;
-    rows.Append(order.picker->number, order.picked, OneIn(20, order) ? "易碎" : "", checked ? order.user : 0);
+    rows.Append(order.picker->number, order.picked, OneIn(20, order) ? "易碎" : "", checked ? order.user : 0,
+                order.prints);
   }
   if (scenario.stage >= Stage::kChecked) rows.Append(1, order.picking_checked);
   if (scenario.stage >= Stage::kWeighed) {
-    rows.Append(order.waybill, Fixed{order.grams, 3}, Fixed{order.cost, 2}, 1, order.user);
+    rows.Append(order.waybill, Fixed{order.grams, 3}, Fixed{order.cost, 2}, 1, order.user, order.prints);
   }
   if (scenario.stage >= Stage::kDelivered) {
-    rows.Append(order.user, OneIn(25, order) ? "已放门卫" : "", order.sent, order.sent);
+    rows.Append(order.user, OneIn(25, order) ? "已放门卫" : "", order.sent, order.sent, order.prints, order.prints);
   }
   rows.EndRow();
 }
@@ -118,20 +127,29 @@ void OrderWriter::WriteLine(const Order& order, const OrderLine& line, int index
   const bool delivered = scenario.stage == Stage::kDelivered;
   const bool refund = line.refund != 0;
   const std::int64_t after_discount = line.amount - line.discount - line.bill_discount;
-  lines_.Add(line.key, order.key, index, scenario.manual ? std::string() : line.site_order,
-             scenario.manual ? std::string() : line.child_order, line.item->id,
-             "6" + std::to_string(100000000 + line.item->id), std::to_string(40000000 + line.item->id),
-             line.item->number, line.item->name, "69" + std::to_string(10000000000 + line.item->id), line.attribute,
-             line.attribute != 0 ? "规格" : "", line.item->unit, line.quantity, Fixed{line.price, 2},
-             Fixed{line.amount, 2}, Fixed{line.discount, 2}, Fixed{line.bill_discount, 2}, Fixed{after_discount, 2},
-             line.gift ? 1 : 0, line.meal, line.meal_name, line.package, line.promotion, line.stock, line.stock_place,
-             line.batch, delivered ? line.quantity : 0, Fixed{delivered ? after_discount : 0, 2}, LineState(scenario),
-             delivered ? 1 : 0, scenario.upload, refund ? 1 : 0, line.refund, refund ? (delivered ? 2 : 1) : 0,
-             refund ? 1 + order.key % 2 : 0,
-             !refund                               ? 0
-             : scenario.refund == Refund::kRefused ? code::kServiceRefused
-                                                   : code::kServiceAsked,
-             line.engraving, line.wrapping);
+  InsertRows& rows = line.batch ? lines_ : lines_without_batch_;
+  rows.BeginRow();
+  rows.Append(line.key, order.key, index, scenario.manual ? std::string() : line.site_order,
+              scenario.manual ? std::string() : line.child_order, line.item->id,
+              "6" + std::to_string(100000000 + line.item->id), std::to_string(40000000 + line.item->id),
+              line.item->number, line.item->name, "69" + std::to_string(10000000000 + line.item->id), line.attribute,
+              line.attribute != 0 ? "规格" : "", line.item->unit, line.quantity, Fixed{line.price, 2},
+              Fixed{line.amount, 2}, Fixed{line.discount, 2}, Fixed{line.bill_discount, 2}, Fixed{after_discount, 2},
+              Fixed{line.freight, 2}, line.gift ? 1 : 0, line.meal, line.meal_name, line.package, line.promotion,
+              line.stock, line.stock_place);
+  if (line.batch) {
+    rows.Append(*line.batch);
+  } else {
+    rows.Append(Null{});
+  }
+  rows.Append(delivered ? line.quantity : 0, Fixed{delivered ? after_discount : 0, 2}, LineState(scenario),
+              delivered ? 1 : 0, scenario.upload, refund ? 1 : 0, line.refund, refund ? (delivered ? 2 : 1) : 0,
+              refund ? 1 + order.key % 2 : 0,
+              !refund                               ? 0
+              : scenario.refund == Refund::kRefused ? code::kServiceRefused
+                                                    : code::kServiceAsked,
+              line.engraving, line.wrapping);
+  rows.EndRow();
   if (!scenario.manual && !line.child_order.empty()) {
     web_orders_.Add(line.key, line.child_order, line.site_order, line.item->name, line.item->number,
                     line.attribute != 0 ? line.item->number + "-" + std::to_string(line.attribute) : std::string());
@@ -140,23 +158,23 @@ void OrderWriter::WriteLine(const Order& order, const OrderLine& line, int index
   if (refund) refund_requests_.Add(line.refund, scenario.refund == Refund::kRefused ? 1 : 0, "不想要了");
 }
 
+void OrderWriter::WriteTrade(const Order& order, const OrderLine& line) {
+  // The marketplace has forgotten some.
+  if (order.scenario->manual || OneIn(37, order) || line.site_order == last_trade_) return;
+  last_trade_ = line.site_order;
+  trades_.Add(line.key, line.site_order, order.purchase.shop.id, order.purchase.nick, order.paid,
+              Fixed{order.amount() - order.discount() - order.bill_discount + order.freight, 2});
+}
+
 void OrderWriter::WriteExtension(const Order& order, const MasterData& master) {
   if (!order.has_extension) return;
   const Scenario& scenario = *order.scenario;
   const bool outside = !scenario.outside_state.empty();
-  const bool printed = scenario.stage >= Stage::kConfirmed;
   const bool sent = scenario.stage == Stage::kDelivered;
-  constexpr int kRun = 20;
-  std::string lot;
-  if (printed) {
-    const std::string month = order.unique_code.substr(2, 4);
-    const std::string run = std::to_string(100000 + order.key / kRun);
-    lot = month + run;
-  }
   InsertRows& rows = sent ? sent_extensions_ : extensions_;
   rows.BeginRow();
   rows.Append(
-      order.key, order.number, lot, printed ? std::to_string(order.key % kRun + 1) : std::string(), order.checked,
+      order.key, order.number, order.lot, order.serial, order.checked,
       OneIn(9, order)    ? 4
       : OneIn(31, order) ? 2
       : OneIn(17, order) ? 5
@@ -181,15 +199,15 @@ void OrderWriter::WriteStates(const Order& order) {
     const int pick = scenario.stage >= Stage::kConfirmed ? 1 : OneIn(7, order) ? 2 : 0;
     const int express = scenario.stage >= Stage::kWeighed ? 1 : 0;
     prints_.Add(order.key, pick, express, scenario.stage == Stage::kDelivered ? 1 : 0, express * order.user,
-                express * (OneIn(15, order) ? 2 : 1));
+                express * order.prints);
   }
 }
 
 void OrderWriter::WriteServices(const Order& order) {
   if (OneIn(40, order)) home_deliveries_.Add(order.key, 1);
   if (OneIn(45, order)) forwarded_.Add(order.key, 1);
+  if (!order.courier_number.empty()) courier_numbers_.Add(order.key, order.courier_number);
   if (order.scenario->stage < Stage::kWeighed) return;
-  if (OneIn(7, order)) courier_numbers_.Add(order.key, "SF" + order.waybill);
   if (OneIn(12, order) && !order.scenario->manual) {
     const bool failed = OneIn(5, order);
     early_waybills_.Add(order.lines.front().site_order, failed ? 2 : 1, failed ? "备注超长" : "");
@@ -199,7 +217,10 @@ void OrderWriter::WriteServices(const Order& order) {
 void OrderWriter::Write(const Order& order, const MasterData& master) {
   WriteHeader(order);
   int index = 0;
-  for (const OrderLine& line : order.lines) WriteLine(order, line, ++index);
+  for (const OrderLine& line : order.lines) {
+    WriteLine(order, line, ++index);
+    WriteTrade(order, line);
+  }
   WriteExtension(order, master);
   WriteStates(order);
   WriteServices(order);
@@ -207,9 +228,9 @@ void OrderWriter::Write(const Order& order, const MasterData& master) {
 
 void OrderWriter::Flush() {
   for (InsertRows& rows : headers_) rows.Flush();
-  for (InsertRows* rows :
-       {&lines_, &line_extensions_, &web_orders_, &extensions_, &sent_extensions_, &stock_bills_, &prints_, &refunds_,
-        &refund_requests_, &outside_, &home_deliveries_, &forwarded_, &courier_numbers_, &early_waybills_}) {
+  for (InsertRows* rows : {&lines_, &lines_without_batch_, &line_extensions_, &web_orders_, &extensions_,
+                           &sent_extensions_, &stock_bills_, &prints_, &refunds_, &refund_requests_, &outside_,
+                           &home_deliveries_, &forwarded_, &courier_numbers_, &early_waybills_, &trades_}) {
     rows->Flush();
   }
 }

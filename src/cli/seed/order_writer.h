@@ -1,6 +1,7 @@
 // Writes sample orders into the order tables and the tables around them.
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -21,6 +22,7 @@ class OrderWriter {
  private:
   void WriteHeader(const Order& order);
   void WriteLine(const Order& order, const OrderLine& line, int index);
+  void WriteTrade(const Order& order, const OrderLine& line);
   void WriteExtension(const Order& order, const MasterData& master);
   void WriteStates(const Order& order);
   void WriteServices(const Order& order);
@@ -29,6 +31,8 @@ class OrderWriter {
   /// By stage: an order has no more columns than it has come to; the others keep their defaults.
   std::vector<InsertRows> headers_;
   InsertRows lines_;
+  /// Those without a batch number, not even an empty one.
+  InsertRows lines_without_batch_;
   InsertRows line_extensions_;
   InsertRows web_orders_;
   /// Before and after delivery.
@@ -43,6 +47,9 @@ class OrderWriter {
   InsertRows forwarded_;
   InsertRows courier_numbers_;
   InsertRows early_waybills_;
+  InsertRows trades_;
+  /// FTID of the last row of trades_; the lines of one come after the other.
+  std::string last_trade_;
 };
 
 }  // namespace tessarlorn::cli

@@ -4,7 +4,7 @@ namespace tessarlorn::cli {
 
 std::span<const Scenario> OpenScenarios() {
   static constexpr Scenario kScenarios[] = {
-      {.quota = 14},
+      {.quota = 12},
       {.quota = 3, .manual = true},
       {.quota = 2, .transaction_status = code::kClosed},
       {.quota = 2, .refund = Refund::kRequested},
@@ -13,7 +13,7 @@ std::span<const Scenario> OpenScenarios() {
       {.quota = 1, .lock = 1, .lock_reason = "买家要求暂缓发货"},
       {.quota = 2, .lock = 2, .lock_reason = "地址待核实"},
       {.quota = 1, .outside_state = "0"},
-      {.quota = 1, .outside_state = "1"},
+      {.quota = 2, .outside_state = "1"},
       {.quota = 1, .outside_state = "2"},
       {.quota = 1, .outside_state = "3"},
       {.quota = 6, .stage = Stage::kConfirmed},
@@ -22,6 +22,7 @@ std::span<const Scenario> OpenScenarios() {
       {.quota = 5, .stage = Stage::kChecked},
       {.quota = 3, .stage = Stage::kWeighed},
       {.quota = 2, .stage = Stage::kWeighed, .stock_bill = 1},
+      {.quota = 1, .stage = Stage::kWeighed, .outside_state = "1"},
       {.quota = 1, .stage = Stage::kWeighed, .stock_bill = 3, .stock_bill_result = "即时库存不足"},
   };
   return kScenarios;

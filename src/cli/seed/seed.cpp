@@ -4,6 +4,7 @@
 
 #include "cli/seed/master_data.h"
 #include "cli/seed/order_maker.h"
+#include "cli/seed/order_records.h"
 #include "cli/seed/order_writer.h"
 #include "cli/seed/settings.h"
 #include "platform/error.h"
@@ -53,6 +54,7 @@ void Seed(Connection& connection, const SeedOptions& options,
       for (; done < end; ++done) writer.Write(maker.Next(), master);
       writer.Flush();
     });
+    if (done == options.orders) InTransaction(connection, [&] { WriteOrderRecords(connection); });
     if (progress) progress(done, options.orders);
   }
 }

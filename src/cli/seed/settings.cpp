@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "cli/seed/grid_layout.h"
+#include "cli/seed/insert_rows.h"
 #include "frame/text_builder.h"
 
 namespace tessarlorn::cli {
@@ -62,6 +64,59 @@ constexpr Message kMessages[] = {
     {84305, 843, "售后关闭"},
 };
 
+/// How often a document may be printed; 0 = as often as you like.
+struct PrintLimit {
+  int id;
+  std::string_view name;
+  int limit;
+  bool after_check;
+};
+constexpr PrintLimit kPrintLimits[] = {
+    {10143011, "配货单", 2, false},
+    {10143012, "发货单", 2, true},
+    {10143013, "快递单", 3, true},
+    {10143014, "发货清单", 0, false},
+};
+
+struct SynchSetting {
+  std::string_view name;
+  std::string_view value;
+};
+constexpr SynchSetting kSynchSettings[] = {
+    {"DownloadWebTpls", "0"}, {"DownloadWebOrders", "1"}, {"DownloadIntervalMinutes", "10"}, {"UploadThreads", "4"}};
+
+/// Upload tasks: who started them, and whether they are finished. The administrator has none under way.
+struct UploadTask {
+  std::string_view id;
+  std::string_view user;
+  bool finished;
+  int orders;
+  std::string_view started;
+};
+constexpr UploadTask kUploadTasks[] = {
+    {"UP-20260629-01", "系统管理员", true, 48, "2026-06-29T18:02:11"},
+    {"UP-20260630-01", "陈伟", true, 120, "2026-06-30T09:30:45"},
+    {"UP-20260630-02", "李娜", false, 75, "2026-06-30T17:55:20"},
+};
+
+void FillTables(Connection& connection) {
+  FillIfEmpty(connection, "ICPrintMaxCount", "FID,FName,FPrintControlOrNo,FPrintMaxCount,FPrintAfterCheck",
+              [](InsertRows& rows) {
+                for (const PrintLimit& limit : kPrintLimits) {
+                  rows.Add(limit.id, limit.name, limit.limit > 0 ? 1 : 0, limit.limit, limit.after_check ? 1 : 0);
+                }
+              });
+  FillIfEmpty(connection, "IC_SynchSetting", "FSettingName,FSettingValue", [](InsertRows& rows) {
+    for (const SynchSetting& setting : kSynchSettings) rows.Add(setting.name, setting.value);
+  });
+  FillIfEmpty(connection, "IC_UploadWebOrderTaskFlow", "FTaskID,FUserName,FUpStatus,FOrderCount,FCreateDate",
+              [](InsertRows& rows) {
+                for (const UploadTask& task : kUploadTasks) {
+                  rows.Add(task.id, task.user, task.finished ? 1 : 0, task.orders, task.started);
+                }
+              });
+}
+
 struct UserField {
   int page;
   std::string_view table;
@@ -118,6 +173,8 @@ IF NOT EXISTS (SELECT 1 FROM ICClassTableInfo WHERE FClassTypeID=1014301 AND FPa
                  {"position", ++position}});
   }
   connection.Execute(text.GetText());
+  FillTables(connection);
+  WriteGridLayout(connection);
 }
 
 }  // namespace tessarlorn::cli

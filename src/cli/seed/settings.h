@@ -1,4 +1,4 @@
-// Settings of the sample installation: switches, assistant data, user-defined columns.
+// Settings of the sample installation: switches, limits, assistant data, the grid's layout, user-defined columns.
 #pragma once
 
 #include "platform/connection.h"
@@ -24,7 +24,8 @@ inline constexpr int kServiceAsked = 84301;
 inline constexpr int kServiceRefused = 84303;
 }  // namespace code
 
-/// Adds the switches, codes and user-defined columns that are missing; those that are there stay as they are. The
+/// Adds the switches, codes and user-defined columns that are missing, and fills the tables of print limits, of
+/// settings and tasks of other programs, and the grid's layout where they are empty; what is there stays as it is. The
 /// columns are one of the header, FGiftCardText, and two of the lines, FEngraving and FWrapping. Raises what the
 /// database raises.
 void WriteSettings(Connection& connection);

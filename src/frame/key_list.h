@@ -22,9 +22,11 @@ inline constexpr std::size_t kBlocksPerBatch = 150;
 
 /// Calls `write(TextBuilder&, item)` for each item and executes the text after every 150 of them and at the end.
 /// Batches that ran before one fails stay applied.
+/// @param head goes in front of the first batch; without items it is executed alone
 template <typename Items, typename Write>
-void ExecuteInBatches(Connection& connection, const Items& items, const Write& write) {
+void ExecuteInBatches(Connection& connection, const Items& items, const Write& write, std::string_view head = {}) {
   TextBuilder text;
+  text.Append(head);
   std::size_t count = 0;
   for (const auto& item : items) {
     write(text, item);
@@ -34,7 +36,7 @@ void ExecuteInBatches(Connection& connection, const Items& items, const Write& w
       count = 0;
     }
   }
-  if (count > 0) connection.Execute(text.GetText());
+  if (!text.empty()) connection.Execute(text.GetText());
 }
 
 }  // namespace tessarlorn

@@ -1,4 +1,4 @@
-// The call of operations whose Dictionary names the connection string, sDSN, and the orders, FID.
+// The calls of operations that do nothing without a connection string and keys to work on.
 #pragma once
 
 #include <string>
@@ -28,6 +28,15 @@ auto CallForOrders(InstanceState instance, std::string_view source, const Dictio
     const std::string orders = parameters.Text("FID");
     return body(OrderCall{connection, parameters, orders});
   });
+}
+
+/// Runs `body(Connection&)` as CallOperation does. Without a connection string or keys nothing is done, and the answer
+/// is empty.
+template <typename Body>
+auto CallForKeys(InstanceState instance, std::string_view source, std::string_view dsn, std::string_view keys,
+                 const Body& body) -> std::invoke_result_t<Body, Connection&> {
+  if (dsn.empty() || keys.empty()) return {};
+  return CallOperation(instance, source, dsn, body);
 }
 
 }  // namespace tessarlorn

@@ -53,6 +53,11 @@ constexpr std::array kPrintCount = {
     Optional("PrintID", kLong, "",
              "10143011 pick list, 10143012 delivery note, 10143013 waybill, 10143014 delivery list"),
 };
+constexpr std::array kTplStock = {ConnectionKey("sDSN"),
+                                  Mandatory("FWebtplType", kLong, "The provider, its type number")};
+constexpr std::array kWebToStorage = {
+    Optional("FStockID", kLong, "", "The warehouse's stock, its id; an error without"),
+};
 
 constexpr std::array kOperations = {
     Bind<&clsGetData::TransMode>("TransMode", {},
@@ -200,6 +205,84 @@ constexpr std::array kOperations = {
         "GetWebShopType", {{"sDsn"}, {"sFWebshopID"}},
         "The type of a web shop. 0 without sDsn and when there is no such shop. Raises with Source "
         "TessarLornPickingAndDelivery.clsGetData.GetWebShopType."),
+    Bind<&clsGetData::bIsAddressReachable>(
+        "bIsAddressReachable", {{"sDsn"}},
+        "Whether addresses are to be checked (setting AddressReachable). False without sDsn or such a setting. Raises with "
+        "Source bIsAddressReachable."),
+    Bind<&clsGetData::GetNeedAddressReachableInfo>(
+        "GetNeedAddressReachableInfo", {{"sDsn"}, {"sFID"}},
+        "A Dictionary with FID and FOrderID, the keys and order numbers, with commas between them, of those of the orders "
+        "of the list sFID that have a carrier and an address to be checked; empty texts when there is none. Nothing without "
+        "sDsn or sFID. Raises with Source GetNeedAddressReachableInfo."),
+    Bind<&clsGetData::GetNoAddressReachableInfo>(
+        "GetNoAddressReachableInfo", {{"sDsn"}, {"sFID"}},
+        "A Vector of Dictionaries with FID and FOrderID: those of the orders of the list sFID that have a carrier which "
+        "does not serve their address. Nothing without sDsn or sFID. Raises with Source GetNoAddressReachableInfo."),
+    Bind<&clsGetData::GetTplCompany>(
+        "GetTplCompany", {{"dctPara", kConnection}},
+        "Name and type of the providers that have an outside warehouse, by type. Nothing without sDSN. Raises with Source "
+        "TessarLornPickingAndDelivery.clsGetData.GetTplCompany."),
+    Bind<&clsGetData::GetTplStock>(
+        "GetTplStock", {{"dctPara", kTplStock}, {"bIsBad"}},
+        "Id and name of a provider's enabled warehouses; with bIsBad True those for damaged goods as well. Nothing without "
+        "sDSN or FWebtplType. Raises with Source TessarLornPickingAndDelivery.clsGetData.GetTplStock."),
+    Bind<&clsGetData::GetTplCompanyNew>(
+        "GetTplCompanyNew", {{"sDsn"}},
+        "A Vector of Dictionaries with FWebtplType, FWebtplID and FStockID: all enabled warehouses by provider type. "
+        "Nothing without sDsn. Raises with Source TessarLornPickingAndDelivery.clsGetData.GetTplCompany."),
+    Bind<&clsGetData::GetTplOrderInfo>(
+        "GetTplOrderInfo", {{"sDsn"}, {"sFID"}, {"dicWebToStorage", kWebToStorage}},
+        "The keys, with commas between them, of those of the orders of the list sFID that have a line on a warehouse's "
+        "stock and are not submitted, or may be again. An empty text without sDsn or sFID and when there is none. Raises "
+        "with Source TessarLornPickingAndDelivery.clsGetData.GetTplOrderInfo."),
+    Bind<&clsGetData::GetNotTplOrderInfo>(
+        "GetNotTplOrderInfo", {{"sDsn"}, {"sFID"}},
+        "The keys, with commas between them, of those of the orders of the list sFID that have a line on a stock which no "
+        "outside warehouse handles. An empty text without sDsn or sFID and when there is none. Raises with Source "
+        "TessarLornPickingAndDelivery.clsGetData.GetTplOrderInfo."),
+    Bind<&clsGetData::GetCancelTplOrderInfo>(
+        "GetCancelTplOrderInfo", {{"sDsn"}, {"sFID"}, {"tplType"}, {"tplStockID"}},
+        "The keys, with commas between them, of those of the orders of the list sFID that may be taken back from the "
+        "warehouse tplStockID of provider type tplType (0: from any). An empty text without sDsn or sFID and when there is "
+        "none. Raises with Source TessarLornPickingAndDelivery.clsGetData.GetCancelTplOrderInfo."),
+    Bind<&clsGetData::GetCancelTplReturnOrderInfo>(
+        "GetCancelTplReturnOrderInfo", {{"sDsn"}, {"sFID"}, {"tplType"}, {"tplStockID"}},
+        "The keys, with commas between them, of those of the order lines of the list sFID that are on a stock of the "
+        "warehouse. An empty text without sDsn or sFID and when there is none. Raises with Source "
+        "TessarLornPickingAndDelivery.clsGetData.GetCancelTplOrderInfo."),
+    Bind<&clsGetData::GetFiltrationTPLOrder>(
+        "GetFiltrationTPLOrder", {{"sDsn"}, {"sFID"}},
+        "The keys, with commas between them, of those of the orders of the list sFID that are at an outside warehouse with "
+        "every line. An empty text without sDsn or sFID and when there is none. Raises with Source "
+        "TessarLornPickingAndDelivery.clsGetData.GetFiltrationTPLOrder."),
+    Bind<&clsGetData::GetPurchaseTaskInfo>(
+        "GetPurchaseTaskInfo", {{"sDsn"}, {"taskName"}, {"taskID"}, {"sWebTplType"}, {"sWebTplID"}},
+        "-1 when the task taskID or, when that is empty, the purchase task taskName at the warehouse has ended, otherwise 0; "
+        "0 without sDsn or either of the two. Raises with Source "
+        "TessarLornPickingAndDelivery.clsGetData.GetCancelTplOrderInfo."),
+    Bind<&clsGetData::bExistStock>(
+        "bExistStock", {{"dctPara", kOrder}},
+        "Whether a line of the order has no warehouse. False without sDSN or FID. Raises with Source ChangeAddess."),
+    Bind<&clsGetData::CheckInnerInvoice>(
+        "CheckInnerInvoice", {{"dctPara", kOrders}},
+        "A Dictionary with ReturnBills, a Vector of Dictionaries with FID and FOrderID for those of the orders that are "
+        "invoiced but not covered by an internal invoice, and FStatus, 1 when there are any, otherwise 0. Nothing without "
+        "sDSN or FID. Raises with Source CheckInnerInvoice."),
+    Bind<&clsGetData::GetIsMarkBilling>(
+        "GetIsMarkBilling", {{"sDsn"}},
+        "Whether billing is marked (setting MarkBilling of category EC). False without sDsn or such a setting. Raises with "
+        "Source GetIsMarkBilling."),
+    Bind<&clsGetData::bExistInvoice>(
+        "bExistInvoice", {{"dctPara", kOrders}},
+        "Whether any of the orders has a sales invoice. False without sDSN or FID. Raises with Source bExistInvoice."),
+    Bind<&clsGetData::GetWebFIDByCostInoviceID>(
+        "GetWebFIDByCostInoviceID", {{"sDsn"}, {"lInoviceID"}},
+        "The key of the order that a cost invoice covers, -1 when it covers none or several. Raises with Source "
+        "TessarMWebOrder.TessarMWebOrderInfo.GetWebFIDByInoviceID."),
+    Bind<&clsGetData::GetTotalPriceChange>(
+        "GetTotalPriceChange", {{"sDsn"}, {"sFIDs"}},
+        "The sums of the price-difference lines of each order of the list sFIDs: amount, freight and discount. Nothing "
+        "without sDsn or sFIDs; no row for an order without such lines. Raises with Source GetBatchNo."),
 };
 
 }  // namespace

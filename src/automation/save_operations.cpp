@@ -89,6 +89,28 @@ constexpr std::array kDeliveryRemark = {
     Mandatory("FShippingRem", kString, "The remark"),
     Optional("Mode", kLong, "0", "1 adds the remark behind the old one, anything else replaces it"),
 };
+constexpr std::array kAddress = {
+    ConnectionKey("sDSN"),
+    Mandatory("FID", kLong, "Order key"),
+    Optional("FConsignee", kString, "", "Who receives the parcel"),
+    Optional("FZipCode", kString, "", "Postal code"),
+    Optional("FTelephone", kString, "", "Telephone number"),
+    Optional("FMobile", kString, "", "Mobile number"),
+    Optional("FDeliveryProvince", kLong, "", "Province, its id"),
+    Optional("FDeliveryCity", kLong, "", "City, its id"),
+    Optional("FDeliveryDistrict", kLong, "", "District, its id"),
+    Optional("FDeliveryAddress", kString, "", "Street and house"),
+};
+constexpr std::array kChangeStock = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Mandatory("FStockID", kLong, "The new warehouse, its id"),
+};
+constexpr std::array kCostInvoice = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Optional("FCostInvoiceInterID", kLong, "", "Key of the cost invoice; without one the orders are unlinked"),
+};
 
 constexpr std::array kBatch = {
     Optional("FBatchNo", kString, "", "Batch number; single quotes are removed, here and below"),
@@ -197,6 +219,31 @@ constexpr std::array kOperations = {
         "UpLoadStatusForManualAndClosed", {{"sDsn"}},
         "Marks every manual order and every closed transaction, with its lines, as uploaded. True, also when there is "
         "none. Raises with Source UpLoadStatusForManualAndClosed."),
+    Bind<&clsSaveData::UpdateAddressReachableState>(
+        "UpdateAddressReachableState", {{"sDsn"}, {"sFID"}, {"lType"}},
+        "Records that carriers serve the addresses of the orders of the list sFID, and remembers each address with its "
+        "carrier, in batches of 150; with lType 4 the orders are to be checked again instead. False, with nothing done, "
+        "without sDsn or sFID. Raises with Source TessarLornPickingAndDelivery.clsSaveData.UpdateAddressReachableState."),
+    Bind<&clsSaveData::SubMitTplOrderTask>(
+        "SubMitTplOrderTask", {{"sDsn"}, {"sFID"}, {"tplType"}, {"sUserName"}, {.name = "sWebTplID", .optional = true}},
+        "Queues a task for the orders of the list sFID at an outside warehouse and marks them as submitted, in batches of "
+        "150. False, with nothing done, without sDsn or sFID. Raises with Source "
+        "TessarLornPickingAndDelivery.clsSaveData.SubMitTplOrderTask."),
+    Bind<&clsSaveData::SubMitPorTask>(
+        "SubMitPorTask",
+        {{"sDsn"}, {"sTaskID"}, {"sInterFID"}, {"tplType"}, {"sStockID"}, {"sUserName"}, {"sFiter"}, {"lTranType"}},
+        "Queues a task for the purchase orders (lTranType 71) or sales orders (81) of the list sInterFID and marks those "
+        "of their lines as submitted that fulfil the SQL condition sFiter on t1. An empty text, with nothing done without "
+        "sDsn or sInterFID. Raises with Source TessarLornPickingAndDelivery.clsSaveData.SubMitPorTask, also for any other "
+        "lTranType, whose task is queued."),
+    Bind<&clsSaveData::ClearTplFieldInfo>(
+        "ClearTplFieldInfo", {{"sDsn"}, {"sBillNo"}},
+        "Clears what the purchase order sBillNo and its lines keep of an outside warehouse. True, also when there is no "
+        "such order. Raises with Source TessarLornPickingAndDelivery.clsSaveData.ClearTplFieldInfo."),
+    Bind<&clsSaveData::DownloadWebTpls>(
+        "DownloadWebTpls", {{"sDsn"}, {"lScheme"}},
+        "Stores the scheme by which lists of warehouses are downloaded. True, also when the setting has no row and nothing "
+        "is stored. Raises with Source TessarLornPickingAndDelivery.clsSaveData.DownloadWebTpls."),
     Bind<&clsSaveData::OrderRemark>(
         "OrderRemark", {{"dctPara", kOrderRemark}},
         "Replaces or extends the seller's remark of orders and records it in their field log. False, with nothing done, "
@@ -209,6 +256,23 @@ constexpr std::array kOperations = {
         "DeliveryRemark", {{"dctPara", kDeliveryRemark}},
         "Replaces or extends the delivery remark of orders and records it in their field log. False, with nothing done, "
         "without sDSN, FID or FShippingRem. Raises with Source OrderRemark."),
+    Bind<&clsSaveData::ChangeAddess>(
+        "ChangeAddess", {{"dctPara", kAddress}},
+        "Stores consignee and address of an order, clears its waybill number and deletes the courier's own waybill; the "
+        "change goes to its field log. False, with nothing done, without sDSN or FID; True when the update ran, also when "
+        "no order matched. Raises with Source ChangeAddess."),
+    Bind<&clsSaveData::ChangeStock>(
+        "ChangeStock", {{"dctPara", kChangeStock}},
+        "Moves all lines of orders to another warehouse, without a stock place; logged as 2001 where enabled, one row a "
+        "line. False, with nothing done, without sDSN, FID or FStockID. Raises with Source ChangeStock."),
+    Bind<&clsSaveData::UpdateCostInvoiceStatus>(
+        "UpdateCostInvoiceStatus", {{"dctPara", kCostInvoice}},
+        "Links orders to the cost invoice that covers them; logged as 3007, always. False, with nothing done, without sDSN "
+        "or FID; True when the update ran, also when no order matched. Raises with Source ChangeAddess."),
+    Bind<&clsSaveData::UpdateAfterDeleteBill>(
+        "UpdateAfterDeleteBill", {{"sDsn"}, {"sFID"}},
+        "Unlinks all orders from the cost invoices of the list sFID. False, with nothing done, without sDsn or sFID. "
+        "Raises with Source TessarLornPickingAndDelivery.clsSaveData.UpdateAfterDeleteBill."),
 };
 
 }  // namespace

@@ -176,6 +176,78 @@ class clsGetData {
   /// Source "TessarLornPickingAndDelivery.clsGetData.GetWebShopType".
   std::int16_t GetWebShopType(std::string_view sDsn, std::string_view sFWebshopID);
 
+  // Carriers.
+
+  /// Whether addresses are to be checked. False without sDsn.
+  bool bIsAddressReachable(std::string_view sDsn);
+  /// Those of the orders sFID that have a carrier and whose address is still to be checked, an order without extension
+  /// row being one: their keys under FID and their order numbers under FOrderID, each as one text with commas between
+  /// them, "" when there is none. Nothing without sDsn or sFID.
+  std::optional<Dictionary> GetNeedAddressReachableInfo(std::string_view sDsn, std::string_view sFID);
+  /// Those of the orders sFID that have a carrier which does not serve their address: a Dictionary with FID and
+  /// FOrderID each. Nothing without sDsn or sFID.
+  std::optional<Vector> GetNoAddressReachableInfo(std::string_view sDsn, std::string_view sFID);
+
+  // Outside warehouses. Lists of keys are texts with commas between the keys, "" when there is none; and without sDsn
+  // or sFID.
+
+  /// FWebTplName and FWebTplType of the providers that have a warehouse, by type. Needs sDSN.
+  /// Source "TessarLornPickingAndDelivery.clsGetData.GetTplCompany".
+  RecordsetPtr GetTplCompany(const Dictionary* dctPara);
+  /// FWebtplID and FWebtplName of the enabled warehouses of the provider FWebtplType; with bIsBad also those for
+  /// damaged goods. Needs sDSN and FWebtplType. Source "TessarLornPickingAndDelivery.clsGetData.GetTplStock".
+  RecordsetPtr GetTplStock(const Dictionary* dctPara, bool bIsBad);
+  /// All enabled warehouses by provider type: a Dictionary with FWebtplType, FWebtplID and FStockID each. Nothing
+  /// without sDsn. Source "TessarLornPickingAndDelivery.clsGetData.GetTplCompany".
+  std::optional<Vector> GetTplCompanyNew(std::string_view sDsn);
+  /// Those of the orders sFID that have a line on the stock FStockID and are not submitted, or may be again. Without
+  /// FStockID the database refuses the query. Source "TessarLornPickingAndDelivery.clsGetData.GetTplOrderInfo".
+  std::string GetTplOrderInfo(std::string_view sDsn, std::string_view sFID, const Dictionary* dicWebToStorage);
+  /// Those of the orders sFID that have a line on a stock which no outside warehouse handles.
+  /// Source "TessarLornPickingAndDelivery.clsGetData.GetTplOrderInfo".
+  std::string GetNotTplOrderInfo(std::string_view sDsn, std::string_view sFID);
+  /// Those of the orders sFID that may be taken back: in state 1, without a waybill, every line on a stock of the
+  /// warehouse tplStockID of provider type tplType or, with type 0, of any. An order without lines is one of them.
+  /// Source "TessarLornPickingAndDelivery.clsGetData.GetCancelTplOrderInfo".
+  std::string GetCancelTplOrderInfo(std::string_view sDsn, std::string_view sFID, std::int32_t tplType,
+                                    std::string_view tplStockID);
+  /// Those of the order lines sFID (FEntryID) that are on a stock of the warehouse.
+  /// Source "TessarLornPickingAndDelivery.clsGetData.GetCancelTplOrderInfo".
+  std::string GetCancelTplReturnOrderInfo(std::string_view sDsn, std::string_view sFID, std::int32_t tplType,
+                                          std::string_view tplStockID);
+  /// Those of the orders sFID that are at an outside warehouse (state 1 or 3) with every line; a warehouse of stock 0
+  /// stands for no stock. An order without lines is one of them.
+  /// Source "TessarLornPickingAndDelivery.clsGetData.GetFiltrationTPLOrder".
+  std::string GetFiltrationTPLOrder(std::string_view sDsn, std::string_view sFID);
+  /// -1 when the task has ended (state 2), otherwise 0: the task taskID or, when that is empty, a purchase task
+  /// taskName (the list of its documents) at the warehouse. 0 without sDsn or either of the two. Source
+  /// "TessarLornPickingAndDelivery.clsGetData.GetCancelTplOrderInfo".
+  std::int32_t GetPurchaseTaskInfo(std::string_view sDsn, std::string_view taskName, std::string_view taskID,
+                                   std::string_view sWebTplType, std::string_view sWebTplID);
+
+  // Amendments.
+
+  /// Whether a line of the order FID has no warehouse. Needs sDSN and FID. Source "ChangeAddess".
+  bool bExistStock(const Dictionary* dctPara);
+
+  // Cost invoices.
+
+  /// Those of the orders FID that are invoiced but not covered by an internal invoice: a Dictionary with FID and
+  /// FOrderID each in the Vector ReturnBills, and FStatus, 1 when there are any, otherwise 0. Needs sDSN and FID.
+  std::optional<Dictionary> CheckInnerInvoice(const Dictionary* dctPara);
+  /// Whether billing is marked; the setting counts in the category EC only. False without sDsn.
+  bool GetIsMarkBilling(std::string_view sDsn);
+  /// Whether any of the orders FID has a sales invoice for goods that left by a stock bill of the order itself. Needs
+  /// sDSN and FID.
+  bool bExistInvoice(const Dictionary* dctPara);
+  /// Key of the order that the cost invoice covers; -1 when it covers none, or several.
+  /// Source "TessarMWebOrder.TessarMWebOrderInfo.GetWebFIDByInoviceID".
+  std::int32_t GetWebFIDByCostInoviceID(std::string_view sDsn, std::int32_t lInoviceID);
+  /// FID, FTotalPriceChange, FTotalFreight and FEntryBillDiscountFee: the sums of the price-difference lines of each of
+  /// the orders, in the order's currency; no row for an order without such lines. Nothing without sDsn or sFIDs.
+  /// Source "GetBatchNo".
+  RecordsetPtr GetTotalPriceChange(std::string_view sDsn, std::string_view sFIDs);
+
  private:
   bool ReadSwitch(std::string_view source, std::string_view dsn, std::string_view key);
   [[nodiscard]] InstanceState State() noexcept { return {context_, session_}; }

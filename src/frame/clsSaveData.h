@@ -1,6 +1,7 @@
 // clsSaveData: every operation that changes orders.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -122,6 +123,36 @@ class clsSaveData {
   /// Marks every manual order and every closed transaction, with their lines, as uploaded: they never need it.
   bool UpLoadStatusForManualAndClosed(std::string_view sDsn);
 
+  // Carriers.
+
+  /// Records that the carrier serves the addresses of the orders sFID and remembers each complete address with its
+  /// carrier as served, once a call; with lType 4 it sets those of the orders that have an extension row back to be
+  /// checked instead. False without sDsn or sFID. Orders, then addresses, go in batches of 150; those before a failing
+  /// one stay applied. Source "TessarLornPickingAndDelivery.clsSaveData.UpdateAddressReachableState".
+  bool UpdateAddressReachableState(std::string_view sDsn, std::string_view sFID, std::int32_t lType);
+
+  // Outside warehouses.
+
+  /// Queues a task for the orders sFID at the warehouse sWebTplID of provider type tplType and marks those in state 0
+  /// or 2 as submitted, and those without an extension row, which get one; any other state, an empty one too, stays.
+  /// False without sDsn or sFID. The task goes with the first batch of 150 orders; batches before a failing one stay
+  /// applied. Source "TessarLornPickingAndDelivery.clsSaveData.SubMitTplOrderTask".
+  bool SubMitTplOrderTask(std::string_view sDsn, std::string_view sFID, std::int32_t tplType,
+                          std::string_view sUserName, std::string_view sWebTplID = {});
+  /// Queues the task sTaskID for the documents sInterFID and marks those of their lines as submitted that are not yet
+  /// and fulfil sFiter, an SQL condition on the line t1. lTranType 71 are purchase orders, 81 sales orders; with any
+  /// other the task has type 0 and stays, and the marking is refused by the database. Always "", with nothing done
+  /// without sDsn or sInterFID. Source "TessarLornPickingAndDelivery.clsSaveData.SubMitPorTask".
+  std::string SubMitPorTask(std::string_view sDsn, std::string_view sTaskID, std::string_view sInterFID,
+                            std::int32_t tplType, std::string_view sStockID, std::string_view sUserName,
+                            std::string_view sFiter, std::int32_t lTranType);
+  /// Clears what the purchase order of this number and its lines keep of an outside warehouse. An empty number is a
+  /// number like any other. Source "TessarLornPickingAndDelivery.clsSaveData.ClearTplFieldInfo".
+  bool ClearTplFieldInfo(std::string_view sDsn, std::string_view sBillNo);
+  /// Stores the scheme by which lists of warehouses are downloaded; True, with nothing stored, when the setting has no
+  /// row. Source "TessarLornPickingAndDelivery.clsSaveData.DownloadWebTpls".
+  bool DownloadWebTpls(std::string_view sDsn, std::int32_t lScheme);
+
   // Amendments.
 
   /// Replaces the seller's remark of the orders FID by FSellerMessage or, with a Mode other than 0, adds it behind the
@@ -134,6 +165,24 @@ class clsSaveData {
   /// Replaces the delivery remark of the orders FID by FShippingRem or, with Mode 1, adds it behind the old one and a
   /// backslash. Needs sDSN, FID and FShippingRem. Each order's field log is written first. Source "OrderRemark".
   bool DeliveryRemark(const Dictionary* dctPara);
+  /// Stores consignee, postal code, telephone numbers and address of the order FID: FConsignee, FZipCode, FTelephone,
+  /// FMobile, FDeliveryProvince, FDeliveryCity, FDeliveryDistrict, FDeliveryAddress; an absent one is stored as "". The
+  /// order counts as changed here, its waybill number is cleared and the courier's own waybill is deleted, also when
+  /// nothing differs. Needs sDSN and FID. All but FZipCode and FMobile go to the field log first.
+  bool ChangeAddess(const Dictionary* dctPara);
+  /// Moves all lines of the orders FID to the warehouse FStockID, without a stock place. Needs sDSN, FID and FStockID.
+  /// Logged as 2001 where that is enabled, before the change: one row a line, with the names of both warehouses, in
+  /// batches of 150 orders. Batches before a failing one stay applied.
+  bool ChangeStock(const Dictionary* dctPara);
+
+  // Cost invoices.
+
+  /// Links the orders FID to the cost invoice FCostInvoiceInterID; an absent one unlinks them. Needs sDSN and FID.
+  /// Logged as 3007, always and before the change. Source "ChangeAddess".
+  bool UpdateCostInvoiceStatus(const Dictionary* dctPara);
+  /// Unlinks all orders from the cost invoices sFID. False without sDsn or sFID.
+  /// Source "TessarLornPickingAndDelivery.clsSaveData.UpdateAfterDeleteBill".
+  bool UpdateAfterDeleteBill(std::string_view sDsn, std::string_view sFID);
 
  private:
   struct RemarkChange;

@@ -87,6 +87,8 @@ bool HasGuard(const Operation& operation) {
                                                       "NewGetWeightByFID",
                                                       "ExecuteSQL",
                                                       "CheckWebShopTypeSameByOrders",
+                                                      "ClearTplFieldInfo",
+                                                      "DownloadWebTpls",
                                                       "GetWebFIDByCostInoviceID"};
   return !kWithout.contains(operation.name) && !operation.property;
 }

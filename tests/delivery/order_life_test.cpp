@@ -6,6 +6,7 @@
 #include "frame/clsSaveData.h"
 #include "platform/error.h"
 #include "siblings/siblings.h"
+#include "support/sample_test.h"
 
 namespace tessarlorn {
 namespace {
@@ -48,15 +49,7 @@ insert into t_Currency values(2,'*',2)
     SessionFactory::ForThisThread().CloseIdle();
   }
 
-  /// The cells of all rows, in text form.
-  std::string Read(std::string_view query) {
-    const RecordsetPtr rows = session_->GetConnection().Execute(query);
-    std::string text;
-    for (; !rows->eof(); rows->MoveNext()) {
-      for (std::size_t field = 0; field < rows->fields().size(); ++field) text += rows->Get(field).ToText() + "|";
-    }
-    return text;
-  }
+  std::string Read(std::string_view query) { return Cells(session_->GetConnection(), query); }
   static Dictionary Keys(const Dictionary& more = {}) {
     Dictionary keys{{"sDSN", kDsn}, {"sDsn", kDsn}, {"sProps", kDsn}, {"FID", "12,15"}};
     for (const auto& [key, value] : more) keys.SetValue(key, value);
@@ -85,7 +78,7 @@ TEST_F(OrderLifeTest, GoesFromPickingToUploadAndBack) {
   EXPECT_TRUE(save.SetUpLogisticsNumber(kDsn, &number));
   EXPECT_TRUE(save.ModifyCost(&keys));
   EXPECT_TRUE(save.UpdateLogisticsWeightStatus(kDsn, &keys));
-  EXPECT_EQ(Read("select FLogisticsOrder,FWeighttingStatus from IC_Web2ERPOrders order by FID"), "SF1|1||1|");
+  EXPECT_EQ(Read("select FLogisticsOrder,FWeighttingStatus from IC_Web2ERPOrders order by FID"), "SF1|1|null|1|");
   EXPECT_EQ(Read("select * from IC_StockBillOrdersStatus order by FID"), "12|1||15|1||");
   EXPECT_EQ(get.GetTotalLogisticsCosts(&keys), 30) << "a rate of 0 counts as 1 on the dividing side";
 

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "frame/clsSaveData.h"
+#include "support/batches.h"
 #include "support/recording_driver.h"
 
 namespace tessarlorn {
@@ -32,28 +33,6 @@ TEST_F(TransitionsTest, Delivers) {
   EXPECT_TRUE(Events().empty());
 }
 
-TEST_F(TransitionsTest, RemarksAreLoggedForEachOrderFirst) {
-  Dictionary parameters{{"sDSN", kDsn}, {"FID", "12,15"}, {"FShippingRem", "late"}, {"Mode", "1"}};
-  EXPECT_TRUE(save_.DeliveryRemark(&parameters));
-  EXPECT_THAT(Events(),
-              ElementsAre("WriteSaveOrderLog(12,0,FShippingRem,late)", "WriteSaveOrderLog(15,0,FShippingRem,late)",
-                          Lines({
-                              "Update IC_Web2ERPOrders ",
-                              "SET    FShippingRem = FShippingRem + '\\late'",
-                              "Where FID in (12,15)",
-                          })));
-  for (const Variant& mode : {Variant(0), Variant(""), Variant(true), Variant()}) {
-    Events().clear();
-    parameters.SetValue("Mode", mode);
-    EXPECT_TRUE(save_.DeliveryRemark(&parameters));
-    EXPECT_THAT(Events().back(), HasSubstr("\r\nSET    FShippingRem ='late'\r\n"));
-  }
-  Events().clear();
-  parameters.SetValue("Mode", "append");
-  EXPECT_EQ(Raised([&] { save_.DeliveryRemark(&parameters); }), "13 OrderRemark");
-  EXPECT_TRUE(Events().empty());
-}
-
 TEST_F(TransitionsTest, StepsBack) {
   Dictionary parameters{{"sDSN", kDsn}, {"FID", "12,15"}, {"UpdateFlag", true}};
   EXPECT_TRUE(save_.BackToThePreviousStep(&parameters));
@@ -81,39 +60,30 @@ TEST_F(TransitionsTest, StepsBack) {
 }
 
 TEST_F(TransitionsTest, QueuesStockBillsInBatches) {
-  const struct {
-    int orders;
-    std::vector<std::size_t> blocks;
-  } cases[] = {{0, {}}, {1, {1}}, {149, {149}}, {150, {150}}, {151, {150, 1}}, {301, {150, 150, 1}}};
-  const std::size_t block =
-      Lines({
-                "IF EXISTS (SELECT 1 FROM IC_StockBillOrdersStatus WHERE FID = 1)",
-                "    BEGIN",
-                "        UPDATE IC_StockBillOrdersStatus",
-                "        SET FStockBillResult = '', FStockBillStatus = 1",
-                "        WHERE FID = 1",
-                "    END",
-                "ELSE",
-                "    BEGIN",
-                "        INSERT INTO IC_StockBillOrdersStatus(FID,FStockBillStatus,FStockBillResult)",
-                "        VALUES (1,1,'')",
-                "    END",
-            })
-          .size();
-  for (const auto& c : cases) {
+  EXPECT_TRUE(save_.UpdateDeliveryData(kDsn, " 7"));
+  EXPECT_EQ(OnlyEvent(), Lines({
+                             "IF EXISTS (SELECT 1 FROM IC_StockBillOrdersStatus WHERE FID = 7)",
+                             "    BEGIN",
+                             "        UPDATE IC_StockBillOrdersStatus",
+                             "        SET FStockBillResult = '', FStockBillStatus = 1",
+                             "        WHERE FID = 7",
+                             "    END",
+                             "ELSE",
+                             "    BEGIN",
+                             "        INSERT INTO IC_StockBillOrdersStatus(FID,FStockBillStatus,FStockBillResult)",
+                             "        VALUES (7,1,'')",
+                             "    END",
+                         }));
+  for (const BatchCase& c : kBatchCases) {
     Events().clear();
-    std::string keys;
-    for (int i = 0; i < c.orders; ++i) keys += i == 0 ? "7" : ", 7";
-    EXPECT_TRUE(save_.UpdateDeliveryData(kDsn, keys));
-    std::vector<std::size_t> blocks;
-    for (const std::string& batch : Events()) {
-      EXPECT_EQ(batch.size() % block, 0U);
-      blocks.push_back(batch.size() / block);
-    }
-    EXPECT_EQ(blocks, c.blocks) << c.orders;
+    EXPECT_TRUE(save_.UpdateDeliveryData(kDsn, KeysTo(c.keys)));
+    EXPECT_EQ(CountsOf("IF EXISTS (", Events()), c.blocks);
   }
+  Events().clear();
+  EXPECT_TRUE(save_.UpdateDeliveryData(kDsn, ""));
   EXPECT_EQ(Raised([&] { save_.UpdateDeliveryData(kDsn, "1,x"); }),
             "13 TessarLornPickingAndDelivery.clsSaveData.UpdateDeliveryData");
+  EXPECT_TRUE(Events().empty());
 }
 
 }  // namespace

@@ -1,0 +1,64 @@
+// The warehouse from which order lines are delivered.
+#include "frame/clsGetData.h"
+#include "frame/clsSaveData.h"
+#include "frame/formats.h"
+#include "frame/identity.h"
+#include "frame/key_list.h"
+#include "frame/order_call.h"
+#include "frame/results.h"
+#include "frame/text_builder.h"
+#include "platform/clock.h"
+
+namespace tessarlorn {
+namespace {
+
+/// One row for each line of the orders, with the names of its old and new warehouse.
+void LogChange(DataSession& session, const OrderCall& call, std::string_view stock) {
+  const std::string user = std::to_string(CurrentUserId(session));
+  const std::string address = ClientAddress(session);
+  const std::string now = FormatDateTime(LocalNow());
+  ExecuteInBatches(call.connection, SplitKeys(call.orders), [&](TextBuilder& text, std::string_view order) {
+    text.Append(
+        R"(
+insert into IC_TradeLog (FOrderFID,FOPUserID,FOPCode,FUserIP,FOPTime,FItemID,FOldValue,FNewValue) select
+{order},
+{user},
+2001,
+'{address}',
+'{now}',
+t0.FItemID,
+t1.FName,
+t2.FName
+from IC_Web2ERPOrdersEntry t0
+left join t_Stock t1 on t1.FItemID = t0.FStockID
+left join t_Stock t2 on t2.FItemID = {stock}
+where t0.FID = {order}
+)"_sql,
+        {{"order", order}, {"user", user}, {"address", address}, {"now", now}, {"stock", stock}});
+  });
+}
+
+}  // namespace
+
+bool clsSaveData::ChangeStock(const Dictionary* dctPara) {
+  if (!Parameters(dctPara).HasText("FStockID")) return false;
+  return CallForOrders(State(), "ChangeStock", dctPara, [&](const OrderCall& call) {
+    const std::string stock = call.parameters.Text("FStockID");
+    if (IsLogEnable("2001")) LogChange(*session_, call, stock);
+    TextBuilder text;
+    text.Line(" UPDATE IC_Web2ERPOrdersEntry SET FSPID = 0 ,FStockID = ", stock);
+    text.Line(" WHERE FID IN (", call.orders, ")");
+    call.connection.Execute(text.GetText());
+    return true;
+  });
+}
+
+bool clsGetData::bExistStock(const Dictionary* dctPara) {
+  return CallForOrders(State(), "ChangeAddess", dctPara, [](const OrderCall& call) {
+    TextBuilder text;
+    text.Line("SELECT COUNT(11) AS flag FROM IC_Web2ERPOrdersEntry WHERE FStockID=0 AND FID =", call.orders);
+    return ReadFlag(call.connection, text.GetText());
+  });
+}
+
+}  // namespace tessarlorn

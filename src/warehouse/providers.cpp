@@ -1,0 +1,46 @@
+// The outside warehouses that are configured, and the warehouses of ours that they stand for.
+#include "frame/clsGetData.h"
+#include "frame/parameters.h"
+#include "frame/results.h"
+#include "frame/text_builder.h"
+
+namespace tessarlorn {
+
+RecordsetPtr clsGetData::GetTplCompany(const Dictionary* dctPara) {
+  const Parameters parameters(dctPara);
+  if (!parameters.HasText("sDSN")) return nullptr;
+  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetTplCompany";
+  return CallOperation(State(), kSource, parameters.Text("sDSN"), [](Connection& connection) {
+    TextBuilder text;
+    text.Line(
+        "   select distinct FWebTplName,FWebTplType from IC_WebtplFlat where FWebTplType in (select FWebTplType   from "
+        "IC_WebtplToStorage) order by fWebtplType asc   ");
+    return connection.Execute(text.GetText());
+  });
+}
+
+RecordsetPtr clsGetData::GetTplStock(const Dictionary* dctPara, bool bIsBad) {
+  const Parameters parameters(dctPara);
+  if (!parameters.HasText("sDSN") || !parameters.HasText("FWebtplType")) return nullptr;
+  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetTplStock";
+  return CallOperation(State(), kSource, parameters.Text("sDSN"), [&](Connection& connection) {
+    TextBuilder text;
+    text.Line("    select FWebtplID,FWebtplName from IC_WebtplToStorage where ", bIsBad ? "" : "FIsbad=0  and ",
+              " FUnUsed<>1 AND FWebtplType=", parameters.Text("FWebtplType"), " order by FWebtplID   ");
+    return connection.Execute(text.GetText());
+  });
+}
+
+std::optional<Vector> clsGetData::GetTplCompanyNew(std::string_view sDsn) {
+  if (sDsn.empty()) return std::nullopt;
+  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetTplCompany";
+  return CallOperation(State(), kSource, sDsn, [](Connection& connection) {
+    TextBuilder text;
+    text.Line(
+        "   select distinct FtplCategory,FWebtplType,FWebtplID,FStockID  from IC_WebtplToStorage where FUnUsed<>1 order "
+        "by FWebtplType asc   ");
+    return std::optional(RowDictionaries(connection.Execute(text.GetText()), {"FWebtplType", "FWebtplID", "FStockID"}));
+  });
+}
+
+}  // namespace tessarlorn

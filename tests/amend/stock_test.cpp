@@ -1,0 +1,112 @@
+#include <algorithm>
+#include <gmock/gmock.h>
+
+#include "support/batches.h"
+#include "support/recording_driver.h"
+#include "support/sample_test.h"
+
+namespace tessarlorn {
+namespace {
+
+class StockTest : public SampleTest {
+ protected:
+  StockTest() {
+    Run(R"(
+insert into t_Stock(FItemID,FName) values (10,'North'),(20,'South')
+insert into IC_Web2ERPOrdersEntry(FEntryID,FID,FItemID,FStockID,FSPID)
+  values (31,3,501,10,7),(32,3,502,0,8),(51,5,503,20,9),(61,6,504,10,7)
+insert into t_SystemProfile(FCategory,FKey,FValue) values ('EC','TradeLog2001','1'))");
+  }
+};
+
+TEST_F(StockTest, MovesLinesAndLogsEachWithBothWarehouses) {
+  const Dictionary keys = Keys("3,5", {{"FStockID", 20}});
+  EXPECT_TRUE(save().ChangeStock(&keys));
+  EXPECT_EQ(Read("select FEntryID,FStockID,FSPID from IC_Web2ERPOrdersEntry order by FEntryID"),
+            "31|20|0|32|20|0|51|20|0|61|10|7|");
+  EXPECT_EQ(Read("select FOrderFID,FOPUserID,FOPCode,FUserIP,FItemID,FOldValue,FNewValue from IC_TradeLog order by "
+                 "FOrderFID,FItemID"),
+            "3|7|2001|10.0.0.5|501|North|South|3|7|2001|10.0.0.5|502|null|South|"
+            "5|7|2001|10.0.0.5|503|South|South|");
+  EXPECT_EQ(Read("select count(*) from IC_TradeLog where FOPTime = '2024-05-06 07:08:09'"), "3|");
+}
+
+TEST_F(StockTest, LogsNothingWhereTheCodeIsNotEnabled) {
+  Run("update t_SystemProfile set FValue='0' where FKey='TradeLog2001'");
+  const Dictionary keys = Keys("3", {{"FStockID", "20"}});
+  EXPECT_TRUE(save().ChangeStock(&keys));
+  EXPECT_EQ(Read("select FStockID from IC_Web2ERPOrdersEntry where FID=3"), "20|20|");
+  EXPECT_EQ(Read("select count(*) from IC_TradeLog"), "0|");
+}
+
+TEST_F(StockTest, NeedsTheNewWarehouse) {
+  for (const Dictionary& keys : {Keys("3"), Keys("3", {{"FStockID", ""}}), Keys("", {{"FStockID", 20}})}) {
+    EXPECT_FALSE(save().ChangeStock(&keys));
+  }
+  EXPECT_EQ(Read("select FSPID from IC_Web2ERPOrdersEntry where FID=3 order by FEntryID"), "7|8|");
+  const Dictionary quoted = Keys("3", {{"FStockID", "'"}});
+  EXPECT_EQ(Raised([&] { save().ChangeStock(&quoted); }), "-2147217900 ChangeStock");
+}
+
+TEST_F(StockTest, TellsWhetherALineHasNoWarehouse) {
+  const struct {
+    const char* order;
+    bool answer;
+  } cases[] = {{"3", true}, {"5", false}, {"99", false}};
+  for (const auto& c : cases) {
+    const Dictionary keys = Keys(c.order);
+    EXPECT_EQ(get().bExistStock(&keys), c.answer) << c.order;
+  }
+}
+
+class StockTextTest : public RecordingTest {};
+
+TEST_F(StockTextTest, LogsInBatchesBeforeTheChange) {
+  clsSaveData save;
+  Dictionary keys{{"sDSN", kDsn}, {"FID", "12"}, {"FStockID", "20"}};
+  EXPECT_TRUE(save.ChangeStock(&keys));
+  EXPECT_THAT(Events(),
+              testing::ElementsAre("IsLogEnable(2001)",
+                                   Lines({
+                                       "insert into IC_TradeLog (FOrderFID,FOPUserID,FOPCode,FUserIP,FOPTime,FItemID,"
+                                       "FOldValue,FNewValue) select",
+                                       "12,",
+                                       "16394,",
+                                       "2001,",
+                                       "'10.0.0.5',",
+                                       "'2024-05-06 07:08:09',",
+                                       "t0.FItemID,",
+                                       "t1.FName,",
+                                       "t2.FName",
+                                       "from IC_Web2ERPOrdersEntry t0",
+                                       "left join t_Stock t1 on t1.FItemID = t0.FStockID",
+                                       "left join t_Stock t2 on t2.FItemID = 20",
+                                       "where t0.FID = 12",
+                                   }),
+                                   Lines({
+                                       " UPDATE IC_Web2ERPOrdersEntry SET FSPID = 0 ,FStockID = 20",
+                                       " WHERE FID IN (12)",
+                                   })));
+  for (const BatchCase& c : kBatchCases) {
+    Events().clear();
+    keys.SetValue("FID", KeysTo(c.keys));
+    EXPECT_TRUE(save.ChangeStock(&keys));
+    EXPECT_EQ(CountsOf("insert into IC_TradeLog", Events()), c.blocks);
+  }
+}
+
+TEST_F(StockTextTest, AsksForTheClientOnlyWhenItIsLogged) {
+  clsSaveData save;
+  const Dictionary keys{{"sDSN", kDsn}, {"FID", "12"}, {"FStockID", "20"}};
+  SetReadTcp([](std::span<char> buffer, std::span<char>) {
+    std::fill(buffer.begin(), buffer.end(), '1');
+    return 1;
+  });
+  EXPECT_EQ(Raised([&] { save.ChangeStock(&keys); }), "5 ChangeStock");
+  EXPECT_THAT(Events(), testing::ElementsAre("IsLogEnable(2001)"));
+  TheRecording().log_enabled = false;
+  EXPECT_TRUE(save.ChangeStock(&keys));
+}
+
+}  // namespace
+}  // namespace tessarlorn

@@ -1,0 +1,136 @@
+#include <gmock/gmock.h>
+
+#include "support/batches.h"
+#include "support/recording_driver.h"
+#include "support/sample_test.h"
+
+namespace tessarlorn {
+namespace {
+
+using testing::ElementsAre;
+
+class ReachabilityTest : public SampleTest {
+ protected:
+  ReachabilityTest() {
+    Run(R"(
+insert into IC_Logistics(FItemID,FNumber) values (5,'SF'),(6,'')
+insert into IC_Web2ERPOrders(FID,FOrderID,FLogisticsID,FDeliveryProvince,FDeliveryCity,FDeliveryDistrict)
+  values (1,'A1',5,31,3101,310101),(2,'A2',5,31,3101,310101),(3,'A3',5,31,3101,0),(4,'A4',6,31,3101,310102),
+         (5,'A5',5,32,3201,320101),(6,'A6',5,31,3101,310101),(7,'A7',0,31,3101,310103),(8,'A8',0,31,3101,310104)
+insert into IC_Web2ERPOrdersEx(FID,FLotNumber,FAddressReachable)
+  values (2,'L2',4),(3,'L3',1),(4,'L4',5),(5,'L5',2),(6,'L6',null),(8,'L8',2))");
+  }
+};
+
+TEST_F(ReachabilityTest, ListsWhatIsToBeCheckedAndWhatIsNotServed) {
+  const std::optional<Dictionary> unchecked = get().GetNeedAddressReachableInfo(dsn_, "1,2,3,4,5,6,7,8");
+  ASSERT_TRUE(unchecked);
+  EXPECT_EQ(unchecked->GetValue("FID").ToText(), "1,2,6");
+  EXPECT_EQ(unchecked->GetValue("FOrderID").ToText(), "A1,A2,A6");
+  EXPECT_EQ(get().GetNeedAddressReachableInfo(dsn_, "3")->GetValue("FID").ToText(), "");
+
+  const std::optional<Vector> unserved = get().GetNoAddressReachableInfo(dsn_, "1,2,3,4,5,6,7,8");
+  ASSERT_TRUE(unserved);
+  ASSERT_EQ(unserved->size(), 1U);
+  EXPECT_EQ(unserved->At(1).ToDictionary()->GetValue("FID").ToInt32(), 5);
+  EXPECT_EQ(unserved->At(1).ToDictionary()->GetValue("FOrderID").ToText(), "A5");
+  EXPECT_EQ(get().GetNoAddressReachableInfo(dsn_, "3")->size(), 0U);
+  EXPECT_FALSE(get().GetNoAddressReachableInfo(dsn_, ""));
+}
+
+TEST_F(ReachabilityTest, RecordsStatesAndRemembersCompleteAddressesOfCodedCarriers) {
+  Run("insert into IC_SaveAddressReachableInfo(FDeliveryProvince,FDeliveryCity,FDeliveryDistrict,FNumber,FArrive) "
+      "values ('32','3201','320101','SF',0),('32','3201','320101','YT',0)");
+  EXPECT_TRUE(save().UpdateAddressReachableState(dsn_, "1,2,3,4,5,7", 1));
+  EXPECT_EQ(Read("select FID,FOrderID,FLotNumber,FAddressReachable from IC_Web2ERPOrdersEx order by FID"),
+            "1|||1|2|null|L2|1|3|null|L3|1|4|null|L4|1|5|null|L5|1|6|null|L6|null|7|||1|8|null|L8|2|");
+  EXPECT_EQ(Read("select FDeliveryProvince,FDeliveryCity,FDeliveryDistrict,FNumber,FArrive "
+                 "from IC_SaveAddressReachableInfo order by FDeliveryDistrict,FNumber"),
+            "31|3101|310101|SF|1|32|3201|320101|SF|1|32|3201|320101|YT|0|");
+
+  Run("delete from IC_Web2ERPOrdersEx where FID=7");
+  EXPECT_TRUE(save().UpdateAddressReachableState(dsn_, "1,2,7", 4));
+  EXPECT_EQ(Read("select FID,FAddressReachable from IC_Web2ERPOrdersEx where FID in (1,2,3,7) order by FID"),
+            "1|4|2|4|3|1|");
+}
+
+TEST_F(ReachabilityTest, KeepsTheBatchesBeforeAFailingOne) {
+  Run("delete from IC_Web2ERPOrdersEx");
+  EXPECT_EQ(Raised([&] { save().UpdateAddressReachableState(dsn_, KeysTo(301, 160), 1); }),
+            "-2147217900 TessarLornPickingAndDelivery.clsSaveData.UpdateAddressReachableState");
+  EXPECT_EQ(Read("select count(*),max(FID) from IC_Web2ERPOrdersEx"), "150|150|");
+  EXPECT_EQ(Read("select count(*) from IC_SaveAddressReachableInfo"), "0|");
+}
+
+TEST_F(ReachabilityTest, ReadsTheSwitch) {
+  EXPECT_FALSE(get().bIsAddressReachable(dsn_));
+  Run("insert into t_SystemProfile(FCategory,FKey,FValue) values ('EC','AddressReachable','1')");
+  EXPECT_TRUE(get().bIsAddressReachable(dsn_));
+}
+
+class ReachabilityTextTest : public RecordingTest {
+ protected:
+  /// Answers the query of addresses with as many districts, and the first of them once more.
+  static void AnswerDistricts(int count) {
+    TheRecording().answer = [count](std::string_view text) {
+      std::vector<std::string> districts;
+      for (int i = 1; i <= count; ++i) districts.push_back(std::to_string(i));
+      districts.push_back("1");
+      std::vector<std::vector<const char*>> rows;
+      if (text.find("t2.FNumber") != std::string_view::npos) {
+        for (const std::string& district : districts) rows.push_back({"P", "C", district.c_str(), "SF"});
+      }
+      return TextRows({"FDeliveryProvince", "FDeliveryCity", "FDeliveryDistrict", "FNumber"}, rows);
+    };
+  }
+  clsSaveData save_;
+};
+
+TEST_F(ReachabilityTextTest, SendsStatesThenAddresses) {
+  AnswerDistricts(1);
+  EXPECT_TRUE(save_.UpdateAddressReachableState(kDsn, "12", 0));
+  EXPECT_THAT(
+      Events(),
+      ElementsAre(
+          Lines({
+              "IF EXISTS (SELECT 1 FROM IC_Web2ERPOrdersEx WHERE FID = 12)",
+              "    BEGIN",
+              "        UPDATE IC_Web2ERPOrdersEx",
+              "        SET FAddressReachable=1  ",
+              "        WHERE FID = 12",
+              "    END",
+              "ELSE",
+              "    BEGIN",
+              "        INSERT INTO IC_Web2ERPOrdersEx(FID ,FOrderID,FLotNumber,FSerialNumber,FCreateDate,FAddressReachable)",
+              "        VALUES (12,'','','',GETDATE(),1)",
+              "    END",
+          }),
+          Lines({
+              " select t1.FDeliveryProvince,t1.FDeliveryCity,t1.FDeliveryDistrict,t2.FNumber from IC_Web2ERPOrders t1",
+              " left join IC_Logistics t2 on t1.FLogisticsID=t2.FItemID ",
+              " where t1.FID in (12) and t1.FDeliveryProvince <>'' and t1.FDeliveryCity <>'' and t1.FDeliveryDistrict <>'' ",
+              " and t2.FNumber <>'' and t1.FLogisticsID <>0 ",
+          }),
+          Lines({
+              " IF EXISTS ( select 1 from IC_SaveAddressReachableInfo where FDeliveryProvince ='P' and FDeliveryCity='C' "
+              "and FDeliveryDistrict='1' and FNumber='SF') ",
+              "    BEGIN  update IC_SaveAddressReachableInfo set FArrive =1 where FDeliveryProvince ='P' and "
+              "FDeliveryCity='C' and FDeliveryDistrict='1' and FNumber='SF' END ",
+              "    ELSE BEGIN insert IC_SaveAddressReachableInfo(FDeliveryProvince,FDeliveryCity,FDeliveryDistrict,FNumber,"
+              "FArrive)  values ('P','C','1','SF',1) END ",
+          })));
+}
+
+TEST_F(ReachabilityTextTest, SendsOrdersAndAddressesInBatches) {
+  for (const BatchCase& c : kBatchCases) {
+    Events().clear();
+    AnswerDistricts(c.keys);
+    EXPECT_TRUE(save_.UpdateAddressReachableState(kDsn, KeysTo(c.keys), 1));
+    EXPECT_EQ(CountsOf("INSERT INTO IC_Web2ERPOrdersEx(", Events()), c.blocks);
+    EXPECT_EQ(CountsOf("insert IC_SaveAddressReachableInfo(", Events()), c.blocks);
+    EXPECT_EQ(Events().size(), 2 * c.blocks.size() + 1);
+  }
+}
+
+}  // namespace
+}  // namespace tessarlorn

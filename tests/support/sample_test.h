@@ -1,0 +1,59 @@
+// Tests on the real tables, empty at first: rows go in, operations run, rows are looked at.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <string>
+#include <string_view>
+
+#include "frame/clsGetData.h"
+#include "frame/clsSaveData.h"
+#include "platform/clock.h"
+#include "support/sample_database.h"
+
+namespace tessarlorn {
+
+/// The cells of all rows, each with "|" behind it; "null" for a null.
+inline std::string Cells(Connection& connection, std::string_view query) {
+  const RecordsetPtr rows = connection.Execute(query);
+  std::string text;
+  for (; !rows->eof(); rows->MoveNext()) {
+    for (std::size_t field = 0; field < rows->fields().size(); ++field) {
+      text += (rows->IsNull(field) ? "null" : rows->Get(field).ToText()) + "|";
+    }
+  }
+  return text;
+}
+
+/// The user is 7 at 10.0.0.5, the clock stands at 2024-05-06 07:08:09.
+class SampleTest : public testing::Test {
+ protected:
+  SampleTest() {
+    SetClock([] { return DateTime::Parse("2024-05-06 07:08:09").value(); });
+  }
+  ~SampleTest() override {
+    SetClock({});
+    save_ = nullptr;
+    get_ = nullptr;
+    SessionFactory::ForThisThread().CloseIdle();
+  }
+
+  void Run(std::string_view batch) { database_.connection().Execute(batch); }
+  std::string Read(std::string_view query) { return Cells(database_.connection(), query); }
+  /// A parameter Dictionary with sDSN, FID and more.
+  [[nodiscard]] Dictionary Keys(std::string_view orders, const Dictionary& more = {}) const {
+    Dictionary keys{{"sDSN", dsn_}, {"FID", orders}};
+    for (const auto& [key, value] : more) keys.SetValue(key, value);
+    return keys;
+  }
+  [[nodiscard]] clsSaveData& save() { return *save_; }
+  [[nodiscard]] clsGetData& get() { return *get_; }
+
+  SampleDatabase database_;
+  std::string dsn_ = database_.Dsn(7, "Client=10.0.0.5;");
+
+ private:
+  std::unique_ptr<clsSaveData> save_ = std::make_unique<clsSaveData>();
+  std::unique_ptr<clsGetData> get_ = std::make_unique<clsGetData>();
+};
+
+}  // namespace tessarlorn

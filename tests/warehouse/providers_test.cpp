@@ -1,0 +1,58 @@
+#include <algorithm>
+#include <utility>
+
+#include "support/recording_driver.h"
+#include "support/sample_test.h"
+
+namespace tessarlorn {
+namespace {
+
+class ProvidersTest : public SampleTest {
+ protected:
+  ProvidersTest() {
+    Run(R"(
+insert into IC_WebtplFlat(FID,FWebTplName,FWebTplType) values (1,'Swift',4),(2,'Harbour',3),(3,'Idle',5)
+insert into IC_WebtplToStorage(FID,FWebtplID,FWebtplName,FWebtplType,FtplCategory,FStockID,FUnUsed,FIsbad)
+  values (1,'W2','Two',3,'A',20,0,0),(2,'W1','One',3,'A',10,0,0),(3,'W3','Bad',3,'A',30,0,1),
+         (4,'W4','Off',3,'A',40,1,0),(5,'W5','Five',4,'B',50,0,0))");
+  }
+  static std::string Column(const RecordsetPtr& rows, std::string_view field) {
+    std::string text;
+    for (; !rows->eof(); rows->MoveNext()) text += rows->Get(field).ToText() + "|";
+    return text;
+  }
+};
+
+TEST_F(ProvidersTest, ListsProvidersWithAWarehouseByType) {
+  const Dictionary keys{{"sDSN", dsn_}};
+  EXPECT_EQ(Column(get().GetTplCompany(&keys), "FWebTplName"), "Harbour|Swift|");
+}
+
+TEST_F(ProvidersTest, ListsEnabledWarehousesAndDamagedGoodsOnRequest) {
+  Dictionary keys{{"sDSN", dsn_}, {"FWebtplType", 3}};
+  EXPECT_EQ(Column(get().GetTplStock(&keys, false), "FWebtplID"), "W1|W2|");
+  EXPECT_EQ(Column(get().GetTplStock(&keys, true), "FWebtplName"), "One|Two|Bad|");
+  keys.SetValue("FWebtplType", "");
+  EXPECT_EQ(get().GetTplStock(&keys, true), nullptr);
+  keys.SetValue("FWebtplType", "'");
+  EXPECT_EQ(Raised([&] { get().GetTplStock(&keys, true); }),
+            "-2147217900 TessarLornPickingAndDelivery.clsGetData.GetTplStock");
+}
+
+TEST_F(ProvidersTest, ListsEveryEnabledWarehouseWithItsStock) {
+  std::string text;
+  const std::optional<Vector> warehouses = get().GetTplCompanyNew(dsn_);
+  ASSERT_TRUE(warehouses);
+  std::vector<std::string> found;
+  for (const Variant& item : *warehouses) {
+    for (const auto& [key, value] : *item.ToDictionary()) text += key + "=" + value.ToText() + " ";
+    found.push_back(std::exchange(text, {}));
+  }
+  ASSERT_EQ(found.size(), 4U);
+  EXPECT_EQ(found.back(), "FWebtplType=4 FWebtplID=W5 FStockID=50 ");
+  std::sort(found.begin(), found.end());
+  EXPECT_EQ(found.front(), "FWebtplType=3 FWebtplID=W1 FStockID=10 ");
+}
+
+}  // namespace
+}  // namespace tessarlorn

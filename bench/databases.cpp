@@ -35,7 +35,13 @@ void SetDataFolder(const std::string& folder) {
 }
 
 std::string SampleFile(int orders) {
-  const std::filesystem::path file = data_folder / ("orders-" + std::to_string(orders) + ".db");
+  // Other files when the schema changes.
+  static const std::string kSchema = [] {
+    std::string text;
+    for (const SchemaFile& schema_file : SchemaFiles()) text += schema_file.text;
+    return std::to_string(std::hash<std::string>{}(text) % 100000);
+  }();
+  const std::filesystem::path file = data_folder / ("orders-" + std::to_string(orders) + "-" + kSchema + ".db");
   if (std::filesystem::exists(file)) return file.string();
   const std::string making = file.string() + ".making";
   for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(making + suffix);
@@ -84,6 +90,24 @@ SqliteStatement PrepareSqlite(sqlite3* database, const std::string& sql) {
 
 void RunSqlite(sqlite3* database, const std::string& sql) {
   Check(database, sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr));
+}
+
+SqliteUpsert::SqliteUpsert(sqlite3* database, const std::string& find, const std::string& update,
+                           const std::string& insert)
+    : find_(PrepareSqlite(database, find)),
+      update_(PrepareSqlite(database, update)),
+      insert_(PrepareSqlite(database, insert)) {}
+
+sqlite3_stmt* SqliteUpsert::Choose() {
+  sqlite3_stmt* const change = sqlite3_step(find_.get()) == SQLITE_ROW ? update_.get() : insert_.get();
+  sqlite3_reset(find_.get());
+  return change;
+}
+
+void SqliteUpsert::Finish(sqlite3_stmt* change) {
+  const int status = sqlite3_step(change);
+  if (status != SQLITE_DONE) Raise(error_number::kDatabaseFailure, sqlite3_errstr(status));
+  sqlite3_reset(change);
 }
 
 int ReadAll(sqlite3_stmt* statement) {

@@ -4,6 +4,7 @@
 #include <memory>
 #include <sqlite3.h>
 #include <string>
+#include <string_view>
 
 namespace tessarlorn::bench {
 
@@ -34,5 +35,38 @@ SqliteStatement PrepareSqlite(sqlite3* database, const std::string& sql);
 void RunSqlite(sqlite3* database, const std::string& sql);
 /// Steps to the end, reading every column of every row. Answers the number of rows.
 int ReadAll(sqlite3_stmt* statement);
+
+/// A row that is looked for, and changed or inserted, by statements that are prepared once. All three take the same
+/// parameters by the same numbers, the first ones being the key.
+class SqliteUpsert {
+ public:
+  SqliteUpsert(sqlite3* database, const std::string& find, const std::string& update, const std::string& insert);
+  /// Each value is an int or a text. @param keys how many of them are the key
+  template <typename... Values>
+  void Run(int keys, const Values&... values) {
+    int number = 0;
+    (BindKey(++number, keys, values), ...);
+    sqlite3_stmt* const change = Choose();
+    number = 0;
+    (Bind(change, ++number, values), ...);
+    Finish(change);
+  }
+
+ private:
+  static void Bind(sqlite3_stmt* statement, int number, int value) { sqlite3_bind_int(statement, number, value); }
+  static void Bind(sqlite3_stmt* statement, int number, std::string_view value) {
+    sqlite3_bind_text(statement, number, value.data(), static_cast<int>(value.size()), SQLITE_STATIC);
+  }
+  template <typename Value>
+  void BindKey(int number, int keys, const Value& value) {
+    if (number <= keys) Bind(find_.get(), number, value);
+  }
+  sqlite3_stmt* Choose();
+  static void Finish(sqlite3_stmt* change);
+
+  SqliteStatement find_;
+  SqliteStatement update_;
+  SqliteStatement insert_;
+};
 
 }  // namespace tessarlorn::bench

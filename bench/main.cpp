@@ -112,6 +112,8 @@ int main(int argc, char** argv) {
     bench::AddFrameBenchmarks();
     bench::AddQueueBenchmarks();
     bench::AddListBenchmarks();
+    bench::AddStateBenchmarks();
+    bench::AddUploadBenchmarks();
     bench::AddDayBenchmarks();
     bench::Reporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);

@@ -21,24 +21,12 @@ void QueueOurs(benchmark::State& state) {
 
 void QueueAgainst(benchmark::State& state) {
   const Sqlite database = OpenSqlite(SampleCopy(kOrders, "queue-against"));
-  const SqliteStatement find = PrepareSqlite(database.get(), "SELECT 1 FROM IC_StockBillOrdersStatus WHERE FID = ?1");
-  const SqliteStatement update =
-      PrepareSqlite(database.get(),
-                    "UPDATE IC_StockBillOrdersStatus SET FStockBillResult = ?2, FStockBillStatus = ?3 WHERE FID = ?1");
-  const SqliteStatement insert = PrepareSqlite(
-      database.get(), "INSERT INTO IC_StockBillOrdersStatus(FID,FStockBillStatus,FStockBillResult) VALUES (?1,?3,?2)");
+  SqliteUpsert queue(database.get(), "SELECT 1 FROM IC_StockBillOrdersStatus WHERE FID = ?1",
+                     "UPDATE IC_StockBillOrdersStatus SET FStockBillResult = ?2, FStockBillStatus = ?3 WHERE FID = ?1",
+                     "INSERT INTO IC_StockBillOrdersStatus(FID,FStockBillStatus,FStockBillResult) VALUES (?1,?3,?2)");
   for (auto _ : state) {
     RunSqlite(database.get(), "BEGIN IMMEDIATE");
-    for (int key = 1; key <= kOrders; ++key) {
-      sqlite3_bind_int(find.get(), 1, key);
-      sqlite3_stmt* change = sqlite3_step(find.get()) == SQLITE_ROW ? update.get() : insert.get();
-      sqlite3_reset(find.get());
-      sqlite3_bind_int(change, 1, key);
-      sqlite3_bind_text(change, 2, "", 0, SQLITE_STATIC);
-      sqlite3_bind_int(change, 3, 1);
-      sqlite3_step(change);
-      sqlite3_reset(change);
-    }
+    for (int key = 1; key <= kOrders; ++key) queue.Run(1, key, "", 1);
     RunSqlite(database.get(), "COMMIT");
   }
 }

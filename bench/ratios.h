@@ -20,6 +20,8 @@ void AddRate(const std::string& name, const std::string& remark, Function ours);
 void AddQueueBenchmarks();
 void AddListBenchmarks();
 void AddFrameBenchmarks();
+void AddStateBenchmarks();
+void AddUploadBenchmarks();
 void AddDayBenchmarks();
 
 }  // namespace tessarlorn::bench

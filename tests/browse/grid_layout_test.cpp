@@ -1,32 +1,27 @@
 #include <gmock/gmock.h>
 
-#include "frame/clsGetData.h"
 #include "support/recording_driver.h"
-#include "support/sample_database.h"
+#include "support/sample_test.h"
 
 namespace tessarlorn {
 namespace {
 
 using testing::ElementsAre;
 
-class GridLayoutTest : public testing::Test {
+class GridLayoutTest : public SampleTest {
  protected:
   void AddField(int type, int page, const std::string& key, int position, const std::string& more = "1, '', '', ''") {
-    sample_.connection().Execute(
-        "INSERT INTO ICClassTableInfo (FClassTypeID, FPage, FKey, FCaption_CHS, FCaption_CHT, FTabIndex, FNeedSave, "
+    Run("INSERT INTO ICClassTableInfo (FClassTypeID, FPage, FKey, FCaption_CHS, FCaption_CHT, FTabIndex, FNeedSave, "
         "FLookUpList, FSRCFieldName, FDSPFieldName) VALUES (" +
         std::to_string(type) + ", " + std::to_string(page) + ", '" + key + "', '" + key + " simplified', '" + key +
         " traditional', " + std::to_string(position) + ", " + more + ")");
   }
-  std::string Language(const char* language) { return sample_.Dsn(16394, std::string("Language=") + language + ";"); }
+  std::string Language(const char* language) { return database_.Dsn(16394, std::string("Language=") + language + ";"); }
   static std::vector<std::string> Captions(const RecordsetPtr& rows) {
     std::vector<std::string> captions;
     for (; !rows->eof(); rows->MoveNext()) captions.push_back(rows->Get("FCaption").ToText());
     return captions;
   }
-
-  SampleDatabase sample_;
-  clsGetData get_;
 };
 
 TEST_F(GridLayoutTest, ListsFieldsByPageAndPositionInTheCallersLanguage) {
@@ -35,10 +30,10 @@ TEST_F(GridLayoutTest, ListsFieldsByPageAndPositionInTheCallersLanguage) {
   AddField(1014301, 1, "FID", 3);
   AddField(1014302, 1, "FOther", 1);
   const Dictionary simplified{{"sDSN", Language("ENG")}};
-  EXPECT_THAT(Captions(get_.GetTemplateData(&simplified)),
+  EXPECT_THAT(Captions(get().GetTemplateData(&simplified)),
               ElementsAre("FID simplified", "FOrderID simplified", "FItemName simplified"));
   const Dictionary traditional{{"sDSN", Language(" cht")}};
-  EXPECT_THAT(Captions(get_.GetTemplateData(&traditional)),
+  EXPECT_THAT(Captions(get().GetTemplateData(&traditional)),
               ElementsAre("FID traditional", "FOrderID traditional", "FItemName traditional"));
 }
 
@@ -51,34 +46,32 @@ TEST_F(GridLayoutTest, OffersSavedHeaderFieldsAndSomeOthersForFilters) {
   AddField(1014301, 2, "FPrice", 5);
   AddField(1014301, 2, "FBarCode", 6);
   AddField(1014302, 1, "FNumber", 7);
-  EXPECT_THAT(Captions(get_.GetUserDefineFilterTemplate(Language("CHT"))),
+  EXPECT_THAT(Captions(get().GetUserDefineFilterTemplate(Language("CHT"))),
               ElementsAre("FLotNumber traditional", "FBarCode traditional", "FOrderID traditional"));
-  EXPECT_EQ(get_.GetUserDefineFilterTemplate(""), nullptr);
+  EXPECT_EQ(get().GetUserDefineFilterTemplate(""), nullptr);
 }
 
 TEST_F(GridLayoutTest, ListsTheChoicesOfALookupField) {
-  sample_.connection().Execute("INSERT INTO t_Stock (FItemID, FName) VALUES (1, 'Main'), (2, 'Shop')");
+  Run("INSERT INTO t_Stock (FItemID, FName) VALUES (1, 'Main'), (2, 'Shop')");
   AddField(1014301, 2, "FStockID", 1, "1, 'SELECT FItemID, FName FROM t_Stock WHERE FItemID < 9', 'FItemID', 'FName'");
   AddField(1014301, 2, "FNone", 2, "1, 'SELECT FItemID FROM t_Stock WHERE FItemID > 9', 'FItemID', 'FName'");
   AddField(1014301, 2, "FBlank", 3, "1, '  ', 'FItemID', 'FName'");
   AddField(1014301, 2, "FSmall", 4, "1, 'select FItemID from t_Stock', 'FItemID', 'FName'");
-  const std::string dsn = sample_.Dsn();
-  EXPECT_EQ(get_.GetListBySQL(dsn, "1014301_FStockID"), "Main_1|Shop_2");
-  EXPECT_EQ(get_.GetListBySQL(dsn, "1014301_FStockID_2"), "Main_1|Shop_2");
+  EXPECT_EQ(get().GetListBySQL(dsn_, "1014301_FStockID"), "Main_1|Shop_2");
+  EXPECT_EQ(get().GetListBySQL(dsn_, "1014301_FStockID_2"), "Main_1|Shop_2");
   for (const char* nothing : {"1014301_FNone", "1014301_FBlank", "1014301_FUnknown", "1014301_", "0_FStockID", ""}) {
-    EXPECT_EQ(get_.GetListBySQL(dsn, nothing), "") << nothing;
+    EXPECT_EQ(get().GetListBySQL(dsn_, nothing), "") << nothing;
   }
   const std::string source = " TessarLornPickingAndDelivery.clsGetData.GetListBySQL";
-  EXPECT_EQ(Raised([&] { get_.GetListBySQL(dsn, "1014301"); }), "9" + source);
-  EXPECT_EQ(Raised([&] { get_.GetListBySQL(dsn, "1014301_FSmall"); }), "5" + source);
+  EXPECT_EQ(Raised([&] { get().GetListBySQL(dsn_, "1014301"); }), "9" + source);
+  EXPECT_EQ(Raised([&] { get().GetListBySQL(dsn_, "1014301_FSmall"); }), "5" + source);
 }
 
 TEST_F(GridLayoutTest, CutsALongListAtAThousandCharacters) {
-  sample_.connection().Execute(
-      "DECLARE @i int = 1000 WHILE @i < 1100 BEGIN INSERT INTO t_Stock (FItemID, FName) VALUES (@i, 'Warehouse') "
+  Run("DECLARE @i int = 1000 WHILE @i < 1100 BEGIN INSERT INTO t_Stock (FItemID, FName) VALUES (@i, 'Warehouse') "
       "SET @i = @i + 1 END");
   AddField(1014301, 2, "FStockID", 1, "1, 'SELECT * FROM t_Stock', 'FItemID', 'FName'");
-  const std::string list = get_.GetListBySQL(sample_.Dsn(), "1014301_FStockID");
+  const std::string list = get().GetListBySQL(dsn_, "1014301_FStockID");
   EXPECT_EQ(list.size(), 999U);
   EXPECT_TRUE(list.starts_with("Warehouse_1000|Warehouse_1001|"));
   EXPECT_TRUE(list.ends_with("|Warehouse_1064|Warehouse_1065|Warehouse")) << list.substr(960);

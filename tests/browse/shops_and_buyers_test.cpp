@@ -1,46 +1,41 @@
 #include <gmock/gmock.h>
 
-#include "frame/clsGetData.h"
 #include "support/recording_driver.h"
-#include "support/sample_database.h"
+#include "support/sample_test.h"
 
 namespace tessarlorn {
 namespace {
 
-class ShopsAndBuyersTest : public testing::Test {
+class ShopsAndBuyersTest : public SampleTest {
  protected:
   ShopsAndBuyersTest() {
-    sample_.connection().Execute(
-        "INSERT INTO IC_WebshopToStorage (FID, FWebshopID, FWebShopName) VALUES (2, 31, 'Tea'), (1, 32, 'Cups') "
+    Run("INSERT INTO IC_WebshopToStorage (FID, FWebshopID, FWebShopName) VALUES (2, 31, 'Tea'), (1, 32, 'Cups') "
         "INSERT INTO IC_Logistics (FItemID, FNumber, FName, FName_Cht) VALUES (7, 'QL', N'快递', N'快遞') "
         "INSERT INTO IC_Web2ERPOrders (FID, FOrderID, FOrderStatus, FWebshopID, FLogisticsID, FBuyerName, "
         "FBuyerEMail) VALUES (3, 'O3', 2, 31, 7, 'Ann', 'a@x.example'), (5, 'O5', 6, 32, 0, 'Bob', ''), "
         "(6, 'O6', 6, 99, 7, 'Cid', '')");
   }
   Dictionary Keys(const std::string& orders, const std::string& language = "CHS") {
-    return {{"sDSN", sample_.Dsn(16394, "Language=" + language + ";")}, {"FID", orders}};
+    return {{"sDSN", database_.Dsn(16394, "Language=" + language + ";")}, {"FID", orders}};
   }
-
-  SampleDatabase sample_;
-  clsGetData get_;
 };
 
 TEST_F(ShopsAndBuyersTest, ListsShopsAndBuyers) {
-  const Dictionary connection{{"sDSN", sample_.Dsn()}};
-  const RecordsetPtr shops = get_.GetWebShopData(&connection);
+  const Dictionary connection{{"sDSN", dsn_}};
+  const RecordsetPtr shops = get().GetWebShopData(&connection);
   ASSERT_EQ(shops->RecordCount(), 2U);
   EXPECT_EQ(shops->Get("FWebShopName").ToText(), "Cups");
   EXPECT_TRUE(shops->attached());
   const Dictionary both = Keys("3,5");
-  EXPECT_EQ(get_.GetCommunicaInformation(&both)->RecordCount(), 2U);
+  EXPECT_EQ(get().GetCommunicaInformation(&both)->RecordCount(), 2U);
   const Dictionary first = Keys("3");
-  EXPECT_EQ(get_.GetCommunicaInformation(&first)->Get("FBuyerEMail").ToText(), "a@x.example");
+  EXPECT_EQ(get().GetCommunicaInformation(&first)->Get("FBuyerEMail").ToText(), "a@x.example");
 }
 
 TEST_F(ShopsAndBuyersTest, LeavesOrdersWithoutCarrierOrShopOut) {
   for (const auto& [language, name] : {std::pair{"CHT", "快遞"}, std::pair{"CHS", "快递"}, std::pair{"ENG", "快递"}}) {
     const Dictionary orders = Keys("3,5,6", language);
-    const RecordsetPtr rows = get_.GetMobileInformation(&orders);
+    const RecordsetPtr rows = get().GetMobileInformation(&orders);
     ASSERT_EQ(rows->RecordCount(), 1U);
     EXPECT_EQ(rows->Get("FOrderID").ToText(), "O3");
     EXPECT_EQ(rows->Get("FWebShopName").ToText(), "Tea");
@@ -49,9 +44,8 @@ TEST_F(ShopsAndBuyersTest, LeavesOrdersWithoutCarrierOrShopOut) {
 }
 
 TEST_F(ShopsAndBuyersTest, RefreshesAndReadsTheTitlesOfStates) {
-  const std::string dsn = sample_.Dsn();
-  EXPECT_TRUE(get_.ExeP_WebBillTitleData(dsn));
-  const Dictionary titles = get_.GetWebBillTitleData(dsn).value();
+  EXPECT_TRUE(get().ExeP_WebBillTitleData(dsn_));
+  const Dictionary titles = get().GetWebBillTitleData(dsn_).value();
   EXPECT_EQ(titles.GetValue("2").ToText(), "待配货(1)");
   EXPECT_EQ(titles.GetValue("6").ToText(), "待发货(2)");
   EXPECT_EQ(titles.GetValue("14").ToText(), "已发货(0)");
@@ -59,20 +53,20 @@ TEST_F(ShopsAndBuyersTest, RefreshesAndReadsTheTitlesOfStates) {
 
 TEST_F(ShopsAndBuyersTest, SwallowsErrorsOfTitles) {
   for (const char* dsn : {"", "Embedded=/no/such/folder/x.db", "Nothing=here"}) {
-    EXPECT_FALSE(get_.GetWebBillTitleData(dsn).has_value()) << dsn;
-    EXPECT_FALSE(get_.ExeP_WebBillTitleData(dsn)) << dsn;
+    EXPECT_FALSE(get().GetWebBillTitleData(dsn).has_value()) << dsn;
+    EXPECT_FALSE(get().ExeP_WebBillTitleData(dsn)) << dsn;
   }
-  sample_.connection().Execute("DROP TABLE IC_WEBOrders_Status");
-  EXPECT_FALSE(get_.GetWebBillTitleData(sample_.Dsn()).has_value());
-  EXPECT_FALSE(get_.ExeP_WebBillTitleData(sample_.Dsn()));
+  Run("DROP TABLE IC_WEBOrders_Status");
+  EXPECT_FALSE(get().GetWebBillTitleData(dsn_).has_value());
+  EXPECT_FALSE(get().ExeP_WebBillTitleData(dsn_));
 }
 
 TEST_F(ShopsAndBuyersTest, PassesSqlAndItsErrorsThrough) {
   RecordsetPtr rows;
   {
     clsGetData get;
-    EXPECT_EQ(get.ExecuteSQL(sample_.Dsn(), "UPDATE IC_Web2ERPOrders SET FOrderFlag = 4 WHERE FID = 3"), nullptr);
-    rows = get.ExecuteSQL(sample_.Dsn(), "SELECT FID, FOrderFlag FROM IC_Web2ERPOrders ORDER BY FID");
+    EXPECT_EQ(get.ExecuteSQL(dsn_, "UPDATE IC_Web2ERPOrders SET FOrderFlag = 4 WHERE FID = 3"), nullptr);
+    rows = get.ExecuteSQL(dsn_, "SELECT FID, FOrderFlag FROM IC_Web2ERPOrders ORDER BY FID");
   }
   SessionFactory::ForThisThread().CloseIdle();
   // The connection is gone, the rows are not.
@@ -82,9 +76,11 @@ TEST_F(ShopsAndBuyersTest, PassesSqlAndItsErrorsThrough) {
   rows->MoveTo(2);
   EXPECT_EQ(rows->Get("FID").ToInt32(), 6);
 
-  const auto from_driver = [this](std::string_view sql) { return Raised([&] { sample_.connection().Execute(sql); }); };
+  const auto from_driver = [this](std::string_view sql) {
+    return Raised([&] { database_.connection().Execute(sql); });
+  };
   for (const char* wrong : {"SELECT * FROM NoSuchTable", "SELEKT 1", "SELECT 1/0"}) {
-    EXPECT_EQ(Raised([&] { get_.ExecuteSQL(sample_.Dsn(), wrong); }), from_driver(wrong)) << wrong;
+    EXPECT_EQ(Raised([&] { get().ExecuteSQL(dsn_, wrong); }), from_driver(wrong)) << wrong;
     EXPECT_THAT(from_driver(wrong), testing::EndsWith("TessarLorn embedded database"));
   }
 }

@@ -1,18 +1,16 @@
 #include <gmock/gmock.h>
 
-#include "frame/clsGetData.h"
-#include "support/sample_database.h"
+#include "support/sample_test.h"
 
 namespace tessarlorn {
 namespace {
 
 using testing::ElementsAre;
 
-class PrintDataTest : public testing::Test {
+class PrintDataTest : public SampleTest {
  protected:
   PrintDataTest() {
-    sample_.connection().Execute(
-        "INSERT INTO IC_Area (FID, FName, FName_CHT) VALUES (1, N'广东', N'廣東'), (2, N'深圳', N'深圳市'), "
+    Run("INSERT INTO IC_Area (FID, FName, FName_CHT) VALUES (1, N'广东', N'廣東'), (2, N'深圳', N'深圳市'), "
         "(3, N'罗湖', N'羅湖') "
         "INSERT INTO t_ICItem (FItemID, FNumber, FName, FModel) VALUES (1, 'A1', 'Tea', '250 g') "
         "INSERT INTO t_MeasureUnit (FMeasureUnitID, FItemID, FName) VALUES (4, 4, N'包') "
@@ -27,10 +25,10 @@ class PrintDataTest : public testing::Test {
   }
   /// The numbers of the orders that were printed too often, with their counter.
   std::vector<std::string> OverMax(const Variant& type, const char* orders = "1,2,3") {
-    Dictionary parameters{{"sDSN", sample_.Dsn()}, {"FID", orders}};
+    Dictionary parameters{{"sDSN", dsn_}, {"FID", orders}};
     if (!type.is_empty()) parameters.SetValue("PrintID", type);
     std::vector<std::string> found;
-    for (const Variant& order : get_.GetOverMaxPrintCountBillInfo(&parameters)) {
+    for (const Variant& order : get().GetOverMaxPrintCountBillInfo(&parameters)) {
       const Dictionary& entry = *order.ToDictionary();
       EXPECT_EQ(entry.size(), 4U);
       found.push_back(entry.GetValue("FOrderID").ToText() + " " + entry.GetValue("FUniqueCode").ToText() + " " +
@@ -39,14 +37,11 @@ class PrintDataTest : public testing::Test {
     }
     return found;
   }
-
-  SampleDatabase sample_;
-  clsGetData get_;
 };
 
 TEST_F(PrintDataTest, SumsOrders) {
-  const Dictionary parameters{{"sDSN", sample_.Dsn()}, {"FID", "2,3"}};
-  const RecordsetPtr sums = get_.GetSumRecordsetDataForDelivery(&parameters);
+  const Dictionary parameters{{"sDSN", dsn_}, {"FID", "2,3"}};
+  const RecordsetPtr sums = get().GetSumRecordsetDataForDelivery(&parameters);
   ASSERT_EQ(sums->RecordCount(), 1U);
   EXPECT_EQ(sums->Get("FTotalAmount").ToText(), "12.2500");
 }
@@ -60,10 +55,10 @@ TEST_F(PrintDataTest, ListsLinesByOrderWithAreasInTheCallersLanguage) {
                                            Case{" chs ", {"1/11 广东 深圳 罗湖", "2/21  深圳 ", "2/22  深圳 "}},
                                            Case{"CHT", {"1/11 廣東 深圳市 羅湖", "2/21  深圳市 ", "2/22  深圳市 "}},
                                            Case{"ENG", {"1/11 廣東 深圳市 羅湖", "2/21  深圳市 ", "2/22  深圳市 "}}}) {
-    const Dictionary parameters{{"sDSN", sample_.Dsn(16394, std::string("Language=") + language + ";")},
+    const Dictionary parameters{{"sDSN", database_.Dsn(16394, std::string("Language=") + language + ";")},
                                 {"FID", "2,1"}};
     std::vector<std::string> found;
-    const RecordsetPtr rows = get_.GetPrintRecordsetForDelivery(&parameters);
+    const RecordsetPtr rows = get().GetPrintRecordsetForDelivery(&parameters);
     for (; !rows->eof(); rows->MoveNext()) {
       found.push_back(rows->Get("FID").ToText() + "/" + rows->Get("FIndex").ToText() + " " +
                       rows->Get("FDeliveryProvince").ToText() + " " + rows->Get("FDeliveryCity").ToText() + " " +
@@ -81,7 +76,7 @@ TEST_F(PrintDataTest, ReportsOrdersAtTheLimitAndAbove) {
     EXPECT_TRUE(OverMax(type).empty()) << type.ToText();
   }
   EXPECT_TRUE(OverMax(10143011, "").empty());
-  sample_.connection().Execute("UPDATE ICPrintMaxCount SET FPrintMaxCount = 2 WHERE FID = 10143011");
+  Run("UPDATE ICPrintMaxCount SET FPrintMaxCount = 2 WHERE FID = 10143011");
   EXPECT_THAT(OverMax(10143011, "1"), ElementsAre("O1 101 FPrintPickCount 2 of 2"));
 }
 

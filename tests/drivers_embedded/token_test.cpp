@@ -69,7 +69,8 @@ TEST(TokenTest, MakesOneTokenOfAKeyList) {
     std::string tokens;
   } cases[] = {
       {"x IN ( 1, -2,\n3 )and", "w:x w:IN l:1:-2:3 w:and"},
-      {"in('a',N'b''c')", "w:in l:a:b''c"},
+      {"in('a',N'b''c','','d','e')", "w:in l:a:b''c::d:e"},
+      {"in('a',N'b','c','d')", "w:in o:( s:a o:, n:b o:, s:c o:, s:d o:)"},
       {"in (1 /* one */, 2 -- two\n)", "w:in l:1:2"},
       {"in (1)", "w:in o:( i:1 o:)"},
       {"in (1,'2')", "w:in o:( i:1 o:, s:2 o:)"},

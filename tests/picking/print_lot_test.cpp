@@ -1,42 +1,26 @@
 #include "picking/print_lot.h"
 
-#include <gmock/gmock.h>
 #include <set>
 #include <thread>
 
-#include "frame/clsSaveData.h"
-#include "platform/clock.h"
 #include "support/recording_driver.h"
-#include "support/sample_database.h"
+#include "support/sample_test.h"
 
 namespace tessarlorn {
 namespace {
 
-using testing::ElementsAre;
-
 /// An empty database on 2026-11-21.
-class PrintLotTest : public testing::Test {
+class PrintLotTest : public SampleTest {
  protected:
   PrintLotTest() { SetDay("2026-11-21"); }
-  ~PrintLotTest() override { SetClock({}); }
 
   static void SetDay(const std::string& day) {
     SetClock([day] { return DateTime::Parse(day + " 10:00:00").value(); });
   }
-  void Run(std::string_view sql) { sample_.connection().Execute(sql); }
-  /// The first column of all rows.
-  std::vector<std::string> Ask(std::string_view sql) {
-    std::vector<std::string> values;
-    const RecordsetPtr rows = sample_.connection().Execute(sql);
-    for (; !rows->eof(); rows->MoveNext()) values.push_back(rows->Get(std::size_t{0}).ToText());
-    return values;
-  }
   void GiveLot(int order, const std::string& lot) {
     Run("INSERT INTO IC_Web2ERPOrdersEx (FID, FLotNumber) VALUES (" + std::to_string(order) + ", '" + lot + "')");
   }
-  double Reserve(std::int32_t count = 1) { return GetPrintOrderLotNumber(sample_.connection(), count); }
-
-  SampleDatabase sample_;
+  double Reserve(std::int32_t count = 1) { return GetPrintOrderLotNumber(database_.connection(), count); }
 };
 
 TEST_F(PrintLotTest, CountsFromTheFirstRunEver) {
@@ -44,8 +28,8 @@ TEST_F(PrintLotTest, CountsFromTheFirstRunEver) {
   EXPECT_EQ(Reserve(), 2);
   EXPECT_EQ(Reserve(5), 3);
   EXPECT_EQ(Reserve(), 8);
-  EXPECT_THAT(Ask("SELECT FNumber FROM IC_MaxNum"), ElementsAre("202611"));
-  EXPECT_THAT(Ask("SELECT FMaxNum FROM ICMaxNum"), ElementsAre("8"));
+  EXPECT_EQ(Read("SELECT FNumber FROM IC_MaxNum"), "202611|");
+  EXPECT_EQ(Read("SELECT FMaxNum FROM ICMaxNum"), "8|");
 }
 
 TEST_F(PrintLotTest, GoesOnBehindTheLotsOfOrdersInTheFirstRun) {
@@ -63,7 +47,7 @@ TEST_F(PrintLotTest, StartsAnewInANewMonth) {
   SetDay("2026-12-01");
   EXPECT_EQ(Reserve(), 1);
   EXPECT_EQ(Reserve(), 2);
-  EXPECT_THAT(Ask("SELECT FNumber FROM IC_MaxNum"), ElementsAre("202612"));
+  EXPECT_EQ(Read("SELECT FNumber FROM IC_MaxNum"), "202612|");
   // Unless orders have lots of that month already: the tenth after the ninth, by number and not by text.
   GiveLot(1, "2027019");
   GiveLot(2, "2027012");
@@ -87,33 +71,31 @@ TEST_F(PrintLotTest, SkipsANumberWhenTheCounterIsMissing) {
 
 TEST_F(PrintLotTest, NumbersTheOrdersOfARun) {
   GiveLot(7, "202610400");
-  clsSaveData save;
   const Vector run{Dictionary{{"FID", 9}}, Dictionary{{"Order", "7"}, {"FID", 1}}, Dictionary{{"FID", 8}}};
-  EXPECT_TRUE(save.SavePrintSerialNumber(sample_.Dsn(), &run));
+  EXPECT_TRUE(save().SavePrintSerialNumber(dsn_, &run));
   const std::string states = "SELECT FLotNumber + '/' + FSerialNumber FROM IC_Web2ERPOrdersEx ORDER BY FID";
-  EXPECT_THAT(Ask(states), ElementsAre("2026111/2", "2026111/3", "2026111/1"));
-  EXPECT_THAT(Ask("SELECT FID FROM IC_Web2ERPOrdersEx WHERE FOrderID = '' ORDER BY FID"), ElementsAre("8", "9"));
-  for (int i = 2; i < 10; ++i) EXPECT_TRUE(save.SavePrintSerialNumber(sample_.Dsn(), &run));
+  EXPECT_EQ(Read(states), "2026111/2|2026111/3|2026111/1|");
+  EXPECT_EQ(Read("SELECT FID FROM IC_Web2ERPOrdersEx WHERE FOrderID = '' ORDER BY FID"), "8|9|");
+  for (int i = 2; i < 10; ++i) EXPECT_TRUE(save().SavePrintSerialNumber(dsn_, &run));
   const Vector again{Dictionary{{"FID", 7}}};
-  EXPECT_TRUE(save.SavePrintSerialNumber(sample_.Dsn(), &again));
-  EXPECT_THAT(Ask(states), ElementsAre("20261110/1", "2026119/3", "2026119/1"));
+  EXPECT_TRUE(save().SavePrintSerialNumber(dsn_, &again));
+  EXPECT_EQ(Read(states), "20261110/1|2026119/3|2026119/1|");
 }
 
 TEST_F(PrintLotTest, TakesNoNumberWithoutAListAndOneForAnEmptyList) {
-  clsSaveData save;
   const Vector none;
   const Vector some{Dictionary{{"FID", 1}}};
-  EXPECT_FALSE(save.SavePrintSerialNumber(sample_.Dsn(), nullptr));
-  EXPECT_FALSE(save.SavePrintSerialNumber("", &some));
-  EXPECT_TRUE(Ask("SELECT FMaxNum FROM ICMaxNum").empty());
-  EXPECT_TRUE(save.SavePrintSerialNumber(sample_.Dsn(), &none));
-  EXPECT_THAT(Ask("SELECT FMaxNum FROM ICMaxNum"), ElementsAre("1"));
+  EXPECT_FALSE(save().SavePrintSerialNumber(dsn_, nullptr));
+  EXPECT_FALSE(save().SavePrintSerialNumber("", &some));
+  EXPECT_EQ(Read("SELECT FMaxNum FROM ICMaxNum"), "");
+  EXPECT_TRUE(save().SavePrintSerialNumber(dsn_, &none));
+  EXPECT_EQ(Read("SELECT FMaxNum FROM ICMaxNum"), "1|");
   // The number is lost when the orders cannot be numbered, and nothing of them is stored.
   const Vector wrong{Dictionary{{"FID", 1}}, Dictionary{{"FID", "none"}}};
-  EXPECT_EQ(Raised([&] { save.SavePrintSerialNumber(sample_.Dsn(), &wrong); }),
+  EXPECT_EQ(Raised([&] { save().SavePrintSerialNumber(dsn_, &wrong); }),
             std::to_string(error_number::kStatementError) + " SavePrintSerialNumber");
   const Vector empty{Dictionary{}};
-  EXPECT_EQ(Raised([&] { save.SavePrintSerialNumber(sample_.Dsn(), &empty); }), "9 SavePrintSerialNumber");
+  EXPECT_EQ(Raised([&] { save().SavePrintSerialNumber(dsn_, &empty); }), "9 SavePrintSerialNumber");
   EXPECT_EQ(Reserve(), 4);
 }
 
@@ -129,7 +111,7 @@ TEST_F(PrintLotTest, GivesThreadsDifferentNumbers) {
   std::vector<std::thread> threads;
   for (std::vector<double>& mine : numbers) {
     threads.emplace_back([&mine, this] {
-      const std::unique_ptr<Connection> connection = OpenConnection(sample_.database());
+      const std::unique_ptr<Connection> connection = OpenConnection(database_.database());
       for (int i = 0; i < kRuns; ++i) mine.push_back(GetPrintOrderLotNumber(*connection, 1));
     });
   }

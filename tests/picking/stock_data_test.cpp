@@ -1,9 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
 #include "support/recording_driver.h"
-#include "support/sample_database.h"
+#include "support/sample_test.h"
 
 namespace tessarlorn {
 namespace {
@@ -28,11 +26,10 @@ TEST_F(SaveBatchTest, StoresWithoutQuotesAndLogsFirst) {
 }
 
 /// Three orders: 1 in a warehouse with places, 2 in one without, 3 without lines. Line 13 is a price difference.
-class StockDataTest : public testing::Test {
+class StockDataTest : public SampleTest {
  protected:
   StockDataTest() {
-    sample_.connection().Execute(
-        "INSERT INTO IC_Web2ERPOrders (FID) VALUES (1), (2), (3) "
+    Run("INSERT INTO IC_Web2ERPOrders (FID) VALUES (1), (2), (3) "
         "INSERT INTO t_StockPlaceGroup (FSPGroupID, FName, FDefaultSPID) VALUES (5, N'甲组', 51), (6, N'乙组', 0) "
         "INSERT INTO t_StockPlace (FSPID, FName) VALUES (51, N'A-01'), (52, N'A-02'), (0, N'-') "
         "INSERT INTO t_Stock (FItemID, FName, FSPGroupID, FIsStockMgr) "
@@ -45,15 +42,12 @@ class StockDataTest : public testing::Test {
         "VALUES (11, 1, 1, 201, 52, 'B7'), (12, 1, 2, 201, 0, NULL), (13, 1, 4, 201, 0, NULL), "
         "(21, 2, 2, 202, 0, ''), (14, 1, 2, 203, 0, 'x')");
   }
-  Dictionary Orders(const char* keys) { return {{"sDSN", sample_.Dsn()}, {"FID", keys}}; }
-
-  SampleDatabase sample_;
-  clsGetData get_;
+  Dictionary Orders(const char* keys) { return {{"sDSN", dsn_}, {"FID", keys}}; }
 };
 
 TEST_F(StockDataTest, ListsLinesOfWarehousesWithPlaces) {
   const Dictionary first = Orders("1,3");
-  const Vector lines = get_.bExistStockPositionManager(&first).value();
+  const Vector lines = get().bExistStockPositionManager(&first).value();
   std::vector<std::string> found;
   for (const Variant& line : lines) {
     std::string text;
@@ -68,9 +62,9 @@ TEST_F(StockDataTest, ListsLinesOfWarehousesWithPlaces) {
                          "FEntryID=14;FStockID=203;FStockName=南方仓;FDefaultStockPlaceGroupID=0;"
                          "FDefaultStockPlaceGroupName=乙组;FDefaultStockPlaceName=;FDefaultItemStockPlaceID=0;"));
   const Dictionary second = Orders("2");
-  EXPECT_TRUE(get_.bExistStockPositionManager(&second).value().empty());
+  EXPECT_TRUE(get().bExistStockPositionManager(&second).value().empty());
   const Dictionary none = Orders("");
-  EXPECT_FALSE(get_.bExistStockPositionManager(&none).has_value());
+  EXPECT_FALSE(get().bExistStockPositionManager(&none).has_value());
 }
 
 TEST_F(StockDataTest, TellsWhatIsMissing) {
@@ -83,19 +77,19 @@ TEST_F(StockDataTest, TellsWhatIsMissing) {
   for (const Case& expected : {Case{"1", true, false}, Case{"2", false, true}, Case{"2,1", true, true},
                                Case{"3", false, false}, Case{"", false, false}}) {
     const Dictionary orders = Orders(expected.orders);
-    EXPECT_EQ(get_.bExistBatchOrSerialManagerItem(&orders), expected.managed) << expected.orders;
-    EXPECT_EQ(get_.bExistBatchEmpty(&orders), expected.empty) << expected.orders;
+    EXPECT_EQ(get().bExistBatchOrSerialManagerItem(&orders), expected.managed) << expected.orders;
+    EXPECT_EQ(get().bExistBatchEmpty(&orders), expected.empty) << expected.orders;
   }
-  sample_.connection().Execute("UPDATE IC_Web2ERPOrdersEntry SET FItemID = 3 WHERE FEntryID = 21");
+  Run("UPDATE IC_Web2ERPOrdersEntry SET FItemID = 3 WHERE FEntryID = 21");
   const Dictionary serial = Orders("2");
-  EXPECT_TRUE(get_.bExistBatchOrSerialManagerItem(&serial));
+  EXPECT_TRUE(get().bExistBatchOrSerialManagerItem(&serial));
 }
 
 TEST_F(StockDataTest, ReadsBackWhatWasStored) {
   const Vector choice{Dictionary{{"FBatchNo", "L'1"}, {"FStockID", 201}, {"SPID", 51}, {"FEntryID", 21}}};
-  EXPECT_TRUE(clsSaveData().SaveBatchNo(sample_.Dsn(), &choice));
+  EXPECT_TRUE(clsSaveData().SaveBatchNo(dsn_, &choice));
   const Dictionary orders = Orders("2,3");
-  const RecordsetPtr rows = get_.GetBatchNo(&orders);
+  const RecordsetPtr rows = get().GetBatchNo(&orders);
   ASSERT_EQ(rows->RecordCount(), 2U);
   std::vector<std::string> found;
   for (; !rows->eof(); rows->MoveNext()) {

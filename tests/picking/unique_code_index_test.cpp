@@ -1,24 +1,21 @@
 #include <gmock/gmock.h>
 
-#include "frame/clsSaveData.h"
 #include "support/recording_driver.h"
-#include "support/sample_database.h"
+#include "support/sample_test.h"
 
 namespace tessarlorn {
 namespace {
 
-class UniqueCodeIndexTest : public testing::Test {
+class UniqueCodeIndexTest : public SampleTest {
  protected:
   UniqueCodeIndexTest() {
-    sample_.connection().Execute(
-        "INSERT INTO IC_Web2ERPOrders (FID, FUniqueCode) VALUES (1, 1234567), (2, 12345678901234567890), "
+    Run("INSERT INTO IC_Web2ERPOrders (FID, FUniqueCode) VALUES (1, 1234567), (2, 12345678901234567890), "
         "(3, 98765432109876543210987), (4, 12345678901), (5, NULL), (6, 20260101000000000061), (7, 1000000000)");
   }
   std::string Index(const char* orders) {
-    const Dictionary parameters{{"sDSN", sample_.Dsn()}, {"FID", orders}};
+    const Dictionary parameters{{"sDSN", dsn_}, {"FID", orders}};
     return clsSaveData().GetUniqueCodeIndex(&parameters);
   }
-  SampleDatabase sample_;
 };
 
 TEST_F(UniqueCodeIndexTest, NumbersFiveCodesALineInTheCallersOrder) {
@@ -43,8 +40,8 @@ TEST_F(UniqueCodeIndexTest, KeepsAllDigitsInTheDatabase) {
   Index("3");
   SetStatementObserver({});
   ASSERT_EQ(sent.size(), 2U);
-  sample_.connection().Execute(sent[0]);
-  const RecordsetPtr rows = sample_.connection().Execute(sent[1]);
+  database_.connection().Execute(sent[0]);
+  const RecordsetPtr rows = database_.connection().Execute(sent[1]);
   EXPECT_EQ(rows->Get("FUniqueCode").ToText(), "98765432109876543210987");
   EXPECT_EQ(rows->fields()[1].precision, 23);
 }

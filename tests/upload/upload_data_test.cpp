@@ -1,8 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "frame/clsGetData.h"
 #include "support/recording_driver.h"
-#include "support/sample_database.h"
+#include "support/sample_test.h"
 
 namespace tessarlorn {
 namespace {
@@ -17,11 +16,10 @@ std::string Text(const Variant& report) {
 }
 
 /// Marketplace orders of one, two and three lines, spread over orders and carriers.
-class UploadDataTest : public testing::Test {
+class UploadDataTest : public SampleTest {
  protected:
   UploadDataTest() {
-    sample_.connection().Execute(
-        "INSERT INTO IC_Logistics (FItemID, FNumber, FName) VALUES (7, 'QL', 'Quick'), (8, 'SL', 'Slow') "
+    Run("INSERT INTO IC_Logistics (FItemID, FNumber, FName) VALUES (7, 'QL', 'Quick'), (8, 'SL', 'Slow') "
         "INSERT INTO IC_Trade (FID, FTID, FWebshopID) VALUES (1, 'ONE', 31), (2, 'TWO', 31), (3, 'THREE', 32), "
         "(4, 'PARTED', 31), (5, 'COMMAS', 31), (6, 'BARE', 32) "
         "INSERT INTO IC_Web2ERPOrders (FID, FOrderID, FLogisticsID, FLogisticsOrder) VALUES (1, 'O1', 7, 'W1'), "
@@ -42,24 +40,15 @@ class UploadDataTest : public testing::Test {
     Line(12, 7, "BARE", "");
   }
   void Line(int key, int order, const std::string& site, const std::string& child) {
-    sample_.connection().Execute(
-        "INSERT INTO IC_Web2ERPOrdersEntry (FEntryID, FID, FSiteOrderID, FChildOrderID) "
+    Run("INSERT INTO IC_Web2ERPOrdersEntry (FEntryID, FID, FSiteOrderID, FChildOrderID) "
         "VALUES (" +
         std::to_string(key) + ", " + std::to_string(order) + ", '" + site + "', '" + child + "')");
   }
   std::vector<std::string> Reports(const char* orders) {
     std::vector<std::string> texts;
-    for (const Variant& report : clsGetData().GetUploadDataByFID(sample_.Dsn(), orders)) texts.push_back(Text(report));
+    for (const Variant& report : get().GetUploadDataByFID(dsn_, orders)) texts.push_back(Text(report));
     return texts;
   }
-  std::vector<std::string> Ask(const std::string& sql) {
-    std::vector<std::string> values;
-    const RecordsetPtr rows = sample_.connection().Execute(sql);
-    for (; !rows->eof(); rows->MoveNext()) values.push_back(rows->Get(std::size_t{0}).ToText());
-    return values;
-  }
-
-  SampleDatabase sample_;
 };
 
 TEST_F(UploadDataTest, ReportsWholeOrdersOnceAndSplitOnesByLine) {
@@ -80,7 +69,7 @@ TEST_F(UploadDataTest, ReportsWholeOrdersOnceAndSplitOnesByLine) {
 }
 
 TEST_F(UploadDataTest, NamesTheKeysOfAReport) {
-  const Vector reports = clsGetData().GetUploadDataByFID(sample_.Dsn(), "1");
+  const Vector reports = get().GetUploadDataByFID(dsn_, "1");
   std::vector<std::string> keys;
   for (const auto& [key, value] : *reports.At(1).ToDictionary()) keys.push_back(key);
   EXPECT_THAT(keys, ElementsAre("SiteOrderID", "ChildIDs", "IsSplit", "FWebshopID", "FLogisticsNumber",
@@ -90,8 +79,7 @@ TEST_F(UploadDataTest, NamesTheKeysOfAReport) {
 class UploadPageTest : public UploadDataTest {
  protected:
   UploadPageTest() {
-    sample_.connection().Execute(
-        "CREATE TABLE Run7 (fid int, fstatus int) CREATE TABLE Page1 (fid int, fstatus int) "
+    Run("CREATE TABLE Run7 (fid int, fstatus int) CREATE TABLE Page1 (fid int, fstatus int) "
         "CREATE TABLE pageTable (fid int, fstatus int) "
         "CREATE TABLE Tasks7 (FTaskID nvarchar(50), FSiteOrderID nvarchar(50), FChildIDs nvarchar(50), FIsSplit bit, "
         "FWebshopID int, FLogisticsNumber nvarchar(50), FLogisticsOrder nvarchar(50), FOrderID nvarchar(50), FID int, "
@@ -99,39 +87,42 @@ class UploadPageTest : public UploadDataTest {
         "INSERT INTO Run7 SELECT FID, 0 FROM IC_Web2ERPOrders INSERT INTO Page1 VALUES (2, 0), (3, 0) "
         "INSERT INTO pageTable VALUES (1, 0)");
   }
-  bool Upload(const char* page) { return clsGetData().GetUploadDataByTab(sample_.Dsn(), page, "Run7", "Tasks7", "T7"); }
-  const std::string rows_ =
-      "SELECT FTaskID + '|' + FSiteOrderID + '|' + FChildIDs + '|' + CAST(FIsSplit AS varchar(1)) + '|' + "
-      "CAST(FWebshopID AS varchar(9)) + '|' + FLogisticsNumber + '|' + FLogisticsOrder + '|' + FOrderID + '|' + "
-      "CAST(FID AS varchar(9)) + '|' + CAST(FUpStatus AS varchar(9)) + '|' + FError FROM ";
+  bool Upload(const char* page) { return get().GetUploadDataByTab(dsn_, page, "Run7", "Tasks7", "T7"); }
+  std::string Rows(const std::string& table) {
+    return Read(
+        "SELECT FTaskID, FSiteOrderID, FChildIDs, FIsSplit, FWebshopID, FLogisticsNumber, FLogisticsOrder, "
+        "FOrderID, FID, FUpStatus, FError FROM " +
+        table + " ORDER BY FSiteOrderID, FChildIDs");
+  }
+  const std::string expected_ =
+      "T7|THREE|c1|True|32|QL|W3|O3|3|0||T7|THREE|c2|True|32|QL|W3|O3|3|0||T7|THREE|c3|True|32|QL|W3|O3|3|0||"
+      "T7|TWO||False|31|SL|W2|O2|2|0||";
 };
 
 TEST_F(UploadPageTest, WritesAPageOnce) {
   EXPECT_TRUE(Upload("Page1 pageTable"));
-  const std::vector<std::string> expected = {"T7|THREE|c1|1|32|QL|W3|O3|3|0|", "T7|THREE|c2|1|32|QL|W3|O3|3|0|",
-                                             "T7|THREE|c3|1|32|QL|W3|O3|3|0|", "T7|TWO||0|31|SL|W2|O2|2|0|"};
-  EXPECT_THAT(Ask(rows_ + "Tasks7"), testing::UnorderedElementsAreArray(expected));
-  EXPECT_THAT(Ask(rows_ + "IC_UploadWebOrderIndicator"), testing::UnorderedElementsAreArray(expected));
-  EXPECT_THAT(Ask("SELECT fid FROM Run7 WHERE fstatus = 1 ORDER BY fid"), ElementsAre("2", "3"));
+  EXPECT_EQ(Rows("Tasks7"), expected_);
+  EXPECT_EQ(Rows("IC_UploadWebOrderIndicator"), expected_);
+  EXPECT_EQ(Read("SELECT fid FROM Run7 WHERE fstatus = 1 ORDER BY fid"), "2|3|");
 
   // The page itself is not marked by the run: a second time writes task rows again, and no row of the list twice.
   EXPECT_TRUE(Upload("Page1 pageTable"));
-  EXPECT_EQ(Ask(rows_ + "Tasks7").size(), 8U);
-  EXPECT_EQ(Ask(rows_ + "IC_UploadWebOrderIndicator").size(), 4U);
+  EXPECT_EQ(Read("SELECT COUNT(*) FROM Tasks7"), "8|");
+  EXPECT_EQ(Rows("IC_UploadWebOrderIndicator"), expected_);
 
   // Once one of its orders is marked the page is done.
-  sample_.connection().Execute("UPDATE Page1 SET fstatus = 1 WHERE fid = 3 DELETE FROM IC_UploadWebOrderIndicator");
+  Run("UPDATE Page1 SET fstatus = 1 WHERE fid = 3 DELETE FROM IC_UploadWebOrderIndicator");
   EXPECT_TRUE(Upload("Page1 pageTable"));
-  EXPECT_TRUE(Ask(rows_ + "IC_UploadWebOrderIndicator").empty());
+  EXPECT_EQ(Rows("IC_UploadWebOrderIndicator"), "");
 }
 
 TEST_F(UploadPageTest, NeedsThePageUnderItsName) {
   EXPECT_TRUE(Upload("pageTable"));
-  EXPECT_THAT(Ask("SELECT fid FROM Run7 WHERE fstatus = 1"), ElementsAre("1"));
+  EXPECT_EQ(Read("SELECT fid FROM Run7 WHERE fstatus = 1"), "1|");
   const std::string source = " TessarLornPickingAndDelivery.clsGetData.GetUploadDataByTab";
   EXPECT_EQ(Raised([&] { Upload("Page1"); }), std::to_string(error_number::kStatementError) + source);
   EXPECT_EQ(Raised([&] { Upload("Page9 pageTable"); }), std::to_string(error_number::kNoSuchTable) + source);
-  EXPECT_THAT(Ask("SELECT fid FROM Run7 WHERE fstatus = 1"), ElementsAre("1"));
+  EXPECT_EQ(Read("SELECT fid FROM Run7 WHERE fstatus = 1"), "1|");
   EXPECT_FALSE(Upload(""));
 }
 

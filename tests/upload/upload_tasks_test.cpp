@@ -1,18 +1,16 @@
 #include <gmock/gmock.h>
 
 #include "automation/operations.h"
-#include "frame/clsGetData.h"
 #include "support/recording_driver.h"
-#include "support/sample_database.h"
+#include "support/sample_test.h"
 
 namespace tessarlorn {
 namespace {
 
-class UploadTasksTest : public testing::Test {
+class UploadTasksTest : public SampleTest {
  protected:
   UploadTasksTest() {
-    sample_.connection().Execute(
-        "INSERT INTO IC_WebshopToStorage (FID, FWebshopID, FWebShopName, FWebShopType) "
+    Run("INSERT INTO IC_WebshopToStorage (FID, FWebshopID, FWebShopName, FWebShopType) "
         "VALUES (1, 31, 'Tea', 2), (2, 32, 'Cups', 2), (3, 33, 'Pots', 5) "
         "INSERT INTO IC_Web2ERPOrders (FID, FWebshopID) VALUES (1, 31), (2, 32), (3, 33), (4, 99) "
         "INSERT INTO IC_Web2ERPOrdersEntry (FEntryID, FID, FSiteOrderID, FChildOrderID) "
@@ -21,11 +19,9 @@ class UploadTasksTest : public testing::Test {
   /// Through the table of operations, as every host calls.
   Variant Invoke(std::string_view name, std::vector<Variant>& arguments) {
     const Operation& operation = *FindOperation(name);
-    arguments.insert(arguments.begin(), sample_.Dsn());
+    arguments.insert(arguments.begin(), dsn_);
     return ServiceObject(operation.service).Invoke(operation, arguments);
   }
-
-  SampleDatabase sample_;
 };
 
 TEST_F(UploadTasksTest, TellsWhetherShopsAreOfOneType) {
@@ -42,8 +38,8 @@ TEST_F(UploadTasksTest, TellsWhetherShopsAreOfOneType) {
     EXPECT_EQ(arguments[2].ToInt32(), expected.type) << expected.orders;
   }
   clsGetData get;
-  EXPECT_EQ(get.GetWebShopType(sample_.Dsn(), "33"), 5);
-  EXPECT_EQ(get.GetWebShopType(sample_.Dsn(), "99"), 0);
+  EXPECT_EQ(get.GetWebShopType(dsn_, "33"), 5);
+  EXPECT_EQ(get.GetWebShopType(dsn_, "99"), 0);
 }
 
 TEST_F(UploadTasksTest, AddsTheChildOrdersOfASplitOrder) {
@@ -64,13 +60,12 @@ TEST_F(UploadTasksTest, AddsTheChildOrdersOfASplitOrder) {
 }
 
 TEST_F(UploadTasksTest, FindsTheUsersUnfinishedTask) {
-  sample_.connection().Execute(
-      "INSERT INTO t_User (FUserID, FName) VALUES (16395, 'Ann'), (16396, 'Bob') "
+  Run("INSERT INTO t_User (FUserID, FName) VALUES (16395, 'Ann'), (16396, 'Bob') "
       "INSERT INTO IC_UploadWebOrderTaskFlow (FUserName, FUpStatus) VALUES ('Ann', 1), ('Ann', 0), ('Bob', 1)");
   clsGetData get;
-  EXPECT_TRUE(get.isRunUploadOrder(sample_.Dsn(16395)));
-  EXPECT_FALSE(get.isRunUploadOrder(sample_.Dsn(16396)));
-  EXPECT_FALSE(get.isRunUploadOrder(sample_.Dsn(16397)));
+  EXPECT_TRUE(get.isRunUploadOrder(database_.Dsn(16395)));
+  EXPECT_FALSE(get.isRunUploadOrder(database_.Dsn(16396)));
+  EXPECT_FALSE(get.isRunUploadOrder(database_.Dsn(16397)));
 }
 
 }  // namespace

@@ -340,7 +340,11 @@ class Lexer {
       if (whole != (out_.list_items[first].kind == TokenKind::kInteger)) return false;
       SkipBlanks();
     } while (At() == ',');
-    if (At() != ')' || out_.list_items.size() - first < 2) return false;
+    // A few strings are a list of states, which is the same in every text; lists of keys differ in length.
+    constexpr std::size_t kFewestNumbers = 2;
+    constexpr std::size_t kFewestStrings = 5;
+    const bool numbers = out_.list_items[first].kind == TokenKind::kInteger;
+    if (At() != ')' || out_.list_items.size() - first < (numbers ? kFewestNumbers : kFewestStrings)) return false;
     ++position_;
     return true;
   }

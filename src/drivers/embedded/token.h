@@ -98,8 +98,8 @@ struct Tokens {
 };
 
 /// Cuts a batch into tokens; comments (`--` to the line's end, nested `/* */`) and blanks are dropped. The views point
-/// into `batch`. `IN ( literal , … )` with two or more literals of one kind (all whole numbers, or all strings) and
-/// nothing else becomes one kList token, so that batches that differ in the length of a key list have the same shape.
+/// into `batch`. `IN ( literal , … )` with two or more whole numbers, or five or more strings, and nothing else
+/// becomes one kList token, so that batches that differ in the length of a key list have the same shape.
 /// Raises 105 for an unclosed quote ("Unclosed quotation mark after the character string '…'."), 113 for an unclosed
 /// comment ("Missing end comment mark '*/'."), 102 for a character that no token begins with.
 void TokenizeBatch(std::string_view batch, NameTable& names, Tokens& out);

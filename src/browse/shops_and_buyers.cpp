@@ -3,7 +3,6 @@
 #include "frame/identity.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
-#include "platform/error.h"
 
 namespace tessarlorn {
 
@@ -77,31 +76,21 @@ RecordsetPtr clsGetData::ExecuteSQL(std::string_view sDsn, std::string_view StrS
 }
 
 std::optional<Dictionary> clsGetData::GetWebBillTitleData(std::string_view PropsString) {
-  if (PropsString.empty()) return std::nullopt;
-  try {
-    return CallOperation(State(), "GetWebBillTitleData", PropsString, [](Connection& connection) {
-      const RecordsetPtr states = connection.Execute("select * from IC_WEBOrders_Status WITH(NOLOCK) \r\n");
-      Dictionary titles;
-      for (; !states->eof(); states->MoveNext()) {
-        titles.SetValue(states->Get(std::size_t{0}).ToText(), states->Get(std::size_t{1}));
-      }
-      return std::optional<Dictionary>(std::move(titles));
-    });
-  } catch (const Error&) {
-    return std::nullopt;
-  }
+  return CallQuietly(State(), PropsString, [](Connection& connection) {
+    const RecordsetPtr states = connection.Execute("select * from IC_WEBOrders_Status WITH(NOLOCK) \r\n");
+    Dictionary titles;
+    for (; !states->eof(); states->MoveNext()) {
+      titles.SetValue(states->Get(std::size_t{0}).ToText(), states->Get(std::size_t{1}));
+    }
+    return std::optional<Dictionary>(std::move(titles));
+  });
 }
 
 bool clsGetData::ExeP_WebBillTitleData(std::string_view PropsString) {
-  if (PropsString.empty()) return false;
-  try {
-    return CallOperation(State(), "ExeP_WebBillTitleData", PropsString, [](Connection& connection) {
-      connection.Execute(" exec p_WebBillTitleData \r\n");
-      return true;
-    });
-  } catch (const Error&) {
-    return false;
-  }
+  return CallQuietly(State(), PropsString, [](Connection& connection) {
+    connection.Execute(" exec p_WebBillTitleData \r\n");
+    return true;
+  });
 }
 
 }  // namespace tessarlorn

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
+#include <type_traits>
 
+#include "platform/error.h"
 #include "platform/session.h"
 
 namespace tessarlorn {
@@ -27,17 +29,37 @@ void OpenSession(InstanceState instance, std::string_view dsn);
 /// description and native error; out of memory is 7, any other exception 51.
 [[noreturn]] void RaiseFromHandler(std::string_view source);
 
+/// Answers what `body()` answers; whatever it raises comes out as one Error with `source`.
+template <typename Body>
+auto UnderSource(std::string_view source, const Body& body) {
+  try {
+    return body();
+  } catch (...) {
+    RaiseFromHandler(source);
+  }
+}
+
 /// Runs an operation: `body(Connection&)` on a new session of the instance; answers what it answers. Whatever is
 /// raised comes out as one Error with `source`. Nothing is rolled back, and the session stays open for the instance.
 template <typename Body>
 auto CallOperation(InstanceState instance, std::string_view source, std::string_view dsn, const Body& body,
                    OldSession old_session = OldSession::kReset) {
-  try {
+  return UnderSource(source, [&] {
     if (old_session == OldSession::kReset) instance.session->Reset();
     OpenSession(instance, dsn);
     return body(instance.session->GetConnection());
-  } catch (...) {
-    RaiseFromHandler(source);
+  });
+}
+
+/// Runs an operation that raises nothing: its answer is empty when it fails, and without a connection string.
+template <typename Body>
+auto CallQuietly(InstanceState instance, std::string_view dsn, const Body& body)
+    -> std::invoke_result_t<Body, Connection&> {
+  if (dsn.empty()) return {};
+  try {
+    return CallOperation(instance, {}, dsn, body);
+  } catch (const Error&) {
+    return {};
   }
 }
 

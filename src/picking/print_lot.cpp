@@ -80,14 +80,12 @@ select @MaxNum as MaxNum
 }  // namespace
 
 double GetPrintOrderLotNumber(Connection& connection, std::int32_t count) {
-  try {
+  return UnderSource("GetPrintOrderLotNumber", [&] {
     TextBuilder text;
     text.Append(kReserve, {{"count", count}});
     const RecordsetPtr number = connection.Execute(text.GetText());
     return number->eof() ? 0 : number->Get("MaxNum").ToDouble();
-  } catch (...) {
-    RaiseFromHandler("GetPrintOrderLotNumber");
-  }
+  });
 }
 
 bool clsSaveData::SavePrintSerialNumber(std::string_view sDsn, const Vector* vctOrderInfo) {

@@ -61,8 +61,8 @@ void ReachableAgainst(benchmark::State& state) {
   const Sqlite database = OpenSqlite(SampleCopy(kOrders, "reachable-against"));
   SqliteUpsert reachable(database.get(), "SELECT 1 FROM IC_Web2ERPOrdersEx WHERE FID = ?1",
                          "UPDATE IC_Web2ERPOrdersEx SET FAddressReachable = ?2 WHERE FID = ?1",
-                         "INSERT INTO IC_Web2ERPOrdersEx(FID,FOrderID,FLotNumber,FSerialNumber,FAddressReachable) "
-                         "VALUES (?1,'','','',?2)");
+                         "INSERT INTO IC_Web2ERPOrdersEx(FID,FOrderID,FLotNumber,FSerialNumber,FCreateDate,"
+                         "FAddressReachable) VALUES (?1,'','','',4005072000000,?2)");
   const SqliteStatement addresses = PrepareSqlite(
       database.get(),
       "SELECT t1.FDeliveryProvince, t1.FDeliveryCity, t1.FDeliveryDistrict, t2.FNumber FROM IC_Web2ERPOrders t1 "
@@ -105,12 +105,12 @@ void SubmitAgainst(benchmark::State& state) {
   SqliteUpsert submitted(
       database.get(), "SELECT 1 FROM IC_Web2ERPOrdersEx WHERE FID = ?1",
       "UPDATE IC_Web2ERPOrdersEx SET FTplStatus = ?2 WHERE FTplStatus IN ('0','2') AND FID = ?1",
-      "INSERT INTO IC_Web2ERPOrdersEx(FID,FOrderID,FLotNumber,FSerialNumber,FAddressReachable,FTplStatus) "
-      "VALUES (?1,'','','',0,?2)");
+      "INSERT INTO IC_Web2ERPOrdersEx(FID,FOrderID,FLotNumber,FSerialNumber,FCreateDate,FAddressReachable,FTplStatus) "
+      "VALUES (?1,'','','',4005072000000,0,?2)");
   const SqliteStatement task = PrepareSqlite(
       database.get(),
-      "INSERT INTO TPLTaskFlow(FTaskType,FTaskName,FWebTplType,FWebTplID,FProgressPer,FUserName,FStatus,FPriority) "
-      "VALUES (130,?1,1,'WH-E1',0,'Ann',0,10)");
+      "INSERT INTO TPLTaskFlow(FTaskType,FTaskName,FWebTplType,FWebTplID,FProgressPer,FUserName,FRefreshTime,FStatus,"
+      "FPriority) VALUES (130,?1,1,'WH-E1',0,'Ann',4005072000000,0,10)");
   const std::string keys = KeyList(kOrders);
   RunAgainst(state, database.get(), [&] {
     sqlite3_bind_text(task.get(), 1, keys.data(), static_cast<int>(keys.size()), SQLITE_STATIC);

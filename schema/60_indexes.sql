@@ -173,10 +173,10 @@ IF NOT EXISTS (SELECT 1 FROM sys.indexes
 CREATE INDEX IX_TPLTaskFlow_Warehouse ON TPLTaskFlow (FTaskType, FWebTplType, FWebTplID);
 GO
 
--- A purchase order is looked for by its number; two with one number would be an error.
+-- A purchase order is looked for by its number.
 IF NOT EXISTS (SELECT 1 FROM sys.indexes
                WHERE name = 'IX_POOrder_BillNo' AND object_id = OBJECT_ID('POOrder'))
-CREATE UNIQUE INDEX IX_POOrder_BillNo ON POOrder (FBillNo);
+CREATE INDEX IX_POOrder_BillNo ON POOrder (FBillNo);
 GO
 
 -- The stock bills of a web-shop order, and their invoices.

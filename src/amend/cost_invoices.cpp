@@ -53,7 +53,8 @@ std::int32_t clsGetData::GetWebFIDByCostInoviceID(std::string_view sDsn, std::in
 }
 
 RecordsetPtr clsGetData::GetTotalPriceChange(std::string_view sDsn, std::string_view sFIDs) {
-  return CallForKeys(State(), "GetBatchNo", sDsn, sFIDs, [&](Connection& connection) {
+  if (sDsn.empty()) return nullptr;
+  return CallOperation(State(), "GetBatchNo", sDsn, [&](Connection& connection) {
     TextBuilder text;
     text.Line(
         "SELECT FID,SUM(ISNULL(FAfterDiscountAmount,0)) as FTotalPriceChange,SUM(ISNULL(FBuyerFreight,0)) as "

@@ -17,7 +17,8 @@ void LogChange(DataSession& session, const OrderCall& call, std::string_view sto
   const std::string user = std::to_string(CurrentUserId(session));
   const std::string address = ClientAddress(session);
   const std::string now = FormatDateTime(LocalNow());
-  ExecuteInBatches(call.connection, SplitKeys(call.orders), [&](TextBuilder& text, std::string_view order) {
+  for (const std::string_view order : SplitKeys(call.orders)) {
+    TextBuilder text;
     text.Append(
         R"(
 insert into IC_TradeLog (FOrderFID,FOPUserID,FOPCode,FUserIP,FOPTime,FItemID,FOldValue,FNewValue) select
@@ -35,7 +36,8 @@ left join t_Stock t2 on t2.FItemID = {stock}
 where t0.FID = {order}
 )"_sql,
         {{"order", order}, {"user", user}, {"address", address}, {"now", now}, {"stock", stock}});
-  });
+    call.connection.Execute(text.GetText());
+  }
 }
 
 }  // namespace

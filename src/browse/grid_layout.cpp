@@ -3,7 +3,7 @@
 
 #include "frame/clsGetData.h"
 #include "frame/identity.h"
-#include "frame/parameters.h"
+#include "frame/order_call.h"
 #include "frame/text_builder.h"
 #include "platform/error.h"
 #include "platform/text.h"
@@ -33,9 +33,7 @@ Variant ReadChoices(Connection& connection, const Recordset& field, const std::s
 
 RecordsetPtr clsGetData::GetTemplateData(const Dictionary* dctParam) {
   constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetTemplateData";
-  const Parameters parameters(dctParam);
-  if (!parameters.HasText("sDSN")) return nullptr;
-  return CallOperation(State(), kSource, parameters.Text("sDSN"), [&](Connection& connection) {
+  return CallForDictionary(State(), kSource, dctParam, [&](Connection& connection, const Parameters&) {
     TextBuilder text;
     text.Append(R"(
 SELECT t1.FPage ,

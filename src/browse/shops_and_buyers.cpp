@@ -1,26 +1,22 @@
 // Web shops, the buyers' contact data, the titles of order states, and SQL of the client's own.
 #include "frame/clsGetData.h"
 #include "frame/identity.h"
-#include "frame/parameters.h"
+#include "frame/order_call.h"
 #include "frame/text_builder.h"
 
 namespace tessarlorn {
 
 RecordsetPtr clsGetData::GetWebShopData(const Dictionary* dctPara) {
   constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetWebShopData";
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN")) return nullptr;
-  const auto body = [](Connection& connection) {
+  const auto body = [](Connection& connection, const Parameters&) {
     return connection.Execute("Select FID,FWebShopID,FWebShopName From IC_WebshopToStorage Order by FID\r\n");
   };
-  return CallOperation(State(), kSource, parameters.Text("sDSN"), body, OldSession::kKeep);
+  return CallForDictionary(State(), kSource, dctPara, body, OldSession::kKeep);
 }
 
 RecordsetPtr clsGetData::GetCommunicaInformation(const Dictionary* dctPara) {
   constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetCommunicaInformation";
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN")) return nullptr;
-  return CallOperation(State(), kSource, parameters.Text("sDSN"), [&](Connection& connection) {
+  return CallForDictionary(State(), kSource, dctPara, [&](Connection& connection, const Parameters& parameters) {
     TextBuilder text;
     text.Append(R"(
 SELECT  FID,
@@ -39,9 +35,7 @@ Where FID IN ( {FID})
 
 RecordsetPtr clsGetData::GetMobileInformation(const Dictionary* dctPara) {
   constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetMobileInformation";
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN")) return nullptr;
-  return CallOperation(State(), kSource, parameters.Text("sDSN"), [&](Connection& connection) {
+  return CallForDictionary(State(), kSource, dctPara, [&](Connection& connection, const Parameters& parameters) {
     TextBuilder text;
     text.Append(
         R"(

@@ -110,7 +110,10 @@ class Reader {
     for (std::size_t i = 0; i < values_.size(); ++i) {
       const Argument& argument = operation_.arguments()[i];
       Connect(i, dsn);
-      if (values_[i].is_empty()) continue;
+      if (values_[i].is_empty()) {
+        RequireGiven(argument);
+        continue;
+      }
       RequireFit(values_[i], argument.type, std::string(argument.name));
       if (IsCollection(argument.type) && !argument.any_key) {
         CheckKeys(values_[i], argument.keys, std::string(argument.name));
@@ -152,6 +155,15 @@ class Reader {
     if (value.is_empty()) value = std::make_shared<Dictionary>();
     RequireFit(value, ValueType::kDictionary, std::string(operation_.arguments()[position].name));
     return *value.ToDictionary();
+  }
+
+  /// A value that the operation would take for 0 or "" is not left out by mistake; an object that is not there is
+  /// Nothing.
+  void RequireGiven(const Argument& argument) const {
+    if (argument.optional || argument.in_out || IsCollection(argument.type)) return;
+    throw UsageError(std::string(operation_.name) + " wants the argument " + std::string(argument.name) + ", a " +
+                     std::string(TypeName(argument.type)) +
+                     (argument.type == ValueType::kString ? ", if only " + std::string(argument.name) + "=" : ""));
   }
 
   void Connect(std::size_t position, std::string_view dsn) {

@@ -179,7 +179,11 @@ ExitStatus FlushOutput(ExitStatus status) {
   errno = 0;
   std::cout.flush();
   if (std::cout.good()) return status;
-  // When an earlier part could not be written the reason is lost.
+  if (errno == 0) {
+    // An earlier part could not be written; what is left fails for the same reason.
+    std::cout.clear();
+    std::cout.flush();
+  }
   std::cerr << "tessarlorn: cannot write to standard output";
   if (errno != 0) std::cerr << ": " << std::strerror(errno);
   std::cerr << '\n';

@@ -13,8 +13,10 @@ namespace tessarlorn::cli {
 namespace {
 
 constexpr const char* kFooter =
-    R"(Arguments are named without regard to case, keys to the letter; 'tessarlorn ops NAME' lists both. What is not given
-is missing: "", 0 or Nothing. A connection string that the operation wants is the command's, unless it is given.
+    R"(Arguments are named without regard to case, keys to the letter; 'tessarlorn ops NAME' lists both. Every argument that
+is neither optional nor written back has to be given, if only as NAME=; a Dictionary or Vector that is not given is
+Nothing, a key that is not given is missing. A connection string that the operation wants is the command's, unless it
+is given.
 
 A value is text, and the operation converts it. A Dictionary or Vector, or a key that wants a Vector, is given as
 JSON. In JSON an object is a Dictionary, an array a Vector; whole numbers become Long, others exact decimals.

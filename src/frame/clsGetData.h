@@ -19,9 +19,9 @@ namespace tessarlorn {
 /// connection strings; each opens a session of its own and leaves it open until the next.
 ///
 /// Operations with a mandatory parameter missing do nothing at all: no session, no error, the empty answer (nullptr,
-/// which is Nothing, False or 0). A connection string under a key counts as missing when it is empty. Dictionary
-/// arguments may be nullptr, which is Nothing. A failure is raised as `Error`, with the database's number and
-/// description and the operation's bare name as Source, unless another is named.
+/// which is Nothing, False, 0, "" or an empty Vector). A connection string under a key counts as missing when it is
+/// empty. Dictionary arguments may be nullptr, which is Nothing. A failure is raised as `Error`, with the database's
+/// number and description and the operation's bare name as Source, unless another is named.
 ///
 /// Recordsets stay attached to their connection, unless said otherwise, and stand on their first row. Values go into
 /// the SQL as they are given, lists of order keys ("12,15") included; texts are not escaped.
@@ -156,7 +156,8 @@ class clsGetData {
   /// there into IC_UploadWebOrderIndicator, none twice; then the page's orders get fstatus 1 in the run's table, which
   /// is named in strFids. A page of which an order has fstatus 1 in pageTable is done: nothing happens, and it is True.
   /// The SQL joins the page as `pageTable`: the table has that name, or its name is followed by that alias
-  /// ("Page7 pageTable"). Text values are quoted, not escaped. False without strDSN or pageTable.
+  /// ("Page7 pageTable"). Text values are quoted, not escaped. False without strDSN or pageTable. Braces in strDSN mean
+  /// what they mean in any connection string; no object is kept for what stands in them.
   /// Source "TessarLornPickingAndDelivery.clsGetData.GetUploadDataByTab".
   bool GetUploadDataByTab(std::string_view strDSN, std::string_view pageTable, std::string_view strFids,
                           std::string_view strTempTable, std::string_view sNewID);
@@ -244,8 +245,8 @@ class clsGetData {
   /// Source "TessarMWebOrder.TessarMWebOrderInfo.GetWebFIDByInoviceID".
   std::int32_t GetWebFIDByCostInoviceID(std::string_view sDsn, std::int32_t lInoviceID);
   /// FID, FTotalPriceChange, FTotalFreight and FEntryBillDiscountFee: the sums of the price-difference lines of each of
-  /// the orders, in the order's currency; no row for an order without such lines. Nothing without sDsn or sFIDs.
-  /// Source "GetBatchNo".
+  /// the orders, in the order's currency; no row for an order without such lines. Nothing without sDsn; an empty list
+  /// the database refuses. Source "GetBatchNo".
   RecordsetPtr GetTotalPriceChange(std::string_view sDsn, std::string_view sFIDs);
 
  private:

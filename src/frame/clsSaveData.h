@@ -171,8 +171,8 @@ class clsSaveData {
   /// nothing differs. Needs sDSN and FID. All but FZipCode and FMobile go to the field log first.
   bool ChangeAddess(const Dictionary* dctPara);
   /// Moves all lines of the orders FID to the warehouse FStockID, without a stock place. Needs sDSN, FID and FStockID.
-  /// Logged as 2001 where that is enabled, before the change: one row a line, with the names of both warehouses, in
-  /// batches of 150 orders. Batches before a failing one stay applied.
+  /// Logged as 2001 where that is enabled, before the change: one row a line, with the names of both warehouses. The
+  /// rows of orders before a failing one stay.
   bool ChangeStock(const Dictionary* dctPara);
 
   // Cost invoices.

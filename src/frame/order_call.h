@@ -17,14 +17,26 @@ struct OrderCall {
   const std::string& orders;
 };
 
+/// Runs `body(Connection&, const Parameters&)` as CallOperation does. Without sDSN nothing is done, and the answer is
+/// empty.
+template <typename Body>
+auto CallForDictionary(InstanceState instance, std::string_view source, const Dictionary* values, const Body& body,
+                       OldSession old_session = OldSession::kReset)
+    -> std::invoke_result_t<Body, Connection&, const Parameters&> {
+  const Parameters parameters(values);
+  if (!parameters.HasText("sDSN")) return {};
+  return CallOperation(
+      instance, source, parameters.Text("sDSN"), [&](Connection& connection) { return body(connection, parameters); },
+      old_session);
+}
+
 /// Runs `body(const OrderCall&)` as CallOperation does. Without sDSN or FID nothing is done, and the answer is empty:
 /// False, 0, "" or Nothing.
 template <typename Body>
 auto CallForOrders(InstanceState instance, std::string_view source, const Dictionary* values, const Body& body)
     -> std::invoke_result_t<Body, const OrderCall&> {
-  const Parameters parameters(values);
-  if (!parameters.HasText("sDSN") || !parameters.HasText("FID")) return {};
-  return CallOperation(instance, source, parameters.Text("sDSN"), [&](Connection& connection) {
+  if (!Parameters(values).HasText("FID")) return {};
+  return CallForDictionary(instance, source, values, [&](Connection& connection, const Parameters& parameters) {
     const std::string orders = parameters.Text("FID");
     return body(OrderCall{connection, parameters, orders});
   });

@@ -1,16 +1,14 @@
 // The outside warehouses that are configured, and the warehouses of ours that they stand for.
 #include "frame/clsGetData.h"
-#include "frame/parameters.h"
+#include "frame/order_call.h"
 #include "frame/results.h"
 #include "frame/text_builder.h"
 
 namespace tessarlorn {
 
 RecordsetPtr clsGetData::GetTplCompany(const Dictionary* dctPara) {
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN")) return nullptr;
   constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetTplCompany";
-  return CallOperation(State(), kSource, parameters.Text("sDSN"), [](Connection& connection) {
+  return CallForDictionary(State(), kSource, dctPara, [](Connection& connection, const Parameters&) {
     TextBuilder text;
     text.Line(
         "   select distinct FWebTplName,FWebTplType from IC_WebtplFlat where FWebTplType in (select FWebTplType   from "
@@ -20,10 +18,9 @@ RecordsetPtr clsGetData::GetTplCompany(const Dictionary* dctPara) {
 }
 
 RecordsetPtr clsGetData::GetTplStock(const Dictionary* dctPara, bool bIsBad) {
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN") || !parameters.HasText("FWebtplType")) return nullptr;
+  if (!Parameters(dctPara).HasText("FWebtplType")) return nullptr;
   constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetTplStock";
-  return CallOperation(State(), kSource, parameters.Text("sDSN"), [&](Connection& connection) {
+  return CallForDictionary(State(), kSource, dctPara, [&](Connection& connection, const Parameters& parameters) {
     TextBuilder text;
     text.Line("    select FWebtplID,FWebtplName from IC_WebtplToStorage where ", bIsBad ? "" : "FIsbad=0  and ",
               " FUnUsed<>1 AND FWebtplType=", parameters.Text("FWebtplType"), " order by FWebtplID   ");

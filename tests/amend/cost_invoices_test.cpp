@@ -52,7 +52,9 @@ insert into IC_Web2ERPOrdersEntry(FEntryID,FID,FItemID,FAfterDiscountAmount,FBuy
   EXPECT_EQ(totals->Get("FTotalPriceChange").ToDouble(), 3.5);
   EXPECT_EQ(totals->Get("FTotalFreight").ToDouble(), 2);
   EXPECT_EQ(totals->Get("FEntryBillDiscountFee").ToDouble(), 0.25);
-  EXPECT_EQ(get().GetTotalPriceChange(dsn_, ""), nullptr);
+  EXPECT_EQ(get().GetTotalPriceChange("", "1"), nullptr);
+  EXPECT_EQ(Raised([this] { get().GetTotalPriceChange(dsn_, ""); }),
+            std::to_string(error_number::kStatementError) + " GetBatchNo");
 }
 
 }  // namespace

@@ -27,7 +27,9 @@ std::string Read(std::string_view operation, const std::vector<std::string>& wor
 TEST(CallArgumentsTest, FillsEachArgumentFromWordsAndJson) {
   EXPECT_EQ(Read("NewGetWeightByFID", {"SFID=12"}), R"("D" "12")");
   EXPECT_EQ(Read("NewGetWeightByFID", {"sDsn=a=b", "sfid=12"}), R"("a=b" "12")");
-  EXPECT_EQ(Read("NewGetWeightByFID", {"sDsn="}, "", ""), R"("" null)");
+  EXPECT_EQ(Read("NewGetWeightByFID", {"sDsn=", "sFID="}, "", ""), R"("" "")");
+  EXPECT_EQ(Read("SubMitTplOrderTask", {"sFID=1", "tplType=2", "sUserName="}), R"("D" "1" "2" "" null)");
+  EXPECT_EQ(Read("CheckWebShopTypeSameByOrders", {"strIDs=1"}), R"("D" "1" null)");
   // Nothing stays Nothing where it has no connection string.
   EXPECT_EQ(Read("GetListData", {}), R"("D" null)");
   EXPECT_EQ(Read("GetListData", {"Filter={}"}), R"("D" {})");
@@ -56,6 +58,11 @@ TEST(CallArgumentsTest, NamesWhatIsAtFault) {
     const char* fault;
   };
   for (const Case& item : {
+           Case{"UpdateAddressReachableState",
+                {"sFID=1"},
+                "",
+                "UpdateAddressReachableState wants the argument lType, a Long"},
+           Case{"UpdateDeliveryData", {}, "", "UpdateDeliveryData wants the argument sFID, a String, if only sFID="},
            Case{"Deliver", {}, "", "unknown operation Deliver; did you mean Delivery?"},
            Case{"clsGetData.Delivery", {}, "", "unknown operation clsGetData.Delivery; did you mean Delivery?"},
            Case{"xyzzy", {}, "", "unknown operation xyzzy; 'tessarlorn ops' lists them"},

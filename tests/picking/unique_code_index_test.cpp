@@ -35,10 +35,7 @@ TEST_F(UniqueCodeIndexTest, LeavesUnknownOrdersOut) {
 
 // The index shows 19 of 23 digits; the batch behind it must keep them all.
 TEST_F(UniqueCodeIndexTest, KeepsAllDigitsInTheDatabase) {
-  std::vector<std::string> sent;
-  SetStatementObserver([&sent](std::string_view text) { sent.emplace_back(text); });
-  Index("3");
-  SetStatementObserver({});
+  const std::vector<std::string> sent = StatementsOf([this] { Index("3"); });
   ASSERT_EQ(sent.size(), 2U);
   database_.connection().Execute(sent[0]);
   const RecordsetPtr rows = database_.connection().Execute(sent[1]);

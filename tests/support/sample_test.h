@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "frame/clsGetData.h"
 #include "frame/clsSaveData.h"
@@ -22,6 +24,22 @@ inline std::string Cells(Connection& connection, std::string_view query) {
     }
   }
   return text;
+}
+
+/// The texts that `action` sends to the database.
+template <typename Action>
+std::vector<std::string> StatementsOf(const Action& action) {
+  struct Observing {
+    Observing() {
+      SetStatementObserver([this](std::string_view text) { texts.emplace_back(text); });
+    }
+    Observing(const Observing&) = delete;
+    Observing& operator=(const Observing&) = delete;
+    ~Observing() { SetStatementObserver({}); }
+    std::vector<std::string> texts;
+  } observing;
+  action();
+  return std::move(observing.texts);
 }
 
 /// The user is 7 at 10.0.0.5, the clock stands at 2024-05-06 07:08:09.

@@ -68,5 +68,15 @@ TEST_F(UploadTasksTest, FindsTheUsersUnfinishedTask) {
   EXPECT_FALSE(get.isRunUploadOrder(database_.Dsn(16397)));
 }
 
+using UploadTaskSessionTest = RecordingTest;
+
+// The session's own connection is the idle one; the alternate one is opened.
+TEST_F(UploadTaskSessionTest, AsksOnTheAlternateConnection) {
+  EXPECT_FALSE(clsGetData().isRunUploadOrder(kDsn));
+  ASSERT_EQ(Events().size(), 2U);
+  EXPECT_EQ(Events()[0], "open");
+  EXPECT_TRUE(Events()[1].ends_with("fuserID= 16394) and FUpStatus=0 \r\n")) << Events()[1];
+}
+
 }  // namespace
 }  // namespace tessarlorn

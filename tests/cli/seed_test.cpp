@@ -117,6 +117,9 @@ TEST(SampleCasesTest, AFewHundredOrdersHoldEveryCase) {
       {"IC_UploadWebOrderTaskFlow f INNER JOIN t_User u ON f.FUserName=u.FName WHERE f.FUpStatus=1 AND "
        "u.FUserID<>16394",
        1},
+      {"IC_UploadWebOrderIndicator i INNER JOIN IC_UploadWebOrderTaskFlow f ON i.FTaskID=f.FTaskID AND f.FUpStatus=1 "
+       "INNER JOIN IC_Web2ERPOrders h ON i.FID=h.FID AND h.FUpLoadStatus=1",
+       2},
       // Outside warehouses
       {"IC_WebtplFlat f WHERE NOT EXISTS (SELECT 1 FROM IC_WebtplToStorage s WHERE s.FWebtplType=f.FWebTplType)", 1},
       {"IC_WebtplFlat f INNER JOIN IC_WebtplToStorage s ON s.FWebtplType=f.FWebTplType INNER JOIN t_Stock k ON "

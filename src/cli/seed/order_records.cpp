@@ -83,10 +83,25 @@ INNER JOIN IC_WebtplToStorage w ON e.FStockID = w.FStockID
 ORDER BY o.FID DESC
 )";
 
+// What the first finished task reported: each whole web-shop order of some that are uploaded.
+constexpr std::string_view kUploadRows = R"(
+IF NOT EXISTS (SELECT 1 FROM IC_UploadWebOrderIndicator)
+INSERT INTO IC_UploadWebOrderIndicator (FTaskID, FSiteOrderID, FChildIDs, FIsSplit, FWebshopID, FLogisticsNumber,
+                                        FLogisticsOrder, FOrderID, FID, FUpStatus, FError)
+SELECT DISTINCT f.FTaskID, e.FSiteOrderID, '', 0, t.FWebshopID, l.FNumber, o.FLogisticsOrder, o.FOrderID, o.FID, 1, ''
+FROM IC_Web2ERPOrders o
+INNER JOIN IC_Web2ERPOrdersEntry e ON o.FID = e.FID AND e.FSiteOrderID <> ''
+INNER JOIN IC_Trade t ON e.FSiteOrderID = t.FTID
+INNER JOIN IC_Logistics l ON o.FLogisticsID = l.FItemID
+INNER JOIN (SELECT TOP 1 FTaskID FROM IC_UploadWebOrderTaskFlow WHERE FUpStatus = 1 ORDER BY Frowid) f ON 1 = 1
+WHERE o.FUpLoadStatus = 1 AND o.FOrderStatus = 14 AND o.FMergeStatus = 0 AND o.FID % 50 = 3
+)";
+
 }  // namespace
 
 void WriteOrderRecords(Connection& connection) {
-  for (const std::string_view text : {kStockBills, kSalesInvoices, kCostInvoices, kServedAddresses, kOutsideTask}) {
+  for (const std::string_view text :
+       {kStockBills, kSalesInvoices, kCostInvoices, kServedAddresses, kOutsideTask, kUploadRows}) {
     connection.Execute(text);
   }
   connection.Execute("EXEC p_WebBillTitleData");

@@ -189,10 +189,10 @@ constexpr std::array kOperations = {
         "TessarLornPickingAndDelivery.clsGetData.GetUploadDataByFID."),
     Bind<&clsGetData::GetUploadDataByTab>(
         "GetUploadDataByTab", {{"strDSN"}, {"pageTable"}, {"strFids"}, {"strTempTable"}, {"sNewID"}},
-        "Writes the same reports for the orders of one page as rows: pageTable is the page's work table, strFids "
-        "the run's, both with the columns fid and fstatus; strTempTable takes the rows under task sNewID, in the "
-        "columns of IC_UploadWebOrderIndicator, and from there they go into that table, none twice. The page's "
-        "orders get fstatus 1 in the run's table; a page with an order of fstatus 1 is done. The page is joined as "
+        "Writes the reports of GetUploadDataByFID for the orders of one page as rows: pageTable is the page's work "
+        "table, strFids the run's, both with the columns fid and fstatus; strTempTable takes the rows under task "
+        "sNewID, in the columns of IC_UploadWebOrderIndicator, and from there they go into that table, none twice. "
+        "The page's orders get fstatus 1 in the run's table; a page with an order of fstatus 1 is done. The page is joined as "
         "pageTable, so its name is that or is followed by that alias. True, with nothing done, for a page that is "
         "done; False without strDSN or pageTable. Raises with Source "
         "TessarLornPickingAndDelivery.clsGetData.GetUploadDataByTab."),

@@ -192,9 +192,9 @@ constexpr std::array kOperations = {
         "Writes the reports of GetUploadDataByFID for the orders of one page as rows: pageTable is the page's work "
         "table, strFids the run's, both with the columns fid and fstatus; strTempTable takes the rows under task "
         "sNewID, in the columns of IC_UploadWebOrderIndicator, and from there they go into that table, none twice. "
-        "The page's orders get fstatus 1 in the run's table; a page with an order of fstatus 1 is done. The page is joined as "
-        "pageTable, so its name is that or is followed by that alias. True, with nothing done, for a page that is "
-        "done; False without strDSN or pageTable. Raises with Source "
+        "The page's orders get fstatus 1 in the run's table; a page with an order of fstatus 1 is done. The page is "
+        "joined as pageTable, so its name is that or is followed by that alias. True, with nothing done, for a page "
+        "that is done; False without strDSN or pageTable. Raises with Source "
         "TessarLornPickingAndDelivery.clsGetData.GetUploadDataByTab."),
     Bind<&clsGetData::isRunUploadOrder>(
         "isRunUploadOrder", {{"sDsn"}},
@@ -203,8 +203,8 @@ constexpr std::array kOperations = {
     Bind<&clsGetData::GetSplitChrildOrderIDs>(
         "GetSplitChrildOrderIDs", {{"strDSN"}, {"FID"}, {"SiteOrderID"}, {"ChildOrderIDs"}},
         "Whether other orders than FID have lines of the marketplace order SiteOrderID; if so, the child orders of "
-        "FID's lines go behind what ChildOrderIDs holds, with commas between them. False without strDSN or with "
-        "FID 0. Raises with Source TessarMWebOrder.TessarMWebOrderInfo.GetSortRs."),
+        "FID's lines go behind what ChildOrderIDs holds, with commas between them. False without strDSN or with FID "
+        "0. Raises with Source TessarMWebOrder.TessarMWebOrderInfo.GetSortRs."),
     Bind<&clsGetData::CheckWebShopTypeSameByOrders>(
         "CheckWebShopTypeSameByOrders", {{"sDsn"}, {"strIDs"}, {"WebShopType"}},
         "Whether the orders of the list strIDs are all of web shops of one type, which WebShopType then is; True "
@@ -248,8 +248,8 @@ constexpr std::array kOperations = {
     Bind<&clsGetData::GetNotTplOrderInfo>(
         "GetNotTplOrderInfo", {{"sDsn"}, {"sFID"}},
         "The keys, with commas between them, of those of the orders of the list sFID that have a line on a stock "
-        "which no outside warehouse handles. An empty text without sDsn or sFID and when there is none. Raises "
-        "with Source TessarLornPickingAndDelivery.clsGetData.GetTplOrderInfo."),
+        "which no outside warehouse handles. An empty text without sDsn or sFID and when there is none. Raises with "
+        "Source TessarLornPickingAndDelivery.clsGetData.GetTplOrderInfo."),
     Bind<&clsGetData::GetCancelTplOrderInfo>(
         "GetCancelTplOrderInfo", {{"sDsn"}, {"sFID"}, {"tplType"}, {"tplStockID"}},
         "The keys, with commas between them, of those of the orders of the list sFID that may be taken back from "
@@ -275,8 +275,8 @@ constexpr std::array kOperations = {
         "Whether a line of the order has no warehouse. False without sDSN or FID. Raises with Source ChangeAddess."),
     Bind<&clsGetData::CheckInnerInvoice>(
         "CheckInnerInvoice", {{"dctPara", kOrders}},
-        "A Dictionary with ReturnBills, a Vector of Dictionaries with FID and FOrderID for those of the orders "
-        "that are invoiced but not covered by an internal invoice, and FStatus, 1 when there are any, otherwise 0. "
+        "A Dictionary with ReturnBills, a Vector of Dictionaries with FID and FOrderID for those of the orders that "
+        "are invoiced but not covered by an internal invoice, and FStatus, 1 when there are any, otherwise 0. "
         "Nothing without sDSN or FID. Raises with Source CheckInnerInvoice."),
     Bind<&clsGetData::GetIsMarkBilling>(
         "GetIsMarkBilling", {{"sDsn"}},
@@ -293,8 +293,8 @@ constexpr std::array kOperations = {
     Bind<&clsGetData::GetTotalPriceChange>(
         "GetTotalPriceChange", {{"sDsn"}, {"sFIDs"}},
         "The sums of the price-difference lines of each order of the list sFIDs: amount, freight and discount. "
-        "Nothing without sDsn; no row for an order without such lines. Raises with Source GetBatchNo, also when sFIDs "
-        "is empty."),
+        "Nothing without sDsn; no row for an order without such lines. Raises with Source GetBatchNo, also when "
+        "sFIDs is empty."),
 };
 
 }  // namespace

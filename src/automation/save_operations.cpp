@@ -149,9 +149,9 @@ constexpr std::array kOperations = {
         "Source ConfirmBill."),
     Bind<&clsSaveData::SavePickingGoods>(
         "SavePickingGoods", {{"dctPara", kPickingGoods}},
-        "Stores the result of the picking check of one parcel, found by its logistics number or unique code; "
-        "logged as 3003. False, with nothing done, without sProps; True when the update ran, also when no order "
-        "matched. Raises with Source SavePickingGoods."),
+        "Stores the result of the picking check of one parcel, found by its logistics number or unique code; logged "
+        "as 3003. False, with nothing done, without sProps; True when the update ran, also when no order matched. "
+        "Raises with Source SavePickingGoods."),
     Bind<&clsSaveData::MarkPickingGoodsStatus>(
         "MarkPickingGoodsStatus", {{"dctPara", kPickingMark}},
         "Marks the picking check of orders as passed; orders that are marked already stay as they are. Logged as "
@@ -167,9 +167,8 @@ constexpr std::array kOperations = {
     Bind<&clsSaveData::SavePrintSerialNumber>(
         "SavePrintSerialNumber", {{"sDsn"}, {"vctOrderInfo", kPrinted}},
         "Gives the orders of a print run a new lot number (year, month and the run's number in the month, as "
-        "20261112) and serial numbers from 1, in the order of the Vector. False, with nothing done, without sDsn "
-        "or for Nothing; an empty Vector uses up a lot number and is True. Raises with Source "
-        "SavePrintSerialNumber."),
+        "20261112) and serial numbers from 1, in the order of the Vector. False, with nothing done, without sDsn or "
+        "for Nothing; an empty Vector uses up a lot number and is True. Raises with Source SavePrintSerialNumber."),
     Bind<&clsSaveData::GetUniqueCodeIndex>(
         "GetUniqueCodeIndex", {{"dctParam", kOrders}},
         "The unique codes of orders, numbered in the order of FID, five a line: number, -, the code (a longer one "
@@ -183,8 +182,8 @@ constexpr std::array kOperations = {
     Bind<&clsSaveData::BackToThePreviousStep>(
         "BackToThePreviousStep", {{"dctPara", kStepBack}},
         "Steps orders back, from delivered to waiting for delivery or from there to waiting for picking, whatever "
-        "their status was; logged as 3005 where enabled. False, with nothing done, without sDSN or FID. Raises "
-        "with Source BackToThePreviousStep."),
+        "their status was; logged as 3005 where enabled. False, with nothing done, without sDSN or FID. Raises with "
+        "Source BackToThePreviousStep."),
     Bind<&clsSaveData::UpdateDeliveryData>(
         "UpdateDeliveryData", {{"sDsn"}, {"sFID"}},
         "Queues the creation of stock bills for the orders of the list sFID, in batches of 150; a queued order is "
@@ -192,9 +191,8 @@ constexpr std::array kOperations = {
         "TessarLornPickingAndDelivery.clsSaveData.UpdateDeliveryData, 13 for a key that is no number."),
     Bind<&clsSaveData::ModifyCost>(
         "ModifyCost", {{"dctPara", kModifyCost}},
-        "Sets the logistics cost of orders, rounded to two decimals, and records it in their field log. False, "
-        "with nothing done, without sDSN or FID. Raises with Source Delivery, 13 when the cost is missing or no "
-        "number."),
+        "Sets the logistics cost of orders, rounded to two decimals, and records it in their field log. False, with "
+        "nothing done, without sDSN or FID. Raises with Source Delivery, 13 when the cost is missing or no number."),
     Bind<&clsSaveData::SetUpLogisticsNumberAndWeight>(
         "SetUpLogisticsNumberAndWeight", {{"sDsn"}, {"vctPara", kNumberAndWeight}},
         "Stores logistics number, weight and cost of each order of the Vector; numbers go to the field log. False "
@@ -205,9 +203,8 @@ constexpr std::array kOperations = {
         "with nothing done, without sDsn or entries. Raises with Source Delivery."),
     Bind<&clsSaveData::SaveLogWeight>(
         "SaveLogWeight", {{"sDsn"}, {"vctPara", kLogWeight}},
-        "Stores weight, cost, weigher and weighing status of each order of the Vector; each is logged as 3008 "
-        "where enabled. False for Nothing, True for an empty Vector, with nothing done. Raises with Source "
-        "SaveLogWeight."),
+        "Stores weight, cost, weigher and weighing status of each order of the Vector; each is logged as 3008 where "
+        "enabled. False for Nothing, True for an empty Vector, with nothing done. Raises with Source SaveLogWeight."),
     Bind<&clsSaveData::UpdateLogisticsWeightStatus>(
         "UpdateLogisticsWeightStatus", {{"sDsn"}, {"dctPara", kWeightStatus}},
         "Marks orders as weighed and, on request, queues the creation of their stock bills in batches of 150. "
@@ -236,14 +233,15 @@ constexpr std::array kOperations = {
     Bind<&clsSaveData::SubMitTplOrderTask>(
         "SubMitTplOrderTask", {{"sDsn"}, {"sFID"}, {"tplType"}, {"sUserName"}, {.name = "sWebTplID", .optional = true}},
         "Queues a task for the orders of the list sFID at an outside warehouse and marks those in state 0 or 2, or "
-        "without an extension row, as submitted, in batches of 150; any other state stays. False, with nothing done, without sDsn or sFID. Raises with Source "
+        "without an extension row, as submitted, in batches of 150; any other state stays. False, with nothing "
+        "done, without sDsn or sFID. Raises with Source "
         "TessarLornPickingAndDelivery.clsSaveData.SubMitTplOrderTask."),
     Bind<&clsSaveData::SubMitPorTask>(
         "SubMitPorTask",
         {{"sDsn"}, {"sTaskID"}, {"sInterFID"}, {"tplType"}, {"sStockID"}, {"sUserName"}, {"sFiter"}, {"lTranType"}},
         "Queues a task for the purchase orders (lTranType 71) or sales orders (81) of the list sInterFID and marks "
-        "those of their lines as submitted that fulfil the SQL condition sFiter on t1. Always an empty text, "
-        "which the command ends with status 1; nothing is done without sDsn or sInterFID. Raises with Source "
+        "those of their lines as submitted that fulfil the SQL condition sFiter on t1. Always an empty text, which "
+        "the command ends with status 1; nothing is done without sDsn or sInterFID. Raises with Source "
         "TessarLornPickingAndDelivery.clsSaveData.SubMitPorTask, also for any other lTranType, whose task stays "
         "only without a transaction."),
     Bind<&clsSaveData::ClearTplFieldInfo>(
@@ -268,9 +266,9 @@ constexpr std::array kOperations = {
         "done, without sDSN, FID or FShippingRem. Raises with Source OrderRemark."),
     Bind<&clsSaveData::ChangeAddess>(
         "ChangeAddess", {{"dctPara", kAddress}},
-        "Stores consignee and address of an order, clears its waybill number and deletes the courier's own "
-        "waybill; the change goes to its field log. False, with nothing done, without sDSN or FID; True when the "
-        "update ran, also when no order matched. Raises with Source ChangeAddess."),
+        "Stores consignee and address of an order, clears its waybill number and deletes the courier's own waybill; "
+        "the change goes to its field log. False, with nothing done, without sDSN or FID; True when the update ran, "
+        "also when no order matched. Raises with Source ChangeAddess."),
     Bind<&clsSaveData::ChangeStock>(
         "ChangeStock", {{"dctPara", kChangeStock}},
         "Moves all lines of orders to another warehouse, without a stock place; logged as 2001 where enabled, one "

@@ -78,6 +78,14 @@ TEST(EmbeddedDriver, AFullDiskIsAnErrorThatLosesNothing) {
             "n;1");
 }
 
+TEST(EmbeddedDriver, ANewDatabaseTellsThatItHasNothing) {
+  const TemporaryFolder folder;
+  for (const char* view : {"sys.objects", "sys.columns", "sys.indexes", "information_schema.tables"}) {
+    const auto connection = OpenEmbedded(folder.file("new.db"));
+    EXPECT_EQ(Answer(*connection, "select count(*) as n from " + std::string(view)), "n;0") << view;
+  }
+}
+
 TEST(EmbeddedDriver, ResetMakesAConnectionAsGoodAsNew) {
   const auto connection = OpenEmbedded();
   connection->Execute("create table n (FID int identity(1,1) primary key, FValue int)");

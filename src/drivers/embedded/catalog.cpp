@@ -110,13 +110,11 @@ void Catalog::Refresh() {
   stale_ = false;
 }
 
+void Catalog::Make(sqlite3* database) { RunSql(database, kCreateCatalog); }
+
 void Catalog::Load() {
   objects_.clear();
   ++generation_;
-  const StatementHandle there =
-      Prepare(database_, "SELECT count(*) FROM main.sqlite_schema WHERE name IN ('$objects','$columns')");
-  Step(database_, there.get());
-  if (sqlite3_column_int(there.get(), 0) < 2) return;
   const StatementHandle objects = Prepare(database_, R"(SELECT id, name, kind, definition FROM "$objects")");
   std::unordered_map<std::int64_t, CatalogObject> read;
   while (Step(database_, objects.get())) {
@@ -201,7 +199,6 @@ void Catalog::Replace(CatalogObject object) {
 }
 
 void Catalog::Write(const CatalogObject& object) {
-  RunSql(database_, kCreateCatalog);
   const StatementHandle insert =
       Prepare(database_, R"(INSERT INTO "$objects" (name, kind, definition) VALUES (?1,?2,?3))");
   BindText(insert.get(), 1, object.name);

@@ -60,6 +60,9 @@ void RequireLocal(const ObjectName& name);
 
 class Catalog {
  public:
+  /// Makes the tables that the catalog is kept in, where they are not there yet.
+  static void Make(sqlite3* database);
+
   explicit Catalog(sqlite3* database) : database_(database) {}
 
   /// Reads the catalog anew when another connection may have changed it. Raises what SQLite reports.

@@ -88,6 +88,7 @@ DatabaseHandle OpenDatabase(const Options& options) {
     embedded::RunSql(opened, "PRAGMA journal_mode = WAL");
     embedded::RunSql(opened, options.full ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
   }
+  embedded::Catalog::Make(opened);
   return database;
 }
 

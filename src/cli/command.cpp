@@ -149,6 +149,7 @@ ExitStatus Run(int argc, const char* const* argv) {
   AddOpsCommand(app, context);
   AddCallCommand(app, context);
   AddSqlCommand(app, context);
+  AddServeCommand(app, context);
   AddVersionCommand(app, context);
   if (const auto word = FindMalformedWord({argv, static_cast<std::size_t>(argc)})) {
     ReportUsage(app, "\"" + *word + "\" is not valid UTF-8");

@@ -53,6 +53,7 @@ void AddSeedCommand(CLI::App& app, CommandContext& context);
 void AddOpsCommand(CLI::App& app, CommandContext& context);
 void AddCallCommand(CLI::App& app, CommandContext& context);
 void AddSqlCommand(CLI::App& app, CommandContext& context);
+void AddServeCommand(CLI::App& app, CommandContext& context);
 void AddVersionCommand(CLI::App& app, CommandContext& context);
 
 }  // namespace tessarlorn::cli

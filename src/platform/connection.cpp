@@ -42,6 +42,25 @@ class Running {
   Connection* previous_ = nullptr;
 };
 
+/// Hands results to a function.
+class ResultsOnly final : public BatchSink {
+ public:
+  explicit ResultsOnly(const ResultSink& sink) : sink_(sink) {}
+  void Rows(RecordsetPtr rows) override { sink_(std::move(rows)); }
+
+ private:
+  const ResultSink& sink_;
+};
+
+/// Keeps the first result.
+class FirstResult final : public BatchSink {
+ public:
+  void Rows(RecordsetPtr rows) override {
+    if (first == nullptr) first = std::move(rows);
+  }
+  RecordsetPtr first;
+};
+
 struct DriverRegistry {
   std::mutex mutex;
   std::map<std::string, std::shared_ptr<Driver>> drivers;
@@ -62,19 +81,24 @@ void ReportMessage(std::string_view message) {
   if (Messages()) Messages()(message);
 }
 
+void BatchSink::Message(std::string_view text) { ReportMessage(text); }
+
 void ShowRunningConnection(std::atomic<Connection*>* slot) { RunningSlot() = slot; }
 
 RecordsetPtr Connection::Execute(std::string_view text) {
   if (Observer()) Observer()(text);
   const Running running(this);
-  RecordsetPtr first;
-  Run(text, true, [&first](RecordsetPtr result) {
-    if (first == nullptr) first = std::move(result);
-  });
-  return first;
+  FirstResult sink;
+  Run(text, true, sink);
+  return std::move(sink.first);
 }
 
 void Connection::ExecuteAll(std::string_view text, const ResultSink& sink) {
+  ResultsOnly results(sink);
+  ExecuteAll(text, results);
+}
+
+void Connection::ExecuteAll(std::string_view text, BatchSink& sink) {
   if (Observer()) Observer()(text);
   const Running running(this);
   Run(text, false, sink);

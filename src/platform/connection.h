@@ -2,18 +2,44 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "platform/error.h"
 #include "platform/recordset.h"
 
 namespace tessarlorn {
 
 /// Takes a result of a batch; it may raise, which ends the batch.
 using ResultSink = std::function<void(RecordsetPtr)>;
+
+/// What a batch's own statements did to the transaction.
+enum class TransactionEvent : std::uint8_t { kBegun, kCommitted, kRolledBack };
+
+/// Takes all that a batch answers, in its order and on the thread that runs it. What a function raises ends the batch.
+/// Who wants the results only overrides Rows().
+class BatchSink {
+ public:
+  BatchSink() = default;
+  BatchSink(const BatchSink&) = delete;
+  BatchSink& operator=(const BatchSink&) = delete;
+  virtual ~BatchSink() = default;
+
+  virtual void Rows(RecordsetPtr rows) = 0;
+  /// A statement changed so many rows. Not called while the session's NOCOUNT is on.
+  virtual void RowCount(std::int64_t /*rows*/) {}
+  /// PRINT, or an error of a severity up to 10. By default for the process's message observer.
+  virtual void Message(std::string_view text);
+  /// An error that ended its statement and not the batch. True when it is dealt with here; otherwise the batch raises
+  /// the first one at its end.
+  virtual bool StatementFailed(const Error& /*error*/) { return false; }
+  /// Called by drivers that know.
+  virtual void Transaction(TransactionEvent /*event*/) {}
+};
 
 /// An open connection. One thread at a time, but for Cancel(). All functions raise `Error` with the numbers of
 /// `error_number`, the server's own text as description and the native number beside it.
@@ -32,6 +58,8 @@ class Connection {
   /// The same, handing over every row-returning result in order, each as soon as it is there: those before a failing
   /// statement come, then the error is raised.
   void ExecuteAll(std::string_view text, const ResultSink& sink);
+  /// The same, with row counts and messages.
+  void ExecuteAll(std::string_view text, BatchSink& sink);
 
   /// The container's transaction; they do not nest. Raise when none, or already one, is open.
   virtual void BeginTransaction() = 0;
@@ -48,7 +76,7 @@ class Connection {
 
  protected:
   /// @param first_only the caller wants the first row-returning result; later ones are run but need not be kept.
-  virtual void Run(std::string_view text, bool first_only, const ResultSink& sink) = 0;
+  virtual void Run(std::string_view text, bool first_only, BatchSink& sink) = 0;
 };
 
 /// Called with each text just before it goes to the database, on the thread that runs it. For the whole process; set it

@@ -48,6 +48,10 @@ inline constexpr std::int32_t kAbortedDeadlock = FromHresult(0x8004D00E);
 struct NativeError {
   std::int32_t number = 0;
   std::string sqlstate;
+  int severity = 16;
+  int state = 1;
+  /// Line of the batch or procedure, from 1.
+  int line = 1;
 };
 
 /// A failed operation: number, Source, description, and the database's own words beside them.

@@ -64,9 +64,9 @@ class RecordingConnection : public Connection {
   void Cancel() noexcept override {}
 
  protected:
-  void Run(std::string_view text, bool, const ResultSink& sink) override {
+  void Run(std::string_view text, bool, BatchSink& sink) override {
     TheRecording().events.emplace_back(text);
-    sink(TheRecording().answer ? TheRecording().answer(text) : TextRows({}, {}));
+    sink.Rows(TheRecording().answer ? TheRecording().answer(text) : TextRows({}, {}));
   }
 };
 

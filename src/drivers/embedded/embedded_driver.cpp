@@ -127,7 +127,7 @@ class EmbeddedConnection final : public Connection {
   void Cancel() noexcept override { session_.Cancel(); }
 
  protected:
-  void Run(std::string_view text, bool first_only, const ResultSink& sink) override {
+  void Run(std::string_view text, bool first_only, BatchSink& sink) override {
     Translated([&] { session_.Run(text, first_only, sink); });
   }
 

@@ -51,6 +51,7 @@ Session::Flow Session::ExecuteGuarded(const Statement& statement, Scope& scope) 
     NoteLostTransaction();
     last_error_ = error.number();
     if (try_depth_ > 0 || xact_abort_ || !error.ends_statement_only()) throw;
+    if (results_->sink.StatementFailed(ToError(error))) return Flow::kNormal;
     if (!first_error_) first_error_ = error;
     return Flow::kNormal;
   }
@@ -66,6 +67,7 @@ Session::Flow Session::ExecuteBody(const std::vector<StatementPtr>& body, Scope&
 
 Session::Flow Session::Execute(const Statement& statement, Scope& scope) {
   using Kind = Statement::Kind;
+  if (implicit_transactions_ && depth_ == 0) BeginImplicitTransaction(statement);
   LockFor(statement);
   switch (statement.kind) {
     case Kind::kSelect:
@@ -112,7 +114,7 @@ Session::Flow Session::Execute(const Statement& statement, Scope& scope) {
     case Kind::kPrint: {
       const Datum message = Evaluate(*statement.value, NVarCharType(0), scope);
       const auto* words = std::get_if<std::string>(&message);
-      ReportMessage(words == nullptr ? "" : *words);
+      results_->sink.Message(words == nullptr ? "" : *words);
       return Flow::kNormal;
     }
     case Kind::kRaiseError:
@@ -243,7 +245,7 @@ void Session::ExecuteSelect(const Statement& statement, Scope& scope) {
   RecordsetPtr rows = ReadRows(compiled, query, keep);
   if (!keep) return;
   results_->any = true;
-  results_->sink(std::move(rows));
+  results_->sink.Rows(std::move(rows));
 }
 
 void Session::ExecuteSelectInto(const Statement& statement, Scope& scope) {
@@ -262,6 +264,7 @@ void Session::ExecuteSelectInto(const Statement& statement, Scope& scope) {
     Compiled compiled = MakeTranslator(scope).CompileInsertInto(*catalog_.Get(into.name), query);
     RunChange(compiled, Bind(compiled, scope));
   });
+  if (!no_count_) results_->sink.RowCount(row_count_);
 }
 
 void Session::ExecuteChange(const Statement& statement, Scope& scope) {
@@ -285,13 +288,25 @@ void Session::ExecuteChange(const Statement& statement, Scope& scope) {
   sqlite3_stmt* change = Bind(compiled, scope);
   const Running running(change);
   RunChange(compiled, change);
+  if (!no_count_) results_->sink.RowCount(row_count_);
 }
 
 void Session::ExecuteInsertExecute(const Statement& statement, Scope& scope) {
-  std::vector<RecordsetPtr> sets;
-  Results taken;
-  taken.sink = [&sets](RecordsetPtr rows) { sets.push_back(std::move(rows)); };
-  Results* outer = std::exchange(results_, &taken);
+  /// Keeps the results; all else is for the batch's own sink.
+  class Taken final : public BatchSink {
+   public:
+    explicit Taken(BatchSink& outer) : outer_(outer) {}
+    void Rows(RecordsetPtr rows) override { sets.push_back(std::move(rows)); }
+    void Message(std::string_view text) override { outer_.Message(text); }
+    bool StatementFailed(const Error& error) override { return outer_.StatementFailed(error); }
+    void Transaction(TransactionEvent event) override { outer_.Transaction(event); }
+    std::vector<RecordsetPtr> sets;
+
+   private:
+    BatchSink& outer_;
+  } taken(results_->sink);
+  Results inner{taken};
+  Results* outer = std::exchange(results_, &inner);
   try {
     ExecuteProcedure(*statement.execute, scope);
   } catch (...) {
@@ -307,7 +322,7 @@ void Session::ExecuteInsertExecute(const Statement& statement, Scope& scope) {
     if (statement.columns.empty() ? !column.identity : named) columns.push_back(&column);
   }
   std::int64_t inserted = 0;
-  for (const RecordsetPtr& rows : sets) {
+  for (const RecordsetPtr& rows : taken.sets) {
     if (rows->fields().size() != columns.size()) {
       throw SqlError(213, "Column name or number of supplied values does not match table definition.");
     }
@@ -345,6 +360,7 @@ void Session::ExecuteInsertExecute(const Statement& statement, Scope& scope) {
     }
   }
   row_count_ = inserted;
+  if (!no_count_) results_->sink.RowCount(row_count_);
 }
 
 void Session::ExecuteSet(const Statement& statement, Scope& scope) {
@@ -369,8 +385,8 @@ void Session::ExecuteSetOption(const Statement& statement) {
       "ansi_nulls",        "ansi_padding",     "ansi_warnings", "arithabort", "concat_null_yields_null",
       "quoted_identifier", "ansi_null_dflt_on"};
   constexpr std::array kAlwaysOff = {
-      "implicit_transactions", "numeric_roundabort", "noexec",       "parseonly",         "fmtonly",
-      "showplan_all",          "showplan_text",      "showplan_xml", "ansi_null_dflt_off"};
+      "numeric_roundabort", "noexec",        "parseonly",    "fmtonly",
+      "showplan_all",       "showplan_text", "showplan_xml", "ansi_null_dflt_off"};
   const std::string& option = statement.text;
   if (option == "identity_insert") {
     identity_insert_ = statement.flag ? statement.table.name : "";
@@ -378,6 +394,14 @@ void Session::ExecuteSetOption(const Statement& statement) {
   }
   if (option == "xact_abort") {
     xact_abort_ = statement.flag;
+    return;
+  }
+  if (option == "nocount") {
+    no_count_ = statement.flag;
+    return;
+  }
+  if (option == "implicit_transactions") {
+    implicit_transactions_ = statement.flag;
     return;
   }
   const auto refuse = [&](const char* state) {
@@ -392,7 +416,7 @@ void Session::ExecuteSetOption(const Statement& statement) {
   const bool seven =
       statement.value != nullptr && statement.value->kind == Expression::Kind::kLiteral && statement.value->text == "7";
   if (option == "datefirst" && !seven) refuse("other than 7");
-  // NOCOUNT, the isolation levels, LOCK_TIMEOUT, TEXTSIZE, LANGUAGE and STATISTICS change no result here.
+  // The isolation levels, LOCK_TIMEOUT, TEXTSIZE, LANGUAGE and STATISTICS change no result here.
 }
 
 void Session::RaiseUser(const Statement& statement, Scope& scope) {
@@ -429,7 +453,7 @@ void Session::RaiseUser(const Statement& statement, Scope& scope) {
   };
   const auto* text = std::get_if<std::string>(&message);
   if (whole(severity) <= 10) {
-    ReportMessage(FormatMessage(text == nullptr ? "" : *text, arguments));
+    results_->sink.Message(FormatMessage(text == nullptr ? "" : *text, arguments));
     return;
   }
   throw SqlError(50000, FormatMessage(text == nullptr ? "" : *text, arguments), whole(severity), whole(state));

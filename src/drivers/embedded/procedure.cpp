@@ -15,14 +15,16 @@ void Session::RunText(std::string_view text, Frame& frame) {
   if (call_depth_ >= kMostCalls) {
     throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
   }
+  struct Call {
+    Session& session;
+    bool no_count;
+    ~Call() {
+      --session.call_depth_;
+      session.no_count_ = no_count;
+    }
+  } call_guard{*this, no_count_};
   ++call_depth_;
-  try {
-    RunBatch(text, frame);
-  } catch (...) {
-    --call_depth_;
-    throw;
-  }
-  --call_depth_;
+  RunBatch(text, frame);
 }
 
 void Session::ExecuteProcedure(const Statement& statement, Scope& scope) {
@@ -103,8 +105,10 @@ void Session::CallProcedure(const CatalogObject& procedure, const Statement& cal
     Session& session;
     Frame* frame;
     std::vector<std::string> tables;
+    bool no_count;
     ~Call() {
       --session.call_depth_;
+      session.no_count_ = no_count;
       session.runtime_.frame = frame;
       try {
         session.DropTemporaryTables(tables);
@@ -113,7 +117,7 @@ void Session::CallProcedure(const CatalogObject& procedure, const Statement& cal
         return;
       }
     }
-  } call_guard{*this, runtime_.frame, catalog_.TemporaryTables()};
+  } call_guard{*this, runtime_.frame, catalog_.TemporaryTables(), no_count_};
   ++call_depth_;
   runtime_.frame = &frame;
   ExecuteBody(definition.body, inner);

@@ -258,25 +258,24 @@ void Session::RunBatch(std::string_view text, Frame& frame) {
   }
 }
 
-void Session::Run(std::string_view batch, bool first_only, const ResultSink& sink) {
+void Session::Run(std::string_view batch, bool first_only, BatchSink& sink) {
   cancelled_.store(false);
   runtime_.error.reset();
   first_error_.reset();
   try_depth_ = 0;
   call_depth_ = 0;
   caught_.clear();
-  Results results;
-  results.sink = sink;
-  results.first_only = first_only;
+  Results results{sink, first_only};
   results_ = &results;
   Frame frame;
   try {
     RunBatch(batch, frame);
   } catch (...) {
-    results_ = nullptr;
     NoteLostTransaction();
+    results_ = nullptr;
     if ((xact_abort_ || doomed_) && depth_ > 0) {
       EndTransaction(false);
+      sink.Transaction(TransactionEvent::kRolledBack);
     } else if (depth_ == 0 && writing_) {
       // What ran before the failing statement stays. When even that cannot be committed the first error says enough.
       try {
@@ -290,6 +289,7 @@ void Session::Run(std::string_view batch, bool first_only, const ResultSink& sin
   results_ = nullptr;
   if (doomed_) {
     EndTransaction(false);
+    sink.Transaction(TransactionEvent::kRolledBack);
     throw SqlError(3998,
                    "Uncommittable transaction is detected at the end of the batch. The transaction is rolled back.");
   }
@@ -305,6 +305,8 @@ void Session::Reset() {
   identity_insert_.clear();
   identity_.reset();
   xact_abort_ = false;
+  no_count_ = false;
+  implicit_transactions_ = false;
   row_count_ = 0;
   last_error_ = 0;
 }

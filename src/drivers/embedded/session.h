@@ -35,7 +35,7 @@ class Session {
   ~Session();
 
   /// Hands over every row-returning result in order, or only the first.
-  void Run(std::string_view batch, bool first_only, const ResultSink& sink);
+  void Run(std::string_view batch, bool first_only, BatchSink& sink);
 
   void BeginContainerTransaction();
   void CommitContainerTransaction();
@@ -61,7 +61,7 @@ class Session {
 
   /// Where row-returning results go: to the caller, or to the INSERT of INSERT … EXEC.
   struct Results {
-    ResultSink sink;
+    BatchSink& sink;
     bool first_only = false;
     bool any = false;
     [[nodiscard]] bool wants_more() const { return !first_only || !any; }
@@ -103,6 +103,7 @@ class Session {
   Datum Evaluate(const Expression& expression, const SqlType& type, Scope& scope);
   Datum EvaluateNatural(const Expression& expression, SqlType& type, Scope& scope);
   void CheckCancelled();
+  void BeginImplicitTransaction(const Statement& statement);
 
   // bind.cpp
   sqlite3_stmt* Bind(Compiled& compiled, Scope& scope);
@@ -140,6 +141,7 @@ class Session {
   void RollbackWrite() noexcept;
   void NoteLostTransaction();
   void EndTransaction(bool commit);
+  void Tell(TransactionEvent event);
 
   Runtime runtime_;
   DatabaseHandle database_;
@@ -156,6 +158,8 @@ class Session {
   int try_depth_ = 0;
   int call_depth_ = 0;
   bool xact_abort_ = false;
+  bool no_count_ = false;
+  bool implicit_transactions_ = false;
   bool doomed_ = false;  // the transaction can only be rolled back
   std::string identity_insert_;
   std::int64_t row_count_ = 0;

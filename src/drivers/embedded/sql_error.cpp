@@ -60,7 +60,8 @@ Error ToError(const SqlError& error) {
                        [](const Mapping& mapping, std::int32_t number) { return mapping.native < number; });
   const bool known = found != kMappings.end() && found->native == error.number();
   return {known ? found->number : error_number::kStatementError, "TessarLorn embedded database", error.what(),
-          NativeError{error.number(), known ? found->sqlstate : "42000"}};
+          NativeError{error.number(), known ? found->sqlstate : "42000", error.severity(), error.state(),
+                      std::max(1, static_cast<int>(error.line()))}};
 }
 
 void RaiseSyntax(std::string_view near, bool keyword, std::uint32_t line) {

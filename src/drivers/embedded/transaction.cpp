@@ -1,5 +1,6 @@
 // Transactions: the write lock, commit and rollback, save points, and the container's transaction.
 #include <algorithm>
+#include <utility>
 
 #include "drivers/embedded/session.h"
 #include "platform/text.h"
@@ -73,7 +74,7 @@ void Session::NoteLostTransaction() {
   // A full disk or a failing file makes SQLite roll back by itself.
   if (!writing_ || sqlite3_get_autocommit(database_.get()) == 0) return;
   writing_ = false;
-  depth_ = 0;
+  if (std::exchange(depth_, 0) > 0) Tell(TransactionEvent::kRolledBack);
   save_points_.clear();
   catalog_.Invalidate();
 }
@@ -86,6 +87,36 @@ void Session::EndTransaction(bool commit) {
   } else {
     RollbackWrite();
   }
+}
+
+void Session::Tell(TransactionEvent event) {
+  if (results_ != nullptr) results_->sink.Transaction(event);
+}
+
+void Session::BeginImplicitTransaction(const Statement& statement) {
+  using Kind = Statement::Kind;
+  switch (statement.kind) {
+    case Kind::kSelect:
+      if (statement.query->select != nullptr && statement.query->select->from.empty()) return;
+      break;
+    case Kind::kInsert:
+    case Kind::kUpdate:
+    case Kind::kDelete:
+    case Kind::kTruncate:
+    case Kind::kCreateTable:
+    case Kind::kAlterTable:
+    case Kind::kDropTable:
+    case Kind::kCreateIndex:
+    case Kind::kDropIndex:
+    case Kind::kCreateView:
+    case Kind::kCreateProcedure:
+      break;
+    default:
+      return;
+  }
+  CommitWrite();
+  depth_ = 1;
+  Tell(TransactionEvent::kBegun);
 }
 
 void Session::BeginContainerTransaction() {
@@ -112,12 +143,19 @@ void Session::ExecuteTransaction(const Statement& statement) {
     case Statement::Kind::kBeginTransaction:
       // What the batch changed so far is its own, not the transaction's.
       if (depth_ == 0) CommitWrite();
-      ++depth_;
+      if (++depth_ == 1) Tell(TransactionEvent::kBegun);
       return;
     case Statement::Kind::kCommit:
       if (depth_ == 0) throw SqlError(3902, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION.");
       if (doomed_) EnsureWrite();
-      if (--depth_ == 0) CommitWrite();
+      if (--depth_ > 0) return;
+      try {
+        CommitWrite();
+      } catch (const SqlError&) {
+        Tell(TransactionEvent::kRolledBack);
+        throw;
+      }
+      Tell(TransactionEvent::kCommitted);
       return;
     case Statement::Kind::kSaveTransaction:
       if (depth_ == 0) throw SqlError(628, "Cannot issue SAVE TRANSACTION when there is no active transaction.");
@@ -137,6 +175,7 @@ void Session::ExecuteTransaction(const Statement& statement) {
     return;
   }
   EndTransaction(false);
+  Tell(TransactionEvent::kRolledBack);
   catalog_.Refresh();
 }
 

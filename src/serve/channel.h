@@ -1,0 +1,56 @@
+// Messages from and to one client, over its bytes, encrypted when it was so agreed.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "serve/byte_stream.h"
+#include "serve/tds_packet.h"
+#include "serve/tls.h"
+
+namespace tessarlorn::serve {
+
+/// What came while a batch was running.
+enum class Arrival : std::uint8_t { kNothing, kAttention, kEnd, kNextMessage };
+
+/// Used by the client's thread, but for Look(). Raises ProtocolError.
+class Channel {
+ public:
+  Channel(ByteStream& stream, std::size_t message_limit) : stream_(stream), assembler_(message_limit) {}
+
+  void set_message_limit(std::size_t limit) { assembler_.set_message_limit(limit); }
+  void set_packet_size(std::size_t size) noexcept { packet_size_ = size; }
+
+  /// The next message, or nothing when the client ended the connection. Raises when it is not there in time.
+  std::optional<Message> Receive(std::chrono::milliseconds time);
+  /// Sends a part of a reply; the last part ends the message.
+  void Send(std::string_view payload, bool last, PacketType type = PacketType::kReply);
+
+  /// What came meanwhile; never waits. For the thread that watches running batches, while no other thread receives.
+  Arrival Look() noexcept;
+
+  /// Runs the handshake inside pre-login packets; from then on everything is encrypted.
+  void StartTls(const TlsContext& context, std::chrono::milliseconds time);
+  /// What follows is not encrypted.
+  void EndTls();
+
+ private:
+  /// False at the end of the stream.
+  bool ReadSome();
+
+  ByteStream& stream_;
+  std::mutex mutex_;  // of all that Look() touches
+  PacketAssembler assembler_;
+  std::unique_ptr<TlsStream> tls_;
+  std::string arrived_;
+  std::size_t packet_size_ = kDefaultPacket;
+  std::uint8_t packet_number_ = 0;
+  std::string unsent_;
+  std::string packets_;
+};
+
+}  // namespace tessarlorn::serve

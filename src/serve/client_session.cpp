@@ -1,0 +1,261 @@
+#include "serve/client_session.h"
+
+#include <utility>
+
+#include "platform/text.h"
+#include "serve/tds_reader.h"
+#include "serve/transaction_request.h"
+
+namespace tessarlorn::serve {
+namespace {
+
+ServerMessage LoginError(std::int32_t number, std::uint8_t severity, std::string text) {
+  return {number, 1, severity, 1, std::move(text)};
+}
+
+/// The text of a request without line ends, for the log.
+std::string OnOneLine(std::string_view text) {
+  constexpr std::size_t kShown = 2000;
+  std::string line(text.substr(0, kShown));
+  for (char& c : line) {
+    if (static_cast<unsigned char>(c) < ' ') c = ' ';
+  }
+  return line;
+}
+
+/// While it lives, the watcher looks after the client.
+class BeingWatched {
+ public:
+  BeingWatched(Watcher* watcher, Watched& client) : watcher_(watcher), client_(client) {
+    if (watcher_ != nullptr) watcher_->Add(client_);
+  }
+  BeingWatched(const BeingWatched&) = delete;
+  BeingWatched& operator=(const BeingWatched&) = delete;
+  ~BeingWatched() {
+    if (watcher_ != nullptr) watcher_->Remove(client_);
+  }
+
+ private:
+  Watcher* watcher_;
+  Watched& client_;
+};
+
+}  // namespace
+
+ClientSession::ClientSession(ByteStream& stream, const Service& service, std::string peer, Watcher* watcher)
+    : stream_(stream),
+      service_(service),
+      peer_(std::move(peer)),
+      watcher_(watcher),
+      channel_(stream, kLoginMessageLimit) {}
+
+void ClientSession::Log(const std::string& line) const {
+  if (service_.log) service_.log(peer_ + ": " + line);
+}
+
+int ClientSession::watched_descriptor() const noexcept { return looking_.load() ? stream_.descriptor() : -1; }
+
+void ClientSession::Look() noexcept {
+  switch (channel_.Look()) {
+    case Arrival::kNothing:
+      return;
+    case Arrival::kAttention:
+      interruption_.store(Interruption::kAttention);
+      break;
+    case Arrival::kEnd:
+      interruption_.store(Interruption::kGone);
+      break;
+    case Arrival::kNextMessage:
+      break;
+  }
+  looking_.store(false);
+}
+
+void ClientSession::CancelIfWanted() noexcept {
+  if (interruption_.load() != Interruption::kNone && connection_ != nullptr) connection_->Cancel();
+}
+
+void ClientSession::Stop() noexcept { interruption_.store(Interruption::kShutdown); }
+
+void ClientSession::Run() noexcept {
+  try {
+    if (LogIn()) Serve();
+  } catch (const std::exception& error) {
+    try {
+      Log(std::string("dropped: ") + error.what());
+    } catch (const std::exception&) {
+      return;
+    }
+  }
+}
+
+bool ClientSession::AnswerPreLogin(std::string_view payload) {
+  const Encryption wanted = ReadPreLogin(payload);
+  Encryption answer = Encryption::kNotSupported;
+  if (service_.tls != nullptr) {
+    if (wanted == Encryption::kNotSupported) {
+      answer = service_.tls_required ? Encryption::kRequired : Encryption::kNotSupported;
+    } else {
+      answer = wanted == Encryption::kOff && !service_.tls_required ? Encryption::kOff : Encryption::kOn;
+    }
+  }
+  TdsWriter writer;
+  WritePreLogin(writer, answer);
+  channel_.Send(writer.bytes(), true);
+  if (answer == Encryption::kRequired) throw ProtocolError("the client does not encrypt");
+  if (answer == Encryption::kNotSupported) {
+    if (wanted == Encryption::kOn || wanted == Encryption::kRequired) {
+      throw ProtocolError("the client wants encryption, and the server has no certificate");
+    }
+    return false;
+  }
+  channel_.StartTls(*service_.tls, service_.limits.login);
+  return answer == Encryption::kOff;
+}
+
+bool ClientSession::LogIn() {
+  bool only_login_is_encrypted = false;
+  for (bool first = true;; first = false) {
+    const std::optional<Message> message = channel_.Receive(service_.limits.login);
+    if (!message) return false;
+    if (message->type == PacketType::kPreLogin && first) {
+      only_login_is_encrypted = AnswerPreLogin(message->payload);
+      continue;
+    }
+    if (message->type != PacketType::kLogin7) throw ProtocolError("a request before the login");
+    if (first && service_.tls_required) throw ProtocolError("the client does not encrypt");
+    if (only_login_is_encrypted) channel_.EndTls();
+    return Admit(ReadLogin(message->payload));
+  }
+}
+
+bool ClientSession::Refuse(const Login& login, const ServerMessage& message, const std::string& why) {
+  Log("refused user '" + OnOneLine(login.user) + "': " + why);
+  TdsWriter writer;
+  writer.Put(message);
+  if (message.number == 4060) {
+    writer.Put(LoginError(18456, 14, "Login failed for user '" + login.user + "'."));
+  }
+  writer.Put(Done{Token::kDone, kDoneError, 0, 0});
+  channel_.Send(writer.bytes(), true);
+  return false;
+}
+
+bool ClientSession::Admit(const Login& login) {
+  if (login.version < kTds73) {
+    return Refuse(login, LoginError(17828, 20, "TDS 7.3 or 7.4 is wanted; the client speaks an older version."),
+                  "the client speaks an older version of TDS");
+  }
+  if (login.integrated) {
+    return Refuse(login,
+                  LoginError(18452, 14, "Login failed. The server knows users by name and password only."),
+                  "integrated login is not supported");
+  }
+  if (!service_.users.Check(login.user, login.password)) {
+    return Refuse(login, LoginError(18456, 14, "Login failed for user '" + login.user + "'."),
+                  "unknown user or wrong password");
+  }
+  if (!login.database.empty() && !EqualsIgnoreCase(login.database, kDatabaseName)) {
+    return Refuse(login,
+                  LoginError(4060, 11,
+                             "Cannot open database \"" + login.database +
+                                 "\" requested by the login. The login failed."),
+                  "unknown database '" + OnOneLine(login.database) + "'");
+  }
+  try {
+    connection_ = OpenConnection(service_.database_string);
+  } catch (const Error& error) {
+    return Refuse(login, LoginError(4060, 11, error.what()), error.what());
+  }
+  TdsWriter writer;
+  WriteLoginAnswer(writer, login);
+  writer.Put(Done{});
+  channel_.Send(writer.bytes(), true);
+  channel_.set_packet_size(login.packet_size);
+  channel_.set_message_limit(service_.limits.message);
+  if (service_.verbose) Log("user '" + OnOneLine(login.user) + "' from " + OnOneLine(login.host));
+  return true;
+}
+
+void ClientSession::Serve() {
+  for (;;) {
+    if (interruption_.load() == Interruption::kShutdown) return SayGoodbye();
+    const std::optional<Message> request = channel_.Receive(service_.limits.idle);
+    if (interruption_.load() == Interruption::kShutdown) return SayGoodbye();
+    if (!request) return;
+    Answer(*request);
+    if (interruption_.load() == Interruption::kGone) {
+      Log("dropped: the client went away while a batch was running");
+      return;
+    }
+  }
+}
+
+void ClientSession::SayGoodbye() {
+  TdsWriter writer;
+  writer.Put(LoginError(6005, 14, "SHUTDOWN is in progress."));
+  writer.Put(Done{Token::kDone, kDoneError, 0, 0});
+  channel_.Send(writer.bytes(), true);
+}
+
+bool ClientSession::ResetConnection(const Message& request) {
+  const bool keep = (request.status & kResetKeepingTransaction) != 0;
+  if (!keep && (request.status & kResetConnection) == 0) return false;
+  if (keep && transaction_.open != 0) return true;
+  transaction_.open = 0;
+  if (!connection_->Reset()) connection_ = OpenConnection(service_.database_string);
+  return true;
+}
+
+void ClientSession::Answer(const Message& request) {
+  const bool call = request.type == PacketType::kRpc;
+  Reply reply(channel_, transaction_, interruption_, call ? Token::kDoneInProcedure : Token::kDone);
+  const bool reset = ResetConnection(request);
+  if (reset) reply.Tokens().PutEnvironmentBytes(Environment::kResetAcknowledged, "", "");
+  try {
+    switch (request.type) {
+      case PacketType::kSqlBatch:
+        AnswerBatch(reply, request.payload);
+        break;
+      case PacketType::kTransactionManager:
+        AnswerTransaction(reply, request.payload);
+        break;
+      case PacketType::kAttention:
+        return reply.FinishAttention();
+      default:
+        throw ProtocolError("a request of a type that does not belong here");
+    }
+  } catch (const Error& error) {
+    reply.Fail(error);
+  }
+  auto expected = Interruption::kAttention;
+  if (interruption_.compare_exchange_strong(expected, Interruption::kNone)) return reply.FinishAttention();
+  if (expected == Interruption::kNone) reply.Finish();
+}
+
+bool ClientSession::RunText(Reply& reply, BatchSink& sink, std::string_view text) {
+  if (service_.verbose) Log(OnOneLine(text));
+  try {
+    looking_.store(true);
+    const BeingWatched watched(watcher_, *this);
+    connection_->ExecuteAll(text, sink);
+    return true;
+  } catch (const Error& error) {
+    if (interruption_.load() == Interruption::kNone) reply.Fail(error);
+    return false;
+  }
+}
+
+void ClientSession::AnswerBatch(Reply& reply, std::string_view payload) {
+  TdsReader reader(payload);
+  SkipHeaders(reader);
+  RunText(reply, reply, TextOfUtf16Bytes(reader.Bytes(reader.left())));
+}
+
+void ClientSession::AnswerTransaction(Reply& reply, std::string_view payload) {
+  TdsReader reader(payload);
+  SkipHeaders(reader);
+  RunText(reply, reply, TransactionRequestText(reader));
+}
+
+}  // namespace tessarlorn::serve

@@ -1,0 +1,79 @@
+// One client: its login, its requests, its connection to the database.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/connection.h"
+#include "serve/channel.h"
+#include "serve/limits.h"
+#include "serve/login.h"
+#include "serve/reply.h"
+#include "serve/tls.h"
+#include "serve/users.h"
+#include "serve/watcher.h"
+
+namespace tessarlorn::serve {
+
+/// What all clients of a server share. Used by all their threads.
+struct Service {
+  /// Each client has a connection of its own.
+  std::string database_string;
+  Users users;
+  /// Nothing when the server has no certificate.
+  std::shared_ptr<const TlsContext> tls;
+  /// A client that cannot encrypt is refused.
+  bool tls_required = false;
+  Limits limits;
+  /// Takes lines for the log; called by several threads.
+  std::function<void(const std::string&)> log;
+  /// Statements are logged, too.
+  bool verbose = false;
+};
+
+/// Runs on one thread, but for Stop() and what the watcher calls.
+class ClientSession final : public Watched {
+ public:
+  /// @param peer names the client in the log; @param watcher may be nullptr: then a running batch cannot be cancelled
+  ClientSession(ByteStream& stream, const Service& service, std::string peer, Watcher* watcher);
+
+  /// The client's whole life: raises nothing, logs what ends it.
+  void Run() noexcept;
+  /// The server ends: the running batch is cancelled, and the client is told when it can be.
+  void Stop() noexcept;
+
+  [[nodiscard]] int watched_descriptor() const noexcept override;
+  void Look() noexcept override;
+  void CancelIfWanted() noexcept override;
+
+ private:
+  /// False when the client was refused or went away.
+  bool LogIn();
+  bool AnswerPreLogin(std::string_view payload);
+  bool Admit(const Login& login);
+  bool Refuse(const Login& login, const ServerMessage& message, const std::string& why);
+  void Serve();
+  void Answer(const Message& request);
+  void AnswerBatch(Reply& reply, std::string_view payload);
+  void AnswerTransaction(Reply& reply, std::string_view payload);
+  bool ResetConnection(const Message& request);
+  /// Runs a text; its failure stands in the reply.
+  bool RunText(Reply& reply, BatchSink& sink, std::string_view text);
+  void SayGoodbye();
+  void Log(const std::string& line) const;
+
+  ByteStream& stream_;
+  const Service& service_;
+  std::string peer_;
+  Watcher* watcher_;
+  Channel channel_;
+  std::unique_ptr<Connection> connection_;
+  TransactionState transaction_;
+  std::atomic<Interruption> interruption_{Interruption::kNone};
+  std::atomic<bool> looking_{true};
+};
+
+}  // namespace tessarlorn::serve

@@ -1,0 +1,132 @@
+#include "serve/reply.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "serve/values.h"
+
+namespace tessarlorn::serve {
+namespace {
+
+constexpr std::uint16_t kSelectCommand = 0xC1;
+constexpr std::uint16_t kChangeCommand = 0xC5;
+/// So much is written before it is sent.
+constexpr std::size_t kSendSize = 32768;
+
+std::string DescriptorBytes(std::uint64_t transaction) {
+  TdsWriter writer;
+  writer.U64(transaction);
+  return writer.bytes();
+}
+
+/// Errors of a statement that changes rows, after which a server says that it took the statement back.
+bool TakesBack(std::int32_t number) {
+  constexpr std::array kNumbers = {515, 547, 2601, 2627, 2628, 8152};
+  return std::find(kNumbers.begin(), kNumbers.end(), number) != kNumbers.end();
+}
+
+}  // namespace
+
+void Reply::PutDone(Done done) {
+  if (transaction_.open != 0) done.status |= kDoneInTransaction;
+  writer_.Put(done);
+}
+
+TdsWriter& Reply::Tokens() {
+  if (pending_) {
+    pending_->status |= kDoneMore;
+    PutDone(*pending_);
+    pending_.reset();
+  }
+  return writer_;
+}
+
+void Reply::SetPending(std::uint16_t status, std::uint16_t command, std::uint64_t rows) {
+  pending_ = Done{done_, status, command, rows};
+}
+
+void Reply::SendIfLarge() {
+  if (writer_.size() < kSendSize) return;
+  channel_.Send(writer_.bytes(), false);
+  writer_.Clear();
+}
+
+void Reply::Send() {
+  channel_.Send(writer_.bytes(), true);
+  writer_.Clear();
+}
+
+void Reply::Rows(RecordsetPtr rows) {
+  const RowWriter row_writer(*rows);
+  row_writer.WriteColumns(Tokens());
+  for (; !rows->eof(); rows->MoveNext()) {
+    if (interruption_.load(std::memory_order_relaxed) != Interruption::kNone) {
+      Raise(error_number::kCancelled, "The statement was cancelled.");
+    }
+    row_writer.WriteRow(writer_);
+    SendIfLarge();
+  }
+  SetPending(kDoneCount, kSelectCommand, rows->RecordCount());
+}
+
+void Reply::RowCount(std::int64_t rows) {
+  Tokens();
+  SetPending(kDoneCount, kChangeCommand, static_cast<std::uint64_t>(rows));
+}
+
+void Reply::Message(std::string_view text) {
+  Tokens().Put(ServerMessage{0, 1, 0, 1, std::string(text)});
+  SendIfLarge();
+}
+
+bool Reply::StatementFailed(const Error& error) {
+  Fail(error);
+  return true;
+}
+
+void Reply::Fail(const Error& error) {
+  Tokens().Put(ToMessage(error));
+  if (TakesBack(error.native().number)) {
+    writer_.Put(ServerMessage{3621, 0, 0, 1, "The statement has been terminated."});
+  }
+  failed_ = true;
+  SetPending(kDoneError, 0, 0);
+}
+
+void Reply::Transaction(TransactionEvent event) {
+  TdsWriter& tokens = Tokens();
+  if (event == TransactionEvent::kBegun) {
+    transaction_.open = ++transaction_.last;
+    tokens.PutEnvironmentBytes(Environment::kTransactionBegun, DescriptorBytes(transaction_.open), "");
+    return;
+  }
+  const auto kind = event == TransactionEvent::kCommitted ? Environment::kTransactionCommitted
+                                                          : Environment::kTransactionRolledBack;
+  tokens.PutEnvironmentBytes(kind, "", DescriptorBytes(std::exchange(transaction_.open, 0)));
+}
+
+void Reply::Finish() {
+  if (pending_) {
+    PutDone(*std::exchange(pending_, std::nullopt));
+  } else {
+    PutDone({done_, 0, 0, 0});
+  }
+  Send();
+}
+
+void Reply::FinishCall(bool last) {
+  Tokens();
+  const auto status = static_cast<std::uint16_t>((failed_ ? kDoneError : 0) | (last ? 0 : kDoneMore));
+  PutDone({Token::kDoneProcedure, status, 0, 0});
+  failed_ = false;
+  if (last) Send();
+}
+
+void Reply::FinishAttention() {
+  Tokens();
+  PutDone({Token::kDone, kDoneAttention, 0, 0});
+  Send();
+}
+
+}  // namespace tessarlorn::serve

@@ -1,0 +1,63 @@
+// The reply to one request: tokens, sent as packets as they come.
+#pragma once
+
+#include <atomic>
+#include <optional>
+
+#include "platform/connection.h"
+#include "serve/channel.h"
+#include "serve/tds_writer.h"
+
+namespace tessarlorn::serve {
+
+/// Why a running batch is to end.
+enum class Interruption : std::uint8_t { kNone, kAttention, kGone, kShutdown };
+
+/// The client's transaction, by the number that its clients know it by.
+struct TransactionState {
+  std::uint64_t open = 0;  // 0 when none
+  std::uint64_t last = 0;
+};
+
+/// Takes what a batch answers and writes it. Rows go out while they are written: no second copy of a result is held.
+/// Raises ProtocolError when the client is gone, and Error when the batch is to end.
+class Reply : public BatchSink {
+ public:
+  /// @param done what ends the results: kDone in a batch, kDoneInProcedure in a call
+  Reply(Channel& channel, TransactionState& transaction, const std::atomic<Interruption>& interruption, Token done)
+      : channel_(channel), transaction_(transaction), interruption_(interruption), done_(done) {}
+
+  void Rows(RecordsetPtr rows) override;
+  void RowCount(std::int64_t rows) override;
+  void Message(std::string_view text) override;
+  bool StatementFailed(const Error& error) override;
+  void Transaction(TransactionEvent event) override;
+
+  /// An error that ends the request.
+  void Fail(const Error& error);
+  /// For further tokens, behind all results so far.
+  TdsWriter& Tokens();
+  /// Ends a batch.
+  void Finish();
+  /// Ends a call, after its return status and output values; `last` when no other call of the request follows.
+  void FinishCall(bool last);
+  /// Ends a request that an attention broke off, or an attention that came alone.
+  void FinishAttention();
+
+ private:
+  void SetPending(std::uint16_t status, std::uint16_t command, std::uint64_t rows);
+  void PutDone(Done done);
+  void SendIfLarge();
+  void Send();
+
+  Channel& channel_;
+  TransactionState& transaction_;
+  const std::atomic<Interruption>& interruption_;
+  Token done_;
+  TdsWriter writer_;
+  // The last DONE is held back until it is known whether more follows.
+  std::optional<Done> pending_;
+  bool failed_ = false;
+};
+
+}  // namespace tessarlorn::serve

@@ -1,0 +1,60 @@
+// TCP: addresses, the listening socket and the clients' sockets.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "serve/byte_stream.h"
+
+namespace tessarlorn::serve {
+
+/// An open file descriptor, closed when it goes.
+class Descriptor {
+ public:
+  Descriptor() = default;
+  explicit Descriptor(int number) noexcept : number_(number) {}
+  Descriptor(Descriptor&& other) noexcept : number_(other.Release()) {}
+  Descriptor& operator=(Descriptor&& other) noexcept;
+  ~Descriptor();
+
+  [[nodiscard]] int get() const noexcept { return number_; }
+  int Release() noexcept;
+
+ private:
+  int number_ = -1;
+};
+
+/// Where to listen: a numeric IPv4 or IPv6 address (the latter in brackets), and a port; port 0 is any free one.
+struct Address {
+  std::string host;
+  std::uint16_t port = 0;
+
+  [[nodiscard]] bool is_loopback() const;
+  /// `127.0.0.1:1433`, `[::1]:1433`.
+  [[nodiscard]] std::string ToText() const;
+};
+
+/// Reads `ADDRESS:PORT`; `localhost` is 127.0.0.1. Raises Error 5 naming what is wrong.
+Address ParseAddress(std::string_view text);
+
+/// Listens there and answers the socket; `address` gets the port that was chosen. Raises Error with the system's words.
+Descriptor Listen(Address& address);
+
+/// A client's socket.
+class Socket final : public ByteStream {
+ public:
+  /// @param send_time_out how long a write may wait for the client to read
+  Socket(Descriptor descriptor, std::chrono::milliseconds send_time_out);
+
+  bool WaitReadable(std::chrono::milliseconds time) override;
+  bool ReadSome(std::string& bytes, std::size_t most) override;
+  void WriteAll(std::string_view bytes) override;
+  [[nodiscard]] int descriptor() const noexcept override { return descriptor_.get(); }
+
+ private:
+  Descriptor descriptor_;
+};
+
+}  // namespace tessarlorn::serve

@@ -1,0 +1,119 @@
+#include "serve/tds_writer.h"
+
+#include <algorithm>
+
+#include "platform/text.h"
+
+namespace tessarlorn::serve {
+namespace {
+
+constexpr std::uint8_t kLargestInfoSeverity = 10;
+/// The longest text of an error that servers send.
+constexpr std::size_t kLongestMessage = 4000;
+
+}  // namespace
+
+ServerMessage ToMessage(const Error& error) {
+  ServerMessage message;
+  const NativeError& native = error.native();
+  // What has no number of the database's own is an error in the server's eyes all the same.
+  constexpr std::int32_t kUserError = 50000;
+  message.number = native.number == 0 ? kUserError : native.number;
+  message.state = static_cast<std::uint8_t>(std::clamp(native.state, 0, 255));
+  message.severity = static_cast<std::uint8_t>(std::clamp(native.severity, kLargestInfoSeverity + 1, 25));
+  message.line = static_cast<std::uint32_t>(std::max(native.line, 1));
+  message.text = error.what();
+  return message;
+}
+
+void TdsWriter::Number(std::uint64_t value, std::size_t size) {
+  for (std::size_t i = 0; i < size; ++i) bytes_ += static_cast<char>((value >> (8 * i)) & 0xff);
+}
+
+void TdsWriter::SetU16(std::size_t position, std::uint16_t value) {
+  bytes_[position] = static_cast<char>(value & 0xff);
+  bytes_[position + 1] = static_cast<char>(value >> 8);
+}
+
+void TdsWriter::SetU32(std::size_t position, std::uint32_t value) {
+  SetU16(position, static_cast<std::uint16_t>(value & 0xffff));
+  SetU16(position + 2, static_cast<std::uint16_t>(value >> 16));
+}
+
+std::size_t TdsWriter::Text(std::string_view text) {
+  const std::size_t before = bytes_.size();
+  for (std::size_t i = 0; i < text.size();) {
+    if (static_cast<unsigned char>(text[i]) < 0x80) {
+      bytes_ += text[i++];
+      bytes_ += '\0';
+      continue;
+    }
+    const char32_t character = NextCharacter(text, i);
+    if (character > 0xffff) {
+      U16(static_cast<std::uint16_t>(0xd7c0 + (character >> 10)));
+      U16(static_cast<std::uint16_t>(0xdc00 + (character & 0x3ff)));
+    } else {
+      U16(static_cast<std::uint16_t>(character));
+    }
+  }
+  return bytes_.size() - before;
+}
+
+void TdsWriter::ShortText(std::string_view text) {
+  const std::size_t start = bytes_.size();
+  U8(0);
+  const std::size_t units = std::min<std::size_t>(Text(text) / 2, 255);
+  CutTo(start + 1 + units * 2);
+  SetU8(start, static_cast<std::uint8_t>(units));
+}
+
+void TdsWriter::LongText(std::string_view text, std::size_t most) {
+  const std::size_t start = bytes_.size();
+  U16(0);
+  const std::size_t units = std::min(Text(text) / 2, most);
+  CutTo(start + 2 + units * 2);
+  SetU16(start, static_cast<std::uint16_t>(units));
+}
+
+void TdsWriter::Put(const Done& done) {
+  Put(done.token);
+  U16(done.status);
+  U16(done.command);
+  U64(done.rows);
+}
+
+void TdsWriter::Put(const ServerMessage& message) {
+  Put(message.severity > kLargestInfoSeverity ? Token::kError : Token::kInfo);
+  const std::size_t start = bytes_.size();
+  U16(0);
+  U32(static_cast<std::uint32_t>(message.number));
+  U8(message.state);
+  U8(message.severity);
+  LongText(message.text, kLongestMessage);
+  ShortText(kServerName);
+  ShortText("");
+  U32(message.line);
+  SetU16(start, static_cast<std::uint16_t>(bytes_.size() - start - 2));
+}
+
+void TdsWriter::PutEnvironment(Environment kind, std::string_view now, std::string_view before) {
+  Put(Token::kEnvironmentChange);
+  const std::size_t start = bytes_.size();
+  U16(0);
+  U8(static_cast<std::uint8_t>(kind));
+  ShortText(now);
+  ShortText(before);
+  SetU16(start, static_cast<std::uint16_t>(bytes_.size() - start - 2));
+}
+
+void TdsWriter::PutEnvironmentBytes(Environment kind, std::string_view now, std::string_view before) {
+  Put(Token::kEnvironmentChange);
+  U16(static_cast<std::uint16_t>(3 + now.size() + before.size()));
+  U8(static_cast<std::uint8_t>(kind));
+  U8(static_cast<std::uint8_t>(now.size()));
+  Bytes(now);
+  U8(static_cast<std::uint8_t>(before.size()));
+  Bytes(before);
+}
+
+}  // namespace tessarlorn::serve

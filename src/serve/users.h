@@ -1,0 +1,32 @@
+// Users and their passwords, in a file of lines `name:hash`.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace tessarlorn::serve {
+
+/// The users of a server. Names are compared without regard to ASCII case. May be asked by several threads at once.
+class Users {
+ public:
+  /// Reads the file. Raises Error 5 that names what is wrong: a file that cannot be read or others may write, a
+  /// malformed line (with its number), no user at all.
+  static Users Read(const std::string& file);
+
+  /// Whether the password is that of the user. Takes as long for a user that there is not.
+  [[nodiscard]] bool Check(std::string_view name, std::string_view password) const;
+
+ private:
+  std::map<std::string, std::string> hashes_;  // by name in lower case
+};
+
+/// The salted hash of a password: `pbkdf2-sha256$iterations$salt$hash`, the last two in hexadecimal digits.
+std::string HashPassword(std::string_view password);
+
+/// Adds a user to the file, which is made readable by its owner only when it is not there; the line of the same user is
+/// replaced. Raises Error 5 for a name that is empty or has a colon or a control character, for an empty password, and
+/// when the file cannot be written.
+void AddUser(const std::string& file, std::string_view name, std::string_view password);
+
+}  // namespace tessarlorn::serve

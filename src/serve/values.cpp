@@ -1,0 +1,339 @@
+#include "serve/values.h"
+
+#include <algorithm>
+#include <bit>
+
+#include "platform/error.h"
+#include "serve/login.h"
+#include "serve/type_codes.h"
+
+namespace tessarlorn::serve {
+namespace {
+
+constexpr std::size_t kLongestBytes = 8000;
+constexpr int kTimeScale = 3;
+constexpr std::uint8_t kMoneySize = 8;
+
+void PutType(TdsWriter& writer, TypeCode code) { writer.U8(static_cast<std::uint8_t>(code)); }
+
+void PutSizedType(TdsWriter& writer, TypeCode code, std::uint8_t size) {
+  PutType(writer, code);
+  writer.U8(size);
+}
+
+/// Text and binary types. A fixed type without a length does not exist: it is varying then.
+void PutLongType(TdsWriter& writer, TypeCode fixed, TypeCode varying, bool is_fixed, std::size_t size, bool text) {
+  const bool unlimited = size == 0 || size > kLongestBytes;
+  PutType(writer, is_fixed && !unlimited ? fixed : varying);
+  writer.U16(unlimited ? kUnlimited : static_cast<std::uint16_t>(size));
+  if (text) writer.Bytes(kCollation);
+}
+
+std::uint8_t DecimalSize(int precision) {
+  return precision <= 9 ? 5 : precision <= 19 ? 9 : precision <= 28 ? 13 : 17;
+}
+
+void PutFieldType(TdsWriter& writer, const Field& field) {
+  const auto size = static_cast<std::size_t>(std::max(field.size, 0));
+  switch (field.type) {
+    case FieldType::kBit:
+      return PutSizedType(writer, TypeCode::kBitN, 1);
+    case FieldType::kTinyInt:
+      return PutSizedType(writer, TypeCode::kIntN, 1);
+    case FieldType::kSmallInt:
+      return PutSizedType(writer, TypeCode::kIntN, 2);
+    case FieldType::kInt:
+      return PutSizedType(writer, TypeCode::kIntN, 4);
+    case FieldType::kBigInt:
+      return PutSizedType(writer, TypeCode::kIntN, 8);
+    case FieldType::kReal:
+      return PutSizedType(writer, TypeCode::kFloatN, 4);
+    case FieldType::kFloat:
+      return PutSizedType(writer, TypeCode::kFloatN, 8);
+    case FieldType::kDecimal:
+      PutSizedType(writer, TypeCode::kDecimalN, DecimalSize(field.precision));
+      writer.U8(static_cast<std::uint8_t>(field.precision));
+      return writer.U8(static_cast<std::uint8_t>(field.scale));
+    case FieldType::kMoney:
+      return PutSizedType(writer, TypeCode::kMoneyN, kMoneySize);
+    case FieldType::kDate:
+      return PutType(writer, TypeCode::kDateN);
+    case FieldType::kTime:
+      return PutSizedType(writer, TypeCode::kTimeN, kTimeScale);
+    case FieldType::kDateTime:
+      return PutSizedType(writer, TypeCode::kDateTimeN, 8);
+    case FieldType::kGuid:
+      return PutSizedType(writer, TypeCode::kGuid, 16);
+    case FieldType::kChar:
+    case FieldType::kVarChar:
+      return PutLongType(writer, TypeCode::kBigChar, TypeCode::kBigVarChar, field.type == FieldType::kChar, size,
+                         true);
+    case FieldType::kNChar:
+    case FieldType::kNVarChar:
+      return PutLongType(writer, TypeCode::kNChar, TypeCode::kNVarChar, field.type == FieldType::kNChar, size * 2,
+                         true);
+    case FieldType::kBinary:
+    case FieldType::kVarBinary:
+      return PutLongType(writer, TypeCode::kBigBinary, TypeCode::kBigVarBinary, field.type == FieldType::kBinary, size,
+                         false);
+  }
+}
+
+bool IsNarrowText(const Field& field) { return field.type == FieldType::kChar || field.type == FieldType::kVarChar; }
+
+/// Whether values of the column come in parts, with a length of 8 bytes before them.
+bool InParts(const Field& field) {
+  const auto size = static_cast<std::size_t>(std::max(field.size, 0));
+  const bool wide = field.type == FieldType::kNChar || field.type == FieldType::kNVarChar;
+  return size == 0 || size * (wide ? 2 : 1) > kLongestBytes;
+}
+
+/// A text or binary value: `put` writes its bytes and answers how many.
+template <typename Put>
+void PutLongValue(TdsWriter& writer, const Field& field, std::size_t bytes, Put put) {
+  if (InParts(field)) {
+    writer.U64(kUnknownParts);
+    if (bytes > 0) {
+      const std::size_t start = writer.size();
+      writer.U32(0);
+      writer.SetU32(start, static_cast<std::uint32_t>(put()));
+    }
+    return writer.U32(0);
+  }
+  const std::size_t start = writer.size();
+  writer.U16(0);
+  writer.SetU16(start, static_cast<std::uint16_t>(std::min(put(), kLongestBytes)));
+  writer.CutTo(std::min(writer.size(), start + 2 + kLongestBytes));
+}
+
+void PutNull(TdsWriter& writer, const Field& field) {
+  switch (field.type) {
+    case FieldType::kChar:
+    case FieldType::kVarChar:
+    case FieldType::kNChar:
+    case FieldType::kNVarChar:
+    case FieldType::kBinary:
+    case FieldType::kVarBinary:
+      return InParts(field) ? writer.U64(kNullParts) : writer.U16(kNullLength);
+    default:
+      return writer.U8(0);
+  }
+}
+
+void PutInteger(TdsWriter& writer, const Variant& value, std::size_t size) {
+  writer.U8(static_cast<std::uint8_t>(size));
+  const auto* small = value.get_if<std::int32_t>();
+  const auto* boolean = value.get_if<bool>();
+  std::int64_t number = 0;
+  if (boolean != nullptr) {
+    number = *boolean ? 1 : 0;
+  } else {
+    number = small != nullptr ? *small : value.ToDecimal().ToScaled(0).value_or(0);
+  }
+  writer.Number(static_cast<std::uint64_t>(number), size);
+}
+
+void PutDecimal(TdsWriter& writer, const Decimal& value, const Field& field) {
+  const Decimal scaled = value.scale() == field.scale ? value : value.Rescale(field.scale).value_or(value);
+  const std::uint8_t size = DecimalSize(field.precision);
+  writer.U8(size);
+  writer.U8(scaled.negative() ? 0 : 1);
+  for (std::size_t limb = 0; limb < static_cast<std::size_t>(size / 4); ++limb) writer.U32(scaled.limbs()[limb]);
+}
+
+void PutMoney(TdsWriter& writer, const Decimal& value) {
+  constexpr int kMoneyScale = 4;
+  const auto units = static_cast<std::uint64_t>(value.ToScaled(kMoneyScale).value_or(0));
+  writer.U8(kMoneySize);
+  writer.U32(static_cast<std::uint32_t>(units >> 32));
+  writer.U32(static_cast<std::uint32_t>(units & 0xffffffff));
+}
+
+struct DayAndTime {
+  std::int64_t day = 0;  // since 1900-01-01
+  std::int64_t milliseconds = 0;
+};
+
+DayAndTime SplitDay(DateTime value) {
+  std::int64_t day = value.milliseconds() / kMillisecondsOfDay;
+  std::int64_t rest = value.milliseconds() % kMillisecondsOfDay;
+  if (rest < 0) {
+    rest += kMillisecondsOfDay;
+    --day;
+  }
+  return {day, rest};
+}
+
+void PutDateTime(TdsWriter& writer, DateTime value) {
+  constexpr std::int64_t kFirstDay = -53690;  // 1753-01-01
+  auto [day, milliseconds] = SplitDay(value);
+  if (day < kFirstDay) {
+    throw Error(error_number::kDataOverflow, kServerName, "A date before 1753 cannot be sent as datetime.",
+                {242, "22007"});
+  }
+  // Ticks of a three-hundredth of a second.
+  std::int64_t ticks = (milliseconds * 3 + 5) / 10;
+  if (ticks == kMillisecondsOfDay * 3 / 10) {
+    ticks = 0;
+    ++day;
+  }
+  writer.U8(8);
+  writer.U32(static_cast<std::uint32_t>(static_cast<std::int32_t>(day)));
+  writer.U32(static_cast<std::uint32_t>(ticks));
+}
+
+int HexDigit(char digit) {
+  if (digit >= '0' && digit <= '9') return digit - '0';
+  if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
+  return digit >= 'A' && digit <= 'F' ? digit - 'A' + 10 : 0;
+}
+
+/// The first three groups of a GUID stand with their lowest byte first.
+void PutGuid(TdsWriter& writer, std::string_view text) {
+  std::string bytes;
+  int high = -1;
+  for (const char digit : text) {
+    if (digit == '-' || digit == '{' || digit == '}') continue;
+    if (high < 0) {
+      high = HexDigit(digit);
+    } else {
+      bytes += static_cast<char>((high << 4) | HexDigit(digit));
+      high = -1;
+    }
+  }
+  bytes.resize(16);
+  std::reverse(bytes.begin(), bytes.begin() + 4);
+  std::reverse(bytes.begin() + 4, bytes.begin() + 6);
+  std::reverse(bytes.begin() + 6, bytes.begin() + 8);
+  writer.U8(16);
+  writer.Bytes(bytes);
+}
+
+void PutValue(TdsWriter& writer, const Field& field, const Recordset& rows, std::size_t column) {
+  switch (field.type) {
+    case FieldType::kBit:
+    case FieldType::kTinyInt:
+      return PutInteger(writer, rows.Get(column), 1);
+    case FieldType::kSmallInt:
+      return PutInteger(writer, rows.Get(column), 2);
+    case FieldType::kInt:
+      return PutInteger(writer, rows.Get(column), 4);
+    case FieldType::kBigInt:
+      return PutInteger(writer, rows.Get(column), 8);
+    case FieldType::kReal:
+      writer.U8(4);
+      return writer.U32(std::bit_cast<std::uint32_t>(static_cast<float>(rows.Get(column).ToDouble())));
+    case FieldType::kFloat:
+      writer.U8(8);
+      return writer.U64(std::bit_cast<std::uint64_t>(rows.Get(column).ToDouble()));
+    case FieldType::kDecimal:
+      return PutDecimal(writer, rows.Get(column).ToDecimal(), field);
+    case FieldType::kMoney:
+      return PutMoney(writer, rows.Get(column).ToDecimal());
+    case FieldType::kDate:
+      writer.U8(3);
+      return writer.Number(static_cast<std::uint64_t>(SplitDay(rows.Get(column).ToDateTime()).day + kDaysBefore1900),
+                           3);
+    case FieldType::kTime:
+      writer.U8(4);
+      return writer.U32(static_cast<std::uint32_t>(SplitDay(rows.Get(column).ToDateTime()).milliseconds));
+    case FieldType::kDateTime:
+      return PutDateTime(writer, rows.Get(column).ToDateTime());
+    case FieldType::kGuid:
+      return PutGuid(writer, rows.GetText(column));
+    case FieldType::kChar:
+    case FieldType::kVarChar: {
+      const std::string_view text = rows.GetText(column);
+      return PutLongValue(writer, field, text.size(), [&] {
+        writer.Bytes(text);
+        return text.size();
+      });
+    }
+    case FieldType::kNChar:
+    case FieldType::kNVarChar: {
+      const std::string_view text = rows.GetText(column);
+      return PutLongValue(writer, field, text.size(), [&] { return writer.Text(text); });
+    }
+    case FieldType::kBinary:
+    case FieldType::kVarBinary: {
+      const Variant value = rows.Get(column);
+      const auto* bytes = value.get_if<Bytes>();
+      const std::string text = bytes == nullptr ? std::string() : std::string(bytes->begin(), bytes->end());
+      return PutLongValue(writer, field, text.size(), [&] {
+        writer.Bytes(text);
+        return text.size();
+      });
+    }
+  }
+}
+
+/// The fields as they are declared to the client.
+std::vector<Field> WireFields(Recordset& rows) {
+  std::vector<Field> fields = rows.fields();
+  for (std::size_t i = 0; i < fields.size(); ++i) {
+    Field& field = fields[i];
+    if (!IsNarrowText(field) || field.size <= 0) continue;
+    std::size_t longest = 0;
+    for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) longest = std::max(longest, rows.GetText(i).size());
+    if (longest > static_cast<std::size_t>(field.size)) {
+      field.size = longest > kLongestBytes ? 0 : static_cast<int>(longest);
+    }
+  }
+  rows.MoveFirst();
+  return fields;
+}
+
+}  // namespace
+
+RowWriter::RowWriter(Recordset& rows) : rows_(rows), fields_(WireFields(rows)) {}
+
+void RowWriter::WriteColumns(TdsWriter& writer) const {
+  constexpr std::uint16_t kNullable = 0x01;
+  constexpr std::uint16_t kUpdateUnknown = 0x08;
+  writer.Put(Token::kColumnMetadata);
+  writer.U16(static_cast<std::uint16_t>(fields_.size()));
+  for (const Field& field : fields_) {
+    writer.U32(0);  // no user's type
+    writer.U16(static_cast<std::uint16_t>(kUpdateUnknown | (field.nullable ? kNullable : 0)));
+    PutFieldType(writer, field);
+    writer.ShortText(field.name);
+  }
+}
+
+void RowWriter::WriteRow(TdsWriter& writer) const {
+  const std::size_t start = writer.size();
+  writer.Put(Token::kRowWithNulls);
+  const std::size_t map = writer.size();
+  for (std::size_t i = 0; i < (fields_.size() + 7) / 8; ++i) writer.U8(0);
+  bool any = false;
+  for (std::size_t i = 0; i < fields_.size(); ++i) {
+    if (!rows_.IsNull(i)) continue;
+    any = true;
+    const std::size_t byte = map + i / 8;
+    writer.SetU8(byte, static_cast<std::uint8_t>(static_cast<std::uint8_t>(writer.bytes()[byte]) | (1U << (i % 8))));
+  }
+  if (!any) {
+    writer.CutTo(start);
+    writer.Put(Token::kRow);
+  }
+  for (std::size_t i = 0; i < fields_.size(); ++i) {
+    if (!rows_.IsNull(i)) PutValue(writer, fields_[i], rows_, i);
+  }
+}
+
+void RowWriter::WriteTypeAndValue(TdsWriter& writer, std::size_t column) const {
+  PutFieldType(writer, fields_[column]);
+  if (rows_.IsNull(column)) {
+    PutNull(writer, fields_[column]);
+  } else {
+    PutValue(writer, fields_[column], rows_, column);
+  }
+}
+
+void WriteTypeAndInteger(TdsWriter& writer, std::int32_t value) {
+  PutSizedType(writer, TypeCode::kIntN, 4);
+  writer.U8(4);
+  writer.U32(static_cast<std::uint32_t>(value));
+}
+
+}  // namespace tessarlorn::serve

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/text.h"
+#include "serve/call_reply.h"
 #include "serve/tds_reader.h"
 #include "serve/transaction_request.h"
 
@@ -203,6 +204,7 @@ bool ClientSession::ResetConnection(const Message& request) {
   if (!keep && (request.status & kResetConnection) == 0) return false;
   if (keep && transaction_.open != 0) return true;
   transaction_.open = 0;
+  prepared_.Clear();
   if (!connection_->Reset()) connection_ = OpenConnection(service_.database_string);
   return true;
 }
@@ -217,6 +219,8 @@ void ClientSession::Answer(const Message& request) {
       case PacketType::kSqlBatch:
         AnswerBatch(reply, request.payload);
         break;
+      case PacketType::kRpc:
+        return AnswerCalls(reply, request.payload);
       case PacketType::kTransactionManager:
         AnswerTransaction(reply, request.payload);
         break;
@@ -228,9 +232,40 @@ void ClientSession::Answer(const Message& request) {
   } catch (const Error& error) {
     reply.Fail(error);
   }
-  auto expected = Interruption::kAttention;
-  if (interruption_.compare_exchange_strong(expected, Interruption::kNone)) return reply.FinishAttention();
-  if (expected == Interruption::kNone) reply.Finish();
+  if (!EndInterrupted(reply)) reply.Finish();
+}
+
+bool ClientSession::EndInterrupted(Reply& reply) {
+  auto reason = Interruption::kAttention;
+  if (interruption_.compare_exchange_strong(reason, Interruption::kNone)) {
+    reply.FinishAttention();
+    return true;
+  }
+  return reason != Interruption::kNone;
+}
+
+void ClientSession::AnswerCalls(Reply& reply, std::string_view payload) {
+  std::vector<Call> calls;
+  try {
+    TdsReader reader(payload);
+    SkipHeaders(reader);
+    calls = ReadCalls(reader);
+  } catch (const Error& error) {
+    reply.Fail(error);
+    return reply.FinishCall(true);
+  }
+  for (std::size_t i = 0; i < calls.size(); ++i) {
+    try {
+      const CallText text = MakeCallText(calls[i], prepared_);
+      CallReply call_reply(reply, calls[i], text);
+      const bool done = text.text.empty() || RunText(reply, call_reply, text.text);
+      if (EndInterrupted(reply)) return;
+      if (done) call_reply.WriteEnd();
+    } catch (const Error& error) {
+      reply.Fail(error);
+    }
+    reply.FinishCall(i + 1 == calls.size());
+  }
 }
 
 bool ClientSession::RunText(Reply& reply, BatchSink& sink, std::string_view text) {

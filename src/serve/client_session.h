@@ -12,6 +12,7 @@
 #include "serve/limits.h"
 #include "serve/login.h"
 #include "serve/reply.h"
+#include "serve/rpc.h"
 #include "serve/tls.h"
 #include "serve/users.h"
 #include "serve/watcher.h"
@@ -58,10 +59,13 @@ class ClientSession final : public Watched {
   void Serve();
   void Answer(const Message& request);
   void AnswerBatch(Reply& reply, std::string_view payload);
+  void AnswerCalls(Reply& reply, std::string_view payload);
   void AnswerTransaction(Reply& reply, std::string_view payload);
   bool ResetConnection(const Message& request);
   /// Runs a text; its failure stands in the reply.
   bool RunText(Reply& reply, BatchSink& sink, std::string_view text);
+  /// Whether the request was broken off; an attention is answered.
+  bool EndInterrupted(Reply& reply);
   void SayGoodbye();
   void Log(const std::string& line) const;
 
@@ -71,6 +75,7 @@ class ClientSession final : public Watched {
   Watcher* watcher_;
   Channel channel_;
   std::unique_ptr<Connection> connection_;
+  PreparedStatements prepared_;
   TransactionState transaction_;
   std::atomic<Interruption> interruption_{Interruption::kNone};
   std::atomic<bool> looking_{true};

@@ -1,0 +1,55 @@
+#include "serve/call_reply.h"
+
+#include <utility>
+
+#include "serve/values.h"
+
+namespace tessarlorn::serve {
+
+void CallReply::Rows(RecordsetPtr rows) {
+  if (text_.has_result && !rows->fields().empty() && rows->fields()[0].name == kOutputColumn) {
+    outputs_ = std::move(rows);
+    return;
+  }
+  reply_.Rows(std::move(rows));
+}
+
+bool CallReply::StatementFailed(const Error& error) {
+  failed_ = true;
+  return reply_.StatementFailed(error);
+}
+
+void CallReply::WriteOutputHead(const Parameter& parameter, std::size_t ordinal) {
+  constexpr std::uint8_t kOutput = 0x01;
+  constexpr std::uint16_t kNullable = 0x01;
+  TdsWriter& tokens = reply_.Tokens();
+  tokens.Put(Token::kReturnValue);
+  tokens.U16(static_cast<std::uint16_t>(ordinal));
+  tokens.ShortText(parameter.name);
+  tokens.U8(kOutput);
+  tokens.U32(0);
+  tokens.U16(kNullable);
+}
+
+void CallReply::WriteEnd() {
+  constexpr std::uint32_t kFailedStatus = static_cast<std::uint32_t>(-6);
+  TdsWriter& tokens = reply_.Tokens();
+  tokens.Put(Token::kReturnStatus);
+  if (outputs_ != nullptr && !outputs_->eof()) {
+    tokens.U32(static_cast<std::uint32_t>(outputs_->Get(0).ToInt32()));
+  } else {
+    tokens.U32(failed_ ? kFailedStatus : 0);
+  }
+  if (text_.handle && !call_.parameters.empty()) {
+    WriteOutputHead(call_.parameters[0], 0);
+    WriteTypeAndInteger(tokens, *text_.handle);
+  }
+  if (outputs_ == nullptr || outputs_->eof()) return;
+  const RowWriter values(*outputs_);
+  for (std::size_t i = 0; i < text_.outputs.size(); ++i) {
+    WriteOutputHead(call_.parameters[text_.outputs[i]], text_.outputs[i]);
+    values.WriteTypeAndValue(tokens, i + 1);
+  }
+}
+
+}  // namespace tessarlorn::serve

@@ -1,0 +1,486 @@
+#include "serve/parameter.h"
+
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <iconv.h>
+#include <memory>
+
+#include "platform/date_time.h"
+#include "platform/decimal.h"
+#include "platform/error.h"
+#include "platform/text.h"
+#include "serve/type_codes.h"
+
+namespace tessarlorn::serve {
+namespace {
+
+constexpr std::size_t kCollationSize = 5;
+
+/// The type of a parameter as its bytes say.
+struct WireType {
+  TypeCode code = TypeCode::kNull;
+  /// Most bytes of a value; kUnlimited when it comes in parts.
+  std::size_t size = 0;
+  int precision = 0;
+  int scale = 0;
+  std::string_view collation;
+};
+
+[[noreturn]] void RefuseType(const char* name) {
+  throw Error(error_number::kNotSupported, kServerName,
+              std::string("Parameters of the type ") + name + " are not supported.", {40000, "0A000"});
+}
+
+WireType ReadType(TdsReader& reader) {
+  WireType type;
+  type.code = static_cast<TypeCode>(reader.U8());
+  switch (type.code) {
+    case TypeCode::kNull:
+      return type;
+    case TypeCode::kInt1:
+    case TypeCode::kBit:
+      type.size = 1;
+      return type;
+    case TypeCode::kInt2:
+      type.size = 2;
+      return type;
+    case TypeCode::kInt4:
+    case TypeCode::kFloat4:
+    case TypeCode::kDateTime4:
+    case TypeCode::kMoney4:
+      type.size = 4;
+      return type;
+    case TypeCode::kInt8:
+    case TypeCode::kFloat8:
+    case TypeCode::kMoney:
+    case TypeCode::kDateTime:
+      type.size = 8;
+      return type;
+    case TypeCode::kDateN:
+      type.size = 3;
+      return type;
+    case TypeCode::kTimeN:
+    case TypeCode::kDateTime2N:
+      type.scale = reader.U8();
+      if (type.scale > 7) throw ProtocolError("a time has more than 7 places");
+      return type;
+    case TypeCode::kGuid:
+    case TypeCode::kIntN:
+    case TypeCode::kBitN:
+    case TypeCode::kFloatN:
+    case TypeCode::kMoneyN:
+    case TypeCode::kDateTimeN:
+      type.size = reader.U8();
+      return type;
+    case TypeCode::kDecimalN:
+    case TypeCode::kNumericN:
+      type.size = reader.U8();
+      type.precision = reader.U8();
+      type.scale = reader.U8();
+      if (type.precision < 1 || type.precision > Decimal::kMaxDigits || type.scale > type.precision) {
+        throw ProtocolError("a decimal's precision or scale is out of range");
+      }
+      return type;
+    case TypeCode::kBigVarBinary:
+    case TypeCode::kBigBinary:
+      type.size = reader.U16();
+      return type;
+    case TypeCode::kBigVarChar:
+    case TypeCode::kBigChar:
+    case TypeCode::kNVarChar:
+    case TypeCode::kNChar:
+      type.size = reader.U16();
+      type.collation = reader.Bytes(kCollationSize);
+      return type;
+    case TypeCode::kText:
+    case TypeCode::kNText:
+      type.size = reader.U32();
+      type.collation = reader.Bytes(kCollationSize);
+      return type;
+    case TypeCode::kImage:
+      type.size = reader.U32();
+      return type;
+    case TypeCode::kDateTimeOffsetN:
+      RefuseType("datetimeoffset");
+    default:
+      break;
+  }
+  switch (static_cast<std::uint8_t>(type.code)) {
+    case 0x62:
+      RefuseType("sql_variant");
+    case 0xF0:
+      RefuseType("of a user's own");
+    case 0xF1:
+      RefuseType("xml");
+    case 0xF3:
+      RefuseType("table");
+    default:
+      throw ProtocolError("a parameter has an unknown type");
+  }
+}
+
+bool IsUtf16(TypeCode code) {
+  return code == TypeCode::kNVarChar || code == TypeCode::kNChar || code == TypeCode::kNText;
+}
+bool IsText(TypeCode code) {
+  return IsUtf16(code) || code == TypeCode::kBigVarChar || code == TypeCode::kBigChar || code == TypeCode::kText;
+}
+bool IsBinary(TypeCode code) {
+  return code == TypeCode::kBigVarBinary || code == TypeCode::kBigBinary || code == TypeCode::kImage;
+}
+
+/// A value in parts, put together; nothing for null. A part is in the message before memory is taken for it.
+std::optional<std::string> ReadParts(TdsReader& reader) {
+  if (reader.U64() == kNullParts) return std::nullopt;
+  std::string value;
+  for (std::size_t size = reader.U32(); size > 0; size = reader.U32()) value += reader.Bytes(size);
+  return value;
+}
+
+/// The bytes of a value, nothing for null.
+std::optional<std::string> ReadValue(TdsReader& reader, const WireType& type) {
+  switch (type.code) {
+    case TypeCode::kNull:
+      return std::nullopt;
+    case TypeCode::kInt1:
+    case TypeCode::kBit:
+    case TypeCode::kInt2:
+    case TypeCode::kInt4:
+    case TypeCode::kFloat4:
+    case TypeCode::kDateTime4:
+    case TypeCode::kMoney4:
+    case TypeCode::kInt8:
+    case TypeCode::kFloat8:
+    case TypeCode::kMoney:
+    case TypeCode::kDateTime:
+      return std::string(reader.Bytes(type.size));
+    case TypeCode::kText:
+    case TypeCode::kNText:
+    case TypeCode::kImage: {
+      const std::uint32_t size = reader.U32();
+      if (size == 0xFFFFFFFF) return std::nullopt;
+      return std::string(reader.Bytes(size));
+    }
+    case TypeCode::kBigVarBinary:
+    case TypeCode::kBigBinary:
+    case TypeCode::kBigVarChar:
+    case TypeCode::kBigChar:
+    case TypeCode::kNVarChar:
+    case TypeCode::kNChar: {
+      if (type.size == kUnlimited) return ReadParts(reader);
+      const std::uint16_t size = reader.U16();
+      if (size == kNullLength) return std::nullopt;
+      return std::string(reader.Bytes(size));
+    }
+    default: {
+      const std::uint8_t size = reader.U8();
+      if (size == 0) return std::nullopt;
+      return std::string(reader.Bytes(size));
+    }
+  }
+}
+
+/// Text of a code page as UTF-8.
+std::string FromCodePage(const std::string& bytes, const char* page) {
+  struct Close {
+    void operator()(void* converter) const { iconv_close(converter); }
+  };
+  const std::unique_ptr<void, Close> converter(iconv_open("UTF-8", page));
+  std::string text(bytes.size() * 3, '\0');
+  std::string in = bytes;
+  char* from = in.data();
+  std::size_t left = in.size();
+  char* to = text.data();
+  std::size_t room = text.size();
+  while (left > 0) {
+    if (iconv(converter.get(), &from, &left, &to, &room) != static_cast<std::size_t>(-1)) break;
+    if (left == 0 || room == 0) break;
+    *to++ = '?';
+    --room;
+    ++from;
+    --left;
+  }
+  text.resize(text.size() - room);
+  return text;
+}
+
+std::string NarrowText(const std::string& bytes, std::string_view collation) {
+  constexpr std::uint32_t kUtf8 = 0x04000000;
+  constexpr std::uint32_t kLanguages = 0xFFFF;
+  constexpr std::uint32_t kSimplifiedChinese = 0x0804;
+  const auto bits = static_cast<std::uint32_t>(TdsReader(collation).Number(4));
+  if ((bits & kUtf8) == 0) {
+    return FromCodePage(bytes, (bits & kLanguages) == kSimplifiedChinese ? "GB18030" : "CP1252");
+  }
+  std::string text;
+  for (std::size_t i = 0; i < bytes.size();) AppendCharacter(text, NextCharacter(bytes, i));
+  return text;
+}
+
+std::uint64_t NumberOf(const std::string& bytes) {
+  if (bytes.size() > 8) throw ProtocolError("a number has more than 8 bytes");
+  return TdsReader(bytes).Number(bytes.size());
+}
+
+void RequireSize(const std::string& bytes, std::initializer_list<std::size_t> sizes) {
+  for (const std::size_t size : sizes) {
+    if (bytes.size() == size) return;
+  }
+  throw ProtocolError("a value of " + std::to_string(bytes.size()) + " bytes does not fit its type");
+}
+
+std::int64_t IntegerOf(const std::string& bytes) {
+  RequireSize(bytes, {1, 2, 4, 8});
+  const std::uint64_t bits = NumberOf(bytes);
+  switch (bytes.size()) {
+    case 1:
+      return static_cast<std::int64_t>(bits);
+    case 2:
+      return static_cast<std::int16_t>(bits);
+    case 4:
+      return static_cast<std::int32_t>(bits);
+    default:
+      return static_cast<std::int64_t>(bits);
+  }
+}
+
+std::string FloatLiteral(const std::string& bytes) {
+  RequireSize(bytes, {4, 8});
+  std::array<char, 40> text{};
+  const auto bits = NumberOf(bytes);
+  char* end = nullptr;
+  if (bytes.size() == 4) {
+    const auto value = std::bit_cast<float>(static_cast<std::uint32_t>(bits));
+    if (!std::isfinite(value)) throw ProtocolError("a float is no number");
+    end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific).ptr;
+  } else {
+    const auto value = std::bit_cast<double>(bits);
+    if (!std::isfinite(value)) throw ProtocolError("a float is no number");
+    end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific).ptr;
+  }
+  return {text.data(), end};
+}
+
+std::string DecimalLiteral(const std::string& bytes, int scale) {
+  RequireSize(bytes, {5, 9, 13, 17});
+  TdsReader reader(bytes);
+  const bool negative = reader.U8() == 0;
+  Decimal::Limbs limbs{};
+  for (std::size_t i = 0; i < bytes.size() / 4; ++i) limbs[i] = reader.U32();
+  const std::optional<Decimal> value = Decimal::FromLimbs(limbs, scale, negative);
+  if (!value) throw ProtocolError("a decimal has more than 38 digits");
+  return value->ToString();
+}
+
+std::string MoneyLiteral(const std::string& bytes) {
+  RequireSize(bytes, {4, 8});
+  constexpr int kMoneyScale = 4;
+  TdsReader reader(bytes);
+  std::int64_t units = 0;
+  if (bytes.size() == 4) {
+    units = static_cast<std::int32_t>(reader.U32());
+  } else {
+    const std::uint64_t high = reader.U32();
+    units = static_cast<std::int64_t>((high << 32) | reader.U32());
+  }
+  return Decimal::FromScaled(units, kMoneyScale).ToString();
+}
+
+std::string DateTimeText(std::int64_t days_since_1900, std::int64_t milliseconds) {
+  const DateTime value(days_since_1900 * kMillisecondsOfDay + milliseconds);
+  const CivilTime civil = value.ToCivil();
+  if (civil.year < 1 || civil.year > 9999) throw ProtocolError("a date is out of range");
+  return value.ToString(true);
+}
+
+/// Units of 10^-scale of a second in milliseconds, rounded.
+std::int64_t TimeOf(const std::string& bytes, std::size_t size, int scale) {
+  if (bytes.size() < size) throw ProtocolError("a time is too short");
+  auto units = static_cast<std::int64_t>(TdsReader(bytes).Number(size));
+  for (; scale < 3; ++scale) units *= 10;
+  std::int64_t divisor = 1;
+  for (; scale > 3; --scale) divisor *= 10;
+  units = (units + divisor / 2) / divisor;
+  if (units < 0 || units > kMillisecondsOfDay) throw ProtocolError("a time is out of range");
+  return std::min(units, kMillisecondsOfDay - 1);
+}
+
+std::string DateLiteral(const std::string& bytes, const WireType& type) {
+  const auto days_of = [](std::string_view three) {
+    return static_cast<std::int64_t>(TdsReader(three).Number(3)) - kDaysBefore1900;
+  };
+  switch (type.code) {
+    case TypeCode::kDateN:
+      RequireSize(bytes, {3});
+      return "'" + DateTimeText(days_of(bytes), 0).substr(0, 10) + "'";
+    case TypeCode::kTimeN:
+      RequireSize(bytes, {3, 4, 5});
+      return "'" + DateTimeText(0, TimeOf(bytes, bytes.size(), type.scale)).substr(11) + "'";
+    case TypeCode::kDateTime2N: {
+      RequireSize(bytes, {6, 7, 8});
+      const std::size_t size = bytes.size() - 3;
+      return "'" + DateTimeText(days_of(std::string_view(bytes).substr(size)), TimeOf(bytes, size, type.scale)) + "'";
+    }
+    default:
+      break;
+  }
+  RequireSize(bytes, {4, 8});
+  TdsReader reader(bytes);
+  if (bytes.size() == 4) {
+    const std::int64_t day = reader.U16();
+    const std::int64_t minute = reader.U16();
+    if (minute >= 1440) throw ProtocolError("a time is out of range");
+    return "'" + DateTimeText(day, minute * 60'000) + "'";
+  }
+  const auto day = static_cast<std::int32_t>(reader.U32());
+  const std::int64_t ticks = reader.U32();
+  if (ticks >= kMillisecondsOfDay * 3 / 10) throw ProtocolError("a time is out of range");
+  return "'" + DateTimeText(day, (ticks * 10 + 1) / 3) + "'";
+}
+
+std::string HexText(std::string_view bytes) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string text;
+  text.reserve(bytes.size() * 2);
+  for (const char byte : bytes) {
+    text += kDigits[static_cast<std::uint8_t>(byte) >> 4];
+    text += kDigits[static_cast<std::uint8_t>(byte) & 15];
+  }
+  return text;
+}
+
+/// The first three groups stand with their lowest byte first.
+std::string GuidLiteral(std::string bytes) {
+  RequireSize(bytes, {16});
+  std::swap(bytes[0], bytes[3]);
+  std::swap(bytes[1], bytes[2]);
+  std::swap(bytes[4], bytes[5]);
+  std::swap(bytes[6], bytes[7]);
+  std::string text = HexText(bytes);
+  for (const std::size_t dash : {8, 13, 18, 23}) text.insert(dash, "-");
+  return "'" + text + "'";
+}
+
+/// "(40)", "(max)": of at least one character.
+std::string SizeText(const WireType& type, std::size_t unit, std::size_t most) {
+  const std::size_t size = type.size / unit;
+  if (type.size >= kUnlimited || size > most) return "(max)";
+  return "(" + std::to_string(size == 0 ? 1 : size) + ")";
+}
+
+std::string DeclarationOf(const WireType& type) {
+  constexpr std::size_t kMostBytes = 8000;
+  switch (type.code) {
+    case TypeCode::kBit:
+    case TypeCode::kBitN:
+      return "bit";
+    case TypeCode::kInt1:
+    case TypeCode::kInt2:
+    case TypeCode::kInt4:
+    case TypeCode::kInt8:
+    case TypeCode::kIntN:
+      return type.size == 1 ? "tinyint" : type.size == 2 ? "smallint" : type.size == 4 ? "int" : "bigint";
+    case TypeCode::kFloat4:
+    case TypeCode::kFloat8:
+    case TypeCode::kFloatN:
+      return type.size == 4 ? "real" : "float";
+    case TypeCode::kMoney:
+    case TypeCode::kMoney4:
+    case TypeCode::kMoneyN:
+      return "money";
+    case TypeCode::kDecimalN:
+    case TypeCode::kNumericN:
+      return "decimal(" + std::to_string(type.precision) + "," + std::to_string(type.scale) + ")";
+    case TypeCode::kDateN:
+      return "date";
+    case TypeCode::kTimeN:
+      return "time";
+    case TypeCode::kDateTime:
+    case TypeCode::kDateTime4:
+    case TypeCode::kDateTimeN:
+    case TypeCode::kDateTime2N:
+      return "datetime";
+    case TypeCode::kGuid:
+      return "uniqueidentifier";
+    case TypeCode::kBigVarBinary:
+    case TypeCode::kBigBinary:
+    case TypeCode::kImage:
+      return "varbinary" + SizeText(type, 1, kMostBytes);
+    case TypeCode::kBigVarChar:
+    case TypeCode::kBigChar:
+    case TypeCode::kText:
+      return "varchar" + SizeText(type, 1, kMostBytes);
+    default:
+      return "nvarchar" + SizeText(type, 2, kMostBytes / 2);
+  }
+}
+
+}  // namespace
+
+std::string TextLiteral(std::string_view text) { return "N'" + ReplaceAll(text, "'", "''") + "'"; }
+
+Parameter ReadParameter(TdsReader& reader) {
+  constexpr std::uint8_t kByReference = 0x01;
+  constexpr std::uint8_t kDefault = 0x02;
+  Parameter parameter;
+  parameter.name = reader.ShortText();
+  const std::uint8_t flags = reader.U8();
+  parameter.is_output = (flags & kByReference) != 0;
+  parameter.is_default = (flags & kDefault) != 0;
+  const WireType type = ReadType(reader);
+  parameter.type = DeclarationOf(type);
+  const std::optional<std::string> value = ReadValue(reader, type);
+  if (!value) {
+    parameter.literal = "NULL";
+    return parameter;
+  }
+  if (IsText(type.code)) {
+    parameter.text = IsUtf16(type.code) ? TextOfUtf16Bytes(*value) : NarrowText(*value, type.collation);
+    parameter.literal = TextLiteral(*parameter.text);
+    return parameter;
+  }
+  if (IsBinary(type.code)) {
+    parameter.literal = "0x" + HexText(*value);
+    return parameter;
+  }
+  switch (type.code) {
+    case TypeCode::kBit:
+    case TypeCode::kBitN:
+      parameter.literal = IntegerOf(*value) != 0 ? "1" : "0";
+      break;
+    case TypeCode::kInt1:
+    case TypeCode::kInt2:
+    case TypeCode::kInt4:
+    case TypeCode::kInt8:
+    case TypeCode::kIntN:
+      parameter.number = IntegerOf(*value);
+      parameter.literal = std::to_string(*parameter.number);
+      break;
+    case TypeCode::kFloat4:
+    case TypeCode::kFloat8:
+    case TypeCode::kFloatN:
+      parameter.literal = FloatLiteral(*value);
+      break;
+    case TypeCode::kDecimalN:
+    case TypeCode::kNumericN:
+      parameter.literal = DecimalLiteral(*value, type.scale);
+      break;
+    case TypeCode::kMoney:
+    case TypeCode::kMoney4:
+    case TypeCode::kMoneyN:
+      parameter.literal = MoneyLiteral(*value);
+      break;
+    case TypeCode::kGuid:
+      parameter.literal = GuidLiteral(*value);
+      break;
+    default:
+      parameter.literal = DateLiteral(*value, type);
+      break;
+  }
+  return parameter;
+}
+
+}  // namespace tessarlorn::serve

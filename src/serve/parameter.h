@@ -1,0 +1,34 @@
+// Parameters of calls: their types and values as TDS carries them, read into Transact-SQL.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "serve/tds_reader.h"
+
+namespace tessarlorn::serve {
+
+/// A parameter whose value stands as a literal that its own type reads back unchanged.
+struct Parameter {
+  /// With its @, "" when it is given by position.
+  std::string name;
+  /// "nvarchar(40)".
+  std::string type;
+  /// "N'it''s'", "0x0102", "NULL".
+  std::string literal;
+  bool is_output = false;
+  /// The value is to be the procedure's default.
+  bool is_default = false;
+  /// The value itself, for the calls whose parameters the server reads: of a text, of a whole number.
+  std::optional<std::string> text;
+  std::optional<std::int64_t> number;
+};
+
+/// Reads name, flags, type and value. Raises ProtocolError for malformed ones, and Error 40000 for types that the
+/// database does not have: tables, XML, datetimeoffset, variants and users' own.
+Parameter ReadParameter(TdsReader& reader);
+
+/// N'…' with the quotes inside doubled.
+std::string TextLiteral(std::string_view text);
+
+}  // namespace tessarlorn::serve

@@ -1,0 +1,240 @@
+#include "serve/rpc.h"
+
+#include <array>
+#include <optional>
+#include <utility>
+
+#include "platform/error.h"
+#include "platform/text.h"
+
+namespace tessarlorn::serve {
+namespace {
+
+constexpr std::uint16_t kByNumber = 0xFFFF;
+constexpr std::uint8_t kNextCall = 0xFF;
+constexpr std::uint8_t kNextCallUnrun = 0xFE;
+constexpr std::size_t kMostParameters = 2100;
+constexpr std::size_t kMostPrepared = 10'000;
+
+[[noreturn]] void RaiseCall(std::int32_t number, const std::string& text) {
+  throw Error(error_number::kStatementError, kServerName, text, {number, "42000"});
+}
+
+struct KnownName {
+  std::string_view name;
+  KnownProcedure procedure;
+};
+
+constexpr std::array kKnownNames = {
+    KnownName{"sp_executesql", KnownProcedure::kExecuteSql},
+    KnownName{"sp_prepare", KnownProcedure::kPrepare},
+    KnownName{"sp_execute", KnownProcedure::kExecute},
+    KnownName{"sp_prepexec", KnownProcedure::kPrepareAndExecute},
+    KnownName{"sp_unprepare", KnownProcedure::kUnprepare},
+};
+
+KnownProcedure Find(std::string_view name) {
+  for (const KnownName& known : kKnownNames) {
+    if (EqualsIgnoreCase(known.name, name)) return known.procedure;
+  }
+  return KnownProcedure::kNone;
+}
+
+Call ReadCall(TdsReader& reader) {
+  Call call;
+  const std::uint16_t size = reader.U16();
+  if (size == kByNumber) {
+    const std::uint16_t number = reader.U16();
+    call.procedure = static_cast<KnownProcedure>(number);
+    bool known = false;
+    for (const KnownName& name : kKnownNames) known = known || name.procedure == call.procedure;
+    if (!known) RaiseCall(2812, "Could not find stored procedure number " + std::to_string(number) + ".");
+  } else {
+    call.name = reader.Text(size);
+    call.procedure = Find(call.name);
+  }
+  reader.U16();  // options: nothing here depends on them
+  while (!reader.at_end() && reader.Peek() != kNextCall && reader.Peek() != kNextCallUnrun) {
+    if (call.parameters.size() == kMostParameters) {
+      RaiseCall(8003, "The incoming request has too many parameters. The server supports a maximum of 2100.");
+    }
+    call.parameters.push_back(ReadParameter(reader));
+  }
+  return call;
+}
+
+bool IsNameCharacter(char c) {
+  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == '@' ||
+         c == '#' || c == '$' || static_cast<unsigned char>(c) >= 0x80;
+}
+
+/// A procedure's name of one or more parts, each in brackets: nothing in it can be read as anything but a name.
+std::string QuotedName(std::string_view name) {
+  const auto refuse = [&] { RaiseCall(2812, "Could not find stored procedure '" + std::string(name) + "'."); };
+  std::string quoted;
+  std::size_t i = 0;
+  for (;;) {
+    std::string part;
+    if (i < name.size() && (name[i] == '[' || name[i] == '"')) {
+      const char close = name[i] == '[' ? ']' : '"';
+      for (++i; i < name.size(); ++i) {
+        if (name[i] == close && (i + 1 == name.size() || name[i + 1] != close)) break;
+        if (name[i] == close) ++i;
+        part += name[i];
+      }
+      if (i++ >= name.size()) refuse();
+    } else {
+      while (i < name.size() && IsNameCharacter(name[i])) part += name[i++];
+    }
+    if (!part.empty()) quoted += "[" + ReplaceAll(part, "]", "]]") + "]";
+    if (i == name.size()) {
+      if (part.empty()) refuse();
+      return quoted;
+    }
+    if (name[i++] != '.') refuse();
+    quoted += '.';
+  }
+}
+
+/// Raises when a parameter's name is anything but a name.
+const std::string& CheckedName(const Parameter& parameter) {
+  const std::string& name = parameter.name;
+  bool good = name.empty() || (name.size() > 1 && name.front() == '@');
+  for (const char c : name) good = good && IsNameCharacter(c);
+  if (!good) RaiseCall(8145, "'" + name + "' is no name of a parameter.");
+  return name;
+}
+
+const std::string& TextParameter(const Call& call, std::size_t position, std::string_view what) {
+  if (position >= call.parameters.size() || !call.parameters[position].text) {
+    RaiseCall(214, "Procedure expects parameter '" + std::string(what) + "' of type 'ntext/nchar/nvarchar'.");
+  }
+  return *call.parameters[position].text;
+}
+
+/// As TextParameter, and "" for a null or when it is not there.
+std::string OptionalText(const Call& call, std::size_t position) {
+  if (position >= call.parameters.size()) return "";
+  return call.parameters[position].text.value_or("");
+}
+
+std::int64_t HandleParameter(const Call& call) {
+  if (call.parameters.empty() || !call.parameters[0].number) {
+    RaiseCall(214, "Procedure expects parameter '@handle' of type 'int'.");
+  }
+  return *call.parameters[0].number;
+}
+
+/// Puts together the text of a call with its outputs in variables.
+class CallWriter {
+ public:
+  explicit CallWriter(const Call& call) : call_(call) {}
+
+  /// `EXEC head, parameters`, those from `first` on.
+  /// @param status the procedure gives a return status
+  CallText Write(const std::string& head, std::size_t first, bool status) {
+    std::string declarations;
+    std::string list;
+    for (std::size_t i = first; i < call_.parameters.size(); ++i) {
+      const Parameter& parameter = call_.parameters[i];
+      if (!list.empty()) list += ", ";
+      const std::string& name = CheckedName(parameter);
+      if (!name.empty()) list += name + "=";
+      if (parameter.is_default) {
+        list += "DEFAULT";
+      } else if (parameter.is_output) {
+        const std::string variable = "@tds_" + std::to_string(result_.outputs.size());
+        declarations += "DECLARE " + variable + " " + parameter.type + " = " + parameter.literal + "\n";
+        columns_ += ", " + variable;
+        list += variable + " OUTPUT";
+        result_.outputs.push_back(i);
+      } else {
+        list += parameter.literal;
+      }
+    }
+    result_.has_result = status || !result_.outputs.empty();
+    if (status) declarations += "DECLARE @tds_status int = 0\n";
+    result_.text = declarations + "EXEC " + (status ? "@tds_status = " : "") + head;
+    if (!list.empty()) result_.text += (head.ends_with('\'') ? ", " : " ") + list;
+    if (result_.has_result) {
+      result_.text += std::string("\nSELECT ") + (status ? "@tds_status" : "0") + " AS [" + kOutputColumn + "]" +
+                      columns_;
+    }
+    return std::move(result_);
+  }
+
+ private:
+  const Call& call_;
+  CallText result_;
+  std::string columns_;
+};
+
+/// Runs a statement with the parameters from `first` on.
+CallText ExecutionText(const Call& call, const Prepared& prepared, std::size_t first) {
+  if (prepared.declarations.empty() && first >= call.parameters.size()) {
+    return CallWriter(call).Write("sp_executesql " + TextLiteral(prepared.statement), first, false);
+  }
+  return CallWriter(call).Write(
+      "sp_executesql " + TextLiteral(prepared.statement) + ", " + TextLiteral(prepared.declarations), first, false);
+}
+
+}  // namespace
+
+std::vector<Call> ReadCalls(TdsReader& reader) {
+  std::vector<Call> calls;
+  for (;;) {
+    calls.push_back(ReadCall(reader));
+    if (reader.at_end()) return calls;
+    reader.U8();
+    if (reader.at_end()) return calls;
+  }
+}
+
+std::int32_t PreparedStatements::Add(Prepared prepared) {
+  if (prepared_.size() >= kMostPrepared) RaiseCall(8180, "Statement(s) could not be prepared: there are too many.");
+  prepared_.emplace(++last_, std::move(prepared));
+  return last_;
+}
+
+const Prepared& PreparedStatements::Get(std::int64_t handle) const {
+  const auto found = prepared_.find(handle);
+  if (found == prepared_.end()) {
+    RaiseCall(8179, "Could not find prepared statement with handle " + std::to_string(handle) + ".");
+  }
+  return found->second;
+}
+
+void PreparedStatements::Remove(std::int64_t handle) {
+  if (prepared_.erase(handle) > 0) return;
+  RaiseCall(8179, "Could not find prepared statement with handle " + std::to_string(handle) + ".");
+}
+
+CallText MakeCallText(const Call& call, PreparedStatements& prepared) {
+  switch (call.procedure) {
+    case KnownProcedure::kExecuteSql:
+      return ExecutionText(call, {TextParameter(call, 0, "@statement"), OptionalText(call, 1)}, 2);
+    case KnownProcedure::kPrepare: {
+      CallText text;
+      text.handle = prepared.Add({TextParameter(call, 2, "@stmt"), OptionalText(call, 1)});
+      return text;
+    }
+    case KnownProcedure::kExecute:
+      return ExecutionText(call, prepared.Get(HandleParameter(call)), 1);
+    case KnownProcedure::kPrepareAndExecute: {
+      const Prepared fresh{TextParameter(call, 2, "@stmt"), OptionalText(call, 1)};
+      CallText text = ExecutionText(call, fresh, 3);
+      // A handle that is given is that of a statement which the new one replaces.
+      if (call.parameters[0].number && *call.parameters[0].number != 0) prepared.Remove(*call.parameters[0].number);
+      text.handle = prepared.Add(fresh);
+      return text;
+    }
+    case KnownProcedure::kUnprepare:
+      prepared.Remove(HandleParameter(call));
+      return {};
+    case KnownProcedure::kNone:
+      break;
+  }
+  return CallWriter(call).Write(QuotedName(call.name), 0, true);
+}
+
+}  // namespace tessarlorn::serve

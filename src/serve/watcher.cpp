@@ -45,12 +45,13 @@ void Watcher::Run() {
   std::vector<pollfd> wanted;
   std::unique_lock lock(mutex_);
   while (!stopping_) {
-    if (running_.empty()) {
-      seen.clear();
+    if (running_.empty()) seen.clear();
+    // The batch that woke this thread may be over when it is awake.
+    while (!stopping_ && running_.empty()) {
       asleep_ = true;
-      wake_.wait(lock, [this] { return stopping_ || !running_.empty(); });
-      asleep_ = false;
+      wake_.wait(lock);
     }
+    asleep_ = false;
     // Those that were running at the last look have run for a while now.
     wanted.clear();
     waiting.clear();

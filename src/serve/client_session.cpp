@@ -225,7 +225,7 @@ void ClientSession::Answer(const Message& request) {
         AnswerTransaction(reply, request.payload);
         break;
       case PacketType::kAttention:
-        return reply.FinishAttention();
+        return reply.AcknowledgeAttention();
       default:
         throw ProtocolError("a request of a type that does not belong here");
     }
@@ -238,7 +238,8 @@ void ClientSession::Answer(const Message& request) {
 bool ClientSession::EndInterrupted(Reply& reply) {
   auto reason = Interruption::kAttention;
   if (interruption_.compare_exchange_strong(reason, Interruption::kNone)) {
-    reply.FinishAttention();
+    reply.FinishBroken();
+    reply.AcknowledgeAttention();
     return true;
   }
   return reason != Interruption::kNone;

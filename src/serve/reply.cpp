@@ -123,8 +123,13 @@ void Reply::FinishCall(bool last) {
   if (last) Send();
 }
 
-void Reply::FinishAttention() {
+void Reply::FinishBroken() {
   Tokens();
+  PutDone({Token::kDone, kDoneError, 0, 0});
+  Send();
+}
+
+void Reply::AcknowledgeAttention() {
   PutDone({Token::kDone, kDoneAttention, 0, 0});
   Send();
 }

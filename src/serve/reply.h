@@ -41,8 +41,10 @@ class Reply : public BatchSink {
   void Finish();
   /// Ends a call, after its return status and output values; `last` when no other call of the request follows.
   void FinishCall(bool last);
-  /// Ends a request that an attention broke off, or an attention that came alone.
-  void FinishAttention();
+  /// Ends a request that was broken off.
+  void FinishBroken();
+  /// Answers an attention. It has an answer of its own, behind that of the request which it broke off.
+  void AcknowledgeAttention();
 
  private:
   void SetPending(std::uint16_t status, std::uint16_t command, std::uint64_t rows);

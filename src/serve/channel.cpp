@@ -32,8 +32,7 @@ std::optional<Message> Channel::Receive(std::chrono::milliseconds time) {
         return std::nullopt;
       }
     }
-    const auto left =
-        std::chrono::duration_cast<std::chrono::milliseconds>(until - std::chrono::steady_clock::now());
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(until - std::chrono::steady_clock::now());
     if (left.count() <= 0 || !stream_.WaitReadable(left)) {
       throw ProtocolError("nothing came for " + std::to_string(time.count() / 1000) + " seconds");
     }

@@ -57,19 +57,14 @@ void ClientSession::Log(const std::string& line) const {
 int ClientSession::watched_descriptor() const noexcept { return looking_.load() ? stream_.descriptor() : -1; }
 
 void ClientSession::Look() noexcept {
-  switch (channel_.Look()) {
-    case Arrival::kNothing:
-      return;
-    case Arrival::kAttention:
-      interruption_.store(Interruption::kAttention);
-      break;
-    case Arrival::kEnd:
-      interruption_.store(Interruption::kGone);
-      break;
-    case Arrival::kNextMessage:
-      break;
-  }
+  const Arrival arrival = channel_.Look();
+  if (arrival == Arrival::kNothing) return;
   looking_.store(false);
+  if (arrival == Arrival::kNextMessage) return;
+  // Whatever comes when the server ends, that is the reason.
+  auto before = Interruption::kNone;
+  interruption_.compare_exchange_strong(
+      before, arrival == Arrival::kAttention ? Interruption::kAttention : Interruption::kGone);
 }
 
 void ClientSession::CancelIfWanted() noexcept {
@@ -79,15 +74,15 @@ void ClientSession::CancelIfWanted() noexcept {
 void ClientSession::Stop() noexcept { interruption_.store(Interruption::kShutdown); }
 
 void ClientSession::Run() noexcept {
+  std::string end;
   try {
     if (LogIn()) Serve();
+  } catch (const ProtocolError& error) {
+    end = std::string("dropped: ") + error.what();
   } catch (const std::exception& error) {
-    try {
-      Log(std::string("dropped: ") + error.what());
-    } catch (const std::exception&) {
-      return;
-    }
+    end = std::string("failed: ") + error.what();
   }
+  if (!end.empty()) Log(end);
 }
 
 bool ClientSession::AnswerPreLogin(std::string_view payload) {
@@ -148,8 +143,7 @@ bool ClientSession::Admit(const Login& login) {
                   "the client speaks an older version of TDS");
   }
   if (login.integrated) {
-    return Refuse(login,
-                  LoginError(18452, 14, "Login failed. The server knows users by name and password only."),
+    return Refuse(login, LoginError(18452, 14, "Login failed. The server knows users by name and password only."),
                   "integrated login is not supported");
   }
   if (!service_.users.Check(login.user, login.password)) {
@@ -157,11 +151,11 @@ bool ClientSession::Admit(const Login& login) {
                   "unknown user or wrong password");
   }
   if (!login.database.empty() && !EqualsIgnoreCase(login.database, kDatabaseName)) {
-    return Refuse(login,
-                  LoginError(4060, 11,
-                             "Cannot open database \"" + login.database +
-                                 "\" requested by the login. The login failed."),
-                  "unknown database '" + OnOneLine(login.database) + "'");
+    return Refuse(
+        login,
+        LoginError(4060, 11,
+                   "Cannot open database \"" + login.database + "\" requested by the login. The login failed."),
+        "unknown database '" + OnOneLine(login.database) + "'");
   }
   try {
     connection_ = OpenConnection(service_.database_string);

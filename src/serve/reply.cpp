@@ -101,8 +101,8 @@ void Reply::Transaction(TransactionEvent event) {
     tokens.PutEnvironmentBytes(Environment::kTransactionBegun, DescriptorBytes(transaction_.open), "");
     return;
   }
-  const auto kind = event == TransactionEvent::kCommitted ? Environment::kTransactionCommitted
-                                                          : Environment::kTransactionRolledBack;
+  const auto kind =
+      event == TransactionEvent::kCommitted ? Environment::kTransactionCommitted : Environment::kTransactionRolledBack;
   tokens.PutEnvironmentBytes(kind, "", DescriptorBytes(std::exchange(transaction_.open, 0)));
 }
 

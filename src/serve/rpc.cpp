@@ -157,8 +157,8 @@ class CallWriter {
     result_.text = declarations + "EXEC " + (status ? "@tds_status = " : "") + head;
     if (!list.empty()) result_.text += (head.ends_with('\'') ? ", " : " ") + list;
     if (result_.has_result) {
-      result_.text += std::string("\nSELECT ") + (status ? "@tds_status" : "0") + " AS [" + kOutputColumn + "]" +
-                      columns_;
+      result_.text +=
+          std::string("\nSELECT ") + (status ? "@tds_status" : "0") + " AS [" + kOutputColumn + "]" + columns_;
     }
     return std::move(result_);
   }

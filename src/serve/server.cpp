@@ -20,8 +20,8 @@ std::string PeerText(const sockaddr_storage& storage, socklen_t size) {
   std::array<char, NI_MAXHOST> host{};
   std::array<char, NI_MAXSERV> port{};
   const auto* const address = static_cast<const sockaddr*>(static_cast<const void*>(&storage));
-  if (getnameinfo(address, size, host.data(), host.size(), port.data(), port.size(),
-                  NI_NUMERICHOST | NI_NUMERICSERV) != 0) {
+  if (getnameinfo(address, size, host.data(), host.size(), port.data(), port.size(), NI_NUMERICHOST | NI_NUMERICSERV) !=
+      0) {
     return "client";
   }
   return std::string(host.data()) + ":" + port.data();
@@ -72,8 +72,8 @@ void Server::Run() {
 void Server::Accept() {
   sockaddr_storage storage{};
   socklen_t size = sizeof storage;
-  Descriptor descriptor(accept4(listening_.get(), static_cast<sockaddr*>(static_cast<void*>(&storage)), &size,
-                                SOCK_CLOEXEC));
+  Descriptor descriptor(
+      accept4(listening_.get(), static_cast<sockaddr*>(static_cast<void*>(&storage)), &size, SOCK_CLOEXEC));
   JoinEnded();
   if (descriptor.get() < 0) {
     // Without a free descriptor the waiting client stays, and would be met again at once.

@@ -58,8 +58,7 @@ TlsContext::TlsContext(const std::string& certificate_file, const std::string& k
   SSL_CTX_set_session_cache_mode(context, SSL_SESS_CACHE_OFF);
   SSL_CTX_set_options(context, SSL_OP_NO_RENEGOTIATION);
   if (SSL_CTX_use_certificate_chain_file(context, certificate_file.c_str()) != 1) {
-    Raise(error_number::kInvalidArgument,
-          "The certificate " + certificate_file + " cannot be used: " + LastReason());
+    Raise(error_number::kInvalidArgument, "The certificate " + certificate_file + " cannot be used: " + LastReason());
   }
   if (SSL_CTX_use_PrivateKey_file(context, key_file.c_str(), SSL_FILETYPE_PEM) != 1 ||
       SSL_CTX_check_private_key(context) != 1) {

@@ -12,7 +12,7 @@ enum class Request : std::uint16_t { kBegin = 5, kCommit = 7, kRollback = 8, kSa
 
 /// Level 0 leaves it as it is.
 std::string IsolationText(std::uint8_t level) {
-  constexpr std::array kLevels = {"", "READ UNCOMMITTED", "READ COMMITTED", "REPEATABLE READ", "SERIALIZABLE",
+  constexpr std::array kLevels = {"",        "READ UNCOMMITTED", "READ COMMITTED", "REPEATABLE READ", "SERIALIZABLE",
                                   "SNAPSHOT"};
   if (level >= kLevels.size()) throw ProtocolError("an unknown isolation level");
   if (level == 0) return "";

@@ -21,7 +21,6 @@ namespace tessarlorn::serve {
 namespace {
 
 constexpr std::string_view kScheme = "pbkdf2-sha256";
-constexpr int kIterations = 100'000;
 constexpr int kMostIterations = 10'000'000;
 constexpr std::size_t kSaltSize = 16;
 constexpr std::size_t kHashSize = 32;
@@ -90,17 +89,17 @@ std::string_view WithoutReturn(std::string_view line) {
   return line;
 }
 
-}  // namespace
-
-std::string HashPassword(std::string_view password) {
+std::string HashPassword(std::string_view password, int iterations) {
   std::vector<unsigned char> salt(kSaltSize);
   if (RAND_bytes(salt.data(), static_cast<int>(salt.size())) != 1) {
     Raise(error_number::kInternalError, "The system gives no random numbers");
   }
-  const Hash hash = Derive(password, salt, kIterations);
-  return std::string(kScheme) + "$" + std::to_string(kIterations) + "$" + ToHex(salt.data(), salt.size()) + "$" +
+  const Hash hash = Derive(password, salt, iterations);
+  return std::string(kScheme) + "$" + std::to_string(iterations) + "$" + ToHex(salt.data(), salt.size()) + "$" +
          ToHex(hash.data(), hash.size());
 }
+
+}  // namespace
 
 Users Users::Read(const std::string& file) {
   const auto refuse = [&file](const std::string& why) {
@@ -133,16 +132,16 @@ Users Users::Read(const std::string& file) {
 
 bool Users::Check(std::string_view name, std::string_view password) const {
   const auto found = hashes_.find(LowerCase(name));
-  static const std::string other = HashPassword("");
+  static const std::string other = HashPassword("", kHashIterations);
   const bool known = found != hashes_.end();
   const StoredHash stored = *ReadHash(known ? found->second : other);
   const Hash hash = Derive(password, stored.salt, stored.iterations);
   return CRYPTO_memcmp(hash.data(), stored.hash.data(), hash.size()) == 0 && known;
 }
 
-void AddUser(const std::string& file, std::string_view name, std::string_view password) {
-  const bool plain = std::none_of(name.begin(), name.end(),
-                                  [](char c) { return c == ':' || static_cast<unsigned char>(c) < ' '; });
+void AddUser(const std::string& file, std::string_view name, std::string_view password, int iterations) {
+  const bool plain =
+      std::none_of(name.begin(), name.end(), [](char c) { return c == ':' || static_cast<unsigned char>(c) < ' '; });
   if (name.empty() || !plain || name.front() == '#' || !IsValidUtf8(name)) {
     Raise(error_number::kInvalidArgument,
           "'" + std::string(name) + "' is no name of a user: it is empty, begins with # or has a colon");
@@ -157,7 +156,7 @@ void AddUser(const std::string& file, std::string_view name, std::string_view pa
       if (!EqualsIgnoreCase(line.substr(0, line.find(':')), name)) lines.emplace_back(WithoutReturn(line));
     }
   }
-  lines.push_back(std::string(name) + ":" + HashPassword(password));
+  lines.push_back(std::string(name) + ":" + HashPassword(password, iterations));
   const auto refuse = [&file] {
     Raise(error_number::kInvalidArgument, "The users' file " + file + " cannot be written: " + std::strerror(errno));
   };

@@ -21,12 +21,14 @@ class Users {
   std::map<std::string, std::string> hashes_;  // by name in lower case
 };
 
-/// The salted hash of a password: `pbkdf2-sha256$iterations$salt$hash`, the last two in hexadecimal digits.
-std::string HashPassword(std::string_view password);
+/// How often a password is hashed: slow enough that guessing is dear.
+inline constexpr int kHashIterations = 100'000;
 
 /// Adds a user to the file, which is made readable by its owner only when it is not there; the line of the same user is
 /// replaced. Raises Error 5 for a name that is empty or has a colon or a control character, for an empty password, and
-/// when the file cannot be written.
-void AddUser(const std::string& file, std::string_view name, std::string_view password);
+/// when the file cannot be written. The line is `name:pbkdf2-sha256$iterations$salt$hash`, the last two in hexadecimal
+/// digits.
+void AddUser(const std::string& file, std::string_view name, std::string_view password,
+             int iterations = kHashIterations);
 
 }  // namespace tessarlorn::serve

@@ -29,9 +29,7 @@ void PutLongType(TdsWriter& writer, TypeCode fixed, TypeCode varying, bool is_fi
   if (text) writer.Bytes(kCollation);
 }
 
-std::uint8_t DecimalSize(int precision) {
-  return precision <= 9 ? 5 : precision <= 19 ? 9 : precision <= 28 ? 13 : 17;
-}
+std::uint8_t DecimalSize(int precision) { return precision <= 9 ? 5 : precision <= 19 ? 9 : precision <= 28 ? 13 : 17; }
 
 void PutFieldType(TdsWriter& writer, const Field& field) {
   const auto size = static_cast<std::size_t>(std::max(field.size, 0));
@@ -66,8 +64,7 @@ void PutFieldType(TdsWriter& writer, const Field& field) {
       return PutSizedType(writer, TypeCode::kGuid, 16);
     case FieldType::kChar:
     case FieldType::kVarChar:
-      return PutLongType(writer, TypeCode::kBigChar, TypeCode::kBigVarChar, field.type == FieldType::kChar, size,
-                         true);
+      return PutLongType(writer, TypeCode::kBigChar, TypeCode::kBigVarChar, field.type == FieldType::kChar, size, true);
     case FieldType::kNChar:
     case FieldType::kNVarChar:
       return PutLongType(writer, TypeCode::kNChar, TypeCode::kNVarChar, field.type == FieldType::kNChar, size * 2,

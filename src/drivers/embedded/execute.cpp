@@ -384,9 +384,8 @@ void Session::ExecuteSetOption(const Statement& statement) {
   constexpr std::array kAlwaysOn = {
       "ansi_nulls",        "ansi_padding",     "ansi_warnings", "arithabort", "concat_null_yields_null",
       "quoted_identifier", "ansi_null_dflt_on"};
-  constexpr std::array kAlwaysOff = {
-      "numeric_roundabort", "noexec",        "parseonly",    "fmtonly",
-      "showplan_all",       "showplan_text", "showplan_xml", "ansi_null_dflt_off"};
+  constexpr std::array kAlwaysOff = {"numeric_roundabort", "noexec",        "parseonly",    "fmtonly",
+                                     "showplan_all",       "showplan_text", "showplan_xml", "ansi_null_dflt_off"};
   const std::string& option = statement.text;
   if (option == "identity_insert") {
     identity_insert_ = statement.flag ? statement.table.name : "";

@@ -351,7 +351,11 @@ Typed Translator::Unary(const Expression& expression, Scope& scope) {
   if (value.type.untyped_null) return value;
   if (!value.type.is_number()) RaiseOperand(value.type, BinaryOp::kSubtract);
   if (value.type.storage() == Storage::kBigDecimal) {
-    return BinaryOf(BinaryOp::kSubtract, Constant(std::int64_t{0}, IntType()), std::move(value));
+    // Of its own type: all 38 digits may be taken.
+    const std::string type = std::to_string(PackType(value.type));
+    return {"ts_arith(" + std::to_string(static_cast<int>(BinaryOp::kSubtract)) + ", 0, " +
+                std::to_string(PackType(IntType())) + ", " + value.sql + ", " + type + ", " + type + ")",
+            value.type, value.nullable, -1};
   }
   return {"(-" + value.sql + ")", value.type, value.nullable, -1};
 }

@@ -1,0 +1,192 @@
+// A client's whole session, over a stream in memory.
+#include "serve/client_session.h"
+
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <mutex>
+#include <unistd.h>
+
+#include "serve/tds_support.h"
+#include "serve/type_codes.h"
+#include "support/sample_database.h"
+
+namespace tessarlorn::serve {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+class ClientSessionTest : public testing::Test {
+ protected:
+  ClientSessionTest() {
+    const std::filesystem::path file =
+        std::filesystem::temp_directory_path() / ("session_test_" + std::to_string(getpid()) + ".users");
+    AddUser(file, "ann", "s3cret", 1);
+    service_.users = Users::Read(file);
+    std::filesystem::remove(file);
+    service_.database_string = database_.database();
+    service_.log = [this](const std::string& line) { log_.push_back(line); };
+  }
+
+  /// All that the server answers to these bytes, without the packets' heads.
+  std::string Answer(const std::string& input) {
+    MemoryStream stream(input);
+    ClientSession session(stream, service_, "peer", nullptr);
+    session.Run();
+    return Payload(stream.output());
+  }
+  /// What is answered behind the login.
+  std::string AnswerAfterLogin(const std::string& input) {
+    const std::string login = Answer(LoginMessage());
+    const std::string all = Answer(LoginMessage() + input);
+    EXPECT_EQ(all.substr(0, login.size()), login);
+    return all.substr(login.size());
+  }
+
+  static std::string DoneBytes(std::uint16_t status, std::uint16_t command = 0, std::uint64_t rows = 0) {
+    TdsWriter writer;
+    writer.Put(Done{Token::kDone, status, command, rows});
+    return writer.bytes();
+  }
+
+  SampleDatabase database_;
+  Service service_;
+  std::vector<std::string> log_;
+};
+
+TEST_F(ClientSessionTest, LetsUsersIn) {
+  LoginWords words;
+  words.user = "ANN";
+  words.database = "Main";
+  const std::string answer = Answer(PreLoginMessage(2) + LoginMessage(words));
+  EXPECT_THAT(answer, AllOf(HasSubstr(Wide("Changed database context to 'main'.")), HasSubstr(Wide("us_english"))));
+  EXPECT_TRUE(answer.ends_with(DoneBytes(0)));
+  EXPECT_THAT(log_, IsEmpty());
+}
+
+TEST_F(ClientSessionTest, RefusesOthersAndSaysWhyInTheLog) {
+  struct Case {
+    LoginWords words;
+    std::string answer;
+    std::string log;
+  };
+  for (const Case& item : {
+           Case{{.password = "S3cret"}, "Login failed for user 'ann'.", "wrong password"},
+           Case{{.user = "bob"}, "Login failed for user 'bob'.", "refused user 'bob'"},
+           Case{{.password = ""}, "Login failed for user 'ann'.", "wrong password"},
+           Case{{.database = "master"}, "Cannot open database \"master\"", "unknown database 'master'"},
+           Case{{.version = 0x71000001}, "TDS 7.3 or 7.4 is wanted", "older version"},
+       }) {
+    log_.clear();
+    const std::string answer = Answer(LoginMessage(item.words) + BatchMessage("select 1 a"));
+    EXPECT_THAT(answer, HasSubstr(Wide(item.answer)));
+    EXPECT_TRUE(answer.ends_with(DoneBytes(kDoneError)));
+    ASSERT_EQ(log_.size(), 1U) << item.log;
+    EXPECT_THAT(log_[0], AllOf(HasSubstr(item.log), Not(HasSubstr("cret"))));
+  }
+}
+
+TEST_F(ClientSessionTest, EndsMalformedStreamsOnly) {
+  std::string shifted = LoginMessage();
+  shifted[kPacketHeaderSize + 41] = '\x7f';
+  struct Case {
+    std::string input;
+    std::string log;
+  };
+  for (const Case& item : {
+           Case{"GET / HTTP/1.1\r\n\r\n", "unknown type"},
+           Case{BatchMessage("select 1 a"), "before the login"},
+           Case{PreLoginMessage(1), "wants encryption"},
+           Case{PreLoginMessage(2) + PreLoginMessage(2), "before the login"},
+           Case{shifted, "outside of it"},
+           Case{LoginMessage() + ClientMessage(PacketType::kSqlBatch, "xx"), "too early"},
+           Case{LoginMessage() + ClientMessage(PacketType::kSqlBatch, std::string("\xff\xff\xff\xff", 4)), "too early"},
+           Case{LoginMessage() + LoginMessage(), "does not belong here"},
+           Case{LoginMessage().substr(0, 50), "inside a message"},
+       }) {
+    log_.clear();
+    Answer(item.input);
+    ASSERT_EQ(log_.size(), 1U) << item.log;
+    EXPECT_THAT(log_[0], HasSubstr(item.log));
+  }
+}
+
+TEST_F(ClientSessionTest, AnswersBatchesInOrder) {
+  const std::string answer = AnswerAfterLogin(
+      BatchMessage("create table #t (n int primary key)\ninsert #t values (1), (2)\nprint 'half'\nset nocount on\n"
+                   "insert #t values (3)\nset nocount off\ninsert #t values (3)\nselect n from #t where n = 2"));
+  const std::vector<std::string> parts = {
+      DoneBytes(kDoneCount | kDoneMore, 0xC5, 2),
+      Wide("half"),
+      Wide("Violation of PRIMARY KEY"),
+      Wide("The statement has been terminated."),
+      DoneBytes(kDoneError | kDoneMore),
+      std::string("\xD1\x04\x02\x00\x00\x00", 6),
+      DoneBytes(kDoneCount, 0xC1, 1),
+  };
+  std::size_t at = 0;
+  for (const std::string& part : parts) {
+    const std::size_t found = answer.find(part, at);
+    ASSERT_NE(found, std::string::npos) << "part behind " << at;
+    at = found + part.size();
+  }
+  EXPECT_EQ(at, answer.size());
+}
+
+TEST_F(ClientSessionTest, TellsWhereAnErrorStands) {
+  const std::string answer = AnswerAfterLogin(BatchMessage("select 1 a\n\nselec 2"));
+  TdsWriter expected;
+  expected.Put(ServerMessage{102, 1, 15, 3, "Incorrect syntax near 'selec'."});
+  EXPECT_EQ(answer, expected.bytes() + DoneBytes(kDoneError));
+}
+
+TEST_F(ClientSessionTest, ShowsTransactionsToItsClient) {
+  TdsWriter begin;
+  WriteHeaders(begin);
+  begin.U16(5);
+  begin.U8(2);
+  begin.U8(0);
+  const std::string answer =
+      AnswerAfterLogin(ClientMessage(PacketType::kTransactionManager, begin.bytes()) + BatchMessage("rollback"));
+  TdsWriter expected;
+  const std::string number("\x01\0\0\0\0\0\0\0", 8);
+  expected.PutEnvironmentBytes(Environment::kTransactionBegun, number, "");
+  expected.Put(Done{Token::kDone, kDoneInTransaction, 0, 0});
+  expected.PutEnvironmentBytes(Environment::kTransactionRolledBack, "", number);
+  expected.Put(Done{});
+  EXPECT_EQ(answer, expected.bytes());
+}
+
+TEST_F(ClientSessionTest, BeginsTransactionsByItselfWhenAsked) {
+  const std::string answer = AnswerAfterLogin(
+      BatchMessage("create table Kept (n int)") +
+      BatchMessage("set implicit_transactions on\nselect 1 a\ninsert Kept values (1)\nprint @@trancount\nrollback"));
+  EXPECT_THAT(answer, HasSubstr(Wide("1")));
+  EXPECT_EQ(database_.connection().Execute("select count(*) from Kept")->Get(0).ToInt32(), 0);
+}
+
+TEST_F(ClientSessionTest, IsAsNewWhenItsClientWantsItReset) {
+  const std::string answer =
+      AnswerAfterLogin(BatchMessage("begin tran create table #t (n int)") +
+                       BatchMessage("select @@trancount t", kResetConnection) + BatchMessage("select n from #t"));
+  EXPECT_THAT(answer, AllOf(HasSubstr(std::string("\xE3\x03\x00\x12\x00\x00", 6)),
+                            HasSubstr(std::string("\xD1\x04\x00\x00\x00\x00", 6)),
+                            HasSubstr(Wide("Invalid object name '#t'."))));
+}
+
+TEST_F(ClientSessionTest, AcknowledgesAnAttentionThatCameTooLate) {
+  EXPECT_EQ(AnswerAfterLogin(ClientMessage(PacketType::kAttention, "")), DoneBytes(kDoneAttention));
+}
+
+TEST_F(ClientSessionTest, RefusesMessagesBeyondTheLimit) {
+  service_.limits.message = 1000;
+  Answer(LoginMessage() + BatchMessage("select 1 a" + std::string(2000, ' ')));
+  EXPECT_THAT(log_, ElementsAre(HasSubstr("more than 1000 bytes")));
+}
+
+}  // namespace
+}  // namespace tessarlorn::serve

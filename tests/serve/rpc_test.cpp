@@ -1,0 +1,94 @@
+#include "serve/rpc.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/error.h"
+#include "serve/tds_support.h"
+
+namespace tessarlorn::serve {
+namespace {
+
+Parameter Text(const std::string& value, const std::string& name = "") {
+  Parameter parameter;
+  parameter.name = name;
+  parameter.type = "nvarchar(4000)";
+  parameter.text = value;
+  parameter.literal = TextLiteral(value);
+  return parameter;
+}
+
+Parameter Number(std::int64_t value, const std::string& name = "", bool output = false) {
+  Parameter parameter;
+  parameter.name = name;
+  parameter.type = "int";
+  parameter.number = value;
+  parameter.literal = std::to_string(value);
+  parameter.is_output = output;
+  return parameter;
+}
+
+std::string TextOf(const Call& call) {
+  PreparedStatements prepared;
+  return MakeCallText(call, prepared).text;
+}
+
+TEST(Rpc, WritesValuesAsLiterals) {
+  EXPECT_EQ(TextOf({KnownProcedure::kExecuteSql, "", {Text("select @a, '@b'"), Text("@a int"), Number(7, "@a")}}),
+            "EXEC sp_executesql N'select @a, ''@b''', N'@a int', @a=7");
+  EXPECT_EQ(TextOf({KnownProcedure::kExecuteSql, "", {Text("select 1")}}), "EXEC sp_executesql N'select 1'");
+  EXPECT_EQ(TextOf({KnownProcedure::kNone, "dbo.[odd ]]name]", {Text("'; drop table x --"), Number(1, "@n", true)}}),
+            "DECLARE @tds_0 int = 1\nDECLARE @tds_status int = 0\n"
+            "EXEC @tds_status = [dbo].[odd ]]name] N'''; drop table x --', @n=@tds_0 OUTPUT\n"
+            "SELECT @tds_status AS [$tds_output], @tds_0");
+}
+
+TEST(Rpc, TakesNoNameForText) {
+  for (const char* name : {"p; drop table x", "p 1", "[p", "", "a.", "p]"}) {
+    EXPECT_THROW(TextOf({KnownProcedure::kNone, name, {}}), Error) << name;
+  }
+  for (const char* name : {"@a=1;drop table x--", "a", "@", "@a b"}) {
+    EXPECT_THROW(TextOf({KnownProcedure::kNone, "p", {Number(1, name)}}), Error) << name;
+  }
+}
+
+TEST(Rpc, KeepsPreparedStatementsByHandle) {
+  PreparedStatements prepared;
+  const CallText made = MakeCallText(
+      {KnownProcedure::kPrepare, "", {Number(0, "", true), Text("@a int"), Text("select @a"), Number(1)}}, prepared);
+  ASSERT_TRUE(made.handle);
+  EXPECT_EQ(made.text, "");
+  const Call execute{KnownProcedure::kExecute, "", {Number(*made.handle), Number(5)}};
+  EXPECT_EQ(MakeCallText(execute, prepared).text, "EXEC sp_executesql N'select @a', N'@a int', 5");
+  MakeCallText({KnownProcedure::kUnprepare, "", {Number(*made.handle)}}, prepared);
+  EXPECT_THROW(MakeCallText(execute, prepared), Error);
+}
+
+TEST(Rpc, ReadsCallsAndRefusesCutOnes) {
+  TdsWriter writer;
+  writer.U16(2);
+  writer.Text("p1");
+  writer.U16(0);
+  writer.U8(0);
+  writer.U8(1);
+  writer.Bytes(std::string("\x26\x04\x04\x07\0\0\0", 7));
+  writer.U8(0xff);
+  writer.U16(0xffff);
+  writer.U16(10);
+  writer.U16(0);
+  TdsReader reader(writer.bytes());
+  const std::vector<Call> calls = ReadCalls(reader);
+  ASSERT_EQ(calls.size(), 2U);
+  EXPECT_EQ(calls[0].name, "p1");
+  ASSERT_EQ(calls[0].parameters.size(), 1U);
+  EXPECT_TRUE(calls[0].parameters[0].is_output);
+  EXPECT_EQ(calls[1].procedure, KnownProcedure::kExecuteSql);
+  // Cut behind the first call, before or behind its separator, it is a request of its own.
+  for (std::size_t size = 0; size < writer.size(); ++size) {
+    if (size == 8 || size == 17 || size == 18) continue;
+    TdsReader cut(std::string_view(writer.bytes()).substr(0, size));
+    EXPECT_THROW((void)ReadCalls(cut), ProtocolError) << size;
+  }
+}
+
+}  // namespace
+}  // namespace tessarlorn::serve

@@ -1,0 +1,172 @@
+// The served database under clients that come and go, with garbage among them.
+#include <arpa/inet.h>
+#include <chrono>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <random>
+#include <sys/socket.h>
+
+#include "serve/server_support.h"
+#include "serve/tds_support.h"
+
+namespace tessarlorn::serve {
+namespace {
+
+using testing::HasSubstr;
+
+/// A socket of a client.
+class Client {
+ public:
+  explicit Client(int port) : descriptor_(socket(AF_INET, SOCK_STREAM, 0)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    connected_ = connect(descriptor_, static_cast<sockaddr*>(static_cast<void*>(&address)), sizeof address) == 0;
+  }
+  Client(const Client&) = delete;
+  Client& operator=(const Client&) = delete;
+  ~Client() { close(descriptor_); }
+
+  [[nodiscard]] bool connected() const { return connected_; }
+  void Send(std::string_view bytes) const { (void)send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
+  /// What comes up to the end of a message, or of the connection.
+  [[nodiscard]] std::string Receive() const {
+    std::string bytes;
+    for (std::size_t at = 0;;) {
+      while (bytes.size() >= at + kPacketHeaderSize) {
+        const bool last = bytes[at + 1] == 1;
+        at += (static_cast<std::size_t>(static_cast<std::uint8_t>(bytes[at + 2])) << 8) |
+              static_cast<std::uint8_t>(bytes[at + 3]);
+        if (last && bytes.size() >= at) return bytes;
+      }
+      std::array<char, 4096> buffer{};
+      const ssize_t size = recv(descriptor_, buffer.data(), buffer.size(), 0);
+      if (size <= 0) return bytes;
+      bytes.append(buffer.data(), static_cast<std::size_t>(size));
+    }
+  }
+  /// Whether the server ends the connection within ten seconds.
+  [[nodiscard]] bool IsEnded() const {
+    pollfd wanted{descriptor_, POLLIN | POLLRDHUP, 0};
+    std::array<char, 4096> buffer{};
+    while (poll(&wanted, 1, 10'000) > 0) {
+      if (recv(descriptor_, buffer.data(), buffer.size(), 0) <= 0) return true;
+    }
+    return false;
+  }
+
+ private:
+  int descriptor_;
+  bool connected_ = false;
+};
+
+/// Bytes of memory that the process holds.
+std::size_t ResidentMemory(pid_t process) {
+  std::ifstream in("/proc/" + std::to_string(process) + "/statm");
+  std::size_t total = 0;
+  std::size_t resident = 0;
+  in >> total >> resident;
+  return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+std::string Garbage(std::mt19937& random) {
+  std::string bytes(random() % 3000, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(random());
+  return bytes;
+}
+
+/// Two hundred clients at once: most log in and read, one in four sends garbage before or behind its login.
+void ComeAndGo(int port, std::mt19937& random) {
+  std::vector<std::unique_ptr<Client>> clients;
+  for (int i = 0; i < 200; ++i) {
+    clients.push_back(std::make_unique<Client>(port));
+    ASSERT_TRUE(clients.back()->connected());
+    clients.back()->Send(i % 8 == 3 ? Garbage(random) : LoginMessage());
+  }
+  for (std::size_t i = 0; i < clients.size(); ++i) {
+    if (i % 8 == 3) continue;
+    EXPECT_THAT(clients[i]->Receive(), HasSubstr(Wide("main")));
+    clients[i]->Send(i % 8 == 7 ? Garbage(random) : BatchMessage("select top 5 * from IC_Web2ERPOrders order by FID"));
+  }
+  for (std::size_t i = 0; i < clients.size(); ++i) {
+    if (i % 4 != 3) EXPECT_THAT(clients[i]->Receive(), HasSubstr(Wide("FOrderID")));
+  }
+}
+
+/// TESSARLORN_SOAK_SECONDS=60 makes it last a minute.
+TEST(ServerThreads, KeepsItsMemoryWhileClientsComeAndGo) {
+  const ServerProcess server({"--max-connections", "1000"});
+  std::mt19937 random(7);
+  ComeAndGo(server.port(), random);
+  ComeAndGo(server.port(), random);
+  const std::size_t before = ResidentMemory(server.process());
+  const char* const seconds = std::getenv("TESSARLORN_SOAK_SECONDS");
+  const auto until =
+      std::chrono::steady_clock::now() + std::chrono::seconds(seconds == nullptr ? 0 : std::stoi(seconds));
+  int rounds = 0;
+  do {
+    ComeAndGo(server.port(), random);
+  } while (++rounds < 3 || std::chrono::steady_clock::now() < until);
+  const std::size_t after = ResidentMemory(server.process());
+  constexpr std::size_t kBound = std::size_t{48} << 20;
+  EXPECT_LT(after, before + kBound) << "after " << rounds << " rounds, before " << before;
+  RecordProperty("rounds", rounds);
+  RecordProperty("growth", std::to_string(after) + " of " + std::to_string(before));
+}
+
+TEST(ServerThreads, KeepsToItsLimits) {
+  const ServerProcess server(
+      {"--max-connections", "2", "--login-timeout", "1", "--idle-timeout", "1", "--send-timeout", "1"});
+  const Client silent(server.port());
+  EXPECT_TRUE(silent.IsEnded());
+  EXPECT_TRUE(server.WaitForLog("dropped: nothing came for 1 seconds"));
+  {
+    const Client first(server.port());
+    first.Send(LoginMessage());
+    EXPECT_THAT(first.Receive(), HasSubstr(Wide("main")));
+    const Client second(server.port());
+    const Client third(server.port());
+    EXPECT_TRUE(third.IsEnded());
+    EXPECT_TRUE(server.WaitForLog("refused: there are 2 clients already"));
+    EXPECT_TRUE(first.IsEnded()) << "idle";
+  }
+  // Many megabytes for a client that reads nothing.
+  const Client slow(server.port());
+  slow.Send(LoginMessage());
+  EXPECT_THAT(slow.Receive(), HasSubstr(Wide("main")));
+  slow.Send(
+      BatchMessage("declare @t nvarchar(max) = replicate(cast('x' as nvarchar(max)), 8000) "
+                   "select @t a from IC_Web2ERPOrders x cross join IC_Web2ERPOrders y"));
+  EXPECT_TRUE(server.WaitForLog("the client does not read what it asked for"));
+}
+
+TEST(ServerThreads, AnAttentionEndsTheBatchAndKeepsTheSession) {
+  const ServerProcess server;
+  const Client client(server.port());
+  client.Send(LoginMessage());
+  EXPECT_THAT(client.Receive(), HasSubstr(Wide("main")));
+  TdsWriter acknowledged;
+  acknowledged.Put(Done{Token::kDone, kDoneAttention, 0, 0});
+  for (const char* batch : {"declare @n int = 0; while 1 = 1 set @n = @n + 1", "waitfor delay '01:00:00'",
+                            "select count(*) n from IC_Web2ERPOrders a cross join IC_Web2ERPOrders b cross join "
+                            "IC_Web2ERPOrders c cross join IC_Web2ERPOrders d cross join IC_Web2ERPOrders e"}) {
+    client.Send(BatchMessage(batch));
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    client.Send(ClientMessage(PacketType::kAttention, ""));
+    (void)client.Receive();
+    EXPECT_EQ(Payload(client.Receive()), acknowledged.bytes()) << batch;
+    // One that comes together with the batch that it ends.
+    client.Send(BatchMessage(batch) + ClientMessage(PacketType::kAttention, ""));
+    (void)client.Receive();
+    EXPECT_EQ(Payload(client.Receive()), acknowledged.bytes()) << batch;
+  }
+  client.Send(BatchMessage("select 1 a"));
+  EXPECT_THAT(client.Receive(), HasSubstr(std::string("\xD1\x04\x01\x00\x00\x00", 6)));
+}
+
+}  // namespace
+}  // namespace tessarlorn::serve

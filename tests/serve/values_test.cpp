@@ -1,0 +1,89 @@
+#include "serve/values.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/error.h"
+#include "serve/login.h"
+#include "support/sample_database.h"
+
+namespace tessarlorn::serve {
+namespace {
+
+std::string Hex(std::string_view bytes) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string text;
+  for (const char byte : bytes) {
+    text += kDigits[static_cast<std::uint8_t>(byte) >> 4];
+    text += kDigits[static_cast<std::uint8_t>(byte) & 15];
+  }
+  return text;
+}
+
+class ValuesTest : public testing::Test {
+ protected:
+  /// Type and value of the one column that the query answers, as hexadecimal digits; C stands for the collation.
+  std::string TypeAndValue(const std::string& query) {
+    const RecordsetPtr rows = database_.connection().Execute(query);
+    const RowWriter row_writer(*rows);
+    TdsWriter writer;
+    row_writer.WriteTypeAndValue(writer, 0);
+    std::string text = Hex(writer.bytes());
+    const std::string collation = Hex(kCollation);
+    if (const std::size_t at = text.find(collation); at != std::string::npos) text.replace(at, collation.size(), "C");
+    return text;
+  }
+
+  SampleDatabase database_;
+};
+
+TEST_F(ValuesTest, KeepTypeAndValue) {
+  struct Case {
+    const char* expression;
+    const char* bytes;
+  };
+  for (const Case& item : {
+           Case{"cast(1 as bit)", "68010101"},
+           Case{"cast(255 as tinyint)", "260101FF"},
+           Case{"cast(-2 as smallint)", "260202FEFF"},
+           Case{"cast(-42 as int)", "260404D6FFFFFF"},
+           Case{"cast(-9223372036854775808 as bigint)", "2608080000000000000080"},
+           Case{"cast(null as int)", "260400"},
+           Case{"cast(2.5 as real)", "6D040400002040"},
+           Case{"cast(0.1 as float)", "6D08089A9999999999B93F"},
+           Case{"cast(-9999999999999999999999999999.9999999999 as decimal(38,10))",
+                "6A11260A1100FFFFFFFF3F228A097AC4865AA84C3B4B"},
+           Case{"cast(1.23 as decimal(9,2))", "6A05090205017B000000"},
+           Case{"cast(null as decimal(20,2))", "6A0D140200"},
+           Case{"cast(-1 as money)", "6E0808FFFFFFFFF0D8FFFF"},
+           Case{"cast('2024-02-29' as date)", "280380460B"},
+           Case{"cast('12:34:56.789' as time)", "290304952CB302"},
+           Case{"cast('2024-02-29 12:34:56.790' as datetime)", "6F080825B100002D5ACF00"},
+           Case{"cast('1899-12-31 23:59:59.999' as datetime)", "6F08080000000000000000"},
+           Case{"cast('6F9619FF-8B86-D011-B42D-00C04FC964FF' as uniqueidentifier)",
+                "241010FF19966F868B11D0B42D00C04FC964FF"},
+           Case{"cast(N'中😀' as nvarchar(10))", "E71400C06002D4E3DD800DE"},
+           Case{"cast(null as nvarchar(10))", "E71400CFFFF"},
+           Case{"cast('ab' as nchar(3))", "EF0600C0600610062002000"},
+           Case{"cast('ab' as varchar(10))", "A70A00C02006162"},
+           Case{"cast(N'中中' as varchar(4))", "A70600C0600E4B8ADE4B8AD"},
+           Case{"cast('a' as nvarchar(max))", "E7FFFFCFEFFFFFFFFFFFFFF02000000610000000000"},
+           Case{"cast('' as varchar(max))", "A7FFFFCFEFFFFFFFFFFFFFF00000000"},
+           Case{"cast(null as nvarchar(max))", "E7FFFFCFFFFFFFFFFFFFFFF"},
+           Case{"cast(0x0001FF as varbinary(10))", "A50A0003000001FF"},
+       }) {
+    EXPECT_EQ(TypeAndValue(std::string("select ") + item.expression + " v"), item.bytes) << item.expression;
+  }
+  EXPECT_THROW(TypeAndValue("select cast('1752-12-31' as datetime2) v"), Error);
+}
+
+TEST_F(ValuesTest, RowsWithNullsHaveAMap) {
+  const RecordsetPtr rows = database_.connection().Execute(
+      "select cast(1 as tinyint) a, cast(null as tinyint) b union all select cast(2 as tinyint), cast(3 as tinyint)");
+  const RowWriter row_writer(*rows);
+  TdsWriter writer;
+  for (; !rows->eof(); rows->MoveNext()) row_writer.WriteRow(writer);
+  EXPECT_EQ(Hex(writer.bytes()), "D2020101D101020103");
+}
+
+}  // namespace
+}  // namespace tessarlorn::serve

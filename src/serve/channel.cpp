@@ -58,6 +58,11 @@ void Channel::Send(std::string_view payload, bool last, PacketType type) {
   stream_.WriteAll(packets_);
 }
 
+bool Channel::TakeAttention() {
+  const std::scoped_lock lock(mutex_);
+  return assembler_.TakeAttention();
+}
+
 Arrival Channel::Look() noexcept {
   try {
     const std::scoped_lock lock(mutex_);

@@ -30,6 +30,8 @@ class Channel {
   /// Sends a part of a reply; the last part ends the message.
   void Send(std::string_view payload, bool last, PacketType type = PacketType::kReply);
 
+  /// Whether an attention came together with the request before it; it is taken out.
+  bool TakeAttention();
   /// What came meanwhile; never waits. For the thread that watches running batches, while no other thread receives.
   Arrival Look() noexcept;
 

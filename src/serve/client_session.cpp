@@ -265,6 +265,10 @@ void ClientSession::AnswerCalls(Reply& reply, std::string_view payload) {
 
 bool ClientSession::RunText(Reply& reply, BatchSink& sink, std::string_view text) {
   if (service_.verbose) Log(OnOneLine(text));
+  if (channel_.TakeAttention()) {
+    interruption_.store(Interruption::kAttention);
+    return false;
+  }
   try {
     looking_.store(true);
     const BeingWatched watched(watcher_, *this);

@@ -96,7 +96,7 @@ TEST(Parameter, EveryLiteralIsReadBackByItsType) {
         database.connection().Execute("declare @v " + parameter.type + " = " + parameter.literal + "; select @v v");
     EXPECT_EQ(rows->IsNull(0), parameter.literal == "NULL") << parameter.literal;
     if (parameter.text) {
-      EXPECT_EQ(rows->GetText(0), *parameter.text);
+      EXPECT_EQ(std::string(rows->GetText(0)), *parameter.text) << item.type;
     } else if (parameter.number || item.type.starts_with("decimal")) {
       EXPECT_EQ(rows->Get(0).ToText(), parameter.literal);
     }

@@ -34,19 +34,23 @@ class Client {
   [[nodiscard]] bool connected() const { return connected_; }
   void Send(std::string_view bytes) const { (void)send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
   /// What comes up to the end of a message, or of the connection.
-  [[nodiscard]] std::string Receive() const {
-    std::string bytes;
-    for (std::size_t at = 0;;) {
-      while (bytes.size() >= at + kPacketHeaderSize) {
-        const bool last = bytes[at + 1] == 1;
-        at += (static_cast<std::size_t>(static_cast<std::uint8_t>(bytes[at + 2])) << 8) |
-              static_cast<std::uint8_t>(bytes[at + 3]);
-        if (last && bytes.size() >= at) return bytes;
+  [[nodiscard]] std::string Receive() {
+    for (std::size_t end = 0;;) {
+      while (arrived_.size() >= end + kPacketHeaderSize) {
+        const bool last = arrived_[end + 1] == 1;
+        const std::size_t next = end + ((static_cast<std::size_t>(static_cast<std::uint8_t>(arrived_[end + 2])) << 8) |
+                                        static_cast<std::uint8_t>(arrived_[end + 3]));
+        if (arrived_.size() < next) break;
+        end = next;
+        if (!last) continue;
+        std::string message = arrived_.substr(0, end);
+        arrived_.erase(0, end);
+        return message;
       }
       std::array<char, 4096> buffer{};
       const ssize_t size = recv(descriptor_, buffer.data(), buffer.size(), 0);
-      if (size <= 0) return bytes;
-      bytes.append(buffer.data(), static_cast<std::size_t>(size));
+      if (size <= 0) return std::exchange(arrived_, {});
+      arrived_.append(buffer.data(), static_cast<std::size_t>(size));
     }
   }
   /// Whether the server ends the connection within ten seconds.
@@ -62,6 +66,7 @@ class Client {
  private:
   int descriptor_;
   bool connected_ = false;
+  std::string arrived_;
 };
 
 /// Bytes of memory that the process holds.
@@ -93,7 +98,8 @@ void ComeAndGo(int port, std::mt19937& random) {
     clients[i]->Send(i % 8 == 7 ? Garbage(random) : BatchMessage("select top 5 * from IC_Web2ERPOrders order by FID"));
   }
   for (std::size_t i = 0; i < clients.size(); ++i) {
-    if (i % 4 != 3) EXPECT_THAT(clients[i]->Receive(), HasSubstr(Wide("FOrderID")));
+    if (i % 4 == 3) continue;
+    EXPECT_THAT(clients[i]->Receive(), HasSubstr(Wide("FOrderID")));
   }
 }
 
@@ -125,7 +131,7 @@ TEST(ServerThreads, KeepsToItsLimits) {
   EXPECT_TRUE(silent.IsEnded());
   EXPECT_TRUE(server.WaitForLog("dropped: nothing came for 1 seconds"));
   {
-    const Client first(server.port());
+    Client first(server.port());
     first.Send(LoginMessage());
     EXPECT_THAT(first.Receive(), HasSubstr(Wide("main")));
     const Client second(server.port());
@@ -135,7 +141,7 @@ TEST(ServerThreads, KeepsToItsLimits) {
     EXPECT_TRUE(first.IsEnded()) << "idle";
   }
   // Many megabytes for a client that reads nothing.
-  const Client slow(server.port());
+  Client slow(server.port());
   slow.Send(LoginMessage());
   EXPECT_THAT(slow.Receive(), HasSubstr(Wide("main")));
   slow.Send(
@@ -146,7 +152,7 @@ TEST(ServerThreads, KeepsToItsLimits) {
 
 TEST(ServerThreads, AnAttentionEndsTheBatchAndKeepsTheSession) {
   const ServerProcess server;
-  const Client client(server.port());
+  Client client(server.port());
   client.Send(LoginMessage());
   EXPECT_THAT(client.Receive(), HasSubstr(Wide("main")));
   TdsWriter acknowledged;

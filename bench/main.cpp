@@ -115,6 +115,7 @@ int main(int argc, char** argv) {
     bench::AddStateBenchmarks();
     bench::AddUploadBenchmarks();
     bench::AddDayBenchmarks();
+    bench::AddServeBenchmarks();
     bench::Reporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     reporter.PrintTable();

@@ -23,5 +23,6 @@ void AddFrameBenchmarks();
 void AddStateBenchmarks();
 void AddUploadBenchmarks();
 void AddDayBenchmarks();
+void AddServeBenchmarks();
 
 }  // namespace tessarlorn::bench

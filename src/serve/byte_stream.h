@@ -3,7 +3,7 @@
 
 #include <chrono>
 #include <cstddef>
-#include <span>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -16,8 +16,9 @@ class ByteStream {
   ByteStream& operator=(const ByteStream&) = delete;
   virtual ~ByteStream() = default;
 
-  /// Waits until something can be read, or the end. False when the time passed.
-  virtual bool WaitReadable(std::chrono::milliseconds time) = 0;
+  /// Waits until something can be read, and adds it to `bytes`, at most `most` bytes. Answers what became of it.
+  enum class Read : std::uint8_t { kSome, kEnd, kTimeOut };
+  virtual Read WaitAndRead(std::string& bytes, std::size_t most, std::chrono::milliseconds time) = 0;
   /// What can be read without waiting, added to `bytes`, at most `most` bytes. False at the end of the stream.
   virtual bool ReadSome(std::string& bytes, std::size_t most) = 0;
   /// Raises ProtocolError when the client is gone or takes nothing for too long.

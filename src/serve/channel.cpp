@@ -10,34 +10,37 @@ constexpr std::size_t kReadSize = 65536;
 
 }  // namespace
 
-bool Channel::ReadSome() {
-  arrived_.clear();
-  const bool open = stream_.ReadSome(arrived_, kReadSize);
+void Channel::Feed() {
   if (tls_ != nullptr && !arrived_.empty()) {
     assembler_.Feed(tls_->Decrypt(arrived_));
   } else {
     assembler_.Feed(arrived_);
   }
-  return open;
+  arrived_.clear();
 }
 
 std::optional<Message> Channel::Receive(std::chrono::milliseconds time) {
   const auto until = std::chrono::steady_clock::now() + time;
-  for (bool open = true;;) {
+  for (std::chrono::milliseconds left = time;;) {
     {
       const std::scoped_lock lock(mutex_);
       if (std::optional<Message> message = assembler_.Next()) return message;
-      if (!open) {
-        if (assembler_.waiting() > 0) throw ProtocolError("the client ended the connection inside a message");
-        return std::nullopt;
-      }
     }
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(until - std::chrono::steady_clock::now());
-    if (left.count() <= 0 || !stream_.WaitReadable(left)) {
+    const ByteStream::Read read =
+        left.count() <= 0 ? ByteStream::Read::kTimeOut : stream_.WaitAndRead(arrived_, kReadSize, left);
+    if (read == ByteStream::Read::kTimeOut) {
       throw ProtocolError("nothing came for " + std::to_string(time.count() / 1000) + " seconds");
     }
     const std::scoped_lock lock(mutex_);
-    open = ReadSome();
+    Feed();
+    if (read == ByteStream::Read::kEnd) {
+      if (assembler_.waiting() > 0) throw ProtocolError("the client ended the connection inside a message");
+      return std::nullopt;
+    }
+    // A message that comes bit by bit has the same time as one that comes at once.
+    if (assembler_.waiting() > 0) {
+      left = std::chrono::duration_cast<std::chrono::milliseconds>(until - std::chrono::steady_clock::now());
+    }
   }
 }
 
@@ -68,7 +71,8 @@ Arrival Channel::Look() noexcept {
     const std::scoped_lock lock(mutex_);
     if (assembler_.TakeAttention()) return Arrival::kAttention;
     if (assembler_.waiting() > kReadSize) return Arrival::kNextMessage;
-    const bool open = stream_.descriptor() < 0 || ReadSome();
+    const bool open = stream_.descriptor() < 0 || stream_.ReadSome(arrived_, kReadSize);
+    Feed();
     if (assembler_.TakeAttention()) return Arrival::kAttention;
     if (!open) return Arrival::kEnd;
     return assembler_.waiting() > 0 ? Arrival::kNextMessage : Arrival::kNothing;

@@ -41,8 +41,8 @@ class Channel {
   void EndTls();
 
  private:
-  /// False at the end of the stream.
-  bool ReadSome();
+  /// Takes what arrived.
+  void Feed();
 
   ByteStream& stream_;
   std::mutex mutex_;  // of all that Look() touches

@@ -121,21 +121,29 @@ Socket::Socket(Descriptor descriptor, std::chrono::milliseconds send_time_out) :
   const int on = 1;
   setsockopt(descriptor_.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
   setsockopt(descriptor_.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
-  timeval time{};
-  time.tv_sec = send_time_out.count() / 1000;
-  time.tv_usec = (send_time_out.count() % 1000) * 1000;
-  setsockopt(descriptor_.get(), SOL_SOCKET, SO_SNDTIMEO, &time, sizeof time);
+  SetTimeOut(SO_SNDTIMEO, send_time_out);
 }
 
-bool Socket::WaitReadable(std::chrono::milliseconds time) {
-  const auto until = std::chrono::steady_clock::now() + time;
+void Socket::SetTimeOut(int option, std::chrono::milliseconds time) {
+  timeval value{};
+  value.tv_sec = time.count() / 1000;
+  value.tv_usec = (time.count() % 1000) * 1000;
+  setsockopt(descriptor_.get(), SOL_SOCKET, option, &value, sizeof value);
+}
+
+ByteStream::Read Socket::WaitAndRead(std::string& bytes, std::size_t most, std::chrono::milliseconds time) {
+  // One call of the system for most requests: the time-out stays from one to the next.
+  if (receive_time_out_ != time) SetTimeOut(SO_RCVTIMEO, receive_time_out_ = time);
+  std::array<char, 16384> buffer;
   for (;;) {
-    const auto left =
-        std::chrono::duration_cast<std::chrono::milliseconds>(until - std::chrono::steady_clock::now()).count();
-    pollfd wanted{descriptor_.get(), POLLIN, 0};
-    const int ready = poll(&wanted, 1, left > 0 ? static_cast<int>(left) : 0);
-    if (ready > 0) return true;
-    if (ready == 0 || errno != EINTR) return false;
+    const ssize_t size = recv(descriptor_.get(), buffer.data(), std::min(most, buffer.size()), 0);
+    if (size > 0) {
+      bytes.append(buffer.data(), static_cast<std::size_t>(size));
+      return Read::kSome;
+    }
+    if (size == 0) return Read::kEnd;
+    if (errno == EAGAIN || errno == EWOULDBLOCK) return Read::kTimeOut;
+    if (errno != EINTR) return Read::kEnd;
   }
 }
 

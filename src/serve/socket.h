@@ -48,13 +48,16 @@ class Socket final : public ByteStream {
   /// @param send_time_out how long a write may wait for the client to read
   Socket(Descriptor descriptor, std::chrono::milliseconds send_time_out);
 
-  bool WaitReadable(std::chrono::milliseconds time) override;
+  Read WaitAndRead(std::string& bytes, std::size_t most, std::chrono::milliseconds time) override;
   bool ReadSome(std::string& bytes, std::size_t most) override;
   void WriteAll(std::string_view bytes) override;
   [[nodiscard]] int descriptor() const noexcept override { return descriptor_.get(); }
 
  private:
+  void SetTimeOut(int option, std::chrono::milliseconds time);
+
   Descriptor descriptor_;
+  std::chrono::milliseconds receive_time_out_{0};
 };
 
 }  // namespace tessarlorn::serve

@@ -1,6 +1,7 @@
 #include "serve/tds_writer.h"
 
 #include <algorithm>
+#include <array>
 
 #include "platform/text.h"
 
@@ -27,7 +28,9 @@ ServerMessage ToMessage(const Error& error) {
 }
 
 void TdsWriter::Number(std::uint64_t value, std::size_t size) {
-  for (std::size_t i = 0; i < size; ++i) bytes_ += static_cast<char>((value >> (8 * i)) & 0xff);
+  std::array<char, 8> bytes{};
+  for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>((value >> (8 * i)) & 0xff);
+  bytes_.append(bytes.data(), size);
 }
 
 void TdsWriter::SetU16(std::size_t position, std::uint16_t value) {
@@ -42,20 +45,27 @@ void TdsWriter::SetU32(std::size_t position, std::uint32_t value) {
 
 std::size_t TdsWriter::Text(std::string_view text) {
   const std::size_t before = bytes_.size();
+  // No text takes more units than it has bytes.
+  bytes_.resize(before + text.size() * 2);
+  char* out = bytes_.data() + before;
+  const auto put = [&out](std::uint32_t unit) {
+    *out++ = static_cast<char>(unit & 0xff);
+    *out++ = static_cast<char>(unit >> 8);
+  };
   for (std::size_t i = 0; i < text.size();) {
     if (static_cast<unsigned char>(text[i]) < 0x80) {
-      bytes_ += text[i++];
-      bytes_ += '\0';
+      put(static_cast<unsigned char>(text[i++]));
       continue;
     }
     const char32_t character = NextCharacter(text, i);
     if (character > 0xffff) {
-      U16(static_cast<std::uint16_t>(0xd7c0 + (character >> 10)));
-      U16(static_cast<std::uint16_t>(0xdc00 + (character & 0x3ff)));
+      put(0xd7c0 + (character >> 10));
+      put(0xdc00 + (character & 0x3ff));
     } else {
-      U16(static_cast<std::uint16_t>(character));
+      put(character);
     }
   }
+  bytes_.resize(static_cast<std::size_t>(out - bytes_.data()));
   return bytes_.size() - before;
 }
 

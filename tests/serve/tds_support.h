@@ -16,7 +16,11 @@ class MemoryStream final : public ByteStream {
  public:
   explicit MemoryStream(std::string input) : input_(std::move(input)) {}
 
-  bool WaitReadable(std::chrono::milliseconds) override { return true; }
+  Read WaitAndRead(std::string& bytes, std::size_t most, std::chrono::milliseconds) override {
+    if (position_ == input_.size()) return Read::kEnd;
+    ReadSome(bytes, most);
+    return Read::kSome;
+  }
   bool ReadSome(std::string& bytes, std::size_t most) override {
     const std::size_t size = std::min(most, input_.size() - position_);
     bytes.append(input_, position_, size);

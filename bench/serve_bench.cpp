@@ -1,0 +1,142 @@
+// The served database, read by FreeTDS's db-lib over loopback, against the same statements in process.
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <sybfront.h>
+// The order matters to these headers.
+#include <sybdb.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+#include "bench/databases.h"
+#include "bench/ratios.h"
+#include "platform/connection.h"
+#include "platform/error.h"
+#include "serve/server.h"
+#include "serve/users.h"
+
+namespace tessarlorn::bench {
+namespace {
+
+constexpr int kOrders = 10000;
+constexpr int kReads = 400;
+constexpr int kClients = 8;
+
+std::string ReadText(int key) {
+  return "select * from IC_Web2ERPOrders where FID = " + std::to_string(key % kOrders + 1);
+}
+
+/// A server for the whole run, of the sample database.
+class Served {
+ public:
+  static Served& Instance() {
+    static Served served;
+    return served;
+  }
+  [[nodiscard]] int port() const { return server_.address().port; }
+
+ private:
+  Served() : server_(serve::ParseAddress("127.0.0.1:0"), MakeService()), thread_([this] { server_.Run(); }) {}
+  ~Served() {
+    server_.Stop();
+    thread_.join();
+  }
+
+  static serve::Service MakeService() {
+    const std::string users =
+        (std::filesystem::temp_directory_path() / ("serve_bench_" + std::to_string(getpid()))).string();
+    serve::AddUser(users, "bench", "bench");
+    serve::Service service;
+    service.users = serve::Users::Read(users);
+    std::filesystem::remove(users);
+    service.database_string = "Embedded=" + SampleFile(kOrders);
+    service.log = [](const std::string&) {};
+    return service;
+  }
+
+  serve::Server server_;
+  std::thread thread_;
+};
+
+/// A client of db-lib with an open connection.
+class DbLibClient {
+ public:
+  explicit DbLibClient(int port) {
+    static const bool ready = dbinit() == SUCCEED;
+    LOGINREC* const login = ready ? dblogin() : nullptr;
+    if (login == nullptr) Raise(error_number::kInternalError, "db-lib cannot be started");
+    DBSETLUSER(login, "bench");
+    DBSETLPWD(login, "bench");
+    DBSETLVERSION(login, DBVERSION_74);
+    DBSETLCHARSET(login, "UTF-8");
+    process_ = dbopen(login, ("127.0.0.1:" + std::to_string(port)).c_str());
+    dbloginfree(login);
+    if (process_ == nullptr) Raise(error_number::kLoginRefused, "db-lib cannot log in");
+  }
+  DbLibClient(const DbLibClient&) = delete;
+  DbLibClient& operator=(const DbLibClient&) = delete;
+  ~DbLibClient() { dbclose(process_); }
+
+  /// Runs a text and reads every value; answers the number of rows.
+  int Read(const std::string& text) {
+    dbcmd(process_, text.c_str());
+    if (dbsqlexec(process_) != SUCCEED) Raise(error_number::kStatementError, "db-lib: the batch failed");
+    int rows = 0;
+    while (dbresults(process_) == SUCCEED) {
+      const int width = dbnumcols(process_);
+      for (; dbnextrow(process_) != NO_MORE_ROWS; ++rows) {
+        for (int i = 1; i <= width; ++i) benchmark::DoNotOptimize(dbdata(process_, i));
+      }
+    }
+    return rows;
+  }
+
+ private:
+  DBPROCESS* process_ = nullptr;
+};
+
+void ReadOne(benchmark::State& state) {
+  DbLibClient client(Served::Instance().port());
+  int key = 0;
+  for (auto _ : state) {
+    if (client.Read(ReadText(++key)) != 1) state.SkipWithError("one row was wanted");
+  }
+}
+
+void ReadInProcess(benchmark::State& state) {
+  const std::unique_ptr<Connection> connection = OpenConnection("Embedded=" + SampleFile(kOrders));
+  int key = 0;
+  for (auto _ : state) {
+    const RecordsetPtr rows = connection->Execute(ReadText(++key));
+    for (std::size_t i = 0; i < rows->fields().size(); ++i) benchmark::DoNotOptimize(rows->Get(i));
+  }
+}
+
+/// kReads reads by so many clients at once.
+template <int kCount>
+void ReadByClients(benchmark::State& state) {
+  std::vector<std::unique_ptr<DbLibClient>> clients;
+  for (int i = 0; i < kCount; ++i) clients.push_back(std::make_unique<DbLibClient>(Served::Instance().port()));
+  for (auto _ : state) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kCount; ++i) {
+      threads.emplace_back([&client = *clients[static_cast<std::size_t>(i)], i] {
+        for (int read = 0; read < kReads / kCount; ++read) client.Read(ReadText(i * kReads + read));
+      });
+    }
+    for (std::thread& thread : threads) thread.join();
+  }
+}
+
+}  // namespace
+
+void AddServeBenchmarks() {
+  AddRatio("served, one client, one order : in process", "<= 4 x", ReadOne, ReadInProcess);
+  AddRatio("served, 400 reads by eight clients : by one", "<= 1 x", ReadByClients<kClients>, ReadByClients<1>);
+}
+
+}  // namespace tessarlorn::bench

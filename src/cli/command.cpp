@@ -36,7 +36,7 @@ Exit status:
   2  a wrong call: nothing was done
   3  the operation or the database raised an error; its number, Source and description are on standard error
   4  the result could not be written; what was called has been done
-  130  ended by Ctrl-C
+  130  ended by Ctrl-C; 'serve' ends with 0
 
 Examples:
   export TESSARLORN_DSN="Connect={Embedded=orders.db};User=16394"

@@ -80,7 +80,7 @@ class CommandTest : public testing::Test {
 };
 
 TEST_F(CommandTest, HelpsAtEveryLevel) {
-  for (const std::string command : {"", "init", "seed", "ops", "call", "sql"}) {
+  for (const std::string command : {"", "init", "seed", "ops", "call", "sql", "serve"}) {
     const Outcome help = Run(command + " --help");
     EXPECT_EQ(help.status, 0) << command;
     EXPECT_THAT(help.out, AllOf(HasSubstr("Example"), HasSubstr("tessarlorn " + command))) << command;

@@ -313,8 +313,14 @@ void RowWriter::WriteRow(TdsWriter& writer) const {
     writer.CutTo(start);
     writer.Put(Token::kRow);
   }
-  for (std::size_t i = 0; i < fields_.size(); ++i) {
-    if (!rows_.IsNull(i)) PutValue(writer, fields_[i], rows_, i);
+  try {
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+      if (!rows_.IsNull(i)) PutValue(writer, fields_[i], rows_, i);
+    }
+  } catch (const Error&) {
+    // An error's token may follow a whole row only.
+    writer.CutTo(start);
+    throw;
   }
 }
 

@@ -21,5 +21,5 @@ install(FILES ${PROJECT_BINARY_DIR}/generated/platform/version.h
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Tessarlorn)
 install(EXPORT Tessarlorn NAMESPACE tessarlorn:: FILE TessarlornTargets.cmake DESTINATION ${package_folder})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/TessarlornConfigVersion.cmake COMPATIBILITY SameMinorVersion)
-install(FILES ${PROJECT_SOURCE_DIR}/cmake/TessarlornConfig.cmake ${PROJECT_BINARY_DIR}/TessarlornConfigVersion.cmake
+install(FILES ${PROJECT_BINARY_DIR}/TessarlornConfig.cmake ${PROJECT_BINARY_DIR}/TessarlornConfigVersion.cmake
         DESTINATION ${package_folder})

@@ -37,7 +37,7 @@ endfunction()
 # and the sample data.
 function(tessarlorn_executable name)
   add_executable(${name} ${ARGN})
-  foreach(library IN ITEMS component embedded schema samples)
+  foreach(library IN ITEMS component embedded odbc schema samples)
     if(TARGET tessarlorn::${library})
       target_link_libraries(${name} PRIVATE tessarlorn::${library})
     endif()

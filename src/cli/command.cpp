@@ -17,6 +17,9 @@
 #include "cli/interrupt.h"
 #include "cli/usage_error.h"
 #include "drivers/embedded/embedded_driver.h"
+#ifdef TESSARLORN_HAS_ODBC
+#include "drivers/odbc/odbc_driver.h"
+#endif
 #include "platform/error.h"
 #include "platform/text.h"
 #include "platform/version.h"
@@ -27,8 +30,10 @@ namespace {
 
 constexpr const char* kFooter = R"(Connection strings:
   Embedded=orders.db                    an embedded database file, made when it is not there
+  Driver=FreeTDS;Server=db1;Port=1433;TDS_Version=7.4;Database=erp;UID=shop;PWD={...}
+                                        a database server over ODBC; LoginTimeout= and StatementTimeout= are seconds
   Connect={Embedded=orders.db};User=16394;Language=CHS;Client=10.0.0.5
-                                        the same, with who is calling
+                                        either, with who is calling
 
 Exit status:
   0  done
@@ -201,6 +206,9 @@ ExitStatus RunCommand(int argc, const char* const* argv) noexcept {
     std::ios::sync_with_stdio(false);
     CatchInterrupts();
     RegisterEmbeddedDriver();
+#ifdef TESSARLORN_HAS_ODBC
+    RegisterOdbcDriver();
+#endif
     RegisterDefaultSiblings();
     return FlushOutput(Run(argc, argv));
   } catch (const std::exception& error) {

@@ -9,6 +9,8 @@ namespace tessarlorn {
 /// Malformed bytes become U+FFFD.
 std::u16string ToUtf16(std::string_view text);
 /// Lone surrogates become U+FFFD.
-std::string FromUtf16(std::u16string_view text);
+void AppendUtf16(std::string& text, std::u16string_view units);
+/// The same as a text of its own.
+std::string FromUtf16(std::u16string_view units);
 
 }  // namespace tessarlorn

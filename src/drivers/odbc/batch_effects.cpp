@@ -1,0 +1,240 @@
+#include "drivers/odbc/batch_effects.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "platform/text.h"
+
+namespace tessarlorn::odbc {
+namespace {
+
+struct Option {
+  std::string_view name;
+  std::string_view reset;
+};
+
+// The SET options that a clean connection has the same default for on every server.
+constexpr std::array kOptions = {
+    Option{"nocount", "NOCOUNT OFF"},
+    Option{"xact_abort", "XACT_ABORT OFF"},
+    Option{"rowcount", "ROWCOUNT 0"},
+    Option{"lock_timeout", "LOCK_TIMEOUT -1"},
+    Option{"transaction", "TRANSACTION ISOLATION LEVEL READ COMMITTED"},
+};
+
+/// Words that change data or the database.
+constexpr std::array<std::string_view, 21> kWriting = {
+    "insert", "update", "delete", "merge", "into", "create", "alter", "drop",   "truncate", "exec",   "execute",
+    "grant",  "revoke", "deny",   "bulk",  "dbcc", "kill",   "next",  "backup", "restore",  "waitfor"};
+
+/// Words that change the session in ways of their own.
+constexpr std::array<std::string_view, 7> kLasting = {"use", "cursor", "revert", "setuser", "dbcc", "open", "receive"};
+
+/// With what a batch begins when it does not call a procedure by its bare name.
+constexpr std::array<std::string_view, 26> kStarters = {
+    "select", "insert", "update",  "delete", "merge",    "with",     "declare", "set",       "if",
+    "while",  "begin",  "create",  "alter",  "drop",     "truncate", "print",   "raiserror", "throw",
+    "return", "exec",   "execute", "commit", "rollback", "save",     "waitfor", "use"};
+
+template <typename Words>
+bool Holds(const Words& words, std::string_view word) {
+  return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+void AddOnce(std::vector<std::string>& list, const std::string& item) {
+  if (!Holds(list, item)) list.push_back(item);
+}
+
+bool IsWordPart(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '#' ||
+         c == '@' || c == '$' || static_cast<unsigned char>(c) >= 0x80;
+}
+
+/// Walks over words and signs; comments and texts are left out, quoted names come without their quotes.
+class Words {
+ public:
+  explicit Words(std::string_view text) : text_(text) {}
+
+  /// The next word in lower case, a sign as one character, "" at the end.
+  const std::string& Next() {
+    SkipBlanksAndComments();
+    word_.clear();
+    quoted_ = false;
+    if (at_ >= text_.size()) return word_;
+    const char c = text_[at_];
+    if (IsWordPart(c)) {
+      const std::size_t begin = at_;
+      while (at_ < text_.size() && IsWordPart(text_[at_])) ++at_;
+      word_ = LowerCase(text_.substr(begin, at_ - begin));
+    } else if (c == '[' || c == '"' || c == '\'') {
+      quoted_ = true;
+      const std::size_t begin = at_ + 1;
+      SkipQuoted(c == '[' ? ']' : c);
+      if (c == '\'') {
+        word_.assign(1, c);
+      } else {
+        word_ = LowerCase(text_.substr(begin, std::max(at_, begin + 1) - begin - 1));
+      }
+    } else {
+      word_.assign(1, c);
+      ++at_;
+    }
+    return word_;
+  }
+  [[nodiscard]] bool quoted() const noexcept { return quoted_; }
+
+ private:
+  void SkipQuoted(char end) {
+    for (++at_; at_ < text_.size(); ++at_) {
+      if (text_[at_] != end) continue;
+      if (at_ + 1 < text_.size() && text_[at_ + 1] == end) {
+        ++at_;
+      } else {
+        ++at_;
+        return;
+      }
+    }
+  }
+  void SkipBlanksAndComments() {
+    while (at_ < text_.size()) {
+      const std::string_view rest = text_.substr(at_);
+      if (static_cast<unsigned char>(rest.front()) <= ' ') {
+        ++at_;
+      } else if (rest.starts_with("--")) {
+        at_ = std::min(text_.find('\n', at_), text_.size());
+      } else if (rest.starts_with("/*")) {
+        SkipBlockComment();
+      } else {
+        return;
+      }
+    }
+  }
+  void SkipBlockComment() {
+    int depth = 0;
+    while (at_ < text_.size()) {
+      const std::string_view rest = text_.substr(at_);
+      if (rest.starts_with("/*")) {
+        ++depth;
+        at_ += 2;
+      } else if (rest.starts_with("*/")) {
+        at_ += 2;
+        if (--depth == 0) return;
+      } else {
+        ++at_;
+      }
+    }
+  }
+
+  std::string_view text_;
+  std::size_t at_ = 0;
+  std::string word_;
+  bool quoted_ = false;
+};
+
+class Scan {
+ public:
+  explicit Scan(std::string_view text) : words_(text) {}
+
+  BatchEffects Run() {
+    std::string word = words_.Next();
+    if (!word.empty() && !Holds(kStarters, word) && word != ";" && word != "(") ReadCall(word);
+    while (!word.empty()) {
+      Read(word);
+      // A word that Read() looked at and did not use comes again.
+      word = pending_.empty() ? words_.Next() : std::exchange(pending_, {});
+    }
+    return std::move(effects_);
+  }
+
+ private:
+  void Read(const std::string& word) {
+    ReadTableName(word);
+    if (words_.quoted()) return;
+    if (Holds(kWriting, word)) effects_.reads_only = false;
+    if (Holds(kLasting, word)) effects_.lasting = true;
+    if (word == "print" || word == "raiserror") effects_.prints = true;
+    if (word == "tran" || word == "transaction" || word == "distributed") {
+      effects_.transaction = true;
+      effects_.reads_only = false;
+    } else if (word == "exec" || word == "execute") {
+      ReadCall(words_.Next());
+    } else if (word == "set") {
+      ReadSet();
+    }
+  }
+
+  void ReadTableName(const std::string& word) {
+    if (!word.starts_with('#')) return;
+    const bool plain = std::all_of(word.begin() + 1, word.end(), [](char c) { return IsWordPart(c) && c != '#'; });
+    if (plain && word.size() > 1) {
+      AddOnce(effects_.temporary_tables, word);
+    } else {
+      effects_.lasting = true;
+    }
+    effects_.reads_only = false;
+  }
+
+  /// A procedure may leave a transaction open, and one of the server's own may change the session.
+  void ReadCall(const std::string& name) {
+    effects_.transaction = true;
+    effects_.reads_only = false;
+    const bool own = name.starts_with("sp_") || name.starts_with("xp_") || name == "as" || name == "sys" ||
+                     name == "master" || name.starts_with('@');
+    if (own && name != "sp_executesql") effects_.lasting = true;
+  }
+
+  /// SET of a variable or column is no effect; of an option it is.
+  void ReadSet() {
+    const std::string name = words_.Next();
+    if (name.starts_with('@')) return;
+    std::string behind = words_.Next();
+    while (behind == ".") {
+      words_.Next();
+      behind = words_.Next();
+    }
+    const std::string_view sign = behind;
+    if (sign.size() == 1 && std::string_view("=+-*/%&^|").find(sign.front()) != std::string_view::npos) return;
+    const auto* found =
+        std::find_if(kOptions.begin(), kOptions.end(), [&name](const Option& option) { return option.name == name; });
+    // A comma goes before a further option.
+    if (found == kOptions.end() || behind == ",") {
+      effects_.lasting = true;
+    } else {
+      AddOnce(effects_.options, std::string(found->reset));
+    }
+    pending_ = behind;
+  }
+
+  Words words_;
+  BatchEffects effects_;
+  std::string pending_;
+};
+
+}  // namespace
+
+void BatchEffects::Add(const BatchEffects& other) {
+  reads_only = reads_only && other.reads_only;
+  transaction = transaction || other.transaction;
+  lasting = lasting || other.lasting;
+  for (const std::string& option : other.options) AddOnce(options, option);
+  for (const std::string& table : other.temporary_tables) AddOnce(temporary_tables, table);
+}
+
+std::string BatchEffects::CleaningBatch() const {
+  std::string batch;
+  if (transaction) batch += "IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION\n";
+  for (const std::string& option : options) batch.append("SET ").append(option).append("\n");
+  for (const std::string& table : temporary_tables) {
+    batch.append("IF OBJECT_ID('tempdb..")
+        .append(table)
+        .append("') IS NOT NULL DROP TABLE ")
+        .append(table)
+        .append("\n");
+  }
+  return batch;
+}
+
+BatchEffects EffectsOf(std::string_view text) { return Scan(text).Run(); }
+
+}  // namespace tessarlorn::odbc

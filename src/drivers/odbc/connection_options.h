@@ -1,0 +1,25 @@
+// The connection string of the ODBC driver: what is the component's own in it, and what goes to ODBC.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tessarlorn::odbc {
+
+struct ConnectionOptions {
+  /// What SQLDriverConnect gets: the string without the keys of the component.
+  std::string odbc_string;
+  /// Seconds; 0 = no limit.
+  int login_timeout = 15;
+  int statement_timeout = 0;
+  /// As the string has it, "" when it has none.
+  std::string password;
+
+  /// The text with the password made unreadable.
+  [[nodiscard]] std::string WithoutPassword(std::string_view text) const;
+};
+
+/// Raises 0x80040E4D with a text that names the key at fault and holds no part of the password.
+ConnectionOptions ParseConnectionOptions(std::string_view text);
+
+}  // namespace tessarlorn::odbc

@@ -1,0 +1,56 @@
+// One login over ODBC: its handles, opened and closed together.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "drivers/odbc/connection_options.h"
+#include "drivers/odbc/odbc_handle.h"
+#include "drivers/odbc/result_reader.h"
+#include "platform/connection.h"
+
+namespace tessarlorn::odbc {
+
+/// A login with its one statement. It knows no transactions of the container and never connects again.
+class OdbcLink {
+ public:
+  /// Logs in. Raises 0x80040E4D or, for a time-out, 0x80040E31.
+  explicit OdbcLink(const ConnectionOptions& options);
+  OdbcLink(const OdbcLink&) = delete;
+  OdbcLink& operator=(const OdbcLink&) = delete;
+  /// Logs out; the server rolls back what is open.
+  ~OdbcLink();
+
+  /// Runs a batch to its end. The first error is raised behind it; `sink` gets what comes before.
+  /// @param prints it may send messages behind rows
+  void Run(std::string_view text, bool first_only, bool prints, BatchSink& sink);
+  /// Runs a batch whose results nobody wants.
+  void Run(std::string_view text);
+  void SetAutocommit(bool on);
+  void EndTransaction(bool commit);
+  /// Has the server reset the session before the next batch. False when the ODBC driver cannot.
+  bool ResetWithNextBatch() noexcept;
+
+  /// Whether the connection was lost, as far as is known without asking the server.
+  [[nodiscard]] bool lost() const noexcept;
+  [[nodiscard]] SQLHSTMT statement() const noexcept { return statement_.get(); }
+
+ private:
+  class Answers;
+
+  /// Reports messages and raises errors of a call on the statement.
+  SQLRETURN Check(SQLRETURN result);
+  [[noreturn]] void RaiseCause(const std::vector<Diagnostic>& records);
+  void CheckConnection(SQLRETURN result);
+
+  Handle environment_;
+  Handle connection_;
+  Handle statement_;
+  BatchSink* sink_ = nullptr;
+  bool lost_ = false;
+  bool goes_on_ = true;
+  CheckResult check_ = [this](SQLRETURN result) { return Check(result); };
+  std::unique_ptr<ResultReader> reader_;
+};
+
+}  // namespace tessarlorn::odbc

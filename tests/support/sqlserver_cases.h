@@ -1,0 +1,72 @@
+// The cases of drivers_embedded/sqlserver_cases.json, what SQL Server answers to batches, run on any connection.
+#pragma once
+
+#include <algorithm>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "drivers_embedded/database_support.h"
+#include "platform/decimal.h"
+
+namespace tessarlorn {
+
+inline const nlohmann::json& SqlServerCases() {
+  static const nlohmann::json cases =
+      nlohmann::json::parse(std::ifstream(TESSARLORN_SOURCE_ROOT "/tests/drivers_embedded/sqlserver_cases.json"));
+  return cases;
+}
+
+/// Equal texts, or numbers that are equal to the shorter one's number of places.
+inline bool AgreesWith(const nlohmann::json& wanted, const Variant& got) {
+  if (wanted.is_null() || got.is_null()) return wanted.is_null() && got.is_null();
+  const std::string text = got.holds<bool>() ? (got.ToBool() ? "1" : "0") : got.ToText();
+  const std::string expected = wanted.get<std::string>();
+  if (text == expected) return true;
+  const auto a = Decimal::Parse(text);
+  const auto b = Decimal::Parse(expected);
+  if (!a || !b) return false;
+  const int places = std::min(a->scale(), b->scale());
+  return a->Rescale(places) == b->Rescale(places);
+}
+
+inline void ExpectRows(const nlohmann::json& batch, const RecordsetPtr& rows) {
+  ASSERT_NE(rows, nullptr) << "no result";
+  std::vector<std::string> names;
+  for (const Field& field : rows->fields()) names.push_back(field.name);
+  EXPECT_EQ(names, batch["columns"].get<std::vector<std::string>>());
+  ASSERT_EQ(rows->RecordCount(), batch["rows"].size());
+  for (const nlohmann::json& row : batch["rows"]) {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      EXPECT_TRUE(AgreesWith(row[i], rows->Get(i))) << names[i] << " is " << TextOf(rows) << ", wanted " << row.dump();
+    }
+    rows->MoveNext();
+  }
+}
+
+/// Runs the batches of a case on an empty database and compares what they answer or raise.
+inline void RunSqlServerCase(const nlohmann::json& one, Connection& connection) {
+  SCOPED_TRACE(one["name"].get<std::string>());
+  for (const nlohmann::json& batch : one["batches"]) {
+    const std::string sql = batch["sql"].get<std::string>();
+    SCOPED_TRACE(sql);
+    RecordsetPtr rows;
+    int number = 0;
+    try {
+      rows = connection.Execute(sql);
+    } catch (const Error& error) {
+      number = error.native().number;
+      EXPECT_TRUE(batch.contains("error")) << number << ": " << error.description();
+    }
+    if (batch.contains("error")) {
+      const auto numbers = batch["error"].get<std::vector<int>>();
+      EXPECT_NE(std::find(numbers.begin(), numbers.end(), number), numbers.end()) << "raised " << number;
+    } else if (batch.contains("columns") && number == 0) {
+      ExpectRows(batch, rows);
+    }
+  }
+}
+
+}  // namespace tessarlorn

@@ -116,6 +116,7 @@ int main(int argc, char** argv) {
     bench::AddUploadBenchmarks();
     bench::AddDayBenchmarks();
     bench::AddServeBenchmarks();
+    bench::AddOdbcBenchmarks();
     bench::Reporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     reporter.PrintTable();

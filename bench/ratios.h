@@ -24,5 +24,7 @@ void AddStateBenchmarks();
 void AddUploadBenchmarks();
 void AddDayBenchmarks();
 void AddServeBenchmarks();
+/// Nothing where there is no ODBC.
+void AddOdbcBenchmarks();
 
 }  // namespace tessarlorn::bench

@@ -81,7 +81,7 @@ TEST_F(ShopsAndBuyersTest, PassesSqlAndItsErrorsThrough) {
   };
   for (const char* wrong : {"SELECT * FROM NoSuchTable", "SELEKT 1", "SELECT 1/0"}) {
     EXPECT_EQ(Raised([&] { get().ExecuteSQL(dsn_, wrong); }), from_driver(wrong)) << wrong;
-    EXPECT_THAT(from_driver(wrong), testing::EndsWith("TessarLorn embedded database"));
+    EXPECT_THAT(from_driver(wrong), testing::HasSubstr(" TessarLorn "));
   }
 }
 

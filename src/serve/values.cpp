@@ -264,25 +264,27 @@ void PutValue(TdsWriter& writer, const Field& field, const Recordset& rows, std:
   }
 }
 
-/// The fields as they are declared to the client.
-std::vector<Field> WireFields(Recordset& rows) {
-  std::vector<Field> fields = rows.fields();
-  for (std::size_t i = 0; i < fields.size(); ++i) {
-    Field& field = fields[i];
+/// The fields as they are declared to the client, where a column's values are longer than the column says; otherwise
+/// none.
+std::vector<Field> WidenedFields(Recordset& rows) {
+  std::vector<Field> widened;
+  for (std::size_t i = 0; i < rows.fields().size(); ++i) {
+    const Field& field = rows.fields()[i];
     if (!IsNarrowText(field) || field.size <= 0) continue;
     std::size_t longest = 0;
     for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) longest = std::max(longest, rows.GetText(i).size());
-    if (longest > static_cast<std::size_t>(field.size)) {
-      field.size = longest > kLongestBytes ? 0 : static_cast<int>(longest);
-    }
+    if (longest <= static_cast<std::size_t>(field.size)) continue;
+    if (widened.empty()) widened = rows.fields();
+    widened[i].size = longest > kLongestBytes ? 0 : static_cast<int>(longest);
   }
   rows.MoveFirst();
-  return fields;
+  return widened;
 }
 
 }  // namespace
 
-RowWriter::RowWriter(Recordset& rows) : rows_(rows), fields_(WireFields(rows)) {}
+RowWriter::RowWriter(Recordset& rows)
+    : rows_(rows), widened_(WidenedFields(rows)), fields_(widened_.empty() ? rows.fields() : widened_) {}
 
 void RowWriter::WriteColumns(TdsWriter& writer) const {
   constexpr std::uint16_t kNullable = 0x01;

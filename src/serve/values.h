@@ -14,6 +14,8 @@ class RowWriter {
   /// A char or varchar column is declared wide enough for its longest value in UTF-8; the recordset is at its first row
   /// afterwards.
   explicit RowWriter(Recordset& rows);
+  RowWriter(const RowWriter&) = delete;
+  RowWriter& operator=(const RowWriter&) = delete;
 
   /// COLMETADATA.
   void WriteColumns(TdsWriter& writer) const;
@@ -25,7 +27,8 @@ class RowWriter {
 
  private:
   Recordset& rows_;
-  std::vector<Field> fields_;
+  std::vector<Field> widened_;
+  const std::vector<Field>& fields_;
 };
 
 /// Type and value of an int, as an output parameter ends with them.

@@ -7,6 +7,7 @@
 #include <netinet/in.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <thread>
 
 #include "cli/schema_files.h"
@@ -88,6 +89,7 @@ TEST_F(FaultsTest, AServerThatFallsSilentInABatchIsGivenUp) {
   ServedDatabase served;
   const auto connection = OpenConnection(served.odbc(";StatementTimeout=1"));
   kill(served.process(), SIGSTOP);
+  waitpid(served.process(), nullptr, WUNTRACED);
   const Error error = ErrorOf([&] { connection->Execute("select 1 as a"); });
   kill(served.process(), SIGCONT);
   EXPECT_THAT(error.number(), testing::AnyOf(error_number::kTimeout, error_number::kDatabaseFailure)) << error.what();

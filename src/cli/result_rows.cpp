@@ -29,16 +29,6 @@ std::string DateText(DateTime value, FieldType type, CellStyle style) {
   return text;
 }
 
-std::string HexText(const Bytes& bytes) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string text = "0x";
-  for (const std::uint8_t byte : bytes) {
-    text += kDigits[byte >> 4];
-    text += kDigits[byte & 15];
-  }
-  return text;
-}
-
 std::string Quoted(const std::string& text) {
   return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
@@ -155,7 +145,7 @@ std::string CellText(const Variant& value, FieldType type, CellStyle style) {
   if (value.is_null()) return display ? "NULL" : "";
   if (value.is_empty()) return "";
   if (const auto* date = value.get_if<DateTime>()) return DateText(*date, type, style);
-  if (const auto* bytes = value.get_if<Bytes>()) return HexText(*bytes);
+  if (const auto* bytes = value.get_if<Bytes>()) return "0x" + HexText(bytes->data(), bytes->size());
   if (value.type_name() == "Nothing") return display ? "Nothing" : "";
   if (value.is_object()) return JsonText(value);
   if (!display && value.holds<bool>()) return value.ToBool() ? "true" : "false";

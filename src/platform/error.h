@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -43,6 +44,10 @@ inline constexpr std::int32_t kPermissionDenied = FromHresult(0x80040E09);
 inline constexpr std::int32_t kLoginRefused = FromHresult(0x80040E4D);
 inline constexpr std::int32_t kAbortedDeadlock = FromHresult(0x8004D00E);
 }  // namespace error_number
+
+/// The number for an error of SQL Server's own number, or nothing when the error is none of those that have one:
+/// OLE DB calls it an error in the statement then.
+std::optional<std::int32_t> NumberOfServerError(std::int32_t native);
 
 /// What the database itself said: its native number and SQLSTATE. 0 and "" when the error is not the database's.
 struct NativeError {

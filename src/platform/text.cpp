@@ -214,6 +214,18 @@ std::string ReplaceAll(std::string_view text, std::string_view from, std::string
   return result.append(text);
 }
 
+std::string HexText(const void* bytes, std::size_t size) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  const auto* const begin = static_cast<const unsigned char*>(bytes);
+  std::string text;
+  text.reserve(size * 2);
+  std::for_each(begin, begin + size, [&](unsigned char byte) {
+    text += kDigits[byte >> 4];
+    text += kDigits[byte & 15];
+  });
+  return text;
+}
+
 std::string_view Nearest(std::string_view name, const std::vector<std::string_view>& candidates) {
   std::string_view nearest;
   std::size_t least = std::max<std::size_t>(1, name.size() / 3) + 1;

@@ -35,6 +35,15 @@ std::vector<std::string_view> Split(std::string_view text, char separator);
 /// `text` with every `from` replaced by `to`.
 std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to);
 
+/// Whether the byte may stand in a name or keyword of Transact-SQL that needs no quotes; every part of a character
+/// beyond ASCII may.
+constexpr bool IsNameCharacter(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '@' ||
+         c == '#' || c == '$' || (c & 0x80) != 0;
+}
+/// Two digits for each byte, in capitals.
+std::string HexText(const void* bytes, std::size_t size);
+
 /// The name among `candidates` that is nearest to `name` by edits, or "" when none is near.
 std::string_view Nearest(std::string_view name, const std::vector<std::string_view>& candidates);
 

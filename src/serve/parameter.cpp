@@ -341,17 +341,6 @@ std::string DateLiteral(const std::string& bytes, const WireType& type) {
   return "'" + DateTimeText(day, (ticks * 10 + 1) / 3) + "'";
 }
 
-std::string HexText(std::string_view bytes) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string text;
-  text.reserve(bytes.size() * 2);
-  for (const char byte : bytes) {
-    text += kDigits[static_cast<std::uint8_t>(byte) >> 4];
-    text += kDigits[static_cast<std::uint8_t>(byte) & 15];
-  }
-  return text;
-}
-
 /// The first three groups stand with their lowest byte first.
 std::string GuidLiteral(std::string bytes) {
   RequireSize(bytes, {16});
@@ -359,7 +348,7 @@ std::string GuidLiteral(std::string bytes) {
   std::swap(bytes[1], bytes[2]);
   std::swap(bytes[4], bytes[5]);
   std::swap(bytes[6], bytes[7]);
-  std::string text = HexText(bytes);
+  std::string text = HexText(bytes.data(), bytes.size());
   for (const std::size_t dash : {8, 13, 18, 23}) text.insert(dash, "-");
   return "'" + text + "'";
 }
@@ -443,7 +432,7 @@ Parameter ReadParameter(TdsReader& reader) {
     return parameter;
   }
   if (IsBinary(type.code)) {
-    parameter.literal = "0x" + HexText(*value);
+    parameter.literal = "0x" + HexText(value->data(), value->size());
     return parameter;
   }
   switch (type.code) {

@@ -63,11 +63,6 @@ Call ReadCall(TdsReader& reader) {
   return call;
 }
 
-bool IsNameCharacter(char c) {
-  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == '@' ||
-         c == '#' || c == '$' || static_cast<unsigned char>(c) >= 0x80;
-}
-
 /// A procedure's name of one or more parts, each in brackets: nothing in it can be read as anything but a name.
 std::string QuotedName(std::string_view name) {
   const auto refuse = [&] { RaiseCall(2812, "Could not find stored procedure '" + std::string(name) + "'."); };

@@ -27,16 +27,6 @@ constexpr std::size_t kHashSize = 32;
 
 using Hash = std::array<unsigned char, kHashSize>;
 
-std::string ToHex(const unsigned char* bytes, std::size_t size) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  std::string text;
-  for (std::size_t i = 0; i < size; ++i) {
-    text += kDigits[bytes[i] >> 4];
-    text += kDigits[bytes[i] & 15];
-  }
-  return text;
-}
-
 std::optional<std::vector<unsigned char>> FromHex(std::string_view text) {
   if (text.size() % 2 != 0) return std::nullopt;
   std::vector<unsigned char> bytes;
@@ -95,8 +85,8 @@ std::string HashPassword(std::string_view password, int iterations) {
     Raise(error_number::kInternalError, "The system gives no random numbers");
   }
   const Hash hash = Derive(password, salt, iterations);
-  return std::string(kScheme) + "$" + std::to_string(iterations) + "$" + ToHex(salt.data(), salt.size()) + "$" +
-         ToHex(hash.data(), hash.size());
+  return std::string(kScheme) + "$" + std::to_string(iterations) + "$" + HexText(salt.data(), salt.size()) + "$" +
+         HexText(hash.data(), hash.size());
 }
 
 }  // namespace

@@ -20,6 +20,7 @@
 #include "siblings/siblings.h"
 #include "support/batches.h"
 #include "support/in_process_server.h"
+#include "support/recording_driver.h"
 #include "support/served_test.h"
 
 namespace tessarlorn {
@@ -97,15 +98,7 @@ TEST_F(FaultsTest, AServerThatFallsSilentInABatchIsGivenUp) {
 }
 
 /// Fails each batch as its text says: "native|severity|text".
-class FailingConnection final : public Connection {
- public:
-  void BeginTransaction() override {}
-  void CommitTransaction() override {}
-  void RollbackTransaction() override {}
-  bool Reset() noexcept override { return true; }
-  [[nodiscard]] bool usable() const noexcept override { return true; }
-  void Cancel() noexcept override {}
-
+class FailingConnection final : public RecordingConnection {
  protected:
   void Run(std::string_view text, bool, BatchSink&) override {
     const std::size_t bar = text.find('|');

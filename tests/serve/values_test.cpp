@@ -3,21 +3,14 @@
 #include <gtest/gtest.h>
 
 #include "platform/error.h"
+#include "platform/text.h"
 #include "serve/login.h"
 #include "support/sample_database.h"
 
 namespace tessarlorn::serve {
 namespace {
 
-std::string Hex(std::string_view bytes) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string text;
-  for (const char byte : bytes) {
-    text += kDigits[static_cast<std::uint8_t>(byte) >> 4];
-    text += kDigits[static_cast<std::uint8_t>(byte) & 15];
-  }
-  return text;
-}
+std::string Hex(std::string_view bytes) { return HexText(bytes.data(), bytes.size()); }
 
 class ValuesTest : public testing::Test {
  protected:

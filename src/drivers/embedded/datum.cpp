@@ -208,16 +208,6 @@ Datum ToDate(const Datum& value, const SqlType& from, const SqlType& to) {
   return milliseconds;
 }
 
-std::string HexText(std::string_view bytes, bool prefix) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string text = prefix ? "0x" : "";
-  for (const char byte : bytes) {
-    text += kDigits[static_cast<std::uint8_t>(byte) >> 4];
-    text += kDigits[static_cast<std::uint8_t>(byte) & 15];
-  }
-  return text;
-}
-
 std::string MoneyText(const Decimal& number, int style) {
   std::string text = number.Rescale(style == 2 ? 4 : 2).value_or(number).ToString();
   if (style == 1) {
@@ -236,7 +226,11 @@ std::string ToText(const Datum& value, const SqlType& from, int style) {
     case Storage::kReal:
       return FormatFloat(std::get<double>(value), style);
     case Storage::kBlob:
-      return style == 1 || style == 2 ? HexText(std::get<Blob>(value).bytes, style == 1) : std::get<Blob>(value).bytes;
+      if (const std::string& bytes = std::get<Blob>(value).bytes; style == 1 || style == 2) {
+        return (style == 1 ? "0x" : "") + HexText(bytes.data(), bytes.size());
+      } else {
+        return bytes;
+      }
     case Storage::kInteger:
       if (from.is_date()) return FormatDate(std::get<std::int64_t>(value), from.kind, style);
       return std::to_string(std::get<std::int64_t>(value));

@@ -68,11 +68,6 @@ bool EndsStatement(const Token& token) {
 
 bool IsBlank(char c) { return c == ' ' || c == '\r' || c == '\n' || c == '\t' || c == ';'; }
 
-bool IsWordPart(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '#' ||
-         c == '@' || c == '$' || (c & 0x80) != 0;
-}
-
 std::size_t SkipBlanks(std::string_view text, std::size_t position) {
   while (position < text.size() && IsBlank(text[position])) ++position;
   return position;
@@ -82,7 +77,7 @@ std::size_t SkipBlanks(std::string_view text, std::size_t position) {
 bool EndsStatementAt(std::string_view text, std::size_t position) {
   if (position == text.size()) return true;
   std::size_t end = position;
-  while (end < text.size() && IsWordPart(text[end])) ++end;
+  while (end < text.size() && IsNameCharacter(text[end])) ++end;
   const std::string_view word = text.substr(position, end - position);
   constexpr std::string_view kStarters[] = {"if",   "select", "update", "insert", "delete", "declare",
                                             "exec", "while",  "begin",  "drop",   "print"};
@@ -101,7 +96,7 @@ TextTemplate MakeTemplate(std::span<const Token> tokens) {
     const char* end = token.text.data() + token.text.size();
     const bool quoted = token.kind == TokenKind::kString || token.kind == TokenKind::kNString;
     // Digits that run into a letter are left to the lexer.
-    if (!quoted && &token != &tokens.back() && (IsWordPart(*end) || *end == '.')) return {};
+    if (!quoted && &token != &tokens.back() && (IsNameCharacter(*end) || *end == '.')) return {};
     result.segments.emplace_back(begin, token.text.data());
     result.literals.push_back({token.kind, LiteralClass(token)});
     begin = end;
@@ -137,7 +132,7 @@ bool TakeLiteral(std::string_view text, std::size_t& position, const TextTemplat
     ++position;
   }
   if (position == begin || point != (wanted.kind == TokenKind::kDecimal)) return false;
-  if (position < text.size() && IsWordPart(text[position])) return false;
+  if (position < text.size() && IsNameCharacter(text[position])) return false;
   token.text = text.substr(begin, position - begin);
   return LiteralClass(token) == wanted.literal_class;
 }
@@ -154,7 +149,7 @@ std::size_t MatchText(const TextTemplate& wanted, std::string_view text, std::si
     if (!TakeLiteral(text, position, wanted.literals[i], token)) return std::string_view::npos;
     literals.push_back(token);
   }
-  if (position < text.size() && IsWordPart(text[position])) return std::string_view::npos;
+  if (position < text.size() && IsNameCharacter(text[position])) return std::string_view::npos;
   position = SkipBlanks(text, position);
   return EndsStatementAt(text, position) ? position : std::string_view::npos;
 }
@@ -181,35 +176,19 @@ void ClassifyLiterals(Plan& plan, std::span<const Token> literals) {
   }
 }
 
+/// SELECT … INTO.
+bool MakesTable(const Statement& statement) {
+  return statement.kind == Statement::Kind::kSelect && statement.query->select != nullptr &&
+         !statement.query->select->into.name.empty();
+}
+
 void Classify(const Statement& statement, Plan& plan) {
   using Kind = Statement::Kind;
+  const Effect effect = EffectOf(statement);
+  plan.defines = plan.defines || effect == Effect::kDefines;
+  // An alias may hide a temporary table; taking the lock for it does no harm.
+  plan.writes = plan.writes || (effect != Effect::kNone && !IsOnTemporaryTables(statement));
   switch (statement.kind) {
-    case Kind::kInsert:
-    case Kind::kUpdate:
-    case Kind::kDelete:
-    case Kind::kTruncate:
-      // An alias may hide a temporary table; taking the lock for it does no harm.
-      plan.writes = plan.writes || !statement.table.temporary();
-      break;
-    case Kind::kSelect:
-      if (statement.query->select != nullptr && !statement.query->select->into.name.empty()) {
-        plan.defines = true;
-        plan.writes = plan.writes || !statement.query->select->into.temporary();
-      }
-      break;
-    case Kind::kCreateTable:
-    case Kind::kAlterTable:
-    case Kind::kCreateIndex:
-    case Kind::kDropIndex:
-    case Kind::kCreateView:
-    case Kind::kCreateProcedure:
-      plan.defines = true;
-      plan.writes = plan.writes || !statement.table.temporary();
-      break;
-    case Kind::kDropTable:
-      plan.defines = true;
-      for (const ObjectName& name : statement.tables) plan.writes = plan.writes || !name.temporary();
-      break;
     case Kind::kExecute:
       plan.defines = true;
       break;
@@ -229,6 +208,34 @@ void Classify(const Statement& statement, Plan& plan) {
 }
 
 }  // namespace
+
+Effect EffectOf(const Statement& statement) {
+  using Kind = Statement::Kind;
+  switch (statement.kind) {
+    case Kind::kInsert:
+    case Kind::kUpdate:
+    case Kind::kDelete:
+    case Kind::kTruncate:
+      return Effect::kChangesRows;
+    case Kind::kCreateTable:
+    case Kind::kAlterTable:
+    case Kind::kDropTable:
+    case Kind::kCreateIndex:
+    case Kind::kDropIndex:
+    case Kind::kCreateView:
+    case Kind::kCreateProcedure:
+      return Effect::kDefines;
+    default:
+      return MakesTable(statement) ? Effect::kDefines : Effect::kNone;
+  }
+}
+
+bool IsOnTemporaryTables(const Statement& statement) {
+  if (MakesTable(statement)) return statement.query->select->into.temporary();
+  if (statement.kind != Statement::Kind::kDropTable) return statement.table.temporary();
+  return std::all_of(statement.tables.begin(), statement.tables.end(),
+                     [](const ObjectName& name) { return name.temporary(); });
+}
 
 std::uint64_t PlanCache::Key(std::span<const std::uint64_t> shape) {
   std::uint64_t key = 0x9e3779b97f4a7c15ULL;

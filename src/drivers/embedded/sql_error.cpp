@@ -6,28 +6,19 @@
 namespace tessarlorn::embedded {
 namespace {
 
-struct Mapping {
+struct State {
   std::int32_t native;
-  std::int32_t number;
   const char* sqlstate;
 };
 
 // Sorted by native number. A number that does not stand here is an error in the statement.
-constexpr std::array kMappings = {
-    Mapping{207, error_number::kStatementError, "42S22"},    Mapping{208, error_number::kNoSuchTable, "42S02"},
-    Mapping{220, error_number::kDataOverflow, "22003"},      Mapping{241, error_number::kConversionFailed, "22007"},
-    Mapping{242, error_number::kDataOverflow, "22007"},      Mapping{244, error_number::kDataOverflow, "22003"},
-    Mapping{245, error_number::kConversionFailed, "22018"},  Mapping{248, error_number::kDataOverflow, "22003"},
-    Mapping{515, error_number::kConstraintBroken, "23000"},  Mapping{517, error_number::kDataOverflow, "22007"},
-    Mapping{547, error_number::kConstraintBroken, "23000"},  Mapping{823, error_number::kDatabaseFailure, "HY000"},
-    Mapping{824, error_number::kDatabaseFailure, "HY000"},   Mapping{1105, error_number::kDatabaseFailure, "HY000"},
-    Mapping{1205, error_number::kAbortedDeadlock, "40001"},  Mapping{1222, error_number::kTimeout, "HYT00"},
-    Mapping{2601, error_number::kConstraintBroken, "23000"}, Mapping{2627, error_number::kConstraintBroken, "23000"},
-    Mapping{2628, error_number::kStatementError, "22001"},   Mapping{3617, error_number::kCancelled, "HY008"},
-    Mapping{3906, error_number::kPermissionDenied, "42000"}, Mapping{4060, error_number::kLoginRefused, "08004"},
-    Mapping{8114, error_number::kConversionFailed, "22018"}, Mapping{8115, error_number::kDataOverflow, "22003"},
-    Mapping{8134, error_number::kDataOverflow, "22012"},     Mapping{8152, error_number::kStatementError, "22001"},
-    Mapping{40000, error_number::kNotSupported, "0A000"},
+constexpr std::array kStates = {
+    State{207, "42S22"},   State{208, "42S02"},  State{220, "22003"},  State{241, "22007"},  State{242, "22007"},
+    State{244, "22003"},   State{245, "22018"},  State{248, "22003"},  State{515, "23000"},  State{517, "22007"},
+    State{547, "23000"},   State{823, "HY000"},  State{824, "HY000"},  State{1105, "HY000"}, State{1205, "40001"},
+    State{1222, "HYT00"},  State{2601, "23000"}, State{2627, "23000"}, State{2628, "22001"}, State{3617, "HY008"},
+    State{4060, "08004"},  State{8114, "22018"}, State{8115, "22003"}, State{8134, "22012"}, State{8152, "22001"},
+    State{40000, "0A000"},
 };
 
 }  // namespace
@@ -55,11 +46,11 @@ bool SqlError::ends_statement_only() const noexcept {
 }
 
 Error ToError(const SqlError& error) {
-  const auto* found =
-      std::lower_bound(kMappings.begin(), kMappings.end(), error.number(),
-                       [](const Mapping& mapping, std::int32_t number) { return mapping.native < number; });
-  const bool known = found != kMappings.end() && found->native == error.number();
-  return {known ? found->number : error_number::kStatementError, "TessarLorn embedded database", error.what(),
+  const auto* found = std::lower_bound(kStates.begin(), kStates.end(), error.number(),
+                                       [](const State& state, std::int32_t number) { return state.native < number; });
+  const bool known = found != kStates.end() && found->native == error.number();
+  return {NumberOfServerError(error.number()).value_or(error_number::kStatementError), "TessarLorn embedded database",
+          error.what(),
           NativeError{error.number(), known ? found->sqlstate : "42000", error.severity(), error.state(),
                       std::max(1, static_cast<int>(error.line()))}};
 }

@@ -8,34 +8,9 @@
 namespace tessarlorn::embedded {
 
 void Session::LockFor(const Statement& statement) {
-  using Kind = Statement::Kind;
-  if (writing_ && !doomed_) return;
-  bool temporary = statement.table.temporary();
-  switch (statement.kind) {
-    case Kind::kInsert:
-    case Kind::kUpdate:
-    case Kind::kDelete:
-    case Kind::kTruncate:
-    case Kind::kCreateTable:
-    case Kind::kAlterTable:
-    case Kind::kCreateIndex:
-    case Kind::kDropIndex:
-    case Kind::kCreateView:
-    case Kind::kCreateProcedure:
-      break;
-    case Kind::kSelect:
-      if (statement.query->select == nullptr || statement.query->select->into.name.empty()) return;
-      temporary = statement.query->select->into.temporary();
-      break;
-    case Kind::kDropTable:
-      temporary = std::all_of(statement.tables.begin(), statement.tables.end(),
-                              [](const ObjectName& name) { return name.temporary(); });
-      break;
-    default:
-      return;
-  }
+  if ((writing_ && !doomed_) || EffectOf(statement) == Effect::kNone) return;
   // A transaction takes back what it did to temporary tables, too.
-  if (!temporary || depth_ > 0) EnsureWrite();
+  if (depth_ > 0 || !IsOnTemporaryTables(statement)) EnsureWrite();
 }
 
 void Session::EnsureWrite() {
@@ -94,26 +69,9 @@ void Session::Tell(TransactionEvent event) {
 }
 
 void Session::BeginImplicitTransaction(const Statement& statement) {
-  using Kind = Statement::Kind;
-  switch (statement.kind) {
-    case Kind::kSelect:
-      if (statement.query->select != nullptr && statement.query->select->from.empty()) return;
-      break;
-    case Kind::kInsert:
-    case Kind::kUpdate:
-    case Kind::kDelete:
-    case Kind::kTruncate:
-    case Kind::kCreateTable:
-    case Kind::kAlterTable:
-    case Kind::kDropTable:
-    case Kind::kCreateIndex:
-    case Kind::kDropIndex:
-    case Kind::kCreateView:
-    case Kind::kCreateProcedure:
-      break;
-    default:
-      return;
-  }
+  const bool reads = statement.kind == Statement::Kind::kSelect &&
+                     (statement.query->select == nullptr || !statement.query->select->from.empty());
+  if (!reads && EffectOf(statement) == Effect::kNone) return;
   CommitWrite();
   depth_ = 1;
   Tell(TransactionEvent::kBegun);

@@ -46,11 +46,6 @@ void AddOnce(std::vector<std::string>& list, const std::string& item) {
   if (!Holds(list, item)) list.push_back(item);
 }
 
-bool IsWordPart(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '#' ||
-         c == '@' || c == '$' || static_cast<unsigned char>(c) >= 0x80;
-}
-
 /// Walks over words and signs; comments and texts are left out, quoted names come without their quotes.
 class Words {
  public:
@@ -63,9 +58,9 @@ class Words {
     quoted_ = false;
     if (at_ >= text_.size()) return word_;
     const char c = text_[at_];
-    if (IsWordPart(c)) {
+    if (IsNameCharacter(c)) {
       const std::size_t begin = at_;
-      while (at_ < text_.size() && IsWordPart(text_[at_])) ++at_;
+      while (at_ < text_.size() && IsNameCharacter(text_[at_])) ++at_;
       word_ = LowerCase(text_.substr(begin, at_ - begin));
     } else if (c == '[' || c == '"' || c == '\'') {
       quoted_ = true;
@@ -166,7 +161,7 @@ class Scan {
 
   void ReadTableName(const std::string& word) {
     if (!word.starts_with('#')) return;
-    const bool plain = std::all_of(word.begin() + 1, word.end(), [](char c) { return IsWordPart(c) && c != '#'; });
+    const bool plain = std::all_of(word.begin() + 1, word.end(), [](char c) { return IsNameCharacter(c) && c != '#'; });
     if (plain && word.size() > 1) {
       AddOnce(effects_.temporary_tables, word);
     } else {

@@ -11,34 +11,6 @@ namespace {
 /// Said behind the error that ended a statement; never the cause.
 constexpr std::int32_t kStatementTerminated = 3621;
 
-struct NativeMapping {
-  std::int32_t native;
-  std::int32_t number;
-};
-
-// By the server's number, sorted.
-constexpr std::array kByNative = {
-    NativeMapping{208, error_number::kNoSuchTable},       NativeMapping{220, error_number::kDataOverflow},
-    NativeMapping{229, error_number::kPermissionDenied},  NativeMapping{230, error_number::kPermissionDenied},
-    NativeMapping{241, error_number::kConversionFailed},  NativeMapping{242, error_number::kConversionFailed},
-    NativeMapping{244, error_number::kDataOverflow},      NativeMapping{245, error_number::kConversionFailed},
-    NativeMapping{248, error_number::kDataOverflow},      NativeMapping{262, error_number::kPermissionDenied},
-    NativeMapping{297, error_number::kPermissionDenied},  NativeMapping{300, error_number::kPermissionDenied},
-    NativeMapping{515, error_number::kConstraintBroken},  NativeMapping{517, error_number::kDataOverflow},
-    NativeMapping{547, error_number::kConstraintBroken},  NativeMapping{823, error_number::kDatabaseFailure},
-    NativeMapping{824, error_number::kDatabaseFailure},   NativeMapping{1105, error_number::kDatabaseFailure},
-    NativeMapping{1205, error_number::kAbortedDeadlock},  NativeMapping{1222, error_number::kTimeout},
-    NativeMapping{2601, error_number::kConstraintBroken}, NativeMapping{2627, error_number::kConstraintBroken},
-    NativeMapping{2628, error_number::kDataOverflow},     NativeMapping{3617, error_number::kCancelled},
-    NativeMapping{3906, error_number::kPermissionDenied}, NativeMapping{4060, error_number::kLoginRefused},
-    NativeMapping{8114, error_number::kConversionFailed}, NativeMapping{8115, error_number::kDataOverflow},
-    NativeMapping{8134, error_number::kDataOverflow},     NativeMapping{8152, error_number::kDataOverflow},
-    NativeMapping{9002, error_number::kDatabaseFailure},  NativeMapping{18456, error_number::kLoginRefused},
-    NativeMapping{40000, error_number::kNotSupported},
-};
-static_assert(std::is_sorted(kByNative.begin(), kByNative.end(),
-                             [](const NativeMapping& a, const NativeMapping& b) { return a.native < b.native; }));
-
 struct StateMapping {
   std::string_view prefix;
   std::int32_t number;
@@ -71,10 +43,7 @@ std::optional<std::int32_t> NumberOfState(std::string_view sqlstate) {
 }
 
 std::int32_t NumberOf(const Diagnostic& cause) {
-  const auto* found =
-      std::lower_bound(kByNative.begin(), kByNative.end(), cause.native,
-                       [](const NativeMapping& mapping, std::int32_t native) { return mapping.native < native; });
-  if (found != kByNative.end() && found->native == cause.native) return found->number;
+  if (const auto number = NumberOfServerError(cause.native)) return *number;
   if (const auto number = NumberOfState(cause.sqlstate)) return *number;
   // A number of the server's own that stands nowhere is an error in the statement.
   return cause.native > 0 ? error_number::kStatementError : error_number::kDatabaseFailure;

@@ -29,7 +29,13 @@ class BatchSink {
   BatchSink& operator=(const BatchSink&) = delete;
   virtual ~BatchSink() = default;
 
+  /// A result, or the last rows of one that came in parts.
   virtual void Rows(RecordsetPtr rows) = 0;
+  /// Whether a long result may come in parts, so that nobody holds it whole.
+  [[nodiscard]] virtual bool takes_parts() const { return false; }
+  /// Rows of a result that more rows follow, at the first of them; theirs only until this returns. When the statement
+  /// fails before its last row, Rows() is not called for it.
+  virtual void PartOfRows(Recordset& /*rows*/) {}
   /// A statement changed so many rows. Not called while the session's NOCOUNT is on.
   virtual void RowCount(std::int64_t /*rows*/) {}
   /// PRINT, or an error of a severity up to 10. By default for the process's message observer.

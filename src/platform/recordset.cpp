@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <numeric>
 
 #include "platform/error.h"
 #include "platform/text.h"
@@ -194,6 +195,11 @@ std::string_view Recordset::GetText(std::size_t field) const {
 
 bool Recordset::IsNull(std::size_t field) const { return *Cell(field) == static_cast<std::uint8_t>(Tag::kNull); }
 
+std::size_t Recordset::size() const noexcept {
+  return std::accumulate(chunks_.begin(), chunks_.end(), std::size_t{0},
+                         [](std::size_t sum, const Chunk& chunk) { return sum + chunk.used; });
+}
+
 std::size_t Recordset::memory() const noexcept {
   std::size_t total = row_starts_.capacity() * sizeof(row_starts_[0]);
   for (const Chunk& chunk : chunks_) total += chunk.capacity;
@@ -302,6 +308,16 @@ void Recordset::AppendBytes(const void* data, std::size_t size) {
   *out = static_cast<std::uint8_t>(Tag::kBytes);
   out = PutVarint(out + 1, size);
   if (size > 0) std::memcpy(out, data, size);
+}
+
+void Recordset::Clear() {
+  row_starts_.clear();
+  position_ = 0;
+  located_row_ = static_cast<std::size_t>(-1);
+  if (chunks_.empty()) return;
+  // The last chunk is the largest.
+  chunks_.erase(chunks_.begin(), chunks_.end() - 1);
+  chunks_.back().used = 0;
 }
 
 void Recordset::Finish() {

@@ -76,7 +76,9 @@ class Recordset {
   /// Cuts the tie to the connection that produced the rows; the rows stay.
   void Detach() noexcept { attached_ = false; }
   [[nodiscard]] bool attached() const noexcept { return attached_; }
-  /// Bytes that the rows take in memory.
+  /// Bytes that the values of all rows take.
+  [[nodiscard]] std::size_t size() const noexcept;
+  /// Bytes that the rows take in memory, spare room included.
   [[nodiscard]] std::size_t memory() const noexcept;
 
   // For drivers: a row is BeginRow() and then one Append… for each field in order.
@@ -90,6 +92,8 @@ class Recordset {
   void AppendDateTime(DateTime value);
   void AppendText(std::string_view text);
   void AppendBytes(const void* data, std::size_t size);
+  /// Takes all rows away and keeps room for as many more.
+  void Clear();
   /// To be called after the last row: goes to the first row and gives back spare memory.
   void Finish();
 

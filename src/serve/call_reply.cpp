@@ -45,10 +45,10 @@ void CallReply::WriteEnd() {
     WriteTypeAndInteger(tokens, *text_.handle);
   }
   if (outputs_ == nullptr || outputs_->eof()) return;
-  const RowWriter values(*outputs_);
+  const RowWriter values(*outputs_, false);
   for (std::size_t i = 0; i < text_.outputs.size(); ++i) {
     WriteOutputHead(call_.parameters[text_.outputs[i]], text_.outputs[i]);
-    values.WriteTypeAndValue(tokens, i + 1);
+    values.WriteTypeAndValue(tokens, *outputs_, i + 1);
   }
 }
 

@@ -12,6 +12,8 @@ class CallReply final : public BatchSink {
   CallReply(Reply& reply, const Call& call, const CallText& text) : reply_(reply), call_(call), text_(text) {}
 
   void Rows(RecordsetPtr rows) override;
+  [[nodiscard]] bool takes_parts() const override { return true; }
+  void PartOfRows(Recordset& rows) override { reply_.PartOfRows(rows); }
   void RowCount(std::int64_t rows) override { reply_.RowCount(rows); }
   void Message(std::string_view text) override { reply_.Message(text); }
   bool StatementFailed(const Error& error) override;

@@ -4,8 +4,6 @@
 #include <array>
 #include <utility>
 
-#include "serve/values.h"
-
 namespace tessarlorn::serve {
 namespace {
 
@@ -57,17 +55,27 @@ void Reply::Send() {
   writer_.Clear();
 }
 
-void Reply::Rows(RecordsetPtr rows) {
-  const RowWriter row_writer(*rows);
-  row_writer.WriteColumns(Tokens());
-  for (; !rows->eof(); rows->MoveNext()) {
+void Reply::WriteRows(Recordset& rows, bool more) {
+  if (!row_writer_) {
+    row_writer_.emplace(rows, more);
+    row_writer_->WriteColumns(Tokens());
+    rows_written_ = 0;
+  }
+  for (; !rows.eof(); rows.MoveNext(), ++rows_written_) {
     if (interruption_.load(std::memory_order_relaxed) != Interruption::kNone) {
       Raise(error_number::kCancelled, "The statement was cancelled.");
     }
-    row_writer.WriteRow(writer_);
+    row_writer_->WriteRow(writer_, rows);
     SendIfLarge();
   }
-  SetPending(kDoneCount, kSelectCommand, rows->RecordCount());
+}
+
+void Reply::PartOfRows(Recordset& rows) { WriteRows(rows, true); }
+
+void Reply::Rows(RecordsetPtr rows) {
+  WriteRows(*rows, false);
+  row_writer_.reset();
+  SetPending(kDoneCount, kSelectCommand, rows_written_);
 }
 
 void Reply::RowCount(std::int64_t rows) {
@@ -86,6 +94,7 @@ bool Reply::StatementFailed(const Error& error) {
 }
 
 void Reply::Fail(const Error& error) {
+  row_writer_.reset();
   Tokens().Put(ToMessage(error));
   if (TakesBack(error.native().number)) {
     writer_.Put(ServerMessage{3621, 0, 0, 1, "The statement has been terminated."});

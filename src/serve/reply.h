@@ -7,6 +7,7 @@
 #include "platform/connection.h"
 #include "serve/channel.h"
 #include "serve/tds_writer.h"
+#include "serve/values.h"
 
 namespace tessarlorn::serve {
 
@@ -28,6 +29,8 @@ class Reply : public BatchSink {
       : channel_(channel), transaction_(transaction), interruption_(interruption), done_(done) {}
 
   void Rows(RecordsetPtr rows) override;
+  [[nodiscard]] bool takes_parts() const override { return true; }
+  void PartOfRows(Recordset& rows) override;
   void RowCount(std::int64_t rows) override;
   void Message(std::string_view text) override;
   bool StatementFailed(const Error& error) override;
@@ -47,6 +50,7 @@ class Reply : public BatchSink {
   void AcknowledgeAttention();
 
  private:
+  void WriteRows(Recordset& rows, bool more);
   void SetPending(std::uint16_t status, std::uint16_t command, std::uint64_t rows);
   void PutDone(Done done);
   void SendIfLarge();
@@ -57,6 +61,9 @@ class Reply : public BatchSink {
   const std::atomic<Interruption>& interruption_;
   Token done_;
   TdsWriter writer_;
+  // Of the result that is being written.
+  std::optional<RowWriter> row_writer_;
+  std::uint64_t rows_written_ = 0;
   // The last DONE is held back until it is known whether more follows.
   std::optional<Done> pending_;
   bool failed_ = false;

@@ -264,8 +264,8 @@ void PutValue(TdsWriter& writer, const Field& field, const Recordset& rows, std:
   }
 }
 
-/// The fields as they are declared to the client, where a column's values are longer than the column says; otherwise
-/// none.
+/// The fields as they are declared to the client, where the values of a column are longer than the column says;
+/// otherwise none.
 std::vector<Field> WidenedFields(Recordset& rows) {
   std::vector<Field> widened;
   for (std::size_t i = 0; i < rows.fields().size(); ++i) {
@@ -281,10 +281,23 @@ std::vector<Field> WidenedFields(Recordset& rows) {
   return widened;
 }
 
+/// The fields with room for whatever the columns may hold: they count two bytes for a character beyond ASCII, which
+/// takes up to four bytes of UTF-8.
+std::vector<Field> WidestFields(const Recordset& rows) {
+  std::vector<Field> fields = rows.fields();
+  for (Field& field : fields) {
+    if (!IsNarrowText(field) || field.size <= 0) continue;
+    const int widest = field.size * 2;
+    field.size = static_cast<std::size_t>(widest) > kLongestBytes ? 0 : widest;
+  }
+  return fields;
+}
+
 }  // namespace
 
-RowWriter::RowWriter(Recordset& rows)
-    : rows_(rows), widened_(WidenedFields(rows)), fields_(widened_.empty() ? rows.fields() : widened_) {}
+RowWriter::RowWriter(Recordset& rows, bool more_follow)
+    : own_fields_(more_follow ? WidestFields(rows) : WidenedFields(rows)),
+      fields_(own_fields_.empty() ? rows.fields() : own_fields_) {}
 
 void RowWriter::WriteColumns(TdsWriter& writer) const {
   constexpr std::uint16_t kNullable = 0x01;
@@ -299,14 +312,14 @@ void RowWriter::WriteColumns(TdsWriter& writer) const {
   }
 }
 
-void RowWriter::WriteRow(TdsWriter& writer) const {
+void RowWriter::WriteRow(TdsWriter& writer, const Recordset& rows) const {
   const std::size_t start = writer.size();
   writer.Put(Token::kRowWithNulls);
   const std::size_t map = writer.size();
   for (std::size_t i = 0; i < (fields_.size() + 7) / 8; ++i) writer.U8(0);
   bool any = false;
   for (std::size_t i = 0; i < fields_.size(); ++i) {
-    if (!rows_.IsNull(i)) continue;
+    if (!rows.IsNull(i)) continue;
     any = true;
     const std::size_t byte = map + i / 8;
     writer.SetU8(byte, static_cast<std::uint8_t>(static_cast<std::uint8_t>(writer.bytes()[byte]) | (1U << (i % 8))));
@@ -317,7 +330,7 @@ void RowWriter::WriteRow(TdsWriter& writer) const {
   }
   try {
     for (std::size_t i = 0; i < fields_.size(); ++i) {
-      if (!rows_.IsNull(i)) PutValue(writer, fields_[i], rows_, i);
+      if (!rows.IsNull(i)) PutValue(writer, fields_[i], rows, i);
     }
   } catch (const Error&) {
     // An error's token may follow a whole row only.
@@ -326,12 +339,12 @@ void RowWriter::WriteRow(TdsWriter& writer) const {
   }
 }
 
-void RowWriter::WriteTypeAndValue(TdsWriter& writer, std::size_t column) const {
+void RowWriter::WriteTypeAndValue(TdsWriter& writer, const Recordset& rows, std::size_t column) const {
   PutFieldType(writer, fields_[column]);
-  if (rows_.IsNull(column)) {
+  if (rows.IsNull(column)) {
     PutNull(writer, fields_[column]);
   } else {
-    PutValue(writer, fields_[column], rows_, column);
+    PutValue(writer, fields_[column], rows, column);
   }
 }
 

@@ -8,12 +8,12 @@
 
 namespace tessarlorn::serve {
 
-/// Writes the rows of a result. It must not outlive the recordset.
+/// Writes the columns and rows of one result.
 class RowWriter {
  public:
-  /// A char or varchar column is declared wide enough for its longest value in UTF-8; the recordset is at its first row
-  /// afterwards.
-  explicit RowWriter(Recordset& rows);
+  /// A char or varchar column is declared wide enough for its longest value in UTF-8: of `rows`, which are at their
+  /// first row afterwards, or, when they are not all, for the longest that such a column may have.
+  RowWriter(Recordset& rows, bool more_follow);
   RowWriter(const RowWriter&) = delete;
   RowWriter& operator=(const RowWriter&) = delete;
 
@@ -21,13 +21,13 @@ class RowWriter {
   void WriteColumns(TdsWriter& writer) const;
   /// The current row, with a map of its nulls when it has any. Raises Error for a date that `datetime` does not have
   /// (before 1753).
-  void WriteRow(TdsWriter& writer) const;
+  void WriteRow(TdsWriter& writer, const Recordset& rows) const;
   /// Type and value of a column of the current row, as an output parameter ends with them.
-  void WriteTypeAndValue(TdsWriter& writer, std::size_t column) const;
+  void WriteTypeAndValue(TdsWriter& writer, const Recordset& rows, std::size_t column) const;
 
  private:
-  Recordset& rows_;
-  std::vector<Field> widened_;
+  /// Where they differ from those of the first rows, or outlive them.
+  std::vector<Field> own_fields_;
   const std::vector<Field>& fields_;
 };
 

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <unistd.h>
 
+#include "platform/text.h"
 #include "serve/tds_support.h"
 #include "serve/type_codes.h"
 #include "support/sample_database.h"
@@ -151,6 +152,31 @@ TEST_F(ClientSessionTest, AnErrorFollowsWholeRows) {
   row.Bytes(std::string("\xD1\x04\x01\x00\x00\x00\x08\x25\xB1\x00\x00\x00\x00\x00\x00", 15));
   row.Put(ServerMessage{242, 1, 16, 1, "A date before 1753 cannot be sent as datetime."});
   EXPECT_TRUE(answer.ends_with(row.bytes() + DoneBytes(kDoneError)));
+}
+
+TEST_F(ClientSessionTest, SendsALongResultWhileItIsRead) {
+  // A thousand rows of 400 bytes, of which the server holds a part only.
+  const std::string query =
+      "create table #digits (d int)\ninsert #digits values (0),(1),(2),(3),(4),(5),(6),(7),(8),(9)\n"
+      "select cast(replicate('x', 400) as varchar(400)) LongText, 1 / (a.d * 100 + b.d * 10 + c.d - HOLE) q\n"
+      "from #digits a cross join #digits b cross join #digits c";
+  const auto rows_in = [](const std::string& answer) {
+    std::size_t rows = 0;
+    const std::string row = "\xD1\x90\x01" + std::string(400, 'x');
+    for (std::size_t at = answer.find(row); at != std::string::npos; at = answer.find(row, at + row.size())) ++rows;
+    return rows;
+  };
+  const std::string whole = AnswerAfterLogin(BatchMessage(ReplaceAll(query, "HOLE", "1000")));
+  EXPECT_EQ(rows_in(whole), 1000U);
+  EXPECT_TRUE(whole.ends_with(DoneBytes(kDoneCount, 0xC1, 1000)));
+  EXPECT_EQ(whole.find(Wide("LongText")), whole.rfind(Wide("LongText"))) << "columns come once";
+
+  const std::string broken = AnswerAfterLogin(BatchMessage(ReplaceAll(query, "HOLE", "950") + "\nselect 7 as Behind"));
+  EXPECT_GT(rows_in(broken), 500U) << "the rows of the parts before the error are the client's";
+  const std::size_t error = broken.find(Wide("Divide by zero error encountered."));
+  ASSERT_NE(error, std::string::npos);
+  EXPECT_LT(broken.rfind("\xD1\x90\x01x"), error);
+  EXPECT_LT(error, broken.find(Wide("Behind")));
 }
 
 TEST_F(ClientSessionTest, ShowsTransactionsToItsClient) {

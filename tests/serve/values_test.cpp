@@ -17,9 +17,9 @@ class ValuesTest : public testing::Test {
   /// Type and value of the one column that the query answers, as hexadecimal digits; C stands for the collation.
   std::string TypeAndValue(const std::string& query) {
     const RecordsetPtr rows = database_.connection().Execute(query);
-    const RowWriter row_writer(*rows);
+    const RowWriter row_writer(*rows, false);
     TdsWriter writer;
-    row_writer.WriteTypeAndValue(writer, 0);
+    row_writer.WriteTypeAndValue(writer, *rows, 0);
     std::string text = Hex(writer.bytes());
     const std::string collation = Hex(kCollation);
     if (const std::size_t at = text.find(collation); at != std::string::npos) text.replace(at, collation.size(), "C");
@@ -72,9 +72,9 @@ TEST_F(ValuesTest, KeepTypeAndValue) {
 TEST_F(ValuesTest, RowsWithNullsHaveAMap) {
   const RecordsetPtr rows = database_.connection().Execute(
       "select cast(1 as tinyint) a, cast(null as tinyint) b union all select cast(2 as tinyint), cast(3 as tinyint)");
-  const RowWriter row_writer(*rows);
+  const RowWriter row_writer(*rows, false);
   TdsWriter writer;
-  for (; !rows->eof(); rows->MoveNext()) row_writer.WriteRow(writer);
+  for (; !rows->eof(); rows->MoveNext()) row_writer.WriteRow(writer, *rows);
   EXPECT_EQ(Hex(writer.bytes()), "D2020101D101020103");
 }
 

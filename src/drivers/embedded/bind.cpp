@@ -64,6 +64,9 @@ void AppendCell(Recordset& rows, sqlite3_stmt* statement, int column, const SqlT
   }
 }
 
+/// Bytes after which a result is handed over in parts, when it may be.
+constexpr std::size_t kPartSize = 65536;
+
 Datum ColumnDatum(sqlite3_stmt* statement, int column) { return ToDatum(sqlite3_column_value(statement, column)); }
 
 }  // namespace
@@ -177,7 +180,7 @@ int Session::Step(sqlite3_stmt* statement, std::string_view verb) {
   RaiseSqlite(database_.get(), status, &runtime_, verb);
 }
 
-RecordsetPtr Session::ReadRows(Compiled& compiled, sqlite3_stmt* statement, bool keep) {
+void Session::ReadRows(Compiled& compiled, sqlite3_stmt* statement, bool keep) {
   RecordsetPtr rows;
   std::vector<Storage> storages;
   if (keep) {
@@ -190,18 +193,25 @@ RecordsetPtr Session::ReadRows(Compiled& compiled, sqlite3_stmt* statement, bool
     rows = std::make_shared<Recordset>(std::move(fields));
   }
   const auto width = static_cast<int>(compiled.columns.size());
+  const bool in_parts = results_->sink.takes_parts();
   row_count_ = 0;
   while (Step(statement, compiled.verb) == SQLITE_ROW) {
     ++row_count_;
     if (!keep) continue;
+    if (in_parts && rows->size() >= kPartSize) {
+      results_->sink.PartOfRows(*rows);
+      rows->Clear();
+    }
     rows->BeginRow();
     for (int i = 0; i < width; ++i) {
       const auto column = static_cast<std::size_t>(i);
       AppendCell(*rows, statement, i, compiled.columns[column].type, storages[column]);
     }
   }
-  if (keep) rows->Finish();
-  return rows;
+  if (!keep) return;
+  rows->Finish();
+  results_->any = true;
+  results_->sink.Rows(std::move(rows));
 }
 
 void Session::AssignRows(Compiled& compiled, sqlite3_stmt* statement, Scope& scope) {

@@ -241,11 +241,7 @@ void Session::ExecuteSelect(const Statement& statement, Scope& scope) {
     AssignRows(compiled, query, scope);
     return;
   }
-  const bool keep = results_->wants_more();
-  RecordsetPtr rows = ReadRows(compiled, query, keep);
-  if (!keep) return;
-  results_->any = true;
-  results_->sink.Rows(std::move(rows));
+  ReadRows(compiled, query, results_->wants_more());
 }
 
 void Session::ExecuteSelectInto(const Statement& statement, Scope& scope) {

@@ -112,7 +112,8 @@ class Session {
   Datum LiteralValue(const Token& token, SqlType& type);
   std::shared_ptr<const std::vector<Datum>> ListValues(const BoundParameter& parameter, Scope& scope);
   Datum SystemValue(const std::string& name, SqlType& type);
-  RecordsetPtr ReadRows(Compiled& compiled, sqlite3_stmt* statement, bool keep);
+  /// Hands the rows over when `keep`.
+  void ReadRows(Compiled& compiled, sqlite3_stmt* statement, bool keep);
   void AssignRows(Compiled& compiled, sqlite3_stmt* statement, Scope& scope);
   void RunChange(Compiled& compiled, sqlite3_stmt* statement);
   /// SQLITE_ROW or SQLITE_DONE; raises everything else.

@@ -81,7 +81,7 @@ void ReportMessage(std::string_view message) {
   if (Messages()) Messages()(message);
 }
 
-void BatchSink::Message(std::string_view text) { ReportMessage(text); }
+void BatchSink::Message(std::string_view text, const NativeError& /*about*/) { ReportMessage(text); }
 
 void ShowRunningConnection(std::atomic<Connection*>* slot) { RunningSlot() = slot; }
 

@@ -38,8 +38,9 @@ class BatchSink {
   virtual void PartOfRows(Recordset& /*rows*/) {}
   /// A statement changed so many rows. Not called while the session's NOCOUNT is on.
   virtual void RowCount(std::int64_t /*rows*/) {}
-  /// PRINT, or an error of a severity up to 10. By default for the process's message observer.
-  virtual void Message(std::string_view text);
+  /// PRINT, or an error of a severity up to 10; `about` has its number (0 for PRINT), severity and place. By default
+  /// the text goes to the process's message observer.
+  virtual void Message(std::string_view text, const NativeError& about);
   /// An error that ended its statement and not the batch. True when it is dealt with here; otherwise the batch raises
   /// the first one at its end.
   virtual bool StatementFailed(const Error& /*error*/) { return false; }

@@ -57,6 +57,8 @@ struct NativeError {
   int state = 1;
   /// Line of the batch or procedure, from 1.
   int line = 1;
+  /// The stored procedure that it stands in, "" for none or when the driver does not tell.
+  std::string procedure = {};
 };
 
 /// A failed operation: number, Source, description, and the database's own words beside them.

@@ -15,7 +15,7 @@ class CallReply final : public BatchSink {
   [[nodiscard]] bool takes_parts() const override { return true; }
   void PartOfRows(Recordset& rows) override { reply_.PartOfRows(rows); }
   void RowCount(std::int64_t rows) override { reply_.RowCount(rows); }
-  void Message(std::string_view text) override { reply_.Message(text); }
+  void Message(std::string_view text, const NativeError& about) override { reply_.Message(text, about); }
   bool StatementFailed(const Error& error) override;
   void Transaction(TransactionEvent event) override { reply_.Transaction(event); }
 

@@ -1,7 +1,5 @@
 #include "serve/reply.h"
 
-#include <algorithm>
-#include <array>
 #include <utility>
 
 namespace tessarlorn::serve {
@@ -9,6 +7,8 @@ namespace {
 
 constexpr std::uint16_t kSelectCommand = 0xC1;
 constexpr std::uint16_t kChangeCommand = 0xC5;
+constexpr std::int32_t kStatementTerminated = 3621;
+constexpr std::int32_t kUserError = 50000;
 /// So much is written before it is sent.
 constexpr std::size_t kSendSize = 32768;
 
@@ -16,12 +16,6 @@ std::string DescriptorBytes(std::uint64_t transaction) {
   TdsWriter writer;
   writer.U64(transaction);
   return writer.bytes();
-}
-
-/// Errors of a statement that changes rows, after which a server says that it took the statement back.
-bool TakesBack(std::int32_t number) {
-  constexpr std::array kNumbers = {515, 547, 2601, 2627, 2628, 8152};
-  return std::find(kNumbers.begin(), kNumbers.end(), number) != kNumbers.end();
 }
 
 }  // namespace
@@ -83,8 +77,10 @@ void Reply::RowCount(std::int64_t rows) {
   SetPending(kDoneCount, kChangeCommand, static_cast<std::uint64_t>(rows));
 }
 
-void Reply::Message(std::string_view text) {
-  Tokens().Put(ServerMessage{0, 1, 0, 1, std::string(text)});
+void Reply::Message(std::string_view text, const NativeError& about) {
+  // It belongs to the error before it, and so stands before the end of that statement.
+  TdsWriter& tokens = about.number == kStatementTerminated ? writer_ : Tokens();
+  tokens.Put(ToMessage(text, about));
   SendIfLarge();
 }
 
@@ -95,10 +91,9 @@ bool Reply::StatementFailed(const Error& error) {
 
 void Reply::Fail(const Error& error) {
   row_writer_.reset();
-  Tokens().Put(ToMessage(error));
-  if (TakesBack(error.native().number)) {
-    writer_.Put(ServerMessage{3621, 0, 0, 1, "The statement has been terminated."});
-  }
+  const NativeError& native = error.native();
+  // What has no number of the database's own is an error in the server's eyes all the same.
+  Tokens().Put(native.number == 0 ? ToMessage(error.what(), {kUserError, "42000"}) : ToMessage(error.what(), native));
   failed_ = true;
   SetPending(kDoneError, 0, 0);
 }

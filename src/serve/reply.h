@@ -32,7 +32,7 @@ class Reply : public BatchSink {
   [[nodiscard]] bool takes_parts() const override { return true; }
   void PartOfRows(Recordset& rows) override;
   void RowCount(std::int64_t rows) override;
-  void Message(std::string_view text) override;
+  void Message(std::string_view text, const NativeError& about) override;
   bool StatementFailed(const Error& error) override;
   void Transaction(TransactionEvent event) override;
 

@@ -14,17 +14,11 @@ constexpr std::size_t kLongestMessage = 4000;
 
 }  // namespace
 
-ServerMessage ToMessage(const Error& error) {
-  ServerMessage message;
-  const NativeError& native = error.native();
-  // What has no number of the database's own is an error in the server's eyes all the same.
-  constexpr std::int32_t kUserError = 50000;
-  message.number = native.number == 0 ? kUserError : native.number;
-  message.state = static_cast<std::uint8_t>(std::clamp(native.state, 0, 255));
-  message.severity = static_cast<std::uint8_t>(std::clamp(native.severity, kLargestInfoSeverity + 1, 25));
-  message.line = static_cast<std::uint32_t>(std::max(native.line, 1));
-  message.text = error.what();
-  return message;
+ServerMessage ToMessage(std::string_view text, const NativeError& about) {
+  const auto byte = [](int number) { return static_cast<std::uint8_t>(std::clamp(number, 0, 255)); };
+  return {about.number,         byte(about.state),
+          byte(about.severity), static_cast<std::uint32_t>(std::max(about.line, 1)),
+          std::string(text),    about.procedure};
 }
 
 void TdsWriter::Number(std::uint64_t value, std::size_t size) {
@@ -101,7 +95,7 @@ void TdsWriter::Put(const ServerMessage& message) {
   U8(message.severity);
   LongText(message.text, kLongestMessage);
   ShortText(kServerName);
-  ShortText("");
+  ShortText(message.procedure);
   U32(message.line);
   SetU16(start, static_cast<std::uint16_t>(bytes_.size() - start - 2));
 }

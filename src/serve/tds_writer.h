@@ -57,10 +57,11 @@ struct ServerMessage {
   std::uint8_t severity = 0;
   std::uint32_t line = 1;
   std::string text;
+  std::string procedure = {};
 };
 
-/// The server's message of an error that the database raised.
-ServerMessage ToMessage(const Error& error);
+/// The server's message of what the database said.
+ServerMessage ToMessage(std::string_view text, const NativeError& about);
 
 /// Numbers are little-endian, texts UTF-16LE.
 class TdsWriter {

@@ -59,7 +59,7 @@ void PutFieldType(TdsWriter& writer, const Field& field) {
     case FieldType::kTime:
       return PutSizedType(writer, TypeCode::kTimeN, kTimeScale);
     case FieldType::kDateTime:
-      return PutSizedType(writer, TypeCode::kDateTimeN, 8);
+      return PutSizedType(writer, TypeCode::kDateTime2N, kTimeScale);
     case FieldType::kGuid:
       return PutSizedType(writer, TypeCode::kGuid, 16);
     case FieldType::kChar:
@@ -99,8 +99,12 @@ void PutLongValue(TdsWriter& writer, const Field& field, std::size_t bytes, Put 
   }
   const std::size_t start = writer.size();
   writer.U16(0);
-  writer.SetU16(start, static_cast<std::uint16_t>(std::min(put(), kLongestBytes)));
-  writer.CutTo(std::min(writer.size(), start + 2 + kLongestBytes));
+  const std::size_t size = put();
+  if (size > kLongestBytes) {
+    throw Error(error_number::kDataOverflow, kServerName,
+                "A value of the column " + field.name + " is longer than its type says.", {8152, "22001"});
+  }
+  writer.SetU16(start, static_cast<std::uint16_t>(size));
 }
 
 void PutNull(TdsWriter& writer, const Field& field) {
@@ -161,22 +165,12 @@ DayAndTime SplitDay(DateTime value) {
   return {day, rest};
 }
 
+/// As datetime2: its milliseconds are exact, and it has every day.
 void PutDateTime(TdsWriter& writer, DateTime value) {
-  constexpr std::int64_t kFirstDay = -53690;  // 1753-01-01
-  auto [day, milliseconds] = SplitDay(value);
-  if (day < kFirstDay) {
-    throw Error(error_number::kDataOverflow, kServerName, "A date before 1753 cannot be sent as datetime.",
-                {242, "22007"});
-  }
-  // Ticks of a three-hundredth of a second.
-  std::int64_t ticks = (milliseconds * 3 + 5) / 10;
-  if (ticks == kMillisecondsOfDay * 3 / 10) {
-    ticks = 0;
-    ++day;
-  }
-  writer.U8(8);
-  writer.U32(static_cast<std::uint32_t>(static_cast<std::int32_t>(day)));
-  writer.U32(static_cast<std::uint32_t>(ticks));
+  const auto [day, milliseconds] = SplitDay(value);
+  writer.U8(7);
+  writer.U32(static_cast<std::uint32_t>(milliseconds));
+  writer.Number(static_cast<std::uint64_t>(day + kDaysBefore1900), 3);
 }
 
 int HexDigit(char digit) {

@@ -19,8 +19,8 @@ class RowWriter {
 
   /// COLMETADATA.
   void WriteColumns(TdsWriter& writer) const;
-  /// The current row, with a map of its nulls when it has any. Raises Error for a date that `datetime` does not have
-  /// (before 1753).
+  /// The current row, with a map of its nulls when it has any. Raises Error for a value that is longer than its column
+  /// can be.
   void WriteRow(TdsWriter& writer, const Recordset& rows) const;
   /// Type and value of a column of the current row, as an output parameter ends with them.
   void WriteTypeAndValue(TdsWriter& writer, const Recordset& rows, std::size_t column) const;

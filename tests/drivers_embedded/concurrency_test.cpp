@@ -75,6 +75,28 @@ TEST(EmbeddedThreads, AWriterThatWaitsTooLongIsTold) {
   EXPECT_EQ(Answer(*holder, "insert n values (3)"), "");
 }
 
+TEST(EmbeddedThreads, AWaitForALockEndsWhenItsClientSaysSo) {
+  const TemporaryFolder folder;
+  const std::string file = folder.file("awaited.db");
+  const auto holder = OpenEmbedded(file);
+  holder->Execute("create table n (FValue int)");
+  holder->BeginTransaction();
+  holder->Execute("insert n values (1)");
+  const auto begin = std::chrono::steady_clock::now();
+  std::thread([&file] {
+    const auto other = OpenConnection("Embedded=" + file + ";Timeout=60");
+    EXPECT_THAT(Answer(*other, "set lock_timeout 50 insert n values (2)"), testing::HasSubstr("error 1222"));
+    ASSERT_TRUE(other->Reset());
+    std::thread killer([&] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      other->Cancel();
+    });
+    EXPECT_THAT(Answer(*other, "insert n values (2)"), testing::HasSubstr("error 3617"));
+    killer.join();
+  }).join();
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
+}
+
 TEST(EmbeddedThreads, CancelEndsTheBatchAndTheConnectionGoesOn) {
   const auto connection = OpenEmbedded();
   connection->Execute("create table n (FValue int)");

@@ -128,6 +128,30 @@ TEST(EmbeddedDriver, ResultsBeforeAFailingStatementAreHandedOver) {
   EXPECT_THAT(results, testing::ElementsAre("a;1", "b;2"));
 }
 
+TEST(EmbeddedDriver, ArgumentsOfACallFitTheParametersOfThisTime) {
+  const auto connection = OpenEmbedded();
+  connection->Execute("create table Taken (s nvarchar(20), n float)");
+  const auto insert = [&](const std::string& types, const std::string& values) {
+    connection->Execute("exec sp_executesql N'insert Taken (s, n) values (@s, @n)', N'" + types + "', " + values);
+  };
+  insert("@s nvarchar(1), @n int", "N'a', 1");
+  insert("@s nvarchar(6), @n float", "N'abcdef', 1e-3");
+  insert("@s datetime, @n bit", "'2024-02-29', 5");
+  EXPECT_EQ(Answer(*connection, "select s, n from Taken"), "s|n;a|1;abcdef|0.001;Feb 29 2024 12:00AM|1");
+}
+
+TEST(EmbeddedDriver, TextFunctionsAnswerNoMoreThanTheirTypeHolds) {
+  const auto connection = OpenEmbedded();
+  EXPECT_EQ(
+      Answer(*connection,
+             "select len(replicate('a', 9000)) a, len(replicate(N'字', 9000)) b, "
+             "len(replicate(cast('ab' as varchar(max)), 9000)) c, len(replace(replicate('a', 8000), 'a', 'bb')) d, "
+             "len(stuff(replicate('a', 8000), 1, 0, N'z')) e"),
+      "a|b|c|d|e;8000|4000|18000|8000|4000");
+  connection->Execute("create table #t (n nvarchar(4000))");
+  EXPECT_THAT(Answer(*connection, "insert #t values (replicate('a', 8000))"), testing::HasSubstr("error 2628"));
+}
+
 TEST(EmbeddedDriver, ResultsCarryTheTypesOfTheServer) {
   const auto connection = OpenEmbedded();
   const RecordsetPtr rows = connection->Execute(

@@ -92,9 +92,9 @@ TEST_F(ClientsTest, IsqlOverOdbc) {
 
 /// What client.js prints.
 constexpr const char* kTediousLines = R"(orders: [[60]]
-types: [["i","IntN",4,null,null],["d","DecimalN",9,10,3],["t","NVarChar",8000,null,null],["n","Date",null,null,null],["w","DateTimeN",8,null,null]]
+types: [["i","IntN",4,null,null],["d","DecimalN",9,10,3],["t","NVarChar",8000,null,null],["n","Date",null,null,null],["w","DateTime2",null,null,3]]
 values: [[7,1.25,"中😀",null,"2024-02-29T12:34:56.500Z"]]
-parameters: [[-42,"9007199254740993",0.1,12345.678,"it's 中😀",5000,"0001ff","6F9619FF-8B86-D011-B42D-00C04FC964FF","2024-02-29T12:34:56.790Z",null]]
+parameters: [[-42,"9007199254740993",0.1,12345.678,"it's 中😀",5000,"0001ff","6F9619FF-8B86-D011-B42D-00C04FC964FF","2024-02-29T12:34:56.789Z",null]]
 procedure: [[[21]],{"twice":42}]
 prepared: [2,42]
 changed: 2

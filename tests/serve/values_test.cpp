@@ -50,8 +50,10 @@ TEST_F(ValuesTest, KeepTypeAndValue) {
            Case{"cast(-1 as money)", "6E0808FFFFFFFFF0D8FFFF"},
            Case{"cast('2024-02-29' as date)", "280380460B"},
            Case{"cast('12:34:56.789' as time)", "290304952CB302"},
-           Case{"cast('2024-02-29 12:34:56.790' as datetime)", "6F080825B100002D5ACF00"},
-           Case{"cast('1899-12-31 23:59:59.999' as datetime)", "6F08080000000000000000"},
+           Case{"cast('2024-02-29 12:34:56.789' as datetime)", "2A0307952CB30280460B"},
+           Case{"cast('1899-12-31 23:59:59.999' as datetime)", "2A0307FF5B26055A950A"},
+           Case{"cast('9999-12-31 23:59:59.999' as datetime2(3))", "2A0307FF5B2605DAB937"},
+           Case{"cast('0001-01-01' as datetime2)", "2A030700000000000000"},
            Case{"cast('6F9619FF-8B86-D011-B42D-00C04FC964FF' as uniqueidentifier)",
                 "241010FF19966F868B11D0B42D00C04FC964FF"},
            Case{"cast(N'中😀' as nvarchar(10))", "E71400C06002D4E3DD800DE"},
@@ -66,7 +68,17 @@ TEST_F(ValuesTest, KeepTypeAndValue) {
        }) {
     EXPECT_EQ(TypeAndValue(std::string("select ") + item.expression + " v"), item.bytes) << item.expression;
   }
-  EXPECT_THROW(TypeAndValue("select cast('1752-12-31' as datetime2) v"), Error);
+}
+
+TEST_F(ValuesTest, AValueThatDoesNotFitIsAnErrorBehindWholeRows) {
+  Recordset rows({{.name = "v", .type = FieldType::kNVarChar, .size = 10}});
+  rows.BeginRow();
+  rows.AppendText(std::string(4001, 'x'));
+  const RowWriter row_writer(rows, true);
+  TdsWriter writer;
+  writer.U8(7);
+  EXPECT_THROW(row_writer.WriteRow(writer, rows), Error);
+  EXPECT_EQ(Hex(writer.bytes()), "07");
 }
 
 TEST_F(ValuesTest, RowsWithNullsHaveAMap) {

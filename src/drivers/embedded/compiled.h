@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -50,6 +51,8 @@ struct Compiled {
   std::vector<std::string> assigned;
   /// The value is that of the only parameter; SQLite is not asked.
   bool parameter_only = false;
+  /// What a value is converted to.
+  std::optional<SqlType> target;
   /// For the wording of errors: "INSERT", "UPDATE", "DELETE".
   std::string_view verb = "INSERT";
   /// The statement gives identity values.

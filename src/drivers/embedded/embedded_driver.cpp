@@ -1,6 +1,7 @@
 #include "drivers/embedded/embedded_driver.h"
 
 #include <charconv>
+#include <chrono>
 #include <filesystem>
 
 #include "drivers/embedded/session.h"
@@ -104,7 +105,8 @@ auto Translated(Body body) {
 
 class EmbeddedConnection final : public Connection {
  public:
-  explicit EmbeddedConnection(DatabaseHandle database) : session_(std::move(database)) {}
+  EmbeddedConnection(DatabaseHandle database, std::chrono::seconds lock_timeout)
+      : session_(std::move(database), lock_timeout) {}
 
   void BeginTransaction() override {
     Translated([&] { session_.BeginContainerTransaction(); });
@@ -140,7 +142,8 @@ class EmbeddedDriver final : public Driver {
   [[nodiscard]] std::vector<std::string> Prefixes() const override { return {"Embedded"}; }
   [[nodiscard]] std::unique_ptr<Connection> Open(std::string_view database_string) override {
     return Translated([&]() -> std::unique_ptr<Connection> {
-      return std::make_unique<EmbeddedConnection>(OpenDatabase(ParseOptions(database_string)));
+      const Options options = ParseOptions(database_string);
+      return std::make_unique<EmbeddedConnection>(OpenDatabase(options), std::chrono::seconds(options.timeout_seconds));
     });
   }
 };

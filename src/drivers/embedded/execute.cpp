@@ -47,11 +47,14 @@ Session::Flow Session::ExecuteGuarded(const Statement& statement, Scope& scope) 
   try {
     return Execute(statement, scope);
   } catch (SqlError& error) {
-    error.set_line(statement.line);
+    error.set_line(statement.line, procedure_);
     NoteLostTransaction();
     last_error_ = error.number();
     if (try_depth_ > 0 || xact_abort_ || !error.ends_statement_only()) throw;
-    if (results_->sink.StatementFailed(ToError(error))) return Flow::kNormal;
+    if (results_->sink.StatementFailed(ToError(error))) {
+      if (EffectOf(statement) == Effect::kChangesRows) Say(statement, "The statement has been terminated.", 3621);
+      return Flow::kNormal;
+    }
     if (!first_error_) first_error_ = error;
     return Flow::kNormal;
   }
@@ -91,7 +94,7 @@ Session::Flow Session::Execute(const Statement& statement, Scope& scope) {
       ExecuteSet(statement, scope);
       return Flow::kNormal;
     case Kind::kSetOption:
-      ExecuteSetOption(statement);
+      ExecuteSetOption(statement, scope);
       return Flow::kNormal;
     case Kind::kIf:
       if (Holds(statement, scope)) return ExecuteGuarded(*statement.body[0], scope);
@@ -114,7 +117,7 @@ Session::Flow Session::Execute(const Statement& statement, Scope& scope) {
     case Kind::kPrint: {
       const Datum message = Evaluate(*statement.value, NVarCharType(0), scope);
       const auto* words = std::get_if<std::string>(&message);
-      results_->sink.Message(words == nullptr ? "" : *words);
+      Say(statement, words == nullptr ? "" : *words, 0);
       return Flow::kNormal;
     }
     case Kind::kRaiseError:
@@ -293,7 +296,7 @@ void Session::ExecuteInsertExecute(const Statement& statement, Scope& scope) {
    public:
     explicit Taken(BatchSink& outer) : outer_(outer) {}
     void Rows(RecordsetPtr rows) override { sets.push_back(std::move(rows)); }
-    void Message(std::string_view text) override { outer_.Message(text); }
+    void Message(std::string_view text, const NativeError& about) override { outer_.Message(text, about); }
     bool StatementFailed(const Error& error) override { return outer_.StatementFailed(error); }
     void Transaction(TransactionEvent event) override { outer_.Transaction(event); }
     std::vector<RecordsetPtr> sets;
@@ -376,7 +379,7 @@ void Session::ExecuteSet(const Statement& statement, Scope& scope) {
   }
 }
 
-void Session::ExecuteSetOption(const Statement& statement) {
+void Session::ExecuteSetOption(const Statement& statement, Scope& scope) {
   constexpr std::array kAlwaysOn = {
       "ansi_nulls",        "ansi_padding",     "ansi_warnings", "arithabort", "concat_null_yields_null",
       "quoted_identifier", "ansi_null_dflt_on"};
@@ -411,7 +414,19 @@ void Session::ExecuteSetOption(const Statement& statement) {
   const bool seven =
       statement.value != nullptr && statement.value->kind == Expression::Kind::kLiteral && statement.value->text == "7";
   if (option == "datefirst" && !seven) refuse("other than 7");
-  // The isolation levels, LOCK_TIMEOUT, TEXTSIZE, LANGUAGE and STATISTICS change no result here.
+  if (option == "lock_timeout" && statement.value != nullptr) {
+    const Datum value = Evaluate(*statement.value, IntType(), scope);
+    const auto* wanted = std::get_if<std::int64_t>(&value);
+    lock_timeout_.reset();
+    if (wanted != nullptr && *wanted >= 0) lock_timeout_ = std::chrono::milliseconds(*wanted);
+    return;
+  }
+  // The isolation levels, TEXTSIZE, LANGUAGE and STATISTICS change no result here.
+}
+
+void Session::Say(const Statement& statement, const std::string& text, std::int32_t number, int severity, int state) {
+  results_->sink.Message(
+      text, {number, "01000", std::max(severity, 0), state, static_cast<int>(statement.line), std::string(procedure_)});
 }
 
 void Session::RaiseUser(const Statement& statement, Scope& scope) {
@@ -448,7 +463,7 @@ void Session::RaiseUser(const Statement& statement, Scope& scope) {
   };
   const auto* text = std::get_if<std::string>(&message);
   if (whole(severity) <= 10) {
-    results_->sink.Message(FormatMessage(text == nullptr ? "" : *text, arguments));
+    Say(statement, FormatMessage(text == nullptr ? "" : *text, arguments), 50000, whole(severity), whole(state));
     return;
   }
   throw SqlError(50000, FormatMessage(text == nullptr ? "" : *text, arguments), whole(severity), whole(state));

@@ -29,8 +29,6 @@ int Collate(void*, int a_size, const void* a, int b_size, const void* b) {
                      {static_cast<const char*>(b), static_cast<std::size_t>(b_size)});
 }
 
-SqlType TypeArgument(sqlite3_value* value) { return UnpackType(sqlite3_value_int64(value)); }
-
 // ts_conv(value, from, to, style)
 void ConvertValue(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (IsNull(arguments[0])) return;
@@ -108,6 +106,8 @@ void Like(sqlite3_context* context, Runtime&, Arguments arguments) {
 }
 
 }  // namespace
+
+SqlType TypeArgument(sqlite3_value* value) { return UnpackType(sqlite3_value_int64(value)); }
 
 void RaiseTruncated(std::string_view table, std::string_view column, std::string_view value) {
   throw SqlError(2628, "String or binary data would be truncated in table '" + std::string(table) + "', column '" +

@@ -20,6 +20,8 @@ void RegisterDateFunctions(sqlite3* database, Runtime& runtime);
 void RegisterAggregates(sqlite3* database, Runtime& runtime);
 
 using Arguments = std::span<sqlite3_value*>;
+/// A type that the translator wrote into the call.
+SqlType TypeArgument(sqlite3_value* value);
 using RowFunction = void (*)(sqlite3_context*, Runtime&, Arguments);
 
 /// Registers one function; what it throws becomes `Runtime::error` and fails the statement. `constant`: the same

@@ -1,5 +1,6 @@
 // EXEC: stored procedures, texts, and sp_executesql.
 #include <algorithm>
+#include <utility>
 
 #include "drivers/embedded/session.h"
 #include "platform/text.h"
@@ -18,11 +19,13 @@ void Session::RunText(std::string_view text, Frame& frame) {
   struct Call {
     Session& session;
     bool no_count;
+    std::string_view procedure;
     ~Call() {
       --session.call_depth_;
       session.no_count_ = no_count;
+      session.procedure_ = procedure;
     }
-  } call_guard{*this, no_count_};
+  } call_guard{*this, no_count_, std::exchange(procedure_, {})};
   ++call_depth_;
   RunBatch(text, frame);
 }
@@ -106,9 +109,11 @@ void Session::CallProcedure(const CatalogObject& procedure, const Statement& cal
     Frame* frame;
     std::vector<std::string> tables;
     bool no_count;
+    std::string_view procedure;
     ~Call() {
       --session.call_depth_;
       session.no_count_ = no_count;
+      session.procedure_ = procedure;
       session.runtime_.frame = frame;
       try {
         session.DropTemporaryTables(tables);
@@ -117,7 +122,7 @@ void Session::CallProcedure(const CatalogObject& procedure, const Statement& cal
         return;
       }
     }
-  } call_guard{*this, runtime_.frame, catalog_.TemporaryTables(), no_count_};
+  } call_guard{*this, runtime_.frame, catalog_.TemporaryTables(), no_count_, std::exchange(procedure_, procedure.name)};
   ++call_depth_;
   runtime_.frame = &frame;
   ExecuteBody(definition.body, inner);

@@ -1,5 +1,7 @@
 #include "drivers/embedded/session.h"
 
+#include <algorithm>
+#include <thread>
 #include <utility>
 
 #include "drivers/embedded/functions.h"
@@ -67,6 +69,8 @@ void ColumnLength(sqlite3_context* context, const Catalog& catalog, Arguments ar
   if (column >= 0) sqlite3_result_int(context, StorageBytes(object->columns[static_cast<std::size_t>(column)].type));
 }
 
+SqlError CancelledError() { return {3617, "The statement was cancelled.", 11}; }
+
 using CatalogFunction = void (*)(sqlite3_context*, const Catalog&, Arguments);
 
 template <CatalogFunction F>
@@ -77,7 +81,9 @@ void CallCatalogFunction(sqlite3_context* context, int count, sqlite3_value** va
 
 }  // namespace
 
-Session::Session(DatabaseHandle database) : database_(std::move(database)), catalog_(database_.get()), plans_(names_) {
+Session::Session(DatabaseHandle database, std::chrono::milliseconds lock_timeout)
+    : database_(std::move(database)), catalog_(database_.get()), plans_(names_), longest_wait_(lock_timeout) {
+  sqlite3_busy_handler(database_.get(), WaitForLock, this);
   RegisterFunctions(database_.get(), runtime_);
   RegisterListTable(database_.get());
   RegisterSessionFunctions();
@@ -102,7 +108,22 @@ void Session::Cancel() noexcept {
 }
 
 void Session::CheckCancelled() {
-  if (cancelled_.load(std::memory_order_relaxed)) throw SqlError(3617, "The statement was cancelled.", 11);
+  if (cancelled_.load(std::memory_order_relaxed)) throw CancelledError();
+}
+
+int Session::WaitForLock(void* session, int times) {
+  Session& self = *static_cast<Session*>(session);
+  const auto now = std::chrono::steady_clock::now();
+  if (times == 0) self.waiting_since_ = now;
+  const auto longest = std::min(self.longest_wait_, self.lock_timeout_.value_or(self.longest_wait_));
+  if (now - self.waiting_since_ >= longest) return 0;
+  if (self.cancelled_.load(std::memory_order_relaxed)) {
+    self.runtime_.error = CancelledError();
+    return 0;
+  }
+  constexpr int kLongestPause = 25;
+  std::this_thread::sleep_for(std::chrono::milliseconds(std::min(times + 1, kLongestPause)));
+  return 1;
 }
 
 Translator Session::MakeTranslator(Scope& scope) {
@@ -150,9 +171,19 @@ Compiled& Session::CompiledCondition(const Statement& statement, Scope& scope) {
 }
 
 Compiled& Session::CompiledValue(const Expression& expression, const SqlType* type, Scope& scope) {
-  return CompiledFor(&expression, scope, [&](Translator& translator) {
-    return type == nullptr ? translator.CompileValue(expression) : translator.CompileValue(expression, *type);
-  });
+  const auto make = [&](Translator& translator) {
+    if (type == nullptr) return translator.CompileValue(expression);
+    Compiled compiled = translator.CompileValue(expression, *type);
+    compiled.target = *type;
+    return compiled;
+  };
+  Compiled& compiled = CompiledFor(&expression, scope, make);
+  // The arguments of a call go to parameters whose types are those of the procedure or text that it names this time.
+  if (type != nullptr && compiled.target != *type) {
+    Translator translator = MakeTranslator(scope);
+    compiled = make(translator);
+  }
+  return compiled;
 }
 
 void Session::CompileTree(const Statement& statement, Scope& scope) {
@@ -307,6 +338,7 @@ void Session::Reset() {
   xact_abort_ = false;
   no_count_ = false;
   implicit_transactions_ = false;
+  lock_timeout_.reset();
   row_count_ = 0;
   last_error_ = 0;
 }

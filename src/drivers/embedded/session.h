@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -29,7 +30,9 @@ namespace tessarlorn::embedded {
 /// One thread at a time, but for Cancel(). Raises SqlError.
 class Session {
  public:
-  explicit Session(DatabaseHandle database);
+  /// @param lock_timeout how long a statement waits for a lock that somebody else has, unless SET LOCK_TIMEOUT says
+  /// less
+  Session(DatabaseHandle database, std::chrono::milliseconds lock_timeout);
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
   ~Session();
@@ -92,17 +95,21 @@ class Session {
   void ExecuteChange(const Statement& statement, Scope& scope);
   void ExecuteInsertExecute(const Statement& statement, Scope& scope);
   void ExecuteSet(const Statement& statement, Scope& scope);
-  void ExecuteSetOption(const Statement& statement);
+  void ExecuteSetOption(const Statement& statement, Scope& scope);
   void ExecuteProcedure(const Statement& statement, Scope& scope);
   void CallProcedure(const CatalogObject& procedure, const Statement& call, Scope& scope);
   void ExecuteSql(const Statement& call, Scope& scope);
   void RunText(std::string_view text, Frame& frame);
   void ExecuteTransaction(const Statement& statement);
   void RaiseUser(const Statement& statement, Scope& scope);
+  /// Hands the sink a message.
+  void Say(const Statement& statement, const std::string& text, std::int32_t number, int severity = 0, int state = 1);
   bool Holds(const Statement& statement, Scope& scope);
   Datum Evaluate(const Expression& expression, const SqlType& type, Scope& scope);
   Datum EvaluateNatural(const Expression& expression, SqlType& type, Scope& scope);
   void CheckCancelled();
+  /// For SQLite, while a lock is taken: whether to try again.
+  static int WaitForLock(void* session, int times);
   void BeginImplicitTransaction(const Statement& statement);
 
   // bind.cpp
@@ -158,6 +165,10 @@ class Session {
   std::vector<std::string> save_points_;
   int try_depth_ = 0;
   int call_depth_ = 0;
+  std::string_view procedure_;  // whose body runs, "" in a batch
+  const std::chrono::milliseconds longest_wait_;
+  std::optional<std::chrono::milliseconds> lock_timeout_;
+  std::chrono::steady_clock::time_point waiting_since_;
   bool xact_abort_ = false;
   bool no_count_ = false;
   bool implicit_transactions_ = false;

@@ -52,7 +52,7 @@ Error ToError(const SqlError& error) {
   return {NumberOfServerError(error.number()).value_or(error_number::kStatementError), "TessarLorn embedded database",
           error.what(),
           NativeError{error.number(), known ? found->sqlstate : "42000", error.severity(), error.state(),
-                      std::max(1, static_cast<int>(error.line()))}};
+                      std::max(1, static_cast<int>(error.line())), error.procedure()}};
 }
 
 void RaiseSyntax(std::string_view near, bool keyword, std::uint32_t line) {

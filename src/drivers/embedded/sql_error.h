@@ -18,8 +18,13 @@ class SqlError : public std::runtime_error {
   [[nodiscard]] int severity() const noexcept { return severity_; }
   [[nodiscard]] int state() const noexcept { return state_; }
   [[nodiscard]] std::uint32_t line() const noexcept { return line_; }
-  void set_line(std::uint32_t line) noexcept {
-    if (line_ == 0) line_ = line;
+  /// The procedure that it was raised in, "" for a batch.
+  [[nodiscard]] const std::string& procedure() const noexcept { return procedure_; }
+  /// The place of the statement; the innermost one, which comes first, stays.
+  void set_line(std::uint32_t line, std::string_view procedure = {}) {
+    if (line_ != 0) return;
+    line_ = line;
+    procedure_ = procedure;
   }
   /// The same error as THROW raises it: it ends the batch, whatever its number.
   [[nodiscard]] SqlError EndingBatch() const {
@@ -37,6 +42,7 @@ class SqlError : public std::runtime_error {
   int severity_;
   int state_;
   std::uint32_t line_ = 0;
+  std::string procedure_;
   bool ends_batch_ = false;
 };
 

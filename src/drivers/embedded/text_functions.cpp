@@ -114,8 +114,14 @@ void TrimSides(sqlite3_context* context, Runtime&, Arguments arguments) {
   SetText(context, text);
 }
 
+/// As much of the text as the type holds; the server cuts such results without a word.
+std::string Fitting(std::string text, const SqlType& type) {
+  if (type.size > 0) text.resize(CutText(text, type.size, type.is_national()).size());
+  return text;
+}
+
 void Replace(sqlite3_context* context, Runtime&, Arguments arguments) {
-  if (AnyNull(arguments)) return;
+  if (AnyNull(arguments.first(3))) return;
   const std::u16string text = ToUtf16(TextOf(arguments[0]));
   const std::u16string folded = Fold(TextOf(arguments[0]));
   const std::u16string from = Fold(TextOf(arguments[1]));
@@ -131,7 +137,7 @@ void Replace(sqlite3_context* context, Runtime&, Arguments arguments) {
     done = found + from.size();
   }
   result.append(text, done);
-  SetText(context, FromUtf16(result));
+  SetText(context, Fitting(FromUtf16(result), TypeArgument(arguments[3])));
 }
 
 // ts_charindex(wanted, text[, start])
@@ -172,21 +178,29 @@ void Reverse(sqlite3_context* context, Runtime&, Arguments arguments) {
   SetText(context, result);
 }
 
+// ts_replicate(text, times, type)
 void Replicate(sqlite3_context* context, Runtime&, Arguments arguments) {
-  if (AnyNull(arguments)) return;
-  const std::int64_t count = sqlite3_value_int64(arguments[1]);
-  if (count < 0) return;
+  if (IsNull(arguments[0]) || IsNull(arguments[1])) return;
+  const std::int64_t times = sqlite3_value_int64(arguments[1]);
+  if (times < 0) return;
   const std::string_view text = TextOf(arguments[0]);
+  const SqlType type = TypeArgument(arguments[2]);
+  constexpr std::size_t kMost = std::size_t{1} << 30;
+  // No character counts less than a quarter of its bytes.
+  const std::size_t room = type.size == 0 ? kMost : static_cast<std::size_t>(type.size) * 4;
+  const std::size_t most = text.empty() ? 0 : room / text.size();
+  if (type.size == 0 && static_cast<std::uint64_t>(times) > most && !text.empty()) {
+    sqlite3_result_error_toobig(context);
+    return;
+  }
+  const std::size_t count = std::min(static_cast<std::size_t>(times), most);
   std::string result;
-  // Text that is not of a (max) type ends at 8000 characters, as on the server.
-  const std::size_t most = text.empty() ? 0 : 8000 / text.size();
-  const std::size_t times = std::min(static_cast<std::size_t>(count), most);
-  result.reserve(times * text.size());
-  for (std::size_t i = 0; i < times; ++i) result += text;
-  SetText(context, result);
+  result.reserve(count * text.size());
+  for (std::size_t i = 0; i < count; ++i) result += text;
+  SetText(context, Fitting(result, type));
 }
 
-// ts_stuff(text, start, length, insert)
+// ts_stuff(text, start, length, insert, type)
 void Stuff(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (IsNull(arguments[0]) || IsNull(arguments[1]) || IsNull(arguments[2])) return;
   const std::u16string text = ToUtf16(TextOf(arguments[0]));
@@ -198,7 +212,7 @@ void Stuff(sqlite3_context* context, Runtime&, Arguments arguments) {
   const auto rest =
       static_cast<std::size_t>(start - 1 + std::min<std::int64_t>(length, static_cast<std::int64_t>(text.size())));
   if (rest < text.size()) result.append(text, rest);
-  SetText(context, FromUtf16(result));
+  SetText(context, Fitting(FromUtf16(result), TypeArgument(arguments[4])));
 }
 
 void Space(sqlite3_context* context, Runtime&, Arguments arguments) {
@@ -306,12 +320,12 @@ void RegisterTextFunctions(sqlite3* database, Runtime& runtime) {
   RegisterFunction(database, runtime, "ts_upper", 1, Upper);
   RegisterFunction(database, runtime, "ts_lower", 1, Lower);
   RegisterFunction(database, runtime, "ts_trim", 2, TrimSides);
-  RegisterFunction(database, runtime, "ts_replace", 3, Replace);
+  RegisterFunction(database, runtime, "ts_replace", 4, Replace);
   RegisterFunction(database, runtime, "ts_charindex", -1, CharIndex);
   RegisterFunction(database, runtime, "ts_patindex", 2, PatIndex);
   RegisterFunction(database, runtime, "ts_reverse", 1, Reverse);
-  RegisterFunction(database, runtime, "ts_replicate", 2, Replicate);
-  RegisterFunction(database, runtime, "ts_stuff", 4, Stuff);
+  RegisterFunction(database, runtime, "ts_replicate", 3, Replicate);
+  RegisterFunction(database, runtime, "ts_stuff", 5, Stuff);
   RegisterFunction(database, runtime, "ts_space", 1, Space);
   RegisterFunction(database, runtime, "ts_char", 2, Char);
   RegisterFunction(database, runtime, "ts_unicode", 1, Unicode);

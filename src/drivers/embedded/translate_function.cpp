@@ -31,7 +31,8 @@ struct PlainFunction {
   std::string_view arguments;
   /// What stands behind the arguments in the call, "" for nothing.
   std::string_view tail;
-  /// t: text like the first argument, n: nvarchar(4000), v: varchar(8000), i: int, f: float.
+  /// t: text like the first argument, n: nvarchar(4000), v: varchar(8000), i: int, f: float; w: as wide as text can be
+  /// that comes of its texts, which the row function gets as last argument.
   char result;
 };
 
@@ -45,12 +46,12 @@ constexpr std::array kPlainFunctions = {
     PlainFunction{"ltrim", "ts_trim", "t", ", 1", 't'},
     PlainFunction{"rtrim", "ts_trim", "t", ", 2", 't'},
     PlainFunction{"trim", "ts_trim", "t", ", 3", 't'},
-    PlainFunction{"replace", "ts_replace", "ttt", "", 'n'},
+    PlainFunction{"replace", "ts_replace", "ttt", "", 'w'},
     PlainFunction{"charindex", "ts_charindex", "ttI", "", 'i'},
     PlainFunction{"patindex", "ts_patindex", "tt", "", 'i'},
     PlainFunction{"reverse", "ts_reverse", "t", "", 't'},
-    PlainFunction{"replicate", "ts_replicate", "ti", "", 'n'},
-    PlainFunction{"stuff", "ts_stuff", "tiit", "", 'n'},
+    PlainFunction{"replicate", "ts_replicate", "ti", "", 'w'},
+    PlainFunction{"stuff", "ts_stuff", "tiit", "", 'w'},
     PlainFunction{"space", "ts_space", "i", "", 'v'},
     PlainFunction{"char", "ts_char", "i", ", 0", 'v'},
     PlainFunction{"nchar", "ts_char", "i", ", 1", 'n'},
@@ -108,6 +109,8 @@ Typed Translator::Function(const Expression& expression, Scope& scope) {
     RequireArguments(expression, required, plain.arguments.size());
     std::string sql = std::string(plain.row_function) + "(";
     SqlType first = NVarCharType(4000);
+    bool national = false;
+    bool unlimited = false;
     for (std::size_t i = 0; i < expression.operands.size(); ++i) {
       const auto kind = static_cast<ArgumentKind>(plain.arguments[i] | 0x20);
       const Expression& operand = *expression.operands[i];
@@ -115,6 +118,8 @@ Typed Translator::Function(const Expression& expression, Scope& scope) {
       if (kind == ArgumentKind::kText) {
         const Typed value = Value(operand, scope);
         if (i == 0 && value.type.is_text()) first = value.type;
+        national = national || value.type.is_national();
+        unlimited = unlimited || (i == 0 && value.type.is_text() && value.type.size == 0);
         sql += value.type.is_text() ? value.sql : Coerce(value, NVarCharType(0));
       } else {
         sql += kind == ArgumentKind::kInt ? IntArgument(operand, scope) : FloatArgument(operand, scope);
@@ -126,7 +131,10 @@ Typed Translator::Function(const Expression& expression, Scope& scope) {
                          : plain.result == 'n' ? NVarCharType(4000)
                          : plain.result == 'v' ? VarCharType(8000)
                          : plain.result == 'f' ? FloatType()
-                                               : IntType();
+                         : plain.result == 'w'
+                             ? (national ? NVarCharType(unlimited ? 0 : 4000) : VarCharType(unlimited ? 0 : 8000))
+                             : IntType();
+    if (plain.result == 'w') sql += ", " + Packed(type);
     return {sql + std::string(plain.tail) + ")", type, true, -1};
   }
   for (const auto topic : {&Translator::ConditionalFunction, &Translator::DateFunction, &Translator::NumberFunction,

@@ -26,9 +26,9 @@ class NotingSink final : public BatchSink {
     answered = true;
     sink_.RowCount(rows);
   }
-  void Message(std::string_view text) override {
+  void Message(std::string_view text, const NativeError& about) override {
     answered = true;
-    sink_.Message(text);
+    sink_.Message(text, about);
   }
   bool answered = false;
 

@@ -75,7 +75,7 @@ SQLRETURN OdbcLink::Check(SQLRETURN result) {
   bool failed = result != SQL_SUCCESS_WITH_INFO && result != SQL_NO_DATA;
   for (const Diagnostic& record : records) {
     failed = failed || !IsInformation(record);
-    if (IsForUser(record) && sink_ != nullptr) sink_->Message(record.text);
+    if (IsForUser(record) && sink_ != nullptr) sink_->Message(record.text, {record.native, record.sqlstate, 0});
   }
   if (failed) RaiseCause(records);
   return result;

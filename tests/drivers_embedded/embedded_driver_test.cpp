@@ -140,6 +140,28 @@ TEST(EmbeddedDriver, ArgumentsOfACallFitTheParametersOfThisTime) {
   EXPECT_EQ(Answer(*connection, "select s, n from Taken"), "s|n;a|1;abcdef|0.001;Feb 29 2024 12:00AM|1");
 }
 
+TEST(EmbeddedDriver, ListsTablesAndColumnsAsClientsAsk) {
+  const auto connection = OpenEmbedded();
+  connection->Execute(
+      "create table Kept (id bigint identity primary key, t nvarchar(50) not null default 'x', d decimal(14,4), "
+      "w datetime, m varchar(max))");
+  connection->Execute("create view Seen as select id from Kept");
+  EXPECT_EQ(TextOf(connection->Execute("exec sp_tables @table_type = '''VIEW'''")),
+            "TABLE_QUALIFIER|TABLE_OWNER|TABLE_NAME|TABLE_TYPE|REMARKS;main|dbo|Seen|VIEW|NULL");
+  const RecordsetPtr columns = connection->Execute("exec sp_columns 'Kept', @ODBCVer = 3");
+  std::string text;
+  for (; !columns->eof(); columns->MoveNext()) {
+    for (const char* name : {"COLUMN_NAME", "DATA_TYPE", "TYPE_NAME", "PRECISION", "LENGTH", "SCALE", "NULLABLE"}) {
+      const Variant value = columns->Get(name);
+      text += value.is_null() ? "-|" : value.ToText() + "|";
+    }
+    text += ";";
+  }
+  EXPECT_EQ(text,
+            "id|-5|bigint|19|8|0|0|;t|-9|nvarchar|50|100|-|0|;d|3|decimal|14|16|4|1|;w|93|datetime|23|16|3|1|;"
+            "m|12|varchar|0|0|-|1|;");
+}
+
 TEST(EmbeddedDriver, TextFunctionsAnswerNoMoreThanTheirTypeHolds) {
   const auto connection = OpenEmbedded();
   EXPECT_EQ(

@@ -20,13 +20,17 @@ TEST(SplitBatchesTest, SplitsAtLinesOfGoAlone) {
 /// What the database knows of its tables: columns with their types, indexes, views, procedures.
 std::string Shape(Connection& connection) {
   std::string shape;
-  for (const char* query : {"SELECT TABLE_NAME, COLUMN_NAME, DATA_TYPE, IS_NULLABLE FROM "
+  for (const char* query : {"SELECT TABLE_NAME, COLUMN_NAME, DATA_TYPE, CHARACTER_MAXIMUM_LENGTH, NUMERIC_PRECISION, "
+                            "NUMERIC_SCALE, IS_NULLABLE, COLUMN_DEFAULT FROM "
                             "INFORMATION_SCHEMA.COLUMNS ORDER BY TABLE_NAME, ORDINAL_POSITION",
                             "SELECT i.name, t.name FROM sys.indexes i INNER JOIN sys.tables t ON i.object_id = "
                             "t.object_id ORDER BY i.name, t.name",
                             "SELECT name FROM sys.views ORDER BY name", "SELECT name FROM sys.procedures"}) {
     for (const RecordsetPtr rows = connection.Execute(query); !rows->eof(); rows->MoveNext()) {
-      for (std::size_t i = 0; i < rows->fields().size(); ++i) shape += rows->Get(i).ToText() + "|";
+      for (std::size_t i = 0; i < rows->fields().size(); ++i) {
+        const Variant value = rows->Get(i);
+        shape += (value.is_null() ? "" : value.ToText()) + "|";
+      }
       shape += "\n";
     }
   }

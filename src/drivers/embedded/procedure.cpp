@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "drivers/embedded/session.h"
+#include "drivers/embedded/system_views.h"
 #include "platform/text.h"
 
 namespace tessarlorn::embedded {
@@ -40,6 +41,10 @@ void Session::ExecuteProcedure(const Statement& statement, Scope& scope) {
   }
   if (EqualsIgnoreCase(statement.table.name, "sp_executesql")) {
     ExecuteSql(statement, scope);
+    return;
+  }
+  if (const CatalogObjectPtr own = FindSystemProcedure(statement.table.name); own != nullptr) {
+    CallProcedure(*own, statement, scope);
     return;
   }
   RequireLocal(statement.table);

@@ -1,10 +1,12 @@
-// The catalog as queries see it: sys.objects, sys.tables, sys.columns, sys.indexes and their like.
+// The catalog as queries see it: sys.objects, sys.tables, sys.columns, sys.indexes and their like; and the procedures
+// by which clients list tables and columns.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "drivers/embedded/catalog.h"
 #include "drivers/embedded/types.h"
 
 namespace tessarlorn::embedded {
@@ -22,6 +24,8 @@ struct SystemView {
   std::vector<SystemViewColumn> columns;
 };
 
+/// The procedure that every database has by that name, without regard to case, or nullptr.
+CatalogObjectPtr FindSystemProcedure(std::string_view name);
 /// The system view of that name without regard to case, or nullptr.
 const SystemView* FindSystemView(std::string_view qualifier, std::string_view name);
 

@@ -26,9 +26,15 @@ constexpr int kOrders = 10000;
 constexpr int kReads = 400;
 constexpr int kClients = 8;
 
-std::string ReadText(int key) {
+std::string OneOrder(int key) {
   return "select * from IC_Web2ERPOrders where FID = " + std::to_string(key % kOrders + 1);
 }
+
+std::string PageOfOrders(int key) {
+  return "select top 50 * from IC_Web2ERPOrders where FID > " + std::to_string(key % (kOrders / 2)) + " order by FID";
+}
+
+using Text = std::string (*)(int key);
 
 /// A server for the whole run, of the sample database.
 class Served {
@@ -99,20 +105,23 @@ class DbLibClient {
   DBPROCESS* process_ = nullptr;
 };
 
-void ReadOne(benchmark::State& state) {
+template <Text kText, int kRows>
+void ReadServed(benchmark::State& state) {
   DbLibClient client(Served::Instance().port());
   int key = 0;
   for (auto _ : state) {
-    if (client.Read(ReadText(++key)) != 1) state.SkipWithError("one row was wanted");
+    if (client.Read(kText(++key)) != kRows) state.SkipWithError("not the rows that were wanted");
   }
 }
 
+template <Text kText>
 void ReadInProcess(benchmark::State& state) {
   const std::unique_ptr<Connection> connection = OpenConnection("Embedded=" + SampleFile(kOrders));
   int key = 0;
   for (auto _ : state) {
-    const RecordsetPtr rows = connection->Execute(ReadText(++key));
-    for (std::size_t i = 0; i < rows->fields().size(); ++i) benchmark::DoNotOptimize(rows->Get(i));
+    for (const RecordsetPtr rows = connection->Execute(kText(++key)); !rows->eof(); rows->MoveNext()) {
+      for (std::size_t i = 0; i < rows->fields().size(); ++i) benchmark::DoNotOptimize(rows->Get(i));
+    }
   }
 }
 
@@ -125,7 +134,7 @@ void ReadByClients(benchmark::State& state) {
     std::vector<std::thread> threads;
     for (int i = 0; i < kCount; ++i) {
       threads.emplace_back([&client = *clients[static_cast<std::size_t>(i)], i] {
-        for (int read = 0; read < kReads / kCount; ++read) client.Read(ReadText(i * kReads + read));
+        for (int read = 0; read < kReads / kCount; ++read) client.Read(OneOrder(i * kReads + read));
       });
     }
     for (std::thread& thread : threads) thread.join();
@@ -135,7 +144,9 @@ void ReadByClients(benchmark::State& state) {
 }  // namespace
 
 void AddServeBenchmarks() {
-  AddRatio("served, one client, one order : in process", "<= 4 x", ReadOne, ReadInProcess);
+  AddRatio("served, one client, one order : in process", "<= 4 x", ReadServed<OneOrder, 1>, ReadInProcess<OneOrder>);
+  AddRatio("served, one client, page of 50 orders : in process", "<= 4 x", ReadServed<PageOfOrders, 50>,
+           ReadInProcess<PageOfOrders>);
   AddRatio("served, 400 reads by eight clients : by one", "<= 1 x", ReadByClients<kClients>, ReadByClients<1>);
 }
 

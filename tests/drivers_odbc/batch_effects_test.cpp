@@ -27,7 +27,7 @@ TEST(BatchEffects, AreReadOffTheText) {
       {"update t set t.[a] += 1", "writes"},
       {"update t set a.b.c = 1", "writes"},
       {"select a into b from t", "writes"},
-      {"Select distinct FID into #Data from t select * from #data", "writes #data"},
+      {"Select distinct FID into #Data from t select * from #Data", "writes #Data"},
       {"create table ##shared (a int)", "writes lasting"},
       {"set nocount on; select 1 as a", "reads NOCOUNT OFF"},
       {"SET TRANSACTION ISOLATION LEVEL READ UNCOMMITTED", "reads TRANSACTION ISOLATION LEVEL READ COMMITTED"},
@@ -35,11 +35,18 @@ TEST(BatchEffects, AreReadOffTheText) {
       {"set dateformat dmy", "reads lasting"},
       {"set identity_insert t on", "reads lasting"},
       {"begin tran", "writes transaction"},
-      {"exec p_WebBillTitleData", "writes transaction"},
-      {"exec sp_executesql N'select 1'", "writes transaction"},
-      {"exec [sp_setapprole] 'x'", "writes transaction lasting"},
-      {"p_WebBillTitleData", "writes transaction"},
-      {"sp_setapprole 'x'", "writes transaction lasting"},
+      {"exec p_WebBillTitleData", "writes prints transaction"},
+      {"exec dbo.p_WebBillTitleData select 1 as a", "writes prints transaction"},
+      {"p_WebBillTitleData", "writes prints transaction"},
+      {"exec sp_executesql N'select ''#t'' as a' select 1 as a", "writes prints transaction"},
+      {"exec sys.sp_executesql @stmt = N'set nocount on select 1 as a into #t'",
+       "writes prints transaction NOCOUNT OFF #t"},
+      {"exec sp_executesql @text", "writes prints transaction lasting"},
+      {"exec('use other')", "writes prints transaction lasting"},
+      {"exec [sp_setapprole] 'x'", "writes prints transaction lasting"},
+      {"exec dbo.sp_setapprole 'x'", "writes prints transaction lasting"},
+      {"exec msdb..[sp_x]", "writes prints transaction lasting"},
+      {"sp_setapprole 'x'", "writes prints transaction lasting"},
       {"use other", "reads lasting"},
       {"declare c cursor for select 1 as a", "reads lasting"},
   };
@@ -49,12 +56,14 @@ TEST(BatchEffects, AreReadOffTheText) {
 TEST(BatchEffects, CleanUpInOneBatch) {
   BatchEffects effects;
   EXPECT_TRUE(effects.none());
-  for (const char* text : {"select 1 as a into #t", "begin tran set nocount on", "set nocount on drop table #t"}) {
+  for (const char* text : {"select 1 as a into #t", "begin tran set nocount on", "set nocount on drop table #t",
+                           "create table [#It's ]]] (a int)"}) {
     effects.Add(EffectsOf(text));
   }
   EXPECT_EQ(effects.CleaningBatch(),
             "IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION\nSET NOCOUNT OFF\n"
-            "IF OBJECT_ID('tempdb..#t') IS NOT NULL DROP TABLE #t\n");
+            "IF OBJECT_ID(N'tempdb..[#t]') IS NOT NULL DROP TABLE [#t]\n"
+            "IF OBJECT_ID(N'tempdb..[#It''s ]]]') IS NOT NULL DROP TABLE [#It's ]]]\n");
 }
 
 }  // namespace

@@ -46,49 +46,56 @@ void AddOnce(std::vector<std::string>& list, const std::string& item) {
   if (!Holds(list, item)) list.push_back(item);
 }
 
-/// Walks over words and signs; comments and texts are left out, quoted names come without their quotes.
+/// `quote` around the text, each of it within doubled.
+std::string Quoted(std::string_view text, char open, char close) {
+  std::string quoted(1, open);
+  for (const char c : text) quoted.append(c == close ? 2 : 1, c);
+  return quoted + close;
+}
+
+/// Walks over words and signs; comments are left out, quoted names and texts come without their quotes.
 class Words {
  public:
   explicit Words(std::string_view text) : text_(text) {}
 
-  /// The next word in lower case, a sign as one character, "" at the end.
+  /// The next word in lower case, a sign as one character, "'" for a text, "" at the end.
   const std::string& Next() {
     SkipBlanksAndComments();
-    word_.clear();
+    spelled_.clear();
     quoted_ = false;
-    if (at_ >= text_.size()) return word_;
-    const char c = text_[at_];
-    if (IsNameCharacter(c)) {
-      const std::size_t begin = at_;
-      while (at_ < text_.size() && IsNameCharacter(text_[at_])) ++at_;
-      word_ = LowerCase(text_.substr(begin, at_ - begin));
-    } else if (c == '[' || c == '"' || c == '\'') {
-      quoted_ = true;
-      const std::size_t begin = at_ + 1;
-      SkipQuoted(c == '[' ? ']' : c);
-      if (c == '\'') {
-        word_.assign(1, c);
+    if (at_ < text_.size()) {
+      const char c = text_[at_];
+      quoted_ = c == '[' || c == '"' || c == '\'';
+      if (quoted_) {
+        ReadQuoted(c == '[' ? ']' : c);
       } else {
-        word_ = LowerCase(text_.substr(begin, std::max(at_, begin + 1) - begin - 1));
+        const std::size_t begin = at_++;
+        while (IsNameCharacter(c) && at_ < text_.size() && IsNameCharacter(text_[at_])) ++at_;
+        spelled_ = text_.substr(begin, at_ - begin);
       }
+      word_ = c == '\'' ? "'" : LowerCase(spelled_);
     } else {
-      word_.assign(1, c);
-      ++at_;
+      word_.clear();
     }
     return word_;
   }
+  [[nodiscard]] const std::string& word() const noexcept { return word_; }
   [[nodiscard]] bool quoted() const noexcept { return quoted_; }
+  /// The last word as the text spells it; what a text says.
+  [[nodiscard]] const std::string& spelled() const noexcept { return spelled_; }
+  /// Whether the next word is that sign, which is then passed over.
+  bool Skip(char sign) {
+    SkipBlanksAndComments();
+    if (at_ >= text_.size() || text_[at_] != sign) return false;
+    ++at_;
+    return true;
+  }
 
  private:
-  void SkipQuoted(char end) {
+  void ReadQuoted(char end) {
     for (++at_; at_ < text_.size(); ++at_) {
-      if (text_[at_] != end) continue;
-      if (at_ + 1 < text_.size() && text_[at_ + 1] == end) {
-        ++at_;
-      } else {
-        ++at_;
-        return;
-      }
+      if (text_[at_] == end && (++at_ >= text_.size() || text_[at_] != end)) return;
+      spelled_ += text_[at_];
     }
   }
   void SkipBlanksAndComments() {
@@ -124,6 +131,7 @@ class Words {
   std::string_view text_;
   std::size_t at_ = 0;
   std::string word_;
+  std::string spelled_;
   bool quoted_ = false;
 };
 
@@ -133,7 +141,7 @@ class Scan {
 
   BatchEffects Run() {
     std::string word = words_.Next();
-    if (!word.empty() && !Holds(kStarters, word) && word != ";" && word != "(") ReadCall(word);
+    if (!word.empty() && !Holds(kStarters, word) && word != ";" && word != "(") ReadCall();
     while (!word.empty()) {
       Read(word);
       // A word that Read() looked at and did not use comes again.
@@ -153,7 +161,8 @@ class Scan {
       effects_.transaction = true;
       effects_.reads_only = false;
     } else if (word == "exec" || word == "execute") {
-      ReadCall(words_.Next());
+      words_.Next();
+      ReadCall();
     } else if (word == "set") {
       ReadSet();
     }
@@ -161,22 +170,44 @@ class Scan {
 
   void ReadTableName(const std::string& word) {
     if (!word.starts_with('#')) return;
-    const bool plain = std::all_of(word.begin() + 1, word.end(), [](char c) { return IsNameCharacter(c) && c != '#'; });
-    if (plain && word.size() > 1) {
-      AddOnce(effects_.temporary_tables, word);
-    } else {
+    if (word.starts_with("##")) {
       effects_.lasting = true;
+    } else {
+      AddOnce(effects_.temporary_tables, words_.spelled());
     }
     effects_.reads_only = false;
   }
 
-  /// A procedure may leave a transaction open, and one of the server's own may change the session.
-  void ReadCall(const std::string& name) {
+  /// A procedure, whose name begins with the last word, may leave a transaction open and print, and one of the server's
+  /// own may change the session. So may a text that is not known.
+  void ReadCall() {
     effects_.transaction = true;
     effects_.reads_only = false;
-    const bool own = name.starts_with("sp_") || name.starts_with("xp_") || name == "as" || name == "sys" ||
-                     name == "master" || name.starts_with('@');
-    if (own && name != "sp_executesql") effects_.lasting = true;
+    effects_.prints = true;
+    std::string name = words_.word();
+    while (words_.Skip('.')) {
+      words_.Skip('.');
+      name = words_.Next();
+    }
+    if (name == "sp_executesql") {
+      ReadKnownText();
+    } else if (name.starts_with("sp_") || name.starts_with("xp_") || name.starts_with('@') || name == "as" ||
+               name == "(") {
+      effects_.lasting = true;
+    }
+  }
+
+  /// The text that sp_executesql runs.
+  void ReadKnownText() {
+    std::string word = words_.Next();
+    if (word == "@stmt" && words_.Skip('=')) word = words_.Next();
+    if (word == "n") word = words_.Next();
+    if (word != "'") {
+      effects_.lasting = true;
+      pending_ = word;
+      return;
+    }
+    effects_.Add(EffectsOf(words_.spelled()));
   }
 
   /// SET of a variable or column is no effect; of an option it is.
@@ -221,10 +252,11 @@ std::string BatchEffects::CleaningBatch() const {
   if (transaction) batch += "IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION\n";
   for (const std::string& option : options) batch.append("SET ").append(option).append("\n");
   for (const std::string& table : temporary_tables) {
-    batch.append("IF OBJECT_ID('tempdb..")
-        .append(table)
-        .append("') IS NOT NULL DROP TABLE ")
-        .append(table)
+    const std::string name = Quoted(table, '[', ']');
+    batch.append("IF OBJECT_ID(N")
+        .append(Quoted("tempdb.." + name, '\'', '\''))
+        .append(") IS NOT NULL DROP TABLE ")
+        .append(name)
         .append("\n");
   }
   return batch;

@@ -11,7 +11,7 @@ namespace tessarlorn::odbc {
 struct BatchEffects {
   /// Only SELECT and its like: running the batch twice is as good as once.
   bool reads_only = true;
-  /// It may send messages: PRINT, RAISERROR.
+  /// It may send messages: PRINT, RAISERROR, a procedure.
   bool prints = false;
   /// A transaction may be open.
   bool transaction = false;
@@ -19,7 +19,7 @@ struct BatchEffects {
   bool lasting = false;
   /// Options that have a default to go back to: "NOCOUNT OFF".
   std::vector<std::string> options;
-  /// "#t"
+  /// "#t", as the text spells it. Names that differ in case alone may be two tables.
   std::vector<std::string> temporary_tables;
 
   [[nodiscard]] bool none() const noexcept {

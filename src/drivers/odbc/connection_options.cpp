@@ -13,32 +13,59 @@ int ReadSeconds(std::string_view key, std::string_view value) {
   int seconds = 0;
   const auto [end, fault] = std::from_chars(value.data(), value.data() + value.size(), seconds);
   if (fault != std::errc{} || end != value.data() + value.size() || seconds < 0 || seconds > 86400) {
-    RaiseLogin(std::string(key) + " in the connection string is '" + std::string(value) +
-               "'; a number of seconds from 0 to 86400 is wanted.");
+    RaiseLogin(std::string(key) + " in the connection string is no number of seconds from 0 to 86400.");
   }
   return seconds;
 }
 
-/// In braces where ODBC would read the value otherwise.
+/// In braces only where ODBC would read the value otherwise: not every ODBC driver halves the braces that are doubled
+/// within.
 std::string Quoted(const std::string& value) {
-  const bool plain = value.find_first_of("[]{}(),;?*=!@") == std::string::npos && Trim(value) == value;
+  const bool plain = value.find(';') == std::string::npos && !value.starts_with('{') && Trim(value) == value;
   return plain ? value : "{" + ReplaceAll(value, "}", "}}") + "}";
+}
+
+/// What is wrong with a connection string, without any part of it but a key that is surely one: a password with ";" in
+/// it that stands in no braces looks like further keys.
+std::string WithoutUnknownKeys(const std::string& fault) {
+  for (const std::string_view key :
+       {"Driver", "DSN", "Server", "Port", "Database", "UID", "PWD", "Password", "LoginTimeout", "StatementTimeout"}) {
+    for (const auto& [before, behind] :
+         {std::pair{"The key ", " is doubled"}, std::pair{"The brace behind ", "= is not closed"},
+          std::pair{"Text behind the closing brace of ", ""}}) {
+      std::string text = before;
+      text.append(key).append(behind);
+      if (EqualsIgnoreCase(fault, "Session string: " + text)) return "Connection string: " + text;
+    }
+  }
+  return "Connection string: it is no list of Key=value pairs with different keys. A value that holds \";\" stands in "
+         "braces.";
+}
+
+bool IsPartOfWord(std::string_view text, std::size_t at) {
+  return at < text.size() && IsNameCharacter(text[at]) && (text[at] & 0x80) == 0;
 }
 
 std::vector<std::pair<std::string, std::string>> ReadPairs(std::string_view text) {
   try {
     return ParsePairs(text);
   } catch (const Error& error) {
-    // A password with ";" in it that stands in no braces looks like a key: the text must not repeat it.
-    if (error.description().find("\"=\"") == std::string::npos) RaiseLogin(error.description());
-    RaiseLogin("The connection string has a part without \"=\"; a value that holds \";\" stands in braces.");
+    RaiseLogin(WithoutUnknownKeys(error.description()));
   }
 }
 
 }  // namespace
 
 std::string ConnectionOptions::WithoutPassword(std::string_view text) const {
-  return password.empty() ? std::string(text) : ReplaceAll(text, password, "***");
+  std::string result;
+  for (std::size_t at = 0;;) {
+    const std::size_t found = password.empty() ? std::string_view::npos : text.find(password, at);
+    result += text.substr(at, found - at);
+    if (found == std::string_view::npos) return result;
+    at = found + password.size();
+    const bool whole = !(found > 0 && IsPartOfWord(text, found - 1)) && !IsPartOfWord(text, at);
+    result += whole ? "***" : std::string_view(password);
+  }
 }
 
 ConnectionOptions ParseConnectionOptions(std::string_view text) {

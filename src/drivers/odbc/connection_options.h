@@ -15,11 +15,11 @@ struct ConnectionOptions {
   /// As the string has it, "" when it has none.
   std::string password;
 
-  /// The text with the password made unreadable.
+  /// The text with the password made unreadable where it stands as a word of its own: a short one is part of others.
   [[nodiscard]] std::string WithoutPassword(std::string_view text) const;
 };
 
-/// Raises 0x80040E4D with a text that names the key at fault and holds no part of the password.
+/// Raises 0x80040E4D with a text that names the key at fault, when it is one that the driver knows, and no value.
 ConnectionOptions ParseConnectionOptions(std::string_view text);
 
 }  // namespace tessarlorn::odbc

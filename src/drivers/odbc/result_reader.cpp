@@ -210,12 +210,15 @@ void ResultReader::Bind(std::size_t bound, bool one_by_one) {
   one_by_one = one_by_one || bound < columns_.size();
   const std::size_t rows = one_by_one ? 1 : std::clamp(kBlockBytes / row_size_, std::size_t{1}, kMostRows);
   row_states_.resize(rows);
-  if (buffer_.size() < rows * row_size_ / 8) buffer_.resize(rows * row_size_ / 8);
+  if (const std::size_t words = rows * row_size_ / sizeof(std::uint64_t); buffer_words_ < words) {
+    buffer_ = std::make_unique_for_overwrite<std::uint64_t[]>(words);
+    buffer_words_ = words;
+  }
   check_(SQLSetStmtAttr(statement_, SQL_ATTR_ROW_BIND_TYPE, AsPointer(row_size_), 0));
   check_(SQLSetStmtAttr(statement_, SQL_ATTR_ROW_ARRAY_SIZE, AsPointer(rows), 0));
   check_(SQLSetStmtAttr(statement_, SQL_ATTR_ROWS_FETCHED_PTR, &fetched_, 0));
   check_(SQLSetStmtAttr(statement_, SQL_ATTR_ROW_STATUS_PTR, row_states_.data(), 0));
-  auto* const row = reinterpret_cast<std::uint8_t*>(buffer_.data());
+  auto* const row = reinterpret_cast<std::uint8_t*>(buffer_.get());
   for (std::size_t i = 0; i < bound; ++i) {
     std::uint8_t* const cell = row + columns_[i].offset;
     check_(SQLBindCol(statement_, static_cast<SQLUSMALLINT>(i + 1), columns_[i].c_type, cell + sizeof(SQLLEN),
@@ -239,7 +242,7 @@ void ResultReader::ReadBlocks(Recordset& rows) {
 }
 
 void ResultReader::AppendBlock(Recordset& rows, std::size_t count) {
-  const auto* row = reinterpret_cast<const std::uint8_t*>(buffer_.data());
+  const auto* row = reinterpret_cast<const std::uint8_t*>(buffer_.get());
   for (std::size_t i = 0; i < count; ++i, row += row_size_) {
     in_row_ = true;
     rows.BeginRow();
@@ -249,7 +252,7 @@ void ResultReader::AppendBlock(Recordset& rows, std::size_t count) {
 }
 
 void ResultReader::ReadRowByRow(Recordset& rows, std::size_t bound) {
-  const auto* const row = reinterpret_cast<const std::uint8_t*>(buffer_.data());
+  const auto* const row = reinterpret_cast<const std::uint8_t*>(buffer_.get());
   while (check_(SQLFetch(statement_)) != SQL_NO_DATA) {
     in_row_ = true;
     rows.BeginRow();

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -68,7 +69,9 @@ class ResultReader {
   const CheckResult& check_;
   std::vector<Column> columns_;
   std::size_t row_size_ = 0;
-  std::vector<std::uint64_t> buffer_;
+  /// In words of 8 bytes; never filled, as most of it is never touched.
+  std::unique_ptr<std::uint64_t[]> buffer_;
+  std::size_t buffer_words_ = 0;
   std::vector<std::uint8_t> long_value_;
   std::string text_;
   SQLULEN fetched_ = 0;

@@ -22,6 +22,8 @@ TEST(OdbcError, TheNumberFollowsTheServersOwnElseTheState) {
       {{"28000", 18456, ""}, error_number::kLoginRefused},
       {{"08S01", 20004, ""}, error_number::kDatabaseFailure},
       {{"HY000", 0, ""}, error_number::kDatabaseFailure},
+      {{"42000", 6005, ""}, error_number::kDatabaseFailure},
+      {{"HY000", 40613, ""}, error_number::kDatabaseFailure},
   };
   for (const auto& [record, wanted] : cases) {
     EXPECT_EQ(ToError(record).number(), wanted) << record.sqlstate << ' ' << record.native;
@@ -36,10 +38,31 @@ TEST(OdbcError, TheFirstErrorThatNamesACauseCounts) {
   const Diagnostic broken{"23000", 2627, "Violation"};
   const Diagnostic connect{"08001", 0, "Unable to connect to data source"};
   EXPECT_EQ(Cause({message, terminated, broken, {"42000", 102, "later"}}).native, 2627);
-  EXPECT_EQ(Cause({connect, {"28000", 18456, "Login failed"}}).native, 18456);
+  const Diagnostic refused{"28000", 18456, "Login failed"};
+  EXPECT_EQ(LoginCause({connect, refused}).native, 18456);
+  EXPECT_EQ(LoginCause({refused, {"01000", 5701, "Changed database"}, {"08004", 4060, "Cannot open x"}}).native, 4060);
   EXPECT_EQ(Cause({message, connect}).sqlstate, "08001");
   EXPECT_EQ(Cause({message}).text, "printed");
   EXPECT_EQ(Cause({}).sqlstate, "HY000");
+}
+
+TEST(OdbcError, ALostConnectionIsKnownAndSaysSo) {
+  EXPECT_TRUE(IsConnectionLost({"42000", 6005, ""}));
+  EXPECT_FALSE(IsConnectionLost({"42000", 7777, ""}));
+  const std::pair<Diagnostic, const char*> cases[] = {
+      {{"HY000", 0, "Unknown error"}, "The connection to the server was lost"},
+      {{"01000", 0, "printed"}, "The connection to the server was lost"},
+      {Cause({}), "The connection to the server was lost"},
+      {{"08S01", 0, "Link failure"}, "The connection to the server was lost: Link failure"},
+      {{"42000", 6005, "SHUTDOWN is in progress."}, "SHUTDOWN is in progress."},
+  };
+  for (const auto& [record, wanted] : cases) {
+    const Error error = ToError(OfLostConnection(record));
+    EXPECT_EQ(error.number(), error_number::kDatabaseFailure) << record.text;
+    EXPECT_EQ(error.description(), wanted);
+    EXPECT_EQ(error.native().sqlstate, "08S01");
+  }
+  EXPECT_EQ(ToError(OfLostConnection({"HYT00", 0, "Timeout expired"})).number(), error_number::kTimeout);
 }
 
 TEST(OdbcError, TheServersTextComesWithoutDriverPrefixes) {
@@ -47,6 +70,7 @@ TEST(OdbcError, TheServersTextComesWithoutDriverPrefixes) {
   EXPECT_EQ(WithoutPrefixes("[unixODBC][Driver Manager]Can't open lib"), "Can't open lib");
   EXPECT_EQ(WithoutPrefixes("[only] [a bracket"), " [a bracket");
   EXPECT_EQ(WithoutPrefixes("[half"), "[half");
+  EXPECT_EQ(WithoutPrefixes("[FreeTDS][SQL Server]"), "");
 }
 
 }  // namespace

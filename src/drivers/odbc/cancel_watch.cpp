@@ -8,7 +8,7 @@
 namespace tessarlorn::odbc {
 namespace {
 
-/// A request that came just before the batch was sent met nothing to cancel, so it is repeated.
+/// A request that comes before the batch is sent meets nothing to cancel, so it is repeated.
 constexpr std::chrono::milliseconds kRepeat{50};
 
 /// Counts requests and the end of the process. Waiting for it and waking it are allowed in a signal handler.
@@ -46,7 +46,7 @@ class Watch {
     }
   }
 
-  /// Whether a batch that is to end was still running.
+  /// Whether a call that is to end was still running.
   bool CancelAll() {
     std::vector<std::shared_ptr<CancelState>> states;
     {
@@ -74,22 +74,23 @@ std::shared_ptr<CancelState> CancelState::Make() {
 }
 
 void CancelState::Request() noexcept {
-  requested_.store(true);
+  Phase in_call = Phase::kInCall;
+  if (!phase_.compare_exchange_strong(in_call, Phase::kRequested)) return;
   wakeups.fetch_add(1);
   wakeups.notify_all();
 }
 
+void CancelState::SetInCall(bool in_call) noexcept { phase_.store(in_call ? Phase::kInCall : Phase::kIdle); }
+
 void CancelState::SetRunning(SQLHSTMT statement) noexcept {
   const std::scoped_lock lock(mutex_);
   running_ = statement;
-  if (statement == nullptr) requested_.store(false);
 }
 
 bool CancelState::CancelRunning() noexcept {
-  if (!requested_.load()) return false;
+  if (!requested()) return false;
   const std::scoped_lock lock(mutex_);
-  if (running_ == nullptr) return false;
-  SQLCancel(running_);
+  if (running_ != nullptr) SQLCancel(running_);
   return true;
 }
 

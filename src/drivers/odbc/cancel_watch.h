@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 
@@ -10,25 +11,42 @@
 namespace tessarlorn::odbc {
 
 /// What a connection and the watching thread share. ODBC's functions may not be called in a signal handler, so
-/// Request() only leaves a note, and the watching thread cancels until the batch has ended.
+/// Request() only leaves a note, and the watching thread cancels until the call has ended.
 class CancelState {
  public:
   /// The state of a new connection; the watching thread starts with the process's first.
   static std::shared_ptr<CancelState> Make();
 
-  /// Asks for the end of the batch that is running. From any thread, or from a signal handler.
+  /// Asks for the end of the call that is running; does nothing between calls. From any thread, or from a signal
+  /// handler.
   void Request() noexcept;
-  [[nodiscard]] bool requested() const noexcept { return requested_.load(); }
+  [[nodiscard]] bool requested() const noexcept { return phase_.load() == Phase::kRequested; }
 
-  /// The statement runs from now on; nullptr: none does, and the request is done with.
+  /// A call that can be cancelled begins or ends; a request is done with then.
+  void SetInCall(bool in_call) noexcept;
+  /// The statement runs from now on; nullptr: none does.
   void SetRunning(SQLHSTMT statement) noexcept;
-  /// For the watching thread: cancels what is running if that was asked for; false when there is nothing to do.
+  /// For the watching thread: whether a call is to end. Cancels its statement if one is running.
   bool CancelRunning() noexcept;
 
  private:
-  std::atomic<bool> requested_{false};
+  enum class Phase : std::uint8_t { kIdle, kInCall, kRequested };
+  std::atomic<Phase> phase_{Phase::kIdle};
+  static_assert(std::atomic<Phase>::is_always_lock_free);
   std::mutex mutex_;
   SQLHSTMT running_ = nullptr;
+};
+
+/// The connection is in a call that can be cancelled while it lives.
+class CancellableCall {
+ public:
+  explicit CancellableCall(CancelState& state) : state_(state) { state_.SetInCall(true); }
+  CancellableCall(const CancellableCall&) = delete;
+  CancellableCall& operator=(const CancellableCall&) = delete;
+  ~CancellableCall() { state_.SetInCall(false); }
+
+ private:
+  CancelState& state_;
 };
 
 /// A statement runs on the connection while it lives.

@@ -7,12 +7,23 @@
 namespace tessarlorn::odbc {
 namespace {
 
-// The server's own numbers and words, for what is found out without asking it.
-constexpr std::int32_t kTransactionOpen = 3988;
-constexpr std::int32_t kNoTransaction = 3902;
-constexpr std::int32_t kCancelledByUser = 3617;
-
 constexpr std::string_view kSignOfLife = "SELECT 1 AS FAlive";
+// Each answers how many transactions were open.
+constexpr std::string_view kBegin = "SELECT @@TRANCOUNT AS FOpen IF @@TRANCOUNT = 0 BEGIN TRANSACTION";
+// Batches may have begun further ones; only the outermost commit can fail, and is tried once.
+constexpr std::string_view kCommit =
+    "SELECT @@TRANCOUNT AS FOpen WHILE @@TRANCOUNT > 1 AND XACT_STATE() = 1 COMMIT TRANSACTION "
+    "IF @@TRANCOUNT > 0 COMMIT TRANSACTION";
+constexpr std::string_view kRollback = "IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION";
+
+/// Keeps the number that the only result holds.
+class NumberSink final : public BatchSink {
+ public:
+  void Rows(RecordsetPtr rows) override {
+    if (!rows->eof()) number = rows->Get(0).ToInt32();
+  }
+  std::int32_t number = 0;
+};
 
 /// Passes results on and notes that there were some.
 class NotingSink final : public BatchSink {
@@ -46,72 +57,82 @@ void OdbcConnection::WithNewLogin(const Action& action, const bool& answered) {
   const bool again = std::exchange(idle_, false);
   try {
     action();
-  } catch (const Error&) {
-    if (!again || answered || !link_->lost()) throw;
+  } catch (const Error& error) {
+    // A server that was silent for the whole time-out, or a caller that wants no more, is not asked again.
+    const bool ended = error.number() == error_number::kTimeout || error.number() == error_number::kCancelled;
+    if (!again || answered || ended || !link_->lost()) throw;
     link_ = std::make_unique<OdbcLink>(options_);
     action();
   }
 }
 
-void OdbcConnection::BeginTransaction() {
-  if (in_transaction_) {
-    throw ToError(
-        {"25000", kTransactionOpen, "New transaction is not allowed because there is another transaction open."});
-  }
-  WithNewLogin([this] { link_->SetAutocommit(false); }, false);
-  in_transaction_ = true;
+std::int32_t OdbcConnection::Ask(std::string_view text) {
+  NumberSink sink;
+  RunOnLink(text, true, false, sink);
+  return sink.number;
 }
 
-void OdbcConnection::EndTransaction(bool commit) {
-  in_transaction_ = false;
-  try {
-    link_->EndTransaction(commit);
-  } catch (const Error&) {
-    if (!link_->lost()) {
-      // What could not be committed is rolled back.
-      link_->SetAutocommit(true);
-    }
-    throw;
-  }
-  link_->SetAutocommit(true);
+void OdbcConnection::BeginTransaction() {
+  const CancellableCall call(*cancel_);
+  effects_.transaction = true;
+  std::int32_t open = 0;
+  WithNewLogin([&] { open = Ask(kBegin); }, false);
+  if (open > 0) RaiseTransactionOpen();
 }
 
 void OdbcConnection::CommitTransaction() {
-  if (!in_transaction_) {
-    throw ToError({"25000", kNoTransaction, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."});
+  std::int32_t open = 0;
+  try {
+    const CancellableCall call(*cancel_);
+    open = Ask(kCommit);
+  } catch (const Error&) {
+    // What could not be committed is rolled back.
+    if (!link_->lost()) RollbackTransaction();
+    throw;
   }
-  EndTransaction(true);
+  effects_.transaction = false;
+  if (open == 0) RaiseNoTransaction();
 }
 
 void OdbcConnection::RollbackTransaction() {
-  if (in_transaction_) EndTransaction(false);
+  if (!effects_.transaction) return;
+  const CancellableCall call(*cancel_);
+  Ask(kRollback);
+  effects_.transaction = false;
 }
 
 void OdbcConnection::Run(std::string_view text, bool first_only, BatchSink& sink) {
+  // ODBC has no empty batch.
+  if (text.empty()) return;
+  const CancellableCall call(*cancel_);
   const BatchEffects effects = EffectsOf(text);
   effects_.Add(effects);
   NotingSink noting(sink);
   if (idle_ && !effects.reads_only) {
-    WithNewLogin([this] { link_->Run(kSignOfLife); }, false);
+    WithNewLogin([this] { Ask(kSignOfLife); }, false);
   }
   WithNewLogin([&] { RunOnLink(text, first_only, effects.prints, noting); }, noting.answered);
 }
 
 void OdbcConnection::RunOnLink(std::string_view text, bool first_only, bool prints, BatchSink& sink) {
+  if (cancel_->requested()) RaiseCancelled();
   const RunningStatement running(*cancel_, link_->statement());
   try {
     link_->Run(text, first_only, prints, sink);
   } catch (const Error& error) {
     // An ODBC driver may find other words for the end of a batch that was cancelled.
-    if (!cancel_->requested() || error.number() == error_number::kCancelled || error.native().number > 0) throw;
-    throw ToError({"HY008", kCancelledByUser, "The batch was cancelled."});
+    if (!cancel_->requested() || link_->lost() || error.native().number > 0 || error.source() != kSource ||
+        error.number() == error_number::kTimeout) {
+      throw;
+    }
+    RaiseCancelled();
   }
 }
 
 bool OdbcConnection::Reset() noexcept {
   try {
     if (link_->lost()) return false;
-    RollbackTransaction();
+    const CancellableCall call(*cancel_);
     if (!effects_.none() && !Clean()) return false;
     effects_ = BatchEffects();
     idle_ = true;
@@ -127,12 +148,12 @@ bool OdbcConnection::Clean() {
     BatchEffects at_once;
     at_once.transaction = effects_.transaction;
     at_once.options = effects_.options;
-    if (!at_once.none()) link_->Run(at_once.CleaningBatch());
+    if (!at_once.none()) Ask(at_once.CleaningBatch());
     return true;
   }
   resets_with_batch_ = false;
   if (effects_.lasting) return false;
-  link_->Run(effects_.CleaningBatch());
+  Ask(effects_.CleaningBatch());
   return true;
 }
 

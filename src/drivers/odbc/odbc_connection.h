@@ -2,6 +2,7 @@
 // safe.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string_view>
 
@@ -35,7 +36,8 @@ class OdbcConnection final : public Connection {
 
  private:
   void RunOnLink(std::string_view text, bool first_only, bool prints, BatchSink& sink);
-  void EndTransaction(bool commit);
+  /// Runs a batch of the driver's own; answers the number that its only result holds, 0 when it has none.
+  std::int32_t Ask(std::string_view text);
   bool Clean();
   /// Calls `action`; when it finds the idle connection dead before anything was answered, once more on a new login.
   template <typename Action>
@@ -44,8 +46,8 @@ class OdbcConnection final : public Connection {
   ConnectionOptions options_;
   std::unique_ptr<OdbcLink> link_;
   std::shared_ptr<CancelState> cancel_ = CancelState::Make();
+  /// Of everything since it was handed back.
   BatchEffects effects_;
-  bool in_transaction_ = false;
   /// Nothing was sent since it was handed back.
   bool idle_ = false;
   bool resets_with_batch_ = true;

@@ -3,13 +3,18 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace tessarlorn::odbc {
 namespace {
 
-/// Said behind the error that ended a statement; never the cause.
-constexpr std::int32_t kStatementTerminated = 3621;
+constexpr std::int32_t kLoginFailed = 18456;
+/// Errors behind which the server ends the connection: a shutdown, and a session that was killed.
+constexpr std::array kEndings = {6005, 596};
+
+constexpr std::string_view kNoReason = "The ODBC driver failed and does not say why";
 
 struct StateMapping {
   std::string_view prefix;
@@ -60,7 +65,10 @@ Error Make(std::int32_t number, const Diagnostic& cause) {
 
 bool IsInformation(const Diagnostic& record) { return record.sqlstate.starts_with("01"); }
 
-bool IsConnectionLost(const Diagnostic& record) { return record.sqlstate.starts_with("08"); }
+bool IsConnectionLost(const Diagnostic& record) {
+  return record.sqlstate.starts_with("08") ||
+         std::find(kEndings.begin(), kEndings.end(), record.native) != kEndings.end();
+}
 
 bool GoesOn(const Diagnostic& record) {
   return record.native > 0 && !IsConnectionLost(record) && !record.sqlstate.starts_with("HYT") &&
@@ -75,7 +83,26 @@ Diagnostic Cause(const std::vector<Diagnostic>& records) {
   auto found = std::find_if(records.begin(), records.end(), cause);
   if (found == records.end()) found = std::find_if(records.begin(), records.end(), error);
   if (found != records.end()) return *found;
-  return records.empty() ? Diagnostic{"HY000", 0, "The ODBC driver failed and does not say why"} : records.front();
+  return records.empty() ? Diagnostic{"HY000", 0, std::string(kNoReason)} : records.front();
+}
+
+Diagnostic LoginCause(const std::vector<Diagnostic>& records) {
+  std::vector<Diagnostic> others = records;
+  std::erase_if(others, [](const Diagnostic& record) { return record.native == kLoginFailed; });
+  const Diagnostic other = Cause(others);
+  return other.native > 0 && !IsInformation(other) ? other : Cause(records);
+}
+
+Diagnostic OfLostConnection(Diagnostic cause) {
+  if (cause.sqlstate.starts_with("HYT") || cause.sqlstate == "HY008") return cause;
+  const bool says_why =
+      !IsInformation(cause) && cause.text != kNoReason && cause.text != "Unknown error" && !cause.text.empty();
+  if (!cause.sqlstate.starts_with("08")) cause.sqlstate = "08S01";
+  if (cause.native == 0) {
+    cause.text = says_why ? "The connection to the server was lost: " + cause.text
+                          : std::string("The connection to the server was lost");
+  }
+  return cause;
 }
 
 Error ToError(const Diagnostic& cause) { return Make(NumberOf(cause), cause); }
@@ -86,5 +113,19 @@ Error ToLoginError(const Diagnostic& cause) {
 }
 
 void RaiseLogin(const std::string& description) { throw ToLoginError({"08001", 0, description}); }
+
+void RaiseTransactionOpen() {
+  throw ToError({"42000", 3988, "New transaction is not allowed because there is another transaction open."});
+}
+
+void RaiseNoTransaction() {
+  throw ToError(
+      {"42000", 3902,
+       "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION: the transaction was ended before."});
+}
+
+void RaiseCancelled() { throw ToError({"HY008", 0, "The batch was cancelled."}); }
+
+void RaiseNulInBatch() { throw ToError({"42000", 0, "The batch has a character U+0000 in it and was not sent."}); }
 
 }  // namespace tessarlorn::odbc

@@ -12,7 +12,9 @@ inline constexpr const char* kSource = "TessarLorn ODBC driver";
 
 /// A message or warning, not an error.
 bool IsInformation(const Diagnostic& record);
-/// The connection is gone.
+/// Said behind the error that ended a statement; never the cause.
+inline constexpr std::int32_t kStatementTerminated = 3621;
+/// The connection is gone, or the server says that it ends it.
 bool IsConnectionLost(const Diagnostic& record);
 /// Whether batches on the connection still answer behind this error: the server's own, as opposed to a cancelled,
 /// timed-out or lost one.
@@ -21,11 +23,21 @@ bool GoesOn(const Diagnostic& record);
 /// The record that names the cause: the first error with a number of its own, else the first error, else the first
 /// record. An empty one when there are none.
 Diagnostic Cause(const std::vector<Diagnostic>& records);
+/// The same for a login: what the server said besides "Login failed" comes first.
+Diagnostic LoginCause(const std::vector<Diagnostic>& records);
+/// The cause of an error that lost the connection, in clear words where the ODBC driver has none.
+Diagnostic OfLostConnection(Diagnostic cause);
 
 /// The error of a statement.
 Error ToError(const Diagnostic& cause);
 /// The error of opening a connection: a time-out, else a refused login.
 Error ToLoginError(const Diagnostic& cause);
 [[noreturn]] void RaiseLogin(const std::string& description);
+
+// What is found out without the server, in its own numbers and words where it has some.
+[[noreturn]] void RaiseTransactionOpen();
+[[noreturn]] void RaiseNoTransaction();
+[[noreturn]] void RaiseCancelled();
+[[noreturn]] void RaiseNulInBatch();
 
 }  // namespace tessarlorn::odbc

@@ -58,7 +58,7 @@ std::string_view WithoutPrefixes(std::string_view message) {
     if (end == std::string_view::npos) break;
     const bool server = rest.starts_with(kServerPrefix);
     rest.remove_prefix(end + 1);
-    if (server) break;
+    if (server) return rest;
   }
   return rest.empty() ? message : rest;
 }

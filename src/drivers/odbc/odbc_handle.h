@@ -48,7 +48,7 @@ class Handle {
   SQLHANDLE handle_ = nullptr;
 };
 
-/// The message without the names of driver and component that stand before it in brackets.
+/// The message without the names of driver and component that stand before it in brackets; "" when the server said "".
 std::string_view WithoutPrefixes(std::string_view message);
 
 /// A number as the pointer that attribute functions take.

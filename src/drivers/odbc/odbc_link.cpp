@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "drivers/odbc/odbc_error.h"
 #include "platform/utf16.h"
@@ -16,18 +17,11 @@ constexpr std::uintptr_t kResetYes = 1;
 // Said of every batch that changes the database or language, and behind every failed statement.
 constexpr std::int32_t kDatabaseChanged = 5701;
 constexpr std::int32_t kLanguageChanged = 5703;
-constexpr std::int32_t kStatementTerminated = 3621;
 
 bool IsForUser(const Diagnostic& record) {
   return record.sqlstate == "01000" && record.native != kDatabaseChanged && record.native != kLanguageChanged &&
          record.native != kStatementTerminated;
 }
-
-/// Takes no results.
-class NoResults final : public BatchSink {
- public:
-  void Rows(RecordsetPtr) override {}
-};
 
 }  // namespace
 
@@ -41,7 +35,7 @@ OdbcLink::OdbcLink(const ConnectionOptions& options) : environment_(SQL_HANDLE_E
       SQLDriverConnectW(connection_.get(), nullptr, Units(text), static_cast<SQLSMALLINT>(text.size()), nullptr, 0,
                         nullptr, SQL_DRIVER_NOPROMPT);
   if (!SQL_SUCCEEDED(result)) {
-    Diagnostic cause = Cause(connection_.Diagnostics());
+    Diagnostic cause = LoginCause(connection_.Diagnostics());
     cause.text = options.WithoutPassword(cause.text);
     throw ToLoginError(cause);
   }
@@ -55,16 +49,13 @@ OdbcLink::OdbcLink(const ConnectionOptions& options) : environment_(SQL_HANDLE_E
 
 OdbcLink::~OdbcLink() {
   statement_ = Handle();
-  if (connection_.get() == nullptr) return;
-  if (!lost_) SQLEndTran(SQL_HANDLE_DBC, connection_.get(), SQL_ROLLBACK);
-  SQLDisconnect(connection_.get());
+  if (connection_.get() != nullptr) SQLDisconnect(connection_.get());
 }
 
 void OdbcLink::RaiseCause(const std::vector<Diagnostic>& records) {
   Diagnostic cause = Cause(records);
   lost_ = lost() || std::any_of(records.begin(), records.end(), IsConnectionLost);
-  // Not every ODBC driver finds the right SQLSTATE for the end of the connection.
-  if (lost_ && (IsInformation(cause) || cause.sqlstate == "HY000")) cause.sqlstate = "08S01";
+  if (lost_) cause = OfLostConnection(std::move(cause));
   goes_on_ = !lost_ && GoesOn(cause);
   throw ToError(cause);
 }
@@ -81,10 +72,6 @@ SQLRETURN OdbcLink::Check(SQLRETURN result) {
   return result;
 }
 
-void OdbcLink::CheckConnection(SQLRETURN result) {
-  if (!SQL_SUCCEEDED(result)) RaiseCause(connection_.Diagnostics());
-}
-
 void OdbcLink::Run(std::string_view text, bool first_only, bool prints, BatchSink& sink) {
   // Whatever ends the batch, the statement is free for the next one.
   struct Closing {
@@ -95,6 +82,7 @@ void OdbcLink::Run(std::string_view text, bool first_only, bool prints, BatchSin
       link.sink_ = nullptr;
     }
   } const closing{*this};
+  if (text.find('\0') != std::string_view::npos) RaiseNulInBatch();
   sink_ = &sink;
   goes_on_ = true;
   std::u16string units = ToUtf16(text);
@@ -127,20 +115,6 @@ void OdbcLink::Run(std::string_view text, bool first_only, bool prints, BatchSin
     result = SQLMoreResults(statement);
   }
   if (failure) throw Error(*failure);
-}
-
-void OdbcLink::Run(std::string_view text) {
-  NoResults nobody;
-  Run(text, true, false, nobody);
-}
-
-void OdbcLink::SetAutocommit(bool on) {
-  CheckConnection(SQLSetConnectAttr(connection_.get(), SQL_ATTR_AUTOCOMMIT,
-                                    AsPointer(on ? SQL_AUTOCOMMIT_ON : SQL_AUTOCOMMIT_OFF), SQL_IS_UINTEGER));
-}
-
-void OdbcLink::EndTransaction(bool commit) {
-  CheckConnection(SQLEndTran(SQL_HANDLE_DBC, connection_.get(), commit ? SQL_COMMIT : SQL_ROLLBACK));
 }
 
 bool OdbcLink::ResetWithNextBatch() noexcept {

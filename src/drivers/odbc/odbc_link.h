@@ -11,23 +11,20 @@
 
 namespace tessarlorn::odbc {
 
-/// A login with its one statement. It knows no transactions of the container and never connects again.
+/// A login with its one statement. It knows no transactions and never connects again.
 class OdbcLink {
  public:
   /// Logs in. Raises 0x80040E4D or, for a time-out, 0x80040E31.
   explicit OdbcLink(const ConnectionOptions& options);
   OdbcLink(const OdbcLink&) = delete;
   OdbcLink& operator=(const OdbcLink&) = delete;
-  /// Logs out; the server rolls back what is open.
+  /// Logs out without asking the server, which rolls back what is open.
   ~OdbcLink();
 
-  /// Runs a batch to its end. The first error is raised behind it; `sink` gets what comes before.
+  /// Runs a batch to its end. The first error is raised behind it; `sink` gets what comes before. A text with U+0000 in
+  /// it raises 0x80040E14 and is not sent: ODBC drivers end it there.
   /// @param prints it may send messages behind rows
   void Run(std::string_view text, bool first_only, bool prints, BatchSink& sink);
-  /// Runs a batch whose results nobody wants.
-  void Run(std::string_view text);
-  void SetAutocommit(bool on);
-  void EndTransaction(bool commit);
   /// Has the server reset the session before the next batch. False when the ODBC driver cannot.
   bool ResetWithNextBatch() noexcept;
 
@@ -36,12 +33,9 @@ class OdbcLink {
   [[nodiscard]] SQLHSTMT statement() const noexcept { return statement_.get(); }
 
  private:
-  class Answers;
-
   /// Reports messages and raises errors of a call on the statement.
   SQLRETURN Check(SQLRETURN result);
   [[noreturn]] void RaiseCause(const std::vector<Diagnostic>& records);
-  void CheckConnection(SQLRETURN result);
 
   Handle environment_;
   Handle connection_;

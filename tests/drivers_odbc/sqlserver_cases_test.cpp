@@ -1,31 +1,37 @@
-// The cases of the embedded database once more, through ODBC and the served database.
+// The cases of the embedded database once more, through ODBC: on the served database, or on the server that
+// TESSARLORN_TEST_DSN names.
 #include "support/sqlserver_cases.h"
 
-#include "drivers/odbc/odbc_driver.h"
 #include "support/served_test.h"
+#include "support/test_database.h"
 
 namespace tessarlorn {
 namespace {
 
 /// Drops what a case made. What others refer to goes in a later round.
 void Empty(Connection& connection) {
+  constexpr const char* kObjects = "select name, type from sys.objects where type in ('U', 'V', 'P')";
   for (int round = 0; round < 5; ++round) {
-    const RecordsetPtr objects = connection.Execute("select name, type from sys.objects");
+    const RecordsetPtr objects = connection.Execute(kObjects);
     for (; !objects->eof(); objects->MoveNext()) {
-      const std::string kind = objects->GetText(1).starts_with('V') ? "view" : "table";
-      Answer(connection, "drop " + kind + " [" + std::string(objects->GetText(0)) + "]");
+      const char kind = objects->GetText(1).front();
+      Answer(connection, std::string("drop ") +
+                             (kind == 'V'   ? "view"
+                              : kind == 'P' ? "procedure"
+                                            : "table") +
+                             " [" + std::string(objects->GetText(0)) + "]");
     }
   }
-  ASSERT_EQ(connection.Execute("select name from sys.objects")->RecordCount(), 0U);
+  ASSERT_EQ(connection.Execute(kObjects)->RecordCount(), 0U);
 }
 
 class OdbcSqlServerCases : public ServedTest {};
 
 TEST_F(OdbcSqlServerCases, AnswerAlike) {
-  RegisterOdbcDriver();
-  const auto connection = OpenConnection(Shared().odbc());
+  const TestDatabase database(TestServer() != nullptr ? Reach::kServer : Reach::kOverOdbc);
+  const auto connection = OpenConnection(database.string());
   for (const auto& one : SqlServerCases()) {
-    RunSqlServerCase(one, *OpenConnection(Shared().odbc()));
+    RunSqlServerCase(one, *OpenConnection(database.string()));
     Empty(*connection);
   }
 }

@@ -28,7 +28,7 @@ inline std::string FreeTdsDriver() {
   return path;
 }
 
-/// The server runs as long as this object lives. It has one user, ann.
+/// The server runs as long as this object lives. Its user is ann.
 class ServedDatabase {
  public:
   static constexpr const char* kPassword = "open sesame; please";
@@ -36,18 +36,22 @@ class ServedDatabase {
   /// @param database of the embedded driver; "" for a file of its own
   explicit ServedDatabase(const std::string& database = "")
       : database_(database.empty() ? "Embedded=" + folder_.file("served.db") + ";Synchronous=Normal" : database) {
-    const Child writer = Spawn({"serve", "--add-user", "ann", "--users", Users()});
-    const std::string line = std::string(kPassword) + "\n";
-    if (write(writer.input, line.data(), line.size()) < 0) throw std::runtime_error("no user could be added");
-    close(writer.input);
-    close(writer.output);
-    waitpid(writer.process, nullptr, 0);
+    AddUser("ann", kPassword);
     Start();
   }
   ServedDatabase(const ServedDatabase&) = delete;
   ServedDatabase& operator=(const ServedDatabase&) = delete;
   ~ServedDatabase() { Stop(SIGTERM); }
 
+  /// The server knows the user from its next start on.
+  void AddUser(const std::string& name, const std::string& password) const {
+    const Child writer = Spawn({"serve", "--add-user", name, "--users", Users()});
+    const std::string line = password + "\n";
+    if (write(writer.input, line.data(), line.size()) < 0) throw std::runtime_error("no user could be added");
+    close(writer.input);
+    close(writer.output);
+    waitpid(writer.process, nullptr, 0);
+  }
   /// On the port that it had, when it ran before.
   void Start() {
     const Child child =

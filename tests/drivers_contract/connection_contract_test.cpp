@@ -1,0 +1,251 @@
+// What every driver's connections do alike: embedded, over ODBC on the served database, and over ODBC on the server
+// that TESSARLORN_TEST_DSN names.
+#include <chrono>
+#include <gmock/gmock.h>
+#include <thread>
+
+#include "drivers_embedded/database_support.h"
+#include "platform/connection.h"
+#include "support/served_database.h"
+#include "support/test_database.h"
+
+namespace tessarlorn {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class ConnectionContract : public testing::TestWithParam<Reach> {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(GetParam() != Reach::kOverOdbc || !FreeTdsDriver().empty())
+        << "the ODBC driver of FreeTDS (package tdsodbc) is not installed";
+    database_ = std::make_unique<TestDatabase>(GetParam());
+    connection_ = Open();
+  }
+  [[nodiscard]] std::unique_ptr<Connection> Open() const { return OpenConnection(database_->string()); }
+
+  /// Every result, message and error, in order.
+  std::vector<std::string> EventsOf(std::string_view batch) {
+    std::vector<std::string> events;
+    SetMessageObserver([&](std::string_view text) { events.push_back("says " + std::string(text)); });
+    try {
+      connection_->ExecuteAll(batch, [&](const RecordsetPtr& rows) { events.push_back(TextOf(rows)); });
+    } catch (const Error& error) {
+      events.push_back("error " + std::to_string(error.native().number));
+    }
+    SetMessageObserver({});
+    return events;
+  }
+
+  /// The error that an action raises.
+  template <typename Action>
+  static Error ErrorOf(const Action& action) {
+    try {
+      action();
+    } catch (const Error& error) {
+      return error;
+    }
+    return {0, "", "none"};
+  }
+
+  std::unique_ptr<TestDatabase> database_;
+  std::unique_ptr<Connection> connection_;
+};
+
+TEST_P(ConnectionContract, ResultsComeInOrderAndAnErrorBehindThem) {
+  EXPECT_THAT(EventsOf("print 'one' create table #r (a int primary key) insert #r values (1),(2) select a from #r "
+                       "update #r set a = 9 where a = 5 select 2 as b print 'two'"),
+              ElementsAre("says one", "a;1;2", "b;2", "says two"));
+  EXPECT_THAT(EventsOf("print ''"), ElementsAre("says "));
+  EXPECT_THAT(EventsOf("select 1 as a select 2 as b select cast('x' as int) as c select 3 as d"),
+              ElementsAre("a;1", "b;2", "error 245"));
+  EXPECT_THAT(EventsOf("insert #r values (1)"), ElementsAre("error 2627"));
+  EXPECT_THAT(EventsOf("select 1 as a insert #r values (2) insert #r values (3)"), ElementsAre("a;1", "error 2627"));
+  EXPECT_THAT(EventsOf("select count(*) as n from #r"), ElementsAre("n;3"));
+  connection_->Execute("create procedure p_says as print 'before' select 1 as a print 'behind'");
+  EXPECT_THAT(EventsOf("exec p_says"), ElementsAre("says before", "a;1", "says behind"));
+  EXPECT_EQ(connection_->Execute("declare @a int set @a = 1"), nullptr);
+  EXPECT_EQ(connection_->Execute(""), nullptr);
+  EXPECT_EQ(TextOf(connection_->Execute("insert #r values (7) select 1 as a select 2 as b")), "a;1");
+  EXPECT_EQ(ErrorOf([&] { connection_->Execute("select 1 as a select 1/0 as b"); }).number(),
+            error_number::kDataOverflow)
+      << "an error behind the wanted result is raised as well";
+  EXPECT_THROW(connection_->ExecuteAll("select 1 as a select 2 as b", [](const RecordsetPtr&) { throw 1; }), int);
+  EXPECT_EQ(Answer(*connection_, "select 5 as a"), "a;5") << "what the sink throws leaves the connection in order";
+}
+
+TEST_P(ConnectionContract, ErrorsCarryTheNumbersOfEveryDriver) {
+  const std::pair<const char*, std::int32_t> cases[] = {
+      {"selec 1", error_number::kStatementError},
+      {"select * from nowhere", error_number::kNoSuchTable},
+      {"select cast('x' as int) as a", error_number::kConversionFailed},
+      {"select cast(300 as tinyint) as a", error_number::kDataOverflow},
+      {"create table #e (a int not null) insert #e values (null)", error_number::kConstraintBroken},
+      {"raiserror('own words', 16, 1)", error_number::kStatementError},
+  };
+  for (const auto& [batch, number] : cases) {
+    const Error error = ErrorOf([&, text = batch] { connection_->Execute(text); });
+    EXPECT_EQ(error.number(), number) << batch;
+    EXPECT_THAT(error.source(), HasSubstr("TessarLorn"));
+  }
+  EXPECT_EQ(Answer(*connection_, "select * from nowhere"), "error 208: Invalid object name 'nowhere'.");
+}
+
+TEST_P(ConnectionContract, TransactionsCommitAndRollBackWhole) {
+  const auto other = Open();
+  connection_->Execute("create table transactions (a int)");
+  connection_->BeginTransaction();
+  connection_->Execute("insert transactions values (1)");
+  connection_->RollbackTransaction();
+  connection_->BeginTransaction();
+  connection_->Execute("insert transactions values (2) begin tran insert transactions values (3)");
+  connection_->CommitTransaction();
+  EXPECT_EQ(Answer(*other, "select a from transactions"), "a;2;3") << "the batch's own level is committed as well";
+  connection_->Execute("insert transactions values (4)");
+  EXPECT_EQ(Answer(*other, "select a from transactions"), "a;2;3;4");
+}
+
+TEST_P(ConnectionContract, TransactionsDoNotNestAndTheLostAreNoCommit) {
+  connection_->Execute("create table lost (a int)");
+  const auto expect = [](const Error& error, std::int32_t native, const char* text) {
+    EXPECT_EQ(error.number(), error_number::kStatementError);
+    EXPECT_EQ(error.native().number, native);
+    EXPECT_EQ(error.native().sqlstate, "42000");
+    EXPECT_EQ(error.description(), text);
+  };
+  const auto begin = [&] { connection_->BeginTransaction(); };
+  const auto commit = [&] { connection_->CommitTransaction(); };
+  constexpr const char* kOpen = "New transaction is not allowed because there is another transaction open.";
+  constexpr const char* kNone =
+      "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION: the transaction was ended before.";
+  expect(ErrorOf(commit), 3902, kNone);
+  begin();
+  expect(ErrorOf(begin), 3988, kOpen);
+  connection_->RollbackTransaction();
+  connection_->RollbackTransaction();
+  connection_->Execute("begin tran insert lost values (1)");
+  expect(ErrorOf(begin), 3988, kOpen);
+  connection_->RollbackTransaction();
+  // A batch that ends the transaction, or dooms it, leaves nothing to commit.
+  for (const char* batch :
+       {"insert lost values (2) rollback",
+        "set xact_abort on insert lost values (3) begin try select 1/0 as a end try begin catch end catch"}) {
+    begin();
+    ErrorOf([&] { connection_->Execute(batch); });
+    expect(ErrorOf(commit), 3902, kNone);
+  }
+  EXPECT_EQ(Answer(*connection_, "select count(*) as n, @@trancount as t from lost"), "n|t;0|0");
+}
+
+TEST_P(ConnectionContract, ResetHandsTheConnectionOutClean) {
+  connection_->Execute("create table cleaned (a int)");
+  connection_->BeginTransaction();
+  connection_->Execute("insert cleaned values (1) select 1 as a into [#Kept Rows] set nocount on");
+  ASSERT_TRUE(connection_->Reset());
+  EXPECT_EQ(Answer(*connection_, "select count(*) as n, @@trancount as t from cleaned"), "n|t;0|0");
+  EXPECT_THAT(Answer(*connection_, "select * from [#Kept Rows]"), HasSubstr("error 208"));
+  connection_->Execute("begin tran insert cleaned values (2)");
+  ASSERT_TRUE(connection_->Reset());
+  EXPECT_EQ(Answer(*connection_, "select count(*) as n, @@trancount as t from cleaned"), "n|t;0|0");
+}
+
+TEST_P(ConnectionContract, ThreadsCancelWhatIsRunningAndNothingLater) {
+  const auto other = Open();
+  connection_->Cancel();
+  ASSERT_TRUE(connection_->Reset());
+  std::thread canceller([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    other->Cancel();
+  });
+  Error cancelled(0, "", "");
+  std::thread running([&] { cancelled = ErrorOf([&] { other->Execute("waitfor delay '00:01:00'"); }); });
+  EXPECT_EQ(Answer(*connection_, "waitfor delay '00:00:00.500' select 1 as a"), "a;1") << "it was idle when cancelled";
+  canceller.join();
+  running.join();
+  EXPECT_EQ(cancelled.number(), error_number::kCancelled);
+  EXPECT_EQ(cancelled.native().sqlstate, "HY008");
+  EXPECT_EQ(Answer(*other, "select 2 as a"), "a;2");
+}
+
+TEST_P(ConnectionContract, ValuesKeepTypeAndValue) {
+  struct Case {
+    const char* expression;
+    FieldType type;
+    int size, precision, scale;
+    const char* text;
+  };
+  const std::string longest(20000, 'y');
+  const std::string long_literal = "cast('" + longest + "' as varchar(max))";
+  const Case cases[] = {
+      {"cast(1 as bit)", FieldType::kBit, 0, 0, 0, "True"},
+      {"cast(255 as tinyint)", FieldType::kTinyInt, 0, 0, 0, "255"},
+      {"cast(-32768 as smallint)", FieldType::kSmallInt, 0, 0, 0, "-32768"},
+      {"cast(-2147483648 as int)", FieldType::kInt, 0, 0, 0, "-2147483648"},
+      {"cast(9223372036854775807 as bigint)", FieldType::kBigInt, 0, 0, 0, "9223372036854775807"},
+      {"cast(-99999999999999999999999999999999999.999 as decimal(38,3))", FieldType::kDecimal, 0, 38, 3,
+       "-99999999999999999999999999999999999.999"},
+      {"cast(-0.5 as decimal(18,4))", FieldType::kDecimal, 0, 18, 4, "-0.5000"},
+      {"cast(0 as decimal(5,5))", FieldType::kDecimal, 0, 5, 5, "0.00000"},
+      {"cast(-922337203685477.5808 as money)", FieldType::kMoney, 0, 19, 4, "-922337203685477.5808"},
+      {"cast(0.5 as real)", FieldType::kReal, 0, 0, 0, "0.5"},
+      {"1.7976931348623157e308", FieldType::kFloat, 0, 0, 0, nullptr},
+      {"cast('0001-01-01' as date)", FieldType::kDate, 0, 0, 0, "0001-01-01 00:00:00"},
+      {"cast('23:59:58.997' as time)", FieldType::kTime, 0, 0, 0, "1900-01-01 23:59:58"},
+      {"cast('9999-12-31 23:59:59' as datetime)", FieldType::kDateTime, 0, 0, 0, "9999-12-31 23:59:59"},
+      {"cast('ab' as char(4))", FieldType::kChar, 4, 0, 0, "ab  "},
+      {"cast('x' as varchar(30))", FieldType::kVarChar, 30, 0, 0, "x"},
+      {"cast(N'发' as nchar(2))", FieldType::kNChar, 2, 0, 0, "发 "},
+      {"cast(N'发货😀' as nvarchar(50))", FieldType::kNVarChar, 50, 0, 0, "发货😀"},
+      {"cast('' as nvarchar(50))", FieldType::kNVarChar, 50, 0, 0, ""},
+      {"cast(N'😀😀😀' as nvarchar(max))", FieldType::kNVarChar, 0, 0, 0, "😀😀😀"},
+      {long_literal.c_str(), FieldType::kVarChar, 0, 0, 0, longest.c_str()},
+      {"cast('6F9619FF-8B86-D011-B42D-00C04FC964FF' as uniqueidentifier)", FieldType::kGuid, 0, 0, 0,
+       "6F9619FF-8B86-D011-B42D-00C04FC964FF"},
+      {"cast(null as int)", FieldType::kInt, 0, 0, 0, ""},
+      {"cast(null as nvarchar(max))", FieldType::kNVarChar, 0, 0, 0, ""},
+  };
+  for (const Case& one : cases) {
+    SCOPED_TRACE(one.expression);
+    // Alone in a block of rows, and behind a long column, where each value is read on its own.
+    for (const char* before : {"", "cast('long' as varchar(max)) as l, "}) {
+      const RecordsetPtr rows = connection_->Execute(std::string("select ") + before + one.expression + " as FValue");
+      const std::size_t at = rows->fields().size() - 1;
+      const Field& field = rows->fields()[at];
+      EXPECT_EQ(field.name, "FValue");
+      EXPECT_EQ(field.type, one.type);
+      EXPECT_EQ(field.size, one.size);
+      EXPECT_EQ(field.precision, one.precision);
+      EXPECT_EQ(field.scale, one.scale);
+      if (one.text != nullptr) {
+        EXPECT_EQ(rows->Get(at).ToText(), one.text);
+      }
+    }
+  }
+  const RecordsetPtr rows = connection_->Execute(
+      "select cast(0x00FF10 as varbinary(8)) as b, cast(replicate('z', 9000) as varbinary(max)) as m, "
+      "1.7976931348623157e308 as f, cast('2026-11-03 10:20:30.007' as datetime) as d, cast(null as bit) as n");
+  EXPECT_EQ(*rows->Get("b").get_if<Bytes>(), (Bytes{0, 0xff, 0x10}));
+  EXPECT_EQ(rows->Get("f").ToDouble(), 1.7976931348623157e308);
+  EXPECT_EQ(rows->Get("d").ToDateTime().ToString(true), "2026-11-03 10:20:30.007");
+  EXPECT_TRUE(rows->Get("n").is_null());
+}
+
+std::vector<Reach> Reaches() {
+  std::vector<Reach> reaches = {Reach::kInProcess};
+#ifdef TESSARLORN_HAS_ODBC
+  reaches.push_back(Reach::kOverOdbc);
+#endif
+  if (TestServer() != nullptr) reaches.push_back(Reach::kServer);
+  return reaches;
+}
+
+INSTANTIATE_TEST_SUITE_P(Drivers, ConnectionContract, testing::ValuesIn(Reaches()),
+                         [](const testing::TestParamInfo<Reach>& reach) {
+                           return reach.param == Reach::kInProcess  ? "embedded"
+                                  : reach.param == Reach::kOverOdbc ? "odbc"
+                                                                    : "server";
+                         });
+
+}  // namespace
+}  // namespace tessarlorn

@@ -3,6 +3,8 @@
 #include <arpa/inet.h>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
+#include <future>
 #include <gmock/gmock.h>
 #include <netinet/in.h>
 #include <sys/resource.h>
@@ -20,7 +22,6 @@
 #include "siblings/siblings.h"
 #include "support/batches.h"
 #include "support/in_process_server.h"
-#include "support/recording_driver.h"
 #include "support/served_test.h"
 
 namespace tessarlorn {
@@ -29,6 +30,7 @@ namespace {
 class FaultsTest : public ServedTest {
  protected:
   FaultsTest() {
+    RegisterEmbeddedDriver();
     RegisterOdbcDriver();
     RegisterDefaultSiblings();
   }
@@ -46,10 +48,10 @@ class FaultsTest : public ServedTest {
   }
 };
 
-/// Takes connections and says nothing.
-class SilentListener {
+/// Takes connections and says nothing: it keeps them open, or ends them at once.
+class RudeListener {
  public:
-  SilentListener() : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
+  explicit RudeListener(bool closes) : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
@@ -59,12 +61,19 @@ class SilentListener {
     EXPECT_EQ(listen(socket_, 5), 0);
     getsockname(socket_, any, &size);
     port_ = ntohs(address.sin_port);
+    if (!closes) return;
+    closing_ = std::thread([this] {
+      for (int client = 0; (client = accept(socket_, nullptr, nullptr)) >= 0;) close(client);
+    });
   }
-  SilentListener(const SilentListener&) = delete;
-  SilentListener& operator=(const SilentListener&) = delete;
-  ~SilentListener() { Close(); }
+  RudeListener(const RudeListener&) = delete;
+  RudeListener& operator=(const RudeListener&) = delete;
+  ~RudeListener() { Close(); }
   void Close() {
-    if (socket_ >= 0) close(socket_);
+    if (socket_ < 0) return;
+    shutdown(socket_, SHUT_RDWR);
+    if (closing_.joinable()) closing_.join();
+    close(socket_);
     socket_ = -1;
   }
   [[nodiscard]] std::string odbc() const {
@@ -75,39 +84,105 @@ class SilentListener {
  private:
   int socket_;
   int port_ = 0;
+  std::thread closing_;
 };
 
-TEST_F(FaultsTest, AServerThatIsSilentAtTheLoginOrRefusesIsGivenUp) {
-  SilentListener listener;
-  const Error silent = ErrorOf([&] { OpenConnection(listener.odbc()); });
-  EXPECT_THAT(silent.number(), testing::AnyOf(error_number::kTimeout, error_number::kLoginRefused));
-  EXPECT_THAT(silent.description(), testing::Not(testing::HasSubstr("secret")));
-  listener.Close();
-  EXPECT_EQ(ErrorOf([&] { OpenConnection(listener.odbc()); }).number(), error_number::kLoginRefused);
+TEST_F(FaultsTest, AServerThatIsSilentOrGoesAtTheLoginOrRefusesIsGivenUp) {
+  RudeListener silent(false);
+  const Error error = ErrorOf([&] { OpenConnection(silent.odbc()); });
+  EXPECT_EQ(error.number(), error_number::kTimeout);
+  EXPECT_THAT(error.description(), testing::Not(testing::HasSubstr("secret")));
+  silent.Close();
+  EXPECT_EQ(ErrorOf([&] { OpenConnection(silent.odbc()); }).number(), error_number::kLoginRefused);
+  const RudeListener closing(true);
+  EXPECT_EQ(ErrorOf([&] { OpenConnection(closing.odbc()); }).number(), error_number::kLoginRefused);
 }
 
-TEST_F(FaultsTest, AServerThatFallsSilentInABatchIsGivenUp) {
+TEST_F(FaultsTest, AServerThatFallsSilentIsGivenUpInEachCall) {
   ServedDatabase served;
-  const auto connection = OpenConnection(served.odbc(";StatementTimeout=1"));
+  using Call = void (*)(std::unique_ptr<Connection>&);
+  struct Case {
+    const char* name;
+    Call before;
+    Call when_silent;
+    std::int32_t number;
+  };
+  const Call begin = [](auto& connection) { connection->BeginTransaction(); };
+  const Call read = [](auto& connection) { connection->Execute("select 1 as a"); };
+  const Call hand_back = [](auto& connection) {
+    connection->Execute("select 1 as a");
+    EXPECT_TRUE(connection->Reset());
+  };
+  const Call close = [](auto& connection) { connection.reset(); };
+  const Case cases[] = {
+      {"batch", read, read, error_number::kTimeout},
+      {"begin", read, begin, error_number::kTimeout},
+      {"commit", begin, [](auto& connection) { connection->CommitTransaction(); }, error_number::kTimeout},
+      {"rollback", begin, [](auto& connection) { connection->RollbackTransaction(); }, error_number::kTimeout},
+      {"idle, a read", hand_back, read, error_number::kTimeout},
+      {"idle, a write", hand_back, [](auto& connection) { connection->Execute("create table a (b int)"); },
+       error_number::kTimeout},
+      {"reset", begin, [](auto& connection) { EXPECT_FALSE(connection->Reset()); }, 0},
+      {"close in a transaction", begin, close, 0},
+  };
+  std::vector<std::unique_ptr<Connection>> connections;
+  for (const Case& one : cases) {
+    connections.push_back(OpenConnection(served.odbc(";StatementTimeout=1;LoginTimeout=60")));
+    one.before(connections.back());
+  }
   kill(served.process(), SIGSTOP);
   waitpid(served.process(), nullptr, WUNTRACED);
-  const Error error = ErrorOf([&] { connection->Execute("select 1 as a"); });
+  std::vector<std::future<std::int32_t>> numbers;
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
+    numbers.push_back(std::async(std::launch::async, [&one = cases[i], &connection = connections[i]] {
+      return ErrorOf([&] { one.when_silent(connection); }).number();
+    }));
+  }
+  // Who is still waiting then meets a server that answers, and no error.
+  const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(15);
+  for (std::size_t i = 0; i < std::size(cases); ++i) {
+    EXPECT_EQ(numbers[i].wait_until(patience), std::future_status::ready) << cases[i].name;
+  }
   kill(served.process(), SIGCONT);
-  EXPECT_THAT(error.number(), testing::AnyOf(error_number::kTimeout, error_number::kDatabaseFailure)) << error.what();
+  for (std::size_t i = 0; i < std::size(cases); ++i) EXPECT_EQ(numbers[i].get(), cases[i].number) << cases[i].name;
   EXPECT_EQ(Answer(*OpenConnection(served.odbc()), "select 1 as a"), "a;1");
 }
 
-/// Fails each batch as its text says: "native|severity|text".
-class FailingConnection final : public RecordingConnection {
+TEST_F(FaultsTest, CtrlCEndsTheCommandsBatch) {
+  const std::string command = "TESSARLORN_DSN='Connect={" + ReplaceAll(Shared().odbc(), "}", "}}") + "}' '" +
+                              TESSARLORN_COMMAND + "' sql \"waitfor delay '00:01:00'\"" +
+                              " 2>/dev/null & sleep 1; kill -INT $!; wait $!";
+  EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 130);
+}
+
+/// An embedded database that has trouble where a batch says so, "native|severity|text", and then takes back the
+/// transaction, as a server does that chooses a deadlock's victim.
+class FailingConnection final : public Connection {
+ public:
+  void BeginTransaction() override { database_->BeginTransaction(); }
+  void CommitTransaction() override { database_->CommitTransaction(); }
+  void RollbackTransaction() override { database_->RollbackTransaction(); }
+  bool Reset() noexcept override { return database_->Reset(); }
+  [[nodiscard]] bool usable() const noexcept override { return true; }
+  void Cancel() noexcept override { database_->Cancel(); }
+
  protected:
-  void Run(std::string_view text, bool, BatchSink&) override {
+  void Run(std::string_view text, bool, BatchSink& sink) override {
     const std::size_t bar = text.find('|');
-    if (bar == std::string_view::npos) return;
+    if (bar == std::string_view::npos) {
+      database_->ExecuteAll(text, sink);
+      return;
+    }
+    database_->Execute("if @@trancount > 0 rollback");
+    sink.Transaction(TransactionEvent::kRolledBack);
     NativeError native;
     native.number = std::stoi(std::string(text));
     native.severity = std::stoi(std::string(text.substr(bar + 1)));
     throw Error(error_number::kStatementError, "failing", std::string(text.substr(text.rfind('|') + 1)), native);
   }
+
+ private:
+  std::unique_ptr<Connection> database_ = OpenConnection("Embedded=:memory:failing");
 };
 
 class FailingDriver final : public Driver {
@@ -118,7 +193,9 @@ class FailingDriver final : public Driver {
   }
 };
 
-TEST_F(FaultsTest, AServersOwnTroubleKeepsItsNumberAndWords) {
+TEST_F(FaultsTest, AServersOwnTroubleKeepsItsNumberAndWordsAndLeavesNothing) {
+  const auto keeper = OpenConnection("Embedded=:memory:failing");
+  keeper->Execute("create table n (a int)");
   RegisterDriver(std::make_shared<FailingDriver>());
   const InProcessServer server("Failing=");
   const auto connection = OpenConnection(server.odbc_string());
@@ -131,13 +208,20 @@ TEST_F(FaultsTest, AServersOwnTroubleKeepsItsNumberAndWords) {
                         Case{"9002|17|The transaction log is full", error_number::kDatabaseFailure, 9002},
                         Case{"1105|17|The disk is full", error_number::kDatabaseFailure, 1105},
                         Case{"1222|16|Lock request time out period exceeded", error_number::kTimeout, 1222}}) {
+    connection->BeginTransaction();
+    connection->Execute("insert n values (1)");
     const Error error = ErrorOf([&] { connection->Execute(c.batch); });
     EXPECT_EQ(error.number(), c.number) << c.batch;
     EXPECT_EQ(error.native().number, c.native);
     EXPECT_TRUE(std::string(c.batch).ends_with(error.description())) << error.description();
     EXPECT_TRUE(connection->usable());
+    EXPECT_EQ(ErrorOf([&] { connection->CommitTransaction(); }).native().number, 3902);
+    EXPECT_EQ(Answer(*connection, "select count(*) as n from n"), "n;0");
   }
-  EXPECT_EQ(connection->Execute("goes on"), nullptr);
+  connection->BeginTransaction();
+  connection->Execute("insert n values (2)");
+  connection->CommitTransaction();
+  EXPECT_EQ(Answer(*keeper, "select a from n"), "a;2");
 }
 
 TEST_F(FaultsTest, AFullDiskIsAnErrorThatLosesNothing) {

@@ -73,8 +73,8 @@ TEST_F(OdbcDriverTest, APasswordMayHoldWhatTheStringIsMadeOf) {
 TEST_F(OdbcDriverTest, ATextThatWouldBeCutIsNotRun) {
   const auto connection = Open();
   connection->Execute("create table uncut (a int) insert uncut values (1),(2)");
-  EXPECT_EQ(Number([&] { connection->Execute(std::string_view("delete from uncut \0 where a = 1", 33)); }),
-            error_number::kStatementError);
+  using std::string_view_literals::operator""sv;
+  EXPECT_EQ(Number([&] { connection->Execute("delete from uncut \0 where a = 1"sv); }), error_number::kStatementError);
   EXPECT_EQ(Answer(*connection, "select a from uncut"), "a;1;2");
 }
 

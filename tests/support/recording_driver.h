@@ -44,6 +44,7 @@ inline Recording& TheRecording() {
 /// A recordset of text fields.
 inline RecordsetPtr TextRows(const std::vector<std::string>& names, const std::vector<std::vector<const char*>>& rows) {
   std::vector<Field> fields;
+  fields.reserve(names.size());
   for (const std::string& name : names) fields.push_back({.name = name});
   auto result = std::make_shared<Recordset>(fields);
   for (const auto& row : rows) {

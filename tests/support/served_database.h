@@ -102,6 +102,7 @@ class ServedDatabase {
     }
     words.insert(words.begin(), TESSARLORN_COMMAND);
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
     const pid_t process = fork();

@@ -104,6 +104,8 @@ void OdbcConnection::RollbackTransaction() {
 void OdbcConnection::Run(std::string_view text, bool first_only, BatchSink& sink) {
   // ODBC has no empty batch.
   if (text.empty()) return;
+  // ODBC drivers end the text there, and would run the first part alone.
+  if (text.find('\0') != std::string_view::npos) RaiseNulInBatch();
   const CancellableCall call(*cancel_);
   const BatchEffects effects = EffectsOf(text);
   effects_.Add(effects);

@@ -82,7 +82,6 @@ void OdbcLink::Run(std::string_view text, bool first_only, bool prints, BatchSin
       link.sink_ = nullptr;
     }
   } const closing{*this};
-  if (text.find('\0') != std::string_view::npos) RaiseNulInBatch();
   sink_ = &sink;
   goes_on_ = true;
   std::u16string units = ToUtf16(text);

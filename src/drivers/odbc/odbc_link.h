@@ -21,8 +21,7 @@ class OdbcLink {
   /// Logs out without asking the server, which rolls back what is open.
   ~OdbcLink();
 
-  /// Runs a batch to its end. The first error is raised behind it; `sink` gets what comes before. A text with U+0000 in
-  /// it raises 0x80040E14 and is not sent: ODBC drivers end it there.
+  /// Runs a batch to its end. The first error is raised behind it; `sink` gets what comes before.
   /// @param prints it may send messages behind rows
   void Run(std::string_view text, bool first_only, bool prints, BatchSink& sink);
   /// Has the server reset the session before the next batch. False when the ODBC driver cannot.

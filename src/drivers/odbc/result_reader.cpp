@@ -82,11 +82,13 @@ bool IsLongType(SQLSMALLINT type) {
 
 std::size_t RoundUp(std::size_t size) { return (size + 7) / 8 * 8; }
 
-/// Rounded to the millisecond, as a datetime's thirds of a hundredth come in nanoseconds.
+/// Rounded to the millisecond, as a datetime's thirds of a hundredth come in nanoseconds, but never into the next
+/// second: the last instant of a day, as of 9999-12-31, stays in its day.
 DateTime DateTimeOf(const SQL_TIMESTAMP_STRUCT& value, FieldType type) {
   const std::int64_t days = type == FieldType::kTime ? 0 : DaysFromCivil(value.year, value.month, value.day);
   const std::int64_t seconds = (value.hour * 60 + value.minute) * 60 + value.second;
-  return DateTime(days * kMillisecondsPerDay + seconds * 1000 + (std::int64_t{value.fraction} + 500'000) / 1'000'000);
+  const std::int64_t milliseconds = std::min<std::int64_t>((std::int64_t{value.fraction} + 500'000) / 1'000'000, 999);
+  return DateTime(days * kMillisecondsPerDay + seconds * 1000 + milliseconds);
 }
 
 }  // namespace

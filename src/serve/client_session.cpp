@@ -83,6 +83,8 @@ void ClientSession::Run() noexcept {
     end = std::string("failed: ") + error.what();
   }
   if (!end.empty()) Log(end);
+  // What the client left open is rolled back now.
+  connection_.reset();
 }
 
 bool ClientSession::AnswerPreLogin(std::string_view payload) {

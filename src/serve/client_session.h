@@ -41,7 +41,7 @@ class ClientSession final : public Watched {
   /// @param peer names the client in the log; @param watcher may be nullptr: then a running batch cannot be cancelled
   ClientSession(ByteStream& stream, const Service& service, std::string peer, Watcher* watcher);
 
-  /// The client's whole life: raises nothing, logs what ends it.
+  /// The client's whole life: raises nothing, logs what ends it. At its end the connection to the database is closed.
   void Run() noexcept;
   /// The server ends: the running batch is cancelled, and the client is told when it can be.
   void Stop() noexcept;

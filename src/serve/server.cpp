@@ -8,6 +8,7 @@
 #include <netdb.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -35,7 +36,7 @@ struct Server::Client {
 
   Socket socket;
   ClientSession session;
-  bool ended = false;
+  std::atomic<bool> ended{false};
   std::thread thread;
 };
 
@@ -45,26 +46,38 @@ Server::Server(Address address, Service service)
   if (pipe2(pipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) {
     Raise(error_number::kInternalError, std::string("Cannot make a pipe: ") + std::strerror(errno));
   }
-  stop_reading_ = Descriptor(pipe[0]);
-  stop_writing_ = Descriptor(pipe[1]);
+  wake_reading_ = Descriptor(pipe[0]);
+  wake_writing_ = Descriptor(pipe[1]);
 }
 
 Server::~Server() { EndAll(); }
 
-void Server::Stop() noexcept {
+void Server::Wake() noexcept {
   const char byte = 0;
   // A full pipe says the same.
-  [[maybe_unused]] const ssize_t written = write(stop_writing_.get(), &byte, 1);
+  [[maybe_unused]] const ssize_t written = write(wake_writing_.get(), &byte, 1);
+}
+
+void Server::TakeWakes() noexcept {
+  std::array<char, 256> bytes;
+  while (read(wake_reading_.get(), bytes.data(), bytes.size()) > 0) {
+  }
+}
+
+void Server::Stop() noexcept {
+  ++stops_;
+  Wake();
 }
 
 void Server::Run() {
-  for (;;) {
-    std::array<pollfd, 2> wanted{pollfd{listening_.get(), POLLIN, 0}, pollfd{stop_reading_.get(), POLLIN, 0}};
+  while (stops_ == 0) {
+    std::array<pollfd, 2> wanted{pollfd{listening_.get(), POLLIN, 0}, pollfd{wake_reading_.get(), POLLIN, 0}};
     if (poll(wanted.data(), wanted.size(), -1) < 0 && errno != EINTR) {
       Raise(error_number::kInternalError, std::string("Cannot wait for clients: ") + std::strerror(errno));
     }
-    if (wanted[1].revents != 0) break;
-    if (wanted[0].revents != 0) Accept();
+    TakeWakes();
+    JoinEnded();
+    if (wanted[0].revents != 0 && stops_ == 0) Accept();
   }
   EndAll();
 }
@@ -74,7 +87,6 @@ void Server::Accept() {
   socklen_t size = sizeof storage;
   Descriptor descriptor(
       accept4(listening_.get(), static_cast<sockaddr*>(static_cast<void*>(&storage)), &size, SOCK_CLOEXEC));
-  JoinEnded();
   if (descriptor.get() < 0) {
     // Without a free descriptor the waiting client stays, and would be met again at once.
     if (errno == EMFILE || errno == ENFILE || errno == ENOMEM) {
@@ -84,7 +96,6 @@ void Server::Accept() {
     return;
   }
   const std::string peer = PeerText(storage, size);
-  const std::scoped_lock lock(mutex_);
   if (clients_.size() >= service_.limits.connections) {
     service_.log(peer + ": refused: there are " + std::to_string(clients_.size()) + " clients already");
     return;
@@ -94,10 +105,9 @@ void Server::Accept() {
   try {
     client.thread = std::thread([this, &client] {
       client.session.Run();
-      shutdown(client.socket.descriptor(), SHUT_RDWR);
-      const std::scoped_lock ended(mutex_);
+      client.socket.End();
       client.ended = true;
-      ended_changed_.notify_all();
+      Wake();
     });
   } catch (const std::system_error& error) {
     service_.log(peer + ": refused: " + error.what());
@@ -106,32 +116,28 @@ void Server::Accept() {
 }
 
 void Server::JoinEnded() {
-  std::list<std::unique_ptr<Client>> ended;
-  {
-    const std::scoped_lock lock(mutex_);
-    for (auto client = clients_.begin(); client != clients_.end();) {
-      const auto next = std::next(client);
-      if ((*client)->ended) ended.splice(ended.end(), clients_, client);
-      client = next;
+  for (auto client = clients_.begin(); client != clients_.end();) {
+    const auto next = std::next(client);
+    if ((*client)->ended) {
+      (*client)->thread.join();
+      clients_.erase(client);
     }
+    client = next;
   }
-  for (const std::unique_ptr<Client>& client : ended) client->thread.join();
 }
 
-void Server::EndAll() {
+void Server::EndAll() noexcept {
   listening_ = Descriptor();
-  {
-    std::unique_lock lock(mutex_);
-    for (const std::unique_ptr<Client>& client : clients_) {
-      client->session.Stop();
-      // An idle client's thread wakes up; one that writes does so to its end, or to its time-out.
-      shutdown(client->socket.descriptor(), SHUT_RD);
-    }
-    ended_changed_.wait(lock, [this] {
-      return std::all_of(clients_.begin(), clients_.end(), [](const auto& client) { return client->ended; });
-    });
+  for (const std::unique_ptr<Client>& client : clients_) {
+    client->session.Stop();
+    // An idle client's thread wakes up; one that writes does so to its end, or to its time-out.
+    shutdown(client->socket.descriptor(), SHUT_RD);
   }
-  JoinEnded();
+  for (JoinEnded(); !clients_.empty(); JoinEnded()) {
+    pollfd wanted{wake_reading_.get(), POLLIN, 0};
+    poll(&wanted, 1, -1);
+    TakeWakes();
+  }
 }
 
 }  // namespace tessarlorn::serve

@@ -1,12 +1,9 @@
 // The server: it listens, gives each client a thread, and ends them all.
 #pragma once
 
-#include <condition_variable>
+#include <atomic>
 #include <list>
 #include <memory>
-#include <mutex>
-#include <string>
-#include <thread>
 
 #include "serve/client_session.h"
 #include "serve/socket.h"
@@ -26,24 +23,27 @@ class Server {
   [[nodiscard]] const Address& address() const noexcept { return address_; }
   /// Serves until Stop() is called, then ends all clients: running batches are cancelled and rolled back.
   void Run();
-  /// May be called from any thread, or from a signal handler.
+  /// May be called from any thread, or from a signal handler. Called again it no longer waits for clients that are slow
+  /// to read.
   void Stop() noexcept;
 
  private:
   struct Client;
   void Accept();
   void JoinEnded();
-  void EndAll();
+  void EndAll() noexcept;
+  /// Makes Run() look up from waiting.
+  void Wake() noexcept;
+  void TakeWakes() noexcept;
 
   Address address_;
   Service service_;
   Descriptor listening_;
-  Descriptor stop_reading_;
-  Descriptor stop_writing_;
+  Descriptor wake_reading_;
+  Descriptor wake_writing_;
+  std::atomic<int> stops_{0};
   Watcher watcher_;
-  std::mutex mutex_;
-  std::condition_variable ended_changed_;
-  std::list<std::unique_ptr<Client>> clients_;
+  std::list<std::unique_ptr<Client>> clients_;  // of the thread that runs Run()
 };
 
 }  // namespace tessarlorn::serve

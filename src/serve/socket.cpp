@@ -164,6 +164,13 @@ bool Socket::ReadSome(std::string& bytes, std::size_t most) {
   return true;
 }
 
+void Socket::End() noexcept {
+  shutdown(descriptor_.get(), SHUT_WR);
+  std::array<char, 16384> buffer;
+  while (recv(descriptor_.get(), buffer.data(), buffer.size(), MSG_DONTWAIT) > 0) {
+  }
+}
+
 void Socket::WriteAll(std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t size = send(descriptor_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);

@@ -52,6 +52,8 @@ class Socket final : public ByteStream {
   bool ReadSome(std::string& bytes, std::size_t most) override;
   void WriteAll(std::string_view bytes) override;
   [[nodiscard]] int descriptor() const noexcept override { return descriptor_.get(); }
+  /// Nothing more is sent, and what came is thrown away: unread, it would take from the client what was sent last.
+  void End() noexcept;
 
  private:
   void SetTimeOut(int option, std::chrono::milliseconds time);

@@ -129,6 +129,26 @@ TEST(ServerThreads, KeepsItsMemoryWhileClientsComeAndGo) {
   RecordProperty("growth", std::to_string(after) + " of " + std::to_string(before));
 }
 
+TEST(ServerThreads, WhatALeavingClientHadBegunIsRolledBackAtOnce) {
+  const ServerProcess server;
+  Client staying(server.port());
+  staying.Send(LoginMessage());
+  EXPECT_THAT(staying.Receive(), HasSubstr(Wide("main")));
+  staying.Send(BatchMessage("create table T (n int)"));
+  (void)staying.Receive();
+  {
+    Client leaving(server.port());
+    leaving.Send(LoginMessage() + BatchMessage("begin tran insert T values (1)"));
+    (void)leaving.Receive();
+    (void)leaving.Receive();
+  }
+  // It waits for the lock as long as a writer does; nobody else comes meanwhile.
+  staying.Send(BatchMessage("insert T values (2) select n + 70 n from T"));
+  const std::string answer = staying.Receive();
+  EXPECT_THAT(answer, testing::Not(HasSubstr("\xAA")));
+  EXPECT_THAT(answer, HasSubstr(std::string("\xD1\x04\x48\x00\x00\x00", 6)));
+}
+
 TEST(ServerThreads, KeepsToItsLimits) {
   const ServerProcess server(
       {"--max-connections", "2", "--login-timeout", "1", "--idle-timeout", "1", "--send-timeout", "1"});

@@ -66,16 +66,16 @@ bool Channel::TakeAttention() {
   return assembler_.TakeAttention();
 }
 
-Arrival Channel::Look() noexcept {
+Arrival Channel::Look(bool hung_up) noexcept {
   try {
     const std::scoped_lock lock(mutex_);
     if (assembler_.TakeAttention()) return Arrival::kAttention;
-    if (assembler_.waiting() > kReadSize) return Arrival::kNextMessage;
+    if (assembler_.waiting() > kReadSize) return hung_up ? Arrival::kEnd : Arrival::kFull;
     const bool open = stream_.descriptor() < 0 || stream_.ReadSome(arrived_, kReadSize);
     Feed();
     if (assembler_.TakeAttention()) return Arrival::kAttention;
     if (!open) return Arrival::kEnd;
-    return assembler_.waiting() > 0 ? Arrival::kNextMessage : Arrival::kNothing;
+    return assembler_.waiting() > kReadSize ? Arrival::kFull : Arrival::kNothing;
   } catch (const std::exception&) {
     return Arrival::kEnd;
   }

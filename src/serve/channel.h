@@ -14,8 +14,8 @@
 
 namespace tessarlorn::serve {
 
-/// What came while a batch was running.
-enum class Arrival : std::uint8_t { kNothing, kAttention, kEnd, kNextMessage };
+/// What came while a batch was running. kFull: so much of the next requests that no more is taken now.
+enum class Arrival : std::uint8_t { kNothing, kAttention, kEnd, kFull };
 
 /// Used by the client's thread, but for Look(). Raises ProtocolError.
 class Channel {
@@ -33,7 +33,8 @@ class Channel {
   /// Whether an attention came together with the request before it; it is taken out.
   bool TakeAttention();
   /// What came meanwhile; never waits. For the thread that watches running batches, while no other thread receives.
-  Arrival Look() noexcept;
+  /// @param hung_up the client will send no more
+  Arrival Look(bool hung_up) noexcept;
 
   /// Runs the handshake inside pre-login packets; from then on everything is encrypted.
   void StartTls(const TlsContext& context, std::chrono::milliseconds time);

@@ -54,13 +54,16 @@ void ClientSession::Log(const std::string& line) const {
   if (service_.log) service_.log(peer_ + ": " + line);
 }
 
-int ClientSession::watched_descriptor() const noexcept { return looking_.load() ? stream_.descriptor() : -1; }
+pollfd ClientSession::watched() const noexcept {
+  const short events = watched_events_.load();
+  return {events == 0 ? -1 : stream_.descriptor(), events, 0};
+}
 
-void ClientSession::Look() noexcept {
-  const Arrival arrival = channel_.Look();
+void ClientSession::Look(bool hung_up) noexcept {
+  const Arrival arrival = channel_.Look(hung_up);
   if (arrival == Arrival::kNothing) return;
-  looking_.store(false);
-  if (arrival == Arrival::kNextMessage) return;
+  watched_events_.store(arrival == Arrival::kFull ? POLLRDHUP : 0);
+  if (arrival == Arrival::kFull) return;
   // Whatever comes when the server ends, that is the reason.
   auto before = Interruption::kNone;
   interruption_.compare_exchange_strong(
@@ -272,7 +275,7 @@ bool ClientSession::RunText(Reply& reply, BatchSink& sink, std::string_view text
     return false;
   }
   try {
-    looking_.store(true);
+    watched_events_.store(POLLIN | POLLRDHUP);
     const BeingWatched watched(watcher_, *this);
     connection_->ExecuteAll(text, sink);
     return true;

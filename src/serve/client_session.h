@@ -46,8 +46,8 @@ class ClientSession final : public Watched {
   /// The server ends: the running batch is cancelled, and the client is told when it can be.
   void Stop() noexcept;
 
-  [[nodiscard]] int watched_descriptor() const noexcept override;
-  void Look() noexcept override;
+  [[nodiscard]] pollfd watched() const noexcept override;
+  void Look(bool hung_up) noexcept override;
   void CancelIfWanted() noexcept override;
 
  private:
@@ -78,7 +78,8 @@ class ClientSession final : public Watched {
   PreparedStatements prepared_;
   TransactionState transaction_;
   std::atomic<Interruption> interruption_{Interruption::kNone};
-  std::atomic<bool> looking_{true};
+  // What the watcher waits for, 0 when nothing.
+  std::atomic<short> watched_events_{0};
 };
 
 }  // namespace tessarlorn::serve

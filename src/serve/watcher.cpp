@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <poll.h>
 #include <utility>
 
 namespace tessarlorn::serve {
@@ -58,8 +57,8 @@ void Watcher::Run() {
     for (Watched* const client : seen) {
       if (std::find(running_.begin(), running_.end(), client) == running_.end()) continue;
       client->CancelIfWanted();
-      if (const int descriptor = client->watched_descriptor(); descriptor >= 0) {
-        wanted.push_back({descriptor, POLLIN, 0});
+      if (const pollfd events = client->watched(); events.fd >= 0) {
+        wanted.push_back(events);
         waiting.push_back(client);
       }
     }
@@ -74,7 +73,7 @@ void Watcher::Run() {
     for (std::size_t i = 0; ready > 0 && i < wanted.size(); ++i) {
       if (wanted[i].revents == 0) continue;
       if (std::find(running_.begin(), running_.end(), waiting[i]) == running_.end()) continue;
-      waiting[i]->Look();
+      waiting[i]->Look((wanted[i].revents & (POLLRDHUP | POLLHUP | POLLERR)) != 0);
       waiting[i]->CancelIfWanted();
     }
   }

@@ -3,6 +3,7 @@
 
 #include <condition_variable>
 #include <mutex>
+#include <poll.h>
 #include <thread>
 #include <vector>
 
@@ -16,10 +17,10 @@ class Watched {
   Watched& operator=(const Watched&) = delete;
   virtual ~Watched() = default;
 
-  /// -1 when there is nothing more to wait for.
-  [[nodiscard]] virtual int watched_descriptor() const noexcept = 0;
-  /// Something came.
-  virtual void Look() noexcept = 0;
+  /// Descriptor and events to wait for; a descriptor of -1 when there is nothing more to wait for.
+  [[nodiscard]] virtual pollfd watched() const noexcept = 0;
+  /// One of the events came. @param hung_up the other end is gone, or will send no more
+  virtual void Look(bool hung_up) noexcept = 0;
   /// Cancels the batch when it is to end. Called again until it has ended, since a cancel that comes before the batch
   /// has begun is lost.
   virtual void CancelIfWanted() noexcept = 0;

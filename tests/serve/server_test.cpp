@@ -78,6 +78,12 @@ std::size_t ResidentMemory(pid_t process) {
   return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
+std::size_t Count(std::string_view text, std::string_view part) {
+  std::size_t count = 0;
+  for (std::size_t at = text.find(part); at != std::string_view::npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}
+
 std::string Garbage(std::mt19937& random) {
   std::string bytes(random() % 3000, '\0');
   for (char& byte : bytes) byte = static_cast<char>(random());
@@ -147,6 +153,25 @@ TEST(ServerThreads, WhatALeavingClientHadBegunIsRolledBackAtOnce) {
   const std::string answer = staying.Receive();
   EXPECT_THAT(answer, testing::Not(HasSubstr("\xAA")));
   EXPECT_THAT(answer, HasSubstr(std::string("\xD1\x04\x48\x00\x00\x00", 6)));
+}
+
+TEST(ServerThreads, ABatchEndsWithItsClientWhateverElseTheClientSent) {
+  const ServerProcess server;
+  // Half a packet's head; more of the next request than is read meanwhile.
+  for (const std::string& more : {std::string("\x01"), BatchMessage(std::string(50'000, ' '))}) {
+    const std::size_t gone = Count(server.Log(), "the client went away");
+    {
+      Client client(server.port());
+      client.Send(LoginMessage());
+      EXPECT_THAT(client.Receive(), HasSubstr(Wide("main")));
+      client.Send(BatchMessage("declare @n int = 0; while 1 = 1 set @n = @n + 1") + more);
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    for (int i = 0; i < 1000 && Count(server.Log(), "the client went away") == gone; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_EQ(Count(server.Log(), "the client went away"), gone + 1) << more.size();
+  }
 }
 
 TEST(ServerThreads, KeepsToItsLimits) {

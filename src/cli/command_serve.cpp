@@ -19,7 +19,8 @@ namespace {
 
 constexpr const char* kFooter =
     R"(Serves the database over TDS 7.3 and 7.4, the protocol of SQL Server's clients, until Ctrl-C or SIGTERM. The first line
-of its output is "listening on ADDRESS:PORT"; port 0 is any free one. The log goes to standard error.
+of its output is "listening on ADDRESS:PORT"; port 0 is any free one. The log goes to standard error. Clients that are
+slow to read are cut off five seconds after Ctrl-C, or by a second one.
 
 Users stand in a file, with hashes of their passwords; --add-user reads a password from standard input and adds one.
 Only addresses of this machine are served unless --allow-remote is given, and then only with a certificate, or with
@@ -193,7 +194,7 @@ void AddServeCommand(CLI::App& app, CommandContext& context) {
   limit("--max-message", options->message_megabytes, 1024, "Megabytes of a batch, or of a call with its parameters");
   limit("--login-timeout", options->login_seconds, 3600, "Seconds that a login may take");
   limit("--idle-timeout", options->idle_seconds, 7 * 86'400, "Seconds that a client may be silent");
-  limit("--send-timeout", options->send_seconds, 3600, "Seconds that a client may leave an answer unread");
+  limit("--send-timeout", options->send_seconds, 3600, "Seconds that a client may take to read 64 KB of an answer");
   command->add_flag("--verbose", options->verbose, "Log logins and statements, too");
   AddConnectionOptions(*command, context);
   command->footer(kFooter);

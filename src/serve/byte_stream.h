@@ -1,11 +1,12 @@
 // The bytes between server and client: a socket, or memory in tests.
 #pragma once
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+
+#include "serve/deadline.h"
 
 namespace tessarlorn::serve {
 
@@ -18,7 +19,7 @@ class ByteStream {
 
   /// Waits until something can be read, and adds it to `bytes`, at most `most` bytes. Answers what became of it.
   enum class Read : std::uint8_t { kSome, kEnd, kTimeOut };
-  virtual Read WaitAndRead(std::string& bytes, std::size_t most, std::chrono::milliseconds time) = 0;
+  virtual Read WaitAndRead(std::string& bytes, std::size_t most, const Deadline& deadline) = 0;
   /// What can be read without waiting, added to `bytes`, at most `most` bytes. False at the end of the stream.
   virtual bool ReadSome(std::string& bytes, std::size_t most) = 0;
   /// Raises ProtocolError when the client is gone or takes nothing for too long.

@@ -19,27 +19,22 @@ void Channel::Feed() {
   arrived_.clear();
 }
 
-std::optional<Message> Channel::Receive(std::chrono::milliseconds time) {
-  const auto until = std::chrono::steady_clock::now() + time;
-  for (std::chrono::milliseconds left = time;;) {
+std::optional<Message> Channel::Receive(const Deadline& deadline) {
+  for (;;) {
     {
       const std::scoped_lock lock(mutex_);
       if (std::optional<Message> message = assembler_.Next()) return message;
     }
-    const ByteStream::Read read =
-        left.count() <= 0 ? ByteStream::Read::kTimeOut : stream_.WaitAndRead(arrived_, kReadSize, left);
+    const ByteStream::Read read = stream_.WaitAndRead(arrived_, kReadSize, deadline);
     if (read == ByteStream::Read::kTimeOut) {
-      throw ProtocolError("nothing came for " + std::to_string(time.count() / 1000) + " seconds");
+      throw ProtocolError("what was waited for did not come within " + std::to_string(deadline.time().count() / 1000) +
+                          " seconds");
     }
     const std::scoped_lock lock(mutex_);
     Feed();
     if (read == ByteStream::Read::kEnd) {
       if (assembler_.waiting() > 0) throw ProtocolError("the client ended the connection inside a message");
       return std::nullopt;
-    }
-    // A message that comes bit by bit has the same time as one that comes at once.
-    if (assembler_.waiting() > 0) {
-      left = std::chrono::duration_cast<std::chrono::milliseconds>(until - std::chrono::steady_clock::now());
     }
   }
 }
@@ -81,12 +76,14 @@ Arrival Channel::Look(bool hung_up) noexcept {
   }
 }
 
-void Channel::StartTls(const TlsContext& context, std::chrono::milliseconds time) {
+void Channel::StartTls(const TlsContext& context, const Deadline& deadline) {
   auto tls = std::make_unique<TlsStream>(context);
   for (bool done = false; !done;) {
-    const std::optional<Message> message = Receive(time);
+    const std::optional<Message> message = Receive(deadline);
     if (!message) throw ProtocolError("the client ended the connection while TLS began");
-    if (message->type != PacketType::kPreLogin) throw ProtocolError("TLS was agreed, and did not begin");
+    if (message->type != PacketType::kPreLogin || message->payload.empty()) {
+      throw ProtocolError("TLS was agreed, and did not begin");
+    }
     done = tls->Handshake(message->payload);
     const std::string answer = tls->TakeOutput();
     if (!answer.empty()) Send(answer, true, PacketType::kPreLogin);

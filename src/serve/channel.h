@@ -1,7 +1,6 @@
 // Messages from and to one client, over its bytes, encrypted when it was so agreed.
 #pragma once
 
-#include <chrono>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -26,7 +25,7 @@ class Channel {
   void set_packet_size(std::size_t size) noexcept { packet_size_ = size; }
 
   /// The next message, or nothing when the client ended the connection. Raises when it is not there in time.
-  std::optional<Message> Receive(std::chrono::milliseconds time);
+  std::optional<Message> Receive(const Deadline& deadline);
   /// Sends a part of a reply; the last part ends the message.
   void Send(std::string_view payload, bool last, PacketType type = PacketType::kReply);
 
@@ -37,7 +36,7 @@ class Channel {
   Arrival Look(bool hung_up) noexcept;
 
   /// Runs the handshake inside pre-login packets; from then on everything is encrypted.
-  void StartTls(const TlsContext& context, std::chrono::milliseconds time);
+  void StartTls(const TlsContext& context, const Deadline& deadline);
   /// What follows is not encrypted.
   void EndTls();
 

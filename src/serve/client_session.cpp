@@ -90,7 +90,7 @@ void ClientSession::Run() noexcept {
   connection_.reset();
 }
 
-bool ClientSession::AnswerPreLogin(std::string_view payload) {
+bool ClientSession::AnswerPreLogin(std::string_view payload, const Deadline& deadline) {
   const Encryption wanted = ReadPreLogin(payload);
   Encryption answer = Encryption::kNotSupported;
   if (service_.tls != nullptr) {
@@ -110,17 +110,18 @@ bool ClientSession::AnswerPreLogin(std::string_view payload) {
     }
     return false;
   }
-  channel_.StartTls(*service_.tls, service_.limits.login);
+  channel_.StartTls(*service_.tls, deadline);
   return answer == Encryption::kOff;
 }
 
 bool ClientSession::LogIn() {
+  const Deadline deadline(service_.limits.login);
   bool only_login_is_encrypted = false;
   for (bool first = true;; first = false) {
-    const std::optional<Message> message = channel_.Receive(service_.limits.login);
+    const std::optional<Message> message = channel_.Receive(deadline);
     if (!message) return false;
     if (message->type == PacketType::kPreLogin && first) {
-      only_login_is_encrypted = AnswerPreLogin(message->payload);
+      only_login_is_encrypted = AnswerPreLogin(message->payload, deadline);
       continue;
     }
     if (message->type != PacketType::kLogin7) throw ProtocolError("a request before the login");
@@ -180,7 +181,7 @@ bool ClientSession::Admit(const Login& login) {
 void ClientSession::Serve() {
   for (;;) {
     if (interruption_.load() == Interruption::kShutdown) return SayGoodbye();
-    const std::optional<Message> request = channel_.Receive(service_.limits.idle);
+    const std::optional<Message> request = channel_.Receive(Deadline(service_.limits.idle));
     if (interruption_.load() == Interruption::kShutdown) return SayGoodbye();
     if (!request) return;
     Answer(*request);

@@ -53,7 +53,7 @@ class ClientSession final : public Watched {
  private:
   /// False when the client was refused or went away.
   bool LogIn();
-  bool AnswerPreLogin(std::string_view payload);
+  bool AnswerPreLogin(std::string_view payload, const Deadline& deadline);
   bool Admit(const Login& login);
   bool Refuse(const Login& login, const ServerMessage& message, const std::string& why);
   void Serve();

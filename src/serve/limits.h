@@ -12,9 +12,9 @@ struct Limits {
   std::size_t message = std::size_t{64} << 20;
   /// From the connection to the end of the login.
   std::chrono::milliseconds login{15'000};
-  /// Between two messages.
+  /// From one answer to the end of the next message.
   std::chrono::milliseconds idle{std::chrono::hours(8)};
-  /// How long the server waits for a client that does not read.
+  /// How long a client may take to read 64 KB of an answer.
   std::chrono::milliseconds send{30'000};
 };
 

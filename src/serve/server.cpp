@@ -17,6 +17,9 @@
 namespace tessarlorn::serve {
 namespace {
 
+/// How long clients may still read when the server ends.
+constexpr std::chrono::seconds kGrace{5};
+
 std::string PeerText(const sockaddr_storage& storage, socklen_t size) {
   std::array<char, NI_MAXHOST> host{};
   std::array<char, NI_MAXSERV> port{};
@@ -130,12 +133,18 @@ void Server::EndAll() noexcept {
   listening_ = Descriptor();
   for (const std::unique_ptr<Client>& client : clients_) {
     client->session.Stop();
-    // An idle client's thread wakes up; one that writes does so to its end, or to its time-out.
+    // An idle client's thread wakes up; one that writes has a while to come to its end.
     shutdown(client->socket.descriptor(), SHUT_RD);
   }
+  const Deadline grace(kGrace);
+  bool cut_off = false;
   for (JoinEnded(); !clients_.empty(); JoinEnded()) {
+    if (!cut_off && (stops_ > 1 || grace.has_passed())) {
+      cut_off = true;
+      for (const std::unique_ptr<Client>& client : clients_) shutdown(client->socket.descriptor(), SHUT_RDWR);
+    }
     pollfd wanted{wake_reading_.get(), POLLIN, 0};
-    poll(&wanted, 1, -1);
+    poll(&wanted, 1, cut_off ? -1 : static_cast<int>(grace.left().count()));
     TakeWakes();
   }
 }

@@ -1,5 +1,6 @@
 #include "serve/socket.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <array>
 #include <cerrno>
@@ -9,7 +10,6 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/time.h>
 #include <unistd.h>
 #include <utility>
 
@@ -19,6 +19,10 @@
 
 namespace tessarlorn::serve {
 namespace {
+
+/// So much is sent within the time that a client has for reading.
+constexpr std::size_t kBlockSize = 65536;
+constexpr std::chrono::hours kLongestPoll{24};
 
 /// An address as the system takes it.
 struct SystemAddress {
@@ -117,33 +121,34 @@ Descriptor Listen(Address& address) {
   return listening;
 }
 
-Socket::Socket(Descriptor descriptor, std::chrono::milliseconds send_time_out) : descriptor_(std::move(descriptor)) {
+Socket::Socket(Descriptor descriptor, std::chrono::milliseconds send_time)
+    : descriptor_(std::move(descriptor)), send_time_(send_time) {
   const int on = 1;
   setsockopt(descriptor_.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
   setsockopt(descriptor_.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
-  SetTimeOut(SO_SNDTIMEO, send_time_out);
 }
 
-void Socket::SetTimeOut(int option, std::chrono::milliseconds time) {
-  timeval value{};
-  value.tv_sec = time.count() / 1000;
-  value.tv_usec = (time.count() % 1000) * 1000;
-  setsockopt(descriptor_.get(), SOL_SOCKET, option, &value, sizeof value);
+bool Socket::Wait(short event, const Deadline& deadline) const {
+  for (;;) {
+    const std::chrono::milliseconds left = deadline.left();
+    if (left.count() == 0) return false;
+    pollfd wanted{descriptor_.get(), event, 0};
+    const int ready =
+        poll(&wanted, 1, static_cast<int>(std::min<std::chrono::milliseconds>(left, kLongestPoll).count()));
+    if (ready > 0 || (ready < 0 && errno != EINTR)) return true;
+  }
 }
 
-ByteStream::Read Socket::WaitAndRead(std::string& bytes, std::size_t most, std::chrono::milliseconds time) {
-  // One call of the system for most requests: the time-out stays from one to the next.
-  if (receive_time_out_ != time) SetTimeOut(SO_RCVTIMEO, receive_time_out_ = time);
+ByteStream::Read Socket::WaitAndRead(std::string& bytes, std::size_t most, const Deadline& deadline) {
   std::array<char, 16384> buffer;
   for (;;) {
-    const ssize_t size = recv(descriptor_.get(), buffer.data(), std::min(most, buffer.size()), 0);
+    if (!Wait(POLLIN, deadline)) return Read::kTimeOut;
+    const ssize_t size = recv(descriptor_.get(), buffer.data(), std::min(most, buffer.size()), MSG_DONTWAIT);
     if (size > 0) {
       bytes.append(buffer.data(), static_cast<std::size_t>(size));
       return Read::kSome;
     }
-    if (size == 0) return Read::kEnd;
-    if (errno == EAGAIN || errno == EWOULDBLOCK) return Read::kTimeOut;
-    if (errno != EINTR) return Read::kEnd;
+    if (size == 0 || (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)) return Read::kEnd;
   }
 }
 
@@ -173,11 +178,19 @@ void Socket::End() noexcept {
 
 void Socket::WriteAll(std::string_view bytes) {
   while (!bytes.empty()) {
-    const ssize_t size = send(descriptor_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    WriteBlock(bytes.substr(0, kBlockSize));
+    bytes.remove_prefix(std::min(bytes.size(), kBlockSize));
+  }
+}
+
+void Socket::WriteBlock(std::string_view bytes) {
+  const Deadline deadline(send_time_);
+  while (!bytes.empty()) {
+    const ssize_t size = send(descriptor_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
     if (size >= 0) {
       bytes.remove_prefix(static_cast<std::size_t>(size));
     } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
-      throw ProtocolError("the client does not read what it asked for");
+      if (!Wait(POLLOUT, deadline)) throw ProtocolError("the client does not read what it asked for");
     } else if (errno != EINTR) {
       throw ProtocolError(std::string("the client is gone: ") + std::strerror(errno));
     }

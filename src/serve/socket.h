@@ -45,10 +45,10 @@ Descriptor Listen(Address& address);
 /// A client's socket.
 class Socket final : public ByteStream {
  public:
-  /// @param send_time_out how long a write may wait for the client to read
-  Socket(Descriptor descriptor, std::chrono::milliseconds send_time_out);
+  /// @param send_time how long the client may take to read a block of 64 KB
+  Socket(Descriptor descriptor, std::chrono::milliseconds send_time);
 
-  Read WaitAndRead(std::string& bytes, std::size_t most, std::chrono::milliseconds time) override;
+  Read WaitAndRead(std::string& bytes, std::size_t most, const Deadline& deadline) override;
   bool ReadSome(std::string& bytes, std::size_t most) override;
   void WriteAll(std::string_view bytes) override;
   [[nodiscard]] int descriptor() const noexcept override { return descriptor_.get(); }
@@ -56,10 +56,12 @@ class Socket final : public ByteStream {
   void End() noexcept;
 
  private:
-  void SetTimeOut(int option, std::chrono::milliseconds time);
+  /// Whether the event came before the deadline.
+  [[nodiscard]] bool Wait(short event, const Deadline& deadline) const;
+  void WriteBlock(std::string_view bytes);
 
   Descriptor descriptor_;
-  std::chrono::milliseconds receive_time_out_{0};
+  std::chrono::milliseconds send_time_;
 };
 
 }  // namespace tessarlorn::serve

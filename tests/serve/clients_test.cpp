@@ -145,18 +145,7 @@ TEST_F(ClientsTest, CtrlCEndsTheServerAndTellsItsClients) {
 
 class EncryptedClientsTest : public ClientsTest {
  protected:
-  EncryptedClientsTest() : ClientsTest({"--certificate", Certificate() + ".crt", "--key", Certificate() + ".key"}) {}
-
-  static const std::string& Certificate() {
-    static const std::string name = [] {
-      const std::string file = testing::TempDir() + "serve_" + std::to_string(getpid());
-      const Outcome made = RunLine("openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=localhost -keyout '" +
-                                   file + ".key' -out '" + file + ".crt'");
-      EXPECT_EQ(made.status, 0) << made.text;
-      return file;
-    }();
-    return name;
-  }
+  EncryptedClientsTest() : ClientsTest(CertificateOptions()) {}
 };
 
 TEST_F(EncryptedClientsTest, EncryptTheLoginOrAll) {

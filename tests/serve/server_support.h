@@ -40,6 +40,18 @@ inline Outcome RunLine(const std::string& line) {
   return outcome;
 }
 
+/// The words that give the server a certificate, one for the whole run of the tests.
+inline std::vector<std::string> CertificateOptions() {
+  static const std::string name = [] {
+    const std::string file = testing::TempDir() + "serve_" + std::to_string(getpid());
+    const Outcome made = RunLine("openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=localhost -keyout '" +
+                                 file + ".key' -out '" + file + ".crt'");
+    EXPECT_EQ(made.status, 0) << made.text;
+    return file;
+  }();
+  return {"--certificate", name + ".crt", "--key", name + ".key"};
+}
+
 /// Listens on a free port of this machine for user ann, password s3cret. Ends with the object.
 class ServerProcess {
  public:

@@ -179,7 +179,7 @@ TEST(ServerThreads, KeepsToItsLimits) {
       {"--max-connections", "2", "--login-timeout", "1", "--idle-timeout", "1", "--send-timeout", "1"});
   const Client silent(server.port());
   EXPECT_TRUE(silent.IsEnded());
-  EXPECT_TRUE(server.WaitForLog("dropped: nothing came for 1 seconds"));
+  EXPECT_TRUE(server.WaitForLog("did not come within 1 seconds"));
   {
     Client first(server.port());
     first.Send(LoginMessage());
@@ -198,6 +198,37 @@ TEST(ServerThreads, KeepsToItsLimits) {
       BatchMessage("declare @t nvarchar(max) = replicate(cast('x' as nvarchar(max)), 8000) "
                    "select @t a from IC_Web2ERPOrders x cross join IC_Web2ERPOrders y"));
   EXPECT_TRUE(server.WaitForLog("the client does not read what it asked for"));
+}
+
+TEST(ServerThreads, ALoginHasOneTimeHoweverItComes) {
+  std::vector<std::string> options = CertificateOptions();
+  options.insert(options.end(), {"--login-timeout", "1"});
+  const ServerProcess server(options);
+  Client empty(server.port());
+  empty.Send(PreLoginMessage(1) + ClientMessage(PacketType::kPreLogin, ""));
+  EXPECT_TRUE(empty.IsEnded());
+  EXPECT_TRUE(server.WaitForLog("TLS was agreed, and did not begin"));
+  // A handshake of half a thousand bytes, one at a time.
+  Client slow(server.port());
+  slow.Send(PreLoginMessage(1) + ClientMessage(PacketType::kPreLogin, std::string("\x16\x03\x01\x02\x00", 5)));
+  for (int i = 0; i < 100 && Count(server.Log(), "did not come within 1 seconds") == 0; ++i) {
+    slow.Send(ClientMessage(PacketType::kPreLogin, "\x01"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  }
+  EXPECT_TRUE(slow.IsEnded());
+  EXPECT_THAT(server.Log(), HasSubstr("did not come within 1 seconds"));
+}
+
+TEST(ServerThreads, AClientThatDoesNotReadKeepsNoServer) {
+  ServerProcess server({"--send-timeout", "3600"});
+  Client slow(server.port());
+  slow.Send(LoginMessage() + BatchMessage("declare @t nvarchar(max) = replicate(cast('x' as nvarchar(max)), 30000000)\n"
+                                          "print 'made'\nselect @t a"));
+  EXPECT_THAT(slow.Receive(), HasSubstr(Wide("main")));
+  std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  kill(server.process(), SIGINT);
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  EXPECT_EQ(server.Stop(SIGINT), 0);
 }
 
 TEST(ServerThreads, AnAttentionEndsTheBatchAndKeepsTheSession) {

@@ -16,7 +16,7 @@ class MemoryStream final : public ByteStream {
  public:
   explicit MemoryStream(std::string input) : input_(std::move(input)) {}
 
-  Read WaitAndRead(std::string& bytes, std::size_t most, std::chrono::milliseconds) override {
+  Read WaitAndRead(std::string& bytes, std::size_t most, const Deadline&) override {
     if (position_ == input_.size()) return Read::kEnd;
     ReadSome(bytes, most);
     return Read::kSome;

@@ -31,6 +31,7 @@ TdsWriter& Reply::Tokens() {
     PutDone(*pending_);
     pending_.reset();
   }
+  SendIfLarge();
   return writer_;
 }
 
@@ -81,7 +82,6 @@ void Reply::Message(std::string_view text, const NativeError& about) {
   // It belongs to the error before it, and so stands before the end of that statement.
   TdsWriter& tokens = about.number == kStatementTerminated ? writer_ : Tokens();
   tokens.Put(ToMessage(text, about));
-  SendIfLarge();
 }
 
 bool Reply::StatementFailed(const Error& error) {

@@ -38,7 +38,7 @@ class Reply : public BatchSink {
 
   /// An error that ends the request.
   void Fail(const Error& error);
-  /// For further tokens, behind all results so far.
+  /// For further tokens, behind all results so far. What there is of them is sent when it is much.
   TdsWriter& Tokens();
   /// Ends a batch.
   void Finish();

@@ -126,6 +126,9 @@ Socket::Socket(Descriptor descriptor, std::chrono::milliseconds send_time)
   const int on = 1;
   setsockopt(descriptor_.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
   setsockopt(descriptor_.get(), SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
+  // Otherwise the system says only after megabytes that the client reads.
+  const int unsent = kBlockSize;
+  setsockopt(descriptor_.get(), IPPROTO_TCP, TCP_NOTSENT_LOWAT, &unsent, sizeof unsent);
 }
 
 bool Socket::Wait(short event, const Deadline& deadline) const {

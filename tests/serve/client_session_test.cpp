@@ -180,6 +180,15 @@ TEST_F(ClientSessionTest, SendsALongResultWhileItIsRead) {
   EXPECT_LT(error, broken.find(Wide("Behind")));
 }
 
+TEST_F(ClientSessionTest, SendsALongAnswerWithoutRowsWhileItIsMade) {
+  MemoryStream stream(LoginMessage() +
+                      BatchMessage("declare @n int = 0\nwhile @n < 2000 begin select 1 / 0 set @n = @n + 1 end"));
+  ClientSession session(stream, service_, "peer", nullptr);
+  session.Run();
+  EXPECT_GT(stream.output().size(), 200'000U);
+  EXPECT_LT(stream.largest_write(), 70'000U);
+}
+
 TEST_F(ClientSessionTest, ShowsTransactionsToItsClient) {
   TdsWriter begin;
   WriteHeaders(begin);

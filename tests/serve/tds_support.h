@@ -27,13 +27,18 @@ class MemoryStream final : public ByteStream {
     position_ += size;
     return position_ < input_.size();
   }
-  void WriteAll(std::string_view bytes) override { output_ += bytes; }
+  void WriteAll(std::string_view bytes) override {
+    output_ += bytes;
+    largest_write_ = std::max(largest_write_, bytes.size());
+  }
   [[nodiscard]] const std::string& output() const { return output_; }
+  [[nodiscard]] std::size_t largest_write() const { return largest_write_; }
 
  private:
   std::string input_;
   std::size_t position_ = 0;
   std::string output_;
+  std::size_t largest_write_ = 0;
 };
 
 /// A whole message of packets of the default size. `status` joins that of its first packet.

@@ -34,6 +34,9 @@ struct WireType {
               std::string("Parameters of the type ") + name + " are not supported.", {40000, "0A000"});
 }
 
+/// The bytes of a value have the right length, and mean nothing.
+struct NoValueOfItsType {};
+
 WireType ReadType(TdsReader& reader) {
   WireType type;
   type.code = static_cast<TypeCode>(reader.U8());
@@ -127,6 +130,10 @@ bool IsUtf16(TypeCode code) {
 }
 bool IsText(TypeCode code) {
   return IsUtf16(code) || code == TypeCode::kBigVarChar || code == TypeCode::kBigChar || code == TypeCode::kText;
+}
+bool IsInteger(TypeCode code) {
+  return code == TypeCode::kInt1 || code == TypeCode::kInt2 || code == TypeCode::kInt4 || code == TypeCode::kInt8 ||
+         code == TypeCode::kIntN;
 }
 bool IsBinary(TypeCode code) {
   return code == TypeCode::kBigVarBinary || code == TypeCode::kBigBinary || code == TypeCode::kImage;
@@ -254,11 +261,11 @@ std::string FloatLiteral(const std::string& bytes) {
   char* end = nullptr;
   if (bytes.size() == 4) {
     const auto value = std::bit_cast<float>(static_cast<std::uint32_t>(bits));
-    if (!std::isfinite(value)) throw ProtocolError("a float is no number");
+    if (!std::isfinite(value)) throw NoValueOfItsType();
     end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific).ptr;
   } else {
     const auto value = std::bit_cast<double>(bits);
-    if (!std::isfinite(value)) throw ProtocolError("a float is no number");
+    if (!std::isfinite(value)) throw NoValueOfItsType();
     end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific).ptr;
   }
   return {text.data(), end};
@@ -271,7 +278,7 @@ std::string DecimalLiteral(const std::string& bytes, int scale) {
   Decimal::Limbs limbs{};
   for (std::size_t i = 0; i < bytes.size() / 4; ++i) limbs[i] = reader.U32();
   const std::optional<Decimal> value = Decimal::FromLimbs(limbs, scale, negative);
-  if (!value) throw ProtocolError("a decimal has more than 38 digits");
+  if (!value) throw NoValueOfItsType();
   return value->ToString();
 }
 
@@ -292,7 +299,7 @@ std::string MoneyLiteral(const std::string& bytes) {
 std::string DateTimeText(std::int64_t days_since_1900, std::int64_t milliseconds) {
   const DateTime value(days_since_1900 * kMillisecondsOfDay + milliseconds);
   const CivilTime civil = value.ToCivil();
-  if (civil.year < 1 || civil.year > 9999) throw ProtocolError("a date is out of range");
+  if (civil.year < 1 || civil.year > 9999) throw NoValueOfItsType();
   return value.ToString(true);
 }
 
@@ -304,7 +311,7 @@ std::int64_t TimeOf(const std::string& bytes, std::size_t size, int scale) {
   std::int64_t divisor = 1;
   for (; scale > 3; --scale) divisor *= 10;
   units = (units + divisor / 2) / divisor;
-  if (units < 0 || units > kMillisecondsOfDay) throw ProtocolError("a time is out of range");
+  if (units < 0 || units > kMillisecondsOfDay) throw NoValueOfItsType();
   return std::min(units, kMillisecondsOfDay - 1);
 }
 
@@ -332,12 +339,12 @@ std::string DateLiteral(const std::string& bytes, const WireType& type) {
   if (bytes.size() == 4) {
     const std::int64_t day = reader.U16();
     const std::int64_t minute = reader.U16();
-    if (minute >= 1440) throw ProtocolError("a time is out of range");
+    if (minute >= 1440) throw NoValueOfItsType();
     return "'" + DateTimeText(day, minute * 60'000) + "'";
   }
   const auto day = static_cast<std::int32_t>(reader.U32());
   const std::int64_t ticks = reader.U32();
-  if (ticks >= kMillisecondsOfDay * 3 / 10) throw ProtocolError("a time is out of range");
+  if (ticks >= kMillisecondsOfDay * 3 / 10) throw NoValueOfItsType();
   return "'" + DateTimeText(day, (ticks * 10 + 1) / 3) + "'";
 }
 
@@ -407,6 +414,30 @@ std::string DeclarationOf(const WireType& type) {
   }
 }
 
+/// Of what is neither text nor binary.
+std::string LiteralOf(const WireType& type, const std::string& value) {
+  switch (type.code) {
+    case TypeCode::kBit:
+    case TypeCode::kBitN:
+      return IntegerOf(value) != 0 ? "1" : "0";
+    case TypeCode::kFloat4:
+    case TypeCode::kFloat8:
+    case TypeCode::kFloatN:
+      return FloatLiteral(value);
+    case TypeCode::kDecimalN:
+    case TypeCode::kNumericN:
+      return DecimalLiteral(value, type.scale);
+    case TypeCode::kMoney:
+    case TypeCode::kMoney4:
+    case TypeCode::kMoneyN:
+      return MoneyLiteral(value);
+    case TypeCode::kGuid:
+      return GuidLiteral(value);
+    default:
+      return IsInteger(type.code) ? std::to_string(IntegerOf(value)) : DateLiteral(value, type);
+  }
+}
+
 }  // namespace
 
 std::string TextLiteral(std::string_view text) { return "N'" + ReplaceAll(text, "'", "''") + "'"; }
@@ -435,40 +466,15 @@ Parameter ReadParameter(TdsReader& reader) {
     parameter.literal = "0x" + HexText(value->data(), value->size());
     return parameter;
   }
-  switch (type.code) {
-    case TypeCode::kBit:
-    case TypeCode::kBitN:
-      parameter.literal = IntegerOf(*value) != 0 ? "1" : "0";
-      break;
-    case TypeCode::kInt1:
-    case TypeCode::kInt2:
-    case TypeCode::kInt4:
-    case TypeCode::kInt8:
-    case TypeCode::kIntN:
-      parameter.number = IntegerOf(*value);
-      parameter.literal = std::to_string(*parameter.number);
-      break;
-    case TypeCode::kFloat4:
-    case TypeCode::kFloat8:
-    case TypeCode::kFloatN:
-      parameter.literal = FloatLiteral(*value);
-      break;
-    case TypeCode::kDecimalN:
-    case TypeCode::kNumericN:
-      parameter.literal = DecimalLiteral(*value, type.scale);
-      break;
-    case TypeCode::kMoney:
-    case TypeCode::kMoney4:
-    case TypeCode::kMoneyN:
-      parameter.literal = MoneyLiteral(*value);
-      break;
-    case TypeCode::kGuid:
-      parameter.literal = GuidLiteral(*value);
-      break;
-    default:
-      parameter.literal = DateLiteral(*value, type);
-      break;
+  try {
+    parameter.literal = LiteralOf(type, *value);
+  } catch (const NoValueOfItsType&) {
+    throw Error(error_number::kDataOverflow, kServerName,
+                "Parameter (\"" + parameter.name + "\"): The supplied value is not a valid instance of data type " +
+                    parameter.type + ". Check the source data for invalid values.",
+                {8023, "42000"});
   }
+  if (IsInteger(type.code)) parameter.number = IntegerOf(*value);
   return parameter;
 }
 

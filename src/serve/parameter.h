@@ -24,8 +24,9 @@ struct Parameter {
   std::optional<std::int64_t> number;
 };
 
-/// Reads name, flags, type and value. Raises ProtocolError for malformed ones, and Error 40000 for types that the
-/// database does not have: tables, XML, datetimeoffset, variants and users' own.
+/// Reads name, flags, type and value. Raises ProtocolError for malformed ones, Error 8023 for a value that its
+/// type does not have (a float that is no number, a date out of range), and Error 40000 for types that the database
+/// does not have: tables, XML, datetimeoffset, variants and users' own.
 Parameter ReadParameter(TdsReader& reader);
 
 /// N'…' with the quotes inside doubled.

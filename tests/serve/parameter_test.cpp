@@ -116,10 +116,17 @@ TEST(Parameter, NoCutValueIsRead) {
 
 TEST(Parameter, RefusesWhatCannotBe) {
   for (const char* digits :
-       {"26 04 03 D6FFFF", "6A 05 27 00 00", "6A 05 09 0A 00", "6A 11 26 00 11 01 FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF",
-        "6D 08 08 000000000000F07F", "28 03 FFFFFF", "29 08 00", "29 07 05 FFFFFFFFFF", "6F 08 08 00000000 FFFFFFFF",
-        "E7 1400 0408D02400 0100 69", "77"}) {
+       {"26 04 03 D6FFFF", "6A 05 27 00 00", "6A 05 09 0A 00", "29 08 00", "E7 1400 0408D02400 0100 69", "77"}) {
     EXPECT_THROW(Read(Hex(digits)), ProtocolError) << digits;
+  }
+  for (const char* digits : {"6A 11 26 00 11 01 FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF", "6D 08 08 000000000000F07F",
+                             "28 03 FFFFFF", "29 07 05 FFFFFFFFFF", "6F 08 08 00000000 FFFFFFFF"}) {
+    try {
+      Read(Hex(digits));
+      ADD_FAILURE() << digits;
+    } catch (const Error& error) {
+      EXPECT_EQ(error.native().number, 8023) << digits;
+    }
   }
   for (const char* digits : {"62 00000000", "F1 00", "F3 00", "2B 07 00"})
     EXPECT_THROW(Read(Hex(digits)), Error) << digits;

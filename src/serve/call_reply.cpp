@@ -6,17 +6,30 @@
 
 namespace tessarlorn::serve {
 
+Reply& CallReply::Next() {
+  if (outputs_ != nullptr) reply_.Rows(std::exchange(outputs_, nullptr));
+  return reply_;
+}
+
 void CallReply::Rows(RecordsetPtr rows) {
-  if (text_.has_result && !rows->fields().empty() && rows->fields()[0].name == kOutputColumn) {
+  Reply& reply = Next();
+  const bool was_begun = std::exchange(in_parts_, false);
+  if (!was_begun && text_.has_result && !rows->fields().empty() && rows->fields()[0].name == kOutputColumn) {
     outputs_ = std::move(rows);
-    return;
+  } else {
+    reply.Rows(std::move(rows));
   }
-  reply_.Rows(std::move(rows));
+}
+
+void CallReply::PartOfRows(Recordset& rows) {
+  Next().PartOfRows(rows);
+  in_parts_ = true;
 }
 
 bool CallReply::StatementFailed(const Error& error) {
+  in_parts_ = false;
   failed_ = true;
-  return reply_.StatementFailed(error);
+  return Next().StatementFailed(error);
 }
 
 void CallReply::WriteOutputHead(const Parameter& parameter, std::size_t ordinal) {

@@ -14,6 +14,10 @@ ServerMessage LoginError(std::int32_t number, std::uint8_t severity, std::string
   return {number, 1, severity, 1, std::move(text)};
 }
 
+[[noreturn]] void RaiseRequest(const std::string& text) {
+  throw Error(error_number::kNotSupported, kServerName, text, {40000, "0A000"});
+}
+
 /// The text of a request without line ends, for the log.
 std::string OnOneLine(std::string_view text) {
   constexpr std::size_t kShown = 2000;
@@ -120,6 +124,7 @@ bool ClientSession::LogIn() {
   for (bool first = true;; first = false) {
     const std::optional<Message> message = channel_.Receive(deadline);
     if (!message) return false;
+    if (message->fate != Fate::kWhole) throw ProtocolError("a message before the login is too long, or was taken back");
     if (message->type == PacketType::kPreLogin && first) {
       only_login_is_encrypted = AnswerPreLogin(message->payload, deadline);
       continue;
@@ -168,6 +173,7 @@ bool ClientSession::Admit(const Login& login) {
   } catch (const Error& error) {
     return Refuse(login, LoginError(4060, 11, error.what()), error.what());
   }
+  knows_null_maps_ = login.version >= kTds73b;
   TdsWriter writer;
   WriteLoginAnswer(writer, login);
   writer.Put(Done{});
@@ -199,22 +205,26 @@ void ClientSession::SayGoodbye() {
   channel_.Send(writer.bytes(), true);
 }
 
-bool ClientSession::ResetConnection(const Message& request) {
-  const bool keep = (request.status & kResetKeepingTransaction) != 0;
-  if (!keep && (request.status & kResetConnection) == 0) return false;
-  if (keep && transaction_.open != 0) return true;
+void ClientSession::ResetConnection() {
   transaction_.open = 0;
   prepared_.Clear();
   if (!connection_->Reset()) connection_ = OpenConnection(service_.database_string);
-  return true;
 }
 
 void ClientSession::Answer(const Message& request) {
   const bool call = request.type == PacketType::kRpc;
-  Reply reply(channel_, transaction_, interruption_, call ? Token::kDoneInProcedure : Token::kDone);
-  const bool reset = ResetConnection(request);
-  if (reset) reply.Tokens().PutEnvironmentBytes(Environment::kResetAcknowledged, "", "");
+  Reply reply(channel_, transaction_, interruption_, call ? Token::kDoneInProcedure : Token::kDone, knows_null_maps_);
+  const bool keeps_transaction = (request.status & kResetKeepingTransaction) != 0 && transaction_.open != 0;
+  if (!keeps_transaction && (request.status & (kResetConnection | kResetKeepingTransaction)) != 0) {
+    ResetConnection();
+    reply.Tokens().PutEnvironmentBytes(Environment::kResetAcknowledged, "", "");
+  }
   try {
+    if (request.fate == Fate::kTakenBack) return reply.FinishBroken();
+    if (request.fate == Fate::kTooLong) {
+      RaiseRequest("The request has more than " + std::to_string(service_.limits.message) + " bytes.");
+    }
+    if (keeps_transaction) RaiseRequest("A connection is not reset while its transaction goes on.");
     switch (request.type) {
       case PacketType::kSqlBatch:
         AnswerBatch(reply, request.payload);
@@ -231,6 +241,7 @@ void ClientSession::Answer(const Message& request) {
     }
   } catch (const Error& error) {
     reply.Fail(error);
+    if (call) return reply.FinishCall(true);
   }
   if (!EndInterrupted(reply)) reply.Finish();
 }
@@ -246,30 +257,38 @@ bool ClientSession::EndInterrupted(Reply& reply) {
 }
 
 void ClientSession::AnswerCalls(Reply& reply, std::string_view payload) {
-  std::vector<Call> calls;
-  try {
-    TdsReader reader(payload);
-    SkipHeaders(reader);
-    calls = ReadCalls(reader);
-  } catch (const Error& error) {
-    reply.Fail(error);
-    return reply.FinishCall(true);
-  }
-  for (std::size_t i = 0; i < calls.size(); ++i) {
+  TdsReader reader(payload);
+  SkipHeaders(reader);
+  CallReader calls(reader);
+  for (bool last = false; !last;) {
+    if (EndInterrupted(reply)) return;
+    // What cannot be read hides what follows.
+    last = true;
     try {
-      const CallText text = MakeCallText(calls[i], prepared_);
-      CallReply call_reply(reply, calls[i], text);
-      const bool done = text.text.empty() || RunText(reply, call_reply, text.text);
-      if (EndInterrupted(reply)) return;
-      if (done) call_reply.WriteEnd();
+      const Call call = calls.Next();
+      last = calls.at_end();
+      if (!call.is_unwanted && !AnswerCall(reply, call)) return;
     } catch (const Error& error) {
       reply.Fail(error);
     }
-    reply.FinishCall(i + 1 == calls.size());
+    reply.FinishCall(last);
   }
 }
 
-bool ClientSession::RunText(Reply& reply, BatchSink& sink, std::string_view text) {
+bool ClientSession::AnswerCall(Reply& reply, const Call& call) {
+  CallText text = MakeCallText(call, prepared_);
+  CallReply call_reply(reply, call, text);
+  const bool done = text.text.empty() || RunText(call_reply, text.text);
+  const bool broken_off = EndInterrupted(reply);
+  if (text.handle && (broken_off || !done || call_reply.failed())) {
+    prepared_.Remove(*text.handle);
+    text.handle.reset();
+  }
+  if (done && !broken_off) call_reply.WriteEnd();
+  return !broken_off;
+}
+
+bool ClientSession::RunText(BatchSink& sink, std::string_view text) {
   if (service_.verbose) Log(OnOneLine(text));
   if (channel_.TakeAttention()) {
     interruption_.store(Interruption::kAttention);
@@ -281,7 +300,7 @@ bool ClientSession::RunText(Reply& reply, BatchSink& sink, std::string_view text
     connection_->ExecuteAll(text, sink);
     return true;
   } catch (const Error& error) {
-    if (interruption_.load() == Interruption::kNone) reply.Fail(error);
+    if (interruption_.load() == Interruption::kNone) sink.StatementFailed(error);
     return false;
   }
 }
@@ -289,13 +308,13 @@ bool ClientSession::RunText(Reply& reply, BatchSink& sink, std::string_view text
 void ClientSession::AnswerBatch(Reply& reply, std::string_view payload) {
   TdsReader reader(payload);
   SkipHeaders(reader);
-  RunText(reply, reply, TextOfUtf16Bytes(reader.Bytes(reader.left())));
+  RunText(reply, TextOfUtf16Bytes(reader.Bytes(reader.left())));
 }
 
 void ClientSession::AnswerTransaction(Reply& reply, std::string_view payload) {
   TdsReader reader(payload);
   SkipHeaders(reader);
-  RunText(reply, reply, TransactionRequestText(reader));
+  RunText(reply, TransactionRequestText(reader));
 }
 
 }  // namespace tessarlorn::serve

@@ -60,10 +60,12 @@ class ClientSession final : public Watched {
   void Answer(const Message& request);
   void AnswerBatch(Reply& reply, std::string_view payload);
   void AnswerCalls(Reply& reply, std::string_view payload);
+  /// False when the request was broken off.
+  bool AnswerCall(Reply& reply, const Call& call);
   void AnswerTransaction(Reply& reply, std::string_view payload);
-  bool ResetConnection(const Message& request);
-  /// Runs a text; its failure stands in the reply.
-  bool RunText(Reply& reply, BatchSink& sink, std::string_view text);
+  void ResetConnection();
+  /// Runs a text; its failure is the sink's, too.
+  bool RunText(BatchSink& sink, std::string_view text);
   /// Whether the request was broken off; an attention is answered.
   bool EndInterrupted(Reply& reply);
   void SayGoodbye();
@@ -77,6 +79,8 @@ class ClientSession final : public Watched {
   std::unique_ptr<Connection> connection_;
   PreparedStatements prepared_;
   TransactionState transaction_;
+  // The client knows rows with a map of their nulls.
+  bool knows_null_maps_ = true;
   std::atomic<Interruption> interruption_{Interruption::kNone};
   // What the watcher waits for, 0 when nothing.
   std::atomic<short> watched_events_{0};

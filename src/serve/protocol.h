@@ -32,6 +32,8 @@ inline constexpr std::uint8_t kResetKeepingTransaction = 0x10;
 
 inline constexpr std::size_t kPacketHeaderSize = 8;
 inline constexpr std::uint32_t kTds73 = 0x730A0003;
+/// Rows with a map of their nulls came with it.
+inline constexpr std::uint32_t kTds73b = 0x730B0003;
 inline constexpr std::uint32_t kTds74 = 0x74000004;
 
 /// The sizes of packets that a client may ask for; without its asking it is the default.

@@ -60,7 +60,7 @@ void Reply::WriteRows(Recordset& rows, bool more) {
     if (interruption_.load(std::memory_order_relaxed) != Interruption::kNone) {
       Raise(error_number::kCancelled, "The statement was cancelled.");
     }
-    row_writer_->WriteRow(writer_, rows);
+    row_writer_->WriteRow(writer_, rows, null_maps_);
     SendIfLarge();
   }
 }

@@ -12,9 +12,12 @@ namespace {
 
 constexpr std::uint16_t kByNumber = 0xFFFF;
 constexpr std::uint8_t kNextCall = 0xFF;
-constexpr std::uint8_t kNextCallUnrun = 0xFE;
+constexpr std::uint8_t kNextCallUnwanted = 0xFE;
 constexpr std::size_t kMostParameters = 2100;
+constexpr std::size_t kMostCalls = 65'536;
 constexpr std::size_t kMostPrepared = 10'000;
+/// Of the texts of all statements that a client has prepared.
+constexpr std::size_t kMostPreparedBytes = std::size_t{32} << 20;
 
 [[noreturn]] void RaiseCall(std::int32_t number, const std::string& text) {
   throw Error(error_number::kStatementError, kServerName, text, {number, "42000"});
@@ -54,7 +57,7 @@ Call ReadCall(TdsReader& reader) {
     call.procedure = Find(call.name);
   }
   reader.U16();  // options: nothing here depends on them
-  while (!reader.at_end() && reader.Peek() != kNextCall && reader.Peek() != kNextCallUnrun) {
+  while (!reader.at_end() && reader.Peek() != kNextCall && reader.Peek() != kNextCallUnwanted) {
     if (call.parameters.size() == kMostParameters) {
       RaiseCall(8003, "The incoming request has too many parameters. The server supports a maximum of 2100.");
     }
@@ -164,6 +167,8 @@ class CallWriter {
   std::string columns_;
 };
 
+std::size_t BytesOf(const Prepared& prepared) { return prepared.statement.size() + prepared.declarations.size(); }
+
 /// Runs a statement with the parameters from `first` on.
 CallText ExecutionText(const Call& call, const Prepared& prepared, std::size_t first) {
   if (prepared.declarations.empty() && first >= call.parameters.size()) {
@@ -175,19 +180,22 @@ CallText ExecutionText(const Call& call, const Prepared& prepared, std::size_t f
 
 }  // namespace
 
-std::vector<Call> ReadCalls(TdsReader& reader) {
-  std::vector<Call> calls;
-  for (;;) {
-    calls.push_back(ReadCall(reader));
-    if (reader.at_end()) return calls;
-    reader.U8();
-    if (reader.at_end()) return calls;
-  }
+Call CallReader::Next() {
+  if (++read_ > kMostCalls) RaiseCall(40000, "A request has more than " + std::to_string(kMostCalls) + " calls.");
+  Call call = ReadCall(reader_);
+  call.is_unwanted = next_is_unwanted_;
+  if (!reader_.at_end()) next_is_unwanted_ = reader_.U8() == kNextCallUnwanted;
+  at_end_ = reader_.at_end();
+  return call;
 }
 
 std::int32_t PreparedStatements::Add(Prepared prepared) {
-  if (prepared_.size() >= kMostPrepared) RaiseCall(8180, "Statement(s) could not be prepared: there are too many.");
+  const std::size_t bytes = BytesOf(prepared);
+  if (prepared_.size() >= kMostPrepared || bytes > kMostPreparedBytes - bytes_) {
+    RaiseCall(8180, "Statement(s) could not be prepared: the session has prepared too many, or too long ones.");
+  }
   prepared_.emplace(++last_, std::move(prepared));
+  bytes_ += bytes;
   return last_;
 }
 
@@ -200,8 +208,13 @@ const Prepared& PreparedStatements::Get(std::int64_t handle) const {
 }
 
 void PreparedStatements::Remove(std::int64_t handle) {
-  if (prepared_.erase(handle) > 0) return;
-  RaiseCall(8179, "Could not find prepared statement with handle " + std::to_string(handle) + ".");
+  bytes_ -= BytesOf(Get(handle));
+  prepared_.erase(handle);
+}
+
+void PreparedStatements::Clear() noexcept {
+  prepared_.clear();
+  bytes_ = 0;
 }
 
 CallText MakeCallText(const Call& call, PreparedStatements& prepared) {

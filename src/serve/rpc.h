@@ -26,11 +26,28 @@ struct Call {
   /// As the client wrote it, when it is none of the known.
   std::string name;
   std::vector<Parameter> parameters;
+  /// The client sent it, and does not want it run.
+  bool is_unwanted = false;
 };
 
-/// The calls of a request, whose headers were read. Raises what ReadParameter raises, and Error 2812 for a procedure
-/// number that is not supported.
-std::vector<Call> ReadCalls(TdsReader& reader);
+/// Reads the calls of a request one by one: a small request can hold many.
+class CallReader {
+ public:
+  /// @param reader stands behind the request's headers, and lives as long as this
+  explicit CallReader(TdsReader& reader) : reader_(reader) {}
+
+  /// False while there is a call to read. A request has one at least.
+  [[nodiscard]] bool at_end() const noexcept { return at_end_; }
+  /// The next call. Raises what ReadParameter raises, Error 2812 for a procedure number that is not supported, and
+  /// Error 40000 when there are too many calls; nothing can be read behind an error.
+  Call Next();
+
+ private:
+  TdsReader& reader_;
+  std::size_t read_ = 0;
+  bool at_end_ = false;
+  bool next_is_unwanted_ = false;
+};
 
 /// A statement that a client prepared.
 struct Prepared {
@@ -41,15 +58,16 @@ struct Prepared {
 /// The statements that a client has prepared, by their handles.
 class PreparedStatements {
  public:
-  /// Raises Error 8180 when there are too many.
+  /// Raises Error 8180 when there are too many, or their texts too long.
   std::int32_t Add(Prepared prepared);
   /// Raises Error 8179 for a handle that there is not.
   [[nodiscard]] const Prepared& Get(std::int64_t handle) const;
   void Remove(std::int64_t handle);
-  void Clear() noexcept { prepared_.clear(); }
+  void Clear() noexcept;
 
  private:
   std::map<std::int64_t, Prepared> prepared_;
+  std::size_t bytes_ = 0;
   std::int32_t last_ = 0;
 };
 
@@ -69,7 +87,8 @@ struct CallText {
 /// The name of the first column of the result that holds status and outputs.
 inline constexpr const char* kOutputColumn = "$tds_output";
 
-/// Prepares and forgets statements, and answers what else is to be run.
+/// Prepares and forgets statements, and answers what else is to be run. A handle that it gives is to be removed when
+/// that fails.
 CallText MakeCallText(const Call& call, PreparedStatements& prepared);
 
 }  // namespace tessarlorn::serve

@@ -40,24 +40,20 @@ bool PacketAssembler::TakePacket() {
   if (size < kPacketHeaderSize || size > kLargestPacket) {
     throw ProtocolError("a packet says that it has " + std::to_string(size) + " bytes");
   }
+  if (begun_ && type == PacketType::kAttention) begun_ = false;
   if (begun_ && type != message_.type) throw ProtocolError("a message of packets of different types");
-  if (message_.payload.size() + size - kPacketHeaderSize > message_limit_) {
-    throw ProtocolError("a message has more than " + std::to_string(message_limit_) + " bytes");
-  }
   if (bytes_.size() - start_ < size) return false;
-  if (!begun_) {
-    message_.type = type;
-    message_.status = status;
-    begun_ = true;
+  if (!begun_) message_ = {type, status, Fate::kWhole, {}};
+  begun_ = true;
+  whole_ = (status & kEndOfMessage) != 0;
+  if (message_.payload.size() + size - kPacketHeaderSize > message_limit_) message_.fate = Fate::kTooLong;
+  if (whole_ && (status & kIgnoreMessage) != 0) message_.fate = Fate::kTakenBack;
+  if (message_.fate == Fate::kWhole) {
+    message_.payload.append(bytes_, start_ + kPacketHeaderSize, size - kPacketHeaderSize);
+  } else {
+    message_.payload = {};
   }
-  message_.payload.append(bytes_, start_ + kPacketHeaderSize, size - kPacketHeaderSize);
   start_ += size;
-  if ((status & kEndOfMessage) == 0) return true;
-  whole_ = (status & kIgnoreMessage) == 0;
-  if (!whole_) {
-    message_ = {};
-    begun_ = false;
-  }
   return true;
 }
 

@@ -9,22 +9,27 @@
 
 namespace tessarlorn::serve {
 
+/// What became of a message on its way: its sender took it back, or it was longer than allowed. It has no payload then.
+enum class Fate : std::uint8_t { kWhole, kTakenBack, kTooLong };
+
 struct Message {
   PacketType type = PacketType::kSqlBatch;
   /// The status bits of its first packet.
   std::uint8_t status = 0;
+  Fate fate = Fate::kWhole;
   std::string payload;
 };
 
-/// Puts messages together from bytes as they come. Raises ProtocolError for what is no packet, for a packet of another
-/// type inside a message, and for a message beyond the limit, before it takes memory for it.
+/// Puts messages together from bytes as they come. Raises ProtocolError for what is no packet, and for a packet of
+/// another type inside a message: but an attention takes the place of a message that is not whole. No memory is taken
+/// for what is beyond the limit.
 class PacketAssembler {
  public:
   explicit PacketAssembler(std::size_t message_limit) : message_limit_(message_limit) {}
 
   void set_message_limit(std::size_t limit) noexcept { message_limit_ = limit; }
   void Feed(std::string_view bytes);
-  /// The next whole message. One that its sender took back is left out.
+  /// The next message, when its last packet is there.
   std::optional<Message> Next();
   /// Whether an attention is the next message; it is taken out.
   bool TakeAttention();

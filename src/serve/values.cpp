@@ -306,25 +306,25 @@ void RowWriter::WriteColumns(TdsWriter& writer) const {
   }
 }
 
-void RowWriter::WriteRow(TdsWriter& writer, const Recordset& rows) const {
+void RowWriter::WriteRow(TdsWriter& writer, const Recordset& rows, bool null_maps) const {
   const std::size_t start = writer.size();
-  writer.Put(Token::kRowWithNulls);
-  const std::size_t map = writer.size();
-  for (std::size_t i = 0; i < (fields_.size() + 7) / 8; ++i) writer.U8(0);
-  bool any = false;
-  for (std::size_t i = 0; i < fields_.size(); ++i) {
-    if (!rows.IsNull(i)) continue;
-    any = true;
-    const std::size_t byte = map + i / 8;
-    writer.SetU8(byte, static_cast<std::uint8_t>(static_cast<std::uint8_t>(writer.bytes()[byte]) | (1U << (i % 8))));
-  }
-  if (!any) {
-    writer.CutTo(start);
-    writer.Put(Token::kRow);
+  bool mapped = false;
+  for (std::size_t i = 0; null_maps && !mapped && i < fields_.size(); ++i) mapped = rows.IsNull(i);
+  writer.Put(mapped ? Token::kRowWithNulls : Token::kRow);
+  for (std::size_t first = 0; mapped && first < fields_.size(); first += 8) {
+    unsigned map = 0;
+    for (std::size_t i = first; i < std::min(first + 8, fields_.size()); ++i) {
+      if (rows.IsNull(i)) map |= 1U << (i - first);
+    }
+    writer.U8(static_cast<std::uint8_t>(map));
   }
   try {
     for (std::size_t i = 0; i < fields_.size(); ++i) {
-      if (!rows.IsNull(i)) PutValue(writer, fields_[i], rows, i);
+      if (!rows.IsNull(i)) {
+        PutValue(writer, fields_[i], rows, i);
+      } else if (!mapped) {
+        PutNull(writer, fields_[i]);
+      }
     }
   } catch (const Error&) {
     // An error's token may follow a whole row only.

@@ -19,9 +19,9 @@ class RowWriter {
 
   /// COLMETADATA.
   void WriteColumns(TdsWriter& writer) const;
-  /// The current row, with a map of its nulls when it has any. Raises Error for a value that is longer than its column
-  /// can be.
-  void WriteRow(TdsWriter& writer, const Recordset& rows) const;
+  /// The current row. Raises Error for a value that is longer than its column can be.
+  /// @param null_maps the client knows rows with a map of their nulls: those that have any come with one
+  void WriteRow(TdsWriter& writer, const Recordset& rows, bool null_maps) const;
   /// Type and value of a column of the current row, as an output parameter ends with them.
   void WriteTypeAndValue(TdsWriter& writer, const Recordset& rows, std::size_t column) const;
 

@@ -221,16 +221,79 @@ TEST_F(ClientSessionTest, IsAsNewWhenItsClientWantsItReset) {
   EXPECT_THAT(answer, AllOf(HasSubstr(std::string("\xE3\x03\x00\x12\x00\x00", 6)),
                             HasSubstr(std::string("\xD1\x04\x00\x00\x00\x00", 6)),
                             HasSubstr(Wide("Invalid object name '#t'."))));
+  const std::string kept =
+      AnswerAfterLogin(BatchMessage("begin tran") + BatchMessage("select @@trancount t", kResetKeepingTransaction) +
+                       BatchMessage("select @@trancount t"));
+  EXPECT_THAT(kept, AllOf(HasSubstr(Wide("A connection is not reset while its transaction goes on.")),
+                          Not(HasSubstr(std::string("\xE3\x03\x00\x12\x00\x00", 6))),
+                          HasSubstr(std::string("\xD1\x04\x01\x00\x00\x00", 6))));
 }
 
 TEST_F(ClientSessionTest, AcknowledgesAnAttentionThatCameTooLate) {
   EXPECT_EQ(AnswerAfterLogin(ClientMessage(PacketType::kAttention, "")), DoneBytes(kDoneAttention));
 }
 
-TEST_F(ClientSessionTest, RefusesMessagesBeyondTheLimit) {
+TEST_F(ClientSessionTest, AnswersWhatBecameOfAMessageAndGoesOn) {
   service_.limits.message = 1000;
-  Answer(LoginMessage() + BatchMessage("select 1 a" + std::string(2000, ' ')));
-  EXPECT_THAT(log_, ElementsAre(HasSubstr("more than 1000 bytes")));
+  const std::string unfinished =
+      BatchMessage("create table T (n int)" + std::string(5000, ' ')).substr(0, kDefaultPacket);
+  EXPECT_EQ(AnswerAfterLogin(BatchMessage("create table T (n int)", kIgnoreMessage)), DoneBytes(kDoneError));
+  EXPECT_EQ(AnswerAfterLogin(unfinished + ClientMessage(PacketType::kAttention, "")), DoneBytes(kDoneAttention));
+  const std::string answer = AnswerAfterLogin(BatchMessage("create table T (n int)" + std::string(2000, ' ')) +
+                                              BatchMessage("select object_id('T') a"));
+  EXPECT_THAT(answer, HasSubstr(Wide("The request has more than 1000 bytes.")));
+  EXPECT_THAT(answer, HasSubstr("\xD2\x01")) << "T was not made";
+  EXPECT_THAT(log_, IsEmpty());
+  Answer(ClientMessage(PacketType::kLogin7, std::string(200'000, ' ')));
+  EXPECT_THAT(log_, ElementsAre(HasSubstr("before the login is too long")));
+}
+
+TEST_F(ClientSessionTest, AnswersCallsOneByOne) {
+  const auto run = [](const std::string& text) { return CallHead(10) + TextParameter(text); };
+  AnswerAfterLogin(CallsMessage(run("create table T (n int)") + '\xff' + run("insert T values (1)") + '\xfe' +
+                                run("insert T values (2)") + '\xff' + run("insert T values (3)") + '\xff' +
+                                CallHead(99) + '\xff' + run("insert T values (4)")));
+  EXPECT_EQ(database_.connection().Execute("select sum(n) from T")->Get(0).ToInt32(), 4)
+      << "neither the one that is not wanted, nor what follows one that cannot be read";
+  // A value that its type does not have ends its request only.
+  const std::string no_number("\x00\x00\x6D\x08\x08\x00\x00\x00\x00\x00\x00\xF8\x7F", 13);
+  const std::string answer =
+      AnswerAfterLogin(CallsMessage(CallHead(10) + TextParameter("select @f") + TextParameter("@f float") + no_number) +
+                       BatchMessage("select 7 n"));
+  EXPECT_THAT(answer, AllOf(HasSubstr(Wide("not a valid instance of data type float")),
+                            HasSubstr(std::string("\xD1\x04\x07\x00\x00\x00", 6))));
+}
+
+TEST_F(ClientSessionTest, HandsOverResultsThatAreNamedAsItsOwn) {
+  TdsWriter call;
+  call.U16(1);
+  call.Text("P");
+  call.U16(0);
+  const std::string answer = AnswerAfterLogin(
+      BatchMessage("create procedure P as select 7 as [$tds_output], 8 x return 5") + CallsMessage(call.bytes()));
+  EXPECT_THAT(answer, HasSubstr(std::string("\xD1\x04\x07\x00\x00\x00\x04\x08\x00\x00\x00", 11)));
+  EXPECT_THAT(answer, HasSubstr(std::string("\x79\x05\x00\x00\x00", 5)));
+}
+
+TEST_F(ClientSessionTest, GivesNoHandleToAStatementThatFails) {
+  const auto prepare = [](const std::string& text) {
+    const std::string handle("\x00\x01\x26\x04\x00", 5);
+    return CallsMessage(CallHead(13) + handle + TextParameter("") + TextParameter(text));
+  };
+  const std::string answer =
+      AnswerAfterLogin(prepare("select * from Nowhere") + prepare("selec 1") + prepare("select 1 a"));
+  const std::string given("\x26\x04\x04\x03\x00\x00\x00", 7);
+  EXPECT_THAT(answer, HasSubstr(given));
+  EXPECT_EQ(answer.find("\xAC"), answer.find(given) - 11) << "one handle";
+}
+
+TEST_F(ClientSessionTest, SendsNullsAsTheClientsVersionHasThem) {
+  LoginWords words;
+  words.version = kTds73;
+  const std::string batch = BatchMessage("select cast(null as int) a");
+  EXPECT_THAT(Answer(LoginMessage(words) + batch), HasSubstr(std::string("\xD1\x00\xFD", 3)));
+  words.version = kTds73b;
+  EXPECT_THAT(Answer(LoginMessage(words) + batch), HasSubstr("\xD2\x01\xFD"));
 }
 
 }  // namespace

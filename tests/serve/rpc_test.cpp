@@ -63,6 +63,25 @@ TEST(Rpc, KeepsPreparedStatementsByHandle) {
   EXPECT_THROW(MakeCallText(execute, prepared), Error);
 }
 
+TEST(Rpc, KeepsPreparedStatementsWithinBounds) {
+  PreparedStatements prepared;
+  const Prepared large{std::string(std::size_t{20} << 20, 'x'), ""};
+  const std::int32_t first = prepared.Add(large);
+  EXPECT_THROW(prepared.Add(large), Error);
+  prepared.Remove(first);
+  EXPECT_THROW(prepared.Remove(first), Error);
+  EXPECT_NO_THROW(prepared.Add(large));
+  prepared.Clear();
+  EXPECT_NO_THROW(prepared.Add(large));
+}
+
+std::vector<Call> ReadAll(std::string_view bytes) {
+  TdsReader reader(bytes);
+  std::vector<Call> calls;
+  for (CallReader call_reader(reader); !call_reader.at_end();) calls.push_back(call_reader.Next());
+  return calls;
+}
+
 TEST(Rpc, ReadsCallsAndRefusesCutOnes) {
   TdsWriter writer;
   writer.U16(2);
@@ -71,22 +90,22 @@ TEST(Rpc, ReadsCallsAndRefusesCutOnes) {
   writer.U8(0);
   writer.U8(1);
   writer.Bytes(std::string("\x26\x04\x04\x07\0\0\0", 7));
-  writer.U8(0xff);
+  writer.U8(0xfe);
   writer.U16(0xffff);
   writer.U16(10);
   writer.U16(0);
-  TdsReader reader(writer.bytes());
-  const std::vector<Call> calls = ReadCalls(reader);
+  const std::vector<Call> calls = ReadAll(writer.bytes());
   ASSERT_EQ(calls.size(), 2U);
   EXPECT_EQ(calls[0].name, "p1");
   ASSERT_EQ(calls[0].parameters.size(), 1U);
   EXPECT_TRUE(calls[0].parameters[0].is_output);
+  EXPECT_FALSE(calls[0].is_unwanted);
   EXPECT_EQ(calls[1].procedure, KnownProcedure::kExecuteSql);
+  EXPECT_TRUE(calls[1].is_unwanted);
   // Cut behind the first call, before or behind its separator, it is a request of its own.
   for (std::size_t size = 0; size < writer.size(); ++size) {
     if (size == 8 || size == 17 || size == 18) continue;
-    TdsReader cut(std::string_view(writer.bytes()).substr(0, size));
-    EXPECT_THROW((void)ReadCalls(cut), ProtocolError) << size;
+    EXPECT_THROW((void)ReadAll(std::string_view(writer.bytes()).substr(0, size)), ProtocolError) << size;
   }
 }
 

@@ -40,9 +40,17 @@ TEST(TdsPacket, CutsMessagesIntoFullPackets) {
   EXPECT_EQ(packets[packets.size() - 7], 1) << "the last packet ends the message";
 }
 
-TEST(TdsPacket, TakesAttentionsOutAndForgetsIgnoredMessages) {
+TEST(TdsPacket, TellsWhatBecameOfAMessage) {
   PacketAssembler assembler(1000);
   assembler.Feed(ClientMessage(PacketType::kSqlBatch, "taken back", kIgnoreMessage));
+  EXPECT_EQ(assembler.Next()->fate, Fate::kTakenBack);
+  assembler.Feed(ClientMessage(PacketType::kSqlBatch, std::string(10'000, 'x')));
+  EXPECT_LT(assembler.waiting(), 1U + 3 * kDefaultPacket);
+  const std::optional<Message> long_one = assembler.Next();
+  EXPECT_EQ(long_one->fate, Fate::kTooLong);
+  EXPECT_EQ(long_one->payload, "");
+  // An attention ends a message of which only the beginning came.
+  assembler.Feed(ClientMessage(PacketType::kSqlBatch, std::string(5'000, 'x')).substr(0, kDefaultPacket));
   assembler.Feed(ClientMessage(PacketType::kAttention, ""));
   EXPECT_TRUE(assembler.TakeAttention());
   EXPECT_FALSE(assembler.TakeAttention());
@@ -56,8 +64,8 @@ TEST(TdsPacket, RefusesWhatIsNoPacketBeforeItTakesMemory) {
     return std::string{
         static_cast<char>(type), 0, static_cast<char>(size >> 8), static_cast<char>(size & 0xff), 0, 0, 1, 0};
   };
-  for (const std::string& bytes : {packet(2, 8), packet(0x47, 100), packet(1, 7), packet(1, 0xffff), packet(1, 1009),
-                                   packet(1, 8) + packet(3, 8)}) {
+  for (const std::string& bytes :
+       {packet(2, 8), packet(0x47, 100), packet(1, 7), packet(1, 0xffff), packet(1, 8) + packet(3, 8)}) {
     PacketAssembler assembler(1000);
     assembler.Feed(bytes);
     EXPECT_THROW((void)assembler.Next(), ProtocolError);

@@ -66,6 +66,33 @@ inline std::string BatchMessage(std::string_view text, std::uint8_t status = 0) 
   return ClientMessage(PacketType::kSqlBatch, writer.bytes(), status);
 }
 
+/// A call's beginning: of a procedure by its number.
+inline std::string CallHead(std::uint16_t procedure) {
+  TdsWriter writer;
+  writer.U16(0xffff);
+  writer.U16(procedure);
+  writer.U16(0);
+  return writer.bytes();
+}
+
+/// A parameter of a call, by its position.
+inline std::string TextParameter(std::string_view text) {
+  TdsWriter writer;
+  writer.Bytes(std::string("\x00\x00\xE7\x40\x1F\x04\x08\xD0\x24\x00", 10));
+  const std::size_t size = writer.size();
+  writer.U16(0);
+  writer.SetU16(size, static_cast<std::uint16_t>(writer.Text(text)));
+  return writer.bytes();
+}
+
+/// A request of calls, of which each but the last is followed by a byte.
+inline std::string CallsMessage(std::string_view calls) {
+  TdsWriter writer;
+  WriteHeaders(writer);
+  writer.Bytes(calls);
+  return ClientMessage(PacketType::kRpc, writer.bytes());
+}
+
 inline std::string PreLoginMessage(std::uint8_t encryption) {
   const std::string payload{0x01, 0x00, 0x06, 0x00, 0x01, static_cast<char>(0xff), static_cast<char>(encryption)};
   return ClientMessage(PacketType::kPreLogin, payload);

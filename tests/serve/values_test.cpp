@@ -77,17 +77,20 @@ TEST_F(ValuesTest, AValueThatDoesNotFitIsAnErrorBehindWholeRows) {
   const RowWriter row_writer(rows, true);
   TdsWriter writer;
   writer.U8(7);
-  EXPECT_THROW(row_writer.WriteRow(writer, rows), Error);
+  EXPECT_THROW(row_writer.WriteRow(writer, rows, true), Error);
   EXPECT_EQ(Hex(writer.bytes()), "07");
 }
 
-TEST_F(ValuesTest, RowsWithNullsHaveAMap) {
+TEST_F(ValuesTest, RowsWithNullsHaveAMapForWhoKnowsIt) {
   const RecordsetPtr rows = database_.connection().Execute(
       "select cast(1 as tinyint) a, cast(null as tinyint) b union all select cast(2 as tinyint), cast(3 as tinyint)");
   const RowWriter row_writer(*rows, false);
   TdsWriter writer;
-  for (; !rows->eof(); rows->MoveNext()) row_writer.WriteRow(writer, *rows);
+  for (; !rows->eof(); rows->MoveNext()) row_writer.WriteRow(writer, *rows, true);
   EXPECT_EQ(Hex(writer.bytes()), "D2020101D101020103");
+  writer.Clear();
+  for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) row_writer.WriteRow(writer, *rows, false);
+  EXPECT_EQ(Hex(writer.bytes()), "D1010100D101020103");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <array>
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
 #include <ctime>
 #include <iostream>
 #include <mutex>
@@ -11,6 +12,7 @@
 #include "cli/commands.h"
 #include "cli/usage_error.h"
 #include "platform/session_string.h"
+#include "platform/text.h"
 #include "serve/server.h"
 #include "serve/users.h"
 
@@ -49,22 +51,45 @@ struct ServeOptions {
   int send_seconds = 30;
 };
 
-/// Reads a line without showing it where it is typed.
-std::string ReadPassword(const std::string& user) {
-  const bool typed = isatty(STDIN_FILENO) == 1;
-  termios shown{};
-  if (typed) {
-    std::cerr << "Password of " << user << ": " << std::flush;
-    tcgetattr(STDIN_FILENO, &shown);
-    termios hidden = shown;
+termios shown_input{};
+
+extern "C" void ShowInputAndEnd(int signal) {
+  tcsetattr(STDIN_FILENO, TCSANOW, &shown_input);
+  std::_Exit(128 + signal);
+}
+
+/// While it lives, what is typed is not shown. Ctrl-C ends the process, and what is typed then is shown again.
+class HiddenInput {
+ public:
+  HiddenInput() {
+    tcgetattr(STDIN_FILENO, &shown_input);
+    for (std::size_t i = 0; i < kSignals.size(); ++i) before_[i] = std::signal(kSignals[i], ShowInputAndEnd);
+    termios hidden = shown_input;
     hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
     tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
   }
+  HiddenInput(const HiddenInput&) = delete;
+  HiddenInput& operator=(const HiddenInput&) = delete;
+  ~HiddenInput() {
+    tcsetattr(STDIN_FILENO, TCSAFLUSH, &shown_input);
+    for (std::size_t i = 0; i < kSignals.size(); ++i) std::signal(kSignals[i], before_[i]);
+  }
+
+ private:
+  static constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
+  std::array<void (*)(int), kSignals.size()> before_{};
+};
+
+/// Reads a line without showing it where it is typed.
+std::string ReadPassword(const std::string& user) {
   std::string password;
-  std::getline(std::cin, password);
-  if (typed) {
-    tcsetattr(STDIN_FILENO, TCSAFLUSH, &shown);
+  if (isatty(STDIN_FILENO) == 1) {
+    const HiddenInput hidden;
+    std::cerr << "Password of " << user << ": " << std::flush;
+    std::getline(std::cin, password);
     std::cerr << '\n';
+  } else {
+    std::getline(std::cin, password);
   }
   if (password.ends_with('\r')) password.pop_back();
   return password;
@@ -136,6 +161,11 @@ serve::Service MakeService(const ServeOptions& options, const serve::Address& ad
     throw UsageError("no users: give --users FILE; 'tessarlorn serve --add-user NAME --users FILE' adds one to it");
   }
   service.database_string = ParseSessionString(context.RequireDsn()).database;
+  const std::string_view prefix =
+      std::string_view(service.database_string).substr(0, service.database_string.find('='));
+  if (!EqualsIgnoreCase(Trim(prefix), "Embedded")) {
+    throw UsageError("only an embedded database is served, as --dsn Embedded=orders.db");
+  }
   service.users = serve::Users::Read(options.users);
   if (!options.certificate.empty()) {
     service.tls = std::make_shared<serve::TlsContext>(options.certificate, options.key);
@@ -162,8 +192,8 @@ ExitStatus RunServe(const ServeOptions& options, const CommandContext& context) 
     if (error.number() != error_number::kInvalidArgument) throw;
     throw UsageError(error.what());
   }
-  // A database that cannot be opened is told now, not to the first client.
-  OpenConnection(service.database_string);
+  // A database that cannot be opened is told now, not to the first client; one in memory lives as long as the server.
+  const std::unique_ptr<Connection> keeper = OpenConnection(service.database_string);
   serve::Server server(address, std::move(service));
   const EndedBySignals ended(server);
   std::cout << "listening on " << server.address().ToText() << '\n' << std::flush;

@@ -180,7 +180,10 @@ bool ClientSession::Admit(const Login& login) {
   channel_.Send(writer.bytes(), true);
   channel_.set_packet_size(login.packet_size);
   channel_.set_message_limit(service_.limits.message);
-  if (service_.verbose) Log("user '" + OnOneLine(login.user) + "' from " + OnOneLine(login.host));
+  if (service_.verbose) {
+    Log("user '" + OnOneLine(login.user) + "' from " + OnOneLine(login.host) + ", program '" +
+        OnOneLine(login.application) + "'");
+  }
   return true;
 }
 

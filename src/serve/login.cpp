@@ -14,6 +14,9 @@ constexpr std::uint8_t kPreLoginEnd = 0xff;
 constexpr std::uint8_t kMajorVersion = 11;
 constexpr std::uint16_t kBuild = 7001;
 
+/// That of all messages, whatever a client asks for.
+constexpr const char* kLanguage = "us_english";
+
 std::uint16_t BigEndian16(TdsReader& reader) {
   const std::uint16_t high = reader.U8();
   return static_cast<std::uint16_t>((high << 8) | reader.U8());
@@ -119,7 +122,7 @@ Login ReadLogin(std::string_view payload) {
   login.password = fields.Password(reader);
   login.application = fields.Text(reader);
   reader.Skip(12);  // server; extensions, of which none is taken up; client library
-  login.language = fields.Text(reader);
+  reader.Skip(4);   // language: there is one only
   login.database = fields.Text(reader);
   return login;
 }
@@ -128,12 +131,11 @@ void WriteLoginAnswer(TdsWriter& writer, const Login& login) {
   const auto tell = [&](std::int32_t number, const std::string& text) {
     writer.Put(ServerMessage{number, 1, 0, 1, text});
   };
-  const std::string language = login.language.empty() ? "us_english" : login.language;
   writer.PutEnvironment(Environment::kDatabase, kDatabaseName, "");
   tell(5701, std::string("Changed database context to '") + kDatabaseName + "'.");
   writer.PutEnvironmentBytes(Environment::kCollation, kCollation, "");
-  writer.PutEnvironment(Environment::kLanguage, language, "");
-  tell(5703, "Changed language setting to " + language + ".");
+  writer.PutEnvironment(Environment::kLanguage, kLanguage, "");
+  tell(5703, std::string("Changed language setting to ") + kLanguage + ".");
   writer.Put(Token::kLoginAck);
   const std::size_t start = writer.size();
   writer.U16(0);

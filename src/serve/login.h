@@ -25,7 +25,6 @@ struct Login {
   std::string user;
   std::string password;
   std::string application;
-  std::string language;
   std::string database;
   /// The client wants the operating system's user instead of a name and a password.
   bool integrated = false;

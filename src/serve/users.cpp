@@ -5,17 +5,20 @@
 #include <cerrno>
 #include <charconv>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
+#include <fcntl.h>
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
 #include <openssl/rand.h>
 #include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 #include "platform/error.h"
 #include "platform/text.h"
+#include "serve/socket.h"
 
 namespace tessarlorn::serve {
 namespace {
@@ -74,9 +77,49 @@ std::optional<StoredHash> ReadHash(std::string_view text) {
   return stored;
 }
 
-std::string_view WithoutReturn(std::string_view line) {
-  if (line.ends_with('\r')) line.remove_suffix(1);
-  return line;
+[[noreturn]] void Refuse(const std::string& file, const std::string& why) {
+  Raise(error_number::kInvalidArgument, "The users' file " + file + " " + why);
+}
+
+[[noreturn]] void RefuseBySystem(const std::string& file, const std::string& what) {
+  Refuse(file, what + ": " + std::strerror(errno));
+}
+
+/// The file's lines, nothing when there is no file.
+std::optional<std::vector<std::string>> ReadLines(const std::string& file) {
+  const Descriptor in(open(file.c_str(), O_RDONLY | O_CLOEXEC));
+  if (in.get() < 0 && errno == ENOENT) return std::nullopt;
+  struct stat status {};
+  if (in.get() < 0 || fstat(in.get(), &status) != 0) RefuseBySystem(file, "cannot be read");
+  if ((status.st_mode & (S_IWGRP | S_IWOTH)) != 0) Refuse(file, "may be written by others than its owner");
+  if (status.st_uid != geteuid() && status.st_uid != 0) Refuse(file, "belongs to another user of this machine");
+  std::string text;
+  std::array<char, 4096> buffer;
+  ssize_t size = 0;
+  while ((size = read(in.get(), buffer.data(), buffer.size())) > 0) {
+    text.append(buffer.data(), static_cast<std::size_t>(size));
+  }
+  if (size < 0) RefuseBySystem(file, "cannot be read");
+  if (text.ends_with('\n')) text.pop_back();
+  std::vector<std::string> lines;
+  for (std::string_view line : Split(text, '\n')) {
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    lines.emplace_back(line);
+  }
+  return lines;
+}
+
+/// Makes the file, which nobody else may read or have laid in the way.
+void WriteFresh(const std::string& file, std::string_view text) {
+  unlink(file.c_str());
+  const Descriptor out(open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+  if (out.get() < 0) RefuseBySystem(file, "cannot be written");
+  while (!text.empty()) {
+    const ssize_t size = write(out.get(), text.data(), text.size());
+    if (size < 0) RefuseBySystem(file, "cannot be written");
+    text.remove_prefix(static_cast<std::size_t>(size));
+  }
+  if (fsync(out.get()) != 0) RefuseBySystem(file, "cannot be written");
 }
 
 std::string HashPassword(std::string_view password, int iterations) {
@@ -92,31 +135,21 @@ std::string HashPassword(std::string_view password, int iterations) {
 }  // namespace
 
 Users Users::Read(const std::string& file) {
-  const auto refuse = [&file](const std::string& why) {
-    Raise(error_number::kInvalidArgument, "The users' file " + file + " " + why);
-  };
-  std::ifstream in(file);
-  if (!in) refuse(std::string("cannot be read: ") + std::strerror(errno));
-  std::error_code unknown;
-  const auto rights = std::filesystem::status(file, unknown).permissions();
-  if ((rights & (std::filesystem::perms::group_write | std::filesystem::perms::others_write)) !=
-      std::filesystem::perms::none) {
-    refuse("may be written by others than its owner");
-  }
+  const std::optional<std::vector<std::string>> lines = ReadLines(file);
+  if (!lines) RefuseBySystem(file, "cannot be read");
   Users users;
-  std::string line;
-  for (int number = 1; std::getline(in, line); ++number) {
-    const std::string_view text = WithoutReturn(line);
+  for (std::size_t i = 0; i < lines->size(); ++i) {
+    const std::string_view text = (*lines)[i];
     if (Trim(text).empty() || text.starts_with('#')) continue;
     const std::size_t colon = text.find(':');
     if (colon == 0 || colon == std::string_view::npos || !ReadHash(text.substr(colon + 1))) {
-      refuse("has no user and hash in line " + std::to_string(number));
+      Refuse(file, "has no user and hash in line " + std::to_string(i + 1));
     }
     if (!users.hashes_.emplace(LowerCase(text.substr(0, colon)), text.substr(colon + 1)).second) {
-      refuse("has a user twice: line " + std::to_string(number));
+      Refuse(file, "has a user twice: line " + std::to_string(i + 1));
     }
   }
-  if (users.hashes_.empty()) refuse("has no user");
+  if (users.hashes_.empty()) Refuse(file, "has no user");
   return users;
 }
 
@@ -137,35 +170,15 @@ void AddUser(const std::string& file, std::string_view name, std::string_view pa
           "'" + std::string(name) + "' is no name of a user: it is empty, begins with # or has a colon");
   }
   if (password.empty()) Raise(error_number::kInvalidArgument, "The password is empty");
-  std::vector<std::string> lines;
-  std::error_code unknown;
-  if (std::filesystem::exists(file, unknown)) {
-    std::ifstream in(file);
-    if (!in) Raise(error_number::kInvalidArgument, "The users' file " + file + " cannot be read");
-    for (std::string line; std::getline(in, line);) {
-      if (!EqualsIgnoreCase(line.substr(0, line.find(':')), name)) lines.emplace_back(WithoutReturn(line));
-    }
+  std::string text;
+  for (const std::string& line : ReadLines(file).value_or(std::vector<std::string>())) {
+    if (!EqualsIgnoreCase(line.substr(0, line.find(':')), name)) text += line + "\n";
   }
-  lines.push_back(std::string(name) + ":" + HashPassword(password, iterations));
-  const auto refuse = [&file] {
-    Raise(error_number::kInvalidArgument, "The users' file " + file + " cannot be written: " + std::strerror(errno));
-  };
-  // The new file takes the old one's place whole, and nobody else may read it meanwhile.
+  text += std::string(name) + ":" + HashPassword(password, iterations) + "\n";
+  // The new file takes the old one's place whole.
   const std::string fresh = file + ".new";
-  {
-    std::ofstream out(fresh, std::ios::trunc);
-    if (!out) refuse();
-    std::filesystem::permissions(fresh, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write,
-                                 unknown);
-    for (const std::string& line : lines) out << line << '\n';
-    out.flush();
-    if (!out) refuse();
-  }
-  std::filesystem::rename(fresh, file, unknown);
-  if (unknown) {
-    errno = unknown.value();
-    refuse();
-  }
+  WriteFresh(fresh, text);
+  if (std::rename(fresh.c_str(), file.c_str()) != 0) RefuseBySystem(file, "cannot be written");
 }
 
 }  // namespace tessarlorn::serve

@@ -3,6 +3,8 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pty.h>
+#include <termios.h>
 
 #include "serve/server_support.h"
 
@@ -164,6 +166,8 @@ TEST(ServeCommand, RefusesToServeInAnUnsafeWay) {
   for (const Case& item : {
            Case{"", "--tds ADDRESS:PORT is required"},
            Case{"--tds 127.0.0.1:0", "no users: give --users FILE; 'tessarlorn serve --add-user NAME --users FILE'"},
+           Case{"--tds 127.0.0.1:0 --users " + users + " --dsn 'Driver=FreeTDS;Server=erp;UID=sa;PWD=s3cret'",
+                "only an embedded database is served"},
            Case{"--tds 127.0.0.1:0 --users nowhere", "nowhere cannot be read: No such file or directory"},
            Case{"--tds 0.0.0.0:0 --users " + users, "give --allow-remote if that is wanted"},
            Case{"--tds '[::]:0' --allow-remote --users " + users, "wants --certificate and --key, or --allow-plain"},
@@ -174,7 +178,8 @@ TEST(ServeCommand, RefusesToServeInAnUnsafeWay) {
            Case{"--add-user ann </dev/null", "--add-user wants --users FILE"},
            Case{"--add-user ann --users " + users + " </dev/null", "The password is empty"},
        }) {
-    const Outcome outcome = RunLine("timeout 10 '" TESSARLORN_COMMAND "' serve --dsn Embedded=:memory: " + item.words);
+    const Outcome outcome =
+        RunLine("TESSARLORN_DSN=Embedded=:memory: timeout 10 '" TESSARLORN_COMMAND "' serve " + item.words);
     EXPECT_EQ(outcome.status, 2) << item.words;
     EXPECT_THAT(outcome.text, HasSubstr(item.fault));
   }
@@ -182,6 +187,33 @@ TEST(ServeCommand, RefusesToServeInAnUnsafeWay) {
             "user bob is in " + users + "\n");
   EXPECT_TRUE(Users::Read(users).Check("bob", "pass"));
   std::filesystem::remove(users);
+}
+
+TEST(ServeCommand, CtrlCAtThePasswordShowsAgainWhatIsTyped) {
+  const std::string users = testing::TempDir() + "serve_prompt_users_" + std::to_string(getpid());
+  int terminal = -1;
+  const pid_t process = forkpty(&terminal, nullptr, nullptr, nullptr);
+  if (process == 0) {
+    execl(TESSARLORN_COMMAND, "tessarlorn", "serve", "--add-user", "ann", "--users", users.c_str(), nullptr);
+    _exit(127);
+  }
+  std::string shown;
+  std::array<char, 256> buffer{};
+  while (shown.find("Password of ann: ") == std::string::npos) {
+    const ssize_t size = read(terminal, buffer.data(), buffer.size());
+    ASSERT_GT(size, 0) << shown;
+    shown.append(buffer.data(), static_cast<std::size_t>(size));
+  }
+  termios settings{};
+  ASSERT_EQ(tcgetattr(terminal, &settings), 0);
+  EXPECT_EQ(settings.c_lflag & static_cast<tcflag_t>(ECHO), 0U);
+  ASSERT_EQ(write(terminal, "\x03", 1), 1);
+  int status = 0;
+  waitpid(process, &status, 0);
+  EXPECT_EQ(WEXITSTATUS(status), 130);
+  ASSERT_EQ(tcgetattr(terminal, &settings), 0);
+  EXPECT_NE(settings.c_lflag & static_cast<tcflag_t>(ECHO), 0U);
+  close(terminal);
 }
 
 }  // namespace

@@ -55,15 +55,18 @@ inline std::vector<std::string> CertificateOptions() {
 /// Listens on a free port of this machine for user ann, password s3cret. Ends with the object.
 class ServerProcess {
  public:
-  explicit ServerProcess(const std::vector<std::string>& options = {}) {
+  /// @param database its string; that of a file with sample orders when it is ""
+  explicit ServerProcess(const std::vector<std::string>& options = {}, const std::string& database = "") {
     std::string name = (std::filesystem::temp_directory_path() / "serve_test_XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) return;
     folder_ = name;
-    const std::string command = "TESSARLORN_DSN=Embedded='" + file("orders.db") + "' '" TESSARLORN_COMMAND "' ";
-    const Outcome made = RunLine(command + "init && " + command + "seed --orders 60");
-    EXPECT_EQ(made.status, 0) << made.text;
+    if (database.empty()) {
+      const std::string command = "TESSARLORN_DSN=Embedded='" + file("orders.db") + "' '" TESSARLORN_COMMAND "' ";
+      const Outcome made = RunLine(command + "init && " + command + "seed --orders 60");
+      EXPECT_EQ(made.status, 0) << made.text;
+    }
     AddUser(file("users"), "ann", "s3cret", 10);
-    Start(options);
+    Start(options, database.empty() ? "Embedded=" + file("orders.db") : database);
   }
   ServerProcess(const ServerProcess&) = delete;
   ServerProcess& operator=(const ServerProcess&) = delete;
@@ -97,10 +100,9 @@ class ServerProcess {
   }
 
  private:
-  void Start(const std::vector<std::string>& options) {
-    std::vector<std::string> words = {TESSARLORN_COMMAND, "serve",       "--tds",
-                                      "127.0.0.1:0",      "--dsn",       "Embedded=" + file("orders.db"),
-                                      "--users",          file("users"), "--verbose"};
+  void Start(const std::vector<std::string>& options, const std::string& database) {
+    std::vector<std::string> words = {TESSARLORN_COMMAND, "serve",   "--tds",       "127.0.0.1:0", "--dsn",
+                                      database,           "--users", file("users"), "--verbose"};
     words.insert(words.end(), options.begin(), options.end());
     process_ = fork();
     if (process_ == 0) {

@@ -130,7 +130,7 @@ inline std::string LoginPayload(const LoginWords& words) {
   field("server");
   field("");
   field("library");
-  field("");
+  field("Deutsch");
   field(words.database);
   for (int i = 0; i < 6; ++i) writer.U8(0);
   for (int i = 0; i < 3; ++i) field("");

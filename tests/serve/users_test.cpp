@@ -77,6 +77,21 @@ TEST_F(UsersTest, RefusesFilesThatCannotBeTrusted) {
   EXPECT_THAT(Refusal(), HasSubstr("twice: line 2"));
   std::filesystem::permissions(file_, std::filesystem::perms::all);
   EXPECT_THAT(Refusal(), HasSubstr("may be written by others"));
+  EXPECT_THROW(AddUser(file_, "bob", "x", 10), Error);
+  std::filesystem::permissions(file_, std::filesystem::perms::owner_all);
+  if (geteuid() != 0 || chown(file_.c_str(), 1, static_cast<gid_t>(-1)) != 0) GTEST_SKIP() << "only root can go on";
+  EXPECT_THAT(Refusal(), HasSubstr("belongs to another user"));
+}
+
+TEST_F(UsersTest, WritesThroughNoLink) {
+  const std::string other = file_ + ".other";
+  std::ofstream(other) << "mine";
+  std::filesystem::create_symlink(other, file_ + ".new");
+  AddUser(file_, "ann", "x", 10);
+  EXPECT_EQ(std::filesystem::file_size(other), 4U);
+  EXPECT_TRUE(Users::Read(file_).Check("ann", "x"));
+  EXPECT_FALSE(std::filesystem::is_symlink(file_));
+  std::filesystem::remove(other);
 }
 
 TEST_F(UsersTest, RefusesNamesAndPasswordsThatCannotBe) {

@@ -1,5 +1,6 @@
 #include "serve/parameter.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -272,11 +273,13 @@ std::string FloatLiteral(const std::string& bytes) {
 }
 
 std::string DecimalLiteral(const std::string& bytes, int scale) {
-  RequireSize(bytes, {5, 9, 13, 17});
+  // Some clients send no more bytes than the precision needs.
+  Decimal::Limbs limbs{};
   TdsReader reader(bytes);
   const bool negative = reader.U8() == 0;
-  Decimal::Limbs limbs{};
-  for (std::size_t i = 0; i < bytes.size() / 4; ++i) limbs[i] = reader.U32();
+  if (reader.left() > limbs.size() * 4) throw ProtocolError("a decimal has more than 17 bytes");
+  for (std::uint32_t& limb : limbs)
+    limb = static_cast<std::uint32_t>(reader.Number(std::min<std::size_t>(reader.left(), 4)));
   const std::optional<Decimal> value = Decimal::FromLimbs(limbs, scale, negative);
   if (!value) throw NoValueOfItsType();
   return value->ToString();

@@ -60,6 +60,7 @@ std::vector<Case> Cases() {
       {Hex("6A 11 26 0A 11 00 FFFFFFFF3F228A097AC4865AA84C3B4B"), "decimal(38,10)",
        "-9999999999999999999999999999.9999999999"},
       {Hex("6A 05 09 02 05 01 7B000000"), "decimal(9,2)", "1.23"},
+      {Hex("6A 0A 14 03 0A 01 D5071FEB8CA954AB00"), "decimal(20,3)", "12345678901234567.125"},
       {Hex("6E 08 08 FFFFFFFF F0D8FFFF"), "money", "-1.0000"},
       {Hex("6E 04 04 10270000"), "money", "1.0000"},
       {Hex("28 03 80460B"), "date", "'2024-02-29'"},
@@ -116,7 +117,8 @@ TEST(Parameter, NoCutValueIsRead) {
 
 TEST(Parameter, RefusesWhatCannotBe) {
   for (const char* digits :
-       {"26 04 03 D6FFFF", "6A 05 27 00 00", "6A 05 09 0A 00", "29 08 00", "E7 1400 0408D02400 0100 69", "77"}) {
+       {"26 04 03 D6FFFF", "6A 05 27 00 00", "6A 05 09 0A 00", "6A 12 26 00 12 01 0000000000000000000000000000000000",
+        "29 08 00", "E7 1400 0408D02400 0100 69", "77"}) {
     EXPECT_THROW(Read(Hex(digits)), ProtocolError) << digits;
   }
   for (const char* digits : {"6A 11 26 00 11 01 FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF", "6D 08 08 000000000000F07F",

@@ -285,7 +285,7 @@ TEST_F(ClientSessionTest, GivesNoHandleToAStatementThatFails) {
       AnswerAfterLogin(prepare("select * from Nowhere") + prepare("selec 1") + prepare("select 1 a"));
   const std::string given("\x26\x04\x04\x03\x00\x00\x00", 7);
   EXPECT_THAT(answer, HasSubstr(given));
-  EXPECT_EQ(answer.find("\xAC"), answer.find(given) - 11) << "one handle";
+  EXPECT_EQ(answer.find('\xac'), answer.find(given) - 11) << "one handle";
 }
 
 TEST_F(ClientSessionTest, SendsNullsAsTheClientsVersionHasThem) {

@@ -43,7 +43,7 @@ inline Outcome RunLine(const std::string& line) {
 /// The words that give the server a certificate, one for the whole run of the tests.
 inline std::vector<std::string> CertificateOptions() {
   static const std::string name = [] {
-    const std::string file = testing::TempDir() + "serve_" + std::to_string(getpid());
+    std::string file = testing::TempDir() + "serve_" + std::to_string(getpid());
     const Outcome made = RunLine("openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=localhost -keyout '" +
                                  file + ".key' -out '" + file + ".crt'");
     EXPECT_EQ(made.status, 0) << made.text;
@@ -107,6 +107,7 @@ class ServerProcess {
     process_ = fork();
     if (process_ == 0) {
       std::vector<char*> arguments;
+      arguments.reserve(words.size() + 1);
       for (std::string& word : words) arguments.push_back(word.data());
       arguments.push_back(nullptr);
       if (std::freopen(file("out").c_str(), "w", stdout) == nullptr) _exit(127);

@@ -1,13 +1,17 @@
-// Any bytes of a client, before and behind its login: they are answered or end the connection, and nothing else.
+// Any bytes of a client, before and behind its login, in its TLS handshake and while a batch runs: they are answered or
+// end the connection, and nothing else.
+#include <array>
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include "drivers/embedded/embedded_driver.h"
 #include "serve/client_session.h"
+#include "serve/socket.h"
 #include "serve/tds_support.h"
 
 namespace {
@@ -15,13 +19,25 @@ namespace {
 using namespace tessarlorn;
 
 serve::ClientSession* running = nullptr;
+int seconds_running = 0;
 
-/// Batches that do not end are no fault.
+/// Batches that do not end are no fault; an input is one that goes on when they are cancelled.
 void EndRunning(int) {
   if (running == nullptr) return;
+  if (++seconds_running == 10) std::abort();
   running->Stop();
   running->CancelIfWanted();
   alarm(1);
+}
+
+std::shared_ptr<const serve::TlsContext> MakeCertificate(const std::string& file) {
+  const std::string line = "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=fuzz -keyout '" + file +
+                           ".key' -out '" + file + ".crt' 2>/dev/null";
+  if (std::system(line.c_str()) != 0) std::abort();
+  auto context = std::make_shared<serve::TlsContext>(file + ".crt", file + ".key");
+  std::filesystem::remove(file + ".crt");
+  std::filesystem::remove(file + ".key");
+  return context;
 }
 
 const serve::Service& TheService() {
@@ -34,25 +50,65 @@ const serve::Service& TheService() {
     serve::Service made;
     made.users = serve::Users::Read(file);
     std::filesystem::remove(file);
+    made.tls = MakeCertificate(file);
     made.database_string = "Embedded=:memory:fuzz";
     made.log = [](const std::string& line) {
       if (line.starts_with("fuzz: failed: ")) std::abort();
     };
     made.limits.message = std::size_t{1} << 20;
+    made.limits.idle = std::chrono::milliseconds(20);
+    made.limits.send = std::chrono::milliseconds(200);
     return made;
   }();
   return service;
 }
 
+void Run(serve::ByteStream& stream, serve::Watcher* watcher) {
+  serve::ClientSession session(stream, TheService(), "fuzz", watcher);
+  seconds_running = 0;
+  running = &session;
+  alarm(1);
+  session.Run();
+  alarm(0);
+  running = nullptr;
+}
+
+/// The alarm is for the thread that runs sessions.
+std::unique_ptr<serve::Watcher> MakeWatcher() {
+  sigset_t alarms;
+  sigemptyset(&alarms);
+  sigaddset(&alarms, SIGALRM);
+  pthread_sigmask(SIG_BLOCK, &alarms, nullptr);
+  auto watcher = std::make_unique<serve::Watcher>();
+  pthread_sigmask(SIG_UNBLOCK, &alarms, nullptr);
+  return watcher;
+}
+
+/// The bytes come over a socket while a batch runs, long enough that the watcher looks at them.
+void RunWatched(std::string_view rest, bool hangs_up) {
+  static const std::unique_ptr<serve::Watcher> watcher = MakeWatcher();
+  std::array<int, 2> pair{};
+  if (socketpair(AF_UNIX, SOCK_STREAM, 0, pair.data()) != 0) std::abort();
+  const serve::Descriptor client(pair[1]);
+  serve::Socket stream(serve::Descriptor(pair[0]), TheService().limits.send);
+  const std::string input = serve::LoginMessage() + serve::BatchMessage("waitfor delay '00:00:00.050'");
+  for (const std::string_view part : {std::string_view(input), rest}) {
+    (void)send(client.get(), part.data(), part.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+  }
+  if (hangs_up) shutdown(client.get(), SHUT_WR);
+  Run(stream, watcher.get());
+}
+
 }  // namespace
 
-// The first byte tells how the rest is meant: as it is, behind a login, or as the payload of one kind of message.
+// The first byte tells how the rest is meant: as it is, behind a login, as the payload of one kind of message, or
+// as what comes while a batch runs.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0 || size > 16'384) return 0;
   const std::string rest(reinterpret_cast<const char*>(data) + 1, size - 1);
   using serve::PacketType;
   std::string input;
-  switch (data[0] % 6) {
+  switch (data[0] % 8) {
     case 0:
       input = rest;
       break;
@@ -68,6 +124,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     case 4:
       input = serve::LoginMessage() + serve::ClientMessage(PacketType::kTransactionManager, rest);
       break;
+    case 5:
+      input = serve::PreLoginMessage(1) + serve::ClientMessage(PacketType::kPreLogin, rest);
+      break;
+    case 6:
+      RunWatched(rest, data[0] >= 128);
+      return 0;
     default: {
       serve::TdsWriter headers;
       serve::WriteHeaders(headers);
@@ -75,11 +137,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   }
   serve::MemoryStream stream(input);
-  serve::ClientSession session(stream, TheService(), "fuzz", nullptr);
-  running = &session;
-  alarm(1);
-  session.Run();
-  alarm(0);
-  running = nullptr;
+  Run(stream, nullptr);
   return 0;
 }

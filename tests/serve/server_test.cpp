@@ -150,7 +150,7 @@ TEST(ServerThreads, KeepsItsMemoryWhileClientsComeAndGo) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
   constexpr std::size_t kBound = std::size_t{1} << 30;
 #else
-  constexpr std::size_t kBound = std::size_t{8} << 20;
+  constexpr std::size_t kBound = std::size_t{16} << 20;
 #endif
   EXPECT_LT(after, before + kBound) << "after " << rounds << " rounds, before " << before;
   // The database keeps a descriptor of its file for each client that was there at once, and uses it again: a round may

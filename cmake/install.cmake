@@ -4,6 +4,10 @@ include(CMakePackageConfigHelpers)
 
 # tessarlorn_install_library(<target> <folder>...): installs a library and the headers of its rooms.
 function(tessarlorn_install_library target)
+  # On Windows the product is the library for clients of COM.
+  if(WIN32)
+    return()
+  endif()
   install(TARGETS ${target} EXPORT Tessarlorn)
   foreach(folder IN LISTS ARGN)
     file(RELATIVE_PATH room ${PROJECT_SOURCE_DIR}/src ${folder})
@@ -18,6 +22,9 @@ configure_file(${PROJECT_SOURCE_DIR}/cmake/version.h.in ${PROJECT_BINARY_DIR}/ge
 install(FILES ${PROJECT_BINARY_DIR}/generated/platform/version.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessarlorn/platform)
 
+if(WIN32)
+  return()
+endif()
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Tessarlorn)
 install(EXPORT Tessarlorn NAMESPACE tessarlorn:: FILE TessarlornTargets.cmake DESTINATION ${package_folder})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/TessarlornConfigVersion.cmake COMPATIBILITY SameMinorVersion)

@@ -11,6 +11,8 @@ function(tessarlorn_warnings target)
   target_compile_options(
     ${target}
     PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough
+            # GCC 12 warns of copies inside std::string that cannot be.
+            $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
             $<$<BOOL:${TESSARLORN_WARNINGS_AS_ERRORS}>:-Werror>)
 endfunction()
 

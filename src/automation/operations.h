@@ -61,7 +61,7 @@ struct Argument {
   bool in_out = false;
   bool optional = false;
   /// The keys of a Dictionary, or of the Dictionaries in a Vector.
-  std::span<const Key> keys;
+  std::span<const Key> keys = {};
   /// Every key counts, whatever its name; `keys` is empty.
   bool any_key = false;
 

@@ -73,4 +73,14 @@ const Dictionary::Entry& Dictionary::At(std::size_t position) const { return Ite
 
 const Variant& Vector::At(std::size_t position) const { return ItemAt(items_, position); }
 
+void Vector::Set(std::size_t position, Variant item) {
+  static_cast<void>(At(position));
+  items_[position - 1] = std::move(item);
+}
+
+void Vector::Remove(std::size_t position) {
+  static_cast<void>(At(position));
+  items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(position - 1));
+}
+
 }  // namespace tessarlorn

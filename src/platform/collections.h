@@ -62,6 +62,9 @@ class Vector {
   void Add(Variant item) { items_.push_back(std::move(item)); }
   /// Item by position, counted from 1. Raises 9 "Subscript out of range".
   [[nodiscard]] const Variant& At(std::size_t position) const;
+  /// Raise 9 as At() does.
+  void Set(std::size_t position, Variant item);
+  void Remove(std::size_t position);
   [[nodiscard]] auto begin() const noexcept { return items_.begin(); }
   [[nodiscard]] auto end() const noexcept { return items_.end(); }
 

@@ -1,0 +1,78 @@
+#include "com/enumeration.h"
+
+#include <algorithm>
+#include <atomic>
+#include <memory>
+#include <utility>
+
+#include "com/errors.h"
+#include "com/module.h"
+#include "com/values.h"
+
+namespace tessarlorn::com {
+namespace {
+
+using Items = std::shared_ptr<const std::vector<Variant>>;
+
+class Enumeration final : public IEnumVARIANT {
+ public:
+  Enumeration(Items items, std::size_t position) : items_(std::move(items)), position_(position) {}
+  Enumeration(const Enumeration&) = delete;
+  Enumeration& operator=(const Enumeration&) = delete;
+  virtual ~Enumeration() = default;
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
+    if (out == nullptr) return E_POINTER;
+    *out = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IEnumVARIANT) ? this : nullptr;
+    if (*out == nullptr) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return references_.fetch_add(1) + 1; }
+  ULONG STDMETHODCALLTYPE Release() override {
+    const ULONG left = references_.fetch_sub(1) - 1;
+    if (left == 0) delete this;
+    return left;
+  }
+  HRESULT STDMETHODCALLTYPE Next(ULONG wanted, VARIANT* out, ULONG* fetched) override {
+    if (fetched != nullptr) *fetched = 0;
+    if (out == nullptr) return E_POINTER;
+    ULONG count = 0;
+    try {
+      for (; count < wanted && position_ < items_->size(); ++count) ToVariant((*items_)[position_++], &out[count]);
+    } catch (...) {
+      for (ULONG i = 0; i < count; ++i) VariantClear(&out[i]);
+      return ToHresult(CurrentError().number());
+    }
+    if (fetched != nullptr) *fetched = count;
+    return count == wanted ? S_OK : S_FALSE;
+  }
+  HRESULT STDMETHODCALLTYPE Skip(ULONG wanted) override {
+    const std::size_t left = items_->size() - position_;
+    position_ += std::min<std::size_t>(wanted, left);
+    return wanted <= left ? S_OK : S_FALSE;
+  }
+  HRESULT STDMETHODCALLTYPE Reset() override {
+    position_ = 0;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE Clone(IEnumVARIANT** out) override {
+    if (out == nullptr) return E_POINTER;
+    *out = new (std::nothrow) Enumeration(items_, position_);
+    return *out == nullptr ? E_OUTOFMEMORY : S_OK;
+  }
+
+ private:
+  const ModuleLock lock_;
+  std::atomic<ULONG> references_{1};
+  Items items_;
+  std::size_t position_;
+};
+
+}  // namespace
+
+Pointer<IUnknown> MakeEnumeration(std::vector<Variant> items) {
+  return Pointer<IUnknown>::Adopt(new Enumeration(std::make_shared<const std::vector<Variant>>(std::move(items)), 0));
+}
+
+}  // namespace tessarlorn::com

@@ -1,0 +1,82 @@
+#include "com/errors.h"
+
+#include <new>
+
+#include "com/pointers.h"
+
+namespace tessarlorn::com {
+namespace {
+
+constexpr std::uint32_t kControlFacility = 0x800A0000U;
+constexpr std::uint32_t kFacilityMask = 0xffff0000U;
+constexpr std::int32_t kMostSmall = 0xffff;
+
+}  // namespace
+
+HRESULT ToHresult(std::int32_t number) {
+  if (number <= 0 || number > kMostSmall) return number;
+  return static_cast<HRESULT>(kControlFacility | static_cast<std::uint32_t>(number));
+}
+
+std::int32_t ToNumber(HRESULT result) {
+  const auto bits = static_cast<std::uint32_t>(result);
+  if ((bits & kFacilityMask) == kControlFacility) return static_cast<std::int32_t>(bits & ~kFacilityMask);
+  switch (result) {
+    case DISP_E_MEMBERNOTFOUND:
+    case DISP_E_UNKNOWNNAME:
+      return error_number::kNoSuchMember;
+    case DISP_E_TYPEMISMATCH:
+      return error_number::kTypeMismatch;
+    case DISP_E_OVERFLOW:
+      return error_number::kOverflow;
+    case DISP_E_BADPARAMCOUNT:
+      return error_number::kWrongArgumentCount;
+    case DISP_E_PARAMNOTOPTIONAL:
+      return error_number::kArgumentNotOptional;
+    case E_OUTOFMEMORY:
+      return error_number::kOutOfMemory;
+    default:
+      return result;
+  }
+}
+
+Error CurrentError() {
+  constexpr const char* kSource = "TessarLornPickingAndDelivery";
+  try {
+    throw;
+  } catch (const Error& error) {
+    return error;
+  } catch (const std::bad_alloc&) {
+    return {error_number::kOutOfMemory, kSource, "Out of memory"};
+  } catch (const std::exception& error) {
+    return {error_number::kInternalError, kSource, error.what()};
+  } catch (...) {
+    return {error_number::kInternalError, kSource, "Internal error"};
+  }
+}
+
+HRESULT Report(const Error& error, EXCEPINFO* info) {
+  if (info != nullptr) {
+    *info = {};
+    info->scode = ToHresult(error.number());
+    info->bstrSource = NewBstr(error.source());
+    info->bstrDescription = NewBstr(error.what());
+  }
+  return DISP_E_EXCEPTION;
+}
+
+void RaiseFailure(HRESULT result, EXCEPINFO& info, const std::string& what) {
+  if (result == DISP_E_EXCEPTION && info.pfnDeferredFillIn != nullptr) info.pfnDeferredFillIn(&info);
+  const std::string source = ToText(info.bstrSource);
+  const std::string description = ToText(info.bstrDescription);
+  const std::int32_t number = result != DISP_E_EXCEPTION ? ToNumber(result)
+                              : info.wCode != 0          ? info.wCode
+                                                         : ToNumber(info.scode);
+  SysFreeString(info.bstrSource);
+  SysFreeString(info.bstrDescription);
+  SysFreeString(info.bstrHelpFile);
+  throw Error(number, source.empty() ? "TessarLornPickingAndDelivery" : source,
+              description.empty() ? "The call of " + what + " failed" : description);
+}
+
+}  // namespace tessarlorn::com

@@ -1,0 +1,25 @@
+// Errors across the boundary of COM, in both directions.
+#pragma once
+
+#include <string>
+
+#include "com/windows_headers.h"
+#include "platform/error.h"
+
+namespace tessarlorn::com {
+
+/// The HRESULT of an error's number: automation's small numbers belong to the facility of controls, as scripts expect;
+/// others are HRESULTs already.
+HRESULT ToHresult(std::int32_t number);
+/// The number behind an HRESULT, as a script's Err.Number shows it.
+std::int32_t ToNumber(HRESULT result);
+
+/// The exception that is being handled, as number, Source and description. Only to be called inside a catch block.
+Error CurrentError();
+/// Hands the error to the caller of an IDispatch; answers DISP_E_EXCEPTION.
+HRESULT Report(const Error& error, EXCEPINFO* info);
+/// Raises what a call of another object answered: its EXCEPINFO, which is freed, or the HRESULT alone. `what` names the
+/// member for the description.
+[[noreturn]] void RaiseFailure(HRESULT result, EXCEPINFO& info, const std::string& what);
+
+}  // namespace tessarlorn::com

@@ -1,0 +1,34 @@
+// An object of another component, called by name.
+#pragma once
+
+#include <utility>
+#include <vector>
+
+#include "com/pointers.h"
+#include "platform/object_service.h"
+
+namespace tessarlorn::com {
+
+/// To be used in the apartment that it came from.
+class ForeignObject final : public Object {
+ public:
+  /// @pre not nullptr
+  explicit ForeignObject(Pointer<IDispatch> object) : object_(std::move(object)) {}
+
+  /// Raises the error that the member raises, with its number, Source and description.
+  Variant Call(std::string_view method, std::span<const Variant> arguments) override;
+  [[nodiscard]] bool Has(std::string_view member) const;
+  /// What `For Each` goes through. Raises 438 for an object that is no collection.
+  [[nodiscard]] std::vector<Variant> Items();
+  [[nodiscard]] IDispatch* get() const noexcept { return object_.get(); }
+
+ private:
+  Pointer<IDispatch> object_;
+};
+
+/// Creates a component by its ProgID. Raises 429 naming it.
+std::shared_ptr<Object> CreateForeignObject(std::string_view prog_id);
+/// Whether a component of that ProgID is registered.
+bool IsRegistered(std::string_view prog_id);
+
+}  // namespace tessarlorn::com

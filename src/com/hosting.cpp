@@ -1,0 +1,52 @@
+#include "com/hosting.h"
+
+#include <mutex>
+
+#include "com/foreign_object.h"
+#include "com/windows_headers.h"
+#include "drivers/embedded/embedded_driver.h"
+#include "platform/client_address.h"
+#include "platform/session.h"
+#include "siblings/siblings.h"
+
+namespace tessarlorn::com {
+namespace {
+
+/// Takes two texts, 64 characters for the address and one that is not used; 1 when it knows the address.
+using ReadTcpEntry = int(WINAPI*)(char* address, char* unused);
+
+/// `ReadTcp` of the ERP's network library, or nullptr where that library is not.
+ReadTcpEntry FindReadTcp() {
+  const HMODULE library = LoadLibraryW(L"venappsvr.dll");
+  if (library == nullptr) return nullptr;
+  const FARPROC entry = GetProcAddress(library, "ReadTcp");
+  return reinterpret_cast<ReadTcpEntry>(reinterpret_cast<void*>(entry));
+}
+
+void RegisterNeighbours() {
+  RegisterDefaultSiblings();
+  for (const char* const prog_id :
+       {"TessarMWebOrder.TessarMWebOrderUpdate", "TessarMWebOrder.TessarMWebOrderInfo", "QuorBase.SecurityInfo"}) {
+    if (IsRegistered(prog_id)) RegisterObject(prog_id, [prog_id] { return CreateForeignObject(prog_id); });
+  }
+}
+
+}  // namespace
+
+void PrepareThisProcess() {
+  static std::once_flag once;
+  std::call_once(once, [] {
+    RegisterEmbeddedDriver();
+    RegisterNeighbours();
+    if (const ReadTcpEntry read = FindReadTcp()) {
+      SetReadTcp([read](std::span<char> buffer, std::span<char> unused) {
+        char nothing = '\0';
+        return read(buffer.data(), unused.empty() ? &nothing : unused.data());
+      });
+    }
+  });
+}
+
+void ReleaseThisThread() noexcept { SessionFactory::ForThisThread().CloseIdle(); }
+
+}  // namespace tessarlorn::com

@@ -1,0 +1,12 @@
+// What the component finds around it on Windows: drivers, neighbouring components, the client's address.
+#pragma once
+
+namespace tessarlorn::com {
+
+/// Registers the drivers, the neighbours that the ERP brings, default ones where it brings none, and the function that
+/// tells the client's address. Does its work once.
+void PrepareThisProcess();
+/// Lets go what the calling thread keeps between calls: its idle connections.
+void ReleaseThisThread() noexcept;
+
+}  // namespace tessarlorn::com

@@ -1,0 +1,100 @@
+// The library's entry points, and the factory of its classes.
+#include <algorithm>
+#include <atomic>
+#include <new>
+
+#include "com/dispatch.h"
+#include "com/errors.h"
+#include "com/hosting.h"
+#include "com/module.h"
+#include "com/registration.h"
+#include "com/type_library.h"
+#include "objects/automation_object.h"
+
+namespace tessarlorn::com {
+namespace {
+
+class ClassFactory final : public IClassFactory {
+ public:
+  explicit ClassFactory(const ClassDescription& description) : description_(description) {}
+  ClassFactory(const ClassFactory&) = delete;
+  ClassFactory& operator=(const ClassFactory&) = delete;
+  virtual ~ClassFactory() = default;
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
+    if (out == nullptr) return E_POINTER;
+    *out = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IClassFactory) ? this : nullptr;
+    if (*out == nullptr) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return references_.fetch_add(1) + 1; }
+  ULONG STDMETHODCALLTYPE Release() override {
+    const ULONG left = references_.fetch_sub(1) - 1;
+    if (left == 0) delete this;
+    return left;
+  }
+  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID id, void** out) override {
+    if (out == nullptr) return E_POINTER;
+    *out = nullptr;
+    if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+    try {
+      PrepareThisProcess();
+      return MakeDispatch(CreateAutomationObject(description_))->QueryInterface(id, out);
+    } catch (...) {
+      return ToHresult(CurrentError().number());
+    }
+  }
+  HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
+    lock != FALSE ? ModuleLock::Add() : ModuleLock::Remove();
+    return S_OK;
+  }
+
+ private:
+  const ModuleLock lock_;
+  std::atomic<ULONG> references_{1};
+  const ClassDescription& description_;
+};
+
+HRESULT FindClass(const CLSID& class_id, const IID& id, void** out) {
+  for (const ClassDescription* const description : AutomationClasses()) {
+    if (description->prog_id.empty() || !IsEqualCLSID(ToGuid(description->class_id), class_id)) continue;
+    const auto factory = Pointer<IClassFactory>::Adopt(new ClassFactory(*description));
+    return factory->QueryInterface(id, out);
+  }
+  return CLASS_E_CLASSNOTAVAILABLE;
+}
+
+template <typename Action>
+HRESULT Guarded(const Action& action) {
+  try {
+    return action();
+  } catch (...) {
+    return ToHresult(CurrentError().number());
+  }
+}
+
+}  // namespace
+}  // namespace tessarlorn::com
+
+// Their names are exported by the module definition file.
+STDAPI DllGetClassObject(REFCLSID class_id, REFIID id, LPVOID* out) {
+  if (out == nullptr) return E_POINTER;
+  *out = nullptr;
+  return tessarlorn::com::Guarded([&] { return tessarlorn::com::FindClass(class_id, id, out); });
+}
+
+STDAPI DllCanUnloadNow() {
+  if (tessarlorn::com::ModuleLock::any()) return S_FALSE;
+  tessarlorn::com::ReleaseThisThread();
+  return S_OK;
+}
+
+STDAPI DllRegisterServer() { return tessarlorn::com::Guarded(tessarlorn::com::Register); }
+
+STDAPI DllUnregisterServer() { return tessarlorn::com::Guarded(tessarlorn::com::Unregister); }
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID /*reserved*/) {
+  if (reason == DLL_PROCESS_ATTACH) tessarlorn::com::SetModule(module);
+  return TRUE;
+}

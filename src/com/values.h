@@ -1,0 +1,26 @@
+// Values across the boundary of COM, in both directions.
+#pragma once
+
+#include "com/windows_headers.h"
+#include "platform/variant.h"
+
+namespace tessarlorn::com {
+
+/// Whether an argument stands for one that was left out.
+bool IsLeftOut(const VARIANT& value);
+/// A value of automation as the component's: what is left out is empty; a reference gives what it refers to; the
+/// component's own objects come as what they stand for, others as ForeignObject; arrays as Array, of bytes as Bytes.
+/// Raises 13 for a type that automation does not have.
+Variant FromVariant(const VARIANT& value);
+/// The component's value as automation's, in `*out`, which is not read. Decimals beyond 28 digits become text.
+void ToVariant(const Variant& value, VARIANT* out);
+/// Writes the value behind a reference that a caller gave, converted to the type there.
+/// Raises 13 when it cannot be.
+void WriteBack(const Variant& value, const VARIANT& reference);
+
+/// The same value with every foreign collection as Dictionary or Vector, nested ones too: an object with Keys and Item
+/// becomes a Dictionary, one with Count that can be enumerated a Vector, an array a Vector. Raises what their members
+/// raise, and 5 for one that is nested too deep.
+Variant WithCollections(const Variant& value);
+
+}  // namespace tessarlorn::com

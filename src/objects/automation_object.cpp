@@ -1,0 +1,114 @@
+#include "objects/automation_object.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "objects/array.h"
+#include "objects/dictionary_object.h"
+#include "objects/recordset_object.h"
+#include "objects/service_class.h"
+#include "objects/vector_object.h"
+#include "platform/error.h"
+#include "platform/text.h"
+
+namespace tessarlorn {
+namespace {
+
+template <typename Object>
+std::shared_ptr<Object> As(const std::shared_ptr<AutomationObject>& object) {
+  return std::dynamic_pointer_cast<Object>(object);
+}
+
+}  // namespace
+
+const Member* ClassDescription::Find(std::string_view member) const {
+  const auto found = std::find_if(members.begin(), members.end(),
+                                  [member](const Member& own) { return EqualsIgnoreCase(own.name, member); });
+  return found == members.end() ? nullptr : &*found;
+}
+
+const Member* ClassDescription::Find(std::int32_t id) const {
+  const auto found = std::find_if(members.begin(), members.end(), [id](const Member& own) { return own.id == id; });
+  return found == members.end() ? nullptr : &*found;
+}
+
+Variant AutomationObject::Use(const Member& member, MemberUse use, std::span<Variant> arguments) {
+  const auto describe = [&] { return std::string(description().name) + "." + std::string(member.name); };
+  if ((member.uses & use) == 0) {
+    Raise(error_number::kNoSuchMember, "Object doesn't support this property or method: " + describe());
+  }
+  if (member.id == kEnumerationMember) return ToArray(Items());
+  const std::size_t value = use == kPut ? 1 : 0;
+  const std::size_t wanted = member.arguments.size() + value;
+  if (arguments.size() > wanted) Raise(error_number::kWrongArgumentCount, "Wrong number of arguments: " + describe());
+  if (arguments.size() == wanted) return Do(member, use, arguments);
+  if (arguments.size() < value) Raise(error_number::kArgumentNotOptional, "Argument not optional: " + describe());
+  const std::size_t given = arguments.size() - value;
+  for (const Argument& argument : member.arguments.subspan(given)) {
+    if (argument.optional) continue;
+    Raise(error_number::kArgumentNotOptional,
+          "Argument not optional: " + std::string(argument.name) + " of " + describe());
+  }
+  std::vector<Variant> filled(wanted);
+  std::copy_n(arguments.begin(), given, filled.begin());
+  if (use == kPut) filled.back() = arguments.back();
+  Variant result = Do(member, use, filled);
+  std::copy_n(filled.begin(), given, arguments.begin());
+  return result;
+}
+
+Variant AutomationObject::Call(std::string_view method, std::span<const Variant> arguments) {
+  const Member* const member = description().Find(method);
+  if (member == nullptr) {
+    Raise(error_number::kNoSuchMember, "Object doesn't support this property or method: " +
+                                           std::string(description().name) + "." + std::string(method));
+  }
+  std::vector<Variant> own(arguments.begin(), arguments.end());
+  return Use(*member, (member->uses & kCall) != 0 ? kCall : kGet, own);
+}
+
+std::vector<Variant> AutomationObject::Items() const {
+  Raise(error_number::kNoSuchMember, "Object not a collection: " + std::string(description().name));
+}
+
+std::span<const ClassDescription* const> AutomationClasses() {
+  static const std::array kClasses = {
+      &ServiceClassObject::Description(ServiceClass::kSaveData),
+      &ServiceClassObject::Description(ServiceClass::kGetData),
+      &DictionaryObject::Description(),
+      &VectorObject::Description(),
+      &RecordsetObject::Description(),
+      &FieldsObject::Description(),
+      &FieldObject::Description(),
+  };
+  return kClasses;
+}
+
+std::shared_ptr<AutomationObject> CreateAutomationObject(const ClassDescription& description) {
+  for (const ServiceClass service : {ServiceClass::kSaveData, ServiceClass::kGetData}) {
+    if (&description == &ServiceClassObject::Description(service)) return std::make_shared<ServiceClassObject>(service);
+  }
+  if (&description == &DictionaryObject::Description()) {
+    return std::make_shared<DictionaryObject>(std::make_shared<Dictionary>());
+  }
+  if (&description == &VectorObject::Description()) return std::make_shared<VectorObject>(std::make_shared<Vector>());
+  Raise(error_number::kCannotCreateObject, "ActiveX component can't create object: " + std::string(description.name));
+}
+
+std::shared_ptr<AutomationObject> ObjectOf(const Variant& value) {
+  if (auto dictionary = value.ToDictionary()) return std::make_shared<DictionaryObject>(std::move(dictionary));
+  if (auto vector = value.ToVector()) return std::make_shared<VectorObject>(std::move(vector));
+  if (auto recordset = value.ToRecordset()) return std::make_shared<RecordsetObject>(std::move(recordset));
+  const auto* object = value.get_if<std::shared_ptr<Object>>();
+  return object == nullptr ? nullptr : std::dynamic_pointer_cast<AutomationObject>(*object);
+}
+
+Variant ValueOf(const std::shared_ptr<AutomationObject>& object) {
+  if (const auto dictionary = As<DictionaryObject>(object)) return dictionary->dictionary();
+  if (const auto vector = As<VectorObject>(object)) return vector->vector();
+  if (const auto recordset = As<RecordsetObject>(object)) return recordset->recordset();
+  return std::shared_ptr<Object>(object);
+}
+
+}  // namespace tessarlorn

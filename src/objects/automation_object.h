@@ -1,0 +1,97 @@
+// Objects as clients of automation see them: a description of every member, and one call by which all are reached.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "automation/operations.h"
+#include "platform/object_service.h"
+#include "platform/variant.h"
+
+namespace tessarlorn {
+
+/// How a member is used; the description of a member has a bit for each way that it knows.
+enum MemberUse : std::uint8_t { kCall = 1, kGet = 2, kPut = 4 };
+
+/// Automation's own numbers of members.
+inline constexpr std::int32_t kDefaultMember = 0;
+inline constexpr std::int32_t kEnumerationMember = -4;
+/// The number of any other member: from its name, so that it stays when members are added. Positive.
+constexpr std::int32_t MemberId(std::string_view name) {
+  std::uint32_t hash = 2166136261U;
+  for (const char c : name) {
+    const char lower = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+    hash = (hash ^ static_cast<std::uint8_t>(lower)) * 16777619U;
+  }
+  return static_cast<std::int32_t>((hash & 0x00ffffffU) | 0x01000000U);
+}
+
+struct Member {
+  std::string_view name;
+  std::int32_t id = 0;
+  /// Bits of MemberUse.
+  std::uint8_t uses = kCall;
+  /// Of a call or get. kVariant for any value, kObject for any object; see `returns_nothing`.
+  ValueType result = ValueType::kVariant;
+  bool returns_nothing = false;
+  /// Of a call or get; a put has the new value behind them.
+  std::span<const Argument> arguments = {};
+  /// One paragraph for the type library.
+  std::string_view help;
+};
+
+/// A class of objects: what the type library says of it.
+struct ClassDescription {
+  std::string_view name;
+  /// "Library.Class", "" for a class whose objects only other objects hand out.
+  std::string_view prog_id;
+  /// Of the class and of its interface, as "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX".
+  std::string_view class_id;
+  std::string_view interface_id;
+  std::string_view help;
+  std::vector<Member> members;
+
+  /// By name without regard to case, or nullptr.
+  [[nodiscard]] const Member* Find(std::string_view member) const;
+  [[nodiscard]] const Member* Find(std::int32_t id) const;
+};
+
+/// An object of such a class. One thread at a time.
+class AutomationObject : public Object {
+ public:
+  [[nodiscard]] virtual const ClassDescription& description() const = 0;
+  /// Calls, reads or writes a member. The arguments are those of the member in order, without trailing optional ones
+  /// that are left out; an empty one in between counts as left out. In/out arguments are written back.
+  ///
+  /// Raises 449 or 450 for too few or too many arguments, 438 for a use that the member does not know, and what the
+  /// member raises.
+  Variant Use(const Member& member, MemberUse use, std::span<Variant> arguments);
+  /// A call by name. Raises 438 naming the member when there is none.
+  Variant Call(std::string_view method, std::span<const Variant> arguments) final;
+  /// What `For Each` goes through. Raises 438 for an object that is no collection.
+  virtual std::vector<Variant> Items() const;
+
+ protected:
+  /// `arguments` has as many values as the member has arguments, and one more for a put.
+  virtual Variant Do(const Member& member, MemberUse use, std::span<Variant> arguments) = 0;
+};
+
+/// Name and identity of the type library.
+inline constexpr std::string_view kLibraryName = "TessarLornPickingAndDelivery";
+inline constexpr std::string_view kLibraryId = "1FE32CD4-2232-4B66-8CEF-F811FBCB2D64";
+
+/// The classes that the component hands out or lets create, in the order of the type library.
+std::span<const ClassDescription* const> AutomationClasses();
+/// A new object of a creatable class. Raises 429 for one that is not.
+std::shared_ptr<AutomationObject> CreateAutomationObject(const ClassDescription& description);
+/// The value's object as clients see it: a Dictionary, Vector or Recordset in an object of its class, an
+/// AutomationObject as it is. Nothing for a value that is none of these.
+std::shared_ptr<AutomationObject> ObjectOf(const Variant& value);
+/// The other way round: an object of Dictionary, Vector or Recordset as the value that it stands for.
+Variant ValueOf(const std::shared_ptr<AutomationObject>& object);
+
+}  // namespace tessarlorn

@@ -1,0 +1,15 @@
+// The rows of a recordset as a file: ADO's XML, or lines of text.
+#pragma once
+
+#include <string>
+
+#include "objects/recordset_object.h"
+
+namespace tessarlorn {
+
+/// Writes the shown rows to a new file, in UTF-8; leaves the position behind the last row. As XML in the form that ADO
+/// reads again; otherwise a line of names and one a row, with tabs between the values. Raises 58 when there is such a
+/// file, 76 naming the path when it cannot be written, 61 when the disk is full; no part of a file is left then.
+void SaveRecordset(RecordsetView& view, const std::string& path, bool as_xml);
+
+}  // namespace tessarlorn

@@ -1,0 +1,42 @@
+#include "objects/service_class.h"
+
+#include "platform/error.h"
+
+namespace tessarlorn {
+namespace {
+
+ClassDescription MakeDescription(ServiceClass service) {
+  const bool saves = service == ServiceClass::kSaveData;
+  ClassDescription description;
+  description.name = ClassName(service);
+  description.prog_id = saves ? "TessarLornPickingAndDelivery.clsSaveData" : "TessarLornPickingAndDelivery.clsGetData";
+  description.class_id = saves ? "0FCEDCEA-3E55-4379-AD0E-E995153A457A" : "914BB553-55C6-4512-A89A-BACA8B46710B";
+  description.interface_id = saves ? "1E27C942-8EE4-44B4-ABCC-69B5FBA148B5" : "F8090680-DED3-472A-B6BD-5DEBC50A61AE";
+  description.help = saves ? "Changes orders; most operations answer whether they did." : "Reads orders.";
+  for (const Operation* const operation : Operations()) {
+    if (operation->service != service) continue;
+    description.members.push_back({.name = operation->name,
+                                   .id = MemberId(operation->name),
+                                   .uses = operation->property ? kGet : kCall,
+                                   .result = operation->result,
+                                   .arguments = operation->arguments(),
+                                   .help = operation->help});
+  }
+  return description;
+}
+
+}  // namespace
+
+const ClassDescription& ServiceClassObject::Description(ServiceClass service) {
+  static const ClassDescription kSave = MakeDescription(ServiceClass::kSaveData);
+  static const ClassDescription kGet = MakeDescription(ServiceClass::kGetData);
+  return service == ServiceClass::kSaveData ? kSave : kGet;
+}
+
+Variant ServiceClassObject::Do(const Member& member, MemberUse /*use*/, std::span<Variant> arguments) {
+  const Operation* const operation = FindOperation(object_.service(), member.name);
+  if (operation == nullptr) Raise(error_number::kInternalError, "No operation " + std::string(member.name));
+  return object_.Invoke(*operation, arguments);
+}
+
+}  // namespace tessarlorn

@@ -3,8 +3,8 @@
 #include <memory>
 #include <new>
 
-#include "drivers/embedded/collation.h"
 #include "drivers/embedded/sqlite_value.h"
+#include "platform/collation.h"
 #include "platform/text.h"
 
 namespace tessarlorn::embedded {

@@ -3,9 +3,9 @@
 #include <cmath>
 #include <string>
 
-#include "drivers/embedded/collation.h"
 #include "drivers/embedded/functions.h"
 #include "drivers/embedded/sqlite_value.h"
+#include "platform/collation.h"
 #include "platform/text.h"
 #include "platform/utf16.h"
 

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-namespace tessarlorn::embedded {
+namespace tessarlorn {
 
 /// Less than, equal to or greater than 0. Characters are compared by their lower-case code points, full-width forms as
 /// the narrow ones.
@@ -15,4 +15,4 @@ char32_t FoldCharacter(char32_t character);
 /// LIKE with %, _, [set], [^set] and an escape character (0 for none).
 bool MatchesLike(std::string_view text, std::string_view pattern, char32_t escape);
 
-}  // namespace tessarlorn::embedded
+}  // namespace tessarlorn

@@ -1,4 +1,4 @@
-#include "drivers/embedded/collation.h"
+#include "platform/collation.h"
 
 #include <array>
 #include <cstdint>
@@ -6,7 +6,7 @@
 
 #include "platform/text.h"
 
-namespace tessarlorn::embedded {
+namespace tessarlorn {
 namespace {
 
 constexpr std::array<std::uint8_t, 128> kAsciiLower = [] {
@@ -136,4 +136,4 @@ bool MatchesLike(std::string_view text, std::string_view pattern, char32_t escap
   }
 }
 
-}  // namespace tessarlorn::embedded
+}  // namespace tessarlorn

@@ -6,6 +6,7 @@
 
 #include "objects/array.h"
 #include "objects/dictionary_object.h"
+#include "objects/field_object.h"
 #include "objects/recordset_object.h"
 #include "objects/service_class.h"
 #include "objects/vector_object.h"
@@ -107,7 +108,6 @@ std::shared_ptr<AutomationObject> ObjectOf(const Variant& value) {
 Variant ValueOf(const std::shared_ptr<AutomationObject>& object) {
   if (const auto dictionary = As<DictionaryObject>(object)) return dictionary->dictionary();
   if (const auto vector = As<VectorObject>(object)) return vector->vector();
-  if (const auto recordset = As<RecordsetObject>(object)) return recordset->recordset();
   return std::shared_ptr<Object>(object);
 }
 

@@ -35,7 +35,7 @@ struct Member {
   std::int32_t id = 0;
   /// Bits of MemberUse.
   std::uint8_t uses = kCall;
-  /// Of a call or get. kVariant for any value, kObject for any object; see `returns_nothing`.
+  /// Of a call or get. kVariant for any value; see `returns_nothing`.
   ValueType result = ValueType::kVariant;
   bool returns_nothing = false;
   /// Of a call or get; a put has the new value behind them.
@@ -91,7 +91,8 @@ std::shared_ptr<AutomationObject> CreateAutomationObject(const ClassDescription&
 /// The value's object as clients see it: a Dictionary, Vector or Recordset in an object of its class, an
 /// AutomationObject as it is. Nothing for a value that is none of these.
 std::shared_ptr<AutomationObject> ObjectOf(const Variant& value);
-/// The other way round: an object of Dictionary, Vector or Recordset as the value that it stands for.
+/// The other way round: an object of Dictionary or Vector as the value that it stands for. A Recordset's stays an
+/// object, so that whoever keeps it keeps its position.
 Variant ValueOf(const std::shared_ptr<AutomationObject>& object);
 
 }  // namespace tessarlorn

@@ -3,58 +3,42 @@
 #include <algorithm>
 #include <string>
 #include <utility>
+#include <vector>
 
+#include "objects/row_order.h"
+#include "objects/row_text.h"
+#include "platform/collation.h"
 #include "platform/error.h"
-#include "platform/text.h"
 
 namespace tessarlorn {
-namespace {
 
-constexpr std::int32_t kWrongArguments = 3001;
+namespace {
 
 enum class Comparison : std::uint8_t { kEqual, kUnequal, kLess, kLessOrEqual, kGreater, kGreaterOrEqual, kLike };
 
-bool MatchesPattern(std::string_view text, std::string_view pattern) {
-  const auto wild = [](char c) { return c == '*' || c == '%'; };
-  const bool open_begin = !pattern.empty() && wild(pattern.front());
-  if (open_begin) pattern.remove_prefix(1);
-  const bool open_end = !pattern.empty() && wild(pattern.back());
-  if (open_end) pattern.remove_suffix(1);
-  const std::string folded = UpperCase(text);
-  const std::string wanted = UpperCase(pattern);
-  if (open_begin && open_end) return folded.find(wanted) != std::string::npos;
-  if (open_begin) return folded.ends_with(wanted);
-  if (open_end || (pattern.empty() && open_begin)) return folded.starts_with(wanted);
-  return folded == wanted;
-}
+/// In the patterns that MatchesLike takes.
+constexpr char kEscape = '\x01';
 
 }  // namespace
-
-int CompareValues(const Variant& a, const Variant& b) {
-  const auto sign = [](const auto& x, const auto& y) { return x < y ? -1 : y < x ? 1 : 0; };
-  if (a.is_null() || b.is_null()) return static_cast<int>(b.is_null()) - static_cast<int>(a.is_null());
-  if (a.holds<DateTime>() || b.holds<DateTime>()) return sign(a.ToDateTime(), b.ToDateTime());
-  if (a.holds<double>() || b.holds<double>()) return sign(a.ToDouble(), b.ToDouble());
-  if (a.is_number() || b.is_number()) return sign(a.ToDecimal(), b.ToDecimal());
-  return sign(UpperCase(a.ToText()), UpperCase(b.ToText()));
-}
 
 struct RowCondition::Node {
   enum class Kind : std::uint8_t { kAnd, kOr, kComparison };
   Kind kind = Kind::kComparison;
-  std::unique_ptr<Node> left;
-  std::unique_ptr<Node> right;
+  /// Of AND and OR, which take any number, so that a long list is not a deep tree.
+  std::vector<Node> parts = {};
   std::size_t field = 0;
   Comparison comparison = Comparison::kEqual;
-  Variant value;
+  /// In the field's type; a pattern for LIKE.
+  Variant value = {};
 
   [[nodiscard]] bool Holds(const Recordset& rows) const {
-    if (kind == Kind::kAnd) return left->Holds(rows) && right->Holds(rows);
-    if (kind == Kind::kOr) return left->Holds(rows) || right->Holds(rows);
+    const auto holds = [&rows](const Node& part) { return part.Holds(rows); };
+    if (kind == Kind::kAnd) return std::all_of(parts.begin(), parts.end(), holds);
+    if (kind == Kind::kOr) return std::any_of(parts.begin(), parts.end(), holds);
     const Variant own = rows.Get(field);
     if (value.is_null()) return own.is_null() == (comparison == Comparison::kEqual);
     if (own.is_null()) return false;
-    if (comparison == Comparison::kLike) return MatchesPattern(own.ToText(), value.ToText());
+    if (comparison == Comparison::kLike) return MatchesLike(own.ToText(), *value.get_if<std::string>(), kEscape);
     const int order = CompareValues(own, value);
     switch (comparison) {
       case Comparison::kEqual:
@@ -77,140 +61,141 @@ namespace {
 
 using Node = RowCondition::Node;
 
+/// `value` in the type of the field's values. Raises what the conversion raises.
+Variant InTypeOf(const Field& field, const Variant& value) {
+  switch (field.type) {
+    case FieldType::kBit:
+      return value.ToBool();
+    case FieldType::kTinyInt:
+    case FieldType::kSmallInt:
+    case FieldType::kInt:
+    case FieldType::kBigInt:
+    case FieldType::kDecimal:
+    case FieldType::kMoney:
+      return value.ToDecimal();
+    case FieldType::kReal:
+    case FieldType::kFloat:
+      return value.ToDouble();
+    case FieldType::kDate:
+    case FieldType::kTime:
+    case FieldType::kDateTime:
+      return value.ToDateTime();
+    case FieldType::kBinary:
+    case FieldType::kVarBinary:
+      RaiseTypeMismatch();
+    default:
+      return value.ToText();
+  }
+}
+
 class Parser {
  public:
   Parser(std::string_view text, const Recordset& rows) : text_(text), rows_(rows) {}
 
-  std::unique_ptr<Node> Parse() {
-    std::unique_ptr<Node> node = Either();
-    SkipBlanks();
-    if (at_ < text_.size()) Fail();
+  Node Parse() {
+    Node node = Either();
+    if (!text_.AtEnd()) text_.Fail();
     return node;
   }
 
  private:
   static constexpr int kDeepest = 100;
 
-  [[noreturn]] void Fail() const {
-    Raise(kWrongArguments, "The condition '" + std::string(text_) + "' cannot be read at '" +
-                               std::string(text_.substr(std::min(at_, text_.size()))) + "'");
+  Node Either() {
+    return Joined(Node::Kind::kOr, "OR", [this] { return Both(); });
   }
-  void SkipBlanks() {
-    while (at_ < text_.size() && (text_[at_] == ' ' || text_[at_] == '\t')) ++at_;
+  Node Both() {
+    return Joined(Node::Kind::kAnd, "AND", [this] { return One(); });
   }
-  bool Accept(std::string_view sign) {
-    SkipBlanks();
-    if (!text_.substr(at_).starts_with(sign)) return false;
-    at_ += sign.size();
-    return true;
-  }
-  bool AcceptWord(std::string_view word) {
-    SkipBlanks();
-    const std::string_view rest = text_.substr(at_);
-    if (!StartsWithIgnoreCase(rest, word)) return false;
-    if (rest.size() > word.size() && IsNameCharacter(rest[word.size()])) return false;
-    at_ += word.size();
-    return true;
-  }
-  std::string_view TakeUntil(char end) {
-    const std::size_t begin = at_;
-    const std::size_t found = text_.find(end, at_);
-    if (found == std::string_view::npos) Fail();
-    at_ = found + 1;
-    return text_.substr(begin, found - begin);
-  }
-
-  std::unique_ptr<Node> Join(Node::Kind kind, std::unique_ptr<Node> left, std::unique_ptr<Node> right) {
-    auto node = std::make_unique<Node>();
-    node->kind = kind;
-    node->left = std::move(left);
-    node->right = std::move(right);
+  template <typename Part>
+  Node Joined(Node::Kind kind, std::string_view word, Part part) {
+    Node first = part();
+    if (!text_.AcceptWord(word)) return first;
+    Node node{.kind = kind};
+    node.parts.push_back(std::move(first));
+    do {
+      node.parts.push_back(part());
+    } while (text_.AcceptWord(word));
     return node;
   }
-  std::unique_ptr<Node> Either() {
-    std::unique_ptr<Node> node = Both();
-    while (AcceptWord("OR")) node = Join(Node::Kind::kOr, std::move(node), Both());
-    return node;
-  }
-  std::unique_ptr<Node> Both() {
-    std::unique_ptr<Node> node = One();
-    while (AcceptWord("AND")) node = Join(Node::Kind::kAnd, std::move(node), One());
-    return node;
-  }
-  std::unique_ptr<Node> One() {
-    if (!Accept("(")) return Compare();
-    if (++depth_ > kDeepest) Fail();
-    std::unique_ptr<Node> node = Either();
-    if (!Accept(")")) Fail();
+  Node One() {
+    if (!text_.Accept("(")) return Compare();
+    if (++depth_ > kDeepest) text_.Fail();
+    Node node = Either();
+    if (!text_.Accept(")")) text_.Fail();
     --depth_;
     return node;
   }
-  std::unique_ptr<Node> Compare() {
-    auto node = std::make_unique<Node>();
-    const std::string name = Name();
-    const auto field = rows_.FindField(name);
-    if (!field) Raise(error_number::kItemNotFound, "Item cannot be found: " + name);
-    node->field = *field;
-    node->comparison = Sign();
-    node->value = Value();
+  Node Compare() {
+    Node node;
+    node.field = text_.TakeField(rows_);
+    node.comparison = Sign();
+    if (text_.AcceptWord("NULL")) {
+      if (node.comparison != Comparison::kEqual && node.comparison != Comparison::kUnequal) text_.Fail();
+      node.value = Null{};
+      return node;
+    }
+    const Variant value = Value();
+    if (node.comparison == Comparison::kLike) {
+      node.value = Pattern(value.ToText());
+      return node;
+    }
+    try {
+      node.value = InTypeOf(rows_.fields()[node.field], value);
+    } catch (const Error&) {
+      text_.Fail();
+    }
     return node;
-  }
-  std::string Name() {
-    if (Accept("[")) return std::string(TakeUntil(']'));
-    SkipBlanks();
-    const std::size_t begin = at_;
-    while (at_ < text_.size() && IsNameCharacter(text_[at_])) ++at_;
-    if (at_ == begin) Fail();
-    return std::string(text_.substr(begin, at_ - begin));
   }
   Comparison Sign() {
     constexpr std::pair<std::string_view, Comparison> kSigns[] = {
         {"<>", Comparison::kUnequal}, {"<=", Comparison::kLessOrEqual}, {">=", Comparison::kGreaterOrEqual},
         {"=", Comparison::kEqual},    {"<", Comparison::kLess},         {">", Comparison::kGreater}};
     for (const auto& [sign, comparison] : kSigns) {
-      if (Accept(sign)) return comparison;
+      if (text_.Accept(sign)) return comparison;
     }
-    if (!AcceptWord("LIKE")) Fail();
+    if (!text_.AcceptWord("LIKE")) text_.Fail();
     return Comparison::kLike;
   }
   Variant Value() {
-    if (AcceptWord("NULL")) return Null{};
-    if (AcceptWord("TRUE")) return true;
-    if (AcceptWord("FALSE")) return false;
-    if (Accept("'")) {
-      std::string value(TakeUntil('\''));
-      while (at_ < text_.size() && text_[at_] == '\'') {
-        ++at_;
-        value += '\'';
-        value += TakeUntil('\'');
-      }
+    if (text_.AcceptWord("TRUE")) return true;
+    if (text_.AcceptWord("FALSE")) return false;
+    if (text_.Accept("#")) return text_.TakeUntil('#');
+    if (text_.Accept("'")) {
+      std::string value(text_.TakeUntil('\''));
+      while (text_.AcceptNext('\'')) value.append("'").append(text_.TakeUntil('\''));
       return value;
     }
-    if (Accept("#")) {
-      const auto date = DateTime::Parse(Trim(TakeUntil('#')));
-      if (!date) Fail();
-      return *date;
+    const Variant number(text_.TakeWord("+-."));
+    if (!IsNumeric(number)) text_.Fail();
+    return number;
+  }
+  /// As MatchesLike takes it: there % stands for any characters, and other signs have a meaning, too.
+  std::string Pattern(std::string_view given) const {
+    const auto wild = [](char c) { return c == '*' || c == '%'; };
+    std::string pattern;
+    for (std::size_t i = 0; i < given.size(); ++i) {
+      const char c = given[i];
+      if (wild(c)) {
+        if (i != 0 && i + 1 != given.size()) text_.Fail();
+        pattern += '%';
+        continue;
+      }
+      if (c == '_' || c == '[' || c == kEscape) pattern += kEscape;
+      pattern += c;
     }
-    SkipBlanks();
-    const std::size_t begin = at_;
-    while (at_ < text_.size() && (IsNameCharacter(text_[at_]) || text_[at_] == '.' || text_[at_] == '-')) ++at_;
-    const Variant number(text_.substr(begin, at_ - begin));
-    if (at_ == begin || !IsNumeric(number)) {
-      at_ = begin;
-      Fail();
-    }
-    return number.ToDecimal();
+    return pattern;
   }
 
-  std::string_view text_;
+  RowText text_;
   const Recordset& rows_;
-  std::size_t at_ = 0;
   int depth_ = 0;
 };
 
 }  // namespace
 
-RowCondition::RowCondition(std::string_view text, const Recordset& rows) : root_(Parser(text, rows).Parse()) {}
+RowCondition::RowCondition(std::string_view text, const Recordset& rows)
+    : root_(std::make_unique<Node>(Parser(text, rows).Parse())) {}
 
 RowCondition::~RowCondition() = default;
 

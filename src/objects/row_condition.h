@@ -8,15 +8,12 @@
 
 namespace tessarlorn {
 
-/// -1, 0 or 1 as values of one column are ordered: null first, numbers and dates by value, texts without regard to
-/// case.
-int CompareValues(const Variant& a, const Variant& b);
-
-/// Comparisons (=, <>, <, <=, >, >=, LIKE) of a field with a number, a 'text', a #date# or NULL, joined by AND and OR,
-/// with parentheses. LIKE knows * and % at the ends of its text. A comparison with a null holds only for = NULL.
+/// Comparisons (=, <>, <, <=, >, >=, LIKE) of a field with a number, TRUE, FALSE, NULL, or a text or date between '' or
+/// ##, joined by AND and OR, with parentheses; AND goes before OR. The value is taken in the field's type and compared
+/// as the database compares. LIKE knows * and % at the ends of its text. A null meets only = NULL, and no null <> NULL.
 class RowCondition {
  public:
-  /// Raises 3001 naming what cannot be read, 3265 for a field that the rows do not have.
+  /// Raises 3001 naming what cannot be read or does not fit the field, 3265 for a field that the rows do not have.
   RowCondition(std::string_view text, const Recordset& rows);
   ~RowCondition();
   RowCondition(const RowCondition&) = delete;

@@ -1,0 +1,49 @@
+// The fields of a recordset and one field as clients of automation see them, with ADO's members and numbers.
+#pragma once
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "objects/automation_object.h"
+#include "objects/recordset_view.h"
+
+namespace tessarlorn {
+
+/// A column; its value is that of the row which is current when it is asked for.
+class FieldObject final : public AutomationObject {
+ public:
+  /// @pre the rows have that field
+  FieldObject(std::shared_ptr<RecordsetView> view, std::size_t field) : view_(std::move(view)), field_(field) {}
+
+  static const ClassDescription& Description();
+  [[nodiscard]] const ClassDescription& description() const override { return Description(); }
+
+ protected:
+  Variant Do(const Member& member, MemberUse use, std::span<Variant> arguments) override;
+
+ private:
+  std::shared_ptr<RecordsetView> view_;
+  std::size_t field_;
+};
+
+/// `For Each` goes through the fields.
+class FieldsObject final : public AutomationObject {
+ public:
+  explicit FieldsObject(std::shared_ptr<RecordsetView> view) : view_(std::move(view)) {}
+
+  static const ClassDescription& Description();
+  [[nodiscard]] const ClassDescription& description() const override { return Description(); }
+  [[nodiscard]] std::vector<Variant> Items() const override;
+
+ protected:
+  Variant Do(const Member& member, MemberUse use, std::span<Variant> arguments) override;
+
+ private:
+  std::shared_ptr<RecordsetView> view_;
+};
+
+/// The field of that name or position as an object. Raises 3265 when there is none.
+Variant FieldOf(const std::shared_ptr<RecordsetView>& view, const Variant& name_or_position);
+
+}  // namespace tessarlorn

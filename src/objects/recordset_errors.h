@@ -1,0 +1,29 @@
+// The errors that clients of recordsets know, by ADO's numbers.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/error.h"
+
+namespace tessarlorn {
+
+namespace error_number {
+inline constexpr std::int32_t kWrongArguments = 3001;
+inline constexpr std::int32_t kObjectClosed = 3704;
+}  // namespace error_number
+
+/// 3001. @param what the argument at fault
+[[noreturn]] inline void RaiseWrongArguments(const std::string& what) {
+  Raise(error_number::kWrongArguments,
+        "Arguments are of the wrong type, are out of acceptable range, or are in conflict with one another: " + what);
+}
+/// 3021.
+[[noreturn]] inline void RaiseNoCurrentRecord() { Raise(error_number::kNoCurrentRecord, "No current record"); }
+/// 3265.
+[[noreturn]] inline void RaiseNoSuchField(std::string_view name) {
+  Raise(error_number::kItemNotFound, "Item cannot be found: " + std::string(name));
+}
+
+}  // namespace tessarlorn

@@ -286,8 +286,8 @@ void RecordsetObject::Find(std::span<const Variant> arguments) {
 }
 
 void RecordsetObject::SetFilter(const Variant& filter) {
-  const bool none = filter.is_number() && filter.ToInt32() == kFilterNone;
-  std::string text = none ? "" : filter.ToText();
+  if (filter.is_number() && filter.ToInt32() != kFilterNone) RaiseWrongArguments("Filter " + filter.ToText());
+  std::string text = filter.is_number() ? "" : filter.ToText();
   view_->Show(text, sort_);
   filter_ = std::move(text);
 }

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "drivers_embedded/database_support.h"
-#include "drivers_embedded/file_support.h"
+#include "support/temporary_folder.h"
 
 namespace tessarlorn {
 namespace {

@@ -6,7 +6,7 @@
 #include <sys/resource.h>
 
 #include "drivers_embedded/database_support.h"
-#include "drivers_embedded/file_support.h"
+#include "support/temporary_folder.h"
 
 namespace tessarlorn {
 namespace {

@@ -15,7 +15,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "drivers_embedded/file_support.h"
+#include "support/temporary_folder.h"
 
 namespace tessarlorn {
 

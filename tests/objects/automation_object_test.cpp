@@ -1,0 +1,181 @@
+#include "objects/automation_object.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <regex>
+#include <set>
+
+#include "objects/array.h"
+#include "objects/dictionary_object.h"
+#include "objects/object_support.h"
+#include "objects/service_class.h"
+#include "objects/vector_object.h"
+#include "platform/text.h"
+
+namespace tessarlorn {
+namespace {
+
+/// A member for each way of use.
+class Probe final : public AutomationObject {
+ public:
+  [[nodiscard]] const ClassDescription& description() const override {
+    static constexpr std::array kArguments = {
+        Argument{.name = "First", .type = ValueType::kLong},
+        Argument{.name = "Second", .type = ValueType::kString, .in_out = true, .optional = true},
+        Argument{.name = "Third", .type = ValueType::kLong, .optional = true}};
+    static const ClassDescription kDescription = {
+        .name = "Probe",
+        .prog_id = "",
+        .class_id = "",
+        .interface_id = "",
+        .help = "",
+        .members = {
+            {.name = "Work", .id = 1, .arguments = kArguments, .help = ""},
+            {.name = "Place", .id = 2, .uses = kGet | kPut, .arguments = std::span(kArguments).last(2), .help = ""}}};
+    return kDescription;
+  }
+
+  MemberUse use = kCall;
+  std::vector<Variant> given;
+
+ protected:
+  Variant Do(const Member& /*member*/, MemberUse used, std::span<Variant> arguments) override {
+    use = used;
+    given.assign(arguments.begin(), arguments.end());
+    if (arguments.size() > 1) arguments[1] = "written back";
+    return 1;
+  }
+};
+
+TEST(AutomationObjectTest, FillsInWhatIsLeftOutAndWritesBackWhatWasGiven) {
+  Probe probe;
+  std::vector<Variant> arguments = {1, "in"};
+  probe.Use(*probe.description().Find("WORK"), kCall, arguments);
+  ASSERT_EQ(probe.given.size(), 3U);
+  EXPECT_TRUE(probe.given[2].is_empty());
+  EXPECT_EQ(arguments[1].ToText(), "written back");
+  // The new value of a property stands behind its arguments, however many of them are given.
+  Put(probe, "Place", {"x", 5});
+  EXPECT_EQ(Texts(probe.given), (std::vector<std::string>{"x", "", "5"}));
+  Put(probe, "Place", {5});
+  EXPECT_EQ(Texts(probe.given), (std::vector<std::string>{"", "", "5"}));
+}
+
+TEST(AutomationObjectTest, RefusesWrongUseByNumber) {
+  Probe probe;
+  const struct {
+    const char* member;
+    MemberUse use;
+    std::vector<Variant> arguments;
+    std::int32_t error;
+  } cases[] = {
+      {"Work", kCall, {}, 449},    {"Work", kCall, {1, 2, 3, 4}, 450}, {"Work", kGet, {1}, 438},
+      {"Work", kPut, {1, 2}, 438}, {"Place", kPut, {}, 449},           {"Place", kPut, {1, 2, 3, 4}, 450},
+      {"Place", kCall, {}, 438},   {"Place", kGet, {1, 2, 3}, 450},
+  };
+  for (const auto& [member, use, arguments, error] : cases) {
+    EXPECT_EQ(
+        ErrorOf([&, &member = member, &use = use, &arguments = arguments] { Use(probe, member, use, arguments); }),
+        error)
+        << member << " " << arguments.size();
+  }
+  EXPECT_EQ(ErrorOf([&] { probe.Call("None", {}); }), 438);
+  EXPECT_EQ(ErrorOf([&] { static_cast<void>(probe.Items()); }), 438);
+  // By name a property is read.
+  EXPECT_EQ(probe.Call("place", {}).ToInt32(), 1);
+  EXPECT_EQ(probe.use, kGet);
+}
+
+TEST(AutomationObjectTest, ClassesAreDescribedWithoutClashes) {
+  std::set<std::string_view> guids = {kLibraryId};
+  std::set<std::string_view> names;
+  const std::regex guid("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}");
+  for (const ClassDescription* const description : AutomationClasses()) {
+    const std::string name(description->name);
+    EXPECT_TRUE(names.insert(description->name).second) << name;
+    EXPECT_FALSE(description->help.empty()) << name;
+    for (const std::string_view id : {description->class_id, description->interface_id}) {
+      EXPECT_TRUE(std::regex_match(id.begin(), id.end(), guid)) << name << " " << id;
+      EXPECT_TRUE(guids.insert(id).second) << name << " " << id;
+    }
+    std::set<std::int32_t> ids;
+    std::set<std::string> members;
+    for (const Member& member : description->members) {
+      const std::string what = name + "." + std::string(member.name);
+      EXPECT_TRUE(ids.insert(member.id).second) << what;
+      EXPECT_TRUE(members.insert(LowerCase(member.name)).second) << what;
+      EXPECT_NE(member.uses, 0) << what;
+      EXPECT_FALSE(member.help.empty()) << what;
+      EXPECT_EQ(description->Find(member.id), &member) << what;
+      // Behind an optional argument none can be mandatory.
+      EXPECT_TRUE(std::is_partitioned(member.arguments.begin(), member.arguments.end(), [](const Argument& argument) {
+        return !argument.optional;
+      })) << what;
+    }
+  }
+}
+
+TEST(AutomationObjectTest, ServiceClassesHaveEveryOperation) {
+  std::size_t members = 0;
+  for (const ServiceClass service : {ServiceClass::kSaveData, ServiceClass::kGetData}) {
+    members += ServiceClassObject::Description(service).members.size();
+  }
+  EXPECT_EQ(members, Operations().size());
+  for (const Operation* const operation : Operations()) {
+    const Member* const member = ServiceClassObject::Description(operation->service).Find(operation->name);
+    ASSERT_NE(member, nullptr) << operation->name;
+    EXPECT_EQ(member->help, operation->help);
+    EXPECT_EQ(member->result, operation->result) << operation->name;
+    EXPECT_EQ(member->uses, operation->property ? kGet : kCall) << operation->name;
+    EXPECT_EQ(member->arguments.data(), operation->arguments().data()) << operation->name;
+    EXPECT_EQ(member->arguments.size(), operation->argument_count) << operation->name;
+  }
+}
+
+TEST(AutomationObjectTest, CreatesTheClassesThatHaveAProgId) {
+  for (const ClassDescription* const description : AutomationClasses()) {
+    if (description->prog_id.empty()) {
+      EXPECT_EQ(ErrorOf([&] { CreateAutomationObject(*description); }), 429) << description->name;
+    } else {
+      EXPECT_EQ(&CreateAutomationObject(*description)->description(), description);
+    }
+  }
+  // Each is an object of its own.
+  const auto first = CreateAutomationObject(VectorObject::Description());
+  const auto second = CreateAutomationObject(VectorObject::Description());
+  Call(*first, "Add", {1});
+  EXPECT_EQ(Get(*second, "Count").ToInt32(), 0);
+}
+
+TEST(AutomationObjectTest, ServiceClassesCallTheirOperations) {
+  const auto service = CreateAutomationObject(ServiceClassObject::Description(ServiceClass::kSaveData));
+  EXPECT_EQ(Get(*service, "transmode").ToInt32(), service->Call("TransMode", {}).ToInt32());
+  EXPECT_EQ(ErrorOf([&] { Call(*service, "ConfirmBill"); }), 449);
+  // Mandatory keys are missing: nothing happens.
+  const Variant answer = Call(*service, "ConfirmBill", {std::make_shared<Dictionary>()});
+  EXPECT_TRUE(answer.holds<bool>());
+  EXPECT_FALSE(answer.ToBool());
+}
+
+TEST(AutomationObjectTest, ValuesAndTheirObjectsAreTheSame) {
+  const auto dictionary = std::make_shared<Dictionary>();
+  EXPECT_EQ(ValueOf(ObjectOf(dictionary)).ToDictionary(), dictionary);
+  const auto vector = std::make_shared<Vector>();
+  EXPECT_EQ(ValueOf(ObjectOf(vector)).ToVector(), vector);
+  for (const Variant& value : {Variant(), Variant(1), ToArray({}), Variant(std::shared_ptr<Object>()),
+                               Variant(RecordsetPtr()), Variant(std::shared_ptr<Dictionary>())}) {
+    EXPECT_EQ(ObjectOf(value), nullptr) << value.type_name();
+  }
+}
+
+/// A loop over `dictionary("rows")` ends only when each reading is the same recordset.
+TEST(AutomationObjectTest, RecordsetKeepsItsPositionInsideACollection) {
+  DictionaryObject dictionary(std::make_shared<Dictionary>());
+  Call(dictionary, "Add", {"rows", ValueOf(Rows())});
+  const auto read = [&] { return ObjectOf(Get(dictionary, "Item", {"rows"})); };
+  Call(*read(), "MoveNext");
+  EXPECT_EQ(Value(*read(), "FID").ToInt32(), 2);
+}
+
+}  // namespace
+}  // namespace tessarlorn

@@ -1,0 +1,68 @@
+#include "objects/dictionary_object.h"
+
+#include <gtest/gtest.h>
+
+#include "objects/array.h"
+#include "objects/object_support.h"
+
+namespace tessarlorn {
+namespace {
+
+std::vector<std::string> ArrayTexts(const Variant& array) {
+  const auto* const object = array.get_if<std::shared_ptr<Object>>();
+  return Texts(dynamic_cast<const Array&>(**object).values());
+}
+
+class DictionaryObjectTest : public testing::Test {
+ protected:
+  std::shared_ptr<Dictionary> inside_ = std::make_shared<Dictionary>();
+  DictionaryObject object_{inside_};
+};
+
+TEST_F(DictionaryObjectTest, KeepsValuesUnderKeysInTheirOrder) {
+  Call(object_, "Add", {"FID", 12});
+  Put(object_, "Item", {"fid", "small"});
+  Call(object_, "SetValue", {7, Null{}});
+  Put(object_, "item", {"FID", 13});
+  EXPECT_EQ(Get(object_, "Count").ToInt32(), 3);
+  EXPECT_EQ(Get(object_, "Item", {"FID"}).ToInt32(), 13);
+  EXPECT_TRUE(Get(object_, "Item", {"7"}).is_null());
+  EXPECT_EQ(ArrayTexts(Call(object_, "Keys")), (std::vector<std::string>{"FID", "fid", "7"}));
+  EXPECT_EQ(ArrayTexts(Call(object_, "Items")), (std::vector<std::string>{"13", "small", "NULL"}));
+  EXPECT_EQ(Texts(object_.Items()), ArrayTexts(Get(object_, "_NewEnum")));
+  EXPECT_TRUE(Call(object_, "Exists", {"fid"}).ToBool());
+  Call(object_, "Remove", {"fid"});
+  EXPECT_FALSE(Call(object_, "Exists", {"fid"}).ToBool());
+  Call(object_, "RemoveAll");
+  EXPECT_TRUE(inside_->empty());
+}
+
+TEST_F(DictionaryObjectTest, ReadsAbsentKeysWithoutMakingThem) {
+  EXPECT_TRUE(Get(object_, "Item", {"none"}).is_empty());
+  EXPECT_TRUE(Call(object_, "GetValue", {"none"}).is_empty());
+  EXPECT_EQ(Call(object_, "GetValue", {"none", 5}).ToInt32(), 5);
+  EXPECT_EQ(Get(object_, "Count").ToInt32(), 0);
+}
+
+TEST_F(DictionaryObjectTest, RefusesWhatDoesNotFit) {
+  Call(object_, "Add", {"FID", 12});
+  EXPECT_EQ(ErrorOf([&] { Call(object_, "Add", {"FID", 13}); }), 457);
+  EXPECT_EQ(ErrorOf([&] { Call(object_, "Remove", {"fid"}); }), 32811);
+  EXPECT_EQ(ErrorOf([&] { Call(object_, "Add", {Variant(inside_), 1}); }), 13);
+  EXPECT_EQ(Get(object_, "Item", {"FID"}).ToInt32(), 12);
+}
+
+TEST_F(DictionaryObjectTest, MayHoldItself) {
+  Call(object_, "Add", {"self", inside_});
+  EXPECT_EQ(Get(object_, "Item", {"self"}).ToDictionary(), inside_);
+  EXPECT_EQ(ArrayTexts(Call(object_, "Keys")), std::vector<std::string>{"self"});
+  // Nothing but itself holds it when it is emptied.
+  DictionaryObject last(std::make_shared<Dictionary>());
+  Call(last, "Add", {"self", last.dictionary()});
+  Call(last, "RemoveAll");
+  EXPECT_EQ(last.dictionary().use_count(), 1);
+  Call(object_, "RemoveAll");
+}
+
+}  // namespace
+}  // namespace tessarlorn

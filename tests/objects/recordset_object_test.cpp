@@ -1,0 +1,273 @@
+#include "objects/recordset_object.h"
+
+#include <gtest/gtest.h>
+
+#include "objects/array.h"
+#include "objects/object_support.h"
+
+namespace tessarlorn {
+namespace {
+
+const Array& ArrayOf(const Variant& value) {
+  return dynamic_cast<const Array&>(**value.get_if<std::shared_ptr<Object>>());
+}
+
+class RecordsetObjectTest : public testing::Test {
+ protected:
+  /// BOF, EOF and AbsolutePosition, as "--3".
+  std::string Place() {
+    return std::string(Get(rs_, "BOF").ToBool() ? "B" : "-") + (Get(rs_, "EOF").ToBool() ? "E" : "-") +
+           Get(rs_, "AbsolutePosition").ToText();
+  }
+  std::int32_t Id() { return Value(rs_, "FID").ToInt32(); }
+
+  std::shared_ptr<AutomationObject> object_ = Rows();
+  AutomationObject& rs_ = *object_;
+};
+
+TEST_F(RecordsetObjectTest, MovesFromOneEndToTheOther) {
+  EXPECT_EQ(Place(), "--1");
+  std::string ids;
+  for (; !Get(rs_, "EOF").ToBool(); Call(rs_, "MoveNext")) ids += Value(rs_, 0).ToText();
+  EXPECT_EQ(ids, "12345");
+  EXPECT_EQ(Place(), "-E-3");
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "MoveNext"); }), 3021);
+  EXPECT_EQ(ErrorOf([&] { Id(); }), 3021);
+  EXPECT_EQ(Place(), "-E-3");
+  Call(rs_, "MovePrevious");
+  EXPECT_EQ(Id(), 5);
+  Call(rs_, "MoveFirst");
+  Call(rs_, "MovePrevious");
+  EXPECT_EQ(Place(), "B--2");
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "MovePrevious"); }), 3021);
+  Call(rs_, "MoveNext");
+  EXPECT_EQ(Place(), "--1");
+  Call(rs_, "MoveLast");
+  EXPECT_EQ(Place(), "--5");
+}
+
+TEST_F(RecordsetObjectTest, MovesByCountFromARowABookmarkOrAnEnd) {
+  Call(rs_, "Move", {2});
+  EXPECT_EQ(Id(), 3);
+  const Variant third = Get(rs_, "Bookmark");
+  Call(rs_, "Move", {-1});
+  EXPECT_EQ(Id(), 2);
+  Call(rs_, "Move", {1, third});
+  EXPECT_EQ(Id(), 4);
+  Call(rs_, "Move", {1, 1});
+  EXPECT_EQ(Id(), 2);
+  Call(rs_, "Move", {-1, 2});
+  EXPECT_EQ(Id(), 4);
+  Call(rs_, "Move", {0, third});
+  EXPECT_EQ(Id(), 3);
+  Call(rs_, "Move", {100});
+  EXPECT_EQ(Place(), "-E-3");
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "Move", {1}); }), 3021);
+  Call(rs_, "Move", {-2147483647});
+  EXPECT_EQ(Place(), "B--2");
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "Move", {1, 99}); }), 3001);
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "Move", {1, -1}); }), 3001);
+  EXPECT_EQ(Place(), "B--2");
+}
+
+TEST_F(RecordsetObjectTest, SetsAbsolutePositionToRowsOnly) {
+  Put(rs_, "AbsolutePosition", {4});
+  EXPECT_EQ(Id(), 4);
+  for (const std::int32_t position : {-3, -1, 0, 6}) {
+    EXPECT_EQ(ErrorOf([&] { Put(rs_, "AbsolutePosition", {position}); }), 3001) << position;
+  }
+  EXPECT_EQ(Id(), 4);
+}
+
+TEST_F(RecordsetObjectTest, WithoutRowsIsAtBothEndsAndHasNoPlaceToGo) {
+  const auto empty = std::make_shared<Recordset>(SampleRows()->fields());
+  const auto none = Rows(empty);
+  Put(rs_, "Filter", {"FID = 99"});
+  for (AutomationObject* const rows : {none.get(), &rs_}) {
+    EXPECT_TRUE(Get(*rows, "BOF").ToBool());
+    EXPECT_TRUE(Get(*rows, "EOF").ToBool());
+    EXPECT_EQ(Get(*rows, "RecordCount").ToInt32(), 0);
+    EXPECT_EQ(Get(*rows, "AbsolutePosition").ToInt32(), -1);
+    for (const char* const member : {"MoveFirst", "MoveLast", "MoveNext", "MovePrevious", "GetRows", "GetString"}) {
+      EXPECT_EQ(ErrorOf([&] { Call(*rows, member); }), 3021) << member;
+    }
+    for (const std::vector<Variant>& move : {std::vector<Variant>{0}, {1, 1}, {-1, 2}}) {
+      EXPECT_EQ(ErrorOf([&] { Call(*rows, "Move", move); }), 3021) << move[0].ToText();
+    }
+    EXPECT_EQ(ErrorOf([&] { Call(*rows, "Find", {"FID = 1", 0, 1, 2}); }), 3021);
+    EXPECT_EQ(ErrorOf([&] { Get(*rows, "Bookmark"); }), 3021);
+    EXPECT_EQ(ErrorOf([&] { Value(*rows, "FID"); }), 3021);
+    EXPECT_TRUE(Get(*rows, "BOF").ToBool() && Get(*rows, "EOF").ToBool());
+    Put(*rows, "Sort", {"FID"});
+  }
+  Put(rs_, "Filter", {0});
+  EXPECT_EQ(Get(rs_, "RecordCount").ToInt32(), 5);
+}
+
+TEST_F(RecordsetObjectTest, BookmarksStayWithTheirRow) {
+  Put(rs_, "AbsolutePosition", {2});
+  const Variant second = Get(rs_, "Bookmark");
+  Put(rs_, "Sort", {"FID DESC"});
+  EXPECT_EQ(Id(), 5);
+  Put(rs_, "Bookmark", {second});
+  EXPECT_EQ(Id(), 2);
+  EXPECT_EQ(Place(), "--4");
+  const auto clone = ObjectOf(Call(rs_, "Clone"));
+  EXPECT_EQ(Value(*clone, "FID").ToInt32(), 1);
+  Put(*clone, "Bookmark", {second});
+  EXPECT_EQ(Value(*clone, "FID").ToInt32(), 2);
+  Put(rs_, "Filter", {"FID > 2"});
+  EXPECT_EQ(ErrorOf([&] { Put(rs_, "Bookmark", {second}); }), 3001);
+  EXPECT_EQ(Id(), 5);
+}
+
+TEST_F(RecordsetObjectTest, TwoObjectsOfTheSameRowsMoveOnTheirOwn) {
+  const RecordsetPtr shared = SampleRows();
+  const auto one = Rows(shared);
+  const auto other = Rows(shared);
+  Call(*one, "MoveLast");
+  Put(*other, "Filter", {"FID = 3"});
+  EXPECT_EQ(Value(*one, "FID").ToInt32(), 5);
+  EXPECT_EQ(Value(*other, "FID").ToInt32(), 3);
+  Call(*one, "Close");
+  EXPECT_EQ(Value(*other, "FID").ToInt32(), 3);
+}
+
+TEST_F(RecordsetObjectTest, FindsForwardsAndBackwards) {
+  const struct {
+    std::int32_t from;
+    std::vector<Variant> arguments;
+    const char* place;
+  } cases[] = {
+      {1, {"FID = 1"}, "--1"},
+      {1, {"FDate = #2024-01-02#", 1}, "--5"},
+      {3, {"FID = 1"}, "-E-3"},
+      {3, {"FID = 1", 0, -1}, "--1"},
+      {3, {"FID = 3", 1, -1}, "B--2"},
+      {1, {"FPaid = TRUE", 1, -1, 2}, "--3"},
+      {5, {"FPaid = TRUE", 0, 1, 1}, "--1"},
+      {4, {"FPaid = TRUE", -1}, "--3"},
+      {2, {"FID > 0", 2147483647}, "-E-3"},
+      {2, {"FID > 0", 2147483647, -1}, "B--2"},
+  };
+  for (const auto& [from, arguments, place] : cases) {
+    Put(rs_, "AbsolutePosition", {from});
+    Call(rs_, "Find", arguments);
+    EXPECT_EQ(Place(), place) << from << " " << arguments[0].ToText();
+  }
+  // The search needs a row to begin at.
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "Find", {"FID = 1"}); }), 3021);
+  Call(rs_, "MoveFirst");
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "Find", {"FID = 1", 0, 0}); }), 3001);
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "Find", {"FID ="}); }), 3001);
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "Find", {"None = 1"}); }), 3265);
+  EXPECT_EQ(Place(), "--1");
+}
+
+TEST_F(RecordsetObjectTest, FiltersAndSortsTogether) {
+  Call(rs_, "MoveLast");
+  Put(rs_, "Sort", {"FCost DESC, FID DESC"});
+  EXPECT_EQ(Id(), 3);
+  EXPECT_EQ(Keys(rs_), "3,1,2,5,4");
+  Put(rs_, "Filter", {"FCost > 0"});
+  EXPECT_EQ(Keys(rs_), "3,1,2");
+  EXPECT_EQ(Get(rs_, "Filter").ToText(), "FCost > 0");
+  EXPECT_EQ(Get(rs_, "Sort").ToText(), "FCost DESC, FID DESC");
+  // What cannot be read leaves everything as it is.
+  Call(rs_, "MoveLast");
+  EXPECT_EQ(ErrorOf([&] { Put(rs_, "Filter", {"FCost >"}); }), 3001);
+  EXPECT_EQ(ErrorOf([&] { Put(rs_, "Sort", {"None"}); }), 3265);
+  EXPECT_EQ(ErrorOf([&] { Put(rs_, "Filter", {2}); }), 3001);
+  EXPECT_EQ(Place(), "--3");
+  EXPECT_EQ(Get(rs_, "Filter").ToText(), "FCost > 0");
+  Put(rs_, "Filter", {""});
+  EXPECT_TRUE(Get(rs_, "Filter").holds<std::int32_t>());
+  EXPECT_EQ(Get(rs_, "Filter").ToInt32(), 0);
+  Put(rs_, "Sort", {""});
+  EXPECT_EQ(Keys(rs_), "1,2,3,4,5");
+}
+
+TEST_F(RecordsetObjectTest, GetRowsAnswersFieldsOfRows) {
+  const Variant two = Call(rs_, "GetRows", {2, {}, ToArray({"FBuyer", 0})});
+  EXPECT_EQ(ArrayOf(two).dimensions(), 2);
+  EXPECT_EQ(ArrayOf(two).columns(), 2U);
+  EXPECT_EQ(Texts(ArrayOf(two).values()), (std::vector<std::string>{"Wang", "1", "apple_b", "2"}));
+  EXPECT_EQ(Place(), "--3");
+  EXPECT_EQ(ArrayOf(Call(rs_, "GetRows")).values().size(), 3U * 8U);
+  EXPECT_EQ(Place(), "-E-3");
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "GetRows"); }), 3021);
+  const Variant all = Call(rs_, "GetRows", {-1, 1, "FID"});
+  EXPECT_EQ(ArrayOf(all).columns(), 1U);
+  EXPECT_EQ(Texts(ArrayOf(all).values()), (std::vector<std::string>{"1", "2", "3", "4", "5"}));
+  EXPECT_EQ(Texts(ArrayOf(Call(rs_, "GetRows", {100, 2, 0})).values()), std::vector<std::string>{"5"});
+}
+
+TEST_F(RecordsetObjectTest, GetRowsRefusesWithoutMoving) {
+  Put(rs_, "AbsolutePosition", {3});
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "GetRows", {-2}); }), 3001);
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "GetRows", {1, 77}); }), 3001);
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "GetRows", {1, 1, "None"}); }), 3265);
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "GetRows", {1, 1, ToArray({0, 8})}); }), 3265);
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "GetRows", {1, 1, ToArray({})}); }), 3001);
+  EXPECT_EQ(Place(), "--3");
+}
+
+TEST_F(RecordsetObjectTest, GetStringWritesRowsAsText) {
+  EXPECT_EQ(Call(rs_, "GetString", {2, 1}).ToText(), "1\tWang\t12.5000\t0.5\t2024-01-02 00:00:00\tTrue\tb\t01ab\r");
+  EXPECT_EQ(Place(), "--2");
+  Call(rs_, "MoveLast");
+  Call(rs_, "MovePrevious");
+  EXPECT_EQ(Call(rs_, "GetString", {{}, {}, ";", "|", "-"}).ToText(),
+            "4;-;-1.0000;0.1;2023-12-31 00:00:00;-;a\tb;01ab|5;O'Neil 50%;0.0000;3;2024-01-02 00:00:00;False;;01ab|");
+  EXPECT_EQ(Place(), "-E-3");
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "GetString"); }), 3021);
+  Call(rs_, "MoveFirst");
+  EXPECT_EQ(Call(rs_, "GetString", {2, 0}).ToText(), "");
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "GetString", {1}); }), 3001);
+  EXPECT_EQ(ErrorOf([&] { Call(rs_, "GetString", {2, -5}); }), 3001);
+  EXPECT_EQ(Place(), "--1");
+}
+
+TEST_F(RecordsetObjectTest, ClosedKnowsNothingButItsState) {
+  EXPECT_EQ(Get(rs_, "State").ToInt32(), 1);
+  const auto fields = ObjectOf(Get(rs_, "Fields"));
+  const auto field = ObjectOf(Get(rs_, "Fields", {"FID"}));
+  Call(rs_, "Close");
+  EXPECT_EQ(Get(rs_, "State").ToInt32(), 0);
+  for (const Member& member : rs_.description().members) {
+    if (member.name == "State") continue;
+    for (const MemberUse use : {kCall, kGet, kPut}) {
+      if ((member.uses & use) == 0) continue;
+      EXPECT_EQ(ErrorOf([&] {
+                  Use(rs_, member.name, use, std::vector<Variant>(member.arguments.size() + (use == kPut ? 1 : 0)));
+                }),
+                3704)
+          << member.name;
+    }
+  }
+  EXPECT_EQ(ErrorOf([&] { Get(*fields, "Count"); }), 3704);
+  EXPECT_EQ(ErrorOf([&] { static_cast<void>(fields->Items()); }), 3704);
+  for (const Member& member : field->description().members) {
+    EXPECT_EQ(ErrorOf([&] { Get(*field, member.name); }), 3704) << member.name;
+  }
+}
+
+TEST_F(RecordsetObjectTest, IsDisconnectedAndReadOnly) {
+  const RecordsetPtr rows = SampleRows();
+  const auto object = Rows(rows);
+  EXPECT_EQ(Get(*object, "ActiveConnection").type_name(), "Nothing");
+  Put(*object, "ActiveConnection", {std::shared_ptr<Object>()});
+  EXPECT_FALSE(rows->attached());
+  EXPECT_EQ(ErrorOf([&] { Put(*object, "ActiveConnection", {"Provider=x"}); }), 3001);
+  EXPECT_EQ(Get(*object, "CursorLocation").ToInt32(), 3);
+  EXPECT_EQ(Get(*object, "CursorType").ToInt32(), 3);
+  EXPECT_EQ(Get(*object, "LockType").ToInt32(), 1);
+  constexpr std::int32_t kMoveBackAndBookmark = 0x200 | 0x2000;
+  constexpr std::int32_t kUpdate = 0x1008000;
+  EXPECT_TRUE(Call(*object, "Supports", {kMoveBackAndBookmark}).ToBool());
+  EXPECT_FALSE(Call(*object, "Supports", {kUpdate}).ToBool());
+  EXPECT_FALSE(Call(*object, "Supports", {kMoveBackAndBookmark | kUpdate}).ToBool());
+}
+
+}  // namespace
+}  // namespace tessarlorn

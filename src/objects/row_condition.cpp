@@ -166,7 +166,7 @@ class Parser {
       while (text_.AcceptNext('\'')) value.append("'").append(text_.TakeUntil('\''));
       return value;
     }
-    const Variant number(text_.TakeWord("+-."));
+    Variant number(text_.TakeWord("+-."));
     if (!IsNumeric(number)) text_.Fail();
     return number;
   }

@@ -117,7 +117,7 @@ void PutBytes(const Bytes& bytes, VARIANT* out) {
 }
 
 void PutArray(const Array& values, VARIANT* out) {
-  const std::size_t count = values.values().size();
+  const std::size_t count = values.size();
   SAFEARRAYBOUND bounds[2] = {{static_cast<ULONG>(count), 0}, {}};
   if (values.dimensions() == 2) {
     bounds[0].cElements = static_cast<ULONG>(values.columns());
@@ -129,7 +129,7 @@ void PutArray(const Array& values, VARIANT* out) {
   out->vt = VT_ARRAY | VT_VARIANT;
   try {
     auto* const cells = static_cast<VARIANT*>(array->pvData);
-    for (std::size_t i = 0; i < count; ++i) ToVariant(values.values()[i], &cells[i]);
+    for (std::size_t i = 0; i < count; ++i) ToVariant(values.At(i), &cells[i]);
   } catch (...) {
     VariantClear(out);
     throw;
@@ -170,7 +170,7 @@ Variant Collected(const Variant& value, int depth) {
   if (const auto vector = value.ToVector()) return vector_of(*vector);
   const auto* const object = value.get_if<std::shared_ptr<Object>>();
   if (object == nullptr) return value;
-  if (const auto* array = dynamic_cast<const Array*>(object->get())) return vector_of(array->values());
+  if (const auto* array = dynamic_cast<const Array*>(object->get())) return vector_of(array->Values());
   auto* const foreign = dynamic_cast<ForeignObject*>(object->get());
   if (foreign == nullptr) return value;
   if (foreign->Has("Keys") && foreign->Has("Item")) {

@@ -236,20 +236,25 @@ Variant RecordsetObject::GetRows(const Variant& rows, const Variant& start, cons
     columns.resize(view_->fields().size());
     std::iota(columns.begin(), columns.end(), std::size_t{0});
   } else if (const auto* array = list == nullptr ? nullptr : dynamic_cast<const Array*>(list->get())) {
-    for (const Variant& field : array->values()) columns.push_back(view_->FieldIndex(field));
+    for (const Variant& field : array->Values()) columns.push_back(view_->FieldIndex(field));
     if (columns.empty()) RaiseWrongArguments("Fields names none");
   } else {
     columns.push_back(view_->FieldIndex(fields));
   }
   const std::size_t first = PositionOf(start);
   const std::size_t end = first + RowsFrom(*view_, first, rows);
-  std::vector<Variant> values;
-  values.reserve((end - first) * columns.size());
-  for (std::size_t position = first; position < end; ++position) {
-    for (const std::size_t column : columns) values.push_back(view_->Value(position, column));
-  }
+  std::vector<std::size_t> numbers;
+  numbers.reserve(end - first);
+  for (std::size_t position = first; position < end; ++position) numbers.push_back(view_->RowNumber(position));
   view_->set_position(end);
-  return std::shared_ptr<Object>(std::make_shared<Array>(std::move(values), columns.size()));
+  const std::size_t width = columns.size();
+  const std::size_t size = numbers.size() * width;
+  const auto read = [own = view_->rows(), numbers = std::move(numbers),
+                     columns = std::move(columns)](std::size_t place) {
+    own->MoveTo(numbers[place / columns.size()]);
+    return own->Get(columns[place % columns.size()]);
+  };
+  return std::shared_ptr<Object>(std::make_shared<Array>(read, size, width));
 }
 
 Variant RecordsetObject::GetString(std::span<const Variant> arguments) {

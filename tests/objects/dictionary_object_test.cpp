@@ -2,16 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "objects/array.h"
 #include "objects/object_support.h"
 
 namespace tessarlorn {
 namespace {
-
-std::vector<std::string> ArrayTexts(const Variant& array) {
-  const auto* const object = array.get_if<std::shared_ptr<Object>>();
-  return Texts(dynamic_cast<const Array&>(**object).values());
-}
 
 class DictionaryObjectTest : public testing::Test {
  protected:

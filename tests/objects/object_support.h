@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "objects/array.h"
 #include "objects/automation_object.h"
 #include "platform/error.h"
 #include "platform/recordset.h"
@@ -43,12 +44,17 @@ inline std::int32_t ErrorOf(const std::function<void()>& action) {
   return 0;
 }
 
-/// An array's values as text.
+/// Values as text.
 inline std::vector<std::string> Texts(std::span<const Variant> values) {
   std::vector<std::string> texts;
   for (const Variant& value : values) texts.push_back(value.is_null() ? "NULL" : value.ToText());
   return texts;
 }
+
+inline const Array& ArrayOf(const Variant& value) {
+  return dynamic_cast<const Array&>(**value.get_if<std::shared_ptr<Object>>());
+}
+inline std::vector<std::string> ArrayTexts(const Variant& value) { return Texts(ArrayOf(value).Values()); }
 
 /// Orders 1 to 5: FID int, FBuyer nvarchar(20), FCost money, FWeight float, FDate datetime, FPaid bit, [Remark, own]
 /// nvarchar(max), FData varbinary(8).

@@ -2,15 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "objects/array.h"
 #include "objects/object_support.h"
 
 namespace tessarlorn {
 namespace {
-
-const Array& ArrayOf(const Variant& value) {
-  return dynamic_cast<const Array&>(**value.get_if<std::shared_ptr<Object>>());
-}
 
 class RecordsetObjectTest : public testing::Test {
  protected:
@@ -191,15 +186,20 @@ TEST_F(RecordsetObjectTest, GetRowsAnswersFieldsOfRows) {
   const Variant two = Call(rs_, "GetRows", {2, {}, ToArray({"FBuyer", 0})});
   EXPECT_EQ(ArrayOf(two).dimensions(), 2);
   EXPECT_EQ(ArrayOf(two).columns(), 2U);
-  EXPECT_EQ(Texts(ArrayOf(two).values()), (std::vector<std::string>{"Wang", "1", "apple_b", "2"}));
+  EXPECT_EQ(ArrayTexts(two), (std::vector<std::string>{"Wang", "1", "apple_b", "2"}));
+  EXPECT_EQ(ArrayOf(two).At(3).ToInt32(), 2);
   EXPECT_EQ(Place(), "--3");
-  EXPECT_EQ(ArrayOf(Call(rs_, "GetRows")).values().size(), 3U * 8U);
+  EXPECT_EQ(ArrayOf(Call(rs_, "GetRows")).size(), 3U * 8U);
   EXPECT_EQ(Place(), "-E-3");
   EXPECT_EQ(ErrorOf([&] { Call(rs_, "GetRows"); }), 3021);
   const Variant all = Call(rs_, "GetRows", {-1, 1, "FID"});
+  // They are those of the rows as they stood, whatever becomes of the recordset.
+  Put(rs_, "Sort", {"FID DESC"});
   EXPECT_EQ(ArrayOf(all).columns(), 1U);
-  EXPECT_EQ(Texts(ArrayOf(all).values()), (std::vector<std::string>{"1", "2", "3", "4", "5"}));
-  EXPECT_EQ(Texts(ArrayOf(Call(rs_, "GetRows", {100, 2, 0})).values()), std::vector<std::string>{"5"});
+  EXPECT_EQ(ArrayTexts(all), (std::vector<std::string>{"1", "2", "3", "4", "5"}));
+  EXPECT_EQ(ArrayTexts(Call(rs_, "GetRows", {100, 2, 0})), std::vector<std::string>{"1"});
+  Call(rs_, "Close");
+  EXPECT_EQ(ArrayTexts(two)[0], "Wang");
 }
 
 TEST_F(RecordsetObjectTest, GetRowsRefusesWithoutMoving) {

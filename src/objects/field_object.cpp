@@ -4,6 +4,7 @@
 #include <string>
 
 #include "objects/field_traits.h"
+#include "objects/recordset_errors.h"
 #include "platform/text.h"
 
 namespace tessarlorn {
@@ -47,7 +48,10 @@ const ClassDescription& FieldObject::Description() {
       .interface_id = "6F69B62D-BC58-457E-BC9B-4306A22F0426",
       .help = "A column of a recordset.",
       .members = {
-          {.name = "Value", .id = kDefaultMember, .uses = kGet, .help = "The value in the current row."},
+          {.name = "Value",
+           .id = kDefaultMember,
+           .uses = kGet | kPut,
+           .help = "The value in the current row. Writing raises 3251: the rows are read only."},
           {.name = "Name", .id = kName, .uses = kGet, .result = ValueType::kString, .help = "The column's name."},
           number("Type", kType, "ADO's number of the type, as 202 for nvarchar."),
           number("DefinedSize", kDefinedSize, "Characters of text, bytes of anything else."),
@@ -58,8 +62,9 @@ const ClassDescription& FieldObject::Description() {
   return kDescription;
 }
 
-Variant FieldObject::Do(const Member& member, MemberUse /*use*/, std::span<Variant> /*arguments*/) {
+Variant FieldObject::Do(const Member& member, MemberUse use, std::span<Variant> /*arguments*/) {
   const Field& field = view_->fields()[field_];
+  if (use == kPut) Raise(error_number::kReadOnlyRows, "Current Recordset does not support updating: " + field.name);
   switch (member.id) {
     case kName:
       return field.name;

@@ -60,7 +60,8 @@ std::size_t RecordsetView::FieldIndex(const Variant& name_or_position) {
   const std::vector<Field>& all = fields();
   if (name_or_position.is_number()) {
     const double position = name_or_position.ToDouble();
-    if (position < 0 || position >= static_cast<double>(all.size())) RaiseNoSuchField(name_or_position.ToText());
+    const bool inside = position >= 0 && position < static_cast<double>(all.size());
+    if (!inside) RaiseNoSuchField(name_or_position.ToText());
     return static_cast<std::size_t>(position);
   }
   if (names_.empty()) {

@@ -13,7 +13,7 @@ std::string Quoted(std::string_view text) {
   std::string quoted = "\"";
   for (const char c : text) {
     if (c == '"' || c == '\\') quoted += '\\';
-    quoted += c == '\n' ? ' ' : c;
+    quoted += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
   }
   return quoted + "\"";
 }

@@ -1,5 +1,6 @@
 #include "objects/field_object.h"
 
+#include <cmath>
 #include <gtest/gtest.h>
 
 #include "objects/object_support.h"
@@ -21,6 +22,7 @@ TEST(FieldObjectTest, FollowsTheCurrentRow) {
   Call(*rows, "MovePrevious");
   EXPECT_EQ(ErrorOf([&] { Get(*buyer, "Value"); }), 3021);
   EXPECT_EQ(Get(*buyer, "Name").ToText(), "FBuyer");
+  EXPECT_EQ(ErrorOf([&] { Put(*buyer, "Value", {"Li"}); }), 3251);
 }
 
 TEST(FieldObjectTest, IsFoundByNameAndPosition) {
@@ -34,7 +36,8 @@ TEST(FieldObjectTest, IsFoundByNameAndPosition) {
   EXPECT_EQ(name(7.0), "FData");
   EXPECT_EQ(name(std::int16_t{1}), "FBuyer");
   EXPECT_EQ(name("REMARK, OWN"), "Remark, own");
-  for (const Variant& index : {Variant(8), Variant(-1), Variant("0"), Variant(""), Variant(1e300), Variant(Null{})}) {
+  for (const Variant& index :
+       {Variant(8), Variant(-1), Variant("0"), Variant(""), Variant(1e300), Variant(std::nan("")), Variant(Null{})}) {
     EXPECT_EQ(ErrorOf([&] { name(index); }), 3265) << index.ToText();
     EXPECT_EQ(ErrorOf([&] { Get(*rows, "Fields", {index}); }), 3265) << index.ToText();
   }

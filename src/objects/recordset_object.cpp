@@ -206,7 +206,7 @@ std::size_t RecordsetObject::PositionOf(const Variant& bookmark) const {
   const std::int32_t number = LongOr(bookmark, kBookmarkCurrent);
   if (number == kBookmarkCurrent) return view_->position();
   if (number == kBookmarkFirst) return 1;
-  if (number == kBookmarkLast) return std::max<std::size_t>(view_->count(), 1);
+  if (number == kBookmarkLast) return view_->count();
   const auto position =
       number < 0 ? std::nullopt : view_->PositionOf(static_cast<std::size_t>(number - kFirstRowBookmark));
   if (!position) RaiseWrongArguments("the bookmark " + bookmark.ToText());

@@ -175,6 +175,7 @@ TEST_F(RecordsetObjectTest, FiltersAndSortsTogether) {
   EXPECT_EQ(ErrorOf([&] { Put(rs_, "Filter", {2}); }), 3001);
   EXPECT_EQ(Place(), "--3");
   EXPECT_EQ(Get(rs_, "Filter").ToText(), "FCost > 0");
+  EXPECT_EQ(Keys(rs_), "3,1,2");
   Put(rs_, "Filter", {""});
   EXPECT_TRUE(Get(rs_, "Filter").holds<std::int32_t>());
   EXPECT_EQ(Get(rs_, "Filter").ToInt32(), 0);

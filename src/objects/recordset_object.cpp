@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <numeric>
+#include <utility>
 
 #include "objects/array.h"
 #include "objects/field_object.h"
@@ -249,12 +250,11 @@ Variant RecordsetObject::GetRows(const Variant& rows, const Variant& start, cons
   view_->set_position(end);
   const std::size_t width = columns.size();
   const std::size_t size = numbers.size() * width;
-  const auto read = [own = view_->rows(), numbers = std::move(numbers),
-                     columns = std::move(columns)](std::size_t place) {
+  auto read = [own = view_->rows(), numbers = std::move(numbers), columns = std::move(columns)](std::size_t place) {
     own->MoveTo(numbers[place / columns.size()]);
     return own->Get(columns[place % columns.size()]);
   };
-  return std::shared_ptr<Object>(std::make_shared<Array>(read, size, width));
+  return std::shared_ptr<Object>(std::make_shared<Array>(std::move(read), size, width));
 }
 
 Variant RecordsetObject::GetString(std::span<const Variant> arguments) {

@@ -1,7 +1,6 @@
 // The library's entry points, and the factory of its classes.
-#include <algorithm>
-#include <atomic>
-#include <new>
+#include <map>
+#include <string_view>
 
 #include "com/dispatch.h"
 #include "com/errors.h"
@@ -14,6 +13,7 @@
 namespace tessarlorn::com {
 namespace {
 
+/// Lives as long as the library, so that a host that forgets one loses no memory with each object.
 class ClassFactory final : public IClassFactory {
  public:
   explicit ClassFactory(const ClassDescription& description) : description_(description) {}
@@ -28,11 +28,13 @@ class ClassFactory final : public IClassFactory {
     AddRef();
     return S_OK;
   }
-  ULONG STDMETHODCALLTYPE AddRef() override { return references_.fetch_add(1) + 1; }
+  ULONG STDMETHODCALLTYPE AddRef() override {
+    ModuleLock::Add();
+    return 2;
+  }
   ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = references_.fetch_sub(1) - 1;
-    if (left == 0) delete this;
-    return left;
+    ModuleLock::Remove();
+    return 1;
   }
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID id, void** out) override {
     if (out == nullptr) return E_POINTER;
@@ -51,16 +53,21 @@ class ClassFactory final : public IClassFactory {
   }
 
  private:
-  const ModuleLock lock_;
-  std::atomic<ULONG> references_{1};
   const ClassDescription& description_;
 };
 
-HRESULT FindClass(const CLSID& class_id, const IID& id, void** out) {
+std::map<std::string_view, ClassFactory> MakeFactories() {
+  std::map<std::string_view, ClassFactory> factories;
   for (const ClassDescription* const description : AutomationClasses()) {
-    if (description->prog_id.empty() || !IsEqualCLSID(ToGuid(description->class_id), class_id)) continue;
-    const auto factory = Pointer<IClassFactory>::Adopt(new ClassFactory(*description));
-    return factory->QueryInterface(id, out);
+    if (!description->prog_id.empty()) factories.try_emplace(description->class_id, *description);
+  }
+  return factories;
+}
+
+HRESULT FindClass(const CLSID& class_id, const IID& id, void** out) {
+  static std::map<std::string_view, ClassFactory> factories = MakeFactories();
+  for (auto& [own_id, factory] : factories) {
+    if (IsEqualCLSID(ToGuid(own_id), class_id)) return factory.QueryInterface(id, out);
   }
   return CLASS_E_CLASSNOTAVAILABLE;
 }

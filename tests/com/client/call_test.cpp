@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+
+#include "com/client/typed_object.h"
+
+namespace tessarlorn::com_test {
+namespace {
+
+constexpr const wchar_t* kReads = L"TessarLornPickingAndDelivery.clsGetData";
+constexpr const wchar_t* kMemory = L"Embedded=:memory:client";
+constexpr const wchar_t* kChinese = L"\u5f20\u4e09 \U0001F4E6";
+
+class CallTest : public testing::Test {
+ protected:
+  static Answer Ask(const TypedObject& reads, const std::wstring& sql) {
+    return reads.Call(L"ExecuteSQL", {kMemory, sql});
+  }
+  static Value First(const TypedObject& reads, const std::wstring& sql) {
+    const Answer rows = Ask(reads, sql);
+    if (rows.value.object() == nullptr) return {};
+    const TypedObject field(TypedObject(rows.value.object()).Call(L"Fields", {0}).value.object());
+    return field.Call(L"Value").value;
+  }
+  static HRESULT Numbers(IDispatch* object, std::vector<std::wstring> names, std::vector<DISPID>& ids) {
+    std::vector<LPOLESTR> texts;
+    for (std::wstring& name : names) texts.push_back(name.data());
+    ids.assign(names.size(), 0);
+    return object->GetIDsOfNames(IID_NULL, texts.data(), static_cast<UINT>(texts.size()), LOCALE_USER_DEFAULT,
+                                 ids.data());
+  }
+
+  Apartment apartment_;
+};
+
+TEST_F(CallTest, NamesAreKnownWithoutRegardToCase) {
+  const TypedObject reads(kReads);
+  std::vector<DISPID> ids;
+  EXPECT_EQ(Numbers(reads.get(), {L"executeSQL", L"STRSQL", L"sdsn"}, ids), S_OK);
+  EXPECT_EQ(ids, (std::vector<DISPID>{reads.Number(L"ExecuteSQL"), 1, 0}));
+  EXPECT_EQ(Numbers(reads.get(), {L"ExecuteSQL", L"none", L"sDsn"}, ids), DISP_E_UNKNOWNNAME);
+  EXPECT_EQ(ids, (std::vector<DISPID>{reads.Number(L"ExecuteSQL"), DISPID_UNKNOWN, 0}));
+  EXPECT_EQ(Numbers(reads.get(), {L"ConfirmBill"}, ids), DISP_E_UNKNOWNNAME);
+  EXPECT_EQ(Invoke(reads.get(), 12345, DISPATCH_METHOD, {}).status, DISP_E_MEMBERNOTFOUND);
+}
+
+TEST_F(CallTest, ArgumentsCanBeNamed) {
+  const TypedObject reads(kReads);
+  const DISPID id = reads.Number(L"ExecuteSQL");
+  const Answer all = Invoke(reads.get(), id, DISPATCH_METHOD, {L"select 5 a", kMemory}, {1, 0});
+  ASSERT_EQ(all.status, S_OK);
+  EXPECT_NE(all.value.object(), nullptr);
+  EXPECT_EQ(Invoke(reads.get(), id, DISPATCH_METHOD, {kMemory, L"select 5 a"}, {1}).status, S_OK);
+
+  const Answer missing = Invoke(reads.get(), id, DISPATCH_METHOD, {L"select 5 a"}, {1});
+  EXPECT_EQ(missing.status, DISP_E_EXCEPTION);
+  EXPECT_EQ(missing.error, static_cast<HRESULT>(0x800A01C1));
+  EXPECT_EQ(missing.description, L"Argument not optional: sDsn of ExecuteSQL");
+  EXPECT_EQ(Invoke(reads.get(), id, DISPATCH_METHOD, {kMemory, L"select 1", 3}, {9}).error,
+            static_cast<HRESULT>(0x800A01C2));
+  EXPECT_EQ(Invoke(reads.get(), id, DISPATCH_METHOD, {Value::LeftOut(), L"select 1"}).error,
+            static_cast<HRESULT>(0x800A01C1));
+}
+
+TEST_F(CallTest, OptionalArgumentsMayBeLeftOutAnywhere) {
+  const TypedObject reads(kReads);
+  const TypedObject rows(Ask(reads, L"select 1 a, 2 b union all select 3, 4 order by a").value.object());
+  // GetRows(Rows, Start, Fields) with the last alone: by name, or with the others left out.
+  const DISPID id = rows.Number(L"GetRows");
+  for (const Answer& answer : {Invoke(rows.get(), id, DISPATCH_METHOD, {L"b"}, {2}),
+                               Invoke(rows.get(), id, DISPATCH_METHOD, {Value::LeftOut(), 1, L"b"})}) {
+    ASSERT_EQ(answer.value.type(), VT_ARRAY | VT_VARIANT);
+    SAFEARRAY* const cells = Value(answer.value).get().parray;
+    ASSERT_EQ(SafeArrayGetDim(cells), 2U);
+    EXPECT_EQ(cells->rgsabound[0].cElements, 2U);
+    EXPECT_EQ(cells->rgsabound[1].cElements, 1U);
+    Invoke(rows.get(), rows.Number(L"MoveFirst"), DISPATCH_METHOD, {});
+  }
+}
+
+TEST_F(CallTest, AnswersHaveTheDeclaredTypesEvenWhenThereIsNothingToAnswer) {
+  const TypedObject reads(kReads);
+  const TypedObject saves(L"TessarLornPickingAndDelivery.clsSaveData");
+  const Value nothing(static_cast<IDispatch*>(nullptr));
+  EXPECT_EQ(reads.Call(L"TransMode").value.type(), VT_I4);
+  EXPECT_EQ(reads.Call(L"bExistStock", {nothing}).value.type(), VT_BOOL);
+  EXPECT_EQ(reads.Call(L"GetTotalLogisticsCosts", {nothing}).value.type(), VT_R8);
+  EXPECT_EQ(saves.Call(L"GetUniqueCodeIndex", {nothing}).value.type(), VT_BSTR);
+  const Answer rows = reads.Call(L"GetWeightByFID", {nothing});
+  EXPECT_EQ(rows.value.type(), VT_DISPATCH);
+  EXPECT_EQ(rows.value.object(), nullptr);
+  EXPECT_EQ(First(reads, L"select cast(1 as bit) f").get().boolVal, VARIANT_TRUE);
+}
+
+TEST_F(CallTest, TextComesBackAsItWent) {
+  const TypedObject reads(kReads);
+  EXPECT_EQ(First(reads, L"select N'" + std::wstring(kChinese) + L"'").text(), kChinese);
+  const TypedObject dictionary(L"Mirel.Dictionary");
+  EXPECT_EQ(dictionary.Put(L"Item", {kChinese, 7}).status, S_OK);
+  EXPECT_EQ(dictionary.Call(L"Item", {kChinese}).value.number(), 7);
+  const Answer error = Ask(reads, L"select [" + std::wstring(kChinese) + L"] from (select 1 a) t");
+  EXPECT_EQ(error.error, static_cast<HRESULT>(0x80040E14));
+  EXPECT_EQ(error.description, L"Invalid column name '" + std::wstring(kChinese) + L"'.");
+}
+
+TEST_F(CallTest, ErrorsNeedNoReceiver) {
+  const TypedObject reads(kReads);
+  DISPPARAMS none{};
+  EXPECT_EQ(
+      reads.get()->Invoke(reads.Number(L"ExecuteSQL"), IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr),
+      DISP_E_EXCEPTION);
+  com::Pointer<ISupportErrorInfo> support = com::Query<ISupportErrorInfo>(reads.get());
+  ASSERT_TRUE(support);
+  EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IDispatch), S_OK);
+  EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IPersist), S_FALSE);
+}
+
+// References of each kind that a client's variable may have.
+TEST_F(CallTest, InOutArgumentsAreWrittenBackInTheTypeOfTheVariable) {
+  const TypedObject reads(kReads);
+  ASSERT_EQ(Ask(reads, L"create table IC_WebshopToStorage (FWebShopID int, FWebShopType int)").status, S_OK);
+  Ask(reads, L"create table IC_Web2ERPOrders (FID int, FWebShopID int)");
+  Ask(reads, L"insert into IC_WebshopToStorage values (7, 42)");
+  Ask(reads, L"insert into IC_Web2ERPOrders values (1, 7)");
+  const auto call = [&](VARTYPE type, void* target) {
+    Value reference;
+    reference.get().vt = static_cast<VARTYPE>(type | VT_BYREF);
+    reference.get().byref = target;
+    return Invoke(reads.get(), reads.Number(L"CheckWebShopTypeSameByOrders"), DISPATCH_METHOD,
+                  {kMemory, L"1", reference});
+  };
+  short small = 0;
+  EXPECT_EQ(call(VT_I2, &small).value.get().boolVal, VARIANT_TRUE);
+  EXPECT_EQ(small, 42);
+  long number = 0;
+  EXPECT_EQ(call(VT_I4, &number).status, S_OK);
+  EXPECT_EQ(number, 42);
+  double real = 0;
+  EXPECT_EQ(call(VT_R8, &real).status, S_OK);
+  EXPECT_EQ(real, 42);
+  Value any(L"1");
+  EXPECT_EQ(call(VT_VARIANT, &any.get()).status, S_OK);
+  EXPECT_EQ(any.type(), VT_I2);
+  EXPECT_EQ(any.number(), 42);
+  BSTR text = SysAllocString(L"1");
+  EXPECT_EQ(call(VT_BSTR, &text).status, S_OK);
+  EXPECT_STREQ(text, L"42");
+  SysFreeString(text);
+}
+
+}  // namespace
+}  // namespace tessarlorn::com_test

@@ -1,0 +1,117 @@
+#include <gtest/gtest.h>
+#include <thread>
+
+#include "com/client/typed_object.h"
+
+namespace tessarlorn::com_test {
+namespace {
+
+constexpr const wchar_t* kLibrary = L"TessarLornPickingAndDelivery.dll";
+
+template <typename Function>
+Function Entry(const char* name) {
+  return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(kLibrary), name)));
+}
+using CanUnload = HRESULT(STDAPICALLTYPE*)();
+using GetClass = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
+
+TEST(LifetimeTest, TheLibraryCanGoWhenAllIsReleased) {
+  const Apartment apartment;
+  Value kept;
+  {
+    const TypedObject reads(L"TessarLornPickingAndDelivery.clsGetData");
+    const Answer rows = reads.Call(L"ExecuteSQL", {L"Embedded=:memory:lifetime", L"select 1 a"});
+    ASSERT_NE(rows.value.object(), nullptr);
+    kept = TypedObject(rows.value.object()).Call(L"Fields", {0}).value;
+  }
+  const auto can_unload = Entry<CanUnload>("DllCanUnloadNow");
+  ASSERT_NE(can_unload, nullptr);
+  EXPECT_EQ(can_unload(), S_FALSE);
+  EXPECT_EQ(TypedObject(kept.object()).Call(L"Value").value.number(), 1);
+  kept = Value();
+  EXPECT_EQ(can_unload(), S_OK);
+
+  void* factory = nullptr;
+  const auto get_class = Entry<GetClass>("DllGetClassObject");
+  EXPECT_EQ(get_class(IID_IDispatch, IID_IClassFactory, &factory), CLASS_E_CLASSNOTAVAILABLE);
+  EXPECT_EQ(factory, nullptr);
+  CLSID class_id{};
+  ASSERT_EQ(CLSIDFromProgID(L"Mirel.Vector", &class_id), S_OK);
+  EXPECT_EQ(get_class(class_id, IID_IDispatch, &factory), E_NOINTERFACE);
+  ASSERT_EQ(get_class(class_id, IID_IClassFactory, &factory), S_OK);
+  EXPECT_EQ(can_unload(), S_FALSE);
+  const auto own = com::Pointer<IClassFactory>::Adopt(static_cast<IClassFactory*>(factory));
+  void* outer = nullptr;
+  EXPECT_EQ(own->CreateInstance(own.get(), IID_IUnknown, &outer), CLASS_E_NOAGGREGATION);
+  EXPECT_EQ(own->CreateInstance(nullptr, IID_IEnumVARIANT, &outer), E_NOINTERFACE);
+  EXPECT_EQ(own->LockServer(TRUE), S_OK);
+  EXPECT_EQ(own->LockServer(FALSE), S_OK);
+}
+
+TEST(LifetimeTest, EnumerationsGoBackAndFromWhereTheyAre) {
+  const Apartment apartment;
+  const TypedObject vector(L"Mirel.Vector");
+  for (const int number : {10, 20, 30, 40}) vector.Call(L"Add", {number});
+  const Answer made = Invoke(vector.get(), DISPID_NEWENUM, DISPATCH_METHOD | DISPATCH_PROPERTYGET, {});
+  ASSERT_EQ(made.value.type(), VT_UNKNOWN);
+  const auto items = com::Query<IEnumVARIANT>(Value(made.value).get().punkVal);
+  ASSERT_TRUE(items);
+  // Later changes do not reach it.
+  vector.Call(L"Clear");
+  const auto next = [](IEnumVARIANT* from, ULONG count) {
+    std::vector<int> numbers;
+    std::vector<VARIANT> read(count);
+    ULONG fetched = 0;
+    const HRESULT status = from->Next(count, read.data(), &fetched);
+    EXPECT_EQ(status, fetched == count ? S_OK : S_FALSE);
+    for (ULONG i = 0; i < fetched; ++i) numbers.push_back(static_cast<int>(read[i].lVal));
+    return numbers;
+  };
+  EXPECT_EQ(next(items.get(), 1), std::vector<int>{10});
+  EXPECT_EQ(items->Skip(1), S_OK);
+  com::Pointer<IEnumVARIANT> copy;
+  ASSERT_EQ(items->Clone(copy.Receive()), S_OK);
+  EXPECT_EQ(next(items.get(), 5), (std::vector<int>{30, 40}));
+  EXPECT_EQ(items->Skip(1), S_FALSE);
+  EXPECT_EQ(next(copy.get(), 1), std::vector<int>{30});
+  EXPECT_EQ(items->Reset(), S_OK);
+  EXPECT_EQ(next(items.get(), 2), (std::vector<int>{10, 20}));
+}
+
+TEST(LifetimeTest, TwoApartmentsWriteToOneFileAtOnce) {
+  constexpr int kRounds = 50;
+  const wchar_t* const folder = _wgetenv(L"TESSARLORN_TEST_FOLDER");
+  ASSERT_NE(folder, nullptr);
+  const std::wstring path = std::wstring(folder) + L"\\apartments.db";
+  for (const wchar_t* const end : {L"", L"-wal", L"-shm"}) DeleteFileW((path + end).c_str());
+  const std::wstring connection = L"Embedded=" + path + L";Synchronous=Normal";
+  {
+    const Apartment apartment;
+    const TypedObject reads(L"TessarLornPickingAndDelivery.clsGetData");
+    ASSERT_EQ(reads.Call(L"ExecuteSQL", {connection, L"create table T (FID int)"}).status, S_OK);
+  }
+  int done[2] = {};
+  const auto work = [&](int& rounds) {
+    const Apartment apartment;
+    for (int i = 0; i < kRounds; ++i) {
+      const TypedObject reads(L"TessarLornPickingAndDelivery.clsGetData");
+      if (reads.Call(L"ExecuteSQL", {connection, L"insert into T values (1)"}).status == S_OK) ++rounds;
+      if (reads.Call(L"ExecuteSQL", {connection, L"select nothing"}).error == static_cast<HRESULT>(0x80040E14))
+        ++rounds;
+    }
+  };
+  std::thread one(work, std::ref(done[0]));
+  std::thread other(work, std::ref(done[1]));
+  one.join();
+  other.join();
+  EXPECT_EQ(done[0], 2 * kRounds);
+  EXPECT_EQ(done[1], 2 * kRounds);
+  const Apartment apartment;
+  const TypedObject reads(L"TessarLornPickingAndDelivery.clsGetData");
+  const Answer rows = reads.Call(L"ExecuteSQL", {connection, L"select count(*) n from T"});
+  const TypedObject field(TypedObject(rows.value.object()).Call(L"Fields", {0}).value.object());
+  EXPECT_EQ(field.Call(L"Value").value.number(), 2 * kRounds);
+}
+
+}  // namespace
+}  // namespace tessarlorn::com_test

@@ -1,0 +1,82 @@
+#include <gtest/gtest.h>
+
+#include "com/client/typed_object.h"
+
+namespace tessarlorn::com_test {
+namespace {
+
+std::wstring Taken(BSTR text) {
+  const std::wstring copy = text == nullptr ? L"" : text;
+  SysFreeString(text);
+  return copy;
+}
+
+class TypeLibraryTest : public testing::TestWithParam<const wchar_t*> {
+ protected:
+  Apartment apartment_;
+};
+
+// What a client that binds early reads is what one that binds late asks the object for.
+TEST_P(TypeLibraryTest, DescribesWhatTheObjectAnswers) {
+  const TypedObject object(GetParam());
+  TYPEATTR* attributes = nullptr;
+  ASSERT_EQ(object.info()->GetTypeAttr(&attributes), S_OK);
+  EXPECT_EQ(attributes->typekind, TKIND_DISPATCH);
+  const UINT count = attributes->cFuncs;
+  void* same = nullptr;
+  EXPECT_EQ(object.get()->QueryInterface(attributes->guid, &same), S_OK);
+  if (same != nullptr) static_cast<IUnknown*>(same)->Release();
+  object.info()->ReleaseTypeAttr(attributes);
+  EXPECT_GT(count, 5U);
+  for (UINT i = 0; i < count; ++i) {
+    FUNCDESC* function = nullptr;
+    ASSERT_EQ(object.info()->GetFuncDesc(i, &function), S_OK);
+    const DISPID id = function->memid;
+    const auto parameters = static_cast<UINT>(function->cParams);
+    const bool put = (function->invkind & INVOKE_PROPERTYPUT) != 0;
+    object.info()->ReleaseFuncDesc(function);
+    BSTR name = nullptr;
+    BSTR help = nullptr;
+    ASSERT_EQ(object.info()->GetDocumentation(id, &name, &help, nullptr, nullptr), S_OK);
+    const std::wstring member = Taken(name);
+    EXPECT_FALSE(Taken(help).empty()) << i;
+    BSTR names[16] = {};
+    UINT found = 0;
+    ASSERT_EQ(object.info()->GetNames(id, names, 16, &found), S_OK);
+    // The new value of a property has no name of its own.
+    EXPECT_GE(found + (put ? 1 : 0), parameters + 1) << i;
+    DISPID own = DISPID_UNKNOWN;
+    HRESULT status = object.get()->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &own);
+    EXPECT_EQ(status, S_OK) << i;
+    EXPECT_EQ(own, id) << i;
+    const UINT arguments = put ? parameters - 1 : parameters;
+    std::vector<DISPID> ids(arguments + 1);
+    status = object.get()->GetIDsOfNames(IID_NULL, names, arguments + 1, LOCALE_USER_DEFAULT, ids.data());
+    EXPECT_EQ(status, S_OK) << i;
+    for (UINT a = 1; a < ids.size(); ++a) EXPECT_EQ(ids[a], static_cast<DISPID>(a - 1)) << i;
+    for (BSTR text : names) SysFreeString(text);
+  }
+}
+
+TEST_P(TypeLibraryTest, KnowsTheClassOfTheObject) {
+  const TypedObject object(GetParam());
+  const com::Pointer<IProvideClassInfo> provider = com::Query<IProvideClassInfo>(object.get());
+  ASSERT_TRUE(provider);
+  com::Pointer<ITypeInfo> info;
+  ASSERT_EQ(provider->GetClassInfo(info.Receive()), S_OK);
+  TYPEATTR* attributes = nullptr;
+  ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
+  CLSID class_id{};
+  EXPECT_EQ(CLSIDFromProgID(GetParam(), &class_id), S_OK);
+  EXPECT_EQ(attributes->typekind, TKIND_COCLASS);
+  EXPECT_TRUE(IsEqualGUID(attributes->guid, class_id));
+  info->ReleaseTypeAttr(attributes);
+}
+
+INSTANTIATE_TEST_SUITE_P(Classes, TypeLibraryTest,
+                         testing::Values(L"TessarLornPickingAndDelivery.clsSaveData",
+                                         L"TessarLornPickingAndDelivery.clsGetData", L"Mirel.Dictionary",
+                                         L"Mirel.Vector"));
+
+}  // namespace
+}  // namespace tessarlorn::com_test

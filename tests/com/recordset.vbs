@@ -1,0 +1,126 @@
+' Values of every kind in and out, and the members of recordsets.
+Option Explicit
+Dim reads, memory, rs, field, text, values, bookmark, files, path, chinese, vector
+memory = "Embedded=:memory:recordset"
+Set reads = CreateObject("TessarLornPickingAndDelivery.clsGetData")
+Sub Failure(what)
+  WScript.Echo what, Err.Number, Err.Source, Err.Description
+  Err.Clear
+End Sub
+
+Set rs = reads.ExecuteSQL(memory, "create table T (FID int, FName nvarchar(20), FAmount decimal(19,2), FDate datetime, " & _
+  "FReal float, FFlag bit, FSmall smallint, FBytes varbinary(4), FBig bigint)")
+WScript.Echo rs Is Nothing '= -1
+Set rs = reads.ExecuteSQL(memory, "insert into T values " & _
+  "(1, 'it''s', -1.25, '2026-11-21 18:45:10', 1.5, 1, -7, 0x0102, 99999999999), " & _
+  "(2, nchar(24352) + nchar(19977), 79228162514264.33, '1899-12-29', -0.5, 0, 7, null, -1), " & _
+  "(3, null, null, null, null, null, null, null, null)")
+Set rs = reads.executesql(memory, "select * from T order by FID")
+
+' Kinds of values, and ADO's numbers of types.
+For Each field In rs.Fields
+  text = text & field.Name & ":" & field.Type & ":" & VarType(field.Value) & " "
+Next
+WScript.Echo Trim(text) '= FID:3:3 FName:202:8 FAmount:131:14 FDate:135:7 FReal:5:5 FFlag:11:11 FSmall:2:2 FBytes:204:8209 FBig:20:14
+WScript.Echo rs("FName"), CStr(rs("FAmount").Value), rs("FReal"), rs("FSmall"), CStr(rs("FBig").Value) '= it's -1.25 1.5 -7 99999999999
+WScript.Echo rs("FFlag").Value + 0, Year(rs("FDate").Value), Hour(rs("FDate").Value), rs("FBytes").ActualSize '= -1 2026 18 2
+rs.MoveNext
+chinese = rs("FName").Value
+WScript.Echo Len(chinese), rs("FName").ActualSize, CStr(rs("FAmount").Value), CDbl(rs("FDate").Value) '= 2 2 79228162514264.33 -1
+WScript.Echo rs.Fields("FName").DefinedSize, rs.Fields("FAmount").Precision, rs.Fields("FAmount").NumericScale '= 20 19 2
+rs.MoveNext
+WScript.Echo IsNull(rs("FName").Value), IsNull(rs("FBytes").Value), rs("FName").ActualSize '= -1 -1 0
+
+' Positions.
+WScript.Echo rs.RecordCount, rs.AbsolutePosition, rs.EOF, rs.BOF, rs.State '= 3 3 0 0 1
+bookmark = rs.Bookmark
+rs.MoveNext
+WScript.Echo rs.EOF, rs.AbsolutePosition '= -1 -3
+rs.MoveFirst
+rs.MovePrevious
+WScript.Echo rs.BOF, rs.AbsolutePosition '= -1 -2
+rs.Bookmark = bookmark
+WScript.Echo rs(0) '= 3
+rs.Move -2
+WScript.Echo rs.Fields.Item(0) '= 1
+rs.Move 1, bookmark - 2
+WScript.Echo rs.Fields(0) '= 2
+rs.AbsolutePosition = 1
+rs.MoveLast
+WScript.Echo rs("fid"), rs.Fields.Count '= 3 9
+
+' All at once.
+rs.MoveFirst
+values = rs.GetRows
+WScript.Echo UBound(values, 1), UBound(values, 2), values(1, 0), values(0, 2), IsNull(values(8, 2)), rs.EOF '= 8 2 it's 3 -1 -1
+rs.MoveFirst
+values = rs.GetRows(2, 1, Array("FSmall", 0))
+WScript.Echo UBound(values, 1), UBound(values, 2), values(0, 1), values(1, 1), rs.AbsolutePosition '= 1 1 7 2 3
+Set field = reads.ExecuteSQL(memory, "select FID, FName, FAmount, FDate, FFlag, FBig from T where FID <> 2 order by FID")
+WScript.Echo field.GetString(2, -1, "|", ";", "-") '= 1|it's|-1.25|2026-11-21 18:45:10|True|99999999999;3|-|-|-|-|-;
+
+' Find, Sort, Filter.
+rs.MoveFirst
+rs.Find "FSmall = 7"
+WScript.Echo rs("FID") '= 2
+rs.Find "FID < 2", 0, -1
+WScript.Echo rs("FID") '= 1
+rs.Find "FID = 9"
+WScript.Echo rs.EOF '= -1
+rs.Sort = "FSmall desc"
+WScript.Echo rs(0), rs.Sort '= 2 FSmall desc
+rs.Filter = "FName = '" & chinese & "' or FAmount < 0"
+WScript.Echo rs.RecordCount, rs(0) '= 2 2
+rs.Filter = ""
+WScript.Echo rs.RecordCount '= 3
+
+' Files.
+Set files = CreateObject("Scripting.FileSystemObject")
+path = WScript.Arguments(1) & "\recordset.xml"
+If files.FileExists(path) Then files.DeleteFile path
+rs.Save path, 1
+WScript.Echo files.FileExists(path), rs.AbsolutePosition '= -1 1
+Set rs.ActiveConnection = Nothing
+WScript.Echo rs.ActiveConnection Is Nothing, rs.CursorLocation '= -1 3
+
+' Chinese text, numbers, dates and Null as arguments, as values of a dictionary and inside SQL.
+Set vector = CreateObject("Mirel.Vector")
+vector.Add chinese
+vector.Add CCur(1.5)
+vector.Add CByte(200)
+vector.Add 3.25
+vector.Add Null
+vector.Add Array(1, "two", Array(3))
+WScript.Echo vector(1) = chinese, TypeName(vector(2)), vector(3), vector(4), IsNull(vector(5)) '= -1 Decimal 200 3.25 -1
+values = vector(6)
+WScript.Echo values(1), UBound(values) '= two 2
+WScript.Echo reads.ExecuteSQL(memory, "select count(*) from T where FName = N'" & chinese & "'")(0) '= 1
+
+On Error Resume Next
+rs.Save path
+WScript.Echo Err.Number '= 58
+Err.Clear
+rs.MoveLast
+rs.MoveNext
+text = rs(0).Value
+Failure "row" '= row 3021 TessarLornPickingAndDelivery No current record
+rs.MoveNext
+Failure "next" '= next 3021 TessarLornPickingAndDelivery No current record
+text = rs("FNone")
+Failure "field" '= field 3265 TessarLornPickingAndDelivery Item cannot be found: FNone
+rs.Filter = "FID ="
+WScript.Echo Err.Number '= 3001
+Err.Clear
+rs.Close
+WScript.Echo rs.State, Err.Number '= 0 0
+text = rs.EOF
+Failure "closed" '= closed 3704 TessarLornPickingAndDelivery Operation is not allowed when the object is closed.
+Set rs = reads.ExecuteSQL("Embedded=" & WScript.Arguments(1) & "\none\none.db", "select 1")
+WScript.Echo Hex(Err.Number), Err.Source '= 80040E4D TessarLorn embedded database
+Err.Clear
+Set rs = reads.ExecuteSQL(memory, "select 1", 3)
+Failure "many" '= many 450 TessarLornPickingAndDelivery Wrong number of arguments: clsGetData.ExecuteSQL
+Set rs = reads.ExecuteSQL(memory)
+Failure "few" '= few 449 TessarLornPickingAndDelivery Argument not optional: StrSql of clsGetData.ExecuteSQL
+Set rs = reads.GetListData(memory, "no dictionary")
+Failure "kind" '= kind 13 TessarLornPickingAndDelivery Type mismatch

@@ -1,0 +1,69 @@
+"""Programs of Windows under Wine, in the prefix that WINEPREFIX names."""
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+
+ENVIRONMENT = {name: value for name, value in os.environ.items() if name != "DISPLAY"} | {
+    # What the interpreter of scripts does not understand it says only here.
+    "WINEDEBUG": "-all,fixme+vbscript"
+}
+
+
+def windows_path(path):
+    """As a program of Windows names a file of this machine."""
+    return "Z:" + str(pathlib.Path(path).resolve()).replace("/", "\\")
+
+
+def run(*words, check=True):
+    """Runs a program; answers its output. Its error output, in which Wine chats, is shown when it fails."""
+    done = subprocess.run(["wine", *words], env=ENVIRONMENT, capture_output=True, timeout=300, check=False)
+    if check and done.returncode != 0:
+        raise SystemExit(f"{words[0]} ended with {done.returncode}: {(done.stdout + done.stderr).decode(errors='replace')}")
+    return done.stdout.decode("utf-8", errors="replace").replace("\r\n", "\n")
+
+
+def start_script(script, *arguments):
+    """A script under cscript, running."""
+    words = ["wine", "cscript", "//nologo", windows_path(script), *arguments]
+    return subprocess.Popen(words, env=ENVIRONMENT, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+
+
+def run_script(script, *arguments):
+    """A script's output, and what the interpreter says of it."""
+    with start_script(script, *arguments) as process:
+        output, remarks = process.communicate(timeout=300)
+    return tuple(text.decode("utf-8", errors="replace").replace("\r\n", "\n") for text in (output, remarks))
+
+
+def expectations(script):
+    """What a script says that it prints, as (number of the line, text): the remarks that begin with '= ."""
+    found = []
+    for number, line in enumerate(script.splitlines(), 1):
+        if match := re.search(r"'= ?(.*)$", line):
+            found.append((number, match.group(1).rstrip()))
+    return found
+
+
+def differences(script, output):
+    """The places where a script's output is not what it says, as lines to read."""
+    wanted = expectations(script)
+    lines = output.splitlines()
+    faults = [
+        f"line {number}: expected {text!r}, got {line!r}"
+        for (number, text), line in zip(wanted, lines)
+        if text != line
+    ]
+    if len(lines) < len(wanted):
+        faults.append(f"nothing more after line {wanted[len(lines)][0]}, which prints {wanted[len(lines)][1]!r}")
+    return faults + [f"unexpected: {line!r}" for line in lines[len(wanted):]]
+
+
+def copy_database(database, folder, name):
+    """A copy of a database for one test, which may change it."""
+    copy = pathlib.Path(folder) / f"{name}.db"
+    for left in (copy, copy.with_name(copy.name + "-wal"), copy.with_name(copy.name + "-shm")):
+        left.unlink(missing_ok=True)
+    shutil.copy(database, copy)
+    return copy

@@ -110,8 +110,7 @@ lines.Clear
 lines.Add kept
 WScript.Echo saves.SetUpLogisticsNumberAndWeight(session, lines) '= -1
 WScript.Echo saves.ModifyCost(Keys(Array("FID", "LogisticsCosts"), first & "," & second, 9.5, 0, 0)) '= -1
-WScript.Echo reads.GetTotalLogisticsCosts(Orders(all)) = _
-  CDbl(Ask("select sum(FLogisticsCost) from IC_Web2ERPOrders where FID in (" & all & ")")) '= -1
+WScript.Echo reads.GetTotalLogisticsCosts(Orders(third)), TypeName(reads.GetTotalLogisticsCosts(Orders(all))) '= 18.5 Double
 WScript.Echo saves.Delivery(Orders(all)), CountOf("FOrderStatus = 14") '= -1 4
 WScript.Echo saves.BackToThePreviousStep(Keys(Array("FID", "UpdateFlag"), second, True, 0, 0)), CountOf("FOrderStatus = 6") '= -1 1
 WScript.Echo saves.Delivery(Orders(second)), CountOf("FOrderStatus = 14") '= -1 4

@@ -1,8 +1,10 @@
 #include "com/dispatch.h"
 
+#include <algorithm>
+#include <array>
 #include <atomic>
+#include <span>
 #include <utility>
-#include <vector>
 
 #include "com/enumeration.h"
 #include "com/errors.h"
@@ -18,10 +20,14 @@ namespace {
 /// By which the component knows its own objects.
 constexpr GUID kOwnObject = {0x6D8270C3, 0x8D09, 0x469E, {0x80, 0x0B, 0x64, 0x85, 0xA2, 0x11, 0xB4, 0xC7}};
 
-/// The arguments of one Invoke in the order of the member's, with the VARIANTs that they came in.
+/// The arguments of one Invoke in the order of the member's, with the VARIANTs that they came in. Not on the heap: a
+/// script that reads a recordset calls a million times.
 struct Arguments {
-  std::vector<Variant> values;
-  std::vector<const VARIANT*> sources;
+  static constexpr std::size_t kMost = Operation::kMostArguments + 1;
+
+  std::array<Variant, kMost> values;
+  std::array<const VARIANT*, kMost> sources{};
+  std::size_t count = 0;
 };
 
 /// @param named_value whether the first one is the new value of a property, which goes last
@@ -29,11 +35,13 @@ Arguments Order(const DISPPARAMS& given, const Member& member, bool named_value)
   Arguments arguments;
   const UINT named = given.cNamedArgs;
   const UINT value_count = named_value ? 1 : 0;
-  if (named > given.cArgs || (named_value && named == 0)) {
+  if (named > given.cArgs || (named_value && named == 0) || given.cArgs > Arguments::kMost) {
     Raise(error_number::kWrongArgumentCount, "Wrong number of arguments: " + std::string(member.name));
   }
-  arguments.sources.resize(given.cArgs - named, nullptr);
-  for (UINT i = named; i < given.cArgs; ++i) arguments.sources[given.cArgs - 1 - i] = &given.rgvarg[i];
+  auto& sources = arguments.sources;
+  std::size_t& count = arguments.count;
+  count = given.cArgs - named;
+  for (UINT i = named; i < given.cArgs; ++i) sources[given.cArgs - 1 - i] = &given.rgvarg[i];
   for (UINT i = value_count; i < named; ++i) {
     const DISPID position = given.rgdispidNamedArgs[i];
     const auto index = static_cast<std::size_t>(position);
@@ -41,24 +49,29 @@ Arguments Order(const DISPPARAMS& given, const Member& member, bool named_value)
       Raise(error_number::kWrongArgumentCount,
             "No argument number " + std::to_string(position) + ": " + std::string(member.name));
     }
-    if (index >= arguments.sources.size()) arguments.sources.resize(index + 1, nullptr);
-    arguments.sources[index] = &given.rgvarg[i];
+    count = std::max(count, index + 1);
+    sources[index] = &given.rgvarg[i];
   }
   // What is left out at the end counts as not given, so that the object can say which one is missing.
   const auto left_out = [](const VARIANT* source) { return source == nullptr || IsLeftOut(*source); };
-  while (!arguments.sources.empty() && left_out(arguments.sources.back())) arguments.sources.pop_back();
-  for (std::size_t i = 0; i < arguments.sources.size(); ++i) {
-    if (!left_out(arguments.sources[i])) continue;
-    if (i < member.arguments.size() && !member.arguments[i].optional) {
+  while (count > 0 && left_out(sources[count - 1])) --count;
+  for (std::size_t i = 0; i < count; ++i) {
+    if (i < member.arguments.size() && !member.arguments[i].optional && left_out(sources[i])) {
       Raise(error_number::kArgumentNotOptional,
             "Argument not optional: " + std::string(member.arguments[i].name) + " of " + std::string(member.name));
     }
   }
-  if (named_value) arguments.sources.push_back(&given.rgvarg[0]);
-  for (const VARIANT* const source : arguments.sources) {
-    arguments.values.push_back(source == nullptr ? Variant() : FromVariant(*source));
+  if (named_value) sources[count++] = &given.rgvarg[0];
+  for (std::size_t i = 0; i < count; ++i) {
+    if (sources[i] != nullptr) arguments.values[i] = FromVariant(*sources[i]);
   }
   return arguments;
+}
+
+/// Whether the members are operations, which know no collections but the component's own.
+bool IsService(const ClassDescription& description) {
+  return &description == &ServiceClassObject::Description(ServiceClass::kSaveData) ||
+         &description == &ServiceClassObject::Description(ServiceClass::kGetData);
 }
 
 class Dispatch final : public IDispatch, public ISupportErrorInfo, public IProvideClassInfo {
@@ -160,13 +173,13 @@ void Dispatch::Use(const Member& member, WORD flags, const DISPPARAMS& parameter
   // Scripts ask for a call and a property at once.
   const MemberUse use = put ? kPut : (member.uses & kCall) != 0 && (flags & DISPATCH_METHOD) != 0 ? kCall : kGet;
   Arguments arguments = Order(parameters, member, put);
-  if (dynamic_cast<const ServiceClassObject*>(object_.get()) != nullptr) {
-    for (Variant& value : arguments.values) value = WithCollections(value);
+  const std::span<Variant> values = std::span(arguments.values).first(arguments.count);
+  if (IsService(object_->description())) {
+    for (Variant& value : values) value = WithCollections(value);
   }
-  const Variant answer = object_->Use(member, use, arguments.values);
-  for (std::size_t i = 0; i < member.arguments.size() && i < arguments.values.size(); ++i) {
-    if (member.arguments[i].in_out && arguments.sources[i] != nullptr)
-      WriteBack(arguments.values[i], *arguments.sources[i]);
+  const Variant answer = object_->Use(member, use, values);
+  for (std::size_t i = 0; i < member.arguments.size() && i < values.size(); ++i) {
+    if (member.arguments[i].in_out && arguments.sources[i] != nullptr) WriteBack(values[i], *arguments.sources[i]);
   }
   if (result != nullptr && !put && !member.returns_nothing) ToVariant(answer, result);
 }

@@ -26,12 +26,6 @@ class Arguments {
   std::vector<VARIANT> variants_;
 };
 
-HRESULT FindMember(IDispatch& object, std::string_view name, DISPID& id) {
-  std::wstring wide = ToWide(name);
-  LPOLESTR text = wide.data();
-  return object.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id);
-}
-
 void InvokeMember(IDispatch& object, DISPID id, DISPPARAMS& parameters, VARIANT& result, const std::string& what) {
   EXCEPINFO info{};
   const HRESULT status = object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD | DISPATCH_PROPERTYGET,
@@ -41,14 +35,26 @@ void InvokeMember(IDispatch& object, DISPID id, DISPPARAMS& parameters, VARIANT&
 
 }  // namespace
 
+HRESULT ForeignObject::Find(std::string_view member, DISPID& id) const {
+  if (const auto known = numbers_.find(member); known != numbers_.end()) {
+    id = known->second;
+    return S_OK;
+  }
+  std::wstring wide = ToWide(member);
+  LPOLESTR text = wide.data();
+  const HRESULT status = object_->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id);
+  if (SUCCEEDED(status)) numbers_.emplace(member, id);
+  return status;
+}
+
 bool ForeignObject::Has(std::string_view member) const {
   DISPID id = 0;
-  return SUCCEEDED(FindMember(*object_.get(), member, id));
+  return SUCCEEDED(Find(member, id));
 }
 
 Variant ForeignObject::Call(std::string_view method, std::span<const Variant> arguments) {
   DISPID id = 0;
-  if (const HRESULT status = FindMember(*object_.get(), method, id); FAILED(status)) {
+  if (const HRESULT status = Find(method, id); FAILED(status)) {
     Raise(ToNumber(status), "Object doesn't support this property or method: " + std::string(method));
   }
   Arguments own(arguments);

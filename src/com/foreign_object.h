@@ -1,6 +1,9 @@
 // An object of another component, called by name.
 #pragma once
 
+#include <functional>
+#include <map>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -23,7 +26,12 @@ class ForeignObject final : public Object {
   [[nodiscard]] IDispatch* get() const noexcept { return object_.get(); }
 
  private:
+  /// Answers DISP_E_UNKNOWNNAME or the like for a member that there is not.
+  HRESULT Find(std::string_view member, DISPID& id) const;
+
   Pointer<IDispatch> object_;
+  /// Numbers of the members that were asked for.
+  mutable std::map<std::string, DISPID, std::less<>> numbers_;
 };
 
 /// Creates a component by its ProgID. Raises 429 naming it.

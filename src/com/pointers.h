@@ -1,6 +1,7 @@
 // What COM counts, allocates and clears, in owners that do it by themselves.
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -71,6 +72,11 @@ inline std::wstring ToWide(std::string_view text) {
 
 /// A new BSTR of UTF-8; the caller frees it. nullptr when memory is short.
 inline BSTR NewBstr(std::string_view text) {
+  if (std::all_of(text.begin(), text.end(), [](char c) { return c >= 0; })) {
+    BSTR const ascii = SysAllocStringLen(nullptr, static_cast<UINT>(text.size()));
+    if (ascii != nullptr) std::copy(text.begin(), text.end(), ascii);
+    return ascii;
+  }
   const std::u16string units = ToUtf16(text);
   return SysAllocStringLen(reinterpret_cast<const OLECHAR*>(units.data()), static_cast<UINT>(units.size()));
 }

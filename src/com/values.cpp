@@ -138,13 +138,12 @@ void PutArray(const Array& values, VARIANT* out) {
 
 void PutObject(const Variant& value, VARIANT* out) {
   const auto* const object = value.get_if<std::shared_ptr<Object>>();
-  if (const auto* array = object == nullptr ? nullptr : dynamic_cast<const Array*>(object->get())) {
-    return PutArray(*array, out);
-  }
-  if (auto* foreign = object == nullptr ? nullptr : dynamic_cast<ForeignObject*>(object->get())) {
-    out->pdispVal = Pointer<IDispatch>(foreign->get()).Release();
-  } else if (auto own = ObjectOf(value)) {
+  if (auto own = ObjectOf(value)) {
     out->pdispVal = MakeDispatch(std::move(own)).Release();
+  } else if (const auto* array = object == nullptr ? nullptr : dynamic_cast<const Array*>(object->get())) {
+    return PutArray(*array, out);
+  } else if (auto* foreign = object == nullptr ? nullptr : dynamic_cast<ForeignObject*>(object->get())) {
+    out->pdispVal = Pointer<IDispatch>(foreign->get()).Release();
   } else {
     if (value.type_name() != "Nothing") RaiseTypeMismatch();
     out->pdispVal = nullptr;

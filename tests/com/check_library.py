@@ -12,7 +12,8 @@ WINDOWS_OWN = {"advapi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleau
 
 
 def main(library, objdump):
-    text = subprocess.run([objdump, "-p", library], capture_output=True, encoding="utf-8", errors="replace", check=True).stdout
+    done = subprocess.run([objdump, "-p", library], capture_output=True, check=True)
+    text = done.stdout.decode("utf-8", errors="replace")
     faults = []
     kind = re.search(r"file format (\S+)", text).group(1)
     wanted = "pei-i386" if "i686" in objdump else "pei-x86-64"

@@ -145,6 +145,5 @@ On Error Resume Next
 Set rs = reads.GetEntryData(session, Orders("first"))
 WScript.Echo Hex(Err.Number), Err.Source, Err.Description '= 80040E14 TessarLornPickingAndDelivery.clsGetData.GetEntryData Invalid column name 'first'.
 Err.Clear
-saves.WriteOPLog "1", "2", "3", "4", "5"
 CreateObject("TessarLornPickingAndDelivery.clsSaveData").IsLogEnable "2"
 WScript.Echo Err.Number, Err.Source, Err.Description '= 91 TessarLornPickingAndDelivery The data session is not open

@@ -13,12 +13,13 @@ import sys
 
 import wine
 
+ORDERS = "2,3,5,8"
 VALUES = {
-    "FID": "2,3,5,8", "sFID": "2,3,5,8", "sFIDs": "2,3,5,8", "strFids": "2,3,5,8", "strIDs": "2,3,5,8", "FOrderStatus": "2",
-    "AdvancedFilter": "", "StrSql": "select FID, FOrderID from IC_Web2ERPOrders where FID < 9 order by FID",
-    "sFKey": "1014301_FStockID", "FStockID": 202, "WebOrderMaxDisplayCount": 7, "FWebshopID": "1", "sFiter": "t1.FInterID in (1)", "lTranType": 71,
-    "ErrInfo": [{"FailureFID": 8, "FailureInfo": "it's closed"}], "FieldName": "FWeight", "FPickManNumber": "E1001",
-    "SiteOrderID": "no such order", "sFWebshopID": "1",
+    "FID": ORDERS, "sFID": ORDERS, "sFIDs": ORDERS, "strFids": ORDERS, "strIDs": ORDERS, "FOrderStatus": "2",
+    "StrSql": "select FID, FOrderID from IC_Web2ERPOrders where FID < 9 order by FID",
+    "sFKey": "1014301_FStockID", "FStockID": 202, "WebOrderMaxDisplayCount": 7, "FPickManNumber": "E1001",
+    "sFiter": "t1.FInterID in (1)", "lTranType": 71, "SiteOrderID": "no such order", "sFWebshopID": "1",
+    "ErrInfo": [{"FailureFID": 8, "FailureInfo": "it's closed"}], "FieldName": "FWeight",
 }
 BY_TYPE = {"Long": 1, "Integer": 1, "Double": 2.5, "Boolean": True, "String": "7", "Date": "2026-11-21"}
 # Lists of all orders' columns are long; a filter of every key finds none.
@@ -175,7 +176,8 @@ def shown(value, is_rows=False):
 def call_command(command, connection, operation, values):
     """What the command answers, as lines of the script."""
     name = operation["name"]
-    words = [command, "call", f"{operation['class']}.{name}", "--dsn", connection, "--no-transaction", "--json", "--args", "-"]
+    words = [command, "call", f"{operation['class']}.{name}", "--dsn", connection]
+    words += ["--no-transaction", "--json", "--args", "-"]
     done = subprocess.run(words, input=json.dumps(values), capture_output=True, encoding="utf-8", check=False)
     if done.returncode == 3:
         error = dict(line.split(": ", 1) for line in done.stderr.splitlines() if ": " in line)
@@ -197,7 +199,7 @@ def comparable(line):
 
 def main(command, database, folder):
     operations = json.loads(subprocess.run([command, "ops", "--json"], capture_output=True, check=True).stdout)
-    here, there = (wine.copy_database(database, folder, name) for name in ("every_operation_here", "every_operation_there"))
+    here, there = (wine.copy_database(database, folder, f"every_operation_{place}") for place in ("here", "there"))
     session = "Connect={{Embedded={}}};User=16394;Language=CHS;Client=10.0.0.5"
     script = Script(session.format(wine.windows_path(there)))
     wanted = []

@@ -32,7 +32,8 @@ def memory(process):
 
 def main(script, folder, database):
     script = pathlib.Path(script)
-    connection = "Embedded=" + wine.windows_path(wine.copy_database(database, folder, script.stem)) + ";Synchronous=Normal"
+    copy = wine.windows_path(wine.copy_database(database, folder, script.stem))
+    connection = f"Embedded={copy};Synchronous=Normal"
     samples = []
     with wine.start_script(script, connection) as process:
         for line in process.stdout:

@@ -1,16 +1,22 @@
 #!/usr/bin/env python3
-"""Registers the library, looks at what the registry says then, and that nothing is left when it is taken back. Leaves it
-registered.
+"""Registers the library, looks at what the registry says then, and that nothing is left when it is taken back.
+Leaves it registered.
 
 registration.py LIBRARY
 """
+import pathlib
 import re
 import sys
 
 import wine
 
 PARTS = (r"HKLM\Software\Classes", r"HKCU\Software\Classes")
-CLASSES = ("TessarLornPickingAndDelivery.clsSaveData", "TessarLornPickingAndDelivery.clsGetData", "Mirel.Dictionary", "Mirel.Vector")
+CLASSES = (
+    "TessarLornPickingAndDelivery.clsSaveData",
+    "TessarLornPickingAndDelivery.clsGetData",
+    "Mirel.Dictionary",
+    "Mirel.Vector",
+)
 
 
 def exported(library, part):
@@ -42,7 +48,8 @@ def faults_of(keys, library):
             yield f"{name} has no current version"
         clsid = f"clsid\\{plain}".lower()
         server = keys.get(clsid + "\\inprocserver32", {})
-        if server.get("@", "").lower() != wine.windows_path(library).lower() or server.get("ThreadingModel") != "Apartment":
+        path = server.get("@", "").lower()
+        if path != wine.windows_path(library).lower() or server.get("ThreadingModel") != "Apartment":
             yield f"{name} is served by {server}"
         if keys.get(clsid + "\\progid", {}).get("@") != f"{name}.1":
             yield f"{plain} has another ProgID"
@@ -56,7 +63,7 @@ def regsvr32(library, *words):
 
 
 def main(library):
-    library = wine.pathlib.Path(library)
+    library = pathlib.Path(library)
     regsvr32(library, "/u")
     before = {part: exported(library, part) for part in PARTS}
     regsvr32(library)

@@ -1,4 +1,5 @@
-' Objects made, called and let go 5,000 times; memory.py looks at the process after each thousand.
+' Objects made, called and let go 5,000 times; memory.py looks at the process after each thousand, while some more
+' rounds keep it alive.
 Option Explicit
 Dim turn
 Sub OneRound()

@@ -20,7 +20,8 @@ def run(*words, check=True):
     """Runs a program; answers its output. Its error output, in which Wine chats, is shown when it fails."""
     done = subprocess.run(["wine", *words], env=ENVIRONMENT, capture_output=True, timeout=300, check=False)
     if check and done.returncode != 0:
-        raise SystemExit(f"{words[0]} ended with {done.returncode}: {(done.stdout + done.stderr).decode(errors='replace')}")
+        told = (done.stdout + done.stderr).decode("utf-8", errors="replace")
+        raise SystemExit(f"{words[0]} ended with {done.returncode}: {told}")
     return done.stdout.decode("utf-8", errors="replace").replace("\r\n", "\n")
 
 

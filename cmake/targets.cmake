@@ -8,6 +8,10 @@ function(tessarlorn_sources variable)
 endfunction()
 
 function(tessarlorn_warnings target)
+  if(MSVC)
+    target_compile_options(${target} PRIVATE /W4 /permissive- /utf-8 $<$<BOOL:${TESSARLORN_WARNINGS_AS_ERRORS}>:/WX>)
+    return()
+  endif()
   target_compile_options(
     ${target}
     PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough

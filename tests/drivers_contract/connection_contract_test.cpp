@@ -6,6 +6,7 @@
 
 #include "drivers_embedded/database_support.h"
 #include "platform/connection.h"
+#include "support/error_of.h"
 #include "support/served_database.h"
 #include "support/test_database.h"
 
@@ -36,17 +37,6 @@ class ConnectionContract : public testing::TestWithParam<Reach> {
     }
     SetMessageObserver({});
     return events;
-  }
-
-  /// The error that an action raises.
-  template <typename Action>
-  static Error ErrorOf(const Action& action) {
-    try {
-      action();
-    } catch (const Error& error) {
-      return error;
-    }
-    return {0, "", "none"};
   }
 
   std::unique_ptr<TestDatabase> database_;

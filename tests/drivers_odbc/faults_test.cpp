@@ -21,6 +21,7 @@
 #include "platform/text.h"
 #include "siblings/siblings.h"
 #include "support/batches.h"
+#include "support/error_of.h"
 #include "support/in_process_server.h"
 #include "support/served_test.h"
 
@@ -35,17 +36,6 @@ class FaultsTest : public ServedTest {
     RegisterDefaultSiblings();
   }
   ~FaultsTest() override { SessionFactory::ForThisThread().CloseIdle(); }
-
-  /// The error that an action raises.
-  template <typename Action>
-  static Error ErrorOf(const Action& action) {
-    try {
-      action();
-    } catch (const Error& error) {
-      return error;
-    }
-    return {0, "", "none"};
-  }
 };
 
 /// Takes connections and says nothing: it keeps them open, or ends them at once.

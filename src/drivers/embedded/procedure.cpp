@@ -7,27 +7,35 @@
 #include "platform/text.h"
 
 namespace tessarlorn::embedded {
-namespace {
 
-constexpr int kMostCalls = 32;
+/// A procedure or text that runs inside a batch; what it changed of the session's options goes with it.
+class Session::Nested {
+ public:
+  /// Raises 217 when it is nested too deep. @param procedure its name, "" for a text; outlives this
+  Nested(Session& session, std::string_view procedure) : session_(session), no_count_(session.no_count_) {
+    constexpr int kMostCalls = 32;
+    if (session.call_depth_ >= kMostCalls) {
+      throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
+    }
+    ++session.call_depth_;
+    procedure_ = std::exchange(session.procedure_, procedure);
+  }
+  Nested(const Nested&) = delete;
+  Nested& operator=(const Nested&) = delete;
+  ~Nested() {
+    --session_.call_depth_;
+    session_.no_count_ = no_count_;
+    session_.procedure_ = procedure_;
+  }
 
-}  // namespace
+ private:
+  Session& session_;
+  bool no_count_;
+  std::string_view procedure_;  // of the caller
+};
 
 void Session::RunText(std::string_view text, Frame& frame) {
-  if (call_depth_ >= kMostCalls) {
-    throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
-  }
-  struct Call {
-    Session& session;
-    bool no_count;
-    std::string_view procedure;
-    ~Call() {
-      --session.call_depth_;
-      session.no_count_ = no_count;
-      session.procedure_ = procedure;
-    }
-  } call_guard{*this, no_count_, std::exchange(procedure_, {})};
-  ++call_depth_;
+  const Nested nested(*this, {});
   RunBatch(text, frame);
 }
 
@@ -106,19 +114,12 @@ void Session::CallProcedure(const CatalogObject& procedure, const Statement& cal
     variable.value = Evaluate(*parameter.default_value, variable.type, inner);
   }
   for (const StatementPtr& statement : definition.body) Declare(*statement, frame);
-  if (call_depth_ >= kMostCalls) {
-    throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
-  }
-  struct Call {
+  const Nested nested(*this, procedure.name);
+  struct Leave {
     Session& session;
     Frame* frame;
     std::vector<std::string> tables;
-    bool no_count;
-    std::string_view procedure;
-    ~Call() {
-      --session.call_depth_;
-      session.no_count_ = no_count;
-      session.procedure_ = procedure;
+    ~Leave() {
       session.runtime_.frame = frame;
       try {
         session.DropTemporaryTables(tables);
@@ -127,8 +128,7 @@ void Session::CallProcedure(const CatalogObject& procedure, const Statement& cal
         return;
       }
     }
-  } call_guard{*this, runtime_.frame, catalog_.TemporaryTables(), no_count_, std::exchange(procedure_, procedure.name)};
-  ++call_depth_;
+  } leave{*this, runtime_.frame, catalog_.TemporaryTables()};
   runtime_.frame = &frame;
   ExecuteBody(definition.body, inner);
   for (const auto& [parameter, variable] : outputs) {

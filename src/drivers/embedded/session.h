@@ -52,6 +52,8 @@ class Session {
  private:
   enum class Flow : std::uint8_t { kNormal, kBreak, kContinue, kReturn };
 
+  class Nested;
+
   /// What the statements of one batch or procedure body share.
   struct Scope {
     Frame* frame = nullptr;

@@ -14,7 +14,9 @@ function(tessarlorn_warnings target)
   endif()
   target_compile_options(
     ${target}
-    PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough
+    PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wold-style-cast -Wimplicit-fallthrough
+            # Interfaces of COM have no virtual destructor.
+            $<$<NOT:$<BOOL:${WIN32}>>:-Wnon-virtual-dtor>
             # GCC 12 warns of copies inside std::string that cannot be.
             $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
             $<$<BOOL:${TESSARLORN_WARNINGS_AS_ERRORS}>:-Werror>)

@@ -2,12 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <span>
 #include <utility>
 
+#include "com/base/counted.h"
+#include "com/base/errors.h"
+#include "com/base/plain_values.h"
 #include "com/enumeration.h"
-#include "com/errors.h"
 #include "com/module.h"
 #include "com/type_library.h"
 #include "com/values.h"
@@ -74,12 +75,9 @@ bool IsService(const ClassDescription& description) {
          &description == &ServiceClassObject::Description(ServiceClass::kGetData);
 }
 
-class Dispatch final : public IDispatch, public ISupportErrorInfo, public IProvideClassInfo {
+class Dispatch final : public Counted<IDispatch, ISupportErrorInfo, IProvideClassInfo> {
  public:
   explicit Dispatch(std::shared_ptr<AutomationObject> object) : object_(std::move(object)) {}
-  Dispatch(const Dispatch&) = delete;
-  Dispatch& operator=(const Dispatch&) = delete;
-  virtual ~Dispatch() = default;
 
   [[nodiscard]] const std::shared_ptr<AutomationObject>& object() const noexcept { return object_; }
 
@@ -101,12 +99,6 @@ class Dispatch final : public IDispatch, public ISupportErrorInfo, public IProvi
     }
     AddRef();
     return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return references_.fetch_add(1) + 1; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = references_.fetch_sub(1) - 1;
-    if (left == 0) delete this;
-    return left;
   }
 
   // IDispatch
@@ -141,7 +133,6 @@ class Dispatch final : public IDispatch, public ISupportErrorInfo, public IProvi
   void Use(const Member& member, WORD flags, const DISPPARAMS& parameters, VARIANT* result);
 
   const ModuleLock lock_;
-  std::atomic<ULONG> references_{1};
   std::shared_ptr<AutomationObject> object_;
 };
 

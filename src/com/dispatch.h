@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "com/pointers.h"
+#include "com/base/pointers.h"
 #include "objects/automation_object.h"
 
 namespace tessarlorn::com {

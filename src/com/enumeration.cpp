@@ -1,11 +1,11 @@
 #include "com/enumeration.h"
 
 #include <algorithm>
-#include <atomic>
 #include <memory>
 #include <utility>
 
-#include "com/errors.h"
+#include "com/base/counted.h"
+#include "com/base/errors.h"
 #include "com/module.h"
 #include "com/values.h"
 
@@ -14,12 +14,9 @@ namespace {
 
 using Items = std::shared_ptr<const std::vector<Variant>>;
 
-class Enumeration final : public IEnumVARIANT {
+class Enumeration final : public Counted<IEnumVARIANT> {
  public:
   Enumeration(Items items, std::size_t position) : items_(std::move(items)), position_(position) {}
-  Enumeration(const Enumeration&) = delete;
-  Enumeration& operator=(const Enumeration&) = delete;
-  virtual ~Enumeration() = default;
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
     if (out == nullptr) return E_POINTER;
@@ -27,12 +24,6 @@ class Enumeration final : public IEnumVARIANT {
     if (*out == nullptr) return E_NOINTERFACE;
     AddRef();
     return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return references_.fetch_add(1) + 1; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = references_.fetch_sub(1) - 1;
-    if (left == 0) delete this;
-    return left;
   }
   HRESULT STDMETHODCALLTYPE Next(ULONG wanted, VARIANT* out, ULONG* fetched) override {
     if (fetched != nullptr) *fetched = 0;
@@ -64,7 +55,6 @@ class Enumeration final : public IEnumVARIANT {
 
  private:
   const ModuleLock lock_;
-  std::atomic<ULONG> references_{1};
   Items items_;
   std::size_t position_;
 };

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "com/pointers.h"
+#include "com/base/pointers.h"
 #include "platform/variant.h"
 
 namespace tessarlorn::com {

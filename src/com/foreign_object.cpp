@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "com/errors.h"
+#include "com/base/errors.h"
 #include "com/values.h"
 
 namespace tessarlorn::com {

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "com/pointers.h"
+#include "com/base/pointers.h"
 #include "platform/object_service.h"
 
 namespace tessarlorn::com {

@@ -2,8 +2,8 @@
 
 #include <mutex>
 
+#include "com/base/windows_headers.h"
 #include "com/foreign_object.h"
-#include "com/windows_headers.h"
 #include "drivers/embedded/embedded_driver.h"
 #include "platform/client_address.h"
 #include "platform/session.h"

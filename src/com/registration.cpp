@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "com/base/pointers.h"
 #include "com/module.h"
-#include "com/pointers.h"
 #include "com/type_library.h"
 #include "objects/automation_object.h"
 

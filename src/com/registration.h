@@ -1,7 +1,7 @@
 // What the registry says of the library.
 #pragma once
 
-#include "com/windows_headers.h"
+#include "com/base/windows_headers.h"
 
 namespace tessarlorn::com {
 

@@ -2,8 +2,8 @@
 #include <map>
 #include <string_view>
 
+#include "com/base/errors.h"
 #include "com/dispatch.h"
-#include "com/errors.h"
 #include "com/hosting.h"
 #include "com/module.h"
 #include "com/registration.h"

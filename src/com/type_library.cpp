@@ -1,7 +1,7 @@
 #include "com/type_library.h"
 
+#include "com/base/pointers.h"
 #include "com/module.h"
-#include "com/pointers.h"
 
 namespace tessarlorn::com {
 

@@ -1,18 +1,16 @@
 // Values across the boundary of COM, in both directions.
 #pragma once
 
-#include "com/windows_headers.h"
+#include "com/base/windows_headers.h"
 #include "platform/variant.h"
 
 namespace tessarlorn::com {
 
-/// Whether an argument stands for one that was left out.
-bool IsLeftOut(const VARIANT& value);
-/// A value of automation as the component's: what is left out is empty; a reference gives what it refers to; the
-/// component's own objects come as what they stand for, others as ForeignObject; arrays as Array, of bytes as Bytes.
-/// Raises 13 for a type that automation does not have.
+/// A value of automation as the component's, plain ones as FromPlainVariant has them; the component's own objects come
+/// as what they stand for, others as ForeignObject; arrays as Array, of bytes as Bytes. Raises 13 for a type that
+/// automation does not have.
 Variant FromVariant(const VARIANT& value);
-/// The component's value as automation's, in `*out`, which is not read. Decimals beyond 28 digits become text.
+/// The component's value as automation's, in `*out`, which is not read; plain ones as ToPlainVariant has them.
 void ToVariant(const Variant& value, VARIANT* out);
 /// Writes the value behind a reference that a caller gave, converted to the type there.
 /// Raises 13 when it cannot be.

@@ -1,8 +1,8 @@
-#include "com/errors.h"
+#include "com/base/errors.h"
 
 #include <new>
 
-#include "com/pointers.h"
+#include "com/base/pointers.h"
 
 namespace tessarlorn::com {
 namespace {

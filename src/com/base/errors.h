@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "com/windows_headers.h"
+#include "com/base/windows_headers.h"
 #include "platform/error.h"
 
 namespace tessarlorn::com {

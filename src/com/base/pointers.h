@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "com/windows_headers.h"
+#include "com/base/windows_headers.h"
 #include "platform/utf16.h"
 
 namespace tessarlorn::com {

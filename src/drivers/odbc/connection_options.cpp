@@ -1,22 +1,12 @@
 #include "drivers/odbc/connection_options.h"
 
-#include <charconv>
-
 #include "drivers/odbc/odbc_error.h"
+#include "platform/server_batches.h"
 #include "platform/session_string.h"
 #include "platform/text.h"
 
 namespace tessarlorn::odbc {
 namespace {
-
-int ReadSeconds(std::string_view key, std::string_view value) {
-  int seconds = 0;
-  const auto [end, fault] = std::from_chars(value.data(), value.data() + value.size(), seconds);
-  if (fault != std::errc{} || end != value.data() + value.size() || seconds < 0 || seconds > 86400) {
-    RaiseLogin(std::string(key) + " in the connection string is no number of seconds from 0 to 86400.");
-  }
-  return seconds;
-}
 
 /// In braces only where ODBC would read the value otherwise: not every ODBC driver halves the braces that are doubled
 /// within.
@@ -72,9 +62,9 @@ ConnectionOptions ParseConnectionOptions(std::string_view text) {
   ConnectionOptions options;
   for (const auto& [key, value] : ReadPairs(text)) {
     if (EqualsIgnoreCase(key, "LoginTimeout")) {
-      options.login_timeout = ReadSeconds(key, value);
+      options.login_timeout = ReadSeconds(key, value, kSource);
     } else if (EqualsIgnoreCase(key, "StatementTimeout")) {
-      options.statement_timeout = ReadSeconds(key, value);
+      options.statement_timeout = ReadSeconds(key, value, kSource);
     } else {
       if (EqualsIgnoreCase(key, "PWD") || EqualsIgnoreCase(key, "Password")) options.password = value;
       options.odbc_string += key + "=" + Quoted(value) + ";";

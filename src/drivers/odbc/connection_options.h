@@ -4,14 +4,16 @@
 #include <string>
 #include <string_view>
 
+#include "platform/server_batches.h"
+
 namespace tessarlorn::odbc {
 
 struct ConnectionOptions {
   /// What SQLDriverConnect gets: the string without the keys of the component.
   std::string odbc_string;
   /// Seconds; 0 = no limit.
-  int login_timeout = 15;
-  int statement_timeout = 0;
+  int login_timeout = kDefaultLoginTimeout;
+  int statement_timeout = kDefaultStatementTimeout;
   /// As the string has it, "" when it has none.
   std::string password;
 

@@ -3,27 +3,12 @@
 #include <utility>
 
 #include "drivers/odbc/odbc_error.h"
+#include "platform/server_batches.h"
 
 namespace tessarlorn::odbc {
 namespace {
 
 constexpr std::string_view kSignOfLife = "SELECT 1 AS FAlive";
-// Each answers how many transactions were open.
-constexpr std::string_view kBegin = "SELECT @@TRANCOUNT AS FOpen IF @@TRANCOUNT = 0 BEGIN TRANSACTION";
-// Batches may have begun further ones; only the outermost commit can fail, and is tried once.
-constexpr std::string_view kCommit =
-    "SELECT @@TRANCOUNT AS FOpen WHILE @@TRANCOUNT > 1 AND XACT_STATE() = 1 COMMIT TRANSACTION "
-    "IF @@TRANCOUNT > 0 COMMIT TRANSACTION";
-constexpr std::string_view kRollback = "IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION";
-
-/// Keeps the number that the only result holds.
-class NumberSink final : public BatchSink {
- public:
-  void Rows(RecordsetPtr rows) override {
-    if (!rows->eof()) number = rows->Get(0).ToInt32();
-  }
-  std::int32_t number = 0;
-};
 
 /// Passes results on and notes that there were some.
 class NotingSink final : public BatchSink {
@@ -76,36 +61,35 @@ void OdbcConnection::BeginTransaction() {
   const CancellableCall call(*cancel_);
   effects_.transaction = true;
   std::int32_t open = 0;
-  WithNewLogin([&] { open = Ask(kBegin); }, false);
-  if (open > 0) RaiseTransactionOpen();
+  WithNewLogin([&] { open = Ask(kBeginBatch); }, false);
+  if (open > 0) RaiseTransactionOpen(kSource);
 }
 
 void OdbcConnection::CommitTransaction() {
   std::int32_t open = 0;
   try {
     const CancellableCall call(*cancel_);
-    open = Ask(kCommit);
+    open = Ask(kCommitBatch);
   } catch (const Error&) {
     // What could not be committed is rolled back.
     if (!link_->lost()) RollbackTransaction();
     throw;
   }
   effects_.transaction = false;
-  if (open == 0) RaiseNoTransaction();
+  if (open == 0) RaiseNoTransaction(kSource);
 }
 
 void OdbcConnection::RollbackTransaction() {
   if (!effects_.transaction) return;
   const CancellableCall call(*cancel_);
-  Ask(kRollback);
+  Ask(kRollbackBatch);
   effects_.transaction = false;
 }
 
 void OdbcConnection::Run(std::string_view text, bool first_only, BatchSink& sink) {
   // ODBC has no empty batch.
   if (text.empty()) return;
-  // ODBC drivers end the text there, and would run the first part alone.
-  if (text.find('\0') != std::string_view::npos) RaiseNulInBatch();
+  RefuseNul(text, kSource);
   const CancellableCall call(*cancel_);
   const BatchEffects effects = EffectsOf(text);
   effects_.Add(effects);

@@ -114,18 +114,6 @@ Error ToLoginError(const Diagnostic& cause) {
 
 void RaiseLogin(const std::string& description) { throw ToLoginError({"08001", 0, description}); }
 
-void RaiseTransactionOpen() {
-  throw ToError({"42000", 3988, "New transaction is not allowed because there is another transaction open."});
-}
-
-void RaiseNoTransaction() {
-  throw ToError(
-      {"42000", 3902,
-       "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION: the transaction was ended before."});
-}
-
 void RaiseCancelled() { throw ToError({"HY008", 0, "The batch was cancelled."}); }
-
-void RaiseNulInBatch() { throw ToError({"42000", 0, "The batch has a character U+0000 in it and was not sent."}); }
 
 }  // namespace tessarlorn::odbc

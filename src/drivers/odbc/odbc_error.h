@@ -34,10 +34,6 @@ Error ToError(const Diagnostic& cause);
 Error ToLoginError(const Diagnostic& cause);
 [[noreturn]] void RaiseLogin(const std::string& description);
 
-// What is found out without the server, in its own numbers and words where it has some.
-[[noreturn]] void RaiseTransactionOpen();
-[[noreturn]] void RaiseNoTransaction();
 [[noreturn]] void RaiseCancelled();
-[[noreturn]] void RaiseNulInBatch();
 
 }  // namespace tessarlorn::odbc

@@ -1,0 +1,45 @@
+#include "platform/server_batches.h"
+
+#include <charconv>
+#include <string>
+#include <system_error>
+
+#include "platform/error.h"
+
+namespace tessarlorn {
+namespace {
+
+[[noreturn]] void RaiseAs(std::string_view driver, std::int32_t native, const std::string& description) {
+  throw Error(error_number::kStatementError, std::string(driver), description, {.number = native, .sqlstate = "42000"});
+}
+
+}  // namespace
+
+void RaiseTransactionOpen(std::string_view driver) {
+  RaiseAs(driver, 3988, "New transaction is not allowed because there is another transaction open.");
+}
+
+void RaiseNoTransaction(std::string_view driver) {
+  RaiseAs(driver, 3902,
+          "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION: the transaction was ended before.");
+}
+
+void RefuseNul(std::string_view batch, std::string_view driver) {
+  if (batch.find('\0') == std::string_view::npos) return;
+  RaiseAs(driver, 0, "The batch has a character U+0000 in it and was not sent.");
+}
+
+int ReadSeconds(std::string_view key, std::string_view value, std::string_view driver) {
+  constexpr int kMostSeconds = 86400;
+  int seconds = 0;
+  const char* const last = value.data() + value.size();
+  const auto [end, fault] = std::from_chars(value.data(), last, seconds);
+  if (fault != std::errc{} || end != last || seconds < 0 || seconds > kMostSeconds) {
+    throw Error(error_number::kLoginRefused, std::string(driver),
+                std::string(key) + " in the connection string is no number of seconds from 0 to 86400.",
+                {.sqlstate = "08001"});
+  }
+  return seconds;
+}
+
+}  // namespace tessarlorn

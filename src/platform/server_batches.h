@@ -1,0 +1,42 @@
+// What the drivers of database servers have in common: the batches that begin and end the container's transaction, what
+// is refused without the server, and the time-outs of a connection string.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "platform/connection.h"
+
+namespace tessarlorn {
+
+// Batches, so that time-outs and cancelling hold for them as for any other. The first two answer how many transactions
+// were open.
+inline constexpr std::string_view kBeginBatch = "SELECT @@TRANCOUNT AS FOpen IF @@TRANCOUNT = 0 BEGIN TRANSACTION";
+/// Batches may have begun further ones; only the outermost commit can fail, and is tried once.
+inline constexpr std::string_view kCommitBatch =
+    "SELECT @@TRANCOUNT AS FOpen WHILE @@TRANCOUNT > 1 AND XACT_STATE() = 1 COMMIT TRANSACTION "
+    "IF @@TRANCOUNT > 0 COMMIT TRANSACTION";
+inline constexpr std::string_view kRollbackBatch = "IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION";
+
+/// Keeps the number that the only result of a batch holds.
+class NumberSink final : public BatchSink {
+ public:
+  void Rows(RecordsetPtr rows) override {
+    if (!rows->eof()) number = rows->Get(0).ToInt32();
+  }
+  std::int32_t number = 0;
+};
+
+// Raise in the server's own numbers and words where it has some, with the driver as Source.
+[[noreturn]] void RaiseTransactionOpen(std::string_view driver);
+[[noreturn]] void RaiseNoTransaction(std::string_view driver);
+/// Drivers end the text at a character U+0000 and would run the first part alone.
+void RefuseNul(std::string_view batch, std::string_view driver);
+
+/// The seconds of the keys LoginTimeout and StatementTimeout, 0 to 86400. Raises 0x80040E4D naming the key.
+int ReadSeconds(std::string_view key, std::string_view value, std::string_view driver);
+/// What holds when a string names no time-out, in seconds; 0 = no limit.
+inline constexpr int kDefaultLoginTimeout = 15;
+inline constexpr int kDefaultStatementTimeout = 0;
+
+}  // namespace tessarlorn

@@ -124,6 +124,27 @@ std::optional<std::size_t> Recordset::FindField(std::string_view name) const {
   return static_cast<std::size_t>(found - fields_.begin());
 }
 
+void Recordset::Detach() {
+  if (source_ != nullptr) source_->Detach();
+  attached_ = false;
+}
+
+void Recordset::Read() const {
+  unread_ = false;
+  // The rows that are asked for were there all the time, but elsewhere.
+  auto& rows = const_cast<Recordset&>(*this);
+  const std::size_t position = position_;
+  try {
+    source_->Read(rows);
+    rows.Finish();
+  } catch (...) {
+    rows.Clear();
+    unread_ = true;
+    throw;
+  }
+  rows.position_ = position;
+}
+
 void Recordset::Locate() const {
   cell_offsets_.resize(fields_.size());
   const std::uint8_t* const start = row_starts_[position_];

@@ -47,16 +47,40 @@ struct Field {
   bool nullable = true;
 };
 
+class Recordset;
+
+/// Where a driver leaves the rows of a result until somebody asks for them.
+class RowSource {
+ public:
+  RowSource() = default;
+  RowSource(const RowSource&) = delete;
+  RowSource& operator=(const RowSource&) = delete;
+  virtual ~RowSource() = default;
+
+  /// Appends every row, in a call that nothing is appended before or behind. Raises what the database raises.
+  virtual void Read(Recordset& rows) = 0;
+  /// Cuts the tie to the connection; the rows stay. Raises what the database raises.
+  virtual void Detach() = 0;
+};
+
 /// A client-side, read-only result: it knows its count and moves both ways. It stands on the first row when it is made.
 /// Bigint values come as 32-bit integers when they fit, else as decimals; every other value in the type of its field.
 /// Not for use by two threads at once.
 class Recordset {
  public:
   explicit Recordset(std::vector<Field> fields) : fields_(std::move(fields)) {}
+  /// The rows are read when one of them, or their count, is asked for, which raises what the source raises.
+  Recordset(std::vector<Field> fields, std::shared_ptr<RowSource> source)
+      : fields_(std::move(fields)), source_(std::move(source)), unread_(true) {}
 
   [[nodiscard]] const std::vector<Field>& fields() const noexcept { return fields_; }
-  [[nodiscard]] std::size_t RecordCount() const noexcept { return row_starts_.size(); }
-  [[nodiscard]] bool eof() const noexcept { return position_ >= row_starts_.size(); }
+  /// Where the rows come from, or nullptr for a driver that appended them.
+  [[nodiscard]] const std::shared_ptr<RowSource>& source() const noexcept { return source_; }
+  [[nodiscard]] std::size_t RecordCount() const {
+    if (unread_) Read();
+    return row_starts_.size();
+  }
+  [[nodiscard]] bool eof() const { return position_ >= RecordCount(); }
   void MoveFirst() noexcept { position_ = 0; }
   /// Raises 3021 at the end.
   void MoveNext();
@@ -73,8 +97,8 @@ class Recordset {
   [[nodiscard]] std::string_view GetText(std::size_t field) const;
   [[nodiscard]] bool IsNull(std::size_t field) const;
 
-  /// Cuts the tie to the connection that produced the rows; the rows stay.
-  void Detach() noexcept { attached_ = false; }
+  /// Cuts the tie to the connection that produced the rows; the rows stay. Raises what the source raises.
+  void Detach();
   [[nodiscard]] bool attached() const noexcept { return attached_; }
   /// Bytes that the values of all rows take.
   [[nodiscard]] std::size_t size() const noexcept;
@@ -98,6 +122,7 @@ class Recordset {
   void Finish();
 
  private:
+  void Read() const;
   void Locate() const;
   [[nodiscard]] const std::uint8_t* Cell(std::size_t field) const;
   std::uint8_t* Grow(std::size_t size);
@@ -109,6 +134,8 @@ class Recordset {
     std::size_t capacity = 0;
   };
   std::vector<Field> fields_;
+  std::shared_ptr<RowSource> source_;
+  mutable bool unread_ = false;
   std::vector<Chunk> chunks_;
   std::vector<const std::uint8_t*> row_starts_;
   std::size_t position_ = 0;

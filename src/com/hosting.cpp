@@ -4,6 +4,7 @@
 
 #include "com/base/windows_headers.h"
 #include "com/foreign_object.h"
+#include "drivers/ado/ado_driver.h"
 #include "drivers/embedded/embedded_driver.h"
 #include "platform/client_address.h"
 #include "platform/session.h"
@@ -36,6 +37,7 @@ void RegisterNeighbours() {
 void PrepareThisProcess() {
   static std::once_flag once;
   std::call_once(once, [] {
+    RegisterAdoDriver();
     RegisterEmbeddedDriver();
     RegisterNeighbours();
     if (const ReadTcpEntry read = FindReadTcp()) {

@@ -7,6 +7,7 @@
 #include "com/base/pointers.h"
 #include "com/dispatch.h"
 #include "com/foreign_object.h"
+#include "drivers/ado/ado_rows.h"
 #include "objects/array.h"
 #include "objects/automation_object.h"
 #include "platform/collections.h"
@@ -63,9 +64,18 @@ void PutArray(const Array& values, VARIANT* out) {
   }
 }
 
+/// ADO's own recordset, where the value is one.
+IDispatch* AdoObjectOf(const Variant& value) {
+  const RecordsetPtr rows = value.ToRecordset();
+  const auto* const source = rows == nullptr ? nullptr : dynamic_cast<const ado::AdoRows*>(rows->source().get());
+  return source == nullptr ? nullptr : source->recordset().get();
+}
+
 void PutObject(const Variant& value, VARIANT* out) {
   const auto* const object = value.get_if<std::shared_ptr<Object>>();
-  if (auto own = ObjectOf(value)) {
+  if (IDispatch* const ado = AdoObjectOf(value)) {
+    out->pdispVal = Pointer<IDispatch>(ado).Release();
+  } else if (auto own = ObjectOf(value)) {
     out->pdispVal = MakeDispatch(std::move(own)).Release();
   } else if (const auto* array = object == nullptr ? nullptr : dynamic_cast<const Array*>(object->get())) {
     return PutArray(*array, out);

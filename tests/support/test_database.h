@@ -1,30 +1,53 @@
-// An empty database of a test's own, and the ways that lead to it: in process, over TDS and ODBC, on another server.
+// An empty database of a test's own, and the ways that lead to it: in process, over TDS and ODBC, over what stands in
+// for ADO, on another server.
 #pragma once
 
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <random>
+#include <stdexcept>
 #include <string>
 #include <string_view>
-#include <unistd.h>
+#include <vector>
 
 #include "drivers/embedded/embedded_driver.h"
 #include "platform/connection.h"
 #include "platform/error.h"
 #include "platform/session_string.h"
 #include "platform/text.h"
-#include "support/in_process_server.h"
 #ifdef TESSARLORN_HAS_ODBC
 #include "drivers/odbc/odbc_driver.h"
+#endif
+#ifdef TESSARLORN_HAS_SERVER
+#include "support/in_process_server.h"
+#endif
+#ifdef TESSARLORN_HAS_ADO
+#include "drivers/ado/ado_driver.h"
+#include "drivers_ado/ado_stand_in.h"
 #endif
 
 namespace tessarlorn {
 
-/// An embedded database in memory, reached in process or over TDS and ODBC; or one that is made on a server.
-enum class Reach { kInProcess, kOverOdbc, kServer };
+/// An embedded database in memory, reached in process, over TDS and ODBC, or over what stands in for ADO; or one that
+/// is made on a server.
+enum class Reach { kInProcess, kOverOdbc, kOverAdo, kServer };
 
 /// The string of another server, TESSARLORN_TEST_DSN in the environment; nullptr when there is none.
 inline const char* TestServer() { return std::getenv("TESSARLORN_TEST_DSN"); }
+
+/// Those that this build has.
+inline std::vector<Reach> Reaches() {
+  std::vector<Reach> reaches = {Reach::kInProcess};
+#if defined(TESSARLORN_HAS_ODBC) && defined(TESSARLORN_HAS_SERVER)
+  reaches.push_back(Reach::kOverOdbc);
+#endif
+#ifdef TESSARLORN_HAS_ADO
+  reaches.push_back(Reach::kOverAdo);
+#endif
+  if (TestServer() != nullptr) reaches.push_back(Reach::kServer);
+  return reaches;
+}
 
 /// What the environment asks for: TESSARLORN_TEST_DSN="Driver=…", else TESSARLORN_TEST_OVER=odbc, else in process.
 inline Reach ReachOfEnvironment() {
@@ -42,15 +65,28 @@ class TestDatabase {
 #ifdef TESSARLORN_HAS_ODBC
     RegisterOdbcDriver();
 #endif
+#ifdef TESSARLORN_HAS_ADO
+    RegisterAdoDriver();
+#endif
     if (reach == Reach::kServer) {
       MakeOnServer(TestServer());
       return;
     }
     string_ = "Embedded=:memory:test" + std::to_string(NextNumber());
     keeper_ = OpenConnection(string_);
-    if (reach != Reach::kOverOdbc) return;
-    server_ = std::make_unique<InProcessServer>(string_);
-    string_ = server_->odbc_string();
+#ifdef TESSARLORN_HAS_SERVER
+    if (reach == Reach::kOverOdbc) {
+      if (FreeTdsDriver().empty()) throw std::runtime_error("the ODBC driver of FreeTDS (package tdsodbc) is missing");
+      server_ = std::make_unique<InProcessServer>(string_);
+      string_ = server_->odbc_string();
+    }
+#endif
+#ifdef TESSARLORN_HAS_ADO
+    if (reach == Reach::kOverAdo) {
+      ado_ = std::make_unique<AdoStandIn>();
+      string_ = AdoStandIn::StringOf(string_);
+    }
+#endif
   }
   TestDatabase(const TestDatabase&) = delete;
   TestDatabase& operator=(const TestDatabase&) = delete;
@@ -74,7 +110,8 @@ class TestDatabase {
 
   /// The last step makes the database, so that what cannot be dropped was not made.
   void MakeOnServer(std::string_view server) {
-    const std::string name = "tessarlorn_test_" + std::to_string(getpid()) + "_" + std::to_string(NextNumber());
+    const std::string name =
+        "tessarlorn_test_" + std::to_string(std::random_device()()) + "_" + std::to_string(NextNumber());
     for (const auto& [key, value] : ParsePairs(server)) {
       if (!EqualsIgnoreCase(key, "Database")) string_ += key + "={" + ReplaceAll(value, "}", "}}") + "};";
     }
@@ -89,7 +126,12 @@ class TestDatabase {
   std::string dropping_;
   /// Keeps a database in memory alive, and drops one on a server.
   std::unique_ptr<Connection> keeper_;
+#ifdef TESSARLORN_HAS_SERVER
   std::unique_ptr<InProcessServer> server_;
+#endif
+#ifdef TESSARLORN_HAS_ADO
+  std::unique_ptr<AdoStandIn> ado_;
+#endif
 };
 
 }  // namespace tessarlorn

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -80,6 +81,28 @@ inline BSTR NewBstr(std::string_view text) {
   const std::u16string units = ToUtf16(text);
   return SysAllocStringLen(reinterpret_cast<const OLECHAR*>(units.data()), static_cast<UINT>(units.size()));
 }
+
+/// A BSTR that is freed with its owner.
+class OwnedBstr {
+ public:
+  OwnedBstr() = default;
+  /// Of UTF-8. Raises std::bad_alloc.
+  explicit OwnedBstr(std::string_view text) : text_(NewBstr(text)) {
+    if (text_ == nullptr) throw std::bad_alloc();
+  }
+  OwnedBstr(const OwnedBstr&) = delete;
+  OwnedBstr& operator=(const OwnedBstr&) = delete;
+  ~OwnedBstr() { SysFreeString(text_); }
+  [[nodiscard]] BSTR get() const noexcept { return text_; }
+  /// Where a function puts a new one; gives up the old one.
+  BSTR* Receive() {
+    SysFreeString(std::exchange(text_, nullptr));
+    return &text_;
+  }
+
+ private:
+  BSTR text_ = nullptr;
+};
 
 /// A VARIANT that is cleared with its owner.
 class OwnedVariant {

@@ -1,0 +1,133 @@
+#include "drivers/ado/ado_connection.h"
+
+#include <utility>
+
+#include "com/base/errors.h"
+#include "drivers/ado/ado_error.h"
+#include "drivers/ado/ado_rows.h"
+
+namespace tessarlorn::ado {
+namespace {
+
+com::Pointer<IAdoConnection> CreateConnection() {
+  void* created = nullptr;
+  HRESULT status = E_NOINTERFACE;
+  // The interface has another number since ADO came with Windows 7, and the same members.
+  for (const GUID& interface_id : {kConnectionInterface, kConnectionInterfaceBefore}) {
+    if (status != E_NOINTERFACE) break;
+    status = CoCreateInstance(kConnectionClass, nullptr, CLSCTX_INPROC_SERVER, interface_id, &created);
+  }
+  if (status == CO_E_NOTINITIALIZED) {
+    throw Error(error_number::kCannotCreateObject, kSource,
+                "ADO needs COM, and this thread has joined no apartment (CoInitializeEx)");
+  }
+  if (FAILED(status)) {
+    throw Error(error_number::kCannotCreateObject, kSource, "ActiveX component can't create object: ADODB.Connection");
+  }
+  return com::Pointer<IAdoConnection>::Adopt(static_cast<IAdoConnection*>(created));
+}
+
+bool IsOpen(IAdoRecordset& rows) {
+  LONG state = kStateClosed;
+  return SUCCEEDED(rows.get_State(&state)) && state != kStateClosed;
+}
+
+/// A second hold of open rows, which outlives what NextRecordset does to the first; nothing where they can have none.
+com::Pointer<IAdoRecordset> HoldOf(IAdoRecordset& rows) {
+  com::Pointer<IAdoRecordset> hold;
+  if (FAILED(rows.Clone(kLockUnspecified, hold.Receive()))) return {};
+  return hold;
+}
+
+bool KnowsNoMoreResults(HRESULT status) { return status == E_NOTIMPL || status == kFeatureNotAvailable; }
+
+}  // namespace
+
+AdoConnection::AdoConnection(const ConnectionOptions& options) : connection_(CreateConnection()) {
+  IAdoConnection* const ado = connection_.get();
+  Check(ado->put_CursorLocation(kUseClient), ado, "Connection.CursorLocation");
+  Check(ado->put_ConnectionTimeout(options.login_timeout), ado, "Connection.ConnectionTimeout");
+  Check(ado->put_CommandTimeout(options.statement_timeout), ado, "Connection.CommandTimeout");
+  const com::OwnedBstr text(options.ado_string);
+  const com::OwnedBstr none("");
+  SetErrorInfo(0, nullptr);
+  Check(ado->Open(text.get(), none.get(), none.get(), kConnectUnspecified), ado, "Connection.Open");
+  // Servers greet with messages about database and language.
+  ReportOf(S_OK, ado, "Connection.Open");
+}
+
+AdoConnection::~AdoConnection() {
+  try {
+    if (usable()) RollbackTransaction();
+  } catch (const std::exception&) {
+    // A transaction goes with the connection.
+  }
+}
+
+std::int32_t AdoConnection::Ask(std::string_view text) {
+  NumberSink sink;
+  Run(text, true, sink);
+  return sink.number;
+}
+
+void AdoConnection::BeginTransaction() {
+  in_transaction_ = true;
+  if (Ask(kBeginBatch) > 0) RaiseTransactionOpen(kSource);
+}
+
+void AdoConnection::CommitTransaction() {
+  std::int32_t open = 0;
+  try {
+    open = Ask(kCommitBatch);
+  } catch (const Error&) {
+    // What could not be committed is rolled back.
+    if (usable()) RollbackTransaction();
+    throw;
+  }
+  in_transaction_ = false;
+  if (open == 0) RaiseNoTransaction(kSource);
+}
+
+void AdoConnection::RollbackTransaction() {
+  if (!in_transaction_) return;
+  Ask(kRollbackBatch);
+  in_transaction_ = false;
+}
+
+void AdoConnection::Run(std::string_view text, bool first_only, BatchSink& sink) {
+  // ADO has no empty batch.
+  if (text.empty()) return;
+  RefuseNul(text, kSource);
+  const com::OwnedBstr batch(text);
+  com::Pointer<IAdoRecordset> rows;
+  SetErrorInfo(0, nullptr);
+  HRESULT status = connection_->Execute(batch.get(), nullptr, kOptionUnspecified, rows.Receive());
+  Report report = ReportOf(status, connection_.get(), "Connection.Execute");
+  for (bool wanted = true;;) {
+    for (const Error& message : report.messages) sink.Message(message.description(), message.native());
+    if (report.failure) {
+      lost_ = lost_ || IsConnectionLost(*report.failure);
+      throw Error(*report.failure);
+    }
+    if (!rows) return;
+    // ADO clears a recordset for the next result of its batch, and only then tells whether there is one.
+    const bool answers = wanted && IsOpen(*rows.get());
+    com::Pointer<IAdoRecordset> hold = answers ? HoldOf(*rows.get()) : com::Pointer<IAdoRecordset>();
+    com::Pointer<IAdoRecordset> next;
+    status = rows->NextRecordset(nullptr, next.Receive());
+    report = ReportOf(KnowsNoMoreResults(status) ? S_OK : status, connection_.get(), "Recordset.NextRecordset");
+    if (answers) {
+      wanted = !first_only;
+      sink.Rows(ToRecordset(IsOpen(*rows.get()) ? std::move(rows) : std::move(hold)));
+    }
+    rows = std::move(next);
+  }
+}
+
+bool AdoConnection::Reset() noexcept { return false; }
+
+bool AdoConnection::usable() const noexcept { return !lost_; }
+
+void AdoConnection::Cancel() noexcept { connection_->Cancel(); }
+
+}  // namespace tessarlorn::ado

@@ -1,0 +1,40 @@
+// A connection through ADO, early bound, with its rows at the client.
+#pragma once
+
+#include <string_view>
+
+#include "com/base/pointers.h"
+#include "drivers/ado/ado_interfaces.h"
+#include "drivers/ado/connection_options.h"
+#include "platform/connection.h"
+
+namespace tessarlorn::ado {
+
+/// Lives in the apartment of the thread that opened it, which must have joined one. A recordset that is handed out
+/// without being detached keeps ADO's connection open behind it.
+class AdoConnection final : public Connection {
+ public:
+  /// Opens it. Raises 429 where ADO is missing, and what ADO raises.
+  explicit AdoConnection(const ConnectionOptions& options);
+  ~AdoConnection() override;
+
+  void BeginTransaction() override;
+  void CommitTransaction() override;
+  void RollbackTransaction() override;
+  /// Answers false: OLE DB pools connections itself, and cleans them.
+  bool Reset() noexcept override;
+  [[nodiscard]] bool usable() const noexcept override;
+  void Cancel() noexcept override;
+
+ protected:
+  void Run(std::string_view text, bool first_only, BatchSink& sink) override;
+
+ private:
+  std::int32_t Ask(std::string_view text);
+
+  com::Pointer<IAdoConnection> connection_;
+  bool in_transaction_ = false;
+  bool lost_ = false;
+};
+
+}  // namespace tessarlorn::ado

@@ -1,0 +1,216 @@
+// The interfaces of ADO that the driver calls, as its type library lays them out: every member in its place, named
+// where it is called. Numbers are ADO's own.
+#pragma once
+
+#include "com/base/windows_headers.h"
+
+namespace tessarlorn::ado {
+
+constexpr GUID AdoGuid(unsigned long number) {
+  return {number, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x6D, 0x2E, 0xA4}};
+}
+/// The class whose ProgID is ADODB.Connection.
+inline constexpr GUID kConnectionClass = AdoGuid(0x514);
+// IAdoConnection, by the number of current versions and of those before; IAdoRecordset.
+inline constexpr GUID kConnectionInterface = AdoGuid(0x1550);
+inline constexpr GUID kConnectionInterfaceBefore = AdoGuid(0x550);
+inline constexpr GUID kRecordsetInterface = AdoGuid(0x1556);
+
+// Values of ADO's enumerations.
+inline constexpr LONG kUseClient = 3;
+inline constexpr LONG kOptionUnspecified = -1;
+inline constexpr LONG kConnectUnspecified = -1;
+inline constexpr LONG kLockUnspecified = -1;
+inline constexpr LONG kStateClosed = 0;
+inline constexpr LONG kAllRows = -1;
+inline constexpr LONG kFieldIsNullable = 0x20;
+inline constexpr LONG kFieldMayBeNull = 0x40;
+
+/// What ADO answers where a provider knows no further results.
+inline constexpr HRESULT kFeatureNotAvailable = static_cast<HRESULT>(0x800A0CB3);
+
+enum class DataType : LONG {
+  kSmallInt = 2,
+  kInteger = 3,
+  kSingle = 4,
+  kDouble = 5,
+  kCurrency = 6,
+  kDate = 7,
+  kBstr = 8,
+  kBoolean = 11,
+  kVariant = 12,
+  kDecimal = 14,
+  kTinyInt = 16,
+  kUnsignedTinyInt = 17,
+  kUnsignedSmallInt = 18,
+  kUnsignedInt = 19,
+  kBigInt = 20,
+  kUnsignedBigInt = 21,
+  kGuid = 72,
+  kBinary = 128,
+  kChar = 129,
+  kWChar = 130,
+  kNumeric = 131,
+  kDBDate = 133,
+  kDBTime = 134,
+  kDBTimeStamp = 135,
+  kVarNumeric = 139,
+  kVarChar = 200,
+  kLongVarChar = 201,
+  kVarWChar = 202,
+  kLongVarWChar = 203,
+  kVarBinary = 204,
+  kLongVarBinary = 205,
+};
+
+/// What every object of ADO but collections begins with.
+struct IAdoObject : IDispatch {
+  virtual HRESULT STDMETHODCALLTYPE get_Properties(IDispatch** properties) = 0;
+};
+
+struct IAdoCollection : IDispatch {
+  virtual HRESULT STDMETHODCALLTYPE get_Count(LONG* count) = 0;
+  virtual HRESULT STDMETHODCALLTYPE NewEnum(IUnknown** enumeration) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Refresh() = 0;
+};
+
+struct IAdoError : IDispatch {
+  virtual HRESULT STDMETHODCALLTYPE get_Number(LONG* number) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Source(BSTR* source) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Description(BSTR* description) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_HelpFile(BSTR* file) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_HelpContext(LONG* context) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_SQLState(BSTR* state) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_NativeError(LONG* number) = 0;
+};
+
+struct IAdoErrors : IAdoCollection {
+  virtual HRESULT STDMETHODCALLTYPE get_Item(VARIANT index, IAdoError** error) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Clear() = 0;
+};
+
+struct IAdoField : IAdoObject {
+  virtual HRESULT STDMETHODCALLTYPE get_ActualSize(LONG_PTR* size) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Attributes(LONG* attributes) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_DefinedSize(LONG_PTR* size) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Type(LONG* type) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Value(VARIANT* value) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_Value(VARIANT value) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Precision(BYTE* precision) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_NumericScale(BYTE* scale) = 0;
+};
+
+struct IAdoFields : IAdoCollection {
+  virtual HRESULT STDMETHODCALLTYPE get_Item(VARIANT index, IAdoField** field) = 0;
+};
+
+struct IAdoRecordset : IAdoObject {
+  virtual HRESULT STDMETHODCALLTYPE get_AbsolutePosition(LONG_PTR* position) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_AbsolutePosition(LONG_PTR position) = 0;
+  virtual HRESULT STDMETHODCALLTYPE putref_ActiveConnection(IDispatch* connection) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_ActiveConnection(VARIANT connection) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_ActiveConnection(VARIANT* connection) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_BOF(VARIANT_BOOL* bof) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Bookmark(VARIANT* bookmark) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_Bookmark(VARIANT bookmark) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_CacheSize(LONG* size) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_CacheSize(LONG size) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_CursorType(LONG* type) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_CursorType(LONG type) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_EOF(VARIANT_BOOL* eof) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Fields(IAdoFields** fields) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_LockType(LONG* type) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_LockType(LONG type) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_MaxRecords(LONG_PTR* records) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_MaxRecords(LONG_PTR records) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_RecordCount(LONG_PTR* count) = 0;
+  virtual HRESULT STDMETHODCALLTYPE putref_Source(IDispatch* source) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_Source(BSTR source) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Source(VARIANT* source) = 0;
+  virtual HRESULT STDMETHODCALLTYPE AddNew(VARIANT fields, VARIANT values) = 0;
+  virtual HRESULT STDMETHODCALLTYPE CancelUpdate() = 0;
+  virtual HRESULT STDMETHODCALLTYPE Close() = 0;
+  virtual HRESULT STDMETHODCALLTYPE Delete(LONG affected) = 0;
+  virtual HRESULT STDMETHODCALLTYPE GetRows(LONG rows, VARIANT start, VARIANT fields, VARIANT* values) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Move(LONG_PTR rows, VARIANT start) = 0;
+  virtual HRESULT STDMETHODCALLTYPE MoveNext() = 0;
+  virtual HRESULT STDMETHODCALLTYPE MovePrevious() = 0;
+  virtual HRESULT STDMETHODCALLTYPE MoveFirst() = 0;
+  virtual HRESULT STDMETHODCALLTYPE MoveLast() = 0;
+  virtual HRESULT STDMETHODCALLTYPE Open(VARIANT source, VARIANT connection, LONG cursor, LONG lock, LONG options) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Requery(LONG options) = 0;
+  virtual HRESULT STDMETHODCALLTYPE HiddenResync(LONG affected) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Update(VARIANT fields, VARIANT values) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_AbsolutePage(LONG_PTR* page) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_AbsolutePage(LONG_PTR page) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_EditMode(LONG* mode) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Filter(VARIANT* criteria) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_Filter(VARIANT criteria) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_PageCount(LONG_PTR* count) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_PageSize(LONG* size) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_PageSize(LONG size) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Sort(BSTR* criteria) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_Sort(BSTR criteria) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Status(LONG* status) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_State(LONG* state) = 0;
+  virtual HRESULT STDMETHODCALLTYPE HiddenClone(IAdoRecordset** clone) = 0;
+  virtual HRESULT STDMETHODCALLTYPE UpdateBatch(LONG affected) = 0;
+  virtual HRESULT STDMETHODCALLTYPE CancelBatch(LONG affected) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_CursorLocation(LONG* location) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_CursorLocation(LONG location) = 0;
+  virtual HRESULT STDMETHODCALLTYPE NextRecordset(VARIANT* affected, IAdoRecordset** next) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Supports(LONG options, VARIANT_BOOL* answer) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Collect(VARIANT index, VARIANT* value) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_Collect(VARIANT index, VARIANT value) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_MarshalOptions(LONG* options) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_MarshalOptions(LONG options) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Find(BSTR criteria, LONG_PTR skip, LONG direction, VARIANT start) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Cancel() = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_DataSource(IUnknown** source) = 0;
+  virtual HRESULT STDMETHODCALLTYPE putref_DataSource(IUnknown* source) = 0;
+  virtual HRESULT STDMETHODCALLTYPE HiddenSave(BSTR file, LONG format) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_ActiveCommand(IDispatch** command) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_StayInSync(VARIANT_BOOL stay) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_StayInSync(VARIANT_BOOL* stay) = 0;
+  virtual HRESULT STDMETHODCALLTYPE GetString(LONG format, LONG rows, BSTR column_delimiter, BSTR row_delimiter,
+                                              BSTR null_text, BSTR* text) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_DataMember(BSTR* member) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_DataMember(BSTR member) = 0;
+  virtual HRESULT STDMETHODCALLTYPE CompareBookmarks(VARIANT one, VARIANT other, LONG* answer) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Clone(LONG lock, IAdoRecordset** clone) = 0;
+};
+
+struct IAdoConnection : IAdoObject {
+  virtual HRESULT STDMETHODCALLTYPE get_ConnectionString(BSTR* text) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_ConnectionString(BSTR text) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_CommandTimeout(LONG* seconds) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_CommandTimeout(LONG seconds) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_ConnectionTimeout(LONG* seconds) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_ConnectionTimeout(LONG seconds) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Version(BSTR* version) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Close() = 0;
+  virtual HRESULT STDMETHODCALLTYPE Execute(BSTR text, VARIANT* affected, LONG options, IAdoRecordset** rows) = 0;
+  virtual HRESULT STDMETHODCALLTYPE BeginTrans(LONG* level) = 0;
+  virtual HRESULT STDMETHODCALLTYPE CommitTrans() = 0;
+  virtual HRESULT STDMETHODCALLTYPE RollbackTrans() = 0;
+  virtual HRESULT STDMETHODCALLTYPE Open(BSTR text, BSTR user, BSTR password, LONG options) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Errors(IAdoErrors** errors) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_DefaultDatabase(BSTR* name) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_DefaultDatabase(BSTR name) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_IsolationLevel(LONG* level) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_IsolationLevel(LONG level) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Attributes(LONG* attributes) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_Attributes(LONG attributes) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_CursorLocation(LONG* location) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_CursorLocation(LONG location) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Mode(LONG* mode) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_Mode(LONG mode) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Provider(BSTR* provider) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_Provider(BSTR provider) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_State(LONG* state) = 0;
+  virtual HRESULT STDMETHODCALLTYPE OpenSchema(LONG schema, VARIANT restrictions, VARIANT id, IAdoRecordset** rows) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Cancel() = 0;
+};
+
+}  // namespace tessarlorn::ado

@@ -1,0 +1,495 @@
+#include "drivers_ado/ado_stand_in.h"
+
+#include <algorithm>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "com/base/counted.h"
+#include "com/base/errors.h"
+#include "com/base/plain_values.h"
+#include "com/base/pointers.h"
+#include "drivers/ado/ado_interfaces.h"
+#include "objects/field_traits.h"
+#include "platform/connection.h"
+#include "platform/text.h"
+
+// A member that nobody needs.
+#define NOT_HERE(name, ...) \
+  HRESULT STDMETHODCALLTYPE name(__VA_ARGS__) override { return E_NOTIMPL; }
+
+namespace tessarlorn {
+namespace {
+
+using namespace ado;
+using com::Pointer;
+
+constexpr LONG kStateOpen = 1;
+constexpr LONG kLongest = 1073741823;
+
+HRESULT AnswerText(BSTR* out, std::string_view text) {
+  *out = com::NewBstr(text);
+  return S_OK;
+}
+template <typename Target, typename Value>
+HRESULT Answer(Target* out, Value value) {
+  *out = static_cast<Target>(value);
+  return S_OK;
+}
+/// A number of ADO's own.
+HRESULT Refuse(std::int32_t number) { return com::ToHresult(number); }
+
+template <typename Interface>
+class Base : public com::Counted<Interface> {
+ public:
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
+    const bool own = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch) || Is(id);
+    *out = own ? static_cast<Interface*>(this) : nullptr;
+    if (!own) return E_NOINTERFACE;
+    this->AddRef();
+    return S_OK;
+  }
+  NOT_HERE(GetTypeInfoCount, UINT*)
+  NOT_HERE(GetTypeInfo, UINT, LCID, ITypeInfo**)
+  NOT_HERE(GetIDsOfNames, REFIID, LPOLESTR*, UINT, LCID, DISPID*)
+  NOT_HERE(Invoke, DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*)
+
+ protected:
+  [[nodiscard]] virtual bool Is(REFIID /*id*/) const { return false; }
+};
+
+template <typename Interface>
+class BaseObject : public Base<Interface> {
+ public:
+  NOT_HERE(get_Properties, IDispatch**)
+};
+
+/// Only the index is different from one collection to the other.
+template <typename Interface, typename Item>
+class BaseCollection : public Base<Interface> {
+ public:
+  explicit BaseCollection(std::vector<Pointer<Item>> items) : items_(std::move(items)) {}
+  HRESULT STDMETHODCALLTYPE get_Count(LONG* count) override { return Answer(count, items_.size()); }
+  HRESULT STDMETHODCALLTYPE get_Item(VARIANT index, Item** item) override {
+    if (index.vt != VT_I4 || index.lVal < 0 || index.lVal >= static_cast<LONG>(items_.size())) return Refuse(3265);
+    return Answer(item, Pointer<Item>(items_[static_cast<std::size_t>(index.lVal)]).Release());
+  }
+  NOT_HERE(NewEnum, IUnknown**)
+  NOT_HERE(Refresh)
+
+ protected:
+  std::vector<Pointer<Item>> items_;
+};
+
+class StandInError final : public Base<IAdoError> {
+ public:
+  explicit StandInError(Error error) : error_(std::move(error)) {}
+  HRESULT STDMETHODCALLTYPE get_Number(LONG* out) override { return Answer(out, com::ToHresult(error_.number())); }
+  HRESULT STDMETHODCALLTYPE get_Source(BSTR* out) override { return AnswerText(out, error_.source()); }
+  HRESULT STDMETHODCALLTYPE get_Description(BSTR* out) override { return AnswerText(out, error_.description()); }
+  HRESULT STDMETHODCALLTYPE get_SQLState(BSTR* out) override { return AnswerText(out, error_.native().sqlstate); }
+  HRESULT STDMETHODCALLTYPE get_NativeError(LONG* out) override { return Answer(out, error_.native().number); }
+  NOT_HERE(get_HelpFile, BSTR*)
+  NOT_HERE(get_HelpContext, LONG*)
+
+ private:
+  Error error_;
+};
+
+class StandInErrors final : public BaseCollection<IAdoErrors, IAdoError> {
+ public:
+  StandInErrors() : BaseCollection({}) {}
+  void Add(const Error& error) { items_.push_back(Pointer<IAdoError>::Adopt(new StandInError(error))); }
+  HRESULT STDMETHODCALLTYPE Clear() override {
+    items_.clear();
+    return S_OK;
+  }
+};
+
+/// A value as ADO gives one of that type, in `*out`.
+void PutCell(const Variant& value, const Field& field, VARIANT* out) {
+  constexpr std::int64_t kTwoDays = 2LL * 86'400'000;
+  com::ToPlainVariant(value, out);
+  if (value.is_null()) return;
+  switch (static_cast<DataType>(TraitsOf(field).type)) {
+    case DataType::kUnsignedTinyInt:
+      out->bVal = static_cast<BYTE>(value.ToInt16());
+      out->vt = VT_UI1;
+      break;
+    case DataType::kBigInt:
+      out->llVal = value.ToDecimal().ToScaled(0).value();
+      out->vt = VT_I8;
+      break;
+    case DataType::kSingle:
+      out->fltVal = static_cast<float>(value.ToDouble());
+      out->vt = VT_R4;
+      break;
+    case DataType::kCurrency:
+      out->cyVal.int64 = value.ToDecimal().ToScaled(4).value();
+      out->vt = VT_CY;
+      break;
+    case DataType::kDBTime:
+      // On the day from which automation counts.
+      com::ToPlainVariant(DateTime(value.ToDateTime().milliseconds() - kTwoDays), out);
+      break;
+    case DataType::kGuid:
+      VariantClear(out);
+      com::ToPlainVariant("{" + value.ToText() + "}", out);
+      break;
+    default:
+      break;
+  }
+}
+
+class StandInField final : public BaseObject<IAdoField> {
+ public:
+  explicit StandInField(Field field) : field_(std::move(field)), traits_(TraitsOf(field_)) {}
+  HRESULT STDMETHODCALLTYPE get_Name(BSTR* out) override { return AnswerText(out, field_.name); }
+  HRESULT STDMETHODCALLTYPE get_Type(LONG* out) override { return Answer(out, traits_.type); }
+  HRESULT STDMETHODCALLTYPE get_DefinedSize(LONG_PTR* out) override {
+    return Answer(out, traits_.unlimited ? std::min<LONG>(traits_.size, kLongest) : traits_.size);
+  }
+  HRESULT STDMETHODCALLTYPE get_Attributes(LONG* out) override {
+    return Answer(out, field_.nullable ? kFieldIsNullable : 0);
+  }
+  HRESULT STDMETHODCALLTYPE get_Precision(BYTE* out) override { return Answer(out, traits_.precision); }
+  HRESULT STDMETHODCALLTYPE get_NumericScale(BYTE* out) override { return Answer(out, traits_.scale); }
+  NOT_HERE(get_ActualSize, LONG_PTR*)
+  NOT_HERE(get_Value, VARIANT*)
+  NOT_HERE(put_Value, VARIANT)
+
+ private:
+  Field field_;
+  FieldTraits traits_;
+};
+
+class StandInFields final : public BaseCollection<IAdoFields, IAdoField> {
+ public:
+  explicit StandInFields(const std::vector<Field>& fields) : BaseCollection({}) {
+    for (const Field& field : fields) items_.push_back(Pointer<IAdoField>::Adopt(new StandInField(field)));
+  }
+};
+
+/// What one statement of a batch answers.
+struct Step {
+  /// nullptr for one without rows.
+  RecordsetPtr rows = nullptr;
+  /// Said before it.
+  std::vector<Error> messages = {};
+  std::optional<Error> failure = std::nullopt;
+};
+
+/// What a batch that has run still has to tell. The last step is its end.
+class Batch {
+ public:
+  Batch(std::deque<Step> steps, Pointer<StandInErrors> errors) : steps_(std::move(steps)), errors_(std::move(errors)) {}
+  /// The next step, nothing behind the end and for one that fails.
+  std::optional<Step> Next(HRESULT* status) {
+    *status = S_OK;
+    errors_->Clear();
+    if (steps_.empty()) return std::nullopt;
+    Step step = std::move(steps_.front());
+    steps_.pop_front();
+    for (const Error& message : step.messages) errors_->Add(message);
+    if (step.failure) {
+      errors_->Add(*step.failure);
+      *status = com::ToHresult(step.failure->number());
+    }
+    if (step.failure || steps_.empty()) return std::nullopt;
+    return step;
+  }
+
+ private:
+  std::deque<Step> steps_;
+  Pointer<StandInErrors> errors_;
+};
+
+class StandInRecordset final : public BaseObject<IAdoRecordset> {
+ public:
+  StandInRecordset(RecordsetPtr rows, std::shared_ptr<Batch> batch, Pointer<IAdoConnection> connection)
+      : rows_(std::move(rows)), batch_(std::move(batch)), connection_(std::move(connection)) {}
+
+  [[nodiscard]] bool attached() const { return static_cast<bool>(connection_); }
+
+  HRESULT STDMETHODCALLTYPE get_State(LONG* out) override { return Answer(out, rows_ ? kStateOpen : kStateClosed); }
+  HRESULT STDMETHODCALLTYPE get_BOF(VARIANT_BOOL* out) override {
+    return WithRows([&] { return Answer(out, rows_->RecordCount() == 0 ? VARIANT_TRUE : VARIANT_FALSE); });
+  }
+  HRESULT STDMETHODCALLTYPE get_EOF(VARIANT_BOOL* out) override {
+    return WithRows([&] { return Answer(out, position_ >= rows_->RecordCount() ? VARIANT_TRUE : VARIANT_FALSE); });
+  }
+  HRESULT STDMETHODCALLTYPE get_RecordCount(LONG_PTR* out) override {
+    return WithRows([&] { return Answer(out, rows_->RecordCount()); });
+  }
+  HRESULT STDMETHODCALLTYPE get_Fields(IAdoFields** out) override {
+    return WithRows([&] { return Answer(out, static_cast<IAdoFields*>(new StandInFields(rows_->fields()))); });
+  }
+  HRESULT STDMETHODCALLTYPE MoveFirst() override {
+    return WithRows([&] {
+      position_ = 0;
+      return rows_->RecordCount() == 0 ? Refuse(3021) : S_OK;
+    });
+  }
+  HRESULT STDMETHODCALLTYPE GetRows(LONG wanted, VARIANT, VARIANT, VARIANT* out) override {
+    return WithRows([&] {
+      if (position_ >= rows_->RecordCount()) return Refuse(3021);
+      const std::size_t left = rows_->RecordCount() - position_;
+      const std::size_t count = wanted < 0 ? left : std::min(left, static_cast<std::size_t>(wanted));
+      const std::vector<Field>& fields = rows_->fields();
+      SAFEARRAYBOUND bounds[2] = {{static_cast<ULONG>(fields.size()), 0}, {static_cast<ULONG>(count), 0}};
+      out->parray = SafeArrayCreate(VT_VARIANT, 2, bounds);
+      out->vt = VT_ARRAY | VT_VARIANT;
+      auto* cell = static_cast<VARIANT*>(out->parray->pvData);
+      for (std::size_t row = 0; row < count; ++row, ++position_) {
+        rows_->MoveTo(position_);
+        for (std::size_t i = 0; i < fields.size(); ++i) PutCell(rows_->Get(i), fields[i], cell++);
+      }
+      return S_OK;
+    });
+  }
+  HRESULT STDMETHODCALLTYPE Close() override {
+    return WithRows([&] {
+      rows_.reset();
+      return S_OK;
+    });
+  }
+  HRESULT STDMETHODCALLTYPE Clone(LONG, IAdoRecordset** out) override {
+    return WithRows(
+        [&] { return Answer(out, static_cast<IAdoRecordset*>(new StandInRecordset(rows_, nullptr, connection_))); });
+  }
+  /// Clears this one, whatever comes.
+  HRESULT STDMETHODCALLTYPE NextRecordset(VARIANT*, IAdoRecordset** out) override {
+    *out = nullptr;
+    rows_.reset();
+    if (!batch_ || !connection_) return kFeatureNotAvailable;
+    HRESULT status = S_OK;
+    if (std::optional<Step> step = batch_->Next(&status)) {
+      *out = new StandInRecordset(std::move(step->rows), batch_, connection_);
+    }
+    return status;
+  }
+  HRESULT STDMETHODCALLTYPE putref_ActiveConnection(IDispatch* connection) override {
+    if (connection != nullptr) return E_NOTIMPL;
+    connection_ = {};
+    return S_OK;
+  }
+
+  NOT_HERE(get_AbsolutePosition, LONG_PTR*)
+  NOT_HERE(put_AbsolutePosition, LONG_PTR)
+  NOT_HERE(put_ActiveConnection, VARIANT)
+  NOT_HERE(get_ActiveConnection, VARIANT*)
+  NOT_HERE(get_Bookmark, VARIANT*)
+  NOT_HERE(put_Bookmark, VARIANT)
+  NOT_HERE(get_CacheSize, LONG*)
+  NOT_HERE(put_CacheSize, LONG)
+  NOT_HERE(get_CursorType, LONG*)
+  NOT_HERE(put_CursorType, LONG)
+  NOT_HERE(get_LockType, LONG*)
+  NOT_HERE(put_LockType, LONG)
+  NOT_HERE(get_MaxRecords, LONG_PTR*)
+  NOT_HERE(put_MaxRecords, LONG_PTR)
+  NOT_HERE(putref_Source, IDispatch*)
+  NOT_HERE(put_Source, BSTR)
+  NOT_HERE(get_Source, VARIANT*)
+  NOT_HERE(AddNew, VARIANT, VARIANT)
+  NOT_HERE(CancelUpdate)
+  NOT_HERE(Delete, LONG)
+  NOT_HERE(Move, LONG_PTR, VARIANT)
+  NOT_HERE(MoveNext)
+  NOT_HERE(MovePrevious)
+  NOT_HERE(MoveLast)
+  NOT_HERE(Open, VARIANT, VARIANT, LONG, LONG, LONG)
+  NOT_HERE(Requery, LONG)
+  NOT_HERE(HiddenResync, LONG)
+  NOT_HERE(Update, VARIANT, VARIANT)
+  NOT_HERE(get_AbsolutePage, LONG_PTR*)
+  NOT_HERE(put_AbsolutePage, LONG_PTR)
+  NOT_HERE(get_EditMode, LONG*)
+  NOT_HERE(get_Filter, VARIANT*)
+  NOT_HERE(put_Filter, VARIANT)
+  NOT_HERE(get_PageCount, LONG_PTR*)
+  NOT_HERE(get_PageSize, LONG*)
+  NOT_HERE(put_PageSize, LONG)
+  NOT_HERE(get_Sort, BSTR*)
+  NOT_HERE(put_Sort, BSTR)
+  NOT_HERE(get_Status, LONG*)
+  NOT_HERE(HiddenClone, IAdoRecordset**)
+  NOT_HERE(UpdateBatch, LONG)
+  NOT_HERE(CancelBatch, LONG)
+  NOT_HERE(get_CursorLocation, LONG*)
+  NOT_HERE(put_CursorLocation, LONG)
+  NOT_HERE(Supports, LONG, VARIANT_BOOL*)
+  NOT_HERE(get_Collect, VARIANT, VARIANT*)
+  NOT_HERE(put_Collect, VARIANT, VARIANT)
+  NOT_HERE(get_MarshalOptions, LONG*)
+  NOT_HERE(put_MarshalOptions, LONG)
+  NOT_HERE(Find, BSTR, LONG_PTR, LONG, VARIANT)
+  NOT_HERE(Cancel)
+  NOT_HERE(get_DataSource, IUnknown**)
+  NOT_HERE(putref_DataSource, IUnknown*)
+  NOT_HERE(HiddenSave, BSTR, LONG)
+  NOT_HERE(get_ActiveCommand, IDispatch**)
+  NOT_HERE(put_StayInSync, VARIANT_BOOL)
+  NOT_HERE(get_StayInSync, VARIANT_BOOL*)
+  NOT_HERE(GetString, LONG, LONG, BSTR, BSTR, BSTR, BSTR*)
+  NOT_HERE(get_DataMember, BSTR*)
+  NOT_HERE(put_DataMember, BSTR)
+  NOT_HERE(CompareBookmarks, VARIANT, VARIANT, LONG*)
+
+ private:
+  [[nodiscard]] bool Is(REFIID id) const override { return IsEqualIID(id, kRecordsetInterface); }
+  template <typename Action>
+  HRESULT WithRows(const Action& action) {
+    return rows_ == nullptr ? Refuse(3704) : action();
+  }
+
+  RecordsetPtr rows_;
+  std::size_t position_ = 0;
+  std::shared_ptr<Batch> batch_;
+  Pointer<IAdoConnection> connection_;
+};
+
+/// Cuts a batch's answers into steps.
+class StepSink final : public BatchSink {
+ public:
+  void Rows(RecordsetPtr rows) override { End({.rows = std::move(rows)}); }
+  void RowCount(std::int64_t /*rows*/) override { End({}); }
+  void Message(std::string_view text, const NativeError& about) override {
+    messages_.emplace_back(0, "stand-in", std::string(text), about);
+  }
+  bool StatementFailed(const Error& error) override {
+    End({.failure = error});
+    return true;
+  }
+  void End(Step step) {
+    step.messages = std::exchange(messages_, {});
+    steps.push_back(std::move(step));
+  }
+  std::deque<Step> steps;
+
+ private:
+  std::vector<Error> messages_;
+};
+
+class StandInConnection final : public BaseObject<IAdoConnection> {
+ public:
+  HRESULT STDMETHODCALLTYPE Open(BSTR text, BSTR, BSTR, LONG) override {
+    const std::string string = com::ToText(text);
+    const std::string_view name = "Data Source=\"";
+    const std::size_t start = string.find(name) + name.size();
+    try {
+      if (location_ != kUseClient) throw std::runtime_error("the rows are not at the client");
+      connection_ = OpenConnection(string.substr(start, string.find('"', start) - start));
+      return S_OK;
+    } catch (const Error& error) {
+      return Fail(error);
+    }
+  }
+  HRESULT STDMETHODCALLTYPE Execute(BSTR text, VARIANT* affected, LONG options, IAdoRecordset** out) override {
+    *out = nullptr;
+    if (connection_ == nullptr) return Refuse(3704);
+    if (affected != nullptr || options != kOptionUnspecified) return E_INVALIDARG;
+    StepSink sink;
+    try {
+      connection_->ExecuteAll(com::ToText(text), sink);
+      sink.End({});
+      // A batch whose statements all are silent answers one closed recordset.
+      if (sink.steps.size() == 1 && !sink.steps.front().failure) sink.End({});
+    } catch (const Error& error) {
+      sink.End({.failure = error});
+    }
+    const auto batch = std::make_shared<Batch>(std::move(sink.steps), errors_);
+    HRESULT status = S_OK;
+    if (std::optional<Step> step = batch->Next(&status)) {
+      *out = new StandInRecordset(std::move(step->rows), batch, Pointer<IAdoConnection>(this));
+    }
+    return status;
+  }
+  HRESULT STDMETHODCALLTYPE get_Errors(IAdoErrors** out) override {
+    return Answer(out, static_cast<IAdoErrors*>(Pointer<StandInErrors>(errors_).Release()));
+  }
+  HRESULT STDMETHODCALLTYPE put_CursorLocation(LONG location) override { return Answer(&location_, location); }
+  HRESULT STDMETHODCALLTYPE put_CommandTimeout(LONG) override { return S_OK; }
+  HRESULT STDMETHODCALLTYPE put_ConnectionTimeout(LONG) override { return S_OK; }
+  HRESULT STDMETHODCALLTYPE Cancel() override {
+    if (connection_ != nullptr) connection_->Cancel();
+    return S_OK;
+  }
+
+  NOT_HERE(get_ConnectionString, BSTR*)
+  NOT_HERE(put_ConnectionString, BSTR)
+  NOT_HERE(get_CommandTimeout, LONG*)
+  NOT_HERE(get_ConnectionTimeout, LONG*)
+  NOT_HERE(get_Version, BSTR*)
+  NOT_HERE(Close)
+  NOT_HERE(BeginTrans, LONG*)
+  NOT_HERE(CommitTrans)
+  NOT_HERE(RollbackTrans)
+  NOT_HERE(get_DefaultDatabase, BSTR*)
+  NOT_HERE(put_DefaultDatabase, BSTR)
+  NOT_HERE(get_IsolationLevel, LONG*)
+  NOT_HERE(put_IsolationLevel, LONG)
+  NOT_HERE(get_Attributes, LONG*)
+  NOT_HERE(put_Attributes, LONG)
+  NOT_HERE(get_CursorLocation, LONG*)
+  NOT_HERE(get_Mode, LONG*)
+  NOT_HERE(put_Mode, LONG)
+  NOT_HERE(get_Provider, BSTR*)
+  NOT_HERE(put_Provider, BSTR)
+  NOT_HERE(get_State, LONG*)
+  NOT_HERE(OpenSchema, LONG, VARIANT, VARIANT, IAdoRecordset**)
+
+ private:
+  [[nodiscard]] bool Is(REFIID id) const override { return IsEqualIID(id, kConnectionInterface); }
+  HRESULT Fail(const Error& error) {
+    errors_->Clear();
+    errors_->Add(error);
+    return com::ToHresult(error.number());
+  }
+
+  LONG location_ = 0;
+  std::unique_ptr<Connection> connection_;
+  Pointer<StandInErrors> errors_ = Pointer<StandInErrors>::Adopt(new StandInErrors);
+};
+
+class Factory final : public com::Counted<IClassFactory> {
+ public:
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
+    const bool own = IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IClassFactory);
+    *out = own ? this : nullptr;
+    if (own) AddRef();
+    return own ? S_OK : E_NOINTERFACE;
+  }
+  HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID id, void** out) override {
+    return Pointer<IAdoConnection>::Adopt(new StandInConnection)->QueryInterface(id, out);
+  }
+  NOT_HERE(LockServer, BOOL)
+};
+
+}  // namespace
+
+AdoStandIn::AdoStandIn() {
+  if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) throw std::runtime_error("CoInitializeEx failed");
+  const auto factory = Pointer<Factory>::Adopt(new Factory);
+  if (FAILED(CoRegisterClassObject(kConnectionClass, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
+                                   &registration_))) {
+    throw std::runtime_error("CoRegisterClassObject failed");
+  }
+}
+
+AdoStandIn::~AdoStandIn() {
+  CoRevokeClassObject(registration_);
+  CoUninitialize();
+}
+
+bool AdoStandIn::IsAttached(IDispatch* recordset) {
+  void* found = nullptr;
+  if (FAILED(recordset->QueryInterface(kRecordsetInterface, &found))) throw std::runtime_error("no recordset of ADO");
+  const auto own = Pointer<IAdoRecordset>::Adopt(static_cast<IAdoRecordset*>(found));
+  return static_cast<const StandInRecordset*>(own.get())->attached();
+}
+
+}  // namespace tessarlorn

@@ -1,0 +1,31 @@
+// What ADO's documentation says of its objects, done over the component's own drivers: for tests where ADO is not, or
+// not whole.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "com/base/windows_headers.h"
+
+namespace tessarlorn {
+
+/// While it lives, COM makes the stand-in where this process asks for ADODB.Connection on this thread's apartment,
+/// which it joins. A database is named by `Provider=StandIn;Data Source=<string of another driver>`.
+class AdoStandIn {
+ public:
+  AdoStandIn();
+  AdoStandIn(const AdoStandIn&) = delete;
+  AdoStandIn& operator=(const AdoStandIn&) = delete;
+  ~AdoStandIn();
+
+  static std::string StringOf(std::string_view database) {
+    return "Provider=StandIn;Data Source=\"" + std::string(database) + "\"";
+  }
+  /// Whether ADO's recordset is attached to a connection.
+  static bool IsAttached(IDispatch* recordset);
+
+ private:
+  DWORD registration_ = 0;
+};
+
+}  // namespace tessarlorn

@@ -6,6 +6,7 @@
 #include "com/foreign_object.h"
 #include "drivers/ado/ado_driver.h"
 #include "drivers/embedded/embedded_driver.h"
+#include "drivers/odbc/odbc_driver.h"
 #include "platform/client_address.h"
 #include "platform/session.h"
 #include "siblings/siblings.h"
@@ -39,6 +40,8 @@ void PrepareThisProcess() {
   std::call_once(once, [] {
     RegisterAdoDriver();
     RegisterEmbeddedDriver();
+    // Nobody cancels here, and a thread of its own would outlive the library or block its end.
+    RegisterOdbcDriver(OdbcCancelling::kNone);
     RegisterNeighbours();
     if (const ReadTcpEntry read = FindReadTcp()) {
       SetReadTcp([read](std::span<char> buffer, std::span<char> unused) {

@@ -8,7 +8,7 @@ import subprocess
 import sys
 
 EXPORTS = {"DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer", "DllUnregisterServer"}
-WINDOWS_OWN = {"advapi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleaut32.dll", "user32.dll"}
+WINDOWS_OWN = {"advapi32.dll", "kernel32.dll", "msvcrt.dll", "odbc32.dll", "ole32.dll", "oleaut32.dll", "user32.dll"}
 
 
 def main(library, objdump):

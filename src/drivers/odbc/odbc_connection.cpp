@@ -34,8 +34,10 @@ class NotingSink final : public BatchSink {
 
 }  // namespace
 
-OdbcConnection::OdbcConnection(ConnectionOptions options)
-    : options_(std::move(options)), link_(std::make_unique<OdbcLink>(options_)) {}
+OdbcConnection::OdbcConnection(ConnectionOptions options, OdbcCancelling cancelling)
+    : options_(std::move(options)),
+      link_(std::make_unique<OdbcLink>(options_)),
+      cancel_(cancelling == OdbcCancelling::kWatched ? CancelState::Make() : std::make_shared<CancelState>()) {}
 
 template <typename Action>
 void OdbcConnection::WithNewLogin(const Action& action, const bool& answered) {

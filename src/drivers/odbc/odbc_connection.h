@@ -9,6 +9,7 @@
 #include "drivers/odbc/batch_effects.h"
 #include "drivers/odbc/cancel_watch.h"
 #include "drivers/odbc/connection_options.h"
+#include "drivers/odbc/odbc_driver.h"
 #include "drivers/odbc/odbc_link.h"
 #include "platform/connection.h"
 
@@ -20,7 +21,7 @@ namespace tessarlorn::odbc {
 class OdbcConnection final : public Connection {
  public:
   /// Logs in.
-  explicit OdbcConnection(ConnectionOptions options);
+  OdbcConnection(ConnectionOptions options, OdbcCancelling cancelling);
 
   void BeginTransaction() override;
   void CommitTransaction() override;
@@ -45,7 +46,7 @@ class OdbcConnection final : public Connection {
 
   ConnectionOptions options_;
   std::unique_ptr<OdbcLink> link_;
-  std::shared_ptr<CancelState> cancel_ = CancelState::Make();
+  std::shared_ptr<CancelState> cancel_;
   /// Of everything since it was handed back.
   BatchEffects effects_;
   /// Nothing was sent since it was handed back.

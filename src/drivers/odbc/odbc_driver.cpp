@@ -13,14 +13,18 @@ namespace {
 
 class OdbcDriver final : public Driver {
  public:
+  explicit OdbcDriver(OdbcCancelling cancelling) : cancelling_(cancelling) {}
   [[nodiscard]] std::vector<std::string> Prefixes() const override { return {"Driver", "DSN"}; }
   [[nodiscard]] std::unique_ptr<Connection> Open(std::string_view database_string) override {
-    return std::make_unique<odbc::OdbcConnection>(odbc::ParseConnectionOptions(database_string));
+    return std::make_unique<odbc::OdbcConnection>(odbc::ParseConnectionOptions(database_string), cancelling_);
   }
+
+ private:
+  OdbcCancelling cancelling_;
 };
 
 }  // namespace
 
-void RegisterOdbcDriver() { RegisterDriver(std::make_shared<OdbcDriver>()); }
+void RegisterOdbcDriver(OdbcCancelling cancelling) { RegisterDriver(std::make_shared<OdbcDriver>(cancelling)); }
 
 }  // namespace tessarlorn

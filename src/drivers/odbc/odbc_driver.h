@@ -1,9 +1,15 @@
 // The driver of database servers that are reached over ODBC.
 #pragma once
 
+#include <cstdint>
+
 #include "platform/connection.h"
 
 namespace tessarlorn {
+
+/// Whether Connection::Cancel() of the driver's connections ends a batch that runs. That takes a thread from the first
+/// connection to the end of the process.
+enum class OdbcCancelling : std::uint8_t { kWatched, kNone };
 
 /// Registers the driver for strings that begin with `Driver=` or `DSN=`:
 ///
@@ -13,6 +19,6 @@ namespace tessarlorn {
 /// 15), and `StatementTimeout`, how many seconds a batch may be silent before it is ended with 0x80040E31 (default 0:
 /// as long as it takes). A string that is wrong and a login that is refused raise 0x80040E4D with a text that names the
 /// fault and never the password.
-void RegisterOdbcDriver();
+void RegisterOdbcDriver(OdbcCancelling cancelling = OdbcCancelling::kWatched);
 
 }  // namespace tessarlorn

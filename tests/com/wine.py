@@ -61,10 +61,14 @@ def differences(script, output):
     return faults + [f"unexpected: {line!r}" for line in lines[len(wanted):]]
 
 
+def new_database(folder, name):
+    """The path of a database that is not there yet."""
+    path = pathlib.Path(folder) / f"{name}.db"
+    for left in (path, path.with_name(path.name + "-wal"), path.with_name(path.name + "-shm")):
+        left.unlink(missing_ok=True)
+    return path
+
+
 def copy_database(database, folder, name):
     """A copy of a database for one test, which may change it."""
-    copy = pathlib.Path(folder) / f"{name}.db"
-    for left in (copy, copy.with_name(copy.name + "-wal"), copy.with_name(copy.name + "-shm")):
-        left.unlink(missing_ok=True)
-    shutil.copy(database, copy)
-    return copy
+    return pathlib.Path(shutil.copy(database, new_database(folder, name)))

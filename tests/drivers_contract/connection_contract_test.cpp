@@ -1,5 +1,5 @@
-// What every driver's connections do alike: embedded, over ODBC on the served database, and over ODBC on the server
-// that TESSARLORN_TEST_DSN names.
+// What every driver's connections do alike: embedded, over ODBC on the served database, on the server that
+// TESSARLORN_TEST_DSN names, and on the database that TESSARLORN_TEST_DATABASE names.
 #include <chrono>
 #include <gmock/gmock.h>
 #include <thread>
@@ -226,17 +226,8 @@ TEST_P(ConnectionContract, ValuesKeepTypeAndValue) {
 }
 
 std::string NameOf(const testing::TestParamInfo<Reach>& reach) {
-  switch (reach.param) {
-    case Reach::kInProcess:
-      return "embedded";
-    case Reach::kOverOdbc:
-      return "odbc";
-    case Reach::kOverAdo:
-      return "ado";
-    case Reach::kServer:
-      break;
-  }
-  return "server";
+  constexpr const char* kNames[] = {"embedded", "odbc", "ado", "server", "given"};
+  return kNames[static_cast<std::size_t>(reach.param)];
 }
 
 INSTANTIATE_TEST_SUITE_P(Drivers, ConnectionContract, testing::ValuesIn(Reaches()), NameOf);

@@ -1,5 +1,5 @@
 // An empty database of a test's own, and the ways that lead to it: in process, over TDS and ODBC, over what stands in
-// for ADO, on another server.
+// for ADO, on another server; or one that all tests of a process share.
 #pragma once
 
 #include <cstdio>
@@ -29,14 +29,18 @@
 
 namespace tessarlorn {
 
-/// An embedded database in memory, reached in process, over TDS and ODBC, or over what stands in for ADO; or one that
-/// is made on a server.
-enum class Reach { kInProcess, kOverOdbc, kOverAdo, kServer };
+/// An embedded database in memory, reached in process, over TDS and ODBC, or over what stands in for ADO; one that is
+/// made on a server; or one that is given.
+enum class Reach { kInProcess, kOverOdbc, kOverAdo, kServer, kGiven };
 
 /// The string of another server, TESSARLORN_TEST_DSN in the environment; nullptr when there is none.
 inline const char* TestServer() { return std::getenv("TESSARLORN_TEST_DSN"); }
 
-/// Those that this build has.
+/// The string of a database that is empty when the process starts and that nothing else uses, TESSARLORN_TEST_DATABASE
+/// in the environment; nullptr when there is none.
+inline const char* GivenDatabase() { return std::getenv("TESSARLORN_TEST_DATABASE"); }
+
+/// Those that there are in this build and environment.
 inline std::vector<Reach> Reaches() {
   std::vector<Reach> reaches = {Reach::kInProcess};
 #if defined(TESSARLORN_HAS_ODBC) && defined(TESSARLORN_HAS_SERVER)
@@ -46,6 +50,7 @@ inline std::vector<Reach> Reaches() {
   reaches.push_back(Reach::kOverAdo);
 #endif
   if (TestServer() != nullptr) reaches.push_back(Reach::kServer);
+  if (GivenDatabase() != nullptr) reaches.push_back(Reach::kGiven);
   return reaches;
 }
 
@@ -57,7 +62,7 @@ inline Reach ReachOfEnvironment() {
 }
 
 /// Lives as long as this object. On a server it is made as tessarlorn_test_… and nothing else is touched; there it is
-/// dropped in the end. Registers the drivers.
+/// dropped in the end. One that is given stays as the tests leave it. Registers the drivers.
 class TestDatabase {
  public:
   explicit TestDatabase(Reach reach) {
@@ -70,6 +75,10 @@ class TestDatabase {
 #endif
     if (reach == Reach::kServer) {
       MakeOnServer(TestServer());
+      return;
+    }
+    if (reach == Reach::kGiven) {
+      string_ = GivenDatabase();
       return;
     }
     string_ = "Embedded=:memory:test" + std::to_string(NextNumber());

@@ -1,7 +1,7 @@
-' Four orders through their day, as a form of the ERP calls it: late-bound, on the embedded database.
+' Four orders through their day, as a form of the ERP calls it: late-bound.
 Option Explicit
 Dim session, reads, saves, first, second, third, manual, all, picker, text, rs, answer, lines, line, kept, chinese, split
-session = "Connect={" & WScript.Arguments(0) & "};User=16394;Language=CHS;Client=10.0.0.5"
+session = "Connect={" & Replace(WScript.Arguments(0), "}", "}}") & "};User=16394;Language=CHS;Client=10.0.0.5"
 Set reads = CreateObject("TessarLornPickingAndDelivery.clsGetData")
 Set saves = CreateObject("TessarLornPickingAndDelivery.clsSaveData")
 

@@ -1,21 +1,21 @@
 ' Values of every kind in and out, and the members of recordsets.
 Option Explicit
-Dim reads, memory, rs, field, text, values, bookmark, files, path, chinese, vector
-memory = "Embedded=:memory:recordset"
+Dim reads, database, rs, field, text, values, bookmark, files, path, chinese, vector
+database = WScript.Arguments(0)
 Set reads = CreateObject("TessarLornPickingAndDelivery.clsGetData")
 Sub Failure(what)
   WScript.Echo what, Err.Number, Err.Source, Err.Description
   Err.Clear
 End Sub
 
-Set rs = reads.ExecuteSQL(memory, "create table T (FID int, FName nvarchar(20), FAmount decimal(19,2), FDate datetime, " & _
+Set rs = reads.ExecuteSQL(database, "create table T (FID int, FName nvarchar(20), FAmount decimal(19,2), FDate datetime, " & _
   "FReal float, FFlag bit, FSmall smallint, FBytes varbinary(4), FBig bigint)")
 WScript.Echo rs Is Nothing '= -1
-Set rs = reads.ExecuteSQL(memory, "insert into T values " & _
+Set rs = reads.ExecuteSQL(database, "insert into T values " & _
   "(1, 'it''s', -1.25, '2026-11-21 18:45:10', 1.5, 1, -7, 0x0102, 99999999999), " & _
   "(2, nchar(24352) + nchar(19977), 79228162514264.33, '1899-12-29', -0.5, 0, 7, null, -1), " & _
   "(3, null, null, null, null, null, null, null, null)")
-Set rs = reads.executesql(memory, "select * from T order by FID")
+Set rs = reads.executesql(database, "select * from T order by FID")
 
 ' Kinds of values, and ADO's numbers of types.
 For Each field In rs.Fields
@@ -56,7 +56,7 @@ WScript.Echo UBound(values, 1), UBound(values, 2), values(1, 0), values(0, 2), I
 rs.MoveFirst
 values = rs.GetRows(2, 1, Array("FSmall", 0))
 WScript.Echo UBound(values, 1), UBound(values, 2), values(0, 1), values(1, 1), rs.AbsolutePosition '= 1 1 7 2 3
-Set field = reads.ExecuteSQL(memory, "select FID, FName, FAmount, FDate, FFlag, FBig from T where FID <> 2 order by FID")
+Set field = reads.ExecuteSQL(database, "select FID, FName, FAmount, FDate, FFlag, FBig from T where FID <> 2 order by FID")
 WScript.Echo field.GetString(2, -1, "|", ";", "-") '= 1|it's|-1.25|2026-11-21 18:45:10|True|99999999999;3|-|-|-|-|-;
 
 ' Find, Sort, Filter.
@@ -94,7 +94,7 @@ vector.Add Array(1, "two", Array(3))
 WScript.Echo vector(1) = chinese, TypeName(vector(2)), vector(3), vector(4), IsNull(vector(5)) '= -1 Decimal 200 3.25 -1
 values = vector(6)
 WScript.Echo values(1), UBound(values) '= two 2
-WScript.Echo reads.ExecuteSQL(memory, "select count(*) from T where FName = N'" & chinese & "'")(0) '= 1
+WScript.Echo reads.ExecuteSQL(database, "select count(*) from T where FName = N'" & chinese & "'")(0) '= 1
 
 On Error Resume Next
 rs.Save path
@@ -118,9 +118,9 @@ Failure "closed" '= closed 3704 TessarLornPickingAndDelivery Operation is not al
 Set rs = reads.ExecuteSQL("Embedded=" & WScript.Arguments(1) & "\none\none.db", "select 1")
 WScript.Echo Hex(Err.Number), Err.Source '= 80040E4D TessarLorn embedded database
 Err.Clear
-Set rs = reads.ExecuteSQL(memory, "select 1", 3)
+Set rs = reads.ExecuteSQL(database, "select 1", 3)
 Failure "many" '= many 450 TessarLornPickingAndDelivery Wrong number of arguments: clsGetData.ExecuteSQL
-Set rs = reads.ExecuteSQL(memory)
+Set rs = reads.ExecuteSQL(database)
 Failure "few" '= few 449 TessarLornPickingAndDelivery Argument not optional: StrSql of clsGetData.ExecuteSQL
-Set rs = reads.GetListData(memory, "no dictionary")
+Set rs = reads.GetListData(database, "no dictionary")
 Failure "kind" '= kind 13 TessarLornPickingAndDelivery Type mismatch

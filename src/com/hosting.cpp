@@ -54,4 +54,6 @@ void PrepareThisProcess() {
 
 void ReleaseThisThread() noexcept { SessionFactory::ForThisThread().CloseIdle(); }
 
+void AbandonServers() noexcept { AbandonOdbc(); }
+
 }  // namespace tessarlorn::com

@@ -8,5 +8,8 @@ namespace tessarlorn::com {
 void PrepareThisProcess();
 /// Lets go what the calling thread keeps between calls: its idle connections.
 void ReleaseThisThread() noexcept;
+/// For the end of the process: leaves alone what other libraries have of connections to servers, as those libraries may
+/// be gone already.
+void AbandonServers() noexcept;
 
 }  // namespace tessarlorn::com

@@ -101,7 +101,8 @@ STDAPI DllRegisterServer() { return tessarlorn::com::Guarded(tessarlorn::com::Re
 
 STDAPI DllUnregisterServer() { return tessarlorn::com::Guarded(tessarlorn::com::Unregister); }
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID /*reserved*/) {
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID process_ends) {
   if (reason == DLL_PROCESS_ATTACH) tessarlorn::com::SetModule(module);
+  if (reason == DLL_PROCESS_DETACH && process_ends != nullptr) tessarlorn::com::AbandonServers();
   return TRUE;
 }

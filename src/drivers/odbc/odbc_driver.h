@@ -21,4 +21,8 @@ enum class OdbcCancelling : std::uint8_t { kWatched, kNone };
 /// fault and never the password.
 void RegisterOdbcDriver(OdbcCancelling cancelling = OdbcCancelling::kWatched);
 
+/// From now on connections go without logging out or freeing what ODBC has of them. For the end of a process, when the
+/// libraries of ODBC drivers may be gone before the connections.
+void AbandonOdbc() noexcept;
+
 }  // namespace tessarlorn

@@ -1,6 +1,7 @@
 #include "drivers/odbc/odbc_handle.h"
 
 #include <array>
+#include <atomic>
 
 #include "platform/error.h"
 #include "platform/utf16.h"
@@ -9,6 +10,8 @@ namespace tessarlorn::odbc {
 namespace {
 
 constexpr std::string_view kServerPrefix = "[SQL Server]";
+
+std::atomic<bool> handles_are_abandoned{false};
 
 }  // namespace
 
@@ -20,7 +23,7 @@ Handle::Handle(SQLSMALLINT type, SQLHANDLE parent) : type_(type) {
 }
 
 Handle::~Handle() {
-  if (handle_ != nullptr) SQLFreeHandle(type_, handle_);
+  if (handle_ != nullptr && !HandlesAreAbandoned()) SQLFreeHandle(type_, handle_);
 }
 
 std::vector<Diagnostic> Handle::Diagnostics() const {
@@ -50,6 +53,9 @@ std::vector<Diagnostic> Handle::Diagnostics() const {
     records.push_back(std::move(record));
   }
 }
+
+void AbandonHandles() noexcept { handles_are_abandoned.store(true); }
+bool HandlesAreAbandoned() noexcept { return handles_are_abandoned.load(); }
 
 std::string_view WithoutPrefixes(std::string_view message) {
   std::string_view rest = message;

@@ -48,6 +48,10 @@ class Handle {
   SQLHANDLE handle_ = nullptr;
 };
 
+/// From now on no handle is freed, and none may be used.
+void AbandonHandles() noexcept;
+[[nodiscard]] bool HandlesAreAbandoned() noexcept;
+
 /// The message without the names of driver and component that stand before it in brackets; "" when the server said "".
 std::string_view WithoutPrefixes(std::string_view message);
 

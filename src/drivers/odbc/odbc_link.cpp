@@ -49,7 +49,7 @@ OdbcLink::OdbcLink(const ConnectionOptions& options) : environment_(SQL_HANDLE_E
 
 OdbcLink::~OdbcLink() {
   statement_ = Handle();
-  if (connection_.get() != nullptr) SQLDisconnect(connection_.get());
+  if (connection_.get() != nullptr && !HandlesAreAbandoned()) SQLDisconnect(connection_.get());
 }
 
 void OdbcLink::RaiseCause(const std::vector<Diagnostic>& records) {

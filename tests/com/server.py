@@ -18,7 +18,10 @@ def main(script, folder, command):
     output = ""
     with served.ServedDatabase(command, database) as server:
         orders = {"stop": [server.stop], "start": [server.start], "restart": [server.stop, server.start]}
+        odbc_ini = database.with_suffix(".ini")
+        wine.ENVIRONMENT["ODBCINI"] = str(odbc_ini)
         words = [server.connection(), server.connection(password="wrong one"), wine.windows_path(done)]
+        words.append(server.data_source_connection(odbc_ini))
         with wine.start_script(script, *words) as process:
             for line in process.stdout:
                 text = line.decode("utf-8").rstrip("\r\n")

@@ -43,6 +43,8 @@ WScript.Echo Year(rs("FLast").Value), Second(rs("FLast").Value), Year(rs("FFirst
 Run database, "create table R (FID int primary key) insert R values (1) select 7 as FSeven into #Left begin tran insert R values (2)"
 Run database, "select count(*) as FRows, object_id('tempdb..#Left') as FLeft from R"
 WScript.Echo rs("FRows"), IsNull(rs("FLeft").Value) '= 1 -1
+Run WScript.Arguments(3), "select count(*) as FRows from R"
+WScript.Echo rs("FRows") '= 1
 
 On Error Resume Next
 Run database, "select * from nowhere"

@@ -29,8 +29,7 @@ class InProcessServer {
   [[nodiscard]] std::uint16_t port() const { return server_.address().port; }
   /// For OpenConnection, over FreeTDS.
   [[nodiscard]] std::string odbc_string() const {
-    if (FreeTdsDriver().empty())
-      throw std::runtime_error("the ODBC driver of FreeTDS (package tdsodbc) is not installed");
+    if (FreeTdsDriver().empty()) throw std::runtime_error("the ODBC driver of FreeTDS (package tdsodbc) is missing");
     return "Driver=" + FreeTdsDriver() + ";Server=127.0.0.1;Port=" + std::to_string(port()) +
            ";TDS_Version=7.4;ClientCharset=UTF-8;UID=test;PWD=test";
   }

@@ -46,7 +46,10 @@ bool KnowsNoMoreResults(HRESULT status) { return status == E_NOTIMPL || status =
 AdoConnection::AdoConnection(const ConnectionOptions& options) : connection_(CreateConnection()) {
   IAdoConnection* const ado = connection_.get();
   Check(ado->put_CursorLocation(kUseClient), ado, "Connection.CursorLocation");
-  Check(ado->put_ConnectionTimeout(options.login_timeout), ado, "Connection.ConnectionTimeout");
+  // The default is ADO's, too.
+  if (options.login_timeout != kDefaultLoginTimeout) {
+    Check(ado->put_ConnectionTimeout(options.login_timeout), ado, "Connection.ConnectionTimeout");
+  }
   Check(ado->put_CommandTimeout(options.statement_timeout), ado, "Connection.CommandTimeout");
   const com::OwnedBstr text(options.ado_string);
   const com::OwnedBstr none("");

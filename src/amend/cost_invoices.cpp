@@ -47,7 +47,7 @@ std::int32_t clsGetData::GetWebFIDByCostInoviceID(std::string_view sDsn, std::in
            ON  ie.FinterID = iwee.FFeeBillNO
 )"_sql);
     text.Line("           where   ie.FinterID = iwee.FFeeBillNO and ie.FinterID=", std::to_string(lInoviceID), " ");
-    const RecordsetPtr orders = connection.Execute(text.GetText());
+    const RecordsetPtr orders = connection.Query(text.GetText());
     return orders->RecordCount() == 1 ? orders->Get("FID").ToInt32() : kNotOneOrder;
   });
 }

@@ -26,7 +26,7 @@ Variant ReadChoices(Connection& connection, const Recordset& field, const std::s
   text.Line("SELECT @s = isnull(@s,'')+'|'+", field.Get("FDSPFieldName").ToText(), "+'_'+Cast(",
             field.Get("FSRCFieldName").ToText(), " as varchar(50))", " ", list.substr(from));
   text.Line("SELECT @s");
-  return connection.Execute(text.GetText())->Get(std::size_t{0});
+  return connection.Query(text.GetText())->Get(std::size_t{0});
 }
 
 }  // namespace
@@ -97,7 +97,7 @@ std::string clsGetData::GetListBySQL(std::string_view sDsn, std::string_view sFK
     text.Line("SELECT FLookUpList,FSRCFieldName,FDSPFieldName");
     text.Line("FROM   ICClassTableInfo ");
     text.Line("WHERE FClassTypeID=", parts[0], " AND FKey='", parts[1], "'");
-    const RecordsetPtr field = connection.Execute(text.GetText());
+    const RecordsetPtr field = connection.Query(text.GetText());
     if (field->eof()) return {};
     const std::string list = field->Get("FLookUpList").ToText();
     if (Trim(list).empty()) return {};

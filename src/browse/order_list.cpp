@@ -18,7 +18,7 @@ void AppendWebShopAccessJoin(TextBuilder& text, DataSession& session) {
   query.Line(" SELECT FValue FROM t_SystemProfile WHERE FCategory='EC' and FKey = 'WebShopAccess' and FValue =0");
   query.Line(" union ");
   query.Append("select 1 from t_Group where FGroupID =1 and FUserID ={user}\r\n", {{"user", user}});
-  if (session.GetAlternateConnection().Execute(query.GetText())->RecordCount() > 0) return;
+  if (session.GetAlternateConnection().Query(query.GetText())->RecordCount() > 0) return;
   text.Append(
       " inner join (select  FWebShopID  from  IC_WebShopAccessData where FIsAccess=1 and FUserID ={user}"
       ") AccessDataWebShop on t1.FWebshopID=AccessDataWebShop.FWebShopID\r\n",
@@ -27,7 +27,7 @@ void AppendWebShopAccessJoin(TextBuilder& text, DataSession& session) {
 
 bool IsRefundCheckOff(Connection& connection) {
   return connection
-             .Execute(
+             .Query(
                  "SELECT 1 FROM t_SystemProfile WHERE FCategory = 'EC' AND FKey = 'NotCheckRefundOnStatus' AND "
                  "FValue = '1'\r\n")
              ->RecordCount() >= 1;

@@ -71,7 +71,7 @@ RecordsetPtr clsGetData::ExecuteSQL(std::string_view sDsn, std::string_view StrS
 
 std::optional<Dictionary> clsGetData::GetWebBillTitleData(std::string_view PropsString) {
   return CallQuietly(State(), PropsString, [](Connection& connection) {
-    const RecordsetPtr states = connection.Execute("select * from IC_WEBOrders_Status WITH(NOLOCK) \r\n");
+    const RecordsetPtr states = connection.Query("select * from IC_WEBOrders_Status WITH(NOLOCK) \r\n");
     Dictionary titles;
     for (; !states->eof(); states->MoveNext()) {
       titles.SetValue(states->Get(std::size_t{0}).ToText(), states->Get(std::size_t{1}));

@@ -13,7 +13,7 @@ std::string UserDefinedFields(Connection& connection, std::string_view alias, Or
   text.Line("from ICClassTableInfo where FClassTypeID=1014301 and FUserDefine=1 and FPage=",
             std::string_view(&digit, 1));
   text.Line("select isnull(@strFld,'') as UserDefineFld");
-  const RecordsetPtr fields = connection.Execute(text.GetText());
+  const RecordsetPtr fields = connection.Query(text.GetText());
   return fields == nullptr || fields->eof() ? std::string() : fields->Get("UserDefineFld").ToText();
 }
 

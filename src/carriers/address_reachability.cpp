@@ -30,7 +30,7 @@ RecordsetPtr OrdersWithCarrier(Connection& connection, std::string_view conditio
   text.Line(" LEFT JOIN IC_Web2ERPOrdersEx t2 ON t1.FID =t2.FID ");
   text.Line(" WHERE t1.FLogisticsID <> 0 And t1.FLogisticsID <> '' ");
   text.Line(condition, orders, ")");
-  return connection.Execute(text.GetText());
+  return connection.Query(text.GetText());
 }
 
 void AskForCheck(Connection& connection, std::string_view orders) {
@@ -60,7 +60,7 @@ std::vector<Combination> Combinations(Connection& connection, std::string_view o
       " where t1.FID in (%1) and t1.FDeliveryProvince <>'' and t1.FDeliveryCity <>'' and t1.FDeliveryDistrict <>'' ",
       orders));
   text.Line(" and t2.FNumber <>'' and t1.FLogisticsID <>0 ");
-  const RecordsetPtr rows = connection.Execute(text.GetText());
+  const RecordsetPtr rows = connection.Query(text.GetText());
   std::vector<Combination> combinations;
   std::set<Combination> known;
   for (; !rows->eof(); rows->MoveNext()) {

@@ -75,7 +75,7 @@ double clsGetData::GetTotalLogisticsCosts(const Dictionary* dctPara) {
         " else FLogisticsCost/(case when c.FExchangeRate=0 then 1 else c.FExchangeRate end) end FLogisticsCost  ");
     text.Line(" from IC_Web2ERPOrders o inner join t_Currency c on o.FCurrencyID=c.FCurrencyID  ");
     text.Line(" WHERE   o.FID IN ( ", call.orders, ")) t");
-    const Variant total = call.connection.Execute(text.GetText())->Get("TotalLogisticsCosts");
+    const Variant total = call.connection.Query(text.GetText())->Get("TotalLogisticsCosts");
     return total.is_null() ? 0.0 : total.ToDouble();
   });
 }

@@ -45,7 +45,7 @@ SELECT  FID ,
 From ICPrintMaxCount
 )"_sql);
   text.Line(type == nullptr ? "Where FID = -99999999" : type->condition);
-  const RecordsetPtr limit = connection.Execute(text.GetText());
+  const RecordsetPtr limit = connection.Query(text.GetText());
   if (limit->eof() || limit->Get("FPrintControlOrNo").is_null() || !limit->Get("FPrintControlOrNo").ToBool()) {
     return std::nullopt;
   }
@@ -136,7 +136,7 @@ SELECT  FOrderID ,
 )"_sql);
     text.Line("From IC_Web2ERPOrders ");
     text.Line("WHERE FID IN ( ", call.orders, ")");
-    const RecordsetPtr orders = call.connection.Execute(text.GetText());
+    const RecordsetPtr orders = call.connection.Query(text.GetText());
     for (; !orders->eof(); orders->MoveNext()) {
       const Variant count = orders->Get(type->counter);
       if (count.is_null() || count.ToInt32() < *limit) continue;

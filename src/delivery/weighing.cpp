@@ -105,7 +105,7 @@ std::optional<Dictionary> clsGetData::NewGetWeightByFID(std::string_view sDsn, s
                 {{"FID", sFID}});
     text.Line("      GROUP BY  t1.FID,t3.FName,t4.FName,t4.FCoefficient ");
     double total = 0;
-    const RecordsetPtr lines = connection.Execute(text.GetText());
+    const RecordsetPtr lines = connection.Query(text.GetText());
     for (; !lines->eof(); lines->MoveNext()) total += Kilograms(*lines);
     return std::optional<Dictionary>(Dictionary{{"FWeight", total}, {"FID", sFID}});
   });

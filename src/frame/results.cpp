@@ -3,7 +3,7 @@
 namespace tessarlorn {
 
 bool ReadFlag(Connection& connection, std::string_view query) {
-  return connection.Execute(query)->Get("Flag").ToInt32() > 0;
+  return connection.Query(query)->Get("Flag").ToInt32() > 0;
 }
 
 std::string JoinColumn(const RecordsetPtr& rows, std::string_view field) {

@@ -12,7 +12,6 @@ namespace tessarlorn {
 namespace error_number {
 inline constexpr std::int32_t kWrongArguments = 3001;
 inline constexpr std::int32_t kReadOnlyRows = 3251;
-inline constexpr std::int32_t kObjectClosed = 3704;
 }  // namespace error_number
 
 /// 3001. @param what the argument at fault

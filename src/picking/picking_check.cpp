@@ -43,7 +43,7 @@ bool clsSaveData::SavePickingGoods(const Dictionary* dctPara) {
     if (IsLogEnable("3003")) {
       TextBuilder query;
       query.Line("select FID from IC_Web2ERPOrders with(nolock) ", condition.GetText());
-      const RecordsetPtr orders = connection.Execute(query.GetText());
+      const RecordsetPtr orders = connection.Query(query.GetText());
       if (!orders->eof()) {
         WriteOPLog(orders->Get(std::size_t{0}).ToText(), "3003", "0", "", passed ? "通过" : "不通过");
       }

@@ -83,7 +83,7 @@ double GetPrintOrderLotNumber(Connection& connection, std::int32_t count) {
   return UnderSource("GetPrintOrderLotNumber", [&] {
     TextBuilder text;
     text.Append(kReserve, {{"count", count}});
-    const RecordsetPtr number = connection.Execute(text.GetText());
+    const RecordsetPtr number = connection.Query(text.GetText());
     return number->eof() ? 0 : number->Get("MaxNum").ToDouble();
   });
 }

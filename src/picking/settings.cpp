@@ -14,7 +14,7 @@ std::int32_t clsGetData::lPickGoodsCount(std::string_view sDsn) {
   if (sDsn.empty()) return 0;
   return CallOperation(State(), "lPickGoodsCount", sDsn, [&](Connection& connection) {
     const RecordsetPtr setting =
-        connection.Execute("select FValue  from t_SystemProfile where FKey ='PickGoodsCount' \r\n");
+        connection.Query("select FValue  from t_SystemProfile where FKey ='PickGoodsCount' \r\n");
     const Variant count = setting->Get("FValue");
     return IsNumeric(count) ? count.ToInt32() : kUsualCount;
   });

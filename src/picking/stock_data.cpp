@@ -52,7 +52,7 @@ AND t1.FItemID NOT IN (SELECT tt2.FItemID FROM ic_goodstomateriel tt1,t_ICItem t
 )"_sql,
                 {{"FID", call.orders}});
     return std::optional<Vector>(
-        RowDictionaries(call.connection.Execute(text.GetText()),
+        RowDictionaries(call.connection.Query(text.GetText()),
                         {"FEntryID", "FStockID", "FStockName", "FDefaultStockPlaceGroupID",
                          "FDefaultStockPlaceGroupName", "FDefaultStockPlaceName", "FDefaultItemStockPlaceID"}));
   });

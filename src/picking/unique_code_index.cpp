@@ -58,7 +58,7 @@ std::string clsSaveData::GetUniqueCodeIndex(const Dictionary* dctParam) {
   constexpr std::size_t kEntriesPerLine = 5;
   return CallForOrders(State(), kSource, dctParam, [&](const OrderCall& call) {
     call.connection.Execute(CollectText(call.orders));
-    const RecordsetPtr codes = call.connection.Execute("select * from #temptable \r\n");
+    const RecordsetPtr codes = call.connection.Query("select * from #temptable \r\n");
     std::string index;
     for (std::size_t row = 1; !codes->eof(); codes->MoveNext(), ++row) {
       index += FitText(codes->Get("FIndex").ToText(), 5, 3, PadSide::kLeft) + "-" +

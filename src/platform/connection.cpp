@@ -93,6 +93,14 @@ RecordsetPtr Connection::Execute(std::string_view text) {
   return std::move(sink.first);
 }
 
+RecordsetPtr Connection::Query(std::string_view text) {
+  RecordsetPtr rows = Execute(text);
+  if (rows == nullptr) {
+    Raise(error_number::kObjectClosed, "Operation is not allowed when the object is closed: the batch answers no rows");
+  }
+  return rows;
+}
+
 void Connection::ExecuteAll(std::string_view text, const ResultSink& sink) {
   ResultsOnly results(sink);
   ExecuteAll(text, results);

@@ -62,6 +62,8 @@ class Connection {
   /// Runs a batch to its end and answers its first row-returning result, or nullptr when it has none. An error in any
   /// statement of the batch is raised; what ran before it stays unless a transaction takes it back.
   RecordsetPtr Execute(std::string_view text);
+  /// The same for a batch that reads: raises 3704 when nothing in it answers rows.
+  RecordsetPtr Query(std::string_view text);
   /// The same, handing over every row-returning result in order, each as soon as it is there: those before a failing
   /// statement come, then the error is raised.
   void ExecuteAll(std::string_view text, const ResultSink& sink);

@@ -28,6 +28,7 @@ inline constexpr std::int32_t kWrongArgumentCount = 450;
 inline constexpr std::int32_t kKeyExists = 457;
 inline constexpr std::int32_t kNoCurrentRecord = 3021;
 inline constexpr std::int32_t kItemNotFound = 3265;
+inline constexpr std::int32_t kObjectClosed = 3704;
 
 // The numbers that OLE DB gives for SQL Server; every driver maps its errors to them.
 constexpr std::int32_t FromHresult(std::uint32_t hresult) { return static_cast<std::int32_t>(hresult); }

@@ -78,8 +78,8 @@ bool IsEnabled(const Variant& code) {
   const std::string key = "TradeLog" + code.ToText();
   return !Session()
               .GetConnection()
-              .Execute("SELECT 1 FROM t_SystemProfile WHERE FCategory='EC' AND FKey=" + Quoted(key, key.size()) +
-                       " AND FValue='1'\r\n")
+              .Query("SELECT 1 FROM t_SystemProfile WHERE FCategory='EC' AND FKey=" + Quoted(key, key.size()) +
+                     " AND FValue='1'\r\n")
               ->eof();
 }
 

@@ -51,7 +51,7 @@ UploadQueries QueriesByPage(std::string_view page_table) {
 bool IsPageDone(Connection& connection, std::string_view page_table) {
   TextBuilder text;
   text.Line(" select count(1) as Fcount  from ", page_table, " where fstatus=1");
-  return connection.Execute(text.GetText())->Get("Fcount").ToInt32() > 0;
+  return connection.Query(text.GetText())->Get("Fcount").ToInt32() > 0;
 }
 
 /// Inserts the item as a row that waits for its upload and has no error.

@@ -42,7 +42,7 @@ struct SiteOrder {
 
 Dictionary ReadCarriers(Connection& connection, const std::string& query) {
   Dictionary carriers;
-  const RecordsetPtr rows = connection.Execute(query);
+  const RecordsetPtr rows = connection.Query(query);
   for (; !rows->eof(); rows->MoveNext()) carriers.SetValue(rows->Get("FItemID").ToText(), rows->Get("FNumber"));
   return carriers;
 }
@@ -51,8 +51,8 @@ Dictionary ReadCarriers(Connection& connection, const std::string& query) {
 
 std::vector<UploadItem> CollectUploadItems(Connection& connection, const UploadQueries& queries) {
   const Dictionary carriers = ReadCarriers(connection, queries.carriers);
-  const RecordsetPtr counts = connection.Execute(queries.child_orders);
-  const RecordsetPtr lines = connection.Execute(queries.lines);
+  const RecordsetPtr counts = connection.Query(queries.child_orders);
+  const RecordsetPtr lines = connection.Query(queries.lines);
 
   // The keys are the recordsets' own texts.
   std::unordered_map<std::string_view, SiteOrder> site_orders;

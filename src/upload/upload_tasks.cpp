@@ -16,7 +16,7 @@ bool clsGetData::isRunUploadOrder(std::string_view sDsn) {
     text.Append(" where FUserName in (select fName from t_user where fuserID= {user})",
                 {{"user", CurrentUserId(*session_)}});
     text.Line(" and FUpStatus=0 ");
-    return !session_->GetAlternateConnection().Execute(text.GetText())->eof();
+    return !session_->GetAlternateConnection().Query(text.GetText())->eof();
   });
 }
 
@@ -29,7 +29,7 @@ bool clsGetData::GetSplitChrildOrderIDs(std::string_view strDSN, std::int32_t FI
       TextBuilder text;
       text.Line(" SELECT FChildOrderID FROM IC_Web2ERPOrdersEntry where FSiteOrderID='", SiteOrderID, orders,
                 Variant(FID).ToText());
-      return connection.Execute(text.GetText());
+      return connection.Query(text.GetText());
     };
     if (child_orders("' and FID <> ")->eof()) return false;
     // What the caller passed in stays in front.
@@ -50,7 +50,7 @@ bool clsGetData::CheckWebShopTypeSameByOrders(std::string_view sDsn, std::string
     text.Line("select distinct t1.FWebShopType from IC_WebshopToStorage t1");
     text.Line(" where exists(select 1 from IC_Web2ERPOrders t2  where t1.FWebshopID = t2.FWebshopID and t2.FID in (",
               strIDs, "))");
-    const RecordsetPtr types = connection.Execute(text.GetText());
+    const RecordsetPtr types = connection.Query(text.GetText());
     if (types->RecordCount() > 1) return false;
     WebShopType = types->eof() ? std::int16_t{0} : types->Get("FWebShopType").ToInt16();
     return true;
@@ -63,7 +63,7 @@ std::int16_t clsGetData::GetWebShopType(std::string_view sDsn, std::string_view 
   return CallOperation(State(), kSource, sDsn, [&](Connection& connection) -> std::int16_t {
     TextBuilder text;
     text.Line("SELECT FWebShopType FROM IC_WebshopToStorage WHERE FWebshopID ='", sFWebshopID, "'");
-    const RecordsetPtr shop = connection.Execute(text.GetText());
+    const RecordsetPtr shop = connection.Query(text.GetText());
     return shop->eof() ? std::int16_t{0} : shop->Get("FWebShopType").ToInt16();
   });
 }

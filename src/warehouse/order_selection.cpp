@@ -18,7 +18,7 @@ std::string SelectKeys(InstanceState instance, std::string_view source, std::str
   return CallForKeys(instance, source, dsn, keys, [&](Connection& connection) {
     TextBuilder text;
     write(text);
-    return JoinColumn(connection.Execute(text.GetText()), field);
+    return JoinColumn(connection.Query(text.GetText()), field);
   });
 }
 

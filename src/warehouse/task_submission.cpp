@@ -124,7 +124,7 @@ std::int32_t clsGetData::GetPurchaseTaskInfo(std::string_view sDsn, std::string_
       text.Line("   select FStatus from TPLTaskFlow where FTaskType =120 and FWebTplType='", sWebTplType,
                 "' and FWebTplID='", sWebTplID, "' and  FTaskName ='", taskName, "'   ");
     }
-    const RecordsetPtr tasks = connection.Execute(text.GetText());
+    const RecordsetPtr tasks = connection.Query(text.GetText());
     for (; !tasks->eof(); tasks->MoveNext()) {
       if (tasks->Get("FStatus").ToText() == "2") return kFinished;
     }

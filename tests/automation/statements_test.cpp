@@ -140,17 +140,21 @@ RecordsetPtr Answer(std::string_view text) {
 
 using StatementsTest = RecordingTest;
 
+void InvokeWithSamples(const Operation& operation) {
+  std::vector<Variant> arguments;
+  for (const Argument& argument : operation.arguments()) arguments.push_back(SampleArgument(argument));
+  ServiceObject(operation.service).Invoke(operation, arguments);
+}
+
 TEST_F(StatementsTest, AreSentToTheBlank) {
   std::ostringstream sent;
   for (const Operation* operation : Operations()) {
     if (operation->property) continue;
     TheRecording().events.clear();
     TheRecording().answer = Answer;
-    std::vector<Variant> arguments;
-    for (const Argument& argument : operation->arguments()) arguments.push_back(SampleArgument(argument));
     sent << "== " << operation->name << "\n";
     try {
-      ServiceObject(operation->service).Invoke(*operation, arguments);
+      InvokeWithSamples(*operation);
     } catch (const Error& error) {
       sent << "raised " << error.number() << "\n";
     }
@@ -164,6 +168,25 @@ TEST_F(StatementsTest, AreSentToTheBlank) {
   std::ofstream(actual) << sent.str();
   FAIL() << "The statements differ: see diff " << TESSARLORN_TEST_DATA << "/statements.txt " << actual
          << "; where they are meant to, copy the second over the first.";
+}
+
+TEST_F(StatementsTest, ThatAnswerNoRowsRaise3704WhereRowsAreRead) {
+  int raised = 0;
+  for (const Operation* operation : Operations()) {
+    if (operation->property) continue;
+    // One batch after the other of the operation stays without rows.
+    for (std::size_t silent = 0, sent = 1; silent < sent; ++silent) {
+      sent = 0;
+      TheRecording().answer = [&](std::string_view text) { return sent++ == silent ? nullptr : Answer(text); };
+      try {
+        InvokeWithSamples(*operation);
+      } catch (const Error& error) {
+        EXPECT_EQ(error.number(), error_number::kObjectClosed) << operation->name << ", batch " << silent;
+        ++raised;
+      }
+    }
+  }
+  EXPECT_GT(raised, 20);
 }
 
 }  // namespace

@@ -27,10 +27,7 @@ def main(script, folder, database=None, command=None):
         if database:
             connection = connection_to(stack, wine.copy_database(database, folder, name), command)
         output, remarks = wine.run_script(script, connection, wine.windows_path(folder))
-    text = script.read_text(encoding="ascii")
-    faults = wine.differences(text, output)
-    print("\n".join([*faults, remarks]) if faults else f"{len(wine.expectations(text))} lines as expected")
-    return 1 if faults else 0
+    return wine.report(script, output, remarks)
 
 
 if __name__ == "__main__":

@@ -42,15 +42,15 @@ class ServedDatabase:
         self._process.terminate()
         self._process.communicate(timeout=30)
 
-    def _pairs(self, separator):
-        where = ["Driver=FreeTDS", "Server=127.0.0.1", f"Port={self._port}", "TDS_Version=7.4", "ClientCharset=UTF-8"]
+    def _pairs(self, separator, driver="FreeTDS"):
+        where = [f"Driver={driver}", "Server=127.0.0.1", f"Port={self._port}", "TDS_Version=7.4", "ClientCharset=UTF-8"]
         return "".join(pair + separator for pair in where)
 
     def connection(self, password=PASSWORD):
         """The connection string."""
         return f"{self._pairs(';')}UID={USER};PWD={{{password}}}"
 
-    def data_source_connection(self, odbc_ini):
+    def data_source_connection(self, odbc_ini, driver="FreeTDS"):
         """The same by a data source's name, with the file of ODBC's data sources that knows it."""
-        odbc_ini.write_text("[served]\n" + self._pairs("\n"), encoding="ascii")
+        odbc_ini.write_text("[served]\n" + self._pairs("\n", driver), encoding="utf-8")
         return f"DSN=served;UID={USER};PWD={{{PASSWORD}}}"

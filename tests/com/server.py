@@ -30,9 +30,7 @@ def main(script, folder, command):
                     for action in orders[text]:
                         action()
                     done.touch()
-    faults = wine.differences(script.read_text(encoding="ascii"), output)
-    print("\n".join(faults) if faults else f"{len(output.splitlines())} lines as expected")
-    return 1 if faults else 0
+    return wine.report(script, output)
 
 
 if __name__ == "__main__":

@@ -61,6 +61,14 @@ def differences(script, output):
     return faults + [f"unexpected: {line!r}" for line in lines[len(wanted):]]
 
 
+def report(script, output, remarks=""):
+    """Prints where a script's output is not what the script says; answers the exit status."""
+    text = pathlib.Path(script).read_text(encoding="ascii")
+    faults = differences(text, output)
+    print("\n".join([*faults, remarks]) if faults else f"{len(expectations(text))} lines as expected")
+    return 1 if faults else 0
+
+
 def new_database(folder, name):
     """The path of a database that is not there yet."""
     path = pathlib.Path(folder) / f"{name}.db"

@@ -1,0 +1,45 @@
+' A database behind Wine's own ADO. It runs what changes orders; its recordsets have no rows and cannot be let go of
+' their connection, its errors have no text. What it did is asked for over ODBC.
+Option Explicit
+Dim session, reads, saves, chinese, order
+session = "Connect={" & WScript.Arguments(0) & "};User=16394;Client=10.0.0.5"
+Set reads = CreateObject("TessarLornPickingAndDelivery.clsGetData")
+Set saves = CreateObject("TessarLornPickingAndDelivery.clsSaveData")
+
+Function Ask(sql)
+  Dim found
+  Set found = reads.ExecuteSQL(WScript.Arguments(1), sql)
+  Ask = found(0).Value
+End Function
+
+Function Keys(name, value)
+  Dim dictionary
+  Set dictionary = CreateObject("Scripting.Dictionary")
+  dictionary.Add "sDSN", session
+  dictionary.Add "FID", order
+  dictionary.Add name, value
+  Set Keys = dictionary
+End Function
+
+Sub Failure()
+  WScript.Echo Hex(Err.Number), Err.Source, Err.Description
+  Err.Clear
+End Sub
+
+order = CStr(Ask("select min(FID) from IC_Web2ERPOrders where FOrderStatus = 6 and FID not in (select FID from IC_StockBillOrdersStatus)"))
+chinese = Ask("select nchar(25918) + nchar(22312) + nchar(38376)")
+WScript.Echo saves.DeRemark(Keys("FDeliveryRemark", chinese)) '= -1
+WScript.Echo Ask("select FDeliveryRemark from IC_Web2ERPOrders where FID = " & order) = chinese '= -1
+WScript.Echo saves.Delivery(Keys("sDsn", session)) '= -1
+WScript.Echo Ask("select FOrderStatus from IC_Web2ERPOrders where FID = " & order) '= 14
+reads.ExecuteSQL session, "insert into t_SystemProfile (FCategory, FKey, FValue) values ('EC', 'Tried', '1')"
+WScript.Echo Ask("select count(*) from t_SystemProfile where FKey = 'Tried'") '= 1
+
+On Error Resume Next
+saves.UpdateAddressReachableState session, "first", 1
+Failure '= 80004005 TessarLornPickingAndDelivery.clsSaveData.UpdateAddressReachableState ADO: Connection.Execute failed, and it does not say why
+reads.ExecuteSQL session, "selec 1"
+Failure '= 80004005 TessarLorn ADO driver ADO: Connection.Execute failed, and it does not say why
+reads.ExecuteSQL Replace(session, "served", "nowhere"), "select 1"
+Failure '= 80004005 TessarLorn ADO driver ADO: Connection.Open failed, and it does not say why
+WScript.Echo Ask("select FOrderStatus from IC_Web2ERPOrders where FID = " & order) '= 14

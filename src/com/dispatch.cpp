@@ -8,6 +8,7 @@
 #include "com/base/counted.h"
 #include "com/base/errors.h"
 #include "com/base/plain_values.h"
+#include "com/collections.h"
 #include "com/enumeration.h"
 #include "com/module.h"
 #include "com/type_library.h"
@@ -165,9 +166,7 @@ void Dispatch::Use(const Member& member, WORD flags, const DISPPARAMS& parameter
   const MemberUse use = put ? kPut : (member.uses & kCall) != 0 && (flags & DISPATCH_METHOD) != 0 ? kCall : kGet;
   Arguments arguments = Order(parameters, member, put);
   const std::span<Variant> values = std::span(arguments.values).first(arguments.count);
-  if (IsService(object_->description())) {
-    for (Variant& value : values) value = WithCollections(value);
-  }
+  if (IsService(object_->description())) WithCollections(values);
   const Variant answer = object_->Use(member, use, values);
   for (std::size_t i = 0; i < member.arguments.size() && i < values.size(); ++i) {
     if (member.arguments[i].in_out && arguments.sources[i] != nullptr) WriteBack(values[i], *arguments.sources[i]);

@@ -10,7 +10,6 @@
 #include "drivers/ado/ado_rows.h"
 #include "objects/array.h"
 #include "objects/automation_object.h"
-#include "platform/collections.h"
 
 namespace tessarlorn::com {
 namespace {
@@ -88,38 +87,6 @@ void PutObject(const Variant& value, VARIANT* out) {
   out->vt = VT_DISPATCH;
 }
 
-Variant Collected(const Variant& value, int depth) {
-  constexpr int kDeepest = 64;
-  if (depth > kDeepest) Raise(error_number::kInvalidArgument, "Collections are nested too deep");
-  const auto vector_of = [depth](const auto& items) {
-    auto vector = std::make_shared<Vector>();
-    for (const Variant& item : items) vector->Add(Collected(item, depth + 1));
-    return vector;
-  };
-  if (const auto dictionary = value.ToDictionary()) {
-    auto copy = std::make_shared<Dictionary>();
-    for (const auto& [key, item] : *dictionary) copy->SetValue(key, Collected(item, depth + 1));
-    return copy;
-  }
-  if (const auto vector = value.ToVector()) return vector_of(*vector);
-  const auto* const object = value.get_if<std::shared_ptr<Object>>();
-  if (object == nullptr) return value;
-  if (const auto* array = dynamic_cast<const Array*>(object->get())) return vector_of(array->Values());
-  auto* const foreign = dynamic_cast<ForeignObject*>(object->get());
-  if (foreign == nullptr) return value;
-  if (foreign->Has("Keys") && foreign->Has("Item")) {
-    auto dictionary = std::make_shared<Dictionary>();
-    const std::shared_ptr<Vector> keys = Collected(foreign->Call("Keys", {}), depth + 1).ToVector();
-    if (keys == nullptr) RaiseTypeMismatch();
-    for (const Variant& key : *keys) {
-      dictionary->SetValue(key.ToText(), Collected(foreign->Call("Item", {&key, 1}), depth + 1));
-    }
-    return dictionary;
-  }
-  if (foreign->Has("Count") && foreign->Has("Item") && !foreign->Has("EOF")) return vector_of(foreign->Items());
-  return value;
-}
-
 }  // namespace
 
 Variant FromVariant(const VARIANT& value) {
@@ -168,7 +135,5 @@ void WriteBack(const Variant& value, const VARIANT& reference) {
       RaiseTypeMismatch();
   }
 }
-
-Variant WithCollections(const Variant& value) { return Collected(value, 0); }
 
 }  // namespace tessarlorn::com

@@ -16,9 +16,4 @@ void ToVariant(const Variant& value, VARIANT* out);
 /// Raises 13 when it cannot be.
 void WriteBack(const Variant& value, const VARIANT& reference);
 
-/// The same value with every foreign collection as Dictionary or Vector, nested ones too: an object with Keys and Item
-/// becomes a Dictionary, one with Count that can be enumerated a Vector, an array a Vector. Raises what their members
-/// raise, and 5 for one that is nested too deep.
-Variant WithCollections(const Variant& value);
-
 }  // namespace tessarlorn::com

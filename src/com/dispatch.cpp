@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <cstddef>
+#include <memory>
 #include <span>
 #include <utility>
 
-#include "com/base/counted.h"
 #include "com/base/errors.h"
 #include "com/base/plain_values.h"
 #include "com/collections.h"
@@ -22,28 +24,47 @@ namespace {
 /// By which the component knows its own objects.
 constexpr GUID kOwnObject = {0x6D8270C3, 0x8D09, 0x469E, {0x80, 0x0B, 0x64, 0x85, 0xA2, 0x11, 0xB4, 0xC7}};
 
-/// The arguments of one Invoke in the order of the member's, with the VARIANTs that they came in. Not on the heap: a
-/// script that reads a recordset calls a million times.
-struct Arguments {
+/// The arguments of one Invoke in the order of the member's, with the VARIANTs that they came in. Not on the heap, and
+/// no more values than there are: a script that reads a recordset calls a million times.
+class Arguments {
+ public:
+  Arguments() = default;
+  Arguments(const Arguments&) = delete;
+  Arguments& operator=(const Arguments&) = delete;
+  ~Arguments() { std::destroy_n(space_.values.data(), count_); }
+
+  /// To be called once. @param named_value whether the first one is the new value of a property, which goes last
+  void Read(const DISPPARAMS& given, const Member& member, bool named_value);
+  [[nodiscard]] std::span<Variant> values() noexcept { return {space_.values.data(), count_}; }
+  /// nullptr for one that is left out.
+  [[nodiscard]] const VARIANT* source(std::size_t argument) const noexcept { return sources_[argument]; }
+
+ private:
   static constexpr std::size_t kMost = Operation::kMostArguments + 1;
 
-  std::array<Variant, kMost> values;
-  std::array<const VARIANT*, kMost> sources{};
-  std::size_t count = 0;
+  /// Room for values that begin and end when they are told to.
+  union Space {
+    Space() noexcept {}
+    Space(const Space&) = delete;
+    Space& operator=(const Space&) = delete;
+    ~Space() {}
+    std::array<Variant, kMost> values;
+  };
+
+  std::array<const VARIANT*, kMost> sources_{};
+  Space space_;
+  std::size_t count_ = 0;
 };
 
-/// @param named_value whether the first one is the new value of a property, which goes last
-Arguments Order(const DISPPARAMS& given, const Member& member, bool named_value) {
-  Arguments arguments;
+void Arguments::Read(const DISPPARAMS& given, const Member& member, bool named_value) {
   const UINT named = given.cNamedArgs;
   const UINT value_count = named_value ? 1 : 0;
-  if (named > given.cArgs || (named_value && named == 0) || given.cArgs > Arguments::kMost) {
+  if (named > given.cArgs || (named_value && named == 0) || given.cArgs > kMost) {
     Raise(error_number::kWrongArgumentCount, "Wrong number of arguments: " + std::string(member.name));
   }
-  auto& sources = arguments.sources;
-  std::size_t& count = arguments.count;
-  count = given.cArgs - named;
-  for (UINT i = named; i < given.cArgs; ++i) sources[given.cArgs - 1 - i] = &given.rgvarg[i];
+  if (given.cArgs == 0) return;
+  std::size_t count = given.cArgs - named;
+  for (UINT i = named; i < given.cArgs; ++i) sources_[given.cArgs - 1 - i] = &given.rgvarg[i];
   for (UINT i = value_count; i < named; ++i) {
     const DISPID position = given.rgdispidNamedArgs[i];
     const auto index = static_cast<std::size_t>(position);
@@ -52,22 +73,22 @@ Arguments Order(const DISPPARAMS& given, const Member& member, bool named_value)
             "No argument number " + std::to_string(position) + ": " + std::string(member.name));
     }
     count = std::max(count, index + 1);
-    sources[index] = &given.rgvarg[i];
+    sources_[index] = &given.rgvarg[i];
   }
   // What is left out at the end counts as not given, so that the object can say which one is missing.
   const auto left_out = [](const VARIANT* source) { return source == nullptr || IsLeftOut(*source); };
-  while (count > 0 && left_out(sources[count - 1])) --count;
+  while (count > 0 && left_out(sources_[count - 1])) --count;
   for (std::size_t i = 0; i < count; ++i) {
-    if (i < member.arguments.size() && !member.arguments[i].optional && left_out(sources[i])) {
+    if (i < member.arguments.size() && !member.arguments[i].optional && left_out(sources_[i])) {
       Raise(error_number::kArgumentNotOptional,
             "Argument not optional: " + std::string(member.arguments[i].name) + " of " + std::string(member.name));
     }
   }
-  if (named_value) sources[count++] = &given.rgvarg[0];
-  for (std::size_t i = 0; i < count; ++i) {
-    if (sources[i] != nullptr) arguments.values[i] = FromVariant(*sources[i]);
+  if (named_value) sources_[count++] = &given.rgvarg[0];
+  for (; count_ < count; ++count_) {
+    const VARIANT* const source = sources_[count_];
+    std::construct_at(&space_.values[count_], source == nullptr ? Variant() : FromVariant(*source));
   }
-  return arguments;
 }
 
 /// Whether the members are operations, which know no collections but the component's own.
@@ -76,13 +97,26 @@ bool IsService(const ClassDescription& description) {
          &description == &ServiceClassObject::Description(ServiceClass::kGetData);
 }
 
-class Dispatch final : public Counted<IDispatch, ISupportErrorInfo, IProvideClassInfo> {
+/// Lives as long as the object, which keeps it; clients that hold references keep the object.
+class Dispatch final : public ObjectFace, public IDispatch, public ISupportErrorInfo, public IProvideClassInfo {
  public:
-  explicit Dispatch(std::shared_ptr<AutomationObject> object) : object_(std::move(object)) {}
+  explicit Dispatch(const AutomationObject& object) : is_service_(IsService(object.description())) {}
 
   [[nodiscard]] const std::shared_ptr<AutomationObject>& object() const noexcept { return object_; }
+  /// Counts one more reference. @param object the one that keeps it
+  IDispatch* Hold(std::shared_ptr<AutomationObject> object) {
+    if (references_.fetch_add(1) == 0) object_ = std::move(object);
+    return this;
+  }
 
   // IUnknown
+  ULONG STDMETHODCALLTYPE AddRef() override { return references_.fetch_add(1) + 1; }
+  ULONG STDMETHODCALLTYPE Release() override {
+    const ULONG left = references_.fetch_sub(1) - 1;
+    // Both may go with it.
+    if (left == 0) const std::shared_ptr<AutomationObject> last = std::move(object_);
+    return left;
+  }
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
     if (out == nullptr) return E_POINTER;
     *out = nullptr;
@@ -134,6 +168,9 @@ class Dispatch final : public Counted<IDispatch, ISupportErrorInfo, IProvideClas
   void Use(const Member& member, WORD flags, const DISPPARAMS& parameters, VARIANT* result);
 
   const ModuleLock lock_;
+  const bool is_service_;
+  std::atomic<ULONG> references_{0};
+  /// Nothing while there is no reference.
   std::shared_ptr<AutomationObject> object_;
 };
 
@@ -164,12 +201,16 @@ void Dispatch::Use(const Member& member, WORD flags, const DISPPARAMS& parameter
   const bool put = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
   // Scripts ask for a call and a property at once.
   const MemberUse use = put ? kPut : (member.uses & kCall) != 0 && (flags & DISPATCH_METHOD) != 0 ? kCall : kGet;
-  Arguments arguments = Order(parameters, member, put);
-  const std::span<Variant> values = std::span(arguments.values).first(arguments.count);
-  if (IsService(object_->description())) WithCollections(values);
+  if (use == kGet && parameters.cArgs == 0 && result != nullptr) {
+    if (const auto text = object_->FindText(member)) return PutText(*text, result);
+  }
+  Arguments arguments;
+  arguments.Read(parameters, member, put);
+  const std::span<Variant> values = arguments.values();
+  if (is_service_) WithCollections(values);
   const Variant answer = object_->Use(member, use, values);
   for (std::size_t i = 0; i < member.arguments.size() && i < values.size(); ++i) {
-    if (member.arguments[i].in_out && arguments.sources[i] != nullptr) WriteBack(values[i], *arguments.sources[i]);
+    if (member.arguments[i].in_out && arguments.source(i) != nullptr) WriteBack(values[i], *arguments.source(i));
   }
   if (result != nullptr && !put && !member.returns_nothing) ToVariant(answer, result);
 }
@@ -178,7 +219,7 @@ HRESULT Dispatch::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parame
                          UINT* /*wrong_argument*/) {
   if (parameters == nullptr) return E_POINTER;
   // An operation may end the last reference that its caller holds.
-  const Pointer<IDispatch> alive(this);
+  const Pointer<IDispatch> alive(is_service_ ? this : nullptr);
   if (result != nullptr) VariantInit(result);
   try {
     const Member* const member = object_->description().Find(id);
@@ -199,7 +240,10 @@ HRESULT Dispatch::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parame
 }  // namespace
 
 Pointer<IDispatch> MakeDispatch(std::shared_ptr<AutomationObject> object) {
-  return Pointer<IDispatch>::Adopt(new Dispatch(std::move(object)));
+  if (object->face() == nullptr) object->set_face(std::make_unique<Dispatch>(*object));
+  // Objects have no faces but these.
+  auto* const face = static_cast<Dispatch*>(object->face());
+  return Pointer<IDispatch>::Adopt(face->Hold(std::move(object)));
 }
 
 std::shared_ptr<AutomationObject> OwnObject(IUnknown* object) {

@@ -1,6 +1,7 @@
 #include "com/values.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "com/base/plain_values.h"
@@ -56,7 +57,13 @@ void PutArray(const Array& values, VARIANT* out) {
   out->vt = VT_ARRAY | VT_VARIANT;
   try {
     auto* const cells = static_cast<VARIANT*>(array->pvData);
-    for (std::size_t i = 0; i < count; ++i) ToVariant(values.At(i), &cells[i]);
+    for (std::size_t i = 0; i < count; ++i) {
+      if (const auto text = values.TextAt(i)) {
+        PutText(*text, &cells[i]);
+      } else {
+        ToVariant(values.At(i), &cells[i]);
+      }
+    }
   } catch (...) {
     VariantClear(out);
     throw;

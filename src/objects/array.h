@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -16,19 +16,27 @@
 
 namespace tessarlorn {
 
+/// Values that are read each time when they are asked for, so that many need not stand in memory twice.
+class ArraySource {
+ public:
+  virtual ~ArraySource() = default;
+  /// @pre place is below the array's size(), here and below
+  [[nodiscard]] virtual Variant At(std::size_t place) const = 0;
+  /// A text where it stands, good until another place is read; nothing for any other value.
+  [[nodiscard]] virtual std::optional<std::string_view> TextAt(std::size_t place) const = 0;
+};
+
 /// Values in one or two dimensions, counted from 0. Only held by a Variant, never called.
 class Array final : public Object {
  public:
-  /// The value at a place below size().
-  using Reader = std::function<Variant(std::size_t)>;
-
   /// In one dimension.
   explicit Array(std::vector<Variant> values) : values_(std::move(values)), size_(values_.size()) {}
   /// @param columns of each row; the values stand row by row
   Array(std::vector<Variant> values, std::size_t columns)
       : values_(std::move(values)), size_(values_.size()), columns_(columns) {}
-  /// Of values that are read each time when they are asked for, so that many need not stand in memory twice.
-  Array(Reader read, std::size_t size, std::size_t columns) : read_(std::move(read)), size_(size), columns_(columns) {}
+  /// @pre the source is not nullptr
+  Array(std::unique_ptr<const ArraySource> source, std::size_t size, std::size_t columns)
+      : source_(std::move(source)), size_(size), columns_(columns) {}
 
   /// 1 or 2.
   [[nodiscard]] int dimensions() const noexcept { return columns_ == 0 ? 1 : 2; }
@@ -37,14 +45,20 @@ class Array final : public Object {
   /// Values in all rows.
   [[nodiscard]] std::size_t size() const noexcept { return size_; }
   /// @pre place < size()
-  [[nodiscard]] Variant At(std::size_t place) const { return read_ ? read_(place) : values_[place]; }
+  [[nodiscard]] Variant At(std::size_t place) const { return source_ ? source_->At(place) : values_[place]; }
+  /// The value at a place when it is a text, without a copy: good until another place is read.
+  [[nodiscard]] std::optional<std::string_view> TextAt(std::size_t place) const {
+    if (source_) return source_->TextAt(place);
+    const auto* const text = values_[place].get_if<std::string>();
+    return text == nullptr ? std::nullopt : std::optional<std::string_view>(*text);
+  }
 
   /// All of them.
   [[nodiscard]] std::vector<Variant> Values() const {
-    if (!read_) return values_;
+    if (!source_) return values_;
     std::vector<Variant> values;
     values.reserve(size_);
-    for (std::size_t place = 0; place < size_; ++place) values.push_back(read_(place));
+    for (std::size_t place = 0; place < size_; ++place) values.push_back(source_->At(place));
     return values;
   }
 
@@ -54,7 +68,7 @@ class Array final : public Object {
 
  private:
   std::vector<Variant> values_;
-  Reader read_;
+  std::unique_ptr<const ArraySource> source_;
   std::size_t size_ = 0;
   std::size_t columns_ = 0;
 };

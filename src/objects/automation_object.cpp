@@ -98,11 +98,14 @@ std::shared_ptr<AutomationObject> CreateAutomationObject(const ClassDescription&
 }
 
 std::shared_ptr<AutomationObject> ObjectOf(const Variant& value) {
+  if (const auto* object = value.get_if<std::shared_ptr<Object>>()) {
+    AutomationObject* const own = *object == nullptr ? nullptr : (*object)->automation();
+    return own == nullptr ? nullptr : std::shared_ptr<AutomationObject>(*object, own);
+  }
   if (auto dictionary = value.ToDictionary()) return std::make_shared<DictionaryObject>(std::move(dictionary));
   if (auto vector = value.ToVector()) return std::make_shared<VectorObject>(std::move(vector));
   if (auto recordset = value.ToRecordset()) return std::make_shared<RecordsetObject>(std::move(recordset));
-  const auto* object = value.get_if<std::shared_ptr<Object>>();
-  return object == nullptr ? nullptr : std::dynamic_pointer_cast<AutomationObject>(*object);
+  return nullptr;
 }
 
 Variant ValueOf(const std::shared_ptr<AutomationObject>& object) {

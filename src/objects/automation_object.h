@@ -3,9 +3,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "automation/operations.h"
@@ -60,9 +62,19 @@ struct ClassDescription {
   [[nodiscard]] const Member* Find(std::int32_t id) const;
 };
 
+/// What a host's clients hold of an object. The object keeps it, so that it is made once.
+class ObjectFace {
+ public:
+  ObjectFace() = default;
+  ObjectFace(const ObjectFace&) = delete;
+  ObjectFace& operator=(const ObjectFace&) = delete;
+  virtual ~ObjectFace() = default;
+};
+
 /// An object of such a class. One thread at a time.
 class AutomationObject : public Object {
  public:
+  [[nodiscard]] AutomationObject* automation() noexcept final { return this; }
   [[nodiscard]] virtual const ClassDescription& description() const = 0;
   /// Calls, reads or writes a member. The arguments are those of the member in order, without trailing optional ones
   /// that are left out; an empty one in between counts as left out. In/out arguments are written back.
@@ -72,12 +84,22 @@ class AutomationObject : public Object {
   Variant Use(const Member& member, MemberUse use, std::span<Variant> arguments);
   /// A call by name. Raises 438 naming the member when there is none.
   Variant Call(std::string_view method, std::span<const Variant> arguments) final;
+  /// The text that reading a member without arguments answers, without a copy: good until the object is used again.
+  /// Nothing where only Use() can tell. Raises what reading raises.
+  [[nodiscard]] virtual std::optional<std::string_view> FindText(const Member& /*member*/) const { return {}; }
   /// What `For Each` goes through. Raises 438 for an object that is no collection.
   virtual std::vector<Variant> Items() const;
+
+  /// nullptr until there is one; goes with the object.
+  [[nodiscard]] ObjectFace* face() const noexcept { return face_.get(); }
+  void set_face(std::unique_ptr<ObjectFace> face) noexcept { face_ = std::move(face); }
 
  protected:
   /// `arguments` has as many values as the member has arguments, and one more for a put.
   virtual Variant Do(const Member& member, MemberUse use, std::span<Variant> arguments) = 0;
+
+ private:
+  std::unique_ptr<ObjectFace> face_;
 };
 
 /// Name and identity of the type library.

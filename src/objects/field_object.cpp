@@ -27,15 +27,7 @@ std::int32_t ActualSize(const Variant& value, std::int32_t defined_size) {
   return defined_size;
 }
 
-Variant FieldAt(const std::shared_ptr<RecordsetView>& view, std::size_t field) {
-  return std::shared_ptr<Object>(std::make_shared<FieldObject>(view, field));
-}
-
 }  // namespace
-
-Variant FieldOf(const std::shared_ptr<RecordsetView>& view, const Variant& name_or_position) {
-  return FieldAt(view, view->FieldIndex(name_or_position));
-}
 
 const ClassDescription& FieldObject::Description() {
   const auto number = [](std::string_view name, std::int32_t id, std::string_view help) {
@@ -62,9 +54,13 @@ const ClassDescription& FieldObject::Description() {
   return kDescription;
 }
 
+std::optional<std::string_view> FieldObject::FindText(const Member& member) const {
+  return member.id == kDefaultMember ? view_->FindText(field_) : std::nullopt;
+}
+
 Variant FieldObject::Do(const Member& member, MemberUse use, std::span<Variant> /*arguments*/) {
   const Field& field = view_->fields()[field_];
-  if (use == kPut) Raise(error_number::kReadOnlyRows, "Current Recordset does not support updating: " + field.name);
+  if (use == kPut) RaiseReadOnlyRows(field.name);
   switch (member.id) {
     case kName:
       return field.name;
@@ -93,9 +89,9 @@ const ClassDescription& FieldsObject::Description() {
       .members = {
           {.name = "Item",
            .id = kDefaultMember,
-           .uses = kGet,
+           .uses = kGet | kPut,
            .arguments = kIndex,
-           .help = "A field by name or by position from 0. Raises 3265 when there is none."},
+           .help = "A field by name or by position from 0. Raises 3265 when there is none, and 3251 when written."},
           {.name = "Count", .id = kCount, .uses = kGet, .result = ValueType::kLong, .help = "Number of fields."},
           {.name = "_NewEnum", .id = kEnumerationMember, .uses = kGet, .help = "For Each goes through the fields."},
       }};
@@ -104,13 +100,26 @@ const ClassDescription& FieldsObject::Description() {
 
 std::vector<Variant> FieldsObject::Items() const {
   std::vector<Variant> fields;
-  for (std::size_t i = 0; i < view_->fields().size(); ++i) fields.push_back(FieldAt(view_, i));
+  for (std::size_t i = 0; i < view_->fields().size(); ++i) fields.emplace_back(At(i));
   return fields;
 }
 
-Variant FieldsObject::Do(const Member& member, MemberUse /*use*/, std::span<Variant> arguments) {
+Variant FieldsObject::Item(const Variant& name_or_position, MemberUse use) const {
+  const std::size_t field = view_->FieldIndex(name_or_position);
+  if (use == kPut) RaiseReadOnlyRows(view_->fields()[field].name);
+  return At(field);
+}
+
+const std::shared_ptr<Object>& FieldsObject::At(std::size_t field) const {
+  if (fields_.empty()) fields_.resize(view_->fields().size());
+  std::shared_ptr<Object>& found = fields_[field];
+  if (found == nullptr) found = std::make_shared<FieldObject>(view_, field);
+  return found;
+}
+
+Variant FieldsObject::Do(const Member& member, MemberUse use, std::span<Variant> arguments) {
   if (member.id == kCount) return static_cast<std::int32_t>(view_->fields().size());
-  return FieldOf(view_, arguments[0]);
+  return Item(arguments[0], use);
 }
 
 }  // namespace tessarlorn

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -18,6 +20,7 @@ class FieldObject final : public AutomationObject {
 
   static const ClassDescription& Description();
   [[nodiscard]] const ClassDescription& description() const override { return Description(); }
+  [[nodiscard]] std::optional<std::string_view> FindText(const Member& member) const override;
 
  protected:
   Variant Do(const Member& member, MemberUse use, std::span<Variant> arguments) override;
@@ -27,7 +30,8 @@ class FieldObject final : public AutomationObject {
   std::size_t field_;
 };
 
-/// `For Each` goes through the fields.
+/// `For Each` goes through the fields. Each is made once: a table that is read by field asks for all of them in every
+/// row.
 class FieldsObject final : public AutomationObject {
  public:
   explicit FieldsObject(std::shared_ptr<RecordsetView> view) : view_(std::move(view)) {}
@@ -35,15 +39,18 @@ class FieldsObject final : public AutomationObject {
   static const ClassDescription& Description();
   [[nodiscard]] const ClassDescription& description() const override { return Description(); }
   [[nodiscard]] std::vector<Variant> Items() const override;
+  /// The field of that name or position as an object. Raises 3265 when there is none, 3251 when it is to be written.
+  [[nodiscard]] Variant Item(const Variant& name_or_position, MemberUse use) const;
 
  protected:
   Variant Do(const Member& member, MemberUse use, std::span<Variant> arguments) override;
 
  private:
-  std::shared_ptr<RecordsetView> view_;
-};
+  [[nodiscard]] const std::shared_ptr<Object>& At(std::size_t field) const;
 
-/// The field of that name or position as an object. Raises 3265 when there is none.
-Variant FieldOf(const std::shared_ptr<RecordsetView>& view, const Variant& name_or_position);
+  std::shared_ptr<RecordsetView> view_;
+  /// Nothing where none was asked for.
+  mutable std::vector<std::shared_ptr<Object>> fields_;
+};
 
 }  // namespace tessarlorn

@@ -19,6 +19,11 @@ inline constexpr std::int32_t kReadOnlyRows = 3251;
   Raise(error_number::kWrongArguments,
         "Arguments are of the wrong type, are out of acceptable range, or are in conflict with one another: " + what);
 }
+/// 3251. @param what the field or member that would write
+[[noreturn]] inline void RaiseReadOnlyRows(std::string_view what) {
+  Raise(error_number::kReadOnlyRows,
+        "Current Recordset does not support updating. Its rows are read only: " + std::string(what));
+}
 /// 3021.
 [[noreturn]] inline void RaiseNoCurrentRecord() { Raise(error_number::kNoCurrentRecord, "No current record"); }
 /// 3265.

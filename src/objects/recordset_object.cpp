@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "objects/array.h"
-#include "objects/field_object.h"
 #include "objects/recordset_errors.h"
 #include "objects/recordset_file.h"
 #include "platform/error.h"
@@ -51,6 +50,13 @@ constexpr std::array kGetStringArguments = {Long("StringFormat"), Long("NumRows"
                                             Text("RowDelimeter"), Text("NullExpr")};
 constexpr std::array kCloneArguments = {Long("LockType")};
 constexpr std::array kSupportsArguments = {Long("CursorOptions", false)};
+constexpr std::array kAddNewArguments = {Any("FieldList"), Any("Values")};
+constexpr std::array kUpdateArguments = {Any("Fields"), Any("Values")};
+constexpr std::array kAffectArguments = {Long("AffectRecords")};
+constexpr std::array kRequeryArguments = {Long("Options")};
+constexpr std::array kResyncArguments = {Long("AffectRecords"), Long("ResyncValues")};
+constexpr std::array kOpenArguments = {Any("Source"), Any("ActiveConnection"), Long("CursorType"), Long("LockType"),
+                                       Long("Options")};
 constexpr std::array kSaveArguments = {Text("Destination", false), Long("PersistFormat")};
 
 constexpr std::int32_t kAbsolutePosition = MemberId("AbsolutePosition");
@@ -95,6 +101,29 @@ std::size_t RowsFrom(const RecordsetView& view, std::size_t position, const Vari
   return wanted == kAllRows ? left : std::min(left, static_cast<std::size_t>(wanted));
 }
 
+/// Some fields of some rows, row by row.
+class RowCells final : public ArraySource {
+ public:
+  RowCells(RecordsetPtr rows, std::vector<std::size_t> numbers, std::vector<std::size_t> columns)
+      : rows_(std::move(rows)), numbers_(std::move(numbers)), columns_(std::move(columns)) {}
+
+  [[nodiscard]] Variant At(std::size_t place) const override { return rows_->Get(Locate(place)); }
+  [[nodiscard]] std::optional<std::string_view> TextAt(std::size_t place) const override {
+    return rows_->FindText(Locate(place));
+  }
+
+ private:
+  /// Goes to the row and answers the field.
+  [[nodiscard]] std::size_t Locate(std::size_t place) const {
+    rows_->MoveTo(numbers_[place / columns_.size()]);
+    return columns_[place % columns_.size()];
+  }
+
+  RecordsetPtr rows_;
+  std::vector<std::size_t> numbers_;
+  std::vector<std::size_t> columns_;
+};
+
 }  // namespace
 
 const ClassDescription& RecordsetObject::Description() {
@@ -108,6 +137,14 @@ const ClassDescription& RecordsetObject::Description() {
   const auto step = [](std::string_view name, std::int32_t id, std::string_view help) {
     return Member{.name = name, .id = id, .returns_nothing = true, .help = help};
   };
+  // What clients of rows that can be written call.
+  const auto refused = [](std::string_view name, std::span<const Argument> arguments = {}) {
+    return Member{.name = name,
+                  .id = MemberId(name),
+                  .returns_nothing = true,
+                  .arguments = arguments,
+                  .help = "Raises 3251: the rows are read only."};
+  };
   static const ClassDescription kDescription = {
       .name = "Recordset",
       .prog_id = "",
@@ -117,9 +154,9 @@ const ClassDescription& RecordsetObject::Description() {
       .members = {
           {.name = "Fields",
            .id = kDefaultMember,
-           .uses = kGet,
+           .uses = kGet | kPut,
            .arguments = kIndex,
-           .help = "The fields, or with a name or a position from 0 one of them."},
+           .help = "The fields, or with a name or a position from 0 one of them. Writing raises 3251."},
           {.name = "EOF",
            .id = kEof,
            .uses = kGet,
@@ -199,6 +236,15 @@ const ClassDescription& RecordsetObject::Description() {
           number("CursorLocation", kCursorLocation, "3: the rows are at the client."),
           number("CursorType", kCursorType, "3: the rows do not change."),
           number("LockType", kLockType, "1: the rows are read only."),
+          refused("AddNew", kAddNewArguments),
+          refused("Update", kUpdateArguments),
+          refused("UpdateBatch", kAffectArguments),
+          refused("Delete", kAffectArguments),
+          refused("CancelUpdate"),
+          refused("CancelBatch", kAffectArguments),
+          refused("Requery", kRequeryArguments),
+          refused("Resync", kResyncArguments),
+          refused("Open", kOpenArguments),
       }};
   return kDescription;
 }
@@ -250,11 +296,8 @@ Variant RecordsetObject::GetRows(const Variant& rows, const Variant& start, cons
   view_->set_position(end);
   const std::size_t width = columns.size();
   const std::size_t size = numbers.size() * width;
-  auto read = [own = view_->rows(), numbers = std::move(numbers), columns = std::move(columns)](std::size_t place) {
-    own->MoveTo(numbers[place / columns.size()]);
-    return own->Get(columns[place % columns.size()]);
-  };
-  return std::shared_ptr<Object>(std::make_shared<Array>(std::move(read), size, width));
+  auto cells = std::make_unique<RowCells>(view_->rows(), std::move(numbers), std::move(columns));
+  return std::shared_ptr<Object>(std::make_shared<Array>(std::move(cells), size, width));
 }
 
 Variant RecordsetObject::GetString(std::span<const Variant> arguments) {
@@ -321,8 +364,9 @@ Variant RecordsetObject::Do(const Member& member, MemberUse use, std::span<Varia
   const bool put = use == kPut;
   switch (member.id) {
     case kDefaultMember:
-      if (arguments[0].is_empty()) return std::shared_ptr<Object>(std::make_shared<FieldsObject>(view_));
-      return FieldOf(view_, arguments[0]);
+      if (!arguments[0].is_empty()) return fields_->Item(arguments[0], use);
+      if (put) RaiseReadOnlyRows(member.name);
+      return std::shared_ptr<Object>(fields_);
     case kEof:
       return view_->eof();
     case kBof:
@@ -385,8 +429,10 @@ Variant RecordsetObject::Do(const Member& member, MemberUse use, std::span<Varia
       return kUseClient;
     case kCursorType:
       return kOpenStatic;
-    default:
+    case kLockType:
       return kLockReadOnly;
+    default:
+      RaiseReadOnlyRows(member.name);
   }
 }
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "objects/automation_object.h"
+#include "objects/field_object.h"
 #include "objects/recordset_view.h"
 
 namespace tessarlorn {
@@ -14,7 +15,8 @@ namespace tessarlorn {
 class RecordsetObject final : public AutomationObject {
  public:
   /// @pre not nullptr
-  explicit RecordsetObject(RecordsetPtr rows) : view_(std::make_shared<RecordsetView>(std::move(rows))) {}
+  explicit RecordsetObject(RecordsetPtr rows)
+      : view_(std::make_shared<RecordsetView>(std::move(rows))), fields_(std::make_shared<FieldsObject>(view_)) {}
 
   static const ClassDescription& Description();
   [[nodiscard]] const ClassDescription& description() const override { return Description(); }
@@ -34,6 +36,7 @@ class RecordsetObject final : public AutomationObject {
   void Save(const Variant& destination, const Variant& format);
 
   std::shared_ptr<RecordsetView> view_;
+  std::shared_ptr<FieldsObject> fields_;
   std::string filter_;
   std::string sort_;
 };

@@ -56,6 +56,12 @@ Variant RecordsetView::Value(std::size_t position, std::size_t field) const {
   return own.Get(field);
 }
 
+std::optional<std::string_view> RecordsetView::FindText(std::size_t field) const {
+  Recordset& own = *rows();
+  own.MoveTo(RowNumber(position_));
+  return own.FindText(field);
+}
+
 std::size_t RecordsetView::FieldIndex(const Variant& name_or_position) {
   const std::vector<Field>& all = fields();
   if (name_or_position.is_number()) {

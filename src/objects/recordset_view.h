@@ -41,6 +41,8 @@ class RecordsetView {
   /// The value of a field in the current row, or in the row at a position. Raises 3021 when there is none.
   [[nodiscard]] Variant Value(std::size_t field) const { return Value(position_, field); }
   [[nodiscard]] Variant Value(std::size_t position, std::size_t field) const;
+  /// The same where it is a text, without a copy: good until another row is read. Nothing for any other value.
+  [[nodiscard]] std::optional<std::string_view> FindText(std::size_t field) const;
   /// By name, or by position from 0. Raises 3265 naming it.
   [[nodiscard]] std::size_t FieldIndex(const Variant& name_or_position);
 

@@ -11,10 +11,15 @@
 
 namespace tessarlorn {
 
+class AutomationObject;
+
 /// A component that is called by name at run time.
 class Object {
  public:
   virtual ~Object() = default;
+  /// The object as clients of automation see it, nullptr for one that they do not. Scripts ask for it with each field
+  /// that they read, which a cast is too slow for.
+  [[nodiscard]] virtual AutomationObject* automation() noexcept { return nullptr; }
   /// Raises 438 naming the method when there is none, and whatever the method raises.
   virtual Variant Call(std::string_view method, std::span<const Variant> arguments) = 0;
 };

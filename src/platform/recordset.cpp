@@ -205,11 +205,16 @@ Variant Recordset::Get(std::string_view field) const {
 }
 
 std::string_view Recordset::GetText(std::size_t field) const {
+  if (const std::optional<std::string_view> text = FindText(field)) return *text;
+  if (!IsNull(field)) RaiseTypeMismatch();
+  return {};
+}
+
+std::optional<std::string_view> Recordset::FindText(std::size_t field) const {
   const std::uint8_t* in = Cell(field);
   const std::uint8_t first = *in++;
-  if (first == static_cast<std::uint8_t>(Tag::kNull)) return {};
   if (first >= kShortText && first < kSmallInteger) return TextAt(in, static_cast<std::size_t>(first - kShortText));
-  if (first != static_cast<std::uint8_t>(Tag::kText)) RaiseTypeMismatch();
+  if (first != static_cast<std::uint8_t>(Tag::kText)) return std::nullopt;
   const auto size = static_cast<std::size_t>(TakeVarint(in));
   return TextAt(in, size);
 }

@@ -95,6 +95,8 @@ class Recordset {
   /// The text of a text field without a copy, "" for null; valid until the recordset goes. Raises as Get, and 13 for a
   /// field that holds no text.
   [[nodiscard]] std::string_view GetText(std::size_t field) const;
+  /// The same, nothing for null and for what is no text.
+  [[nodiscard]] std::optional<std::string_view> FindText(std::size_t field) const;
   [[nodiscard]] bool IsNull(std::size_t field) const;
 
   /// Cuts the tie to the connection that produced the rows; the rows stay. Raises what the source raises.

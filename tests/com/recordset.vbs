@@ -111,6 +111,17 @@ Failure "field" '= field 3265 TessarLornPickingAndDelivery Item cannot be found:
 rs.Filter = "FID ="
 WScript.Echo Err.Number '= 3001
 Err.Clear
+rs.MoveFirst
+rs("FID") = 5
+Failure "write" '= write 3251 TessarLornPickingAndDelivery Current Recordset does not support updating. Its rows are read only: FID
+rs.Fields("FName").Value = "x"
+Failure "value" '= value 3251 TessarLornPickingAndDelivery Current Recordset does not support updating. Its rows are read only: FName
+rs("FNone") = 5
+Failure "other" '= other 3265 TessarLornPickingAndDelivery Item cannot be found: FNone
+rs.AddNew Array("FID"), Array(5)
+Failure "new" '= new 3251 TessarLornPickingAndDelivery Current Recordset does not support updating. Its rows are read only: AddNew
+rs.Open "select 1", memory
+Failure "open" '= open 3251 TessarLornPickingAndDelivery Current Recordset does not support updating. Its rows are read only: Open
 rs.Close
 WScript.Echo rs.State, Err.Number '= 0 0
 text = rs.EOF

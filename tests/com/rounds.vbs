@@ -3,7 +3,7 @@
 Option Explicit
 Dim turn
 Sub OneRound()
-  Dim reads, saves, parameters, list, rs, field, text
+  Dim reads, saves, parameters, list, rs, field, text, turns
   Set reads = CreateObject("TessarLornPickingAndDelivery.clsGetData")
   Set saves = CreateObject("TessarLornPickingAndDelivery.clsSaveData")
   Set parameters = CreateObject("Mirel.Dictionary")
@@ -18,6 +18,9 @@ Sub OneRound()
     text = text & field.Name & field.Value
   Next
   text = list(1)("FID")
+  For turns = 1 To 3
+    text = text & rs("FID") & rs(0) & rs.Fields(1).Value & rs.Fields.Count
+  Next
   text = rs.GetRows
   On Error Resume Next
   Set rs = reads.ExecuteSQL(WScript.Arguments(0), "select FNone")

@@ -25,6 +25,40 @@ TEST(FieldObjectTest, FollowsTheCurrentRow) {
   EXPECT_EQ(ErrorOf([&] { Put(*buyer, "Value", {"Li"}); }), 3251);
 }
 
+TEST(FieldObjectTest, IsOneObjectForAsLongAsItsRecordset) {
+  const auto rows = Rows();
+  const auto buyer = ObjectOf(Get(*rows, "Fields", {"FBuyer"}));
+  EXPECT_EQ(ObjectOf(Get(*rows, "Fields", {1})), buyer);
+  EXPECT_EQ(ObjectOf(Get(*ObjectOf(Get(*rows, "Fields")), "Item", {1})), buyer);
+  EXPECT_NE(ObjectOf(Get(*ObjectOf(Call(*rows, "Clone")), "Fields", {1})), buyer);
+}
+
+// Texts can be read in place; whoever does so has to read what others read.
+TEST(FieldObjectTest, TextInPlaceIsTheValue) {
+  const auto rows = Rows();
+  const auto all = Call(*Rows(), "GetRows");
+  const Array& cells = ArrayOf(all);
+  std::size_t place = 0;
+  std::size_t texts = 0;
+  for (; !Get(*rows, "EOF").ToBool(); Call(*rows, "MoveNext")) {
+    for (const Variant& item : ObjectOf(Get(*rows, "Fields"))->Items()) {
+      const auto field = ObjectOf(item);
+      const Variant value = Get(*field, "Value");
+      const auto text = field->FindText(*field->description().Find("Value"));
+      const auto* const wanted = value.get_if<std::string>();
+      ASSERT_EQ(text.has_value(), wanted != nullptr) << place;
+      ASSERT_EQ(text, cells.TextAt(place++));
+      ASSERT_EQ(text.value_or(""), wanted == nullptr ? "" : *wanted);
+      texts += text ? 1 : 0;
+      EXPECT_FALSE(field->FindText(*field->description().Find("DefinedSize")));
+    }
+  }
+  EXPECT_EQ(place, cells.size());
+  EXPECT_EQ(texts, 9U);
+  const auto buyer = ObjectOf(Get(*rows, "Fields", {"FBuyer"}));
+  EXPECT_EQ(ErrorOf([&] { static_cast<void>(buyer->FindText(*buyer->description().Find("Value"))); }), 3021);
+}
+
 TEST(FieldObjectTest, IsFoundByNameAndPosition) {
   const auto rows = Rows();
   const auto fields = ObjectOf(Get(*rows, "Fields"));

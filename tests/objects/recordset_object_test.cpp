@@ -268,6 +268,14 @@ TEST_F(RecordsetObjectTest, IsDisconnectedAndReadOnly) {
   EXPECT_TRUE(Call(*object, "Supports", {kMoveBackAndBookmark}).ToBool());
   EXPECT_FALSE(Call(*object, "Supports", {kUpdate}).ToBool());
   EXPECT_FALSE(Call(*object, "Supports", {kMoveBackAndBookmark | kUpdate}).ToBool());
+  for (const char* const writer :
+       {"AddNew", "Update", "UpdateBatch", "Delete", "CancelUpdate", "CancelBatch", "Requery", "Resync", "Open"}) {
+    EXPECT_EQ(ErrorOf([&] { Call(*object, writer); }), 3251) << writer;
+  }
+  const auto fields = ObjectOf(Get(*object, "Fields"));
+  EXPECT_EQ(ErrorOf([&] { Put(*object, "Fields", {"FID", 5}); }), 3251);
+  EXPECT_EQ(ErrorOf([&] { Put(*fields, "Item", {"FID", 5}); }), 3251);
+  EXPECT_EQ(ErrorOf([&] { Put(*object, "Fields", {"FNone", 5}); }), 3265);
 }
 
 }  // namespace

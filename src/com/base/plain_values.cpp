@@ -28,12 +28,6 @@ Bytes FromBytes(SAFEARRAY* array) {
   return {access.bytes(), access.bytes() + access.size(1)};
 }
 
-void PutText(std::string_view text, VARIANT* out) {
-  out->bstrVal = NewBstr(text);
-  CheckMemory(out->bstrVal);
-  out->vt = VT_BSTR;
-}
-
 void PutDecimal(const Decimal& value, VARIANT* out) {
   const Decimal::Limbs& limbs = value.limbs();
   const bool fits = value.scale() <= kDecimalScale &&
@@ -149,6 +143,12 @@ bool ToPlainVariant(const Variant& value, VARIANT* out) {
     return false;
   }
   return true;
+}
+
+void PutText(std::string_view text, VARIANT* out) {
+  out->bstrVal = NewBstr(text);
+  CheckMemory(out->bstrVal);
+  out->vt = VT_BSTR;
 }
 
 void CheckMemory(const void* allocated) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "com/base/windows_headers.h"
 #include "platform/variant.h"
@@ -21,6 +22,9 @@ Variant FromPlainVariant(const VARIANT& value);
 /// The component's value as automation's, in `*out`, which is VT_EMPTY before; false when it is an object. Decimals
 /// beyond 28 digits become text.
 bool ToPlainVariant(const Variant& value, VARIANT* out);
+
+/// A text as automation's, in `*out`, which is VT_EMPTY before.
+void PutText(std::string_view text, VARIANT* out);
 
 /// Raises std::bad_alloc for what COM could not allocate.
 void CheckMemory(const void* allocated);

@@ -7,10 +7,12 @@
 #include <fstream>
 #include <set>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 #include "objects/field_traits.h"
 #include "platform/error.h"
+#include "platform/file_path.h"
 #include "platform/text.h"
 
 namespace tessarlorn {
@@ -152,7 +154,7 @@ void WriteText(const RecordsetView& view, std::ostream& out) {
 
 void SaveRecordset(const RecordsetView& view, const std::string& path, bool as_xml) {
   static_cast<void>(view.rows());
-  const std::filesystem::path file(std::u8string(path.begin(), path.end()));
+  const std::filesystem::path file = ToPath(path);
   std::error_code ignored;
   if (std::filesystem::exists(file, ignored)) Raise(kFileExists, "File already exists: " + path);
   std::ofstream out(file, std::ios::binary);

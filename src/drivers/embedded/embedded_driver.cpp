@@ -3,8 +3,10 @@
 #include <charconv>
 #include <chrono>
 #include <filesystem>
+#include <system_error>
 
 #include "drivers/embedded/session.h"
+#include "platform/file_path.h"
 #include "platform/session_string.h"
 #include "platform/text.h"
 
@@ -61,11 +63,12 @@ DatabaseHandle OpenDatabase(const Options& options) {
     flags |= SQLITE_OPEN_URI;
   } else {
     std::error_code ignored;
-    const std::filesystem::path folder = std::filesystem::path(name).parent_path();
+    const std::filesystem::path file = ToPath(name);
+    const std::filesystem::path folder = file.parent_path();
     if (!folder.empty() && !std::filesystem::is_directory(folder, ignored)) {
-      RaiseLogin("Cannot open the database '" + name + "': the folder '" + folder.string() + "' does not exist.");
+      RaiseLogin("Cannot open the database '" + name + "': the folder '" + PathText(folder) + "' does not exist.");
     }
-    if (std::filesystem::is_directory(name, ignored))
+    if (std::filesystem::is_directory(file, ignored))
       RaiseLogin("Cannot open the database '" + name + "': it is a folder.");
   }
   sqlite3* opened = nullptr;

@@ -101,6 +101,19 @@ TEST_F(CallTest, TextComesBackAsItWent) {
   EXPECT_EQ(error.description, L"Invalid column name '" + std::wstring(kChinese) + L"'.");
 }
 
+TEST_F(CallTest, FilesAndFoldersHaveNamesInAnyLanguage) {
+  const wchar_t* const folder = _wgetenv(L"TESSARLORN_TEST_FOLDER");
+  ASSERT_NE(folder, nullptr);
+  const std::wstring own = folder + std::wstring(L"\\\u8ba2\u5355");
+  CreateDirectoryW(own.c_str(), nullptr);
+  const TypedObject reads(kReads);
+  EXPECT_EQ(reads.Call(L"ExecuteSQL", {L"Embedded=" + own + L"\\\u4e00.db", L"select 1 a"}).description, L"");
+  EXPECT_NE(GetFileAttributesW((own + L"\\\u4e00.db").c_str()), INVALID_FILE_ATTRIBUTES);
+  const std::wstring none = own + L"\\\u65e0";
+  EXPECT_EQ(reads.Call(L"ExecuteSQL", {L"Embedded=" + none + L"\\a.db", L"select 1 a"}).description,
+            L"Cannot open the database '" + none + L"\\a.db': the folder '" + none + L"' does not exist.");
+}
+
 TEST_F(CallTest, ErrorsNeedNoReceiver) {
   const TypedObject reads(kReads);
   DISPPARAMS none{};

@@ -6,7 +6,7 @@ set(sqlite_sha256 ebf0ed75a7a59dbcb3b24bbd014ef49d9f15bc328e4adcbf516f2a8fadfa28
 set(sqlite_folder ${CMAKE_BINARY_DIR}/sqlite)
 set(sqlite_archive ${sqlite_folder}/better-sqlite3-${sqlite_version}.tgz)
 if(NOT EXISTS ${sqlite_folder}/package/deps/sqlite3/sqlite3.c)
-  find_program(NPM NAMES npm npm.cmd REQUIRED)
+  find_program(NPM NAMES npm.cmd npm REQUIRED)
   file(MAKE_DIRECTORY ${sqlite_folder})
   execute_process(COMMAND ${NPM} pack --silent better-sqlite3@${sqlite_version} WORKING_DIRECTORY ${sqlite_folder}
                   OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)

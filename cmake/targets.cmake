@@ -1,5 +1,10 @@
 # What every target of the project has in common.
 
+# The library for Windows asks for no other library than those of Windows.
+if(MSVC)
+  set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
+endif()
+
 # tessarlorn_sources(<variable> <folder>...): the sources of some folders; a new file is found by the next build.
 function(tessarlorn_sources variable)
   list(TRANSFORM ARGN APPEND "/*.cpp")

@@ -1,7 +1,9 @@
 #include "platform/session.h"
 
 #include <algorithm>
+#include <exception>
 #include <functional>
+#include <new>
 #include <unordered_map>
 #include <utility>
 #include <vector>

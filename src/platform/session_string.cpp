@@ -1,5 +1,6 @@
 #include "platform/session_string.h"
 
+#include <algorithm>
 #include <charconv>
 #include <set>
 #include <variant>

@@ -9,6 +9,7 @@
 #endif
 #include <windows.h>
 // The order matters to these.
+#include <objbase.h>
 #include <oleauto.h>
 #include <olectl.h>
 #include <unknwn.h>

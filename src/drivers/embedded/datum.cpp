@@ -1,5 +1,6 @@
 #include "drivers/embedded/datum.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>

@@ -1,6 +1,7 @@
 // The row functions that translated statements call in SQLite. Their names begin with "ts_".
 #pragma once
 
+#include <new>
 #include <span>
 #include <sqlite3.h>
 

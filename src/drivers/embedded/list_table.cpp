@@ -1,6 +1,7 @@
 #include "drivers/embedded/list_table.h"
 
 #include <sqlite3.h>
+#include <utility>
 
 #include "drivers/embedded/sqlite_value.h"
 

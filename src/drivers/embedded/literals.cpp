@@ -1,5 +1,7 @@
 #include "drivers/embedded/literals.h"
 
+#include <utility>
+
 namespace tessarlorn::embedded {
 namespace {
 

@@ -1,5 +1,7 @@
 #include "drivers/embedded/parser.h"
 
+#include <utility>
+
 #include "drivers/embedded/parser_core.h"
 
 namespace tessarlorn::embedded {

@@ -1,0 +1,52 @@
+# In a prefix where the library is not registered: its use by the manifest, and its neighbours, whose names would be in
+# the way of other tests.
+tessarlorn_sources(neighbours_sources ${CMAKE_CURRENT_SOURCE_DIR}/neighbours)
+add_executable(com_neighbours_test ${neighbours_sources} ${CMAKE_CURRENT_SOURCE_DIR}/client/typed_object.cpp)
+target_include_directories(com_neighbours_test PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+target_link_libraries(com_neighbours_test PRIVATE tessarlorn::com_base GTest::gtest_main)
+target_link_options(com_neighbours_test PRIVATE -static)
+tessarlorn_warnings(com_neighbours_test)
+
+# The ERP's network library is looked for beside the program.
+set(network_folder ${folder}/venappsvr)
+add_library(com_venappsvr SHARED venappsvr/venappsvr.cpp venappsvr/venappsvr.def)
+set_target_properties(com_venappsvr PROPERTIES OUTPUT_NAME venappsvr PREFIX "" RUNTIME_OUTPUT_DIRECTORY ${network_folder})
+target_link_libraries(com_venappsvr PRIVATE tessarlorn::com_base)
+target_link_options(com_venappsvr PRIVATE -static)
+tessarlorn_warnings(com_venappsvr)
+add_custom_command(TARGET com_neighbours_test POST_BUILD
+                   COMMAND ${CMAKE_COMMAND} -E make_directory ${network_folder}
+                   COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:com_neighbours_test> ${network_folder}/with_network.exe
+                   VERBATIM)
+
+# A program with the library and its manifest beside it.
+set(program_folder ${folder}/program)
+add_custom_target(
+  com_program ALL
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${program_folder}
+  COMMAND ${CMAKE_COMMAND} -E copy_if_different $<TARGET_FILE:com_client_test> $<TARGET_FILE:tessarlorn_com>
+          $<TARGET_FILE_DIR:tessarlorn_com>/TessarLornPickingAndDelivery.manifest ${program_folder}
+  DEPENDS com_client_test tessarlorn_com
+  VERBATIM)
+
+# tessarlorn_unregistered_test(<name> <variable=value;...> <command>...)
+function(tessarlorn_unregistered_test name variables)
+  tessarlorn_com_test(${name} ${ARGN})
+  set_tests_properties(com/${name} PROPERTIES FIXTURES_REQUIRED com_bare_prefix ENVIRONMENT
+    "WINEPREFIX=${folder}/bare_prefix;WINEDEBUG=-all;TESSARLORN_LIBRARY_FOLDER=Z:${program_folder};${variables}")
+endfunction()
+
+tessarlorn_unregistered_test(bare_prefix "" ${WINEBOOT} --init)
+set_tests_properties(com/bare_prefix PROPERTIES FIXTURES_REQUIRED "" FIXTURES_SETUP com_bare_prefix)
+tessarlorn_unregistered_test(side_by_side "" ${WINE} ${program_folder}/com_client_test.exe
+                             --gtest_filter=*SideBySideTest.*)
+# Names that one has registered would be found by the others.
+set(address "TESSARLORN_TEST_ADDRESS=203.0.113.7;TESSARLORN_WANTED_ADDRESS=203.0.113.7")
+tessarlorn_unregistered_test(neighbours "${address}" ${WINE} ${network_folder}/with_network.exe
+                             --gtest_filter=RegisteredTest.*)
+tessarlorn_unregistered_test(neighbours_default "TESSARLORN_WANTED_ADDRESS=10.0.0.5" ${WINE}
+                             $<TARGET_FILE:com_neighbours_test> --gtest_filter=DefaultTest.*)
+tessarlorn_unregistered_test(neighbours_no_address "" ${WINE} ${network_folder}/with_network.exe
+                             --gtest_filter=DefaultTest.*)
+set_tests_properties(com/side_by_side com/neighbours com/neighbours_default com/neighbours_no_address
+                     PROPERTIES RESOURCE_LOCK com_bare_prefix)

@@ -201,6 +201,8 @@ void Dispatch::Use(const Member& member, WORD flags, const DISPPARAMS& parameter
   const bool put = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
   // Scripts ask for a call and a property at once.
   const MemberUse use = put ? kPut : (member.uses & kCall) != 0 && (flags & DISPATCH_METHOD) != 0 ? kCall : kGet;
+  // What is done may end the last reference that its caller holds; reading a value does not.
+  const Pointer<IDispatch> alive(use == kGet ? nullptr : this);
   if (use == kGet && parameters.cArgs == 0 && result != nullptr) {
     if (const auto text = object_->FindText(member)) return PutText(*text, result);
   }
@@ -218,8 +220,6 @@ void Dispatch::Use(const Member& member, WORD flags, const DISPPARAMS& parameter
 HRESULT Dispatch::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* info,
                          UINT* /*wrong_argument*/) {
   if (parameters == nullptr) return E_POINTER;
-  // An operation may end the last reference that its caller holds.
-  const Pointer<IDispatch> alive(is_service_ ? this : nullptr);
   if (result != nullptr) VariantInit(result);
   try {
     const Member* const member = object_->description().Find(id);

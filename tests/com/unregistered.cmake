@@ -1,11 +1,7 @@
 # In a prefix where the library is not registered: its use by the manifest, and its neighbours, whose names would be in
 # the way of other tests.
 tessarlorn_sources(neighbours_sources ${CMAKE_CURRENT_SOURCE_DIR}/neighbours)
-add_executable(com_neighbours_test ${neighbours_sources} ${CMAKE_CURRENT_SOURCE_DIR}/client/typed_object.cpp)
-target_include_directories(com_neighbours_test PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-target_link_libraries(com_neighbours_test PRIVATE tessarlorn::com_base GTest::gtest_main)
-target_link_options(com_neighbours_test PRIVATE -static)
-tessarlorn_warnings(com_neighbours_test)
+tessarlorn_com_executable(com_neighbours_test ${neighbours_sources} ${CMAKE_CURRENT_SOURCE_DIR}/client/typed_object.cpp)
 
 # The ERP's network library is looked for beside the program.
 set(network_folder ${folder}/venappsvr)

@@ -120,7 +120,7 @@ rs("FNone") = 5
 Failure "other" '= other 3265 TessarLornPickingAndDelivery Item cannot be found: FNone
 rs.AddNew Array("FID"), Array(5)
 Failure "new" '= new 3251 TessarLornPickingAndDelivery Current Recordset does not support updating. Its rows are read only: AddNew
-rs.Open "select 1", memory
+rs.Open "select 1", database
 Failure "open" '= open 3251 TessarLornPickingAndDelivery Current Recordset does not support updating. Its rows are read only: Open
 rs.Close
 WScript.Echo rs.State, Err.Number '= 0 0

@@ -22,7 +22,6 @@ inline constexpr LONG kOptionUnspecified = -1;
 inline constexpr LONG kConnectUnspecified = -1;
 inline constexpr LONG kLockUnspecified = -1;
 inline constexpr LONG kStateClosed = 0;
-inline constexpr LONG kAllRows = -1;
 inline constexpr LONG kFieldIsNullable = 0x20;
 inline constexpr LONG kFieldMayBeNull = 0x40;
 
@@ -36,9 +35,7 @@ enum class DataType : LONG {
   kDouble = 5,
   kCurrency = 6,
   kDate = 7,
-  kBstr = 8,
   kBoolean = 11,
-  kVariant = 12,
   kDecimal = 14,
   kTinyInt = 16,
   kUnsignedTinyInt = 17,

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <string>
+#include <utility>
 
 #include "com/base/plain_values.h"
 #include "drivers/ado/ado_error.h"
@@ -16,103 +18,68 @@ constexpr LONG kBlockRows = 1000;
 constexpr LONG_PTR kUnlimited = 1073741823;
 constexpr int kMoneyPrecision = 19;
 constexpr int kMoneyScale = 4;
-constexpr int kUnsignedBigIntPrecision = 20;
-/// Of automation's dates; the component counts from 1900-01-01.
 constexpr std::int64_t kMillisecondsPerDay = 86'400'000;
 
 void CheckRows(HRESULT status, std::string_view what) { Check(status, nullptr, what); }
 
-/// @param size as ADO has it
+// Small numbers that the database does not have come in the next larger type; what stands nowhere, as text.
+constexpr std::pair<DataType, FieldType> kTypes[] = {
+    {DataType::kBoolean, FieldType::kBit},
+    {DataType::kUnsignedTinyInt, FieldType::kTinyInt},
+    {DataType::kTinyInt, FieldType::kSmallInt},
+    {DataType::kSmallInt, FieldType::kSmallInt},
+    {DataType::kUnsignedSmallInt, FieldType::kInt},
+    {DataType::kInteger, FieldType::kInt},
+    {DataType::kUnsignedInt, FieldType::kBigInt},
+    {DataType::kBigInt, FieldType::kBigInt},
+    {DataType::kUnsignedBigInt, FieldType::kDecimal},
+    {DataType::kSingle, FieldType::kReal},
+    {DataType::kDouble, FieldType::kFloat},
+    {DataType::kCurrency, FieldType::kMoney},
+    {DataType::kDecimal, FieldType::kDecimal},
+    {DataType::kNumeric, FieldType::kDecimal},
+    {DataType::kVarNumeric, FieldType::kDecimal},
+    {DataType::kDBDate, FieldType::kDate},
+    {DataType::kDBTime, FieldType::kTime},
+    {DataType::kDate, FieldType::kDateTime},
+    {DataType::kDBTimeStamp, FieldType::kDateTime},
+    {DataType::kGuid, FieldType::kGuid},
+    {DataType::kChar, FieldType::kChar},
+    {DataType::kVarChar, FieldType::kVarChar},
+    {DataType::kLongVarChar, FieldType::kVarChar},
+    {DataType::kWChar, FieldType::kNChar},
+    {DataType::kVarWChar, FieldType::kNVarChar},
+    {DataType::kLongVarWChar, FieldType::kNVarChar},
+    {DataType::kBinary, FieldType::kBinary},
+    {DataType::kVarBinary, FieldType::kVarBinary},
+    {DataType::kLongVarBinary, FieldType::kVarBinary},
+};
+
+/// @param size in characters or bytes, as ADO has it
 Field Describe(DataType type, LONG_PTR size, BYTE precision, BYTE scale) {
   Field field;
-  const auto sized = [&field, size](FieldType of) {
-    field.type = of;
-    field.size = size <= 0 || size >= kUnlimited ? 0 : static_cast<int>(size);
-  };
-  const auto exact = [&field](FieldType of, int digits, int places) {
-    field.type = of;
-    field.precision = digits;
-    field.scale = places;
-  };
-  switch (type) {
-    case DataType::kBoolean:
-      field.type = FieldType::kBit;
+  const auto* const known =
+      std::find_if(std::begin(kTypes), std::end(kTypes), [type](const auto& pair) { return pair.first == type; });
+  if (known == std::end(kTypes)) return field;
+  field.type = known->second;
+  switch (field.type) {
+    case FieldType::kDecimal:
+      field.precision = precision;
+      field.scale = scale;
       break;
-    case DataType::kUnsignedTinyInt:
-      field.type = FieldType::kTinyInt;
+    case FieldType::kMoney:
+      field.precision = kMoneyPrecision;
+      field.scale = kMoneyScale;
       break;
-    case DataType::kTinyInt:
-    case DataType::kSmallInt:
-      field.type = FieldType::kSmallInt;
+    case FieldType::kChar:
+    case FieldType::kVarChar:
+    case FieldType::kNChar:
+    case FieldType::kNVarChar:
+    case FieldType::kBinary:
+    case FieldType::kVarBinary:
+      field.size = size <= 0 || size >= kUnlimited ? 0 : static_cast<int>(size);
       break;
-    case DataType::kUnsignedSmallInt:
-    case DataType::kInteger:
-      field.type = FieldType::kInt;
-      break;
-    case DataType::kUnsignedInt:
-    case DataType::kBigInt:
-      field.type = FieldType::kBigInt;
-      break;
-    case DataType::kUnsignedBigInt:
-      exact(FieldType::kDecimal, kUnsignedBigIntPrecision, 0);
-      break;
-    case DataType::kSingle:
-      field.type = FieldType::kReal;
-      break;
-    case DataType::kDouble:
-      field.type = FieldType::kFloat;
-      break;
-    case DataType::kCurrency:
-      exact(FieldType::kMoney, kMoneyPrecision, kMoneyScale);
-      break;
-    case DataType::kDecimal:
-    case DataType::kNumeric:
-    case DataType::kVarNumeric:
-      exact(FieldType::kDecimal, precision, scale);
-      break;
-    case DataType::kDBDate:
-      field.type = FieldType::kDate;
-      break;
-    case DataType::kDBTime:
-      field.type = FieldType::kTime;
-      break;
-    case DataType::kDate:
-    case DataType::kDBTimeStamp:
-      field.type = FieldType::kDateTime;
-      break;
-    case DataType::kGuid:
-      field.type = FieldType::kGuid;
-      break;
-    case DataType::kChar:
-      sized(FieldType::kChar);
-      break;
-    case DataType::kVarChar:
-      sized(FieldType::kVarChar);
-      break;
-    case DataType::kLongVarChar:
-      field.type = FieldType::kVarChar;
-      break;
-    case DataType::kWChar:
-      sized(FieldType::kNChar);
-      break;
-    case DataType::kVarWChar:
-      sized(FieldType::kNVarChar);
-      break;
-    case DataType::kBinary:
-      sized(FieldType::kBinary);
-      break;
-    case DataType::kVarBinary:
-      sized(FieldType::kVarBinary);
-      break;
-    case DataType::kLongVarBinary:
-      field.type = FieldType::kVarBinary;
-      break;
-    case DataType::kLongVarWChar:
-    case DataType::kBstr:
-    case DataType::kVariant:
     default:
-      // What has no type of its own comes as text.
-      field.type = FieldType::kNVarChar;
       break;
   }
   return field;

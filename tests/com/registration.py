@@ -1,6 +1,5 @@
 #!/usr/bin/env python3
-"""Registers the library, looks at what the registry says then, and that nothing is left when it is taken back.
-Leaves it registered.
+"""Registers the library beside what others have registered, and takes it back. Leaves it registered.
 
 registration.py LIBRARY
 """
@@ -11,75 +10,80 @@ import sys
 import wine
 
 PARTS = (r"HKLM\Software\Classes", r"HKCU\Software\Classes")
-CLASSES = (
-    "TessarLornPickingAndDelivery.clsSaveData",
-    "TessarLornPickingAndDelivery.clsGetData",
-    "Mirel.Dictionary",
-    "Mirel.Vector",
-)
+# A class of somebody else under one of the library's names.
+TAKEN = ("Mirel.Vector", "{11111111-2222-3333-4444-555555555555}")
+# What a library of 32 bits has registered.
+OTHER_BITNESS = ("Mirel.Dictionary", "{EA42DD31-F11F-497C-BA9E-E9406C345382}")
 
 
 def exported(library, part):
-    """The registry's part as {key below the part: {name: value}}, keys in small letters."""
+    """The registry's part as {key below the part: {name: value}}, all in small letters."""
     path = library.with_name("registry.reg")
     wine.run("reg", "export", part, wine.windows_path(path), "/y", check=False)
     keys = {}
     # A user without classes of their own has no such key.
     if not path.exists():
         return keys
-    for line in path.read_text(encoding="utf-16").splitlines():
+    for line in path.read_text(encoding="utf-16").lower().splitlines():
         if line.startswith("["):
-            values = keys.setdefault(re.sub(r"^\[[^\\]*\\Software\\Classes\\?|\]$", "", line, flags=re.I).lower(), {})
+            values = keys.setdefault(re.sub(r"^\[[^\\]*\\software\\classes\\?|\]$", "", line), {})
         elif match := re.match(r'(@|"(?:[^"\\]|\\.)*")=(.*)$', line):
             values[match.group(1).strip('"')] = match.group(2).strip('"').replace("\\\\", "\\")
     path.unlink()
     return keys
 
 
-def faults_of(keys, library):
-    """What the registry does not say of the library as it should."""
-    for name in CLASSES:
-        versioned = keys.get(f"{name}.1\\clsid".lower(), {}).get("@")
-        plain = keys.get(f"{name}\\clsid".lower(), {}).get("@")
-        if not plain or plain != versioned:
-            yield f"{name} is {plain}, {name}.1 is {versioned}"
-            continue
-        if keys.get(f"{name}\\curver".lower(), {}).get("@") != f"{name}.1":
-            yield f"{name} has no current version"
-        clsid = f"clsid\\{plain}".lower()
-        server = keys.get(clsid + "\\inprocserver32", {})
-        path = server.get("@", "").lower()
-        if path != wine.windows_path(library).lower() or server.get("ThreadingModel") != "Apartment":
-            yield f"{name} is served by {server}"
-        if keys.get(clsid + "\\progid", {}).get("@") != f"{name}.1":
-            yield f"{plain} has another ProgID"
-        type_library = keys.get(clsid + "\\typelib", {}).get("@", "none").lower()
-        if f"typelib\\{type_library}\\1.0\\0\\win64" not in keys:
-            yield f"{name} has no type library {type_library}"
-
-
 def regsvr32(library, *words):
     wine.run("regsvr32", "/s", *words, wine.windows_path(library))
 
 
+def changed_keys(before, after):
+    return {key for key in before.keys() | after.keys() if before.get(key) != after.get(key)}
+
+
+def faults_of(keys):
+    """What no test notices that creates objects."""
+    servers = {
+        key: values for key, values in keys.items()
+        if values.get("@", "").endswith("\\tessarlornpickinganddelivery.dll") and key.endswith("\\inprocserver32")
+    }
+    if len(servers) != 4 or any(values.get("threadingmodel") != "apartment" for values in servers.values()):
+        yield f"The classes are served by {servers}"
+    for key in servers:
+        type_library = keys.get(key.replace("inprocserver32", "typelib"), {}).get("@")
+        if f"typelib\\{type_library}\\1.0\\0\\win64" not in keys:
+            yield f"{key} has no type library {type_library}"
+    if keys["mirel.vector\\clsid"]["@"] != TAKEN[1]:
+        yield "The name of another's class was taken over"
+
+
 def main(library):
     library = pathlib.Path(library)
+    others = (rf"{PARTS[0]}\{TAKEN[0]}\CLSID", rf"{PARTS[0]}\CLSID\{OTHER_BITNESS[1]}")
     regsvr32(library, "/u")
-    before = {part: exported(library, part) for part in PARTS}
+    clean = exported(library, PARTS[0])
+    of_user = exported(library, PARTS[1])
+    wine.run("reg", "add", others[0], "/ve", "/d", TAKEN[1], "/f")
+    wine.run("reg", "add", others[1], "/f", "/reg:32")
+    before = exported(library, PARTS[0])
     regsvr32(library)
     registered = exported(library, PARTS[0])
-    faults = list(faults_of(registered, library))
-    if exported(library, PARTS[1]) != before[PARTS[1]]:
-        faults.append("The user's part has changed")
+    faults = list(faults_of(registered))
     regsvr32(library, "/u")
-    for part in PARTS:
-        after = exported(library, part)
-        changed = {key for key in before[part].keys() | after.keys() if before[part].get(key) != after.get(key)}
-        faults += [f"{part}\\{key} is not as it was before" for key in sorted(changed)]
+    # The names of the class that is registered for 32 bits stay, and nothing else.
+    left = changed_keys(before, exported(library, PARTS[0]))
+    name = OTHER_BITNESS[0].lower()
+    wanted = {name, f"{name}\\clsid", f"{name}\\curver", f"{name}.1", f"{name}.1\\clsid"}
+    faults += [f"{key} is not as it should be after /u" for key in sorted(left ^ wanted)]
+    wine.run("reg", "delete", rf"{PARTS[0]}\{TAKEN[0]}", "/f")
+    wine.run("reg", "delete", others[1], "/f", "/reg:32")
+    regsvr32(library, "/u")
+    faults += [f"{key} is left" for key in sorted(changed_keys(clean, exported(library, PARTS[0])))]
     regsvr32(library)
-    added = len(registered.keys() - before[PARTS[0]].keys())
-    print("\n".join(faults) if faults else f"{added} keys come and go")
-    return 1 if faults or added == 0 else 0
+    if exported(library, PARTS[1]) != of_user:
+        faults.append("The user's part has changed")
+    print("\n".join(faults) if faults else f"{len(changed_keys(clean, registered))} keys come and go")
+    return 1 if faults else 0
 
 
 if __name__ == "__main__":

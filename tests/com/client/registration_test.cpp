@@ -10,14 +10,14 @@ namespace {
 
 constexpr const wchar_t* kKey = L"Software\\Classes\\Mirel.Vector.1";
 
-/// Refuses everybody the writing of a key of the machine's part while it lives.
+/// Leaves everybody no more than these rights to a key of the machine's part while it lives.
 class ClosedKey {
  public:
-  ClosedKey() {
+  explicit ClosedKey(DWORD rights) {
     RegCreateKeyExW(HKEY_LOCAL_MACHINE, kKey, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key_, nullptr);
     SID_IDENTIFIER_AUTHORITY world = SECURITY_WORLD_SID_AUTHORITY;
     AllocateAndInitializeSid(&world, 1, SECURITY_WORLD_RID, 0, 0, 0, 0, 0, 0, 0, &everybody_);
-    Allow(KEY_READ);
+    Allow(rights);
   }
   ClosedKey(const ClosedKey&) = delete;
   ClosedKey& operator=(const ClosedKey&) = delete;
@@ -51,34 +51,52 @@ bool Exists(HKEY root, const std::wstring& key) {
   return found;
 }
 
-TEST(RegistrationTest, IsForTheUserWhereTheMachinesPartIsClosed) {
-  const Apartment apartment;
-  const std::wstring path = [] {
-    const TypedObject any(L"Mirel.Vector");
-    std::wstring text(MAX_PATH, L'\0');
-    text.resize(GetModuleFileNameW(GetModuleHandleW(L"TessarLornPickingAndDelivery.dll"), text.data(), MAX_PATH));
-    return text;
-  }();
-  const HMODULE library = LoadLibraryW(path.c_str());
-  const auto entry = [library](const char* name) {
-    return reinterpret_cast<HRESULT(STDAPICALLTYPE*)()>(reinterpret_cast<void*>(GetProcAddress(library, name)));
-  };
-  const auto enlist = entry("DllRegisterServer");
-  const auto withdraw = entry("DllUnregisterServer");
-  ASSERT_EQ(withdraw(), S_OK);
-  {
-    const ClosedKey closed;
-    EXPECT_EQ(enlist(), S_OK);
-    for (const wchar_t* const name : {L"TessarLornPickingAndDelivery.clsGetData", L"Mirel.Vector"}) {
-      EXPECT_TRUE(Exists(HKEY_CURRENT_USER, std::wstring(name) + L"\\CLSID")) << name;
-      EXPECT_FALSE(Exists(HKEY_LOCAL_MACHINE, std::wstring(name) + L"\\CLSID")) << name;
-    }
-    // Wine registers type libraries for the machine whatever it is asked for, and looks for classes only there.
-    EXPECT_EQ(withdraw(), S_OK);
-    EXPECT_FALSE(Exists(HKEY_CURRENT_USER, L"Mirel.Vector"));
+/// The library's own entry points, by which it is registered.
+class RegistrationTest : public testing::Test {
+ protected:
+  RegistrationTest() {
+    const std::wstring path = [] {
+      const TypedObject any(L"Mirel.Vector");
+      std::wstring text(MAX_PATH, L'\0');
+      text.resize(GetModuleFileNameW(GetModuleHandleW(L"TessarLornPickingAndDelivery.dll"), text.data(), MAX_PATH));
+      return text;
+    }();
+    const HMODULE library = LoadLibraryW(path.c_str());
+    const auto entry = [library](const char* name) {
+      return reinterpret_cast<Entry>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+    };
+    enlist_ = entry("DllRegisterServer");
+    withdraw_ = entry("DllUnregisterServer");
   }
-  EXPECT_EQ(enlist(), S_OK);
-  EXPECT_TRUE(Exists(HKEY_LOCAL_MACHINE, L"Mirel.Vector\\CLSID"));
+  ~RegistrationTest() override { EXPECT_EQ(enlist_(), S_OK); }
+
+  using Entry = HRESULT(STDAPICALLTYPE*)();
+  Entry enlist_ = nullptr;
+  Entry withdraw_ = nullptr;
+
+ private:
+  Apartment apartment_;
+};
+
+TEST_F(RegistrationTest, IsForTheUserWhereTheMachinesPartIsClosed) {
+  ASSERT_EQ(withdraw_(), S_OK);
+  const ClosedKey closed(KEY_READ);
+  EXPECT_EQ(enlist_(), S_OK);
+  for (const wchar_t* const name : {L"TessarLornPickingAndDelivery.clsGetData", L"Mirel.Vector"}) {
+    EXPECT_TRUE(Exists(HKEY_CURRENT_USER, std::wstring(name) + L"\\CLSID")) << name;
+    EXPECT_FALSE(Exists(HKEY_LOCAL_MACHINE, std::wstring(name) + L"\\CLSID")) << name;
+  }
+  // Wine registers type libraries for the machine whatever it is asked for, and looks for classes only there.
+  EXPECT_EQ(withdraw_(), S_OK);
+  EXPECT_FALSE(Exists(HKEY_CURRENT_USER, L"Mirel.Vector"));
+}
+
+TEST_F(RegistrationTest, TellsWhatItCouldNotRemove) {
+  // Wine removes whatever it can open.
+  const ClosedKey closed(READ_CONTROL);
+  EXPECT_EQ(withdraw_(), HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED));
+  EXPECT_TRUE(Exists(HKEY_LOCAL_MACHINE, L"Mirel.Vector.1\\CLSID"));
+  EXPECT_FALSE(Exists(HKEY_LOCAL_MACHINE, L"Mirel.Vector"));
 }
 
 }  // namespace

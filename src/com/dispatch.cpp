@@ -100,7 +100,8 @@ bool IsService(const ClassDescription& description) {
 /// Lives as long as the object, which keeps it; clients that hold references keep the object.
 class Dispatch final : public ObjectFace, public IDispatch, public ISupportErrorInfo, public IProvideClassInfo {
  public:
-  explicit Dispatch(const AutomationObject& object) : is_service_(IsService(object.description())) {}
+  explicit Dispatch(const AutomationObject& object)
+      : is_service_(IsService(object.description())), interface_id_(ToGuid(object.description().interface_id)) {}
 
   [[nodiscard]] const std::shared_ptr<AutomationObject>& object() const noexcept { return object_; }
   /// Counts one more reference. @param object the one that keeps it
@@ -123,7 +124,7 @@ class Dispatch final : public ObjectFace, public IDispatch, public ISupportError
     if (IsEqualIID(id, kOwnObject)) {
       // Answers itself, whatever the interface: only OwnObject asks.
       *out = this;
-    } else if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch) || IsEqualIID(id, interface_id())) {
+    } else if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch) || IsEqualIID(id, interface_id_)) {
       *out = static_cast<IDispatch*>(this);
     } else if (IsEqualIID(id, IID_ISupportErrorInfo)) {
       *out = static_cast<ISupportErrorInfo*>(this);
@@ -145,7 +146,7 @@ class Dispatch final : public ObjectFace, public IDispatch, public ISupportError
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID, ITypeInfo** info) override {
     if (info == nullptr) return E_POINTER;
     *info = nullptr;
-    return index != 0 ? DISP_E_BADINDEX : FindTypeInfo(interface_id(), info);
+    return index != 0 ? DISP_E_BADINDEX : FindTypeInfo(interface_id_, info);
   }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override;
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
@@ -153,7 +154,7 @@ class Dispatch final : public ObjectFace, public IDispatch, public ISupportError
 
   // ISupportErrorInfo
   HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID id) override {
-    return IsEqualIID(id, IID_IDispatch) || IsEqualIID(id, interface_id()) ? S_OK : S_FALSE;
+    return IsEqualIID(id, IID_IDispatch) || IsEqualIID(id, interface_id_) ? S_OK : S_FALSE;
   }
 
   // IProvideClassInfo
@@ -164,11 +165,11 @@ class Dispatch final : public ObjectFace, public IDispatch, public ISupportError
   }
 
  private:
-  [[nodiscard]] GUID interface_id() const { return ToGuid(object_->description().interface_id); }
   void Use(const Member& member, WORD flags, const DISPPARAMS& parameters, VARIANT* result);
 
   const ModuleLock lock_;
   const bool is_service_;
+  const GUID interface_id_;
   std::atomic<ULONG> references_{0};
   /// Nothing while there is no reference.
   std::shared_ptr<AutomationObject> object_;
@@ -233,7 +234,7 @@ HRESULT Dispatch::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parame
     Use(*member, flags, *parameters, result);
     return S_OK;
   } catch (...) {
-    return Report(CurrentError(), info);
+    return ReportCurrent(info);
   }
 }
 

@@ -34,7 +34,7 @@ class Enumeration final : public Counted<IEnumVARIANT> {
       for (; count < wanted && position_ < items_->size(); ++count) ToVariant((*items_)[position_++], &out[count]);
     } catch (...) {
       for (ULONG i = 0; i < count; ++i) VariantClear(&out[i]);
-      return ToHresult(CurrentError().number());
+      return CurrentStatus();
     }
     if (fetched != nullptr) *fetched = count;
     return count == wanted ? S_OK : S_FALSE;

@@ -44,7 +44,7 @@ class ClassFactory final : public IClassFactory {
       PrepareThisProcess();
       return MakeDispatch(CreateAutomationObject(description_))->QueryInterface(id, out);
     } catch (...) {
-      return ToHresult(CurrentError().number());
+      return CurrentStatus();
     }
   }
   HRESULT STDMETHODCALLTYPE LockServer(BOOL lock) override {
@@ -77,7 +77,7 @@ HRESULT Guarded(const Action& action) {
   try {
     return action();
   } catch (...) {
-    return ToHresult(CurrentError().number());
+    return CurrentStatus();
   }
 }
 

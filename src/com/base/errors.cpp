@@ -55,14 +55,27 @@ Error CurrentError() {
   }
 }
 
-HRESULT Report(const Error& error, EXCEPINFO* info) {
-  if (info != nullptr) {
-    *info = {};
-    info->scode = ToHresult(error.number());
-    info->bstrSource = NewBstr(error.source());
-    info->bstrDescription = NewBstr(error.what());
+HRESULT CurrentStatus() noexcept {
+  try {
+    return ToHresult(CurrentError().number());
+  } catch (...) {
+    return E_OUTOFMEMORY;
   }
-  return DISP_E_EXCEPTION;
+}
+
+HRESULT ReportCurrent(EXCEPINFO* info) noexcept {
+  try {
+    const Error error = CurrentError();
+    if (info != nullptr) {
+      *info = {};
+      info->scode = ToHresult(error.number());
+      info->bstrSource = NewBstr(error.source());
+      info->bstrDescription = NewBstr(error.what());
+    }
+    return DISP_E_EXCEPTION;
+  } catch (...) {
+    return E_OUTOFMEMORY;
+  }
 }
 
 void RaiseFailure(HRESULT result, EXCEPINFO& info, const std::string& what) {

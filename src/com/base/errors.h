@@ -16,8 +16,11 @@ std::int32_t ToNumber(HRESULT result);
 
 /// The exception that is being handled, as number, Source and description. Only to be called inside a catch block.
 Error CurrentError();
-/// Hands the error to the caller of an IDispatch; answers DISP_E_EXCEPTION.
-HRESULT Report(const Error& error, EXCEPINFO* info);
+/// The HRESULT of the exception that is being handled. Only to be called inside a catch block.
+HRESULT CurrentStatus() noexcept;
+/// Hands the exception that is being handled to the caller of an IDispatch; answers DISP_E_EXCEPTION, or E_OUTOFMEMORY
+/// when there is no memory for its texts. Only to be called inside a catch block.
+HRESULT ReportCurrent(EXCEPINFO* info) noexcept;
 /// Raises what a call of another object answered: its EXCEPINFO, which is freed, or the HRESULT alone. `what` names the
 /// member for the description.
 [[noreturn]] void RaiseFailure(HRESULT result, EXCEPINFO& info, const std::string& what);

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 #include <variant>
 
@@ -52,6 +53,8 @@ struct Key {
 
   /// Whether it holds the connection string.
   [[nodiscard]] bool is_connection() const noexcept { return name == "sDSN" || name == "sDsn" || name == "sProps"; }
+  /// `help`, and what happens without the key where that is more than that it counts as an empty text.
+  [[nodiscard]] std::string Explanation() const;
 };
 
 struct Argument {

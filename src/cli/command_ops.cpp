@@ -67,15 +67,14 @@ void PrintKeys(std::span<const Key> keys, std::size_t indent) {
   std::size_t name_width = 0;
   for (const Key& key : keys) name_width = std::max(name_width, key.name.size());
   for (const Key& key : keys) {
-    std::string note = key.need == Need::kMandatory ? "; nothing is done without it" : "";
-    if (key.is_connection()) note = "; the command's own when not given";
-    if (!key.fallback.empty()) note = "; default " + Text(key.fallback);
+    const std::string explanation =
+        key.is_connection() ? Text(key.help) + "; the command's own when not given" : key.Explanation();
     constexpr std::size_t kTypeWidth = 8;
     std::string line = Text(key.name);
     line.append(name_width + 2 - line.size(), ' ');
     line += Text(TypeName(key.type));
     line.append(kTypeWidth + name_width + 4 - std::min(line.size(), kTypeWidth + name_width + 3), ' ');
-    std::cout << std::string(indent, ' ') << line << key.help << note << '\n';
+    std::cout << std::string(indent, ' ') << line << explanation << '\n';
     PrintKeys(key.item_keys, indent + 4);
   }
 }

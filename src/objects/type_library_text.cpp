@@ -54,13 +54,37 @@ std::string ArgumentsText(std::span<const Argument> arguments) {
   return text;
 }
 
+/// "sDSN (String): Connection string; nothing is done without it. FID (Long): Order key."
+std::string KeysText(std::span<const Key> keys) {
+  std::string text;
+  for (const Key& key : keys) {
+    text += " " + std::string(key.name) + " (" + std::string(TypeName(key.type)) + "): " + key.Explanation();
+    text += key.item_keys.empty() ? "." : ", whose Dictionaries have these keys:" + KeysText(key.item_keys);
+  }
+  return text;
+}
+
+/// What a member does, and the keys of its Dictionaries. A help string of a type library holds 65,535 characters.
+std::string HelpText(const Member& member) {
+  std::string text(member.help);
+  for (const Argument& argument : member.arguments) {
+    const std::string name(argument.name);
+    if (argument.any_key) text += " Every key of " + name + " counts.";
+    if (argument.keys.empty()) continue;
+    const bool many = argument.type == ValueType::kVector;
+    text += (many ? " Keys of the Dictionaries in " : " Keys of ") + name + ":" + KeysText(argument.keys);
+  }
+  return text;
+}
+
 /// A member in each of its uses.
 std::string MemberText(const Member& member) {
   const std::string name = member.id == kEnumerationMember ? "_NewEnum" : std::string(member.name);
+  const std::string help = Quoted(HelpText(member));
   const auto line = [&](std::string_view use, std::string_view result, const std::string& arguments) {
     return "    [id(" + std::to_string(member.id) + ")" + std::string(use) +
-           (member.id == kEnumerationMember ? ", restricted" : "") + ", helpstring(" + Quoted(member.help) +
-           ")]\n    " + std::string(result) + " " + name + "(" + arguments + ");\n";
+           (member.id == kEnumerationMember ? ", restricted" : "") + ", helpstring(" + help + ")]\n    " +
+           std::string(result) + " " + name + "(" + arguments + ");\n";
   };
   const std::string arguments = ArgumentsText(member.arguments);
   const std::string_view result = member.id == kEnumerationMember ? "IUnknown*" : TypeText(member.result);
@@ -68,8 +92,11 @@ std::string MemberText(const Member& member) {
   if ((member.uses & kCall) != 0) text += line("", member.returns_nothing ? "void" : result, arguments);
   if ((member.uses & kGet) != 0) text += line(", propget", result, arguments);
   if ((member.uses & kPut) != 0) {
-    text += line(", propput", "void",
-                 arguments + (arguments.empty() ? "" : ", ") + "[in] " + std::string(result) + " Value");
+    const std::string with_value =
+        arguments + (arguments.empty() ? "" : ", ") + "[in] " + std::string(result) + " Value";
+    text += line(", propput", "void", with_value);
+    // Compilers allow `Set` for nothing else.
+    if (member.result == ValueType::kVariant) text += line(", propputref", "void", with_value);
   }
   return text;
 }

@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
+#include <map>
+#include <span>
 
+#include "automation/operations.h"
 #include "com/client/typed_object.h"
 
 namespace tessarlorn::com_test {
@@ -33,7 +36,7 @@ TEST_P(TypeLibraryTest, DescribesWhatTheObjectAnswers) {
     ASSERT_EQ(object.info()->GetFuncDesc(i, &function), S_OK);
     const DISPID id = function->memid;
     const auto parameters = static_cast<UINT>(function->cParams);
-    const bool put = (function->invkind & INVOKE_PROPERTYPUT) != 0;
+    const bool put = (function->invkind & (INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF)) != 0;
     object.info()->ReleaseFuncDesc(function);
     BSTR name = nullptr;
     BSTR help = nullptr;
@@ -56,6 +59,49 @@ TEST_P(TypeLibraryTest, DescribesWhatTheObjectAnswers) {
     for (UINT a = 1; a < ids.size(); ++a) EXPECT_EQ(ids[a], static_cast<DISPID>(a - 1)) << i;
     for (BSTR text : names) SysFreeString(text);
   }
+}
+
+// A client of the library has no other list of keys.
+TEST_P(TypeLibraryTest, TellsTheKeysThatOperationsRead) {
+  const TypedObject object(GetParam());
+  for (const Operation* const operation : Operations()) {
+    if (!std::wstring_view(GetParam()).ends_with(com::ToWide(ClassName(operation->service)))) continue;
+    const std::string name(operation->name);
+    const DISPID id = object.Number(com::ToWide(name).c_str());
+    BSTR text = nullptr;
+    ASSERT_EQ(object.info()->GetDocumentation(id, nullptr, &text, nullptr, nullptr), S_OK) << name;
+    const std::wstring help = Taken(text);
+    const auto look_for = [&](const auto& self, std::span<const Key> keys) -> void {
+      for (const Key& key : keys) {
+        EXPECT_NE(help.find(com::ToWide(" " + std::string(key.name) + " (")), std::wstring::npos)
+            << name << " " << key.name;
+        EXPECT_NE(help.find(com::ToWide(key.help)), std::wstring::npos) << name << " " << key.name;
+        self(self, key.item_keys);
+      }
+    };
+    for (const Argument& argument : operation->arguments()) look_for(look_for, argument.keys);
+  }
+}
+
+// `Set parameters("x") = inner` compiles only then.
+TEST_P(TypeLibraryTest, TakesObjectsWhereAnyValueIsTaken) {
+  const TypedObject object(GetParam());
+  std::map<DISPID, int> puts;
+  TYPEATTR* attributes = nullptr;
+  ASSERT_EQ(object.info()->GetTypeAttr(&attributes), S_OK);
+  const UINT count = attributes->cFuncs;
+  object.info()->ReleaseTypeAttr(attributes);
+  for (UINT i = 0; i < count; ++i) {
+    FUNCDESC* function = nullptr;
+    ASSERT_EQ(object.info()->GetFuncDesc(i, &function), S_OK);
+    const bool any = function->cParams > 0 && function->lprgelemdescParam[function->cParams - 1].tdesc.vt == VT_VARIANT;
+    const int ways = INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF;
+    if (any && (function->invkind & ways) != 0) puts[function->memid] |= function->invkind;
+    object.info()->ReleaseFuncDesc(function);
+  }
+  const bool collection = std::wstring_view(GetParam()).starts_with(L"Mirel.");
+  EXPECT_EQ(puts.size(), collection ? 1U : 0U);
+  for (const auto& [id, ways] : puts) EXPECT_EQ(ways, INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF) << id;
 }
 
 TEST_P(TypeLibraryTest, KnowsTheClassOfTheObject) {

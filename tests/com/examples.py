@@ -29,39 +29,88 @@ error 13 from TessarLornPickingAndDelivery: Type mismatch
 """
 
 
-def members(idl):
-    """Class -> names of its members in small letters."""
-    found = {}
-    for name, body in re.findall(r"dispinterface _(\w+) \{(.*?)\n  \};", idl, re.DOTALL):
-        found[name] = {member.lower() for member in re.findall(r"(\w+)\([^\n]*\);\n", body)}
-    return found
+# Prints the classes that do not come of the ProgIDs behind its first argument, and the columns of the list of
+# orders.
+LOOK = """On Error Resume Next
+For i = 1 To WScript.Arguments.Count - 1
+  Set made = Nothing
+  Set made = CreateObject(WScript.Arguments(i))
+  If made Is Nothing Then WScript.Echo WScript.Arguments(i)
+Next
+WScript.Echo "columns:"
+Set most = CreateObject("Mirel.Dictionary")
+most("WebOrderMaxDisplayCount") = 1
+Set reader = CreateObject("TessarLornPickingAndDelivery.clsGetData")
+For Each field In reader.GetListData(WScript.Arguments(0), most).Fields
+  WScript.Echo field.Name
+Next
+"""
 
 
-def unknown_names(example, known):
-    """How many members an example names, and those that its objects do not have."""
-    uses = re.findall(rf"(?<![\\\w])\$?({'|'.join(CLASSES)})\.(\w+)", example.read_text(encoding="utf-8"))
-    return len(uses), [
-        f"{example.name}: {CLASSES[name]} has no {member}"
-        for name, member in uses
-        if member.lower() not in known[CLASSES[name]]
+class TypeLibrary:
+    """The names of a type library's text: its own, its creatable classes, their members in small letters."""
+
+    def __init__(self, idl):
+        self.name = re.search(r"^library (\w+)", idl, re.M).group(1)
+        self.classes = set(re.findall(r"^  \[(?!.*noncreatable)[^\n]*\]\n  coclass (\w+)", idl, re.M))
+        self.members = {
+            name: {member.lower() for member in re.findall(r"(\w+)\([^\n]*\);\n", body)}
+            for name, body in re.findall(r"dispinterface _(\w+) \{(.*?)\n  \};", idl, re.DOTALL)
+        }
+
+
+def uses_of_members(text):
+    """(class, member) for each member that an example names of an object whose class is known."""
+    uses = re.findall(rf"(?<![\\\w])\$?({'|'.join(CLASSES)})\.(\w+)", text)
+    return [(CLASSES[name], member) for name, member in uses] + [
+        ("Fields" if plain else "Field", plain or behind)
+        for plain, behind in re.findall(r"\.Fields(?:\.(\w+)|[(\[][^)\]]*[)\]]\.(\w+))", text)
     ]
+
+
+def unknown_names(text, library):
+    """The members and early-bound classes of an example that the type library does not have."""
+    for name, member in uses_of_members(text):
+        if member.lower() not in library.members[name]:
+            yield f"{name} has no {member}"
+    for name, created in re.findall(r"\bAs(?: New)? (\w+)\.(\w+)", text):
+        if name != library.name or created not in library.classes:
+            yield f"there is no class {name}.{created}"
+    for name in re.findall(r"\bnew (\w+)\(", text):
+        if name not in library.classes:
+            yield f"there is no class {name}"
+    for name in re.findall(r"^using (?!System)(\w+)", text, re.M):
+        if name != library.name:
+            yield f"there is no library {name}"
 
 
 def main(examples, idl, database, folder):
     examples = pathlib.Path(examples)
-    known = members(pathlib.Path(idl).read_text(encoding="utf-8"))
+    library = TypeLibrary(pathlib.Path(idl).read_text(encoding="utf-8"))
+    texts = {path: path.read_text(encoding="utf-8") for path in sorted(examples.iterdir())}
     faults = []
-    files = sorted(examples.iterdir())
-    for example in files:
-        count, unknown = unknown_names(example, known)
-        faults += unknown
-        if count < 5:
-            faults.append(f"{example.name}: only {count} uses of members were found")
+    for path, text in texts.items():
+        faults += [f"{path.name}: {fault}" for fault in unknown_names(text, library)]
+        if len(uses_of_members(text)) < 5:
+            faults.append(f"{path.name}: hardly a use of members was found")
+    every_text = "\n".join(texts.values())
     connection = "Embedded=" + wine.windows_path(wine.copy_database(database, folder, "example"))
+
+    look = pathlib.Path(folder) / "look.vbs"
+    look.write_text(LOOK, encoding="ascii")
+    prog_ids = sorted(set(re.findall(r"CreateObject\(\"([^\"]*)|-ComObject (\S+)", every_text)))
+    output, remarks = wine.run_script(look, connection, *("".join(pair) for pair in prog_ids))
+    not_created, _, columns = output.partition("columns:\n")
+    faults += [f"{name} cannot be created" for name in not_created.split()]
+    named = set(re.findall(r"(?:orders|\.Fields)[(\[][\"'](\w+)", every_text))
+    faults += [f"the list of orders has no column {name}" for name in sorted(named - set(columns.split()))]
+    if len(prog_ids) < 4 or len(named) < 2:
+        faults += [f"found only {prog_ids} and {named}", remarks]
+
     output, remarks = wine.run_script(examples / "order_day.vbs", connection)
     if not re.match(r"[1-9]\d* orders wait for picking\n", output) or output.split("\n", 1)[1] != DAY:
         faults += ["order_day.vbs printed", output, remarks]
-    print("\n".join(faults) if faults else f"{len(files)} examples use what there is")
+    print("\n".join(faults) if faults else f"{len(texts)} examples use what there is")
     return 1 if faults else 0
 
 

@@ -15,6 +15,8 @@
 #include "cli/commands.h"
 #include "cli/display_width.h"
 #include "cli/interrupt.h"
+#include "cli/system_text.h"
+#include "cli/terminal.h"
 #include "cli/usage_error.h"
 #include "drivers/embedded/embedded_driver.h"
 #ifdef TESSARLORN_HAS_ODBC
@@ -71,7 +73,7 @@ void ReportUsage(const CLI::App& app, std::string_view fault, std::string_view h
 }
 
 /// The first word that is no text, with U+FFFD for what is malformed; nothing when all are texts.
-std::optional<std::string> FindMalformedWord(std::span<const char* const> words) {
+std::optional<std::string> FindMalformedWord(std::span<const std::string> words) {
   const auto found = std::find_if_not(words.begin(), words.end(), IsValidUtf8);
   if (found == words.end()) return std::nullopt;
   const std::string_view word = *found;
@@ -140,7 +142,7 @@ ExitStatus RunAction(const CLI::App& app, const CommandContext& context) {
 }
 
 /// Reads the words and runs the command that they choose.
-ExitStatus Run(int argc, const char* const* argv) {
+ExitStatus Run(std::span<const std::string> words) {
   CLI::App app("Picking and delivery of web-shop orders: lists, checks, weighs, delivers and reports them.",
                "tessarlorn");
   CommandContext context;
@@ -154,14 +156,18 @@ ExitStatus Run(int argc, const char* const* argv) {
   AddOpsCommand(app, context);
   AddCallCommand(app, context);
   AddSqlCommand(app, context);
+#ifdef TESSARLORN_HAS_SERVER
   AddServeCommand(app, context);
+#endif
   AddVersionCommand(app, context);
-  if (const auto word = FindMalformedWord({argv, static_cast<std::size_t>(argc)})) {
+  if (const auto word = FindMalformedWord(words)) {
     ReportUsage(app, "\"" + *word + "\" is not valid UTF-8");
     return ExitStatus::kWrongCall;
   }
   try {
-    app.parse(argc, argv);
+    // The parser takes them from the end, without the program's name.
+    const std::span<const std::string> own = words.subspan(std::min<std::size_t>(1, words.size()));
+    app.parse(std::vector<std::string>(own.rbegin(), own.rend()));
   } catch (const CLI::Success& request) {
     app.exit(request, std::cout, std::cerr);
     return ExitStatus::kDone;
@@ -204,13 +210,14 @@ ExitStatus RunCommand(int argc, const char* const* argv) noexcept {
 #endif
   try {
     std::ios::sync_with_stdio(false);
+    const Utf8Streams streams;
     CatchInterrupts();
     RegisterEmbeddedDriver();
 #ifdef TESSARLORN_HAS_ODBC
     RegisterOdbcDriver();
 #endif
     RegisterDefaultSiblings();
-    return FlushOutput(Run(argc, argv));
+    return FlushOutput(Run(CommandWords({argv, static_cast<std::size_t>(argc)})));
   } catch (const std::exception& error) {
     std::fprintf(stderr, "tessarlorn: %s\n", error.what());
     return ExitStatus::kRaised;

@@ -1,7 +1,6 @@
 #include "cli/commands.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -9,8 +8,10 @@
 #include <iterator>
 #include <system_error>
 
+#include "cli/system_text.h"
 #include "cli/terminal.h"
 #include "cli/usage_error.h"
+#include "platform/file_path.h"
 #include "platform/session_string.h"
 #include "platform/text.h"
 #include "platform/version.h"
@@ -24,8 +25,7 @@ constexpr const char* kDsnVariable = "TESSARLORN_DSN";
 
 std::string CommandContext::FindDsn() const {
   if (!dsn.empty()) return dsn;
-  const char* const value = std::getenv(kDsnVariable);
-  return value == nullptr ? "" : value;
+  return EnvironmentVariable(kDsnVariable);
 }
 
 std::string CommandContext::RequireDsn() const {
@@ -80,8 +80,8 @@ std::string ReadInput(const std::string& path) {
   std::ifstream file;
   if (path != "-") {
     std::error_code unknown;
-    if (std::filesystem::is_directory(path, unknown)) refuse("it is a folder");
-    file.open(path, std::ios::binary);
+    if (std::filesystem::is_directory(ToPath(path), unknown)) refuse("it is a folder");
+    file.open(ToPath(path), std::ios::binary);
     if (!file) refuse(std::strerror(errno));
   }
   std::string text;

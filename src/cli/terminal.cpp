@@ -1,7 +1,10 @@
 #include "cli/terminal.h"
 
 #ifdef _WIN32
+#include <fcntl.h>
+#include <initializer_list>
 #include <io.h>
+#include <windows.h>
 #else
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -10,6 +13,9 @@
 namespace tessarlorn::cli {
 namespace {
 
+#ifdef _WIN32
+constexpr int kInput = 0;
+#endif
 constexpr int kOutput = 1;
 constexpr int kError = 2;
 constexpr std::size_t kUsualWidth = 80;
@@ -30,11 +36,31 @@ bool IsErrorTerminal() noexcept { return IsTerminal(kError); }
 
 std::size_t OutputWidth() noexcept {
   if (!IsOutputTerminal()) return 0;
-#ifndef _WIN32
+#ifdef _WIN32
+  CONSOLE_SCREEN_BUFFER_INFO info{};
+  if (GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info) != FALSE) {
+    return static_cast<std::size_t>(info.srWindow.Right - info.srWindow.Left + 1);
+  }
+#else
   winsize size{};
   if (ioctl(kOutput, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
 #endif
   return kUsualWidth;
+}
+
+Utf8Streams::Utf8Streams() noexcept {
+#ifdef _WIN32
+  for (const int stream : {kInput, kOutput, kError}) _setmode(stream, _O_BINARY);
+  if (!IsOutputTerminal() && !IsErrorTerminal()) return;
+  code_page_ = GetConsoleOutputCP();
+  SetConsoleOutputCP(CP_UTF8);
+#endif
+}
+
+Utf8Streams::~Utf8Streams() {
+#ifdef _WIN32
+  if (code_page_ != 0) SetConsoleOutputCP(code_page_);
+#endif
 }
 
 }  // namespace tessarlorn::cli

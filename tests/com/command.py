@@ -1,0 +1,95 @@
+#!/usr/bin/env python3
+"""Uses the command for Windows as a user does, on a database in a folder with a Chinese name, and compares what it
+prints and answers with what the command of this machine does on the same database.
+
+command.py WINDOWS_COMMAND COMMAND FOLDER
+"""
+import os
+import pathlib
+import pty
+import shutil
+import subprocess
+import sys
+
+import wine
+
+NAME = "张三"
+# Words, standard input, exit status; in this order, as some change orders. Those after a change say what it did.
+CALLS = (
+    (["ops"], "", 0),
+    (["ops", "SaveLogWeight"], "", 0),
+    (["sql", "select top 3 FID, FOrderID, FBuyerNick, FOrderDate from IC_Web2ERPOrders order by FID"], "", 0),
+    (["sql", "--csv", "-"], f"select N'{NAME}' Name\nGO\nselect FOrderStatus, count(*) n from IC_Web2ERPOrders group by "
+                            "FOrderStatus order by FOrderStatus\n", 0),
+    (["sql", "--json", "--file", "{folder}查询.sql"], "", 0),
+    (["call", "GetListData", "Filter.FOrderStatus=2", "Filter.WebOrderMaxDisplayCount=5", "--json"], "", 0),
+    (["call", "ConfirmBill", "dctPara={}"], "", 1),
+    (["call", "ConfirmBil"], "", 2),
+    (["sql", "select 1", "--no-such-option"], "", 2),
+    (["sql", f"select nothing from {NAME}"], "", 3),
+    (["call", "GetListData", "Filter={}", "--dsn", "Embedded={folder}没有{separator}orders.db"], "", 3),
+)
+
+
+def outcome(words, text, database):
+    """Exit status, output and, for a call that fails, the error."""
+    environment = wine.ENVIRONMENT | {
+        "LC_ALL": "C.UTF-8", "TESSARLORN_DSN": f"Connect={{Embedded={database}}};User=16394;Client=10.0.0.5"}
+    done = subprocess.run(words, env=environment, input=text.encode(), capture_output=True, timeout=100, check=False)
+    return done.returncode, done.stdout.decode(), done.stderr.decode() if done.returncode > 1 else ""
+
+
+def interrupted(windows_command):
+    """Exit status of a batch that does not end, once Ctrl-C is pressed on its terminal."""
+    batch = "declare @i int = 0 while @i >= 0 set @i = @i % 1000 + 1"
+    words = ["wine", windows_command, "sql", batch, "--show-sql", "--dsn", "Embedded=:memory:busy"]
+    child, terminal = pty.fork()
+    if child == 0:
+        os.execvpe(words[0], words, wine.ENVIRONMENT)
+    shown = b""
+    while b"1000" not in shown:
+        shown += os.read(terminal, 1024)
+    os.write(terminal, b"\x03")
+    return os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])
+
+
+def main(windows_command, command, folder):
+    folder = pathlib.Path(folder) / "订单"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir()
+    (folder / "查询.sql").write_text(f"select '{NAME}' as [姓名], 1.50 as n", encoding="utf-8")
+    folders = {"windows": wine.windows_path(folder) + "\\", "here": f"{folder.resolve()}/"}
+
+    def both(words, text):
+        for machine, start in (("windows", ["wine", windows_command]), ("here", [command])):
+            separator = folders[machine][-1]
+            own = [word.replace("{folder}", folders[machine]).replace("{separator}", separator) for word in words]
+            status, output, error = outcome(start + own, text, folders[machine] + "orders.db")
+            yield status, output, error.replace("\r\n", "\n").replace(folders[machine], "{folder}").replace("/", "\\")
+
+    faults = []
+    for words in (["init"], ["seed", "--orders", "60"]):
+        status, _, error = outcome(["wine", windows_command, *words], "", folders["windows"] + "orders.db")
+        if status != 0:
+            faults.append(f"{words} ended with {status}: {error}")
+    for words, text, wanted in CALLS:
+        on_windows, here = both(words, text)
+        if on_windows != here or here[0] != wanted:
+            faults += [f"{words}:", f"  Windows: {on_windows}", f"  here:    {here}"]
+
+    order = outcome([command, "sql", "--csv", "select top 1 FID from IC_Web2ERPOrders where FOrderStatus = 2"], "",
+                    folders["here"] + "orders.db")[1].split()[-1]
+    picked = ["call", "ConfirmBill", f"dctPara.FID={order}", "dctPara.FPickManNumber=E1", f"dctPara.FPickRem={NAME}"]
+    status = outcome(["wine", windows_command, *picked], "", folders["windows"] + "orders.db")[0]
+    asked = f"select FOrderStatus, FPickRem from IC_Web2ERPOrders where FID = {order}"
+    kept = outcome([command, "sql", "--csv", asked], "", folders["here"] + "orders.db")[1]
+    if status != 0 or f"6,{NAME}" not in kept:
+        faults.append(f"ConfirmBill ended with {status} and left {kept!r}")
+    if (status := interrupted(windows_command)) != 130:
+        faults.append(f"Ctrl-C ended the command with {status}")
+    print("\n".join(faults) if faults else f"{len(CALLS)} calls answer what they answer here")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))

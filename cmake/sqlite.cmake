@@ -3,7 +3,7 @@
 enable_language(C)
 set(sqlite_version 12.11.1)
 set(sqlite_sha256 ebf0ed75a7a59dbcb3b24bbd014ef49d9f15bc328e4adcbf516f2a8fadfa2835)
-set(sqlite_folder ${CMAKE_BINARY_DIR}/sqlite)
+set(sqlite_folder ${CMAKE_BINARY_DIR}/sqlite-${sqlite_version})
 set(sqlite_archive ${sqlite_folder}/better-sqlite3-${sqlite_version}.tgz)
 if(NOT EXISTS ${sqlite_folder}/package/deps/sqlite3/sqlite3.c)
   find_program(NPM NAMES npm.cmd npm REQUIRED)

@@ -62,7 +62,7 @@ endfunction()
 # and the sample data.
 function(tessarlorn_executable name)
   add_executable(${name} ${ARGN})
-  foreach(library IN ITEMS component embedded odbc schema samples)
+  foreach(library IN ITEMS component embedded odbc ado schema samples)
     if(TARGET tessarlorn::${library})
       target_link_libraries(${name} PRIVATE tessarlorn::${library})
     endif()

@@ -19,6 +19,9 @@
 #include "cli/terminal.h"
 #include "cli/usage_error.h"
 #include "drivers/embedded/embedded_driver.h"
+#ifdef TESSARLORN_HAS_ADO
+#include "drivers/ado/ado_driver.h"
+#endif
 #ifdef TESSARLORN_HAS_ODBC
 #include "drivers/odbc/odbc_driver.h"
 #endif
@@ -215,6 +218,9 @@ ExitStatus RunCommand(int argc, const char* const* argv) noexcept {
     RegisterEmbeddedDriver();
 #ifdef TESSARLORN_HAS_ODBC
     RegisterOdbcDriver();
+#endif
+#ifdef TESSARLORN_HAS_ADO
+    RegisterAdoDriver();
 #endif
     RegisterDefaultSiblings();
     return FlushOutput(Run(CommandWords({argv, static_cast<std::size_t>(argc)})));

@@ -17,10 +17,6 @@ com::Pointer<IAdoConnection> CreateConnection() {
     if (status != E_NOINTERFACE) break;
     status = CoCreateInstance(kConnectionClass, nullptr, CLSCTX_INPROC_SERVER, interface_id, &created);
   }
-  if (status == CO_E_NOTINITIALIZED) {
-    throw Error(error_number::kCannotCreateObject, kSource,
-                "ADO needs COM, and this thread has joined no apartment (CoInitializeEx)");
-  }
   if (FAILED(status)) {
     throw Error(error_number::kCannotCreateObject, kSource, "ActiveX component can't create object: ADODB.Connection");
   }

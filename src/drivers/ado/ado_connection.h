@@ -3,6 +3,7 @@
 
 #include <string_view>
 
+#include "com/base/apartment.h"
 #include "com/base/pointers.h"
 #include "drivers/ado/ado_interfaces.h"
 #include "drivers/ado/connection_options.h"
@@ -10,8 +11,8 @@
 
 namespace tessarlorn::ado {
 
-/// Lives in the apartment of the thread that opened it, which must have joined one. A recordset that is handed out
-/// without being detached keeps ADO's connection open behind it.
+/// Lives on the thread that opened it. A recordset that is handed out without being detached keeps ADO's connection
+/// open behind it.
 class AdoConnection final : public Connection {
  public:
   /// Opens it. Raises 429 where ADO is missing, and what ADO raises.
@@ -32,6 +33,7 @@ class AdoConnection final : public Connection {
  private:
   std::int32_t Ask(std::string_view text);
 
+  const com::Apartment apartment_;
   com::Pointer<IAdoConnection> connection_;
   bool in_transaction_ = false;
   bool lost_ = false;

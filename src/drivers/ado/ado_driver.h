@@ -9,7 +9,7 @@ namespace tessarlorn {
 ///
 /// The string goes to ADO but for two keys: `LoginTimeout`, how many seconds opening a connection may take (default
 /// 15), and `StatementTimeout`, how many seconds a batch may take before it is ended with 0x80040E31 (default 0: as
-/// long as it takes). The thread must have joined an apartment of COM. Errors are ADO's own: number, Source and
+/// long as it takes). Errors are ADO's own: number, Source and
 /// description as its Errors collection has them.
 void RegisterAdoDriver();
 

@@ -5,13 +5,14 @@
 #include <utility>
 #include <vector>
 
+#include "com/base/apartment.h"
 #include "com/base/pointers.h"
 #include "drivers/ado/ado_interfaces.h"
 #include "platform/recordset.h"
 
 namespace tessarlorn::ado {
 
-/// Keeps ADO's recordset alive; used on the thread of its apartment.
+/// Keeps ADO's recordset alive; lives on the thread that opened its connection.
 class AdoRows final : public RowSource {
  public:
   /// @pre not nullptr, open, at the client
@@ -23,6 +24,7 @@ class AdoRows final : public RowSource {
   [[nodiscard]] const com::Pointer<IAdoRecordset>& recordset() const noexcept { return rows_; }
 
  private:
+  const com::Apartment apartment_;
   com::Pointer<IAdoRecordset> rows_;
 };
 

@@ -37,9 +37,9 @@ WScript.Echo Ask("select count(*) from t_SystemProfile where FKey = 'Tried'") '=
 
 On Error Resume Next
 saves.UpdateAddressReachableState session, "first", 1
-Failure '= 80004005 TessarLornPickingAndDelivery.clsSaveData.UpdateAddressReachableState ADO: Connection.Execute failed, and it does not say why
+Failure '= 80004005 TessarLornPickingAndDelivery.clsSaveData.UpdateAddressReachableState ADO: Connection.Execute failed: Call failed.
 reads.ExecuteSQL session, "selec 1"
-Failure '= 80004005 TessarLorn ADO driver ADO: Connection.Execute failed, and it does not say why
+Failure '= 80004005 TessarLorn ADO driver ADO: Connection.Execute failed: Call failed.
 reads.ExecuteSQL Replace(session, "served", "nowhere"), "select 1"
-Failure '= 80004005 TessarLorn ADO driver ADO: Connection.Open failed, and it does not say why
+Failure '= 80004005 TessarLorn ADO driver ADO: Connection.Open failed: Call failed.
 WScript.Echo Ask("select FOrderStatus from IC_Web2ERPOrders where FID = " & order) '= 14

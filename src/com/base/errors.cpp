@@ -1,5 +1,6 @@
 #include "com/base/errors.h"
 
+#include <array>
 #include <new>
 
 #include "com/base/pointers.h"
@@ -38,6 +39,16 @@ std::int32_t ToNumber(HRESULT result) {
     default:
       return result;
   }
+}
+
+std::string SystemText(HRESULT result) {
+  std::array<wchar_t, 512> text{};
+  const DWORD length =
+      FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, static_cast<DWORD>(result), 0,
+                     text.data(), static_cast<DWORD>(text.size()), nullptr);
+  const std::string said = FromUtf16({reinterpret_cast<const char16_t*>(text.data()), length});
+  const std::size_t end = said.find_last_not_of(" \r\n");
+  return end == std::string::npos ? std::to_string(result) : said.substr(0, end + 1);
 }
 
 Error CurrentError() {

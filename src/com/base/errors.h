@@ -14,6 +14,9 @@ HRESULT ToHresult(std::int32_t number);
 /// The number behind an HRESULT, as a script's Err.Number shows it.
 std::int32_t ToNumber(HRESULT result);
 
+/// What the system says of an HRESULT, in the user's language; its number when that is nothing.
+std::string SystemText(HRESULT result);
+
 /// The exception that is being handled, as number, Source and description. Only to be called inside a catch block.
 Error CurrentError();
 /// The HRESULT of the exception that is being handled. Only to be called inside a catch block.

@@ -63,7 +63,7 @@ Error FromErrorObject(HRESULT status, std::string_view what) {
     source = TextOf(*info.get(), &IErrorInfo::GetSource);
     description = TextOf(*info.get(), &IErrorInfo::GetDescription);
   }
-  if (description.empty()) description = "ADO: " + std::string(what) + " failed, and it does not say why";
+  if (description.empty()) description = "ADO: " + std::string(what) + " failed: " + com::SystemText(status);
   return {com::ToNumber(status), source.empty() ? kSource : source, description};
 }
 

@@ -58,8 +58,8 @@ std::string ArgumentsText(std::span<const Argument> arguments) {
 std::string KeysText(std::span<const Key> keys) {
   std::string text;
   for (const Key& key : keys) {
-    text += " " + std::string(key.name) + " (" + std::string(TypeName(key.type)) + "): " + key.Explanation();
-    text += key.item_keys.empty() ? "." : ", whose Dictionaries have these keys:" + KeysText(key.item_keys);
+    text += " " + std::string(key.name) + " (" + std::string(TypeName(key.type)) + "): " + key.Explanation() + ".";
+    if (!key.item_keys.empty()) text += " (Keys of its Dictionaries:" + KeysText(key.item_keys) + ")";
   }
   return text;
 }

@@ -32,7 +32,7 @@ function(tessarlorn_unregistered_test name variables)
     "WINEPREFIX=${folder}/bare_prefix;WINEDEBUG=-all;TESSARLORN_LIBRARY_FOLDER=Z:${program_folder};${variables}")
 endfunction()
 
-tessarlorn_unregistered_test(bare_prefix "" ${WINEBOOT} --init)
+tessarlorn_unregistered_test(bare_prefix "" ${make_prefix})
 set_tests_properties(com/bare_prefix PROPERTIES FIXTURES_REQUIRED "" FIXTURES_SETUP com_bare_prefix)
 tessarlorn_unregistered_test(side_by_side "" ${WINE} ${program_folder}/com_client_test.exe
                              --gtest_filter=*SideBySideTest.*)

@@ -114,23 +114,6 @@ TEST(AutomationObjectTest, ClassesAreDescribedWithoutClashes) {
   }
 }
 
-TEST(AutomationObjectTest, ServiceClassesHaveEveryOperation) {
-  std::size_t members = 0;
-  for (const ServiceClass service : {ServiceClass::kSaveData, ServiceClass::kGetData}) {
-    members += ServiceClassObject::Description(service).members.size();
-  }
-  EXPECT_EQ(members, Operations().size());
-  for (const Operation* const operation : Operations()) {
-    const Member* const member = ServiceClassObject::Description(operation->service).Find(operation->name);
-    ASSERT_NE(member, nullptr) << operation->name;
-    EXPECT_EQ(member->help, operation->help);
-    EXPECT_EQ(member->result, operation->result) << operation->name;
-    EXPECT_EQ(member->uses, operation->property ? kGet : kCall) << operation->name;
-    EXPECT_EQ(member->arguments.data(), operation->arguments().data()) << operation->name;
-    EXPECT_EQ(member->arguments.size(), operation->argument_count) << operation->name;
-  }
-}
-
 TEST(AutomationObjectTest, CreatesTheClassesThatHaveAProgId) {
   for (const ClassDescription* const description : AutomationClasses()) {
     if (description->prog_id.empty()) {

@@ -91,50 +91,5 @@ TEST(FieldObjectTest, FindsTheFirstOfFieldsWithOneName) {
   EXPECT_EQ(Value(*Rows(rows), 1).ToInt32(), 2);
 }
 
-Field Make(FieldType type, int size = 0, int precision = 0, int scale = 0) {
-  return {.name = "F", .type = type, .size = size, .precision = precision, .scale = scale};
-}
-
-/// The numbers that clients of ADO compare with.
-TEST(FieldObjectTest, TellsTypesByTheNumbersOfAdo) {
-  const struct {
-    Field field;
-    std::int32_t type;
-    std::int32_t size;
-    std::int32_t precision;
-    std::int32_t scale;
-  } cases[] = {
-      {Make(FieldType::kBit), 11, 2, 255, 255},
-      {Make(FieldType::kTinyInt), 17, 1, 3, 255},
-      {Make(FieldType::kSmallInt), 2, 2, 5, 255},
-      {Make(FieldType::kInt), 3, 4, 10, 255},
-      {Make(FieldType::kBigInt), 20, 8, 19, 255},
-      {Make(FieldType::kReal), 4, 4, 7, 255},
-      {Make(FieldType::kFloat), 5, 8, 15, 255},
-      {Make(FieldType::kDecimal, 0, 18, 2), 131, 19, 18, 2},
-      {Make(FieldType::kMoney, 0, 19, 4), 6, 8, 19, 255},
-      {Make(FieldType::kDate), 133, 6, 255, 255},
-      {Make(FieldType::kTime), 134, 6, 255, 255},
-      {Make(FieldType::kDateTime), 135, 16, 23, 3},
-      {Make(FieldType::kChar, 5), 129, 5, 255, 255},
-      {Make(FieldType::kVarChar, 5), 200, 5, 255, 255},
-      {Make(FieldType::kVarChar), 201, 2147483647, 255, 255},
-      {Make(FieldType::kNChar, 5), 130, 5, 255, 255},
-      {Make(FieldType::kNVarChar, 5), 202, 5, 255, 255},
-      {Make(FieldType::kNVarChar), 203, 1073741823, 255, 255},
-      {Make(FieldType::kBinary, 5), 128, 5, 255, 255},
-      {Make(FieldType::kVarBinary, 5), 204, 5, 255, 255},
-      {Make(FieldType::kVarBinary), 205, 2147483647, 255, 255},
-      {Make(FieldType::kGuid), 72, 16, 255, 255},
-  };
-  for (const auto& [field, type, size, precision, scale] : cases) {
-    const auto object = ObjectOf(Get(*Rows(std::make_shared<Recordset>(std::vector{field})), "Fields", {0}));
-    EXPECT_EQ(Get(*object, "Type").ToInt32(), type);
-    EXPECT_EQ(Get(*object, "DefinedSize").ToInt32(), size) << type;
-    EXPECT_EQ(Get(*object, "Precision").ToInt32(), precision) << type;
-    EXPECT_EQ(Get(*object, "NumericScale").ToInt32(), scale) << type;
-  }
-}
-
 }  // namespace
 }  // namespace tessarlorn

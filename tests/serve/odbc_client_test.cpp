@@ -1,5 +1,5 @@
-// A program of ODBC at a served database, over FreeTDS's driver: bound parameters, output values, transactions, and a
-// cancel. FreeTDS's and unixODBC's own tools (tsql, bsqldb, isql) send texts only, and have no cancel.
+// A program of ODBC at a served database, over FreeTDS's driver: bound parameters, output values and transactions.
+// FreeTDS's and unixODBC's own tools (tsql, bsqldb, isql) send texts only.
 #ifdef TESSARLORN_HAS_ODBC
 #include <array>
 #include <gmock/gmock.h>
@@ -8,7 +8,6 @@
 #include <sqlext.h>
 #include <string>
 #include <string_view>
-#include <thread>
 
 #include "serve/server_support.h"
 #include "support/served_database.h"
@@ -17,7 +16,6 @@ namespace tessarlorn::serve {
 namespace {
 
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 /// The bytes of a text, as ODBC takes what it only reads.
 SQLCHAR* Bytes(const std::string& text) {
@@ -169,21 +167,6 @@ TEST_F(OdbcClientTest, EndsTransactions) {
   EXPECT_TRUE(SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection_.get(), SQL_COMMIT)));
   commit_by_itself(SQL_AUTOCOMMIT_ON);
   EXPECT_THAT(Run("select sum(n), @@trancount from T"), ElementsAre("2", "0"));
-}
-
-TEST_F(OdbcClientTest, CancelsFromAnotherThread) {
-  const Statement statement(connection_);
-  std::thread canceller([&] {
-    EXPECT_TRUE(server_.WaitForLog("while 1 = 1"));
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    SQLCancel(statement.get());
-  });
-  const std::string endless = "declare @n int = 0; while 1 = 1 set @n = @n + 1";
-  const SQLRETURN result = SQLExecDirect(statement.get(), Bytes(endless), SQL_NTS);
-  canceller.join();
-  EXPECT_EQ(result, SQL_ERROR);
-  EXPECT_THAT(statement.Trouble(), HasSubstr("HY008"));
-  EXPECT_THAT(Run("select 40 + 2"), ElementsAre("42"));
 }
 
 }  // namespace

@@ -78,6 +78,46 @@ TEST(LifetimeTest, EnumerationsGoBackAndFromWhereTheyAre) {
   EXPECT_EQ(next(items.get(), 2), (std::vector<int>{10, 20}));
 }
 
+// The calls of others come to the apartment's thread, which serves them as it waits.
+TEST(LifetimeTest, OtherApartmentsReachAnObjectThroughItsThread) {
+  const Apartment apartment;
+  const TypedObject dictionary(L"Mirel.Dictionary");
+  const TypedObject reads(L"TessarLornPickingAndDelivery.clsGetData");
+  dictionary.Put(L"Item", {L"a", 5});
+  IStream* streams[2] = {};
+  IDispatch* const objects[] = {dictionary.get(), reads.get()};
+  for (int i = 0; i < 2; ++i) {
+    ASSERT_EQ(CoMarshalInterThreadInterfaceInStream(IID_IDispatch, objects[i], &streams[i]), S_OK);
+  }
+  const DISPID item = dictionary.Number(L"Item");
+  const DISPID execute = reads.Number(L"ExecuteSQL");
+  Answer value;
+  Answer failure;
+  const auto work = [&] {
+    const Apartment own;
+    com::Pointer<IDispatch> proxies[2];
+    for (int i = 0; i < 2; ++i) {
+      void* found = nullptr;
+      ASSERT_EQ(CoGetInterfaceAndReleaseStream(streams[i], IID_IDispatch, &found), S_OK);
+      proxies[i] = com::Pointer<IDispatch>::Adopt(static_cast<IDispatch*>(found));
+    }
+    value = Invoke(proxies[0].get(), item, DISPATCH_PROPERTYGET, {L"a"});
+    failure = Invoke(proxies[1].get(), execute, DISPATCH_METHOD, {L"Embedded=:memory:apart", L"select nothing"});
+  };
+  HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  std::thread other([&] {
+    work();
+    SetEvent(done);
+  });
+  DWORD signalled = 0;
+  EXPECT_EQ(CoWaitForMultipleHandles(0, 10000, 1, &done, &signalled), S_OK);
+  other.join();
+  CloseHandle(done);
+  EXPECT_EQ(value.value.number(), 5);
+  EXPECT_EQ(failure.error, static_cast<HRESULT>(0x80040E14));
+  EXPECT_NE(failure.description.find(L"nothing"), std::wstring::npos);
+}
+
 /// The database that TESSARLORN_TEST_DATABASE names, or a new file.
 std::wstring EmptyDatabase() {
   if (const wchar_t* const given = _wgetenv(L"TESSARLORN_TEST_DATABASE")) return given;

@@ -14,14 +14,32 @@ std::wstring Taken(BSTR text) {
   return copy;
 }
 
+std::wstring NameOf(ITypeInfo& info) {
+  BSTR name = nullptr;
+  EXPECT_EQ(info.GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr), S_OK);
+  return Taken(name);
+}
+
+/// An object of each class: by its ProgID, or by its name where only other objects hand it out.
 class TypeLibraryTest : public testing::TestWithParam<const wchar_t*> {
  protected:
+  static TypedObject Make() {
+    const std::wstring_view name(GetParam());
+    if (name.find(L'.') != std::wstring_view::npos) return TypedObject(GetParam());
+    const TypedObject reads(L"TessarLornPickingAndDelivery.clsGetData");
+    const Answer rows = reads.Call(L"ExecuteSQL", {L"Embedded=:memory:types", L"select 1 a"});
+    const TypedObject recordset(rows.value.object());
+    if (name == L"Recordset") return recordset;
+    return TypedObject(recordset.Call(L"Fields", {name == L"Fields" ? Value::LeftOut() : Value(0)}).value.object());
+  }
+
+ private:
   Apartment apartment_;
 };
 
 // What a client that binds early reads is what one that binds late asks the object for.
 TEST_P(TypeLibraryTest, DescribesWhatTheObjectAnswers) {
-  const TypedObject object(GetParam());
+  const TypedObject object = Make();
   TYPEATTR* attributes = nullptr;
   ASSERT_EQ(object.info()->GetTypeAttr(&attributes), S_OK);
   EXPECT_EQ(attributes->typekind, TKIND_DISPATCH);
@@ -30,7 +48,7 @@ TEST_P(TypeLibraryTest, DescribesWhatTheObjectAnswers) {
   EXPECT_EQ(object.get()->QueryInterface(attributes->guid, &same), S_OK);
   if (same != nullptr) static_cast<IUnknown*>(same)->Release();
   object.info()->ReleaseTypeAttr(attributes);
-  EXPECT_GT(count, 5U);
+  EXPECT_GT(count, 2U);
   for (UINT i = 0; i < count; ++i) {
     FUNCDESC* function = nullptr;
     ASSERT_EQ(object.info()->GetFuncDesc(i, &function), S_OK);
@@ -63,7 +81,7 @@ TEST_P(TypeLibraryTest, DescribesWhatTheObjectAnswers) {
 
 // A client of the library has no other list of keys.
 TEST_P(TypeLibraryTest, TellsTheKeysThatOperationsRead) {
-  const TypedObject object(GetParam());
+  const TypedObject object = Make();
   for (const Operation* const operation : Operations()) {
     if (!std::wstring_view(GetParam()).ends_with(com::ToWide(ClassName(operation->service)))) continue;
     const std::string name(operation->name);
@@ -85,7 +103,7 @@ TEST_P(TypeLibraryTest, TellsTheKeysThatOperationsRead) {
 
 // `Set parameters("x") = inner` compiles only then.
 TEST_P(TypeLibraryTest, TakesObjectsWhereAnyValueIsTaken) {
-  const TypedObject object(GetParam());
+  const TypedObject object = Make();
   std::map<DISPID, int> puts;
   TYPEATTR* attributes = nullptr;
   ASSERT_EQ(object.info()->GetTypeAttr(&attributes), S_OK);
@@ -99,30 +117,34 @@ TEST_P(TypeLibraryTest, TakesObjectsWhereAnyValueIsTaken) {
     if (any && (function->invkind & ways) != 0) puts[function->memid] |= function->invkind;
     object.info()->ReleaseFuncDesc(function);
   }
-  const bool collection = std::wstring_view(GetParam()).starts_with(L"Mirel.");
-  EXPECT_EQ(puts.size(), collection ? 1U : 0U);
+  EXPECT_EQ(puts.empty(), std::wstring_view(GetParam()).starts_with(L"TessarLorn"));
   for (const auto& [id, ways] : puts) EXPECT_EQ(ways, INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF) << id;
 }
 
 TEST_P(TypeLibraryTest, KnowsTheClassOfTheObject) {
-  const TypedObject object(GetParam());
+  const TypedObject object = Make();
   const com::Pointer<IProvideClassInfo> provider = com::Query<IProvideClassInfo>(object.get());
   ASSERT_TRUE(provider);
   com::Pointer<ITypeInfo> info;
   ASSERT_EQ(provider->GetClassInfo(info.Receive()), S_OK);
   TYPEATTR* attributes = nullptr;
   ASSERT_EQ(info->GetTypeAttr(&attributes), S_OK);
-  CLSID class_id{};
-  EXPECT_EQ(CLSIDFromProgID(GetParam(), &class_id), S_OK);
   EXPECT_EQ(attributes->typekind, TKIND_COCLASS);
-  EXPECT_TRUE(IsEqualGUID(attributes->guid, class_id));
+  CLSID class_id{};
+  const bool creatable = SUCCEEDED(CLSIDFromProgID(GetParam(), &class_id));
+  EXPECT_EQ(IsEqualGUID(attributes->guid, class_id) != 0, creatable);
   info->ReleaseTypeAttr(attributes);
+  HREFTYPE reference = 0;
+  com::Pointer<ITypeInfo> implemented;
+  ASSERT_EQ(info->GetRefTypeOfImplType(0, &reference), S_OK);
+  ASSERT_EQ(info->GetRefTypeInfo(reference, implemented.Receive()), S_OK);
+  EXPECT_EQ(NameOf(*implemented.get()), NameOf(*object.info()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Classes, TypeLibraryTest,
                          testing::Values(L"TessarLornPickingAndDelivery.clsSaveData",
                                          L"TessarLornPickingAndDelivery.clsGetData", L"Mirel.Dictionary",
-                                         L"Mirel.Vector"));
+                                         L"Mirel.Vector", L"Recordset", L"Fields", L"Field"));
 
 }  // namespace
 }  // namespace tessarlorn::com_test

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <mutex>
+#include <thread>
 #include <utility>
 
 #include "platform/error.h"
@@ -28,18 +29,32 @@ std::atomic<Connection*>*& RunningSlot() {
 /// Shows the connection in the thread's slot while a batch runs.
 class Running {
  public:
-  explicit Running(Connection* connection) : slot_(RunningSlot()) {
-    if (slot_ != nullptr) previous_ = slot_->exchange(connection);
+  explicit Running(Connection* connection)
+      : slot_(RunningSlot()), connection_(connection), previous_(std::exchange(Current(), connection)) {
+    Swap(previous_, connection_);
   }
   Running(const Running&) = delete;
   Running& operator=(const Running&) = delete;
   ~Running() {
-    if (slot_ != nullptr) slot_->store(previous_);
+    Swap(connection_, previous_);
+    Current() = previous_;
   }
 
  private:
+  static Connection*& Current() {
+    thread_local Connection* current = nullptr;
+    return current;
+  }
+  /// Waits for a handler on another thread that has taken the one out to put it back.
+  void Swap(Connection* from, Connection* to) noexcept {
+    for (Connection* seen = from; slot_ != nullptr && !slot_->compare_exchange_weak(seen, to); seen = from) {
+      std::this_thread::yield();
+    }
+  }
+
   std::atomic<Connection*>* slot_;
-  Connection* previous_ = nullptr;
+  Connection* connection_;
+  Connection* previous_;
 };
 
 /// Hands results to a function.

@@ -100,8 +100,8 @@ void SetMessageObserver(MessageObserver observer);
 /// For drivers: hands a message to the observer.
 void ReportMessage(std::string_view message);
 
-/// From now on `slot` holds the connection that is running a batch on the calling thread, nullptr between batches, so
-/// that a signal handler of this thread can cancel it. The slot must outlive the thread's batches; nullptr ends it.
+/// From now on `slot` holds the connection that runs a batch on the calling thread, else nullptr. A signal handler may
+/// take it out, cancel it and put it back: the batch does not end before. The slot must outlive the thread's batches.
 void ShowRunningConnection(std::atomic<Connection*>* slot);
 
 /// Opens connections for the database strings that begin with one of its prefixes. Used by several threads at once.

@@ -28,6 +28,25 @@ bool IsTerminal(int descriptor) noexcept {
 #endif
 }
 
+/// Answers what the console showed before, 0 when there is nothing to change.
+unsigned SwitchToUtf8() noexcept {
+#ifdef _WIN32
+  for (const int stream : {kInput, kOutput, kError}) _setmode(stream, _O_BINARY);
+  if (IsTerminal(kOutput) || IsTerminal(kError)) {
+    const unsigned before = GetConsoleOutputCP();
+    SetConsoleOutputCP(CP_UTF8);
+    return before;
+  }
+#endif
+  return 0;
+}
+
+void SwitchBack([[maybe_unused]] unsigned code_page) noexcept {
+#ifdef _WIN32
+  SetConsoleOutputCP(code_page);
+#endif
+}
+
 }  // namespace
 
 bool IsOutputTerminal() noexcept { return IsTerminal(kOutput); }
@@ -48,19 +67,10 @@ std::size_t OutputWidth() noexcept {
   return kUsualWidth;
 }
 
-Utf8Streams::Utf8Streams() noexcept {
-#ifdef _WIN32
-  for (const int stream : {kInput, kOutput, kError}) _setmode(stream, _O_BINARY);
-  if (!IsOutputTerminal() && !IsErrorTerminal()) return;
-  code_page_ = GetConsoleOutputCP();
-  SetConsoleOutputCP(CP_UTF8);
-#endif
-}
+Utf8Streams::Utf8Streams() noexcept : code_page_(SwitchToUtf8()) {}
 
 Utf8Streams::~Utf8Streams() {
-#ifdef _WIN32
-  if (code_page_ != 0) SetConsoleOutputCP(code_page_);
-#endif
+  if (code_page_ != 0) SwitchBack(code_page_);
 }
 
 }  // namespace tessarlorn::cli

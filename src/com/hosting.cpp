@@ -4,6 +4,7 @@
 
 #include "com/base/windows_headers.h"
 #include "com/foreign_object.h"
+#include "com/module.h"
 #include "drivers/ado/ado_driver.h"
 #include "drivers/embedded/embedded_driver.h"
 #include "drivers/odbc/odbc_driver.h"
@@ -19,7 +20,8 @@ using ReadTcpEntry = int(WINAPI*)(char* address, char* unused);
 
 /// `ReadTcp` of the ERP's network library, or nullptr where that library is not.
 ReadTcpEntry FindReadTcp() {
-  const HMODULE library = LoadLibraryW(L"venappsvr.dll");
+  // Not from the current folder, where a stranger's document may lie.
+  const HMODULE library = LoadLibraryExW(L"venappsvr.dll", nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
   if (library == nullptr) return nullptr;
   const FARPROC entry = GetProcAddress(library, "ReadTcp");
   return reinterpret_cast<ReadTcpEntry>(reinterpret_cast<void*>(entry));
@@ -38,6 +40,7 @@ void RegisterNeighbours() {
 void PrepareThisProcess() {
   static std::once_flag once;
   std::call_once(once, [] {
+    KeepModule();
     RegisterAdoDriver();
     RegisterEmbeddedDriver();
     // Nobody cancels here, and a thread of its own would outlive the library or block its end.
@@ -52,7 +55,7 @@ void PrepareThisProcess() {
   });
 }
 
-void ReleaseThisThread() noexcept { SessionFactory::ForThisThread().CloseIdle(); }
+void CloseIdleConnections() noexcept { SessionFactory::CloseIdle(); }
 
 void AbandonServers() noexcept { AbandonOdbc(); }
 

@@ -4,10 +4,10 @@
 namespace tessarlorn::com {
 
 /// Registers the drivers, the neighbours that the ERP brings, default ones where it brings none, and the function that
-/// tells the client's address. Does its work once.
+/// tells the client's address. From then on the library stays in the process. Does its work once.
 void PrepareThisProcess();
-/// Lets go what the calling thread keeps between calls: its idle connections.
-void ReleaseThisThread() noexcept;
+/// Lets go what is kept between calls.
+void CloseIdleConnections() noexcept;
 /// For the end of the process: leaves alone what other libraries have of connections to servers, as those libraries may
 /// be gone already.
 void AbandonServers() noexcept;

@@ -18,6 +18,12 @@ bool ModuleLock::any() { return lock_count.load() > 0; }
 
 void SetModule(HINSTANCE module) { own_module = module; }
 
+void KeepModule() {
+  HMODULE kept = nullptr;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                     reinterpret_cast<LPCWSTR>(&own_module), &kept);
+}
+
 std::wstring ModulePath() {
   std::wstring path(MAX_PATH, L'\0');
   for (;;) {

@@ -21,6 +21,9 @@ class ModuleLock {
 };
 
 void SetModule(HINSTANCE module);
+/// Keeps the library in the process for good. What threads have of it is destroyed when they end, where Windows cannot
+/// unload it: a thread that was its last user would never end.
+void KeepModule();
 /// Path of the library's file, wherever it was loaded from.
 std::wstring ModulePath();
 

@@ -93,7 +93,7 @@ STDAPI DllGetClassObject(REFCLSID class_id, REFIID id, LPVOID* out) {
 
 STDAPI DllCanUnloadNow() {
   if (tessarlorn::com::ModuleLock::any()) return S_FALSE;
-  tessarlorn::com::ReleaseThisThread();
+  tessarlorn::com::CloseIdleConnections();
   return S_OK;
 }
 

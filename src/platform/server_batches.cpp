@@ -15,6 +15,14 @@ namespace {
 
 }  // namespace
 
+std::int32_t NumberSink::Number(std::string_view driver) const {
+  if (!number_) {
+    throw Error(error_number::kDatabaseFailure, std::string(driver),
+                "The server does not answer how many transactions are open.", {.sqlstate = "HY000"});
+  }
+  return *number_;
+}
+
 void RaiseTransactionOpen(std::string_view driver) {
   RaiseAs(driver, 3988, "New transaction is not allowed because there is another transaction open.");
 }

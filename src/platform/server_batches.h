@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include "platform/connection.h"
@@ -22,9 +23,13 @@ inline constexpr std::string_view kRollbackBatch = "IF @@TRANCOUNT > 0 ROLLBACK 
 class NumberSink final : public BatchSink {
  public:
   void Rows(RecordsetPtr rows) override {
-    if (!rows->eof()) number = rows->Get(0).ToInt32();
+    if (!rows->eof()) number_ = rows->Get(0).ToInt32();
   }
-  std::int32_t number = 0;
+  /// Raises 0x80004005 when none came: nobody knows what the server did then.
+  [[nodiscard]] std::int32_t Number(std::string_view driver) const;
+
+ private:
+  std::optional<std::int32_t> number_;
 };
 
 // Raise in the server's own numbers and words where it has some, with the driver as Source.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <functional>
+#include <mutex>
 #include <new>
 #include <unordered_map>
 #include <utility>
@@ -13,7 +14,8 @@
 namespace tessarlorn {
 namespace {
 
-constexpr std::size_t kMostIdle = 4;
+/// Of one database string.
+constexpr std::size_t kMostIdle = 16;
 /// Parsed session strings that a thread remembers.
 constexpr std::size_t kMostKnown = 64;
 
@@ -35,11 +37,49 @@ struct Enlisted {
   std::shared_ptr<Connection> connection;
 };
 
+/// The connections that sessions gave back. They belong to no thread: one that ends would have to close its own where
+/// the system lets it wait for nobody.
+class IdleConnections {
+ public:
+  /// nullptr when there is none.
+  std::shared_ptr<Connection> Take(const std::string& database) {
+    const std::scoped_lock lock(mutex_);
+    const auto found = idle_.find(database);
+    while (found != idle_.end() && !found->second.empty()) {
+      std::shared_ptr<Connection> connection = std::move(found->second.back());
+      found->second.pop_back();
+      if (connection->usable()) return connection;
+    }
+    return nullptr;
+  }
+
+  /// Keeps the connection, or closes it when there are enough.
+  void Put(const std::string& database, std::shared_ptr<Connection> connection) {
+    const std::scoped_lock lock(mutex_);
+    auto& idle = idle_[database];
+    if (idle.size() < kMostIdle) idle.push_back(std::move(connection));
+  }
+
+  void Close() noexcept {
+    ByText<std::vector<std::shared_ptr<Connection>>> closing;
+    const std::scoped_lock lock(mutex_);
+    closing.swap(idle_);
+  }
+
+ private:
+  std::mutex mutex_;
+  ByText<std::vector<std::shared_ptr<Connection>>> idle_;
+};
+
+IdleConnections& TheIdle() {
+  static IdleConnections idle;
+  return idle;
+}
+
 }  // namespace
 
 struct SessionFactory::State {
   ByText<Known> known;
-  ByText<std::vector<std::shared_ptr<Connection>>> idle;
   bool in_transaction = false;
   std::vector<Enlisted> enlisted;
 
@@ -50,16 +90,6 @@ struct SessionFactory::State {
     if (known.size() >= kMostKnown) known.clear();
     SessionContext context(session);
     return known.emplace(dsn, Known{std::move(session.database), std::move(context)}).first->second;
-  }
-
-  std::shared_ptr<Connection> TakeIdle(const std::string& database) {
-    const auto found = idle.find(database);
-    while (found != idle.end() && !found->second.empty()) {
-      std::shared_ptr<Connection> connection = std::move(found->second.back());
-      found->second.pop_back();
-      if (connection->usable()) return connection;
-    }
-    return nullptr;
   }
 
   [[nodiscard]] bool IsEnlisted(const std::shared_ptr<Connection>& connection) const {
@@ -116,7 +146,7 @@ std::shared_ptr<DataSession> SessionFactory::NewSession() {
   return std::shared_ptr<DataSession>(new DataSession(*this));
 }
 
-void SessionFactory::CloseIdle() noexcept { state_->idle.clear(); }
+void SessionFactory::CloseIdle() noexcept { TheIdle().Close(); }
 
 std::shared_ptr<Connection> SessionFactory::Acquire(const std::string& database, bool enlist) {
   enlist = enlist && state_->in_transaction;
@@ -125,7 +155,7 @@ std::shared_ptr<Connection> SessionFactory::Acquire(const std::string& database,
       if (entry.database == database) return entry.connection;
     }
   }
-  std::shared_ptr<Connection> connection = state_->TakeIdle(database);
+  std::shared_ptr<Connection> connection = TheIdle().Take(database);
   if (!connection) connection = OpenConnection(database);
   if (enlist) {
     connection->BeginTransaction();
@@ -139,8 +169,7 @@ void SessionFactory::Release(const std::string& database, std::shared_ptr<Connec
   const std::shared_ptr<Connection> held = std::exchange(connection, nullptr);
   if (!held || held.use_count() > 1 || !held->usable() || !held->Reset()) return;
   try {
-    auto& idle = state_->idle[database];
-    if (idle.size() < kMostIdle) idle.push_back(held);
+    TheIdle().Put(database, held);
   } catch (const std::bad_alloc&) {
     // The connection is closed instead of kept.
   }

@@ -64,8 +64,8 @@ class DataSession {
   std::shared_ptr<Connection> alternate_;
 };
 
-/// Makes sessions; one per thread, created on first use. It keeps the connections that sessions gave back and hands
-/// them out again for the same database string, clean, so that a session does not cost a login.
+/// Makes sessions; one per thread, created on first use. The connections that sessions gave back are handed out again
+/// for the same database string, clean and to any thread, so that a session does not cost a login.
 class SessionFactory {
  public:
   static SessionFactory& ForThisThread();
@@ -76,8 +76,8 @@ class SessionFactory {
   /// The session on which siblings work: the one of the call that is under way on this thread, or nullptr.
   [[nodiscard]] DataSession* current() const noexcept { return current_; }
 
-  /// Closes the idle connections of this thread.
-  void CloseIdle() noexcept;
+  /// Closes the connections that no session holds, whichever thread gave them back.
+  static void CloseIdle() noexcept;
 
  private:
   friend class DataSession;

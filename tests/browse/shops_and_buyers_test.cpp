@@ -68,7 +68,7 @@ TEST_F(ShopsAndBuyersTest, PassesSqlAndItsErrorsThrough) {
     EXPECT_EQ(get.ExecuteSQL(dsn_, "UPDATE IC_Web2ERPOrders SET FOrderFlag = 4 WHERE FID = 3"), nullptr);
     rows = get.ExecuteSQL(dsn_, "SELECT FID, FOrderFlag FROM IC_Web2ERPOrders ORDER BY FID");
   }
-  SessionFactory::ForThisThread().CloseIdle();
+  SessionFactory::CloseIdle();
   // The connection is gone, the rows are not.
   EXPECT_FALSE(rows->attached());
   ASSERT_EQ(rows->RecordCount(), 3U);

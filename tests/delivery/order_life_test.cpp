@@ -46,7 +46,7 @@ insert into t_Currency values(2,'*',2)
   }
   ~OrderLifeTest() override {
     session_->Reset();
-    SessionFactory::ForThisThread().CloseIdle();
+    SessionFactory::CloseIdle();
   }
 
   std::string Read(std::string_view query) { return Cells(session_->GetConnection(), query); }

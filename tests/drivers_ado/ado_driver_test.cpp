@@ -59,6 +59,15 @@ TEST(AdoDriverTest, HandsAdosOwnRecordsetOutAndReadsItOnlyWhenAsked) {
   EXPECT_EQ(rows->Get("a").ToInt32(), 2) << "read once, the rows need it no more";
 }
 
+TEST(AdoDriverTest, AResultThatAdoDoesNotKeepIsAnError) {
+  const TestDatabase database(Reach::kOverAdo);
+  const auto connection = OpenConnection(database.string());
+  AdoStandIn::SetClones(false);
+  const Error error = ErrorOf([&] { connection->Execute("select 1 as a select 2 as b"); });
+  EXPECT_EQ(error.number(), error_number::kDatabaseFailure);
+  EXPECT_EQ(error.source(), "TessarLorn ADO driver");
+}
+
 TEST(AdoDriverTest, ManyRowsComeInBlocks) {
   const TestDatabase database(Reach::kOverAdo);
   const auto connection = OpenConnection(database.string());

@@ -28,6 +28,7 @@ using namespace ado;
 using com::Pointer;
 
 constexpr LONG kStateOpen = 1;
+bool clones_are_possible = true;
 constexpr LONG kLongest = 1073741823;
 
 HRESULT AnswerText(BSTR* out, std::string_view text) {
@@ -257,6 +258,7 @@ class StandInRecordset final : public BaseObject<IAdoRecordset> {
     });
   }
   HRESULT STDMETHODCALLTYPE Clone(LONG, IAdoRecordset** out) override {
+    if (!clones_are_possible) return kFeatureNotAvailable;
     return WithRows(
         [&] { return Answer(out, static_cast<IAdoRecordset*>(new StandInRecordset(rows_, nullptr, connection_))); });
   }
@@ -471,7 +473,10 @@ class Factory final : public com::Counted<IClassFactory> {
 
 }  // namespace
 
+void AdoStandIn::SetClones(bool possible) { clones_are_possible = possible; }
+
 AdoStandIn::AdoStandIn() {
+  SetClones(true);
   if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) throw std::runtime_error("CoInitializeEx failed");
   const auto factory = Pointer<Factory>::Adopt(new Factory);
   if (FAILED(CoRegisterClassObject(kConnectionClass, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,

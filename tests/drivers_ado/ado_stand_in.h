@@ -21,6 +21,8 @@ class AdoStandIn {
   static std::string StringOf(std::string_view database) {
     return "Provider=StandIn;Data Source=\"" + std::string(database) + "\"";
   }
+  /// Whether recordsets can be cloned from now on, which some providers' cannot. At first they can.
+  static void SetClones(bool possible);
   /// Whether ADO's recordset is attached to a connection.
   static bool IsAttached(IDispatch* recordset);
 

@@ -35,7 +35,7 @@ class FaultsTest : public ServedTest {
     RegisterOdbcDriver();
     RegisterDefaultSiblings();
   }
-  ~FaultsTest() override { SessionFactory::ForThisThread().CloseIdle(); }
+  ~FaultsTest() override { SessionFactory::CloseIdle(); }
 };
 
 /// Takes connections and says nothing: it keeps them open, or ends them at once.
@@ -271,7 +271,7 @@ TEST_F(FaultsTest, ACallInATransactionLeavesAllOrNothingWhenTheServerIsKilled) {
       killer.join();
       served.Start();
     }
-    SessionFactory::ForThisThread().CloseIdle();
+    SessionFactory::CloseIdle();
     EXPECT_TRUE(committed || delay > 0) << error.what();
     // A commit whose answer was lost may have been one.
     const std::string after = Answer(*OpenConnection(served.odbc()), state);

@@ -20,7 +20,7 @@ using testing::Not;
 class OdbcDriverTest : public ServedTest {
  protected:
   OdbcDriverTest() { RegisterOdbcDriver(); }
-  ~OdbcDriverTest() override { SessionFactory::ForThisThread().CloseIdle(); }
+  ~OdbcDriverTest() override { SessionFactory::CloseIdle(); }
 
   static std::unique_ptr<Connection> Open(const std::string& more = "") { return OpenConnection(Shared().odbc(more)); }
   /// The number that an action raises, 0 for none.

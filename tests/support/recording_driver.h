@@ -120,7 +120,7 @@ class RecordingTest : public testing::Test {
   ~RecordingTest() override {
     SetClock({});
     SetReadTcp({});
-    SessionFactory::ForThisThread().CloseIdle();
+    SessionFactory::CloseIdle();
   }
 
   static std::vector<std::string>& Events() { return TheRecording().events; }

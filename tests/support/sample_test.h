@@ -52,7 +52,7 @@ class SampleTest : public testing::Test {
     SetClock({});
     save_ = nullptr;
     get_ = nullptr;
-    SessionFactory::ForThisThread().CloseIdle();
+    SessionFactory::CloseIdle();
   }
 
   void Run(std::string_view batch) { database_.connection().Execute(batch); }

@@ -53,6 +53,8 @@ AdoConnection::AdoConnection(const ConnectionOptions& options) : connection_(Cre
   Check(ado->Open(text.get(), none.get(), none.get(), kConnectUnspecified), ado, "Connection.Open");
   // Servers greet with messages about database and language.
   ReportOf(S_OK, ado, "Connection.Open");
+  // What OLE DB pools may have kept another.
+  Send("SET TRANSACTION ISOLATION LEVEL READ COMMITTED");
 }
 
 AdoConnection::~AdoConnection() {
@@ -66,7 +68,12 @@ AdoConnection::~AdoConnection() {
 std::int32_t AdoConnection::Ask(std::string_view text) {
   NumberSink sink;
   Run(text, true, sink);
-  return sink.number;
+  return sink.Number(kSource);
+}
+
+void AdoConnection::Send(std::string_view text) {
+  NumberSink unread;
+  Run(text, true, unread);
 }
 
 void AdoConnection::BeginTransaction() {
@@ -89,7 +96,7 @@ void AdoConnection::CommitTransaction() {
 
 void AdoConnection::RollbackTransaction() {
   if (!in_transaction_) return;
-  Ask(kRollbackBatch);
+  Send(kRollbackBatch);
   in_transaction_ = false;
 }
 
@@ -117,7 +124,9 @@ void AdoConnection::Run(std::string_view text, bool first_only, BatchSink& sink)
     report = ReportOf(KnowsNoMoreResults(status) ? S_OK : status, connection_.get(), "Recordset.NextRecordset");
     if (answers) {
       wanted = !first_only;
-      sink.Rows(ToRecordset(IsOpen(*rows.get()) ? std::move(rows) : std::move(hold)));
+      if (IsOpen(*rows.get())) hold = std::move(rows);
+      if (!hold) throw Error(error_number::kDatabaseFailure, kSource, "ADO gave up a result for the one behind it.");
+      sink.Rows(ToRecordset(std::move(hold)));
     }
     rows = std::move(next);
   }
@@ -127,6 +136,7 @@ bool AdoConnection::Reset() noexcept { return false; }
 
 bool AdoConnection::usable() const noexcept { return !lost_; }
 
+// ADO promises it for what runs asynchronously only; whether a provider heeds it otherwise is its own affair.
 void AdoConnection::Cancel() noexcept { connection_->Cancel(); }
 
 }  // namespace tessarlorn::ado

@@ -22,7 +22,7 @@ class AdoConnection final : public Connection {
   void BeginTransaction() override;
   void CommitTransaction() override;
   void RollbackTransaction() override;
-  /// Answers false: OLE DB pools connections itself, and cleans them.
+  /// Answers false: whether a connection is kept for the next one is up to OLE DB.
   bool Reset() noexcept override;
   [[nodiscard]] bool usable() const noexcept override;
   void Cancel() noexcept override;
@@ -32,6 +32,7 @@ class AdoConnection final : public Connection {
 
  private:
   std::int32_t Ask(std::string_view text);
+  void Send(std::string_view text);
 
   const com::Apartment apartment_;
   com::Pointer<IAdoConnection> connection_;

@@ -75,11 +75,12 @@ Report ReportOf(HRESULT status, IAdoConnection* connection, std::string_view wha
   if (FAILED(status)) report.failure = FromErrorObject(status, what);
   for (Error& said : TakeErrors(connection)) {
     if (said.native().number == kStatementTerminated) continue;
-    if (FAILED(status) && !IsMessage(said)) {
+    if (IsMessage(said)) {
+      report.messages.push_back(std::move(said));
+    } else if (FAILED(status)) {
       report.failure = std::move(said);
       break;
     }
-    report.messages.push_back(std::move(said));
   }
   return report;
 }

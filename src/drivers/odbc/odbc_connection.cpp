@@ -56,7 +56,12 @@ void OdbcConnection::WithNewLogin(const Action& action, const bool& answered) {
 std::int32_t OdbcConnection::Ask(std::string_view text) {
   NumberSink sink;
   RunOnLink(text, true, false, sink);
-  return sink.number;
+  return sink.Number(kSource);
+}
+
+void OdbcConnection::Send(std::string_view text) {
+  NumberSink unread;
+  RunOnLink(text, true, false, unread);
 }
 
 void OdbcConnection::BeginTransaction() {
@@ -84,7 +89,7 @@ void OdbcConnection::CommitTransaction() {
 void OdbcConnection::RollbackTransaction() {
   if (!effects_.transaction) return;
   const CancellableCall call(*cancel_);
-  Ask(kRollbackBatch);
+  Send(kRollbackBatch);
   effects_.transaction = false;
 }
 
@@ -97,7 +102,7 @@ void OdbcConnection::Run(std::string_view text, bool first_only, BatchSink& sink
   effects_.Add(effects);
   NotingSink noting(sink);
   if (idle_ && !effects.reads_only) {
-    WithNewLogin([this] { Ask(kSignOfLife); }, false);
+    WithNewLogin([this] { Send(kSignOfLife); }, false);
   }
   WithNewLogin([&] { RunOnLink(text, first_only, effects.prints, noting); }, noting.answered);
 }
@@ -136,12 +141,12 @@ bool OdbcConnection::Clean() {
     BatchEffects at_once;
     at_once.transaction = effects_.transaction;
     at_once.options = effects_.options;
-    if (!at_once.none()) Ask(at_once.CleaningBatch());
+    if (!at_once.none()) Send(at_once.CleaningBatch());
     return true;
   }
   resets_with_batch_ = false;
   if (effects_.lasting) return false;
-  Ask(effects_.CleaningBatch());
+  Send(effects_.CleaningBatch());
   return true;
 }
 

@@ -39,6 +39,7 @@ class OdbcConnection final : public Connection {
   void RunOnLink(std::string_view text, bool first_only, bool prints, BatchSink& sink);
   /// Runs a batch of the driver's own; answers the number that its only result holds, 0 when it has none.
   std::int32_t Ask(std::string_view text);
+  void Send(std::string_view text);
   bool Clean();
   /// Calls `action`; when it finds the idle connection dead before anything was answered, once more on a new login.
   template <typename Action>

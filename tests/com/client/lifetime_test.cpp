@@ -48,6 +48,14 @@ TEST(LifetimeTest, TheLibraryCanGoWhenAllIsReleased) {
   EXPECT_EQ(own->LockServer(FALSE), S_OK);
 }
 
+TEST(LifetimeTest, AThreadMayBeItsOnlyUserAndEnd) {
+  std::thread([] {
+    const Apartment apartment;
+    const TypedObject reads(L"TessarLornPickingAndDelivery.clsGetData");
+    EXPECT_EQ(reads.Call(L"ExecuteSQL", {L"Embedded=:memory:thread", L"select 1 a"}).status, S_OK);
+  }).join();
+}
+
 TEST(LifetimeTest, EnumerationsGoBackAndFromWhereTheyAre) {
   const Apartment apartment;
   const TypedObject vector(L"Mirel.Vector");

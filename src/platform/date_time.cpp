@@ -14,7 +14,8 @@ namespace {
 constexpr std::int64_t kMillisecondsPerDay = 86'400'000;
 /// Days from 1899-12-30, automation's day zero, to 1900-01-01.
 constexpr double kAutomationOffset = 2;
-constexpr std::int64_t kFirst = -693'595 * kMillisecondsPerDay;
+/// Automation's first date is 100-01-01.
+constexpr std::int64_t kFirst = -657'436 * kMillisecondsPerDay;
 constexpr std::int64_t kBehindLast = 2'958'464 * kMillisecondsPerDay;
 
 /// Reads a date-time text from the left.

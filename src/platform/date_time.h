@@ -28,7 +28,7 @@ class DateTime {
 
   /// Nothing when a part is out of its range (29 February of a common year included).
   static std::optional<DateTime> FromCivil(const CivilTime& civil);
-  /// Days since 1899-12-30 with the time as fraction, automation's date.
+  /// Days since 1899-12-30 with the time as fraction, automation's date; nothing outside of its years 100 to 9999.
   static std::optional<DateTime> FromAutomation(double days);
   /// Reads the forms that SQL Server reads whatever its language: `YYYY-MM-DD`, `YYYYMMDD`, `YYYY/MM/DD`,
   /// `YYYY.MM.DD`, `MM/DD/YYYY`, `MM-DD-YYYY`, each with an optional time `[T ]HH:MM[:SS[.fff]][ AM|PM]`, a time alone

@@ -51,4 +51,11 @@ std::shared_ptr<Object> ObjectService::CreateInstance(std::string_view prog_id) 
   return creator();
 }
 
+Variant DefaultValueOf(Variant value) {
+  const auto* const object = value.get_if<std::shared_ptr<Object>>();
+  if (object == nullptr || *object == nullptr) return value;
+  std::optional<Variant> own = (*object)->DefaultValue();
+  return own ? *std::move(own) : value;
+}
+
 }  // namespace tessarlorn

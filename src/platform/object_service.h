@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,7 +23,13 @@ class Object {
   [[nodiscard]] virtual AutomationObject* automation() noexcept { return nullptr; }
   /// Raises 438 naming the method when there is none, and whatever the method raises.
   virtual Variant Call(std::string_view method, std::span<const Variant> arguments) = 0;
+  /// What the object stands for where a value is wanted: a plain value or an array. Nothing for an object without one,
+  /// as collections are. Raises what reading it raises.
+  [[nodiscard]] virtual std::optional<Variant> DefaultValue() { return std::nullopt; }
 };
+
+/// The default value of an object that has one; any other value as it is.
+Variant DefaultValueOf(Variant value);
 
 using ObjectCreator = std::function<std::shared_ptr<Object>()>;
 

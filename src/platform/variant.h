@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -24,6 +25,10 @@ struct Null {
 };
 
 using Bytes = std::vector<std::uint8_t>;
+
+/// The type in which clients have a value that the component keeps in a wider one: kByte for an Integer, kSingle for a
+/// Double, kCurrency for a Decimal.
+enum class ClientType : std::uint8_t { kSame, kByte, kSingle, kCurrency };
 
 /// Automation's value: empty, null, Boolean, 16- and 32-bit integer, double, exact decimal, date-time, text (UTF-8),
 /// binary, or an object. Objects are shared; everything else is a value.
@@ -73,6 +78,12 @@ class Variant {
     return std::get_if<T>(&value_);
   }
   [[nodiscard]] const Value& value() const noexcept { return value_; }
+  /// Counts where the value is handed out to a client, and nowhere else.
+  [[nodiscard]] ClientType client_type() const noexcept { return client_type_; }
+  [[nodiscard]] Variant WithClientType(ClientType type) && {
+    client_type_ = type;
+    return std::move(*this);
+  }
   /// "Empty", "Null", "Boolean", "Integer", "Long", "Double", "Decimal", "Date", "String", "Byte()", "Dictionary", …
   [[nodiscard]] std::string_view type_name() const noexcept;
 
@@ -95,6 +106,7 @@ class Variant {
 
  private:
   Value value_;
+  ClientType client_type_ = ClientType::kSame;
 };
 
 /// Automation's numeric test: a number, or a text that reads as one (blanks, sign, point, exponent, thousands commas).

@@ -42,8 +42,9 @@ TEST(DateTimeTest, CountsDaysAsAutomationDoes) {
     double days;
     const char* expected;
   } cases[] = {
-      {0, "1899-12-30 00:00:00"},   {2, "1900-01-01 00:00:00"},        {-1.25, "1899-12-29 06:00:00"},
-      {0.5, "1899-12-30 12:00:00"}, {45351.75, "2024-02-29 18:00:00"}, {2958465, "9999-12-31 00:00:00"},
+      {0, "1899-12-30 00:00:00"},         {2, "1900-01-01 00:00:00"},        {-1.25, "1899-12-29 06:00:00"},
+      {0.5, "1899-12-30 12:00:00"},       {45351.75, "2024-02-29 18:00:00"}, {2958465, "9999-12-31 00:00:00"},
+      {-657434.5, "0100-01-01 12:00:00"},
   };
   for (const auto& c : cases) {
     const std::optional<DateTime> value = DateTime::FromAutomation(c.days);
@@ -52,6 +53,7 @@ TEST(DateTimeTest, CountsDaysAsAutomationDoes) {
     EXPECT_EQ(value->ToAutomation(), c.days);
   }
   EXPECT_FALSE(DateTime::FromAutomation(2958466));
+  EXPECT_FALSE(DateTime::FromAutomation(-657435));
 }
 
 TEST(DateTimeTest, BreaksEveryDayDownToItsDate) {

@@ -1,8 +1,8 @@
 #include "automation/operations.h"
 
-#include <algorithm>
 #include <vector>
 
+#include "automation/arguments.h"
 #include "automation/binding.h"
 #include "platform/error.h"
 #include "platform/text.h"
@@ -91,21 +91,8 @@ Variant ServiceObject::Invoke(const Operation& operation, std::span<Variant> arg
   if (operation.service != service()) {
     Raise(error_number::kNoSuchMember, "Object doesn't support this property or method: " + describe());
   }
-  if (arguments.size() > operation.argument_count) {
-    Raise(error_number::kWrongArgumentCount, "Wrong number of arguments: " + describe());
-  }
-  if (arguments.size() == operation.argument_count) return operation.call(*this, arguments);
-  for (const Argument& argument : operation.arguments().subspan(arguments.size())) {
-    if (argument.optional) continue;
-    Raise(error_number::kArgumentNotOptional,
-          "Argument not optional: " + std::string(argument.name) + " of " + describe());
-  }
-  std::array<Variant, Operation::kMostArguments> filled;
-  const std::span<Variant> all = std::span(filled).first(operation.argument_count);
-  std::copy(arguments.begin(), arguments.end(), all.begin());
-  Variant result = operation.call(*this, all);
-  std::copy_n(all.begin(), arguments.size(), arguments.begin());
-  return result;
+  return CallWithAllArguments(operation.arguments(), arguments, false, describe,
+                              [&](std::span<Variant> all) { return operation.call(*this, all); });
 }
 
 }  // namespace tessarlorn

@@ -42,7 +42,7 @@ class ClassFactory final : public IClassFactory {
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;
     try {
       PrepareThisProcess();
-      return MakeDispatch(CreateAutomationObject(description_))->QueryInterface(id, out);
+      return MakeDispatch(description_.create())->QueryInterface(id, out);
     } catch (...) {
       return CurrentStatus();
     }
@@ -59,7 +59,7 @@ class ClassFactory final : public IClassFactory {
 std::map<std::string_view, ClassFactory> MakeFactories() {
   std::map<std::string_view, ClassFactory> factories;
   for (const ClassDescription* const description : AutomationClasses()) {
-    if (!description->prog_id.empty()) factories.try_emplace(description->class_id, *description);
+    if (description->create != nullptr) factories.try_emplace(description->class_id, *description);
   }
   return factories;
 }

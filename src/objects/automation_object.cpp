@@ -4,9 +4,11 @@
 #include <array>
 #include <vector>
 
+#include "automation/arguments.h"
 #include "objects/array.h"
 #include "objects/dictionary_object.h"
 #include "objects/field_object.h"
+#include "objects/known_objects.h"
 #include "objects/recordset_object.h"
 #include "objects/service_class.h"
 #include "objects/vector_object.h"
@@ -34,29 +36,18 @@ const Member* ClassDescription::Find(std::int32_t id) const {
   return found == members.end() ? nullptr : &*found;
 }
 
+std::string ClassDescription::FullName(const Member& member) const {
+  return std::string(name) + "." + std::string(member.name);
+}
+
 Variant AutomationObject::Use(const Member& member, MemberUse use, std::span<Variant> arguments) {
-  const auto describe = [&] { return std::string(description().name) + "." + std::string(member.name); };
+  const auto describe = [&] { return description().FullName(member); };
   if ((member.uses & use) == 0) {
     Raise(error_number::kNoSuchMember, "Object doesn't support this property or method: " + describe());
   }
   if (member.id == kEnumerationMember) return ToArray(Items());
-  const std::size_t value = use == kPut ? 1 : 0;
-  const std::size_t wanted = member.arguments.size() + value;
-  if (arguments.size() > wanted) Raise(error_number::kWrongArgumentCount, "Wrong number of arguments: " + describe());
-  if (arguments.size() == wanted) return Do(member, use, arguments);
-  if (arguments.size() < value) Raise(error_number::kArgumentNotOptional, "Argument not optional: " + describe());
-  const std::size_t given = arguments.size() - value;
-  for (const Argument& argument : member.arguments.subspan(given)) {
-    if (argument.optional) continue;
-    Raise(error_number::kArgumentNotOptional,
-          "Argument not optional: " + std::string(argument.name) + " of " + describe());
-  }
-  std::vector<Variant> filled(wanted);
-  std::copy_n(arguments.begin(), given, filled.begin());
-  if (use == kPut) filled.back() = arguments.back();
-  Variant result = Do(member, use, filled);
-  std::copy_n(filled.begin(), given, arguments.begin());
-  return result;
+  return CallWithAllArguments(member.arguments, arguments, use == kPut, describe,
+                              [&](std::span<Variant> all) { return Do(member, use, all); });
 }
 
 Variant AutomationObject::Call(std::string_view method, std::span<const Variant> arguments) {
@@ -86,24 +77,15 @@ std::span<const ClassDescription* const> AutomationClasses() {
   return kClasses;
 }
 
-std::shared_ptr<AutomationObject> CreateAutomationObject(const ClassDescription& description) {
-  for (const ServiceClass service : {ServiceClass::kSaveData, ServiceClass::kGetData}) {
-    if (&description == &ServiceClassObject::Description(service)) return std::make_shared<ServiceClassObject>(service);
-  }
-  if (&description == &DictionaryObject::Description()) {
-    return std::make_shared<DictionaryObject>(std::make_shared<Dictionary>());
-  }
-  if (&description == &VectorObject::Description()) return std::make_shared<VectorObject>(std::make_shared<Vector>());
-  Raise(error_number::kCannotCreateObject, "ActiveX component can't create object: " + std::string(description.name));
-}
-
 std::shared_ptr<AutomationObject> ObjectOf(const Variant& value) {
   if (const auto* object = value.get_if<std::shared_ptr<Object>>()) {
     AutomationObject* const own = *object == nullptr ? nullptr : (*object)->automation();
     return own == nullptr ? nullptr : std::shared_ptr<AutomationObject>(*object, own);
   }
-  if (auto dictionary = value.ToDictionary()) return std::make_shared<DictionaryObject>(std::move(dictionary));
-  if (auto vector = value.ToVector()) return std::make_shared<VectorObject>(std::move(vector));
+  if (const auto dictionary = value.ToDictionary()) {
+    return KnownObjects<DictionaryObject, Dictionary>::Instance().Of(dictionary);
+  }
+  if (const auto vector = value.ToVector()) return KnownObjects<VectorObject, Vector>::Instance().Of(vector);
   if (auto recordset = value.ToRecordset()) return std::make_shared<RecordsetObject>(std::move(recordset));
   return nullptr;
 }

@@ -44,7 +44,11 @@ struct Member {
   std::span<const Argument> arguments = {};
   /// One paragraph for the type library.
   std::string_view help;
+  /// What it does, for a member of a service class.
+  const Operation* operation = nullptr;
 };
+
+class AutomationObject;
 
 /// A class of objects: what the type library says of it.
 struct ClassDescription {
@@ -55,11 +59,15 @@ struct ClassDescription {
   std::string_view class_id;
   std::string_view interface_id;
   std::string_view help;
+  /// Makes a new object; nullptr for a class whose objects only other objects hand out.
+  std::shared_ptr<AutomationObject> (*create)() = nullptr;
   std::vector<Member> members;
 
   /// By name without regard to case, or nullptr.
   [[nodiscard]] const Member* Find(std::string_view member) const;
   [[nodiscard]] const Member* Find(std::int32_t id) const;
+  /// "Class.Member"
+  [[nodiscard]] std::string FullName(const Member& member) const;
 };
 
 /// What a host's clients hold of an object. The object keeps it, so that it is made once.
@@ -108,10 +116,8 @@ inline constexpr std::string_view kLibraryId = "1FE32CD4-2232-4B66-8CEF-F811FBCB
 
 /// The classes that the component hands out or lets create, in the order of the type library.
 std::span<const ClassDescription* const> AutomationClasses();
-/// A new object of a creatable class. Raises 429 for one that is not.
-std::shared_ptr<AutomationObject> CreateAutomationObject(const ClassDescription& description);
-/// The value's object as clients see it: a Dictionary, Vector or Recordset in an object of its class, an
-/// AutomationObject as it is. Nothing for a value that is none of these.
+/// The value's object as clients see it: a Dictionary or Vector in the one object that it has as long as anybody holds
+/// that, a Recordset in a new object, an AutomationObject as it is. Nothing for a value that is none of these.
 std::shared_ptr<AutomationObject> ObjectOf(const Variant& value);
 /// The other way round: an object of Dictionary or Vector as the value that it stands for. A Recordset's stays an
 /// object, so that whoever keeps it keeps its position.

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "objects/array.h"
+#include "objects/known_objects.h"
 #include "platform/error.h"
 
 namespace tessarlorn {
@@ -34,6 +35,10 @@ std::vector<Variant> KeysOf(const Dictionary& dictionary) {
 
 }  // namespace
 
+DictionaryObject::~DictionaryObject() {
+  KnownObjects<DictionaryObject, Dictionary>::Instance().Forget(dictionary_.get());
+}
+
 const ClassDescription& DictionaryObject::Description() {
   static const ClassDescription kDescription = {
       .name = "Dictionary",
@@ -41,6 +46,7 @@ const ClassDescription& DictionaryObject::Description() {
       .class_id = "EA42DD31-F11F-497C-BA9E-E9406C345382",
       .interface_id = "539F9DFF-7B1B-45D5-9EE1-3F700662A494",
       .help = "Values under keys. Keys are texts whose case counts; they keep the order in which they came.",
+      .create = []() -> std::shared_ptr<AutomationObject> { return ObjectOf(std::make_shared<Dictionary>()); },
       .members = {
           {.name = "Item",
            .id = kDefaultMember,

@@ -15,6 +15,7 @@ class DictionaryObject final : public AutomationObject {
  public:
   /// @pre not nullptr
   explicit DictionaryObject(std::shared_ptr<Dictionary> dictionary) : dictionary_(std::move(dictionary)) {}
+  ~DictionaryObject() override;
 
   static const ClassDescription& Description();
   [[nodiscard]] const ClassDescription& description() const override { return Description(); }

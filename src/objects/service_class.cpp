@@ -1,9 +1,14 @@
 #include "objects/service_class.h"
 
-#include "platform/error.h"
+#include <memory>
 
 namespace tessarlorn {
 namespace {
+
+template <ServiceClass kService>
+std::shared_ptr<AutomationObject> Create() {
+  return std::make_shared<ServiceClassObject>(kService);
+}
 
 ClassDescription MakeDescription(ServiceClass service) {
   const bool saves = service == ServiceClass::kSaveData;
@@ -13,6 +18,7 @@ ClassDescription MakeDescription(ServiceClass service) {
   description.class_id = saves ? "0FCEDCEA-3E55-4379-AD0E-E995153A457A" : "914BB553-55C6-4512-A89A-BACA8B46710B";
   description.interface_id = saves ? "1E27C942-8EE4-44B4-ABCC-69B5FBA148B5" : "F8090680-DED3-472A-B6BD-5DEBC50A61AE";
   description.help = saves ? "Changes orders; most operations answer whether they did." : "Reads orders.";
+  description.create = saves ? Create<ServiceClass::kSaveData> : Create<ServiceClass::kGetData>;
   for (const Operation* const operation : Operations()) {
     if (operation->service != service) continue;
     description.members.push_back({.name = operation->name,
@@ -20,7 +26,8 @@ ClassDescription MakeDescription(ServiceClass service) {
                                    .uses = operation->property ? kGet : kCall,
                                    .result = operation->result,
                                    .arguments = operation->arguments(),
-                                   .help = operation->help});
+                                   .help = operation->help,
+                                   .operation = operation});
   }
   return description;
 }
@@ -34,9 +41,7 @@ const ClassDescription& ServiceClassObject::Description(ServiceClass service) {
 }
 
 Variant ServiceClassObject::Do(const Member& member, MemberUse /*use*/, std::span<Variant> arguments) {
-  const Operation* const operation = FindOperation(object_.service(), member.name);
-  if (operation == nullptr) Raise(error_number::kInternalError, "No operation " + std::string(member.name));
-  return object_.Invoke(*operation, arguments);
+  return object_.Invoke(*member.operation, arguments);
 }
 
 }  // namespace tessarlorn

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "objects/known_objects.h"
 #include "platform/error.h"
 
 namespace tessarlorn {
@@ -17,6 +18,8 @@ constexpr std::int32_t kRemove = MemberId("Remove");
 
 }  // namespace
 
+VectorObject::~VectorObject() { KnownObjects<VectorObject, Vector>::Instance().Forget(vector_.get()); }
+
 const ClassDescription& VectorObject::Description() {
   static const ClassDescription kDescription = {
       .name = "Vector",
@@ -24,6 +27,7 @@ const ClassDescription& VectorObject::Description() {
       .class_id = "8E81B607-5334-4BA0-90B0-03B0209FBA25",
       .interface_id = "B5BD92C3-FC54-4239-A8E5-E9FCBCC6699C",
       .help = "Values in order, counted from 1.",
+      .create = []() -> std::shared_ptr<AutomationObject> { return ObjectOf(std::make_shared<Vector>()); },
       .members = {
           {.name = "Item",
            .id = kDefaultMember,

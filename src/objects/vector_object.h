@@ -16,6 +16,7 @@ class VectorObject final : public AutomationObject {
  public:
   /// @pre not nullptr
   explicit VectorObject(std::shared_ptr<Vector> vector) : vector_(std::move(vector)) {}
+  ~VectorObject() override;
 
   static const ClassDescription& Description();
   [[nodiscard]] const ClassDescription& description() const override { return Description(); }

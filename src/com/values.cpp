@@ -1,9 +1,11 @@
 #include "com/values.h"
 
-#include <algorithm>
+#include <cstring>
+#include <memory>
 #include <new>
 #include <utility>
 
+#include "com/base/errors.h"
 #include "com/base/plain_values.h"
 #include "com/base/pointers.h"
 #include "com/dispatch.h"
@@ -23,28 +25,53 @@ Variant FromObject(IUnknown* object) {
   return std::shared_ptr<Object>(std::make_shared<ForeignObject>(std::move(dispatch)));
 }
 
+/// A copy of a client's array, so that it goes back with the bounds and the type that it came with.
+class ArrayCopy final : public ArraySource {
+ public:
+  /// @pre not nullptr
+  ArrayCopy(SAFEARRAY* array, VARTYPE type) : type_(type) {
+    if (SafeArrayGetElemsize(array) != WidthOf(type)) RaiseTypeMismatch();
+    CheckCopied(SafeArrayCopy(array, &array_));
+  }
+  ArrayCopy(const ArrayCopy&) = delete;
+  ArrayCopy& operator=(const ArrayCopy&) = delete;
+  ~ArrayCopy() override { SafeArrayDestroy(array_); }
+
+  [[nodiscard]] SAFEARRAY* array() const noexcept { return array_; }
+  [[nodiscard]] Variant At(std::size_t place) const override {
+    VARIANT reference{};
+    reference.vt = static_cast<VARTYPE>(type_ | VT_BYREF);
+    reference.byref = static_cast<std::uint8_t*>(array_->pvData) + place * WidthOf(type_);
+    return FromVariant(reference);
+  }
+  void CopyTo(VARIANT* out) const {
+    SAFEARRAY* copy = nullptr;
+    CheckCopied(SafeArrayCopy(array_, &copy));
+    out->parray = copy;
+    out->vt = static_cast<VARTYPE>(VT_ARRAY | type_);
+  }
+
+ private:
+  static void CheckCopied(HRESULT status) {
+    if (FAILED(status)) Raise(ToNumber(status), "The array cannot be read");
+  }
+
+  SAFEARRAY* array_ = nullptr;
+  VARTYPE type_;
+};
+
 Variant FromArray(SAFEARRAY* array, VARTYPE type) {
   if (array == nullptr) return ToArray({});
-  const ArrayAccess access(array);
-  const UINT dimensions = access.dimensions();
-  if (dimensions == 0 || dimensions > 2) RaiseTypeMismatch();
-  const std::size_t first = access.size(1);
-  const std::size_t count = dimensions == 1 ? first : first * access.size(2);
-  if (type == VT_UI1 && dimensions == 1) return Bytes(access.bytes(), access.bytes() + count);
-  const std::size_t width = SafeArrayGetElemsize(array);
-  std::vector<Variant> values;
-  values.reserve(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    VARIANT reference{};
-    reference.vt = static_cast<VARTYPE>(type | VT_BYREF);
-    reference.byref = const_cast<std::uint8_t*>(access.bytes() + i * width);
-    values.push_back(FromVariant(reference));
-  }
-  if (dimensions == 1) return ToArray(std::move(values));
-  return std::shared_ptr<Object>(std::make_shared<Array>(std::move(values), first));
+  auto copy = std::make_unique<ArrayCopy>(array, type);
+  const ArrayAccess access(copy->array());
+  std::size_t count = 1;
+  for (UINT dimension = 1; dimension <= access.dimensions(); ++dimension) count *= access.size(dimension);
+  const std::size_t columns = access.dimensions() == 1 ? 0 : access.size(1);
+  return std::shared_ptr<Object>(std::make_shared<Array>(std::move(copy), count, columns));
 }
 
 void PutArray(const Array& values, VARIANT* out) {
+  if (const auto* const copy = dynamic_cast<const ArrayCopy*>(values.source())) return copy->CopyTo(out);
   const std::size_t count = values.size();
   SAFEARRAYBOUND bounds[2] = {{static_cast<ULONG>(count), 0}, {}};
   if (values.dimensions() == 2) {
@@ -97,13 +124,10 @@ void PutObject(const Variant& value, VARIANT* out) {
 }  // namespace
 
 Variant FromVariant(const VARIANT& value) {
-  const bool reference = (value.vt & VT_BYREF) != 0;
-  if (reference && value.byref == nullptr) RaiseTypeMismatch();
-  if (value.vt == (VT_VARIANT | VT_BYREF)) return FromVariant(*value.pvarVal);
-  const VARTYPE type = TypeBehind(value);
-  if (type == VT_DISPATCH || type == VT_UNKNOWN) return FromObject(reference ? *value.ppunkVal : value.punkVal);
-  if ((type & VT_ARRAY) == 0) return FromPlainVariant(value);
-  return FromArray(reference ? *value.pparray : value.parray, static_cast<VARTYPE>(type & VT_TYPEMASK));
+  if ((value.vt & VT_BYREF) != 0) return FromVariant(Referred(value));
+  if (value.vt == VT_DISPATCH || value.vt == VT_UNKNOWN) return FromObject(value.punkVal);
+  if ((value.vt & VT_ARRAY) == 0 || IsBytes(value)) return FromPlainVariant(value);
+  return FromArray(value.parray, static_cast<VARTYPE>(value.vt & VT_TYPEMASK));
 }
 
 void ToVariant(const Variant& value, VARIANT* out) {
@@ -111,35 +135,39 @@ void ToVariant(const Variant& value, VARIANT* out) {
   if (!ToPlainVariant(value, out)) PutObject(value, out);
 }
 
+bool CanWriteBack(const VARIANT& reference) {
+  const VARTYPE type = TypeBehind(reference);
+  if (type == VT_VARIANT && reference.pvarVal != nullptr && (reference.pvarVal->vt & VT_BYREF) != 0) {
+    return CanWriteBack(*reference.pvarVal);
+  }
+  return WidthOf(type) != 0 && (type & VT_ARRAY) == 0 && type != VT_DISPATCH && type != VT_UNKNOWN && type != VT_ERROR;
+}
+
 void WriteBack(const Variant& value, const VARIANT& reference) {
   if ((reference.vt & VT_BYREF) == 0 || reference.byref == nullptr) return;
+  const VARTYPE type = TypeBehind(reference);
+  const bool any = type == VT_VARIANT;
+  if (any && (reference.pvarVal->vt & VT_BYREF) != 0) return WriteBack(value, *reference.pvarVal);
   OwnedVariant own;
   ToVariant(value, &own.get());
-  const VARTYPE type = TypeBehind(reference);
-  if (type == VT_VARIANT) {
+  if (any) {
     if (FAILED(VariantCopy(reference.pvarVal, &own.get()))) throw std::bad_alloc();
     return;
   }
-  if (FAILED(VariantChangeType(&own.get(), &own.get(), 0, type))) RaiseTypeMismatch();
+  const HRESULT status = VariantChangeType(&own.get(), &own.get(), 0, type);
+  if (status == DISP_E_OVERFLOW) RaiseOverflow();
+  if (FAILED(status)) RaiseTypeMismatch();
   VARIANT& from = own.get();
   switch (type) {
     case VT_BSTR:
       SysFreeString(std::exchange(*reference.pbstrVal, std::exchange(from.bstrVal, nullptr)));
       return;
-    case VT_I2:
-    case VT_BOOL:
-      *reference.piVal = from.iVal;
-      return;
-    case VT_I4:
-    case VT_INT:
-      *reference.plVal = from.lVal;
-      return;
-    case VT_R8:
-    case VT_DATE:
-      *reference.pdblVal = from.dblVal;
+    case VT_DECIMAL:
+      *reference.pdecVal = from.decVal;
+      reference.pdecVal->wReserved = 0;
       return;
     default:
-      RaiseTypeMismatch();
+      std::memcpy(reference.byref, &from.llVal, WidthOf(type));
   }
 }
 

@@ -22,8 +22,8 @@ class ArraySource {
   virtual ~ArraySource() = default;
   /// @pre place is below the array's size(), here and below
   [[nodiscard]] virtual Variant At(std::size_t place) const = 0;
-  /// A text where it stands, good until another place is read; nothing for any other value.
-  [[nodiscard]] virtual std::optional<std::string_view> TextAt(std::size_t place) const = 0;
+  /// A text where it stands, good until another place is read; nothing where only At() can tell.
+  [[nodiscard]] virtual std::optional<std::string_view> TextAt(std::size_t /*place*/) const { return std::nullopt; }
 };
 
 /// Values in one or two dimensions, counted from 0. Only held by a Variant, never called.
@@ -35,10 +35,13 @@ class Array final : public Object {
   Array(std::vector<Variant> values, std::size_t columns)
       : values_(std::move(values)), size_(values_.size()), columns_(columns) {}
   /// @pre the source is not nullptr
+  /// @param columns 0 in one dimension
   Array(std::unique_ptr<const ArraySource> source, std::size_t size, std::size_t columns)
       : source_(std::move(source)), size_(size), columns_(columns) {}
 
-  /// 1 or 2.
+  /// Where the values are read, or nullptr.
+  [[nodiscard]] const ArraySource* source() const noexcept { return source_.get(); }
+  /// 1 or 2; 2 for an array of a client's with more.
   [[nodiscard]] int dimensions() const noexcept { return columns_ == 0 ? 1 : 2; }
   /// 0 in one dimension.
   [[nodiscard]] std::size_t columns() const noexcept { return columns_; }

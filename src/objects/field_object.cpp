@@ -20,11 +20,12 @@ constexpr std::int32_t kNumericScale = MemberId("NumericScale");
 constexpr std::int32_t kPrecision = MemberId("Precision");
 constexpr std::int32_t kType = MemberId("Type");
 
-std::int32_t ActualSize(const Variant& value, std::int32_t defined_size) {
+std::int32_t ActualSize(const Field& field, const Variant& value) {
   if (value.is_null()) return 0;
-  if (const auto* text = value.get_if<std::string>()) return static_cast<std::int32_t>(Utf16Length(*text));
+  const auto* text = KeepsText(field) ? value.get_if<std::string>() : nullptr;
+  if (text != nullptr) return static_cast<std::int32_t>(Utf16Length(*text));
   if (const auto* bytes = value.get_if<Bytes>()) return static_cast<std::int32_t>(bytes->size());
-  return defined_size;
+  return TraitsOf(field).size;
 }
 
 }  // namespace
@@ -55,7 +56,12 @@ const ClassDescription& FieldObject::Description() {
 }
 
 std::optional<std::string_view> FieldObject::FindText(const Member& member) const {
-  return member.id == kDefaultMember ? view_->FindText(field_) : std::nullopt;
+  const auto text = member.id == kDefaultMember ? view_->FindText(field_) : std::nullopt;
+  return text && KeepsText(view_->fields()[field_]) ? text : std::nullopt;
+}
+
+std::optional<Variant> FieldObject::DefaultValue() {
+  return ClientValue(view_->fields()[field_], view_->Value(field_));
 }
 
 Variant FieldObject::Do(const Member& member, MemberUse use, std::span<Variant> /*arguments*/) {
@@ -69,14 +75,17 @@ Variant FieldObject::Do(const Member& member, MemberUse use, std::span<Variant> 
     case kDefinedSize:
       return TraitsOf(field).size;
     case kActualSize:
-      return ActualSize(view_->Value(field_), TraitsOf(field).size);
+      return ActualSize(field, view_->Value(field_));
     case kPrecision:
       return TraitsOf(field).precision;
     case kNumericScale:
       return TraitsOf(field).scale;
     default:
-      return view_->Value(field_);
+      break;
   }
+  Variant value = view_->Value(field_);
+  ToClientValue(field, value);
+  return value;
 }
 
 const ClassDescription& FieldsObject::Description() {
@@ -118,7 +127,7 @@ const std::shared_ptr<Object>& FieldsObject::At(std::size_t field) const {
 }
 
 Variant FieldsObject::Do(const Member& member, MemberUse use, std::span<Variant> arguments) {
-  if (member.id == kCount) return static_cast<std::int32_t>(view_->fields().size());
+  if (member.id == kCount) return view_->open() ? static_cast<std::int32_t>(view_->fields().size()) : 0;
   return Item(arguments[0], use);
 }
 

@@ -21,6 +21,8 @@ class FieldObject final : public AutomationObject {
   static const ClassDescription& Description();
   [[nodiscard]] const ClassDescription& description() const override { return Description(); }
   [[nodiscard]] std::optional<std::string_view> FindText(const Member& member) const override;
+  /// The value in the current row.
+  [[nodiscard]] std::optional<Variant> DefaultValue() override;
 
  protected:
   Variant Do(const Member& member, MemberUse use, std::span<Variant> arguments) override;

@@ -1,5 +1,9 @@
 #include "objects/field_traits.h"
 
+#include <utility>
+
+#include "platform/single.h"
+
 namespace tessarlorn {
 namespace {
 
@@ -74,6 +78,32 @@ FieldTraits TraitsOf(const Field& field) {
       break;
   }
   return SizedTraits(field, 202, 203, kMostCharacters, "string", "");
+}
+
+void ToClientValue(const Field& field, Variant& value) {
+  if (value.is_null()) return;
+  switch (field.type) {
+    case FieldType::kTinyInt:
+      value = std::move(value).WithClientType(ClientType::kByte);
+      break;
+    case FieldType::kReal:
+      value = Variant(Widened(static_cast<float>(value.ToDouble()))).WithClientType(ClientType::kSingle);
+      break;
+    case FieldType::kMoney:
+      value = std::move(value).WithClientType(ClientType::kCurrency);
+      break;
+    case FieldType::kTime: {
+      // Two days before the one from which the component counts.
+      constexpr std::int64_t kTwoDays = std::int64_t{2} * 24 * 60 * 60 * 1000;
+      value = DateTime(value.ToDateTime().milliseconds() - kTwoDays);
+      break;
+    }
+    case FieldType::kGuid:
+      value = "{" + value.ToText() + "}";
+      break;
+    default:
+      break;
+  }
 }
 
 }  // namespace tessarlorn

@@ -1,4 +1,4 @@
-// What clients of ADO are told about the type of a field.
+// What clients of ADO are told about the type of a field, and its values in that type.
 #pragma once
 
 #include <cstdint>
@@ -28,5 +28,15 @@ struct FieldTraits {
 };
 
 FieldTraits TraitsOf(const Field& field);
+
+/// Makes a field's value what clients have: in the type that they are told, a time on day zero of automation, an
+/// identifier in braces. Of bigint, which scripts have no type for, it stays a Long or a Decimal.
+void ToClientValue(const Field& field, Variant& value);
+inline Variant ClientValue(const Field& field, Variant value) {
+  ToClientValue(field, value);
+  return value;
+}
+/// Whether clients have texts of the field as they are.
+inline bool KeepsText(const Field& field) { return field.type != FieldType::kGuid; }
 
 }  // namespace tessarlorn

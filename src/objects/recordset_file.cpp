@@ -63,23 +63,16 @@ std::string Escaped(std::string_view text) {
   return out;
 }
 
-std::string DateText(const DateTime& date, FieldType type) {
-  std::string text = date.ToString(date.milliseconds() % 1000 != 0);
-  constexpr std::size_t kDateSize = 10;
-  if (type == FieldType::kDate) return text.substr(0, kDateSize);
-  if (type == FieldType::kTime) return text.substr(kDateSize + 1);
-  text[kDateSize] = 'T';
-  return text;
-}
-
 std::string ValueText(const Variant& value, const Field& field) {
-  if (const auto* date = value.get_if<DateTime>()) return DateText(*date, field.type);
-  if (const auto* number = value.get_if<double>()) {
+  const Variant own = ClientValue(field, value);
+  if (const auto* number = own.get_if<double>()) {
     // The shortest text that reads back as the same number.
     std::array<char, 32> buffer;
     return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), *number).ptr};
   }
-  return Escaped(CellText(value));
+  std::string text = CellText(field, value);
+  if (value.holds<DateTime>()) std::replace(text.begin(), text.end(), ' ', 'T');
+  return Escaped(text);
 }
 
 /// The attributes under which the fields stand: their names, and others for those that cannot be one or are taken.
@@ -144,8 +137,9 @@ void WriteText(const RecordsetView& view, std::ostream& out) {
   for (std::size_t i = 0; i < fields.size(); ++i) out << (i == 0 ? "" : "\t") << cell(fields[i].name);
   out << "\r\n";
   for (std::size_t position = 1; view.IsRow(position); ++position) {
-    for (std::size_t i = 0; i < fields.size(); ++i)
-      out << (i == 0 ? "" : "\t") << cell(CellText(view.Value(position, i)));
+    for (std::size_t i = 0; i < fields.size(); ++i) {
+      out << (i == 0 ? "" : "\t") << cell(CellText(fields[i], view.Value(position, i)));
+    }
     out << "\r\n";
   }
 }

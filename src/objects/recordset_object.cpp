@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "objects/array.h"
+#include "objects/field_traits.h"
 #include "objects/recordset_errors.h"
 #include "objects/recordset_file.h"
 #include "platform/error.h"
@@ -107,9 +108,16 @@ class RowCells final : public ArraySource {
   RowCells(RecordsetPtr rows, std::vector<std::size_t> numbers, std::vector<std::size_t> columns)
       : rows_(std::move(rows)), numbers_(std::move(numbers)), columns_(std::move(columns)) {}
 
-  [[nodiscard]] Variant At(std::size_t place) const override { return rows_->Get(Locate(place)); }
+  [[nodiscard]] Variant At(std::size_t place) const override {
+    const std::size_t field = Locate(place);
+    Variant value = rows_->Get(field);
+    ToClientValue(rows_->fields()[field], value);
+    return value;
+  }
   [[nodiscard]] std::optional<std::string_view> TextAt(std::size_t place) const override {
-    return rows_->FindText(Locate(place));
+    const std::size_t field = Locate(place);
+    const auto text = rows_->FindText(field);
+    return text && KeepsText(rows_->fields()[field]) ? text : std::nullopt;
   }
 
  private:
@@ -314,7 +322,7 @@ Variant RecordsetObject::GetString(std::span<const Variant> arguments) {
     for (std::size_t column = 0; column < columns; ++column) {
       if (column > 0) text += column_end;
       const Variant value = view_->Value(position, column);
-      text += value.is_null() ? null_text : CellText(value);
+      text += value.is_null() ? null_text : CellText(view_->fields()[column], value);
     }
     text += row_end;
   }
@@ -360,13 +368,14 @@ void RecordsetObject::Save(const Variant& destination, const Variant& format) {
 
 Variant RecordsetObject::Do(const Member& member, MemberUse use, std::span<Variant> arguments) {
   if (member.id == kState) return view_->open() ? kStateOpen : 0;
-  const RecordsetPtr& rows = view_->rows();
   const bool put = use == kPut;
+  if (member.id == kDefaultMember) {
+    if (!arguments[0].is_empty()) return fields_->Item(arguments[0], use);
+    if (put) RaiseReadOnlyRows(member.name);
+    return std::shared_ptr<Object>(fields_);
+  }
+  const RecordsetPtr& rows = view_->rows();
   switch (member.id) {
-    case kDefaultMember:
-      if (!arguments[0].is_empty()) return fields_->Item(arguments[0], use);
-      if (put) RaiseReadOnlyRows(member.name);
-      return std::shared_ptr<Object>(fields_);
     case kEof:
       return view_->eof();
     case kBof:

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <numeric>
 
+#include "objects/field_traits.h"
 #include "objects/recordset_errors.h"
 #include "objects/row_condition.h"
 #include "objects/row_order.h"
+#include "platform/object_service.h"
 #include "platform/text.h"
 
 namespace tessarlorn {
@@ -74,6 +76,10 @@ std::size_t RecordsetView::FieldIndex(const Variant& name_or_position) {
     // Of fields with one name the first is found.
     for (std::size_t i = 0; i < all.size(); ++i) names_.emplace(all[i].name, i);
   }
+  if (name_or_position.holds<std::shared_ptr<Object>>()) {
+    const Variant value = DefaultValueOf(name_or_position);
+    if (!value.is_object()) return FieldIndex(value);
+  }
   const auto* const name = name_or_position.get_if<std::string>();
   const auto found = name != nullptr ? names_.find(*name) : names_.find(name_or_position.ToText());
   if (found == names_.end()) RaiseNoSuchField(name_or_position.ToText());
@@ -118,9 +124,15 @@ std::optional<std::size_t> RecordsetView::Find(std::string_view condition, std::
   return std::nullopt;
 }
 
-std::string CellText(const Variant& value) {
+std::string CellText(const Field& field, const Variant& value) {
+  if (const auto* date = value.get_if<DateTime>()) {
+    constexpr std::size_t kDateSize = 10;
+    std::string text = date->ToString(date->milliseconds() % 1000 != 0);
+    if (field.type == FieldType::kDate) return text.substr(0, kDateSize);
+    return field.type == FieldType::kTime ? text.substr(kDateSize + 1) : text;
+  }
   const auto* const bytes = value.get_if<Bytes>();
-  return bytes == nullptr ? value.ToText() : LowerCase(HexText(bytes->data(), bytes->size()));
+  return bytes == nullptr ? ClientValue(field, value).ToText() : LowerCase(HexText(bytes->data(), bytes->size()));
 }
 
 }  // namespace tessarlorn

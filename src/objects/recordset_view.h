@@ -72,7 +72,8 @@ class RecordsetView {
   std::unordered_map<std::string_view, std::size_t, NameHash, SameName> names_;
 };
 
-/// A value as text for people: bytes in hexadecimal digits, "" for null.
-std::string CellText(const Variant& value);
+/// A field's value as clients have it, as text for people: bytes in hexadecimal digits, of a date or time only what it
+/// has, milliseconds where there are some; "" for null.
+std::string CellText(const Field& field, const Variant& value);
 
 }  // namespace tessarlorn

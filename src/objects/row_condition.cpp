@@ -80,6 +80,11 @@ Variant InTypeOf(const Field& field, const Variant& value) {
     case FieldType::kTime:
     case FieldType::kDateTime:
       return value.ToDateTime();
+    case FieldType::kGuid: {
+      // Clients have them in braces.
+      const std::string text = value.ToText();
+      return text.starts_with('{') && text.ends_with('}') ? text.substr(1, text.size() - 2) : text;
+    }
     case FieldType::kBinary:
     case FieldType::kVarBinary:
       RaiseTypeMismatch();

@@ -37,7 +37,7 @@ Run database, "select replicate(cast(nchar(24352) as nvarchar(max)), 30000) as F
   "cast(-99999999999999999999.5 as decimal(28,1)) as FDecimal, cast('9999-12-31 23:59:59' as datetime) as FLast, " & _
   "cast('0100-01-01' as date) as FFirst, cast('6F9619FF-8B86-D011-B42D-00C04FC964FF' as uniqueidentifier) as FGuid"
 WScript.Echo Len(rs("FLong")), Right(rs("FLong"), 1) = rs("FOne"), IsNull(rs("FNone").Value), CStr(rs("FDecimal").Value) '= 30000 -1 -1 -99999999999999999999.5
-WScript.Echo Year(rs("FLast").Value), Second(rs("FLast").Value), Year(rs("FFirst").Value), rs("FGuid") '= 9999 59 100 6F9619FF-8B86-D011-B42D-00C04FC964FF
+WScript.Echo Year(rs("FLast").Value), Second(rs("FLast").Value), Year(rs("FFirst").Value), rs("FGuid") '= 9999 59 100 {6F9619FF-8B86-D011-B42D-00C04FC964FF}
 
 ' A call leaves nothing to the next one on its connection.
 Run database, "create table R (FID int primary key) insert R values (1) select 7 as FSeven into #Left begin tran insert R values (2)"

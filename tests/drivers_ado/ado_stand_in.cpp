@@ -112,36 +112,11 @@ class StandInErrors final : public BaseCollection<IAdoErrors, IAdoError> {
 
 /// A value as ADO gives one of that type, in `*out`.
 void PutCell(const Variant& value, const Field& field, VARIANT* out) {
-  constexpr std::int64_t kTwoDays = 2LL * 86'400'000;
-  com::ToPlainVariant(value, out);
-  if (value.is_null()) return;
-  switch (static_cast<DataType>(TraitsOf(field).type)) {
-    case DataType::kUnsignedTinyInt:
-      out->bVal = static_cast<BYTE>(value.ToInt16());
-      out->vt = VT_UI1;
-      break;
-    case DataType::kBigInt:
-      out->llVal = value.ToDecimal().ToScaled(0).value();
-      out->vt = VT_I8;
-      break;
-    case DataType::kSingle:
-      out->fltVal = static_cast<float>(value.ToDouble());
-      out->vt = VT_R4;
-      break;
-    case DataType::kCurrency:
-      out->cyVal.int64 = value.ToDecimal().ToScaled(4).value();
-      out->vt = VT_CY;
-      break;
-    case DataType::kDBTime:
-      // On the day from which automation counts.
-      com::ToPlainVariant(DateTime(value.ToDateTime().milliseconds() - kTwoDays), out);
-      break;
-    case DataType::kGuid:
-      VariantClear(out);
-      com::ToPlainVariant("{" + value.ToText() + "}", out);
-      break;
-    default:
-      break;
+  if (field.type == FieldType::kBigInt && !value.is_null()) {
+    out->llVal = value.ToDecimal().ToScaled(0).value();
+    out->vt = VT_I8;
+  } else {
+    com::ToPlainVariant(ClientValue(field, value), out);
   }
 }
 

@@ -184,7 +184,7 @@ TEST_P(ConnectionContract, ValuesKeepTypeAndValue) {
       {"cast(-922337203685477.5808 as money)", FieldType::kMoney, 0, 19, 4, "-922337203685477.5808"},
       {"cast(0.5 as real)", FieldType::kReal, 0, 0, 0, "0.5"},
       {"1.7976931348623157e308", FieldType::kFloat, 0, 0, 0, nullptr},
-      {"cast('0001-01-01' as date)", FieldType::kDate, 0, 0, 0, "0001-01-01 00:00:00"},
+      {"cast('0100-01-01' as date)", FieldType::kDate, 0, 0, 0, "0100-01-01 00:00:00"},
       {"cast('23:59:58.997' as time)", FieldType::kTime, 0, 0, 0, "1900-01-01 23:59:58"},
       {"cast('9999-12-31 23:59:59' as datetime)", FieldType::kDateTime, 0, 0, 0, "9999-12-31 23:59:59"},
       {"cast('ab' as char(4))", FieldType::kChar, 4, 0, 0, "ab  "},

@@ -131,16 +131,19 @@ TEST_F(RecordsetFileTest, XmlHoldsOddNamesAndCharacters) {
 
 TEST_F(RecordsetFileTest, XmlKeepsEveryDigitAndMillisecond) {
   Recordset rows({{.name = "real", .type = FieldType::kFloat},
+                  {.name = "single", .type = FieldType::kReal},
                   {.name = "at", .type = FieldType::kDateTime},
                   {.name = "day", .type = FieldType::kDate},
                   {.name = "hour", .type = FieldType::kTime}});
   rows.BeginRow();
   rows.AppendDouble(0.1 + 0.2);
+  rows.AppendDouble(static_cast<double>(1.1F));
   for (int i = 0; i < 3; ++i) rows.AppendDateTime(DateTime::Parse("1899-12-31 23:59:58.997").value());
   rows.Finish();
   SaveRecordset(RecordsetView(std::make_shared<Recordset>(std::move(rows))), path_, true);
   const SavedXml saved = ReadXml(path_);
   EXPECT_EQ(saved.rows.at(0), (Attributes{{"real", "0.30000000000000004"},
+                                          {"single", "1.1"},
                                           {"at", "1899-12-31T23:59:58.997"},
                                           {"day", "1899-12-31"},
                                           {"hour", "23:59:58.997"}}));

@@ -1,17 +1,21 @@
 #include "com/base/plain_values.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <limits>
 #include <new>
 
 #include "com/base/errors.h"
 #include "com/base/pointers.h"
+#include "platform/single.h"
 
 namespace tessarlorn::com {
 namespace {
 
 constexpr int kCurrencyScale = 4;
 constexpr int kDecimalScale = 28;
+constexpr double kFirstDate = -657434;
 
 Variant FromDecimal(const DECIMAL& value) {
   Decimal::Limbs limbs{};
@@ -28,7 +32,39 @@ Bytes FromBytes(SAFEARRAY* array) {
   return {access.bytes(), access.bytes() + access.size(1)};
 }
 
-void PutDecimal(const Decimal& value, VARIANT* out) {
+void PutInteger(std::int16_t value, ClientType type, VARIANT* out) {
+  if (type == ClientType::kByte && value >= 0 && value <= std::numeric_limits<BYTE>::max()) {
+    out->vt = VT_UI1;
+    out->bVal = static_cast<BYTE>(value);
+  } else {
+    out->vt = VT_I2;
+    out->iVal = value;
+  }
+}
+
+void PutReal(double value, ClientType type, VARIANT* out) {
+  if (type == ClientType::kSingle && !(std::abs(value) > std::numeric_limits<float>::max())) {
+    out->vt = VT_R4;
+    out->fltVal = static_cast<float>(value);
+  } else {
+    out->vt = VT_R8;
+    out->dblVal = value;
+  }
+}
+
+void PutDate(const DateTime& value, VARIANT* out) {
+  const double date = value.ToAutomation();
+  if (date < kFirstDate) RaiseOverflow();
+  out->vt = VT_DATE;
+  out->date = date;
+}
+
+void PutDecimal(const Decimal& value, ClientType type, VARIANT* out) {
+  if (const auto scaled = type == ClientType::kCurrency ? value.ToScaled(kCurrencyScale) : std::nullopt) {
+    out->vt = VT_CY;
+    out->cyVal.int64 = *scaled;
+    return;
+  }
   const Decimal::Limbs& limbs = value.limbs();
   const bool fits = value.scale() <= kDecimalScale &&
                     std::all_of(limbs.begin() + 3, limbs.end(), [](std::uint32_t limb) { return limb == 0; });
@@ -58,57 +94,109 @@ bool IsLeftOut(const VARIANT& value) {
   return value.vt == VT_ERROR && value.scode == DISP_E_PARAMNOTFOUND;
 }
 
+std::size_t WidthOf(VARTYPE type) {
+  if ((type & VT_ARRAY) != 0) return sizeof(SAFEARRAY*);
+  switch (type) {
+    case VT_I1:
+    case VT_UI1:
+      return sizeof(BYTE);
+    case VT_I2:
+    case VT_UI2:
+    case VT_BOOL:
+      return sizeof(SHORT);
+    case VT_I4:
+    case VT_UI4:
+    case VT_INT:
+    case VT_UINT:
+    case VT_R4:
+    case VT_ERROR:
+      return sizeof(LONG);
+    case VT_I8:
+    case VT_UI8:
+    case VT_R8:
+    case VT_CY:
+    case VT_DATE:
+      return sizeof(LONGLONG);
+    case VT_DECIMAL:
+      return sizeof(DECIMAL);
+    case VT_BSTR:
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+      return sizeof(void*);
+    case VT_VARIANT:
+      return sizeof(VARIANT);
+    default:
+      return 0;
+  }
+}
+
+VARIANT Referred(const VARIANT& reference) {
+  const VARTYPE type = TypeBehind(reference);
+  const std::size_t width = WidthOf(type);
+  if (reference.byref == nullptr || width == 0) RaiseTypeMismatch();
+  if (type == VT_VARIANT) return *reference.pvarVal;
+  VARIANT value{};
+  if (type == VT_DECIMAL) {
+    value.decVal = *reference.pdecVal;
+  } else {
+    std::memcpy(&value.llVal, reference.byref, width);
+  }
+  value.vt = type;
+  return value;
+}
+
+bool IsBytes(const VARIANT& value) {
+  return value.vt == (VT_ARRAY | VT_UI1) && (value.parray == nullptr || SafeArrayGetDim(value.parray) == 1);
+}
+
 Variant FromPlainVariant(const VARIANT& value) {
-  const bool reference = (value.vt & VT_BYREF) != 0;
-  if (reference && value.byref == nullptr) RaiseTypeMismatch();
-  if (value.vt == (VT_VARIANT | VT_BYREF)) return FromPlainVariant(*value.pvarVal);
+  if ((value.vt & VT_BYREF) != 0) return FromPlainVariant(Referred(value));
   if (IsLeftOut(value)) return {};
-  const auto get = [reference](auto own, const auto* behind) { return reference ? *behind : own; };
-  switch (TypeBehind(value)) {
+  switch (value.vt) {
     case VT_EMPTY:
       return {};
     case VT_NULL:
       return Null{};
     case VT_BOOL:
-      return get(value.boolVal, value.pboolVal) != VARIANT_FALSE;
+      return value.boolVal != VARIANT_FALSE;
     case VT_I1:
-      return static_cast<std::int16_t>(static_cast<signed char>(get(value.cVal, value.pcVal)));
+      return static_cast<std::int16_t>(static_cast<signed char>(value.cVal));
     case VT_UI1:
-      return static_cast<std::int16_t>(get(value.bVal, value.pbVal));
+      return Variant(std::int16_t{value.bVal}).WithClientType(ClientType::kByte);
     case VT_I2:
-      return static_cast<std::int16_t>(get(value.iVal, value.piVal));
+      return static_cast<std::int16_t>(value.iVal);
     case VT_UI2:
-      return static_cast<std::int32_t>(get(value.uiVal, value.puiVal));
+      return static_cast<std::int32_t>(value.uiVal);
     case VT_I4:
     case VT_INT:
-      return static_cast<std::int32_t>(get(value.lVal, value.plVal));
+      return static_cast<std::int32_t>(value.lVal);
     case VT_UI4:
     case VT_UINT:
-      return static_cast<std::int64_t>(get(value.ulVal, value.pulVal));
+      return static_cast<std::int64_t>(value.ulVal);
     case VT_I8:
-      return static_cast<std::int64_t>(get(value.llVal, value.pllVal));
+      return static_cast<std::int64_t>(value.llVal);
     case VT_UI8: {
-      const std::uint64_t number = get(value.ullVal, value.pullVal);
+      const std::uint64_t number = value.ullVal;
       const Decimal::Limbs limbs = {static_cast<std::uint32_t>(number), static_cast<std::uint32_t>(number >> 32)};
       return Decimal::FromLimbs(limbs, 0, false).value_or(Decimal());
     }
     case VT_R4:
-      return static_cast<double>(get(value.fltVal, value.pfltVal));
+      return Variant(Widened(value.fltVal)).WithClientType(ClientType::kSingle);
     case VT_R8:
-      return get(value.dblVal, value.pdblVal);
+      return value.dblVal;
     case VT_CY:
-      return Decimal::FromScaled(get(value.cyVal, value.pcyVal).int64, kCurrencyScale);
+      return Variant(Decimal::FromScaled(value.cyVal.int64, kCurrencyScale)).WithClientType(ClientType::kCurrency);
     case VT_DECIMAL:
-      return FromDecimal(reference ? *value.pdecVal : value.decVal);
+      return FromDecimal(value.decVal);
     case VT_DATE: {
-      const auto date = DateTime::FromAutomation(get(value.date, value.pdate));
+      const auto date = DateTime::FromAutomation(value.date);
       if (!date) RaiseOverflow();
       return *date;
     }
     case VT_ARRAY | VT_UI1:
-      return FromBytes(get(value.parray, value.pparray));
+      return FromBytes(value.parray);
     case VT_BSTR:
-      return ToText(get(value.bstrVal, value.pbstrVal));
+      return ToText(value.bstrVal);
     default:
       RaiseTypeMismatch();
   }
@@ -122,19 +210,16 @@ bool ToPlainVariant(const Variant& value, VARIANT* out) {
     out->vt = VT_BOOL;
     out->boolVal = *flag ? VARIANT_TRUE : VARIANT_FALSE;
   } else if (const auto* small = value.get_if<std::int16_t>()) {
-    out->vt = VT_I2;
-    out->iVal = *small;
+    PutInteger(*small, value.client_type(), out);
   } else if (const auto* number = value.get_if<std::int32_t>()) {
     out->vt = VT_I4;
     out->lVal = *number;
   } else if (const auto* real = value.get_if<double>()) {
-    out->vt = VT_R8;
-    out->dblVal = *real;
+    PutReal(*real, value.client_type(), out);
   } else if (const auto* decimal = value.get_if<Decimal>()) {
-    PutDecimal(*decimal, out);
+    PutDecimal(*decimal, value.client_type(), out);
   } else if (const auto* date = value.get_if<DateTime>()) {
-    out->vt = VT_DATE;
-    out->date = date->ToAutomation();
+    PutDate(*date, out);
   } else if (const auto* text = value.get_if<std::string>()) {
     PutText(*text, out);
   } else if (const auto* bytes = value.get_if<Bytes>()) {

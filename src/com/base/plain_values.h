@@ -15,12 +15,21 @@ bool IsLeftOut(const VARIANT& value);
 /// The type of a value or of what a reference refers to.
 inline VARTYPE TypeBehind(const VARIANT& value) { return static_cast<VARTYPE>(value.vt & ~VT_BYREF); }
 
+/// Bytes of a value of the type behind a reference or in an array; 0 for a type that automation's variables do not
+/// have.
+std::size_t WidthOf(VARTYPE type);
+/// What a reference refers to, as a value that shares it and is not to be cleared. Raises 13 for a reference to
+/// nothing.
+VARIANT Referred(const VARIANT& reference);
+/// Whether the value is an array of bytes in one dimension, or none at all.
+bool IsBytes(const VARIANT& value);
+
 /// A value of automation as the component's: what is left out is empty; a reference gives what it refers to; an array
-/// of bytes gives Bytes. Raises 13 for objects, other arrays and types that automation does not have, 6 for a date that
-/// the component does not know.
+/// of bytes gives Bytes. Raises 13 for objects, other arrays and types that automation does not have, 6 for a date
+/// outside of automation's.
 Variant FromPlainVariant(const VARIANT& value);
 /// The component's value as automation's, in `*out`, which is VT_EMPTY before; false when it is an object. Decimals
-/// beyond 28 digits become text.
+/// beyond 28 digits become text. Raises 6 for a date before automation's first one.
 bool ToPlainVariant(const Variant& value, VARIANT* out);
 
 /// A text as automation's, in `*out`, which is VT_EMPTY before.

@@ -1,6 +1,8 @@
 #include "com/collections.h"
 
+#include <algorithm>
 #include <memory>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -29,10 +31,11 @@ class Collector {
     const auto* const object = value.get_if<std::shared_ptr<Object>>();
     if (object == nullptr) return value;
     if (const auto* array = dynamic_cast<const Array*>(object->get())) {
+      if (array->dimensions() != 1) RaiseTypeMismatch();
       return Once(array, value, [&] { return FromItems(array->Values()); });
     }
     auto* const foreign = dynamic_cast<ForeignObject*>(object->get());
-    if (foreign == nullptr) return value;
+    if (foreign == nullptr) return DefaultValueOf(value);
     return Once(IdentityOf(*foreign), value, [&] { return FromForeign(*foreign, value); });
   }
 
@@ -81,8 +84,10 @@ class Collector {
       for (const Variant& key : *keys) dictionary->SetValue(key.ToText(), Convert(foreign.Call("Item", {&key, 1})));
       return dictionary;
     }
-    if (foreign.Has("Count") && foreign.Has("Item") && !foreign.Has("EOF")) return FromItems(foreign.Items());
-    return value;
+    // Rows are no value, and what else the fields of the current one are is for whoever reads them.
+    if (foreign.Has("EOF")) return value;
+    if (const auto items = foreign.Has("Count") ? foreign.Items() : std::nullopt) return FromItems(*items);
+    return DefaultValueOf(value);
   }
 
   /// By identity; references to its values stay good while it grows.
@@ -92,9 +97,13 @@ class Collector {
 
 }  // namespace
 
-void WithCollections(std::span<Variant> values) {
+void WithCollections(std::span<const Argument> declared, std::span<Variant> values) {
   Collector collector;
-  for (Variant& value : values) value = collector.Convert(value);
+  for (std::size_t i = 0; i < std::min(declared.size(), values.size()); ++i) {
+    if (declared[i].type == ValueType::kDictionary || declared[i].type == ValueType::kVector) {
+      values[i] = collector.Convert(values[i]);
+    }
+  }
 }
 
 }  // namespace tessarlorn::com

@@ -8,6 +8,7 @@
 #include <span>
 #include <utility>
 
+#include "automation/arguments.h"
 #include "com/base/errors.h"
 #include "com/base/plain_values.h"
 #include "com/collections.h"
@@ -15,7 +16,6 @@
 #include "com/module.h"
 #include "com/type_library.h"
 #include "com/values.h"
-#include "objects/service_class.h"
 #include "platform/text.h"
 
 namespace tessarlorn::com {
@@ -33,8 +33,8 @@ class Arguments {
   Arguments& operator=(const Arguments&) = delete;
   ~Arguments() { std::destroy_n(space_.values.data(), count_); }
 
-  /// To be called once. @param named_value whether the first one is the new value of a property, which goes last
-  void Read(const DISPPARAMS& given, const Member& member, bool named_value);
+  /// To be called once. The new value of a property goes last; `by_value` tells that it is put without Set.
+  void Read(const DISPPARAMS& given, const AutomationObject& object, const Member& member, bool put, bool by_value);
   [[nodiscard]] std::span<Variant> values() noexcept { return {space_.values.data(), count_}; }
   /// nullptr for one that is left out.
   [[nodiscard]] const VARIANT* source(std::size_t argument) const noexcept { return sources_[argument]; }
@@ -56,11 +56,28 @@ class Arguments {
   std::size_t count_ = 0;
 };
 
-void Arguments::Read(const DISPPARAMS& given, const Member& member, bool named_value) {
+/// Whether an object in its place is read through its default member. What keeps values of any kind keeps the object.
+bool TakesPlainValue(const Argument& argument) {
+  switch (argument.type) {
+    case ValueType::kDictionary:
+    case ValueType::kVector:
+    case ValueType::kRecordset:
+      return false;
+    case ValueType::kVariant:
+      return argument.in_out;
+    default:
+      return true;
+  }
+}
+
+void Arguments::Read(const DISPPARAMS& given, const AutomationObject& object, const Member& member, bool put,
+                     bool by_value) {
   const UINT named = given.cNamedArgs;
-  const UINT value_count = named_value ? 1 : 0;
-  if (named > given.cArgs || (named_value && named == 0) || given.cArgs > kMost) {
-    Raise(error_number::kWrongArgumentCount, "Wrong number of arguments: " + std::string(member.name));
+  const UINT value_count = put ? 1 : 0;
+  const std::span<const Argument> declared = member.arguments;
+  const bool has_value = named > 0 && given.rgdispidNamedArgs[0] == DISPID_PROPERTYPUT;
+  if (named > given.cArgs || put != has_value || given.cArgs > kMost) {
+    Raise(error_number::kWrongArgumentCount, "Wrong number of arguments: " + object.description().FullName(member));
   }
   if (given.cArgs == 0) return;
   std::size_t count = given.cArgs - named;
@@ -68,9 +85,13 @@ void Arguments::Read(const DISPPARAMS& given, const Member& member, bool named_v
   for (UINT i = value_count; i < named; ++i) {
     const DISPID position = given.rgdispidNamedArgs[i];
     const auto index = static_cast<std::size_t>(position);
-    if (position < 0 || index >= member.arguments.size()) {
-      Raise(error_number::kWrongArgumentCount,
-            "No argument number " + std::to_string(position) + ": " + std::string(member.name));
+    if (position < 0 || index >= declared.size()) {
+      Raise(error_number::kNoSuchNamedArgument, "Named argument not found: number " + std::to_string(position) +
+                                                    " of " + object.description().FullName(member));
+    }
+    if (sources_[index] != nullptr) {
+      Raise(error_number::kWrongArgumentCount, "Argument given twice: " + std::string(declared[index].name) + " of " +
+                                                   object.description().FullName(member));
     }
     count = std::max(count, index + 1);
     sources_[index] = &given.rgvarg[i];
@@ -79,29 +100,30 @@ void Arguments::Read(const DISPPARAMS& given, const Member& member, bool named_v
   const auto left_out = [](const VARIANT* source) { return source == nullptr || IsLeftOut(*source); };
   while (count > 0 && left_out(sources_[count - 1])) --count;
   for (std::size_t i = 0; i < count; ++i) {
-    if (i < member.arguments.size() && !member.arguments[i].optional && left_out(sources_[i])) {
-      Raise(error_number::kArgumentNotOptional,
-            "Argument not optional: " + std::string(member.arguments[i].name) + " of " + std::string(member.name));
-    }
+    if (i >= declared.size()) break;
+    if (!declared[i].optional && left_out(sources_[i]))
+      RaiseArgumentMissing(declared[i], object.description().FullName(member));
+    // Not only when the work is done.
+    const VARIANT* const written = declared[i].in_out ? sources_[i] : nullptr;
+    if (written != nullptr && (written->vt & VT_BYREF) != 0 && !CanWriteBack(*written)) RaiseTypeMismatch();
   }
-  if (named_value) sources_[count++] = &given.rgvarg[0];
-  for (; count_ < count; ++count_) {
+  const std::size_t arguments = count;
+  if (put) sources_[count++] = &given.rgvarg[0];
+  while (count_ < count) {
     const VARIANT* const source = sources_[count_];
-    std::construct_at(&space_.values[count_], source == nullptr ? Variant() : FromVariant(*source));
+    Variant& value = space_.values[count_];
+    std::construct_at(&value, source == nullptr ? Variant() : FromVariant(*source));
+    const std::size_t place = count_++;
+    if (!value.holds<std::shared_ptr<Object>>()) continue;
+    const bool plain = place < arguments ? place < declared.size() && TakesPlainValue(declared[place]) : by_value;
+    if (plain) value = DefaultValueOf(std::move(value));
   }
-}
-
-/// Whether the members are operations, which know no collections but the component's own.
-bool IsService(const ClassDescription& description) {
-  return &description == &ServiceClassObject::Description(ServiceClass::kSaveData) ||
-         &description == &ServiceClassObject::Description(ServiceClass::kGetData);
 }
 
 /// Lives as long as the object, which keeps it; clients that hold references keep the object.
 class Dispatch final : public ObjectFace, public IDispatch, public ISupportErrorInfo, public IProvideClassInfo {
  public:
-  explicit Dispatch(const AutomationObject& object)
-      : is_service_(IsService(object.description())), interface_id_(ToGuid(object.description().interface_id)) {}
+  explicit Dispatch(const AutomationObject& object) : interface_id_(ToGuid(object.description().interface_id)) {}
 
   [[nodiscard]] const std::shared_ptr<AutomationObject>& object() const noexcept { return object_; }
   /// Counts one more reference. @param object the one that keeps it
@@ -168,7 +190,6 @@ class Dispatch final : public ObjectFace, public IDispatch, public ISupportError
   void Use(const Member& member, WORD flags, const DISPPARAMS& parameters, VARIANT* result);
 
   const ModuleLock lock_;
-  const bool is_service_;
   const GUID interface_id_;
   std::atomic<ULONG> references_{0};
   /// Nothing while there is no reference.
@@ -208,9 +229,10 @@ void Dispatch::Use(const Member& member, WORD flags, const DISPPARAMS& parameter
     if (const auto text = object_->FindText(member)) return PutText(*text, result);
   }
   Arguments arguments;
-  arguments.Read(parameters, member, put);
+  arguments.Read(parameters, *object_, member, put, (flags & DISPATCH_PROPERTYPUTREF) == 0);
   const std::span<Variant> values = arguments.values();
-  if (is_service_) WithCollections(values);
+  // Operations know no collections but the component's own.
+  if (member.operation != nullptr) WithCollections(member.arguments, values);
   const Variant answer = object_->Use(member, use, values);
   for (std::size_t i = 0; i < member.arguments.size() && i < values.size(); ++i) {
     if (member.arguments[i].in_out && arguments.source(i) != nullptr) WriteBack(values[i], *arguments.source(i));
@@ -225,7 +247,8 @@ HRESULT Dispatch::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parame
   try {
     const Member* const member = object_->description().Find(id);
     if (member == nullptr) return DISP_E_MEMBERNOTFOUND;
-    if (id == kEnumerationMember) {
+    constexpr WORD kPuts = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
+    if (id == kEnumerationMember && (flags & kPuts) == 0) {
       if (result == nullptr) return S_OK;
       result->punkVal = MakeEnumeration(object_->Items()).Release();
       result->vt = VT_UNKNOWN;

@@ -26,11 +26,30 @@ class Arguments {
   std::vector<VARIANT> variants_;
 };
 
-void InvokeMember(IDispatch& object, DISPID id, DISPPARAMS& parameters, VARIANT& result, const std::string& what) {
+void InvokeMember(IDispatch& object, DISPID id, WORD flags, DISPPARAMS& parameters, VARIANT& result,
+                  const std::string& what) {
   EXCEPINFO info{};
-  const HRESULT status = object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD | DISPATCH_PROPERTYGET,
-                                       &parameters, &result, &info, nullptr);
+  const HRESULT status = object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, &result, &info, nullptr);
   if (FAILED(status)) RaiseFailure(status, info, what);
+}
+
+/// Reads a member without arguments; false when the object has none of that number, or one that needs arguments.
+bool Read(IDispatch& object, DISPID id, WORD flags, VARIANT& result, const std::string& what) {
+  DISPPARAMS none{};
+  try {
+    InvokeMember(object, id, flags, none, result, what);
+    return true;
+  } catch (const Error& error) {
+    if (error.number() != error_number::kNoSuchMember && error.number() != error_number::kWrongArgumentCount &&
+        error.number() != error_number::kArgumentNotOptional) {
+      throw;
+    }
+    return false;
+  }
+}
+
+IUnknown* ObjectIn(const VARIANT& value) {
+  return value.vt == VT_UNKNOWN || value.vt == VT_DISPATCH ? value.punkVal : nullptr;
 }
 
 }  // namespace
@@ -60,23 +79,43 @@ Variant ForeignObject::Call(std::string_view method, std::span<const Variant> ar
   Arguments own(arguments);
   DISPPARAMS parameters = own.parameters();
   OwnedVariant result;
-  InvokeMember(*object_.get(), id, parameters, result.get(), std::string(method));
+  InvokeMember(*object_.get(), id, DISPATCH_METHOD | DISPATCH_PROPERTYGET, parameters, result.get(),
+               std::string(method));
   return FromVariant(result.get());
 }
 
-std::vector<Variant> ForeignObject::Items() {
-  DISPPARAMS none{};
+std::optional<Variant> ForeignObject::DefaultValue() {
+  // Whose default member is an object has that one's default value; one that answers itself has none.
+  constexpr int kFarthest = 8;
+  Pointer<IDispatch> object = object_;
+  for (int i = 0; i < kFarthest && object; ++i) {
+    OwnedVariant result;
+    if (!Read(*object.get(), DISPID_VALUE, DISPATCH_PROPERTYGET, result.get(), "default member")) return std::nullopt;
+    const VARTYPE type = result.get().vt;
+    if (type != VT_DISPATCH && type != VT_UNKNOWN) return FromVariant(result.get());
+    object = Query<IDispatch>(ObjectIn(result.get()));
+  }
+  return std::nullopt;
+}
+
+std::optional<std::vector<Variant>> ForeignObject::Items() {
+  constexpr const char* kWhat = "For Each";
   OwnedVariant result;
-  InvokeMember(*object_.get(), DISPID_NEWENUM, none, result.get(), "For Each");
-  VARIANT& value = result.get();
-  const auto enumeration =
-      Query<IEnumVARIANT>(value.vt == VT_UNKNOWN || value.vt == VT_DISPATCH ? value.punkVal : nullptr);
-  if (!enumeration) Raise(error_number::kNoSuchMember, "Object not a collection");
+  if (!Read(*object_.get(), DISPID_NEWENUM, DISPATCH_METHOD | DISPATCH_PROPERTYGET, result.get(), kWhat)) {
+    return std::nullopt;
+  }
+  const auto enumeration = Query<IEnumVARIANT>(ObjectIn(result.get()));
+  if (!enumeration) return std::nullopt;
   std::vector<Variant> items;
   for (;;) {
     OwnedVariant item;
     ULONG fetched = 0;
-    if (enumeration->Next(1, &item.get(), &fetched) != S_OK || fetched == 0) return items;
+    const HRESULT status = enumeration->Next(1, &item.get(), &fetched);
+    if (FAILED(status)) {
+      EXCEPINFO none{};
+      RaiseFailure(status, none, kWhat);
+    }
+    if (status != S_OK || fetched == 0) return items;
     items.push_back(FromVariant(item.get()));
   }
 }

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,8 +22,10 @@ class ForeignObject final : public Object {
   /// Raises the error that the member raises, with its number, Source and description.
   Variant Call(std::string_view method, std::span<const Variant> arguments) override;
   [[nodiscard]] bool Has(std::string_view member) const;
-  /// What `For Each` goes through. Raises 438 for an object that is no collection.
-  [[nodiscard]] std::vector<Variant> Items();
+  /// What the number of the default member answers without arguments; another object's in its place when it is one.
+  [[nodiscard]] std::optional<Variant> DefaultValue() override;
+  /// What `For Each` goes through, nothing for an object that it does not take. Raises what the enumeration raises.
+  [[nodiscard]] std::optional<std::vector<Variant>> Items();
   [[nodiscard]] IDispatch* get() const noexcept { return object_.get(); }
 
  private:

@@ -31,6 +31,22 @@ WScript.Echo rs.Fields("FName").DefinedSize, rs.Fields("FAmount").Precision, rs.
 rs.MoveNext
 WScript.Echo IsNull(rs("FName").Value), IsNull(rs("FBytes").Value), rs("FName").ActualSize '= -1 -1 0
 
+' What a script reads by the commonest of lines: the field, where its value is wanted.
+Set vector = CreateObject("Mirel.Dictionary")
+vector("FID") = rs("FID")
+vector.Add "FField", rs("FID")
+Set vector("FSet") = rs("FID")
+WScript.Echo TypeName(vector("FID")), TypeName(vector("FField")), TypeName(vector("FSet")), vector("FSet") Is rs("FID") '= Long _Field _Field -1
+Set field = reads.ExecuteSQL(database, "select 'select 7 as a' as FText, cast('06:00' as time) as FTime, cast(1.1 as real) as FReal, " & _
+  "cast('6F9619FF-8B86-D011-B42D-00C04FC964FF' as uniqueidentifier) as FGuid, cast('2026-11-21 18:45:10.250' as datetime) as FDate")
+WScript.Echo reads.ExecuteSQL(database, field("FText"))(0), field("FTime").Value = TimeSerial(6, 0, 0), TypeName(field("FReal").Value) '= 7 -1 Single
+WScript.Echo field.GetString '= select 7 as a	06:00:00	1.1	{6F9619FF-8B86-D011-B42D-00C04FC964FF}	2026-11-21 18:45:10.250
+field.MoveFirst
+field.Filter = "FGuid = '" & field("FGuid").Value & "'"
+WScript.Echo field.RecordCount '= 1
+field.Close
+WScript.Echo field.Fields.Count '= 0
+
 ' Rows as arrays and text; arguments that are converted.
 rs.MoveFirst
 values = rs.GetRows
@@ -67,7 +83,7 @@ vector.Add CByte(200)
 vector.Add 3.25
 vector.Add Null
 vector.Add Array(1, "two", Array(3))
-WScript.Echo vector(1) = chinese, TypeName(vector(2)), vector(3), vector(4), IsNull(vector(5)) '= -1 Decimal 200 3.25 -1
+WScript.Echo vector(1) = chinese, TypeName(vector(2)), vector(3), vector(4), IsNull(vector(5)) '= -1 Currency 200 3.25 -1
 values = vector(6)
 WScript.Echo values(1), UBound(values) '= two 2
 WScript.Echo reads.ExecuteSQL(database, "select count(*) from T where FName = N'" & chinese & "'")(0) '= 1

@@ -53,11 +53,28 @@ TEST_F(CallTest, ArgumentsCanBeNamed) {
   const Answer missing = Invoke(reads.get(), id, DISPATCH_METHOD, {L"select 5 a"}, {1});
   EXPECT_EQ(missing.status, DISP_E_EXCEPTION);
   EXPECT_EQ(missing.error, static_cast<HRESULT>(0x800A01C1));
-  EXPECT_EQ(missing.description, L"Argument not optional: sDsn of ExecuteSQL");
+  EXPECT_EQ(missing.description, L"Argument not optional: sDsn of clsGetData.ExecuteSQL");
   EXPECT_EQ(Invoke(reads.get(), id, DISPATCH_METHOD, {kMemory, L"select 1", 3}, {9}).error,
-            static_cast<HRESULT>(0x800A01C2));
+            static_cast<HRESULT>(0x800A01C0));
+  for (const auto& named : {std::vector<DISPID>{0}, {1, 1}}) {
+    const Answer twice = Invoke(reads.get(), id, DISPATCH_METHOD, {kMemory, L"select 1", L"zz"}, named);
+    EXPECT_EQ(twice.error, static_cast<HRESULT>(0x800A01C2));
+    EXPECT_EQ(twice.description.substr(0, 21), L"Argument given twice:");
+  }
   EXPECT_EQ(Invoke(reads.get(), id, DISPATCH_METHOD, {Value::LeftOut(), L"select 1"}).error,
             static_cast<HRESULT>(0x800A01C1));
+}
+
+TEST_F(CallTest, PropertiesAreWrittenByTheirNewValue) {
+  const TypedObject dictionary(L"Mirel.Dictionary");
+  const auto put = [&](DISPID id, const std::vector<DISPID>& named) {
+    return Invoke(dictionary.get(), id, DISPATCH_PROPERTYPUT, {L"key", L"value"}, named).error;
+  };
+  EXPECT_EQ(put(DISPID_VALUE, {DISPID_PROPERTYPUT}), 0);
+  EXPECT_EQ(put(DISPID_VALUE, {0}), static_cast<HRESULT>(0x800A01C2));
+  EXPECT_EQ(put(DISPID_VALUE, {}), static_cast<HRESULT>(0x800A01C2));
+  EXPECT_EQ(put(DISPID_NEWENUM, {DISPID_PROPERTYPUT}), static_cast<HRESULT>(0x800A01B6));
+  EXPECT_EQ(dictionary.Call(L"Count").value.number(), 1);
 }
 
 TEST_F(CallTest, OptionalArgumentsMayBeLeftOutAnywhere) {
@@ -117,6 +134,7 @@ TEST_F(CallTest, FilesAndFoldersHaveNamesInAnyLanguage) {
 TEST_F(CallTest, ErrorsNeedNoReceiver) {
   const TypedObject reads(kReads);
   DISPPARAMS none{};
+  SetErrorInfo(0, nullptr);
   EXPECT_EQ(
       reads.get()->Invoke(reads.Number(L"ExecuteSQL"), IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr),
       DISP_E_EXCEPTION);
@@ -124,6 +142,14 @@ TEST_F(CallTest, ErrorsNeedNoReceiver) {
   ASSERT_TRUE(support);
   EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IDispatch), S_OK);
   EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IPersist), S_FALSE);
+  com::Pointer<IErrorInfo> info;
+  ASSERT_EQ(GetErrorInfo(0, info.Receive()), S_OK);
+  com::OwnedBstr source;
+  com::OwnedBstr description;
+  EXPECT_EQ(info->GetSource(source.Receive()), S_OK);
+  EXPECT_EQ(info->GetDescription(description.Receive()), S_OK);
+  EXPECT_STREQ(source.get(), L"TessarLornPickingAndDelivery");
+  EXPECT_STREQ(description.get(), L"Argument not optional: sDsn of clsGetData.ExecuteSQL");
 }
 
 // References of each kind that a client's variable may have.
@@ -146,13 +172,28 @@ TEST_F(CallTest, InOutArgumentsAreWrittenBackInTheTypeOfTheVariable) {
   long number = 0;
   EXPECT_EQ(call(VT_I4, &number).status, S_OK);
   EXPECT_EQ(number, 42);
-  double real = 0;
-  EXPECT_EQ(call(VT_R8, &real).status, S_OK);
-  EXPECT_EQ(real, 42);
+  for (const VARTYPE type :
+       {VT_I1, VT_UI1, VT_UI2, VT_UI4, VT_INT, VT_UINT, VT_I8, VT_UI8, VT_R4, VT_R8, VT_CY, VT_DECIMAL, VT_DATE}) {
+    Value number_of;
+    VARIANT& own = number_of.get();
+    EXPECT_EQ(call(type, type == VT_DECIMAL ? static_cast<void*>(&own.decVal) : &own.llVal).status, S_OK) << type;
+    own.vt = type;
+    EXPECT_EQ(number_of.number(), 42) << type;
+  }
+  // Refused before anything is done.
+  IDispatch* object = nullptr;
+  EXPECT_EQ(call(VT_DISPATCH, &object).error, static_cast<HRESULT>(0x800A000D));
   Value any(L"1");
   EXPECT_EQ(call(VT_VARIANT, &any.get()).status, S_OK);
   EXPECT_EQ(any.type(), VT_I2);
   EXPECT_EQ(any.number(), 42);
+  Value inner;
+  long behind = 0;
+  inner.get().vt = VT_I4 | VT_BYREF;
+  inner.get().plVal = &behind;
+  EXPECT_EQ(call(VT_VARIANT, &inner.get()).status, S_OK);
+  EXPECT_EQ(inner.type(), VT_I4 | VT_BYREF);
+  EXPECT_EQ(behind, 42);
   BSTR text = SysAllocString(L"1");
   EXPECT_EQ(call(VT_BSTR, &text).status, S_OK);
   EXPECT_STREQ(text, L"42");

@@ -51,6 +51,18 @@ std::string SystemText(HRESULT result) {
   return end == std::string::npos ? std::to_string(result) : said.substr(0, end + 1);
 }
 
+/// For who gave no EXCEPINFO, or asks by ISupportErrorInfo: what it promises of IDispatch holds for Invoke as well.
+void LeaveWithThread(const Error& error) {
+  Pointer<ICreateErrorInfo> made;
+  if (FAILED(CreateErrorInfo(made.Receive()))) return;
+  OwnedBstr source(error.source());
+  OwnedBstr description(error.what());
+  made->SetGUID(IID_IDispatch);
+  made->SetSource(source.get());
+  made->SetDescription(description.get());
+  if (const auto info = Query<IErrorInfo>(made.get())) SetErrorInfo(0, info.get());
+}
+
 Error CurrentError() {
   constexpr const char* kSource = "TessarLornPickingAndDelivery";
   try {
@@ -83,6 +95,7 @@ HRESULT ReportCurrent(EXCEPINFO* info) noexcept {
       info->bstrSource = NewBstr(error.source());
       info->bstrDescription = NewBstr(error.what());
     }
+    LeaveWithThread(error);
     return DISP_E_EXCEPTION;
   } catch (...) {
     return E_OUTOFMEMORY;

@@ -86,6 +86,8 @@ class Collector {
     }
     // Rows are no value, and what else the fields of the current one are is for whoever reads them.
     if (foreign.Has("EOF")) return value;
+    // The cells of a sheet can be counted and enumerated, too, but who passes them means what stands in them.
+    if (foreign.Has("Value")) return DefaultValueOf(value);
     if (const auto items = foreign.Has("Count") ? foreign.Items() : std::nullopt) return FromItems(*items);
     return DefaultValueOf(value);
   }

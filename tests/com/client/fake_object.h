@@ -20,6 +20,7 @@ class FakeObject final : public com::Counted<IDispatch, IEnumVARIANT> {
   /// Its items can be enumerated; behind them stands the end, or an error.
   void set_items(std::vector<Value> items, HRESULT end = S_FALSE) {
     members_ = {L"Count"};
+    enumerable_ = true;
     items_ = std::move(items);
     end_ = end;
   }
@@ -28,6 +29,7 @@ class FakeObject final : public com::Counted<IDispatch, IEnumVARIANT> {
     keys_ = keys;
   }
   void set_default(Value value) { default_ = std::move(value); }
+  void add_member(const wchar_t* name) { members_.emplace_back(name); }
   IDispatch* dispatch() { return this; }
 
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
@@ -51,7 +53,7 @@ class FakeObject final : public com::Counted<IDispatch, IEnumVARIANT> {
   }
   HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* given, VARIANT* result, EXCEPINFO*,
                                    UINT*) override {
-    if (id == DISPID_NEWENUM && members_ == std::vector<std::wstring>{L"Count"}) {
+    if (id == DISPID_NEWENUM && enumerable_) {
       place_ = 0;
       return Answer(Value(dispatch()), result);
     }
@@ -72,6 +74,7 @@ class FakeObject final : public com::Counted<IDispatch, IEnumVARIANT> {
   static HRESULT Answer(Value value, VARIANT* out) { return out == nullptr ? S_OK : VariantCopy(out, &value.get()); }
 
   std::vector<std::wstring> members_;
+  bool enumerable_ = false;
   std::vector<Value> items_;
   HRESULT end_ = S_FALSE;
   std::size_t place_ = 0;

@@ -78,15 +78,21 @@ TEST_F(ValuesTest, ObjectsWithoutDefaultValueStayObjects) {
 }
 
 TEST_F(ValuesTest, OperationsReadTheValuesOfObjectsInCollections) {
-  Rows(L"create table IC_Web2ERPOrdersEntry (FID int, FStockID int) insert into IC_Web2ERPOrdersEntry values (1, 5)");
+  Rows(L"create table IC_Web2ERPOrdersEntry (FID int, FStockID int) insert into IC_Web2ERPOrdersEntry values (1, 0)");
   const Value rows = Rows(L"select 1 as FID");
+  const auto cell = FakeObject::Make();
+  cell->set_items({1});
+  cell->add_member(L"Value");
+  cell->set_default(1);
   for (const wchar_t* const kind : {L"Mirel.Dictionary", L"Scripting.Dictionary"}) {
-    const TypedObject arguments(kind);
-    Invoke(arguments.get(), arguments.Number(L"Add"), DISPATCH_METHOD, {L"sDSN", kMemory});
-    Invoke(arguments.get(), arguments.Number(L"Add"), DISPATCH_METHOD, {L"FID", Field(rows, L"FID")});
-    const Answer answer = reads_.Call(L"bExistStock", {arguments.get()});
-    EXPECT_EQ(answer.status, S_OK) << answer.error;
-    EXPECT_EQ(answer.value.type(), VT_BOOL);
+    for (const Value& id : {Field(rows, L"FID"), Value(cell->dispatch())}) {
+      const TypedObject arguments(kind);
+      Invoke(arguments.get(), arguments.Number(L"Add"), DISPATCH_METHOD, {L"sDSN", kMemory});
+      Invoke(arguments.get(), arguments.Number(L"Add"), DISPATCH_METHOD, {L"FID", id});
+      const Answer answer = reads_.Call(L"bExistStock", {arguments.get()});
+      EXPECT_EQ(answer.status, S_OK) << answer.error;
+      EXPECT_EQ(answer.value.number(), -1);
+    }
   }
 }
 

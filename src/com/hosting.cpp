@@ -57,6 +57,9 @@ void PrepareThisProcess() {
 
 void CloseIdleConnections() noexcept { SessionFactory::CloseIdle(); }
 
-void AbandonServers() noexcept { AbandonOdbc(); }
+void EndWithProcess() noexcept {
+  AbandonOdbc();
+  SessionFactory::CloseIdle();
+}
 
 }  // namespace tessarlorn::com

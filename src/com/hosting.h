@@ -8,8 +8,8 @@ namespace tessarlorn::com {
 void PrepareThisProcess();
 /// Lets go what is kept between calls.
 void CloseIdleConnections() noexcept;
-/// For the end of the process: leaves alone what other libraries have of connections to servers, as those libraries may
-/// be gone already.
-void AbandonServers() noexcept;
+/// For the end of the process: closes files of databases, and leaves alone what other libraries have of connections to
+/// servers, as those libraries may be gone already.
+void EndWithProcess() noexcept;
 
 }  // namespace tessarlorn::com

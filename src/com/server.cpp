@@ -101,8 +101,17 @@ STDAPI DllRegisterServer() { return tessarlorn::com::Guarded(tessarlorn::com::Re
 
 STDAPI DllUnregisterServer() { return tessarlorn::com::Guarded(tessarlorn::com::Unregister); }
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID process_ends) {
+extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID /*process_ends*/) {
   if (reason == DLL_PROCESS_ATTACH) tessarlorn::com::SetModule(module);
-  if (reason == DLL_PROCESS_DETACH && process_ends != nullptr) tessarlorn::com::AbandonServers();
   return TRUE;
+}
+
+// What Windows calls, in front of the runtime's own entry. When the process ends, its other threads have been stopped
+// wherever they were; the runtime would wait for a lock that one of them holds, so it is not asked to clean up.
+extern "C" BOOL WINAPI LibraryEntry(HINSTANCE module, DWORD reason, LPVOID process_ends) {
+  if (reason == DLL_PROCESS_DETACH && process_ends != nullptr) {
+    tessarlorn::com::EndWithProcess();
+    return TRUE;
+  }
+  return TESSARLORN_RUNTIME_ENTRY(module, reason, process_ends);
 }

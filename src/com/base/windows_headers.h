@@ -13,3 +13,11 @@
 #include <oleauto.h>
 #include <olectl.h>
 #include <unknwn.h>
+
+/// The entry of a library that the compiler's runtime brings.
+#ifdef _MSC_VER
+#define TESSARLORN_RUNTIME_ENTRY _DllMainCRTStartup
+#else
+#define TESSARLORN_RUNTIME_ENTRY DllMainCRTStartup
+#endif
+extern "C" BOOL WINAPI TESSARLORN_RUNTIME_ENTRY(HINSTANCE module, DWORD reason, LPVOID process_ends);

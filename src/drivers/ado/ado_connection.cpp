@@ -53,8 +53,8 @@ AdoConnection::AdoConnection(const ConnectionOptions& options) : connection_(Cre
   Check(ado->Open(text.get(), none.get(), none.get(), kConnectUnspecified), ado, "Connection.Open");
   // Servers greet with messages about database and language.
   ReportOf(S_OK, ado, "Connection.Open");
-  // What OLE DB pools may have kept another.
-  Send("SET TRANSACTION ISOLATION LEVEL READ COMMITTED");
+  // What OLE DB pools may have kept another level. Some providers take a batch that answers nothing for a failure.
+  Send("SET TRANSACTION ISOLATION LEVEL READ COMMITTED SELECT 1 AS FAlive");
 }
 
 AdoConnection::~AdoConnection() {

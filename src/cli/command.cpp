@@ -130,7 +130,9 @@ void ObserveBatches(bool show) {
 
 ExitStatus RunAction(const CLI::App& app, const CommandContext& context) {
   try {
-    return context.action();
+    const ExitStatus status = context.action();
+    RaiseIfInterrupted();
+    return status;
   } catch (const UsageError& error) {
     ReportUsage(app, error.what(), error.help_command());
     return ExitStatus::kWrongCall;

@@ -4,6 +4,7 @@
 #include "automation/operations.h"
 #include "cli/call_arguments.h"
 #include "cli/commands.h"
+#include "cli/interrupt.h"
 #include "cli/json_arguments.h"
 #include "cli/usage_error.h"
 #include "platform/collections.h"
@@ -90,6 +91,7 @@ ExitStatus Call(const CallOptions& options, const std::string& dsn) {
     std::optional<ContainerTransaction> transaction;
     if (!options.no_transaction) transaction.emplace();
     result = ServiceObject(operation.service).Invoke(operation, arguments);
+    RaiseIfInterrupted();
     if (transaction) transaction->Commit();
   }
   WriteResult(options, operation, result, arguments);

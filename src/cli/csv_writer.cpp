@@ -31,13 +31,13 @@ class CsvWriter final : public ResultWriter {
       return;
     }
     Recordset& rows = *shown.rows;
-    for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) {
+    ForEachRow(rows, [&] {
       for (std::size_t i = 0; i < shown.fields.size(); ++i) {
         if (i > 0) out_ << ',';
         WriteCell(rows.Get(shown.fields[i]), rows.fields()[shown.fields[i]].type);
       }
       out_ << "\r\n";
-    }
+    });
   }
 
  private:

@@ -11,7 +11,8 @@ void CatchInterrupts();
 /// Whether Ctrl-C was pressed while a batch ran.
 bool WasInterrupted() noexcept;
 
-/// Raises `error_number::kCancelled` once Ctrl-C was pressed: for the batches behind the one that it met at its end.
+/// Raises `error_number::kCancelled` once Ctrl-C was pressed while a batch ran: for what is still to be done when it
+/// met the end of that batch, where there was nothing left to cancel.
 void RaiseIfInterrupted();
 
 }  // namespace tessarlorn::cli

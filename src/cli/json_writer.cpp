@@ -40,7 +40,7 @@ class JsonWriter final : public ResultWriter {
     Recordset& rows = *result.rows;
     out_ << '[';
     bool first = true;
-    for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) {
+    ForEachRow(rows, [&] {
       out_ << (first ? "\n  {" : ",\n  {");
       first = false;
       for (std::size_t i = 0; i < heads.size(); ++i) {
@@ -48,7 +48,7 @@ class JsonWriter final : public ResultWriter {
         out_ << (i > 0 ? "," : "") << heads[i] << JsonText(rows.Get(field), rows.fields()[field].type);
       }
       out_ << '}';
-    }
+    });
     out_ << (first ? "]\n" : "\n]\n");
   }
 

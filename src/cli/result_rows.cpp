@@ -46,7 +46,7 @@ std::string Joined(char open, const Items& items, char close, const Write& write
 
 std::string RowsJson(Recordset& rows) {
   std::string text = "[";
-  for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) {
+  ForEachRow(rows, [&] {
     if (text.size() > 1) text += ',';
     text += '{';
     for (std::size_t i = 0; i < rows.fields().size(); ++i) {
@@ -54,7 +54,7 @@ std::string RowsJson(Recordset& rows) {
       text += Quoted(rows.fields()[i].name) + ":" + JsonText(rows.Get(i), rows.fields()[i].type);
     }
     text += '}';
-  }
+  });
   return text + "]";
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/interrupt.h"
 #include "platform/recordset.h"
 
 namespace tessarlorn::cli {
@@ -21,6 +22,16 @@ struct ResultRows {
 /// @param columns the fields to show, in this order and without regard to case; all when empty
 /// Raises UsageError naming the column that there is not.
 ResultRows SelectColumns(const RecordsetPtr& rows, const std::vector<std::string>& columns);
+
+/// Calls `visit` for each row while it is the recordset's current one. Raises `error_number::kCancelled` once Ctrl-C
+/// was pressed: the batch may be done when its rows are still being written.
+template <typename Visit>
+void ForEachRow(Recordset& rows, const Visit& visit) {
+  for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) {
+    RaiseIfInterrupted();
+    visit();
+  }
+}
 
 /// A Dictionary as rows of key and value, a Vector as one row for each item: with a column for each key when the items
 /// are Dictionaries. Values inside values are JSON. Any other value is one row of one cell.

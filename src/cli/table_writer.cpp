@@ -42,9 +42,9 @@ class TableWriter final : public ResultWriter {
     std::vector<std::size_t> widths;
     for (const std::string& head : shown.heads) widths.push_back(DisplayWidth(OnOneLine(head)));
     Recordset& rows = *shown.rows;
-    for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) {
+    ForEachRow(rows, [&] {
       for (std::size_t i = 0; i < widths.size(); ++i) widths[i] = std::max(widths[i], DisplayWidth(Cell(shown, i)));
-    }
+    });
     return widths;
   }
 
@@ -64,9 +64,8 @@ class TableWriter final : public ResultWriter {
     Line(widths, count, [&](std::size_t i) { return Padded(shown, i, OnOneLine(shown.heads[i]), widths[i]); });
     Line(widths, count, [&](std::size_t i) { return std::string(widths[i], '-'); });
     Recordset& rows = *shown.rows;
-    for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) {
-      Line(widths, count, [&](std::size_t i) { return Padded(shown, i, Cell(shown, i), widths[i]); });
-    }
+    ForEachRow(
+        rows, [&] { Line(widths, count, [&](std::size_t i) { return Padded(shown, i, Cell(shown, i), widths[i]); }); });
     out_ << '(' << rows.RecordCount() << (rows.RecordCount() == 1 ? " row" : " rows");
     if (count < widths.size()) {
       out_ << "; " << count << " of " << widths.size()

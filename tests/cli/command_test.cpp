@@ -241,5 +241,20 @@ TEST_F(CommandTest, IsInterrupted) {
   EXPECT_EQ(outcome.status, 130);
 }
 
+TEST_F(CommandTest, IsInterruptedWhileItPrints) {
+  constexpr std::size_t kWhole = 60 * 60 * 200;
+  const std::string fifo = "'" + (folder_ / "fifo").string() + "'";
+  for (const std::string form : {"", " --csv", " --json"}) {
+    // What a pipe does not hold stays to be written until the reader goes on, behind the signal.
+    const Outcome outcome =
+        Run("sql \"select replicate('x', 200) X from IC_Web2ERPOrders a, IC_Web2ERPOrders b\"" + form + " >" + fifo +
+                " & { head -c 1; kill -INT $!; cat; } <" + fifo + "; wait $!; exit $?",
+            "rm -f " + fifo + "; mkfifo " + fifo + ";");
+    EXPECT_EQ(outcome.err, "tessarlorn: interrupted\n") << form;
+    EXPECT_EQ(outcome.status, 130) << form;
+    EXPECT_LT(outcome.out.size(), kWhole / 2) << form;
+  }
+}
+
 }  // namespace
 }  // namespace tessarlorn::cli

@@ -17,10 +17,9 @@ static_assert(std::atomic<Connection*>::is_always_lock_free && std::atomic<bool>
 
 // On Windows this runs on a thread of its own.
 extern "C" void HandleInterrupt(int signal) {
-  std::signal(signal, SIG_DFL);
+  std::signal(signal, HandleInterrupt);
   Connection* const connection = running.exchange(nullptr);
-  if (connection == nullptr) std::_Exit(static_cast<int>(ExitStatus::kInterrupted));
-  interrupted.store(true);
+  if (connection == nullptr || interrupted.exchange(true)) std::_Exit(static_cast<int>(ExitStatus::kInterrupted));
   connection->Cancel();
   running.store(connection);
 }

@@ -4,7 +4,7 @@
 namespace tessarlorn::cli {
 
 /// From now on, on the calling thread's batches: the first Ctrl-C cancels the running batch, which then raises
-/// `error_number::kCancelled`; where no batch runs it ends the process with status 130. The second one kills.
+/// `error_number::kCancelled`. Where no batch runs it ends the process with status 130, and so does a second one.
 /// The thread must be the only one that runs batches.
 void CatchInterrupts();
 

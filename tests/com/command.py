@@ -1,12 +1,14 @@
 #!/usr/bin/env python3
 """Uses the command for Windows as a user does, on a database in a folder with a Chinese name, and compares what it
-prints and answers with what the command of this machine does on the same database.
+prints and answers with what the command of this machine does on the same database; then runs what the page on Windows
+shows of it.
 
 command.py WINDOWS_COMMAND COMMAND FOLDER
 """
 import os
 import pathlib
 import pty
+import re
 import shutil
 import subprocess
 import sys
@@ -14,6 +16,7 @@ import sys
 import wine
 
 NAME = "张三"
+PAGE = pathlib.Path(__file__).resolve().parents[2] / "docs" / "windows.md"
 # Words, standard input, exit status; in this order, as some change orders. Those after a change say what it did.
 CALLS = (
     (["ops"], "", 0),
@@ -53,6 +56,19 @@ def interrupted(windows_command):
     return os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])
 
 
+def shown_on_page(windows_command, folder):
+    """What the commands of the page print, in their order and from the folder that they make; each has to do its work.
+    Scripts among them, which want the library registered, are left out."""
+    block = re.search(r"^## Trying it$.*?^```bat\n(.*?)^```", PAGE.read_text(encoding="utf-8"), re.M | re.S).group(1)
+    lines = [line for line in block.splitlines() if "examples\\" not in line]
+    batch = folder / "page.bat"
+    program = f'"{wine.windows_path(windows_command)}"'
+    text = "".join(line.replace("x64\\tessarlorn", program) + "\nif errorlevel 1 exit /b 1\n" for line in lines)
+    batch.write_text("@echo off\n" + text, encoding="ascii", newline="\r\n")
+    shutil.rmtree(pathlib.Path(os.environ["WINEPREFIX"]) / "drive_c" / "shop", ignore_errors=True)
+    return wine.run("cmd", "/c", wine.windows_path(batch))
+
+
 def main(windows_command, command, folder):
     folder = pathlib.Path(folder) / "订单"
     shutil.rmtree(folder, ignore_errors=True)
@@ -87,6 +103,9 @@ def main(windows_command, command, folder):
         faults.append(f"ConfirmBill ended with {status} and left {kept!r}")
     if (status := interrupted(windows_command)) != 130:
         faults.append(f"Ctrl-C ended the command with {status}")
+    shown = shown_on_page(windows_command, folder.parent)
+    if len(re.findall(r"^\([1-9]\d* rows\)$", shown, re.M)) < 2 or "(0 rows)" in shown:
+        faults.append(f"what the page shows printed {shown}")
     print("\n".join(faults) if faults else f"{len(CALLS)} calls answer what they answer here")
     return 1 if faults else 0
 

@@ -1,5 +1,5 @@
-// The orders that wait for picking, and a picker for the first one. Early-bound: the reference is what
-// "tlbimp TessarLornPickingAndDelivery.dll" makes of the type library.
+// The orders that wait for picking, and a picker for the first one: OrderDay DATABASE
+// Early-bound: the reference is what "tlbimp /namespace:TessarLornPickingAndDelivery" makes of the type library.
 using System;
 using System.Runtime.InteropServices;
 using TessarLornPickingAndDelivery;

@@ -57,7 +57,8 @@ WScript.Echo "delivered: " & writer.Delivery(parameters)
 WScript.Echo "queued:    " & writer.UpdateDeliveryData(dsn, keys)
 WScript.Echo "reported:  " & writer.UploadStatus(parameters)
 
-' What the component raises arrives in Err.
+' What the component raises arrives in Err. Here it is on purpose: the operation wants a Dictionary.
+WScript.Echo "refused on purpose, as the operation wants a Dictionary and is given a text:"
 On Error Resume Next
 writer.Delivery "no dictionary"
 WScript.Echo "error " & Err.Number & " from " & Err.Source & ": " & Err.Description

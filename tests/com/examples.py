@@ -25,6 +25,7 @@ weighed:   True
 delivered: True
 queued:    True
 reported:  True
+refused on purpose, as the operation wants a Dictionary and is given a text:
 error 13 from TessarLornPickingAndDelivery: Type mismatch
 """
 

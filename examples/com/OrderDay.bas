@@ -9,6 +9,9 @@ Public Sub ListOrders()
     Dim reader As New TessarLornPickingAndDelivery.clsGetData
     Dim filter As New TessarLornPickingAndDelivery.Dictionary
     Dim orders As Object
+    Dim values As Variant
+    Dim grid() As Variant
+    Dim row As Long
     Dim column As Long
 
     filter("FOrderStatus") = "2"
@@ -18,9 +21,15 @@ Public Sub ListOrders()
         ActiveSheet.Cells(1, column + 1).Value = orders.Fields(column).Name
     Next
     If orders.EOF Then Exit Sub
-    ' GetRows answers (field, row); a worksheet wants it the other way round.
-    ActiveSheet.Cells(2, 1).Resize(orders.RecordCount, orders.Fields.Count).Value = _
-        Application.WorksheetFunction.Transpose(orders.GetRows())
+    ' GetRows answers (field, row); a worksheet wants it the other way round, and nothing where a value is Null.
+    values = orders.GetRows()
+    ReDim grid(UBound(values, 2), UBound(values, 1))
+    For row = 0 To UBound(values, 2)
+        For column = 0 To UBound(values, 1)
+            If Not IsNull(values(column, row)) Then grid(row, column) = values(column, row)
+        Next
+    Next
+    ActiveSheet.Cells(2, 1).Resize(UBound(values, 2) + 1, UBound(values, 1) + 1).Value = grid
 End Sub
 
 Public Sub PickSelected()

@@ -15,6 +15,7 @@
 #include "cli/commands.h"
 #include "cli/display_width.h"
 #include "cli/interrupt.h"
+#include "cli/shell_examples.h"
 #include "cli/system_text.h"
 #include "cli/terminal.h"
 #include "cli/usage_error.h"
@@ -33,12 +34,26 @@
 namespace tessarlorn::cli {
 namespace {
 
-constexpr const char* kFooter = R"(Connection strings:
+constexpr const char* kEmbeddedStrings = R"(Connection strings:
   Embedded=orders.db                    an embedded database file, made when it is not there
-  Driver=FreeTDS;Server=db1;Port=1433;TDS_Version=7.4;Database=erp;UID=shop;PWD={...}
+)";
+
+#ifdef _WIN32
+constexpr const char* kServerStrings =
+    R"(  Driver=ODBC Driver 18 for SQL Server;Server=db1,1433;Database=erp;UID=shop;PWD={...}
                                         a database server over ODBC; LoginTimeout= and StatementTimeout= are seconds
-  Connect={Embedded=orders.db};User=16394;Language=CHS;Client=10.0.0.5
-                                        either, with who is calling
+  Provider=SQLOLEDB;Data Source=db1;Initial Catalog=erp;User ID=shop;Password="..."
+                                        the same over ADO, with the same seconds
+)";
+#else
+constexpr const char* kServerStrings =
+    R"(  Driver=FreeTDS;Server=db1;Port=1433;TDS_Version=7.4;Database=erp;UID=shop;PWD={...}
+                                        a database server over ODBC; LoginTimeout= and StatementTimeout= are seconds
+)";
+#endif
+
+constexpr const char* kCallerAndStatus = R"(  Connect={Embedded=orders.db};User=16394;Language=CHS;Client=10.0.0.5
+                                        any of them, with who is calling
 
 Exit status:
   0  done
@@ -46,10 +61,15 @@ Exit status:
   2  a wrong call: nothing was done
   3  the operation or the database raised an error; its number, Source and description are on standard error
   4  the result could not be written; what was called has been done
-  130  ended by Ctrl-C; 'serve' ends with 0
+  130  ended by Ctrl-C)";
 
-Examples:
-  export TESSARLORN_DSN="Connect={Embedded=orders.db};User=16394"
+#ifdef TESSARLORN_HAS_SERVER
+constexpr const char* kServerStatus = "; 'serve' ends with 0";
+#else
+constexpr const char* kServerStatus = "";
+#endif
+
+constexpr const char* kExamples = R"(
   tessarlorn init
   tessarlorn seed --orders 500
   tessarlorn ops GetListData
@@ -57,6 +77,11 @@ Examples:
   tessarlorn sql "select top 5 * from IC_Web2ERPOrders"
 
 'tessarlorn COMMAND --help' explains a command.)";
+
+std::string FooterText() {
+  return std::string(kEmbeddedStrings) + kServerStrings + kCallerAndStatus + kServerStatus + "\n\nExamples:\n  " +
+         kSetDsnExample + kExamples;
+}
 
 /// The chosen command, or the application itself.
 const CLI::App& Chosen(const CLI::App& app) {
@@ -154,7 +179,7 @@ ExitStatus Run(std::span<const std::string> words) {
   app.set_version_flag("--version", std::string("tessarlorn ") + kVersion, "Print the version");
   app.set_help_flag("-h,--help", "Print this help");
   app.require_subcommand(0, 1);
-  app.footer(kFooter);
+  app.footer(FooterText());
   AddConnectionOptions(app, context);
   AddInitCommand(app, context);
   AddSeedCommand(app, context);

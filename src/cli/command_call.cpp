@@ -6,6 +6,7 @@
 #include "cli/commands.h"
 #include "cli/interrupt.h"
 #include "cli/json_arguments.h"
+#include "cli/shell_examples.h"
 #include "cli/usage_error.h"
 #include "platform/collections.h"
 #include "platform/session.h"
@@ -31,9 +32,8 @@ Examples:
   tessarlorn call GetListData Filter.FOrderStatus=2 Filter.WebOrderMaxDisplayCount=20 --columns FID,FOrderID
   tessarlorn call GetListData Filter={} --csv > orders.csv
   tessarlorn call ConfirmBill dctPara.FID=12,15 dctPara.FPickManNumber=E01
-  tessarlorn call SaveLogWeight 'vctPara=[{"FID":12,"FWeight":1.25,"FWeighttingStatus":1}]'
   tessarlorn call UploadStatusFailure --args failures.json
-  echo '{"dctPara":{"FID":"12,15"}}' | tessarlorn call Delivery --args - --show-sql)";
+  tessarlorn call SaveLogWeight )";
 
 struct CallOptions {
   std::string operation;
@@ -114,7 +114,8 @@ void AddCallCommand(CLI::App& app, CommandContext& context) {
                     "Call without a transaction: what ran before an error stays");
   AddConnectionOptions(*command, context);
   AddOutputOptions(*command, options->output);
-  command->footer(kFooter);
+  command->footer(std::string(kFooter) + kNestedValueExample + "\n  " + kPrintJsonExample +
+                  " | tessarlorn call Delivery --args - --show-sql");
   command->callback(
       [&context, options] { context.action = [&context, options] { return Call(*options, context.FindDsn()); }; });
 }

@@ -2,6 +2,7 @@
 
 #include "cli/commands.h"
 #include "cli/schema_files.h"
+#include "cli/shell_examples.h"
 #include "cli/usage_error.h"
 
 namespace tessarlorn::cli {
@@ -16,7 +17,7 @@ ends the command; what ran before it stays, unless the text itself opened a tran
 Examples:
   tessarlorn sql "select FOrderStatus, count(*) Orders from IC_Web2ERPOrders group by FOrderStatus"
   tessarlorn sql --file report.sql --csv > report.csv
-  echo "select getdate() Now" | tessarlorn sql -)";
+  )";
 
 struct SqlOptions {
   std::string text;
@@ -50,7 +51,7 @@ void AddSqlCommand(CLI::App& app, CommandContext& context) {
   command->add_option("--file", options->file, "Run the batches of a file")->type_name("FILE");
   AddConnectionOptions(*command, context);
   AddOutputOptions(*command, options->output);
-  command->footer(kFooter);
+  command->footer(std::string(kFooter) + kPrintSqlExample + " | tessarlorn sql -");
   command->callback(
       [&context, options] { context.action = [&context, options] { return RunSql(*options, context); }; });
 }

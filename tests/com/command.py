@@ -56,6 +56,14 @@ def interrupted(windows_command):
     return os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])
 
 
+def strange_words_of_help(windows_command):
+    """What the help texts hold that is of other systems, and a missing way to a server."""
+    words = [[], ["init"], ["seed"], ["ops"], ["call"], ["sql"]]
+    text = "".join(wine.run(windows_command, *command, "--help") for command in words)
+    found = re.findall(r"export \w+|serve\b|FreeTDS|'\w*=?[\[{].*|echo [\"'].*", text)
+    return found + [string for string in ("Driver=", "Provider=", "set TESSARLORN_DSN=") if string not in text]
+
+
 def shown_on_page(windows_command, folder):
     """What the commands of the page print, in their order and from the folder that they make; each has to do its work.
     Scripts among them, which want the library registered, are left out."""
@@ -103,6 +111,8 @@ def main(windows_command, command, folder):
         faults.append(f"ConfirmBill ended with {status} and left {kept!r}")
     if (status := interrupted(windows_command)) != 130:
         faults.append(f"Ctrl-C ended the command with {status}")
+    if words := strange_words_of_help(windows_command):
+        faults.append(f"the help texts have, or miss, {words}")
     shown = shown_on_page(windows_command, folder.parent)
     if len(re.findall(r"^\([1-9]\d* rows\)$", shown, re.M)) < 2 or "(0 rows)" in shown:
         faults.append(f"what the page shows printed {shown}")

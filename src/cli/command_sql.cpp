@@ -10,7 +10,8 @@ namespace {
 
 constexpr const char* kFooter =
     R"(Lines that hold nothing but GO part the text into batches. Each batch is parsed whole before it runs. The first error
-ends the command; what ran before it stays, unless the text itself opened a transaction.
+ends the command; what ran before it stays, unless the text itself opened a transaction. Files are UTF-8, or UTF-16 with
+a byte order mark.
 
 --json prints each result set as an array of objects, one after the other; --csv parts them by an empty line.
 

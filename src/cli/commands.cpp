@@ -6,14 +6,16 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <optional>
 #include <system_error>
+#include <utility>
 
+#include "cli/input_text.h"
 #include "cli/system_text.h"
 #include "cli/terminal.h"
 #include "cli/usage_error.h"
 #include "platform/file_path.h"
 #include "platform/session_string.h"
-#include "platform/text.h"
 #include "platform/version.h"
 
 namespace tessarlorn::cli {
@@ -90,8 +92,9 @@ std::string ReadInput(const std::string& path) {
   } catch (const std::ios_base::failure&) {
     refuse(std::strerror(errno));
   }
-  if (!IsValidUtf8(text)) refuse("it is not valid UTF-8");
-  return text;
+  std::optional<std::string> decoded = DecodeText(std::move(text));
+  if (!decoded) refuse("it is neither UTF-8 nor UTF-16 with a byte order mark");
+  return *std::move(decoded);
 }
 
 void AddVersionCommand(CLI::App& app, CommandContext& context) {

@@ -43,8 +43,8 @@ void AddOutputOptions(CLI::App& command, OutputOptions& options);
 /// How messages name an input: the path, or "standard input" for "-".
 std::string InputName(const std::string& path);
 
-/// The whole of a file, or of standard input for "-". Raises UsageError naming an input that cannot be read, that is a
-/// folder, or that is not valid UTF-8.
+/// The whole of a file, or of standard input for "-", without a byte order mark. Raises UsageError naming an input that
+/// cannot be read, that is a folder, or that is neither UTF-8 nor UTF-16 with a byte order mark.
 std::string ReadInput(const std::string& path);
 
 // Each adds a command that sets the context's action when it is chosen. `context` must outlive `app`.

@@ -120,7 +120,7 @@ TEST_F(CommandTest, NamesWhatIsWrongWithACallAndDoesNothing) {
            Case{"call GetListData --args '" + folder + "'", "cannot read " + folder + ": it is a folder"},
            Case{"sql --file '" + folder + "'", "cannot read " + folder + ": it is a folder"},
            Case{"sql - <'" + folder + "'", "cannot read standard input: "},
-           Case{"sql --file '" + folder + "/malformed.sql'", "malformed.sql: it is not valid UTF-8"},
+           Case{"sql --file '" + folder + "/malformed.sql'", "malformed.sql: it is neither UTF-8 nor UTF-16"},
            Case{"call ConfirmBill \"$(printf 'dctPara.FPickRem=a\\377b')\"",
                 "\"dctPara.FPickRem=a\xEF\xBF\xBD"
                 "b\" is not valid UTF-8"},

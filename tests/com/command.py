@@ -81,7 +81,7 @@ def main(windows_command, command, folder):
     folder = pathlib.Path(folder) / "订单"
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir()
-    (folder / "查询.sql").write_text(f"select '{NAME}' as [姓名], 1.50 as n", encoding="utf-8")
+    (folder / "查询.sql").write_text(f"select '{NAME}' as [姓名], 1.50 as n", encoding="utf-16")
     folders = {"windows": wine.windows_path(folder) + "\\", "here": f"{folder.resolve()}/"}
 
     def both(words, text):

@@ -56,6 +56,13 @@ def interrupted(windows_command):
     return os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])
 
 
+def version_of_file(program):
+    """What the system shows as the version of a program's file; "" when it has none."""
+    key = "ProductVersion\0".encode("utf-16-le")
+    value = pathlib.Path(program).read_bytes().partition(key)[2][:64].decode("utf-16-le", errors="replace")
+    return value.lstrip("\0").partition("\0")[0]
+
+
 def strange_words_of_help(windows_command):
     """What the help texts hold that is of other systems, and a missing way to a server."""
     words = [[], ["init"], ["seed"], ["ops"], ["call"], ["sql"]]
@@ -111,6 +118,8 @@ def main(windows_command, command, folder):
         faults.append(f"ConfirmBill ended with {status} and left {kept!r}")
     if (status := interrupted(windows_command)) != 130:
         faults.append(f"Ctrl-C ended the command with {status}")
+    if (told := version_of_file(windows_command)) != outcome([command, "version"], "", "")[1].split()[1]:
+        faults.append(f"the file's version is {told!r}")
     if words := strange_words_of_help(windows_command):
         faults.append(f"the help texts have, or miss, {words}")
     shown = shown_on_page(windows_command, folder.parent)

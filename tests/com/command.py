@@ -12,6 +12,7 @@ import re
 import shutil
 import subprocess
 import sys
+import time
 
 import wine
 
@@ -32,6 +33,15 @@ CALLS = (
     (["sql", f"select nothing from {NAME}"], "", 3),
     (["call", "GetListData", "Filter={}", "--dsn", "Embedded={folder}没有{separator}orders.db"], "", 3),
 )
+ROWS = ("create table #t (i int) declare @i int = 0 while @i < 70 begin insert into #t values (@i) set @i = @i + 1 end "
+        "select replicate('1000', 25) x from #t a cross join #t b cross join #t c")
+WHOLE = 70**3 * 100
+# What Ctrl-C meets: the batch, whether it prints, how many times it is pressed.
+INTERRUPTED = {
+    "does not end": ("declare @i int = 0 while @i >= 0 set @i = @i % 1000 + 1", False, 1),
+    "prints": (ROWS, True, 1),
+    "prints to nobody": (ROWS, True, 2),
+}
 
 
 def outcome(words, text, database):
@@ -42,18 +52,31 @@ def outcome(words, text, database):
     return done.returncode, done.stdout.decode(), done.stderr.decode() if done.returncode > 1 else ""
 
 
-def interrupted(windows_command):
-    """Exit status of a batch that does not end, once Ctrl-C is pressed on its terminal."""
-    batch = "declare @i int = 0 while @i >= 0 set @i = @i % 1000 + 1"
-    words = ["wine", windows_command, "sql", batch, "--show-sql", "--dsn", "Embedded=:memory:busy"]
+def interrupted(windows_command, batch, prints, presses):
+    """Exit status of a command, and the bytes that it printed behind, once Ctrl-C is pressed on its terminal while its
+    batch runs, or while its rows wait for who reads them. After the second time nobody reads them."""
+    output, printed = os.pipe()
     child, terminal = pty.fork()
     if child == 0:
+        os.dup2(printed, 1)
+        words = ["wine", windows_command, "sql", batch, "--csv", "--show-sql", "--dsn", "Embedded=:memory:busy"]
         os.execvpe(words[0], words, wine.ENVIRONMENT)
+    os.close(printed)
     shown = b""
     while b"1000" not in shown:
-        shown += os.read(terminal, 1024)
-    os.write(terminal, b"\x03")
-    return os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])
+        shown += os.read(output if prints else terminal, 1024)
+    for _ in range(presses):
+        os.write(terminal, b"\x03")
+        time.sleep(0.2)
+    size = 0
+    while presses == 1 and (read := os.read(output, 65536)):
+        size += len(read)
+        # The command gets to Ctrl-C long before all is read.
+        time.sleep(0.02)
+    status = os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])
+    os.close(output)
+    os.close(terminal)
+    return status, size
 
 
 def version_of_file(program):
@@ -116,8 +139,10 @@ def main(windows_command, command, folder):
     kept = outcome([command, "sql", "--csv", asked], "", folders["here"] + "orders.db")[1]
     if status != 0 or f"6,{NAME}" not in kept:
         faults.append(f"ConfirmBill ended with {status} and left {kept!r}")
-    if (status := interrupted(windows_command)) != 130:
-        faults.append(f"Ctrl-C ended the command with {status}")
+    for name, (batch, prints, presses) in INTERRUPTED.items():
+        status, size = interrupted(windows_command, batch, prints, presses)
+        if status != 130 or size > WHOLE / 2:
+            faults.append(f"Ctrl-C ended a batch that {name} with {status}, {size} bytes behind")
     if (told := version_of_file(windows_command)) != outcome([command, "version"], "", "")[1].split()[1]:
         faults.append(f"the file's version is {told!r}")
     if words := strange_words_of_help(windows_command):

@@ -28,6 +28,24 @@ function(tessarlorn_warnings target)
             $<$<BOOL:${TESSARLORN_WARNINGS_AS_ERRORS}>:-Werror>)
 endfunction()
 
+# tessarlorn_version_resource(<target> <file> <description> [<type library>]): what Windows tells of a program, or of a
+# library, which has its type library as a resource.
+function(tessarlorn_version_resource target file description)
+  get_filename_component(name ${file} NAME_WE)
+  set(file_type VFT_APP)
+  set(type_library_line "")
+  set(more_values "")
+  set(resource ${CMAKE_CURRENT_BINARY_DIR}/${name}.rc)
+  if(ARGC GREATER 3)
+    set(file_type VFT_DLL)
+    set(type_library_line "1 TYPELIB \"${ARGV3}\"")
+    set(more_values "      VALUE \"OLESelfRegister\", \"\"")
+    set_source_files_properties(${resource} PROPERTIES OBJECT_DEPENDS ${CMAKE_CURRENT_BINARY_DIR}/${ARGV3})
+  endif()
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${resource} @ONLY)
+  target_sources(${target} PRIVATE ${resource})
+endfunction()
+
 # tessarlorn_library(<name> <folder>...): the static library tessarlorn_<name>, alias tessarlorn::<name>, of some rooms.
 # A name whose rooms have no source makes no target.
 function(tessarlorn_library name)

@@ -1,5 +1,6 @@
 // What every driver's connections do alike: embedded, over ODBC on the served database, over what stands in for ADO on
-// the embedded one, on the server that TESSARLORN_TEST_DSN names, and on the database that TESSARLORN_TEST_DATABASE names.
+// the embedded one, on the server that TESSARLORN_TEST_DSN names, and on the database that TESSARLORN_TEST_DATABASE
+// names.
 #include <chrono>
 #include <gmock/gmock.h>
 #include <thread>

@@ -43,7 +43,7 @@ void PrepareThisProcess() {
     KeepModule();
     RegisterAdoDriver();
     RegisterEmbeddedDriver();
-    // Nobody cancels here, and a thread of its own would outlive the library or block its end.
+    // Nobody cancels here, so that no thread need wait for it.
     RegisterOdbcDriver(OdbcCancelling::kNone);
     RegisterNeighbours();
     if (const ReadTcpEntry read = FindReadTcp()) {

@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "platform/error.h"
+#include "platform/text.h"
 
 namespace tessarlorn {
 namespace {
@@ -37,7 +38,9 @@ void RefuseNul(std::string_view batch, std::string_view driver) {
   RaiseAs(driver, 0, "The batch has a character U+0000 in it and was not sent.");
 }
 
-int ReadSeconds(std::string_view key, std::string_view value, std::string_view driver) {
+bool TimeOuts::Take(std::string_view key, std::string_view value, std::string_view driver) {
+  const bool login = EqualsIgnoreCase(key, "LoginTimeout");
+  if (!login && !EqualsIgnoreCase(key, "StatementTimeout")) return false;
   constexpr int kMostSeconds = 86400;
   int seconds = 0;
   const char* const last = value.data() + value.size();
@@ -47,7 +50,8 @@ int ReadSeconds(std::string_view key, std::string_view value, std::string_view d
                 std::string(key) + " in the connection string is no number of seconds from 0 to 86400.",
                 {.sqlstate = "08001"});
   }
-  return seconds;
+  (login ? login_timeout : statement_timeout) = seconds;
+  return true;
 }
 
 }  // namespace tessarlorn

@@ -38,10 +38,17 @@ class NumberSink final : public BatchSink {
 /// Drivers end the text at a character U+0000 and would run the first part alone.
 void RefuseNul(std::string_view batch, std::string_view driver);
 
-/// The seconds of the keys LoginTimeout and StatementTimeout, 0 to 86400. Raises 0x80040E4D naming the key.
-int ReadSeconds(std::string_view key, std::string_view value, std::string_view driver);
-/// What holds when a string names no time-out, in seconds; 0 = no limit.
 inline constexpr int kDefaultLoginTimeout = 15;
-inline constexpr int kDefaultStatementTimeout = 0;
+
+/// The component's own keys in a connection string, LoginTimeout and StatementTimeout: seconds, 0 to 86400; 0 = no
+/// limit.
+struct TimeOuts {
+  int login_timeout = kDefaultLoginTimeout;
+  int statement_timeout = 0;
+
+  /// Whether the key is one of them, whose value then counts. Raises 0x80040E4D naming the key for no number of
+  /// seconds.
+  bool Take(std::string_view key, std::string_view value, std::string_view driver);
+};
 
 }  // namespace tessarlorn

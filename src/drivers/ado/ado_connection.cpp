@@ -28,13 +28,6 @@ bool IsOpen(IAdoRecordset& rows) {
   return SUCCEEDED(rows.get_State(&state)) && state != kStateClosed;
 }
 
-/// A second hold of open rows, which outlives what NextRecordset does to the first; nothing where they can have none.
-com::Pointer<IAdoRecordset> HoldOf(IAdoRecordset& rows) {
-  com::Pointer<IAdoRecordset> hold;
-  if (FAILED(rows.Clone(kLockUnspecified, hold.Receive()))) return {};
-  return hold;
-}
-
 bool KnowsNoMoreResults(HRESULT status) { return status == E_NOTIMPL || status == kFeatureNotAvailable; }
 
 }  // namespace
@@ -116,9 +109,11 @@ void AdoConnection::Run(std::string_view text, bool first_only, BatchSink& sink)
       throw Error(*report.failure);
     }
     if (!rows) return;
-    // ADO clears a recordset for the next result of its batch, and only then tells whether there is one.
+    // ADO clears a recordset for the next result of its batch, and only then tells whether there is one; a clone
+    // outlives that.
     const bool answers = wanted && IsOpen(*rows.get());
-    com::Pointer<IAdoRecordset> hold = answers ? HoldOf(*rows.get()) : com::Pointer<IAdoRecordset>();
+    com::Pointer<IAdoRecordset> hold;
+    if (answers) static_cast<void>(rows->Clone(kLockUnspecified, hold.Receive()));
     com::Pointer<IAdoRecordset> next;
     status = rows->NextRecordset(nullptr, next.Receive());
     report = ReportOf(KnowsNoMoreResults(status) ? S_OK : status, connection_.get(), "Recordset.NextRecordset");

@@ -1,5 +1,7 @@
 #include "drivers/ado/connection_options.h"
 
+#include <algorithm>
+
 #include "drivers/ado/ado_error.h"
 #include "platform/text.h"
 
@@ -38,13 +40,8 @@ ConnectionOptions ParseConnectionOptions(std::string_view text) {
     const std::size_t equals = std::min(pair.find('='), pair.size());
     const std::string_view key = Trim(pair.substr(0, equals));
     const std::string_view value = equals == pair.size() ? std::string_view() : Trim(pair.substr(equals + 1));
-    if (EqualsIgnoreCase(key, "LoginTimeout")) {
-      options.login_timeout = ReadSeconds(key, value, kSource);
-    } else if (EqualsIgnoreCase(key, "StatementTimeout")) {
-      options.statement_timeout = ReadSeconds(key, value, kSource);
-    } else if (!pair.empty()) {
-      options.ado_string.append(pair).append(";");
-    }
+    if (pair.empty() || options.Take(key, value, kSource)) continue;
+    options.ado_string.append(pair).append(";");
   }
   return options;
 }

@@ -8,12 +8,9 @@
 
 namespace tessarlorn::ado {
 
-struct ConnectionOptions {
+struct ConnectionOptions : TimeOuts {
   /// What Connection.Open gets: the string without the keys of the component.
   std::string ado_string;
-  /// Seconds; 0 = no limit.
-  int login_timeout = kDefaultLoginTimeout;
-  int statement_timeout = kDefaultStatementTimeout;
 };
 
 /// Splits at ";" outside of quotes, " or ', which are doubled within. Takes out LoginTimeout and StatementTimeout.

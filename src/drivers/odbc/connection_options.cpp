@@ -61,14 +61,9 @@ std::string ConnectionOptions::WithoutPassword(std::string_view text) const {
 ConnectionOptions ParseConnectionOptions(std::string_view text) {
   ConnectionOptions options;
   for (const auto& [key, value] : ReadPairs(text)) {
-    if (EqualsIgnoreCase(key, "LoginTimeout")) {
-      options.login_timeout = ReadSeconds(key, value, kSource);
-    } else if (EqualsIgnoreCase(key, "StatementTimeout")) {
-      options.statement_timeout = ReadSeconds(key, value, kSource);
-    } else {
-      if (EqualsIgnoreCase(key, "PWD") || EqualsIgnoreCase(key, "Password")) options.password = value;
-      options.odbc_string += key + "=" + Quoted(value) + ";";
-    }
+    if (options.Take(key, value, kSource)) continue;
+    if (EqualsIgnoreCase(key, "PWD") || EqualsIgnoreCase(key, "Password")) options.password = value;
+    options.odbc_string += key + "=" + Quoted(value) + ";";
   }
   return options;
 }

@@ -8,12 +8,9 @@
 
 namespace tessarlorn::odbc {
 
-struct ConnectionOptions {
+struct ConnectionOptions : TimeOuts {
   /// What SQLDriverConnect gets: the string without the keys of the component.
   std::string odbc_string;
-  /// Seconds; 0 = no limit.
-  int login_timeout = kDefaultLoginTimeout;
-  int statement_timeout = kDefaultStatementTimeout;
   /// As the string has it, "" when it has none.
   std::string password;
 

@@ -5,26 +5,13 @@
 
 #include "drivers/embedded/functions.h"
 #include "drivers/embedded/list_table.h"
+#include "drivers/embedded/literals.h"
 #include "drivers/embedded/session.h"
 #include "drivers/embedded/sqlite_value.h"
 #include "platform/clock.h"
 
 namespace tessarlorn::embedded {
 namespace {
-
-void BindDatum(sqlite3_stmt* statement, int index, const Datum& value) {
-  if (const auto* integer = std::get_if<std::int64_t>(&value)) {
-    sqlite3_bind_int64(statement, index, *integer);
-  } else if (const auto* real = std::get_if<double>(&value)) {
-    sqlite3_bind_double(statement, index, *real);
-  } else if (const auto* text = std::get_if<std::string>(&value)) {
-    sqlite3_bind_text64(statement, index, text->data(), text->size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-  } else if (const auto* blob = std::get_if<Blob>(&value)) {
-    sqlite3_bind_blob64(statement, index, blob->bytes.data(), blob->bytes.size(), SQLITE_TRANSIENT);
-  } else {
-    sqlite3_bind_null(statement, index);
-  }
-}
 
 std::string_view ColumnBytes(sqlite3_stmt* statement, int column) {
   const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
@@ -81,6 +68,8 @@ Datum Session::LiteralValue(const Token& token, SqlType& type) {
     }
     case TokenKind::kFloat:
       return Convert(std::string(token.text), VarCharType(0), FloatType());
+    case TokenKind::kBinary:
+      return BinaryLiteral(token.text);
     case TokenKind::kString:
     case TokenKind::kNString:
       return token.doubled ? Unquote(token) : std::string(token.text);
@@ -180,7 +169,21 @@ int Session::Step(sqlite3_stmt* statement, std::string_view verb) {
   RaiseSqlite(database_.get(), status, &runtime_, verb);
 }
 
+void Session::TakeRows(Compiled& compiled, sqlite3_stmt* statement) {
+  TakenRows& taken = results_->taken->emplace_back();
+  taken.columns = compiled.columns;
+  while (Step(statement, compiled.verb) == SQLITE_ROW) {
+    std::vector<Datum>& row = taken.rows.emplace_back();
+    for (int i = 0; i < static_cast<int>(compiled.columns.size()); ++i) row.push_back(ColumnDatum(statement, i));
+  }
+  row_count_ = static_cast<std::int64_t>(taken.rows.size());
+}
+
 void Session::ReadRows(Compiled& compiled, sqlite3_stmt* statement, bool keep) {
+  if (results_->taken != nullptr) {
+    TakeRows(compiled, statement);
+    return;
+  }
   RecordsetPtr rows;
   std::vector<Storage> storages;
   if (keep) {

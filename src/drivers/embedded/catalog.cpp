@@ -89,12 +89,37 @@ void CatalogObject::Seal() {
 std::int64_t Catalog::SchemaVersion() {
   if (version_statement_ == nullptr) version_statement_ = Prepare(database_, "PRAGMA main.schema_version");
   sqlite3_stmt* statement = version_statement_.get();
-  const std::int64_t version = Step(database_, statement) ? sqlite3_column_int64(statement, 0) : 0;
-  sqlite3_reset(statement);
-  return version;
+  if (holds_ > 0) return sqlite3_column_int64(statement, 0);
+  const int status = sqlite3_step(statement);
+  if (status != SQLITE_ROW) {
+    sqlite3_reset(statement);
+    RaiseSqlite(database_, status, nullptr);
+  }
+  return sqlite3_column_int64(statement, 0);
+}
+
+void Catalog::Hold() {
+  // As long as the statement has not ended its reading has not either.
+  const std::int64_t version = SchemaVersion();
+  ++holds_;
+  try {
+    RefreshTo(version);
+  } catch (...) {
+    LetGo();
+    throw;
+  }
+}
+
+void Catalog::LetGo() noexcept {
+  if (--holds_ == 0) sqlite3_reset(version_statement_.get());
 }
 
 void Catalog::Refresh() {
+  Hold();
+  LetGo();
+}
+
+void Catalog::RefreshTo(std::int64_t version) {
   if (stale_) {
     std::erase_if(temporaries_, [this](const auto& entry) {
       const StatementHandle statement =
@@ -103,7 +128,6 @@ void Catalog::Refresh() {
       return !Step(database_, statement.get());
     });
   }
-  const std::int64_t version = SchemaVersion();
   if (version == schema_version_ && !stale_) return;
   Load();
   schema_version_ = version;
@@ -207,8 +231,14 @@ void Catalog::Write(const CatalogObject& object) {
   Step(database_, insert.get());
   // Views and procedures are no SQLite objects: the version says to other connections that something changed.
   if (object.kind != CatalogKind::kTable) {
-    RunSql(database_, "PRAGMA main.schema_version = " + std::to_string(SchemaVersion() + 1));
+    CountUp();
   }
+}
+
+void Catalog::CountUp() {
+  const std::int64_t version = SchemaVersion();
+  if (holds_ == 0) sqlite3_reset(version_statement_.get());
+  RunSql(database_, "PRAGMA main.schema_version = " + std::to_string(version + 1));
 }
 
 void Catalog::Remove(std::string_view name) {
@@ -226,7 +256,7 @@ void Catalog::Remove(std::string_view name) {
     Step(database_, statement.get());
   }
   if (found->second->kind != CatalogKind::kTable) {
-    RunSql(database_, "PRAGMA main.schema_version = " + std::to_string(SchemaVersion() + 1));
+    CountUp();
   }
   objects_.erase(found);
 }

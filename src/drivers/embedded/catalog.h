@@ -67,6 +67,9 @@ class Catalog {
 
   /// Reads the catalog anew when another connection may have changed it. Raises what SQLite reports.
   void Refresh();
+  /// Refreshes, and keeps what was read true until LetGo: SQLite shows the same commit to all statements between.
+  void Hold();
+  void LetGo() noexcept;
   /// What was read may be wrong, as after a rollback: the next Refresh reads all of it anew.
   void Invalidate() noexcept { stale_ = true; }
 
@@ -87,11 +90,15 @@ class Catalog {
 
  private:
   void Load();
+  /// Makes the schema's version another one, for what is no object of SQLite's.
+  void CountUp();
+  void RefreshTo(std::int64_t version);
   std::int64_t SchemaVersion();
   void Write(const CatalogObject& object);
 
   sqlite3* database_;
   StatementHandle version_statement_;
+  int holds_ = 0;
   std::unordered_map<std::string, CatalogObjectPtr> objects_;  // by lower-case name
   std::unordered_map<std::string, CatalogObjectPtr> temporaries_;
   std::int64_t schema_version_ = -1;

@@ -9,6 +9,7 @@
 #include "drivers/embedded/sql_error.h"
 #include "platform/date_time.h"
 #include "platform/text.h"
+#include "platform/utf16.h"
 
 namespace tessarlorn::embedded {
 namespace {
@@ -220,7 +221,29 @@ std::string MoneyText(const Decimal& number, int style) {
   return text;
 }
 
-std::string ToText(const Datum& value, const SqlType& from, int style) {
+/// Bytes as text: UTF-16 (little-endian) of national text, UTF-8 otherwise. What is neither becomes U+FFFD.
+std::string TextOfBytes(std::string_view bytes, bool national) {
+  if (!national) return FromUtf16(ToUtf16(bytes));
+  std::u16string units;
+  for (std::size_t i = 0; i < bytes.size(); i += 2) {
+    const auto low = static_cast<std::uint8_t>(bytes[i]);
+    const auto high = i + 1 < bytes.size() ? static_cast<std::uint8_t>(bytes[i + 1]) : std::uint8_t{0};
+    units += static_cast<char16_t>(low | (high << 8));
+  }
+  return FromUtf16(units);
+}
+
+std::string BytesOfText(std::string_view text, bool national) {
+  if (!national) return std::string(text);
+  std::string bytes;
+  for (const char16_t unit : ToUtf16(text)) {
+    bytes += static_cast<char>(unit & 0xff);
+    bytes += static_cast<char>(unit >> 8);
+  }
+  return bytes;
+}
+
+std::string ToText(const Datum& value, const SqlType& from, const SqlType& to, int style) {
   switch (from.storage()) {
     case Storage::kText:
       return std::get<std::string>(value);
@@ -230,7 +253,7 @@ std::string ToText(const Datum& value, const SqlType& from, int style) {
       if (const std::string& bytes = std::get<Blob>(value).bytes; style == 1 || style == 2) {
         return (style == 1 ? "0x" : "") + HexText(bytes.data(), bytes.size());
       } else {
-        return bytes;
+        return TextOfBytes(bytes, to.is_national());
       }
     case Storage::kInteger:
       if (from.is_date()) return FormatDate(std::get<std::int64_t>(value), from.kind, style);
@@ -276,7 +299,7 @@ Datum ToBinary(const Datum& value, const SqlType& from, const SqlType& to, int s
       blob.bytes += static_cast<char>(byte);
     }
   } else if (from.is_text()) {
-    blob.bytes = std::get<std::string>(value);
+    blob.bytes = BytesOfText(std::get<std::string>(value), from.is_national());
   } else if (from.is_integer()) {
     const std::size_t width = from.kind == FieldType::kBigInt     ? 8
                               : from.kind == FieldType::kSmallInt ? 2
@@ -432,7 +455,7 @@ Datum Convert(const Datum& value, const SqlType& from, const SqlType& to, int st
   if (to.is_exact()) return ToExact(value, from, to, fit);
   if (to.is_float()) return ToReal(value, from, to);
   if (to.is_date()) return ToDate(value, from, to);
-  if (to.is_text()) return FitText(ToText(value, from, style), from, to, fit);
+  if (to.is_text()) return FitText(ToText(value, from, to, style), from, to, fit);
   if (to.is_binary()) return ToBinary(value, from, to, style, fit);
   return ToGuid(value, from);
 }

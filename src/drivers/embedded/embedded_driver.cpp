@@ -103,6 +103,12 @@ auto Translated(Body body) {
     return body();
   } catch (const SqlError& error) {
     throw embedded::ToError(error);
+  } catch (const Error&) {
+    throw;
+  } catch (const std::bad_alloc&) {
+    throw embedded::ToError(embedded::OutOfMemory());
+  } catch (const std::exception&) {
+    throw embedded::ToError(embedded::InnerError());
   }
 }
 

@@ -210,6 +210,7 @@ Session::Flow Session::ExecuteTryCatch(const Statement& statement, Scope& scope)
 }
 
 bool Session::Holds(const Statement& statement, Scope& scope) {
+  const Snapshot snapshot(*this);
   Compiled& compiled = CompiledCondition(statement, scope);
   sqlite3_stmt* query = Bind(compiled, scope);
   const Running running(query);
@@ -217,19 +218,23 @@ bool Session::Holds(const Statement& statement, Scope& scope) {
 }
 
 Datum Session::Evaluate(const Expression& expression, const SqlType& type, Scope& scope) {
+  const Snapshot snapshot(*this);
   Compiled& compiled = CompiledValue(expression, &type, scope);
   if (compiled.parameter_only) return ParameterValue(compiled.parameters[0], scope);
+  return FirstValue(compiled, scope);
+}
+
+Datum Session::FirstValue(Compiled& compiled, Scope& scope) {
   sqlite3_stmt* query = Bind(compiled, scope);
   const Running running(query);
   return Step(query, compiled.verb) == SQLITE_ROW ? ToDatum(sqlite3_column_value(query, 0)) : Datum{};
 }
 
 Datum Session::EvaluateNatural(const Expression& expression, SqlType& type, Scope& scope) {
+  const Snapshot snapshot(*this);
   Compiled& compiled = CompiledValue(expression, nullptr, scope);
   type = compiled.columns[0].type;
-  sqlite3_stmt* query = Bind(compiled, scope);
-  const Running running(query);
-  return Step(query, compiled.verb) == SQLITE_ROW ? ToDatum(sqlite3_column_value(query, 0)) : Datum{};
+  return FirstValue(compiled, scope);
 }
 
 void Session::ExecuteSelect(const Statement& statement, Scope& scope) {
@@ -237,6 +242,7 @@ void Session::ExecuteSelect(const Statement& statement, Scope& scope) {
     ExecuteSelectInto(statement, scope);
     return;
   }
+  const Snapshot snapshot(*this);
   Compiled& compiled = CompiledStatement(statement, scope);
   sqlite3_stmt* query = Bind(compiled, scope);
   const Running running(query);
@@ -248,6 +254,7 @@ void Session::ExecuteSelect(const Statement& statement, Scope& scope) {
 }
 
 void Session::ExecuteSelectInto(const Statement& statement, Scope& scope) {
+  const Snapshot snapshot(*this);
   const Query& query = *statement.query;
   const ObjectName& into = query.select->into;
   CatalogObject table;
@@ -263,7 +270,7 @@ void Session::ExecuteSelectInto(const Statement& statement, Scope& scope) {
     Compiled compiled = MakeTranslator(scope).CompileInsertInto(*catalog_.Get(into.name), query);
     RunChange(compiled, Bind(compiled, scope));
   });
-  if (!no_count_) results_->sink.RowCount(row_count_);
+  TellRowCount();
 }
 
 void Session::ExecuteChange(const Statement& statement, Scope& scope) {
@@ -283,83 +290,63 @@ void Session::ExecuteChange(const Statement& statement, Scope& scope) {
     }
     return;
   }
+  const Snapshot snapshot(*this);
   Compiled& compiled = CompiledStatement(statement, scope);
   sqlite3_stmt* change = Bind(compiled, scope);
   const Running running(change);
   RunChange(compiled, change);
-  if (!no_count_) results_->sink.RowCount(row_count_);
+  TellRowCount();
 }
 
 void Session::ExecuteInsertExecute(const Statement& statement, Scope& scope) {
-  /// Keeps the results; all else is for the batch's own sink.
-  class Taken final : public BatchSink {
-   public:
-    explicit Taken(BatchSink& outer) : outer_(outer) {}
-    void Rows(RecordsetPtr rows) override { sets.push_back(std::move(rows)); }
-    void Message(std::string_view text, const NativeError& about) override { outer_.Message(text, about); }
-    bool StatementFailed(const Error& error) override { return outer_.StatementFailed(error); }
-    void Transaction(TransactionEvent event) override { outer_.Transaction(event); }
-    std::vector<RecordsetPtr> sets;
-
-   private:
-    BatchSink& outer_;
-  } taken(results_->sink);
-  Results inner{taken};
-  Results* outer = std::exchange(results_, &inner);
-  try {
+  std::vector<TakenRows> taken;
+  {
+    Results inner{results_->sink, false, false, &taken};
+    struct GiveBack {
+      Results*& results;
+      Results* outer;
+      ~GiveBack() { results = outer; }
+    } give_back{results_, std::exchange(results_, &inner)};
     ExecuteProcedure(*statement.execute, scope);
-  } catch (...) {
-    results_ = outer;
-    throw;
-  }
-  results_ = outer;
-  const CatalogObjectPtr table = catalog_.Get(statement.table.name);
-  std::vector<const Column*> columns;
-  for (const Column& column : table->columns) {
-    const bool named = std::any_of(statement.columns.begin(), statement.columns.end(),
-                                   [&](const std::string& name) { return EqualsIgnoreCase(name, column.name); });
-    if (statement.columns.empty() ? !column.identity : named) columns.push_back(&column);
   }
   std::int64_t inserted = 0;
-  for (const RecordsetPtr& rows : taken.sets) {
-    if (rows->fields().size() != columns.size()) {
-      throw SqlError(213, "Column name or number of supplied values does not match table definition.");
+  Atomically([&] {
+    for (const TakenRows& rows : taken) {
+      InsertTaken(statement, rows, scope);
+      inserted += row_count_;
     }
-    std::string sql = "INSERT INTO " + TableSql(*table) + " (";
-    std::string values;
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-      sql += i == 0 ? "" : ", ";
-      sql += QuoteName(columns[i]->name);
-      values += i == 0 ? "?" : ", ?";
-      values += std::to_string(i + 1);
-    }
-    sql.append(") VALUES (").append(values).append(")");
-    const StatementHandle insert = Prepare(database_.get(), sql, &runtime_);
-    for (rows->MoveFirst(); !rows->eof(); rows->MoveNext(), ++inserted) {
-      for (std::size_t i = 0; i < columns.size(); ++i) {
-        const Variant value = rows->Get(i);
-        const int index = static_cast<int>(i) + 1;
-        if (value.is_null()) {
-          sqlite3_bind_null(insert.get(), index);
-          continue;
-        }
-        const Datum stored = Convert(value.holds<bool>() ? (value.ToBool() ? "1" : "0") : value.ToText(),
-                                     NVarCharType(0), columns[i]->type, 0, Fit::kAssign);
-        if (const auto* whole = std::get_if<std::int64_t>(&stored)) sqlite3_bind_int64(insert.get(), index, *whole);
-        if (const auto* real = std::get_if<double>(&stored)) sqlite3_bind_double(insert.get(), index, *real);
-        if (const auto* text = std::get_if<std::string>(&stored)) {
-          sqlite3_bind_text64(insert.get(), index, text->data(), text->size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-        }
-        if (const auto* blob = std::get_if<Blob>(&stored)) {
-          sqlite3_bind_blob64(insert.get(), index, blob->bytes.data(), blob->bytes.size(), SQLITE_TRANSIENT);
-        }
-      }
+  });
+  row_count_ = inserted;
+  TellRowCount();
+}
+
+void Session::InsertTaken(const Statement& statement, const TakenRows& taken, Scope& scope) {
+  // The values stand in a table of SQLite's own, as they are, and go on as those of INSERT … SELECT do.
+  std::string columns;
+  std::string marks;
+  for (std::size_t i = 0; i < taken.columns.size(); ++i) {
+    columns += (i == 0 ? "c" : ", c") + std::to_string(i);
+    marks += i == 0 ? "?" : ", ?";
+  }
+  RunSql(database_.get(), "CREATE TEMP TABLE \"$taken\" (" + columns + ")", &runtime_);
+  {
+    const StatementHandle insert =
+        Prepare(database_.get(), "INSERT INTO temp.\"$taken\" VALUES (" + marks + ")", &runtime_);
+    for (const std::vector<Datum>& row : taken.rows) {
+      for (std::size_t i = 0; i < row.size(); ++i) BindDatum(insert.get(), static_cast<int>(i) + 1, row[i]);
       Step(insert.get(), "INSERT");
       sqlite3_reset(insert.get());
     }
+    const TranslatedQuery rows{"SELECT * FROM temp.\"$taken\"", taken.columns};
+    Compiled compiled =
+        MakeTranslator(scope).CompileInsert(statement, EqualsIgnoreCase(identity_insert_, statement.table.name), &rows);
+    RunChange(compiled, Bind(compiled, scope));
   }
-  row_count_ = inserted;
-  if (!no_count_) results_->sink.RowCount(row_count_);
+  RunSql(database_.get(), "DROP TABLE temp.\"$taken\"", &runtime_);
+}
+
+void Session::TellRowCount() {
+  if (!no_count_ && results_->taken == nullptr) results_->sink.RowCount(row_count_);
 }
 
 void Session::ExecuteSet(const Statement& statement, Scope& scope) {
@@ -370,13 +357,10 @@ void Session::ExecuteSet(const Statement& statement, Scope& scope) {
     scope.frame->Get(assignment.variable).value = std::move(value);
     return;
   }
+  const Snapshot snapshot(*this);
   Compiled& compiled = CompiledFor(
       &assignment, scope, [&](Translator& translator) { return translator.CompileCompound(assignment, type); });
-  sqlite3_stmt* query = Bind(compiled, scope);
-  const Running running(query);
-  if (Step(query, compiled.verb) == SQLITE_ROW) {
-    scope.frame->Get(assignment.variable).value = ToDatum(sqlite3_column_value(query, 0));
-  }
+  scope.frame->Get(assignment.variable).value = FirstValue(compiled, scope);
 }
 
 void Session::ExecuteSetOption(const Statement& statement, Scope& scope) {

@@ -40,8 +40,9 @@ void Guarded(sqlite3_context* context, Runtime& runtime, Body&& body) noexcept {
     sqlite3_result_error(context, error.what(), -1);
   } catch (const std::bad_alloc&) {
     sqlite3_result_error_nomem(context);
-  } catch (const std::exception& error) {
-    sqlite3_result_error(context, error.what(), -1);
+  } catch (const std::exception&) {
+    runtime.error = InnerError();
+    sqlite3_result_error(context, "inner error", -1);
   }
 }
 

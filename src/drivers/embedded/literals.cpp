@@ -103,4 +103,25 @@ LiteralUse FindLiterals(const Statement& statement) {
   return std::move(finder.use);
 }
 
+bool IsLongLiteral(LiteralKind kind, std::string_view value) {
+  constexpr std::size_t kMostCharacters = 8000;
+  constexpr std::size_t kMostNational = 4000;
+  switch (kind) {
+    case LiteralKind::kString:
+      return value.size() > kMostCharacters && TextLength(value, false) > static_cast<int>(kMostCharacters);
+    case LiteralKind::kNString:
+      return value.size() > kMostNational && TextLength(value, true) > static_cast<int>(kMostNational);
+    case LiteralKind::kBinary:
+      return value.size() > 2 + 2 * kMostCharacters;
+    default:
+      return false;
+  }
+}
+
+Blob BinaryLiteral(std::string_view text) {
+  std::string digits(text.substr(2));
+  if (digits.size() % 2 != 0) digits.insert(0, 1, '0');
+  return std::get<Blob>(Convert(std::move(digits), VarCharType(0), {FieldType::kVarBinary, 0, 0, 0, false}, 2));
+}
+
 }  // namespace tessarlorn::embedded

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <set>
+#include <string_view>
 
 #include "drivers/embedded/ast.h"
+#include "drivers/embedded/datum.h"
 
 namespace tessarlorn::embedded {
 
@@ -17,5 +19,11 @@ struct LiteralUse {
 };
 
 LiteralUse FindLiterals(const Statement& statement);
+
+/// Whether a text or binary literal is too long for varchar(8000), nvarchar(4000) or varbinary(8000): its type is
+/// (max). `value` is what stands between the quotes, undoubled; of a binary literal all of it, "0x…".
+bool IsLongLiteral(LiteralKind kind, std::string_view value);
+/// The bytes of "0x…". An odd number of digits begins with half a byte: 0x123 is 0x0123.
+Blob BinaryLiteral(std::string_view text);
 
 }  // namespace tessarlorn::embedded

@@ -17,9 +17,16 @@ bool IsLiteral(TokenKind kind) {
          kind == TokenKind::kBinary || kind == TokenKind::kString || kind == TokenKind::kNString;
 }
 
-/// What of a literal is part of the shape: whole numbers beyond an int and decimals have types of their own.
+/// What of a literal is part of the shape: whole numbers beyond an int, decimals, and long texts and binaries have
+/// types of their own.
 std::uint64_t LiteralClass(const Token& token) {
   std::string_view digits = token.text;
+  if (token.kind == TokenKind::kBinary) return IsLongLiteral(LiteralKind::kBinary, digits) ? 1 : 0;
+  if (token.kind == TokenKind::kString || token.kind == TokenKind::kNString) {
+    const LiteralKind kind = token.kind == TokenKind::kString ? LiteralKind::kString : LiteralKind::kNString;
+    // Undoubling only makes it shorter.
+    return IsLongLiteral(kind, digits) && (!token.doubled || IsLongLiteral(kind, Unquote(token))) ? 1 : 0;
+  }
   if (token.kind == TokenKind::kInteger) {
     while (digits.size() > 1 && digits.front() == '0') digits.remove_prefix(1);
     const bool fits = digits.size() < 10 || (digits.size() == 10 && digits <= "2147483647");
@@ -122,7 +129,7 @@ bool TakeLiteral(std::string_view text, std::size_t& position, const TextTemplat
       position += 2;
     }
     token.text = text.substr(begin, position - begin);
-    return true;
+    return LiteralClass(token) == wanted.literal_class;
   }
   if (wanted.kind == TokenKind::kFloat) return false;
   bool point = false;

@@ -54,6 +54,22 @@ class Session {
 
   class Nested;
 
+  /// While it lives a statement reads one commit, definitions and rows. The lock of a writer does so already.
+  class Snapshot {
+   public:
+    explicit Snapshot(Session& session) : catalog_(session.writing_ ? nullptr : &session.catalog_) {
+      if (catalog_ != nullptr) catalog_->Hold();
+    }
+    Snapshot(const Snapshot&) = delete;
+    Snapshot& operator=(const Snapshot&) = delete;
+    ~Snapshot() {
+      if (catalog_ != nullptr) catalog_->LetGo();
+    }
+
+   private:
+    Catalog* catalog_;
+  };
+
   /// What the statements of one batch or procedure body share.
   struct Scope {
     Frame* frame = nullptr;
@@ -64,11 +80,18 @@ class Session {
     int return_value = 0;
   };
 
+  /// A result on its way into a table.
+  struct TakenRows {
+    std::vector<ResultColumn> columns;
+    std::vector<std::vector<Datum>> rows;
+  };
+
   /// Where row-returning results go: to the caller, or to the INSERT of INSERT … EXEC.
   struct Results {
     BatchSink& sink;
     bool first_only = false;
     bool any = false;
+    std::vector<TakenRows>* taken = nullptr;  // of INSERT … EXEC
     [[nodiscard]] bool wants_more() const { return !first_only || !any; }
   };
 
@@ -96,6 +119,8 @@ class Session {
   void ExecuteSelectInto(const Statement& statement, Scope& scope);
   void ExecuteChange(const Statement& statement, Scope& scope);
   void ExecuteInsertExecute(const Statement& statement, Scope& scope);
+  void InsertTaken(const Statement& statement, const TakenRows& taken, Scope& scope);
+  void TellRowCount();
   void ExecuteSet(const Statement& statement, Scope& scope);
   void ExecuteSetOption(const Statement& statement, Scope& scope);
   void ExecuteProcedure(const Statement& statement, Scope& scope);
@@ -109,6 +134,7 @@ class Session {
   bool Holds(const Statement& statement, Scope& scope);
   Datum Evaluate(const Expression& expression, const SqlType& type, Scope& scope);
   Datum EvaluateNatural(const Expression& expression, SqlType& type, Scope& scope);
+  Datum FirstValue(Compiled& compiled, Scope& scope);
   void CheckCancelled();
   /// For SQLite, while a lock is taken: whether to try again.
   static int WaitForLock(void* session, int times);
@@ -123,6 +149,7 @@ class Session {
   Datum SystemValue(const std::string& name, SqlType& type);
   /// Hands the rows over when `keep`.
   void ReadRows(Compiled& compiled, sqlite3_stmt* statement, bool keep);
+  void TakeRows(Compiled& compiled, sqlite3_stmt* statement);
   void AssignRows(Compiled& compiled, sqlite3_stmt* statement, Scope& scope);
   void RunChange(Compiled& compiled, sqlite3_stmt* statement);
   /// SQLITE_ROW or SQLITE_DONE; raises everything else.

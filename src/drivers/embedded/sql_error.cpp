@@ -55,6 +55,10 @@ Error ToError(const SqlError& error) {
                       std::max(1, static_cast<int>(error.line())), error.procedure()}};
 }
 
+SqlError InnerError() { return {8624, "Internal error: the embedded database could not run the statement.", 16}; }
+
+SqlError OutOfMemory() { return {701, "There is insufficient memory to run this query.", 17}; }
+
 void RaiseSyntax(std::string_view near, bool keyword, std::uint32_t line) {
   SqlError error(keyword ? 156 : 102,
                  std::string(keyword ? "Incorrect syntax near the keyword '" : "Incorrect syntax near '") +

@@ -49,6 +49,9 @@ class SqlError : public std::runtime_error {
 /// The driver's one table: SQL Server's number to the number that OLE DB gives, and SQLSTATE.
 Error ToError(const SqlError& error);
 
+/// For what should never happen: a fault of the engine's own. The statement fails, the session goes on.
+SqlError InnerError();
+SqlError OutOfMemory();
 [[noreturn]] void RaiseSyntax(std::string_view near, bool keyword, std::uint32_t line);
 /// A feature that is refused by name: "<feature> is not supported by the embedded database."
 [[noreturn]] void RaiseUnsupported(std::string_view feature, std::uint32_t line = 0);

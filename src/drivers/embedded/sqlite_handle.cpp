@@ -81,7 +81,7 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
     case SQLITE_INTERRUPT:
       throw SqlError(3617, "The statement was cancelled.");
     case SQLITE_NOMEM:
-      throw SqlError(701, "There is insufficient memory to run this query.", 17);
+      throw OutOfMemory();
     case SQLITE_TOOBIG:
       throw SqlError(8631, "The value or the statement is too large: " + message + ".", 17);
     default:

@@ -40,6 +40,10 @@ void RequireNotNegative(std::int64_t length, const char* function) {
 
 void Len(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (IsNull(arguments[0])) return;
+  if (sqlite3_value_type(arguments[0]) == SQLITE_BLOB) {
+    sqlite3_result_int64(context, sqlite3_value_bytes(arguments[0]));
+    return;
+  }
   std::string_view text = TextOf(arguments[0]);
   while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
   sqlite3_result_int64(context, Length(text));
@@ -76,6 +80,15 @@ void Substring(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (start < 1) {
     count += start - 1;
     start = 1;
+  }
+  if (sqlite3_value_type(arguments[0]) == SQLITE_BLOB) {
+    const auto size = std::int64_t{sqlite3_value_bytes(arguments[0])};
+    const auto* bytes = static_cast<const char*>(sqlite3_value_blob(arguments[0]));
+    const std::int64_t from = std::min(start - 1, size);
+    sqlite3_result_blob64(context, size == 0 ? "" : bytes + from,
+                          static_cast<sqlite3_uint64>(std::clamp<std::int64_t>(count, 0, size - from)),
+                          SQLITE_TRANSIENT);
+    return;
   }
   SetText(context, Slice(TextOf(arguments[0]), start - 1, count));
 }

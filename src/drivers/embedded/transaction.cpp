@@ -22,6 +22,8 @@ void Session::EnsureWrite() {
   if (writing_) return;
   RunSql(database_.get(), "BEGIN IMMEDIATE", &runtime_);
   writing_ = true;
+  // Whoever had the lock may have defined something else.
+  catalog_.Refresh();
 }
 
 void Session::CommitWrite() {

@@ -77,7 +77,7 @@ std::string Translator::InsertHead(const CatalogObject& table, const std::vector
   return sql + ") ";
 }
 
-Compiled Translator::CompileInsert(const Statement& statement, bool identity_insert) {
+Compiled Translator::CompileInsert(const Statement& statement, bool identity_insert, const TranslatedQuery* given) {
   const std::string with = With(statement.with, nullptr);
   const CatalogObjectPtr table = Lookup(statement.table);
   if (table->kind != CatalogKind::kTable) RaiseReadOnly(*table);
@@ -121,7 +121,7 @@ Compiled Translator::CompileInsert(const Statement& statement, bool identity_ins
     if (statement.columns.empty()) {
       throw SqlError(213, "Column name or number of supplied values does not match table definition.");
     }
-    const bool query = statement.query->select != nullptr;
+    const bool query = given == nullptr && statement.query->select != nullptr;
     if (positions.size() > count) {
       throw SqlError(query ? 120 : 109,
                      query ? "The select list for the INSERT statement contains fewer items than the insert list. "
@@ -139,8 +139,10 @@ Compiled Translator::CompileInsert(const Statement& statement, bool identity_ins
                            "of columns specified in the INSERT statement.",
                    15);
   };
-  const Query& query = *statement.query;
-  if (query.select == nullptr && query.set_operator == SetOperator::kNone) {
+  const bool plain =
+      given == nullptr && statement.query->select == nullptr && statement.query->set_operator == SetOperator::kNone;
+  if (plain) {
+    const Query& query = *statement.query;
     Scope scope;
     std::string sql = head + "VALUES ";
     for (std::size_t r = 0; r < query.rows.size(); ++r) {
@@ -169,7 +171,7 @@ Compiled Translator::CompileInsert(const Statement& statement, bool identity_ins
     }
     return finish(sql);
   }
-  TranslatedQuery rows = QueryText(query, nullptr, {});
+  const TranslatedQuery rows = given != nullptr ? *given : QueryText(*statement.query, nullptr, {});
   check_count(rows.columns.size());
   // The query stands inside, so that its columns can be converted by name whatever it is made of.
   std::string list;

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 
+#include "drivers/embedded/literals.h"
 #include "drivers/embedded/sql_error.h"
 #include "drivers/embedded/translator.h"
 #include "platform/text.h"
@@ -117,7 +118,6 @@ Typed Translator::Literal(const Expression& expression) {
       while (digits.size() > 1 && digits.front() == '0') digits.remove_prefix(1);
       if (digits.size() < 10 || (digits.size() == 10 && digits <= "2147483647")) {
         type = IntType();
-        type.precision = static_cast<int>(digits.size());
         value = std::int64_t{std::stoll(std::string(digits))};
         break;
       }
@@ -140,20 +140,20 @@ Typed Translator::Literal(const Expression& expression) {
       value = Convert(expression.text, VarCharType(8000), type);
       break;
     case LiteralKind::kBinary:
-      type = {FieldType::kVarBinary, 8000, 0, 0, false};
-      value = Convert(expression.text, VarCharType(8000), type, 1);
+      type = {FieldType::kVarBinary, IsLongLiteral(expression.literal, expression.text) ? 0 : 8000, 0, 0, false};
+      value = BinaryLiteral(expression.text);
       break;
     case LiteralKind::kString:
-      type = VarCharType(8000);
+      type = VarCharType(IsLongLiteral(expression.literal, expression.text) ? 0 : 8000);
       value = expression.text;
       break;
     case LiteralKind::kNString:
-      type = NVarCharType(4000);
+      type = NVarCharType(IsLongLiteral(expression.literal, expression.text) ? 0 : 4000);
       value = expression.text;
       break;
   }
   Typed literal = Constant(std::move(value), type);
-  if (lift_ && view_depth_ == 0 && expression.literal_index >= 0 && expression.literal != LiteralKind::kBinary) {
+  if (lift_ && view_depth_ == 0 && expression.literal_index >= 0) {
     parameters_.back().source = BoundParameter::Source::kLiteral;
     parameters_.back().index = expression.literal_index;
     parameters_.back().constant = {};
@@ -284,7 +284,12 @@ Typed Translator::BinaryOf(BinaryOp op, Typed a, Typed b) {
     return {"(" + side(a) + (op == BinaryOp::kAdd ? " + " : " - ") + side(b) + ")", DateTimeType(), nullable, -1};
   }
   if (common.is_binary() && op == BinaryOp::kAdd) {
-    return {"(" + Coerce(a, common) + " || " + Coerce(b, common) + ")", common, nullable, -1};
+    constexpr int kMost = 8000;
+    const int size = a.type.size == 0 || b.type.size == 0 ? 0 : std::min(kMost, a.type.size + b.type.size);
+    const SqlType whole{FieldType::kVarBinary, 0, 0, 0, false};
+    // What SQLite joins is text, whatever it was.
+    return {"CAST((" + Coerce(a, whole) + " || " + Coerce(b, whole) + ") AS BLOB)",
+            SqlType{FieldType::kVarBinary, size, 0, 0, false}, nullable, -1};
   }
   if (!common.is_number()) RaiseOperand(common, op);
   // Text beside a number becomes a number of that type.
@@ -332,11 +337,16 @@ Typed Translator::BinaryOf(BinaryOp op, Typed a, Typed b) {
 Typed Translator::Binary(const Expression& expression, Scope& scope) {
   Typed a = Value(*expression.operands[0], scope);
   Typed b = Value(*expression.operands[1], scope);
-  // The digits of a whole number count where it meets a decimal.
-  if (a.type.is_exact() || b.type.is_exact()) {
-    Pin(*expression.operands[0]);
-    Pin(*expression.operands[1]);
-  }
+  // Of a whole number that is written beside a decimal only its own digits count.
+  const auto count_digits = [&](Typed& value, const Typed& other, const Expression& written) {
+    if (!other.type.is_exact() || value.type.kind != FieldType::kInt || value.parameter < 0) return;
+    if (written.kind != Expression::Kind::kLiteral) return;
+    Pin(written);
+    const std::size_t leading = std::min(written.text.find_first_not_of('0'), written.text.size() - 1);
+    value.type.precision = static_cast<int>(written.text.size() - leading);
+  };
+  count_digits(a, b, *expression.operands[0]);
+  count_digits(b, a, *expression.operands[1]);
   return BinaryOf(expression.binary, std::move(a), std::move(b));
 }
 

@@ -83,8 +83,12 @@ std::string Packed(const SqlType& type) { return std::to_string(PackType(type));
 }  // namespace
 
 std::string Translator::TextArgument(const Expression& expression, Scope& scope) {
-  const Typed value = Value(expression, scope);
-  return value.type.is_text() ? value.sql : Coerce(value, NVarCharType(0));
+  return AsText(Value(expression, scope));
+}
+
+std::string Translator::AsText(const Typed& value) {
+  if (value.type.is_text()) return value.sql;
+  return Coerce(value, value.type.is_binary() ? VarCharType(0) : NVarCharType(0));
 }
 
 std::string Translator::IntArgument(const Expression& expression, Scope& scope) {
@@ -120,7 +124,15 @@ Typed Translator::Function(const Expression& expression, Scope& scope) {
         if (i == 0 && value.type.is_text()) first = value.type;
         national = national || value.type.is_national();
         unlimited = unlimited || (i == 0 && value.type.is_text() && value.type.size == 0);
-        sql += value.type.is_text() ? value.sql : Coerce(value, NVarCharType(0));
+        const bool cut = plain.name == "substring" && i == 0;
+        if (cut && !value.type.is_text() && !value.type.is_binary()) {
+          throw SqlError(8116, "Argument data type " + std::string(TypeNameText(value.type.kind)) +
+                                   " is invalid for argument 1 of substring function.");
+        }
+        // Of binaries bytes are counted and cut.
+        const bool bytes = value.type.is_binary() && (cut || plain.name == "len");
+        if (cut && bytes) first = {FieldType::kVarBinary, value.type.size, 0, 0, false};
+        sql += bytes ? value.sql : AsText(value);
       } else {
         sql += kind == ArgumentKind::kInt ? IntArgument(operand, scope) : FloatArgument(operand, scope);
       }

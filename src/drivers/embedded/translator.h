@@ -52,7 +52,8 @@ class Translator {
   Compiled CompileValue(const Expression& value);
   /// The new value of the variable of `SET @v += x`, of `type`.
   Compiled CompileCompound(const Assignment& assignment, const SqlType& type);
-  Compiled CompileInsert(const Statement& statement, bool identity_insert);
+  /// @param given the rows of INSERT … EXEC, in the place of the statement's own query
+  Compiled CompileInsert(const Statement& statement, bool identity_insert, const TranslatedQuery* given = nullptr);
   /// INSERT of the query into a table made for it by SELECT … INTO.
   Compiled CompileInsertInto(const CatalogObject& table, const Query& query);
   Compiled CompileUpdate(const Statement& statement);
@@ -139,6 +140,7 @@ class Translator {
   Typed TextFunction(const Expression& expression, Scope& scope);
   Typed MetadataFunction(const Expression& expression, Scope& scope);
   std::string TextArgument(const Expression& expression, Scope& scope);
+  std::string AsText(const Typed& value);
   std::string IntArgument(const Expression& expression, Scope& scope);
   std::string FloatArgument(const Expression& expression, Scope& scope);
   std::string DateArgument(const Expression& expression, Scope& scope);

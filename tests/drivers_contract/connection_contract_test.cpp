@@ -34,7 +34,7 @@ class ConnectionContract : public testing::TestWithParam<Reach> {
   /// Every result, message and error, in order.
   std::vector<std::string> EventsOf(std::string_view batch) {
     std::vector<std::string> events;
-    SetMessageObserver([&](std::string_view text) { events.push_back("says " + std::string(text)); });
+    SetMessageObserver([&](std::string_view text) { events.push_back("says  " + std::string(text)); });
     try {
       connection_->ExecuteAll(batch, [&](const RecordsetPtr& rows) { events.push_back(TextOf(rows)); });
     } catch (const Error& error) {
@@ -52,7 +52,7 @@ TEST_P(ConnectionContract, ResultsComeInOrderAndAnErrorBehindThem) {
   EXPECT_THAT(EventsOf("print 'one' create table #r (a int primary key) insert #r values (1),(2) select a from #r "
                        "update #r set a = 9 where a = 5 select 2 as b print 'two'"),
               ElementsAre("says one", "a;1;2", "b;2", "says two"));
-  EXPECT_THAT(EventsOf("print ''"), ElementsAre("says "));
+  EXPECT_THAT(EventsOf("print ''"), ElementsAre("says  "));
   EXPECT_THAT(EventsOf("select 1 as a select 2 as b select cast('x' as int) as c select 3 as d"),
               ElementsAre("a;1", "b;2", "error 245"));
   EXPECT_THAT(EventsOf("insert #r values (1)"), ElementsAre("error 2627"));

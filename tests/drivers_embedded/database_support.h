@@ -7,6 +7,7 @@
 #include "drivers/embedded/embedded_driver.h"
 #include "platform/connection.h"
 #include "platform/error.h"
+#include "platform/text.h"
 
 namespace tessarlorn {
 
@@ -17,6 +18,11 @@ inline std::unique_ptr<Connection> OpenEmbedded(const std::string& database = ":
   return OpenConnection("Embedded=" + (database == ":memory:" ? database + std::to_string(++number) : database));
 }
 
+inline std::string CellText(const Variant& value) {
+  if (const auto* bytes = value.get_if<Bytes>()) return "0x" + HexText(bytes->data(), bytes->size());
+  return value.is_null() ? "NULL" : value.holds<bool>() ? (value.ToBool() ? "1" : "0") : value.ToText();
+}
+
 /// "a|b;1|x;2|NULL": heads and rows.
 inline std::string TextOf(const RecordsetPtr& rows) {
   if (rows == nullptr) return "";
@@ -24,9 +30,8 @@ inline std::string TextOf(const RecordsetPtr& rows) {
   for (std::size_t i = 0; i < rows->fields().size(); ++i) text += (i == 0 ? "" : "|") + rows->fields()[i].name;
   for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) {
     for (std::size_t i = 0; i < rows->fields().size(); ++i) {
-      const Variant value = rows->Get(i);
       text += i == 0 ? ";" : "|";
-      text += value.is_null() ? "NULL" : value.holds<bool>() ? (value.ToBool() ? "1" : "0") : value.ToText();
+      text += CellText(rows->Get(i));
     }
   }
   return text;

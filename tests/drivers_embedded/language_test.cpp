@@ -178,7 +178,7 @@ TEST(Language, ErrorsNameWhatIsWrong) {
       {"select FID from o where FName = 5",
        "error 245: Conversion failed when converting the nvarchar value '张三' to data type int."},
       {"select cast('2026-13-01' as datetime) as d",
-       "error 241: Conversion failed when converting date and/or time from character string."},
+       "error 242: The conversion of a varchar data type to a datetime data type resulted in an out-of-range value."},
       {"select 2147483647 + FID from o",
        "error 8115: Arithmetic overflow error converting expression to data type int."},
       {"select 9223372036854775807 + FID as x from o where FID = 1", "x;9223372036854775808"},

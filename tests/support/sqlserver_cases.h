@@ -22,7 +22,7 @@ inline const nlohmann::json& SqlServerCases() {
 /// Equal texts, or numbers that are equal to the shorter one's number of places.
 inline bool AgreesWith(const nlohmann::json& wanted, const Variant& got) {
   if (wanted.is_null() || got.is_null()) return wanted.is_null() && got.is_null();
-  const std::string text = got.holds<bool>() ? (got.ToBool() ? "1" : "0") : got.ToText();
+  const std::string text = CellText(got);
   const std::string expected = wanted.get<std::string>();
   if (text == expected) return true;
   const auto a = Decimal::Parse(text);

@@ -104,7 +104,8 @@ Datum Session::ParameterValue(const BoundParameter& parameter, Scope& scope) {
       break;
   }
   try {
-    return Convert(value, from, parameter.to, parameter.style, parameter.fit);
+    return Convert(value, from, parameter.to, StyleFor(parameter.to, parameter.style, runtime_.date_order),
+                   parameter.fit);
   } catch (const SqlError& error) {
     if (error.number() != 8152 || parameter.column.empty()) throw;
     const std::string* text = std::get_if<std::string>(&value);
@@ -121,7 +122,7 @@ std::shared_ptr<const ListItems> Session::ListValues(const BoundParameter& param
     const bool text = token.kind == TokenKind::kString || token.kind == TokenKind::kNString;
     SqlType from = text ? NVarCharType(0) : BigIntType();
     Datum value = LiteralValue(token, from);
-    items->push_back(Convert(value, from, parameter.to, 0, Fit::kCompare));
+    items->push_back(Convert(value, from, parameter.to, StyleFor(parameter.to, 0, runtime_.date_order), Fit::kCompare));
   }
   return items;
 }
@@ -217,13 +218,17 @@ void Session::ReadRows(Compiled& compiled, sqlite3_stmt* statement, bool keep) {
   results_->sink.Rows(std::move(rows));
 }
 
+void Session::SetVariable(Variable& variable, const Datum& value, const SqlType& type) {
+  variable.value = Convert(value, type, variable.type, StyleFor(variable.type, 0, runtime_.date_order));
+}
+
 void Session::AssignRows(Compiled& compiled, sqlite3_stmt* statement, Scope& scope) {
   row_count_ = 0;
   while (Step(statement, compiled.verb) == SQLITE_ROW) {
     ++row_count_;
     for (std::size_t i = 0; i < compiled.assigned.size(); ++i) {
       Variable& variable = scope.frame->Get(compiled.assigned[i]);
-      variable.value = Convert(ColumnDatum(statement, static_cast<int>(i)), compiled.columns[i].type, variable.type);
+      SetVariable(variable, ColumnDatum(statement, static_cast<int>(i)), compiled.columns[i].type);
     }
   }
 }
@@ -233,7 +238,7 @@ void Session::RunChange(Compiled& compiled, sqlite3_stmt* statement) {
   while (Step(statement, compiled.verb) == SQLITE_ROW) ++rows;
   // An UPDATE of variables only is a query for SQLite.
   row_count_ = sqlite3_stmt_readonly(statement) != 0 ? rows : sqlite3_changes64(database_.get());
-  if (compiled.gives_identity && row_count_ > 0) identity_ = sqlite3_last_insert_rowid(database_.get());
+  if (!compiled.identity_table.empty() && row_count_ > 0) NoteIdentity(compiled.identity_table);
 }
 
 Datum Session::SystemValue(const std::string& name, SqlType& type) {
@@ -252,7 +257,8 @@ Datum Session::SystemValue(const std::string& name, SqlType& type) {
   if (name == "@@trancount") return whole(depth_);
   if (name == "@@spid") return whole(1);
   if (name == "xact_state") return whole(doomed_ ? -1 : depth_ > 0 ? 1 : 0);
-  if (name == "@@identity" || name == "scope_identity") return identity_ ? whole(*identity_) : Datum{};
+  if (name == "@@identity") return identity_ ? whole(*identity_) : Datum{};
+  if (name == "scope_identity") return scope_identity_ ? whole(*scope_identity_) : Datum{};
   if (name == "@@version") return std::string("TessarLorn embedded database on SQLite ") + sqlite3_libversion();
   if (name.starts_with("error_")) {
     if (caught_.empty()) return {};

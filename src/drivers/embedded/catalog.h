@@ -48,6 +48,11 @@ struct CatalogObject {
 
 using CatalogObjectPtr = std::shared_ptr<const CatalogObject>;
 
+/// What the name of an index ends with that stands beside a unique one, for the keys with NULLs.
+constexpr std::string_view kNullKeySuffix = "$null";
+/// What its name begins with where it stands beside a UNIQUE constraint.
+constexpr std::string_view kUniqueKeyPrefix = "$unique";
+
 /// `name` in double quotes, as SQLite reads it.
 std::string QuoteName(std::string_view name);
 /// `text` in single quotes.

@@ -55,8 +55,8 @@ struct Compiled {
   std::optional<SqlType> target;
   /// For the wording of errors: "INSERT", "UPDATE", "DELETE".
   std::string_view verb = "INSERT";
-  /// The statement gives identity values.
-  bool gives_identity = false;
+  /// The table that gives identity values, "" for none.
+  std::string identity_table;
 
   StatementHandle handle;  // prepared on first use
 };

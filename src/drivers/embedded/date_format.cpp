@@ -4,9 +4,9 @@
 #include <cmath>
 #include <cstdio>
 
+#include "drivers/embedded/date_text.h"
 #include "drivers/embedded/datum.h"
 #include "drivers/embedded/sql_error.h"
-#include "platform/date_time.h"
 
 namespace tessarlorn::embedded {
 namespace {
@@ -71,7 +71,8 @@ void AppendNumber(std::string& text, int value, int width, char pad = '0') {
   text += digits;
 }
 
-void AppendPattern(std::string& text, const char* pattern, const CivilTime& civil) {
+/// @param places of the second; without any the sign before them falls away, too
+void AppendPattern(std::string& text, const char* pattern, const CivilTime& civil, int places) {
   for (const char* c = pattern; *c != '\0'; ++c) {
     if (*c != '%') {
       text += *c;
@@ -109,7 +110,12 @@ void AppendPattern(std::string& text, const char* pattern, const CivilTime& civi
         AppendNumber(text, civil.second, 2);
         break;
       case 'f':
+        if (places == 0) {
+          text.pop_back();
+          break;
+        }
         AppendNumber(text, civil.millisecond, 3);
+        text.resize(text.size() - 3 + static_cast<std::size_t>(places), '0');
         break;
       default:
         text += civil.hour < 12 ? "AM" : "PM";
@@ -120,27 +126,30 @@ void AppendPattern(std::string& text, const char* pattern, const CivilTime& civi
 
 }  // namespace
 
-std::string FormatDate(std::int64_t milliseconds, FieldType kind, int style) {
+std::string FormatDate(std::int64_t milliseconds, const SqlType& type, int style) {
+  const FieldType kind = type.kind;
+  const int places = kind == FieldType::kTime || !type.is_old_date() ? type.scale : 3;
   if (style == 0 && kind == FieldType::kDate) style = 23;
-  if (style == 0 && kind == FieldType::kTime) style = 114;
+  if (style == 0 && kind != FieldType::kDate && !type.is_old_date()) style = 121;
   for (const StylePattern& pattern : kStyles) {
     if (pattern.style != style) continue;
     const CivilTime civil = DateTime(milliseconds).ToCivil();
     std::string text;
-    if (kind != FieldType::kTime) AppendPattern(text, pattern.date, civil);
+    if (kind != FieldType::kTime) AppendPattern(text, pattern.date, civil, places);
     if (kind != FieldType::kDate && *pattern.time != '\0') {
       if (!text.empty() && *pattern.time != 'T') text += ' ';
-      AppendPattern(text, pattern.time, civil);
+      const bool whole = (style == 126 || style == 127) && type.is_old_date() && civil.millisecond == 0;
+      AppendPattern(text, pattern.time, civil, whole ? 0 : places);
     }
     return text;
   }
   throw SqlError(281, std::to_string(style) + " is not a valid style number when converting from " +
-                          std::string(TypeNameText(kind)) + " to a character string.");
+                          std::string(TypeNameText(type)) + " to a character string.");
 }
 
 std::string FormatFloat(double value, int style) {
   std::array<char, 64> text{};
-  const int digits = style == 1 ? 8 : style == 2 || style == 3 ? 17 : 6;
+  const int digits = style == 1 ? 8 : style == 2 ? 16 : style == 3 ? 17 : 6;
   if (style == 0) {
     // SQL Server writes plain digits between 1e-4 and 1e6 and three exponent digits elsewhere.
     const double magnitude = std::fabs(value);

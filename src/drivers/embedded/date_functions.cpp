@@ -2,6 +2,7 @@
 #include <array>
 
 #include "drivers/embedded/date_part.h"
+#include "drivers/embedded/date_text.h"
 #include "drivers/embedded/functions.h"
 #include "drivers/embedded/sqlite_value.h"
 #include "platform/date_time.h"
@@ -17,8 +18,8 @@ constexpr std::int64_t kDay = 24 * kHour;
 
 std::int64_t FloorDivide(std::int64_t value, std::int64_t by) { return value / by - (value % by < 0 ? 1 : 0); }
 
-[[noreturn]] void RaiseDateOverflow() {
-  throw SqlError(517, "Adding a value to a 'datetime' column caused an overflow.");
+[[noreturn]] void RaiseDateOverflow(const SqlType& type = DateTimeType()) {
+  throw SqlError(517, "Adding a value to a '" + std::string(TypeNameText(type)) + "' column caused an overflow.");
 }
 
 std::int64_t FromCivil(const CivilTime& civil) {
@@ -60,7 +61,18 @@ std::int64_t Unit(DatePart part) {
   }
 }
 
-// ts_dateadd(part, number, date)
+// ts_datetime(milliseconds, type): the result of an addition
+void DateTimeOf(sqlite3_context* context, Runtime&, Arguments arguments) {
+  if (AnyNull(arguments)) return;
+  const SqlType type = TypeArgument(arguments[1]);
+  try {
+    sqlite3_result_int64(context, FitDate(sqlite3_value_int64(arguments[0]), type, type));
+  } catch (const SqlError&) {
+    RaiseArithmeticOverflow(type);
+  }
+}
+
+// ts_dateadd(part, number, date, type)
 void DateAdd(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (AnyNull(arguments)) return;
   const auto part = static_cast<DatePart>(sqlite3_value_int(arguments[0]));
@@ -72,8 +84,13 @@ void DateAdd(sqlite3_context* context, Runtime&, Arguments arguments) {
   } else {
     result = time + number * Unit(part);
   }
-  if (result < -kDay * 693595 || result >= kDay * 2958464) RaiseDateOverflow();
-  sqlite3_result_int64(context, result);
+  const SqlType type = TypeArgument(arguments[3]);
+  if (result < -kDay * 693595 || result >= kDay * 2958464) RaiseDateOverflow(type);
+  try {
+    sqlite3_result_int64(context, FitDate(result, type, type));
+  } catch (const SqlError&) {
+    RaiseDateOverflow(type);
+  }
 }
 
 // ts_datediff(part, from, to): boundaries crossed
@@ -104,6 +121,13 @@ void DateDiff(sqlite3_context* context, Runtime&, Arguments arguments) {
       result = FloorDivide(to, Unit(part)) - FloorDivide(from, Unit(part));
       break;
   }
+  sqlite3_result_int64(context, result);
+}
+
+// ts_datediff_int(difference)
+void CheckDifference(sqlite3_context* context, Runtime&, Arguments arguments) {
+  if (AnyNull(arguments)) return;
+  const std::int64_t result = sqlite3_value_int64(arguments[0]);
   if (result > 2147483647 || result < -2147483648LL) {
     throw SqlError(535,
                    "The datediff function resulted in an overflow. The number of dateparts separating two "
@@ -192,9 +216,13 @@ void DateFromParts(sqlite3_context* context, Runtime&, Arguments arguments) {
 }
 
 // ts_isdate(text)
-void IsDate(sqlite3_context* context, Runtime&, Arguments arguments) {
-  const bool date =
-      !IsNull(arguments[0]) && !Trim(TextOf(arguments[0])).empty() && DateTime::Parse(TextOf(arguments[0])).has_value();
+void IsDate(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
+  bool date = false;
+  if (!IsNull(arguments[0]) && !Trim(TextOf(arguments[0])).empty()) {
+    const std::optional<CivilTime> civil = ReadDateText(TextOf(arguments[0]), StyleOfOrder(runtime.date_order), false);
+    constexpr int kFirstYear = 1753;
+    date = civil && civil->year >= kFirstYear && DateTime::FromCivil(*civil);
+  }
   sqlite3_result_int(context, date ? 1 : 0);
 }
 
@@ -230,7 +258,9 @@ std::optional<DatePart> FindDatePart(std::string_view name) {
 }
 
 void RegisterDateFunctions(sqlite3* database, Runtime& runtime) {
-  RegisterFunction(database, runtime, "ts_dateadd", 3, DateAdd);
+  RegisterFunction(database, runtime, "ts_dateadd", 4, DateAdd);
+  RegisterFunction(database, runtime, "ts_datetime", 2, DateTimeOf);
+  RegisterFunction(database, runtime, "ts_datediff_int", 1, CheckDifference);
   RegisterFunction(database, runtime, "ts_datediff", 3, DateDiff);
   RegisterFunction(database, runtime, "ts_datepart", 2, DatePartOf);
   RegisterFunction(database, runtime, "ts_datename", 2, DateName);

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 
+#include "drivers/embedded/date_text.h"
 #include "drivers/embedded/sql_error.h"
 #include "platform/date_time.h"
 #include "platform/text.h"
@@ -35,17 +36,22 @@ IntegerRange RangeOf(FieldType kind) {
 }
 
 std::string_view SourceName(const SqlType& type) {
-  return type.kind == FieldType::kDecimal ? "numeric" : TypeNameText(type.kind);
+  return type.kind == FieldType::kDecimal ? "numeric" : TypeNameText(type);
 }
 
 [[noreturn]] void RaiseConversion(std::string_view text, const SqlType& from, const SqlType& to) {
   throw SqlError(245, "Conversion failed when converting the " + std::string(SourceName(from)) + " value '" +
-                          std::string(text) + "' to data type " + std::string(TypeNameText(to.kind)) + ".");
+                          std::string(text) + "' to data type " + std::string(TypeNameText(to)) + ".");
 }
 
 [[noreturn]] void RaiseConverting(const SqlType& from, const SqlType& to) {
   throw SqlError(
       8114, "Error converting data type " + std::string(SourceName(from)) + " to " + std::string(SourceName(to)) + ".");
+}
+
+[[noreturn]] void RaiseNotAllowed(const SqlType& from, const SqlType& to) {
+  throw SqlError(529, "Explicit conversion from data type " + std::string(TypeNameText(from)) + " to " +
+                          std::string(TypeNameText(to)) + " is not allowed.");
 }
 
 std::int64_t CheckRange(std::int64_t value, const SqlType& to, Fit fit) {
@@ -54,7 +60,7 @@ std::int64_t CheckRange(std::int64_t value, const SqlType& to, Fit fit) {
   if (value >= range.least && value <= range.most) return value;
   if (fit == Fit::kCompare) return value;
   if (to.kind == FieldType::kInt || to.kind == FieldType::kBigInt) RaiseArithmeticOverflow(to);
-  throw SqlError(220, "Arithmetic overflow error for data type " + std::string(TypeNameText(to.kind)) +
+  throw SqlError(220, "Arithmetic overflow error for data type " + std::string(TypeNameText(to)) +
                           ", value = " + std::to_string(value) + ".");
 }
 
@@ -78,7 +84,7 @@ std::int64_t TextToInteger(std::string_view text, const SqlType& from, const Sql
     if (to.kind == FieldType::kBigInt) RaiseArithmeticOverflow(to);
     throw SqlError(to.kind == FieldType::kInt ? 248 : 244, "The conversion of the " + std::string(SourceName(from)) +
                                                                " value '" + std::string(text) + "' overflowed an " +
-                                                               std::string(TypeNameText(to.kind)) + " column.");
+                                                               std::string(TypeNameText(to)) + " column.");
   }
   return CheckRange(value, to, fit);
 }
@@ -93,6 +99,7 @@ Datum ToInteger(const Datum& value, const SqlType& from, const SqlType& to, Fit 
   if (from.is_integer()) return CheckRange(std::get<std::int64_t>(value), to, fit);
   if (from.is_text()) return TextToInteger(std::get<std::string>(value), from, to, fit);
   if (from.is_float()) return RealToInteger(std::get<double>(value), to, fit);
+  if (from.is_date() && !from.is_old_date()) RaiseNotAllowed(from, to);
   if (from.is_date()) {
     const double days = static_cast<double>(std::get<std::int64_t>(value)) / kDayMilliseconds;
     return CheckRange(static_cast<std::int64_t>(std::floor(days + 0.5)), to, fit);
@@ -111,7 +118,7 @@ Datum ToInteger(const Datum& value, const SqlType& from, const SqlType& to, Fit 
       const IntegerRange range = RangeOf(to.kind);
       if (*whole < range.least || *whole > range.most) {
         throw SqlError(8115, "Arithmetic overflow error converting " + std::string(SourceName(from)) +
-                                 " to data type " + std::string(TypeNameText(to.kind)) + ".");
+                                 " to data type " + std::string(TypeNameText(to)) + ".");
       }
     }
     return CheckRange(*whole, to, fit);
@@ -141,7 +148,8 @@ Datum ToExact(const Datum& value, const SqlType& from, const SqlType& to, Fit fi
     const std::string& text = std::get<std::string>(value);
     const std::optional<Decimal> parsed =
         Decimal::Parse(to.kind == FieldType::kMoney ? MoneyDigits(text) : std::string(Trim(text)));
-    if (!parsed) RaiseConverting(from, to);
+    const bool exponent = text.find_first_of("eE") != std::string::npos;
+    if (!parsed || exponent) RaiseConverting(from, to);
     number = *parsed;
   } else if (from.is_float()) {
     const double real = std::get<double>(value);
@@ -155,6 +163,7 @@ Datum ToExact(const Datum& value, const SqlType& from, const SqlType& to, Fit fi
   } else if (from.is_exact() || from.is_integer()) {
     number = ToDecimal(value, from);
   } else if (from.is_date()) {
+    if (!from.is_old_date()) RaiseNotAllowed(from, to);
     number = *Decimal::FromDouble(static_cast<double>(std::get<std::int64_t>(value)) / kDayMilliseconds);
   } else {
     RaiseConverting(from, to);
@@ -176,6 +185,7 @@ Datum ToReal(const Datum& value, const SqlType& from, const SqlType& to) {
     return to.kind == FieldType::kReal ? static_cast<double>(static_cast<float>(std::get<double>(value)))
                                        : std::get<double>(value);
   if (from.is_exact()) return ToDecimal(value, from).ToDouble();
+  if (from.is_date() && !from.is_old_date()) RaiseNotAllowed(from, to);
   if (from.is_date()) return static_cast<double>(std::get<std::int64_t>(value)) / kDayMilliseconds;
   if (from.is_text()) {
     std::string_view text = Trim(std::get<std::string>(value));
@@ -188,26 +198,39 @@ Datum ToReal(const Datum& value, const SqlType& from, const SqlType& to) {
   RaiseConverting(from, to);
 }
 
-Datum ToDate(const Datum& value, const SqlType& from, const SqlType& to) {
+[[noreturn]] void RaiseDateRange(const SqlType& from, const SqlType& to) {
+  throw SqlError(242, "The conversion of a " + std::string(TypeNameText(from)) + " data type to a " +
+                          std::string(TypeNameText(to)) + " data type resulted in an out-of-range value.");
+}
+
+std::int64_t DateOfText(std::string_view text, const SqlType& from, const SqlType& to, int style) {
+  const std::optional<CivilTime> civil = ReadDateText(text, style, !to.is_old_date());
+  const std::optional<DateTime> time = civil ? DateTime::FromCivil(*civil) : std::nullopt;
+  if (time) return time->milliseconds();
+  if (civil && to.is_old_date()) RaiseDateRange(from, to);
+  throw SqlError(241, "Conversion failed when converting date and/or time from character string.");
+}
+
+Datum ToDate(const Datum& value, const SqlType& from, const SqlType& to, int style, Fit fit) {
   std::int64_t milliseconds = 0;
   if (from.is_date()) {
     milliseconds = std::get<std::int64_t>(value);
   } else if (from.is_text()) {
-    const std::optional<DateTime> parsed = DateTime::Parse(std::get<std::string>(value));
-    if (!parsed) throw SqlError(241, "Conversion failed when converting date and/or time from character string.");
-    milliseconds = parsed->milliseconds();
-  } else if (from.is_number() && to.kind == FieldType::kDateTime) {
+    milliseconds = DateOfText(std::get<std::string>(value), from, to, style);
+  } else if (from.is_number() && to.is_old_date()) {
     const double days = std::get<double>(ToReal(value, from, FloatType()));
     if (!(days >= -53690 && days < 2958464)) RaiseArithmeticOverflow(to);
     milliseconds = static_cast<std::int64_t>(std::llround(days * kDayMilliseconds));
   } else {
-    throw SqlError(529, "Explicit conversion from data type " + std::string(TypeNameText(from.kind)) + " to " +
-                            std::string(TypeNameText(to.kind)) + " is not allowed.");
+    RaiseNotAllowed(from, to);
   }
-  const std::int64_t time = ((milliseconds % kDayMilliseconds) + kDayMilliseconds) % kDayMilliseconds;
-  if (to.kind == FieldType::kDate) return milliseconds - time;
-  if (to.kind == FieldType::kTime) return time;
-  return milliseconds;
+  const bool as_is = fit == Fit::kCompare && to.kind == FieldType::kDateTime;
+  return as_is ? milliseconds : FitDate(milliseconds, from, to);
+}
+
+std::int64_t RoundTo(std::int64_t value, std::int64_t unit) {
+  const std::int64_t rest = ((value % unit) + unit) % unit;
+  return value - rest + (2 * rest >= unit ? unit : 0);
 }
 
 std::string MoneyText(const Decimal& number, int style) {
@@ -256,7 +279,7 @@ std::string ToText(const Datum& value, const SqlType& from, const SqlType& to, i
         return TextOfBytes(bytes, to.is_national());
       }
     case Storage::kInteger:
-      if (from.is_date()) return FormatDate(std::get<std::int64_t>(value), from.kind, style);
+      if (from.is_date()) return FormatDate(std::get<std::int64_t>(value), from, style);
       return std::to_string(std::get<std::int64_t>(value));
     default:
       if (from.kind == FieldType::kMoney) return MoneyText(ToDecimal(value, from), style);
@@ -277,7 +300,7 @@ Datum FitText(std::string text, const SqlType& from, const SqlType& to, Fit fit)
     }
     if (from.is_integer() && fit == Fit::kCast) return std::string("*");
     throw SqlError(8115, "Arithmetic overflow error converting " + std::string(SourceName(from)) + " to data type " +
-                             std::string(TypeNameText(to.kind)) + ".");
+                             std::string(TypeNameText(to)) + ".");
   }
   if (to.kind == FieldType::kChar || to.kind == FieldType::kNChar) {
     text.append(static_cast<std::size_t>(to.size - length), ' ');
@@ -335,6 +358,31 @@ Datum ToGuid(const Datum& value, const SqlType& from) {
 }
 
 }  // namespace
+
+std::int64_t FitDate(std::int64_t milliseconds, const SqlType& from, const SqlType& to) {
+  const std::int64_t time = ((milliseconds % kDayMilliseconds) + kDayMilliseconds) % kDayMilliseconds;
+  if (to.kind == FieldType::kDate) return milliseconds - time;
+  constexpr std::array<std::int64_t, 3> kUnits = {1000, 100, 10};
+  const std::int64_t unit = to.scale < 3 ? kUnits[static_cast<std::size_t>(to.scale)] : 1;
+  if (to.kind == FieldType::kTime) return RoundTo(time, unit) % kDayMilliseconds;
+  constexpr std::int64_t kBehindLast = 2'958'464 * kDayMilliseconds;  // the year 10000
+  std::int64_t first = -693'595 * kDayMilliseconds;                   // the year 1
+  std::int64_t behind = kBehindLast;
+  if (to.form() == DateForm::kDateTime) {
+    first = -53'690 * kDayMilliseconds;  // the year 1753
+    const std::int64_t ticks = (time * 3 + 5) / 10;
+    milliseconds += (ticks * 10 + 1) / 3 - time;
+  } else if (to.form() == DateForm::kSmallDateTime) {
+    constexpr std::int64_t kMinute = 60'000;
+    first = 0;
+    behind = 65'536 * kDayMilliseconds;  // 2079-06-07
+    milliseconds = RoundTo(milliseconds, kMinute);
+  } else {
+    milliseconds = RoundTo(milliseconds, unit);
+  }
+  if (milliseconds < first || milliseconds >= behind) RaiseDateRange(from, to);
+  return milliseconds;
+}
 
 void RaiseArithmeticOverflow(const SqlType& type) {
   throw SqlError(8115,
@@ -454,7 +502,7 @@ Datum Convert(const Datum& value, const SqlType& from, const SqlType& to, int st
   if (to.is_integer()) return ToInteger(value, from, to, fit);
   if (to.is_exact()) return ToExact(value, from, to, fit);
   if (to.is_float()) return ToReal(value, from, to);
-  if (to.is_date()) return ToDate(value, from, to);
+  if (to.is_date()) return ToDate(value, from, to, style, fit);
   if (to.is_text()) return FitText(ToText(value, from, to, style), from, to, fit);
   if (to.is_binary()) return ToBinary(value, from, to, style, fit);
   return ToGuid(value, from);

@@ -27,7 +27,8 @@ enum class Fit : std::uint8_t {
 };
 
 /// Converts a value. Raises 245, 8114, 241, 8115, 220, 2628, 8169 in SQL Server's words.
-/// @param style CONVERT's third argument for dates, binary and money; 0 when none.
+/// @param style CONVERT's third argument for dates, binary and money; 0 when none. A text becomes a date in the order
+/// of day, month and year that it stands for, see date_text.h.
 Datum Convert(const Datum& value, const SqlType& from, const SqlType& to, int style = 0, Fit fit = Fit::kCast);
 
 /// The decimal of an exact number or integer. @pre the value is not NULL.
@@ -39,8 +40,9 @@ Datum FromDecimal(const Decimal& value, const SqlType& type);
 std::string EncodeBigDecimal(const Decimal& value);
 Decimal DecodeBigDecimal(std::string_view bytes, int scale);
 
-/// SQL Server's text of a date with a CONVERT style; `kind` tells date, time or both. Raises 281 for unknown styles.
-std::string FormatDate(std::int64_t milliseconds, FieldType kind, int style);
+/// A date or time as its type can hold it, rounded. Raises 242 when it is out of the type's range; `from` is for the
+/// message.
+std::int64_t FitDate(std::int64_t milliseconds, const SqlType& from, const SqlType& to);
 /// SQL Server's text of a float: style 0 six significant digits.
 std::string FormatFloat(double value, int style);
 

@@ -26,7 +26,37 @@ std::string IndexSql(const CatalogObject& table, const std::string& index) {
   return (table.temporary ? "temp." : "main.") + QuoteName(table.name + "." + index);
 }
 
+/// An index that lets a key with NULLs in it stand once only, as the server does: SQLite's own take any number of them.
+/// "" where no column of the key can be NULL.
+std::string NullKeySql(const CatalogObject& table, const std::string& index, const std::vector<std::string>& key,
+                       const std::string& condition) {
+  std::string columns;
+  std::string nulls;
+  for (const std::string& name : key) {
+    const Column& column = table.columns[static_cast<std::size_t>(table.FindColumn(name))];
+    const std::string quoted = QuoteName(column.name);
+    const std::string value = "ifnull(" + quoted + ", 0)" + (column.type.is_text() ? " COLLATE TSQL" : "");
+    columns += (columns.empty() ? "" : ", ") + quoted + " IS NULL, " + value;
+    if (column.nullable) nulls += (nulls.empty() ? "" : " OR ") + quoted + " IS NULL";
+  }
+  if (nulls.empty()) return {};
+  return "CREATE UNIQUE INDEX " + IndexSql(table, index + std::string(kNullKeySuffix)) + " ON " +
+         QuoteName(table.name) + " (" + columns + ") WHERE (" + nulls + ")" +
+         (condition.empty() ? "" : " AND (" + condition + ")");
+}
+
 }  // namespace
+
+void Session::RequireUnreferenced(const CatalogObject& table, std::int32_t number, std::string_view message) {
+  if (table.temporary) return;
+  const StatementHandle other = Prepare(
+      database_.get(),
+      "SELECT 1 FROM main.sqlite_schema s, pragma_foreign_key_list(s.name) f WHERE s.type = 'table' AND lower(f.\"table\") = "
+      "lower(" +
+          QuoteText(table.name) + ") AND lower(s.name) <> lower(" + QuoteText(table.name) + ")",
+      &runtime_);
+  if (Step(other.get(), "SELECT") == SQLITE_ROW) throw SqlError(number, std::string(message));
+}
 
 void Session::Atomically(const std::function<void()>& body) {
   RunSql(database_.get(), "SAVEPOINT definition", &runtime_);
@@ -85,6 +115,7 @@ void Session::CreateTable(const Statement& statement, Scope& scope) {
   table.temporary = statement.table.temporary();
   std::vector<std::string> primary_key;
   std::vector<std::string> constraints;
+  std::vector<std::vector<std::string>> unique;
   for (const ColumnDefinition& definition : statement.column_definitions) {
     if (definition.computed != nullptr)
       RaiseUnsupported("The computed column '" + definition.name + "'", statement.line);
@@ -100,7 +131,7 @@ void Session::CreateTable(const Statement& statement, Scope& scope) {
     }
     table.columns.push_back(std::move(column));
     if (definition.primary_key) primary_key.push_back(definition.name);
-    if (definition.unique) constraints.push_back("UNIQUE (" + QuoteName(definition.name) + ")");
+    if (definition.unique) unique.push_back({definition.name});
   }
   for (const TableConstraint& constraint : statement.constraints) {
     if (constraint.kind == TableConstraint::Kind::kPrimaryKey) {
@@ -110,7 +141,7 @@ void Session::CreateTable(const Statement& statement, Scope& scope) {
       primary_key = constraint.columns;
     } else if (constraint.kind == TableConstraint::Kind::kUnique) {
       RequireColumns(table, constraint.columns);
-      constraints.push_back("UNIQUE (" + NameList(constraint.columns) + ")");
+      unique.push_back(constraint.columns);
     } else if (constraint.kind == TableConstraint::Kind::kForeignKey) {
       constraints.push_back(
           "FOREIGN KEY (" + NameList(constraint.columns) + ") REFERENCES " + QuoteName(constraint.references.name) +
@@ -122,8 +153,14 @@ void Session::CreateTable(const Statement& statement, Scope& scope) {
   };
   for (const ColumnDefinition& definition : statement.column_definitions) add_check(definition.check);
   for (const TableConstraint& constraint : statement.constraints) add_check(constraint.check);
+  for (const std::vector<std::string>& key : unique) constraints.push_back("UNIQUE (" + NameList(key) + ")");
   Atomically([&] {
     CreateTable(table, constraints, primary_key);
+    for (std::size_t i = 0; i < unique.size(); ++i) {
+      const CatalogObjectPtr made = catalog_.Get(table.name);
+      const std::string sql = NullKeySql(*made, std::string(kUniqueKeyPrefix) + std::to_string(i + 1), unique[i], "");
+      if (!sql.empty()) RunSql(database_.get(), sql, &runtime_);
+    }
     for (const ColumnDefinition& definition : statement.column_definitions) {
       if (!definition.identity || definition.identity_seed == 1) continue;
       RunSql(database_.get(),
@@ -197,6 +234,8 @@ void Session::AlterTable(const Statement& statement, Scope& scope) {
 
 void Session::DropTable(const CatalogObject& table) {
   const std::string name = table.name;
+  RequireUnreferenced(table, 3726,
+                      "Could not drop object '" + name + "' because it is referenced by a FOREIGN KEY constraint.");
   if (table.kind == CatalogKind::kTable) RunSql(database_.get(), "DROP TABLE " + TableSql(table), &runtime_);
   catalog_.Remove(name);
 }
@@ -232,14 +271,18 @@ void Session::CreateIndex(const Statement& statement, Scope& scope) {
   const CatalogObjectPtr table = catalog_.Get(statement.table.name);
   if (table->kind != CatalogKind::kTable) RaiseUnsupported("An index on a view", statement.line);
   std::string columns;
+  std::vector<std::string> key;
   for (const OrderItem& item : statement.order) {
     const std::string& column = item.expression->parts.back();
     RequireColumns(*table, {column});
+    key.push_back(column);
     columns += (columns.empty() ? "" : ", ") + QuoteName(column) + (item.descending ? " DESC" : "");
   }
   std::string sql = std::string(statement.flag ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
                     IndexSql(*table, statement.text) + " ON " + QuoteName(table->name) + " (" + columns + ")";
-  if (statement.where != nullptr) sql += " WHERE " + MakeTranslator(scope).TranslateCheck(*table, *statement.where);
+  const std::string condition =
+      statement.where == nullptr ? "" : MakeTranslator(scope).TranslateCheck(*table, *statement.where);
+  if (!condition.empty()) sql += " WHERE " + condition;
   const StatementHandle there = Prepare(database_.get(),
                                         std::string("SELECT 1 FROM ") + (table->temporary ? "temp" : "main") +
                                             ".sqlite_schema WHERE type = 'index' AND lower(name) = lower(" +
@@ -249,7 +292,11 @@ void Session::CreateIndex(const Statement& statement, Scope& scope) {
     throw SqlError(1913, "The operation failed because an index or statistics with name '" + statement.text +
                              "' already exists on table '" + table->name + "'.");
   }
-  RunSql(database_.get(), sql, &runtime_);
+  const std::string nulls = statement.flag ? NullKeySql(*table, statement.text, key, condition) : "";
+  Atomically([&] {
+    RunSql(database_.get(), sql, &runtime_);
+    if (!nulls.empty()) RunSql(database_.get(), nulls, &runtime_);
+  });
 }
 
 void Session::DropIndex(const Statement& statement) {
@@ -268,6 +315,8 @@ void Session::DropIndex(const Statement& statement) {
   }
   sqlite3_reset(there.get());
   RunSql(database_.get(), "DROP INDEX " + IndexSql(*table, statement.text), &runtime_);
+  RunSql(database_.get(), "DROP INDEX IF EXISTS " + IndexSql(*table, statement.text + std::string(kNullKeySuffix)),
+         &runtime_);
 }
 
 void Session::CreateView(const Statement& statement, Scope& scope) {
@@ -277,7 +326,7 @@ void Session::CreateView(const Statement& statement, Scope& scope) {
   view.name = statement.table.name;
   view.definition = statement.source_text;
   for (const std::string& column : statement.columns) view.columns.push_back({column, IntType(), true, false, ""});
-  MakeTranslator(scope).DescribeQuery(*statement.query);
+  MakeTranslator(scope).DescribeQuery(*statement.query, false);
   const CatalogObjectPtr old = catalog_.Find(view.name);
   const bool replaces = statement.flag && old != nullptr && old->kind == CatalogKind::kView;
   Atomically([&] { replaces ? catalog_.Replace(std::move(view)) : catalog_.Add(std::move(view)); });

@@ -50,7 +50,8 @@ Session::Flow Session::ExecuteGuarded(const Statement& statement, Scope& scope) 
     error.set_line(statement.line, procedure_);
     NoteLostTransaction();
     last_error_ = error.number();
-    if (try_depth_ > 0 || xact_abort_ || !error.ends_statement_only()) throw;
+    const bool called = error.misunderstood_at() > call_depth_;  // only what was called is at its end
+    if (try_depth_ > 0 || xact_abort_ || !(error.ends_statement_only() || called)) throw;
     if (results_->sink.StatementFailed(ToError(error))) {
       if (EffectOf(statement) == Effect::kChangesRows) Say(statement, "The statement has been terminated.", 3621);
       return Flow::kNormal;
@@ -88,10 +89,12 @@ Session::Flow Session::Execute(const Statement& statement, Scope& scope) {
         const SqlType type = scope.frame->Get(declaration.name).type;
         Datum value = Evaluate(*declaration.initial, type, scope);
         scope.frame->Get(declaration.name).value = std::move(value);
+        row_count_ = 1;
       }
       return Flow::kNormal;
     case Kind::kSet:
       ExecuteSet(statement, scope);
+      row_count_ = 1;
       return Flow::kNormal;
     case Kind::kSetOption:
       ExecuteSetOption(statement, scope);
@@ -117,7 +120,9 @@ Session::Flow Session::Execute(const Statement& statement, Scope& scope) {
     case Kind::kPrint: {
       const Datum message = Evaluate(*statement.value, NVarCharType(0), scope);
       const auto* words = std::get_if<std::string>(&message);
-      Say(statement, words == nullptr ? "" : *words, 0);
+      // A message is never empty.
+      Say(statement, words == nullptr || words->empty() ? " " : *words, 0);
+      row_count_ = 0;
       return Flow::kNormal;
     }
     case Kind::kRaiseError:
@@ -197,6 +202,7 @@ Session::Flow Session::ExecuteTryCatch(const Statement& statement, Scope& scope)
     try_depth_ = depth;
     constexpr std::int32_t kCancelledNumber = 3617;
     if (error.number() == kCancelledNumber || error.severity() >= 20) throw;
+    if (error.misunderstood_at() == call_depth_) throw;
     // An error that would have ended the batch leaves a transaction that can only be rolled back.
     if (depth_ > 0 && (xact_abort_ || error.ends_transaction())) doomed_ = true;
     caught_.push_back(error);
@@ -260,7 +266,7 @@ void Session::ExecuteSelectInto(const Statement& statement, Scope& scope) {
   CatalogObject table;
   table.name = into.name;
   table.temporary = into.temporary();
-  for (const ResultColumn& column : MakeTranslator(scope).DescribeQuery(query)) {
+  for (const ResultColumn& column : MakeTranslator(scope).DescribeQuery(query, true)) {
     SqlType type = column.type.untyped_null ? IntType() : column.type;
     if (type.is_integer()) type.precision = 0;
     table.columns.push_back({column.name, type, column.nullable, column.identity, ""});
@@ -281,6 +287,9 @@ void Session::ExecuteChange(const Statement& statement, Scope& scope) {
   if (statement.kind == Statement::Kind::kTruncate) {
     RequireLocal(statement.table);
     const CatalogObjectPtr table = catalog_.Get(statement.table.name);
+    RequireUnreferenced(
+        *table, 4712,
+        "Cannot truncate table '" + table->name + "' because it is being referenced by a FOREIGN KEY constraint.");
     RunSql(database_.get(), "DELETE FROM " + TableSql(*table), &runtime_);
     if (table->identity_column() >= 0) {
       RunSql(database_.get(),
@@ -290,12 +299,65 @@ void Session::ExecuteChange(const Statement& statement, Scope& scope) {
     }
     return;
   }
-  const Snapshot snapshot(*this);
-  Compiled& compiled = CompiledStatement(statement, scope);
-  sqlite3_stmt* change = Bind(compiled, scope);
-  const Running running(change);
-  RunChange(compiled, change);
+  ExecuteDataChange(statement, scope);
   TellRowCount();
+}
+
+void Session::ExecuteDataChange(const Statement& statement, Scope& scope) {
+  const bool assigns = std::any_of(statement.assignments.begin(), statement.assignments.end(),
+                                   [](const Assignment& assignment) { return !assignment.variable.empty(); });
+  const std::optional<Frame> before = assigns ? std::optional<Frame>(*scope.frame) : std::nullopt;
+  try {
+    const Snapshot snapshot(*this);
+    Compiled& compiled = CompiledStatement(statement, scope);
+    sqlite3_stmt* change = Bind(compiled, scope);
+    const Running running(change);
+    RunChange(compiled, change);
+  } catch (const SqlError& error) {
+    const bool key = error.number() == 2601 || error.number() == 2627;
+    if (statement.kind != Statement::Kind::kUpdate || !key) throw;
+    // SQLite compares keys row by row, the server when all rows stand.
+    if (before) *scope.frame = *before;
+    MoveRows(statement, scope);
+  }
+}
+
+void Session::MoveRows(const Statement& statement, Scope& scope) {
+  const CatalogObjectPtr table = MakeTranslator(scope).ChangedTable(statement);
+  std::string columns;
+  std::string names;
+  bool numbered = false;
+  for (std::size_t i = 0; i < table->columns.size(); ++i) {
+    const Column& column = table->columns[i];
+    columns += ", c" + std::to_string(i);
+    names += ", " + QuoteName(column.name);
+    numbered = numbered || column.identity || column.row_key;
+  }
+  const std::string to = TableSql(*table);
+  // A column that is the row's number brings it along.
+  const std::string insert = numbered ? " (" + names.substr(2) + ") SELECT " + columns.substr(2)
+                                      : " (_rowid_" + names + ") SELECT r" + columns;
+  Atomically([&] {
+    RunSql(database_.get(),
+           "PRAGMA defer_foreign_keys = ON; CREATE TEMP TABLE \"$moved\" (r INTEGER PRIMARY KEY" + columns + ")",
+           &runtime_);
+    {
+      Compiled compiled = MakeTranslator(scope).CompileUpdate(statement, true);
+      RunChange(compiled, Bind(compiled, scope));
+    }
+    const std::int64_t moved = row_count_;
+    for (const std::string& sql : {"DELETE FROM " + to + " WHERE _rowid_ IN (SELECT r FROM temp.\"$moved\")",
+                                   "INSERT INTO " + to + insert + " FROM temp.\"$moved\""}) {
+      const StatementHandle change = Prepare(database_.get(), sql, &runtime_);
+      Step(change.get(), "UPDATE");
+    }
+    int open = 0;
+    int unused = 0;
+    sqlite3_db_status(database_.get(), SQLITE_DBSTATUS_DEFERRED_FKS, &open, &unused, 0);
+    if (open != 0) throw SqlError(547, "The UPDATE statement conflicted with the FOREIGN KEY constraint.");
+    RunSql(database_.get(), "PRAGMA defer_foreign_keys = OFF; DROP TABLE temp.\"$moved\"", &runtime_);
+    row_count_ = moved;
+  });
 }
 
 void Session::ExecuteInsertExecute(const Statement& statement, Scope& scope) {
@@ -370,6 +432,7 @@ void Session::ExecuteSetOption(const Statement& statement, Scope& scope) {
   constexpr std::array kAlwaysOff = {"numeric_roundabort", "noexec",        "parseonly",    "fmtonly",
                                      "showplan_all",       "showplan_text", "showplan_xml", "ansi_null_dflt_off"};
   const std::string& option = statement.text;
+  row_count_ = 0;
   if (option == "identity_insert") {
     identity_insert_ = statement.flag ? statement.table.name : "";
     return;
@@ -391,19 +454,22 @@ void Session::ExecuteSetOption(const Statement& statement, Scope& scope) {
   };
   if (!statement.flag && std::find(kAlwaysOn.begin(), kAlwaysOn.end(), option) != kAlwaysOn.end()) refuse("OFF");
   if (statement.flag && std::find(kAlwaysOff.begin(), kAlwaysOff.end(), option) != kAlwaysOff.end()) refuse("ON");
-  const bool zero =
-      statement.value != nullptr && statement.value->kind == Expression::Kind::kLiteral && statement.value->text == "0";
-  if (option == "rowcount" && !zero) refuse("with a number");
-  if (option == "dateformat" && statement.text2 != "mdy" && statement.text2 != "ymd") refuse(statement.text2.c_str());
-  const bool seven =
-      statement.value != nullptr && statement.value->kind == Expression::Kind::kLiteral && statement.value->text == "7";
-  if (option == "datefirst" && !seven) refuse("other than 7");
-  if (option == "lock_timeout" && statement.value != nullptr) {
-    const Datum value = Evaluate(*statement.value, IntType(), scope);
-    const auto* wanted = std::get_if<std::int64_t>(&value);
+  if (option == "dateformat") {
+    constexpr std::array<std::string_view, 6> kOrders = {"mdy", "dmy", "ymd", "ydm", "myd", "dym"};
+    const auto* const found = std::find(kOrders.begin(), kOrders.end(), LowerCase(statement.text2));
+    if (found == kOrders.end()) throw SqlError(2741, "SET DATEFORMAT date order '" + statement.text2 + "' is invalid.");
+    runtime_.date_order = static_cast<DateOrder>(found - kOrders.begin());
+    return;
+  }
+  const bool counts = option == "rowcount" || option == "datefirst" || option == "lock_timeout";
+  if (!counts || statement.value == nullptr) return;
+  const Datum value = Evaluate(*statement.value, IntType(), scope);
+  const auto* wanted = std::get_if<std::int64_t>(&value);
+  if (option == "rowcount" && (wanted == nullptr || *wanted != 0)) refuse("with a number");
+  if (option == "datefirst" && (wanted == nullptr || *wanted != 7)) refuse("other than 7");
+  if (option == "lock_timeout") {
     lock_timeout_.reset();
     if (wanted != nullptr && *wanted >= 0) lock_timeout_ = std::chrono::milliseconds(*wanted);
-    return;
   }
   // The isolation levels, TEXTSIZE, LANGUAGE and STATISTICS change no result here.
 }
@@ -430,7 +496,11 @@ void Session::RaiseUser(const Statement& statement, Scope& scope) {
           35100,
           "Error number in the THROW statement is outside the valid range. Specify an error number in the valid range of 50000 to 2147483647.");
     }
-    throw SqlError(static_cast<std::int32_t>(*code), text == nullptr ? "" : *text, 16, 1).EndingBatch();
+    const Datum given = Evaluate(*statement.values[2], IntType(), scope);
+    const auto* state = std::get_if<std::int64_t>(&given);
+    throw SqlError(static_cast<std::int32_t>(*code), text == nullptr ? "" : *text, 16,
+                   state == nullptr ? 1 : static_cast<int>(std::clamp<std::int64_t>(*state, 0, 255)))
+        .EndingBatch();
   }
   std::vector<std::string> arguments;
   for (std::size_t i = 3; i < statement.values.size(); ++i) {
@@ -446,6 +516,18 @@ void Session::RaiseUser(const Statement& statement, Scope& scope) {
     return number == nullptr ? 0 : static_cast<int>(*number);
   };
   const auto* text = std::get_if<std::string>(&message);
+  const Expression& said = *statement.values[0];
+  const bool number = said.kind == Expression::Kind::kVariable
+                          ? scope.frame->Get(said.text).type.is_integer()
+                          : said.kind == Expression::Kind::kLiteral && said.literal == LiteralKind::kInteger;
+  if (number && text != nullptr) {
+    throw SqlError(18054,
+                   "Error " + *text + ", severity " + std::to_string(whole(severity)) + ", state " +
+                       std::to_string(whole(state)) +
+                       " was raised, but no message with that error number was found in sys.messages. If error is "
+                       "larger than 50000, make sure the user-defined message is added using sp_addmessage.",
+                   16, 1);
+  }
   if (whole(severity) <= 10) {
     Say(statement, FormatMessage(text == nullptr ? "" : *text, arguments), 50000, whole(severity), whole(state));
     return;

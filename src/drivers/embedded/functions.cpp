@@ -30,10 +30,11 @@ int Collate(void*, int a_size, const void* a, int b_size, const void* b) {
 }
 
 // ts_conv(value, from, to, style)
-void ConvertValue(sqlite3_context* context, Runtime&, Arguments arguments) {
+void ConvertValue(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
   if (IsNull(arguments[0])) return;
-  SetResult(context, Convert(ToDatum(arguments[0]), TypeArgument(arguments[1]), TypeArgument(arguments[2]),
-                             sqlite3_value_int(arguments[3])));
+  const SqlType to = TypeArgument(arguments[2]);
+  SetResult(context, Convert(ToDatum(arguments[0]), TypeArgument(arguments[1]), to,
+                             StyleFor(to, sqlite3_value_int(arguments[3]), runtime.date_order)));
 }
 
 // ts_try(value, from, to, style): NULL where ts_conv fails
@@ -43,6 +44,16 @@ void TryConvertValue(sqlite3_context* context, Runtime& runtime, Arguments argum
   } catch (const SqlError&) {
     sqlite3_result_null(context);
   }
+}
+
+// ts_small(value, type): arithmetic on smallint and tinyint
+void CheckSmall(sqlite3_context* context, Runtime&, Arguments arguments) {
+  if (IsNull(arguments[0])) return;
+  const std::int64_t value = sqlite3_value_int64(arguments[0]);
+  const SqlType type = TypeArgument(arguments[1]);
+  const bool tiny = type.kind == FieldType::kTinyInt;
+  if (value < (tiny ? 0 : -32768) || value > (tiny ? 255 : 32767)) RaiseArithmeticOverflow(type);
+  sqlite3_result_int64(context, value);
 }
 
 // ts_assign(value, from, to, table, column): a value on its way into a column
@@ -135,6 +146,7 @@ void RegisterFunction(sqlite3* database, Runtime& runtime, const char* name, int
 void RegisterConversionFunctions(sqlite3* database, Runtime& runtime) {
   RegisterFunction(database, runtime, "ts_conv", 4, ConvertValue);
   RegisterFunction(database, runtime, "ts_try", 4, TryConvertValue);
+  RegisterFunction(database, runtime, "ts_small", 2, CheckSmall);
   RegisterFunction(database, runtime, "ts_assign", 5, AssignValue);
   RegisterFunction(database, runtime, "ts_require", 3, RequireValue);
   RegisterFunction(database, runtime, "ts_arith", 6, Arithmetic);

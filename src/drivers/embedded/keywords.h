@@ -130,7 +130,6 @@ inline constexpr std::array kReservedWords = std::to_array<std::string_view>({
     "percent",
     "pivot",
     "plan",
-    "precision",
     "primary",
     "print",
     "proc",
@@ -196,16 +195,16 @@ inline constexpr std::array kReservedWords = std::to_array<std::string_view>({
 
 /// Words that mean something in some places only, and are names elsewhere.
 inline constexpr std::array kContextualWords = std::to_array<std::string_view>({
-    "action",     "apply",     "binary",    "cast",          "catch",        "char",         "character", "columnstore",
-    "committed",  "cube",      "cycle",     "dateadd",       "datediff",     "datediff_big", "datename",  "datepart",
-    "delay",      "enable",    "disable",   "first",         "grouping",     "hash",         "iif",       "include",
-    "isolation",  "json",      "level",     "log",           "loop",         "max",          "name",      "nchar",
-    "next",       "no",        "nowait",    "nvarchar",      "offset",       "only",         "out",       "output",
-    "partition",  "persisted", "preceding", "following",     "range",        "readonly",     "recompile", "remote",
-    "repeatable", "rollup",    "row",       "rows",          "sequence",     "serializable", "server",    "sets",
-    "snapshot",   "sparse",    "synonym",   "system_time",   "textimage_on", "throw",        "ties",      "time",
-    "try",        "try_cast",  "type",      "unbounded",     "uncommitted",  "varchar",      "work",      "xml",
-    "encryption", "login",     "role",      "schemabinding",
+    "action",     "apply",     "binary",    "cast",        "catch",         "char",         "character", "columnstore",
+    "committed",  "cube",      "cycle",     "dateadd",     "datediff",      "datediff_big", "datename",  "datepart",
+    "delay",      "enable",    "disable",   "first",       "grouping",      "hash",         "iif",       "include",
+    "isolation",  "json",      "level",     "log",         "loop",          "max",          "name",      "nchar",
+    "next",       "no",        "nowait",    "nvarchar",    "offset",        "only",         "out",       "output",
+    "partition",  "persisted", "preceding", "following",   "range",         "readonly",     "recompile", "remote",
+    "repeatable", "rollup",    "row",       "rows",        "sequence",      "serializable", "server",    "sets",
+    "snapshot",   "sparse",    "synonym",   "system_time", "textimage_on",  "throw",        "ties",      "time",
+    "try",        "try_cast",  "type",      "unbounded",   "uncommitted",   "varchar",      "work",      "xml",
+    "encryption", "precision", "login",     "role",        "schemabinding",
 });
 
 inline constexpr std::uint32_t kReservedCount = kReservedWords.size();

@@ -31,6 +31,9 @@ class Finder {
   LiteralUse use;
 
  private:
+  /// What stands in GROUP BY and ORDER BY is compared with the select list.
+  bool shaping_ = false;
+
   void Visit(const StatementPtr& statement) {
     if (statement != nullptr) Visit(*statement);
   }
@@ -48,8 +51,10 @@ class Finder {
   void Visit(const ExpressionPtr& pointer) {
     if (pointer == nullptr) return;
     const Expression& expression = *pointer;
-    if (expression.kind == Expression::Kind::kLiteral && expression.literal_index >= 0)
+    if (expression.kind == Expression::Kind::kLiteral && expression.literal_index >= 0) {
       use.values.insert(expression.literal_index);
+      use.may_shape = use.may_shape || shaping_;
+    }
     if (expression.kind == Expression::Kind::kBinary) {
       for (const ExpressionPtr& operand : expression.operands) VisitShaping(operand);
       return;
@@ -61,6 +66,7 @@ class Finder {
       Visit(branch.then);
     }
     Visit(expression.query);
+    if (expression.kind == Expression::Kind::kFunction && expression.text == "identity") use.may_shape = true;
     if (expression.window == nullptr) return;
     VisitAll(expression.window->partition);
     for (const OrderItem& item : expression.window->order) Visit(item.expression);
@@ -75,14 +81,16 @@ class Finder {
     Visit(query.right);
     Visit(query.offset);
     Visit(query.fetch);
-    for (const OrderItem& item : query.order_by) VisitShaping(item.expression);
+    shaping_ = true;
+    for (const OrderItem& item : query.order_by) Visit(item.expression);
+    if (query.select != nullptr) VisitAll(query.select->group_by);
+    shaping_ = false;
     if (query.select == nullptr) return;
     const Select& select = *query.select;
     VisitShaping(select.top);
     for (const SelectItem& item : select.items) Visit(item.expression);
     VisitAll(select.from);
     Visit(select.where);
-    VisitAll(select.group_by);
     Visit(select.having);
   }
 

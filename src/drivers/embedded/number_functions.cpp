@@ -124,6 +124,15 @@ void Math(sqlite3_context* context, Runtime&, Arguments arguments) {
   sqlite3_result_double(context, value);
 }
 
+// ts_log(number[, base])
+void Logarithm(sqlite3_context* context, Runtime&, Arguments arguments) {
+  if (AnyNull(arguments)) return;
+  double value = std::log(sqlite3_value_double(arguments[0]));
+  if (arguments.size() > 1) value /= std::log(sqlite3_value_double(arguments[1]));
+  if (!std::isfinite(value)) throw SqlError(3623, "An invalid floating point operation occurred.");
+  sqlite3_result_double(context, value);
+}
+
 void ArcTangent2(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (AnyNull(arguments)) return;
   sqlite3_result_double(context, std::atan2(sqlite3_value_double(arguments[0]), sqlite3_value_double(arguments[1])));
@@ -168,7 +177,7 @@ void RegisterNumberFunctions(sqlite3* database, Runtime& runtime) {
   RegisterFunction(database, runtime, "ts_power", 3, Power);
   RegisterFunction(database, runtime, "ts_sqrt", 1, Math<std::sqrt>);
   RegisterFunction(database, runtime, "ts_exp", 1, Math<std::exp>);
-  RegisterFunction(database, runtime, "ts_log", 1, Math<std::log>);
+  RegisterFunction(database, runtime, "ts_log", -1, Logarithm);
   RegisterFunction(database, runtime, "ts_log10", 1, Math<std::log10>);
   RegisterFunction(database, runtime, "ts_sin", 1, Math<std::sin>);
   RegisterFunction(database, runtime, "ts_cos", 1, Math<std::cos>);

@@ -129,6 +129,7 @@ bool TakeLiteral(std::string_view text, std::size_t& position, const TextTemplat
       position += 2;
     }
     token.text = text.substr(begin, position - begin);
+    token.doubled = token.doubled || HoldsContinuation(token.text);
     return LiteralClass(token) == wanted.literal_class;
   }
   if (wanted.kind == TokenKind::kFloat) return false;

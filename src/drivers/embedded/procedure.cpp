@@ -8,17 +8,20 @@
 
 namespace tessarlorn::embedded {
 
-/// A procedure or text that runs inside a batch; what it changed of the session's options goes with it.
+/// A procedure or text that runs inside a batch; what it changed of the session's options and the temporary tables
+/// that it made go with it.
 class Session::Nested {
  public:
   /// Raises 217 when it is nested too deep. @param procedure its name, "" for a text; outlives this
-  Nested(Session& session, std::string_view procedure) : session_(session), no_count_(session.no_count_) {
+  Nested(Session& session, std::string_view procedure)
+      : session_(session), no_count_(session.no_count_), temporary_tables_(session.catalog_.TemporaryTables()) {
     constexpr int kMostCalls = 32;
     if (session.call_depth_ >= kMostCalls) {
       throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
     }
     ++session.call_depth_;
     procedure_ = std::exchange(session.procedure_, procedure);
+    identity_ = std::exchange(session.scope_identity_, std::nullopt);
   }
   Nested(const Nested&) = delete;
   Nested& operator=(const Nested&) = delete;
@@ -26,12 +29,21 @@ class Session::Nested {
     --session_.call_depth_;
     session_.no_count_ = no_count_;
     session_.procedure_ = procedure_;
+    session_.scope_identity_ = identity_;
+    try {
+      session_.DropTemporaryTables(temporary_tables_);
+    } catch (const SqlError&) {
+      // They go with the session.
+      return;
+    }
   }
 
  private:
   Session& session_;
   bool no_count_;
   std::string_view procedure_;  // of the caller
+  std::optional<std::int64_t> identity_;
+  std::vector<std::string> temporary_tables_;  // of the caller
 };
 
 void Session::RunText(std::string_view text, Frame& frame) {
@@ -40,6 +52,17 @@ void Session::RunText(std::string_view text, Frame& frame) {
 }
 
 void Session::ExecuteProcedure(const Statement& statement, Scope& scope) {
+  const int depth = depth_;
+  CallOrRun(statement, scope);
+  if (depth_ == depth || (implicit_transactions_ && depth == 0)) return;
+  throw SqlError(266,
+                 "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. "
+                 "Previous count = " +
+                     std::to_string(depth) + ", current count = " + std::to_string(depth_) + ".",
+                 16, 2);
+}
+
+void Session::CallOrRun(const Statement& statement, Scope& scope) {
   if (statement.text_expression != nullptr) {
     const Datum text = Evaluate(*statement.text_expression, NVarCharType(0), scope);
     const std::string* sql = std::get_if<std::string>(&text);
@@ -118,27 +141,16 @@ void Session::CallProcedure(const CatalogObject& procedure, const Statement& cal
   struct Leave {
     Session& session;
     Frame* frame;
-    std::vector<std::string> tables;
-    ~Leave() {
-      session.runtime_.frame = frame;
-      try {
-        session.DropTemporaryTables(tables);
-      } catch (const SqlError&) {
-        // They go with the session.
-        return;
-      }
-    }
-  } leave{*this, runtime_.frame, catalog_.TemporaryTables()};
+    ~Leave() { session.runtime_.frame = frame; }
+  } leave{*this, runtime_.frame};
   runtime_.frame = &frame;
   ExecuteBody(definition.body, inner);
   for (const auto& [parameter, variable] : outputs) {
     const Variable& from = frame.Get(parameter);
-    Variable& to = scope.frame->Get(variable);
-    to.value = Convert(from.value, from.type, to.type);
+    SetVariable(scope.frame->Get(variable), from.value, from.type);
   }
   if (!call.result_variable.empty()) {
-    Variable& result = scope.frame->Get(call.result_variable);
-    result.value = Convert(std::int64_t{inner.return_value}, IntType(), result.type);
+    SetVariable(scope.frame->Get(call.result_variable), std::int64_t{inner.return_value}, IntType());
   }
 }
 
@@ -177,8 +189,7 @@ void Session::ExecuteSql(const Statement& call, Scope& scope) {
   RunText(text, frame);
   for (const auto& [parameter, variable] : outputs) {
     const Variable& from = frame.Get(parameter);
-    Variable& to = scope.frame->Get(variable);
-    to.value = Convert(from.value, from.type, to.type);
+    SetVariable(scope.frame->Get(variable), from.value, from.type);
   }
 }
 

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "drivers/embedded/date_text.h"
 #include "drivers/embedded/datum.h"
 #include "drivers/embedded/sql_error.h"
 
@@ -54,6 +55,8 @@ struct Runtime {
   /// Raised inside a row function; taken by whoever sees SQLite fail.
   std::optional<SqlError> error;
   Frame* frame = nullptr;
+  /// SET DATEFORMAT
+  DateOrder date_order = DateOrder::kMdy;
 };
 
 }  // namespace tessarlorn::embedded

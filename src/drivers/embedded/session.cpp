@@ -62,6 +62,17 @@ void ObjectId(sqlite3_context* context, const Catalog& catalog, Arguments argume
   sqlite3_result_int64(context, object->id);
 }
 
+// ts_ident_current(table): the last identity value that it gave, or else the first that it will give
+void IdentCurrent(sqlite3_context* context, const Catalog& catalog, Arguments arguments) {
+  if (AnyNull(arguments)) return;
+  const CatalogObjectPtr object = catalog.Find(PlainName(TextOf(arguments[0])));
+  if (object == nullptr || object->identity_column() < 0) return;
+  const std::string sql = std::string("SELECT seq FROM ") + (object->temporary ? "temp" : "main") +
+                          ".sqlite_sequence WHERE name = " + QuoteText(object->name);
+  const StatementHandle last = Prepare(sqlite3_context_db_handle(context), sql);
+  sqlite3_result_int64(context, sqlite3_step(last.get()) == SQLITE_ROW ? sqlite3_column_int64(last.get(), 0) : 1);
+}
+
 void ColumnLength(sqlite3_context* context, const Catalog& catalog, Arguments arguments) {
   if (AnyNull(arguments) || arguments.size() != 2) return;
   const CatalogObjectPtr object = catalog.Find(PlainName(TextOf(arguments[0])));
@@ -97,6 +108,8 @@ Session::~Session() {
 void Session::RegisterSessionFunctions() {
   sqlite3* database = database_.get();
   sqlite3_create_function_v2(database, "ts_object_id", -1, SQLITE_UTF8, &catalog_, CallCatalogFunction<ObjectId>,
+                             nullptr, nullptr, nullptr);
+  sqlite3_create_function_v2(database, "ts_ident_current", 1, SQLITE_UTF8, &catalog_, CallCatalogFunction<IdentCurrent>,
                              nullptr, nullptr, nullptr);
   sqlite3_create_function_v2(database, "ts_col_length", 2, SQLITE_UTF8, &catalog_, CallCatalogFunction<ColumnLength>,
                              nullptr, nullptr, nullptr);
@@ -275,11 +288,13 @@ void Session::RunBatch(std::string_view text, Frame& frame) {
   spare_batches_.reserve(spare_batches_.size() + 1);
   runtime_.frame = &frame;
   catalog_.Refresh();
-  plans_.Parse(text, *batch);
-  for (const BatchStatement& entry : batch->statements) {
-    if (entry.plan->declares) Declare(*entry.plan->statement, frame);
-  }
-  Precompile(*batch, frame);
+  Understanding([&] {
+    plans_.Parse(text, *batch);
+    for (const BatchStatement& entry : batch->statements) {
+      if (entry.plan->declares) Declare(*entry.plan->statement, frame);
+    }
+    Precompile(*batch, frame);
+  });
   for (const BatchStatement& entry : batch->statements) {
     CheckCancelled();
     Revalidate(*entry.plan, frame);
@@ -296,15 +311,22 @@ void Session::Run(std::string_view batch, bool first_only, BatchSink& sink) {
   try_depth_ = 0;
   call_depth_ = 0;
   caught_.clear();
+  scope_identity_.reset();
   Results results{sink, first_only};
   results_ = &results;
   Frame frame;
+  bool takes_back = false;
   try {
-    RunBatch(batch, frame);
+    try {
+      RunBatch(batch, frame);
+    } catch (const SqlError& error) {
+      takes_back = error.takes_transaction_back();
+      throw;
+    }
   } catch (...) {
     NoteLostTransaction();
     results_ = nullptr;
-    if ((xact_abort_ || doomed_) && depth_ > 0) {
+    if ((xact_abort_ || doomed_ || takes_back) && depth_ > 0) {
       EndTransaction(false);
       sink.Transaction(TransactionEvent::kRolledBack);
     } else if (depth_ == 0 && writing_) {
@@ -335,6 +357,7 @@ void Session::Reset() {
   DropTemporaryTables();
   identity_insert_.clear();
   identity_.reset();
+  runtime_.date_order = DateOrder::kMdy;
   xact_abort_ = false;
   no_count_ = false;
   implicit_transactions_ = false;

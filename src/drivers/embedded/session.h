@@ -104,6 +104,9 @@ class Session {
   void Revalidate(Plan& plan, Frame& frame);
   template <typename Make>
   Compiled& CompiledFor(const void* node, Scope& scope, Make make);
+  /// Runs what parses or translates: its errors end the batch or procedure at hand, TRY or not.
+  template <typename Body>
+  void Understanding(Body body);
   Translator MakeTranslator(Scope& scope);
   Compiled& CompiledStatement(const Statement& statement, Scope& scope);
   Compiled& CompiledCondition(const Statement& statement, Scope& scope);
@@ -118,12 +121,16 @@ class Session {
   void ExecuteSelect(const Statement& statement, Scope& scope);
   void ExecuteSelectInto(const Statement& statement, Scope& scope);
   void ExecuteChange(const Statement& statement, Scope& scope);
+  void ExecuteDataChange(const Statement& statement, Scope& scope);
   void ExecuteInsertExecute(const Statement& statement, Scope& scope);
+  /// UPDATE by way of other rows, for when it failed because keys pass through the place of other rows' keys.
+  void MoveRows(const Statement& statement, Scope& scope);
   void InsertTaken(const Statement& statement, const TakenRows& taken, Scope& scope);
   void TellRowCount();
   void ExecuteSet(const Statement& statement, Scope& scope);
   void ExecuteSetOption(const Statement& statement, Scope& scope);
   void ExecuteProcedure(const Statement& statement, Scope& scope);
+  void CallOrRun(const Statement& statement, Scope& scope);
   void CallProcedure(const CatalogObject& procedure, const Statement& call, Scope& scope);
   void ExecuteSql(const Statement& call, Scope& scope);
   void RunText(std::string_view text, Frame& frame);
@@ -148,6 +155,7 @@ class Session {
   std::shared_ptr<const std::vector<Datum>> ListValues(const BoundParameter& parameter, Scope& scope);
   Datum SystemValue(const std::string& name, SqlType& type);
   /// Hands the rows over when `keep`.
+  void SetVariable(Variable& variable, const Datum& value, const SqlType& type);
   void ReadRows(Compiled& compiled, sqlite3_stmt* statement, bool keep);
   void TakeRows(Compiled& compiled, sqlite3_stmt* statement);
   void AssignRows(Compiled& compiled, sqlite3_stmt* statement, Scope& scope);
@@ -163,6 +171,7 @@ class Session {
   void DropObjects(const Statement& statement);
   void DropTable(const CatalogObject& table);
   void CreateIndex(const Statement& statement, Scope& scope);
+  void RequireUnreferenced(const CatalogObject& table, std::int32_t number, std::string_view message);
   void DropIndex(const Statement& statement);
   void CreateView(const Statement& statement, Scope& scope);
   void CreateProcedure(const Statement& statement);
@@ -178,6 +187,9 @@ class Session {
   void RollbackWrite() noexcept;
   void NoteLostTransaction();
   void EndTransaction(bool commit);
+  void NoteIdentity(const std::string& table);
+  /// Identity values that a rollback took back are not given again.
+  void KeepIdentities() noexcept;
   void Tell(TransactionEvent event);
 
   Runtime runtime_;
@@ -206,6 +218,8 @@ class Session {
   std::int64_t row_count_ = 0;
   std::int32_t last_error_ = 0;
   std::optional<std::int64_t> identity_;
+  std::optional<std::int64_t> scope_identity_;                      // of the batch, text or procedure that runs
+  std::unordered_map<std::string, std::int64_t> given_identities_;  // by table, in the open transaction
   std::optional<SqlError> first_error_;
   std::vector<SqlError> caught_;  // the errors of the CATCH blocks that are running, innermost last
   std::atomic<bool> cancelled_{false};
@@ -214,17 +228,24 @@ class Session {
 template <typename Make>
 Compiled& Session::CompiledFor(const void* node, Scope& scope, Make make) {
   if (scope.plan->checked_generation != catalog_.generation()) Revalidate(*scope.plan, *scope.frame);
-  std::unique_ptr<Compiled>& slot = scope.plan->compiled[node];
-  if (slot == nullptr) {
-    try {
-      Translator translator = MakeTranslator(scope);
-      slot = std::make_unique<Compiled>(make(translator));
-    } catch (...) {
-      scope.plan->compiled.erase(node);
-      throw;
-    }
+  const auto found = scope.plan->compiled.find(node);
+  if (found != scope.plan->compiled.end()) return *found->second;
+  std::unique_ptr<Compiled> compiled;
+  Understanding([&] {
+    Translator translator = MakeTranslator(scope);
+    compiled = std::make_unique<Compiled>(make(translator));
+  });
+  return *(scope.plan->compiled[node] = std::move(compiled));
+}
+
+template <typename Body>
+void Session::Understanding(Body body) {
+  try {
+    body();
+  } catch (SqlError& error) {
+    error.set_misunderstood_at(call_depth_);
+    throw;
   }
-  return *slot;
 }
 
 }  // namespace tessarlorn::embedded

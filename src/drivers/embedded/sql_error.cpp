@@ -27,6 +27,7 @@ bool SqlError::ends_statement_only() const noexcept {
   if (ends_batch_) return false;
   switch (number_) {
     case 220:
+    case 266:
     case 512:
     case 515:
     case 547:
@@ -43,6 +44,11 @@ bool SqlError::ends_statement_only() const noexcept {
     default:
       return false;
   }
+}
+
+bool SqlError::takes_transaction_back() const noexcept {
+  constexpr std::array kConversions = {241, 242, 244, 245, 248, 295, 1205, 8114, 8169};
+  return !ends_batch_ && std::find(kConversions.begin(), kConversions.end(), number_) != kConversions.end();
 }
 
 Error ToError(const SqlError& error) {

@@ -26,6 +26,12 @@ class SqlError : public std::runtime_error {
     line_ = line;
     procedure_ = procedure;
   }
+  /// The depth of calls at which a text was not understood (a syntax error, an unknown name), -1 for all other errors.
+  /// Only a TRY of a caller catches such an error, and the caller's batch goes on.
+  [[nodiscard]] int misunderstood_at() const noexcept { return misunderstood_at_; }
+  void set_misunderstood_at(int depth) {
+    if (misunderstood_at_ < 0) misunderstood_at_ = depth;
+  }
   /// The same error as THROW raises it: it ends the batch, whatever its number.
   [[nodiscard]] SqlError EndingBatch() const {
     SqlError error = *this;
@@ -34,6 +40,8 @@ class SqlError : public std::runtime_error {
   }
   /// Inside TRY it leaves a transaction that cannot be committed: a failed conversion, a missing object.
   [[nodiscard]] bool ends_transaction() const noexcept { return number_ < 50000 && !ends_statement_only(); }
+  /// Outside TRY it takes the open transaction back: a failed conversion.
+  [[nodiscard]] bool takes_transaction_back() const noexcept;
   /// Ends the statement only; the batch goes on (a broken constraint, a division by zero). Others end the batch.
   [[nodiscard]] bool ends_statement_only() const noexcept;
 
@@ -44,6 +52,7 @@ class SqlError : public std::runtime_error {
   std::uint32_t line_ = 0;
   std::string procedure_;
   bool ends_batch_ = false;
+  int misunderstood_at_ = -1;
 };
 
 /// The driver's one table: SQL Server's number to the number that OLE DB gives, and SQLSTATE.

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "drivers/embedded/catalog.h"
 #include "drivers/embedded/sql_error.h"
 #include "platform/text.h"
 
@@ -21,7 +22,37 @@ std::string_view ColumnPart(std::string_view column) {
   return dot == std::string_view::npos ? column : column.substr(dot + 1);
 }
 
-[[noreturn]] void RaiseConstraint(int status, std::string_view message, std::string_view verb) {
+/// The index, with its table's name before a point, whose columns are "t.a, t.b"; "" for those of constraints.
+std::string IndexOf(sqlite3* database, const std::string& columns) {
+  const std::string table(TablePart(columns));
+  const StatementHandle statement = Prepare(database, R"(SELECT l.name FROM pragma_index_list(?1) l
+ WHERE l."unique" AND l.origin = 'c' AND ?2 = (SELECT group_concat(?1 || '.' || name, ', ')
+  FROM (SELECT name FROM pragma_index_info(l.name) ORDER BY seqno)))");
+  sqlite3_bind_text(statement.get(), 1, table.data(), static_cast<int>(table.size()), SQLITE_STATIC);
+  sqlite3_bind_text(statement.get(), 2, columns.data(), static_cast<int>(columns.size()), SQLITE_STATIC);
+  if (sqlite3_step(statement.get()) != SQLITE_ROW) return {};
+  return std::string(reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), 0)));
+}
+
+[[noreturn]] void RaiseDuplicate(sqlite3* database, const std::string& detail) {
+  // Of an index on expressions SQLite names the index, "index 't.i'", else the columns.
+  constexpr std::string_view kNamed = "index '";
+  std::string index = detail.starts_with(kNamed) ? detail.substr(kNamed.size(), detail.size() - kNamed.size() - 1)
+                                                 : IndexOf(database, detail);
+  if (index.ends_with(kNullKeySuffix)) index.resize(index.size() - kNullKeySuffix.size());
+  const std::string table(TablePart(index.empty() ? detail : index));
+  const std::string name(ColumnPart(index));
+  if (!index.empty() && !name.starts_with(kUniqueKeyPrefix)) {
+    throw SqlError(
+        2601, "Cannot insert duplicate key row in object 'dbo." + table + "' with unique index '" + name + "'.", 14);
+  }
+  throw SqlError(2627,
+                 "Violation of UNIQUE KEY constraint" + (index.empty() ? " on '" + detail + "'" : "") +
+                     ". Cannot insert duplicate key in object 'dbo." + table + "'.",
+                 14);
+}
+
+[[noreturn]] void RaiseConstraint(sqlite3* database, int status, std::string_view message, std::string_view verb) {
   const std::string detail(Detail(message));
   switch (status) {
     case SQLITE_CONSTRAINT_NOTNULL:
@@ -35,13 +66,7 @@ std::string_view ColumnPart(std::string_view column) {
                          "'. Cannot insert duplicate key in object 'dbo." + std::string(TablePart(detail)) + "'.",
                      14);
     case SQLITE_CONSTRAINT_UNIQUE:
-      if (detail.starts_with("index '")) {
-        throw SqlError(2601, "Cannot insert duplicate key row in an object with unique " + detail + ".", 14);
-      }
-      throw SqlError(2627,
-                     "Violation of UNIQUE KEY constraint on '" + detail +
-                         "'. Cannot insert duplicate key in object 'dbo." + std::string(TablePart(detail)) + "'.",
-                     14);
+      RaiseDuplicate(database, detail);
     default:
       throw SqlError(547, "The " + std::string(verb) + " statement conflicted with the " +
                               (status == SQLITE_CONSTRAINT_CHECK ? "CHECK" : "FOREIGN KEY") + " constraint" +
@@ -63,7 +88,7 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
   const std::string name = file == nullptr || *file == '\0' ? "in memory" : std::string("'") + file + "'";
   switch (status & 0xff) {
     case SQLITE_CONSTRAINT:
-      RaiseConstraint(extended, message, verb);
+      RaiseConstraint(database, extended, message, verb);
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
       throw SqlError(1222, "Lock request time out period exceeded: the database " + name + " is in use.");

@@ -292,12 +292,17 @@ void Str(sqlite3_context* context, Runtime&, Arguments arguments) {
   const int places = std::clamp(sqlite3_value_int(arguments[2]), 0, 16);
   const std::optional<Decimal> number = Decimal::FromDouble(sqlite3_value_double(arguments[0]));
   std::string text = number && number->Rescale(places) ? number->Rescale(places)->ToString() : "";
-  if (text.empty() || text.find('.') > length) {
+  if (text.empty() || std::min(text.find('.'), text.size()) > length) {
     text = std::string(length, '*');
   } else if (text.size() > length) {
     text.resize(length);
   }
   SetText(context, std::string(length - text.size(), ' ') + text);
+}
+
+/// A sign, point, comma or currency alone: money reads them as 0.
+bool IsSign(std::string_view text) {
+  return text.size() == 1 && std::string_view("+-.,$\\").find(text[0]) != std::string_view::npos;
 }
 
 // ts_isnumeric(text)
@@ -311,7 +316,7 @@ void IsNumericText(sqlite3_context* context, Runtime&, Arguments arguments) {
     if (!text.empty() && (text.back() == 'd' || text.back() == 'D')) text.pop_back();
     std::string_view digits = text;
     if (!digits.empty() && digits.front() == '+') digits.remove_prefix(1);
-    numeric = Decimal::Parse(digits).has_value();
+    numeric = Decimal::Parse(digits).has_value() || IsSign(Trim(TextOf(arguments[0])));
     if (!numeric && !digits.empty()) {
       char* end = nullptr;
       const std::string copy(digits);

@@ -12,6 +12,12 @@
 namespace tessarlorn::embedded {
 namespace {
 
+/// The length of a backslash and the line's end behind it, 0 when there is none.
+std::size_t ContinuationAt(std::string_view text, std::size_t position) {
+  const std::string_view rest = text.substr(position);
+  return rest.starts_with("\\\n") ? 2 : rest.starts_with("\\\r\n") ? 3 : 0;
+}
+
 constexpr std::uint8_t kWordStart = 1;
 constexpr std::uint8_t kWordPart = 2;
 constexpr std::uint8_t kDigit = 4;
@@ -232,6 +238,7 @@ class Lexer {
       ++position_;
     }
     token.text = batch_.substr(begin, position_ - 1 - begin);
+    if (close == '\'' && HoldsContinuation(token.text)) token.doubled = true;
     line_ += static_cast<std::uint32_t>(std::count(token.text.begin(), token.text.end(), '\n'));
     return token;
   }
@@ -417,13 +424,25 @@ void TokenizeBatch(std::string_view batch, NameTable& names, Tokens& out) {
   Lexer(batch, names, out).Run();
 }
 
+bool HoldsContinuation(std::string_view text) {
+  for (std::size_t i = text.find('\\'); i != std::string_view::npos; i = text.find('\\', i + 1)) {
+    if (ContinuationAt(text, i) > 0) return true;
+  }
+  return false;
+}
+
 std::string Unquote(const Token& token) {
   if (!token.doubled) return std::string(token.text);
   std::string value;
   value.reserve(token.text.size());
+  const bool text = token.kind == TokenKind::kString || token.kind == TokenKind::kNString;
   // The opening delimiter stands right before the text.
   const char close = token.kind == TokenKind::kQuoted ? (token.text.data()[-1] == '[' ? ']' : '"') : '\'';
   for (std::size_t i = 0; i < token.text.size(); ++i) {
+    if (const std::size_t skipped = text ? ContinuationAt(token.text, i) : 0; skipped > 0) {
+      i += skipped - 1;
+      continue;
+    }
     value += token.text[i];
     if (token.text[i] == close) ++i;
   }

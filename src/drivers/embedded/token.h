@@ -58,7 +58,8 @@ enum class Op : std::uint8_t {
 struct Token {
   TokenKind kind = TokenKind::kEnd;
   Op op = Op::kNone;
-  /// Of a string: it holds a doubled quote. Of a quoted name: it holds a doubled delimiter.
+  /// Of a string: it holds a doubled quote, or a line that goes on in the next. Of a quoted name: it holds a doubled
+  /// delimiter.
   bool doubled = false;
   std::uint32_t line = 1;
   /// For kWord, kQuoted, kVariable, kGlobal: the id of the name without regard to case (NameTable). Same id, same name;
@@ -104,7 +105,9 @@ struct Tokens {
 /// comment ("Missing end comment mark '*/'."), 102 for a character that no token begins with.
 void TokenizeBatch(std::string_view batch, NameTable& names, Tokens& out);
 
-/// The value of a string or quoted name: doubled delimiters undone.
+/// Whether a text between quotes has a line that goes on in the next: a backslash right before the line's end.
+bool HoldsContinuation(std::string_view text);
+/// The value of a string or quoted name: doubled delimiters undone, lines that go on joined.
 std::string Unquote(const Token& token);
 
 }  // namespace tessarlorn::embedded

@@ -36,6 +36,7 @@ void Session::CommitWrite() {
   }
   writing_ = false;
   save_points_.clear();
+  given_identities_.clear();
 }
 
 void Session::RollbackWrite() noexcept {
@@ -45,6 +46,29 @@ void Session::RollbackWrite() noexcept {
   writing_ = false;
   save_points_.clear();
   catalog_.Invalidate();
+  KeepIdentities();
+}
+
+void Session::NoteIdentity(const std::string& table) {
+  identity_ = scope_identity_ = sqlite3_last_insert_rowid(database_.get());
+  std::int64_t& most = given_identities_[table];
+  most = std::max(most, *identity_);
+}
+
+void Session::KeepIdentities() noexcept {
+  for (const auto& [table, last] : given_identities_) {
+    // Where that fails the values are given again, as they would be after a crash.
+    const std::string schema = table[0] == '#' ? "temp" : "main";
+    const std::string name = QuoteText(table);
+    const std::string number = std::to_string(last);
+    const std::string sql =
+        "INSERT INTO " + schema + ".sqlite_sequence SELECT " + name + ", 0 WHERE EXISTS (SELECT 1 FROM " + schema +
+        ".sqlite_schema WHERE type = 'table' AND name = " + name + ") AND NOT EXISTS (SELECT 1 FROM " + schema +
+        ".sqlite_sequence WHERE name = " + name + "); UPDATE " + schema + ".sqlite_sequence SET seq = " + number +
+        " WHERE name = " + name + " AND seq < " + number;
+    sqlite3_exec(database_.get(), sql.c_str(), nullptr, nullptr, nullptr);
+  }
+  if (sqlite3_get_autocommit(database_.get()) != 0) given_identities_.clear();
 }
 
 void Session::NoteLostTransaction() {
@@ -132,6 +156,7 @@ void Session::ExecuteTransaction(const Statement& statement) {
     RunSql(database_.get(), "ROLLBACK TO " + QuoteName("save " + save_points_[i]), &runtime_);
     catalog_.Invalidate();
     catalog_.Refresh();
+    KeepIdentities();
     return;
   }
   EndTransaction(false);

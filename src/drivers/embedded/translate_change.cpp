@@ -107,7 +107,7 @@ Compiled Translator::CompileInsert(const Statement& statement, bool identity_ins
   const auto finish = [&](const std::string& sql) {
     Compiled compiled = Finish(sql);
     compiled.verb = "INSERT";
-    compiled.gives_identity = identity >= 0;
+    if (identity >= 0) compiled.identity_table = table->name;
     return compiled;
   };
   if (statement.default_values) {
@@ -171,7 +171,7 @@ Compiled Translator::CompileInsert(const Statement& statement, bool identity_ins
     }
     return finish(sql);
   }
-  const TranslatedQuery rows = given != nullptr ? *given : QueryText(*statement.query, nullptr, {});
+  const TranslatedQuery rows = given != nullptr ? *given : QueryText(*statement.query, nullptr, Ordered());
   check_count(rows.columns.size());
   // The query stands inside, so that its columns can be converted by name whatever it is made of.
   std::string list;
@@ -190,10 +190,10 @@ Compiled Translator::CompileInsert(const Statement& statement, bool identity_ins
 Compiled Translator::CompileInsertInto(const CatalogObject& table, const Query& query) {
   std::string columns;
   for (const Column& column : table.columns) columns += (columns.empty() ? "" : ", ") + QuoteName(column.name);
-  TranslatedQuery rows = QueryText(query, nullptr, {});
+  TranslatedQuery rows = QueryText(query, nullptr, Ordered());
   Compiled compiled = Finish("INSERT INTO " + TableSql(table) + " (" + columns + ") " + rows.sql);
   compiled.verb = "INSERT";
-  compiled.gives_identity = table.identity_column() >= 0;
+  if (table.identity_column() >= 0) compiled.identity_table = table.name;
   return compiled;
 }
 
@@ -228,7 +228,7 @@ std::string Translator::ChangeSources(const Statement& statement, Scope& scope) 
   return " FROM " + SourceText(source, scope, false);
 }
 
-Compiled Translator::CompileUpdate(const Statement& statement) {
+Compiled Translator::CompileUpdate(const Statement& statement, bool collect) {
   const std::string with = With(statement.with, nullptr);
   const Target target = ChangeTarget(statement);
   const bool indirect = target.joined || statement.top != nullptr || !statement.with.empty();
@@ -280,13 +280,27 @@ Compiled Translator::CompileUpdate(const Statement& statement) {
     return compiled;
   }
   if (!variables.empty()) sets[0].second = "ts_setvar(" + sets[0].second + variables + ")";
+  const std::string limit = statement.top == nullptr ? "" : " LIMIT " + IntArgument(*statement.top, scope);
+  const std::string present =
+      target.joined ? (where.empty() ? " WHERE " : " AND ") + alias + "._rowid_ IS NOT NULL" : "";
+  if (collect) {
+    std::string row = alias + "._rowid_";
+    for (const Column& column : target.table->columns) {
+      const auto set =
+          std::find_if(sets.begin(), sets.end(), [&](const auto& entry) { return entry.first == column.name; });
+      row += ", " + (set != sets.end() ? set->second : alias + "." + QuoteName(column.name));
+    }
+    Compiled compiled =
+        Finish(with + "INSERT OR IGNORE INTO temp.\"$moved\" SELECT " + row + from + where + present + limit);
+    compiled.verb = "UPDATE";
+    return compiled;
+  }
   if (!indirect) {
     sql = "UPDATE " + TableSql(*target.table) + " AS " + alias + " SET ";
     for (std::size_t i = 0; i < sets.size(); ++i)
       sql += (i == 0 ? "" : ", ") + QuoteName(sets[i].first) + " = " + sets[i].second;
     sql += where;
   } else {
-    const std::string limit = statement.top == nullptr ? "" : " LIMIT " + IntArgument(*statement.top, scope);
     sql = with + "UPDATE " + TableSql(*target.table) + " AS \"$target\" SET ";
     std::string rows = "SELECT " + alias + "._rowid_ AS r";
     for (std::size_t i = 0; i < sets.size(); ++i) {
@@ -294,8 +308,6 @@ Compiled Translator::CompileUpdate(const Statement& statement) {
       sql += (i == 0 ? "" : ", ") + QuoteName(sets[i].first) + " = \"$rows\"." + name;
       rows += ", " + sets[i].second + " AS " + name;
     }
-    const std::string present =
-        target.joined ? (where.empty() ? " WHERE " : " AND ") + alias + "._rowid_ IS NOT NULL" : "";
     sql += " FROM (" + rows + from + where + present + limit + ") AS \"$rows\" WHERE \"$target\"._rowid_ = \"$rows\".r";
   }
   Compiled compiled = Finish(std::move(sql));

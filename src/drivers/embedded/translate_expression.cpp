@@ -46,7 +46,10 @@ bool NeedsNoConversion(const SqlType& from, const SqlType& to, Fit fit) {
            (fit == Fit::kCompare || from.precision <= to.precision);
   }
   if (from.is_float() && to.is_float()) return to.kind == FieldType::kFloat || from.kind == to.kind;
-  if (from.is_date() && to.is_date()) return to.kind == FieldType::kDateTime || from.kind == to.kind;
+  if (from.is_date() && to.is_date()) {
+    if (fit == Fit::kCompare) return to.kind == FieldType::kDateTime || from.kind == to.kind;
+    return from == to || (from.kind == FieldType::kDateTime && to == DateTime2Type(to.scale) && to.scale >= 3);
+  }
   return from.kind == to.kind && from.size == to.size;
 }
 
@@ -74,7 +77,7 @@ std::string_view OperatorName(BinaryOp op) {
 }
 
 [[noreturn]] void RaiseOperand(const SqlType& type, BinaryOp op) {
-  throw SqlError(8117, "Operand data type " + std::string(TypeNameText(type.kind)) + " is invalid for " +
+  throw SqlError(8117, "Operand data type " + std::string(TypeNameText(type)) + " is invalid for " +
                            std::string(OperatorName(op)) + " operator.");
 }
 
@@ -104,6 +107,17 @@ Typed Translator::SystemValue(const std::string& name, const SqlType& type) {
 void Translator::Pin(const Expression& literal) {
   if (lift_ && view_depth_ == 0 && literal.kind == Expression::Kind::kLiteral && literal.literal_index >= 0) {
     dependencies_.pinned.push_back({literal.literal_index, literal.text});
+  }
+}
+
+void Translator::PinAll(const Expression& expression) {
+  Pin(expression);
+  for (const ExpressionPtr& operand : expression.operands) {
+    if (operand != nullptr) PinAll(*operand);
+  }
+  for (const CaseBranch& branch : expression.branches) {
+    PinAll(*branch.when);
+    PinAll(*branch.then);
   }
 }
 
@@ -181,7 +195,8 @@ Typed Translator::ColumnValue(const Expression& expression, Scope& scope) {
   for (const Scope* level = &scope; level != nullptr; level = level->parent) {
     const SourceColumn* found = nullptr;
     const Source* owner = nullptr;
-    for (const Source& source : level->sources) {
+    for (std::size_t i = level->visible_from; i < level->sources.size(); ++i) {
+      const Source& source = level->sources[i];
       if (!qualifier.empty() && !EqualsIgnoreCase(source.alias, qualifier)) continue;
       if (!qualifier.empty()) qualifier_known = true;
       for (const SourceColumn& column : source.columns) {
@@ -276,12 +291,21 @@ Typed Translator::BinaryOf(BinaryOp op, Typed a, Typed b) {
   const bool bits = op == BinaryOp::kBitAnd || op == BinaryOp::kBitOr || op == BinaryOp::kBitXor;
   if (common.is_date() && !bits && (op == BinaryOp::kAdd || op == BinaryOp::kSubtract)) {
     const auto side = [&](const Typed& value) {
+      if (value.type.is_date() && !value.type.is_old_date()) {
+        const SqlType& other = &value == &a ? b.type : a.type;
+        if (!other.is_number() || other.untyped_null) RaiseOperand(value.type, op);
+        throw SqlError(206, "Operand type clash: " + std::string(TypeNameText(value.type)) + " is incompatible with " +
+                                std::string(TypeNameText(other)));
+      }
       if (value.type.is_date()) return value.sql;
       if (value.type.is_text()) return Coerce(value, DateTimeType());
       if (value.type.is_integer()) return "(" + Coerce(value, BigIntType()) + " * 86400000)";
       return "CAST(round(" + Coerce(value, FloatType()) + " * 86400000) AS INTEGER)";
     };
-    return {"(" + side(a) + (op == BinaryOp::kAdd ? " + " : " - ") + side(b) + ")", DateTimeType(), nullable, -1};
+    const SqlType type = common.form() == DateForm::kSmallDateTime ? common : DateTimeType();
+    return {"ts_datetime(" + side(a) + (op == BinaryOp::kAdd ? " + " : " - ") + side(b) + ", " +
+                std::to_string(PackType(type)) + ")",
+            type, nullable, -1};
   }
   if (common.is_binary() && op == BinaryOp::kAdd) {
     constexpr int kMost = 8000;
@@ -318,10 +342,11 @@ Typed Translator::BinaryOf(BinaryOp op, Typed a, Typed b) {
     return {"ts_float(" + left + sign + right + ")", type, nullable, -1};
   }
   if (type.is_integer()) {
-    const std::string check = type.kind == FieldType::kBigInt ? "ts_i64(" : "ts_i32(";
-    if (op == BinaryOp::kDivide) return {check + "ts_div(" + a.sql + ", " + b.sql + "))", type, nullable, -1};
     if (op == BinaryOp::kModulo) return {"ts_mod(" + a.sql + ", " + b.sql + ")", type, nullable, -1};
-    return {check + a.sql + sign + b.sql + ")", type, nullable, -1};
+    const std::string value = op == BinaryOp::kDivide ? "ts_div(" + a.sql + ", " + b.sql + ")" : a.sql + sign + b.sql;
+    if (type.kind == FieldType::kBigInt) return {"ts_i64(" + value + ")", type, nullable, -1};
+    if (type.kind == FieldType::kInt) return {"ts_i32(" + value + ")", type, nullable, -1};
+    return {"ts_small(" + value + ", " + std::to_string(PackType(type)) + ")", type, nullable, -1};
   }
   const bool inline_arithmetic =
       type.storage() == Storage::kScaled && (op == BinaryOp::kAdd || op == BinaryOp::kSubtract) &&
@@ -367,6 +392,7 @@ Typed Translator::Unary(const Expression& expression, Scope& scope) {
                 std::to_string(PackType(IntType())) + ", " + value.sql + ", " + type + ", " + type + ")",
             value.type, value.nullable, -1};
   }
+  if (value.type.kind == FieldType::kTinyInt) value.type.kind = FieldType::kSmallInt;
   return {"(-" + value.sql + ")", value.type, value.nullable, -1};
 }
 
@@ -387,6 +413,11 @@ Typed Translator::Case(const Expression& expression, Scope& scope) {
   for (const Typed& value : values) {
     type = CommonType(type, value.type);
     nullable = nullable || value.nullable;
+  }
+  if (type.untyped_null) {
+    throw SqlError(8133,
+                   "At least one of the result expressions in a CASE specification must be an expression other "
+                   "than the NULL constant.");
   }
   std::string sql = "CASE";
   for (std::size_t i = 0; i < conditions.size(); ++i) {
@@ -448,6 +479,7 @@ Typed Translator::ScalarSubquery(const Expression& expression, Scope& scope) {
 Typed Translator::Value(const Expression& expression, Scope& scope) {
   if (scope.check_grouping && aggregate_depth_ == 0 && !scope.group_expressions.empty() &&
       expression.kind != Expression::Kind::kLiteral && scope.group_expressions.contains(Dump(expression))) {
+    PinAll(expression);
     scope.check_grouping = false;
     Typed value = Value(expression, scope);
     scope.check_grouping = true;
@@ -490,6 +522,14 @@ Typed Translator::Value(const Expression& expression, Scope& scope) {
       throw error;
     }
   }
+}
+
+bool HasColumn(const Expression& expression) {
+  if (expression.kind == Expression::Kind::kColumn || expression.kind == Expression::Kind::kSubquery) return true;
+  const auto has = [](const ExpressionPtr& operand) { return operand != nullptr && HasColumn(*operand); };
+  return std::any_of(expression.operands.begin(), expression.operands.end(), has) ||
+         std::any_of(expression.branches.begin(), expression.branches.end(),
+                     [&](const CaseBranch& branch) { return has(branch.when) || has(branch.then); });
 }
 
 bool HasAggregate(const Expression& expression) {

@@ -62,7 +62,7 @@ constexpr std::array kPlainFunctions = {
     PlainFunction{"isnumeric", "ts_isnumeric", "t", "", 'i'},
     PlainFunction{"sqrt", "ts_sqrt", "f", "", 'f'},
     PlainFunction{"exp", "ts_exp", "f", "", 'f'},
-    PlainFunction{"log", "ts_log", "f", "", 'f'},
+    PlainFunction{"log", "ts_log", "fF", "", 'f'},
     PlainFunction{"log10", "ts_log10", "f", "", 'f'},
     PlainFunction{"sin", "ts_sin", "f", "", 'f'},
     PlainFunction{"cos", "ts_cos", "f", "", 'f'},
@@ -100,7 +100,9 @@ std::string Translator::FloatArgument(const Expression& expression, Scope& scope
 }
 
 std::string Translator::DateArgument(const Expression& expression, Scope& scope) {
-  return Coerce(Value(expression, scope), DateTimeType());
+  const Typed value = Value(expression, scope);
+  if (value.type.is_date()) return value.sql;
+  return Coerce(value, value.type.is_text() ? DateTime2Type(7) : DateTimeType());
 }
 
 Typed Translator::Function(const Expression& expression, Scope& scope) {
@@ -126,7 +128,7 @@ Typed Translator::Function(const Expression& expression, Scope& scope) {
         unlimited = unlimited || (i == 0 && value.type.is_text() && value.type.size == 0);
         const bool cut = plain.name == "substring" && i == 0;
         if (cut && !value.type.is_text() && !value.type.is_binary()) {
-          throw SqlError(8116, "Argument data type " + std::string(TypeNameText(value.type.kind)) +
+          throw SqlError(8116, "Argument data type " + std::string(TypeNameText(value.type)) +
                                    " is invalid for argument 1 of substring function.");
         }
         // Of binaries bytes are counted and cut.
@@ -216,10 +218,12 @@ Typed Translator::Aggregate(const Expression& expression, Scope& scope) {
     const SqlType type = value.type.is_national() || !value.type.is_text() ? NVarCharType(4000) : VarCharType(8000);
     return {"group_concat(" + Coerce(value, NVarCharType(0)) + ", " + separator + ")", type, true, -1};
   }
-  if (name == "min" || name == "max") return {name + "(" + Collated(value) + ")", value.type, true, -1};
+  if ((name == "min" || name == "max") && value.type.kind != FieldType::kBit) {
+    return {name + "(" + Collated(value) + ")", value.type, true, -1};
+  }
   if (!value.type.is_number() || value.type.kind == FieldType::kBit) {
-    throw SqlError(8117, "Operand data type " + std::string(TypeNameText(value.type.kind)) + " is invalid for " + name +
-                             " operator.");
+    throw SqlError(
+        8117, "Operand data type " + std::string(TypeNameText(value.type)) + " is invalid for " + name + " operator.");
   }
   const bool sum = name == "sum";
   if (value.type.is_float()) return {name + "(" + distinct + value.sql + ")", FloatType(), true, -1};
@@ -326,6 +330,10 @@ Typed Translator::ConditionalFunction(const Expression& expression, Scope& scope
       nullable = coalesce ? nullable && values.back().nullable : nullable || values.back().nullable;
     }
     if (coalesce) {
+      if (type.untyped_null) {
+        throw SqlError(
+            4127, "At least one of the arguments to COALESCE must be an expression that is not the NULL constant.", 16);
+      }
       if (values.size() == 1) return values[0];
       std::string sql = "coalesce(";
       for (std::size_t i = 0; i < values.size(); ++i) sql += (i == 0 ? "" : ", ") + Coerce(values[i], type);
@@ -364,14 +372,24 @@ Typed Translator::DateFunction(const Expression& expression, Scope& scope) {
     RequireArguments(expression, 2, 2);
     const Typed date = Value(*expression.operands[1], scope);
     const SqlType type = date.type.is_date() ? date.type : DateTimeType();
+    const std::optional<DatePart> found = FindDatePart(expression.parts.empty() ? "" : expression.parts[0]);
+    const bool of_time = found && *found >= DatePart::kHour;
+    if (found && ((type.kind == FieldType::kDate && of_time) || (type.kind == FieldType::kTime && !of_time))) {
+      throw SqlError(9810, "The datepart " + LowerCase(expression.parts[0]) +
+                               " is not supported by date function dateadd for data type " +
+                               std::string(TypeNameText(type)) + ".");
+    }
     const std::string number = IntArgument(*expression.operands[0], scope);
-    return {"ts_dateadd(" + part() + ", " + number + ", " + Coerce(date, DateTimeType()) + ")", type, true, -1};
+    return {"ts_dateadd(" + part() + ", " + number + ", " + Coerce(date, type) + ", " + Packed(type) + ")", type, true,
+            -1};
   }
   if (name == "datediff" || name == "datediff_big") {
     RequireArguments(expression, 2, 2);
     const std::string from = DateArgument(*expression.operands[0], scope);
-    return {"ts_datediff(" + part() + ", " + from + ", " + DateArgument(*expression.operands[1], scope) + ")",
-            name == "datediff" ? IntType() : BigIntType(), true, -1};
+    const std::string difference =
+        "ts_datediff(" + part() + ", " + from + ", " + DateArgument(*expression.operands[1], scope) + ")";
+    if (name == "datediff_big") return {difference, BigIntType(), true, -1};
+    return {"ts_datediff_int(" + difference + ")", IntType(), true, -1};
   }
   if (name == "datepart" || name == "datename") {
     RequireArguments(expression, 1, 1);
@@ -384,9 +402,10 @@ Typed Translator::DateFunction(const Expression& expression, Scope& scope) {
     return {"ts_datepart(" + std::to_string(number) + ", " + DateArgument(*expression.operands[0], scope) + ")",
             IntType(), true, -1};
   }
-  if (name == "getdate" || name == "sysdatetime" || name == "current_timestamp")
-    return SystemValue("getdate", DateTimeType());
-  if (name == "getutcdate" || name == "sysutcdatetime") return SystemValue("getutcdate", DateTimeType());
+  const bool fine = name == "sysdatetime" || name == "sysutcdatetime";
+  const SqlType now = fine ? DateTime2Type(7) : DateTimeType();
+  if (name == "getdate" || name == "sysdatetime" || name == "current_timestamp") return SystemValue("getdate", now);
+  if (name == "getutcdate" || name == "sysutcdatetime") return SystemValue("getutcdate", now);
   if (name == "eomonth") {
     RequireArguments(expression, 1, 2);
     const std::string date = DateArgument(*expression.operands[0], scope);
@@ -526,7 +545,9 @@ Typed Translator::MetadataFunction(const Expression& expression, Scope& scope) {
     // Answered when the statement runs: the objects are the database's, not the statement's.
     std::string sql = "ts_" + name + "(" + TextArgument(*expression.operands[0], scope);
     if (expression.operands.size() > 1) sql += ", " + TextArgument(*expression.operands[1], scope);
-    return {sql + ")", name == "ident_current" ? DecimalType(38, 0) : IntType(), true, -1};
+    if (name != "ident_current") return {sql + ")", IntType(), true, -1};
+    const SqlType type = DecimalType(38, 0);
+    return {Coerce({sql + ")", BigIntType(), true, -1}, type), type, true, -1};
   }
   if (!name.empty() && name[0] == '@') RaiseUnsupported("The variable " + name, expression.line);
   return {};

@@ -138,8 +138,10 @@ std::string Translator::From(const std::vector<TableSourcePtr>& sources, Scope& 
   std::string sql;
   for (const TableSourcePtr& source : sources) {
     sql += sql.empty() ? " FROM " : ", ";
+    scope.visible_from = scope.sources.size();
     sql += SourceText(*source, scope, false);
   }
+  scope.visible_from = 0;
   return sql;
 }
 
@@ -170,6 +172,10 @@ void Translator::ExpandStar(const Expression& star, const Scope& scope, std::vec
 void Translator::GroupBy(const Select& select, Scope& scope, std::string& sql) {
   for (std::size_t i = 0; i < select.group_by.size(); ++i) {
     const Expression& key = *select.group_by[i];
+    if (!HasColumn(key)) {
+      throw SqlError(164, "Each GROUP BY expression must contain at least one column that is not an outer reference.",
+                     15);
+    }
     const Typed value = Value(key, scope);
     sql += (i == 0 ? " GROUP BY " : ", ") + Collated(value);
     if (key.kind == Expression::Kind::kColumn) scope.group_columns.insert(value.sql);
@@ -178,6 +184,20 @@ void Translator::GroupBy(const Select& select, Scope& scope, std::string& sql) {
   const bool aggregates = std::any_of(select.items.begin(), select.items.end(),
                                       [](const SelectItem& item) { return HasAggregate(*item.expression); });
   scope.check_grouping = !select.group_by.empty() || aggregates || select.having != nullptr;
+}
+
+std::int64_t Translator::IdentitySeed(const Expression& call) {
+  PinAll(call);
+  const auto number = [&](std::size_t i) {
+    const Expression& given = *call.operands[i];
+    const bool whole = given.kind == Expression::Kind::kLiteral && given.literal == LiteralKind::kInteger;
+    return whole ? std::stoll(given.text.substr(0, 18)) : -1;
+  };
+  const std::int64_t seed = call.operands.empty() ? 1 : number(0);
+  if (seed < 0 || (call.operands.size() > 1 && number(1) != 1)) {
+    RaiseUnsupported("An identity that does not count by ones from a number above 0", call.line);
+  }
+  return seed;
 }
 
 void Translator::CheckNames(const std::vector<ResultColumn>& columns, const std::string& owner) {
@@ -193,7 +213,18 @@ void Translator::CheckNames(const std::vector<ResultColumn>& columns, const std:
 }
 
 std::string Translator::OrderBy(const std::vector<OrderItem>& items, Scope* scope, const Select* select,
-                                const std::vector<ResultColumn>& columns) {
+                                const std::vector<ResultColumn>& columns, const std::vector<Typed>& values) {
+  const auto selects = [&](const Expression& key, const std::string& text) {
+    if (key.kind == Expression::Kind::kColumn) {
+      return std::any_of(values.begin(), values.end(), [&](const Typed& value) { return value.sql == text; });
+    }
+    PinAll(key);
+    return std::any_of(select->items.begin(), select->items.end(), [&](const SelectItem& item) {
+      if (Dump(*item.expression) != Dump(key)) return false;
+      PinAll(*item.expression);
+      return true;
+    });
+  };
   std::string sql;
   for (const OrderItem& item : items) {
     const Expression& key = *item.expression;
@@ -227,6 +258,9 @@ std::string Translator::OrderBy(const std::vector<OrderItem>& items, Scope* scop
       }
       scope->clause = "ORDER BY clause";
       const Typed value = Value(key, *scope);
+      if (select != nullptr && select->distinct && !selects(key, value.sql)) {
+        throw SqlError(145, "ORDER BY items must appear in the select list if SELECT DISTINCT is specified.", 15);
+      }
       text = value.type.is_text() ? value.sql + " COLLATE TSQL" : value.sql;
     }
     sql += (sql.empty() ? " ORDER BY " : ", ") + text + (item.descending ? " DESC" : "");
@@ -322,11 +356,20 @@ TranslatedQuery Translator::SelectText(const Query& query, const Select& select,
       column.identity = true;
       column.type = IntType();
       column.nullable = false;
-      values.push_back({"row_number() OVER ()", column.type, false, -1});
+      values.push_back(
+          {"row_number() OVER () + " + std::to_string(IdentitySeed(expression) - 1), column.type, false, -1});
     } else {
       values.push_back(Value(expression, scope));
       column.type = values.back().type;
       column.nullable = values.back().nullable;
+      // A table made of one other takes over which column counts.
+      const bool plain = select.from.size() == 1 && select.from[0]->kind == TableSource::Kind::kTable &&
+                         expression.kind == Expression::Kind::kColumn && !scope.sources.empty() && !select.distinct &&
+                         select.group_by.empty();
+      const CatalogObjectPtr table = plain ? scope.sources[0].table : nullptr;
+      const int counts = table == nullptr ? -1 : table->identity_column();
+      column.identity =
+          counts >= 0 && counts == table->FindColumn(expression.parts.back()) && !select.into.name.empty();
     }
     result.columns.push_back(std::move(column));
   }
@@ -363,7 +406,7 @@ TranslatedQuery Translator::SelectText(const Query& query, const Select& select,
     scope.clause = "HAVING clause";
     sql += " HAVING " + Condition(*select.having, scope);
   }
-  sql += OrderBy(query.order_by, &scope, &select, result.columns);
+  sql += OrderBy(query.order_by, &scope, &select, result.columns, values);
   const std::string limit = Limit(query, &select, scope);
   aggregate_depth_ = outer_depth;
   result.sql = unfold ? Unfolded(sql) : sql + limit;
@@ -494,6 +537,13 @@ std::string Translator::With(const std::vector<CommonTable>& tables, const Scope
 }
 
 TranslatedQuery Translator::QueryText(const Query& query, const Scope* parent, const SelectOptions& options) {
+  const bool limited = query.offset != nullptr || (query.select != nullptr && query.select->top != nullptr);
+  if (!options.may_order && !query.order_by.empty() && !limited) {
+    throw SqlError(1033,
+                   "The ORDER BY clause is invalid in views, inline functions, derived tables, subqueries, and common "
+                   "table expressions, unless TOP, OFFSET or FOR XML is also specified.",
+                   15);
+  }
   const std::size_t outer_tables = common_tables_.size();
   const std::string with = With(query.with, parent);
   TranslatedQuery result = query.set_operator != SetOperator::kNone ? SetText(query, parent, options)
@@ -527,8 +577,7 @@ Compiled Translator::CompileQuery(const Query& query) {
           15);
     }
   }
-  SelectOptions options;
-  TranslatedQuery text = QueryText(query, nullptr, options);
+  TranslatedQuery text = QueryText(query, nullptr, Ordered());
   Compiled compiled = Finish(std::move(text.sql));
   compiled.columns = std::move(text.columns);
   compiled.assigned = std::move(assigned);
@@ -538,8 +587,9 @@ Compiled Translator::CompileQuery(const Query& query) {
   return compiled;
 }
 
-std::vector<ResultColumn> Translator::DescribeQuery(const Query& query) {
+std::vector<ResultColumn> Translator::DescribeQuery(const Query& query, bool may_order) {
   SelectOptions options;
+  options.may_order = may_order;
   options.named = true;
   options.owner = query.select != nullptr && !query.select->into.name.empty() ? query.select->into.name : "query";
   std::vector<ResultColumn> columns = QueryText(query, nullptr, options).columns;

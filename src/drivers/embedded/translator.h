@@ -56,10 +56,14 @@ class Translator {
   Compiled CompileInsert(const Statement& statement, bool identity_insert, const TranslatedQuery* given = nullptr);
   /// INSERT of the query into a table made for it by SELECT … INTO.
   Compiled CompileInsertInto(const CatalogObject& table, const Query& query);
-  Compiled CompileUpdate(const Statement& statement);
+  /// @param collect the rows are not changed but put into temp."$moved", whole and with the row's number in front
+  Compiled CompileUpdate(const Statement& statement, bool collect = false);
+  /// The table that UPDATE or DELETE changes.
+  CatalogObjectPtr ChangedTable(const Statement& statement) { return ChangeTarget(statement).table; }
   Compiled CompileDelete(const Statement& statement);
   /// The columns that a query gives, as a new table or a view has them.
-  std::vector<ResultColumn> DescribeQuery(const Query& query);
+  /// @param may_order it is no view: ORDER BY needs no TOP
+  std::vector<ResultColumn> DescribeQuery(const Query& query, bool may_order);
   /// A condition over the columns of a table that is being made, without parameters, for a CHECK constraint.
   std::string TranslateCheck(const CatalogObject& table, const Expression& condition);
 
@@ -78,6 +82,8 @@ class Translator {
   struct Scope {
     const Scope* parent = nullptr;
     std::vector<Source> sources;
+    /// The first that a name can mean: a condition of a join does not see what stands before its comma.
+    std::size_t visible_from = 0;
     /// Only grouped columns may stand outside aggregates.
     bool check_grouping = false;
     std::string clause = "select list";
@@ -97,9 +103,17 @@ class Translator {
     bool collate_items = false;
     /// Output names given from outside: t(a, b), WITH c(a, b).
     const std::vector<std::string>* names = nullptr;
-    bool named = false;  // every column needs a name of its own (derived tables, views)
-    std::string owner;   // for messages: the derived table's alias
+    bool may_order = false;  // it stands for itself: ORDER BY needs no TOP
+    bool named = false;      // every column needs a name of its own (derived tables, views)
+    std::string owner;       // for messages: the derived table's alias
   };
+
+  /// Of a query that stands for itself.
+  static SelectOptions Ordered() {
+    SelectOptions options;
+    options.may_order = true;
+    return options;
+  }
 
   // translate_expression.cpp
   Typed Value(const Expression& expression, Scope& scope);
@@ -127,6 +141,8 @@ class Translator {
   /// The value, or error 515 for NULL.
   static std::string Required(const std::string& sql, const Column& column, const std::string& table);
   void Pin(const Expression& literal);
+  /// Pins every literal of an expression whose text decided something.
+  void PinAll(const Expression& expression);
   static std::string Collated(const Typed& value);
 
   // translate_function.cpp
@@ -161,7 +177,7 @@ class Translator {
   std::string AddTable(const TableSource& source, Scope& scope, bool optional);
   void AddSource(Scope& scope, Source source);
   std::string OrderBy(const std::vector<OrderItem>& items, Scope* scope, const Select* select,
-                      const std::vector<ResultColumn>& columns);
+                      const std::vector<ResultColumn>& columns, const std::vector<Typed>& values = {});
   std::string Limit(const Query& query, const Select* select, Scope& scope);
   void GroupBy(const Select& select, Scope& scope, std::string& sql);
   /// For `EXISTS (SELECT … FROM #keys WHERE key = outer.column …)`: the condition that the column is among the keys, ""
@@ -169,6 +185,8 @@ class Translator {
   std::string KeyListCondition(const Expression& condition, Scope& scope);
   void ExpandStar(const Expression& star, const Scope& scope, std::vector<Typed>& values,
                   std::vector<ResultColumn>& columns);
+  /// The first number of IDENTITY(type, seed, increment) in a select list.
+  std::int64_t IdentitySeed(const Expression& call);
   void CheckNames(const std::vector<ResultColumn>& columns, const std::string& owner);
   CatalogObjectPtr Lookup(const ObjectName& name);
   const CommonTableColumns* FindCommonTable(std::string_view name) const;
@@ -200,6 +218,7 @@ class Translator {
   int aggregate_depth_ = 0;
 };
 
+bool HasColumn(const Expression& expression);
 /// Whether the expression holds an aggregate of its own query level.
 bool HasAggregate(const Expression& expression);
 /// A text that is the same for expressions that mean the same, without regard to case.

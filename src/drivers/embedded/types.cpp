@@ -15,6 +15,9 @@ struct NamedType {
   FieldType kind;
 };
 
+constexpr std::string_view kSmallDateTime = "smalldatetime";
+constexpr std::string_view kDateTime2 = "datetime2";
+
 constexpr std::array kTypeNames = {
     NamedType{"bit", FieldType::kBit},
     NamedType{"tinyint", FieldType::kTinyInt},
@@ -40,8 +43,8 @@ constexpr std::array kTypeNames = {
     NamedType{"numeric", FieldType::kDecimal},
     NamedType{"dec", FieldType::kDecimal},
     NamedType{"smallmoney", FieldType::kMoney},
-    NamedType{"smalldatetime", FieldType::kDateTime},
-    NamedType{"datetime2", FieldType::kDateTime},
+    NamedType{kSmallDateTime, FieldType::kDateTime},
+    NamedType{kDateTime2, FieldType::kDateTime},
     NamedType{"character", FieldType::kChar},
     NamedType{"sysname", FieldType::kNVarChar},
     NamedType{"text", FieldType::kVarChar},
@@ -70,7 +73,7 @@ int IntegerDigits(FieldType kind) {
 int Precedence(const SqlType& type) {
   switch (type.kind) {
     case FieldType::kDateTime:
-      return 90;
+      return type.form() == DateForm::kDateTime2 ? 92 : type.form() == DateForm::kDateTime ? 90 : 88;
     case FieldType::kDate:
       return 85;
     case FieldType::kTime:
@@ -169,6 +172,9 @@ SqlType IntType() { return {FieldType::kInt, 0, 0, 0, false}; }
 SqlType BigIntType() { return {FieldType::kBigInt, 0, 0, 0, false}; }
 SqlType FloatType() { return {FieldType::kFloat, 0, 0, 0, false}; }
 SqlType DateTimeType() { return {FieldType::kDateTime, 0, 0, 0, false}; }
+SqlType DateTime2Type(int scale) {
+  return {FieldType::kDateTime, 0, static_cast<int>(DateForm::kDateTime2), scale, false};
+}
 SqlType BitType() { return {FieldType::kBit, 0, 0, 0, false}; }
 SqlType NullType() { return {FieldType::kInt, 0, 0, 0, true}; }
 SqlType DecimalType(int precision, int scale) { return MakeDecimal(precision, scale); }
@@ -219,22 +225,35 @@ SqlType ResolveType(const TypeName& name, bool in_cast) {
   } else if (type.kind == FieldType::kMoney) {
     type.precision = 19;
     type.scale = 4;
+  } else if (EqualsIgnoreCase(name.name, kSmallDateTime)) {
+    type.precision = static_cast<int>(DateForm::kSmallDateTime);
+  } else if (EqualsIgnoreCase(name.name, kDateTime2) || type.kind == FieldType::kTime) {
+    if (type.kind == FieldType::kDateTime) type.precision = static_cast<int>(DateForm::kDateTime2);
+    type.scale = name.length == -2 ? 7 : name.length;
+    if (type.scale < 0 || type.scale > 7) {
+      throw SqlError(1002, "Line 1: Specified scale " + std::to_string(type.scale) + " is invalid.", 15);
+    }
   }
   return type;
 }
 
-std::string_view TypeNameText(FieldType kind) {
-  const auto* found =
-      std::find_if(kTypeNames.begin(), kTypeNames.end(), [&](const NamedType& type) { return type.kind == kind; });
+std::string_view TypeNameText(const SqlType& type) {
+  if (type.kind == FieldType::kDateTime && type.form() != DateForm::kDateTime) {
+    return type.form() == DateForm::kDateTime2 ? kDateTime2 : kSmallDateTime;
+  }
+  const auto* found = std::find_if(kTypeNames.begin(), kTypeNames.end(),
+                                   [&](const NamedType& named) { return named.kind == type.kind; });
   return found == kTypeNames.end() ? std::string_view{} : found->name;
 }
 
 std::string TypeText(const SqlType& type) {
-  std::string text(TypeNameText(type.kind));
+  std::string text(TypeNameText(type));
   if (type.is_text() || type.is_binary()) {
     text += type.size == 0 ? "(max)" : "(" + std::to_string(type.size) + ")";
   } else if (type.kind == FieldType::kDecimal) {
     text += "(" + std::to_string(type.precision) + ", " + std::to_string(type.scale) + ")";
+  } else if (type.kind == FieldType::kTime || (type.kind == FieldType::kDateTime && !type.is_old_date())) {
+    text += "(" + std::to_string(type.scale) + ")";
   }
   return text;
 }
@@ -313,6 +332,10 @@ SqlType CommonType(const SqlType& a, const SqlType& b) {
     const int scale = std::max(x.scale, y.scale);
     return Fit(std::max(x.precision - x.scale, y.precision - y.scale) + scale, scale);
   }
+  if (high.kind == FieldType::kDateTime && !high.is_old_date() && low.is_date()) {
+    constexpr int kPlacesOfDateTime = 3;
+    high.scale = std::max(high.scale, low.is_old_date() ? kPlacesOfDateTime : low.scale);
+  }
   if (high.is_integer()) high.precision = 0;
   return high;
 }
@@ -320,11 +343,8 @@ SqlType CommonType(const SqlType& a, const SqlType& b) {
 SqlType ArithmeticType(BinaryOp op, const SqlType& a, const SqlType& b) {
   if (a.is_float() || b.is_float()) return FloatType();
   if (a.is_integer() && b.is_integer()) {
-    SqlType type = CommonType(a, b);
-    if (type.kind == FieldType::kBit || type.kind == FieldType::kTinyInt || type.kind == FieldType::kSmallInt) {
-      return IntType();
-    }
-    return type;
+    const SqlType type = CommonType(a, b);
+    return type.kind == FieldType::kBit ? IntType() : type;
   }
   const SqlType x = AsDecimal(a);
   const SqlType y = AsDecimal(b);
@@ -351,8 +371,10 @@ Field ToField(const std::string& name, const SqlType& type, bool nullable) {
   field.name = name;
   field.type = type.kind;
   field.size = type.size;
-  field.precision = type.precision;
-  field.scale = type.scale;
+  if (type.is_exact()) {
+    field.precision = type.precision;
+    field.scale = type.scale;
+  }
   field.nullable = nullable;
   return field;
 }

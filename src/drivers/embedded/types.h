@@ -19,11 +19,20 @@ enum class Storage : std::uint8_t {
   kBlob,
 };
 
+/// Which of the types of FieldType::kDateTime it is.
+enum class DateForm : std::uint8_t {
+  kDateTime,       // 1753 to 9999, in steps of 1/300 s
+  kSmallDateTime,  // 1900-01-01 to 2079-06-06, in minutes
+  kDateTime2,      // years 1 to 9999, `scale` decimal places of a second; milliseconds are kept
+};
+
 struct SqlType {
   FieldType kind = FieldType::kInt;
   /// Characters (UTF-16 units; bytes of a double-byte code page for char and varchar), or bytes; 0 is (max).
   int size = 0;
+  /// Of exact numbers; of date-times the form.
   int precision = 0;
+  /// Of exact numbers, datetime2 and time: decimal places.
   int scale = 0;
   /// The type of NULL itself, which takes any other's place.
   bool untyped_null = false;
@@ -37,6 +46,11 @@ struct SqlType {
   [[nodiscard]] bool is_float() const noexcept { return kind == FieldType::kFloat || kind == FieldType::kReal; }
   [[nodiscard]] bool is_number() const noexcept { return is_integer() || is_exact() || is_float(); }
   [[nodiscard]] bool is_date() const noexcept;
+  [[nodiscard]] DateForm form() const noexcept { return static_cast<DateForm>(precision); }
+  /// datetime or smalldatetime, the types that numbers can be added to.
+  [[nodiscard]] bool is_old_date() const noexcept {
+    return kind == FieldType::kDateTime && form() != DateForm::kDateTime2;
+  }
   [[nodiscard]] bool is_binary() const noexcept { return kind == FieldType::kBinary || kind == FieldType::kVarBinary; }
   /// Text of the national types: Unicode.
   [[nodiscard]] bool is_national() const noexcept { return kind == FieldType::kNChar || kind == FieldType::kNVarChar; }
@@ -48,6 +62,7 @@ SqlType IntType();
 SqlType BigIntType();
 SqlType FloatType();
 SqlType DateTimeType();
+SqlType DateTime2Type(int scale);
 SqlType BitType();
 SqlType NullType();
 SqlType DecimalType(int precision, int scale);
@@ -62,7 +77,7 @@ SqlType ResolveType(const TypeName& name, bool in_cast);
 /// As it is written: "nvarchar(50)", "decimal(18, 4)".
 std::string TypeText(const SqlType& type);
 /// Only the name: "nvarchar".
-std::string_view TypeNameText(FieldType kind);
+std::string_view TypeNameText(const SqlType& type);
 /// The type that `TypeText` wrote.
 SqlType ParseTypeText(std::string_view text);
 

@@ -34,7 +34,7 @@ class ConnectionContract : public testing::TestWithParam<Reach> {
   /// Every result, message and error, in order.
   std::vector<std::string> EventsOf(std::string_view batch) {
     std::vector<std::string> events;
-    SetMessageObserver([&](std::string_view text) { events.push_back("says  " + std::string(text)); });
+    SetMessageObserver([&](std::string_view text) { events.push_back("says " + std::string(text)); });
     try {
       connection_->ExecuteAll(batch, [&](const RecordsetPtr& rows) { events.push_back(TextOf(rows)); });
     } catch (const Error& error) {

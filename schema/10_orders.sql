@@ -91,6 +91,11 @@ ALTER TABLE IC_Web2ERPOrders ADD
   fisLocalChangeAddr int NOT NULL DEFAULT 0;               -- 1 = changed
 GO
 
+-- t_User who printed the waybill last, 0 = none.
+IF COL_LENGTH('IC_Web2ERPOrders', 'FPrintExpressUserID') IS NULL
+ALTER TABLE IC_Web2ERPOrders ADD FPrintExpressUserID int NOT NULL DEFAULT 0;
+GO
+
 -- Order line.
 IF OBJECT_ID('IC_Web2ERPOrdersEntry') IS NULL
 CREATE TABLE IC_Web2ERPOrdersEntry (

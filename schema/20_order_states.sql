@@ -14,9 +14,7 @@ CREATE TABLE IC_PrintOrderInfo (
   FID int NOT NULL PRIMARY KEY,
   FIsPrintPick int NOT NULL DEFAULT 0,                     -- pick list
   FIsPrintExpress int NOT NULL DEFAULT 0,                  -- waybill
-  FIsPrintSend int NOT NULL DEFAULT 0,                     -- delivery slip
-  FPrintExpressUserID int NOT NULL DEFAULT 0,
-  FPrintExpressCount int NOT NULL DEFAULT 0);
+  FIsPrintSend int NOT NULL DEFAULT 0);                    -- delivery slip
 GO
 
 -- Orders with a refund under way; an order without a row has none.

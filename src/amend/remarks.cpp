@@ -10,7 +10,7 @@ struct clsSaveData::RemarkChange {
   std::string_view source;
   /// The key of the new remark, and the column.
   std::string_view field;
-  /// What stands in the update before the new remark.
+  /// The assignment, with {remark} for the new remark.
   std::string_view replace;
   std::string_view append = {};
   /// Whether the new remark is added behind the old one and a backslash.
@@ -20,24 +20,25 @@ struct clsSaveData::RemarkChange {
 bool clsSaveData::OrderRemark(const Dictionary* dctPara) {
   return ChangeRemark(dctPara, {.source = "OrderRemark",
                                 .field = "FSellerMessage",
-                                .replace = "SET    FSellerMessage ='",
-                                .append = "SET    FSellerMessage = FSellerMessage + '\\",
+                                .replace = "SET    FSellerMessage ='{remark}'\r\n",
+                                .append = "SET    FSellerMessage = FSellerMessage + '\\{remark}'\r\n",
                                 .appends = [](const Parameters& parameters) {
                                   return parameters.HasText("Mode") && !parameters.IsNumber("Mode", 0);
                                 }});
 }
 
 bool clsSaveData::DeRemark(const Dictionary* dctPara) {
-  return ChangeRemark(dctPara,
-                      {.source = "OrderRemark", .field = "FDeliveryRemark", .replace = "SET    FDeliveryRemark ='"});
+  return ChangeRemark(
+      dctPara,
+      {.source = "OrderRemark", .field = "FDeliveryRemark", .replace = "SET    FDeliveryRemark ='{remark}'\r\n"});
 }
 
 bool clsSaveData::DeliveryRemark(const Dictionary* dctPara) {
   return ChangeRemark(dctPara,
                       {.source = "OrderRemark",
                        .field = "FShippingRem",
-                       .replace = "SET    FShippingRem ='",
-                       .append = "SET    FShippingRem = FShippingRem + '\\",
+                       .replace = "SET    FShippingRem ='{remark}'\r\n",
+                       .append = "SET    FShippingRem = FShippingRem + '\\{remark}'\r\n",
                        .appends = [](const Parameters& parameters) { return parameters.IsNumber("Mode", 1); }});
 }
 
@@ -49,7 +50,7 @@ bool clsSaveData::ChangeRemark(const Dictionary* dctPara, const RemarkChange& ch
     for (const std::string_view order : SplitKeys(call.orders)) WriteSaveOrderLog(order, "0", change.field, remark);
     TextBuilder text;
     text.Line("Update IC_Web2ERPOrders ");
-    text.Line(appends ? change.append : change.replace, remark, "'");
+    text.Append(appends ? change.append : change.replace, {{"remark", remark}});
     text.Line("Where FID in (", call.orders, ")");
     call.connection.Execute(text.GetText());
     return true;

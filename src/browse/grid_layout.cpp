@@ -96,7 +96,7 @@ std::string clsGetData::GetListBySQL(std::string_view sDsn, std::string_view sFK
     TextBuilder text;
     text.Line("SELECT FLookUpList,FSRCFieldName,FDSPFieldName");
     text.Line("FROM   ICClassTableInfo ");
-    text.Line("WHERE FClassTypeID=", parts[0], " AND FKey='", parts[1], "'");
+    text.Append("WHERE FClassTypeID={class_type} AND FKey='{key}'\r\n", {{"class_type", parts[0]}, {"key", parts[1]}});
     const RecordsetPtr field = connection.Query(text.GetText());
     if (field->eof()) return {};
     const std::string list = field->Get("FLookUpList").ToText();

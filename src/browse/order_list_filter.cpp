@@ -11,17 +11,17 @@ void AppendDates(TextBuilder& where, const Parameters& filter) {
     std::string_view key;
     std::string_view clause;
   } dates[] = {
-      {"FOrderDateFrom", " AND t1.FOrderDate >='"},
-      {"FOrderDateTo", " AND t1.FOrderDate <='"},
-      {"FSitePayDateFrom", " AND t1.FSitePayDate >='"},
-      {"FSitePayDateTo", " AND t1.FSitePayDate <='"},
-      {"FShipDateFrom", " AND convert(varchar(20),t1.FOnlineSendDate,120) >='"},
-      {"FShipDateTo", " AND convert(varchar(20),t1.FOnlineSendDate,120) <='"},
-      {"FSendDateFrom", " AND convert(varchar(20),t1.FSendDate,120) >='"},
-      {"FSendDateTo", " AND convert(varchar(20),t1.FSendDate,120) <='"},
+      {"FOrderDateFrom", " AND t1.FOrderDate >='{value}'\r\n"},
+      {"FOrderDateTo", " AND t1.FOrderDate <='{value}'\r\n"},
+      {"FSitePayDateFrom", " AND t1.FSitePayDate >='{value}'\r\n"},
+      {"FSitePayDateTo", " AND t1.FSitePayDate <='{value}'\r\n"},
+      {"FShipDateFrom", " AND convert(varchar(20),t1.FOnlineSendDate,120) >='{value}'\r\n"},
+      {"FShipDateTo", " AND convert(varchar(20),t1.FOnlineSendDate,120) <='{value}'\r\n"},
+      {"FSendDateFrom", " AND convert(varchar(20),t1.FSendDate,120) >='{value}'\r\n"},
+      {"FSendDateTo", " AND convert(varchar(20),t1.FSendDate,120) <='{value}'\r\n"},
   };
   for (const auto& date : dates) {
-    if (filter.Has(date.key)) where.Line(date.clause, FormatDateTime(filter.Value(date.key)), "'");
+    if (filter.Has(date.key)) where.Append(date.clause, {{"value", FormatDateTime(filter.Value(date.key))}});
   }
 }
 
@@ -29,18 +29,17 @@ void AppendValues(TextBuilder& where, const Parameters& filter) {
   const struct {
     std::string_view key;
     std::string_view clause;
-    std::string_view end;
   } values[] = {
-      {"FOrderFlag", " AND t1.FOrderFlag ='", "'"},
-      {"FUpLoadStatus", " AND t1.FUpLoadStatus =", ""},
-      {"FSiteID", " AND t1.FWebshopID ='", "'"},
-      {"FOrderType", " AND t1.FOrderType =", ""},
-      {"FIsPrintSend", " AND isnull(t28.FIsPrintSend,0) =", ""},
-      {"FIsPrintExpress", " AND isnull(t28.FIsPrintExpress,0) =", ""},
-      {"FLogisticsID", " AND t14.FItemID ='", "'"},
+      {"FOrderFlag", " AND t1.FOrderFlag ='{value}'\r\n"},
+      {"FUpLoadStatus", " AND t1.FUpLoadStatus ={value}\r\n"},
+      {"FSiteID", " AND t1.FWebshopID ='{value}'\r\n"},
+      {"FOrderType", " AND t1.FOrderType ={value}\r\n"},
+      {"FIsPrintSend", " AND isnull(t28.FIsPrintSend,0) ={value}\r\n"},
+      {"FIsPrintExpress", " AND isnull(t28.FIsPrintExpress,0) ={value}\r\n"},
+      {"FLogisticsID", " AND t14.FItemID ='{value}'\r\n"},
   };
   for (const auto& value : values) {
-    if (filter.HasText(value.key)) where.Line(value.clause, filter.Text(value.key), value.end);
+    if (filter.HasText(value.key)) where.Append(value.clause, {{"value", filter.Text(value.key)}});
   }
 }
 

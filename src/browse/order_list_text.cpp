@@ -89,8 +89,8 @@ void AppendOrderColumns(TextBuilder& text, std::string_view row_limit, std::stri
         CASE t28.FIsPrintPick WHEN 1 THEN 'Y' WHEN 0 THEN '' ELSE '打印中' END AS FIsPrintPick ,
         CASE t28.FIsPrintExpress WHEN 1 THEN 'Y' WHEN 0 THEN '' ELSE '打印中' END AS FIsPrintExpress ,
         CASE t28.FIsPrintSend WHEN 1 THEN 'Y' WHEN 0 THEN '' ELSE '打印中' END AS FIsPrintSend ,
-        t28.FPrintExpressUserID ,
-        ISNULL(t28.FPrintExpressCount,0) AS FPrintExpressCount ,
+        t1.FPrintExpressUserID ,
+        ISNULL(t1.FPrintExpressCount,0) AS FPrintExpressCount ,
         CASE t1.FUpLoadStatus WHEN 0 THEN '未上传' WHEN 1 THEN '上传成功' WHEN 2 THEN '上传失败' WHEN 3 THEN '上传中' END AS FUpLoadStatus ,
         CASE t1.FWeighttingStatus WHEN 1 THEN 'Y' ELSE '' END AS FWeighttingStatus ,
         t17.FName AS FWeighttingMan ,
@@ -117,7 +117,7 @@ void AppendOrderColumns(TextBuilder& text, std::string_view row_limit, std::stri
         CASE t22.FIsLock WHEN 1 THEN 'Y' ELSE '' END AS FIsLock ,
         t22.FLockReason ,
         t29.FName AS FCurrencyID ,
-        FDeliveryTime ,
+        t1.FDeliveryTime ,
         t22.FTplOrderID
 )"_sql,
               {{"caption", caption_column}});

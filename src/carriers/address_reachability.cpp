@@ -74,18 +74,20 @@ std::vector<Combination> Combinations(Connection& connection, std::string_view o
 void Remember(Connection& connection, const std::vector<Combination>& combinations) {
   ExecuteInBatches(connection, combinations, [](TextBuilder& text, const Combination& combination) {
     const auto& [province, city, district, carrier] = combination;
+    const std::initializer_list<Spliced> values = {
+        {"province", province}, {"city", city}, {"district", district}, {"carrier", carrier}};
     TextBuilder condition;
     condition.Append(
-        "{province}' and FDeliveryCity='{city}' and FDeliveryDistrict='{district}' and FNumber='{carrier}'",
-        {{"province", province}, {"city", city}, {"district", district}, {"carrier", carrier}});
-    text.Line(" IF EXISTS ( select 1 from IC_SaveAddressReachableInfo where FDeliveryProvince ='", condition.GetText(),
-              ") ");
-    text.Line("    BEGIN  update IC_SaveAddressReachableInfo set FArrive =1 where FDeliveryProvince ='",
-              condition.GetText(), " END ");
-    text.Line(
+        "FDeliveryProvince ='{province}' and FDeliveryCity='{city}' and FDeliveryDistrict='{district}' and "
+        "FNumber='{carrier}'",
+        values);
+    text.Line(" IF EXISTS ( select 1 from IC_SaveAddressReachableInfo where ", condition.GetText(), ") ");
+    text.Line("    BEGIN  update IC_SaveAddressReachableInfo set FArrive =1 where ", condition.GetText(), " END ");
+    text.Append(
         "    ELSE BEGIN insert "
-        "IC_SaveAddressReachableInfo(FDeliveryProvince,FDeliveryCity,FDeliveryDistrict,FNumber,FArrive)  values ('",
-        province, "','", city, "','", district, "','", carrier, "',1) END ");
+        "IC_SaveAddressReachableInfo(FDeliveryProvince,FDeliveryCity,FDeliveryDistrict,FNumber,FArrive)  values "
+        "('{province}','{city}','{district}','{carrier}',1) END \r\n",
+        values);
   });
 }
 

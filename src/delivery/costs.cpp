@@ -57,8 +57,8 @@ bool clsSaveData::SetUpLogisticsNumber(std::string_view sDsn, const Dictionary* 
   return CallOperation(State(), "Delivery", sDsn, [&](Connection& connection) {
     TextBuilder text;
     for (const auto& [unique_code, number] : *dctPara) {
-      text.Line("UPDATE IC_Web2ERPOrders SET FLogisticsOrder = '", number.ToText(),
-                "' WHERE FUniqueCode =", unique_code);
+      text.Append("UPDATE IC_Web2ERPOrders SET FLogisticsOrder = '{number}' WHERE FUniqueCode ={unique_code}\r\n",
+                  {{"number", number.ToText()}, {"unique_code", unique_code}});
     }
     connection.Execute(text.GetText());
     return true;

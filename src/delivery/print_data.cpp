@@ -11,7 +11,7 @@ namespace tessarlorn {
 namespace {
 
 struct PrintType {
-  std::string_view id;
+  std::int32_t id;
   /// Reads the type's limit.
   std::string_view condition;
   /// The order's column that counts its prints.
@@ -20,16 +20,17 @@ struct PrintType {
 
 /// Pick list, delivery note, waybill, delivery list.
 constexpr std::array kPrintTypes = {
-    PrintType{"10143011", "Where FID = 10143011", "FPrintPickCount"},
-    PrintType{"10143012", "Where FID = 10143012", "FPrintSendCount"},
-    PrintType{"10143013", "Where FID = 10143013", "FPrintExpressCount"},
-    PrintType{"10143014", "Where FID = 10143014", "FPrintSendList"},
+    PrintType{10143011, "Where FID = 10143011", "FPrintPickCount"},
+    PrintType{10143012, "Where FID = 10143012", "FPrintSendCount"},
+    PrintType{10143013, "Where FID = 10143013", "FPrintExpressCount"},
+    PrintType{10143014, "Where FID = 10143014", "FPrintSendList"},
 };
 
 const PrintType* FindPrintType(const Parameters& parameters) {
-  const std::string id = parameters.Text("PrintID");
+  const Variant& id = parameters.Value("PrintID");
+  if (!IsNumeric(id)) return nullptr;
   const auto* const found =
-      std::find_if(kPrintTypes.begin(), kPrintTypes.end(), [&](const PrintType& type) { return type.id == id; });
+      std::find_if(kPrintTypes.begin(), kPrintTypes.end(), [&](const PrintType& type) { return id.Equals(type.id); });
   return found == kPrintTypes.end() ? nullptr : found;
 }
 

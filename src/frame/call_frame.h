@@ -6,6 +6,7 @@
 #include <string_view>
 #include <type_traits>
 
+#include "frame/text_builder.h"
 #include "platform/error.h"
 #include "platform/session.h"
 
@@ -47,6 +48,7 @@ auto CallOperation(InstanceState instance, std::string_view source, std::string_
   return UnderSource(source, [&] {
     if (old_session == OldSession::kReset) instance.session->Reset();
     OpenSession(instance, dsn);
+    const EscapeTexts escape(instance.context.escapes_texts());
     return body(instance.session->GetConnection());
   });
 }

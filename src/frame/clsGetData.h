@@ -23,8 +23,13 @@ namespace tessarlorn {
 /// empty. Dictionary arguments may be nullptr, which is Nothing. A failure is raised as `Error`, with the database's
 /// number and description and the operation's bare name as Source, unless another is named.
 ///
-/// Recordsets stay attached to their connection, unless said otherwise, and stand on their first row. Values go into
-/// the SQL as they are given, lists of order keys ("12,15") included; texts are not escaped.
+/// Recordsets stay attached to their connection, unless said otherwise, and stand on their first row.
+///
+/// Values go into the SQL as they are given. Texts stand between quotes there and are not escaped, unless the
+/// connection string says `Escape=Yes`: then their single quotes are doubled, also those of texts that come out of the
+/// database. The key does not change what is SQL: numbers and lists of order keys ("12,15"); StrSql; in the order
+/// list's filter AdvancedFilter, FGoodsCount, FEntryCount, icboTpl, icboCainiao and OtherFilterOne; the class type in
+/// sFKey; names of work tables; the names and lists of fields in ICClassTableInfo.
 class clsGetData {
  public:
   clsGetData();
@@ -122,9 +127,9 @@ class clsGetData {
   /// "TessarLornPickingAndDelivery.clsGetData.GetPrintRecordsetForDelivery".
   RecordsetPtr GetPrintRecordsetForDelivery(const Dictionary* dctParam);
   /// Those of the orders FID that were printed as often as the type of print allows, or more: FOrderID, FUniqueCode,
-  /// the type's counter under its column name, FPrintMaxCount. PrintID is the type: 10143011 pick list, 10143012
-  /// delivery note, 10143013 waybill, 10143014 delivery list. Empty without sDSN or FID, for any other type, and for
-  /// one that is not limited.
+  /// the type's counter under its column name, FPrintMaxCount. PrintID is the type, a number or a text that reads as
+  /// one: 10143011 pick list, 10143012 delivery note, 10143013 waybill, 10143014 delivery list. Empty without sDSN or
+  /// FID, for any other type, and for one that is not limited.
   Vector GetOverMaxPrintCountBillInfo(const Dictionary* dctPara);
 
   // Weights and costs.
@@ -156,8 +161,8 @@ class clsGetData {
   /// there into IC_UploadWebOrderIndicator, none twice; then the page's orders get fstatus 1 in the run's table, which
   /// is named in strFids. A page of which an order has fstatus 1 in pageTable is done: nothing happens, and it is True.
   /// The SQL joins the page as `pageTable`: the table has that name, or its name is followed by that alias
-  /// ("Page7 pageTable"). Text values are quoted, not escaped. False without strDSN or pageTable. Braces in strDSN mean
-  /// what they mean in any connection string; no object is kept for what stands in them.
+  /// ("Page7 pageTable"). False without strDSN or pageTable. Braces in strDSN mean what they mean in any connection
+  /// string; no object is kept for what stands in them.
   /// Source "TessarLornPickingAndDelivery.clsGetData.GetUploadDataByTab".
   bool GetUploadDataByTab(std::string_view strDSN, std::string_view pageTable, std::string_view strFids,
                           std::string_view strTempTable, std::string_view sNewID);
@@ -165,8 +170,9 @@ class clsGetData {
   /// sDsn. Source "TessarLornPickingAndDelivery.clsGetData.isRunUploadOrder".
   bool isRunUploadOrder(std::string_view sDsn);
   /// Whether other orders than FID have lines of the marketplace order SiteOrderID. If so, the child orders of FID's
-  /// own lines, with commas between them, go behind what ChildOrderIDs holds. False, ChildOrderIDs untouched, without
-  /// strDSN or with FID 0. Source "TessarMWebOrder.TessarMWebOrderInfo.GetSortRs".
+  /// own lines, with commas between them, go behind what ChildOrderIDs holds; one comma at the end of the whole is
+  /// dropped. False, ChildOrderIDs untouched, without strDSN or with FID 0. Source
+  /// "TessarMWebOrder.TessarMWebOrderInfo.GetSortRs".
   bool GetSplitChrildOrderIDs(std::string_view strDSN, std::int32_t FID, std::string_view SiteOrderID,
                               Variant& ChildOrderIDs);
   /// Whether the orders strIDs are all of web shops of one type, which WebShopType then is; 0 when none of them has a

@@ -21,7 +21,10 @@ namespace tessarlorn {
 /// which is Nothing. False never stands for a failure: that is raised as `Error`, with the database's number and
 /// description and the Source that the operation names. Without one named, the Source is the operation's bare name.
 ///
-/// Values go into the SQL as they are given, lists of order keys ("12,15") included; texts are not escaped.
+/// Values go into the SQL as they are given. Texts stand between quotes there and are not escaped, unless the
+/// connection string says `Escape=Yes`: then their single quotes are doubled, also those of texts that come out of the
+/// database. The key does not change what is SQL: numbers, unique codes and lists of order keys ("12,15"), and the
+/// condition sFiter. Nor does it change what the log operations get: the web-order component makes its own SQL.
 class clsSaveData {
  public:
   clsSaveData();
@@ -108,7 +111,8 @@ class clsSaveData {
   /// an empty list changes nothing and is True.
   bool SaveLogWeight(std::string_view sDsn, const Vector* vctPara);
   /// Marks the orders FID as weighed by UserID and, with AsyncCreate True, queues their stock bills as
-  /// UpdateDeliveryData does. Needs FID and AsyncCreate.
+  /// UpdateDeliveryData does. Needs FID and AsyncCreate. Raises 13 for an AsyncCreate that is neither a Boolean nor a
+  /// number, with the session open and nothing stored.
   /// Source "TessarLornPickingAndDelivery.clsSaveData.UpdateLogisticsWeightStatus".
   bool UpdateLogisticsWeightStatus(std::string_view sDsn, const Dictionary* dctPara);
 
@@ -157,13 +161,14 @@ class clsSaveData {
 
   /// Replaces the seller's remark of the orders FID by FSellerMessage or, with a Mode other than 0, adds it behind the
   /// old one and a backslash; an absent or empty Mode replaces. Needs sDSN, FID and FSellerMessage. Each order's field
-  /// log is written first. Raises 13, before that, for a Mode that is no number.
+  /// log is written first. Raises 13 for a Mode that is no number, with the session open and nothing stored.
   bool OrderRemark(const Dictionary* dctPara);
   /// Replaces the delivery wishes of the orders FID by FDeliveryRemark, which it needs besides sDSN and FID. Each
   /// order's field log is written first. Source "OrderRemark".
   bool DeRemark(const Dictionary* dctPara);
   /// Replaces the delivery remark of the orders FID by FShippingRem or, with Mode 1, adds it behind the old one and a
-  /// backslash. Needs sDSN, FID and FShippingRem. Each order's field log is written first. Source "OrderRemark".
+  /// backslash. Needs sDSN, FID and FShippingRem. Each order's field log is written first. Raises 13 for a Mode that is
+  /// no number, with the session open and nothing stored. Source "OrderRemark".
   bool DeliveryRemark(const Dictionary* dctPara);
   /// Stores consignee, postal code, telephone numbers and address of the order FID: FConsignee, FZipCode, FTelephone,
   /// FMobile, FDeliveryProvince, FDeliveryCity, FDeliveryDistrict, FDeliveryAddress; an absent one is stored as "". The

@@ -54,14 +54,29 @@ class Spliced {
   std::size_t length_ = 0;
 };
 
-/// Append-only text. Values are spliced as they are: nothing is quoted, doubled or checked.
+/// While it lives, the single quotes of texts that this thread splices between quotes are doubled, or not. The frame
+/// makes one for each call, as the session string's key Escape says; without one they are not.
+class EscapeTexts {
+ public:
+  explicit EscapeTexts(bool on) noexcept;
+  EscapeTexts(const EscapeTexts&) = delete;
+  EscapeTexts& operator=(const EscapeTexts&) = delete;
+  ~EscapeTexts();
+
+ private:
+  bool before_;
+};
+
+/// Append-only text. Values are spliced as they are: nothing is quoted or checked, and nothing is doubled but what
+/// EscapeTexts asks for.
 class TextBuilder {
  public:
   void Append(std::string_view text) { text_ += text; }
-  /// Appends a block with the values in place of their `{name}`s. Raises 51 "Internal error" for a name that no value
-  /// has.
+  /// Appends a block with the values in place of their `{name}`s. A value whose `{name}` stands between single quotes
+  /// of the block (`FName = '{name}'`) is a text, to which EscapeTexts applies; any other is SQL. Every text goes this
+  /// way, so that no other place has to think of quotes. Raises 51 "Internal error" for a name that no value has.
   void Append(std::string_view block, std::initializer_list<Spliced> values);
-  /// Appends the pieces and CR LF.
+  /// Appends the pieces, which are SQL, and CR LF.
   template <typename... Pieces>
   void Line(const Pieces&... pieces) {
     (text_.append(std::string_view(pieces)), ...);

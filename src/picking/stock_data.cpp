@@ -18,8 +18,10 @@ bool clsSaveData::SaveBatchNo(std::string_view sDsn, const Vector* vctPara) {
       const auto unquoted = [&line](std::string_view key) { return ReplaceAll(line.Text(key), "'", ""); };
       const std::string batch = unquoted("FBatchNo");
       const std::string entry = line.Text("FEntryID", "0");
-      text.Line("UPDATE IC_Web2ERPOrdersEntry SET FBatchNo = '", batch, "',FStockID = '", unquoted("FStockID"),
-                "',FSPID = '", unquoted("SPID"), "' WHERE FEntryID = ", entry);
+      text.Append(
+          "UPDATE IC_Web2ERPOrdersEntry SET FBatchNo = '{batch}',FStockID = '{stock}',FSPID = '{place}' WHERE FEntryID "
+          "= {entry}\r\n",
+          {{"batch", batch}, {"stock", unquoted("FStockID")}, {"place", unquoted("SPID")}, {"entry", entry}});
       WriteSaveOrderLog("", entry, "FBatchNo", batch);
     }
     connection.Execute(text.GetText());

@@ -99,7 +99,10 @@ struct SessionFactory::State {
 };
 
 SessionContext::SessionContext(const SessionString& session)
-    : language_(session.language), caller_info_("User=" + std::to_string(session.user)), client_(session.client) {}
+    : language_(session.language),
+      caller_info_("User=" + std::to_string(session.user)),
+      client_(session.client),
+      escapes_texts_(session.escape) {}
 
 DataSession::~DataSession() { Reset(); }
 

@@ -22,11 +22,14 @@ class SessionContext {
   [[nodiscard]] const std::string& GetCallerInfo() const noexcept { return caller_info_; }
   /// The client address that the session string names, "" when none.
   [[nodiscard]] const std::string& client() const noexcept { return client_; }
+  /// Whether single quotes are doubled in the texts that operations put between quotes (`Escape=Yes`).
+  [[nodiscard]] bool escapes_texts() const noexcept { return escapes_texts_; }
 
  private:
   std::string language_ = "CHS";
   std::string caller_info_ = "User=0";
   std::string client_;
+  bool escapes_texts_ = false;
 };
 
 class SessionFactory;

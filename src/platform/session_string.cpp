@@ -90,6 +90,12 @@ std::int32_t ReadUser(const std::string& text) {
   return user;
 }
 
+bool ReadYesOrNo(std::string_view key, const std::string& text) {
+  const bool yes = EqualsIgnoreCase(text, "Yes");
+  if (!yes && !EqualsIgnoreCase(text, "No")) RaiseFault(std::string(key) + "=" + text + " is neither Yes nor No");
+  return yes;
+}
+
 }  // namespace
 
 std::vector<std::pair<std::string, std::string>> ParsePairs(std::string_view text) {
@@ -115,6 +121,8 @@ SessionString ParseSessionString(std::string_view text) {
       if (!value.empty()) session.language = value;
     } else if (name == "client") {
       session.client = value;
+    } else if (name == "escape") {
+      session.escape = ReadYesOrNo(key, value);
     } else {
       RaiseFault("unknown key " + key);
     }

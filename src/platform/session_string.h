@@ -19,10 +19,12 @@ struct SessionString {
   std::string language = "CHS";
   /// Address of the client machine, "" when none.
   std::string client;
+  /// Whether single quotes are doubled in the texts that operations put between quotes.
+  bool escape = false;
 };
 
 /// Raises 0x80040E4D with a text that names the fault: an unknown or doubled key, a key without "=", an unclosed brace,
-/// a user id that is no 32-bit number, an empty database string.
+/// a user id that is no 32-bit number, an Escape that is neither Yes nor No, an empty database string.
 SessionString ParseSessionString(std::string_view text);
 
 /// Splits `Key=value;…` into pairs in their order; a value may stand in braces, `}}` in it is a brace. Blanks around

@@ -38,8 +38,8 @@ bool clsSaveData::UploadStatusFailure(const Dictionary* dctPara) {
     for (const Variant& item : *failures) {
       const std::shared_ptr<Dictionary> failure = ItemDictionary(item);
       const Parameters order(failure.get());
-      text.Line("UPDATE IC_Web2ERPOrders SET FUpLoadStatus =0,FReasonsForFailure = '",
-                ReplaceAll(order.Text("FailureInfo"), "'", ""), "' WHERE FID = ", order.Text("FailureFID", "0"));
+      text.Append("UPDATE IC_Web2ERPOrders SET FUpLoadStatus =0,FReasonsForFailure = '{reason}' WHERE FID = {FID}\r\n",
+                  {{"reason", ReplaceAll(order.Text("FailureInfo"), "'", "")}, {"FID", order.Text("FailureFID", "0")}});
     }
     if (!text.empty()) connection.Execute(text.GetText());
     return true;

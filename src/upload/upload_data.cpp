@@ -56,12 +56,20 @@ bool IsPageDone(Connection& connection, std::string_view page_table) {
 
 /// Inserts the item as a row that waits for its upload and has no error.
 void AppendTaskRow(TextBuilder& text, std::string_view table, std::string_view task, const UploadItem& item) {
-  text.Line(" INSERT INTO  ", table,
-            "( FTaskID,FSiteOrderID,FChildIDs,FIsSplit,FWebshopID, FLogisticsNumber,FLogisticsOrder,FOrderID,FID,"
-            "FUpStatus, FError)",
-            " VALUES  ( '", task, "','", item.site_order, "','", item.child_orders, "',", item.split ? "1" : "0", ",'",
-            item.web_shop.ToText(), "','", item.carrier_code.ToText(), "','", item.waybill, "','", item.order_number,
-            "',", item.order_key.ToText(), ",", "0", ",'", "", "')");
+  text.Append(
+      " INSERT INTO  {table}( FTaskID,FSiteOrderID,FChildIDs,FIsSplit,FWebshopID, FLogisticsNumber,FLogisticsOrder,"
+      "FOrderID,FID,FUpStatus, FError) VALUES  ( '{task}','{site_order}','{child_orders}',{split},'{web_shop}',"
+      "'{carrier}','{waybill}','{number}',{key},0,'')\r\n",
+      {{"table", table},
+       {"task", task},
+       {"site_order", item.site_order},
+       {"child_orders", item.child_orders},
+       {"split", item.split ? "1" : "0"},
+       {"web_shop", item.web_shop.ToText()},
+       {"carrier", item.carrier_code.ToText()},
+       {"waybill", item.waybill},
+       {"number", item.order_number},
+       {"key", item.order_key.ToText()}});
 }
 
 /// Copies the page's task rows into the persistent list, none twice, and marks its orders as done in the run.

@@ -25,15 +25,19 @@ bool clsGetData::GetSplitChrildOrderIDs(std::string_view strDSN, std::int32_t FI
   constexpr std::string_view kSource = "TessarMWebOrder.TessarMWebOrderInfo.GetSortRs";
   if (strDSN.empty() || FID == 0) return false;
   return CallOperation(State(), kSource, strDSN, [&](Connection& connection) {
-    const auto child_orders = [&](std::string_view orders) {
+    const auto child_orders = [&](std::string_view comparison) {
       TextBuilder text;
-      text.Line(" SELECT FChildOrderID FROM IC_Web2ERPOrdersEntry where FSiteOrderID='", SiteOrderID, orders,
-                Variant(FID).ToText());
+      text.Append(
+          " SELECT FChildOrderID FROM IC_Web2ERPOrdersEntry where FSiteOrderID='{site_order}' and FID {comparison} "
+          "{FID}\r\n",
+          {{"site_order", SiteOrderID}, {"comparison", comparison}, {"FID", FID}});
       return connection.Query(text.GetText());
     };
-    if (child_orders("' and FID <> ")->eof()) return false;
+    if (child_orders("<>")->eof()) return false;
     // What the caller passed in stays in front.
-    ChildOrderIDs = ChildOrderIDs.ToText() + JoinColumn(child_orders("' and FID = "), "FChildOrderID");
+    std::string children = ChildOrderIDs.ToText() + JoinColumn(child_orders("="), "FChildOrderID");
+    if (children.ends_with(',')) children.pop_back();
+    ChildOrderIDs = std::move(children);
     return true;
   });
 }
@@ -62,7 +66,7 @@ std::int16_t clsGetData::GetWebShopType(std::string_view sDsn, std::string_view 
   if (sDsn.empty()) return 0;
   return CallOperation(State(), kSource, sDsn, [&](Connection& connection) -> std::int16_t {
     TextBuilder text;
-    text.Line("SELECT FWebShopType FROM IC_WebshopToStorage WHERE FWebshopID ='", sFWebshopID, "'");
+    text.Append("SELECT FWebShopType FROM IC_WebshopToStorage WHERE FWebshopID ='{shop}'\r\n", {{"shop", sFWebshopID}});
     const RecordsetPtr shop = connection.Query(text.GetText());
     return shop->eof() ? std::int16_t{0} : shop->Get("FWebShopType").ToInt16();
   });

@@ -51,8 +51,9 @@ std::string clsGetData::GetCancelTplOrderInfo(std::string_view sDsn, std::string
     text.Line("  where t1.FID IN ( ", sFID, " )  ");
     text.Line("  AND NOT EXISTS (SELECT 1 FROM IC_Web2ERPOrdersEntry WHERE FID =t1.FID AND FStockID NOT IN  ");
     if (tplType != 0) {
-      text.Line("  (SELECT DISTINCT FStockID FROM IC_WebtplToStorage WHERE FWebtplType=", std::to_string(tplType),
-                " And FWebtplID='", tplStockID, "')) ");
+      text.Append(
+          "  (SELECT DISTINCT FStockID FROM IC_WebtplToStorage WHERE FWebtplType={type} And FWebtplID='{stock}')) \r\n",
+          {{"type", tplType}, {"stock", tplStockID}});
     } else {
       text.Line("  (SELECT DISTINCT FStockID FROM IC_WebtplToStorage )) ");
     }
@@ -66,8 +67,8 @@ std::string clsGetData::GetCancelTplReturnOrderInfo(std::string_view sDsn, std::
   return SelectKeys(State(), kCancelSource, sDsn, sFID, "FEntryID", [&](TextBuilder& text) {
     text.Line("  select entry.FEntryID  from IC_Web2ERPOrdersEntry entry ");
     text.Line("  inner join IC_WebtplToStorage tpl on entry.FStockID =tpl.FStockID   ");
-    text.Line("  where entry.FEntryID in (", sFID, ") and tpl.FWebtplID ='", tplStockID,
-              "' and tpl.FWebtplType = ", std::to_string(tplType));
+    text.Append("  where entry.FEntryID in ({FID}) and tpl.FWebtplID ='{stock}' and tpl.FWebtplType = {type}\r\n",
+                {{"FID", sFID}, {"stock", tplStockID}, {"type", tplType}});
   });
 }
 

@@ -73,8 +73,8 @@ std::string clsSaveData::SubMitPorTask(std::string_view sDsn, std::string_view s
          {"type", tplType},
          {"stock", sStockID},
          {"user", sUserName}});
-    text.Line("        SET t1.FTplEStatus='3' ,t1.FTplEFail='',t1.FTplEflat='", std::to_string(tplType),
-              "',t1.FTplEStock='", sStockID, "' ");
+    text.Append("        SET t1.FTplEStatus='3' ,t1.FTplEFail='',t1.FTplEflat='{type}',t1.FTplEStock='{stock}' \r\n",
+                {{"type", tplType}, {"stock", sStockID}});
     text.Line("        from ", kind.line_table, " t1");
     text.Line("         WHERE t1.FTplEStatus in ('0','') AND  (", sFiter, ")");
     connection.Execute(text.GetText());
@@ -88,10 +88,11 @@ bool clsSaveData::ClearTplFieldInfo(std::string_view sDsn, std::string_view sBil
     TextBuilder text;
     text.Line("        UPDATE POOrder");
     text.Line("        SET FTplStatus='' ,FTplFail='',FTplflat='',FTplStock='' ");
-    text.Line("        WHERE  FBillNo  = '", sBillNo, "'");
+    text.Append("        WHERE  FBillNo  = '{number}'\r\n", {{"number", sBillNo}});
     text.Line("        UPDATE POOrderEntry");
     text.Line("        SET FTplEStatus='' ,FTplEFail='',FTplEflat='',FTplEStock='' ");
-    text.Line("        WHERE FInterID  = (select FInterID from POOrder  WHERE FBillNo  = '", sBillNo, "')");
+    text.Append("        WHERE FInterID  = (select FInterID from POOrder  WHERE FBillNo  = '{number}')\r\n",
+                {{"number", sBillNo}});
     connection.Execute(text.GetText());
     return true;
   });
@@ -119,10 +120,12 @@ std::int32_t clsGetData::GetPurchaseTaskInfo(std::string_view sDsn, std::string_
   return CallOperation(State(), kSource, sDsn, [&](Connection& connection) {
     TextBuilder text;
     if (!taskID.empty()) {
-      text.Line("   select FStatus from TPLTaskFlow where  FTaskId ='", taskID, "'   ");
+      text.Append("   select FStatus from TPLTaskFlow where  FTaskId ='{task}'   \r\n", {{"task", taskID}});
     } else {
-      text.Line("   select FStatus from TPLTaskFlow where FTaskType =120 and FWebTplType='", sWebTplType,
-                "' and FWebTplID='", sWebTplID, "' and  FTaskName ='", taskName, "'   ");
+      text.Append(
+          "   select FStatus from TPLTaskFlow where FTaskType =120 and FWebTplType='{type}' and FWebTplID='{warehouse}'"
+          " and  FTaskName ='{name}'   \r\n",
+          {{"type", sWebTplType}, {"warehouse", sWebTplID}, {"name", taskName}});
     }
     const RecordsetPtr tasks = connection.Query(text.GetText());
     for (; !tasks->eof(); tasks->MoveNext()) {

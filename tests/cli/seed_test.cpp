@@ -366,10 +366,10 @@ TEST_F(SeededTest, OrderListShowsEachUnlockedOrderOnce) {
   EXPECT_TRUE(orders->FindField("FGiftCardText").has_value());
 
   // Columns of tables that only some orders are in.
-  const char* const sometimes[] = {"FPickManName",        "FShippingManName", "FWeighttingMan",
-                                   "FStockBillStatus",    "FTplOrderStatus",  "FIsShShip",
-                                   "FIsJzserviceOrder",   "FMailNo",          "FLogisticsStateName",
-                                   "FPrintExpressUserID", "FLogisticsIDName", "FDeliveryDistrictName"};
+  const char* const sometimes[] = {
+      "FPickManName",        "FShippingManName", "FWeighttingMan",       "FStockBillStatus",
+      "FTplOrderStatus",     "FIsShShip",        "FIsJzserviceOrder",    "FMailNo",
+      "FLogisticsStateName", "FLogisticsIDName", "FDeliveryDistrictName"};
   for (const char* name : sometimes) {
     int found = 0;
     for (orders->MoveFirst(); !orders->eof(); orders->MoveNext()) found += orders->Get(name).is_null() ? 0 : 1;

@@ -70,7 +70,9 @@ TEST_F(PrintDataTest, ListsLinesByOrderWithAreasInTheCallersLanguage) {
 
 TEST_F(PrintDataTest, ReportsOrdersAtTheLimitAndAbove) {
   EXPECT_THAT(OverMax(10143011), ElementsAre("O2 102 FPrintPickCount 3 of 3", "O3 103 FPrintPickCount 4 of 3"));
-  EXPECT_THAT(OverMax("10143012"), ElementsAre("O1 101 FPrintSendCount 3 of 3", "O2 102 FPrintSendCount 4 of 3"));
+  for (const Variant& type : {Variant("10143012"), Variant(" 10143012"), Variant("10143012.0"), Variant(10143012.0)}) {
+    EXPECT_THAT(OverMax(type), ElementsAre("O1 101 FPrintSendCount 3 of 3", "O2 102 FPrintSendCount 4 of 3"));
+  }
   // Not limited, without a limit at all, and no such type.
   for (const Variant& type : {Variant(10143013), Variant(10143014), Variant(10143015), Variant("note"), Variant()}) {
     EXPECT_TRUE(OverMax(type).empty()) << type.ToText();

@@ -9,11 +9,12 @@ namespace {
 
 TEST(SessionStringTest, TakesApart) {
   const SessionString full =
-      ParseSessionString(" connect = {Driver={{a}};Server=s} ; User=16394;Language=CHT;Client=10.0.0.5;");
+      ParseSessionString(" connect = {Driver={{a}};Server=s} ; User=16394;Language=CHT;Client=10.0.0.5;ESCAPE=yes");
   EXPECT_EQ(full.database, "Driver={{a};Server=s");
   EXPECT_EQ(full.user, 16394);
   EXPECT_EQ(full.language, "CHT");
   EXPECT_EQ(full.client, "10.0.0.5");
+  EXPECT_TRUE(full.escape);
   EXPECT_EQ(ParseSessionString("User=1;Connect=Embedded=orders.db").database, "Embedded=orders.db");
 }
 
@@ -53,6 +54,7 @@ TEST(SessionStringTest, NamesTheFault) {
       {"Connect=Embedded=a;User=2147483648", "2147483648"},
       {"Connect=;User=1", "Connect="},
       {"Connect=Embedded=a;=1", "\"=\""},
+      {"Connect=Embedded=a;Escape=1", "Escape=1"},
   };
   for (const auto& c : cases) {
     try {

@@ -49,6 +49,9 @@ TEST_F(UploadTasksTest, AddsTheChildOrdersOfASplitOrder) {
   arguments = {2, "S", "c0,"};
   EXPECT_TRUE(Invoke("GetSplitChrildOrderIDs", arguments).ToBool());
   EXPECT_EQ(arguments[3].ToText(), "c0,c3");
+  arguments = {3, "S", "c0,"};
+  EXPECT_TRUE(Invoke("GetSplitChrildOrderIDs", arguments).ToBool());
+  EXPECT_EQ(arguments[3].ToText(), "c0");
   for (const Variant& order : {Variant(3), Variant(0)}) {
     arguments = {order, "W", "as it was"};
     EXPECT_FALSE(Invoke("GetSplitChrildOrderIDs", arguments).ToBool());

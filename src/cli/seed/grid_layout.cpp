@@ -143,9 +143,9 @@ constexpr Field kHeaderFields[] = {
     {"FIsPrintPick", "FIsPrintPick", kPrints, "已打配货单", "已印配貨單", Control::kCheck, true, false},
     {"FIsPrintExpress", "FIsPrintExpress", kPrints, "已打快递单", "已印快遞單", Control::kCheck, true, false},
     {"FIsPrintSend", "FIsPrintSend", kPrints, "已打发货单", "已印發貨單", Control::kCheck, true, false},
-    {"FPrintExpressUserID", "FPrintExpressUserID", kPrints, "快递单打印人", "快遞單列印人", Control::kLookup, true,
+    {"FPrintExpressUserID", "FPrintExpressUserID", kOrders, "快递单打印人", "快遞單列印人", Control::kLookup, true,
      false, "SELECT FUserID,FName FROM t_User", "FUserID", "FName"},
-    {"FPrintExpressCount", "FPrintExpressCount", kPrints, "快递单打印次数", "快遞單列印次數", Control::kNumber, true,
+    {"FPrintExpressCount", "FPrintExpressCount", kOrders, "快递单打印次数", "快遞單列印次數", Control::kNumber, true,
      false},
     {"FMailNo", "FMailNo", "IC_SfexpressLogisticsOrder", "电子运单号", "電子運單號", Control::kText, true, false},
 };

@@ -28,7 +28,8 @@ std::string HeaderColumns(Stage stage) {
   if (stage >= Stage::kConfirmed) columns += ",FPickMan,FPickDate,FPickRem,FPickingGoodMan,FPrintPickCount";
   if (stage >= Stage::kChecked) columns += ",FPIckingGoodsStatus,FOrderPickingDate";
   if (stage >= Stage::kWeighed) {
-    columns += ",FLogisticsOrder,FWeight,FLogisticsCost,FWeighttingStatus,FWeighttingMan,FPrintExpressCount";
+    columns +=
+        ",FLogisticsOrder,FWeight,FLogisticsCost,FWeighttingStatus,FWeighttingMan,FPrintExpressCount,FPrintExpressUserID";
   }
   if (stage >= Stage::kDelivered) {
     columns += ",FShippingMan,FShippingRem,FSendDate,FOnlineSendDate,FPrintSendCount,FPrintSendList";
@@ -71,8 +72,7 @@ OrderWriter::OrderWriter(Connection& connection, int country)
       extensions_(connection, "IC_Web2ERPOrdersEx", std::string(kExtensionColumns)),
       sent_extensions_(connection, "IC_Web2ERPOrdersEx", std::string(kExtensionColumns) + ",FLogisticsState"),
       stock_bills_(connection, "IC_StockBillOrdersStatus", "FID,FStockBillStatus,FStockBillResult"),
-      prints_(connection, "IC_PrintOrderInfo",
-              "FID,FIsPrintPick,FIsPrintExpress,FIsPrintSend,FPrintExpressUserID,FPrintExpressCount"),
+      prints_(connection, "IC_PrintOrderInfo", "FID,FIsPrintPick,FIsPrintExpress,FIsPrintSend"),
       refunds_(connection, "IC_Web2ERPOrdersRefund", "FID,FRefundStatus,FIsShowWaitVerifyTemp"),
       refund_requests_(connection, "IC_RefundInfo", "FID,FIsRefuse,FReason"),
       outside_(connection, "IC_TplWeb2ERPOrders", "FID,FTplOrderStatus"),
@@ -114,7 +114,7 @@ void OrderWriter::WriteHeader(const Order& order) {
   }
   if (scenario.stage >= Stage::kChecked) rows.Append(1, order.picking_checked);
   if (scenario.stage >= Stage::kWeighed) {
-    rows.Append(order.waybill, Fixed{order.grams, 3}, Fixed{order.cost, 2}, 1, order.user, order.prints);
+    rows.Append(order.waybill, Fixed{order.grams, 3}, Fixed{order.cost, 2}, 1, order.user, order.prints, order.user);
   }
   if (scenario.stage >= Stage::kDelivered) {
     rows.Append(order.user, OneIn(25, order) ? "已放门卫" : "", order.sent, order.sent, order.prints, order.prints);
@@ -198,8 +198,7 @@ void OrderWriter::WriteStates(const Order& order) {
   if (!OneIn(10, order)) {
     const int pick = scenario.stage >= Stage::kConfirmed ? 1 : OneIn(7, order) ? 2 : 0;
     const int express = scenario.stage >= Stage::kWeighed ? 1 : 0;
-    prints_.Add(order.key, pick, express, scenario.stage == Stage::kDelivered ? 1 : 0, express * order.user,
-                express * order.prints);
+    prints_.Add(order.key, pick, express, scenario.stage == Stage::kDelivered ? 1 : 0);
   }
 }
 

@@ -1,0 +1,125 @@
+// What Escape=Yes keeps whole: one text with a quote goes through every text of every operation, passed and stored.
+#include <map>
+
+#include "automation/operations.h"
+#include "support/sample_test.h"
+
+namespace tessarlorn {
+namespace {
+
+constexpr const char* kText = "O'B \"x\" ]";
+
+/// Arguments and keys that are SQL, lists of keys or numbers, and whose text is therefore not free.
+const std::map<std::string_view, const char*> kFixed = {{"FID", "1"},
+                                                        {"sFID", "1"},
+                                                        {"sFIDs", "1"},
+                                                        {"strIDs", "1"},
+                                                        {"strFids", "1"},
+                                                        {"sInterFID", "1"},
+                                                        {"EntryID", "0"},
+                                                        {"OPCode", "3008"},
+                                                        {"ItemID", "0"},
+                                                        {"StrSql", "SELECT 1"},
+                                                        {"sFiter", "1=1"},
+                                                        {"lTranType", "71"},
+                                                        {"AdvancedFilter", ""},
+                                                        {"FGoodsCount", ""},
+                                                        {"FEntryCount", ""},
+                                                        {"icboTpl", ""},
+                                                        {"icboCainiao", ""},
+                                                        {"OtherFilterOne", ""},
+                                                        {"taskID", ""},
+                                                        {"pageTable", "pageTable"},
+                                                        {"strTempTable", "Reports"},
+                                                        {"sFKey", "1014301_O'B"}};
+
+class EscapeTest : public SampleTest {
+ protected:
+  Variant Sample(std::string_view name, ValueType type, std::span<const Key> keys) {
+    if (type == ValueType::kDictionary) return Values(keys);
+    if (type == ValueType::kVector) return Vector{Values(keys)};
+    if (const auto fixed = kFixed.find(name); fixed != kFixed.end()) return fixed->second;
+    const bool quoted = type == ValueType::kString || type == ValueType::kDate || name == "FCostInvoiceInterID";
+    return quoted ? Variant(kText) : Variant(1);
+  }
+  Dictionary Values(std::span<const Key> keys) {
+    Dictionary values;
+    for (const Key& key : keys) {
+      values.SetValue(key.name, key.is_connection() ? Variant(escaping_) : Sample(key.name, key.type, key.item_keys));
+    }
+    return values;
+  }
+  Variant Call(ServiceObject& object, const Operation& operation) {
+    std::vector<Variant> arguments;
+    for (const Argument& argument : operation.arguments()) {
+      arguments.push_back(argument.is_connection() ? Variant(escaping_)
+                          : argument.any_key       ? Variant(Dictionary{{"101", kText}})
+                                                   : Sample(argument.name, argument.type, argument.keys));
+    }
+    if (operation.name == "GetUploadDataByTab") arguments[2] = "pageTable";
+    return object.Invoke(operation, arguments);
+  }
+
+  std::string escaping_ = dsn_ + "Escape=Yes";
+};
+
+TEST_F(EscapeTest, KeepsTextsWholeInEveryOperation) {
+  Run("INSERT INTO t_SystemProfile (FCategory, FKey, FValue) VALUES ('EC', 'TradeLog3003', '1'), "
+      "('EC', 'TradeLog2001', '1'), ('EC', 'PickGoodsCount', '1') "
+      "INSERT INTO IC_Web2ERPOrders (FID, FUniqueCode, FDeliveryProvince, FDeliveryCity, FDeliveryDistrict) "
+      "VALUES (1, 101, 1, 1, 1), (2, 102, 1, 1, 1) "
+      "INSERT INTO IC_Web2ERPOrdersEntry (FEntryID, FID, FSiteOrderID, FChildOrderID) "
+      "SELECT FID, FID, N'O''B \"x\" ]', N'O''B \"x\" ]' FROM IC_Web2ERPOrders "
+      "INSERT INTO IC_Trade (FID, FTID) VALUES (1, N'O''B \"x\" ]') "
+      "INSERT INTO IC_Logistics (FItemID, FNumber) VALUES (1, N'O''B \"x\" ]') "
+      "CREATE TABLE pageTable (fid int, fstatus int) INSERT INTO pageTable VALUES (1, 0) "
+      "SELECT * INTO Reports FROM IC_UploadWebOrderIndicator");
+  // Where each text is found afterwards; two operations take single quotes out by themselves.
+  const std::string whole = std::string(kText) + "|";
+  const std::map<std::string_view, std::pair<const char*, std::string>> stored = {
+      {"WriteSaveOrderLog", {"FFieldName, FNewValue FROM IC_TradeFieldLog WHERE FFieldName LIKE 'O%'", whole + whole}},
+      {"WriteOPLog", {"FOldValue, FNewValue FROM IC_TradeLog WHERE FOPCode=3008", whole + whole}},
+      {"ConfirmBill", {"FPickMan, FPickRem FROM IC_Web2ERPOrders WHERE FID=1", whole + whole}},
+      {"SavePickingGoods", {"FPickingGoodMan FROM IC_Web2ERPOrders WHERE FID=1", "1|"}},
+      {"SaveBatchNo", {"FBatchNo FROM IC_Web2ERPOrdersEntry WHERE FID=1", "OB \"x\" ]|"}},
+      {"SetUpLogisticsNumberAndWeight", {"FLogisticsOrder FROM IC_Web2ERPOrders WHERE FID=1", whole}},
+      {"SetUpLogisticsNumber", {"FLogisticsOrder FROM IC_Web2ERPOrders WHERE FID=1", whole}},
+      {"UploadStatusFailure", {"FReasonsForFailure FROM IC_Web2ERPOrders WHERE FID=1", "OB \"x\" ]|"}},
+      {"UpdateAddressReachableState", {"FNumber FROM IC_SaveAddressReachableInfo", whole}},
+      {"SubMitTplOrderTask", {"FUserName, FWebTplID FROM TPLTaskFlow WHERE FTaskType=130", whole + whole}},
+      {"SubMitPorTask", {"FTaskId, FUserName, FWebTplID FROM TPLTaskFlow WHERE FTaskId<>''", whole + whole + whole}},
+      {"OrderRemark", {"FSellerMessage FROM IC_Web2ERPOrders WHERE FID=1", "\\" + whole}},
+      {"DeRemark", {"FDeliveryRemark FROM IC_Web2ERPOrders WHERE FID=1", whole}},
+      {"DeliveryRemark", {"FShippingRem FROM IC_Web2ERPOrders WHERE FID=1", "\\" + whole}},
+      {"ChangeAddess",
+       {"FConsignee, FZipCode, FTelephone, FMobile, FDeliveryAddress FROM IC_Web2ERPOrders WHERE FID=1",
+        whole + whole + whole + whole + whole}},
+      {"UpdateCostInvoiceStatus", {"FFeeBillNO FROM IC_Web2ERPOrders WHERE FID=1", whole}},
+      {"GetUploadDataByTab",
+       {"FTaskID, FSiteOrderID, FLogisticsNumber, FLogisticsOrder, FOrderID FROM IC_UploadWebOrderIndicator",
+        whole + whole + whole + whole + whole}},
+  };
+  std::size_t found = 0;
+  for (const Operation* operation : Operations()) {
+    if (operation->property) continue;
+    Run("UPDATE IC_Web2ERPOrders SET FLogisticsID=1, FOrderID=N'O''B \"x\" ]', FLogisticsOrder=N'O''B \"x\" ]'");
+    ServiceObject object(operation->service);
+    // The operations of the log work on the session of another.
+    if (operation->service == ServiceClass::kSaveData) Call(object, *FindOperation("DownloadWebTpls"));
+    try {
+      Call(object, *operation);
+    } catch (const Error& error) {
+      // What is compared with a number or a date is whole, and refused as no such value.
+      EXPECT_EQ(error.number(), error_number::kConversionFailed) << operation->name << ": " << error.description();
+    }
+    const auto place = stored.find(operation->name);
+    if (place == stored.end()) continue;
+    ++found;
+    EXPECT_EQ(Read(std::string("SELECT ") + place->second.first), place->second.second) << operation->name;
+  }
+  EXPECT_EQ(found, stored.size());
+  EXPECT_EQ(get().GetPurchaseTaskInfo(escaping_, "", kText, "1", "1"), 0);
+}
+
+}  // namespace
+}  // namespace tessarlorn

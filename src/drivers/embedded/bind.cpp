@@ -54,6 +54,10 @@ void AppendCell(Recordset& rows, sqlite3_stmt* statement, int column, const SqlT
 /// Bytes after which a result is handed over in parts, when it may be.
 constexpr std::size_t kPartSize = 65536;
 
+/// Clients read the server's version out of it: what stands behind " - ".
+constexpr const char* kVersionText =
+    "Microsoft SQL Server 2012 as spoken by the TessarLorn embedded database - 11.0.7001.0 on SQLite ";
+
 Datum ColumnDatum(sqlite3_stmt* statement, int column) { return ToDatum(sqlite3_column_value(statement, column)); }
 
 }  // namespace
@@ -259,7 +263,7 @@ Datum Session::SystemValue(const std::string& name, SqlType& type) {
   if (name == "xact_state") return whole(doomed_ ? -1 : depth_ > 0 ? 1 : 0);
   if (name == "@@identity") return identity_ ? whole(*identity_) : Datum{};
   if (name == "scope_identity") return scope_identity_ ? whole(*scope_identity_) : Datum{};
-  if (name == "@@version") return std::string("TessarLorn embedded database on SQLite ") + sqlite3_libversion();
+  if (name == "@@version") return std::string(kVersionText) + sqlite3_libversion();
   if (name.starts_with("error_")) {
     if (caught_.empty()) return {};
     const SqlError& error = caught_.back();

@@ -32,8 +32,10 @@ struct CatalogObject {
   CatalogKind kind = CatalogKind::kTable;
   std::string name;
   bool temporary = false;
-  std::vector<Column> columns;  // of a table
-  std::string definition;       // of a view its query, of a procedure its parameters and body
+  /// Of a table; of a procedure its parameters, whose default_text is "output" when they give a value back.
+  std::vector<Column> columns;
+  /// Of a table its constraints (see constraint_text.h), of a view its query, of a procedure parameters and body.
+  std::string definition;
   std::int64_t id = 0;
 
   [[nodiscard]] int FindColumn(std::string_view column) const;

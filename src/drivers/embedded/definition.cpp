@@ -1,6 +1,7 @@
 // CREATE, ALTER and DROP: SQLite's definitions and the catalog's, together or not at all.
 #include <algorithm>
 
+#include "drivers/embedded/constraint_text.h"
 #include "drivers/embedded/session.h"
 #include "platform/text.h"
 
@@ -154,6 +155,7 @@ void Session::CreateTable(const Statement& statement, Scope& scope) {
   for (const ColumnDefinition& definition : statement.column_definitions) add_check(definition.check);
   for (const TableConstraint& constraint : statement.constraints) add_check(constraint.check);
   for (const std::vector<std::string>& key : unique) constraints.push_back("UNIQUE (" + NameList(key) + ")");
+  AddConstraints(table.definition, statement);
   Atomically([&] {
     CreateTable(table, constraints, primary_key);
     for (std::size_t i = 0; i < unique.size(); ++i) {
@@ -214,6 +216,7 @@ void Session::AlterTable(const Statement& statement, Scope& scope) {
         RunSql(database_.get(), sql, &runtime_);
         table.columns.push_back(std::move(column));
       }
+      AddConstraints(table.definition, statement);
       catalog_.Replace(table);
     });
     return;
@@ -338,6 +341,10 @@ void Session::CreateProcedure(const Statement& statement) {
   procedure.kind = CatalogKind::kProcedure;
   procedure.name = statement.table.name;
   procedure.definition = statement.source_text;
+  for (const Parameter& parameter : statement.parameters) {
+    procedure.columns.push_back(
+        {parameter.name, ResolveType(parameter.type, false), true, false, parameter.output ? "output" : ""});
+  }
   const CatalogObjectPtr old = catalog_.Find(procedure.name);
   const bool replaces = statement.flag && old != nullptr && old->kind == CatalogKind::kProcedure;
   Atomically([&] { replaces ? catalog_.Replace(std::move(procedure)) : catalog_.Add(std::move(procedure)); });

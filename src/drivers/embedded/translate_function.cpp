@@ -152,7 +152,7 @@ Typed Translator::Function(const Expression& expression, Scope& scope) {
     return {sql + std::string(plain.tail) + ")", type, true, -1};
   }
   for (const auto topic : {&Translator::ConditionalFunction, &Translator::DateFunction, &Translator::NumberFunction,
-                           &Translator::TextFunction, &Translator::MetadataFunction}) {
+                           &Translator::TextFunction, &Translator::MetadataFunction, &Translator::ServerFunction}) {
     Typed value = (this->*topic)(expression, scope);
     if (!value.sql.empty()) return value;
   }
@@ -549,7 +549,6 @@ Typed Translator::MetadataFunction(const Expression& expression, Scope& scope) {
     const SqlType type = DecimalType(38, 0);
     return {Coerce({sql + ")", BigIntType(), true, -1}, type), type, true, -1};
   }
-  if (!name.empty() && name[0] == '@') RaiseUnsupported("The variable " + name, expression.line);
   return {};
 }
 

@@ -155,6 +155,7 @@ class Translator {
   Typed NumberFunction(const Expression& expression, Scope& scope);
   Typed TextFunction(const Expression& expression, Scope& scope);
   Typed MetadataFunction(const Expression& expression, Scope& scope);
+  Typed ServerFunction(const Expression& expression, Scope& scope);
   std::string TextArgument(const Expression& expression, Scope& scope);
   std::string AsText(const Typed& value);
   std::string IntArgument(const Expression& expression, Scope& scope);

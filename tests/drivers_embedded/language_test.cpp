@@ -113,12 +113,54 @@ TEST(Language, BatchesWithControlFlowAndTransactions) {
       {"update t set FQty = o.FID * 10 from e t join o on o.FID = t.FID where o.FID = 2 select FQty from e where FID = 2",
        "FQty;20.0000"},
       {"delete top (1) from e where FID = 1 select count(*) as n from e", "n;2"},
-      {"insert into e (FEntryID, FID) output inserted.FID values (1, 1)",
-       "error 40000: The OUTPUT clause is not supported by the embedded database."},
+      {"create table d (i int identity primary key, v int) insert d (v) output inserted.i, inserted.v * 2 as w values (4), (5)",
+       "i|w;1|8;2|10"},
+      {"insert d output inserted.* select FID from o where FID = 2", "i|v;3|2"},
+      {"update d set v = o.FState output inserted.v from d join o on o.FID = d.i where o.FID = 1", "v;2"},
+      {"delete d output deleted.i where i < 3 drop table d", "i;1;2"},
       {"select 1 as a commit", "error 3902: The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION."},
       {"set xact_abort on begin tran update o set FState = 1 select 1/0",
        "error 8134: Divide by zero error encountered."},
       {"select @@trancount as t, min(FState) as s from o", "t|s;0|2"},
+  });
+}
+
+// What clients ask before they show a table, or map it to objects.
+TEST(Language, TheCatalog) {
+  Check({
+      {"create table k (id int identity(5,1) primary key, n nvarchar(20) not null constraint UQ_n unique, m decimal(9,2) "
+       "constraint DF_m default 0, constraint \"CK\\m\" check (m >= 0 or m = -1)) create table f (a int, b int constraint FK_k "
+       "references k, primary key (b, a)) create unique index ix on f (a desc, b) where a > 0",
+       ""},
+      {"create procedure q @x int, @y nvarchar(30) output as select 1 n where @x in (1, 4, 10)", ""},
+      {"create view w as select FID from o where FID in (1, 2, 7)", ""},
+      {"exec q 4, ''", "n;1"},
+      {"select count(*) as n from w where FID in (2, 3)", "n;1"},
+      {"select COLUMN_NAME as c, CONSTRAINT_NAME as k, ORDINAL_POSITION as p from INFORMATION_SCHEMA.KEY_COLUMN_USAGE order by 2, 3",
+       "c|k|p;b|FK_k|1;FEntryID|PK_e|1;b|PK_f|1;a|PK_f|2;id|PK_k|1;FID|PK_o|1;n|UQ_n|1"},
+      {"select UNIQUE_CONSTRAINT_NAME as u from INFORMATION_SCHEMA.REFERENTIAL_CONSTRAINTS", "u;PK_k"},
+      {"select CHECK_CLAUSE as c from INFORMATION_SCHEMA.CHECK_CONSTRAINTS where CONSTRAINT_NAME = 'CK\\m'",
+       "c;(m >= 0 or m = -1)"},
+      {"select d.name, c.name as c, d.definition as t from sys.default_constraints d join sys.columns c on c.object_id = "
+       "d.parent_object_id and c.column_id = d.parent_column_id",
+       "name|c|t;DF_m|m|(0)"},
+      {"select seed_value as s, last_value as l from sys.identity_columns", "s|l;5|NULL"},
+      {"select count(*) as n from sys.computed_columns", "n;0"},
+      {"select schema_name() as s, object_name(object_id('k')) as o, col_name(object_id('k'), 2) as c, serverproperty('ProductVersion') as v",
+       "s|o|c|v;dbo|k|n|11.0.7001.0"},
+      {"exec sp_pkeys 'f'",
+       "TABLE_QUALIFIER|TABLE_OWNER|TABLE_NAME|COLUMN_NAME|KEY_SEQ|PK_NAME;main|dbo|f|b|1|PK_f;main|dbo|f|a|2|PK_f"},
+      {"create table #s (q sysname null, o sysname null, t sysname, u smallint null, i sysname null, x sysname null, k smallint, s smallint null, c "
+       "sysname null, d char(1) null, r int null, p int null, f varchar(128) null) insert #s exec sp_statistics 'f' select x, k, "
+       "u, s, c, d from #s where k > 0",
+       "x|k|u|s|c|d;PK_f|1|0|1|b|A;PK_f|1|0|2|a|A;ix|3|0|1|a|D;ix|3|0|2|b|A"},
+      {"create table #f (a sysname, b sysname, p sysname, pc sysname, d sysname, e sysname, f sysname, fc sysname, s smallint, u "
+       "smallint, r smallint, n sysname, k sysname, z smallint) insert #f exec sp_fkeys @fktable_name = 'f' select p, pc, f, fc, n, k from #f",
+       "p|pc|f|fc|n|k;k|id|f|b|FK_k|PK_k"},
+      {"create table #d (n sysname, t int, p int, a varchar(9) null, b varchar(9) null, c varchar(20) null, x int, y int, z int, u int null, "
+       "m int, i int null, l sysname, h int null, j int null, s int, q int null, r int null, v int null, w int) insert #d exec "
+       "sp_datatype_info_100 93, 3 select n, p, h, j from #d",
+       "n|p|h|j;datetime2|27|0|7;datetime|23|3|3;smalldatetime|16|0|0"},
   });
 }
 

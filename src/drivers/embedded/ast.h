@@ -288,6 +288,7 @@ struct Statement {
   std::vector<ExpressionPtr> values;
   std::vector<StatementPtr> body;
   std::vector<StatementPtr> catch_body;
+  std::vector<SelectItem> output;                                // of INSERT, UPDATE and DELETE: OUTPUT
   StatementPtr execute;                                          // of INSERT … EXEC
   std::vector<std::pair<std::string, ExpressionPtr>> arguments;  // EXEC: "@name" or "", value (null: DEFAULT)
   std::vector<bool> argument_outputs;                            // EXEC: OUTPUT behind it

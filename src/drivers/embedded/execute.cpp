@@ -299,11 +299,10 @@ void Session::ExecuteChange(const Statement& statement, Scope& scope) {
     }
     return;
   }
-  ExecuteDataChange(statement, scope);
-  TellRowCount();
+  if (!ExecuteDataChange(statement, scope)) TellRowCount();
 }
 
-void Session::ExecuteDataChange(const Statement& statement, Scope& scope) {
+bool Session::ExecuteDataChange(const Statement& statement, Scope& scope) {
   const bool assigns = std::any_of(statement.assignments.begin(), statement.assignments.end(),
                                    [](const Assignment& assignment) { return !assignment.variable.empty(); });
   const std::optional<Frame> before = assigns ? std::optional<Frame>(*scope.frame) : std::nullopt;
@@ -312,14 +311,20 @@ void Session::ExecuteDataChange(const Statement& statement, Scope& scope) {
     Compiled& compiled = CompiledStatement(statement, scope);
     sqlite3_stmt* change = Bind(compiled, scope);
     const Running running(change);
+    if (!compiled.columns.empty()) {
+      ReadRows(compiled, change, results_->wants_more());
+      if (!compiled.identity_table.empty() && row_count_ > 0) NoteIdentity(compiled.identity_table);
+      return true;
+    }
     RunChange(compiled, change);
   } catch (const SqlError& error) {
     const bool key = error.number() == 2601 || error.number() == 2627;
-    if (statement.kind != Statement::Kind::kUpdate || !key) throw;
+    if (statement.kind != Statement::Kind::kUpdate || !key || !statement.output.empty()) throw;
     // SQLite compares keys row by row, the server when all rows stand.
     if (before) *scope.frame = *before;
     MoveRows(statement, scope);
   }
+  return false;
 }
 
 void Session::MoveRows(const Statement& statement, Scope& scope) {

@@ -27,7 +27,7 @@ std::vector<StatementPtr> ParseStatements(std::string_view batch, const Tokens& 
 
 ExpressionPtr ParseExpressionText(std::string_view text, NameTable& names) {
   Tokens tokens;
-  TokenizeBatch(text, names, tokens);
+  TokenizeDefinition(text, names, tokens);
   Parser parser(text, tokens, 0);
   ExpressionPtr expression = parser.ParseAny();
   if (!parser.AtEnd()) parser.Fail();

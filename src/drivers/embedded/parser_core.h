@@ -176,7 +176,7 @@ class Parser {
   Assignment ParseAssignment();
   bool AcceptAssignmentOp(Assignment& assignment);
   [[nodiscard]] bool AtAssignedColumn() const;
-  void RefuseOutput() const;
+  void AcceptOutput(Statement& statement);
 
   // parser_definition.cpp
   StatementPtr ParseCreate();

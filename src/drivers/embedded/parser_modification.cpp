@@ -17,8 +17,12 @@ ObjectName Parser::ParseTarget() {
   return ParseObjectName();
 }
 
-void Parser::RefuseOutput() const {
-  if (At("output"_kw)) Refuse("The OUTPUT clause");
+void Parser::AcceptOutput(Statement& statement) {
+  if (!Accept("output"_kw)) return;
+  do {
+    statement.output.push_back(ParseSelectItem());
+  } while (Accept(Op::kComma));
+  if (At("into"_kw)) Refuse("OUTPUT … INTO");
 }
 
 StatementPtr Parser::ParseInsert() {
@@ -29,10 +33,11 @@ StatementPtr Parser::ParseInsert() {
   statement->table = ParseTarget();
   if (At("with"_kw) && At(Op::kLeftParen, 1)) AcceptTableHints();
   if (At(Op::kLeftParen) && !AtQueryInParens()) statement->columns = ParseNameList();
-  RefuseOutput();
+  AcceptOutput(*statement);
   if (AcceptBoth("default"_kw, "values"_kw)) {
     statement->default_values = true;
   } else if (At("exec"_kw) || At("execute"_kw)) {
+    if (!statement->output.empty()) Refuse("OUTPUT with INSERT … EXEC");
     statement->execute = ParseExecute(false);
   } else if (At("values"_kw)) {
     statement->query = ParseRows();
@@ -53,7 +58,7 @@ StatementPtr Parser::ParseUpdate() {
   do {
     statement->assignments.push_back(ParseAssignment());
   } while (Accept(Op::kComma));
-  RefuseOutput();
+  AcceptOutput(*statement);
   ParseModificationTail(*statement);
   return statement;
 }
@@ -65,7 +70,7 @@ StatementPtr Parser::ParseDelete() {
   Accept("from"_kw);
   statement->table = ParseTarget();
   AcceptTableHints();
-  RefuseOutput();
+  AcceptOutput(*statement);
   ParseModificationTail(*statement);
   return statement;
 }

@@ -368,6 +368,7 @@ void PlanCache::ParseTokens(std::string_view text, Batch& batch) {
       const bool keeps_text = plan->statement->kind == Statement::Kind::kCreateView ||
                               plan->statement->kind == Statement::Kind::kCreateProcedure ||
                               plan->statement->kind == Statement::Kind::kCreateTable ||
+                              plan->statement->kind == Statement::Kind::kCreateIndex ||
                               plan->statement->kind == Statement::Kind::kAlterTable;
       plan->lifted = !keeps_text && plan->shape.size() >= kKeyTokens;
       if (plan->lifted && EndsStatement(tokens[last])) {

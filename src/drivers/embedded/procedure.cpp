@@ -90,7 +90,7 @@ void Session::CallProcedure(const CatalogObject& procedure, const Statement& cal
   std::shared_ptr<Plan>& plan = procedures_[procedure.signature()];
   if (plan == nullptr) {
     Tokens tokens;
-    TokenizeBatch(procedure.definition, names_, tokens);
+    TokenizeDefinition(procedure.definition, names_, tokens);
     std::vector<StatementPtr> statements = ParseStatements(procedure.definition, tokens);
     plan = std::make_shared<Plan>();
     plan->statement = std::move(statements.at(0));
@@ -170,7 +170,7 @@ void Session::ExecuteSql(const Statement& call, Scope& scope) {
     // The declarations read as those of a procedure, OUTPUT and defaults included.
     const std::string declarations = "CREATE PROCEDURE p " + text_of(1) + " AS RETURN";
     Tokens tokens;
-    TokenizeBatch(declarations, names_, tokens);
+    TokenizeDefinition(declarations, names_, tokens);
     const std::vector<StatementPtr> parsed = ParseStatements(declarations, tokens);
     const std::vector<Parameter>& parameters = parsed.at(0)->parameters;
     for (const Parameter& parameter : parameters) frame.Declare(parameter.name, ResolveType(parameter.type, false));

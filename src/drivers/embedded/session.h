@@ -121,7 +121,8 @@ class Session {
   void ExecuteSelect(const Statement& statement, Scope& scope);
   void ExecuteSelectInto(const Statement& statement, Scope& scope);
   void ExecuteChange(const Statement& statement, Scope& scope);
-  void ExecuteDataChange(const Statement& statement, Scope& scope);
+  /// Whether it answered rows, by OUTPUT.
+  bool ExecuteDataChange(const Statement& statement, Scope& scope);
   void ExecuteInsertExecute(const Statement& statement, Scope& scope);
   /// UPDATE by way of other rows, for when it failed because keys pass through the place of other rows' keys.
   void MoveRows(const Statement& statement, Scope& scope);

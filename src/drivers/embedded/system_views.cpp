@@ -163,15 +163,17 @@ std::vector<SystemView> SysViews() {
     columns.insert(columns.end(), more.begin(), more.end());
     return columns;
   };
+  const std::string seed = "coalesce((SELECT json_extract(k.body, '$.seed') FROM (" + std::string(kConstraints) +
+                           ") k WHERE k.object = c.object AND k.kind = 'I'), 1)";
   const std::string columns =
       "SELECT c.object AS object_id, c.name, c.position AS column_id, " + std::string(kMeasures) +
       ", CASE WHEN c.base LIKE '%char' THEN 'Chinese_PRC_CI_AS' END AS collation_name, c.nullable AS is_nullable,"
-      " c.identity = 1 AS is_identity, 0 AS is_computed, 0 AS default_object_id,"
-      " coalesce((SELECT json_extract(k.body, '$.seed') FROM (" +
-      std::string(kConstraints) +
-      ") k WHERE k.object = c.object AND k.kind = 'I'), 1) AS seed_value, 1 AS increment_value,"
-      " (SELECT seq FROM main.sqlite_sequence WHERE name = c.owner) AS last_value FROM (" +
-      std::string(kTyped) + ") c JOIN (" + std::string(kTypes) +
+      " c.identity = 1 AS is_identity, 0 AS is_computed, NULL AS definition, 0 AS is_persisted, 0 AS default_object_id,"
+      " " +
+      seed +
+      " AS seed_value, 1 AS increment_value, (SELECT s.seq FROM main.sqlite_sequence s WHERE s.name = c.owner"
+      " AND s.seq >= " +
+      seed + ") AS last_value FROM (" + std::string(kTyped) + ") c JOIN (" + std::string(kTypes) +
       ") t ON t.name = c.base WHERE c.owner_kind <> 'procedure'";
   std::vector<SystemView> views = {
       Objects("objects", "SELECT " + ObjectColumns(own_type, own_description) +
@@ -328,7 +330,7 @@ std::vector<SystemView> InformationViews() {
                 ", CASE k.kind WHEN 'PK' THEN 'PRIMARY KEY' WHEN 'UQ' THEN 'UNIQUE'"
                 " WHEN 'F' THEN 'FOREIGN KEY' ELSE 'CHECK' END AS CONSTRAINT_TYPE, 'NO' AS IS_DEFERRABLE,"
                 " 'NO' AS INITIALLY_DEFERRED",
-            kConstraints, " k WHERE k.kind <> 'D'"),
+            kConstraints, " k WHERE k.kind IN ('PK', 'UQ', 'F', 'C')"),
        with({Code("CONSTRAINT_TYPE"), Code("IS_DEFERRABLE"), Code("INITIALLY_DEFERRED")})},
       {"information_schema", "key_column_usage", key_columns, with({Name("COLUMN_NAME"), Int("ORDINAL_POSITION")})},
       {"information_schema", "constraint_column_usage", key_columns, with({Name("COLUMN_NAME")})},

@@ -98,7 +98,8 @@ std::size_t WideBlank(std::string_view text) {
 
 class Lexer {
  public:
-  Lexer(std::string_view batch, NameTable& names, Tokens& out) : batch_(batch), names_(names), out_(out) {}
+  Lexer(std::string_view batch, NameTable& names, Tokens& out, bool lists)
+      : batch_(batch), names_(names), out_(out), lists_(lists) {}
 
   void Run() {
     for (;;) {
@@ -193,7 +194,7 @@ class Lexer {
       SkipWord();
       Token& token = Push(TokenKind::kWord, begin);
       token.id = names_.Intern(token.text);
-      if (token.id == static_cast<std::uint32_t>("in"_kw)) TakeList();
+      if (lists_ && token.id == static_cast<std::uint32_t>("in"_kw)) TakeList();
     } else if ((kind & kDigit) != 0 || (c == '.' && (ClassOf(At(1)) & kDigit) != 0)) {
       Push(SkipNumber(), begin);
       out_.tokens.back().text = From(begin);
@@ -376,6 +377,7 @@ class Lexer {
   std::string_view batch_;
   NameTable& names_;
   Tokens& out_;
+  bool lists_;  // lists of literals become one token
   std::size_t position_ = 0;
   std::uint32_t line_ = 1;
 };
@@ -421,7 +423,13 @@ void NameTable::Rehash(std::size_t capacity) {
 void TokenizeBatch(std::string_view batch, NameTable& names, Tokens& out) {
   out.tokens.clear();
   out.list_items.clear();
-  Lexer(batch, names, out).Run();
+  Lexer(batch, names, out, true).Run();
+}
+
+void TokenizeDefinition(std::string_view definition, NameTable& names, Tokens& out) {
+  out.tokens.clear();
+  out.list_items.clear();
+  Lexer(definition, names, out, false).Run();
 }
 
 bool HoldsContinuation(std::string_view text) {

@@ -104,6 +104,8 @@ struct Tokens {
 /// Raises 105 for an unclosed quote ("Unclosed quotation mark after the character string '…'."), 113 for an unclosed
 /// comment ("Missing end comment mark '*/'."), 102 for a character that no token begins with.
 void TokenizeBatch(std::string_view batch, NameTable& names, Tokens& out);
+/// The same for the text of a view, a procedure or a default, whose literals are no batch's: no kList tokens.
+void TokenizeDefinition(std::string_view definition, NameTable& names, Tokens& out);
 
 /// Whether a text between quotes has a line that goes on in the next: a backslash right before the line's end.
 bool HoldsContinuation(std::string_view text);

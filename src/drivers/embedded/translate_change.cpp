@@ -105,7 +105,7 @@ Compiled Translator::CompileInsert(const Statement& statement, bool identity_ins
   const auto defaults = Defaults(*table, positions);
   const std::string head = with + InsertHead(*table, positions, defaults);
   const auto finish = [&](const std::string& sql) {
-    Compiled compiled = Finish(sql);
+    Compiled compiled = FinishChange(statement, *table, "inserted", sql);
     compiled.verb = "INSERT";
     if (identity >= 0) compiled.identity_table = table->name;
     return compiled;
@@ -197,6 +197,38 @@ Compiled Translator::CompileInsertInto(const CatalogObject& table, const Query& 
   return compiled;
 }
 
+Compiled Translator::FinishChange(const Statement& statement, const CatalogObject& table, const char* rows,
+                                  std::string sql) {
+  Scope scope;
+  Source source;
+  source.alias = rows;
+  for (const Column& column : table.columns) {
+    source.columns.push_back({column.name, column.type, column.nullable, QuoteName(column.name)});
+  }
+  scope.sources.push_back(std::move(source));
+  std::vector<Typed> values;
+  std::vector<ResultColumn> columns;
+  for (const SelectItem& item : statement.output) {
+    const Expression& expression = *item.expression;
+    if (statement.kind == Statement::Kind::kUpdate && !expression.parts.empty() &&
+        EqualsIgnoreCase(expression.parts[0], "deleted")) {
+      RaiseUnsupported("OUTPUT deleted of an UPDATE", statement.line);
+    }
+    if (expression.kind == Expression::Kind::kStar) {
+      ExpandStar(expression, scope, values, columns);
+      continue;
+    }
+    scope.no_aggregates = true;
+    values.push_back(Value(expression, scope));
+    const bool named = item.alias.empty() && expression.kind == Expression::Kind::kColumn;
+    columns.push_back({named ? expression.parts.back() : item.alias, values.back().type, values.back().nullable});
+  }
+  for (std::size_t i = 0; i < values.size(); ++i) sql += (i == 0 ? " RETURNING " : ", ") + values[i].sql;
+  Compiled compiled = Finish(std::move(sql));
+  compiled.columns = std::move(columns);
+  return compiled;
+}
+
 Translator::Target Translator::ChangeTarget(const Statement& statement) {
   Target target;
   const TableSource* found = nullptr;
@@ -275,6 +307,7 @@ Compiled Translator::CompileUpdate(const Statement& statement, bool collect) {
   std::string sql;
   if (sets.empty()) {
     // Only variables: each row that the condition meets assigns them.
+    if (!statement.output.empty()) RaiseUnsupported("OUTPUT of an UPDATE that changes no column", statement.line);
     Compiled compiled = Finish(with + "SELECT ts_setvar(1" + variables + ")" + from + where);
     compiled.verb = "UPDATE";
     return compiled;
@@ -310,7 +343,7 @@ Compiled Translator::CompileUpdate(const Statement& statement, bool collect) {
     }
     sql += " FROM (" + rows + from + where + present + limit + ") AS \"$rows\" WHERE \"$target\"._rowid_ = \"$rows\".r";
   }
-  Compiled compiled = Finish(std::move(sql));
+  Compiled compiled = FinishChange(statement, *target.table, "inserted", std::move(sql));
   compiled.verb = "UPDATE";
   return compiled;
 }
@@ -328,7 +361,7 @@ Compiled Translator::CompileDelete(const Statement& statement) {
   } else {
     sql += " AS " + QuoteName(target.alias) + where;
   }
-  Compiled compiled = Finish(std::move(sql));
+  Compiled compiled = FinishChange(statement, *target.table, "deleted", std::move(sql));
   compiled.verb = "DELETE";
   return compiled;
 }

@@ -84,7 +84,7 @@ std::string Translator::AddTable(const TableSource& source, Scope& scope, bool o
   }
   if (view_depth_ >= 32) throw SqlError(217, "Maximum view nesting level exceeded (limit 32).");
   Tokens tokens;
-  TokenizeBatch(table->definition, names_, tokens);
+  TokenizeDefinition(table->definition, names_, tokens);
   const std::vector<StatementPtr> statements = ParseStatements(table->definition, tokens);
   // A view knows nothing of where it is used: no outer names, no common tables, no lifted literals.
   std::vector<CommonTableColumns> outer;
@@ -213,7 +213,8 @@ void Translator::CheckNames(const std::vector<ResultColumn>& columns, const std:
 }
 
 std::string Translator::OrderBy(const std::vector<OrderItem>& items, Scope* scope, const Select* select,
-                                const std::vector<ResultColumn>& columns, const std::vector<Typed>& values) {
+                                const std::vector<ResultColumn>& columns, const std::vector<Typed>& values,
+                                const Query* set) {
   const auto selects = [&](const Expression& key, const std::string& text) {
     if (key.kind == Expression::Kind::kColumn) {
       return std::any_of(values.begin(), values.end(), [&](const Typed& value) { return value.sql == text; });
@@ -226,6 +227,8 @@ std::string Translator::OrderBy(const std::vector<OrderItem>& items, Scope* scop
     });
   };
   std::string sql;
+  // A column of the tables stands for the item of a set's first query that it is.
+  while (set != nullptr && set->left != nullptr) set = set->left.get();
   for (const OrderItem& item : items) {
     const Expression& key = *item.expression;
     std::string text;
@@ -247,6 +250,10 @@ std::string Translator::OrderBy(const std::vector<OrderItem>& items, Scope* scop
       for (std::size_t i = 0; i < columns.size() && text.empty(); ++i) {
         const bool named = select == nullptr || i >= select->items.size() || !select->items[i].alias.empty();
         if (named && EqualsIgnoreCase(columns[i].name, key.parts[0])) position(i);
+      }
+    } else if (set != nullptr && set->select != nullptr && set->select->items.size() == columns.size()) {
+      for (std::size_t i = 0; i < columns.size() && text.empty(); ++i) {
+        if (Dump(*set->select->items[i].expression) == Dump(key)) position(i);
       }
     }
     if (text.empty()) {
@@ -396,7 +403,7 @@ TranslatedQuery Translator::SelectText(const Query& query, const Select& select,
   if (values.empty()) throw SqlError(263, "Must specify table to select from.");
   if (sorted) {
     scope.captured = nullptr;
-    const std::string order = OrderBy(query.order_by, &scope, &select, {});
+    const std::string order = OrderBy(query.order_by, &scope, &select, {}, values);
     result.sql = SortedAssignment(captured, sql, from + where + order + Limit(query, &select, scope));
     aggregate_depth_ = outer_depth;
     return result;
@@ -503,7 +510,7 @@ TranslatedQuery Translator::SetText(const Query& query, const Scope* parent, con
   constexpr std::array<std::string_view, 5> kOperators = {"", " UNION ", " UNION ALL ", " EXCEPT ", " INTERSECT "};
   result.sql = side(left, *query.left, true) + std::string(kOperators[static_cast<std::size_t>(query.set_operator)]) +
                side(right, *query.right, false);
-  result.sql += OrderBy(query.order_by, nullptr, nullptr, result.columns);
+  result.sql += OrderBy(query.order_by, nullptr, nullptr, result.columns, {}, &query);
   Scope scope;
   scope.parent = parent;
   result.sql += Limit(query, nullptr, scope);

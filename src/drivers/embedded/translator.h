@@ -178,7 +178,8 @@ class Translator {
   std::string AddTable(const TableSource& source, Scope& scope, bool optional);
   void AddSource(Scope& scope, Source source);
   std::string OrderBy(const std::vector<OrderItem>& items, Scope* scope, const Select* select,
-                      const std::vector<ResultColumn>& columns, const std::vector<Typed>& values = {});
+                      const std::vector<ResultColumn>& columns, const std::vector<Typed>& values,
+                      const Query* set = nullptr);
   std::string Limit(const Query& query, const Select* select, Scope& scope);
   void GroupBy(const Select& select, Scope& scope, std::string& sql);
   /// For `EXISTS (SELECT … FROM #keys WHERE key = outer.column …)`: the condition that the column is among the keys, ""
@@ -204,6 +205,8 @@ class Translator {
   std::vector<std::pair<std::string, std::string>> Defaults(const CatalogObject& table, const std::vector<int>& given);
   std::string InsertHead(const CatalogObject& table, const std::vector<int>& positions,
                          const std::vector<std::pair<std::string, std::string>>& defaults);
+  /// Finishes a change: adds what its OUTPUT clause gives back. @param rows "inserted" or "deleted"
+  Compiled FinishChange(const Statement& statement, const CatalogObject& table, const char* rows, std::string sql);
   Compiled Finish(std::string sql);
 
   const Catalog& catalog_;

@@ -58,6 +58,25 @@ constexpr std::size_t kPartSize = 65536;
 constexpr const char* kVersionText =
     "Microsoft SQL Server 2012 as spoken by the TessarLorn embedded database - 11.0.7001.0 on SQLite ";
 
+/// Before it computes a constant SQLite compares it with every other one of the statement, to compute it once. For
+/// thousands of them that takes longer than all else: it is left out then.
+class OneByOne {
+ public:
+  OneByOne(sqlite3* database, std::size_t constants) : database_(constants > kMany ? database : nullptr) {
+    constexpr unsigned kFactorOutConstants = 0x8;
+    if (database_ != nullptr) sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, database_, kFactorOutConstants);
+  }
+  OneByOne(const OneByOne&) = delete;
+  OneByOne& operator=(const OneByOne&) = delete;
+  ~OneByOne() {
+    if (database_ != nullptr) sqlite3_test_control(SQLITE_TESTCTRL_OPTIMIZATIONS, database_, 0U);
+  }
+
+ private:
+  static constexpr std::size_t kMany = 500;
+  sqlite3* database_;
+};
+
 Datum ColumnDatum(sqlite3_stmt* statement, int column) { return ToDatum(sqlite3_column_value(statement, column)); }
 
 }  // namespace
@@ -159,7 +178,10 @@ void Session::BindParameter(sqlite3_stmt* statement, int index, const BoundParam
 }
 
 sqlite3_stmt* Session::Bind(Compiled& compiled, Scope& scope) {
-  if (compiled.handle == nullptr) compiled.handle = Prepare(database_.get(), compiled.sql, &runtime_);
+  if (compiled.handle == nullptr) {
+    const OneByOne guard(database_.get(), compiled.parameters.size());
+    compiled.handle = Prepare(database_.get(), compiled.sql, &runtime_);
+  }
   sqlite3_stmt* statement = compiled.handle.get();
   for (std::size_t i = 0; i < compiled.parameters.size(); ++i) {
     BindParameter(statement, static_cast<int>(i) + 1, compiled.parameters[i], scope);

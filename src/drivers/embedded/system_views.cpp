@@ -85,7 +85,8 @@ std::string Indexes() {
          ") WHERE kind IN ('PK', 'UQ') UNION ALL"
          " SELECT o.id, o.name, s.rowid + 1000, substr(s.name, length(s.tbl_name) + 2), 2, l.\"unique\", 'IX', s.name,"
          " l.partial FROM main.sqlite_schema s JOIN main.\"$objects\" o ON o.name = s.tbl_name AND o.kind = 'table'"
-         " JOIN pragma_index_list(s.tbl_name) l ON l.name = s.name WHERE s.type = 'index' AND l.origin = 'c'";
+         " JOIN pragma_index_list(s.tbl_name) l ON l.name = s.name WHERE s.type = 'index' AND l.origin = 'c'"
+         " AND s.name NOT LIKE '%$null'";
 }
 
 std::string IndexColumns() {

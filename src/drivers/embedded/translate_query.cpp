@@ -562,9 +562,25 @@ TranslatedQuery Translator::QueryText(const Query& query, const Scope* parent, c
 }
 
 Compiled Translator::Finish(std::string sql) {
+  // SQLite looks for a numbered parameter among all others, so each gets its number from its place instead.
   Compiled compiled;
-  compiled.sql = std::move(sql);
-  compiled.parameters = std::move(parameters_);
+  compiled.sql.reserve(sql.size());
+  char quote = '\0';
+  for (std::size_t i = 0; i < sql.size(); ++i) {
+    const char c = sql[i];
+    compiled.sql += c;
+    if (quote != '\0') {
+      if (c == quote) quote = '\0';
+    } else if (c == '\'' || c == '"') {
+      quote = c;
+    } else if (c == '?') {
+      std::size_t number = 0;
+      for (; i + 1 < sql.size() && sql[i + 1] >= '0' && sql[i + 1] <= '9'; ++i) {
+        number = number * 10 + static_cast<std::size_t>(sql[i + 1] - '0');
+      }
+      compiled.parameters.push_back(parameters_.at(number - 1));
+    }
+  }
   parameters_.clear();
   return compiled;
 }
@@ -616,20 +632,10 @@ Compiled Translator::CompileCondition(const Expression& condition) {
 Compiled Translator::CompileValue(const Expression& value, const SqlType& type) {
   Scope scope;
   const Typed typed = Value(value, scope);
-  const bool parameter_only = typed.parameter >= 0;
-  Compiled compiled = Finish("");
+  Compiled compiled = Finish("SELECT " + Coerce(typed, type));
   compiled.columns.push_back({"", type, true, false});
   compiled.verb = "SELECT";
-  if (parameter_only) {
-    compiled.parameters[0].to = type;
-    compiled.parameter_only = true;
-    return compiled;
-  }
-  parameters_ = std::move(compiled.parameters);
-  const std::string sql = "SELECT " + Coerce(typed, type);
-  compiled.parameters = std::move(parameters_);
-  parameters_.clear();
-  compiled.sql = sql;
+  compiled.parameter_only = typed.parameter >= 0;
   return compiled;
 }
 

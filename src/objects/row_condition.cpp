@@ -16,7 +16,7 @@ namespace {
 
 enum class Comparison : std::uint8_t { kEqual, kUnequal, kLess, kLessOrEqual, kGreater, kGreaterOrEqual, kLike };
 
-/// In the patterns that MatchesLike takes.
+/// In the patterns that LikePattern takes.
 constexpr char kEscape = '\x01';
 
 }  // namespace
@@ -38,7 +38,8 @@ struct RowCondition::Node {
     const Variant own = rows.Get(field);
     if (value.is_null()) return own.is_null() == (comparison == Comparison::kEqual);
     if (own.is_null()) return false;
-    if (comparison == Comparison::kLike) return MatchesLike(own.ToText(), *value.get_if<std::string>(), kEscape);
+    if (comparison == Comparison::kLike)
+      return LikePattern(*value.get_if<std::string>(), kEscape).Matches(own.ToText());
     const int order = CompareValues(own, value);
     switch (comparison) {
       case Comparison::kEqual:
@@ -175,7 +176,7 @@ class Parser {
     if (!IsNumeric(number)) text_.Fail();
     return number;
   }
-  /// As MatchesLike takes it: there % stands for any characters, and other signs have a meaning, too.
+  /// As LikePattern takes it: there % stands for any characters, and other signs have a meaning, too.
   std::string Pattern(std::string_view given) const {
     const auto wild = [](char c) { return c == '*' || c == '%'; };
     std::string pattern;

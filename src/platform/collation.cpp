@@ -86,36 +86,46 @@ int CompareText(std::string_view a, std::string_view b) {
   return q < b.size() ? -1 : 0;
 }
 
-bool MatchesLike(std::string_view text, std::string_view pattern, char32_t escape) {
+LikePattern::LikePattern(std::string_view pattern, char32_t escape, const std::atomic<bool>* stop)
+    : wanted_(Folded(pattern)), escape_(escape == 0 ? char32_t{0} : FoldCharacter(escape)), stop_(stop) {}
+
+bool LikePattern::Matches(std::string_view text) const { return MatchesFrom(Folded(text), 0); }
+
+std::size_t LikePattern::FindIn(std::string_view text, bool anywhere) const {
   const std::vector<char32_t> subject = Folded(text);
-  const std::vector<char32_t> wanted = Folded(pattern);
-  if (escape != 0) escape = FoldCharacter(escape);
+  for (std::size_t begin = 0; begin <= (anywhere ? subject.size() : 0); ++begin) {
+    if (MatchesFrom(subject, begin)) return begin + 1;
+  }
+  return 0;
+}
+
+bool LikePattern::MatchesFrom(const std::vector<char32_t>& subject, std::size_t begin) const {
   // Greedy with one point of return: the last % seen.
-  std::size_t s = 0;
+  std::size_t s = begin;
   std::size_t p = 0;
   constexpr auto kNone = static_cast<std::size_t>(-1);
   std::size_t star = kNone;
   std::size_t star_subject = 0;
   while (true) {
-    if (p < wanted.size() && wanted[p] == U'%' && wanted[p] != escape) {
+    if (p < wanted_.size() && wanted_[p] == U'%' && wanted_[p] != escape_) {
       star = ++p;
       star_subject = s;
       continue;
     }
     bool matched = false;
     std::size_t next = p;
-    if (s < subject.size() && p < wanted.size()) {
-      if (escape != 0 && wanted[p] == escape && p + 1 < wanted.size()) {
-        matched = wanted[p + 1] == subject[s];
+    if (s < subject.size() && p < wanted_.size()) {
+      if (escape_ != 0 && wanted_[p] == escape_ && p + 1 < wanted_.size()) {
+        matched = wanted_[p + 1] == subject[s];
         next = p + 2;
-      } else if (wanted[p] == U'_') {
+      } else if (wanted_[p] == U'_') {
         matched = true;
         next = p + 1;
-      } else if (wanted[p] == U'[') {
+      } else if (wanted_[p] == U'[') {
         next = p + 1;
-        matched = InSet(wanted, next, subject[s]);
+        matched = InSet(wanted_, next, subject[s]);
       } else {
-        matched = wanted[p] == subject[s];
+        matched = wanted_[p] == subject[s];
         next = p + 1;
       }
     }
@@ -124,13 +134,14 @@ bool MatchesLike(std::string_view text, std::string_view pattern, char32_t escap
       p = next;
       continue;
     }
-    if (p == wanted.size()) {
+    if (p == wanted_.size()) {
       // Blanks at the end of the text do not count.
       std::size_t rest = s;
       while (rest < subject.size() && subject[rest] == U' ') ++rest;
       if (rest == subject.size()) return true;
     }
     if (star == kNone || star_subject >= subject.size()) return false;
+    if (stop_ != nullptr && stop_->load(std::memory_order_relaxed)) return false;
     p = star;
     s = ++star_subject;
   }

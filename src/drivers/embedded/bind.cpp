@@ -201,7 +201,10 @@ void Session::TakeRows(Compiled& compiled, sqlite3_stmt* statement) {
   taken.columns = compiled.columns;
   while (Step(statement, compiled.verb) == SQLITE_ROW) {
     std::vector<Datum>& row = taken.rows.emplace_back();
-    for (int i = 0; i < static_cast<int>(compiled.columns.size()); ++i) row.push_back(ColumnDatum(statement, i));
+    for (int i = 0; i < static_cast<int>(compiled.columns.size()); ++i) {
+      row.push_back(ColumnDatum(statement, i));
+      runtime_.memory.Charge(2 * sizeof(Datum) + static_cast<std::size_t>(sqlite3_column_bytes(statement, i)));
+    }
   }
   row_count_ = static_cast<std::int64_t>(taken.rows.size());
 }

@@ -366,6 +366,7 @@ void Session::MoveRows(const Statement& statement, Scope& scope) {
 }
 
 void Session::ExecuteInsertExecute(const Statement& statement, Scope& scope) {
+  const std::size_t used = runtime_.memory.used();
   std::vector<TakenRows> taken;
   {
     Results inner{results_->sink, false, false, &taken};
@@ -383,6 +384,7 @@ void Session::ExecuteInsertExecute(const Statement& statement, Scope& scope) {
       inserted += row_count_;
     }
   });
+  runtime_.memory.ReleaseTo(used);
   row_count_ = inserted;
   TellRowCount();
 }

@@ -100,7 +100,7 @@ void WriteVariables(sqlite3_context* context, Runtime& runtime, Arguments argume
 }
 
 // ts_like(text, pattern[, escape])
-void Like(sqlite3_context* context, Runtime&, Arguments arguments) {
+void Like(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
   if (AnyNull(arguments)) return;
   char32_t escape = 0;
   if (arguments.size() == 3) {
@@ -113,7 +113,10 @@ void Like(sqlite3_context* context, Runtime&, Arguments arguments) {
     }
     escape = characters[0];
   }
-  sqlite3_result_int(context, MatchesLike(TextOf(arguments[0]), TextOf(arguments[1]), escape) ? 1 : 0);
+  runtime.memory.Require(TextOf(arguments[0]).size() * 4);
+  const bool matches = LikePattern(TextOf(arguments[1]), escape, &runtime.cancelled).Matches(TextOf(arguments[0]));
+  runtime.CheckCancelled();
+  sqlite3_result_int(context, matches ? 1 : 0);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "drivers/embedded/ast.h"
 #include "drivers/embedded/keywords.h"
+#include "drivers/embedded/memory_budget.h"
 #include "drivers/embedded/token.h"
 
 namespace tessarlorn::embedded {
@@ -19,7 +20,12 @@ namespace tessarlorn::embedded {
 class Parser {
  public:
   Parser(std::string_view batch, const Tokens& tokens, std::size_t begin)
-      : batch_(batch), tokens_(tokens.tokens), lists_(tokens.list_items), begin_(begin), position_(begin) {}
+      : batch_(batch),
+        tokens_(tokens.tokens),
+        lists_(tokens.list_items),
+        memory_(tokens.memory),
+        begin_(begin),
+        position_(begin) {}
 
   [[nodiscard]] std::size_t position() const noexcept { return position_; }
   [[nodiscard]] bool AtEnd() const noexcept { return Peek().kind == TokenKind::kEnd; }
@@ -205,6 +211,7 @@ class Parser {
   std::string_view batch_;
   const std::vector<Token>& tokens_;
   const std::vector<Token>& lists_;
+  MemoryBudget* memory_;
   std::size_t begin_;
   std::size_t position_;
   int depth_ = 0;

@@ -273,13 +273,19 @@ std::shared_ptr<Plan> PlanCache::Find(const Batch& batch, std::span<const std::u
 }
 
 void PlanCache::Keep(const std::shared_ptr<Plan>& plan) {
-  if (++count_ > kMostPlans) {
-    // Let the half go that was not used for longest.
-    const std::uint64_t limit = clock_ - kMostPlans / 2;
-    count_ = 0;
+  // A very large one is hardly met again.
+  if (plan->shape.size() > kMostTokens / 20) return;
+  ++count_;
+  tokens_ += plan->shape.size();
+  while (count_ > kMostPlans || tokens_ > kMostTokens) {
+    // Let those go that were not used for longest: half of what `kMostPlans` last uses can be, and half again.
+    const std::uint64_t limit = clock_ - std::min<std::uint64_t>(clock_, count_ / 2);
+    count_ = 1;
+    tokens_ = plan->shape.size();
     for (auto& [key, plans] : plans_) {
       std::erase_if(plans, [&](const std::shared_ptr<Plan>& old) { return old->last_used < limit; });
       count_ += plans.size();
+      for (const std::shared_ptr<Plan>& kept : plans) tokens_ += kept->shape.size();
     }
     std::erase_if(plans_, [](const auto& entry) { return entry.second.empty(); });
     std::erase_if(beginnings_, [](const auto& entry) { return entry.second.expired(); });

@@ -72,7 +72,8 @@ struct BatchStatement {
   std::span<const Token> lists;
 };
 
-/// Cuts batches into statements, remembering the plans of those seen before. Keeps at most `kMostPlans`.
+/// Cuts batches into statements, remembering the plans of those seen before. Keeps at most `kMostPlans`, of
+/// `kMostTokens` in all.
 class PlanCache {
  public:
   explicit PlanCache(NameTable& names) : names_(names) {}
@@ -91,9 +92,11 @@ class PlanCache {
   void Clear() {
     plans_.clear();
     beginnings_.clear();
+    count_ = tokens_ = 0;
   }
 
   static constexpr std::size_t kMostPlans = 1000;
+  static constexpr std::size_t kMostTokens = 200'000;
 
  private:
   std::shared_ptr<Plan> Find(const Batch& batch, std::span<const std::uint64_t> shape, std::size_t begin,
@@ -108,6 +111,7 @@ class PlanCache {
   std::unordered_map<std::uint64_t, std::vector<std::shared_ptr<Plan>>> plans_;
   std::unordered_map<std::uint64_t, std::weak_ptr<Plan>> beginnings_;  // by how a batch begins
   std::size_t count_ = 0;
+  std::size_t tokens_ = 0;
   std::uint64_t clock_ = 0;
   std::vector<std::uint64_t> shape_;
   std::vector<std::uint32_t> literals_before_;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,6 +10,7 @@
 
 #include "drivers/embedded/date_text.h"
 #include "drivers/embedded/datum.h"
+#include "drivers/embedded/memory_budget.h"
 #include "drivers/embedded/sql_error.h"
 
 namespace tessarlorn::embedded {
@@ -52,9 +54,17 @@ class Frame {
 };
 
 struct Runtime {
+  explicit Runtime(std::size_t memory_limit) : memory(memory_limit) {}
+
+  MemoryBudget memory;
+  /// Set when the batch is cancelled; long row functions look at it.
+  std::atomic<bool> cancelled{false};
   /// Raised inside a row function; taken by whoever sees SQLite fail.
   std::optional<SqlError> error;
   Frame* frame = nullptr;
+  void CheckCancelled() const {
+    if (cancelled.load(std::memory_order_relaxed)) throw Cancelled();
+  }
   /// SET DATEFORMAT
   DateOrder date_order = DateOrder::kMdy;
 };

@@ -80,8 +80,6 @@ void ColumnLength(sqlite3_context* context, const Catalog& catalog, Arguments ar
   if (column >= 0) sqlite3_result_int(context, StorageBytes(object->columns[static_cast<std::size_t>(column)].type));
 }
 
-SqlError CancelledError() { return {3617, "The statement was cancelled.", 11}; }
-
 using CatalogFunction = void (*)(sqlite3_context*, const Catalog&, Arguments);
 
 template <CatalogFunction F>
@@ -92,8 +90,19 @@ void CallCatalogFunction(sqlite3_context* context, int count, sqlite3_value** va
 
 }  // namespace
 
-Session::Session(DatabaseHandle database, std::chrono::milliseconds lock_timeout)
-    : database_(std::move(database)), catalog_(database_.get()), plans_(names_), longest_wait_(lock_timeout) {
+Session::Session(DatabaseHandle database, std::chrono::milliseconds lock_timeout, std::size_t memory_limit)
+    : runtime_(memory_limit),
+      database_(std::move(database)),
+      catalog_(database_.get()),
+      plans_(names_),
+      longest_wait_(lock_timeout) {
+  // A value is copied three times on its way from a function to a row.
+  constexpr std::size_t kCopies = 4;
+  constexpr std::size_t kMostOfSqlite = 1'000'000'000;
+  constexpr int kMostOperations = 10'000'000;
+  sqlite3_limit(database_.get(), SQLITE_LIMIT_LENGTH,
+                static_cast<int>(std::min(kMostOfSqlite, memory_limit / kCopies)));
+  sqlite3_limit(database_.get(), SQLITE_LIMIT_VDBE_OP, kMostOperations);
   sqlite3_busy_handler(database_.get(), WaitForLock, this);
   RegisterFunctions(database_.get(), runtime_);
   RegisterListTable(database_.get());
@@ -116,13 +125,11 @@ void Session::RegisterSessionFunctions() {
 }
 
 void Session::Cancel() noexcept {
-  cancelled_.store(true);
+  runtime_.cancelled.store(true);
   sqlite3_interrupt(database_.get());
 }
 
-void Session::CheckCancelled() {
-  if (cancelled_.load(std::memory_order_relaxed)) throw CancelledError();
-}
+void Session::CheckCancelled() { runtime_.CheckCancelled(); }
 
 int Session::WaitForLock(void* session, int times) {
   Session& self = *static_cast<Session*>(session);
@@ -130,8 +137,8 @@ int Session::WaitForLock(void* session, int times) {
   if (times == 0) self.waiting_since_ = now;
   const auto longest = std::min(self.longest_wait_, self.lock_timeout_.value_or(self.longest_wait_));
   if (now - self.waiting_since_ >= longest) return 0;
-  if (self.cancelled_.load(std::memory_order_relaxed)) {
-    self.runtime_.error = CancelledError();
+  if (self.runtime_.cancelled.load(std::memory_order_relaxed)) {
+    self.runtime_.error = Cancelled();
     return 0;
   }
   constexpr int kLongestPause = 25;
@@ -140,7 +147,7 @@ int Session::WaitForLock(void* session, int times) {
 }
 
 Translator Session::MakeTranslator(Scope& scope) {
-  return Translator(catalog_, *scope.frame, names_, scope.plan->lifted, scope.plan->dependencies);
+  return Translator(catalog_, *scope.frame, names_, scope.plan->lifted, scope.plan->dependencies, runtime_.memory);
 }
 
 void Session::Revalidate(Plan& plan, Frame& frame) {
@@ -279,12 +286,18 @@ void Session::RunBatch(std::string_view text, Frame& frame) {
     Session& session;
     std::unique_ptr<PlanCache::Batch>& batch;
     Frame* frame;
+    std::size_t used;
     ~GiveBack() {
       batch->statements.clear();
       session.runtime_.frame = frame;
+      session.runtime_.memory.ReleaseTo(used);
+      constexpr std::size_t kMostKept = 65536;
+      const Tokens& tokens = batch->tokens;
+      if (tokens.tokens.capacity() + tokens.list_items.capacity() > kMostKept) return;
       session.spare_batches_.push_back(std::move(batch));
     }
-  } give_back{*this, batch, runtime_.frame};
+  } give_back{*this, batch, runtime_.frame, runtime_.memory.used()};
+  batch->tokens.memory = &runtime_.memory;
   spare_batches_.reserve(spare_batches_.size() + 1);
   runtime_.frame = &frame;
   catalog_.Refresh();
@@ -304,14 +317,22 @@ void Session::RunBatch(std::string_view text, Frame& frame) {
   }
 }
 
+void Session::ForgetNames() {
+  // The shapes of plans are made of the names' numbers.
+  plans_.Clear();
+  names_ = NameTable();
+}
+
 void Session::Run(std::string_view batch, bool first_only, BatchSink& sink) {
-  cancelled_.store(false);
+  runtime_.cancelled.store(false);
   runtime_.error.reset();
   first_error_.reset();
   try_depth_ = 0;
   call_depth_ = 0;
   caught_.clear();
   scope_identity_.reset();
+  runtime_.memory.Begin(batch.size());
+  if (names_.size() > kMostNames) ForgetNames();
   Results results{sink, first_only};
   results_ = &results;
   Frame frame;
@@ -351,7 +372,7 @@ void Session::Run(std::string_view batch, bool first_only, BatchSink& sink) {
 }
 
 void Session::Reset() {
-  cancelled_.store(false);
+  runtime_.cancelled.store(false);
   if (depth_ > 0 || writing_) EndTransaction(false);
   catalog_.Refresh();
   DropTemporaryTables();

@@ -32,7 +32,9 @@ class Session {
  public:
   /// @param lock_timeout how long a statement waits for a lock that somebody else has, unless SET LOCK_TIMEOUT says
   /// less
-  Session(DatabaseHandle database, std::chrono::milliseconds lock_timeout);
+  /// @param memory_limit bytes that a batch may take, see MemoryBudget
+  Session(DatabaseHandle database, std::chrono::milliseconds lock_timeout,
+          std::size_t memory_limit = MemoryBudget::kDefaultLimit);
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
   ~Session();
@@ -97,6 +99,8 @@ class Session {
 
   // session.cpp
   void RegisterSessionFunctions();
+  static constexpr std::size_t kMostNames = 100'000;
+  void ForgetNames();
   void RunBatch(std::string_view text, Frame& frame);
   void Declare(const Statement& statement, Frame& frame);
   void Precompile(const PlanCache::Batch& batch, Frame& frame);
@@ -223,7 +227,6 @@ class Session {
   std::unordered_map<std::string, std::int64_t> given_identities_;  // by table, in the open transaction
   std::optional<SqlError> first_error_;
   std::vector<SqlError> caught_;  // the errors of the CATCH blocks that are running, innermost last
-  std::atomic<bool> cancelled_{false};
 };
 
 template <typename Make>

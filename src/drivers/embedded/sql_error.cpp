@@ -63,7 +63,14 @@ Error ToError(const SqlError& error) {
 
 SqlError InnerError() { return {8624, "Internal error: the embedded database could not run the statement.", 16}; }
 
-SqlError OutOfMemory() { return {701, "There is insufficient memory to run this query.", 17}; }
+SqlError Cancelled() { return {3617, "The statement was cancelled.", 11}; }
+
+SqlError OutOfMemory(std::size_t megabytes) {
+  return {701,
+          "There is insufficient memory to run this query" +
+              (megabytes == 0 ? "." : ": it may take " + std::to_string(megabytes) + " MB."),
+          17};
+}
 
 void RaiseSyntax(std::string_view near, bool keyword, std::uint32_t line) {
   SqlError error(keyword ? 156 : 102,

@@ -60,7 +60,10 @@ Error ToError(const SqlError& error);
 
 /// For what should never happen: a fault of the engine's own. The statement fails, the session goes on.
 SqlError InnerError();
-SqlError OutOfMemory();
+/// 3617
+SqlError Cancelled();
+/// 701. @param megabytes how many were allowed, 0 where the machine has no more
+SqlError OutOfMemory(std::size_t megabytes = 0);
 [[noreturn]] void RaiseSyntax(std::string_view near, bool keyword, std::uint32_t line);
 /// A feature that is refused by name: "<feature> is not supported by the embedded database."
 [[noreturn]] void RaiseUnsupported(std::string_view feature, std::uint32_t line = 0);

@@ -104,7 +104,7 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
     case SQLITE_CANTOPEN:
       throw SqlError(4060, "Cannot open the database " + name + ": " + message + ".", 11);
     case SQLITE_INTERRUPT:
-      throw SqlError(3617, "The statement was cancelled.");
+      throw Cancelled();
     case SQLITE_NOMEM:
       throw OutOfMemory();
     case SQLITE_TOOBIG:

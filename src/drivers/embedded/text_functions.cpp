@@ -133,8 +133,9 @@ std::string Fitting(std::string text, const SqlType& type) {
   return text;
 }
 
-void Replace(sqlite3_context* context, Runtime&, Arguments arguments) {
+void Replace(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
   if (AnyNull(arguments.first(3))) return;
+  runtime.memory.Require(TextOf(arguments[0]).size() * 6);
   const std::u16string text = ToUtf16(TextOf(arguments[0]));
   const std::u16string folded = Fold(TextOf(arguments[0]));
   const std::u16string from = Fold(TextOf(arguments[1]));
@@ -146,6 +147,9 @@ void Replace(sqlite3_context* context, Runtime&, Arguments arguments) {
   std::u16string result;
   std::size_t done = 0;
   for (std::size_t found = folded.find(from); found != std::u16string::npos; found = folded.find(from, done)) {
+    // The result stands twice for a moment, the second time in up to three bytes a unit.
+    runtime.memory.Require((result.size() + text.size() + to.size()) * 5);
+    runtime.CheckCancelled();
     result.append(text, done, found - done).append(to);
     done = found + from.size();
   }
@@ -165,20 +169,16 @@ void CharIndex(sqlite3_context* context, Runtime&, Arguments arguments) {
 }
 
 // ts_patindex(pattern, text)
-void PatIndex(sqlite3_context* context, Runtime&, Arguments arguments) {
+void PatIndex(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
   if (AnyNull(arguments)) return;
-  std::string pattern(TextOf(arguments[0]));
-  const std::string_view text = TextOf(arguments[1]);
-  std::int64_t result = 0;
-  const bool anywhere = !pattern.empty() && pattern.front() == '%';
-  if (anywhere) pattern.erase(0, 1);
-  std::int64_t position = 1;
-  for (std::size_t i = 0; result == 0 && i <= text.size(); ++position) {
-    if (MatchesLike(text.substr(i), pattern, 0)) result = position;
-    if (!anywhere || i == text.size()) break;
-    NextCharacter(text, i);
-  }
-  sqlite3_result_int64(context, result);
+  std::string_view pattern = TextOf(arguments[0]);
+  const bool anywhere = pattern.starts_with('%');
+  if (anywhere) pattern.remove_prefix(1);
+  runtime.memory.Require(TextOf(arguments[1]).size() * 4);
+  const LikePattern wanted(pattern, 0, &runtime.cancelled);
+  const std::size_t found = wanted.FindIn(TextOf(arguments[1]), anywhere);
+  runtime.CheckCancelled();
+  sqlite3_result_int64(context, static_cast<std::int64_t>(found));
 }
 
 void Reverse(sqlite3_context* context, Runtime&, Arguments arguments) {
@@ -192,7 +192,7 @@ void Reverse(sqlite3_context* context, Runtime&, Arguments arguments) {
 }
 
 // ts_replicate(text, times, type)
-void Replicate(sqlite3_context* context, Runtime&, Arguments arguments) {
+void Replicate(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
   if (IsNull(arguments[0]) || IsNull(arguments[1])) return;
   const std::int64_t times = sqlite3_value_int64(arguments[1]);
   if (times < 0) return;
@@ -207,6 +207,8 @@ void Replicate(sqlite3_context* context, Runtime&, Arguments arguments) {
     return;
   }
   const std::size_t count = std::min(static_cast<std::size_t>(times), most);
+  // The result, and SQLite's copy of it.
+  runtime.memory.Require(count * text.size() * 2);
   std::string result;
   result.reserve(count * text.size());
   for (std::size_t i = 0; i < count; ++i) result += text;
@@ -214,8 +216,9 @@ void Replicate(sqlite3_context* context, Runtime&, Arguments arguments) {
 }
 
 // ts_stuff(text, start, length, insert, type)
-void Stuff(sqlite3_context* context, Runtime&, Arguments arguments) {
+void Stuff(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
   if (IsNull(arguments[0]) || IsNull(arguments[1]) || IsNull(arguments[2])) return;
+  runtime.memory.Require((TextOf(arguments[0]).size() + TextOf(arguments[3]).size()) * 5);
   const std::u16string text = ToUtf16(TextOf(arguments[0]));
   const std::int64_t start = sqlite3_value_int64(arguments[1]);
   const std::int64_t length = sqlite3_value_int64(arguments[2]);
@@ -253,8 +256,12 @@ void Unicode(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (!text.empty()) sqlite3_result_int(context, text[0]);
 }
 
-void Concat(sqlite3_context* context, Runtime&, Arguments arguments) {
+void Concat(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
+  std::size_t size = 0;
+  for (sqlite3_value* value : arguments) size += TextOf(value).size();
+  runtime.memory.Require(size * 2);
   std::string text;
+  text.reserve(size);
   for (sqlite3_value* value : arguments) text += TextOf(value);
   SetText(context, text);
 }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "drivers/embedded/keywords.h"
+#include "drivers/embedded/memory_budget.h"
 #include "drivers/embedded/sql_error.h"
 #include "platform/text.h"
 
@@ -105,7 +106,11 @@ class Lexer {
     for (;;) {
       SkipBlanks();
       if (position_ == batch_.size()) break;
+      const std::size_t names = names_.size();
       Next();
+      // Its literal or shape stands beside a token, and vectors grow by doubling.
+      constexpr std::size_t kName = 150;
+      Charge(4 * sizeof(Token) + (names_.size() - names) * kName);
     }
     Token end;
     end.line = line_;
@@ -357,7 +362,12 @@ class Lexer {
     return true;
   }
 
+  void Charge(std::size_t bytes) const {
+    if (out_.memory != nullptr) out_.memory->Charge(bytes);
+  }
+
   bool TakeListItem() {
+    Charge(4 * sizeof(Token));
     const std::size_t begin = position_;
     const char c = At();
     if (c == '\'' || ((c == 'N' || c == 'n') && At(1) == '\'')) {

@@ -79,6 +79,7 @@ class NameTable {
   NameTable();
   /// The number of a name, new or known. Numbers below `kKeywordCount` (keywords.h) are the keywords'.
   std::uint32_t Intern(std::string_view name);
+  [[nodiscard]] std::size_t size() const noexcept { return names_.size(); }
 
  private:
   struct Slot {
@@ -91,7 +92,11 @@ class NameTable {
   std::vector<std::string> names_;  // lower case
 };
 
+class MemoryBudget;
+
 struct Tokens {
+  /// What is charged for each of them, or null.
+  MemoryBudget* memory = nullptr;
   /// Ends with a kEnd token.
   std::vector<Token> tokens;
   /// The items of all kList tokens, each a literal, a negative number's sign being part of its text.

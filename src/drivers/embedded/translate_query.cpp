@@ -99,6 +99,8 @@ std::string Translator::AddTable(const TableSource& source, Scope& scope, bool o
   const TranslatedQuery query = QueryText(*statements.at(0)->query, nullptr, options);
   --view_depth_;
   outer.swap(common_tables_);
+  // Views of views of views grow fast.
+  memory_.Require(query.sql.size() * 20);
   scope.optional_view = scope.optional_view || optional;
   add_columns(query.columns);
   AddSource(scope, std::move(added));

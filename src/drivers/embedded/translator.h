@@ -39,8 +39,14 @@ class Translator {
  public:
   /// @param lift_literals literals become parameters that are bound from the batch's tokens; otherwise their values
   /// stand in the compiled statement.
-  Translator(const Catalog& catalog, Frame& frame, NameTable& names, bool lift_literals, Dependencies& dependencies)
-      : catalog_(catalog), frame_(frame), names_(names), lift_(lift_literals), dependencies_(dependencies) {}
+  Translator(const Catalog& catalog, Frame& frame, NameTable& names, bool lift_literals, Dependencies& dependencies,
+             const MemoryBudget& memory)
+      : catalog_(catalog),
+        frame_(frame),
+        names_(names),
+        lift_(lift_literals),
+        dependencies_(dependencies),
+        memory_(memory) {}
 
   /// SELECT (without INTO), with its assignments.
   Compiled CompileQuery(const Query& query);
@@ -214,6 +220,7 @@ class Translator {
   NameTable& names_;
   bool lift_;
   Dependencies& dependencies_;
+  const MemoryBudget& memory_;
   std::vector<BoundParameter> parameters_;
   std::set<std::string> live_variables_;
   std::vector<CommonTableColumns> common_tables_;

@@ -238,6 +238,10 @@ ExitStatus RunCommand(int argc, const char* const* argv) noexcept {
 #ifdef SIGPIPE
   std::signal(SIGPIPE, SIG_IGN);
 #endif
+#ifdef SIGXFSZ
+  // A file that may not grow is a full disk, which the write reports.
+  std::signal(SIGXFSZ, SIG_IGN);
+#endif
   try {
     std::ios::sync_with_stdio(false);
     const Utf8Streams streams;

@@ -444,5 +444,12 @@ TEST(SeedRefusalTest, RefusesADatabaseWithOrdersAndKeepsMasterData) {
   EXPECT_EQ(Count(database, "IC_Web2ERPOrders"), 20);
 }
 
+TEST(SeedRefusalTest, LeavesNothingWhenItFails) {
+  SampleDatabase database;
+  database.connection().Execute("DROP TABLE IC_SfexpressLogisticsOrder");
+  EXPECT_THROW(Seed(database.connection(), {.orders = 20}, {}), Error);
+  EXPECT_EQ(Count(database, "IC_Web2ERPOrders") + Count(database, "t_SystemProfile"), 0);
+}
+
 }  // namespace
 }  // namespace tessarlorn::cli

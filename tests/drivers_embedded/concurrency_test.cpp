@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sqlite3.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -57,6 +58,21 @@ TEST(EmbeddedThreads, ReadersSeeTheLastCommitAndDoNotWait) {
   EXPECT_EQ(Number(*writer, "select FValue from n"), 2);
   writer->RollbackTransaction();
   EXPECT_EQ(Number(*writer, "select FValue from n"), 1);
+}
+
+TEST(EmbeddedThreads, AReaderWaitsForAProgramThatClosesTheFile) {
+  const TemporaryFolder folder;
+  const std::string file = folder.file("closing.db");
+  OpenEmbedded(file)->Execute("create table n (FValue int) insert n values (1)");
+  sqlite3* closing = nullptr;
+  ASSERT_EQ(sqlite3_open(file.c_str(), &closing), SQLITE_OK);
+  sqlite3_exec(closing, "PRAGMA locking_mode = EXCLUSIVE; SELECT * FROM n", nullptr, nullptr, nullptr);
+  std::thread closer([closing] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    sqlite3_close(closing);
+  });
+  EXPECT_EQ(Answer(*OpenConnection("Embedded=" + file + ";Timeout=0"), "select FValue from n"), "FValue;1");
+  closer.join();
 }
 
 TEST(EmbeddedThreads, AWriterThatWaitsTooLongIsTold) {

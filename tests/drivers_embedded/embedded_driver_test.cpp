@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "drivers_embedded/database_support.h"
 #include "support/temporary_folder.h"
@@ -62,20 +64,53 @@ TEST(EmbeddedDriver, AFullDiskIsAnErrorThatLosesNothing) {
   const TemporaryFolder folder;
   const auto connection = OpenEmbedded(folder.file("full.db"));
   connection->Execute("create table n (FText nvarchar(4000)) insert n values ('kept')");
+  OpenEmbedded(folder.file("closed.db"))->Execute("create table n (FText nvarchar(20)) insert n values ('read')");
   // The limit on a file's size stands for the disk: writing beyond it fails as a write to a full disk does.
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit before{};
   getrlimit(RLIMIT_FSIZE, &before);
-  rlimit small = before;
-  small.rlim_cur = 300000;
-  setrlimit(RLIMIT_FSIZE, &small);
+  const auto limit = [&before](rlim_t bytes) {
+    const rlimit small{bytes, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+  };
+  limit(300000);
   const std::string answer = Answer(
       *connection, "declare @i int = 0 while @i < 2000 begin set @i += 1 insert n values (replicate('x', 4000)) end");
+  limit(0);
+  {
+    const auto reader = OpenEmbedded(folder.file("closed.db"));
+    EXPECT_EQ(Answer(*reader, "select FText from n"), "FText;read");
+    EXPECT_THAT(Answer(*reader, "insert n values ('written')"), HasSubstr("error 1105"));
+    EXPECT_FALSE(reader->usable());
+  }
   setrlimit(RLIMIT_FSIZE, &before);
-  EXPECT_THAT(answer, testing::AnyOf(HasSubstr("error 1105"), HasSubstr("error 823")));
+  EXPECT_THAT(answer, HasSubstr("error 1105"));
+  EXPECT_EQ(Answer(*OpenEmbedded(folder.file("closed.db")), "insert n values ('written')"), "");
   EXPECT_EQ(Answer(*connection, "select FText from n where FText not like 'xx%'"), "FText;kept");
   EXPECT_EQ(Answer(*connection, "insert n values ('goes on') select count(*) as n from n where FText = 'goes on'"),
             "n;1");
+}
+
+TEST(EmbeddedDriver, SaysInOneWayThatItMayNotWrite) {
+  const TemporaryFolder folder;
+  const std::string file = folder.file("shown.db");
+  OpenEmbedded(file)->Execute("create table n (FValue int)");
+  // The administrator may write everything.
+  const uid_t user = geteuid();
+  constexpr uid_t kNobody = 65534;
+  const std::string wal = file + "-wal";
+  const std::string place = folder.file("");
+  const struct { mode_t folder, file, wal; } cases[] = {{0777, 0444, 0}, {0555, 0666, 0}, {0777, 0666, 0444}};
+  for (const auto& c : cases) {
+    if (c.wal != 0) std::ofstream(wal).flush();
+    chmod(wal.c_str(), c.wal);
+    chmod(file.c_str(), c.file);
+    chmod(place.c_str(), c.folder);
+    ASSERT_EQ(seteuid(user == 0 ? kNobody : user), 0);
+    EXPECT_THAT(OpenError("Embedded=" + file), HasSubstr("(-wal, -shm) may not be written")) << c.folder << c.file;
+    ASSERT_EQ(seteuid(user), 0);
+  }
+  chmod(place.c_str(), 0777);
 }
 
 TEST(EmbeddedDriver, ANewDatabaseTellsThatItHasNothing) {

@@ -16,11 +16,11 @@ struct SeedOptions {
 };
 
 /// Fills a database that has the schema. Master data and settings that are there already are used as they are; user
-/// 16394 is the administrator of those it brings. Works in transactions of a few thousand orders on the connection,
-/// which must have none open; after each one `progress` is told how many orders of how many are in.
+/// 16394 is the administrator of those it brings. Works in one transaction on the connection, which must have none
+/// open; every few thousand orders and at the end `progress` is told how many orders of how many are in.
 ///
-/// Raises 5 when the database already holds orders or `orders` is negative, and what the database raises; the
-/// transactions before that stay.
+/// Raises 5 when the database already holds orders or `orders` is negative, 0x80040E31 when another program is writing
+/// for longer than the connection waits, and what the database raises; nothing is in then.
 void Seed(Connection& connection, const SeedOptions& options, const std::function<void(int done, int total)>& progress);
 
 }  // namespace tessarlorn::cli

@@ -4,6 +4,7 @@
 #include <thread>
 #include <utility>
 
+#include "drivers/embedded/database_file.h"
 #include "drivers/embedded/functions.h"
 #include "drivers/embedded/list_table.h"
 #include "drivers/embedded/sqlite_value.h"
@@ -135,7 +136,8 @@ int Session::WaitForLock(void* session, int times) {
   Session& self = *static_cast<Session*>(session);
   const auto now = std::chrono::steady_clock::now();
   if (times == 0) self.waiting_since_ = now;
-  const auto longest = std::min(self.longest_wait_, self.lock_timeout_.value_or(self.longest_wait_));
+  auto longest = std::min(self.longest_wait_, self.lock_timeout_.value_or(self.longest_wait_));
+  if (!self.taking_write_lock_) longest = std::max<std::chrono::milliseconds>(longest, kLongestReadWait);
   if (now - self.waiting_since_ >= longest) return 0;
   if (self.runtime_.cancelled.load(std::memory_order_relaxed)) {
     self.runtime_.error = Cancelled();

@@ -214,6 +214,8 @@ class Session {
   std::string_view procedure_;  // whose body runs, "" in a batch
   const std::chrono::milliseconds longest_wait_;
   std::optional<std::chrono::milliseconds> lock_timeout_;
+  bool taking_write_lock_ = false;
+  bool marked_ = false;  // the file, as one of ours
   std::chrono::steady_clock::time_point waiting_since_;
   bool xact_abort_ = false;
   bool no_count_ = false;

@@ -1,5 +1,6 @@
 #include "drivers/embedded/sqlite_handle.h"
 
+#include <cerrno>
 #include <optional>
 
 #include "drivers/embedded/catalog.h"
@@ -52,6 +53,32 @@ std::string IndexOf(sqlite3* database, const std::string& columns) {
                  14);
 }
 
+bool IsDiskFull(int fault) {
+#ifdef _WIN32
+  // ERROR_HANDLE_DISK_FULL, ERROR_DISK_FULL
+  return fault == 39 || fault == 112;
+#else
+  return fault == ENOSPC || fault == EFBIG || fault == EDQUOT;
+#endif
+}
+
+/// Whether a write failed because a file cannot grow. SQLite knows that of some writes, and of a file the last failure.
+bool IsDiskFull(sqlite3* database, int status) {
+  if (database == nullptr) return false;
+  if (IsDiskFull(sqlite3_system_errno(database))) return true;
+  if (status != SQLITE_IOERR_WRITE) return false;
+  for (const int which : {SQLITE_FCNTL_FILE_POINTER, SQLITE_FCNTL_JOURNAL_POINTER}) {
+    sqlite3_file* file = nullptr;
+    int fault = 0;
+    if (sqlite3_file_control(database, "main", which, &file) == SQLITE_OK && file != nullptr &&
+        file->pMethods != nullptr && file->pMethods->xFileControl(file, SQLITE_FCNTL_LAST_ERRNO, &fault) == SQLITE_OK &&
+        IsDiskFull(fault)) {
+      return true;
+    }
+  }
+  return false;
+}
+
 [[noreturn]] void RaiseConstraint(sqlite3* database, int status, std::string_view message, std::string_view verb) {
   const std::string detail(Detail(message));
   switch (status) {
@@ -86,7 +113,9 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
   const int extended = database == nullptr ? status : sqlite3_extended_errcode(database);
   const char* file = database == nullptr ? nullptr : sqlite3_db_filename(database, "main");
   const std::string name = file == nullptr || *file == '\0' ? "in memory" : std::string("'") + file + "'";
-  switch (status & 0xff) {
+  int kind = status & 0xff;
+  if ((kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN) && IsDiskFull(database, extended)) kind = SQLITE_FULL;
+  switch (kind) {
     case SQLITE_CONSTRAINT:
       RaiseConstraint(database, extended, message, verb);
     case SQLITE_BUSY:
@@ -100,6 +129,13 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
     case SQLITE_IOERR:
       throw SqlError(823, "Reading or writing the database " + name + " failed: " + message + ".", 24);
     case SQLITE_READONLY:
+      // The database may be written, but the file of locks had no room (see OpenDatabase).
+      if (extended == SQLITE_READONLY && database != nullptr && sqlite3_db_readonly(database, "main") == 0) {
+        throw SqlError(1105,
+                       "Could not allocate space in the database " + name +
+                           ": the disk was full when it was opened. Free space and open it again.",
+                       17);
+      }
       throw SqlError(3906, "Failed to update the database " + name + " because it is read-only.");
     case SQLITE_CANTOPEN:
       throw SqlError(4060, "Cannot open the database " + name + ": " + message + ".", 11);

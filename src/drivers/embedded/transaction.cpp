@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "drivers/embedded/database_file.h"
 #include "drivers/embedded/session.h"
 #include "platform/text.h"
 
@@ -20,7 +21,14 @@ void Session::EnsureWrite() {
                    "file. Roll back the transaction.");
   }
   if (writing_) return;
-  RunSql(database_.get(), "BEGIN IMMEDIATE", &runtime_);
+  taking_write_lock_ = true;
+  try {
+    RunSql(database_.get(), "BEGIN IMMEDIATE", &runtime_);
+  } catch (...) {
+    taking_write_lock_ = false;
+    throw;
+  }
+  taking_write_lock_ = false;
   writing_ = true;
   // Whoever had the lock may have defined something else.
   catalog_.Refresh();
@@ -29,7 +37,9 @@ void Session::EnsureWrite() {
 void Session::CommitWrite() {
   if (!writing_) return;
   try {
+    if (!marked_) MarkAsOurs(database_.get());
     RunSql(database_.get(), "COMMIT", &runtime_);
+    marked_ = true;
   } catch (const SqlError&) {
     RollbackWrite();
     throw;

@@ -186,6 +186,7 @@ ExitStatus Run(std::span<const std::string> words) {
   AddOpsCommand(app, context);
   AddCallCommand(app, context);
   AddSqlCommand(app, context);
+  AddMaintenanceCommands(app, context);
 #ifdef TESSARLORN_HAS_SERVER
   AddServeCommand(app, context);
 #endif

@@ -1,8 +1,8 @@
 #include <iostream>
 
 #include "cli/commands.h"
+#include "cli/progress.h"
 #include "cli/seed/seed.h"
-#include "cli/terminal.h"
 
 namespace tessarlorn::cli {
 namespace {
@@ -12,27 +12,6 @@ constexpr const char* kFooter =
 
 Example:
   tessarlorn seed --orders 2000 --random-seed 7 --dsn Embedded=orders.db)";
-
-/// Shows how far the work is: a bar on a terminal, else a line for each tenth.
-class Progress {
- public:
-  void Show(int done, int total) {
-    if (total <= 0) return;
-    const int tenth = static_cast<int>(std::int64_t{done} * 10 / total);
-    if (IsErrorTerminal()) {
-      constexpr int kBarWidth = 40;
-      const auto filled = static_cast<std::size_t>(std::int64_t{done} * kBarWidth / total);
-      std::cerr << "\r[" << std::string(filled, '#') << std::string(kBarWidth - filled, '.') << "] " << done << " of "
-                << total << " orders" << (done >= total ? "\n" : "") << std::flush;
-    } else if (tenth > shown_tenth_) {
-      std::cerr << done << " of " << total << " orders\n" << std::flush;
-    }
-    shown_tenth_ = tenth;
-  }
-
- private:
-  int shown_tenth_ = 0;
-};
 
 }  // namespace
 
@@ -48,7 +27,7 @@ void AddSeedCommand(CLI::App& app, CommandContext& context) {
   command->callback([&context, options] {
     context.action = [&context, options] {
       const std::unique_ptr<Connection> connection = context.OpenDatabase();
-      Progress progress;
+      Progress progress("orders");
       Seed(*connection, *options, [&progress](int done, int total) { progress.Show(done, total); });
       std::cout << options->orders << " orders made\n";
       return ExitStatus::kDone;

@@ -53,6 +53,8 @@ void AddSeedCommand(CLI::App& app, CommandContext& context);
 void AddOpsCommand(CLI::App& app, CommandContext& context);
 void AddCallCommand(CLI::App& app, CommandContext& context);
 void AddSqlCommand(CLI::App& app, CommandContext& context);
+/// check, backup and restore.
+void AddMaintenanceCommands(CLI::App& app, CommandContext& context);
 void AddServeCommand(CLI::App& app, CommandContext& context);
 void AddVersionCommand(CLI::App& app, CommandContext& context);
 

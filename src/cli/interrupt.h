@@ -15,4 +15,13 @@ bool WasInterrupted() noexcept;
 /// met the end of that batch, where there was nothing left to cancel.
 void RaiseIfInterrupted();
 
+/// While it lives, the first Ctrl-C ends nothing by itself: what is under way asks with RaiseIfInterrupted.
+class DeferInterrupt {
+ public:
+  DeferInterrupt() noexcept;
+  DeferInterrupt(const DeferInterrupt&) = delete;
+  DeferInterrupt& operator=(const DeferInterrupt&) = delete;
+  ~DeferInterrupt();
+};
+
 }  // namespace tessarlorn::cli

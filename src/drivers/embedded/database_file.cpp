@@ -245,6 +245,14 @@ DatabaseHandle OpenForReading(const std::string& file) {
   return database;
 }
 
+DatabaseHandle OpenCopy(const std::string& file) {
+  DatabaseHandle database =
+      Connect(file, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_EXCLUSIVE, file, kLongestReadWait);
+  // A copy that fails is thrown away.
+  RunSql(database.get(), "PRAGMA journal_mode = OFF; PRAGMA synchronous = FULL");
+  return database;
+}
+
 void MarkAsOurs(sqlite3* database) {
   if (ReadNumber(database, "PRAGMA main.application_id") == kApplicationId) return;
   RunSql(database, "PRAGMA main.application_id = " + std::to_string(kApplicationId));

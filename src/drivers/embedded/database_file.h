@@ -40,6 +40,9 @@ OpenedDatabase OpenDatabase(const DatabaseOptions& options, MissingFile missing 
 /// Opens a file for reading. Nothing is written, not even beside it. Raises like OpenDatabase.
 DatabaseHandle OpenForReading(const std::string& file);
 
+/// Opens an empty file that is to become a copy. It is on the disk when its contents are committed.
+DatabaseHandle OpenCopy(const std::string& file);
+
 /// Gives the file the mark by which it is known as ours, where it has none: files of earlier versions. Within the
 /// caller's transaction.
 void MarkAsOurs(sqlite3* database);

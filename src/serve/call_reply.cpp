@@ -40,7 +40,7 @@ void CallReply::WriteOutputHead(const Parameter& parameter, std::size_t ordinal)
   tokens.U16(static_cast<std::uint16_t>(ordinal));
   tokens.ShortText(parameter.name);
   tokens.U8(kOutput);
-  tokens.U32(0);
+  tokens.Number(0, tokens.version().is_72() ? 4 : 2);
   tokens.U16(kNullable);
 }
 
@@ -58,7 +58,7 @@ void CallReply::WriteEnd() {
     WriteTypeAndInteger(tokens, *text_.handle);
   }
   if (outputs_ == nullptr || outputs_->eof()) return;
-  const RowWriter values(*outputs_, false);
+  const RowWriter values(*outputs_, false, tokens.version());
   for (std::size_t i = 0; i < text_.outputs.size(); ++i) {
     WriteOutputHead(call_.parameters[text_.outputs[i]], text_.outputs[i]);
     values.WriteTypeAndValue(tokens, *outputs_, i + 1);

@@ -10,6 +10,8 @@
 namespace tessarlorn::serve {
 namespace {
 
+constexpr const char* kOldVersionText = "TDS 7.1 to 7.4 is wanted; the client speaks an older version.";
+
 ServerMessage LoginError(std::int32_t number, std::uint8_t severity, std::string text) {
   return {number, 1, severity, 1, std::move(text)};
 }
@@ -129,6 +131,7 @@ bool ClientSession::LogIn() {
       only_login_is_encrypted = AnswerPreLogin(message->payload, deadline);
       continue;
     }
+    if (message->type == PacketType::kOldLogin) return RefuseOld();
     if (message->type != PacketType::kLogin7) throw ProtocolError("a request before the login");
     if (first && service_.tls_required) throw ProtocolError("the client does not encrypt");
     if (only_login_is_encrypted) channel_.EndTls();
@@ -136,9 +139,17 @@ bool ClientSession::LogIn() {
   }
 }
 
+bool ClientSession::RefuseOld() {
+  Log(std::string("refused: ") + kOldVersionText);
+  TdsWriter writer(TdsVersion(0));
+  WriteOldRefusal(writer, kOldVersionText);
+  channel_.Send(writer.bytes(), true);
+  return false;
+}
+
 bool ClientSession::Refuse(const Login& login, const ServerMessage& message, const std::string& why) {
   Log("refused user '" + OnOneLine(login.user) + "': " + why);
-  TdsWriter writer;
+  TdsWriter writer(version_);
   writer.Put(message);
   if (message.number == 4060) {
     writer.Put(LoginError(18456, 14, "Login failed for user '" + login.user + "'."));
@@ -149,9 +160,9 @@ bool ClientSession::Refuse(const Login& login, const ServerMessage& message, con
 }
 
 bool ClientSession::Admit(const Login& login) {
-  if (login.version < kTds73) {
-    return Refuse(login, LoginError(17828, 20, "TDS 7.3 or 7.4 is wanted; the client speaks an older version."),
-                  "the client speaks an older version of TDS");
+  version_ = login.version;
+  if (!version_.is_served()) {
+    return Refuse(login, LoginError(kOldVersion, kOldVersionSeverity, kOldVersionText), kOldVersionText);
   }
   if (login.integrated) {
     return Refuse(login, LoginError(18452, 14, "Login failed. The server knows users by name and password only."),
@@ -173,8 +184,7 @@ bool ClientSession::Admit(const Login& login) {
   } catch (const Error& error) {
     return Refuse(login, LoginError(4060, 11, error.what()), error.what());
   }
-  knows_null_maps_ = login.version >= kTds73b;
-  TdsWriter writer;
+  TdsWriter writer(version_);
   WriteLoginAnswer(writer, login);
   writer.Put(Done{});
   channel_.Send(writer.bytes(), true);
@@ -202,7 +212,7 @@ void ClientSession::Serve() {
 }
 
 void ClientSession::SayGoodbye() {
-  TdsWriter writer;
+  TdsWriter writer(version_);
   writer.Put(LoginError(6005, 14, "SHUTDOWN is in progress."));
   writer.Put(Done{Token::kDone, kDoneError, 0, 0});
   channel_.Send(writer.bytes(), true);
@@ -216,11 +226,11 @@ void ClientSession::ResetConnection() {
 
 void ClientSession::Answer(const Message& request) {
   const bool call = request.type == PacketType::kRpc;
-  Reply reply(channel_, transaction_, interruption_, call ? Token::kDoneInProcedure : Token::kDone, knows_null_maps_);
+  Reply reply(channel_, transaction_, interruption_, call ? Token::kDoneInProcedure : Token::kDone, version_);
   const bool keeps_transaction = (request.status & kResetKeepingTransaction) != 0 && transaction_.open != 0;
   if (!keeps_transaction && (request.status & (kResetConnection | kResetKeepingTransaction)) != 0) {
     ResetConnection();
-    reply.Tokens().PutEnvironmentBytes(Environment::kResetAcknowledged, "", "");
+    if (version_.is_72()) reply.Tokens().PutEnvironmentBytes(Environment::kResetAcknowledged, "", "");
   }
   try {
     if (request.fate == Fate::kTakenBack) return reply.FinishBroken();
@@ -261,8 +271,8 @@ bool ClientSession::EndInterrupted(Reply& reply) {
 
 void ClientSession::AnswerCalls(Reply& reply, std::string_view payload) {
   TdsReader reader(payload);
-  SkipHeaders(reader);
-  CallReader calls(reader);
+  SkipHeaders(reader, version_);
+  CallReader calls(reader, version_);
   for (bool last = false; !last;) {
     if (EndInterrupted(reply)) return;
     // What cannot be read hides what follows.
@@ -310,13 +320,13 @@ bool ClientSession::RunText(BatchSink& sink, std::string_view text) {
 
 void ClientSession::AnswerBatch(Reply& reply, std::string_view payload) {
   TdsReader reader(payload);
-  SkipHeaders(reader);
+  SkipHeaders(reader, version_);
   RunText(reply, TextOfUtf16Bytes(reader.Bytes(reader.left())));
 }
 
 void ClientSession::AnswerTransaction(Reply& reply, std::string_view payload) {
   TdsReader reader(payload);
-  SkipHeaders(reader);
+  SkipHeaders(reader, version_);
   RunText(reply, TransactionRequestText(reader));
 }
 

@@ -55,6 +55,7 @@ class ClientSession final : public Watched {
   bool LogIn();
   bool AnswerPreLogin(std::string_view payload, const Deadline& deadline);
   bool Admit(const Login& login);
+  bool RefuseOld();
   bool Refuse(const Login& login, const ServerMessage& message, const std::string& why);
   void Serve();
   void Answer(const Message& request);
@@ -79,8 +80,7 @@ class ClientSession final : public Watched {
   std::unique_ptr<Connection> connection_;
   PreparedStatements prepared_;
   TransactionState transaction_;
-  // The client knows rows with a map of their nulls.
-  bool knows_null_maps_ = true;
+  TdsVersion version_;
   std::atomic<Interruption> interruption_{Interruption::kNone};
   // What the watcher waits for, 0 when nothing.
   std::atomic<short> watched_events_{0};

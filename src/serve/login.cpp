@@ -107,7 +107,7 @@ Login ReadLogin(std::string_view payload) {
   TdsReader reader(payload);
   if (reader.U32() != payload.size()) throw ProtocolError("the login's length is not that of its message");
   Login login;
-  login.version = reader.U32();
+  login.version = TdsVersion(reader.U32());
   const std::uint32_t wanted = reader.U32();
   if (wanted != 0) login.packet_size = std::clamp<std::size_t>(wanted, kSmallestPacket, kLargestPacket);
   reader.Skip(12);  // version of the program, process, connection
@@ -127,20 +127,39 @@ Login ReadLogin(std::string_view payload) {
   return login;
 }
 
+void WriteOldRefusal(TdsWriter& writer, std::string_view text) {
+  writer.Put(Token::kError);
+  const std::string_view server = kServerName;
+  writer.U16(static_cast<std::uint16_t>(4 + 1 + 1 + 2 + text.size() + 1 + server.size() + 1 + 2));
+  writer.U32(kOldVersion);
+  writer.U8(1);
+  writer.U8(kOldVersionSeverity);
+  writer.U16(static_cast<std::uint16_t>(text.size()));
+  writer.Bytes(text);
+  writer.U8(static_cast<std::uint8_t>(server.size()));
+  writer.Bytes(server);
+  writer.U8(0);  // no procedure
+  writer.U16(1);
+  writer.Put(Done{Token::kDone, kDoneError, 0, 0});
+}
+
 void WriteLoginAnswer(TdsWriter& writer, const Login& login) {
   const auto tell = [&](std::int32_t number, const std::string& text) {
     writer.Put(ServerMessage{number, 1, 0, 1, text});
   };
   writer.PutEnvironment(Environment::kDatabase, kDatabaseName, "");
   tell(5701, std::string("Changed database context to '") + kDatabaseName + "'.");
-  writer.PutEnvironmentBytes(Environment::kCollation, kCollation, "");
+  writer.PutEnvironmentBytes(Environment::kCollation, CollationFor(login.version), "");
   writer.PutEnvironment(Environment::kLanguage, kLanguage, "");
   tell(5703, std::string("Changed language setting to ") + kLanguage + ".");
   writer.Put(Token::kLoginAck);
   const std::size_t start = writer.size();
   writer.U16(0);
   writer.U8(1);  // the language is Transact-SQL
-  const std::uint32_t version = std::min(login.version, kTds74);
+  // The first form of 7.1 is acknowledged with its number turned round.
+  constexpr std::uint32_t kFirst71 = 0x71000000;
+  const std::uint32_t asked = login.version.number();
+  const std::uint32_t version = asked == kFirst71 ? 0x07010000 : std::min(asked, TdsVersion().number());
   for (int shift = 24; shift >= 0; shift -= 8) writer.U8(static_cast<std::uint8_t>((version >> shift) & 0xff));
   writer.ShortText(kServerName);
   writer.U8(kMajorVersion);

@@ -52,7 +52,7 @@ void Reply::Send() {
 
 void Reply::WriteRows(Recordset& rows, bool more) {
   if (!row_writer_) {
-    row_writer_.emplace(rows, more);
+    row_writer_.emplace(rows, more, writer_.version());
     row_writer_->WriteColumns(Tokens());
     rows_written_ = 0;
   }
@@ -60,7 +60,7 @@ void Reply::WriteRows(Recordset& rows, bool more) {
     if (interruption_.load(std::memory_order_relaxed) != Interruption::kNone) {
       Raise(error_number::kCancelled, "The statement was cancelled.");
     }
-    row_writer_->WriteRow(writer_, rows, null_maps_);
+    row_writer_->WriteRow(writer_, rows);
     SendIfLarge();
   }
 }
@@ -100,9 +100,15 @@ void Reply::Fail(const Error& error) {
 
 void Reply::Transaction(TransactionEvent event) {
   TdsWriter& tokens = Tokens();
+  // Clients before 7.2 know no transactions by number, and are told of none.
   if (event == TransactionEvent::kBegun) {
     transaction_.open = ++transaction_.last;
+    if (!tokens.version().is_72()) return;
     tokens.PutEnvironmentBytes(Environment::kTransactionBegun, DescriptorBytes(transaction_.open), "");
+    return;
+  }
+  if (!tokens.version().is_72()) {
+    transaction_.open = 0;
     return;
   }
   const auto kind =

@@ -25,10 +25,9 @@ struct TransactionState {
 class Reply : public BatchSink {
  public:
   /// @param done what ends the results: kDone in a batch, kDoneInProcedure in a call
-  /// @param null_maps see RowWriter
   Reply(Channel& channel, TransactionState& transaction, const std::atomic<Interruption>& interruption, Token done,
-        bool null_maps)
-      : channel_(channel), transaction_(transaction), interruption_(interruption), done_(done), null_maps_(null_maps) {}
+        TdsVersion version)
+      : channel_(channel), transaction_(transaction), interruption_(interruption), done_(done), writer_(version) {}
 
   void Rows(RecordsetPtr rows) override;
   [[nodiscard]] bool takes_parts() const override { return true; }
@@ -62,7 +61,6 @@ class Reply : public BatchSink {
   TransactionState& transaction_;
   const std::atomic<Interruption>& interruption_;
   Token done_;
-  bool null_maps_;
   TdsWriter writer_;
   // Of the result that is being written.
   std::optional<RowWriter> row_writer_;

@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::uint16_t kByNumber = 0xFFFF;
 constexpr std::uint8_t kNextCall = 0xFF;
+constexpr std::uint8_t kNextCallBefore72 = 0x80;
 constexpr std::uint8_t kNextCallUnwanted = 0xFE;
 constexpr std::size_t kMostParameters = 2100;
 constexpr std::size_t kMostCalls = 65'536;
@@ -43,7 +44,12 @@ KnownProcedure Find(std::string_view name) {
   return KnownProcedure::kNone;
 }
 
-Call ReadCall(TdsReader& reader) {
+bool AtNextCall(const TdsReader& reader, TdsVersion version) {
+  if (!version.is_72()) return reader.Peek() == kNextCallBefore72;
+  return reader.Peek() == kNextCall || reader.Peek() == kNextCallUnwanted;
+}
+
+Call ReadCall(TdsReader& reader, TdsVersion version) {
   Call call;
   const std::uint16_t size = reader.U16();
   if (size == kByNumber) {
@@ -57,7 +63,7 @@ Call ReadCall(TdsReader& reader) {
     call.procedure = Find(call.name);
   }
   reader.U16();  // options: nothing here depends on them
-  while (!reader.at_end() && reader.Peek() != kNextCall && reader.Peek() != kNextCallUnwanted) {
+  while (!reader.at_end() && !AtNextCall(reader, version)) {
     if (call.parameters.size() == kMostParameters) {
       RaiseCall(8003, "The incoming request has too many parameters. The server supports a maximum of 2100.");
     }
@@ -182,7 +188,7 @@ CallText ExecutionText(const Call& call, const Prepared& prepared, std::size_t f
 
 Call CallReader::Next() {
   if (++read_ > kMostCalls) RaiseCall(40000, "A request has more than " + std::to_string(kMostCalls) + " calls.");
-  Call call = ReadCall(reader_);
+  Call call = ReadCall(reader_, version_);
   call.is_unwanted = next_is_unwanted_;
   if (!reader_.at_end()) next_is_unwanted_ = reader_.U8() == kNextCallUnwanted;
   at_end_ = reader_.at_end();

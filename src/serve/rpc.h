@@ -34,7 +34,7 @@ struct Call {
 class CallReader {
  public:
   /// @param reader stands behind the request's headers, and lives as long as this
-  explicit CallReader(TdsReader& reader) : reader_(reader) {}
+  CallReader(TdsReader& reader, TdsVersion version) : reader_(reader), version_(version) {}
 
   /// False while there is a call to read. A request has one at least.
   [[nodiscard]] bool at_end() const noexcept { return at_end_; }
@@ -44,6 +44,7 @@ class CallReader {
 
  private:
   TdsReader& reader_;
+  TdsVersion version_;
   std::size_t read_ = 0;
   bool at_end_ = false;
   bool next_is_unwanted_ = false;

@@ -9,6 +9,7 @@ namespace {
 bool IsKnown(PacketType type) {
   switch (type) {
     case PacketType::kSqlBatch:
+    case PacketType::kOldLogin:
     case PacketType::kRpc:
     case PacketType::kAttention:
     case PacketType::kTransactionManager:

@@ -83,7 +83,7 @@ void TdsWriter::Put(const Done& done) {
   Put(done.token);
   U16(done.status);
   U16(done.command);
-  U64(done.rows);
+  Number(done.rows, version_.is_72() ? 8 : 4);
 }
 
 void TdsWriter::Put(const ServerMessage& message) {
@@ -96,7 +96,7 @@ void TdsWriter::Put(const ServerMessage& message) {
   LongText(message.text, kLongestMessage);
   ShortText(kServerName);
   ShortText(message.procedure);
-  U32(message.line);
+  Number(message.line, version_.is_72() ? 4 : 2);
   SetU16(start, static_cast<std::uint16_t>(bytes_.size() - start - 2));
 }
 

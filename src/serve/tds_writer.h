@@ -66,6 +66,11 @@ ServerMessage ToMessage(std::string_view text, const NativeError& about);
 /// Numbers are little-endian, texts UTF-16LE.
 class TdsWriter {
  public:
+  TdsWriter() = default;
+  /// Tokens are laid out for clients of that version.
+  explicit TdsWriter(TdsVersion version) : version_(version) {}
+
+  [[nodiscard]] TdsVersion version() const noexcept { return version_; }
   [[nodiscard]] const std::string& bytes() const noexcept { return bytes_; }
   [[nodiscard]] std::size_t size() const noexcept { return bytes_.size(); }
   void Clear() noexcept { bytes_.clear(); }
@@ -97,6 +102,7 @@ class TdsWriter {
   void PutEnvironmentBytes(Environment kind, std::string_view now, std::string_view before);
 
  private:
+  TdsVersion version_;
   std::string bytes_;
 };
 

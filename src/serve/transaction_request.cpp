@@ -32,7 +32,8 @@ std::string BeginText(TdsReader& reader) {
 
 }  // namespace
 
-void SkipHeaders(TdsReader& reader) {
+void SkipHeaders(TdsReader& reader, TdsVersion version) {
+  if (!version.is_72()) return;
   const std::size_t size = reader.U32();
   if (size < 4) throw ProtocolError("a request's headers are too short");
   reader.Skip(size - 4);

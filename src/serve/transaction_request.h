@@ -8,7 +8,7 @@
 namespace tessarlorn::serve {
 
 /// Reads over the headers that stand before every request of TDS 7.2 and later.
-void SkipHeaders(TdsReader& reader);
+void SkipHeaders(TdsReader& reader, TdsVersion version);
 
 /// The statements that do what the request asks: begin, commit, roll back or save a transaction, set its isolation
 /// level. Raises Error for distributed transactions and other requests that are not supported.

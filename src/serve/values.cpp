@@ -13,6 +13,9 @@ namespace {
 constexpr std::size_t kLongestBytes = 8000;
 constexpr int kTimeScale = 3;
 constexpr std::uint8_t kMoneySize = 8;
+// As texts: 2026-11-03, 09:08:07.123.
+constexpr int kDateLength = 10;
+constexpr int kTimeLength = 12;
 
 void PutType(TdsWriter& writer, TypeCode code) { writer.U8(static_cast<std::uint8_t>(code)); }
 
@@ -21,12 +24,20 @@ void PutSizedType(TdsWriter& writer, TypeCode code, std::uint8_t size) {
   writer.U8(size);
 }
 
-/// Text and binary types. A fixed type without a length does not exist: it is varying then.
+/// Text and binary types. A fixed type without a length does not exist: it is varying then. Before 7.2 what has no
+/// length is ntext or image, with the name of a table.
 void PutLongType(TdsWriter& writer, TypeCode fixed, TypeCode varying, bool is_fixed, std::size_t size, bool text) {
   const bool unlimited = size == 0 || size > kLongestBytes;
+  if (unlimited && !writer.version().is_72()) {
+    constexpr std::uint32_t kLongest = 0x7FFFFFFF;
+    PutType(writer, text ? TypeCode::kNText : TypeCode::kImage);
+    writer.U32(kLongest);
+    if (text) writer.Bytes(CollationFor(writer.version()));
+    return writer.U16(0);
+  }
   PutType(writer, is_fixed && !unlimited ? fixed : varying);
   writer.U16(unlimited ? kUnlimited : static_cast<std::uint16_t>(size));
-  if (text) writer.Bytes(kCollation);
+  if (text) writer.Bytes(CollationFor(writer.version()));
 }
 
 std::uint8_t DecimalSize(int precision) { return precision <= 9 ? 5 : precision <= 19 ? 9 : precision <= 28 ? 13 : 17; }
@@ -59,6 +70,7 @@ void PutFieldType(TdsWriter& writer, const Field& field) {
     case FieldType::kTime:
       return PutSizedType(writer, TypeCode::kTimeN, kTimeScale);
     case FieldType::kDateTime:
+      if (!writer.version().is_73()) return PutSizedType(writer, TypeCode::kDateTimeN, 8);
       return PutSizedType(writer, TypeCode::kDateTime2N, kTimeScale);
     case FieldType::kGuid:
       return PutSizedType(writer, TypeCode::kGuid, 16);
@@ -76,18 +88,33 @@ void PutFieldType(TdsWriter& writer, const Field& field) {
   }
 }
 
+bool IsWide(const Field& field) { return field.type == FieldType::kNChar || field.type == FieldType::kNVarChar; }
+
 bool IsNarrowText(const Field& field) { return field.type == FieldType::kChar || field.type == FieldType::kVarChar; }
 
-/// Whether values of the column come in parts, with a length of 8 bytes before them.
+bool IsLong(const Field& field) {
+  return IsWide(field) || IsNarrowText(field) || field.type == FieldType::kBinary ||
+         field.type == FieldType::kVarBinary;
+}
+
+/// Whether values of the column have no limit: they come in parts, with a length of 8 bytes before them.
 bool InParts(const Field& field) {
   const auto size = static_cast<std::size_t>(std::max(field.size, 0));
-  const bool wide = field.type == FieldType::kNChar || field.type == FieldType::kNVarChar;
-  return size == 0 || size * (wide ? 2 : 1) > kLongestBytes;
+  return IsLong(field) && (size == 0 || size * (IsWide(field) ? 2 : 1) > kLongestBytes);
 }
 
 /// A text or binary value: `put` writes its bytes and answers how many.
 template <typename Put>
 void PutLongValue(TdsWriter& writer, const Field& field, std::size_t bytes, Put put) {
+  if (InParts(field) && !writer.version().is_72()) {
+    // A pointer and a time stamp stand before the value, which mean nothing here.
+    constexpr std::uint8_t kPointerSize = 16;
+    writer.U8(kPointerSize);
+    writer.Bytes(std::string(kPointerSize + 8, '\0'));
+    const std::size_t start = writer.size();
+    writer.U32(0);
+    return writer.SetU32(start, static_cast<std::uint32_t>(put()));
+  }
   if (InParts(field)) {
     writer.U64(kUnknownParts);
     if (bytes > 0) {
@@ -115,6 +142,7 @@ void PutNull(TdsWriter& writer, const Field& field) {
     case FieldType::kNVarChar:
     case FieldType::kBinary:
     case FieldType::kVarBinary:
+      if (InParts(field) && !writer.version().is_72()) return writer.U8(0);
       return InParts(field) ? writer.U64(kNullParts) : writer.U16(kNullLength);
     default:
       return writer.U8(0);
@@ -165,9 +193,15 @@ DayAndTime SplitDay(DateTime value) {
   return {day, rest};
 }
 
-/// As datetime2: its milliseconds are exact, and it has every day.
+/// As datetime2: its milliseconds are exact, and it has every day. Before 7.3 as datetime, in ticks of 1/300 second.
 void PutDateTime(TdsWriter& writer, DateTime value) {
   const auto [day, milliseconds] = SplitDay(value);
+  if (!writer.version().is_73()) {
+    constexpr std::int64_t kLastTick = kMillisecondsOfDay * 3 / 10 - 1;
+    writer.U8(8);
+    writer.U32(static_cast<std::uint32_t>(day));
+    return writer.U32(static_cast<std::uint32_t>(std::min((milliseconds * 3 + 5) / 10, kLastTick)));
+  }
   writer.U8(7);
   writer.U32(static_cast<std::uint32_t>(milliseconds));
   writer.Number(static_cast<std::uint64_t>(day + kDaysBefore1900), 3);
@@ -242,7 +276,12 @@ void PutValue(TdsWriter& writer, const Field& field, const Recordset& rows, std:
     }
     case FieldType::kNChar:
     case FieldType::kNVarChar: {
-      const std::string_view text = rows.GetText(column);
+      std::string moment;
+      if (const FieldType own = rows.fields()[column].type; own == FieldType::kDate || own == FieldType::kTime) {
+        moment = rows.Get(column).ToDateTime().ToString(true);
+        moment = own == FieldType::kDate ? moment.substr(0, kDateLength) : moment.substr(kDateLength + 1);
+      }
+      const std::string_view text = moment.empty() ? rows.GetText(column) : moment;
       return PutLongValue(writer, field, text.size(), [&] { return writer.Text(text); });
     }
     case FieldType::kBinary:
@@ -287,10 +326,28 @@ std::vector<Field> WidestFields(const Recordset& rows) {
   return fields;
 }
 
+/// The fields as older clients know them: texts in UTF-16 before 7.4, dates and times as texts before 7.3.
+std::vector<Field> OlderFields(const Recordset& rows, TdsVersion version) {
+  std::vector<Field> fields = rows.fields();
+  for (Field& field : fields) {
+    if (IsNarrowText(field)) {
+      field.type = field.type == FieldType::kChar ? FieldType::kNChar : FieldType::kNVarChar;
+    } else if (version.is_73()) {
+      continue;
+    } else if (field.type == FieldType::kDate || field.type == FieldType::kTime) {
+      field.size = field.type == FieldType::kDate ? kDateLength : kTimeLength;
+      field.type = FieldType::kNVarChar;
+    }
+  }
+  return fields;
+}
+
 }  // namespace
 
-RowWriter::RowWriter(Recordset& rows, bool more_follow)
-    : own_fields_(more_follow ? WidestFields(rows) : WidenedFields(rows)),
+RowWriter::RowWriter(Recordset& rows, bool more_follow, TdsVersion version)
+    : own_fields_(!version.is_74() ? OlderFields(rows, version)
+                  : more_follow    ? WidestFields(rows)
+                                   : WidenedFields(rows)),
       fields_(own_fields_.empty() ? rows.fields() : own_fields_) {}
 
 void RowWriter::WriteColumns(TdsWriter& writer) const {
@@ -299,14 +356,15 @@ void RowWriter::WriteColumns(TdsWriter& writer) const {
   writer.Put(Token::kColumnMetadata);
   writer.U16(static_cast<std::uint16_t>(fields_.size()));
   for (const Field& field : fields_) {
-    writer.U32(0);  // no user's type
+    writer.Number(0, writer.version().is_72() ? 4 : 2);  // no user's type
     writer.U16(static_cast<std::uint16_t>(kUpdateUnknown | (field.nullable ? kNullable : 0)));
     PutFieldType(writer, field);
     writer.ShortText(field.name);
   }
 }
 
-void RowWriter::WriteRow(TdsWriter& writer, const Recordset& rows, bool null_maps) const {
+void RowWriter::WriteRow(TdsWriter& writer, const Recordset& rows) const {
+  const bool null_maps = writer.version().has_null_maps();
   const std::size_t start = writer.size();
   bool mapped = false;
   for (std::size_t i = 0; null_maps && !mapped && i < fields_.size(); ++i) mapped = rows.IsNull(i);
@@ -334,11 +392,15 @@ void RowWriter::WriteRow(TdsWriter& writer, const Recordset& rows, bool null_map
 }
 
 void RowWriter::WriteTypeAndValue(TdsWriter& writer, const Recordset& rows, std::size_t column) const {
-  PutFieldType(writer, fields_[column]);
+  Field field = fields_[column];
+  // An output value cannot be ntext or image.
+  if (InParts(field) && !writer.version().is_72())
+    field.size = static_cast<int>(kLongestBytes) / (IsWide(field) ? 2 : 1);
+  PutFieldType(writer, field);
   if (rows.IsNull(column)) {
-    PutNull(writer, fields_[column]);
+    PutNull(writer, field);
   } else {
-    PutValue(writer, fields_[column], rows, column);
+    PutValue(writer, field, rows, column);
   }
 }
 

@@ -13,15 +13,15 @@ class RowWriter {
  public:
   /// A char or varchar column is declared wide enough for its longest value in UTF-8: of `rows`, which are at their
   /// first row afterwards, or, when they are not all, for the longest that such a column may have.
-  RowWriter(Recordset& rows, bool more_follow);
+  /// @param version that of the writers below
+  RowWriter(Recordset& rows, bool more_follow, TdsVersion version);
   RowWriter(const RowWriter&) = delete;
   RowWriter& operator=(const RowWriter&) = delete;
 
   /// COLMETADATA.
   void WriteColumns(TdsWriter& writer) const;
   /// The current row. Raises Error for a value that is longer than its column can be.
-  /// @param null_maps the client knows rows with a map of their nulls: those that have any come with one
-  void WriteRow(TdsWriter& writer, const Recordset& rows, bool null_maps) const;
+  void WriteRow(TdsWriter& writer, const Recordset& rows) const;
   /// Type and value of a column of the current row, as an output parameter ends with them.
   void WriteTypeAndValue(TdsWriter& writer, const Recordset& rows, std::size_t column) const;
 

@@ -81,7 +81,6 @@ TEST_F(ClientSessionTest, RefusesOthersAndSaysWhyInTheLog) {
            Case{{.user = "bob"}, "Login failed for user 'bob'.", "refused user 'bob'"},
            Case{{.password = ""}, "Login failed for user 'ann'.", "wrong password"},
            Case{{.database = "master"}, "Cannot open database \"master\"", "unknown database 'master'"},
-           Case{{.version = 0x71000001}, "TDS 7.3 or 7.4 is wanted", "older version"},
        }) {
     log_.clear();
     const std::string answer = Answer(LoginMessage(item.words) + BatchMessage("select 1 a"));
@@ -90,6 +89,19 @@ TEST_F(ClientSessionTest, RefusesOthersAndSaysWhyInTheLog) {
     ASSERT_EQ(log_.size(), 1U) << item.log;
     EXPECT_THAT(log_[0], AllOf(HasSubstr(item.log), Not(HasSubstr("cret"))));
   }
+}
+
+TEST_F(ClientSessionTest, RefusesOldClientsAsTheyReadIt) {
+  LoginWords words;
+  words.version = TdsVersion(0x70000000);
+  const std::string refusal = Answer(LoginMessage(words));
+  EXPECT_THAT(refusal, HasSubstr(Wide("the client speaks an older version.")));
+  const std::string done("\xFD\x02\x00\x00\x00\x00\x00\x00\x00", 9);
+  EXPECT_TRUE(refusal.ends_with(std::string(3, '\0') + "\x01" + std::string(1, '\0') + done))
+      << "line and count are short";
+  const std::string narrow = Answer(ClientMessage(PacketType::kOldLogin, std::string(512, 'x')));
+  EXPECT_THAT(narrow, AllOf(HasSubstr("the client speaks an older version."), testing::EndsWith(done)));
+  EXPECT_EQ(log_.size(), 2U);
 }
 
 TEST_F(ClientSessionTest, EndsMalformedStreamsOnly) {

@@ -19,7 +19,7 @@ TEST(Login, ReadsWhatClientsSay) {
   EXPECT_EQ(login.database, "main");
   EXPECT_EQ(login.host, "host");
   EXPECT_EQ(login.application, "test");
-  EXPECT_EQ(login.version, kTds74);
+  EXPECT_EQ(login.version.number(), TdsVersion().number());
   EXPECT_EQ(login.packet_size, kLargestPacket);
   EXPECT_FALSE(login.integrated);
 }

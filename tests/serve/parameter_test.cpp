@@ -37,7 +37,7 @@ Parameter Read(const Bytes& type_and_value) {
   return parameter;
 }
 
-const Bytes kUtf8(kCollation);
+const Bytes kUtf8(CollationFor(TdsVersion()));
 const Bytes kLatin = Hex("0904D00034");
 
 struct Case {

@@ -78,7 +78,7 @@ TEST(Rpc, KeepsPreparedStatementsWithinBounds) {
 std::vector<Call> ReadAll(std::string_view bytes) {
   TdsReader reader(bytes);
   std::vector<Call> calls;
-  for (CallReader call_reader(reader); !call_reader.at_end();) calls.push_back(call_reader.Next());
+  for (CallReader call_reader(reader, TdsVersion()); !call_reader.at_end();) calls.push_back(call_reader.Next());
   return calls;
 }
 

@@ -108,7 +108,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string rest(reinterpret_cast<const char*>(data) + 1, size - 1);
   using serve::PacketType;
   std::string input;
-  switch (data[0] % 8) {
+  switch (data[0] % 9) {
     case 0:
       input = rest;
       break;
@@ -127,6 +127,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     case 5:
       input = serve::PreLoginMessage(1) + serve::ClientMessage(PacketType::kPreLogin, rest);
       break;
+    case 7: {
+      serve::LoginWords words;
+      words.version = serve::kTds71;
+      input = serve::LoginMessage(words) + serve::ClientMessage(PacketType::kRpc, rest);
+      break;
+    }
     case 6:
       RunWatched(rest, data[0] >= 128);
       return 0;

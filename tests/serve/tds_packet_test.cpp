@@ -65,7 +65,7 @@ TEST(TdsPacket, RefusesWhatIsNoPacketBeforeItTakesMemory) {
         static_cast<char>(type), 0, static_cast<char>(size >> 8), static_cast<char>(size & 0xff), 0, 0, 1, 0};
   };
   for (const std::string& bytes :
-       {packet(2, 8), packet(0x47, 100), packet(1, 7), packet(1, 0xffff), packet(1, 8) + packet(3, 8)}) {
+       {packet(5, 8), packet(0x47, 100), packet(1, 7), packet(1, 0xffff), packet(1, 8) + packet(3, 8)}) {
     PacketAssembler assembler(1000);
     assembler.Feed(bytes);
     EXPECT_THROW((void)assembler.Next(), ProtocolError);

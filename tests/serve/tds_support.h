@@ -41,6 +41,11 @@ class MemoryStream final : public ByteStream {
   std::size_t largest_write_ = 0;
 };
 
+inline constexpr TdsVersion kTds71(0x71000001);
+inline constexpr TdsVersion kTds72(0x72090002);
+inline constexpr TdsVersion kTds73(0x730A0003);
+inline constexpr TdsVersion kTds73b(0x730B0003);
+
 /// A whole message of packets of the default size. `status` joins that of its first packet.
 inline std::string ClientMessage(PacketType type, std::string_view payload, std::uint8_t status = 0) {
   std::string packets;
@@ -102,7 +107,7 @@ struct LoginWords {
   std::string user = "ann";
   std::string password = "s3cret";
   std::string database{};
-  std::uint32_t version = kTds74;
+  TdsVersion version = TdsVersion();
   std::uint32_t packet_size = kDefaultPacket;
 };
 
@@ -120,7 +125,7 @@ inline std::string LoginPayload(const LoginWords& words) {
     }
   };
   writer.U32(0);
-  writer.U32(words.version);
+  writer.U32(words.version.number());
   writer.U32(words.packet_size);
   for (int i = 0; i < 6; ++i) writer.U32(0);
   field("host");

@@ -5,6 +5,8 @@
 #include "platform/error.h"
 #include "platform/text.h"
 #include "serve/login.h"
+#include "serve/tds_support.h"
+#include "serve/tds_support.h"
 #include "support/sample_database.h"
 
 namespace tessarlorn::serve {
@@ -15,13 +17,13 @@ std::string Hex(std::string_view bytes) { return HexText(bytes.data(), bytes.siz
 class ValuesTest : public testing::Test {
  protected:
   /// Type and value of the one column that the query answers, as hexadecimal digits; C stands for the collation.
-  std::string TypeAndValue(const std::string& query) {
+  std::string TypeAndValue(const std::string& query, TdsVersion version = TdsVersion()) {
     const RecordsetPtr rows = database_.connection().Execute(query);
-    const RowWriter row_writer(*rows, false);
-    TdsWriter writer;
+    const RowWriter row_writer(*rows, false, version);
+    TdsWriter writer(version);
     row_writer.WriteTypeAndValue(writer, *rows, 0);
     std::string text = Hex(writer.bytes());
-    const std::string collation = Hex(kCollation);
+    const std::string collation = Hex(CollationFor(version));
     if (const std::size_t at = text.find(collation); at != std::string::npos) text.replace(at, collation.size(), "C");
     return text;
   }
@@ -70,27 +72,66 @@ TEST_F(ValuesTest, KeepTypeAndValue) {
   }
 }
 
+TEST_F(ValuesTest, OlderClientsGetWhatTheyKnow) {
+  struct Case {
+    const char* expression;
+    TdsVersion version;
+    const char* bytes;
+  };
+  for (const Case& item : {
+           Case{"cast(N'中' as varchar(4))", kTds73b, "E70800C02002D4E"},
+           Case{"cast('2024-02-29' as date)", kTds72,
+                "E71400C14003200300032003400"
+                "2D00300032002D0032003900"},
+           Case{"cast('23:59:59.999' as time)", kTds71, "E71800C1800320033003A00350039003A00350039002E00390039003900"},
+           Case{"cast('2024-02-29 12:34:56.790' as datetime)", kTds72,
+                "6F080823B10000"
+                "F55ACF00"},
+           Case{"cast('1899-12-31 23:59:59.999' as datetime2(3))", kTds71, "6F0808FFFFFFFFFF818B01"},
+           Case{"cast('a' as varchar(max))", kTds72, "E7FFFFCFEFFFFFFFFFFFFFF02000000610000000000"},
+           Case{"cast('a' as nvarchar(max))", kTds71, "E7401FC02006100"},
+           Case{"cast(null as varbinary(max))", kTds71, "A5401FFFFF"},
+       }) {
+    EXPECT_EQ(TypeAndValue(std::string("select ") + item.expression + " v", item.version), item.bytes)
+        << item.expression;
+  }
+  const RecordsetPtr rows =
+      database_.connection().Execute("select cast('a' as nvarchar(max)) a, cast(null as varbinary(max)) b");
+  const RowWriter row_writer(*rows, false, kTds71);
+  TdsWriter writer(kTds71);
+  row_writer.WriteColumns(writer);
+  row_writer.WriteRow(writer, *rows);
+  const std::string pointer(48, '0');
+  EXPECT_EQ(Hex(writer.bytes()),
+            "810200"
+            "0000090063FFFFFF7F0408D000000000016100"
+            "0000090022FFFFFF7F0000016200"
+            "D110" +
+                pointer +
+                "020000006100"
+                "00");
+}
+
 TEST_F(ValuesTest, AValueThatDoesNotFitIsAnErrorBehindWholeRows) {
   Recordset rows({{.name = "v", .type = FieldType::kNVarChar, .size = 10}});
   rows.BeginRow();
   rows.AppendText(std::string(4001, 'x'));
-  const RowWriter row_writer(rows, true);
+  const RowWriter row_writer(rows, true, TdsVersion());
   TdsWriter writer;
   writer.U8(7);
-  EXPECT_THROW(row_writer.WriteRow(writer, rows, true), Error);
+  EXPECT_THROW(row_writer.WriteRow(writer, rows), Error);
   EXPECT_EQ(Hex(writer.bytes()), "07");
 }
 
 TEST_F(ValuesTest, RowsWithNullsHaveAMapForWhoKnowsIt) {
   const RecordsetPtr rows = database_.connection().Execute(
       "select cast(1 as tinyint) a, cast(null as tinyint) b union all select cast(2 as tinyint), cast(3 as tinyint)");
-  const RowWriter row_writer(*rows, false);
-  TdsWriter writer;
-  for (; !rows->eof(); rows->MoveNext()) row_writer.WriteRow(writer, *rows, true);
-  EXPECT_EQ(Hex(writer.bytes()), "D2020101D101020103");
-  writer.Clear();
-  for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) row_writer.WriteRow(writer, *rows, false);
-  EXPECT_EQ(Hex(writer.bytes()), "D1010100D101020103");
+  for (const auto& [version, bytes] : {std::pair{kTds73b, "D2020101D101020103"}, {kTds73, "D1010100D101020103"}}) {
+    const RowWriter row_writer(*rows, false, version);
+    TdsWriter writer(version);
+    for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) row_writer.WriteRow(writer, *rows);
+    EXPECT_EQ(Hex(writer.bytes()), bytes);
+  }
 }
 
 }  // namespace

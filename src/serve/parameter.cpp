@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <iconv.h>
 #include <memory>
 
@@ -68,6 +69,7 @@ WireType ReadType(TdsReader& reader) {
       return type;
     case TypeCode::kTimeN:
     case TypeCode::kDateTime2N:
+    case TypeCode::kDateTimeOffsetN:
       type.scale = reader.U8();
       if (type.scale > 7) throw ProtocolError("a time has more than 7 places");
       return type;
@@ -107,8 +109,6 @@ WireType ReadType(TdsReader& reader) {
     case TypeCode::kImage:
       type.size = reader.U32();
       return type;
-    case TypeCode::kDateTimeOffsetN:
-      RefuseType("datetimeoffset");
     default:
       break;
   }
@@ -334,6 +334,16 @@ std::string DateLiteral(const std::string& bytes, const WireType& type) {
       const std::size_t size = bytes.size() - 3;
       return "'" + DateTimeText(days_of(std::string_view(bytes).substr(size)), TimeOf(bytes, size, type.scale)) + "'";
     }
+    case TypeCode::kDateTimeOffsetN: {
+      // The moment stands in UTC; its owner's clock is what becomes a datetime2.
+      RequireSize(bytes, {8, 9, 10});
+      const std::size_t size = bytes.size() - 5;
+      const std::string_view rest = std::string_view(bytes).substr(size);
+      const auto offset = static_cast<std::int16_t>(TdsReader(rest.substr(3)).U16());
+      constexpr int kMostMinutes = 14 * 60;
+      if (std::abs(offset) > kMostMinutes) throw NoValueOfItsType();
+      return "'" + DateTimeText(days_of(rest.substr(0, 3)), TimeOf(bytes, size, type.scale) + offset * 60'000) + "'";
+    }
     default:
       break;
   }
@@ -400,8 +410,10 @@ std::string DeclarationOf(const WireType& type) {
     case TypeCode::kDateTime:
     case TypeCode::kDateTime4:
     case TypeCode::kDateTimeN:
-    case TypeCode::kDateTime2N:
       return "datetime";
+    case TypeCode::kDateTime2N:
+    case TypeCode::kDateTimeOffsetN:
+      return "datetime2";
     case TypeCode::kGuid:
       return "uniqueidentifier";
     case TypeCode::kBigVarBinary:

@@ -26,7 +26,8 @@ struct Parameter {
 
 /// Reads name, flags, type and value. Raises ProtocolError for malformed ones, Error 8023 for a value that its
 /// type does not have (a float that is no number, a date out of range), and Error 40000 for types that the database
-/// does not have: tables, XML, datetimeoffset, variants and users' own.
+/// does not have: tables, XML, variants and users' own. A datetimeoffset becomes a datetime2, as the server converts
+/// it: date and time of its own clock, without the offset.
 Parameter ReadParameter(TdsReader& reader);
 
 /// N'…' with the quotes inside doubled.

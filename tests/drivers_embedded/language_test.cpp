@@ -148,6 +148,7 @@ TEST(Language, TheCatalog) {
       {"select count(*) as n from sys.computed_columns", "n;0"},
       {"select schema_name() as s, object_name(object_id('k')) as o, col_name(object_id('k'), 2) as c, serverproperty('ProductVersion') as v",
        "s|o|c|v;dbo|k|n|11.0.7001.0"},
+      {"select @@max_precision as p, @@language as l", "p|l;38|us_english"},
       {"exec sp_pkeys 'f'",
        "TABLE_QUALIFIER|TABLE_OWNER|TABLE_NAME|COLUMN_NAME|KEY_SEQ|PK_NAME;main|dbo|f|b|1|PK_f;main|dbo|f|a|2|PK_f"},
       {"create table #s (q sysname null, o sysname null, t sysname, u smallint null, i sysname null, x sysname null, k smallint, s smallint null, c "

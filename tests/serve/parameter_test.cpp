@@ -65,7 +65,8 @@ std::vector<Case> Cases() {
       {Hex("6E 04 04 10270000"), "money", "1.0000"},
       {Hex("28 03 80460B"), "date", "'2024-02-29'"},
       {Hex("29 07 05 507CFD7669"), "time", "'12:34:56.789'"},
-      {Hex("2A 03 07 952CB302 80460B"), "datetime", "'2024-02-29 12:34:56.789'"},
+      {Hex("2A 03 07 952CB302 80460B"), "datetime2", "'2024-02-29 12:34:56.789'"},
+      {Hex("2B 07 0A 00A02A4A4B 80460B E001"), "datetime2", "'2024-02-29 16:58:30.272'"},
       {Hex("6F 08 08 25B10000 2D5ACF00"), "datetime", "'2024-02-29 12:34:56.790'"},
       {Hex("6F 04 04 25B1 F202"), "datetime", "'2024-02-29 12:34:00.000'"},
       {Hex("24 10 10 FF19966F868B11D0B42D00C04FC964FF"), "uniqueidentifier", "'6F9619FF-8B86-D011-B42D-00C04FC964FF'"},
@@ -130,7 +131,7 @@ TEST(Parameter, RefusesWhatCannotBe) {
       EXPECT_EQ(error.native().number, 8023) << digits;
     }
   }
-  for (const char* digits : {"62 00000000", "F1 00", "F3 00", "2B 07 00"})
+  for (const char* digits : {"62 00000000", "F1 00", "F3 00"})
     EXPECT_THROW(Read(Hex(digits)), Error) << digits;
 }
 

@@ -47,6 +47,15 @@ constexpr std::string_view kOdbcDetails =
 constexpr std::string_view kTables = R"(CREATE PROCEDURE sp_tables @table_name nvarchar(384) = NULL,
   @table_owner nvarchar(384) = NULL, @table_qualifier nvarchar(128) = NULL, @table_type varchar(100) = NULL,
   @fUsePattern bit = 1 AS
+IF ISNULL(@table_name, '') = '' AND (@table_qualifier = '%' AND ISNULL(@table_owner, '') = ''
+    OR @table_owner = '%' AND ISNULL(@table_qualifier, '') = '' OR @table_type = '%' AND ISNULL(@table_owner, '') = '')
+  SELECT CASE @table_qualifier WHEN '%' THEN DB_NAME() END AS TABLE_QUALIFIER,
+    CAST(CASE WHEN @table_owner = '%' AND n = 1 THEN 'dbo' END AS nvarchar(128)) AS TABLE_OWNER,
+    CAST(NULL AS nvarchar(128)) AS TABLE_NAME,
+    CAST(CASE @table_type WHEN '%' THEN CASE n WHEN 1 THEN 'TABLE' ELSE 'VIEW' END END AS varchar(32)) AS TABLE_TYPE,
+    CAST(NULL AS varchar(254)) AS REMARKS
+  FROM (VALUES (1), (2)) AS rows (n) WHERE n = 1 OR @table_type = '%'
+ELSE
 SELECT DB_NAME() AS TABLE_QUALIFIER, TABLE_SCHEMA AS TABLE_OWNER, TABLE_NAME,
   CAST(CASE TABLE_TYPE WHEN 'VIEW' THEN 'VIEW' ELSE 'TABLE' END AS varchar(32)) AS TABLE_TYPE,
   CAST(NULL AS varchar(254)) AS REMARKS

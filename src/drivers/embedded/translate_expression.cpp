@@ -490,8 +490,10 @@ Typed Translator::Value(const Expression& expression, Scope& scope) {
       return Literal(expression);
     case Expression::Kind::kVariable:
       return VariableValue(expression.text);
-    case Expression::Kind::kGlobal:
-      return MetadataFunction(expression, scope);
+    case Expression::Kind::kGlobal: {
+      Typed value = MetadataFunction(expression, scope);
+      return value.sql.empty() ? ServerFunction(expression, scope) : value;
+    }
     case Expression::Kind::kColumn:
       return ColumnValue(expression, scope);
     case Expression::Kind::kUnary:

@@ -45,6 +45,8 @@ struct Field {
   int precision = 0;
   int scale = 0;
   bool nullable = true;
+  /// The database gives its values. Drivers that do not know say false.
+  bool identity = false;
 };
 
 class Recordset;

@@ -30,6 +30,32 @@ std::string OnOneLine(std::string_view text) {
   return line;
 }
 
+/// Counts the rows of a bulk load, and keeps its first error.
+class BulkSink final : public BatchSink {
+ public:
+  /// @param transactions is told what becomes of the client's transaction; nullptr when that is none of the client's
+  explicit BulkSink(BatchSink* transactions) : transactions_(transactions) {}
+
+  void Rows(RecordsetPtr /*rows*/) override {}
+  void RowCount(std::int64_t rows) override { rows_ += rows; }
+  void Message(std::string_view /*text*/, const NativeError& /*about*/) override {}
+  bool StatementFailed(const Error& error) override {
+    if (!error_) error_ = error;
+    return true;
+  }
+  void Transaction(TransactionEvent event) override {
+    if (transactions_ != nullptr) transactions_->Transaction(event);
+  }
+
+  [[nodiscard]] std::int64_t rows() const noexcept { return rows_; }
+  [[nodiscard]] const std::optional<Error>& error() const noexcept { return error_; }
+
+ private:
+  BatchSink* transactions_;
+  std::int64_t rows_ = 0;
+  std::optional<Error> error_;
+};
+
 /// While it lives, the watcher looks after the client.
 class BeingWatched {
  public:
@@ -232,6 +258,7 @@ void ClientSession::Answer(const Message& request) {
     ResetConnection();
     if (version_.is_72()) reply.Tokens().PutEnvironmentBytes(Environment::kResetAcknowledged, "", "");
   }
+  const std::optional<BulkTarget> bulk = std::exchange(bulk_, std::nullopt);
   try {
     if (request.fate == Fate::kTakenBack) return reply.FinishBroken();
     if (request.fate == Fate::kTooLong) {
@@ -241,6 +268,10 @@ void ClientSession::Answer(const Message& request) {
     switch (request.type) {
       case PacketType::kSqlBatch:
         AnswerBatch(reply, request.payload);
+        break;
+      case PacketType::kBulkLoad:
+        if (!bulk) RaiseRequest("Rows of a bulk load came without an INSERT BULK before them.");
+        AnswerBulkLoad(reply, request.payload, *bulk);
         break;
       case PacketType::kRpc:
         return AnswerCalls(reply, request.payload);
@@ -321,7 +352,37 @@ bool ClientSession::RunText(BatchSink& sink, std::string_view text) {
 void ClientSession::AnswerBatch(Reply& reply, std::string_view payload) {
   TdsReader reader(payload);
   SkipHeaders(reader, version_);
-  RunText(reply, TextOfUtf16Bytes(reader.Bytes(reader.left())));
+  const std::string text = TextOfUtf16Bytes(reader.Bytes(reader.left()));
+  bulk_ = ReadBulkInsert(text);
+  if (!bulk_) RunText(reply, text);
+}
+
+void ClientSession::AnswerBulkLoad(Reply& reply, const std::string& payload, const BulkTarget& target) {
+  TdsReader reader(payload);
+  BulkRows rows(reader, version_, target);
+  // Inside a transaction of the client's a save point takes back what a failing load has done.
+  const bool own = transaction_.open == 0;
+  BulkSink sink(own ? nullptr : &reply);
+  const auto run = [&](const std::string& text) { return RunText(sink, text) && !sink.error(); };
+  // Values for an identity column come only when they are to be kept.
+  std::string names;
+  for (const std::string& column : target.columns) names += (names.empty() ? "" : ", ") + TextLiteral(column);
+  const std::string identity = "IF EXISTS (SELECT 1 FROM sys.identity_columns WHERE object_id = OBJECT_ID(" +
+                               TextLiteral(target.table) + ") AND QUOTENAME(name) IN (" + names +
+                               ")) SET IDENTITY_INSERT " + target.table;
+  bool done = run(own ? "BEGIN TRANSACTION" : "SAVE TRANSACTION [bulk load]") && run(identity + " ON");
+  try {
+    for (std::string text; done && !(text = rows.Next()).empty();) done = run(text);
+  } catch (const Error& error) {
+    done = false;
+    sink.StatementFailed(error);
+  }
+  if (done) done = run(identity + " OFF") && (!own || run("COMMIT TRANSACTION"));
+  if (done) return reply.RowCount(sink.rows());
+  if (sink.error()) reply.Fail(*sink.error());
+  connection_->ExecuteAll(identity + " OFF", sink);
+  connection_->ExecuteAll(
+      own ? "IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION" : "IF XACT_STATE() = 1 ROLLBACK TRANSACTION [bulk load]", sink);
 }
 
 void ClientSession::AnswerTransaction(Reply& reply, std::string_view payload) {

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "platform/connection.h"
+#include "serve/bulk_load.h"
 #include "serve/channel.h"
 #include "serve/limits.h"
 #include "serve/login.h"
@@ -63,6 +64,8 @@ class ClientSession final : public Watched {
   void AnswerCalls(Reply& reply, std::string_view payload);
   /// False when the request was broken off.
   bool AnswerCall(Reply& reply, const Call& call);
+  /// Inserts the rows of a bulk load: all or none.
+  void AnswerBulkLoad(Reply& reply, const std::string& payload, const BulkTarget& target);
   void AnswerTransaction(Reply& reply, std::string_view payload);
   void ResetConnection();
   /// Runs a text; its failure is the sink's, too.
@@ -80,6 +83,8 @@ class ClientSession final : public Watched {
   std::unique_ptr<Connection> connection_;
   PreparedStatements prepared_;
   TransactionState transaction_;
+  // The batch before asked for a bulk load, whose rows come now.
+  std::optional<BulkTarget> bulk_;
   TdsVersion version_;
   std::atomic<Interruption> interruption_{Interruption::kNone};
   // What the watcher waits for, 0 when nothing.

@@ -21,16 +21,6 @@ namespace {
 
 constexpr std::size_t kCollationSize = 5;
 
-/// The type of a parameter as its bytes say.
-struct WireType {
-  TypeCode code = TypeCode::kNull;
-  /// Most bytes of a value; kUnlimited when it comes in parts.
-  std::size_t size = 0;
-  int precision = 0;
-  int scale = 0;
-  std::string_view collation;
-};
-
 [[noreturn]] void RefuseType(const char* name) {
   throw Error(error_number::kNotSupported, kServerName,
               std::string("Parameters of the type ") + name + " are not supported.", {40000, "0A000"});
@@ -38,93 +28,6 @@ struct WireType {
 
 /// The bytes of a value have the right length, and mean nothing.
 struct NoValueOfItsType {};
-
-WireType ReadType(TdsReader& reader) {
-  WireType type;
-  type.code = static_cast<TypeCode>(reader.U8());
-  switch (type.code) {
-    case TypeCode::kNull:
-      return type;
-    case TypeCode::kInt1:
-    case TypeCode::kBit:
-      type.size = 1;
-      return type;
-    case TypeCode::kInt2:
-      type.size = 2;
-      return type;
-    case TypeCode::kInt4:
-    case TypeCode::kFloat4:
-    case TypeCode::kDateTime4:
-    case TypeCode::kMoney4:
-      type.size = 4;
-      return type;
-    case TypeCode::kInt8:
-    case TypeCode::kFloat8:
-    case TypeCode::kMoney:
-    case TypeCode::kDateTime:
-      type.size = 8;
-      return type;
-    case TypeCode::kDateN:
-      type.size = 3;
-      return type;
-    case TypeCode::kTimeN:
-    case TypeCode::kDateTime2N:
-    case TypeCode::kDateTimeOffsetN:
-      type.scale = reader.U8();
-      if (type.scale > 7) throw ProtocolError("a time has more than 7 places");
-      return type;
-    case TypeCode::kGuid:
-    case TypeCode::kIntN:
-    case TypeCode::kBitN:
-    case TypeCode::kFloatN:
-    case TypeCode::kMoneyN:
-    case TypeCode::kDateTimeN:
-      type.size = reader.U8();
-      return type;
-    case TypeCode::kDecimalN:
-    case TypeCode::kNumericN:
-      type.size = reader.U8();
-      type.precision = reader.U8();
-      type.scale = reader.U8();
-      if (type.precision < 1 || type.precision > Decimal::kMaxDigits || type.scale > type.precision) {
-        throw ProtocolError("a decimal's precision or scale is out of range");
-      }
-      return type;
-    case TypeCode::kBigVarBinary:
-    case TypeCode::kBigBinary:
-      type.size = reader.U16();
-      return type;
-    case TypeCode::kBigVarChar:
-    case TypeCode::kBigChar:
-    case TypeCode::kNVarChar:
-    case TypeCode::kNChar:
-      type.size = reader.U16();
-      type.collation = reader.Bytes(kCollationSize);
-      return type;
-    case TypeCode::kText:
-    case TypeCode::kNText:
-      type.size = reader.U32();
-      type.collation = reader.Bytes(kCollationSize);
-      return type;
-    case TypeCode::kImage:
-      type.size = reader.U32();
-      return type;
-    default:
-      break;
-  }
-  switch (static_cast<std::uint8_t>(type.code)) {
-    case 0x62:
-      RefuseType("sql_variant");
-    case 0xF0:
-      RefuseType("of a user's own");
-    case 0xF1:
-      RefuseType("xml");
-    case 0xF3:
-      RefuseType("table");
-    default:
-      throw ProtocolError("a parameter has an unknown type");
-  }
-}
 
 bool IsUtf16(TypeCode code) {
   return code == TypeCode::kNVarChar || code == TypeCode::kNChar || code == TypeCode::kNText;
@@ -453,33 +356,22 @@ std::string LiteralOf(const WireType& type, const std::string& value) {
   }
 }
 
-}  // namespace
-
-std::string TextLiteral(std::string_view text) { return "N'" + ReplaceAll(text, "'", "''") + "'"; }
-
-Parameter ReadParameter(TdsReader& reader) {
-  constexpr std::uint8_t kByReference = 0x01;
-  constexpr std::uint8_t kDefault = 0x02;
-  Parameter parameter;
-  parameter.name = reader.ShortText();
-  const std::uint8_t flags = reader.U8();
-  parameter.is_output = (flags & kByReference) != 0;
-  parameter.is_default = (flags & kDefault) != 0;
-  const WireType type = ReadType(reader);
+/// Fills in type, literal and value.
+void ReadInto(Parameter& parameter, TdsReader& reader, const WireType& type) {
   parameter.type = DeclarationOf(type);
   const std::optional<std::string> value = ReadValue(reader, type);
   if (!value) {
     parameter.literal = "NULL";
-    return parameter;
+    return;
   }
   if (IsText(type.code)) {
     parameter.text = IsUtf16(type.code) ? TextOfUtf16Bytes(*value) : NarrowText(*value, type.collation);
     parameter.literal = TextLiteral(*parameter.text);
-    return parameter;
+    return;
   }
   if (IsBinary(type.code)) {
     parameter.literal = "0x" + HexText(value->data(), value->size());
-    return parameter;
+    return;
   }
   try {
     parameter.literal = LiteralOf(type, *value);
@@ -490,6 +382,119 @@ Parameter ReadParameter(TdsReader& reader) {
                 {8023, "42000"});
   }
   if (IsInteger(type.code)) parameter.number = IntegerOf(*value);
+}
+
+}  // namespace
+
+std::string TextLiteral(std::string_view text) { return "N'" + ReplaceAll(text, "'", "''") + "'"; }
+
+bool WireType::is_old_long() const noexcept {
+  return code == TypeCode::kText || code == TypeCode::kNText || code == TypeCode::kImage;
+}
+
+WireType ReadWireType(TdsReader& reader) {
+  WireType type;
+  type.code = static_cast<TypeCode>(reader.U8());
+  switch (type.code) {
+    case TypeCode::kNull:
+      return type;
+    case TypeCode::kInt1:
+    case TypeCode::kBit:
+      type.size = 1;
+      return type;
+    case TypeCode::kInt2:
+      type.size = 2;
+      return type;
+    case TypeCode::kInt4:
+    case TypeCode::kFloat4:
+    case TypeCode::kDateTime4:
+    case TypeCode::kMoney4:
+      type.size = 4;
+      return type;
+    case TypeCode::kInt8:
+    case TypeCode::kFloat8:
+    case TypeCode::kMoney:
+    case TypeCode::kDateTime:
+      type.size = 8;
+      return type;
+    case TypeCode::kDateN:
+      type.size = 3;
+      return type;
+    case TypeCode::kTimeN:
+    case TypeCode::kDateTime2N:
+    case TypeCode::kDateTimeOffsetN:
+      type.scale = reader.U8();
+      if (type.scale > 7) throw ProtocolError("a time has more than 7 places");
+      return type;
+    case TypeCode::kGuid:
+    case TypeCode::kIntN:
+    case TypeCode::kBitN:
+    case TypeCode::kFloatN:
+    case TypeCode::kMoneyN:
+    case TypeCode::kDateTimeN:
+      type.size = reader.U8();
+      return type;
+    case TypeCode::kDecimalN:
+    case TypeCode::kNumericN:
+      type.size = reader.U8();
+      type.precision = reader.U8();
+      type.scale = reader.U8();
+      if (type.precision < 1 || type.precision > Decimal::kMaxDigits || type.scale > type.precision) {
+        throw ProtocolError("a decimal's precision or scale is out of range");
+      }
+      return type;
+    case TypeCode::kBigVarBinary:
+    case TypeCode::kBigBinary:
+      type.size = reader.U16();
+      return type;
+    case TypeCode::kBigVarChar:
+    case TypeCode::kBigChar:
+    case TypeCode::kNVarChar:
+    case TypeCode::kNChar:
+      type.size = reader.U16();
+      type.collation = reader.Bytes(kCollationSize);
+      return type;
+    case TypeCode::kText:
+    case TypeCode::kNText:
+      type.size = reader.U32();
+      type.collation = reader.Bytes(kCollationSize);
+      return type;
+    case TypeCode::kImage:
+      type.size = reader.U32();
+      return type;
+    default:
+      break;
+  }
+  switch (static_cast<std::uint8_t>(type.code)) {
+    case 0x62:
+      RefuseType("sql_variant");
+    case 0xF0:
+      RefuseType("of a user's own");
+    case 0xF1:
+      RefuseType("xml");
+    case 0xF3:
+      RefuseType("table");
+    default:
+      throw ProtocolError("a parameter has an unknown type");
+  }
+}
+
+std::string ReadLiteral(TdsReader& reader, const WireType& type, const std::string& name) {
+  Parameter parameter;
+  parameter.name = name;
+  ReadInto(parameter, reader, type);
+  return parameter.literal;
+}
+
+Parameter ReadParameter(TdsReader& reader) {
+  constexpr std::uint8_t kByReference = 0x01;
+  constexpr std::uint8_t kDefault = 0x02;
+  Parameter parameter;
+  parameter.name = reader.ShortText();
+  const std::uint8_t flags = reader.U8();
+  parameter.is_output = (flags & kByReference) != 0;
+  parameter.is_default = (flags & kDefault) != 0;
+  ReadInto(parameter, reader, ReadWireType(reader));
   return parameter;
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "serve/tds_reader.h"
+#include "serve/type_codes.h"
 
 namespace tessarlorn::serve {
 
@@ -23,6 +24,24 @@ struct Parameter {
   std::optional<std::string> text;
   std::optional<std::int64_t> number;
 };
+
+/// A type as its bytes say.
+struct WireType {
+  TypeCode code = TypeCode::kNull;
+  /// Most bytes of a value; kUnlimited when it comes in parts.
+  std::size_t size = 0;
+  int precision = 0;
+  int scale = 0;
+  std::string_view collation;
+
+  /// text, ntext and image.
+  [[nodiscard]] bool is_old_long() const noexcept;
+};
+
+/// Raises as ReadParameter does.
+WireType ReadWireType(TdsReader& reader);
+/// The value of a column or parameter of the type, as a literal. @param name for messages
+std::string ReadLiteral(TdsReader& reader, const WireType& type, const std::string& name);
 
 /// Reads name, flags, type and value. Raises ProtocolError for malformed ones, Error 8023 for a value that its
 /// type does not have (a float that is no number, a date out of range), and Error 40000 for types that the database

@@ -20,6 +20,7 @@ enum class PacketType : std::uint8_t {
   kRpc = 3,
   kReply = 4,
   kAttention = 6,
+  kBulkLoad = 7,
   kTransactionManager = 14,
   kLogin7 = 16,
   kPreLogin = 18,

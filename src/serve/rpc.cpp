@@ -6,6 +6,7 @@
 
 #include "platform/error.h"
 #include "platform/text.h"
+#include "serve/object_name.h"
 
 namespace tessarlorn::serve {
 namespace {
@@ -72,32 +73,12 @@ Call ReadCall(TdsReader& reader, TdsVersion version) {
   return call;
 }
 
-/// A procedure's name of one or more parts, each in brackets: nothing in it can be read as anything but a name.
+/// A procedure's name, each part in brackets.
 std::string QuotedName(std::string_view name) {
-  const auto refuse = [&] { RaiseCall(2812, "Could not find stored procedure '" + std::string(name) + "'."); };
-  std::string quoted;
-  std::size_t i = 0;
-  for (;;) {
-    std::string part;
-    if (i < name.size() && (name[i] == '[' || name[i] == '"')) {
-      const char close = name[i] == '[' ? ']' : '"';
-      for (++i; i < name.size(); ++i) {
-        if (name[i] == close && (i + 1 == name.size() || name[i + 1] != close)) break;
-        if (name[i] == close) ++i;
-        part += name[i];
-      }
-      if (i++ >= name.size()) refuse();
-    } else {
-      while (i < name.size() && IsNameCharacter(name[i])) part += name[i++];
-    }
-    if (!part.empty()) quoted += "[" + ReplaceAll(part, "]", "]]") + "]";
-    if (i == name.size()) {
-      if (part.empty()) refuse();
-      return quoted;
-    }
-    if (name[i++] != '.') refuse();
-    quoted += '.';
-  }
+  std::size_t end = 0;
+  const std::optional<std::string> quoted = TakeName(name, end);
+  if (!quoted || end != name.size()) RaiseCall(2812, "Could not find stored procedure '" + std::string(name) + "'.");
+  return *quoted;
 }
 
 /// Raises when a parameter's name is anything but a name.

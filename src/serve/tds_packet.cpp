@@ -11,6 +11,7 @@ bool IsKnown(PacketType type) {
     case PacketType::kSqlBatch:
     case PacketType::kOldLogin:
     case PacketType::kRpc:
+    case PacketType::kBulkLoad:
     case PacketType::kAttention:
     case PacketType::kTransactionManager:
     case PacketType::kLogin7:

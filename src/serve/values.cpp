@@ -353,11 +353,13 @@ RowWriter::RowWriter(Recordset& rows, bool more_follow, TdsVersion version)
 void RowWriter::WriteColumns(TdsWriter& writer) const {
   constexpr std::uint16_t kNullable = 0x01;
   constexpr std::uint16_t kUpdateUnknown = 0x08;
+  constexpr std::uint16_t kIdentity = 0x10;
   writer.Put(Token::kColumnMetadata);
   writer.U16(static_cast<std::uint16_t>(fields_.size()));
   for (const Field& field : fields_) {
     writer.Number(0, writer.version().is_72() ? 4 : 2);  // no user's type
-    writer.U16(static_cast<std::uint16_t>(kUpdateUnknown | (field.nullable ? kNullable : 0)));
+    writer.U16(static_cast<std::uint16_t>(kUpdateUnknown | (field.nullable ? kNullable : 0) |
+                                          (field.identity ? kIdentity : 0)));
     PutFieldType(writer, field);
     writer.ShortText(field.name);
   }

@@ -71,6 +71,10 @@ Session::Flow Session::ExecuteBody(const std::vector<StatementPtr>& body, Scope&
 
 Session::Flow Session::Execute(const Statement& statement, Scope& scope) {
   using Kind = Statement::Kind;
+  if (format_only_ && statement.kind != Kind::kSetOption) {
+    if (statement.kind == Kind::kSelect) DescribeSelect(statement, scope);
+    return Flow::kNormal;
+  }
   if (implicit_transactions_ && depth_ == 0) BeginImplicitTransaction(statement);
   LockFor(statement);
   switch (statement.kind) {
@@ -259,6 +263,25 @@ void Session::ExecuteSelect(const Statement& statement, Scope& scope) {
   ReadRows(compiled, query, results_->wants_more());
 }
 
+void Session::DescribeSelect(const Statement& statement, Scope& scope) {
+  if (!statement.query->select || !statement.query->select->into.name.empty()) return;
+  const Snapshot snapshot(*this);
+  const std::vector<TableSourcePtr>& from = statement.query->select->from;
+  const bool plain = from.size() == 1 && from[0]->kind == TableSource::Kind::kTable;
+  const CatalogObjectPtr table = plain ? catalog_.Find(from[0]->table.name) : nullptr;
+  const int identity = table == nullptr ? -1 : table->identity_column();
+  std::vector<Field> fields;
+  for (const ResultColumn& column : CompiledStatement(statement, scope).columns) {
+    Field& field = fields.emplace_back(ToField(column.name, column.type, column.nullable));
+    field.identity = identity >= 0 && identity == table->FindColumn(column.name);
+  }
+  if (fields.empty()) return;
+  auto rows = std::make_shared<Recordset>(std::move(fields));
+  rows->Finish();
+  results_->any = true;
+  results_->sink.Rows(std::move(rows));
+}
+
 void Session::ExecuteSelectInto(const Statement& statement, Scope& scope) {
   const Snapshot snapshot(*this);
   const Query& query = *statement.query;
@@ -436,8 +459,8 @@ void Session::ExecuteSetOption(const Statement& statement, Scope& scope) {
   constexpr std::array kAlwaysOn = {
       "ansi_nulls",        "ansi_padding",     "ansi_warnings", "arithabort", "concat_null_yields_null",
       "quoted_identifier", "ansi_null_dflt_on"};
-  constexpr std::array kAlwaysOff = {"numeric_roundabort", "noexec",        "parseonly",    "fmtonly",
-                                     "showplan_all",       "showplan_text", "showplan_xml", "ansi_null_dflt_off"};
+  constexpr std::array kAlwaysOff = {"numeric_roundabort", "noexec",       "parseonly",         "showplan_all",
+                                     "showplan_text",      "showplan_xml", "ansi_null_dflt_off"};
   const std::string& option = statement.text;
   row_count_ = 0;
   if (option == "identity_insert") {
@@ -450,6 +473,10 @@ void Session::ExecuteSetOption(const Statement& statement, Scope& scope) {
   }
   if (option == "nocount") {
     no_count_ = statement.flag;
+    return;
+  }
+  if (option == "fmtonly") {
+    format_only_ = statement.flag;
     return;
   }
   if (option == "implicit_transactions") {

@@ -383,6 +383,7 @@ void Session::Reset() {
   runtime_.date_order = DateOrder::kMdy;
   xact_abort_ = false;
   no_count_ = false;
+  format_only_ = false;
   implicit_transactions_ = false;
   lock_timeout_.reset();
   row_count_ = 0;

@@ -123,6 +123,8 @@ class Session {
   Flow ExecuteTryCatch(const Statement& statement, Scope& scope);
   Flow ExecuteWhile(const Statement& statement, Scope& scope);
   void ExecuteSelect(const Statement& statement, Scope& scope);
+  /// SET FMTONLY ON: the columns of a query, without a row.
+  void DescribeSelect(const Statement& statement, Scope& scope);
   void ExecuteSelectInto(const Statement& statement, Scope& scope);
   void ExecuteChange(const Statement& statement, Scope& scope);
   /// Whether it answered rows, by OUTPUT.
@@ -219,6 +221,7 @@ class Session {
   std::chrono::steady_clock::time_point waiting_since_;
   bool xact_abort_ = false;
   bool no_count_ = false;
+  bool format_only_ = false;  // queries answer their columns, and nothing else runs
   bool implicit_transactions_ = false;
   bool doomed_ = false;  // the transaction can only be rolled back
   std::string identity_insert_;

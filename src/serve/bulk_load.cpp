@@ -114,7 +114,7 @@ bool BulkRows::AddRow(std::string& text) {
       if (!null) reader_.Skip(pointer + 8);
     }
     if (!null) literal = ReadLiteral(reader_, types_[i], target_.columns[i]);
-    if (literal == "NULL" && !target_.keep_nulls) literal = "DEFAULT";
+    if (literal == "NULL" && !target_.keep_nulls && target_.defaults[i]) literal = "DEFAULT";
     if (i > 0) text += ',';
     text += literal;
   }

@@ -16,6 +16,8 @@ struct BulkTarget {
   std::string table;
   /// In brackets.
   std::vector<std::string> columns;
+  /// Whether each has a default.
+  std::vector<bool> defaults;
   /// A NULL stays one; otherwise it becomes the column's default.
   bool keep_nulls = false;
 };

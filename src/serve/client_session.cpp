@@ -357,30 +357,42 @@ void ClientSession::AnswerBatch(Reply& reply, std::string_view payload) {
   if (!bulk_) RunText(reply, text);
 }
 
-void ClientSession::AnswerBulkLoad(Reply& reply, const std::string& payload, const BulkTarget& target) {
-  TdsReader reader(payload);
-  BulkRows rows(reader, version_, target);
+void ClientSession::AnswerBulkLoad(Reply& reply, const std::string& payload, BulkTarget target) {
   // Inside a transaction of the client's a save point takes back what a failing load has done.
   const bool own = transaction_.open == 0;
   BulkSink sink(own ? nullptr : &reply);
   const auto run = [&](const std::string& text) { return RunText(sink, text) && !sink.error(); };
   // Values for an identity column come only when they are to be kept.
-  std::string names;
-  for (const std::string& column : target.columns) names += (names.empty() ? "" : ", ") + TextLiteral(column);
-  const std::string identity = "IF EXISTS (SELECT 1 FROM sys.identity_columns WHERE object_id = OBJECT_ID(" +
-                               TextLiteral(target.table) + ") AND QUOTENAME(name) IN (" + names +
-                               ")) SET IDENTITY_INSERT " + target.table;
-  bool done = run(own ? "BEGIN TRANSACTION" : "SAVE TRANSACTION [bulk load]") && run(identity + " ON");
+  target.defaults.assign(target.columns.size(), false);
+  std::string identity = "SET IDENTITY_INSERT " + target.table;
+  bool has_identity = false;
+  const RecordsetPtr columns = connection_->Query(
+      "SELECT QUOTENAME(c.name) AS n, d.COLUMN_DEFAULT AS d, c.is_identity AS i FROM sys.columns c JOIN"
+      " INFORMATION_SCHEMA.COLUMNS d ON d.COLUMN_NAME = c.name AND d.TABLE_NAME = OBJECT_NAME(c.object_id)"
+      " WHERE c.object_id = OBJECT_ID(" +
+      TextLiteral(target.table) + ")");
+  for (; !columns->eof(); columns->MoveNext()) {
+    for (std::size_t i = 0; i < target.columns.size(); ++i) {
+      if (!EqualsIgnoreCase(columns->GetText(0), target.columns[i])) continue;
+      target.defaults[i] = !columns->IsNull(1);
+      has_identity = has_identity || columns->Get(2).ToInt32() != 0;
+    }
+  }
+  TdsReader reader(payload);
+  BulkRows rows(reader, version_, target);
+  bool done = run(own ? "BEGIN TRANSACTION" : "SAVE TRANSACTION [bulk load]");
+  if (done && has_identity) done = run(identity + " ON");
   try {
     for (std::string text; done && !(text = rows.Next()).empty();) done = run(text);
   } catch (const Error& error) {
     done = false;
     sink.StatementFailed(error);
   }
-  if (done) done = run(identity + " OFF") && (!own || run("COMMIT TRANSACTION"));
+  if (done && has_identity) done = run(identity + " OFF");
+  if (done && own) done = run("COMMIT TRANSACTION");
   if (done) return reply.RowCount(sink.rows());
   if (sink.error()) reply.Fail(*sink.error());
-  connection_->ExecuteAll(identity + " OFF", sink);
+  if (has_identity) connection_->ExecuteAll(identity + " OFF", sink);
   connection_->ExecuteAll(
       own ? "IF @@TRANCOUNT > 0 ROLLBACK TRANSACTION" : "IF XACT_STATE() = 1 ROLLBACK TRANSACTION [bulk load]", sink);
 }

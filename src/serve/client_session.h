@@ -65,7 +65,7 @@ class ClientSession final : public Watched {
   /// False when the request was broken off.
   bool AnswerCall(Reply& reply, const Call& call);
   /// Inserts the rows of a bulk load: all or none.
-  void AnswerBulkLoad(Reply& reply, const std::string& payload, const BulkTarget& target);
+  void AnswerBulkLoad(Reply& reply, const std::string& payload, BulkTarget target);
   void AnswerTransaction(Reply& reply, std::string_view payload);
   void ResetConnection();
   /// Runs a text; its failure is the sink's, too.

@@ -133,7 +133,8 @@ class Parser {
   QueryPtr ParseUnion();
   QueryPtr ParseIntersect();
   QueryPtr ParseQueryPrimary();
-  QueryPtr ParseRows();
+  /// @param inserted a value may be DEFAULT
+  QueryPtr ParseRows(bool inserted = false);
   std::unique_ptr<Select> ParseSelect();
   SelectItem ParseSelectItem();
   [[nodiscard]] std::size_t StarAhead() const;

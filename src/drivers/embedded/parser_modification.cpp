@@ -40,7 +40,7 @@ StatementPtr Parser::ParseInsert() {
     if (!statement->output.empty()) Refuse("OUTPUT with INSERT … EXEC");
     statement->execute = ParseExecute(false);
   } else if (At("values"_kw)) {
-    statement->query = ParseRows();
+    statement->query = ParseRows(true);
   } else {
     statement->query = ParseStatementQuery();
   }

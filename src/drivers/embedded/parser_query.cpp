@@ -141,12 +141,17 @@ QueryPtr Parser::ParseQueryPrimary() {
   return query;
 }
 
-QueryPtr Parser::ParseRows() {
+QueryPtr Parser::ParseRows(bool inserted) {
   auto query = std::make_unique<Query>();
   Expect("values"_kw);
   do {
     Expect(Op::kLeftParen);
-    query->rows.push_back(ParseValues());
+    std::vector<ExpressionPtr>& row = query->rows.emplace_back();
+    do {
+      const bool is_default = inserted && At("default"_kw) && (At(Op::kComma, 1) || At(Op::kRightParen, 1));
+      row.push_back(is_default ? MakeNode(Expression::Kind::kColumn) : ParseValue());
+      if (is_default) row.back()->parts.push_back(LowerCase(Take().text));
+    } while (Accept(Op::kComma));
     Expect(Op::kRightParen);
   } while (Accept(Op::kComma));
   return query;

@@ -155,7 +155,11 @@ Compiled Translator::CompileInsert(const Statement& statement, bool identity_ins
                                  EqualsIgnoreCase(value.parts[0], "default");
         if (i > 0) sql += ", ";
         if (use_default) {
-          const auto own = Defaults(*table, {});
+          std::vector<int> others;
+          for (int other = 0; other < static_cast<int>(table->columns.size()); ++other) {
+            if (other != positions[i]) others.push_back(other);
+          }
+          const auto own = Defaults(*table, others);
           const auto found =
               std::find_if(own.begin(), own.end(), [&](const auto& entry) { return entry.first == column.name; });
           sql += found == own.end() ? "NULL" : found->second;

@@ -6,6 +6,7 @@
 #include <iostream>
 #include <mutex>
 #include <string>
+#include <sys/resource.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -20,7 +21,7 @@ namespace tessarlorn::cli {
 namespace {
 
 constexpr const char* kFooter =
-    R"(Serves the database over TDS 7.3 and 7.4, the protocol of SQL Server's clients, until Ctrl-C or SIGTERM. The first line
+    R"(Serves the database over TDS 7.1 to 7.4, the protocol of SQL Server's clients, until Ctrl-C or SIGTERM. The first line
 of its output is "listening on ADDRESS:PORT"; port 0 is any free one. The log goes to standard error. Clients that are
 slow to read are cut off five seconds after Ctrl-C, or by a second one.
 
@@ -180,6 +181,21 @@ serve::Service MakeService(const ServeOptions& options, const serve::Address& ad
   return service;
 }
 
+/// Takes as many open files as the system allows, and says when they are too few for all clients.
+void AllowOpenFiles(std::size_t clients) {
+  constexpr rlim_t kOfClient = 3;  // its socket, the database and its log
+  constexpr rlim_t kOfServer = 24;
+  rlimit files{};
+  if (getrlimit(RLIMIT_NOFILE, &files) != 0) return;
+  files.rlim_cur = files.rlim_max;
+  setrlimit(RLIMIT_NOFILE, &files);
+  getrlimit(RLIMIT_NOFILE, &files);
+  if (files.rlim_cur >= kOfClient * clients + kOfServer) return;
+  const rlim_t enough = files.rlim_cur <= kOfServer ? 0 : (files.rlim_cur - kOfServer) / kOfClient;
+  WriteLog("the system allows " + std::to_string(files.rlim_cur) + " open files (ulimit -n), which is enough for " +
+           std::to_string(enough) + " clients");
+}
+
 ExitStatus RunServe(const ServeOptions& options, const CommandContext& context) {
   if (!options.add_user.empty()) return AddUser(options);
   if (options.address.empty()) throw UsageError("--tds ADDRESS:PORT is required, as --tds 127.0.0.1:1433");
@@ -194,6 +210,7 @@ ExitStatus RunServe(const ServeOptions& options, const CommandContext& context) 
   }
   // A database that cannot be opened is told now, not to the first client; one in memory lives as long as the server.
   const std::unique_ptr<Connection> keeper = OpenConnection(service.database_string);
+  AllowOpenFiles(service.limits.connections);
   serve::Server server(address, std::move(service));
   const EndedBySignals ended(server);
   std::cout << "listening on " << server.address().ToText() << '\n' << std::flush;

@@ -1,9 +1,13 @@
 #include "serve/client_session.h"
 
+#include <cerrno>
+#include <fcntl.h>
+#include <new>
 #include <utility>
 
 #include "platform/text.h"
 #include "serve/call_reply.h"
+#include "serve/socket.h"
 #include "serve/tds_reader.h"
 #include "serve/transaction_request.h"
 
@@ -120,6 +124,7 @@ void ClientSession::Run() noexcept {
   if (!end.empty()) Log(end);
   // What the client left open is rolled back now.
   connection_.reset();
+  if (logged_in_.exchange(false)) service_.gate->Leave();
 }
 
 bool ClientSession::AnswerPreLogin(std::string_view payload, const Deadline& deadline) {
@@ -185,6 +190,71 @@ bool ClientSession::Refuse(const Login& login, const ServerMessage& message, con
   return false;
 }
 
+bool ClientSession::CheckPassword(const Login& login) {
+  const std::string address = peer_.substr(0, peer_.rfind(':'));
+  const std::chrono::milliseconds delay = service_.gate->Delay(login.user, address);
+  if (delay.count() > 0) {
+    Log("after failed logins by user '" + OnOneLine(login.user) + "' or from this address it waits " +
+        std::to_string(delay.count()) + " ms");
+    service_.gate->Wait(delay);
+  }
+  const bool right = service_.users.Check(login.user, login.password);
+  if (right) {
+    service_.gate->NoteSuccess(login.user);
+  } else {
+    service_.gate->NoteFailure(login.user, address);
+  }
+  return right;
+}
+
+bool ClientSession::OpenDatabase(const Login& login) {
+  constexpr std::int32_t kTooMany = 17809;
+  constexpr std::uint8_t kTooManySeverity = 20;
+  if (!service_.gate->Enter(service_.limits.connections)) {
+    const std::string all = std::to_string(service_.limits.connections);
+    return Refuse(login,
+                  LoginError(kTooMany, kTooManySeverity,
+                             "Could not connect because the maximum number of '" + all +
+                                 "' user connections has already been reached."),
+                  "there are " + all + " clients already");
+  }
+  try {
+    connection_ = OpenConnection(service_.database_string);
+  } catch (const std::exception&) {
+    const Error error = HandledError();
+    // The driver's words do not say it when the process has no descriptor left.
+    const Descriptor spare(open("/dev/null", O_RDONLY | O_CLOEXEC));
+    const bool short_of_files = spare.get() < 0 && (errno == EMFILE || errno == ENFILE);
+    const std::string why = short_of_files ? "Could not connect: the server has too many open files." : error.what();
+    service_.gate->Leave();
+    return Refuse(login, short_of_files ? LoginError(kTooMany, kTooManySeverity, why) : LoginError(4060, 11, why), why);
+  }
+  logged_in_.store(true);
+  return true;
+}
+
+Error ClientSession::HandledError() const {
+  try {
+    throw;
+  } catch (const ProtocolError&) {
+    throw;
+  } catch (const Error& error) {
+    return error;
+  } catch (const std::bad_alloc&) {
+    Log("inner error: no memory");
+    return {error_number::kDatabaseFailure,
+            kServerName,
+            "There is insufficient system memory to run this query.",
+            {701, "HY001", 17}};
+  } catch (const std::exception& error) {
+    Log(std::string("inner error: ") + error.what());
+    return {error_number::kDatabaseFailure,
+            kServerName,
+            "An internal error ended the request; the server's log says which.",
+            {8624, "HY000", 16}};
+  }
+}
+
 bool ClientSession::Admit(const Login& login) {
   version_ = login.version;
   if (!version_.is_served()) {
@@ -194,7 +264,7 @@ bool ClientSession::Admit(const Login& login) {
     return Refuse(login, LoginError(18452, 14, "Login failed. The server knows users by name and password only."),
                   "integrated login is not supported");
   }
-  if (!service_.users.Check(login.user, login.password)) {
+  if (!CheckPassword(login)) {
     return Refuse(login, LoginError(18456, 14, "Login failed for user '" + login.user + "'."),
                   "unknown user or wrong password");
   }
@@ -205,11 +275,7 @@ bool ClientSession::Admit(const Login& login) {
                    "Cannot open database \"" + login.database + "\" requested by the login. The login failed."),
         "unknown database '" + OnOneLine(login.database) + "'");
   }
-  try {
-    connection_ = OpenConnection(service_.database_string);
-  } catch (const Error& error) {
-    return Refuse(login, LoginError(4060, 11, error.what()), error.what());
-  }
+  if (!OpenDatabase(login)) return false;
   TdsWriter writer(version_);
   WriteLoginAnswer(writer, login);
   writer.Put(Done{});
@@ -283,8 +349,8 @@ void ClientSession::Answer(const Message& request) {
       default:
         throw ProtocolError("a request of a type that does not belong here");
     }
-  } catch (const Error& error) {
-    reply.Fail(error);
+  } catch (const std::exception&) {
+    reply.Fail(HandledError());
     if (call) return reply.FinishCall(true);
   }
   if (!EndInterrupted(reply)) reply.Finish();
@@ -312,8 +378,8 @@ void ClientSession::AnswerCalls(Reply& reply, std::string_view payload) {
       const Call call = calls.Next();
       last = calls.at_end();
       if (!call.is_unwanted && !AnswerCall(reply, call)) return;
-    } catch (const Error& error) {
-      reply.Fail(error);
+    } catch (const std::exception&) {
+      reply.Fail(HandledError());
     }
     reply.FinishCall(last);
   }
@@ -343,7 +409,8 @@ bool ClientSession::RunText(BatchSink& sink, std::string_view text) {
     const BeingWatched watched(watcher_, *this);
     connection_->ExecuteAll(text, sink);
     return true;
-  } catch (const Error& error) {
+  } catch (const std::exception&) {
+    const Error error = HandledError();
     if (interruption_.load() == Interruption::kNone) sink.StatementFailed(error);
     return false;
   }
@@ -384,9 +451,9 @@ void ClientSession::AnswerBulkLoad(Reply& reply, const std::string& payload, Bul
   if (done && has_identity) done = run(identity + " ON");
   try {
     for (std::string text; done && !(text = rows.Next()).empty();) done = run(text);
-  } catch (const Error& error) {
+  } catch (const std::exception&) {
     done = false;
-    sink.StatementFailed(error);
+    sink.StatementFailed(HandledError());
   }
   if (done && has_identity) done = run(identity + " OFF");
   if (done && own) done = run("COMMIT TRANSACTION");

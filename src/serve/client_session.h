@@ -12,6 +12,7 @@
 #include "serve/channel.h"
 #include "serve/limits.h"
 #include "serve/login.h"
+#include "serve/login_gate.h"
 #include "serve/reply.h"
 #include "serve/rpc.h"
 #include "serve/tls.h"
@@ -34,6 +35,7 @@ struct Service {
   std::function<void(const std::string&)> log;
   /// Statements are logged, too.
   bool verbose = false;
+  std::shared_ptr<LoginGate> gate = std::make_shared<LoginGate>();
 };
 
 /// Runs on one thread, but for Stop() and what the watcher calls.
@@ -47,6 +49,9 @@ class ClientSession final : public Watched {
   /// The server ends: the running batch is cancelled, and the client is told when it can be.
   void Stop() noexcept;
 
+  /// Whether its login is done. May be called from any thread.
+  [[nodiscard]] bool logged_in() const noexcept { return logged_in_.load(); }
+
   [[nodiscard]] pollfd watched() const noexcept override;
   void Look(bool hung_up) noexcept override;
   void CancelIfWanted() noexcept override;
@@ -57,6 +62,11 @@ class ClientSession final : public Watched {
   bool AnswerPreLogin(std::string_view payload, const Deadline& deadline);
   bool Admit(const Login& login);
   bool RefuseOld();
+  /// Whether user and password are right. After failed logins it waits.
+  bool CheckPassword(const Login& login);
+  bool OpenDatabase(const Login& login);
+  /// The error that is being handled, as the client is told of it: never in the words of the C++ library.
+  Error HandledError() const;
   bool Refuse(const Login& login, const ServerMessage& message, const std::string& why);
   void Serve();
   void Answer(const Message& request);
@@ -86,6 +96,7 @@ class ClientSession final : public Watched {
   // The batch before asked for a bulk load, whose rows come now.
   std::optional<BulkTarget> bulk_;
   TdsVersion version_;
+  std::atomic<bool> logged_in_{false};
   std::atomic<Interruption> interruption_{Interruption::kNone};
   // What the watcher waits for, 0 when nothing.
   std::atomic<short> watched_events_{0};

@@ -7,7 +7,10 @@
 namespace tessarlorn::serve {
 
 struct Limits {
+  /// Clients that are logged in.
   std::size_t connections = 200;
+  /// Connections that have not logged in yet, beside the clients. One more takes the place of the oldest.
+  std::size_t waiting = 32;
   /// Bytes of a message: a batch with its headers, or a call with its parameters.
   std::size_t message = std::size_t{64} << 20;
   /// From the connection to the end of the login.

@@ -40,6 +40,7 @@ struct Server::Client {
   Socket socket;
   ClientSession session;
   std::atomic<bool> ended{false};
+  bool displaced = false;  // it has to go for others
   std::thread thread;
 };
 
@@ -93,16 +94,13 @@ void Server::Accept() {
   if (descriptor.get() < 0) {
     // Without a free descriptor the waiting client stays, and would be met again at once.
     if (errno == EMFILE || errno == ENFILE || errno == ENOMEM) {
-      service_.log(std::string("cannot take a client: ") + std::strerror(errno));
+      LogSeldom(std::string("cannot take a client: ") + std::strerror(errno));
       std::this_thread::sleep_for(std::chrono::milliseconds(100));
     }
     return;
   }
   const std::string peer = PeerText(storage, size);
-  if (clients_.size() >= service_.limits.connections) {
-    service_.log(peer + ": refused: there are " + std::to_string(clients_.size()) + " clients already");
-    return;
-  }
+  MakePlace();
   clients_.push_back(std::make_unique<Client>(std::move(descriptor), service_, peer, watcher_));
   Client& client = *clients_.back();
   try {
@@ -113,9 +111,35 @@ void Server::Accept() {
       Wake();
     });
   } catch (const std::system_error& error) {
-    service_.log(peer + ": refused: " + error.what());
+    LogSeldom(peer + ": refused: " + error.what());
     clients_.pop_back();
   }
+}
+
+void Server::MakePlace() {
+  std::size_t waiting = 0;
+  Client* oldest = nullptr;
+  for (const std::unique_ptr<Client>& client : clients_) {
+    if (client->session.logged_in() || client->ended || client->displaced) continue;
+    ++waiting;
+    if (oldest == nullptr) oldest = client.get();
+  }
+  if (waiting < service_.limits.waiting) return;
+  oldest->displaced = true;
+  shutdown(oldest->socket.descriptor(), SHUT_RDWR);
+  LogSeldom("more than " + std::to_string(service_.limits.waiting) +
+            " connections have not logged in: the oldest one is dropped for each new one");
+}
+
+void Server::LogSeldom(const std::string& line) {
+  constexpr std::chrono::seconds kPause{10};
+  if (next_line_ && !next_line_->has_passed()) {
+    ++unsaid_lines_;
+    return;
+  }
+  service_.log(unsaid_lines_ == 0 ? line : line + " (and " + std::to_string(unsaid_lines_) + " lines like it before)");
+  unsaid_lines_ = 0;
+  next_line_ = Deadline(kPause);
 }
 
 void Server::JoinEnded() {
@@ -131,6 +155,7 @@ void Server::JoinEnded() {
 
 void Server::EndAll() noexcept {
   listening_ = Descriptor();
+  service_.gate->Stop();
   for (const std::unique_ptr<Client>& client : clients_) {
     client->session.Stop();
     // An idle client's thread wakes up; one that writes has a while to come to its end.

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <list>
 #include <memory>
+#include <optional>
 
 #include "serve/client_session.h"
 #include "serve/socket.h"
@@ -21,7 +22,8 @@ class Server {
 
   /// With the port that was chosen.
   [[nodiscard]] const Address& address() const noexcept { return address_; }
-  /// Serves until Stop() is called, then ends all clients: running batches are cancelled and rolled back.
+  /// Serves until Stop() is called, then ends all clients: running batches are cancelled, and open transactions rolled
+  /// back. What a batch had done without a transaction stays.
   void Run();
   /// May be called from any thread, or from a signal handler. Called again it no longer waits for clients that are slow
   /// to read.
@@ -30,6 +32,10 @@ class Server {
  private:
   struct Client;
   void Accept();
+  /// Makes place for one more connection: of those that have not logged in, the oldest goes when they are too many.
+  void MakePlace();
+  /// Logs at most one line in ten seconds, with the number of those before it that were left out.
+  void LogSeldom(const std::string& line);
   void JoinEnded();
   void EndAll() noexcept;
   /// Makes Run() look up from waiting.
@@ -43,7 +49,10 @@ class Server {
   Descriptor wake_writing_;
   std::atomic<int> stops_{0};
   Watcher watcher_;
-  std::list<std::unique_ptr<Client>> clients_;  // of the thread that runs Run()
+  // Of the thread that runs Run().
+  std::list<std::unique_ptr<Client>> clients_;  // the oldest first
+  std::optional<Deadline> next_line_;
+  std::size_t unsaid_lines_ = 0;
 };
 
 }  // namespace tessarlorn::serve

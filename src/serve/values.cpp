@@ -386,7 +386,7 @@ void RowWriter::WriteRow(TdsWriter& writer, const Recordset& rows) const {
         PutNull(writer, fields_[i]);
       }
     }
-  } catch (const Error&) {
+  } catch (const std::exception&) {
     // An error's token may follow a whole row only.
     writer.CutTo(start);
     throw;

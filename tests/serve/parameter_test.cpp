@@ -131,8 +131,7 @@ TEST(Parameter, RefusesWhatCannotBe) {
       EXPECT_EQ(error.native().number, 8023) << digits;
     }
   }
-  for (const char* digits : {"62 00000000", "F1 00", "F3 00"})
-    EXPECT_THROW(Read(Hex(digits)), Error) << digits;
+  for (const char* digits : {"62 00000000", "F1 00", "F3 00"}) EXPECT_THROW(Read(Hex(digits)), Error) << digits;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <list>
 #include <netinet/in.h>
 #include <poll.h>
 #include <random>
@@ -225,10 +226,13 @@ TEST(ServerThreads, KeepsToItsLimits) {
     Client first(server.port());
     first.Send(LoginMessage());
     EXPECT_THAT(first.Receive(), HasSubstr(Wide("main")));
-    const Client second(server.port());
-    const Client third(server.port());
-    EXPECT_TRUE(third.IsEnded());
-    EXPECT_TRUE(server.WaitForLog("refused: there are 2 clients already"));
+    Client second(server.port());
+    second.Send(LoginMessage());
+    EXPECT_THAT(second.Receive(), HasSubstr(Wide("main")));
+    Client third(server.port());
+    third.Send(LoginMessage());
+    EXPECT_THAT(third.Receive(), HasSubstr(Wide("maximum number of '2' user connections")));
+    EXPECT_TRUE(server.WaitForLog("there are 2 clients already"));
     EXPECT_TRUE(first.IsEnded()) << "idle";
   }
   // Many megabytes for a client that reads nothing. On a busy machine the two that went are counted for a while.
@@ -245,6 +249,18 @@ TEST(ServerThreads, KeepsToItsLimits) {
       BatchMessage("declare @t nvarchar(max) = replicate(cast('x' as nvarchar(max)), 8000) "
                    "select @t a from IC_Web2ERPOrders x cross join IC_Web2ERPOrders y"));
   EXPECT_TRUE(server.WaitForLog("the client does not read what it asked for"));
+}
+
+TEST(ServerThreads, SilentConnectionsLeavePlaceForLogins) {
+  const ServerProcess server({"--max-connections", "1"});
+  std::list<Client> silent;
+  for (int i = 0; i < 60; ++i) silent.emplace_back(server.port());
+  Client client(server.port());
+  client.Send(LoginMessage());
+  EXPECT_THAT(client.Receive(), HasSubstr(Wide("main")));
+  EXPECT_TRUE(silent.front().IsEnded());
+  EXPECT_TRUE(server.WaitForLog("the oldest one is dropped"));
+  EXPECT_EQ(Count(server.Log(), "the oldest one is dropped"), 1U);
 }
 
 TEST(ServerThreads, ALoginHasOneTimeHoweverItComes) {

@@ -6,7 +6,6 @@
 #include "platform/text.h"
 #include "serve/login.h"
 #include "serve/tds_support.h"
-#include "serve/tds_support.h"
 #include "support/sample_database.h"
 
 namespace tessarlorn::serve {

@@ -47,6 +47,7 @@ struct ServeOptions {
   bool verbose = false;
   int connections = 200;
   int message_megabytes = 64;
+  int memory_megabytes = 1024;
   int login_seconds = 15;
   int idle_seconds = 8 * 3600;
   int send_seconds = 30;
@@ -167,6 +168,7 @@ serve::Service MakeService(const ServeOptions& options, const serve::Address& ad
   if (!EqualsIgnoreCase(Trim(prefix), "Embedded")) {
     throw UsageError("only an embedded database is served, as --dsn Embedded=orders.db");
   }
+  service.database_string += ";MaxMemory=" + std::to_string(options.memory_megabytes);
   service.users = serve::Users::Read(options.users);
   if (!options.certificate.empty()) {
     service.tls = std::make_shared<serve::TlsContext>(options.certificate, options.key);
@@ -239,6 +241,7 @@ void AddServeCommand(CLI::App& app, CommandContext& context) {
   };
   limit("--max-connections", options->connections, 10'000, "Clients at once");
   limit("--max-message", options->message_megabytes, 1024, "Megabytes of a batch, or of a call with its parameters");
+  limit("--max-memory", options->memory_megabytes, 65'536, "Megabytes that a client's batch may take (16 at least)");
   limit("--login-timeout", options->login_seconds, 3600, "Seconds that a login may take");
   limit("--idle-timeout", options->idle_seconds, 7 * 86'400, "Seconds that a client may be silent");
   limit("--send-timeout", options->send_seconds, 3600, "Seconds that a client may take to read 64 KB of an answer");

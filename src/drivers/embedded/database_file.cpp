@@ -85,7 +85,10 @@ DatabaseHandle Connect(const std::string& name, int flags, const std::string& sh
   sqlite3_db_config(opened, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
   sqlite3_db_config(opened, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
   sqlite3_limit(opened, SQLITE_LIMIT_VARIABLE_NUMBER, 250000);
-  RunSql(opened, "PRAGMA temp_store = MEMORY; PRAGMA foreign_keys = ON; PRAGMA cache_size = -65536");
+  // Temporary tables and sorts go to a file when they outgrow their cache.
+  RunSql(opened,
+         "PRAGMA temp_store = FILE; PRAGMA foreign_keys = ON; PRAGMA cache_size = -65536; "
+         "PRAGMA temp.cache_size = -32768");
   return database;
 }
 
@@ -178,19 +181,23 @@ OpenedDatabase OpenFile(const DatabaseOptions& options) {
 }  // namespace
 
 DatabaseOptions ParseDatabaseOptions(std::string_view text) {
-  constexpr int kMostSeconds = 3600;
   DatabaseOptions options;
+  const auto number = [](const std::string& key, const std::string& value, int least, int most, const char* unit) {
+    int read = 0;
+    const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), read);
+    if (error != std::errc{} || end != value.data() + value.size() || read < least || read > most) {
+      RaiseLogin(key + " in the connection string is '" + value + "'; a number of " + unit + " from " +
+                 std::to_string(least) + " to " + std::to_string(most) + " is wanted.");
+    }
+    return read;
+  };
   for (const auto& [key, value] : ParsePairs(text)) {
     if (EqualsIgnoreCase(key, "Embedded")) {
       options.file = value;
     } else if (EqualsIgnoreCase(key, "Timeout")) {
-      int seconds = 0;
-      const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), seconds);
-      if (error != std::errc{} || end != value.data() + value.size() || seconds < 0 || seconds > kMostSeconds) {
-        RaiseLogin("Timeout in the connection string is '" + value +
-                   "'; a number of seconds from 0 to 3600 is wanted.");
-      }
-      options.timeout = std::chrono::seconds(seconds);
+      options.timeout = std::chrono::seconds(number("Timeout", value, 0, 3600, "seconds"));
+    } else if (EqualsIgnoreCase(key, "MaxMemory")) {
+      options.memory = static_cast<std::size_t>(number("MaxMemory", value, 16, 65536, "megabytes")) << 20;
     } else if (EqualsIgnoreCase(key, "Synchronous")) {
       options.full = EqualsIgnoreCase(value, "Full");
       if (!options.full && !EqualsIgnoreCase(value, "Normal")) {
@@ -198,7 +205,7 @@ DatabaseOptions ParseDatabaseOptions(std::string_view text) {
       }
     } else {
       RaiseLogin("The connection string has an unknown key '" + key +
-                 "'; known are Embedded, Timeout and Synchronous.");
+                 "'; known are Embedded, Timeout, Synchronous and MaxMemory.");
     }
   }
   if (options.file.empty()) RaiseLogin("Embedded= in the connection string names no file.");
@@ -211,7 +218,7 @@ OpenedDatabase OpenDatabase(const DatabaseOptions& options, MissingFile missing)
         "file:/tessarlorn-" + options.file.substr(std::string_view(":memory:").size()) + "?vfs=memdb";
     OpenedDatabase opened{
         Connect(name, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_URI, options.file, options.timeout)};
-    Catalog::Make(opened.handle.get());
+    MakeCatalog(opened.handle.get());
     return opened;
   }
   std::error_code ignored;

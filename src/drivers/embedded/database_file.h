@@ -16,6 +16,8 @@ struct DatabaseOptions {
   std::chrono::seconds timeout{30};
   /// Whether a commit waits for the disk.
   bool full = true;
+  /// Bytes that a batch may take, see MemoryBudget.
+  std::size_t memory = std::size_t{1} << 30;
 
   [[nodiscard]] bool in_memory() const { return file.starts_with(":memory:"); }
 };

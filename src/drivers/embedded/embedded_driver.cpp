@@ -30,8 +30,8 @@ auto Translated(Body body) {
 
 class EmbeddedConnection final : public Connection {
  public:
-  EmbeddedConnection(OpenedDatabase database, std::chrono::seconds lock_timeout)
-      : session_(std::move(database.handle), lock_timeout), reads_only_(database.reads_only) {}
+  EmbeddedConnection(OpenedDatabase database, const embedded::DatabaseOptions& options)
+      : session_(std::move(database.handle), options.timeout, options.memory), reads_only_(database.reads_only) {}
 
   void BeginTransaction() override {
     Translated([&] { session_.BeginContainerTransaction(); });
@@ -70,7 +70,7 @@ class EmbeddedDriver final : public Driver {
   [[nodiscard]] std::unique_ptr<Connection> Open(std::string_view database_string) override {
     return Translated([&]() -> std::unique_ptr<Connection> {
       const embedded::DatabaseOptions options = embedded::ParseDatabaseOptions(database_string);
-      return std::make_unique<EmbeddedConnection>(embedded::OpenDatabase(options), options.timeout);
+      return std::make_unique<EmbeddedConnection>(embedded::OpenDatabase(options), options);
     });
   }
 };

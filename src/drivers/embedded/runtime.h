@@ -54,7 +54,7 @@ class Frame {
 };
 
 struct Runtime {
-  explicit Runtime(std::size_t memory_limit) : memory(memory_limit) {}
+  explicit Runtime(std::size_t memory_limit = MemoryBudget::kDefaultLimit) : memory(memory_limit) {}
 
   MemoryBudget memory;
   /// Set when the batch is cancelled; long row functions look at it.

@@ -144,6 +144,7 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
     case SQLITE_NOMEM:
       throw OutOfMemory();
     case SQLITE_TOOBIG:
+      if (message == sqlite3_errstr(SQLITE_TOOBIG)) throw OutOfMemory();
       throw SqlError(8631, "The value or the statement is too large: " + message + ".", 17);
     default:
       break;

@@ -75,6 +75,37 @@ TEST(EmbeddedThreads, AReaderWaitsForAProgramThatClosesTheFile) {
   closer.join();
 }
 
+TEST(EmbeddedThreads, DefinitionsOfOthersAreSeenByWhoeverWaited) {
+  const TemporaryFolder folder;
+  const std::string file = folder.file("defined.db");
+  const auto one = OpenEmbedded(file);
+  const auto other = OpenEmbedded(file);
+  one->Execute("create table m (v decimal(9,2))");
+  constexpr const char* kBatch = "insert into m values (1.5) select v from m";
+  EXPECT_EQ(Answer(*other, kBatch), "v;1.50");
+  for (const auto& [type, answer] : {std::pair("decimal(9,4)", "v;1.5000"), std::pair("varchar(10)", "v;1.5"),
+                                     std::pair("datetime", "v;1900-01-02 12:00:00"), std::pair("int", "v;1")}) {
+    one->BeginTransaction();
+    one->Execute(std::string("drop table m create table m (v ") + type + ")");
+    std::string got;
+    std::thread waiting([&] { got = Answer(*other, kBatch); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    one->CommitTransaction();
+    waiting.join();
+    EXPECT_EQ(got, answer);
+  }
+  // A batch that reads twice reads what stands then.
+  std::vector<std::string> answers;
+  std::thread reading([&] {
+    other->ExecuteAll("select v from m waitfor delay '0:0:0.2' select v from m",
+                      [&](const RecordsetPtr& rows) { answers.push_back(TextOf(rows)); });
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  one->Execute("drop table m create table m (v decimal(9,4)) insert into m values (1.5)");
+  reading.join();
+  EXPECT_THAT(answers, testing::ElementsAre("v;1", "v;1.5000"));
+}
+
 TEST(EmbeddedThreads, AWriterThatWaitsTooLongIsTold) {
   const TemporaryFolder folder;
   const std::string file = folder.file("locked.db");

@@ -145,7 +145,7 @@ Session::Flow Session::Execute(const Statement& statement, Scope& scope) {
       ExecuteProcedure(statement, scope);
       break;
     case Kind::kWaitFor: {
-      const Datum value = Evaluate(*statement.value, SqlType{FieldType::kTime, 0, 0, 0, false}, scope);
+      const Datum value = Evaluate(*statement.value, SqlType{FieldType::kTime, 0, 0, 3, false}, scope);
       const auto* delay = std::get_if<std::int64_t>(&value);
       const auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(delay == nullptr ? 0 : *delay);
       while (std::chrono::steady_clock::now() < until) {
@@ -457,8 +457,8 @@ void Session::ExecuteSet(const Statement& statement, Scope& scope) {
 
 void Session::ExecuteSetOption(const Statement& statement, Scope& scope) {
   constexpr std::array kAlwaysOn = {
-      "ansi_nulls",        "ansi_padding",     "ansi_warnings", "arithabort", "concat_null_yields_null",
-      "quoted_identifier", "ansi_null_dflt_on"};
+      "ansi_nulls",        "ansi_padding",      "ansi_warnings", "arithabort", "concat_null_yields_null",
+      "quoted_identifier", "ansi_null_dflt_on", "ansi_defaults"};
   constexpr std::array kAlwaysOff = {"numeric_roundabort", "noexec",       "parseonly",         "showplan_all",
                                      "showplan_text",      "showplan_xml", "ansi_null_dflt_off"};
   const std::string& option = statement.text;

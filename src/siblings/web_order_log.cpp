@@ -1,5 +1,7 @@
 #include "siblings/web_order_log.h"
 
+#include <vector>
+
 #include "platform/collections.h"
 #include "platform/error.h"
 #include "platform/session.h"
@@ -64,13 +66,19 @@ bool WriteOperationLog(std::span<const Variant> arguments) {
                               Quoted(log->GetValue("FNewValue").ToText(), kOperationValueWidth) + ")\r\n";
   const std::string orders = log->GetValue("sFID").ToText();
   if (orders.empty()) return false;
+  std::vector<std::string> numbers;
+  for (const std::string_view order : Split(orders, ',')) numbers.push_back(Number(order));
+  // In parts: the text of a row is twenty times as long as the key of its order.
+  constexpr std::size_t kRowsOfBatch = 1000;
   std::string text;
-  for (const std::string_view order : Split(orders, ',')) {
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
     text +=
         "INSERT INTO IC_TradeLog (FOrderFID,FOPUserID,FOPCode,FUserIP,FOPTime,FItemID,FOldValue,FNewValue) VALUES (" +
-        Number(order) + columns;
+        numbers[i] + columns;
+    if (i + 1 < numbers.size() && (i + 1) % kRowsOfBatch != 0) continue;
+    Session().GetConnection().Execute(text);
+    text.clear();
   }
-  Session().GetConnection().Execute(text);
   return true;
 }
 

@@ -4,6 +4,7 @@
 
 #include "drivers/embedded/keywords.h"
 #include "drivers/embedded/literals.h"
+#include "drivers/embedded/memory_budget.h"
 #include "platform/text.h"
 
 namespace tessarlorn::embedded {
@@ -310,6 +311,10 @@ std::size_t PlanCache::ParseKnown(std::string_view text, Batch& batch) {
     plan->last_used = ++clock_;
     batch.starts.emplace_back(first_literal, batch.lists.size());
     batch.statements.push_back({plan, {}, {}});
+    if (batch.tokens.memory != nullptr) {
+      batch.tokens.memory->Charge(2 * sizeof(Token) * (batch.literals.size() - first_literal) +
+                                  2 * sizeof(BatchStatement));
+    }
     position = end;
     std::shared_ptr<Plan> next = plan->next.lock();
     if (next != nullptr) plan = std::move(next);

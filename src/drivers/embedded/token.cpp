@@ -367,7 +367,7 @@ class Lexer {
   }
 
   bool TakeListItem() {
-    Charge(4 * sizeof(Token));
+    Charge(2 * sizeof(Token));
     const std::size_t begin = position_;
     const char c = At();
     if (c == '\'' || ((c == 'N' || c == 'n') && At(1) == '\'')) {

@@ -26,7 +26,8 @@ std::optional<std::string> TakeName(std::string_view text, std::size_t& position
       return quoted;
     }
     ++i;
-    quoted += '.';
+    // What is left out before the first part says nothing: ..sp_columns.
+    if (!quoted.empty()) quoted += '.';
   }
 }
 

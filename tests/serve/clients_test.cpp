@@ -1,5 +1,5 @@
-// Clients that others wrote, at a database that the built command serves: FreeTDS's tsql and bsqldb, isql over
-// FreeTDS's ODBC driver, and tedious.
+// Clients that others wrote, at a database that the built command serves: FreeTDS's tsql, bsqldb and freebcp,
+// isql over FreeTDS's ODBC driver, tedious, and SQLAlchemy.
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -20,6 +20,7 @@ class ClientsTest : public testing::Test {
   explicit ClientsTest(const std::vector<std::string>& options = {}) : server_(options) {
     std::ofstream(server_.file("freetds.conf"))
         << "[served]\nhost = 127.0.0.1\nport = " << server_.port() << "\ntds version = 7.4\nclient charset = UTF-8\n"
+        << "[old]\nhost = 127.0.0.1\nport = " << server_.port() << "\ntds version = 7.1\nclient charset = UTF-8\n"
         << "[encrypted]\nhost = 127.0.0.1\nport = " << server_.port()
         << "\ntds version = 7.4\nclient charset = UTF-8\nencryption = require\n";
   }
@@ -57,6 +58,31 @@ TEST_F(ClientsTest, Tsql) {
   EXPECT_THAT(Tsql("print N'讯息'\ninsert T values (2)\n\nselect * from Nowhere\ngo\nselect 5\ngo\n").text,
               AllOf(HasSubstr("讯息"), HasSubstr("Msg 2627 (severity 14, state 1)"),
                     HasSubstr("Msg 208 (severity 16, state 1) from TessarLorn Line 4:"), HasSubstr("5\n")));
+}
+
+TEST_F(ClientsTest, TsqlOfAnOldVersion) {
+  EXPECT_THAT(
+      Tsql("select N'中' a, cast(N'货' as varchar(9)) b, cast('2024-02-29' as date) c, cast(N'长' as nvarchar(max)) d\n"
+           "print N'讯息'\ngo\nexec sp_executesql N'select @a + 1', N'@a int', 41\ngo\nselect * from Nowhere\ngo\n",
+           "old")
+          .text,
+      AllOf(HasSubstr("中\t货\t2024-02-29\t长\n"), HasSubstr("讯息"), HasSubstr("42\n"),
+            HasSubstr("Invalid object name 'Nowhere'.")));
+}
+
+TEST_F(ClientsTest, Freebcp) {
+  (void)Tsql(
+      "create table B (id int identity(5,1) primary key, n int, t nvarchar(max), d datetime)\n"
+      "insert B values (1, N'中😀', '2026-11-03 09:08:07.123'), (null, null, null)\n"
+      "create table C (id int identity(100,1) primary key, n int, t nvarchar(max), d datetime)\ngo\n");
+  for (const auto& [table, more] : {std::pair{"B out", ""}, {"C in", " -E"}, {"C in", ""}}) {
+    const Outcome copied = Pipe("", std::string("freebcp main.dbo.") + table + " '" + server_.file("rows") +
+                                        "' -c -S served -U ann -P s3cret" + more);
+    EXPECT_THAT(copied.text, HasSubstr("2 rows copied.")) << table << more;
+  }
+  EXPECT_THAT(Tsql("select id, n, t, convert(varchar(30), d, 121) from C order by id\ngo\n").text,
+              AllOf(HasSubstr("5\t1\t中😀\t2026-11-03 09:08:07.123\n6\tNULL"), HasSubstr("100\t1\t中😀"),
+                    HasSubstr("101\tNULL\tNULL\tNULL")));
 }
 
 TEST_F(ClientsTest, Bsqldb) {
@@ -102,6 +128,8 @@ prepared: [2,42]
 changed: 2
 rolled back: [[0]]
 committed: [[3]]
+loaded: [2,[[5,"中😀",1.5],[6,null,7]]]
+not loaded: [515,[[2]]]
 error: [2627,14,1,"Violation of PRIMARY KEY constraint 'PK_Kept'. Cannot insert duplicate key in object 'dbo.Kept'."]
 error: [208,16,1,"Invalid object name 'Nowhere'."]
 error: [102,15,2,"Incorrect syntax near '2'."]
@@ -123,6 +151,20 @@ std::string RunTedious(int port, const std::string& more) {
 }
 
 TEST_F(ClientsTest, Tedious) { EXPECT_EQ(RunTedious(server_.port(), ""), kTediousLines); }
+
+TEST_F(ClientsTest, SqlAlchemy) {
+  for (const char* driver : {"pyodbc", "pymssql"}) {
+    const Outcome outcome = RunLine("timeout 60 /usr/bin/python3 '" TESSARLORN_TEST_DATA "/clients/client.py' " +
+                                    std::string(driver) + " " + std::to_string(server_.port()) + " ann s3cret 2>&1");
+    EXPECT_EQ(outcome.text, R"(columns: id INTEGER parent INTEGER label NVARCHAR
+keys: {'constrained_columns': ['id'], 'name': 'PK_children'} [('FK_kid', 'parents')] [['label']]
+inserted: [1, 2] 0.000 None None
+error: True
+kept: [1, 2]
+returned: [(3, 'c')] [('c',)]
+)") << driver;
+  }
+}
 
 TEST_F(ClientsTest, AClientThatGoesAwayIsRolledBack) {
   const std::string client = StartEndless("create table T (n int)\ngo\nbegin tran insert T values (1)");

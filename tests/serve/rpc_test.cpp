@@ -1,5 +1,6 @@
 #include "serve/rpc.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/error.h"
@@ -43,6 +44,7 @@ TEST(Rpc, WritesValuesAsLiterals) {
 }
 
 TEST(Rpc, TakesNoNameForText) {
+  EXPECT_THAT(TextOf({KnownProcedure::kNone, "..sp_columns", {}}), testing::HasSubstr("= [sp_columns]"));
   for (const char* name : {"p; drop table x", "p 1", "[p", "", "a.", "p]"}) {
     EXPECT_THROW(TextOf({KnownProcedure::kNone, name, {}}), Error) << name;
   }

@@ -109,7 +109,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string rest(reinterpret_cast<const char*>(data) + 1, size - 1);
   using serve::PacketType;
   std::string input;
-  switch (data[0] % 9) {
+  switch (data[0] % 10) {
     case 0:
       input = rest;
       break;
@@ -132,6 +132,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       serve::LoginWords words;
       words.version = serve::kTds71;
       input = serve::LoginMessage(words) + serve::ClientMessage(PacketType::kRpc, rest);
+      break;
+    }
+    case 8: {
+      const std::string bulk =
+          "create table B (a int, b nvarchar(10) default 'x') insert bulk B (a int, b nvarchar(10))";
+      input = serve::LoginMessage() + serve::BatchMessage(bulk.substr(0, 50)) + serve::BatchMessage(bulk.substr(51)) +
+              serve::ClientMessage(PacketType::kBulkLoad, rest) + serve::BatchMessage("drop table B");
       break;
     }
     case 6:

@@ -88,6 +88,18 @@ async function main() {
   await run(connection, 'insert into Kept values (3)');
   await promised((done) => connection.commitTransaction(done));
   show('committed', (await run(connection, 'select n from Kept')).rows);
+  await run(connection, 'create table Loaded (n int not null, t nvarchar(20), d float default 7)', [], 'execSqlBatch');
+  const load = (rows) => new Promise((resolve, reject) => {
+    const bulk = connection.newBulkLoad('Loaded', (error, count) => (error ? reject(error) : resolve(count)));
+    bulk.addColumn('n', TYPES.Int, { nullable: true });
+    bulk.addColumn('t', TYPES.NVarChar, { nullable: true, length: 20 });
+    bulk.addColumn('d', TYPES.Float, { nullable: true });
+    connection.execBulkLoad(bulk, rows);
+  });
+  show('loaded', [await load([[5, '中😀', 1.5], [6, null, null]]), (await run(connection, 'select * from Loaded order by n')).rows]);
+  const unloaded = await load([[8, 'x', 1], [null, 'y', 2]]).then(() => null, (failure) => failure.number);
+  show('not loaded', [unloaded, (await run(connection, 'select count(*) from Loaded')).rows]);
+  await run(connection, 'drop table Loaded', [], 'execSqlBatch');
   for (const text of ['insert into Kept values (3)', 'select * from Nowhere', "select 1\nselec 2"]) {
     const error = await run(connection, text, [], 'execSqlBatch').then(() => null, (failure) => failure);
     show('error', [error.number, error.class, error.lineNumber, error.message]);

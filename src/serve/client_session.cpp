@@ -179,7 +179,7 @@ bool ClientSession::RefuseOld() {
 }
 
 bool ClientSession::Refuse(const Login& login, const ServerMessage& message, const std::string& why) {
-  Log("refused user '" + OnOneLine(login.user) + "': " + why);
+  if (const auto line = service_.gate->Line("refused user '" + OnOneLine(login.user) + "': " + why)) Log(*line);
   TdsWriter writer(version_);
   writer.Put(message);
   if (message.number == 4060) {
@@ -194,8 +194,9 @@ bool ClientSession::CheckPassword(const Login& login) {
   const std::string address = peer_.substr(0, peer_.rfind(':'));
   const std::chrono::milliseconds delay = service_.gate->Delay(login.user, address);
   if (delay.count() > 0) {
-    Log("after failed logins by user '" + OnOneLine(login.user) + "' or from this address it waits " +
-        std::to_string(delay.count()) + " ms");
+    const std::string text = "after failed logins by user '" + OnOneLine(login.user) +
+                             "' or from this address it waits " + std::to_string(delay.count()) + " ms";
+    if (const auto line = service_.gate->Line(text)) Log(*line);
     service_.gate->Wait(delay);
   }
   const bool right = service_.users.Check(login.user, login.password);

@@ -1,6 +1,7 @@
 #include "serve/login_gate.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/text.h"
 
@@ -71,6 +72,23 @@ void LoginGate::Stop() {
     stopped_ = true;
   }
   stop_.notify_all();
+}
+
+std::optional<std::string> LoginGate::Line(const std::string& line, Clock::time_point now) {
+  constexpr std::size_t kMostLines = 20;
+  constexpr std::chrono::seconds kWindow{10};
+  const std::scoped_lock lock(mutex_);
+  if (now - lines_since_ > kWindow) {
+    lines_since_ = now;
+    lines_ = 0;
+  }
+  if (lines_ >= kMostLines) {
+    ++unsaid_;
+    return std::nullopt;
+  }
+  ++lines_;
+  const std::size_t unsaid = std::exchange(unsaid_, 0);
+  return unsaid == 0 ? line : line + " (" + std::to_string(unsaid) + " lines of refused logins before were left out)";
 }
 
 bool LoginGate::Enter(std::size_t places) {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <string>
 
 namespace tessarlorn::serve {
@@ -27,6 +28,10 @@ class LoginGate {
   void Wait(std::chrono::milliseconds time);
   void Stop();
 
+  /// What to log of a refused login: the line, which says how many before it were left out, or nothing when there were
+  /// twenty within the last ten seconds already.
+  std::optional<std::string> Line(const std::string& line, Clock::time_point now = Clock::now());
+
   /// Takes one of `places`; false when all are taken.
   bool Enter(std::size_t places);
   void Leave();
@@ -43,6 +48,9 @@ class LoginGate {
   std::condition_variable stop_;
   bool stopped_ = false;
   std::size_t inside_ = 0;
+  Clock::time_point lines_since_;
+  std::size_t lines_ = 0;
+  std::size_t unsaid_ = 0;
   std::map<std::string, Failures> failures_;  // by "u" and the user, "a" and the address
 };
 

@@ -26,5 +26,15 @@ TEST(LoginGate, FailuresDelayTheirUserAndTheirAddressOnly) {
   EXPECT_EQ(delay("bob", "a1"), 5000);
 }
 
+TEST(LoginGate, TellsOfFewLoginsAndHowManyItLeftOut) {
+  LoginGate gate;
+  const auto now = LoginGate::Clock::now();
+  std::size_t said = 0;
+  for (int i = 0; i < 50; ++i) said += gate.Line("refused", now) ? 1 : 0;
+  EXPECT_EQ(said, 20U);
+  EXPECT_EQ(gate.Line("again", now + std::chrono::seconds(11)),
+            "again (30 lines of refused logins before were left out)");
+}
+
 }  // namespace
 }  // namespace tessarlorn::serve

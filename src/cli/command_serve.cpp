@@ -163,9 +163,7 @@ serve::Service MakeService(const ServeOptions& options, const serve::Address& ad
     throw UsageError("no users: give --users FILE; 'tessarlorn serve --add-user NAME --users FILE' adds one to it");
   }
   service.database_string = ParseSessionString(context.RequireDsn()).database;
-  const std::string_view prefix =
-      std::string_view(service.database_string).substr(0, service.database_string.find('='));
-  if (!EqualsIgnoreCase(Trim(prefix), "Embedded")) {
+  if (!EqualsIgnoreCase(DecidingKey(service.database_string), "Embedded")) {
     throw UsageError("only an embedded database is served, as --dsn Embedded=orders.db");
   }
   service.database_string += ";MaxMemory=" + std::to_string(options.memory_megabytes);

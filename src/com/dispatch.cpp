@@ -244,6 +244,8 @@ HRESULT Dispatch::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parame
                          UINT* /*wrong_argument*/) {
   if (parameters == nullptr) return E_POINTER;
   if (result != nullptr) VariantInit(result);
+  // What an earlier call left belongs to nobody now.
+  SetErrorInfo(0, nullptr);
   try {
     const Member* const member = object_->description().Find(id);
     if (member == nullptr) return DISP_E_MEMBERNOTFOUND;

@@ -104,19 +104,23 @@ void ReportMessage(std::string_view message);
 /// take it out, cancel it and put it back: the batch does not end before. The slot must outlive the thread's batches.
 void ShowRunningConnection(std::atomic<Connection*>* slot);
 
-/// Opens connections for the database strings that begin with one of its prefixes. Used by several threads at once.
+/// Opens connections for the database strings that have one of its keys. Used by several threads at once.
 class Driver {
  public:
   virtual ~Driver() = default;
-  /// The first keys that mark this driver's strings, as "Embedded" for `Embedded=orders.db`.
-  [[nodiscard]] virtual std::vector<std::string> Prefixes() const = 0;
+  /// The keys that mark this driver's strings, as "Embedded" for `Embedded=orders.db`.
+  [[nodiscard]] virtual std::vector<std::string> Keys() const = 0;
   [[nodiscard]] virtual std::unique_ptr<Connection> Open(std::string_view database_string) = 0;
 };
 
-/// Adds a driver for the process; a later one with the same prefix takes its place.
+/// Adds a driver for the process; a later one with the same key takes its place.
 void RegisterDriver(std::shared_ptr<Driver> driver);
-/// Opens a connection with the driver whose prefix the string begins with. Raises 0x80040E4D naming the prefix when
-/// there is none, and whatever the driver raises.
+/// The key that decides which driver opens the string: "Provider" wherever it stands, as providers have keys of their
+/// own; else the first that is a driver's; "" when there is none. What stands in quotes or braces behind a key is its
+/// value.
+std::string DecidingKey(std::string_view database_string);
+/// Opens a connection with the driver of the string's deciding key. Raises 0x80040E4D naming the string's first key
+/// when there is none, and whatever the driver raises.
 std::unique_ptr<Connection> OpenConnection(std::string_view database_string);
 
 }  // namespace tessarlorn

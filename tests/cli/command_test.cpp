@@ -80,7 +80,7 @@ class CommandTest : public testing::Test {
 };
 
 TEST_F(CommandTest, HelpsAtEveryLevel) {
-  for (const std::string command : {"", "init", "seed", "ops", "call", "sql", "serve"}) {
+  for (const std::string command : {"", "init", "seed", "ops", "call", "sql", "check", "backup", "restore", "serve"}) {
     const Outcome help = Run(command + " --help");
     EXPECT_EQ(help.status, 0) << command;
     EXPECT_THAT(help.out, AllOf(HasSubstr("Example"), HasSubstr("tessarlorn " + command))) << command;
@@ -88,6 +88,19 @@ TEST_F(CommandTest, HelpsAtEveryLevel) {
   }
   EXPECT_EQ(Run("version").out, std::string("tessarlorn ") + kVersion + "\n");
   EXPECT_EQ(Run("--version").out, Run("version").out);
+}
+
+TEST_F(CommandTest, TellsSoundFilesFromDamagedOnes) {
+  const std::string copy = (folder_ / "copy.db").string();
+  ASSERT_EQ(Run("backup '" + copy + "'").status, 0);
+  EXPECT_EQ(nlohmann::json::parse(Run("check --json --dsn 'Embedded=" + copy + "'").out)["Faults"].size(), 0U);
+  std::fstream(copy, std::ios::in | std::ios::out).seekp(4096 * 3) << std::string(20000, 'Z');
+  const Outcome damaged = Run("check --dsn 'Embedded=" + copy + "'");
+  EXPECT_EQ(damaged.status, 1);
+  EXPECT_THAT(damaged.out, HasSubstr("copy.db is damaged:\n"));
+  const Outcome refused = Run("restore '" + copy + "'");
+  EXPECT_EQ(refused.status, 3);
+  EXPECT_THAT(refused.err, HasSubstr("Native: 824"));
 }
 
 TEST_F(CommandTest, NamesWhatIsWrongWithACallAndDoesNothing) {

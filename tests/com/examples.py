@@ -1,14 +1,18 @@
 #!/usr/bin/env python3
-"""Runs the example that Wine can run, and checks the others for names that the type library does not have.
+"""Runs the examples that Wine can run, that of README.md and the line of docs/windows.md as they stand there, and checks
+the others for names that the type library does not have.
 
 examples.py EXAMPLES IDL DATABASE FOLDER
 """
+import os
 import pathlib
 import re
+import shutil
 import sys
 
 import wine
 
+ROOT = pathlib.Path(__file__).resolve().parents[2]
 # What the examples call their objects.
 CLASSES = {
     "reader": "clsGetData",
@@ -108,9 +112,21 @@ def main(examples, idl, database, folder):
     if len(prog_ids) < 4 or len(named) < 2:
         faults += [f"found only {prog_ids} and {named}", remarks]
 
-    output, remarks = wine.run_script(examples / "order_day.vbs", connection)
+    shop = pathlib.Path(os.environ["WINEPREFIX"]) / "drive_c" / "shop"
+    shutil.rmtree(shop, ignore_errors=True)
+    shop.mkdir()
+    wine.copy_database(database, shop, "orders")
+    shown = pathlib.Path(folder) / "readme.vbs"
+    page = (ROOT / "README.md").read_text(encoding="utf-8")
+    shown.write_text(re.search(r"```vb\n(.*?)```", page, re.S).group(1), encoding="ascii")
+    output, remarks = wine.run_script(shown)
+    if not re.fullmatch(r"(\d+ \S+\n)+", output):
+        faults += ["the example of README.md printed", output, remarks]
+
+    line = re.search(r"^cscript .*$", (ROOT / "docs" / "windows.md").read_text(encoding="utf-8"), re.M).group(0)
+    output = wine.run("cmd", "/c", f"cd /d {wine.windows_path(ROOT)} && {line}", check=False)
     if not re.match(r"[1-9]\d* orders wait for picking\n", output) or output.split("\n", 1)[1] != DAY:
-        faults += ["order_day.vbs printed", output, remarks]
+        faults += [f"{line} printed", output]
     print("\n".join(faults) if faults else f"{len(texts)} examples use what there is")
     return 1 if faults else 0
 

@@ -226,6 +226,26 @@ TEST_P(ConnectionContract, ValuesKeepTypeAndValue) {
   EXPECT_TRUE(rows->Get("n").is_null());
 }
 
+TEST(DecidingKey, IsFoundWhereverItStands) {
+  const TestDatabase registers_drivers(Reach::kInProcess);
+  const struct {
+    const char* string;
+    const char* key;
+  } cases[] = {
+      {"Timeout=5;Embedded=orders.db", "Embedded"},
+      {"Persist Security Info=True;Password=\"a;Embedded=\"\"b\";Provider=MSOLEDBSQL", "Provider"},
+      {"Driver={SQL Server};provider = MSDASQL", "provider"},
+      {"App='Embedded=x;';Embedded=y.db", "Embedded"},
+      {"PWD={a}};Embedded=b};Server=s", ""},
+      {"PWD=\"a;Embedded=b.db", "Embedded"},
+      {"orders.db", ""},
+#ifdef TESSARLORN_HAS_ODBC
+      {"Server=db1;App={Provider=x;DSN=y};DRIVER=FreeTDS", "DRIVER"},
+#endif
+  };
+  for (const auto& c : cases) EXPECT_EQ(DecidingKey(c.string), c.key) << c.string;
+}
+
 std::string NameOf(const testing::TestParamInfo<Reach>& reach) {
   constexpr const char* kNames[] = {"embedded", "odbc", "ado", "server", "given"};
   return kNames[static_cast<std::size_t>(reach.param)];

@@ -177,7 +177,7 @@ class FailingConnection final : public Connection {
 
 class FailingDriver final : public Driver {
  public:
-  [[nodiscard]] std::vector<std::string> Prefixes() const override { return {"Failing"}; }
+  [[nodiscard]] std::vector<std::string> Keys() const override { return {"Failing"}; }
   [[nodiscard]] std::unique_ptr<Connection> Open(std::string_view) override {
     return std::make_unique<FailingConnection>();
   }

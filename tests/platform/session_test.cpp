@@ -46,7 +46,7 @@ class LoggedConnection : public Connection {
 
 class LoggedDriver : public Driver {
  public:
-  [[nodiscard]] std::vector<std::string> Prefixes() const override { return {"Logged"}; }
+  [[nodiscard]] std::vector<std::string> Keys() const override { return {"Logged"}; }
   [[nodiscard]] std::unique_ptr<Connection> Open(std::string_view) override {
     events.push_back("open " + std::to_string(++opened_));
     return std::make_unique<LoggedConnection>(opened_);

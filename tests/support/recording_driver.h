@@ -71,10 +71,10 @@ class RecordingConnection : public Connection {
   }
 };
 
-/// Opens strings that begin with "Recording=".
+/// Opens strings that have the key "Recording".
 class RecordingDriver : public Driver {
  public:
-  [[nodiscard]] std::vector<std::string> Prefixes() const override { return {"Recording"}; }
+  [[nodiscard]] std::vector<std::string> Keys() const override { return {"Recording"}; }
   [[nodiscard]] std::unique_ptr<Connection> Open(std::string_view) override {
     TheRecording().events.emplace_back("open");
     return std::make_unique<RecordingConnection>();

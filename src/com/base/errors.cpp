@@ -51,7 +51,8 @@ std::string SystemText(HRESULT result) {
   return end == std::string::npos ? std::to_string(result) : said.substr(0, end + 1);
 }
 
-/// For who gave no EXCEPINFO, or asks by ISupportErrorInfo: what it promises of IDispatch holds for Invoke as well.
+/// For who gave no EXCEPINFO. Who did has all of it there; with the thread it would stay, and show up as the error of
+/// the next object that says nothing.
 void LeaveWithThread(const Error& error) {
   Pointer<ICreateErrorInfo> made;
   if (FAILED(CreateErrorInfo(made.Receive()))) return;
@@ -94,8 +95,9 @@ HRESULT ReportCurrent(EXCEPINFO* info) noexcept {
       info->scode = ToHresult(error.number());
       info->bstrSource = NewBstr(error.source());
       info->bstrDescription = NewBstr(error.what());
+    } else {
+      LeaveWithThread(error);
     }
-    LeaveWithThread(error);
     return DISP_E_EXCEPTION;
   } catch (...) {
     return E_OUTOFMEMORY;

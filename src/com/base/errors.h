@@ -21,9 +21,9 @@ std::string SystemText(HRESULT result);
 Error CurrentError();
 /// The HRESULT of the exception that is being handled. Only to be called inside a catch block.
 HRESULT CurrentStatus() noexcept;
-/// Hands the exception that is being handled to the caller of an IDispatch, in EXCEPINFO and as the thread's
-/// IErrorInfo, which has no number; answers DISP_E_EXCEPTION, or E_OUTOFMEMORY when there is no memory for its texts.
-/// Only to be called inside a catch block.
+/// Hands the exception that is being handled to the caller of an IDispatch, in its EXCEPINFO or, where that is null, as
+/// the thread's IErrorInfo, which has no number; answers DISP_E_EXCEPTION, or E_OUTOFMEMORY when there is no memory for
+/// its texts. Only to be called inside a catch block.
 HRESULT ReportCurrent(EXCEPINFO* info) noexcept;
 /// Raises what a call of another object answered: its EXCEPINFO, which is freed, or the HRESULT alone. `what` names the
 /// member for the description.

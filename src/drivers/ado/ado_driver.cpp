@@ -12,7 +12,7 @@ namespace {
 
 class AdoDriver final : public Driver {
  public:
-  [[nodiscard]] std::vector<std::string> Prefixes() const override { return {"Provider"}; }
+  [[nodiscard]] std::vector<std::string> Keys() const override { return {"Provider"}; }
   [[nodiscard]] std::unique_ptr<Connection> Open(std::string_view database_string) override {
     return std::make_unique<ado::AdoConnection>(ado::ParseConnectionOptions(database_string));
   }

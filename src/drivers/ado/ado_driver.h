@@ -3,7 +3,7 @@
 
 namespace tessarlorn {
 
-/// Registers the driver for strings that begin with `Provider=`:
+/// Registers the driver for strings that have the key `Provider`:
 ///
 ///     Provider=SQLOLEDB;Data Source=db1;Initial Catalog=erp;User ID=shop;Password="…"
 ///

@@ -66,7 +66,7 @@ class EmbeddedConnection final : public Connection {
 
 class EmbeddedDriver final : public Driver {
  public:
-  [[nodiscard]] std::vector<std::string> Prefixes() const override { return {"Embedded"}; }
+  [[nodiscard]] std::vector<std::string> Keys() const override { return {"Embedded"}; }
   [[nodiscard]] std::unique_ptr<Connection> Open(std::string_view database_string) override {
     return Translated([&]() -> std::unique_ptr<Connection> {
       const embedded::DatabaseOptions options = embedded::ParseDatabaseOptions(database_string);

@@ -7,7 +7,7 @@
 
 namespace tessarlorn {
 
-/// Registers the driver for strings that begin with `Embedded=`:
+/// Registers the driver for strings that have the key `Embedded`:
 ///
 ///     Embedded=orders.db;Timeout=30;Synchronous=Full
 ///

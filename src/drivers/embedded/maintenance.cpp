@@ -65,7 +65,7 @@ std::vector<std::string> Texts(sqlite3* database, std::string_view sql) {
 
 std::vector<std::string> FaultsOf(sqlite3* database) {
   // Text is ordered by our collation, and indexes by our functions.
-  embedded::Runtime runtime;
+  embedded::Runtime runtime(embedded::MemoryBudget::kDefaultLimit);
   RegisterFunctions(database, runtime);
   std::vector<std::string> faults;
   const auto add = [&](std::string_view sql) {

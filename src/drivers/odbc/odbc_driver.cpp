@@ -15,7 +15,7 @@ namespace {
 class OdbcDriver final : public Driver {
  public:
   explicit OdbcDriver(OdbcCancelling cancelling) : cancelling_(cancelling) {}
-  [[nodiscard]] std::vector<std::string> Prefixes() const override { return {"Driver", "DSN"}; }
+  [[nodiscard]] std::vector<std::string> Keys() const override { return {"Driver", "DSN"}; }
   [[nodiscard]] std::unique_ptr<Connection> Open(std::string_view database_string) override {
     return std::make_unique<odbc::OdbcConnection>(odbc::ParseConnectionOptions(database_string), cancelling_);
   }

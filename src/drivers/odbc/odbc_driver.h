@@ -11,7 +11,7 @@ namespace tessarlorn {
 /// connection to the end of the process.
 enum class OdbcCancelling : std::uint8_t { kWatched, kNone };
 
-/// Registers the driver for strings that begin with `Driver=` or `DSN=`:
+/// Registers the driver for strings that have the key `Driver` or `DSN`:
 ///
 ///     Driver=FreeTDS;Server=db1;Port=1433;TDS_Version=7.4;Database=erp;UID=shop;PWD={…};LoginTimeout=15
 ///

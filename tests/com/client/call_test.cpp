@@ -152,6 +152,18 @@ TEST_F(CallTest, ErrorsNeedNoReceiver) {
   EXPECT_STREQ(description.get(), L"Argument not optional: sDsn of clsGetData.ExecuteSQL");
 }
 
+TEST_F(CallTest, ErrorsThatWereTakenDoNotStayWithTheThread) {
+  const TypedObject reads(kReads);
+  DISPPARAMS none{};
+  const DISPID member = reads.Number(L"ExecuteSQL");
+  com::Pointer<IErrorInfo> info;
+  EXPECT_NE(Ask(reads, L"select nothing").description, L"");
+  EXPECT_EQ(GetErrorInfo(0, info.Receive()), S_FALSE);
+  reads.get()->Invoke(member, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr);
+  EXPECT_EQ(Ask(reads, L"select 1 a").status, S_OK);
+  EXPECT_EQ(GetErrorInfo(0, info.Receive()), S_FALSE);
+}
+
 // References of each kind that a client's variable may have.
 TEST_F(CallTest, InOutArgumentsAreWrittenBackInTheTypeOfTheVariable) {
   const TypedObject reads(kReads);

@@ -224,7 +224,7 @@ Datum ToDate(const Datum& value, const SqlType& from, const SqlType& to, int sty
   } else {
     RaiseNotAllowed(from, to);
   }
-  const bool as_is = fit == Fit::kCompare && to.kind == FieldType::kDateTime;
+  const bool as_is = fit == Fit::kCompare && from.is_date() && to.kind == FieldType::kDateTime;
   return as_is ? milliseconds : FitDate(milliseconds, from, to);
 }
 

@@ -124,7 +124,11 @@ def main(examples, idl, database, folder):
         faults += ["the example of README.md printed", output, remarks]
 
     line = re.search(r"^cscript .*$", (ROOT / "docs" / "windows.md").read_text(encoding="utf-8"), re.M).group(0)
-    output = wine.run("cmd", "/c", f"cd /d {wine.windows_path(ROOT)} && {line}", check=False)
+    # As the archive has them.
+    shutil.copytree(examples, shop / "examples")
+    batch = pathlib.Path(folder) / "example.bat"
+    batch.write_text(f"@echo off\ncd /d C:\\shop\n{line}\n", encoding="ascii", newline="\r\n")
+    output = wine.run("cmd", "/c", wine.windows_path(batch), check=False)
     if not re.match(r"[1-9]\d* orders wait for picking\n", output) or output.split("\n", 1)[1] != DAY:
         faults += [f"{line} printed", output]
     print("\n".join(faults) if faults else f"{len(texts)} examples use what there is")

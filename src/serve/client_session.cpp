@@ -162,6 +162,7 @@ bool ClientSession::LogIn() {
       only_login_is_encrypted = AnswerPreLogin(message->payload, deadline);
       continue;
     }
+    is_silent_.store(false);
     if (message->type == PacketType::kOldLogin) return RefuseOld();
     if (message->type != PacketType::kLogin7) throw ProtocolError("a request before the login");
     if (first && service_.tls_required) throw ProtocolError("the client does not encrypt");

@@ -51,6 +51,8 @@ class ClientSession final : public Watched {
 
   /// Whether its login is done. May be called from any thread.
   [[nodiscard]] bool logged_in() const noexcept { return logged_in_.load(); }
+  /// Whether it has not sent its login yet. May be called from any thread.
+  [[nodiscard]] bool is_silent() const noexcept { return is_silent_.load(); }
 
   [[nodiscard]] pollfd watched() const noexcept override;
   void Look(bool hung_up) noexcept override;
@@ -97,6 +99,7 @@ class ClientSession final : public Watched {
   std::optional<BulkTarget> bulk_;
   TdsVersion version_;
   std::atomic<bool> logged_in_{false};
+  std::atomic<bool> is_silent_{true};
   std::atomic<Interruption> interruption_{Interruption::kNone};
   // What the watcher waits for, 0 when nothing.
   std::atomic<short> watched_events_{0};

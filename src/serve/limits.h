@@ -1,6 +1,7 @@
 // What a server allows its clients.
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstddef>
 
@@ -9,8 +10,8 @@ namespace tessarlorn::serve {
 struct Limits {
   /// Clients that are logged in.
   std::size_t connections = 200;
-  /// Connections that have not logged in yet, beside the clients. One more takes the place of the oldest.
-  std::size_t waiting = 32;
+  /// Connections that have not sent their login yet, beside the clients. One more takes the place of the oldest.
+  [[nodiscard]] std::size_t silent() const { return std::max<std::size_t>(connections, 64); }
   /// Bytes of a message: a batch with its headers, or a call with its parameters.
   std::size_t message = std::size_t{64} << 20;
   /// From the connection to the end of the login.

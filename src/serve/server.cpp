@@ -117,17 +117,25 @@ void Server::Accept() {
 }
 
 void Server::MakePlace() {
-  std::size_t waiting = 0;
+  const std::size_t most = service_.limits.silent();
+  std::size_t silent = 0;
+  Client* oldest_silent = nullptr;
   Client* oldest = nullptr;
   for (const std::unique_ptr<Client>& client : clients_) {
     if (client->session.logged_in() || client->ended || client->displaced) continue;
-    ++waiting;
     if (oldest == nullptr) oldest = client.get();
+    if (!client->session.is_silent()) continue;
+    ++silent;
+    if (oldest_silent == nullptr) oldest_silent = client.get();
   }
-  if (waiting < service_.limits.waiting) return;
-  oldest->displaced = true;
-  shutdown(oldest->socket.descriptor(), SHUT_RDWR);
-  LogSeldom("more than " + std::to_string(service_.limits.waiting) +
+  // Those whose password is being checked keep their place as long as there is any.
+  Client* const goes = silent >= most                                                 ? oldest_silent
+                       : clients_.size() >= service_.limits.connections + most + most ? oldest
+                                                                                      : nullptr;
+  if (goes == nullptr) return;
+  goes->displaced = true;
+  shutdown(goes->socket.descriptor(), SHUT_RDWR);
+  LogSeldom("more than " + std::to_string(most) +
             " connections have not logged in: the oldest one is dropped for each new one");
 }
 

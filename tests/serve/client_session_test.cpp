@@ -97,8 +97,7 @@ TEST_F(ClientSessionTest, RefusesOldClientsAsTheyReadIt) {
   const std::string refusal = Answer(LoginMessage(words));
   EXPECT_THAT(refusal, HasSubstr(Wide("the client speaks an older version.")));
   const std::string done("\xFD\x02\x00\x00\x00\x00\x00\x00\x00", 9);
-  EXPECT_TRUE(refusal.ends_with(std::string(3, '\0') + "\x01" + std::string(1, '\0') + done))
-      << "line and count are short";
+  EXPECT_TRUE(refusal.ends_with(std::string("\0\x01\0", 3) + done)) << "line and count are short";
   const std::string narrow = Answer(ClientMessage(PacketType::kOldLogin, std::string(512, 'x')));
   EXPECT_THAT(narrow, AllOf(HasSubstr("the client speaks an older version."), testing::EndsWith(done)));
   EXPECT_EQ(log_.size(), 2U);

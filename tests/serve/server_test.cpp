@@ -254,7 +254,7 @@ TEST(ServerThreads, KeepsToItsLimits) {
 TEST(ServerThreads, SilentConnectionsLeavePlaceForLogins) {
   const ServerProcess server({"--max-connections", "1"});
   std::list<Client> silent;
-  for (int i = 0; i < 60; ++i) silent.emplace_back(server.port());
+  for (int i = 0; i < 100; ++i) silent.emplace_back(server.port());
   Client client(server.port());
   client.Send(LoginMessage());
   EXPECT_THAT(client.Receive(), HasSubstr(Wide("main")));

@@ -84,8 +84,8 @@ TEST_F(ValuesTest, OlderClientsGetWhatTheyKnow) {
                 "2D00300032002D0032003900"},
            Case{"cast('23:59:59.999' as time)", kTds71, "E71800C1800320033003A00350039003A00350039002E00390039003900"},
            Case{"cast('2024-02-29 12:34:56.790' as datetime)", kTds72,
-                "6F080823B10000"
-                "F55ACF00"},
+                "6F080825B10000"
+                "2D5ACF00"},
            Case{"cast('1899-12-31 23:59:59.999' as datetime2(3))", kTds71, "6F0808FFFFFFFFFF818B01"},
            Case{"cast('a' as varchar(max))", kTds72, "E7FFFFCFEFFFFFFFFFFFFFF02000000610000000000"},
            Case{"cast('a' as nvarchar(max))", kTds71, "E7401FC02006100"},
@@ -103,7 +103,7 @@ TEST_F(ValuesTest, OlderClientsGetWhatTheyKnow) {
   const std::string pointer(48, '0');
   EXPECT_EQ(Hex(writer.bytes()),
             "810200"
-            "0000090063FFFFFF7F0408D000000000016100"
+            "0000080063FFFFFF7F0408D000000000016100"
             "0000090022FFFFFF7F0000016200"
             "D110" +
                 pointer +

@@ -133,7 +133,7 @@ TEST(Language, BatchesWithControlFlowAndTransactions) {
 TEST(Language, TheCatalog) {
   Check({
       {"create table k (id int identity(5,1) primary key, n nvarchar(20) not null constraint UQ_n unique, m decimal(9,2) "
-       "constraint DF_m default 0, constraint \"CK\\m\" check (m >= 0 or m = -1)) create table f (a int, b int constraint FK_k "
+       "constraint DF_m default 0, constraint \"CK\\m\" check (m >= 0 or m in (-1, -2))) create table f (a int, b int constraint FK_k "
        "references k, primary key (b, a)) create unique index ix on f (a desc, b) where a > 0",
        ""},
       {"create procedure q @x int, @y nvarchar(30) output as select 1 n where @x in (1, 4, 10)", ""},
@@ -144,7 +144,7 @@ TEST(Language, TheCatalog) {
        "c|k|p;b|FK_k|1;FEntryID|PK_e|1;b|PK_f|1;a|PK_f|2;id|PK_k|1;FID|PK_o|1;n|UQ_n|1"},
       {"select UNIQUE_CONSTRAINT_NAME as u from INFORMATION_SCHEMA.REFERENTIAL_CONSTRAINTS", "u;PK_k"},
       {"select CHECK_CLAUSE as c from INFORMATION_SCHEMA.CHECK_CONSTRAINTS where CONSTRAINT_NAME = 'CK\\m'",
-       "c;(m >= 0 or m = -1)"},
+       "c;(m >= 0 or m in (-1, -2))"},
       {"select d.name, c.name as c, d.definition as t from sys.default_constraints d join sys.columns c on c.object_id = "
        "d.parent_object_id and c.column_id = d.parent_column_id",
        "name|c|t;DF_m|m|(0)"},

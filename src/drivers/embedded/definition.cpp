@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "drivers/embedded/constraint_text.h"
+#include "drivers/embedded/parser.h"
 #include "drivers/embedded/session.h"
 #include "platform/text.h"
 
@@ -37,8 +38,8 @@ std::string NullKeySql(const CatalogObject& table, const std::string& index, con
     const Column& column = table.columns[static_cast<std::size_t>(table.FindColumn(name))];
     const std::string quoted = QuoteName(column.name);
     const std::string value = "ifnull(" + quoted + ", 0)" + (column.type.is_text() ? " COLLATE TSQL" : "");
-    columns += (columns.empty() ? "" : ", ") + quoted + " IS NULL, " + value;
-    if (column.nullable) nulls += (nulls.empty() ? "" : " OR ") + quoted + " IS NULL";
+    columns.append(columns.empty() ? "" : ", ").append(quoted).append(" IS NULL, ").append(value);
+    if (column.nullable) nulls.append(nulls.empty() ? "" : " OR ").append(quoted).append(" IS NULL");
   }
   if (nulls.empty()) return {};
   return "CREATE UNIQUE INDEX " + IndexSql(table, index + std::string(kNullKeySuffix)) + " ON " +
@@ -149,11 +150,16 @@ void Session::CreateTable(const Statement& statement, Scope& scope) {
           (constraint.referenced_columns.empty() ? "" : " (" + NameList(constraint.referenced_columns) + ")"));
     }
   }
-  const auto add_check = [&](const ExpressionPtr& check) {
-    if (check != nullptr) constraints.push_back("CHECK (" + MakeTranslator(scope).TranslateCheck(table, *check) + ")");
+  const auto add_check = [&](const ExpressionPtr& check, const std::string& text) {
+    if (check == nullptr) return;
+    // Read anew by itself: in the batch a list of literals is one token, whose items are not the definition's.
+    const ExpressionPtr condition = ParseExpressionText(text, names_);
+    constraints.push_back("CHECK (" + MakeTranslator(scope).TranslateCheck(table, *condition) + ")");
   };
-  for (const ColumnDefinition& definition : statement.column_definitions) add_check(definition.check);
-  for (const TableConstraint& constraint : statement.constraints) add_check(constraint.check);
+  for (const ColumnDefinition& definition : statement.column_definitions) {
+    add_check(definition.check, definition.check_text);
+  }
+  for (const TableConstraint& constraint : statement.constraints) add_check(constraint.check, constraint.check_text);
   for (const std::vector<std::string>& key : unique) constraints.push_back("UNIQUE (" + NameList(key) + ")");
   AddConstraints(table.definition, statement);
   Atomically([&] {

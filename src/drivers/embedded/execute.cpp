@@ -374,8 +374,11 @@ void Session::MoveRows(const Statement& statement, Scope& scope) {
       RunChange(compiled, Bind(compiled, scope));
     }
     const std::int64_t moved = row_count_;
-    for (const std::string& sql : {"DELETE FROM " + to + " WHERE _rowid_ IN (SELECT r FROM temp.\"$moved\")",
-                                   "INSERT INTO " + to + insert + " FROM temp.\"$moved\""}) {
+    std::string leave = "DELETE FROM ";
+    leave.append(to).append(" WHERE _rowid_ IN (SELECT r FROM temp.\"$moved\")");
+    std::string come = "INSERT INTO ";
+    come.append(to).append(insert).append(" FROM temp.\"$moved\"");
+    for (const std::string& sql : {leave, come}) {
       const StatementHandle change = Prepare(database_.get(), sql, &runtime_);
       Step(change.get(), "UPDATE");
     }

@@ -66,17 +66,15 @@ void Session::NoteIdentity(const std::string& table) {
 }
 
 void Session::KeepIdentities() noexcept {
+  constexpr std::string_view kKeep =
+      "INSERT INTO {schema}.sqlite_sequence SELECT {name}, 0 WHERE EXISTS (SELECT 1 FROM {schema}.sqlite_schema WHERE "
+      "type = 'table' AND name = {name}) AND NOT EXISTS (SELECT 1 FROM {schema}.sqlite_sequence WHERE name = {name}); "
+      "UPDATE {schema}.sqlite_sequence SET seq = {last} WHERE name = {name} AND seq < {last}";
   for (const auto& [table, last] : given_identities_) {
     // Where that fails the values are given again, as they would be after a crash.
-    const std::string schema = table[0] == '#' ? "temp" : "main";
-    const std::string name = QuoteText(table);
-    const std::string number = std::to_string(last);
-    const std::string sql =
-        "INSERT INTO " + schema + ".sqlite_sequence SELECT " + name + ", 0 WHERE EXISTS (SELECT 1 FROM " + schema +
-        ".sqlite_schema WHERE type = 'table' AND name = " + name + ") AND NOT EXISTS (SELECT 1 FROM " + schema +
-        ".sqlite_sequence WHERE name = " + name + "); UPDATE " + schema + ".sqlite_sequence SET seq = " + number +
-        " WHERE name = " + name + " AND seq < " + number;
-    sqlite3_exec(database_.get(), sql.c_str(), nullptr, nullptr, nullptr);
+    const std::string numbered =
+        ReplaceAll(ReplaceAll(kKeep, "{schema}", table[0] == '#' ? "temp" : "main"), "{last}", std::to_string(last));
+    sqlite3_exec(database_.get(), ReplaceAll(numbered, "{name}", QuoteText(table)).c_str(), nullptr, nullptr, nullptr);
   }
   if (sqlite3_get_autocommit(database_.get()) != 0) given_identities_.clear();
 }

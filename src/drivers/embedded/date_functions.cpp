@@ -29,6 +29,8 @@ std::int64_t FromCivil(const CivilTime& civil) {
 }
 
 std::int64_t AddMonths(std::int64_t time, std::int64_t months) {
+  constexpr std::int64_t kMost = 120000;
+  if (months > kMost || months < -kMost) RaiseDateOverflow();
   CivilTime civil = DateTime(time).ToCivil();
   const std::int64_t total = std::int64_t{civil.year} * 12 + civil.month - 1 + months;
   if (total < 12 || total >= 120000) RaiseDateOverflow();
@@ -76,7 +78,7 @@ void DateTimeOf(sqlite3_context* context, Runtime&, Arguments arguments) {
 void DateAdd(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (AnyNull(arguments)) return;
   const auto part = static_cast<DatePart>(sqlite3_value_int(arguments[0]));
-  const std::int64_t number = sqlite3_value_int64(arguments[1]);
+  const std::int64_t number = IntOf(arguments[1]);
   const std::int64_t time = sqlite3_value_int64(arguments[2]);
   std::int64_t result = 0;
   if (part == DatePart::kYear || part == DatePart::kQuarter || part == DatePart::kMonth) {
@@ -205,9 +207,9 @@ void EndOfMonth(sqlite3_context* context, Runtime&, Arguments arguments) {
 void DateFromParts(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (AnyNull(arguments)) return;
   CivilTime civil;
-  civil.year = sqlite3_value_int(arguments[0]);
-  civil.month = sqlite3_value_int(arguments[1]);
-  civil.day = sqlite3_value_int(arguments[2]);
+  civil.year = IntOf(arguments[0]);
+  civil.month = IntOf(arguments[1]);
+  civil.day = IntOf(arguments[2]);
   const std::optional<DateTime> time = DateTime::FromCivil(civil);
   if (!time) {
     throw SqlError(289, "Cannot construct data type date, some of the arguments have values which are not valid.");

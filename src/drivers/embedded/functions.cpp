@@ -129,6 +129,12 @@ void RaiseTruncated(std::string_view table, std::string_view column, std::string
                            "'.");
 }
 
+std::int32_t IntOf(sqlite3_value* value) {
+  const std::int64_t whole = sqlite3_value_int64(value);
+  if (whole != static_cast<std::int32_t>(whole)) RaiseArithmeticOverflow(IntType());
+  return static_cast<std::int32_t>(whole);
+}
+
 bool AnyNull(Arguments arguments) {
   for (sqlite3_value* value : arguments) {
     if (IsNull(value)) return true;

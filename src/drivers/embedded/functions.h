@@ -46,6 +46,8 @@ void Guarded(sqlite3_context* context, Runtime& runtime, Body&& body) noexcept {
   }
 }
 
+/// A whole number that has to fit in an int. Raises 8115.
+std::int32_t IntOf(sqlite3_value* value);
 inline bool IsNull(sqlite3_value* value) { return sqlite3_value_type(value) == SQLITE_NULL; }
 /// Raises 2628 for text that is too long for a column.
 [[noreturn]] void RaiseTruncated(std::string_view table, std::string_view column, std::string_view value);

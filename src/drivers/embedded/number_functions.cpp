@@ -65,7 +65,7 @@ void DivideFloat(sqlite3_context* context, Runtime&, Arguments arguments) {
 void Round(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (AnyNull(arguments)) return;
   const SqlType type = UnpackType(sqlite3_value_int64(arguments[3]));
-  const int places = sqlite3_value_int(arguments[1]);
+  const int places = IntOf(arguments[1]);
   const bool truncate = sqlite3_value_int(arguments[2]) != 0;
   if (type.is_float()) {
     const double power = std::pow(10.0, places);

@@ -74,8 +74,9 @@ void DataLength(sqlite3_context* context, Runtime&, Arguments arguments) {
 
 void Substring(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (AnyNull(arguments)) return;
-  std::int64_t start = sqlite3_value_int64(arguments[1]);
-  std::int64_t count = sqlite3_value_int64(arguments[2]);
+  constexpr std::int64_t kMost = std::int64_t{1} << 40;
+  std::int64_t start = std::clamp<std::int64_t>(sqlite3_value_int64(arguments[1]), -kMost, kMost);
+  std::int64_t count = std::min<std::int64_t>(sqlite3_value_int64(arguments[2]), 2 * kMost);
   RequireNotNegative(count, "substring");
   if (start < 1) {
     count += start - 1;
@@ -295,8 +296,8 @@ void QuoteName(sqlite3_context* context, Runtime&, Arguments arguments) {
 // ts_str(number, length, places)
 void Str(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (AnyNull(arguments)) return;
-  const auto length = static_cast<std::size_t>(std::clamp(sqlite3_value_int(arguments[1]), 0, 8000));
-  const int places = std::clamp(sqlite3_value_int(arguments[2]), 0, 16);
+  const auto length = static_cast<std::size_t>(std::clamp(IntOf(arguments[1]), 0, 8000));
+  const int places = std::clamp(IntOf(arguments[2]), 0, 16);
   const std::optional<Decimal> number = Decimal::FromDouble(sqlite3_value_double(arguments[0]));
   std::string text = number && number->Rescale(places) ? number->Rescale(places)->ToString() : "";
   if (text.empty() || std::min(text.find('.'), text.size()) > length) {

@@ -206,7 +206,10 @@ std::string DateTimeText(std::int64_t days_since_1900, std::int64_t milliseconds
   const DateTime value(days_since_1900 * kMillisecondsOfDay + milliseconds);
   const CivilTime civil = value.ToCivil();
   if (civil.year < 1 || civil.year > 9999) throw NoValueOfItsType();
-  return value.ToString(true);
+  // With a T the order of day and month depends on no setting.
+  std::string text = value.ToString(true);
+  text[10] = 'T';
+  return text;
 }
 
 /// Units of 10^-scale of a second in milliseconds, rounded.

@@ -296,6 +296,7 @@ Datum Session::SystemValue(const std::string& name, SqlType& type) {
     if (name == "error_severity") return whole(error.severity());
     if (name == "error_state") return whole(error.state());
     if (name == "error_line") return whole(error.line());
+    if (name == "error_procedure") return error.procedure().empty() ? Datum{} : Datum(error.procedure());
     return std::string(error.what());
   }
   if (name == "db_name") return std::string("main");

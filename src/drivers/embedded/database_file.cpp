@@ -38,6 +38,8 @@ constexpr const char* kMayNotBeWritten = "the file, its folder or a file beside 
 constexpr const char* kAnothers =
     "it is a file of another program. It was left as it is; a database of ours wants a file of its own.";
 
+constexpr const char* kEmpty = "it is empty, and no database of ours.";
+
 std::int64_t ReadNumber(sqlite3* database, const char* sql) {
   const StatementHandle statement = Prepare(database, sql);
   const int status = sqlite3_step(statement.get());
@@ -146,7 +148,7 @@ void MakeCatalog(sqlite3* database) {
   }
 }
 
-OpenedDatabase OpenFile(const DatabaseOptions& options) {
+OpenedDatabase OpenFile(const DatabaseOptions& options, MissingFile missing) {
   constexpr int kFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
   const std::chrono::milliseconds wait = std::max(options.timeout, kLongestReadWait);
   OpenedDatabase opened;
@@ -172,6 +174,7 @@ OpenedDatabase OpenFile(const DatabaseOptions& options) {
       MayNotBeWritten(options.file + "-shm")) {
     RaiseCannotOpen(options.file, kMayNotBeWritten);
   }
+  if (owner == Owner::kNobody && missing == MissingFile::kRefuse) RaiseCannotOpen(options.file, kEmpty);
   if (!opened.reads_only) UseWriteAheadLog(database, wait);
   RunSql(database, options.full ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
   if (owner == Owner::kNobody) MakeCatalog(database);
@@ -219,6 +222,9 @@ OpenedDatabase OpenDatabase(const DatabaseOptions& options, MissingFile missing)
     OpenedDatabase opened{
         Connect(name, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_URI, options.file, options.timeout)};
     MakeCatalog(opened.handle.get());
+    // Its temporary tables lie in memory, too.
+    constexpr std::size_t kPage = 4096;
+    RunSql(opened.handle.get(), "PRAGMA temp.max_page_count = " + std::to_string(options.memory / kPage));
     return opened;
   }
   std::error_code ignored;
@@ -232,7 +238,7 @@ OpenedDatabase OpenDatabase(const DatabaseOptions& options, MissingFile missing)
   if (!there && missing == MissingFile::kRefuse) RaiseCannotOpen(options.file, "there is no such file.");
   if (there) RefuseAnothers(options.file);
   try {
-    return OpenFile(options);
+    return OpenFile(options, missing);
   } catch (const SqlError& error) {
     // Which of the rights is missing shows up in different places.
     if (error.number() == 3906 || error.number() == 4060) RaiseCannotOpen(options.file, kMayNotBeWritten);
@@ -247,7 +253,7 @@ DatabaseHandle OpenForReading(const std::string& file) {
       Connect(UriOf(file, "mode=ro&immutable=1"), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, file, kLongestReadWait);
   const Owner owner = OwnerOf(database.get());
   if (owner != Owner::kUs && owner != Owner::kUsUnmarked) {
-    RaiseCannotOpen(file, owner == Owner::kAnother ? kAnothers : "it is empty, and no database of ours.");
+    RaiseCannotOpen(file, owner == Owner::kAnother ? kAnothers : kEmpty);
   }
   return database;
 }

@@ -151,7 +151,7 @@ class Reader {
     int value = scan_.Number(digits);
     for (std::size_t i = digits; point && i < 3; ++i) value *= 10;
     for (std::size_t i = digits; i > 3; --i) value = i == 4 ? (value + 5) / 10 : value / 10;
-    civil_.millisecond = std::min(value, 999);
+    civil_.millisecond = value;
     return true;
   }
 
@@ -198,7 +198,9 @@ class Reader {
       const bool first = order_ == DateOrder::kYmd || order_ == DateOrder::kYdm;
       place[0] = first ? 0 : order_ == DateOrder::kMyd || order_ == DateOrder::kDym ? 1 : 2;
     }
-    const bool iso = place[0] == 0 && fixed_;
+    // With a T behind it the text is that of ISO 8601, in no other order.
+    const bool behind_t = (scan_.peek() == 'T' || scan_.peek() == 't') && scan_.Behind(1).Digits() > 0;
+    const bool iso = place[0] == 0 && (fixed_ || behind_t);
     const int low = place[0] == 0 ? 1 : 0;
     const int high = place[0] == 2 ? 1 : 2;
     place[1] = day_first && !iso ? high : low;

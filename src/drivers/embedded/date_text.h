@@ -26,7 +26,8 @@ DateOrder OrderOfStyle(int style);
 
 /// What a text says: '20261103', '2026-11-03T09:08:07.5', '11/03/26 9:08PM', 'Nov 3 2026', '09:08', '2026'. Years of
 /// two digits are those of 1950 to 2049; what is not written is 1900-01-01 and midnight. std::nullopt for anything
-/// else. The parts are not checked: there may be a 31st of February in it.
+/// else. The parts are not checked: there may be a 31st of February in it, and a 1000th
+/// millisecond.
 /// @param year_leads '2026-11-03' is the third of November whatever the order, as for date and datetime2
 std::optional<CivilTime> ReadDateText(std::string_view text, int style, bool year_leads);
 

@@ -180,10 +180,13 @@ Datum ToExact(const Datum& value, const SqlType& from, const SqlType& to, Fit fi
 }
 
 Datum ToReal(const Datum& value, const SqlType& from, const SqlType& to) {
+  if (to.kind == FieldType::kReal) {
+    const auto single = static_cast<float>(std::get<double>(ToReal(value, from, FloatType())));
+    if (!std::isfinite(single)) RaiseArithmeticOverflow(to);
+    return static_cast<double>(single);
+  }
   if (from.is_integer()) return static_cast<double>(std::get<std::int64_t>(value));
-  if (from.is_float())
-    return to.kind == FieldType::kReal ? static_cast<double>(static_cast<float>(std::get<double>(value)))
-                                       : std::get<double>(value);
+  if (from.is_float()) return std::get<double>(value);
   if (from.is_exact()) return ToDecimal(value, from).ToDouble();
   if (from.is_date() && !from.is_old_date()) RaiseNotAllowed(from, to);
   if (from.is_date()) return static_cast<double>(std::get<std::int64_t>(value)) / kDayMilliseconds;
@@ -204,9 +207,11 @@ Datum ToReal(const Datum& value, const SqlType& from, const SqlType& to) {
 }
 
 std::int64_t DateOfText(std::string_view text, const SqlType& from, const SqlType& to, int style) {
-  const std::optional<CivilTime> civil = ReadDateText(text, style, !to.is_old_date());
+  std::optional<CivilTime> civil = ReadDateText(text, style, !to.is_old_date());
+  const bool carries = civil && civil->millisecond == 1000;
+  if (carries) civil->millisecond = 999;
   const std::optional<DateTime> time = civil ? DateTime::FromCivil(*civil) : std::nullopt;
-  if (time) return time->milliseconds();
+  if (time) return time->milliseconds() + (carries ? 1 : 0);
   if (civil && to.is_old_date()) RaiseDateRange(from, to);
   throw SqlError(241, "Conversion failed when converting date and/or time from character string.");
 }
@@ -339,7 +344,9 @@ Datum ToBinary(const Datum& value, const SqlType& from, const SqlType& to, int s
     if (fit == Fit::kAssign) throw SqlError(8152, "String or binary data would be truncated.");
     blob.bytes = from.is_integer() ? blob.bytes.substr(blob.bytes.size() - size) : blob.bytes.substr(0, size);
   }
-  if (to.kind == FieldType::kBinary && blob.bytes.size() < size) blob.bytes.resize(size, '\0');
+  if (to.kind == FieldType::kBinary && blob.bytes.size() < size) {
+    blob.bytes.insert(from.is_integer() ? 0 : blob.bytes.size(), size - blob.bytes.size(), '\0');
+  }
   return blob;
 }
 
@@ -376,7 +383,8 @@ std::int64_t FitDate(std::int64_t milliseconds, const SqlType& from, const SqlTy
     constexpr std::int64_t kMinute = 60'000;
     first = 0;
     behind = 65'536 * kDayMilliseconds;  // 2079-06-07
-    milliseconds = RoundTo(milliseconds, kMinute);
+    // 29.999 s and more are a minute.
+    milliseconds = RoundTo(milliseconds + 1, kMinute);
   } else {
     milliseconds = RoundTo(milliseconds, unit);
   }
@@ -429,7 +437,8 @@ Datum FromDecimal(const Decimal& value, const SqlType& type) {
   }
   if (type.storage() == Storage::kBigDecimal) return Blob{EncodeBigDecimal(*rounded)};
   const std::optional<std::int64_t> scaled = rounded->ToScaled(type.scale);
-  if (!scaled) RaiseArithmeticOverflow(type);
+  if (!scaled || (type.is_small_money() && *scaled != static_cast<std::int32_t>(*scaled)))
+    RaiseArithmeticOverflow(type);
   return *scaled;
 }
 

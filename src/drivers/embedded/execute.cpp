@@ -50,8 +50,9 @@ Session::Flow Session::ExecuteGuarded(const Statement& statement, Scope& scope) 
     error.set_line(statement.line, procedure_);
     NoteLostTransaction();
     last_error_ = error.number();
+    if (options_.xact_abort) error.set_takes_transaction_back();
     const bool called = error.misunderstood_at() > call_depth_;  // only what was called is at its end
-    if (try_depth_ > 0 || xact_abort_ || !(error.ends_statement_only() || called)) throw;
+    if (try_depth_ > 0 || options_.xact_abort || !(error.ends_statement_only() || called)) throw;
     if (results_->sink.StatementFailed(ToError(error))) {
       if (EffectOf(statement) == Effect::kChangesRows) Say(statement, "The statement has been terminated.", 3621);
       return Flow::kNormal;
@@ -71,11 +72,11 @@ Session::Flow Session::ExecuteBody(const std::vector<StatementPtr>& body, Scope&
 
 Session::Flow Session::Execute(const Statement& statement, Scope& scope) {
   using Kind = Statement::Kind;
-  if (format_only_ && statement.kind != Kind::kSetOption) {
+  if (options_.format_only && statement.kind != Kind::kSetOption) {
     if (statement.kind == Kind::kSelect) DescribeSelect(statement, scope);
     return Flow::kNormal;
   }
-  if (implicit_transactions_ && depth_ == 0) BeginImplicitTransaction(statement);
+  if (options_.implicit_transactions && depth_ == 0) BeginImplicitTransaction(statement);
   LockFor(statement);
   switch (statement.kind) {
     case Kind::kSelect:
@@ -208,7 +209,7 @@ Session::Flow Session::ExecuteTryCatch(const Statement& statement, Scope& scope)
     if (error.number() == kCancelledNumber || error.severity() >= 20) throw;
     if (error.misunderstood_at() == call_depth_) throw;
     // An error that would have ended the batch leaves a transaction that can only be rolled back.
-    if (depth_ > 0 && (xact_abort_ || error.ends_transaction())) doomed_ = true;
+    if (depth_ > 0 && error.ends_transaction()) doomed_ = true;
     caught_.push_back(error);
   }
   struct Leave {
@@ -441,7 +442,7 @@ void Session::InsertTaken(const Statement& statement, const TakenRows& taken, Sc
 }
 
 void Session::TellRowCount() {
-  if (!no_count_ && results_->taken == nullptr) results_->sink.RowCount(row_count_);
+  if (!options_.no_count && results_->taken == nullptr) results_->sink.RowCount(row_count_);
 }
 
 void Session::ExecuteSet(const Statement& statement, Scope& scope) {
@@ -471,19 +472,19 @@ void Session::ExecuteSetOption(const Statement& statement, Scope& scope) {
     return;
   }
   if (option == "xact_abort") {
-    xact_abort_ = statement.flag;
+    options_.xact_abort = statement.flag;
     return;
   }
   if (option == "nocount") {
-    no_count_ = statement.flag;
+    options_.no_count = statement.flag;
     return;
   }
   if (option == "fmtonly") {
-    format_only_ = statement.flag;
+    options_.format_only = statement.flag;
     return;
   }
   if (option == "implicit_transactions") {
-    implicit_transactions_ = statement.flag;
+    options_.implicit_transactions = statement.flag;
     return;
   }
   const auto refuse = [&](const char* state) {
@@ -491,6 +492,10 @@ void Session::ExecuteSetOption(const Statement& statement, Scope& scope) {
   };
   if (!statement.flag && std::find(kAlwaysOn.begin(), kAlwaysOn.end(), option) != kAlwaysOn.end()) refuse("OFF");
   if (statement.flag && std::find(kAlwaysOff.begin(), kAlwaysOff.end(), option) != kAlwaysOff.end()) refuse("ON");
+  if (option == "language" && !EqualsIgnoreCase(statement.text2, "us_english") &&
+      !EqualsIgnoreCase(statement.text2, "english")) {
+    RaiseUnsupported("SET LANGUAGE " + statement.text2, statement.line);
+  }
   if (option == "dateformat") {
     constexpr std::array<std::string_view, 6> kOrders = {"mdy", "dmy", "ymd", "ydm", "myd", "dym"};
     const auto* const found = std::find(kOrders.begin(), kOrders.end(), LowerCase(statement.text2));
@@ -505,8 +510,8 @@ void Session::ExecuteSetOption(const Statement& statement, Scope& scope) {
   if (option == "rowcount" && (wanted == nullptr || *wanted != 0)) refuse("with a number");
   if (option == "datefirst" && (wanted == nullptr || *wanted != 7)) refuse("other than 7");
   if (option == "lock_timeout") {
-    lock_timeout_.reset();
-    if (wanted != nullptr && *wanted >= 0) lock_timeout_ = std::chrono::milliseconds(*wanted);
+    options_.lock_timeout.reset();
+    if (wanted != nullptr && *wanted >= 0) options_.lock_timeout = std::chrono::milliseconds(*wanted);
   }
   // The isolation levels, TEXTSIZE, LANGUAGE and STATISTICS change no result here.
 }

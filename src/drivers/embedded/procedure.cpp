@@ -14,7 +14,7 @@ class Session::Nested {
  public:
   /// Raises 217 when it is nested too deep. @param procedure its name, "" for a text; outlives this
   Nested(Session& session, std::string_view procedure)
-      : session_(session), no_count_(session.no_count_), temporary_tables_(session.catalog_.TemporaryTables()) {
+      : session_(session), options_(session.options_), temporary_tables_(session.catalog_.TemporaryTables()) {
     constexpr int kMostCalls = 32;
     if (session.call_depth_ >= kMostCalls) {
       throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
@@ -27,7 +27,8 @@ class Session::Nested {
   Nested& operator=(const Nested&) = delete;
   ~Nested() {
     --session_.call_depth_;
-    session_.no_count_ = no_count_;
+    session_.options_ = options_;
+    session_.runtime_.date_order = date_order_;
     session_.procedure_ = procedure_;
     session_.scope_identity_ = identity_;
     try {
@@ -40,7 +41,8 @@ class Session::Nested {
 
  private:
   Session& session_;
-  bool no_count_;
+  SetOptions options_;
+  DateOrder date_order_ = session_.runtime_.date_order;
   std::string_view procedure_;  // of the caller
   std::optional<std::int64_t> identity_;
   std::vector<std::string> temporary_tables_;  // of the caller
@@ -54,7 +56,7 @@ void Session::RunText(std::string_view text, Frame& frame) {
 void Session::ExecuteProcedure(const Statement& statement, Scope& scope) {
   const int depth = depth_;
   CallOrRun(statement, scope);
-  if (depth_ == depth || (implicit_transactions_ && depth == 0)) return;
+  if (depth_ == depth || (options_.implicit_transactions && depth == 0)) return;
   throw SqlError(266,
                  "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. "
                  "Previous count = " +

@@ -136,7 +136,7 @@ int Session::WaitForLock(void* session, int times) {
   Session& self = *static_cast<Session*>(session);
   const auto now = std::chrono::steady_clock::now();
   if (times == 0) self.waiting_since_ = now;
-  auto longest = std::min(self.longest_wait_, self.lock_timeout_.value_or(self.longest_wait_));
+  auto longest = std::min(self.longest_wait_, self.options_.lock_timeout.value_or(self.longest_wait_));
   if (!self.taking_write_lock_) longest = std::max<std::chrono::milliseconds>(longest, kLongestReadWait);
   if (now - self.waiting_since_ >= longest) return 0;
   if (self.runtime_.cancelled.load(std::memory_order_relaxed)) {
@@ -349,7 +349,7 @@ void Session::Run(std::string_view batch, bool first_only, BatchSink& sink) {
   } catch (...) {
     NoteLostTransaction();
     results_ = nullptr;
-    if ((xact_abort_ || doomed_ || takes_back) && depth_ > 0) {
+    if ((doomed_ || takes_back) && depth_ > 0) {
       EndTransaction(false);
       sink.Transaction(TransactionEvent::kRolledBack);
     } else if (depth_ == 0 && writing_) {
@@ -381,11 +381,7 @@ void Session::Reset() {
   identity_insert_.clear();
   identity_.reset();
   runtime_.date_order = DateOrder::kMdy;
-  xact_abort_ = false;
-  no_count_ = false;
-  format_only_ = false;
-  implicit_transactions_ = false;
-  lock_timeout_.reset();
+  options_ = {};
   row_count_ = 0;
   last_error_ = 0;
 }

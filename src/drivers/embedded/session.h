@@ -56,6 +56,15 @@ class Session {
 
   class Nested;
 
+  /// What SET changes; a procedure or text that was called leaves it as it was.
+  struct SetOptions {
+    bool xact_abort = false;
+    bool no_count = false;
+    bool implicit_transactions = false;
+    bool format_only = false;
+    std::optional<std::chrono::milliseconds> lock_timeout;
+  };
+
   /// While it lives a statement reads one commit, definitions and rows. The lock of a writer does so already.
   class Snapshot {
    public:
@@ -215,14 +224,10 @@ class Session {
   int call_depth_ = 0;
   std::string_view procedure_;  // whose body runs, "" in a batch
   const std::chrono::milliseconds longest_wait_;
-  std::optional<std::chrono::milliseconds> lock_timeout_;
   bool taking_write_lock_ = false;
   bool marked_ = false;  // the file, as one of ours
   std::chrono::steady_clock::time_point waiting_since_;
-  bool xact_abort_ = false;
-  bool no_count_ = false;
-  bool format_only_ = false;  // queries answer their columns, and nothing else runs
-  bool implicit_transactions_ = false;
+  SetOptions options_;
   bool doomed_ = false;  // the transaction can only be rolled back
   std::string identity_insert_;
   std::int64_t row_count_ = 0;

@@ -24,7 +24,7 @@ constexpr std::array kStates = {
 }  // namespace
 
 bool SqlError::ends_statement_only() const noexcept {
-  if (ends_batch_) return false;
+  if (ends_batch_ || takes_back_) return false;
   switch (number_) {
     case 220:
     case 266:
@@ -48,6 +48,7 @@ bool SqlError::ends_statement_only() const noexcept {
 
 bool SqlError::takes_transaction_back() const noexcept {
   constexpr std::array kConversions = {241, 242, 244, 245, 248, 295, 1205, 8114, 8169};
+  if (takes_back_) return true;
   return !ends_batch_ && std::find(kConversions.begin(), kConversions.end(), number_) != kConversions.end();
 }
 

@@ -39,9 +39,13 @@ class SqlError : public std::runtime_error {
     return error;
   }
   /// Inside TRY it leaves a transaction that cannot be committed: a failed conversion, a missing object.
-  [[nodiscard]] bool ends_transaction() const noexcept { return number_ < 50000 && !ends_statement_only(); }
+  [[nodiscard]] bool ends_transaction() const noexcept {
+    return takes_back_ || (number_ < 50000 && !ends_statement_only());
+  }
   /// Outside TRY it takes the open transaction back: a failed conversion.
   [[nodiscard]] bool takes_transaction_back() const noexcept;
+  /// It was raised under SET XACT_ABORT ON.
+  void set_takes_transaction_back() noexcept { takes_back_ = true; }
   /// Ends the statement only; the batch goes on (a broken constraint, a division by zero). Others end the batch.
   [[nodiscard]] bool ends_statement_only() const noexcept;
 
@@ -52,6 +56,7 @@ class SqlError : public std::runtime_error {
   std::uint32_t line_ = 0;
   std::string procedure_;
   bool ends_batch_ = false;
+  bool takes_back_ = false;
   int misunderstood_at_ = -1;
 };
 

@@ -112,7 +112,11 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
   const std::string message = database == nullptr ? sqlite3_errstr(status) : sqlite3_errmsg(database);
   const int extended = database == nullptr ? status : sqlite3_extended_errcode(database);
   const char* file = database == nullptr ? nullptr : sqlite3_db_filename(database, "main");
-  const std::string name = file == nullptr || *file == '\0' ? "in memory" : std::string("'") + file + "'";
+  constexpr std::string_view kInMemory = "/tessarlorn-";
+  const bool in_memory = file != nullptr && std::string_view(file).starts_with(kInMemory);
+  const std::string name = file == nullptr || *file == '\0' ? "in memory"
+                           : in_memory ? "':memory:" + std::string(file).substr(kInMemory.size()) + "'"
+                                       : std::string("'") + file + "'";
   int kind = status & 0xff;
   if ((kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN) && IsDiskFull(database, extended)) kind = SQLITE_FULL;
   switch (kind) {
@@ -122,6 +126,7 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
     case SQLITE_LOCKED:
       throw SqlError(1222, "Lock request time out period exceeded: the database " + name + " is in use.");
     case SQLITE_FULL:
+      if (in_memory) throw OutOfMemory();
       throw SqlError(1105, "Could not allocate space in the database " + name + ": the disk is full.", 17);
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:

@@ -237,7 +237,7 @@ std::string Translator::Coerce(const Typed& value, const SqlType& to, Fit fit, i
   }
   const SqlType& from = value.type;
   if (NeedsNoConversion(from, to, fit)) return value.sql;
-  if (from.is_integer() && to.is_float()) return "CAST(" + value.sql + " AS REAL)";
+  if (from.is_integer() && to.kind == FieldType::kFloat) return "CAST(" + value.sql + " AS REAL)";
   if (to.storage() == Storage::kScaled && !attempt) {
     const SqlType exact = AsDecimal(from);
     const bool widens = (from.is_integer() || (from.is_exact() && from.storage() == Storage::kScaled)) &&
@@ -250,7 +250,15 @@ std::string Translator::Coerce(const Typed& value, const SqlType& to, Fit fit, i
          std::to_string(PackType(to)) + ", " + std::to_string(style) + ")";
 }
 
+void Translator::RequireImplicit(const SqlType& from, const SqlType& to) {
+  if (from.untyped_null || !((from.is_text() && to.is_binary()) || (from.is_date() && to.is_number()))) return;
+  throw SqlError(257, "Implicit conversion from data type " + std::string(TypeNameText(from)) + " to " +
+                          std::string(TypeNameText(to)) +
+                          " is not allowed. Use the CONVERT function to run this query.");
+}
+
 std::string Translator::Assign(const Typed& value, const Column& column, const std::string& table) {
+  RequireImplicit(value.type, column.type);
   std::string sql;
   if (value.type.untyped_null) {
     sql = value.sql;

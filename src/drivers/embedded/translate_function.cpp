@@ -226,7 +226,7 @@ Typed Translator::Aggregate(const Expression& expression, Scope& scope) {
         8117, "Operand data type " + std::string(TypeNameText(value.type)) + " is invalid for " + name + " operator.");
   }
   const bool sum = name == "sum";
-  if (value.type.is_float()) return {name + "(" + distinct + value.sql + ")", FloatType(), true, -1};
+  if (value.type.is_float()) return {"ts_float(" + name + "(" + distinct + value.sql + "))", FloatType(), true, -1};
   if (value.type.is_integer()) {
     const SqlType type = value.type.kind == FieldType::kBigInt ? BigIntType() : IntType();
     const std::string total = "sum(" + distinct + value.sql + ")";
@@ -296,7 +296,7 @@ Typed Translator::WindowFunction(const Expression& expression, Scope& scope) {
     RaiseUnsupported("The window function " + name + " over " + TypeText(value.type), expression.line);
   }
   const std::string total = "sum(" + value.sql + ")" + over;
-  if (value.type.is_float()) return {name + "(" + value.sql + ")" + over, FloatType(), true, -1};
+  if (value.type.is_float()) return {"ts_float(" + name + "(" + value.sql + ")" + over + ")", FloatType(), true, -1};
   if (value.type.is_integer()) {
     if (name == "sum") return {"ts_i32(" + total + ")", IntType(), true, -1};
     return {"ts_div(" + total + ", count(" + value.sql + ")" + over + ")", IntType(), true, -1};
@@ -526,6 +526,7 @@ Typed Translator::MetadataFunction(const Expression& expression, Scope& scope) {
       System{"error_state", FieldType::kInt},
       System{"error_line", FieldType::kInt},
       System{"error_message", FieldType::kNVarChar},
+      System{"error_procedure", FieldType::kNVarChar},
       System{"db_name", FieldType::kNVarChar},
       System{"host_name", FieldType::kNVarChar},
       System{"suser_sname", FieldType::kNVarChar},

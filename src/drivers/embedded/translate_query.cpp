@@ -509,6 +509,7 @@ Compiled Translator::CompileCondition(const Expression& condition) {
 Compiled Translator::CompileValue(const Expression& value, const SqlType& type) {
   Scope scope;
   const Typed typed = Value(value, scope);
+  RequireImplicit(typed.type, type);
   Compiled compiled = Finish("SELECT " + Coerce(typed, type));
   compiled.columns.push_back({"", type, true, false});
   compiled.verb = "SELECT";

@@ -143,6 +143,8 @@ class Translator {
   std::string Quantified(const Expression& expression, Scope& scope);
   /// The expression converted; `fit` as for Convert.
   std::string Coerce(const Typed& value, const SqlType& to, Fit fit = Fit::kCast, int style = 0, bool attempt = false);
+  /// Raises 257 for what only CAST and CONVERT convert.
+  static void RequireImplicit(const SqlType& from, const SqlType& to);
   std::string Assign(const Typed& value, const Column& column, const std::string& table);
   /// The value, or error 515 for NULL.
   static std::string Required(const std::string& sql, const Column& column, const std::string& table);

@@ -15,6 +15,7 @@ struct NamedType {
   FieldType kind;
 };
 
+constexpr std::string_view kSmallMoney = "smallmoney";
 constexpr std::string_view kSmallDateTime = "smalldatetime";
 constexpr std::string_view kDateTime2 = "datetime2";
 
@@ -42,7 +43,7 @@ constexpr std::array kTypeNames = {
     NamedType{"integer", FieldType::kInt},
     NamedType{"numeric", FieldType::kDecimal},
     NamedType{"dec", FieldType::kDecimal},
-    NamedType{"smallmoney", FieldType::kMoney},
+    NamedType{kSmallMoney, FieldType::kMoney},
     NamedType{kSmallDateTime, FieldType::kDateTime},
     NamedType{kDateTime2, FieldType::kDateTime},
     NamedType{"character", FieldType::kChar},
@@ -85,7 +86,7 @@ int Precedence(const SqlType& type) {
     case FieldType::kDecimal:
       return 70;
     case FieldType::kMoney:
-      return 69;
+      return type.is_small_money() ? 68 : 69;
     case FieldType::kBigInt:
       return 60;
     case FieldType::kInt:
@@ -223,7 +224,7 @@ SqlType ResolveType(const TypeName& name, bool in_cast) {
       throw SqlError(192, "The scale must be less than or equal to the precision.", 15);
     }
   } else if (type.kind == FieldType::kMoney) {
-    type.precision = 19;
+    type.precision = EqualsIgnoreCase(name.name, kSmallMoney) ? 10 : 19;
     type.scale = 4;
   } else if (EqualsIgnoreCase(name.name, kSmallDateTime)) {
     type.precision = static_cast<int>(DateForm::kSmallDateTime);
@@ -238,6 +239,7 @@ SqlType ResolveType(const TypeName& name, bool in_cast) {
 }
 
 std::string_view TypeNameText(const SqlType& type) {
+  if (type.is_small_money()) return kSmallMoney;
   if (type.kind == FieldType::kDateTime && type.form() != DateForm::kDateTime) {
     return type.form() == DateForm::kDateTime2 ? kDateTime2 : kSmallDateTime;
   }

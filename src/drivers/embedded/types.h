@@ -47,6 +47,7 @@ struct SqlType {
   [[nodiscard]] bool is_number() const noexcept { return is_integer() || is_exact() || is_float(); }
   [[nodiscard]] bool is_date() const noexcept;
   [[nodiscard]] DateForm form() const noexcept { return static_cast<DateForm>(precision); }
+  [[nodiscard]] bool is_small_money() const noexcept { return kind == FieldType::kMoney && precision == 10; }
   /// datetime or smalldatetime, the types that numbers can be added to.
   [[nodiscard]] bool is_old_date() const noexcept {
     return kind == FieldType::kDateTime && form() != DateForm::kDateTime2;

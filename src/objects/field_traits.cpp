@@ -74,6 +74,7 @@ FieldTraits TraitsOf(const Field& field) {
       return SizedTraits(field, 128, 128, kMostBytes, "bin.hex", "");
     case FieldType::kVarBinary:
       return SizedTraits(field, 204, 205, kMostBytes, "bin.hex", "");
+    case FieldType::kDateTimeOffset:  // clients have it as text
     case FieldType::kNVarChar:
       break;
   }

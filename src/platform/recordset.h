@@ -13,7 +13,8 @@
 
 namespace tessarlorn {
 
-/// The type of a field as the database declares it.
+/// The type of a field as the database declares it. A new one comes last: files of the embedded database have the
+/// numbers in the definitions of indexes and constraints.
 enum class FieldType : std::uint8_t {
   kBit,
   kTinyInt,
@@ -34,6 +35,8 @@ enum class FieldType : std::uint8_t {
   kBinary,
   kVarBinary,
   kGuid,
+  /// Its values are texts: `2026-11-03 09:08:07.0000000 +08:00`, date and time of a clock, and its offset from UTC.
+  kDateTimeOffset,
 };
 
 struct Field {

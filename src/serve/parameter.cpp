@@ -241,14 +241,18 @@ std::string DateLiteral(const std::string& bytes, const WireType& type) {
       return "'" + DateTimeText(days_of(std::string_view(bytes).substr(size)), TimeOf(bytes, size, type.scale)) + "'";
     }
     case TypeCode::kDateTimeOffsetN: {
-      // The moment stands in UTC; its owner's clock is what becomes a datetime2.
+      // The moment stands in UTC, and is written as its own clock shows it.
       RequireSize(bytes, {8, 9, 10});
       const std::size_t size = bytes.size() - 5;
       const std::string_view rest = std::string_view(bytes).substr(size);
       const auto offset = static_cast<std::int16_t>(TdsReader(rest.substr(3)).U16());
       constexpr int kMostMinutes = 14 * 60;
       if (std::abs(offset) > kMostMinutes) throw NoValueOfItsType();
-      return "'" + DateTimeText(days_of(rest.substr(0, 3)), TimeOf(bytes, size, type.scale) + offset * 60'000) + "'";
+      const std::int64_t local = TimeOf(bytes, size, type.scale) + offset * 60'000;
+      std::array<char, 16> zone{};
+      std::snprintf(zone.data(), zone.size(), " %c%02d:%02d", offset < 0 ? '-' : '+', std::abs(offset) / 60,
+                    std::abs(offset) % 60);
+      return "'" + DateTimeText(days_of(rest.substr(0, 3)), local) + zone.data() + "'";
     }
     default:
       break;
@@ -318,8 +322,9 @@ std::string DeclarationOf(const WireType& type) {
     case TypeCode::kDateTimeN:
       return "datetime";
     case TypeCode::kDateTime2N:
-    case TypeCode::kDateTimeOffsetN:
       return "datetime2";
+    case TypeCode::kDateTimeOffsetN:
+      return "datetimeoffset";
     case TypeCode::kGuid:
       return "uniqueidentifier";
     case TypeCode::kBigVarBinary:
@@ -486,7 +491,9 @@ std::string ReadLiteral(TdsReader& reader, const WireType& type, const std::stri
   Parameter parameter;
   parameter.name = name;
   ReadInto(parameter, reader, type);
-  return parameter.literal;
+  // A datetime does not take a text with an offset, but does take a datetimeoffset.
+  const bool moment = type.code == TypeCode::kDateTimeOffsetN && parameter.literal != "NULL";
+  return moment ? "CAST(" + parameter.literal + " AS " + parameter.type + ")" : parameter.literal;
 }
 
 Parameter ReadParameter(TdsReader& reader) {

@@ -45,8 +45,7 @@ std::string ReadLiteral(TdsReader& reader, const WireType& type, const std::stri
 
 /// Reads name, flags, type and value. Raises ProtocolError for malformed ones, Error 8023 for a value that its
 /// type does not have (a float that is no number, a date out of range), and Error 40000 for types that the database
-/// does not have: tables, XML, variants and users' own. A datetimeoffset becomes a datetime2, as the server converts
-/// it: date and time of its own clock, without the offset.
+/// does not have: tables, XML, variants and users' own.
 Parameter ReadParameter(TdsReader& reader);
 
 /// N'…' with the quotes inside doubled.

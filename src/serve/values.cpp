@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <charconv>
 
 #include "platform/error.h"
 #include "serve/login.h"
@@ -72,6 +73,8 @@ void PutFieldType(TdsWriter& writer, const Field& field) {
     case FieldType::kDateTime:
       if (!writer.version().is_73()) return PutSizedType(writer, TypeCode::kDateTimeN, 8);
       return PutSizedType(writer, TypeCode::kDateTime2N, kTimeScale);
+    case FieldType::kDateTimeOffset:
+      return PutSizedType(writer, TypeCode::kDateTimeOffsetN, kTimeScale);
     case FieldType::kGuid:
       return PutSizedType(writer, TypeCode::kGuid, 16);
     case FieldType::kChar:
@@ -207,6 +210,24 @@ void PutDateTime(TdsWriter& writer, DateTime value) {
   writer.Number(static_cast<std::uint64_t>(day + kDaysBefore1900), 3);
 }
 
+/// `text` as FieldType::kDateTimeOffset has it. On the wire it is UTC, and the offset in minutes.
+void PutDateTimeOffset(TdsWriter& writer, std::string_view text) {
+  constexpr std::size_t kZoneLength = 6;  // +08:00
+  const std::string_view zone = text.substr(text.size() - std::min(text.size(), kZoneLength));
+  const std::optional<DateTime> clock = DateTime::Parse(text.substr(0, text.size() - zone.size()));
+  int hours = 0;
+  int minutes = 0;
+  if (!clock || zone.size() < kZoneLength) RaiseTypeMismatch();
+  std::from_chars(zone.data() + 1, zone.data() + 3, hours);
+  std::from_chars(zone.data() + 4, zone.data() + 6, minutes);
+  const int offset = (hours * 60 + minutes) * (zone.front() == '-' ? -1 : 1);
+  const auto [day, milliseconds] = SplitDay(DateTime(clock->milliseconds() - std::int64_t{offset} * 60'000));
+  writer.U8(9);
+  writer.U32(static_cast<std::uint32_t>(milliseconds));
+  writer.Number(static_cast<std::uint64_t>(day + kDaysBefore1900), 3);
+  writer.U16(static_cast<std::uint16_t>(offset));
+}
+
 int HexDigit(char digit) {
   if (digit >= '0' && digit <= '9') return digit - '0';
   if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
@@ -264,6 +285,8 @@ void PutValue(TdsWriter& writer, const Field& field, const Recordset& rows, std:
       return writer.U32(static_cast<std::uint32_t>(SplitDay(rows.Get(column).ToDateTime()).milliseconds));
     case FieldType::kDateTime:
       return PutDateTime(writer, rows.Get(column).ToDateTime());
+    case FieldType::kDateTimeOffset:
+      return PutDateTimeOffset(writer, rows.GetText(column));
     case FieldType::kGuid:
       return PutGuid(writer, rows.GetText(column));
     case FieldType::kChar:
@@ -336,6 +359,8 @@ std::vector<Field> OlderFields(const Recordset& rows, TdsVersion version) {
       continue;
     } else if (field.type == FieldType::kDate || field.type == FieldType::kTime) {
       field.size = field.type == FieldType::kDate ? kDateLength : kTimeLength;
+      field.type = FieldType::kNVarChar;
+    } else if (field.type == FieldType::kDateTimeOffset) {
       field.type = FieldType::kNVarChar;
     }
   }

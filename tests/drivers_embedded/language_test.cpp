@@ -88,6 +88,27 @@ TEST(Language, FunctionsOfTextNumberAndDate) {
   });
 }
 
+TEST(Language, MomentsWithAnOffset) {
+  Check({
+      {"create table m (k int, a datetimeoffset(1), unique (a)) insert m values (1, '2026-11-03 09:08:07.14 +08:00'), (2, '2026-11-03 04:30-05:30'), (3, null)",
+       ""},
+      {"insert m values (4, '2026-11-03T01:08:07.1Z')",
+       "error 2627: Violation of UNIQUE KEY constraint on 'm.a'. Cannot insert duplicate key in object 'dbo.m'."},
+      {"select a from m order by a", "a;NULL;2026-11-03 09:08:07.1 +08:00;2026-11-03 04:30:00.0 -05:30"},
+      {"select k from m where a in ('2026-11-03 02:08:07.1 +01:00', '2026-01-01') or a = cast('2026-11-03 10:00' as datetime2) order by k",
+       "k;1;2"},
+      {"select count(distinct b) as n, count(*) as c from (select a as b from m union all select switchoffset(a, '-01:00') from m) t where b is not null",
+       "n|c;2|4"},
+      {"declare @p datetimeoffset = '2026-11-01 10:00 +02:00' select FID from o where FDate = @p", "FID;1"},
+      {"declare @p datetimeoffset(0) = '2026-11-03 00:08:07 +08:00' select cast(@p as datetime) as a, convert(varchar(40), @p, 127) as b, dateadd(minute, -10, @p) as c, switchoffset(@p, -90) as d, todatetimeoffset(@p, '+00:30') as e, day(@p) as f, datediff(hour, '2026-11-02 16:00', @p) as g",
+       "a|b|c|d|e|f|g;2026-11-03 00:08:07|2026-11-02T16:08:07Z|2026-11-02 23:58:07 +08:00|2026-11-02 14:38:07 -01:30|2026-11-03 00:08:07 +00:30|3|0"},
+      {"select cast('2026-11-03 09:00 +14:01' as datetimeoffset) as a",
+       "error 241: Conversion failed when converting date and/or time from character string."},
+      {"select switchoffset(sysdatetimeoffset(), 'x') as a",
+       "error 9812: The timezone provided to builtin function switchoffset is invalid."},
+  });
+}
+
 TEST(Language, BatchesWithControlFlowAndTransactions) {
   Check({
       {"begin try insert o (FID) values (1) end try begin catch select error_number() as n, error_severity() as s end catch",

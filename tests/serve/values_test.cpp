@@ -55,6 +55,7 @@ TEST_F(ValuesTest, KeepTypeAndValue) {
            Case{"cast('1899-12-31 23:59:59.999' as datetime2(3))", "2A0307FF5B26055A950A"},
            Case{"cast('9999-12-31 23:59:59.999' as datetime2(3))", "2A0307FF5B2605DAB937"},
            Case{"cast('0001-01-01' as datetime2)", "2A030700000000000000"},
+           Case{"cast('2024-02-29 07:04:56.789 -05:30' as datetimeoffset)", "2B0309952CB30280460BB6FE"},
            Case{"cast('6F9619FF-8B86-D011-B42D-00C04FC964FF' as uniqueidentifier)",
                 "241010FF19966F868B11D0B42D00C04FC964FF"},
            Case{"cast(N'中😀' as nvarchar(10))", "E71400C06002D4E3DD800DE"},

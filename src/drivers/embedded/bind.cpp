@@ -1,11 +1,13 @@
 // Values into compiled statements, and rows out of them.
 #include <charconv>
 #include <chrono>
+#include <cmath>
 #include <ctime>
 
 #include "drivers/embedded/functions.h"
 #include "drivers/embedded/list_table.h"
 #include "drivers/embedded/literals.h"
+#include "drivers/embedded/moment.h"
 #include "drivers/embedded/session.h"
 #include "drivers/embedded/sqlite_value.h"
 #include "platform/clock.h"
@@ -39,7 +41,11 @@ void AppendCell(Recordset& rows, sqlite3_stmt* statement, int column, const SqlT
       rows.AppendDouble(sqlite3_column_double(statement, column));
       return;
     case SQLITE_TEXT:
-      rows.AppendText(ColumnBytes(statement, column));
+      if (type.has_offset()) {
+        rows.AppendText(FormatMoment(ReadStoredMoment(ColumnBytes(statement, column)), type, 0));
+      } else {
+        rows.AppendText(ColumnBytes(statement, column));
+      }
       return;
     default:
       if (storage == Storage::kBigDecimal) {
@@ -76,6 +82,13 @@ class OneByOne {
   static constexpr std::size_t kMany = 500;
   sqlite3* database_;
 };
+
+/// Milliseconds since 1900-01-01.
+std::int64_t UtcNow() {
+  const auto since = std::chrono::system_clock::now().time_since_epoch();
+  constexpr std::int64_t kUnixEpoch = 25567LL * 86'400'000;
+  return kUnixEpoch + std::chrono::duration_cast<std::chrono::milliseconds>(since).count();
+}
 
 Datum ColumnDatum(sqlite3_stmt* statement, int column) { return ToDatum(sqlite3_column_value(statement, column)); }
 
@@ -276,10 +289,13 @@ Datum Session::SystemValue(const std::string& name, SqlType& type) {
     return value;
   };
   if (name == "getdate") return LocalNow().milliseconds();
-  if (name == "getutcdate") {
-    const auto since = std::chrono::system_clock::now().time_since_epoch();
-    constexpr std::int64_t kUnixEpoch = 25567LL * 86'400'000;
-    return kUnixEpoch + std::chrono::duration_cast<std::chrono::milliseconds>(since).count();
+  if (name == "getutcdate") return UtcNow();
+  if (name == "sysdatetimeoffset") {
+    const std::int64_t local = LocalNow().milliseconds();
+    const double minutes = std::round(static_cast<double>(local - UtcNow()) / 60'000);
+    // A clock that a test set is not the host's; it counts as UTC.
+    constexpr double kMost = 14 * 60;
+    return StoredMoment(Moment::OfClock(local, std::fabs(minutes) <= kMost ? static_cast<int>(minutes) : 0));
   }
   if (name == "@@rowcount") return whole(row_count_);
   if (name == "@@error") return whole(last_error_);

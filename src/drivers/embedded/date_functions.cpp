@@ -4,6 +4,7 @@
 #include "drivers/embedded/date_part.h"
 #include "drivers/embedded/date_text.h"
 #include "drivers/embedded/functions.h"
+#include "drivers/embedded/moment.h"
 #include "drivers/embedded/sqlite_value.h"
 #include "platform/date_time.h"
 #include "platform/text.h"
@@ -79,17 +80,23 @@ void DateAdd(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (AnyNull(arguments)) return;
   const auto part = static_cast<DatePart>(sqlite3_value_int(arguments[0]));
   const std::int64_t number = IntOf(arguments[1]);
-  const std::int64_t time = sqlite3_value_int64(arguments[2]);
+  const SqlType type = TypeArgument(arguments[3]);
+  Moment moment;
+  if (type.has_offset()) moment = ReadStoredMoment(TextOf(arguments[2]));
+  const std::int64_t time = type.has_offset() ? moment.local() : sqlite3_value_int64(arguments[2]);
   std::int64_t result = 0;
   if (part == DatePart::kYear || part == DatePart::kQuarter || part == DatePart::kMonth) {
     result = AddMonths(time, number * (part == DatePart::kYear ? 12 : part == DatePart::kQuarter ? 3 : 1));
   } else {
     result = time + number * Unit(part);
   }
-  const SqlType type = TypeArgument(arguments[3]);
   if (result < -kDay * 693595 || result >= kDay * 2958464) RaiseDateOverflow(type);
   try {
-    sqlite3_result_int64(context, FitDate(result, type, type));
+    if (type.has_offset()) {
+      SetText(context, StoredMoment(FitMoment(Moment::OfClock(result, moment.offset), type, type)));
+    } else {
+      sqlite3_result_int64(context, FitDate(result, type, type));
+    }
   } catch (const SqlError&) {
     RaiseDateOverflow(type);
   }
@@ -217,6 +224,34 @@ void DateFromParts(sqlite3_context* context, Runtime&, Arguments arguments) {
   sqlite3_result_int64(context, time->milliseconds());
 }
 
+/// The minutes that an offset's argument means: a text, or a whole number.
+int OffsetArgument(sqlite3_value* value, const char* function) {
+  constexpr int kMost = 14 * 60;
+  const std::int64_t minutes = sqlite3_value_type(value) == SQLITE_TEXT ? ReadOffset(TextOf(value)).value_or(kMost + 1)
+                                                                        : sqlite3_value_int64(value);
+  if (minutes < -kMost || minutes > kMost) {
+    throw SqlError(9812, "The timezone provided to builtin function " + std::string(function) + " is invalid.");
+  }
+  return static_cast<int>(minutes);
+}
+
+// ts_switchoffset(moment, offset, type)
+void SwitchOffset(sqlite3_context* context, Runtime&, Arguments arguments) {
+  if (AnyNull(arguments)) return;
+  Moment moment = ReadStoredMoment(TextOf(arguments[0]));
+  moment.offset = OffsetArgument(arguments[1], "switchoffset");
+  const SqlType type = TypeArgument(arguments[2]);
+  SetText(context, StoredMoment(FitMoment(moment, type, type)));
+}
+
+// ts_todatetimeoffset(date, offset, type)
+void ToDateTimeOffset(sqlite3_context* context, Runtime&, Arguments arguments) {
+  if (AnyNull(arguments)) return;
+  const int offset = OffsetArgument(arguments[1], "todatetimeoffset");
+  const SqlType type = TypeArgument(arguments[2]);
+  SetText(context, StoredMoment(FitMoment(Moment::OfClock(sqlite3_value_int64(arguments[0]), offset), type, type)));
+}
+
 // ts_isdate(text)
 void IsDate(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
   bool date = false;
@@ -268,6 +303,8 @@ void RegisterDateFunctions(sqlite3* database, Runtime& runtime) {
   RegisterFunction(database, runtime, "ts_datename", 2, DateName);
   RegisterFunction(database, runtime, "ts_eomonth", 2, EndOfMonth);
   RegisterFunction(database, runtime, "ts_datefromparts", 3, DateFromParts);
+  RegisterFunction(database, runtime, "ts_switchoffset", 3, SwitchOffset);
+  RegisterFunction(database, runtime, "ts_todatetimeoffset", 3, ToDateTimeOffset);
   RegisterFunction(database, runtime, "ts_isdate", 1, IsDate);
 }
 

@@ -1,6 +1,7 @@
 // Dates and times as texts: every form that SQL Server reads.
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <optional>
 
 #include "drivers/embedded/date_text.h"
@@ -81,7 +82,7 @@ struct Part {
 
 class Reader {
  public:
-  Reader(std::string_view text, DateOrder order, bool fixed_order) : scan_(text), order_(order), fixed_(fixed_order) {}
+  Reader(std::string_view text, DateOrder order, bool newer) : scan_(text), order_(order), newer_(newer) {}
 
   std::optional<CivilTime> Read() {
     bool date = false;
@@ -102,6 +103,21 @@ class Reader {
     }
     return civil_;
   }
+  [[nodiscard]] int offset() const { return offset_; }
+
+  bool TakeOffset() {
+    const bool west = scan_.peek() == '-';
+    int hours = 0;
+    int minutes = 0;
+    scan_ = scan_.Behind(1);
+    if (scan_.Digits() != 2 || !Take(hours, 2) || !scan_.Take(':')) return false;
+    if (scan_.Digits() != 2 || !Take(minutes, 2)) return false;
+    constexpr int kMost = 14 * 60;
+    offset_ = (hours * 60 + minutes) * (west ? -1 : 1);
+    return minutes < 60 && std::abs(offset_) <= kMost;
+  }
+  [[nodiscard]] bool AtOffset() const { return scan_.peek() == '+' || scan_.peek() == '-'; }
+  [[nodiscard]] bool done() const { return scan_.done(); }
 
  private:
   [[nodiscard]] bool AtTime() const {
@@ -140,8 +156,10 @@ class Reader {
       if (civil_.hour <= 12) civil_.hour = civil_.hour % 12 + (morning ? 0 : 12);
     } else if (scan_.peek() == 'Z' || scan_.peek() == 'z') {
       scan_ = scan_.Behind(1);
+      return true;
     }
-    return true;
+    scan_.SkipBlanks();
+    return !newer_ || !AtOffset() || TakeOffset();
   }
 
   // Behind a point digits are decimal places, behind a colon a number of milliseconds.
@@ -200,7 +218,7 @@ class Reader {
     }
     // With a T behind it the text is that of ISO 8601, in no other order.
     const bool behind_t = (scan_.peek() == 'T' || scan_.peek() == 't') && scan_.Behind(1).Digits() > 0;
-    const bool iso = place[0] == 0 && (fixed_ || behind_t);
+    const bool iso = place[0] == 0 && (newer_ || behind_t);
     const int low = place[0] == 0 ? 1 : 0;
     const int high = place[0] == 2 ? 1 : 2;
     place[1] = day_first && !iso ? high : low;
@@ -242,8 +260,9 @@ class Reader {
 
   Scanner scan_;
   DateOrder order_;
-  bool fixed_;
+  bool newer_;
   CivilTime civil_;
+  int offset_ = 0;
 };
 
 }  // namespace
@@ -279,8 +298,17 @@ DateOrder OrderOfStyle(int style) {
   }
 }
 
-std::optional<CivilTime> ReadDateText(std::string_view text, int style, bool year_leads) {
-  return Reader(text, OrderOfStyle(style), year_leads).Read();
+std::optional<CivilTime> ReadDateText(std::string_view text, int style, bool newer, int* offset) {
+  Reader reader(text, OrderOfStyle(style), newer);
+  const std::optional<CivilTime> civil = reader.Read();
+  if (offset != nullptr) *offset = reader.offset();
+  return civil;
+}
+
+std::optional<int> ReadOffset(std::string_view text) {
+  Reader reader(text, DateOrder::kMdy, true);
+  if (!reader.AtOffset() || !reader.TakeOffset() || !reader.done()) return std::nullopt;
+  return reader.offset();
 }
 
 }  // namespace tessarlorn::embedded

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "drivers/embedded/date_text.h"
+#include "drivers/embedded/moment.h"
 #include "drivers/embedded/sql_error.h"
 #include "platform/date_time.h"
 #include "platform/text.h"
@@ -206,8 +207,9 @@ Datum ToReal(const Datum& value, const SqlType& from, const SqlType& to) {
                           std::string(TypeNameText(to)) + " data type resulted in an out-of-range value.");
 }
 
-std::int64_t DateOfText(std::string_view text, const SqlType& from, const SqlType& to, int style) {
-  std::optional<CivilTime> civil = ReadDateText(text, style, !to.is_old_date());
+std::int64_t DateOfText(std::string_view text, const SqlType& from, const SqlType& to, int style,
+                        int* offset = nullptr) {
+  std::optional<CivilTime> civil = ReadDateText(text, style, !to.is_old_date(), offset);
   const bool carries = civil && civil->millisecond == 1000;
   if (carries) civil->millisecond = 999;
   const std::optional<DateTime> time = civil ? DateTime::FromCivil(*civil) : std::nullopt;
@@ -231,6 +233,20 @@ Datum ToDate(const Datum& value, const SqlType& from, const SqlType& to, int sty
   }
   const bool as_is = fit == Fit::kCompare && from.is_date() && to.kind == FieldType::kDateTime;
   return as_is ? milliseconds : FitDate(milliseconds, from, to);
+}
+
+Datum ToMoment(const Datum& value, const SqlType& from, const SqlType& to, int style) {
+  Moment moment;
+  if (from.is_date()) {
+    moment.utc = std::get<std::int64_t>(value);
+  } else if (from.is_text()) {
+    int offset = 0;
+    const std::int64_t local = DateOfText(std::get<std::string>(value), from, to, style, &offset);
+    moment = Moment::OfClock(local, offset);
+  } else {
+    RaiseNotAllowed(from, to);
+  }
+  return StoredMoment(FitMoment(moment, from, to));
 }
 
 std::int64_t RoundTo(std::int64_t value, std::int64_t unit) {
@@ -297,7 +313,7 @@ Datum FitText(std::string text, const SqlType& from, const SqlType& to, Fit fit)
   const bool national = to.is_national();
   const int length = TextLength(text, national);
   if (length > to.size) {
-    if (from.is_text() || from.is_binary() || from.kind == FieldType::kGuid || from.is_date()) {
+    if (from.is_text() || from.is_binary() || from.kind == FieldType::kGuid || from.is_date() || from.has_offset()) {
       std::string_view kept = CutText(text, to.size, national);
       const bool only_blanks = text.find_first_not_of(' ', kept.size()) == std::string::npos;
       if (fit == Fit::kAssign && !only_blanks) throw SqlError(8152, "String or binary data would be truncated.");
@@ -506,8 +522,22 @@ Datum ExactArithmetic(BinaryOp op, const Datum& a, const SqlType& a_type, const 
   return FromDecimal(*answer, result);
 }
 
+namespace {
+
+Datum ConvertMoment(const Moment& moment, const SqlType& from, const SqlType& to, int style, Fit fit) {
+  if (to.has_offset()) return StoredMoment(FitMoment(moment, from, to));
+  if (to.is_text()) return FitText(FormatMoment(moment, from, style), from, to, fit);
+  // Dates without an offset are compared as those of UTC.
+  if (to.is_date()) return FitDate(fit == Fit::kCompare ? moment.utc : moment.local(), from, to);
+  RaiseNotAllowed(from, to);
+}
+
+}  // namespace
+
 Datum Convert(const Datum& value, const SqlType& from, const SqlType& to, int style, Fit fit) {
   if (std::holds_alternative<std::monostate>(value)) return {};
+  if (from.has_offset()) return ConvertMoment(ReadStoredMoment(std::get<std::string>(value)), from, to, style, fit);
+  if (to.has_offset()) return ToMoment(value, from, to, style);
   if (to.is_integer()) return ToInteger(value, from, to, fit);
   if (to.is_exact()) return ToExact(value, from, to, fit);
   if (to.is_float()) return ToReal(value, from, to);

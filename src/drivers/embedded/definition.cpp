@@ -37,7 +37,7 @@ std::string NullKeySql(const CatalogObject& table, const std::string& index, con
   for (const std::string& name : key) {
     const Column& column = table.columns[static_cast<std::size_t>(table.FindColumn(name))];
     const std::string quoted = QuoteName(column.name);
-    const std::string value = "ifnull(" + quoted + ", 0)" + (column.type.is_text() ? " COLLATE TSQL" : "");
+    const std::string value = "ifnull(" + quoted + ", 0)" + CollationOf(column.type);
     columns.append(columns.empty() ? "" : ", ").append(quoted).append(" IS NULL, ").append(value);
     if (column.nullable) nulls.append(nulls.empty() ? "" : " OR ").append(quoted).append(" IS NULL");
   }

@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 
+#include "drivers/embedded/moment.h"
 #include "drivers/embedded/sqlite_value.h"
 #include "platform/collation.h"
 #include "platform/text.h"
@@ -27,6 +28,11 @@ void DeleteRegistration(void* data) { const std::unique_ptr<Registration> owned(
 int Collate(void*, int a_size, const void* a, int b_size, const void* b) {
   return CompareText({static_cast<const char*>(a), static_cast<std::size_t>(a_size)},
                      {static_cast<const char*>(b), static_cast<std::size_t>(b_size)});
+}
+
+int CollateMoments(void*, int a_size, const void* a, int b_size, const void* b) {
+  return CompareStoredMoments({static_cast<const char*>(a), static_cast<std::size_t>(a_size)},
+                              {static_cast<const char*>(b), static_cast<std::size_t>(b_size)});
 }
 
 // ts_conv(value, from, to, style)
@@ -167,6 +173,7 @@ void RegisterConversionFunctions(sqlite3* database, Runtime& runtime) {
 
 void RegisterFunctions(sqlite3* database, Runtime& runtime) {
   sqlite3_create_collation_v2(database, "TSQL", SQLITE_UTF8, nullptr, Collate, nullptr);
+  sqlite3_create_collation_v2(database, "MOMENT", SQLITE_UTF8, nullptr, CollateMoments, nullptr);
   RegisterConversionFunctions(database, runtime);
   RegisterTextFunctions(database, runtime);
   RegisterNumberFunctions(database, runtime);

@@ -176,9 +176,7 @@ void Session::ExecuteSql(const Statement& call, Scope& scope) {
     const std::vector<StatementPtr> parsed = ParseStatements(declarations, tokens);
     const std::vector<Parameter>& parameters = parsed.at(0)->parameters;
     for (const Parameter& parameter : parameters) {
-      // Some clients send every moment as a datetimeoffset; here it is the date and time of its own clock.
-      const bool offset = EqualsIgnoreCase(parameter.type.name, "datetimeoffset");
-      frame.Declare(parameter.name, ResolveType(offset ? TypeName{.name = "datetime2"} : parameter.type, false));
+      frame.Declare(parameter.name, ResolveType(parameter.type, false));
     }
     for (std::size_t i = 2; i < call.arguments.size(); ++i) {
       const auto& [name, value] = call.arguments[i];

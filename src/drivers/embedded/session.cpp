@@ -36,6 +36,8 @@ int StorageBytes(const SqlType& type) {
       return type.precision <= 9 ? 5 : type.precision <= 19 ? 9 : type.precision <= 28 ? 13 : 17;
     case FieldType::kDate:
       return 3;
+    case FieldType::kDateTimeOffset:
+      return BytesOfMoment(type.scale);
     case FieldType::kGuid:
       return 16;
     case FieldType::kChar:

@@ -41,7 +41,7 @@ constexpr std::string_view kMeasures = R"(t.id AS system_type_id, t.user_id AS u
   WHEN c.base = 'decimal' THEN CASE WHEN c.size <= 9 THEN 5 WHEN c.size <= 19 THEN 9 WHEN c.size <= 28 THEN 13 ELSE 17 END
   ELSE t.max_length END AS max_length,
  CASE c.base WHEN 'decimal' THEN c.size ELSE t.precision END AS precision,
- CASE WHEN c.base IN ('time', 'datetime2') THEN c.size WHEN c.base = 'decimal' THEN c.places ELSE t.scale END AS scale)";
+ CASE WHEN c.base IN ('time', 'datetime2', 'datetimeoffset') THEN c.size WHEN c.base = 'decimal' THEN c.places ELSE t.scale END AS scale)";
 
 /// The constraints of tables, as TableConstraints wrote them. Their numbers stand beyond those of objects.
 constexpr std::string_view kConstraints = R"(SELECT o.id AS object, o.name AS owner, j.key AS position,
@@ -275,7 +275,7 @@ constexpr std::string_view kSizes = R"(base AS DATA_TYPE,
  CASE base WHEN 'decimal' THEN places WHEN 'money' THEN 4 WHEN 'smallmoney' THEN 4
   WHEN 'bigint' THEN 0 WHEN 'int' THEN 0 WHEN 'smallint' THEN 0 WHEN 'tinyint' THEN 0 END AS NUMERIC_SCALE,
  CASE base WHEN 'datetime' THEN 3 WHEN 'date' THEN 0 WHEN 'smalldatetime' THEN 0 WHEN 'time' THEN size
-  WHEN 'datetime2' THEN size END AS DATETIME_PRECISION,
+  WHEN 'datetime2' THEN size WHEN 'datetimeoffset' THEN size END AS DATETIME_PRECISION,
  CASE WHEN base LIKE '%char' THEN 'Chinese_PRC_CI_AS' END AS COLLATION_NAME)";
 
 std::vector<SystemView> InformationViews() {

@@ -68,6 +68,8 @@ void DataLength(sqlite3_context* context, Runtime&, Arguments arguments) {
     bytes = type.precision <= 9 ? 5 : type.precision <= 19 ? 9 : type.precision <= 28 ? 13 : 17;
   } else if (type.kind == FieldType::kGuid) {
     bytes = 16;
+  } else if (type.has_offset()) {
+    bytes = BytesOfMoment(type.scale);
   }
   sqlite3_result_int64(context, bytes);
 }

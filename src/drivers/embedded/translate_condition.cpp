@@ -34,12 +34,16 @@ std::string Translator::Compare(CompareOp op, const Typed& a, const Typed& b) {
       common = BigIntType();
       return true;
     }
+    if (column.type.kind == FieldType::kDateTime && constant.type.has_offset()) {
+      common = DateTime2Type(7);
+      return true;
+    }
     return false;
   };
   if (!prefer(a, b)) prefer(b, a);
   const std::string left = Coerce(a, common, Fit::kCompare);
   const std::string right = Coerce(b, common, Fit::kCompare);
-  const std::string collation = common.is_text() ? " COLLATE TSQL" : "";
+  const std::string collation = CollationOf(common);
   if (op == CompareOp::kEqual && common.is_text() && a.number.empty() != b.number.empty()) {
     // An index on the number serves where the text can be read as one; that it can follows from the equality.
     const Typed& number = a.number.empty() ? b : a;
@@ -56,7 +60,7 @@ std::string Translator::InList(const Expression& expression, Scope& scope) {
   if (expression.kind == Expression::Kind::kInLiteralList) {
     const SqlType item = expression.list_of_strings ? VarCharType(8000) : IntType();
     SqlType common = expression.list_of_strings || value.type.is_text() ? CommonType(value.type, item) : value.type;
-    if (value.type.is_date() || value.type.is_float()) common = value.type;
+    if (value.type.is_date() || value.type.has_offset() || value.type.is_float()) common = value.type;
     if (value.type.is_text() && !expression.list_of_strings) common = BigIntType();
     if (value.type.is_integer() && !expression.list_of_strings) common = BigIntType();
     const std::string left = Coerce(value, common, Fit::kCompare);
@@ -67,7 +71,7 @@ std::string Translator::InList(const Expression& expression, Scope& scope) {
     list.to = common;
     list.fit = Fit::kCompare;
     parameters_.push_back(std::move(list));
-    return "(" + left + (common.is_text() ? " COLLATE TSQL" : "") + negation + "SELECT value FROM ts_list(?" +
+    return "(" + left + CollationOf(common) + negation + "SELECT value FROM ts_list(?" +
            std::to_string(parameters_.size()) + ")))";
   }
   std::vector<Typed> items;
@@ -80,7 +84,7 @@ std::string Translator::InList(const Expression& expression, Scope& scope) {
     const std::string sql = Compare(CompareOp::kEqual, value, items[0]);
     return expression.negated ? "(NOT " + sql + ")" : sql;
   }
-  std::string sql = "(" + Coerce(value, common, Fit::kCompare) + (common.is_text() ? " COLLATE TSQL" : "") + negation;
+  std::string sql = "(" + Coerce(value, common, Fit::kCompare) + CollationOf(common) + negation;
   for (std::size_t i = 0; i < items.size(); ++i) {
     sql += (i == 0 ? "" : ", ") + Coerce(items[i], common, Fit::kCompare);
   }
@@ -94,7 +98,7 @@ std::string Translator::InQuery(const Expression& expression, Scope& scope) {
   const Typed column{"\"c\"", query.columns[0].type, true, -1};
   const std::string converted = Coerce(column, common, Fit::kCompare);
   const std::string rows = converted == column.sql ? query.sql : "SELECT " + converted + " FROM (" + query.sql + ")";
-  return "(" + Coerce(value, common, Fit::kCompare) + (common.is_text() ? " COLLATE TSQL" : "") +
+  return "(" + Coerce(value, common, Fit::kCompare) + CollationOf(common) +
          (expression.negated ? " NOT IN (" : " IN (") + rows + "))";
 }
 

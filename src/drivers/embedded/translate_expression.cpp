@@ -50,6 +50,7 @@ bool NeedsNoConversion(const SqlType& from, const SqlType& to, Fit fit) {
     if (fit == Fit::kCompare) return to.kind == FieldType::kDateTime || from.kind == to.kind;
     return from == to || (from.kind == FieldType::kDateTime && to == DateTime2Type(to.scale) && to.scale >= 3);
   }
+  if (from.has_offset() && to.has_offset()) return from.scale <= to.scale || to.scale >= 3;
   return from.kind == to.kind && from.size == to.size;
 }
 
@@ -84,7 +85,8 @@ std::string_view OperatorName(BinaryOp op) {
 }  // namespace
 
 std::string Translator::Collated(const Typed& value) {
-  return value.type.is_text() ? "(" + value.sql + " COLLATE TSQL)" : value.sql;
+  const std::string collation = CollationOf(value.type);
+  return collation.empty() ? value.sql : "(" + value.sql + collation + ")";
 }
 
 Typed Translator::Constant(Datum value, const SqlType& type) {

@@ -100,9 +100,12 @@ std::string Translator::FloatArgument(const Expression& expression, Scope& scope
 }
 
 std::string Translator::DateArgument(const Expression& expression, Scope& scope) {
-  const Typed value = Value(expression, scope);
+  return AsDate(Value(expression, scope));
+}
+
+std::string Translator::AsDate(const Typed& value) {
   if (value.type.is_date()) return value.sql;
-  return Coerce(value, value.type.is_text() ? DateTime2Type(7) : DateTimeType());
+  return Coerce(value, value.type.is_text() || value.type.has_offset() ? DateTime2Type(7) : DateTimeType());
 }
 
 Typed Translator::Function(const Expression& expression, Scope& scope) {
@@ -156,30 +159,11 @@ Typed Translator::Function(const Expression& expression, Scope& scope) {
     Typed value = (this->*topic)(expression, scope);
     if (!value.sql.empty()) return value;
   }
-  constexpr std::array<std::string_view, 24> kServerOnly = {"format",
-                                                            "stdev",
-                                                            "stdevp",
-                                                            "var",
-                                                            "varp",
-                                                            "checksum",
-                                                            "degrees",
-                                                            "radians",
-                                                            "cot",
-                                                            "object_name",
-                                                            "parsename",
-                                                            "translate",
-                                                            "string_split",
-                                                            "json_value",
-                                                            "hashbytes",
-                                                            "soundex",
-                                                            "difference",
-                                                            "percent_rank",
-                                                            "cume_dist",
-                                                            "checksum_agg",
-                                                            "datetimefromparts",
-                                                            "switchoffset",
-                                                            "todatetimeoffset",
-                                                            "grouping"};
+  constexpr std::array<std::string_view, 22> kServerOnly = {
+      "format",    "stdev",   "stdevp",      "var",          "varp",      "checksum",     "degrees",
+      "radians",   "cot",     "object_name", "parsename",    "translate", "string_split", "json_value",
+      "hashbytes", "soundex", "difference",  "percent_rank", "cume_dist", "checksum_agg", "datetimefromparts",
+      "grouping"};
   if (std::find(kServerOnly.begin(), kServerOnly.end(), expression.text) != kServerOnly.end()) {
     RaiseUnsupported("The function " + UpperCase(expression.text), expression.line);
   }
@@ -371,7 +355,7 @@ Typed Translator::DateFunction(const Expression& expression, Scope& scope) {
   if (name == "dateadd") {
     RequireArguments(expression, 2, 2);
     const Typed date = Value(*expression.operands[1], scope);
-    const SqlType type = date.type.is_date() ? date.type : DateTimeType();
+    const SqlType type = date.type.is_date() || date.type.has_offset() ? date.type : DateTimeType();
     const std::optional<DatePart> found = FindDatePart(expression.parts.empty() ? "" : expression.parts[0]);
     const bool of_time = found && *found >= DatePart::kHour;
     if (found && ((type.kind == FieldType::kDate && of_time) || (type.kind == FieldType::kTime && !of_time))) {
@@ -385,9 +369,14 @@ Typed Translator::DateFunction(const Expression& expression, Scope& scope) {
   }
   if (name == "datediff" || name == "datediff_big") {
     RequireArguments(expression, 2, 2);
-    const std::string from = DateArgument(*expression.operands[0], scope);
-    const std::string difference =
-        "ts_datediff(" + part() + ", " + from + ", " + DateArgument(*expression.operands[1], scope) + ")";
+    // Between moments of different clocks, by UTC.
+    const auto side = [&](const Expression& operand) {
+      const Typed value = Value(operand, scope);
+      if (!value.type.has_offset()) return AsDate(value);
+      return AsDate({"ts_switchoffset(" + value.sql + ", 0, " + Packed(value.type) + ")", value.type, true, -1});
+    };
+    const std::string from = side(*expression.operands[0]);
+    const std::string difference = "ts_datediff(" + part() + ", " + from + ", " + side(*expression.operands[1]) + ")";
     if (name == "datediff_big") return {difference, BigIntType(), true, -1};
     return {"ts_datediff_int(" + difference + ")", IntType(), true, -1};
   }
@@ -401,6 +390,19 @@ Typed Translator::DateFunction(const Expression& expression, Scope& scope) {
     const int number = static_cast<int>(*FindDatePart(name));
     return {"ts_datepart(" + std::to_string(number) + ", " + DateArgument(*expression.operands[0], scope) + ")",
             IntType(), true, -1};
+  }
+  if (name == "sysdatetimeoffset") return SystemValue(name, DateTimeOffsetType(7));
+  if (name == "switchoffset" || name == "todatetimeoffset") {
+    RequireArguments(expression, 2, 2);
+    const Typed value = Value(*expression.operands[0], scope);
+    const Typed zone = Value(*expression.operands[1], scope);
+    constexpr int kPlacesOfDateTime = 3;
+    const SqlType type = DateTimeOffsetType(value.type.is_old_date()                          ? kPlacesOfDateTime
+                                            : value.type.is_date() || value.type.has_offset() ? value.type.scale
+                                                                                              : 7);
+    const std::string moment = name == "switchoffset" ? Coerce(value, type) : Coerce(value, DateTime2Type(type.scale));
+    const std::string offset = zone.type.is_text() ? zone.sql : Coerce(zone, BigIntType());
+    return {"ts_" + name + "(" + moment + ", " + offset + ", " + Packed(type) + ")", type, true, -1};
   }
   const bool fine = name == "sysdatetime" || name == "sysutcdatetime";
   const SqlType now = fine ? DateTime2Type(7) : DateTimeType();

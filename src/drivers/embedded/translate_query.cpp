@@ -110,7 +110,7 @@ std::string Translator::OrderBy(const std::vector<OrderItem>& items, Scope* scop
     const Expression& key = *item.expression;
     std::string text;
     const auto position = [&](std::size_t column) {
-      text = std::to_string(column + 1) + (columns[column].type.is_text() ? " COLLATE TSQL" : "");
+      text = std::to_string(column + 1) + CollationOf(columns[column].type);
     };
     if (key.kind == Expression::Kind::kLiteral) {
       Pin(key);
@@ -145,7 +145,7 @@ std::string Translator::OrderBy(const std::vector<OrderItem>& items, Scope* scop
       if (select != nullptr && select->distinct && !selects(key, value.sql)) {
         throw SqlError(145, "ORDER BY items must appear in the select list if SELECT DISTINCT is specified.", 15);
       }
-      text = value.type.is_text() ? value.sql + " COLLATE TSQL" : value.sql;
+      text = value.sql + CollationOf(value.type);
     }
     sql += (sql.empty() ? " ORDER BY " : ", ") + text + (item.descending ? " DESC" : "");
   }
@@ -193,7 +193,7 @@ std::string Translator::KeyListCondition(const Expression& condition, Scope& sco
       if (key < 0 || outer.kind != Expression::Kind::kColumn || own_column(outer) >= 0) continue;
       const Column& column = table->columns[static_cast<std::size_t>(key)];
       const Typed value = Value(outer, scope);
-      if (!StoresAlike(value.type, column.type) || value.type.is_text()) continue;
+      if (!StoresAlike(value.type, column.type) || !CollationOf(value.type).empty()) continue;
       sql += " AND " + value.sql + " IN (SELECT " + QuoteName(column.name) + " FROM " + TableSql(*table) + ")";
     }
   };
@@ -273,7 +273,7 @@ TranslatedQuery Translator::SelectText(const Query& query, const Select& select,
   std::string sql = select.distinct && !unfold ? "SELECT DISTINCT " : "SELECT ";
   for (std::size_t i = 0; i < values.size(); ++i) {
     if (i > 0) sql += ", ";
-    const bool collate = (options.collate_items || select.distinct) && values[i].type.is_text();
+    const bool collate = options.collate_items || select.distinct;
     sql += collate ? Collated(values[i]) : values[i].sql;
     if (named) sql += " AS " + QuoteName(result.columns[i].name);
   }

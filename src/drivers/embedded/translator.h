@@ -169,6 +169,7 @@ class Translator {
   std::string IntArgument(const Expression& expression, Scope& scope);
   std::string FloatArgument(const Expression& expression, Scope& scope);
   std::string DateArgument(const Expression& expression, Scope& scope);
+  std::string AsDate(const Typed& value);
 
   // translate_query.cpp
   TranslatedQuery QueryText(const Query& query, const Scope* parent, const SelectOptions& options);

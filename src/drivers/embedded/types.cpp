@@ -32,6 +32,7 @@ constexpr std::array kTypeNames = {
     NamedType{"date", FieldType::kDate},
     NamedType{"time", FieldType::kTime},
     NamedType{"datetime", FieldType::kDateTime},
+    NamedType{"datetimeoffset", FieldType::kDateTimeOffset},
     NamedType{"char", FieldType::kChar},
     NamedType{"varchar", FieldType::kVarChar},
     NamedType{"nchar", FieldType::kNChar},
@@ -73,6 +74,8 @@ int IntegerDigits(FieldType kind) {
 /// Which type wins when two meet; the higher one.
 int Precedence(const SqlType& type) {
   switch (type.kind) {
+    case FieldType::kDateTimeOffset:
+      return 95;
     case FieldType::kDateTime:
       return type.form() == DateForm::kDateTime2 ? 92 : type.form() == DateForm::kDateTime ? 90 : 88;
     case FieldType::kDate:
@@ -146,6 +149,7 @@ Storage SqlType::storage() const noexcept {
     case FieldType::kNChar:
     case FieldType::kNVarChar:
     case FieldType::kGuid:
+    case FieldType::kDateTimeOffset:
       return Storage::kText;
     case FieldType::kBinary:
     case FieldType::kVarBinary:
@@ -176,6 +180,9 @@ SqlType DateTimeType() { return {FieldType::kDateTime, 0, 0, 0, false}; }
 SqlType DateTime2Type(int scale) {
   return {FieldType::kDateTime, 0, static_cast<int>(DateForm::kDateTime2), scale, false};
 }
+SqlType DateTimeOffsetType(int scale) {
+  return {FieldType::kDateTimeOffset, 0, static_cast<int>(DateForm::kDateTime2), scale, false};
+}
 SqlType BitType() { return {FieldType::kBit, 0, 0, 0, false}; }
 SqlType NullType() { return {FieldType::kInt, 0, 0, 0, true}; }
 SqlType DecimalType(int precision, int scale) { return MakeDecimal(precision, scale); }
@@ -187,9 +194,8 @@ SqlType ResolveType(const TypeName& name, bool in_cast) {
                                    [&](const NamedType& type) { return EqualsIgnoreCase(type.name, name.name); });
   if (found == kTypeNames.end()) {
     if (EqualsIgnoreCase(name.name, "xml") || EqualsIgnoreCase(name.name, "sql_variant") ||
-        EqualsIgnoreCase(name.name, "datetimeoffset") || EqualsIgnoreCase(name.name, "timestamp") ||
-        EqualsIgnoreCase(name.name, "rowversion") || EqualsIgnoreCase(name.name, "table") ||
-        EqualsIgnoreCase(name.name, "cursor")) {
+        EqualsIgnoreCase(name.name, "timestamp") || EqualsIgnoreCase(name.name, "rowversion") ||
+        EqualsIgnoreCase(name.name, "table") || EqualsIgnoreCase(name.name, "cursor")) {
       RaiseUnsupported("The data type " + name.name);
     }
     throw SqlError(2715, "Column, parameter, or variable: Cannot find data type " + name.name + ".");
@@ -228,8 +234,8 @@ SqlType ResolveType(const TypeName& name, bool in_cast) {
     type.scale = 4;
   } else if (EqualsIgnoreCase(name.name, kSmallDateTime)) {
     type.precision = static_cast<int>(DateForm::kSmallDateTime);
-  } else if (EqualsIgnoreCase(name.name, kDateTime2) || type.kind == FieldType::kTime) {
-    if (type.kind == FieldType::kDateTime) type.precision = static_cast<int>(DateForm::kDateTime2);
+  } else if (EqualsIgnoreCase(name.name, kDateTime2) || type.kind == FieldType::kTime || type.has_offset()) {
+    if (type.kind != FieldType::kTime) type.precision = static_cast<int>(DateForm::kDateTime2);
     type.scale = name.length == -2 ? 7 : name.length;
     if (type.scale < 0 || type.scale > 7) {
       throw SqlError(1002, "Line 1: Specified scale " + std::to_string(type.scale) + " is invalid.", 15);
@@ -254,7 +260,8 @@ std::string TypeText(const SqlType& type) {
     text += type.size == 0 ? "(max)" : "(" + std::to_string(type.size) + ")";
   } else if (type.kind == FieldType::kDecimal) {
     text += "(" + std::to_string(type.precision) + ", " + std::to_string(type.scale) + ")";
-  } else if (type.kind == FieldType::kTime || (type.kind == FieldType::kDateTime && !type.is_old_date())) {
+  } else if (type.kind == FieldType::kTime || type.has_offset() ||
+             (type.kind == FieldType::kDateTime && !type.is_old_date())) {
     text += "(" + std::to_string(type.scale) + ")";
   }
   return text;
@@ -284,13 +291,17 @@ std::string_view SqliteColumnType(const SqlType& type) {
     case Storage::kReal:
       return "REAL";
     case Storage::kText:
-      return "TEXT COLLATE TSQL";
+      return type.has_offset() ? "TEXT COLLATE MOMENT" : "TEXT COLLATE TSQL";
     case Storage::kBlob:
     case Storage::kBigDecimal:
       return "BLOB";
     default:
       return "INTEGER";
   }
+}
+
+std::string CollationOf(const SqlType& type) {
+  return type.is_text() ? " COLLATE TSQL" : type.has_offset() ? " COLLATE MOMENT" : "";
 }
 
 std::int64_t PackType(const SqlType& type) {
@@ -334,7 +345,8 @@ SqlType CommonType(const SqlType& a, const SqlType& b) {
     const int scale = std::max(x.scale, y.scale);
     return Fit(std::max(x.precision - x.scale, y.precision - y.scale) + scale, scale);
   }
-  if (high.kind == FieldType::kDateTime && !high.is_old_date() && low.is_date()) {
+  const bool of_places = high.has_offset() || (high.kind == FieldType::kDateTime && !high.is_old_date());
+  if (of_places && (low.is_date() || low.has_offset())) {
     constexpr int kPlacesOfDateTime = 3;
     high.scale = std::max(high.scale, low.is_old_date() ? kPlacesOfDateTime : low.scale);
   }
@@ -377,6 +389,8 @@ Field ToField(const std::string& name, const SqlType& type, bool nullable) {
     field.precision = type.precision;
     field.scale = type.scale;
   }
+  constexpr int kLongestMoment = 34;
+  if (type.has_offset()) field.size = kLongestMoment;
   field.nullable = nullable;
   return field;
 }

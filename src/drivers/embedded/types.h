@@ -15,7 +15,7 @@ enum class Storage : std::uint8_t {
   kScaled,      // decimals of up to 18 digits and money: value × 10^scale as integer
   kBigDecimal,  // longer decimals: a blob of 16 bytes whose byte order is that of the numbers (see datum.h)
   kReal,
-  kText,
+  kText,  // also moments with an offset, see moment.h
   kBlob,
 };
 
@@ -32,7 +32,7 @@ struct SqlType {
   int size = 0;
   /// Of exact numbers; of date-times the form.
   int precision = 0;
-  /// Of exact numbers, datetime2 and time: decimal places.
+  /// Of exact numbers, datetime2, datetimeoffset and time: decimal places.
   int scale = 0;
   /// The type of NULL itself, which takes any other's place.
   bool untyped_null = false;
@@ -45,7 +45,10 @@ struct SqlType {
   [[nodiscard]] bool is_exact() const noexcept { return kind == FieldType::kDecimal || kind == FieldType::kMoney; }
   [[nodiscard]] bool is_float() const noexcept { return kind == FieldType::kFloat || kind == FieldType::kReal; }
   [[nodiscard]] bool is_number() const noexcept { return is_integer() || is_exact() || is_float(); }
+  /// Date, time, datetime and its kin; not datetimeoffset.
   [[nodiscard]] bool is_date() const noexcept;
+  /// datetimeoffset.
+  [[nodiscard]] bool has_offset() const noexcept { return kind == FieldType::kDateTimeOffset; }
   [[nodiscard]] DateForm form() const noexcept { return static_cast<DateForm>(precision); }
   [[nodiscard]] bool is_small_money() const noexcept { return kind == FieldType::kMoney && precision == 10; }
   /// datetime or smalldatetime, the types that numbers can be added to.
@@ -64,6 +67,9 @@ SqlType BigIntType();
 SqlType FloatType();
 SqlType DateTimeType();
 SqlType DateTime2Type(int scale);
+SqlType DateTimeOffsetType(int scale);
+/// What a datetimeoffset takes on the server.
+constexpr int BytesOfMoment(int scale) { return scale <= 2 ? 8 : scale <= 4 ? 9 : 10; }
 SqlType BitType();
 SqlType NullType();
 SqlType DecimalType(int precision, int scale);
@@ -84,6 +90,9 @@ SqlType ParseTypeText(std::string_view text);
 
 /// The declared type of a SQLite column that holds values of the type, chosen so that SQLite converts nothing.
 std::string_view SqliteColumnType(const SqlType& type);
+
+/// What has to stand behind a value of the type where SQLite compares, groups or orders it: " COLLATE …", or "".
+std::string CollationOf(const SqlType& type);
 
 /// A type in one number, as the row functions get it.
 std::int64_t PackType(const SqlType& type);

@@ -68,6 +68,8 @@ FieldType TypeOf(SQLSMALLINT type) {
     case SQL_LONGVARBINARY:
     case kSqlUdt:
       return FieldType::kVarBinary;
+    case kSqlTimestampOffset:
+      return FieldType::kDateTimeOffset;
     case SQL_GUID:
       return FieldType::kGuid;
     default:
@@ -158,7 +160,7 @@ ResultReader::Column ResultReader::Describe(SQLUSMALLINT number) {
   const bool binary = field.type == FieldType::kBinary || field.type == FieldType::kVarBinary;
   // The drivers say 0 or a number beyond every declared size for what has no limit.
   const bool endless = IsLongType(type) || size == 0 || size > kWidestBound;
-  if (type == kSqlTimestampOffset) size = 40;
+  if (type == kSqlTimestampOffset) size = 34;
   field.size = endless ? 0 : static_cast<int>(size);
   column.is_long = endless;
   if (binary) {

@@ -248,7 +248,7 @@ std::string DateLiteral(const std::string& bytes, const WireType& type) {
       const auto offset = static_cast<std::int16_t>(TdsReader(rest.substr(3)).U16());
       constexpr int kMostMinutes = 14 * 60;
       if (std::abs(offset) > kMostMinutes) throw NoValueOfItsType();
-      const std::int64_t local = TimeOf(bytes, size, type.scale) + offset * 60'000;
+      const std::int64_t local = TimeOf(bytes, size, type.scale) + std::int64_t{offset} * 60'000;
       std::array<char, 16> zone{};
       std::snprintf(zone.data(), zone.size(), " %c%02d:%02d", offset < 0 ? '-' : '+', std::abs(offset) / 60,
                     std::abs(offset) % 60);

@@ -43,8 +43,10 @@ inline constexpr std::array kPlaces = std::to_array<std::string_view>({
 });
 
 inline constexpr std::array kLiterals = std::to_array<std::string_view>(
-    {"1", "2", "100", "007", "2147483647", "2147483648", "99999999999999999999", "1.5", "10.25", "0.001", "1e0", "2.5e3",
-     "0x", "0x11", "0x1122", "0x123", "''", "'1'", "'ab'", "'2026-11-03'", "'o''b'", "N'货'", "N'x'", "'%[a]%'"});
+    {"1",      "2",     "100",    "007", "2147483647", "2147483648",   "99999999999999999999",
+     "1.5",    "10.25", "0.001",  "1e0", "2.5e3",      "0x",           "0x11",
+     "0x1122", "0x123", "''",     "'1'", "'ab'",       "'2026-11-03'", "'o''b'",
+     "N'货'",  "N'x'",  "'%[a]%'"});
 
 inline std::string LongText() { return "'" + std::string(8001, 'x') + "'"; }
 inline std::string LongBinary() { return "0x" + std::string(16002, 'a'); }

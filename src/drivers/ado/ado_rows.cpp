@@ -182,6 +182,7 @@ void Append(Recordset& rows, const Field& field, const VARIANT& cell) {
     case FieldType::kVarChar:
     case FieldType::kNChar:
     case FieldType::kNVarChar:
+    case FieldType::kDateTimeOffset:
       rows.AppendText(value.ToText());
       break;
   }

@@ -6,10 +6,10 @@
 #include <fstream>
 #include <strings.h>
 
-#include "cli/schema_files.h"
-#include "cli/seed/seed.h"
 #include "platform/connection.h"
 #include "platform/error.h"
+#include "samples/seed.h"
+#include "schema/schema_files.h"
 
 namespace tessarlorn::bench {
 namespace {

@@ -14,10 +14,10 @@
 
 #include "bench/databases.h"
 #include "bench/ratios.h"
+#include "hosts/tds/server.h"
+#include "hosts/tds/users.h"
 #include "platform/connection.h"
 #include "platform/error.h"
-#include "serve/server.h"
-#include "serve/users.h"
 
 namespace tessarlorn::bench {
 namespace {
@@ -46,25 +46,25 @@ class Served {
   [[nodiscard]] int port() const { return server_.address().port; }
 
  private:
-  Served() : server_(serve::ParseAddress("127.0.0.1:0"), MakeService()), thread_([this] { server_.Run(); }) {}
+  Served() : server_(tds::ParseAddress("127.0.0.1:0"), MakeService()), thread_([this] { server_.Run(); }) {}
   ~Served() {
     server_.Stop();
     thread_.join();
   }
 
-  static serve::Service MakeService() {
+  static tds::Service MakeService() {
     const std::string users =
         (std::filesystem::temp_directory_path() / ("serve_bench_" + std::to_string(getpid()))).string();
-    serve::AddUser(users, "bench", "bench");
-    serve::Service service;
-    service.users = serve::Users::Read(users);
+    tds::AddUser(users, "bench", "bench");
+    tds::Service service;
+    service.users = tds::Users::Read(users);
     std::filesystem::remove(users);
     service.database_string = "Embedded=" + SampleFile(kOrders);
     service.log = [](const std::string&) {};
     return service;
   }
 
-  serve::Server server_;
+  tds::Server server_;
   std::thread thread_;
 };
 

@@ -8,7 +8,7 @@ foreach(file IN LISTS files)
   get_filename_component(name ${file} NAME)
   string(APPEND items "    {\"${name}\", R\"schema(${text})schema\"},\n")
 endforeach()
-file(WRITE ${OUTPUT} "#include \"cli/schema_files.h\"
+file(WRITE ${OUTPUT} "#include \"schema/schema_files.h\"
 
 namespace tessarlorn {
 

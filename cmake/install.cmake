@@ -2,22 +2,6 @@
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-# tessarlorn_install_library(<target> <folder>...): installs a library and the headers of its rooms.
-function(tessarlorn_install_library target)
-  # On Windows the product is the library for clients of COM.
-  if(WIN32)
-    return()
-  endif()
-  install(TARGETS ${target} EXPORT Tessarlorn)
-  foreach(folder IN LISTS ARGN)
-    file(RELATIVE_PATH room ${PROJECT_SOURCE_DIR}/src ${folder})
-    if(EXISTS ${folder})
-      install(DIRECTORY ${folder}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessarlorn/${room}
-              FILES_MATCHING PATTERN "*.h")
-    endif()
-  endforeach()
-endfunction()
-
 configure_file(${PROJECT_SOURCE_DIR}/cmake/version.h.in ${PROJECT_BINARY_DIR}/generated/platform/version.h @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/generated/platform/version.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessarlorn/platform)
@@ -25,6 +9,15 @@ install(FILES ${PROJECT_BINARY_DIR}/generated/platform/version.h
 if(WIN32)
   return()
 endif()
+foreach(name IN ITEMS platform component tsql embedded drivers_common odbc)
+  if(TARGET tessarlorn_${name})
+    install(TARGETS tessarlorn_${name} EXPORT Tessarlorn)
+  endif()
+endforeach()
+foreach(room IN ITEMS platform frame siblings automation drivers/embedded drivers/odbc)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/src/${room}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tessarlorn/${room}
+          FILES_MATCHING PATTERN "*.h")
+endforeach()
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/Tessarlorn)
 install(EXPORT Tessarlorn NAMESPACE tessarlorn:: FILE TessarlornTargets.cmake DESTINATION ${package_folder})
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/TessarlornConfigVersion.cmake COMPATIBILITY SameMinorVersion)

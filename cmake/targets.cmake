@@ -73,14 +73,13 @@ function(tessarlorn_library name)
       tessarlorn_${name}
       PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread>)
   endif()
-  tessarlorn_install_library(tessarlorn_${name} ${ARGN})
 endfunction()
 
 # tessarlorn_executable(<name> <source>...): an executable with the whole component, every driver there is, the schema
 # and the sample data.
 function(tessarlorn_executable name)
   add_executable(${name} ${ARGN})
-  foreach(library IN ITEMS component embedded odbc ado schema samples)
+  foreach(library IN ITEMS component objects tsql embedded odbc ado schema samples)
     if(TARGET tessarlorn::${library})
       target_link_libraries(${name} PRIVATE tessarlorn::${library})
     endif()

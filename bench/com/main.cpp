@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "com/base/pointers.h"
+#include "com_base/pointers.h"
 #include "drivers/embedded/embedded_driver.h"
 #include "frame/clsGetData.h"
 #include "platform/collections.h"

@@ -1,4 +1,4 @@
-#include "cli/input_text.h"
+#include "hosts/cli/input/input_text.h"
 
 #include <gtest/gtest.h>
 #include <optional>

@@ -1,9 +1,9 @@
-#include "cli/json_arguments.h"
+#include "hosts/cli/input/json_arguments.h"
 
 #include <gtest/gtest.h>
 
-#include "cli/result_rows.h"
-#include "cli/usage_error.h"
+#include "hosts/cli/console/usage_error.h"
+#include "hosts/cli/output/result_rows.h"
 
 namespace tessarlorn::cli {
 namespace {

@@ -1,10 +1,10 @@
-#include "cli/result_writer.h"
+#include "hosts/cli/output/result_writer.h"
 
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "cli/display_width.h"
-#include "cli/usage_error.h"
+#include "hosts/cli/console/display_width.h"
+#include "hosts/cli/console/usage_error.h"
 #include "platform/collections.h"
 #include "platform/recordset.h"
 

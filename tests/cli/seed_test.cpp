@@ -1,4 +1,4 @@
-#include "cli/seed/seed.h"
+#include "samples/seed.h"
 
 #include <gtest/gtest.h>
 #include <set>

@@ -8,12 +8,12 @@
 #include <utility>
 #include <vector>
 
-#include "com/base/counted.h"
-#include "com/base/errors.h"
-#include "com/base/plain_values.h"
-#include "com/base/pointers.h"
+#include "com_base/counted.h"
+#include "com_base/errors.h"
+#include "com_base/plain_values.h"
+#include "com_base/pointers.h"
 #include "drivers/ado/ado_interfaces.h"
-#include "objects/field_traits.h"
+#include "hosts/objects/field_traits.h"
 #include "platform/connection.h"
 #include "platform/text.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "com/base/windows_headers.h"
+#include "com_base/windows_headers.h"
 
 namespace tessarlorn {
 

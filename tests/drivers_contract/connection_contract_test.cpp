@@ -5,10 +5,10 @@
 #include <gmock/gmock.h>
 #include <thread>
 
-#include "drivers_embedded/database_support.h"
 #include "platform/connection.h"
 #include "support/error_of.h"
 #include "support/test_database.h"
+#include "tsql/database_support.h"
 
 namespace tessarlorn {
 namespace {

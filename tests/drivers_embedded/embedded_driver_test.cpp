@@ -7,8 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "drivers_embedded/database_support.h"
 #include "support/temporary_folder.h"
+#include "tsql/database_support.h"
 
 namespace tessarlorn {
 namespace {

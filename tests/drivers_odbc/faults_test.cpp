@@ -12,18 +12,18 @@
 #include <sys/wait.h>
 #include <thread>
 
-#include "cli/schema_files.h"
-#include "cli/seed/seed.h"
 #include "drivers/odbc/odbc_driver.h"
-#include "drivers_embedded/database_support.h"
 #include "frame/clsSaveData.h"
 #include "platform/session.h"
 #include "platform/text.h"
+#include "samples/seed.h"
+#include "schema/schema_files.h"
 #include "siblings/siblings.h"
 #include "support/batches.h"
 #include "support/error_of.h"
 #include "support/in_process_server.h"
 #include "support/served_test.h"
+#include "tsql/database_support.h"
 
 namespace tessarlorn {
 namespace {

@@ -5,10 +5,10 @@
 #include <gtest/gtest.h>
 #include <thread>
 
-#include "drivers_embedded/database_support.h"
 #include "platform/session.h"
 #include "platform/utf16.h"
 #include "support/served_test.h"
+#include "tsql/database_support.h"
 
 namespace tessarlorn {
 namespace {

@@ -1,15 +1,15 @@
-#include "objects/automation_object.h"
+#include "hosts/objects/automation_object.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <set>
 
-#include "objects/array.h"
-#include "objects/dictionary_object.h"
+#include "hosts/objects/array.h"
+#include "hosts/objects/dictionary_object.h"
+#include "hosts/objects/service_class.h"
+#include "hosts/objects/vector_object.h"
 #include "objects/object_support.h"
-#include "objects/service_class.h"
-#include "objects/vector_object.h"
 #include "platform/text.h"
 
 namespace tessarlorn {

@@ -1,4 +1,4 @@
-#include "objects/dictionary_object.h"
+#include "hosts/objects/dictionary_object.h"
 
 #include <gtest/gtest.h>
 

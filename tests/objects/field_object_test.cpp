@@ -1,4 +1,4 @@
-#include "objects/field_object.h"
+#include "hosts/objects/field_object.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "objects/array.h"
-#include "objects/automation_object.h"
+#include "hosts/objects/array.h"
+#include "hosts/objects/automation_object.h"
 #include "platform/error.h"
 #include "platform/recordset.h"
 

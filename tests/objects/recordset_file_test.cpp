@@ -1,4 +1,4 @@
-#include "objects/recordset_file.h"
+#include "hosts/objects/recordset_file.h"
 
 #include <csignal>
 #include <filesystem>

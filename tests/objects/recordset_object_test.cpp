@@ -1,4 +1,4 @@
-#include "objects/recordset_object.h"
+#include "hosts/objects/recordset_object.h"
 
 #include <gtest/gtest.h>
 

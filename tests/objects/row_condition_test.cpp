@@ -1,4 +1,4 @@
-#include "objects/row_condition.h"
+#include "hosts/objects/row_condition.h"
 
 #include <gtest/gtest.h>
 

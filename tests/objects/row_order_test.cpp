@@ -1,4 +1,4 @@
-#include "objects/row_order.h"
+#include "hosts/objects/row_order.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "objects/type_library_text.h"
+#include "hosts/objects/type_library_text.h"
 
 #include <gtest/gtest.h>
 

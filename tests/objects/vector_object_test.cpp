@@ -1,4 +1,4 @@
-#include "objects/vector_object.h"
+#include "hosts/objects/vector_object.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "cli/schema_files.h"
+#include "schema/schema_files.h"
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,7 @@
 #include <thread>
 #include <unistd.h>
 
-#include "serve/server.h"
+#include "hosts/tds/server.h"
 #include "support/served_database.h"
 
 namespace tessarlorn {
@@ -35,20 +35,20 @@ class InProcessServer {
   }
 
  private:
-  static serve::Service MakeService(const std::string& database_string) {
+  static tds::Service MakeService(const std::string& database_string) {
     // Few rounds of hashing: a test logs in hundreds of times.
     const std::string file = std::filesystem::temp_directory_path() / ("users-" + std::to_string(getpid()));
     std::ofstream(file) << "test:pbkdf2-sha256$1000$00000000000000000000000000000000$"
                            "3196473bbcabc36e17ccc9e755717efb6c63d9c70415380b69c7c36ab72024c1\n";
     std::filesystem::permissions(file, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-    serve::Service service;
+    tds::Service service;
     service.database_string = database_string;
-    service.users = serve::Users::Read(file);
+    service.users = tds::Users::Read(file);
     std::filesystem::remove(file);
     return service;
   }
 
-  serve::Server server_;
+  tds::Server server_;
   std::thread thread_;
 };
 

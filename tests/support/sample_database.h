@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
-#include "cli/schema_files.h"
-#include "cli/seed/seed.h"
 #include "platform/connection.h"
+#include "samples/seed.h"
+#include "schema/schema_files.h"
 #include "siblings/siblings.h"
 #include "support/test_database.h"
 

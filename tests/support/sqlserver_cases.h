@@ -1,4 +1,4 @@
-// The cases of drivers_embedded/sqlserver_cases.json, what SQL Server answers to batches, run on any connection.
+// The cases of tsql/sqlserver_cases.json, what SQL Server answers to batches, run on any connection.
 #pragma once
 
 #include <algorithm>
@@ -8,14 +8,14 @@
 #include <string>
 #include <vector>
 
-#include "drivers_embedded/database_support.h"
 #include "platform/decimal.h"
+#include "tsql/database_support.h"
 
 namespace tessarlorn {
 
 inline const nlohmann::json& SqlServerCases() {
   static const nlohmann::json cases =
-      nlohmann::json::parse(std::ifstream(TESSARLORN_SOURCE_ROOT "/tests/drivers_embedded/sqlserver_cases.json"));
+      nlohmann::json::parse(std::ifstream(TESSARLORN_SOURCE_ROOT "/tests/tsql/sqlserver_cases.json"));
   return cases;
 }
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "com/base/errors.h"
+#include "com_base/errors.h"
 #include "drivers/ado/ado_error.h"
 #include "drivers/ado/ado_rows.h"
 

@@ -3,8 +3,8 @@
 
 #include <string_view>
 
-#include "com/base/apartment.h"
-#include "com/base/pointers.h"
+#include "com_base/apartment.h"
+#include "com_base/pointers.h"
 #include "drivers/ado/ado_interfaces.h"
 #include "drivers/ado/connection_options.h"
 #include "platform/connection.h"

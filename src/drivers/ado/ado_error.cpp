@@ -3,8 +3,8 @@
 #include <string>
 #include <utility>
 
-#include "com/base/errors.h"
-#include "com/base/pointers.h"
+#include "com_base/errors.h"
+#include "com_base/pointers.h"
 
 namespace tessarlorn::ado {
 namespace {

@@ -2,7 +2,7 @@
 // where it is called. Numbers are ADO's own.
 #pragma once
 
-#include "com/base/windows_headers.h"
+#include "com_base/windows_headers.h"
 
 namespace tessarlorn::ado {
 

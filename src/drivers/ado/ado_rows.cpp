@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "com/base/plain_values.h"
+#include "com_base/plain_values.h"
 #include "drivers/ado/ado_error.h"
 
 namespace tessarlorn::ado {

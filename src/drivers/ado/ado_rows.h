@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "com/base/apartment.h"
-#include "com/base/pointers.h"
+#include "com_base/apartment.h"
+#include "com_base/pointers.h"
 #include "drivers/ado/ado_interfaces.h"
 #include "platform/recordset.h"
 

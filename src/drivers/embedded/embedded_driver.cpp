@@ -2,15 +2,15 @@
 
 #include <chrono>
 
-#include "drivers/embedded/database_file.h"
-#include "drivers/embedded/session.h"
+#include "tsql/engine/session.h"
+#include "tsql/storage/database_file.h"
 
 namespace tessarlorn {
 namespace {
 
-using embedded::OpenedDatabase;
-using embedded::Session;
-using embedded::SqlError;
+using tsql::OpenedDatabase;
+using tsql::Session;
+using tsql::SqlError;
 
 /// SqlError, the engine's own, becomes the platform's Error at this door.
 template <typename Body>
@@ -18,19 +18,19 @@ auto Translated(Body body) {
   try {
     return body();
   } catch (const SqlError& error) {
-    throw embedded::ToError(error);
+    throw tsql::ToError(error);
   } catch (const Error&) {
     throw;
   } catch (const std::bad_alloc&) {
-    throw embedded::ToError(embedded::OutOfMemory());
+    throw tsql::ToError(tsql::OutOfMemory());
   } catch (const std::exception&) {
-    throw embedded::ToError(embedded::InnerError());
+    throw tsql::ToError(tsql::InnerError());
   }
 }
 
 class EmbeddedConnection final : public Connection {
  public:
-  EmbeddedConnection(OpenedDatabase database, const embedded::DatabaseOptions& options)
+  EmbeddedConnection(OpenedDatabase database, const tsql::DatabaseOptions& options)
       : session_(std::move(database.handle), options.timeout, options.memory), reads_only_(database.reads_only) {}
 
   void BeginTransaction() override {
@@ -69,8 +69,8 @@ class EmbeddedDriver final : public Driver {
   [[nodiscard]] std::vector<std::string> Keys() const override { return {"Embedded"}; }
   [[nodiscard]] std::unique_ptr<Connection> Open(std::string_view database_string) override {
     return Translated([&]() -> std::unique_ptr<Connection> {
-      const embedded::DatabaseOptions options = embedded::ParseDatabaseOptions(database_string);
-      return std::make_unique<EmbeddedConnection>(embedded::OpenDatabase(options), options);
+      const tsql::DatabaseOptions options = tsql::ParseDatabaseOptions(database_string);
+      return std::make_unique<EmbeddedConnection>(tsql::OpenDatabase(options), options);
     });
   }
 };

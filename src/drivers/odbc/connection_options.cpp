@@ -1,7 +1,7 @@
 #include "drivers/odbc/connection_options.h"
 
+#include "drivers/common/server_batches.h"
 #include "drivers/odbc/odbc_error.h"
-#include "platform/server_batches.h"
 #include "platform/session_string.h"
 #include "platform/text.h"
 

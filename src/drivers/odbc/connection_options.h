@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/server_batches.h"
+#include "drivers/common/server_batches.h"
 
 namespace tessarlorn::odbc {
 

@@ -2,8 +2,8 @@
 
 #include <utility>
 
+#include "drivers/common/server_batches.h"
 #include "drivers/odbc/odbc_error.h"
-#include "platform/server_batches.h"
 
 namespace tessarlorn::odbc {
 namespace {

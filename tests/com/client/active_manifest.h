@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "com/base/windows_headers.h"
+#include "com_base/windows_headers.h"
 
 namespace tessarlorn::com_test {
 

@@ -1,8 +1,8 @@
 // Databases behind ADO: what the library hands out of them, what it does there, and how their errors arrive.
 #include <gtest/gtest.h>
 
-#include "com/base/errors.h"
 #include "com/client/typed_object.h"
+#include "com_base/errors.h"
 #include "drivers/embedded/embedded_driver.h"
 #include "drivers_ado/ado_stand_in.h"
 #include "platform/connection.h"

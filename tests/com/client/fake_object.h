@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "com/base/counted.h"
-#include "com/base/pointers.h"
 #include "com/client/typed_object.h"
+#include "com_base/counted.h"
+#include "com_base/pointers.h"
 
 namespace tessarlorn::com_test {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "com/base/pointers.h"
+#include "com_base/pointers.h"
 
 namespace tessarlorn::com_test {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "com/base/counted.h"
-#include "com/base/pointers.h"
+#include "com_base/counted.h"
+#include "com_base/pointers.h"
 
 namespace tessarlorn::com_test {
 

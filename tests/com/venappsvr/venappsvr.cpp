@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "com/base/windows_headers.h"
+#include "com_base/windows_headers.h"
 
 extern "C" int WINAPI ReadTcp(char* address, char* unused) {
   constexpr std::size_t kSize = 64;

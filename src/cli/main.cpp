@@ -1,3 +1,0 @@
-#include "cli/command.h"
-
-int main(int argc, char** argv) { return static_cast<int>(tessarlorn::cli::RunCommand(argc, argv)); }

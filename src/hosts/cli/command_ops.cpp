@@ -1,0 +1,140 @@
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+#include "automation/operations.h"
+#include "hosts/cli/commands.h"
+#include "hosts/cli/console/display_width.h"
+#include "hosts/cli/console/terminal.h"
+#include "hosts/cli/input/call_arguments.h"
+
+namespace tessarlorn::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kFooter = R"(Examples:
+  tessarlorn ops
+  tessarlorn ops GetListData
+  tessarlorn ops clsGetData.TransMode --json)";
+
+constexpr std::size_t kTextWidth = 100;
+
+std::string Text(std::string_view text) { return std::string(text); }
+
+/// "GetEntryData(sDsn As String, dctParameters As Dictionary) As Recordset"
+std::string SignatureText(const Operation& operation) {
+  std::string text = Text(operation.name);
+  if (!operation.property) {
+    std::string list;
+    for (const Argument& argument : operation.arguments()) {
+      if (!list.empty()) list += ", ";
+      if (argument.optional) list += "Optional ";
+      if (argument.in_out) list += "ByRef ";
+      list += Text(argument.name) + " As " + Text(TypeName(argument.type));
+    }
+    text += "(" + list + ")";
+  }
+  return text + " As " + Text(TypeName(operation.result));
+}
+
+Json DescribeKeys(std::span<const Key> keys) {
+  Json list = Json::array();
+  for (const Key& key : keys) {
+    Json entry = {{"name", key.name},        {"type", TypeName(key.type)}, {"mandatory", key.need == Need::kMandatory},
+                  {"default", key.fallback}, {"help", key.help},           {"connection", key.is_connection()}};
+    if (!key.item_keys.empty()) entry["keys"] = DescribeKeys(key.item_keys);
+    list.push_back(std::move(entry));
+  }
+  return list;
+}
+
+Json Describe(const Operation& operation) {
+  Json arguments = Json::array();
+  for (const Argument& argument : operation.arguments()) {
+    Json entry = {{"name", argument.name},         {"type", TypeName(argument.type)},
+                  {"optional", argument.optional}, {"written_back", argument.in_out},
+                  {"any_key", argument.any_key},   {"connection", argument.is_connection()}};
+    if (!argument.keys.empty()) entry["keys"] = DescribeKeys(argument.keys);
+    arguments.push_back(std::move(entry));
+  }
+  return {{"class", ClassName(operation.service)}, {"name", operation.name},
+          {"property", operation.property},        {"arguments", std::move(arguments)},
+          {"result", TypeName(operation.result)},  {"help", operation.help}};
+}
+
+/// A line for each key: name, type, what it is; the keys of a Vector's Dictionaries below it.
+void PrintKeys(std::span<const Key> keys, std::size_t indent) {
+  std::size_t name_width = 0;
+  for (const Key& key : keys) name_width = std::max(name_width, key.name.size());
+  for (const Key& key : keys) {
+    const std::string explanation =
+        key.is_connection() ? Text(key.help) + "; the command's own when not given" : key.Explanation();
+    constexpr std::size_t kTypeWidth = 8;
+    std::string line = Text(key.name);
+    line.append(name_width + 2 - line.size(), ' ');
+    line += Text(TypeName(key.type));
+    line.append(kTypeWidth + name_width + 4 - std::min(line.size(), kTypeWidth + name_width + 3), ' ');
+    std::cout << std::string(indent, ' ') << line << explanation << '\n';
+    PrintKeys(key.item_keys, indent + 4);
+  }
+}
+
+void Explain(const Operation& operation) {
+  std::cout << ClassName(operation.service) << '.' << SignatureText(operation) << "\n\n"
+            << Wrapped(operation.help, 2, kTextWidth);
+  for (const Argument& argument : operation.arguments()) {
+    std::cout << "\n  " << argument.name << " As " << TypeName(argument.type);
+    if (argument.is_connection()) std::cout << ": connection string; the command's own when not given";
+    if (argument.any_key) std::cout << ": every key counts";
+    if (!argument.keys.empty()) {
+      std::cout << (argument.type == ValueType::kVector ? ": Dictionaries with the keys" : ", with the keys");
+    }
+    std::cout << '\n';
+    PrintKeys(argument.keys, 4);
+  }
+}
+
+void List() {
+  std::string_view service;
+  for (const Operation* operation : Operations()) {
+    if (ClassName(operation->service) != service) {
+      std::cout << (service.empty() ? "" : "\n") << ClassName(operation->service) << '\n';
+      service = ClassName(operation->service);
+    }
+    std::cout << "  " << SignatureText(*operation) << '\n'
+              << Wrapped(operation->help.substr(0, operation->help.find(". ")), 6, kTextWidth);
+  }
+  std::cout << "\n" << Operations().size() << " operations; 'tessarlorn ops NAME' explains one with its keys.\n";
+}
+
+ExitStatus Ops(const std::string& name, bool json) {
+  if (!name.empty()) {
+    const Operation& operation = RequireOperation(name);
+    if (json) {
+      std::cout << Describe(operation).dump(2) << '\n';
+    } else {
+      Explain(operation);
+    }
+  } else if (json) {
+    Json all = Json::array();
+    for (const Operation* operation : Operations()) all.push_back(Describe(*operation));
+    std::cout << all.dump(2) << '\n';
+  } else {
+    List();
+  }
+  return ExitStatus::kDone;
+}
+
+}  // namespace
+
+void AddOpsCommand(CLI::App& app, CommandContext& context) {
+  CLI::App* const command = app.add_subcommand("ops", "List the operations, or explain one");
+  const auto name = std::make_shared<std::string>();
+  const auto json = std::make_shared<bool>(false);
+  command->add_option("OPERATION", *name, "Name, as GetListData or clsGetData.GetListData")->type_name("");
+  command->add_flag("--json", *json, "Print as JSON");
+  command->footer(kFooter);
+  command->callback([&context, name, json] { context.action = [name, json] { return Ops(*name, *json); }; });
+}
+
+}  // namespace tessarlorn::cli

@@ -1,0 +1,3 @@
+#include "hosts/cli/command.h"
+
+int main(int argc, char** argv) { return static_cast<int>(tessarlorn::cli::RunCommand(argc, argv)); }

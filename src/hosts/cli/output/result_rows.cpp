@@ -1,0 +1,171 @@
+#include "hosts/cli/output/result_rows.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+#include "hosts/cli/console/usage_error.h"
+#include "platform/collections.h"
+#include "platform/text.h"
+
+namespace tessarlorn::cli {
+namespace {
+
+/// The fewest digits that read back as the same double.
+std::string ExactText(double value) {
+  std::array<char, 32> buffer;
+  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
+  return {buffer.data(), end};
+}
+
+std::string DateText(DateTime value, FieldType type, CellStyle style) {
+  std::string text = value.ToString(value.milliseconds() % 1000 != 0);
+  constexpr std::size_t kDateLength = 10;
+  if (type == FieldType::kDate) return text.substr(0, kDateLength);
+  if (type == FieldType::kTime) return text.substr(kDateLength + 1);
+  if (style == CellStyle::kData) text[kDateLength] = 'T';
+  return text;
+}
+
+std::string Quoted(const std::string& text) {
+  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+/// "[…]" or "{…}" around items with commas between them.
+template <typename Items, typename Write>
+std::string Joined(char open, const Items& items, char close, const Write& write) {
+  std::string text(1, open);
+  for (const auto& item : items) {
+    if (text.size() > 1) text += ',';
+    text += write(item);
+  }
+  return text + close;
+}
+
+std::string RowsJson(Recordset& rows) {
+  std::string text = "[";
+  ForEachRow(rows, [&] {
+    if (text.size() > 1) text += ',';
+    text += '{';
+    for (std::size_t i = 0; i < rows.fields().size(); ++i) {
+      if (i > 0) text += ',';
+      text += Quoted(rows.fields()[i].name) + ":" + JsonText(rows.Get(i), rows.fields()[i].type);
+    }
+    text += '}';
+  });
+  return text + "]";
+}
+
+void AppendCell(Recordset& rows, const Variant& value) {
+  if (value.is_null() || value.is_empty()) {
+    rows.AppendNull();
+  } else {
+    rows.AppendText(CellText(value, FieldType::kNVarChar, CellStyle::kDisplay));
+  }
+}
+
+std::shared_ptr<Recordset> TextFields(const std::vector<std::string>& names) {
+  std::vector<Field> fields(names.size());
+  for (std::size_t i = 0; i < names.size(); ++i) fields[i].name = names[i];
+  return std::make_shared<Recordset>(fields);
+}
+
+RecordsetPtr RowsOfItems(const Vector& items) {
+  std::vector<std::string> keys;
+  bool all_dictionaries = !items.empty();
+  for (const Variant& item : items) {
+    const std::shared_ptr<Dictionary> dictionary = item.ToDictionary();
+    if (!dictionary) {
+      all_dictionaries = false;
+      break;
+    }
+    for (const auto& entry : *dictionary) {
+      if (std::find(keys.begin(), keys.end(), entry.first) == keys.end()) keys.push_back(entry.first);
+    }
+  }
+  if (!all_dictionaries) keys = {"Item"};
+  auto rows = TextFields(keys);
+  for (const Variant& item : items) {
+    rows->BeginRow();
+    if (!all_dictionaries) {
+      AppendCell(*rows, item);
+      continue;
+    }
+    for (const std::string& key : keys) AppendCell(*rows, item.ToDictionary()->GetValue(key));
+  }
+  rows->Finish();
+  return rows;
+}
+
+}  // namespace
+
+ResultRows SelectColumns(const RecordsetPtr& rows, const std::vector<std::string>& columns) {
+  ResultRows result{.rows = rows, .fields = {}, .heads = {}};
+  const std::vector<Field>& fields = rows->fields();
+  for (const std::string& column : columns) {
+    const std::optional<std::size_t> found = rows->FindField(column);
+    if (!found) {
+      std::vector<std::string_view> names(fields.size());
+      std::transform(fields.begin(), fields.end(), names.begin(),
+                     [](const Field& field) { return std::string_view(field.name); });
+      throw UsageError("the result has no column " + column + DidYouMean(column, names));
+    }
+    result.fields.push_back(*found);
+  }
+  for (std::size_t i = 0; columns.empty() && i < fields.size(); ++i) result.fields.push_back(i);
+  for (const std::size_t field : result.fields) {
+    result.heads.push_back(fields[field].name.empty() ? "Column" + std::to_string(field + 1) : fields[field].name);
+  }
+  return result;
+}
+
+RecordsetPtr RowsOf(const Variant& value) {
+  if (RecordsetPtr rows = value.ToRecordset()) return rows;
+  if (const std::shared_ptr<Vector> items = value.ToVector()) return RowsOfItems(*items);
+  const std::shared_ptr<Dictionary> dictionary = value.ToDictionary();
+  auto rows = dictionary ? TextFields({"Key", "Value"}) : TextFields({"Result"});
+  if (dictionary) {
+    for (const auto& [key, entry] : *dictionary) {
+      rows->BeginRow();
+      rows->AppendText(key);
+      AppendCell(*rows, entry);
+    }
+  } else {
+    rows->BeginRow();
+    AppendCell(*rows, value);
+  }
+  rows->Finish();
+  return rows;
+}
+
+std::string CellText(const Variant& value, FieldType type, CellStyle style) {
+  const bool display = style == CellStyle::kDisplay;
+  if (value.is_null()) return display ? "NULL" : "";
+  if (value.is_empty()) return "";
+  if (const auto* date = value.get_if<DateTime>()) return DateText(*date, type, style);
+  if (const auto* bytes = value.get_if<Bytes>()) return "0x" + HexText(bytes->data(), bytes->size());
+  if (value.type_name() == "Nothing") return display ? "Nothing" : "";
+  if (value.is_object()) return JsonText(value);
+  if (!display && value.holds<bool>()) return value.ToBool() ? "true" : "false";
+  if (!display && value.holds<double>()) return ExactText(value.ToDouble());
+  return value.ToText();
+}
+
+std::string JsonText(const Variant& value, FieldType type) {
+  if (value.is_null() || value.is_empty() || value.type_name() == "Nothing") return "null";
+  if (const std::shared_ptr<Dictionary> dictionary = value.ToDictionary()) {
+    return Joined('{', *dictionary, '}',
+                  [](const auto& entry) { return Quoted(entry.first) + ":" + JsonText(entry.second); });
+  }
+  if (const std::shared_ptr<Vector> items = value.ToVector()) {
+    return Joined('[', *items, ']', [](const Variant& item) { return JsonText(item); });
+  }
+  if (const RecordsetPtr rows = value.ToRecordset()) return RowsJson(*rows);
+  if (value.is_object()) return Quoted("(" + std::string(value.type_name()) + ")");
+  const std::string text = CellText(value, type, CellStyle::kData);
+  return value.is_number() ? text : Quoted(text);
+}
+
+}  // namespace tessarlorn::cli

@@ -1,0 +1,111 @@
+#include "hosts/com/collections.h"
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+#include "com_base/pointers.h"
+#include "hosts/com/foreign_object.h"
+#include "hosts/objects/array.h"
+#include "platform/collections.h"
+#include "platform/error.h"
+
+namespace tessarlorn::com {
+namespace {
+
+/// By which two references to one object are known: the only interface that always has the same address.
+const void* IdentityOf(const ForeignObject& object) { return Query<IUnknown>(object.get()).get(); }
+
+/// Converts each object once, however many hold it.
+class Collector {
+ public:
+  Variant Convert(const Variant& value) {
+    if (const auto dictionary = value.ToDictionary()) {
+      return Once(dictionary.get(), value, [&] { return FromDictionary(*dictionary); });
+    }
+    if (const auto vector = value.ToVector()) {
+      return Once(vector.get(), value, [&] { return FromItems(*vector); });
+    }
+    const auto* const object = value.get_if<std::shared_ptr<Object>>();
+    if (object == nullptr) return value;
+    if (const auto* array = dynamic_cast<const Array*>(object->get())) {
+      if (array->dimensions() != 1) RaiseTypeMismatch();
+      return Once(array, value, [&] { return FromItems(array->Values()); });
+    }
+    auto* const foreign = dynamic_cast<ForeignObject*>(object->get());
+    if (foreign == nullptr) return DefaultValueOf(value);
+    return Once(IdentityOf(*foreign), value, [&] { return FromForeign(*foreign, value); });
+  }
+
+ private:
+  struct Conversion {
+    /// Kept, so that no other object takes its address meanwhile.
+    Variant source;
+    Variant result;
+    bool done = false;
+  };
+
+  template <typename Make>
+  Variant Once(const void* identity, const Variant& source, const Make& make) {
+    constexpr int kDeepest = 64;
+    const auto [place, is_new] = conversions_.try_emplace(identity);
+    Conversion& conversion = place->second;
+    if (conversion.done) return conversion.result;
+    if (!is_new) Raise(error_number::kInvalidArgument, "A collection holds itself");
+    if (depth_ > kDeepest) Raise(error_number::kInvalidArgument, "Collections are nested too deep");
+    conversion.source = source;
+    ++depth_;
+    conversion.result = make();
+    --depth_;
+    conversion.done = true;
+    return conversion.result;
+  }
+
+  Variant FromDictionary(const Dictionary& dictionary) {
+    auto copy = std::make_shared<Dictionary>();
+    for (const auto& [key, item] : dictionary) copy->SetValue(key, Convert(item));
+    return copy;
+  }
+
+  template <typename Items>
+  Variant FromItems(const Items& items) {
+    auto vector = std::make_shared<Vector>();
+    for (const Variant& item : items) vector->Add(Convert(item));
+    return vector;
+  }
+
+  Variant FromForeign(ForeignObject& foreign, const Variant& value) {
+    if (foreign.Has("Keys") && foreign.Has("Item")) {
+      auto dictionary = std::make_shared<Dictionary>();
+      const std::shared_ptr<Vector> keys = Convert(foreign.Call("Keys", {})).ToVector();
+      if (keys == nullptr) RaiseTypeMismatch();
+      for (const Variant& key : *keys) dictionary->SetValue(key.ToText(), Convert(foreign.Call("Item", {&key, 1})));
+      return dictionary;
+    }
+    // Rows are no value, and what else the fields of the current one are is for whoever reads them.
+    if (foreign.Has("EOF")) return value;
+    // The cells of a sheet can be counted and enumerated, too, but who passes them means what stands in them.
+    if (foreign.Has("Value")) return DefaultValueOf(value);
+    if (const auto items = foreign.Has("Count") ? foreign.Items() : std::nullopt) return FromItems(*items);
+    return DefaultValueOf(value);
+  }
+
+  /// By identity; references to its values stay good while it grows.
+  std::unordered_map<const void*, Conversion> conversions_;
+  int depth_ = 0;
+};
+
+}  // namespace
+
+void WithCollections(std::span<const Argument> declared, std::span<Variant> values) {
+  Collector collector;
+  for (std::size_t i = 0; i < std::min(declared.size(), values.size()); ++i) {
+    if (declared[i].type == ValueType::kDictionary || declared[i].type == ValueType::kVector) {
+      values[i] = collector.Convert(values[i]);
+    }
+  }
+}
+
+}  // namespace tessarlorn::com

@@ -1,0 +1,45 @@
+// An object of another component, called by name.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "com_base/pointers.h"
+#include "platform/object_service.h"
+
+namespace tessarlorn::com {
+
+/// To be used in the apartment that it came from.
+class ForeignObject final : public Object {
+ public:
+  /// @pre not nullptr
+  explicit ForeignObject(Pointer<IDispatch> object) : object_(std::move(object)) {}
+
+  /// Raises the error that the member raises, with its number, Source and description.
+  Variant Call(std::string_view method, std::span<const Variant> arguments) override;
+  [[nodiscard]] bool Has(std::string_view member) const;
+  /// What the number of the default member answers without arguments; another object's in its place when it is one.
+  [[nodiscard]] std::optional<Variant> DefaultValue() override;
+  /// What `For Each` goes through, nothing for an object that it does not take. Raises what the enumeration raises.
+  [[nodiscard]] std::optional<std::vector<Variant>> Items();
+  [[nodiscard]] IDispatch* get() const noexcept { return object_.get(); }
+
+ private:
+  /// Answers DISP_E_UNKNOWNNAME or the like for a member that there is not.
+  HRESULT Find(std::string_view member, DISPID& id) const;
+
+  Pointer<IDispatch> object_;
+  /// Numbers of the members that were asked for.
+  mutable std::map<std::string, DISPID, std::less<>> numbers_;
+};
+
+/// Creates a component by its ProgID. Raises 429 naming it.
+std::shared_ptr<Object> CreateForeignObject(std::string_view prog_id);
+/// Whether a component of that ProgID is registered.
+bool IsRegistered(std::string_view prog_id);
+
+}  // namespace tessarlorn::com

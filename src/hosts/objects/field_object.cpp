@@ -1,0 +1,134 @@
+#include "hosts/objects/field_object.h"
+
+#include <array>
+#include <string>
+
+#include "hosts/objects/field_traits.h"
+#include "hosts/objects/recordset_errors.h"
+#include "platform/text.h"
+
+namespace tessarlorn {
+namespace {
+
+constexpr std::array kIndex = {Argument{.name = "Index", .type = ValueType::kVariant}};
+
+constexpr std::int32_t kActualSize = MemberId("ActualSize");
+constexpr std::int32_t kCount = MemberId("Count");
+constexpr std::int32_t kDefinedSize = MemberId("DefinedSize");
+constexpr std::int32_t kName = MemberId("Name");
+constexpr std::int32_t kNumericScale = MemberId("NumericScale");
+constexpr std::int32_t kPrecision = MemberId("Precision");
+constexpr std::int32_t kType = MemberId("Type");
+
+std::int32_t ActualSize(const Field& field, const Variant& value) {
+  if (value.is_null()) return 0;
+  const auto* text = KeepsText(field) ? value.get_if<std::string>() : nullptr;
+  if (text != nullptr) return static_cast<std::int32_t>(Utf16Length(*text));
+  if (const auto* bytes = value.get_if<Bytes>()) return static_cast<std::int32_t>(bytes->size());
+  return TraitsOf(field).size;
+}
+
+}  // namespace
+
+const ClassDescription& FieldObject::Description() {
+  const auto number = [](std::string_view name, std::int32_t id, std::string_view help) {
+    return Member{.name = name, .id = id, .uses = kGet, .result = ValueType::kLong, .help = help};
+  };
+  static const ClassDescription kDescription = {
+      .name = "Field",
+      .prog_id = "",
+      .class_id = "5673A645-148A-4CB4-86C9-E17863D84D3D",
+      .interface_id = "6F69B62D-BC58-457E-BC9B-4306A22F0426",
+      .help = "A column of a recordset.",
+      .members = {
+          {.name = "Value",
+           .id = kDefaultMember,
+           .uses = kGet | kPut,
+           .help = "The value in the current row. Writing raises 3251: the rows are read only."},
+          {.name = "Name", .id = kName, .uses = kGet, .result = ValueType::kString, .help = "The column's name."},
+          number("Type", kType, "ADO's number of the type, as 202 for nvarchar."),
+          number("DefinedSize", kDefinedSize, "Characters of text, bytes of anything else."),
+          number("ActualSize", kActualSize, "Of the value in the current row."),
+          number("Precision", kPrecision, "Digits of a number, 255 for anything else."),
+          number("NumericScale", kNumericScale, "Places of a decimal, 255 for a type that has none."),
+      }};
+  return kDescription;
+}
+
+std::optional<std::string_view> FieldObject::FindText(const Member& member) const {
+  const auto text = member.id == kDefaultMember ? view_->FindText(field_) : std::nullopt;
+  return text && KeepsText(view_->fields()[field_]) ? text : std::nullopt;
+}
+
+std::optional<Variant> FieldObject::DefaultValue() {
+  return ClientValue(view_->fields()[field_], view_->Value(field_));
+}
+
+Variant FieldObject::Do(const Member& member, MemberUse use, std::span<Variant> /*arguments*/) {
+  const Field& field = view_->fields()[field_];
+  if (use == kPut) RaiseReadOnlyRows(field.name);
+  switch (member.id) {
+    case kName:
+      return field.name;
+    case kType:
+      return TraitsOf(field).type;
+    case kDefinedSize:
+      return TraitsOf(field).size;
+    case kActualSize:
+      return ActualSize(field, view_->Value(field_));
+    case kPrecision:
+      return TraitsOf(field).precision;
+    case kNumericScale:
+      return TraitsOf(field).scale;
+    default:
+      break;
+  }
+  Variant value = view_->Value(field_);
+  ToClientValue(field, value);
+  return value;
+}
+
+const ClassDescription& FieldsObject::Description() {
+  static const ClassDescription kDescription = {
+      .name = "Fields",
+      .prog_id = "",
+      .class_id = "3BCEB113-4921-4F1C-8BDF-3E74DD67C1DB",
+      .interface_id = "864CBACF-3DCA-41B8-88BE-BA3C9C1EA818",
+      .help = "The fields of a recordset.",
+      .members = {
+          {.name = "Item",
+           .id = kDefaultMember,
+           .uses = kGet | kPut,
+           .arguments = kIndex,
+           .help = "A field by name or by position from 0. Raises 3265 when there is none, and 3251 when written."},
+          {.name = "Count", .id = kCount, .uses = kGet, .result = ValueType::kLong, .help = "Number of fields."},
+          {.name = "_NewEnum", .id = kEnumerationMember, .uses = kGet, .help = "For Each goes through the fields."},
+      }};
+  return kDescription;
+}
+
+std::vector<Variant> FieldsObject::Items() const {
+  std::vector<Variant> fields;
+  for (std::size_t i = 0; i < view_->fields().size(); ++i) fields.emplace_back(At(i));
+  return fields;
+}
+
+Variant FieldsObject::Item(const Variant& name_or_position, MemberUse use) const {
+  const std::size_t field = view_->FieldIndex(name_or_position);
+  if (use == kPut) RaiseReadOnlyRows(view_->fields()[field].name);
+  return At(field);
+}
+
+const std::shared_ptr<Object>& FieldsObject::At(std::size_t field) const {
+  if (fields_.empty()) fields_.resize(view_->fields().size());
+  std::shared_ptr<Object>& found = fields_[field];
+  if (found == nullptr) found = std::make_shared<FieldObject>(view_, field);
+  return found;
+}
+
+Variant FieldsObject::Do(const Member& member, MemberUse use, std::span<Variant> arguments) {
+  if (member.id == kCount) return view_->open() ? static_cast<std::int32_t>(view_->fields().size()) : 0;
+  return Item(arguments[0], use);
+}
+
+}  // namespace tessarlorn

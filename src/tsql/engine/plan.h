@@ -1,0 +1,121 @@
+// Compiled statements by the shape of their text: a statement that differs from an earlier one in nothing but its
+// literals is neither parsed nor translated nor prepared again.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "tsql/syntax/parser.h"
+#include "tsql/syntax/token.h"
+#include "tsql/translate/compiled.h"
+
+namespace tessarlorn::tsql {
+
+/// A statement's own text, cut at its literals: a text that is the same but for the literals needs no lexer.
+struct TextTemplate {
+  struct Literal {
+    TokenKind kind = TokenKind::kInteger;
+    std::uint64_t literal_class = 0;
+  };
+  /// What stands before, between and behind the literals, quotes included; one more than there are literals.
+  std::vector<std::string> segments;
+  std::vector<Literal> literals;
+};
+
+/// What a statement does to the database by itself, without the statements in its body.
+enum class Effect : std::uint8_t { kNone, kChangesRows, kDefines };
+/// SELECT … INTO defines.
+Effect EffectOf(const Statement& statement);
+/// Whether all tables that it changes or defines are temporary by their names.
+bool IsOnTemporaryTables(const Statement& statement);
+
+/// A top-level statement, parsed, with what was compiled of it so far.
+struct Plan {
+  StatementPtr statement;
+  /// No segments when the text cannot be told by its beginning (lists, binary literals).
+  TextTemplate text;
+  /// The statement that followed the last time.
+  std::weak_ptr<Plan> next;
+  /// One number a token: what the token is, but not which value a literal has.
+  std::vector<std::uint64_t> shape;
+  bool lifted = false;
+  /// Holds a change of data or definitions outside temporary tables.
+  bool writes = false;
+  /// Creates, alters or drops something, or makes a table by SELECT … INTO.
+  bool defines = false;
+  bool declares = false;
+  /// Every data statement in it is compiled.
+  bool complete = false;
+  Dependencies dependencies;
+  /// Literals that are no values but part of the grammar.
+  std::vector<Dependencies::Pinned> fixed;
+  /// The translation may pin further ones: until it has been made the plan serves one text only.
+  bool may_pin = false;
+  std::uint64_t checked_generation = 0;
+  /// The table whose identity column could be given when it was compiled.
+  std::string identity_insert;
+  std::uint64_t last_used = 0;
+  /// By the node of the tree that it was made from.
+  std::unordered_map<const void*, std::unique_ptr<Compiled>> compiled;
+};
+
+/// A statement of the batch that is running: its plan, and its own literals and lists.
+struct BatchStatement {
+  std::shared_ptr<Plan> plan;
+  std::span<const Token> literals;
+  std::span<const Token> lists;
+};
+
+/// Cuts batches into statements, remembering the plans of those seen before. Keeps at most `kMostPlans`, of
+/// `kMostTokens` in all.
+class PlanCache {
+ public:
+  explicit PlanCache(NameTable& names) : names_(names) {}
+
+  /// The batch as statements. The tokens and the batch's text have to outlive them. Raises what the lexer and the
+  /// parser raise; nothing has run then.
+  struct Batch {
+    Tokens tokens;
+    std::vector<Token> literals;
+    std::vector<Token> lists;
+    std::vector<BatchStatement> statements;
+    /// Where the literals and lists of each statement begin.
+    std::vector<std::pair<std::size_t, std::size_t>> starts;
+  };
+  void Parse(std::string_view text, Batch& batch);
+  void Clear() {
+    plans_.clear();
+    beginnings_.clear();
+    count_ = tokens_ = 0;
+  }
+
+  static constexpr std::size_t kMostPlans = 1000;
+  static constexpr std::size_t kMostTokens = 200'000;
+
+ private:
+  std::shared_ptr<Plan> Find(const Batch& batch, std::span<const std::uint64_t> shape, std::size_t begin,
+                             std::size_t first_literal);
+  void Keep(const std::shared_ptr<Plan>& plan);
+  /// Takes the statements at the text's beginning that are known by their text; answers where the others begin.
+  std::size_t ParseKnown(std::string_view text, Batch& batch);
+  void ParseTokens(std::string_view text, Batch& batch);
+  static std::uint64_t Key(std::span<const std::uint64_t> shape);
+
+  NameTable& names_;
+  std::unordered_map<std::uint64_t, std::vector<std::shared_ptr<Plan>>> plans_;
+  std::unordered_map<std::uint64_t, std::weak_ptr<Plan>> beginnings_;  // by how a batch begins
+  std::size_t count_ = 0;
+  std::size_t tokens_ = 0;
+  std::uint64_t clock_ = 0;
+  std::vector<std::uint64_t> shape_;
+  std::vector<std::uint32_t> literals_before_;
+  std::vector<std::uint32_t> lists_before_;
+};
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,72 @@
+// What the row functions and the executor share while a batch runs: the variables, and the error under way.
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tsql/values/date_text.h"
+#include "tsql/values/datum.h"
+#include "tsql/values/memory_budget.h"
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+
+struct Variable {
+  std::string name;  // "@v" in lower case
+  SqlType type;
+  Datum value;
+};
+
+/// The variables of one batch or procedure call. There are few: they are searched one by one.
+class Frame {
+ public:
+  Variable* Find(std::string_view name) {
+    const auto found = std::find_if(variables_.begin(), variables_.end(),
+                                    [&](const Variable& variable) { return variable.name == name; });
+    return found == variables_.end() ? nullptr : &*found;
+  }
+  /// The variable, or error 137.
+  Variable& Get(std::string_view name) {
+    Variable* variable = Find(name);
+    if (variable == nullptr) {
+      throw SqlError(137, "Must declare the scalar variable \"" + std::string(name) + "\".", 15);
+    }
+    return *variable;
+  }
+  /// Raises 134 when the name is there already.
+  void Declare(const std::string& name, const SqlType& type) {
+    if (Find(name) != nullptr) {
+      throw SqlError(134,
+                     "The variable name '" + name +
+                         "' has already been declared. Variable names must be unique within a query batch or "
+                         "stored procedure.",
+                     15);
+    }
+    variables_.push_back({name, type, {}});
+  }
+
+ private:
+  std::vector<Variable> variables_;
+};
+
+struct Runtime {
+  explicit Runtime(std::size_t memory_limit = MemoryBudget::kDefaultLimit) : memory(memory_limit) {}
+
+  MemoryBudget memory;
+  /// Set when the batch is cancelled; long row functions look at it.
+  std::atomic<bool> cancelled{false};
+  /// Raised inside a row function; taken by whoever sees SQLite fail.
+  std::optional<SqlError> error;
+  Frame* frame = nullptr;
+  void CheckCancelled() const {
+    if (cancelled.load(std::memory_order_relaxed)) throw Cancelled();
+  }
+  /// SET DATEFORMAT
+  DateOrder date_order = DateOrder::kMdy;
+};
+
+}  // namespace tessarlorn::tsql

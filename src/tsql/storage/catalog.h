@@ -1,0 +1,118 @@
+// The tables, views and procedures of a database, as the embedded database keeps them in two tables of its own.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <sqlite3.h>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "tsql/storage/sqlite_handle.h"
+#include "tsql/syntax/ast.h"
+#include "tsql/values/types.h"
+
+namespace tessarlorn::tsql {
+
+struct Column {
+  std::string name;
+  SqlType type;
+  bool nullable = true;
+  bool identity = false;
+  /// The default as written, "" when none.
+  std::string default_text;
+  /// It is SQLite's own row number, which takes no NULL but makes a number of it.
+  bool row_key = false;
+};
+
+enum class CatalogKind : std::uint8_t { kTable, kView, kProcedure };
+
+/// A table, view or procedure. Not changed once it stands in the catalog: a new definition is a new object.
+struct CatalogObject {
+  CatalogKind kind = CatalogKind::kTable;
+  std::string name;
+  bool temporary = false;
+  /// Of a table; of a procedure its parameters, whose default_text is "output" when they give a value back.
+  std::vector<Column> columns;
+  /// Of a table its constraints (see constraint_text.h), of a view its query, of a procedure parameters and body.
+  std::string definition;
+  std::int64_t id = 0;
+
+  [[nodiscard]] int FindColumn(std::string_view column) const;
+  [[nodiscard]] int identity_column() const;
+  /// Two definitions with the same signature can serve the same compiled statements.
+  [[nodiscard]] const std::string& signature() const noexcept { return signature_; }
+  void Seal();
+
+ private:
+  std::string signature_;
+};
+
+using CatalogObjectPtr = std::shared_ptr<const CatalogObject>;
+
+/// What the name of an index ends with that stands beside a unique one, for the keys with NULLs.
+constexpr std::string_view kNullKeySuffix = "$null";
+/// What its name begins with where it stands beside a UNIQUE constraint.
+constexpr std::string_view kUniqueKeyPrefix = "$unique";
+
+/// `name` in double quotes, as SQLite reads it.
+std::string QuoteName(std::string_view name);
+/// `text` in single quotes.
+std::string QuoteText(std::string_view text);
+
+/// There is one database, "main"; its temporary tables stand in "tempdb". Raises 911 for any other name.
+void RequireThisDatabase(std::string_view database);
+/// Raises 208 for the name of an object of another database, or of a schema that is not dbo.
+void RequireLocal(const ObjectName& name);
+
+class Catalog {
+ public:
+  /// Makes the tables that the catalog is kept in, where they are not there yet.
+  static void Make(sqlite3* database);
+
+  explicit Catalog(sqlite3* database) : database_(database) {}
+
+  /// Reads the catalog anew when another connection may have changed it. Raises what SQLite reports.
+  void Refresh();
+  /// Refreshes, and keeps what was read true until LetGo: SQLite shows the same commit to all statements between.
+  void Hold();
+  void LetGo() noexcept;
+  /// What was read may be wrong, as after a rollback: the next Refresh reads all of it anew.
+  void Invalidate() noexcept { stale_ = true; }
+
+  /// The object of that name without regard to case, or nullptr. `#name` is a temporary table of this connection.
+  [[nodiscard]] CatalogObjectPtr Find(std::string_view name) const;
+  /// The object of that kind. Raises 208 for a missing table or view, 2812 for a procedure.
+  [[nodiscard]] CatalogObjectPtr Get(std::string_view name) const;
+
+  /// Writes a definition; the SQLite table itself is the caller's business. Raises 2714 when the name is taken.
+  void Add(CatalogObject object);
+  /// Puts a definition in the place of the one of the same name.
+  void Replace(CatalogObject object);
+  void Remove(std::string_view name);
+
+  [[nodiscard]] std::vector<std::string> TemporaryTables() const;
+  /// Grows whenever a definition changes.
+  [[nodiscard]] std::uint64_t generation() const noexcept { return generation_; }
+
+ private:
+  void Load();
+  /// Makes the schema's version another one, for what is no object of SQLite's.
+  void CountUp();
+  void RefreshTo(std::int64_t version);
+  std::int64_t SchemaVersion();
+  void Write(const CatalogObject& object);
+
+  sqlite3* database_;
+  StatementHandle version_statement_;
+  int holds_ = 0;
+  std::unordered_map<std::string, CatalogObjectPtr> objects_;  // by lower-case name
+  std::unordered_map<std::string, CatalogObjectPtr> temporaries_;
+  std::int64_t schema_version_ = -1;
+  bool stale_ = false;
+  std::uint64_t generation_ = 0;
+  std::int64_t next_temporary_id_ = -1;
+};
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,113 @@
+#include "tsql/storage/constraint_text.h"
+
+#include "platform/text.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+using Kind = TableConstraint::Kind;
+
+std::string JsonText(std::string_view text) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string json = "\"";
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x20) {
+      json += "\\u00";
+      json += kDigits[byte >> 4];
+      json += kDigits[byte & 0xf];
+      continue;
+    }
+    if (c == '"' || c == '\\') json += '\\';
+    json += c;
+  }
+  return json + "\"";
+}
+
+std::string JsonList(const std::vector<std::string>& texts) {
+  std::string json = "[";
+  for (const std::string& text : texts) json += (json.size() == 1 ? "" : ",") + JsonText(text);
+  return json + "]";
+}
+
+/// Writes the constraints of one table.
+class Writer {
+ public:
+  Writer(std::string& definition, const std::string& table) : definition_(definition), table_(table) {}
+
+  void Add(std::string_view kind, std::string name, const std::vector<std::string>& columns,
+           const std::string& more = "") {
+    if (name.empty()) name = FreeName(kind, columns);
+    if (definition_.empty()) definition_ = "[]";
+    definition_.pop_back();
+    if (definition_.size() > 1) definition_ += ",";
+    definition_ += "{\"kind\":" + JsonText(kind) + NameText(name) + ",\"columns\":" + JsonList(columns) + more + "}]";
+  }
+
+ private:
+  static std::string NameText(const std::string& name) { return ",\"name\":" + JsonText(name); }
+
+  /// PK_table, UQ_table_column.
+  [[nodiscard]] std::string FreeName(std::string_view kind, const std::vector<std::string>& columns) const {
+    std::string name = kind == "F" ? "FK" : kind == "C" ? "CK" : kind == "D" ? "DF" : std::string(kind);
+    name += "_" + table_;
+    if (kind != "PK") {
+      for (const std::string& column : columns) name += "_" + column;
+    }
+    std::string free = name;
+    for (int i = 2; definition_.find(NameText(free)) != std::string::npos; ++i) free = name + "_" + std::to_string(i);
+    return free;
+  }
+
+  std::string& definition_;
+  const std::string& table_;
+};
+
+std::string TextMember(std::string_view text) { return ",\"text\":" + JsonText(text); }
+
+}  // namespace
+
+void AddConstraints(std::string& definition, const Statement& statement) {
+  Writer writer(definition, statement.table.name);
+  std::vector<std::string> primary_key;
+  for (const ColumnDefinition& column : statement.column_definitions) {
+    if (column.primary_key) primary_key.push_back(column.name);
+  }
+  if (!primary_key.empty()) writer.Add("PK", "", primary_key);
+  for (const TableConstraint& constraint : statement.constraints) {
+    switch (constraint.kind) {
+      case Kind::kPrimaryKey:
+        writer.Add("PK", constraint.name, constraint.columns);
+        break;
+      case Kind::kUnique:
+        writer.Add("UQ", constraint.name, constraint.columns);
+        break;
+      case Kind::kForeignKey:
+        writer.Add(
+            "F", constraint.name, constraint.columns,
+            ",\"to\":" + JsonText(constraint.references.name) +
+                (constraint.referenced_columns.empty() ? ""
+                                                       : ",\"referenced\":" + JsonList(constraint.referenced_columns)));
+        break;
+      case Kind::kCheck:
+        writer.Add("C", constraint.name, {}, TextMember("(" + constraint.check_text + ")"));
+        break;
+      case Kind::kDefault:
+        break;
+    }
+  }
+  for (const ColumnDefinition& column : statement.column_definitions) {
+    if (column.unique) writer.Add("UQ", "", {column.name});
+    if (column.check != nullptr) writer.Add("C", "", {column.name}, TextMember("(" + column.check_text + ")"));
+    if (column.identity) writer.Add("I", "", {column.name}, ",\"seed\":" + std::to_string(column.identity_seed));
+    if (column.default_text.empty()) continue;
+    std::string name;
+    for (const TableConstraint& constraint : statement.constraints) {
+      const bool own = constraint.kind == Kind::kDefault && !constraint.columns.empty();
+      if (own && EqualsIgnoreCase(constraint.columns[0], column.name)) name = constraint.name;
+    }
+    writer.Add("D", name, {column.name}, TextMember("(" + column.default_text + ")"));
+  }
+}
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,16 @@
+// What the catalog keeps of a table's constraints, for the views and procedures that list them.
+#pragma once
+
+#include <string>
+
+#include "tsql/syntax/ast.h"
+
+namespace tessarlorn::tsql {
+
+/// Adds the constraints of a CREATE TABLE, or of an ALTER TABLE that adds columns, to what the catalog has of the
+/// table:
+/// "" or a JSON array of objects with kind (PK, UQ, F, C, D as the server has them, I for an identity), name, columns,
+/// and text, to and referenced, or seed. What has no name gets one that the table has not yet.
+void AddConstraints(std::string& definition, const Statement& statement);
+
+}  // namespace tessarlorn::tsql

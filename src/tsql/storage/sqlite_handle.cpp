@@ -1,0 +1,175 @@
+#include "tsql/storage/sqlite_handle.h"
+
+#include <cerrno>
+#include <optional>
+
+#include "platform/text.h"
+#include "tsql/storage/catalog.h"
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+/// "UNIQUE constraint failed: t.a, t.b" or "… failed: index 't.i'": what stands behind the colon.
+std::string_view Detail(std::string_view message) {
+  const std::size_t colon = message.find(": ");
+  return colon == std::string_view::npos ? std::string_view{} : message.substr(colon + 2);
+}
+
+std::string_view TablePart(std::string_view column) { return column.substr(0, column.find('.')); }
+
+std::string_view ColumnPart(std::string_view column) {
+  const std::size_t dot = column.find('.');
+  return dot == std::string_view::npos ? column : column.substr(dot + 1);
+}
+
+/// The index, with its table's name before a point, whose columns are "t.a, t.b"; "" for those of constraints.
+std::string IndexOf(sqlite3* database, const std::string& columns) {
+  const std::string table(TablePart(columns));
+  const StatementHandle statement = Prepare(database, R"(SELECT l.name FROM pragma_index_list(?1) l
+ WHERE l."unique" AND l.origin = 'c' AND ?2 = (SELECT group_concat(?1 || '.' || name, ', ')
+  FROM (SELECT name FROM pragma_index_info(l.name) ORDER BY seqno)))");
+  sqlite3_bind_text(statement.get(), 1, table.data(), static_cast<int>(table.size()), SQLITE_STATIC);
+  sqlite3_bind_text(statement.get(), 2, columns.data(), static_cast<int>(columns.size()), SQLITE_STATIC);
+  if (sqlite3_step(statement.get()) != SQLITE_ROW) return {};
+  return std::string(reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), 0)));
+}
+
+[[noreturn]] void RaiseDuplicate(sqlite3* database, const std::string& detail) {
+  // Of an index on expressions SQLite names the index, "index 't.i'", else the columns.
+  constexpr std::string_view kNamed = "index '";
+  std::string index = detail.starts_with(kNamed) ? detail.substr(kNamed.size(), detail.size() - kNamed.size() - 1)
+                                                 : IndexOf(database, detail);
+  if (index.ends_with(kNullKeySuffix)) index.resize(index.size() - kNullKeySuffix.size());
+  const std::string table(TablePart(index.empty() ? detail : index));
+  const std::string name(ColumnPart(index));
+  if (!index.empty() && !name.starts_with(kUniqueKeyPrefix)) {
+    throw SqlError(
+        2601, "Cannot insert duplicate key row in object 'dbo." + table + "' with unique index '" + name + "'.", 14);
+  }
+  throw SqlError(2627,
+                 "Violation of UNIQUE KEY constraint" + (index.empty() ? " on '" + detail + "'" : "") +
+                     ". Cannot insert duplicate key in object 'dbo." + table + "'.",
+                 14);
+}
+
+bool IsDiskFull(int fault) {
+#ifdef _WIN32
+  // ERROR_HANDLE_DISK_FULL, ERROR_DISK_FULL
+  return fault == 39 || fault == 112;
+#else
+  return fault == ENOSPC || fault == EFBIG || fault == EDQUOT;
+#endif
+}
+
+/// Whether a write failed because a file cannot grow. SQLite knows that of some writes, and of a file the last failure.
+bool IsDiskFull(sqlite3* database, int status) {
+  if (database == nullptr) return false;
+  if (IsDiskFull(sqlite3_system_errno(database))) return true;
+  if (status != SQLITE_IOERR_WRITE) return false;
+  for (const int which : {SQLITE_FCNTL_FILE_POINTER, SQLITE_FCNTL_JOURNAL_POINTER}) {
+    sqlite3_file* file = nullptr;
+    int fault = 0;
+    if (sqlite3_file_control(database, "main", which, &file) == SQLITE_OK && file != nullptr &&
+        file->pMethods != nullptr && file->pMethods->xFileControl(file, SQLITE_FCNTL_LAST_ERRNO, &fault) == SQLITE_OK &&
+        IsDiskFull(fault)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+[[noreturn]] void RaiseConstraint(sqlite3* database, int status, std::string_view message, std::string_view verb) {
+  const std::string detail(Detail(message));
+  switch (status) {
+    case SQLITE_CONSTRAINT_NOTNULL:
+      throw SqlError(515, "Cannot insert the value NULL into column '" + std::string(ColumnPart(detail)) +
+                              "', table 'dbo." + std::string(TablePart(detail)) + "'; column does not allow nulls. " +
+                              std::string(verb) + " fails.");
+    case SQLITE_CONSTRAINT_PRIMARYKEY:
+    case SQLITE_CONSTRAINT_ROWID:
+      throw SqlError(2627,
+                     "Violation of PRIMARY KEY constraint 'PK_" + std::string(TablePart(detail)) +
+                         "'. Cannot insert duplicate key in object 'dbo." + std::string(TablePart(detail)) + "'.",
+                     14);
+    case SQLITE_CONSTRAINT_UNIQUE:
+      RaiseDuplicate(database, detail);
+    default:
+      throw SqlError(547, "The " + std::string(verb) + " statement conflicted with the " +
+                              (status == SQLITE_CONSTRAINT_CHECK ? "CHECK" : "FOREIGN KEY") + " constraint" +
+                              (detail.empty() ? "" : " \"" + detail + "\"") + ".");
+  }
+}
+
+}  // namespace
+
+void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_view verb) {
+  if (runtime != nullptr && runtime->error) {
+    const SqlError error = *runtime->error;
+    runtime->error.reset();
+    throw error;
+  }
+  const std::string message = database == nullptr ? sqlite3_errstr(status) : sqlite3_errmsg(database);
+  const int extended = database == nullptr ? status : sqlite3_extended_errcode(database);
+  const char* file = database == nullptr ? nullptr : sqlite3_db_filename(database, "main");
+  constexpr std::string_view kInMemory = "/tessarlorn-";
+  const bool in_memory = file != nullptr && std::string_view(file).starts_with(kInMemory);
+  const std::string name = file == nullptr || *file == '\0' ? "in memory"
+                           : in_memory ? "':memory:" + std::string(file).substr(kInMemory.size()) + "'"
+                                       : std::string("'") + file + "'";
+  int kind = status & 0xff;
+  if ((kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN) && IsDiskFull(database, extended)) kind = SQLITE_FULL;
+  switch (kind) {
+    case SQLITE_CONSTRAINT:
+      RaiseConstraint(database, extended, message, verb);
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+      throw SqlError(1222, "Lock request time out period exceeded: the database " + name + " is in use.");
+    case SQLITE_FULL:
+      if (in_memory) throw OutOfMemory();
+      throw SqlError(1105, "Could not allocate space in the database " + name + ": the disk is full.", 17);
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+      throw SqlError(824, "The database " + name + " is damaged or is no database: " + message + ".", 24);
+    case SQLITE_IOERR:
+      throw SqlError(823, "Reading or writing the database " + name + " failed: " + message + ".", 24);
+    case SQLITE_READONLY:
+      // The database may be written, but the file of locks had no room (see OpenDatabase).
+      if (extended == SQLITE_READONLY && database != nullptr && sqlite3_db_readonly(database, "main") == 0) {
+        throw SqlError(1105,
+                       "Could not allocate space in the database " + name +
+                           ": the disk was full when it was opened. Free space and open it again.",
+                       17);
+      }
+      throw SqlError(3906, "Failed to update the database " + name + " because it is read-only.");
+    case SQLITE_CANTOPEN:
+      throw SqlError(4060, "Cannot open the database " + name + ": " + message + ".", 11);
+    case SQLITE_INTERRUPT:
+      throw Cancelled();
+    case SQLITE_NOMEM:
+      throw OutOfMemory();
+    case SQLITE_TOOBIG:
+      if (message == sqlite3_errstr(SQLITE_TOOBIG)) throw OutOfMemory();
+      throw SqlError(8631, "The value or the statement is too large: " + message + ".", 17);
+    default:
+      break;
+  }
+  if (message == "integer overflow")
+    throw SqlError(8115, "Arithmetic overflow error converting expression to data type bigint.");
+  throw SqlError(8624, "The embedded database could not run the statement: " + message + ".");
+}
+
+StatementHandle Prepare(sqlite3* database, std::string_view sql, Runtime* runtime) {
+  sqlite3_stmt* statement = nullptr;
+  const int status = sqlite3_prepare_v3(database, sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT,
+                                        &statement, nullptr);
+  if (status != SQLITE_OK) RaiseSqlite(database, status, runtime);
+  return StatementHandle(statement);
+}
+
+void RunSql(sqlite3* database, const std::string& sql, Runtime* runtime) {
+  const int status = sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr);
+  if (status != SQLITE_OK) RaiseSqlite(database, status, runtime);
+}
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,397 @@
+#include "tsql/storage/system_views.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <utility>
+
+#include "platform/text.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+// Columns of views, by their types.
+SystemViewColumn Bit(const char* name) { return {name, BitType(), true}; }
+SystemViewColumn Int(const char* name) { return {name, IntType(), true}; }
+SystemViewColumn Name(const char* name) { return {name, NVarCharType(128), true}; }
+SystemViewColumn Code(const char* name) { return {name, VarCharType(60), true}; }
+SystemViewColumn Text(const char* name) { return {name, NVarCharType(0), true}; }
+
+/// The types of the server: name, system_type_id, user_type_id, max_length, precision, scale.
+constexpr std::string_view kTypes = R"(SELECT column1 AS name, column2 AS id, column3 AS user_id,
+ column4 AS max_length, column5 AS precision, column6 AS scale FROM (VALUES
+ ('image',34,34,16,0,0), ('text',35,35,16,0,0), ('uniqueidentifier',36,36,16,0,0), ('date',40,40,3,10,0),
+ ('time',41,41,5,16,7), ('datetime2',42,42,8,27,7), ('datetimeoffset',43,43,10,34,7), ('tinyint',48,48,1,3,0),
+ ('smallint',52,52,2,5,0), ('int',56,56,4,10,0), ('smalldatetime',58,58,4,16,0), ('real',59,59,4,24,0),
+ ('money',60,60,8,19,4), ('datetime',61,61,8,23,3), ('float',62,62,8,53,0), ('ntext',99,99,16,0,0),
+ ('bit',104,104,1,1,0), ('decimal',106,106,17,38,38), ('numeric',108,108,17,38,38), ('smallmoney',122,122,4,10,4),
+ ('bigint',127,127,8,19,0), ('varbinary',165,165,8000,0,0), ('varchar',167,167,8000,0,0), ('binary',173,173,8000,0,0),
+ ('char',175,175,8000,0,0), ('nvarchar',231,231,8000,0,0), ('nchar',239,239,8000,0,0), ('sysname',231,256,256,0,0)))";
+
+/// Columns of tables and parameters of procedures, with the parts of their types: base, size (-1 for (max)), places.
+constexpr std::string_view kTyped = R"(SELECT *, CASE size_text WHEN 'max' THEN -1 ELSE CAST(size_text AS INTEGER) END
+  AS size, CAST(substr(size_text, instr(size_text, ',') + 1) AS INTEGER) AS places
+ FROM (SELECT c.*, o.name AS owner, o.kind AS owner_kind,
+   CASE instr(c.type, '(') WHEN 0 THEN c.type ELSE substr(c.type, 1, instr(c.type, '(') - 1) END AS base,
+   CASE instr(c.type, '(') WHEN 0 THEN '' ELSE rtrim(substr(c.type, instr(c.type, '(') + 1), ')') END AS size_text
+  FROM main."$columns" c JOIN main."$objects" o ON o.id = c.object))";
+
+/// What a column's type takes and holds, out of kTyped as c and kTypes as t.
+constexpr std::string_view kMeasures = R"(t.id AS system_type_id, t.user_id AS user_type_id,
+ CASE WHEN c.base LIKE 'n%char' AND c.size > 0 THEN c.size * 2 WHEN c.base LIKE '%char' OR c.base LIKE '%binary' THEN c.size
+  WHEN c.base = 'decimal' THEN CASE WHEN c.size <= 9 THEN 5 WHEN c.size <= 19 THEN 9 WHEN c.size <= 28 THEN 13 ELSE 17 END
+  ELSE t.max_length END AS max_length,
+ CASE c.base WHEN 'decimal' THEN c.size ELSE t.precision END AS precision,
+ CASE WHEN c.base IN ('time', 'datetime2', 'datetimeoffset') THEN c.size WHEN c.base = 'decimal' THEN c.places ELSE t.scale END AS scale)";
+
+/// The constraints of tables, as TableConstraints wrote them. Their numbers stand beyond those of objects.
+constexpr std::string_view kConstraints = R"(SELECT o.id AS object, o.name AS owner, j.key AS position,
+ 1000000000 + o.id * 1000 + j.key AS id, json_extract(j.value, '$.kind') AS kind, json_extract(j.value, '$.name') AS name,
+ j.value AS body FROM main."$objects" o, json_each(CASE o.definition WHEN '' THEN '[]' ELSE o.definition END) j
+ WHERE o.kind = 'table')";
+
+std::string KeyColumns() {
+  return "SELECT k.id, k.object, k.owner, k.kind, k.name, k.position, j.key + 1 AS ordinal, c.position AS column_id,"
+         " c.name AS column_name FROM (" +
+         std::string(kConstraints) +
+         ") k, json_each(k.body, '$.columns') j"
+         " JOIN main.\"$columns\" c ON c.object = k.object AND c.name = j.value COLLATE NOCASE";
+}
+
+/// Foreign keys with the key that each refers to.
+std::string References() {
+  return "SELECT f.*, p.id AS referenced_id, coalesce(json_extract(f.body, '$.referenced'),"
+         " (SELECT json_extract(k.body, '$.columns') FROM (" +
+         std::string(kConstraints) + ") k WHERE k.object = p.id AND k.kind = 'PK')) AS referenced FROM (" +
+         std::string(kConstraints) +
+         ") f JOIN main.\"$objects\" p ON p.name = json_extract(f.body, '$.to') COLLATE NOCASE WHERE f.kind = 'F'";
+}
+
+/// The columns of foreign keys, each with the one that it refers to.
+std::string ReferenceColumns() {
+  return "SELECT f.id, f.object, f.owner, f.name, f.referenced_id, f.referenced, a.key + 1 AS ordinal,"
+         " c.position AS column_id, c.name AS column_name, r.position AS referenced_column_id FROM (" +
+         References() +
+         ") f, json_each(f.body, '$.columns') a, json_each(f.referenced) b"
+         " JOIN main.\"$columns\" c ON c.object = f.object AND c.name = a.value COLLATE NOCASE"
+         " JOIN main.\"$columns\" r ON r.object = f.referenced_id AND r.name = b.value COLLATE NOCASE"
+         " WHERE a.key = b.key";
+}
+
+/// Keys, and what CREATE INDEX made. The latter are SQLite's, by the number of their definition.
+std::string Indexes() {
+  return "SELECT object, owner, CASE kind WHEN 'PK' THEN 1 ELSE position + 2 END AS index_id, name,"
+         " CASE kind WHEN 'PK' THEN 1 ELSE 2 END AS type, 1 AS is_unique, kind, NULL AS inner_name, 0 AS partial FROM (" +
+         std::string(kConstraints) +
+         ") WHERE kind IN ('PK', 'UQ') UNION ALL"
+         " SELECT o.id, o.name, s.rowid + 1000, substr(s.name, length(s.tbl_name) + 2), 2, l.\"unique\", 'IX', s.name,"
+         " l.partial FROM main.sqlite_schema s JOIN main.\"$objects\" o ON o.name = s.tbl_name AND o.kind = 'table'"
+         " JOIN pragma_index_list(s.tbl_name) l ON l.name = s.name WHERE s.type = 'index' AND l.origin = 'c'"
+         " AND s.name NOT LIKE '%$null'";
+}
+
+std::string IndexColumns() {
+  return "SELECT k.object AS object_id, CASE k.kind WHEN 'PK' THEN 1 ELSE k.position + 2 END AS index_id,"
+         " k.ordinal AS index_column_id, k.column_id, k.ordinal AS key_ordinal, 0 AS is_descending_key,"
+         " 0 AS is_included_column FROM (" +
+         KeyColumns() +
+         ") k WHERE k.kind IN ('PK', 'UQ') UNION ALL"
+         " SELECT i.object, i.index_id, x.seqno + 1, c.position, x.seqno + 1, x.\"desc\", 0 FROM (" +
+         Indexes() +
+         ") i JOIN pragma_index_xinfo(i.inner_name) x JOIN main.\"$columns\" c ON c.object = i.object"
+         " AND c.name = x.name COLLATE NOCASE WHERE i.kind = 'IX' AND x.key = 1";
+}
+
+std::string From(std::string_view head, std::string_view source, std::string_view tail = "") {
+  return std::string(head) + " FROM (" + std::string(source) + ")" + std::string(tail);
+}
+
+/// What all objects have in common in the views of sys, of a row that has name, id and a kind.
+std::string ObjectColumns(const std::string& type, const std::string& description) {
+  return "name, id AS object_id, NULL AS principal_id, 1 AS schema_id, " + type + " AS type, " + description +
+         " AS type_desc, 0 AS is_ms_shipped";
+}
+
+SystemView Objects(const char* name, std::string sql, const std::vector<SystemViewColumn>& more = {}) {
+  SystemView view{"sys",
+                  name,
+                  std::move(sql),
+                  {Name("name"),
+                   Int("object_id"),
+                   Int("principal_id"),
+                   Int("schema_id"),
+                   {"type", VarCharType(2), false},
+                   Code("type_desc"),
+                   Bit("is_ms_shipped"),
+                   Int("parent_object_id")}};
+  view.columns.insert(view.columns.end(), more.begin(), more.end());
+  return view;
+}
+
+/// The view of sys of one kind of object of the database.
+SystemView ObjectsOfKind(const char* name, const char* kind, const char* type, const char* description) {
+  return Objects(name, "SELECT " + ObjectColumns("'" + std::string(type) + "'", "'" + std::string(description) + "'") +
+                           ", 0 AS parent_object_id FROM main.\"$objects\" WHERE kind = '" + kind + "'");
+}
+
+/// The view of sys of constraints.
+SystemView ConstraintsOfKind(const char* name, const std::string& kinds, const std::string& more_sql,
+                             const std::vector<SystemViewColumn>& more) {
+  const std::string type = "CASE kind WHEN 'F' THEN 'F ' WHEN 'C' THEN 'C ' WHEN 'D' THEN 'D ' ELSE kind END";
+  const std::string description =
+      "CASE kind WHEN 'PK' THEN 'PRIMARY_KEY_CONSTRAINT' WHEN 'UQ' THEN 'UNIQUE_CONSTRAINT' WHEN 'F' THEN"
+      " 'FOREIGN_KEY_CONSTRAINT' WHEN 'C' THEN 'CHECK_CONSTRAINT' ELSE 'DEFAULT_CONSTRAINT' END";
+  return Objects(name,
+                 From("SELECT " + ObjectColumns(type, description) + ", object AS parent_object_id" + more_sql,
+                      kConstraints, " k WHERE kind IN (" + kinds + ")"),
+                 more);
+}
+
+std::vector<SystemView> SysViews() {
+  const std::string own_type = "CASE kind WHEN 'table' THEN 'U ' WHEN 'view' THEN 'V ' ELSE 'P ' END";
+  const std::string own_description =
+      "CASE kind WHEN 'table' THEN 'USER_TABLE' WHEN 'view' THEN 'VIEW' ELSE 'SQL_STORED_PROCEDURE' END";
+  const std::string constraint_text = ", json_extract(body, '$.text') AS definition";
+  const std::string of_column =
+      ", (SELECT c.position FROM main.\"$columns\" c WHERE c.object = k.object AND c.name = json_extract(k.body,"
+      " '$.columns[0]') COLLATE NOCASE) AS parent_column_id";
+  const SystemView constraints = ConstraintsOfKind("constraints", "'PK', 'UQ', 'F', 'C', 'D'", "", {});
+  const std::vector<SystemViewColumn> column_columns = {
+      Int("object_id"),        Name("name"),       Int("column_id"),   Int("system_type_id"),
+      Int("user_type_id"),     Int("max_length"),  Int("precision"),   Int("scale"),
+      Name("collation_name"),  Bit("is_nullable"), Bit("is_identity"), Bit("is_computed"),
+      Int("default_object_id")};
+  const auto with = [](std::vector<SystemViewColumn> columns, const std::vector<SystemViewColumn>& more) {
+    columns.insert(columns.end(), more.begin(), more.end());
+    return columns;
+  };
+  const std::string seed = "coalesce((SELECT json_extract(k.body, '$.seed') FROM (" + std::string(kConstraints) +
+                           ") k WHERE k.object = c.object AND k.kind = 'I'), 1)";
+  const std::string columns =
+      "SELECT c.object AS object_id, c.name, c.position AS column_id, " + std::string(kMeasures) +
+      ", CASE WHEN c.base LIKE '%char' THEN 'Chinese_PRC_CI_AS' END AS collation_name, c.nullable AS is_nullable,"
+      " c.identity = 1 AS is_identity, 0 AS is_computed, NULL AS definition, 0 AS is_persisted, 0 AS default_object_id,"
+      " " +
+      seed +
+      " AS seed_value, 1 AS increment_value, (SELECT s.seq FROM main.sqlite_sequence s WHERE s.name = c.owner"
+      " AND s.seq >= " +
+      seed + ") AS last_value FROM (" + std::string(kTyped) + ") c JOIN (" + std::string(kTypes) +
+      ") t ON t.name = c.base WHERE c.owner_kind <> 'procedure'";
+  std::vector<SystemView> views = {
+      Objects("objects", "SELECT " + ObjectColumns(own_type, own_description) +
+                             ", 0 AS parent_object_id FROM"
+                             " main.\"$objects\" UNION ALL " +
+                             constraints.sql),
+      ObjectsOfKind("tables", "table", "U ", "USER_TABLE"),
+      ObjectsOfKind("views", "view", "V ", "VIEW"),
+      ObjectsOfKind("procedures", "procedure", "P ", "SQL_STORED_PROCEDURE"),
+      ConstraintsOfKind("key_constraints", "'PK', 'UQ'",
+                        ", CASE kind WHEN 'PK' THEN 1 ELSE position + 2 END AS unique_index_id",
+                        {Int("unique_index_id")}),
+      ConstraintsOfKind("check_constraints", "'C'", constraint_text, {Text("definition")}),
+      ConstraintsOfKind("default_constraints", "'D'", constraint_text + of_column,
+                        {Text("definition"), Int("parent_column_id")}),
+      Objects(
+          "foreign_keys",
+          From("SELECT " + ObjectColumns("'F '", "'FOREIGN_KEY_CONSTRAINT'") +
+                   ", object AS parent_object_id,"
+                   " referenced_id AS referenced_object_id, 1 AS key_index_id, 0 AS is_disabled, 0 AS is_not_trusted,"
+                   " 0 AS delete_referential_action, 'NO_ACTION' AS delete_referential_action_desc,"
+                   " 0 AS update_referential_action, 'NO_ACTION' AS update_referential_action_desc",
+               References()),
+          {Int("referenced_object_id"), Int("key_index_id"), Bit("is_disabled"), Bit("is_not_trusted"),
+           Int("delete_referential_action"), Code("delete_referential_action_desc"), Int("update_referential_action"),
+           Code("update_referential_action_desc")}),
+      {"sys",
+       "foreign_key_columns",
+       From(
+           "SELECT id AS constraint_object_id, ordinal AS constraint_column_id, object AS parent_object_id, column_id AS"
+           " parent_column_id, referenced_id AS referenced_object_id, referenced_column_id",
+           ReferenceColumns()),
+       {Int("constraint_object_id"), Int("constraint_column_id"), Int("parent_object_id"), Int("parent_column_id"),
+        Int("referenced_object_id"), Int("referenced_column_id")}},
+      {"sys", "columns", columns, column_columns},
+      {"sys", "identity_columns", columns + " AND c.identity = 1",
+       with(column_columns, {Int("seed_value"), Int("increment_value"), Int("last_value")})},
+      {"sys", "computed_columns", columns + " AND 0", with(column_columns, {Text("definition"), Bit("is_persisted")})},
+      {"sys",
+       "parameters",
+       "SELECT c.object AS object_id, c.name, c.position AS parameter_id, " + std::string(kMeasures) +
+           ", c.default_text = 'output' AS is_output, 0 AS has_default_value FROM (" + std::string(kTyped) +
+           ") c JOIN (" + std::string(kTypes) + ") t ON t.name = c.base WHERE c.owner_kind = 'procedure'",
+       {Int("object_id"), Name("name"), Int("parameter_id"), Int("system_type_id"), Int("user_type_id"),
+        Int("max_length"), Int("precision"), Int("scale"), Bit("is_output"), Bit("has_default_value")}},
+      {"sys",
+       "indexes",
+       From(
+           "SELECT object AS object_id, name, index_id, type, CASE type WHEN 1 THEN 'CLUSTERED' ELSE 'NONCLUSTERED' END AS"
+           " type_desc, is_unique, kind = 'PK' AS is_primary_key, kind = 'UQ' AS is_unique_constraint, partial AS"
+           " has_filter, NULL AS filter_definition, 0 AS is_disabled",
+           Indexes()),
+       {Int("object_id"), Name("name"), Int("index_id"), Int("type"), Code("type_desc"), Bit("is_unique"),
+        Bit("is_primary_key"), Bit("is_unique_constraint"), Bit("has_filter"), Text("filter_definition"),
+        Bit("is_disabled")}},
+      {"sys",
+       "index_columns",
+       IndexColumns(),
+       {Int("object_id"), Int("index_id"), Int("index_column_id"), Int("column_id"), Int("key_ordinal"),
+        Bit("is_descending_key"), Bit("is_included_column")}},
+      {"sys",
+       "schemas",
+       "SELECT column1 AS name, column2 AS schema_id, column2 AS principal_id FROM (VALUES ('dbo', 1), ('guest', 2),"
+       " ('INFORMATION_SCHEMA', 3), ('sys', 4))",
+       {Name("name"), Int("schema_id"), Int("principal_id")}},
+      {"sys",
+       "databases",
+       "SELECT 'main' AS name, 1 AS database_id, 'Chinese_PRC_CI_AS' AS collation_name, 0 AS state",
+       {Name("name"), Int("database_id"), Name("collation_name"), Int("state")}},
+      {"sys",
+       "types",
+       From("SELECT name, id AS system_type_id, user_id AS user_type_id, 4 AS schema_id, max_length, precision, scale,"
+            " CASE WHEN name LIKE '%char' OR name LIKE '%text' THEN 'Chinese_PRC_CI_AS' END AS collation_name,"
+            " 1 AS is_nullable, 0 AS is_user_defined, 0 AS is_table_type",
+            kTypes),
+       {Name("name"), Int("system_type_id"), Int("user_type_id"), Int("schema_id"), Int("max_length"), Int("precision"),
+        Int("scale"), Name("collation_name"), Bit("is_nullable"), Bit("is_user_defined"), Bit("is_table_type")}},
+      {"sys",
+       "sql_modules",
+       "SELECT id AS object_id, definition FROM main.\"$objects\" WHERE kind <> 'table'",
+       {Int("object_id"), Text("definition")}},
+      {"sys",
+       "extended_properties",
+       "SELECT 0 AS class, 0 AS major_id, 0 AS minor_id, '' AS name, '' AS value, '' AS class_desc WHERE 0",
+       {Int("class"), Int("major_id"), Int("minor_id"), Name("name"), Text("value"), Code("class_desc")}},
+  };
+  return views;
+}
+
+/// What INFORMATION_SCHEMA says of a type, out of kTyped.
+constexpr std::string_view kSizes = R"(base AS DATA_TYPE,
+ CASE WHEN base LIKE '%char' OR base LIKE '%binary' THEN size END AS CHARACTER_MAXIMUM_LENGTH,
+ CASE WHEN base LIKE 'n%char' AND size > 0 THEN size * 2 WHEN base LIKE '%char' OR base LIKE '%binary' THEN size END
+  AS CHARACTER_OCTET_LENGTH,
+ CASE base WHEN 'decimal' THEN size WHEN 'money' THEN 19 WHEN 'bigint' THEN 19 WHEN 'int' THEN 10
+  WHEN 'smallint' THEN 5 WHEN 'tinyint' THEN 3 WHEN 'float' THEN 53 WHEN 'real' THEN 24 WHEN 'smallmoney' THEN 10 END
+  AS NUMERIC_PRECISION,
+ CASE base WHEN 'decimal' THEN places WHEN 'money' THEN 4 WHEN 'smallmoney' THEN 4
+  WHEN 'bigint' THEN 0 WHEN 'int' THEN 0 WHEN 'smallint' THEN 0 WHEN 'tinyint' THEN 0 END AS NUMERIC_SCALE,
+ CASE base WHEN 'datetime' THEN 3 WHEN 'date' THEN 0 WHEN 'smalldatetime' THEN 0 WHEN 'time' THEN size
+  WHEN 'datetime2' THEN size WHEN 'datetimeoffset' THEN size END AS DATETIME_PRECISION,
+ CASE WHEN base LIKE '%char' THEN 'Chinese_PRC_CI_AS' END AS COLLATION_NAME)";
+
+std::vector<SystemView> InformationViews() {
+  const std::string here = "'main' AS CONSTRAINT_CATALOG, 'dbo' AS CONSTRAINT_SCHEMA, k.name AS CONSTRAINT_NAME";
+  const std::string table = "'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, k.owner AS TABLE_NAME";
+  const std::vector<SystemViewColumn> names = {Name("CONSTRAINT_CATALOG"), Name("CONSTRAINT_SCHEMA"),
+                                               Name("CONSTRAINT_NAME"),    Name("TABLE_CATALOG"),
+                                               Name("TABLE_SCHEMA"),       Name("TABLE_NAME")};
+  const auto with = [&](std::initializer_list<SystemViewColumn> more) {
+    std::vector<SystemViewColumn> columns = names;
+    columns.insert(columns.end(), more);
+    return columns;
+  };
+  const auto with_sizes = [](std::vector<SystemViewColumn> columns) {
+    for (SystemViewColumn& column : std::vector{
+             Name("DATA_TYPE"), Int("CHARACTER_MAXIMUM_LENGTH"), Int("CHARACTER_OCTET_LENGTH"),
+             Int("NUMERIC_PRECISION"), Int("NUMERIC_SCALE"), Int("DATETIME_PRECISION"), Name("COLLATION_NAME")}) {
+      columns.push_back(std::move(column));
+    }
+    return columns;
+  };
+  const std::string key_columns = "SELECT " + here + ", " + table +
+                                  ", k.column_name AS COLUMN_NAME, k.ordinal AS ORDINAL_POSITION FROM (" +
+                                  KeyColumns() + ") k WHERE k.kind IN ('PK', 'UQ', 'F')";
+  return {
+      {"information_schema",
+       "schemata",
+       "SELECT 'main' AS CATALOG_NAME, 'dbo' AS SCHEMA_NAME, 'dbo' AS SCHEMA_OWNER",
+       {Name("CATALOG_NAME"), Name("SCHEMA_NAME"), Name("SCHEMA_OWNER")}},
+      {"information_schema",
+       "tables",
+       R"(SELECT 'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, name AS TABLE_NAME,
+ CASE kind WHEN 'table' THEN 'BASE TABLE' ELSE 'VIEW' END AS TABLE_TYPE FROM main."$objects" WHERE kind <> 'procedure')",
+       {Name("TABLE_CATALOG"), Name("TABLE_SCHEMA"), Name("TABLE_NAME"), {"TABLE_TYPE", VarCharType(10), false}}},
+      {"information_schema",
+       "views",
+       R"(SELECT 'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, name AS TABLE_NAME, definition AS VIEW_DEFINITION,
+ 'NONE' AS CHECK_OPTION, 'NO' AS IS_UPDATABLE FROM main."$objects" WHERE kind = 'view')",
+       {Name("TABLE_CATALOG"), Name("TABLE_SCHEMA"), Name("TABLE_NAME"), Text("VIEW_DEFINITION"), Code("CHECK_OPTION"),
+        Code("IS_UPDATABLE")}},
+      {"information_schema",
+       "routines",
+       R"(SELECT 'main' AS ROUTINE_CATALOG, 'dbo' AS ROUTINE_SCHEMA, name AS ROUTINE_NAME, 'PROCEDURE' AS ROUTINE_TYPE,
+ definition AS ROUTINE_DEFINITION FROM main."$objects" WHERE kind = 'procedure')",
+       {Name("ROUTINE_CATALOG"), Name("ROUTINE_SCHEMA"), Name("ROUTINE_NAME"), Code("ROUTINE_TYPE"),
+        Text("ROUTINE_DEFINITION")}},
+      {"information_schema",
+       "sequences",
+       "SELECT '' AS SEQUENCE_CATALOG, '' AS SEQUENCE_SCHEMA, '' AS SEQUENCE_NAME WHERE 0",
+       {Name("SEQUENCE_CATALOG"), Name("SEQUENCE_SCHEMA"), Name("SEQUENCE_NAME")}},
+      {"information_schema", "table_constraints",
+       From("SELECT " + here + ", " + table +
+                ", CASE k.kind WHEN 'PK' THEN 'PRIMARY KEY' WHEN 'UQ' THEN 'UNIQUE'"
+                " WHEN 'F' THEN 'FOREIGN KEY' ELSE 'CHECK' END AS CONSTRAINT_TYPE, 'NO' AS IS_DEFERRABLE,"
+                " 'NO' AS INITIALLY_DEFERRED",
+            kConstraints, " k WHERE k.kind IN ('PK', 'UQ', 'F', 'C')"),
+       with({Code("CONSTRAINT_TYPE"), Code("IS_DEFERRABLE"), Code("INITIALLY_DEFERRED")})},
+      {"information_schema", "key_column_usage", key_columns, with({Name("COLUMN_NAME"), Int("ORDINAL_POSITION")})},
+      {"information_schema", "constraint_column_usage", key_columns, with({Name("COLUMN_NAME")})},
+      {"information_schema",
+       "check_constraints",
+       From("SELECT " + here + ", json_extract(k.body, '$.text') AS CHECK_CLAUSE", kConstraints,
+            " k WHERE k.kind = 'C'"),
+       {Name("CONSTRAINT_CATALOG"), Name("CONSTRAINT_SCHEMA"), Name("CONSTRAINT_NAME"), Text("CHECK_CLAUSE")}},
+      {"information_schema",
+       "referential_constraints",
+       "SELECT " + here +
+           ", 'main' AS UNIQUE_CONSTRAINT_CATALOG, 'dbo' AS UNIQUE_CONSTRAINT_SCHEMA,"
+           " u.name AS UNIQUE_CONSTRAINT_NAME, 'SIMPLE' AS MATCH_OPTION, 'NO ACTION' AS UPDATE_RULE,"
+           " 'NO ACTION' AS DELETE_RULE FROM (" +
+           References() + ") k JOIN (" + std::string(kConstraints) +
+           ") u ON u.object = k.referenced_id AND u.kind IN ('PK', 'UQ')"
+           " AND lower(json_extract(u.body, '$.columns')) = lower(k.referenced)",
+       {Name("CONSTRAINT_CATALOG"), Name("CONSTRAINT_SCHEMA"), Name("CONSTRAINT_NAME"),
+        Name("UNIQUE_CONSTRAINT_CATALOG"), Name("UNIQUE_CONSTRAINT_SCHEMA"), Name("UNIQUE_CONSTRAINT_NAME"),
+        Code("MATCH_OPTION"), Code("UPDATE_RULE"), Code("DELETE_RULE")}},
+      {"information_schema", "columns",
+       From(R"(SELECT 'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, owner AS TABLE_NAME, name AS COLUMN_NAME,
+ position AS ORDINAL_POSITION, CASE default_text WHEN '' THEN NULL ELSE default_text END AS COLUMN_DEFAULT,
+ CASE nullable WHEN 1 THEN 'YES' ELSE 'NO' END AS IS_NULLABLE, )" +
+                std::string(kSizes),
+            kTyped, " WHERE owner_kind <> 'procedure'"),
+       with_sizes({Name("TABLE_CATALOG"),
+                   Name("TABLE_SCHEMA"),
+                   Name("TABLE_NAME"),
+                   Name("COLUMN_NAME"),
+                   Int("ORDINAL_POSITION"),
+                   {"COLUMN_DEFAULT", NVarCharType(4000), true},
+                   {"IS_NULLABLE", VarCharType(3), false}})},
+      {"information_schema", "parameters",
+       From("SELECT 'main' AS SPECIFIC_CATALOG, 'dbo' AS SPECIFIC_SCHEMA, owner AS SPECIFIC_NAME, position AS"
+            " ORDINAL_POSITION, CASE default_text WHEN 'output' THEN 'INOUT' ELSE 'IN' END AS PARAMETER_MODE,"
+            " 'NO' AS IS_RESULT, name AS PARAMETER_NAME, " +
+                std::string(kSizes),
+            kTyped, " WHERE owner_kind = 'procedure'"),
+       with_sizes({Name("SPECIFIC_CATALOG"), Name("SPECIFIC_SCHEMA"), Name("SPECIFIC_NAME"), Int("ORDINAL_POSITION"),
+                   Code("PARAMETER_MODE"), Code("IS_RESULT"), Name("PARAMETER_NAME")})},
+  };
+}
+
+const std::vector<SystemView>& SystemViews() {
+  static const std::vector<SystemView> views = [] {
+    std::vector<SystemView> all = SysViews();
+    for (SystemView& view : InformationViews()) all.push_back(std::move(view));
+    return all;
+  }();
+  return views;
+}
+
+}  // namespace
+
+const SystemView* FindSystemView(std::string_view qualifier, std::string_view name) {
+  for (const SystemView& view : SystemViews()) {
+    if (EqualsIgnoreCase(view.qualifier, qualifier) && EqualsIgnoreCase(view.name, name)) return &view;
+  }
+  return nullptr;
+}
+
+}  // namespace tessarlorn::tsql

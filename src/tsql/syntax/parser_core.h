@@ -1,0 +1,228 @@
+// The parser's inside: what its source files, one a topic of the grammar, share.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tsql/syntax/ast.h"
+#include "tsql/syntax/keywords.h"
+#include "tsql/syntax/token.h"
+#include "tsql/values/memory_budget.h"
+
+namespace tessarlorn::tsql {
+
+/// Recursive descent over the tokens of a batch, beginning at a top-level statement. Its methods raise SqlError.
+/// Names: Parse… reads a construct that must stand here, Accept… one that may, Expect… a token that must.
+class Parser {
+ public:
+  Parser(std::string_view batch, const Tokens& tokens, std::size_t begin)
+      : batch_(batch),
+        tokens_(tokens.tokens),
+        lists_(tokens.list_items),
+        memory_(tokens.memory),
+        begin_(begin),
+        position_(begin) {}
+
+  [[nodiscard]] std::size_t position() const noexcept { return position_; }
+  [[nodiscard]] bool AtEnd() const noexcept { return Peek().kind == TokenKind::kEnd; }
+  [[noreturn]] void Fail() const;
+
+  /// A statement with the semicolon behind it; kEmpty for a semicolon alone.
+  StatementPtr ParseTerminatedStatement();
+  /// A value or a condition.
+  ExpressionPtr ParseAny();
+
+ private:
+  /// Counts the levels of nesting while it lives.
+  class Level {
+   public:
+    explicit Level(Parser& parser);
+    ~Level() { --depth_; }
+    Level(const Level&) = delete;
+    Level& operator=(const Level&) = delete;
+
+   private:
+    int& depth_;
+  };
+
+  /// Counts the links of a chain that grows to the left (a + b + c), which nests its tree without nesting the text.
+  class Chain {
+   public:
+    explicit Chain(Parser& parser);
+    ~Chain();
+    Chain(const Chain&) = delete;
+    Chain& operator=(const Chain&) = delete;
+    void AddLink();
+
+   private:
+    Parser& parser_;
+    int outer_;
+    int links_ = 0;
+  };
+
+  // parser_core.cpp: tokens, names, types
+  [[nodiscard]] const Token& Peek(std::size_t ahead = 0) const noexcept;
+  const Token& Take();
+  [[nodiscard]] bool At(Op op, std::size_t ahead = 0) const noexcept { return Peek(ahead).op == op; }
+  [[nodiscard]] bool At(Keyword word, std::size_t ahead = 0) const noexcept;
+  [[nodiscard]] bool AtAny(std::span<const Keyword> words) const noexcept;
+  [[nodiscard]] bool AtName(std::size_t ahead = 0) const noexcept;
+  [[nodiscard]] bool AtLiteral() const noexcept;
+  [[nodiscard]] bool AtValue() const noexcept;
+  bool Accept(Op op);
+  bool Accept(Keyword word);
+  bool AcceptBoth(Keyword first, Keyword second);
+  void Expect(Op op);
+  void Expect(Keyword word);
+  [[noreturn]] void FailAt(std::size_t position) const;
+  [[noreturn]] void RaiseAt(std::int32_t number, const std::string& message) const;
+  [[noreturn]] void Refuse(std::string_view feature) const;
+  std::string ParseName();
+  std::string ParseVariableName();
+  ObjectName ParseObjectName();
+  std::vector<std::string> ParseNameList();
+  TypeName ParseType();
+  int ParseTypeArgument();
+  std::int64_t ParseSignedInteger();
+  std::string AcceptAlias();
+  [[nodiscard]] std::string_view TextBetween(std::size_t begin, std::size_t end) const;
+  [[nodiscard]] std::size_t MatchingParen(std::size_t open) const;
+  [[nodiscard]] bool AtQueryInParens() const;
+  void SkipParens();
+  std::vector<ExpressionPtr> ParseValues();
+
+  // parser_expression.cpp
+  ExpressionPtr ParseValue();
+  ExpressionPtr ParseCondition();
+  ExpressionPtr ParseAnd();
+  ExpressionPtr ParseNot();
+  ExpressionPtr ParsePredicate();
+  ExpressionPtr ParseComparison(ExpressionPtr left, CompareOp compare);
+  ExpressionPtr ParseIn(ExpressionPtr left, bool negated);
+  ExpressionPtr ParseArithmetic(int precedence);
+  ExpressionPtr ParseUnary();
+  ExpressionPtr ParsePrimary();
+  ExpressionPtr ParseKeywordPrimary();
+  ExpressionPtr ParseLiteral();
+  ExpressionPtr ParseParens();
+  ExpressionPtr ParseCase();
+  ExpressionPtr ParseCast(bool try_cast);
+  ExpressionPtr ParseConvert(bool try_cast);
+  ExpressionPtr ParseIdentityFunction();
+  ExpressionPtr ParseColumn();
+  ExpressionPtr ParseCall();
+  void ParseArguments(Expression& call);
+  std::unique_ptr<Window> ParseWindow();
+  std::string ParseFrame();
+  std::string ParseFrameBound();
+  std::vector<OrderItem> ParseOrderItems();
+  ExpressionPtr MakeNode(Expression::Kind kind) const;
+  ExpressionPtr MakeNode(Expression::Kind kind, ExpressionPtr operand) const;
+  void RequireCondition(const Expression& expression) const;
+  void RequireValue(const Expression& expression) const;
+
+  // parser_query.cpp
+  QueryPtr ParseQuery();
+  QueryPtr ParseQueryInParens();
+  QueryPtr ParseStatementQuery();
+  std::vector<CommonTable> ParseWith();
+  QueryPtr ParseUnion();
+  QueryPtr ParseIntersect();
+  QueryPtr ParseQueryPrimary();
+  /// @param inserted a value may be DEFAULT
+  QueryPtr ParseRows(bool inserted = false);
+  std::unique_ptr<Select> ParseSelect();
+  SelectItem ParseSelectItem();
+  [[nodiscard]] std::size_t StarAhead() const;
+  void ParseTop(Select& select);
+  ExpressionPtr AcceptStatementTop();
+  void ParseGroupBy(Select& select);
+  void ParseOrderBy(Query& query);
+  std::vector<TableSourcePtr> ParseFrom();
+  TableSourcePtr ParseSource();
+  TableSourcePtr ParseJoins(TableSourcePtr left);
+  TableSourcePtr ParseSourcePrimary();
+  bool AcceptJoin(JoinKind& join);
+  void AcceptTableHints();
+  void AcceptHintList();
+  void AcceptQueryOptions();
+
+  // parser_statement.cpp
+  StatementPtr ParseStatement();
+  StatementPtr ParseKeywordStatement();
+  StatementPtr MakeStatement(Statement::Kind kind) const;
+  StatementPtr ParseSelectStatement();
+  StatementPtr ParseIf();
+  StatementPtr ParseWhile();
+  StatementPtr ParseBegin();
+  StatementPtr ParseTryCatch(StatementPtr statement);
+  std::vector<StatementPtr> ParseStatementsUntilEnd();
+  StatementPtr ParseDeclare();
+  StatementPtr ParseSet();
+  StatementPtr ParseSetOption();
+  StatementPtr ParseReturn();
+  StatementPtr ParseRaiseError();
+  StatementPtr ParseThrow();
+  StatementPtr ParseTransactionEnd(Statement::Kind kind);
+  void AcceptTransactionName(Statement& statement);
+  StatementPtr ParseExecute(bool word_omitted);
+  void ParseExecuteArgument(Statement& statement);
+  StatementPtr ParseWaitFor();
+
+  // parser_modification.cpp
+  StatementPtr ParseInsert();
+  StatementPtr ParseUpdate();
+  StatementPtr ParseDelete();
+  StatementPtr ParseTruncate();
+  ObjectName ParseTarget();
+  void ParseModificationTail(Statement& statement);
+  Assignment ParseAssignment();
+  bool AcceptAssignmentOp(Assignment& assignment);
+  [[nodiscard]] bool AtAssignedColumn() const;
+  void AcceptOutput(Statement& statement);
+
+  // parser_definition.cpp
+  StatementPtr ParseCreate();
+  StatementPtr ParseAlter();
+  StatementPtr ParseDrop();
+  StatementPtr ParseCreateTable();
+  StatementPtr ParseAlterTable();
+  StatementPtr ParseCreateIndex();
+  StatementPtr ParseView(std::size_t begin, bool replace);
+  StatementPtr ParseProcedure(std::size_t begin, bool replace);
+  Parameter ParseParameter();
+  StatementPtr ParseDropIndex();
+  void ParseTableElement(Statement& statement);
+  ColumnDefinition ParseColumnDefinition(std::vector<TableConstraint>& constraints);
+  bool AcceptColumnConstraint(ColumnDefinition& column, std::vector<TableConstraint>& constraints);
+  TableConstraint ParseTableConstraint();
+  void ParseReferences(TableConstraint& constraint);
+  void ParseDefault(ExpressionPtr& value, std::string& text);
+  void ParseCheck(ExpressionPtr& check, std::string& text);
+  std::vector<std::string> ParseKeyColumns();
+  void AcceptIndexOptions();
+  void RequireFirstInBatch(std::string_view what) const;
+
+  static constexpr std::size_t kNoStar = static_cast<std::size_t>(-1);
+
+  std::string_view batch_;
+  const std::vector<Token>& tokens_;
+  const std::vector<Token>& lists_;
+  MemoryBudget* memory_;
+  std::size_t begin_;
+  std::size_t position_;
+  int depth_ = 0;
+  /// The longest chain of the text parsed since the innermost living Chain began; a sum over nested chains.
+  int chain_ = 0;
+  int query_depth_ = 0;
+  int literal_count_ = 0;
+  int list_count_ = 0;
+  /// Where the operator of the last condition stands, to point at when a value was expected.
+  std::size_t condition_at_ = 0;
+};
+
+}  // namespace tessarlorn::tsql

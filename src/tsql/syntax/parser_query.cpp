@@ -1,0 +1,413 @@
+#include <array>
+#include <utility>
+
+#include "platform/text.h"
+#include "tsql/syntax/parser_core.h"
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+// Locks do not differ here: readers see the last committed state, and writers wait for one another.
+constexpr std::array kTableHints = std::to_array<std::string_view>({
+    "nolock",          "readuncommitted", "readcommitted", "readcommittedlock",
+    "repeatableread",  "serializable",    "holdlock",      "snapshot",
+    "readpast",        "rowlock",         "paglock",       "tablock",
+    "tablockx",        "updlock",         "xlock",         "nowait",
+    "fastfirstrow",    "forcescan",       "forceseek",     "noexpand",
+    "index",           "keepidentity",    "keepdefaults",  "ignore_constraints",
+    "ignore_triggers",
+});
+
+// Advice to the planner, by first word.
+constexpr std::array kQueryOptions = std::to_array<std::string_view>({
+    "maxdop",
+    "recompile",
+    "fast",
+    "force",
+    "hash",
+    "loop",
+    "merge",
+    "order",
+    "concat",
+    "keep",
+    "keepfixed",
+    "robust",
+    "expand",
+    "optimize",
+    "querytraceon",
+    "maxrecursion",
+    "use",
+    "max_grant_percent",
+    "min_grant_percent",
+    "parameterization",
+});
+
+template <std::size_t kSize>
+bool Contains(const std::array<std::string_view, kSize>& words, std::string_view word) {
+  for (const std::string_view known : words) {
+    if (EqualsIgnoreCase(known, word)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+QueryPtr Parser::ParseStatementQuery() {
+  QueryPtr query = ParseQuery();
+  AcceptQueryOptions();
+  return query;
+}
+
+QueryPtr Parser::ParseQueryInParens() {
+  Expect(Op::kLeftParen);
+  ++query_depth_;
+  QueryPtr query = ParseQuery();
+  --query_depth_;
+  Expect(Op::kRightParen);
+  return query;
+}
+
+QueryPtr Parser::ParseQuery() {
+  std::vector<CommonTable> with = ParseWith();
+  QueryPtr query = ParseUnion();
+  query->with = std::move(with);
+  ParseOrderBy(*query);
+  if (At("for"_kw)) {
+    if (At("xml"_kw, 1)) Refuse("FOR XML");
+    if (At("json"_kw, 1)) Refuse("FOR JSON");
+    if (At("browse"_kw, 1)) Refuse("FOR BROWSE");
+    Fail();
+  }
+  return query;
+}
+
+std::vector<CommonTable> Parser::ParseWith() {
+  std::vector<CommonTable> tables;
+  if (!Accept("with"_kw)) return tables;
+  do {
+    CommonTable& table = tables.emplace_back();
+    table.name = ParseName();
+    if (At(Op::kLeftParen)) table.columns = ParseNameList();
+    Expect("as"_kw);
+    table.query = ParseQueryInParens();
+  } while (Accept(Op::kComma));
+  return tables;
+}
+
+QueryPtr Parser::ParseUnion() {
+  Chain chain(*this);
+  QueryPtr left = ParseIntersect();
+  while (At("union"_kw) || At("except"_kw)) {
+    chain.AddLink();
+    auto both = std::make_unique<Query>();
+    if (Accept("except"_kw)) {
+      both->set_operator = SetOperator::kExcept;
+    } else {
+      Take();
+      both->set_operator = Accept("all"_kw) ? SetOperator::kUnionAll : SetOperator::kUnion;
+    }
+    both->left = std::move(left);
+    both->right = ParseIntersect();
+    left = std::move(both);
+  }
+  return left;
+}
+
+QueryPtr Parser::ParseIntersect() {
+  Chain chain(*this);
+  QueryPtr left = ParseQueryPrimary();
+  while (Accept("intersect"_kw)) {
+    chain.AddLink();
+    auto both = std::make_unique<Query>();
+    both->set_operator = SetOperator::kIntersect;
+    both->left = std::move(left);
+    both->right = ParseQueryPrimary();
+    left = std::move(both);
+  }
+  return left;
+}
+
+QueryPtr Parser::ParseQueryPrimary() {
+  const Level level(*this);
+  if (At("values"_kw) && query_depth_ > 0) return ParseRows();
+  if (Accept(Op::kLeftParen)) {
+    QueryPtr query = ParseUnion();
+    Expect(Op::kRightParen);
+    return query;
+  }
+  auto query = std::make_unique<Query>();
+  query->select = ParseSelect();
+  return query;
+}
+
+QueryPtr Parser::ParseRows(bool inserted) {
+  auto query = std::make_unique<Query>();
+  Expect("values"_kw);
+  do {
+    Expect(Op::kLeftParen);
+    std::vector<ExpressionPtr>& row = query->rows.emplace_back();
+    do {
+      const bool is_default = inserted && At("default"_kw) && (At(Op::kComma, 1) || At(Op::kRightParen, 1));
+      row.push_back(is_default ? MakeNode(Expression::Kind::kColumn) : ParseValue());
+      if (is_default) row.back()->parts.push_back(LowerCase(Take().text));
+    } while (Accept(Op::kComma));
+    Expect(Op::kRightParen);
+  } while (Accept(Op::kComma));
+  return query;
+}
+
+std::unique_ptr<Select> Parser::ParseSelect() {
+  auto select = std::make_unique<Select>();
+  select->line = Peek().line;
+  Expect("select"_kw);
+  select->distinct = Accept("distinct"_kw);
+  if (!select->distinct) Accept("all"_kw);
+  if (Accept("top"_kw)) ParseTop(*select);
+  do {
+    select->items.push_back(ParseSelectItem());
+  } while (Accept(Op::kComma));
+  if (At("into"_kw) && query_depth_ == 0) {
+    Take();
+    select->into = ParseObjectName();
+  }
+  if (Accept("from"_kw)) select->from = ParseFrom();
+  if (Accept("where"_kw)) {
+    if (At("current"_kw)) Refuse("WHERE CURRENT OF");
+    select->where = ParseCondition();
+  }
+  if (Accept("group"_kw)) ParseGroupBy(*select);
+  if (Accept("having"_kw)) select->having = ParseCondition();
+  return select;
+}
+
+SelectItem Parser::ParseSelectItem() {
+  SelectItem item;
+  if (const std::size_t star = StarAhead(); star != kNoStar) {
+    item.expression = MakeNode(Expression::Kind::kStar);
+    if (star > 0) item.expression->parts.push_back(Unquote(Peek(star - 2)));
+    while (!Accept(Op::kStar)) Take();
+    return item;
+  }
+  if (Peek().kind == TokenKind::kVariable && query_depth_ == 0) {
+    const std::size_t variable_at = position_;
+    Assignment assignment;
+    Take();
+    if (AcceptAssignmentOp(assignment)) {
+      item.variable = LowerCase(tokens_[variable_at].text);
+      item.expression = ParseValue();
+      if (assignment.is_compound) {
+        // @v += e is @v = @v + e
+        ExpressionPtr variable = MakeNode(Expression::Kind::kVariable);
+        variable->text = item.variable;
+        ExpressionPtr sum = MakeNode(Expression::Kind::kBinary, std::move(variable));
+        sum->binary = assignment.compound;
+        sum->operands.push_back(std::move(item.expression));
+        item.expression = std::move(sum);
+      }
+      return item;
+    }
+    position_ = variable_at;
+  }
+  const bool text = Peek().kind == TokenKind::kString || Peek().kind == TokenKind::kNString;
+  if ((AtName() || text) && At(Op::kEqual, 1)) {
+    item.alias = Unquote(Take());
+    Take();
+    item.expression = ParseValue();
+    return item;
+  }
+  item.expression = ParseValue();
+  item.alias = AcceptAlias();
+  return item;
+}
+
+// How many tokens ahead the * of "*" or "[schema.]table.*" stands, or kNoStar.
+std::size_t Parser::StarAhead() const {
+  std::size_t ahead = 0;
+  while (AtName(ahead) && At(Op::kDot, ahead + 1)) ahead += 2;
+  return At(Op::kStar, ahead) ? ahead : kNoStar;
+}
+
+void Parser::ParseTop(Select& select) {
+  if (Accept(Op::kLeftParen)) {
+    select.top = ParseValue();
+    Expect(Op::kRightParen);
+  } else {
+    if (!AtLiteral()) Fail();
+    select.top = ParseLiteral();
+  }
+  select.top_percent = Accept("percent"_kw);
+  if (AcceptBoth("with"_kw, "ties"_kw)) select.top_with_ties = true;
+}
+
+// TOP of UPDATE and DELETE.
+ExpressionPtr Parser::AcceptStatementTop() {
+  if (!Accept("top"_kw)) return nullptr;
+  Select select;
+  ParseTop(select);
+  if (select.top_percent) Refuse("TOP … PERCENT outside of SELECT");
+  return std::move(select.top);
+}
+
+void Parser::ParseGroupBy(Select& select) {
+  Expect("by"_kw);
+  if (At("all"_kw)) Refuse("GROUP BY ALL");
+  if (At("grouping"_kw) && At("sets"_kw, 1)) Refuse("GROUPING SETS");
+  if (At("rollup"_kw) && At(Op::kLeftParen, 1)) Refuse("ROLLUP");
+  if (At("cube"_kw) && At(Op::kLeftParen, 1)) Refuse("CUBE");
+  select.group_by = ParseValues();
+  if (At("with"_kw) && (At("rollup"_kw, 1) || At("cube"_kw, 1))) Refuse("GROUP BY … WITH " + UpperCase(Peek(1).text));
+}
+
+void Parser::ParseOrderBy(Query& query) {
+  if (!Accept("order"_kw)) return;
+  Expect("by"_kw);
+  query.order_by = ParseOrderItems();
+  if (!Accept("offset"_kw)) return;
+  query.offset = ParseValue();
+  if (!Accept("row"_kw)) Expect("rows"_kw);
+  if (!Accept("fetch"_kw)) return;
+  if (!Accept("first"_kw)) Expect("next"_kw);
+  query.fetch = ParseValue();
+  if (!Accept("row"_kw)) Expect("rows"_kw);
+  Expect("only"_kw);
+}
+
+std::vector<TableSourcePtr> Parser::ParseFrom() {
+  std::vector<TableSourcePtr> sources;
+  do {
+    sources.push_back(ParseSource());
+  } while (Accept(Op::kComma));
+  return sources;
+}
+
+TableSourcePtr Parser::ParseSource() {
+  TableSourcePtr source = ParseJoins(ParseSourcePrimary());
+  if (At("pivot"_kw)) Refuse("PIVOT");
+  if (At("unpivot"_kw)) Refuse("UNPIVOT");
+  return source;
+}
+
+TableSourcePtr Parser::ParseJoins(TableSourcePtr left) {
+  const Level level(*this);
+  Chain chain(*this);
+  JoinKind join = JoinKind::kInner;
+  while (AcceptJoin(join)) {
+    chain.AddLink();
+    auto both = std::make_unique<TableSource>();
+    both->kind = TableSource::Kind::kJoin;
+    both->line = left->line;
+    both->join = join;
+    both->left = std::move(left);
+    both->right = ParseSourcePrimary();
+    if (join != JoinKind::kCross) {
+      // a JOIN b JOIN c ON … ON …: the first ON belongs to the join of b and c.
+      if (!At("on"_kw)) both->right = ParseJoins(std::move(both->right));
+      Expect("on"_kw);
+      both->on = ParseCondition();
+    }
+    left = std::move(both);
+  }
+  return left;
+}
+
+bool Parser::AcceptJoin(JoinKind& join) {
+  if (At("cross"_kw) && At("apply"_kw, 1)) Refuse("CROSS APPLY");
+  if (At("outer"_kw) && At("apply"_kw, 1)) Refuse("OUTER APPLY");
+  if (AcceptBoth("cross"_kw, "join"_kw)) {
+    join = JoinKind::kCross;
+    return true;
+  }
+  join = JoinKind::kInner;
+  if (Accept("join"_kw)) return true;
+  if (At("left"_kw) || At("right"_kw) || At("full"_kw)) {
+    join = At("left"_kw) ? JoinKind::kLeft : At("right"_kw) ? JoinKind::kRight : JoinKind::kFull;
+    Take();
+    Accept("outer"_kw);
+  } else if (!Accept("inner"_kw)) {
+    return false;
+  }
+  constexpr std::array kJoinHints = {"loop"_kw, "hash"_kw, "merge"_kw, "remote"_kw};
+  if (AtAny(kJoinHints)) Take();
+  Expect("join"_kw);
+  return true;
+}
+
+TableSourcePtr Parser::ParseSourcePrimary() {
+  const Level level(*this);
+  auto source = std::make_unique<TableSource>();
+  source->line = Peek().line;
+  if (At(Op::kLeftParen) && !AtQueryInParens()) {
+    Take();
+    source = ParseSource();
+    Expect(Op::kRightParen);
+    return source;
+  }
+  if (At(Op::kLeftParen)) {
+    source->kind = TableSource::Kind::kDerived;
+    source->query = ParseQueryInParens();
+    source->alias = AcceptAlias();
+    if (source->alias.empty()) Fail();
+    if (At(Op::kLeftParen)) source->column_aliases = ParseNameList();
+    return source;
+  }
+  if (Peek().kind == TokenKind::kVariable) Refuse("A table variable");
+  constexpr std::array kRowsets = {"openquery"_kw,      "openrowset"_kw,    "openxml"_kw,
+                                   "opendatasource"_kw, "containstable"_kw, "freetexttable"_kw};
+  if (AtAny(kRowsets)) Refuse(UpperCase(Peek().text));
+  source->table = ParseObjectName();
+  if (At(Op::kLeftParen) && !Contains(kTableHints, Peek(1).text)) {
+    Refuse("The table-valued function " + source->table.name);
+  }
+  if (At("for"_kw) && At("system_time"_kw, 1)) Refuse("FOR SYSTEM_TIME");
+  AcceptTableHints();
+  source->alias = AcceptAlias();
+  if (At("tablesample"_kw)) Refuse("TABLESAMPLE");
+  AcceptTableHints();
+  return source;
+}
+
+void Parser::AcceptTableHints() {
+  if (At("with"_kw) && At(Op::kLeftParen, 1)) Take();
+  if (At(Op::kLeftParen)) AcceptHintList();
+}
+
+void Parser::AcceptHintList() {
+  Expect(Op::kLeftParen);
+  do {
+    if (!Contains(kTableHints, Peek().text)) {
+      RaiseAt(321, "\"" + std::string(Peek().text) +
+                       "\" is not a recognized table hints option. If it is intended as a parameter to a table-valued "
+                       "function or to the CHANGETABLE function, ensure that your database compatibility mode is set "
+                       "to 90.");
+    }
+    Take();
+    if (At(Op::kLeftParen)) {
+      SkipParens();
+    } else if (Accept(Op::kEqual)) {
+      Take();
+    }
+    Accept(Op::kComma);
+  } while (!At(Op::kRightParen));
+  Take();
+}
+
+void Parser::AcceptQueryOptions() {
+  if (!Accept("option"_kw)) return;
+  if (!At(Op::kLeftParen)) Fail();
+  const std::size_t close = MatchingParen(position_);
+  do {
+    Take();
+    if (Peek().kind != TokenKind::kWord || !Contains(kQueryOptions, Peek().text)) Fail();
+    while (position_ < close && !At(Op::kComma)) {
+      if (At(Op::kLeftParen)) {
+        SkipParens();
+      } else {
+        Take();
+      }
+    }
+  } while (At(Op::kComma));
+  Expect(Op::kRightParen);
+}
+
+}  // namespace tessarlorn::tsql

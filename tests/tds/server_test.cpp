@@ -1,0 +1,322 @@
+// The served database under clients that come and go, with garbage among them.
+#include <arpa/inet.h>
+#include <chrono>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <list>
+#include <netinet/in.h>
+#include <poll.h>
+#include <random>
+#include <sys/socket.h>
+
+#include "tds/server_support.h"
+#include "tds/tds_support.h"
+
+namespace tessarlorn::tds {
+namespace {
+
+using testing::HasSubstr;
+
+/// A socket of a client.
+class Client {
+ public:
+  explicit Client(int port) : descriptor_(socket(AF_INET, SOCK_STREAM, 0)) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    connected_ = connect(descriptor_, static_cast<sockaddr*>(static_cast<void*>(&address)), sizeof address) == 0;
+  }
+  Client(const Client&) = delete;
+  Client& operator=(const Client&) = delete;
+  ~Client() { close(descriptor_); }
+
+  [[nodiscard]] bool connected() const { return connected_; }
+  void Send(std::string_view bytes) const { (void)send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
+  /// What comes up to the end of a message, or of the connection.
+  [[nodiscard]] std::string Receive() {
+    for (std::size_t end = 0;;) {
+      while (arrived_.size() >= end + kPacketHeaderSize) {
+        const bool last = arrived_[end + 1] == 1;
+        const std::size_t next = end + ((static_cast<std::size_t>(static_cast<std::uint8_t>(arrived_[end + 2])) << 8) |
+                                        static_cast<std::uint8_t>(arrived_[end + 3]));
+        if (arrived_.size() < next) break;
+        end = next;
+        if (!last) continue;
+        std::string message = arrived_.substr(0, end);
+        arrived_.erase(0, end);
+        return message;
+      }
+      std::array<char, 4096> buffer{};
+      const ssize_t size = recv(descriptor_, buffer.data(), buffer.size(), 0);
+      if (size <= 0) return std::exchange(arrived_, {});
+      arrived_.append(buffer.data(), static_cast<std::size_t>(size));
+    }
+  }
+  /// Whether the server ends the connection within ten seconds.
+  [[nodiscard]] bool IsEnded() const {
+    pollfd wanted{descriptor_, POLLIN | POLLRDHUP, 0};
+    std::array<char, 4096> buffer{};
+    while (poll(&wanted, 1, 10'000) > 0) {
+      if (recv(descriptor_, buffer.data(), buffer.size(), 0) <= 0) return true;
+    }
+    return false;
+  }
+
+ private:
+  int descriptor_;
+  bool connected_ = false;
+  std::string arrived_;
+};
+
+/// Bytes of memory that the process holds.
+std::size_t ResidentMemory(pid_t process) {
+  std::ifstream in("/proc/" + std::to_string(process) + "/statm");
+  std::size_t total = 0;
+  std::size_t resident = 0;
+  in >> total >> resident;
+  return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+/// How many descriptors ("fd") or threads ("task") the server has.
+std::size_t Entries(const ServerProcess& server, const std::string& kind) {
+  const std::filesystem::directory_iterator entries("/proc/" + std::to_string(server.process()) + "/" + kind);
+  return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+/// Waits until those of the clients that left have ended, ten seconds at most.
+void WaitForThreads(const ServerProcess& server, std::size_t threads) {
+  for (int i = 0; i < 1000 && Entries(server, "task") > threads; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  EXPECT_EQ(Entries(server, "task"), threads);
+}
+
+std::size_t Count(std::string_view text, std::string_view part) {
+  std::size_t count = 0;
+  for (std::size_t at = text.find(part); at != std::string_view::npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}
+
+std::string Garbage(std::mt19937& random) {
+  std::string bytes(random() % 3000, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(random());
+  return bytes;
+}
+
+/// Two hundred clients at once: most log in and read, one in four sends garbage before or behind its login.
+void ComeAndGo(int port, std::mt19937& random) {
+  std::vector<std::unique_ptr<Client>> clients;
+  for (int i = 0; i < 200; ++i) {
+    clients.push_back(std::make_unique<Client>(port));
+    ASSERT_TRUE(clients.back()->connected());
+    clients.back()->Send(i % 8 == 3 ? Garbage(random) : LoginMessage());
+  }
+  for (std::size_t i = 0; i < clients.size(); ++i) {
+    if (i % 8 == 3) continue;
+    EXPECT_THAT(clients[i]->Receive(), HasSubstr(Wide("main")));
+    clients[i]->Send(i % 8 == 7 ? Garbage(random) : BatchMessage("select top 5 * from IC_Web2ERPOrders order by FID"));
+  }
+  for (std::size_t i = 0; i < clients.size(); ++i) {
+    if (i % 4 == 3) continue;
+    EXPECT_THAT(clients[i]->Receive(), HasSubstr(Wide("FOrderID")));
+  }
+}
+
+/// TESSARLORN_SOAK_SECONDS=60 makes it last a minute.
+TEST(ServerThreads, KeepsItsMemoryWhileClientsComeAndGo) {
+  // Threads that share their memory leave less of it unused.
+  setenv("MALLOC_ARENA_MAX", "1", 1);
+  const ServerProcess server({"--max-connections", "1000"});
+  unsetenv("MALLOC_ARENA_MAX");
+  const std::size_t threads = Entries(server, "task");
+  std::mt19937 random(7);
+  const auto come_and_go = [&] {
+    ComeAndGo(server.port(), random);
+    WaitForThreads(server, threads);
+  };
+  for (int i = 0; i < 5; ++i) come_and_go();
+  const std::size_t before = ResidentMemory(server.process());
+  const std::size_t descriptors = Entries(server, "fd");
+  const char* const seconds = std::getenv("TESSARLORN_SOAK_SECONDS");
+  const auto until =
+      std::chrono::steady_clock::now() + std::chrono::seconds(seconds == nullptr ? 0 : std::stoi(seconds));
+  int rounds = 0;
+  do {
+    come_and_go();
+  } while (++rounds < 3 || std::chrono::steady_clock::now() < until);
+  const std::size_t after = ResidentMemory(server.process());
+  // The sanitizers keep what was freed.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  constexpr std::size_t kBound = std::size_t{1} << 30;
+#else
+  constexpr std::size_t kBound = std::size_t{16} << 20;
+#endif
+  EXPECT_LT(after, before + kBound) << "after " << rounds << " rounds, before " << before;
+  // The database keeps a descriptor of its file for each client that was there at once, and uses it again: a round may
+  // have more of them at once than those before.
+  EXPECT_LE(Entries(server, "fd"), descriptors + 200);
+  RecordProperty("rounds", rounds);
+  RecordProperty("growth", std::to_string(after) + " of " + std::to_string(before));
+}
+
+TEST(ServerThreads, ADatabaseInMemoryLivesAsLongAsTheServer) {
+  const ServerProcess server({}, "Embedded=:memory:kept");
+  const std::size_t threads = Entries(server, "task");
+  for (const char* batch : {"create table T (n int) insert T values (7)", "select n from T"}) {
+    std::string answer;
+    {
+      Client client(server.port());
+      client.Send(LoginMessage() + BatchMessage(batch));
+      EXPECT_THAT(client.Receive(), HasSubstr(Wide("main")));
+      answer = client.Receive();
+    }
+    WaitForThreads(server, threads);
+    EXPECT_THAT(answer, testing::Not(HasSubstr("\xAA"))) << batch;
+  }
+}
+
+TEST(ServerThreads, WhatALeavingClientHadBegunIsRolledBackAtOnce) {
+  const ServerProcess server;
+  Client staying(server.port());
+  staying.Send(LoginMessage());
+  EXPECT_THAT(staying.Receive(), HasSubstr(Wide("main")));
+  staying.Send(BatchMessage("create table T (n int)"));
+  (void)staying.Receive();
+  {
+    Client leaving(server.port());
+    leaving.Send(LoginMessage() + BatchMessage("begin tran insert T values (1)"));
+    (void)leaving.Receive();
+    (void)leaving.Receive();
+  }
+  // It waits for the lock as long as a writer does; nobody else comes meanwhile.
+  staying.Send(BatchMessage("insert T values (2) select n + 70 n from T"));
+  const std::string answer = staying.Receive();
+  EXPECT_THAT(answer, testing::Not(HasSubstr("\xAA")));
+  EXPECT_THAT(answer, HasSubstr(std::string("\xD1\x04\x48\x00\x00\x00", 6)));
+}
+
+TEST(ServerThreads, ABatchEndsWithItsClientWhateverElseTheClientSent) {
+  const ServerProcess server;
+  // Half a packet's head; more of the next request than is read meanwhile.
+  for (const std::string& more : {std::string("\x01"), BatchMessage(std::string(50'000, ' '))}) {
+    const std::size_t gone = Count(server.Log(), "the client went away");
+    {
+      Client client(server.port());
+      client.Send(LoginMessage());
+      EXPECT_THAT(client.Receive(), HasSubstr(Wide("main")));
+      client.Send(BatchMessage("declare @n int = 0; while 1 = 1 set @n = @n + 1") + more);
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    for (int i = 0; i < 1000 && Count(server.Log(), "the client went away") == gone; ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    EXPECT_EQ(Count(server.Log(), "the client went away"), gone + 1) << more.size();
+  }
+}
+
+TEST(ServerThreads, KeepsToItsLimits) {
+  const ServerProcess server(
+      {"--max-connections", "2", "--login-timeout", "1", "--idle-timeout", "1", "--send-timeout", "1"});
+  const Client silent(server.port());
+  EXPECT_TRUE(silent.IsEnded());
+  EXPECT_TRUE(server.WaitForLog("did not come within 1 seconds"));
+  {
+    Client first(server.port());
+    first.Send(LoginMessage());
+    EXPECT_THAT(first.Receive(), HasSubstr(Wide("main")));
+    Client second(server.port());
+    second.Send(LoginMessage());
+    EXPECT_THAT(second.Receive(), HasSubstr(Wide("main")));
+    Client third(server.port());
+    third.Send(LoginMessage());
+    EXPECT_THAT(third.Receive(), HasSubstr(Wide("maximum number of '2' user connections")));
+    EXPECT_TRUE(server.WaitForLog("there are 2 clients already"));
+    EXPECT_TRUE(first.IsEnded()) << "idle";
+  }
+  // Many megabytes for a client that reads nothing. On a busy machine the two that went are counted for a while.
+  std::unique_ptr<Client> slow;
+  std::string answer;
+  for (int i = 0; i < 1000 && answer.empty(); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    slow = std::make_unique<Client>(server.port());
+    slow->Send(LoginMessage());
+    answer = slow->Receive();
+  }
+  EXPECT_THAT(answer, HasSubstr(Wide("main")));
+  slow->Send(
+      BatchMessage("declare @t nvarchar(max) = replicate(cast('x' as nvarchar(max)), 8000) "
+                   "select @t a from IC_Web2ERPOrders x cross join IC_Web2ERPOrders y"));
+  EXPECT_TRUE(server.WaitForLog("the client does not read what it asked for"));
+}
+
+TEST(ServerThreads, SilentConnectionsLeavePlaceForLogins) {
+  const ServerProcess server({"--max-connections", "1"});
+  std::list<Client> silent;
+  for (int i = 0; i < 100; ++i) silent.emplace_back(server.port());
+  Client client(server.port());
+  client.Send(LoginMessage());
+  EXPECT_THAT(client.Receive(), HasSubstr(Wide("main")));
+  EXPECT_TRUE(silent.front().IsEnded());
+  EXPECT_TRUE(server.WaitForLog("the oldest one is dropped"));
+  EXPECT_EQ(Count(server.Log(), "the oldest one is dropped"), 1U);
+}
+
+TEST(ServerThreads, ALoginHasOneTimeHoweverItComes) {
+  std::vector<std::string> options = CertificateOptions();
+  options.insert(options.end(), {"--login-timeout", "1"});
+  const ServerProcess server(options);
+  Client empty(server.port());
+  empty.Send(PreLoginMessage(1) + ClientMessage(PacketType::kPreLogin, ""));
+  EXPECT_TRUE(empty.IsEnded());
+  EXPECT_TRUE(server.WaitForLog("TLS was agreed, and did not begin"));
+  // A handshake of half a thousand bytes, one at a time.
+  Client slow(server.port());
+  slow.Send(PreLoginMessage(1) + ClientMessage(PacketType::kPreLogin, std::string("\x16\x03\x01\x02\x00", 5)));
+  for (int i = 0; i < 100 && Count(server.Log(), "did not come within 1 seconds") == 0; ++i) {
+    slow.Send(ClientMessage(PacketType::kPreLogin, "\x01"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  }
+  EXPECT_TRUE(slow.IsEnded());
+  EXPECT_THAT(server.Log(), HasSubstr("did not come within 1 seconds"));
+}
+
+TEST(ServerThreads, AClientThatDoesNotReadKeepsNoServer) {
+  ServerProcess server({"--send-timeout", "3600"});
+  Client slow(server.port());
+  slow.Send(LoginMessage() + BatchMessage("declare @t nvarchar(max) = replicate(cast('x' as nvarchar(max)), 30000000)\n"
+                                          "print 'made'\nselect @t a"));
+  EXPECT_THAT(slow.Receive(), HasSubstr(Wide("main")));
+  std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  kill(server.process(), SIGINT);
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  EXPECT_EQ(server.Stop(SIGINT), 0);
+}
+
+TEST(ServerThreads, AnAttentionEndsTheBatchAndKeepsTheSession) {
+  const ServerProcess server;
+  Client client(server.port());
+  client.Send(LoginMessage());
+  EXPECT_THAT(client.Receive(), HasSubstr(Wide("main")));
+  TdsWriter acknowledged;
+  acknowledged.Put(Done{Token::kDone, kDoneAttention, 0, 0});
+  for (const char* batch : {"declare @n int = 0; while 1 = 1 set @n = @n + 1", "waitfor delay '01:00:00'",
+                            "select count(*) n from IC_Web2ERPOrders a cross join IC_Web2ERPOrders b cross join "
+                            "IC_Web2ERPOrders c cross join IC_Web2ERPOrders d cross join IC_Web2ERPOrders e"}) {
+    client.Send(BatchMessage(batch));
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    client.Send(ClientMessage(PacketType::kAttention, ""));
+    (void)client.Receive();
+    EXPECT_EQ(Payload(client.Receive()), acknowledged.bytes()) << batch;
+    // One that comes together with the batch that it ends.
+    client.Send(BatchMessage(batch) + ClientMessage(PacketType::kAttention, ""));
+    (void)client.Receive();
+    EXPECT_EQ(Payload(client.Receive()), acknowledged.bytes()) << batch;
+  }
+  client.Send(BatchMessage("select 1 a"));
+  EXPECT_THAT(client.Receive(), HasSubstr(std::string("\xD1\x04\x01\x00\x00\x00", 6)));
+}
+
+}  // namespace
+}  // namespace tessarlorn::tds

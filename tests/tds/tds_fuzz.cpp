@@ -1,0 +1,156 @@
+// Any bytes of a client, before and behind its login, in its TLS handshake and while a batch runs: they are answered or
+// end the connection, and nothing else.
+#include <array>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include "drivers/embedded/embedded_driver.h"
+#include "hosts/tds/client_session.h"
+#include "hosts/tds/transport/socket.h"
+#include "tds/tds_support.h"
+
+namespace {
+
+using namespace tessarlorn;
+
+tds::ClientSession* running = nullptr;
+int seconds_running = 0;
+
+/// Batches that do not end are no fault; an input is one that goes on when they are cancelled.
+void EndRunning(int) {
+  if (running == nullptr) return;
+  if (++seconds_running == 10) std::abort();
+  running->Stop();
+  running->CancelIfWanted();
+  alarm(1);
+}
+
+std::shared_ptr<const tds::TlsContext> MakeCertificate(const std::string& file) {
+  const std::string line = "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=fuzz -keyout '" + file +
+                           ".key' -out '" + file + ".crt' 2>/dev/null";
+  if (std::system(line.c_str()) != 0) std::abort();
+  auto context = std::make_shared<tds::TlsContext>(file + ".crt", file + ".key");
+  std::filesystem::remove(file + ".crt");
+  std::filesystem::remove(file + ".key");
+  return context;
+}
+
+const tds::Service& TheService() {
+  static const tds::Service service = [] {
+    std::signal(SIGALRM, EndRunning);
+    RegisterEmbeddedDriver();
+    const std::string file =
+        (std::filesystem::temp_directory_path() / ("tds_fuzz_" + std::to_string(getpid()))).string();
+    tds::AddUser(file, "ann", "s3cret", 1);
+    tds::Service made;
+    made.users = tds::Users::Read(file);
+    std::filesystem::remove(file);
+    made.tls = MakeCertificate(file);
+    made.database_string = "Embedded=:memory:fuzz";
+    made.log = [](const std::string& line) {
+      if (line.starts_with("fuzz: failed: ") || line.starts_with("fuzz: inner error: ")) std::abort();
+    };
+    made.gate->Stop();  // failed logins wait for nothing
+    made.limits.message = std::size_t{1} << 20;
+    made.limits.idle = std::chrono::milliseconds(20);
+    made.limits.send = std::chrono::milliseconds(200);
+    return made;
+  }();
+  return service;
+}
+
+void Run(tds::ByteStream& stream, tds::Watcher* watcher) {
+  tds::ClientSession session(stream, TheService(), "fuzz", watcher);
+  seconds_running = 0;
+  running = &session;
+  alarm(1);
+  session.Run();
+  alarm(0);
+  running = nullptr;
+}
+
+/// The alarm is for the thread that runs sessions.
+std::unique_ptr<tds::Watcher> MakeWatcher() {
+  sigset_t alarms;
+  sigemptyset(&alarms);
+  sigaddset(&alarms, SIGALRM);
+  pthread_sigmask(SIG_BLOCK, &alarms, nullptr);
+  auto watcher = std::make_unique<tds::Watcher>();
+  pthread_sigmask(SIG_UNBLOCK, &alarms, nullptr);
+  return watcher;
+}
+
+/// The bytes come over a socket while a batch runs, long enough that the watcher looks at them.
+void RunWatched(std::string_view rest, bool hangs_up) {
+  static const std::unique_ptr<tds::Watcher> watcher = MakeWatcher();
+  std::array<int, 2> pair{};
+  if (socketpair(AF_UNIX, SOCK_STREAM, 0, pair.data()) != 0) std::abort();
+  const tds::Descriptor client(pair[1]);
+  tds::Socket stream(tds::Descriptor(pair[0]), TheService().limits.send);
+  const std::string input = tds::LoginMessage() + tds::BatchMessage("waitfor delay '00:00:00.050'");
+  for (const std::string_view part : {std::string_view(input), rest}) {
+    (void)send(client.get(), part.data(), part.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+  }
+  if (hangs_up) shutdown(client.get(), SHUT_WR);
+  Run(stream, watcher.get());
+}
+
+}  // namespace
+
+// The first byte tells how the rest is meant: as it is, behind a login, as the payload of one kind of message, or
+// as what comes while a batch runs.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  if (size == 0 || size > 16'384) return 0;
+  const std::string rest(reinterpret_cast<const char*>(data) + 1, size - 1);
+  using tds::PacketType;
+  std::string input;
+  switch (data[0] % 10) {
+    case 0:
+      input = rest;
+      break;
+    case 1:
+      input = tds::LoginMessage() + rest;
+      break;
+    case 2:
+      input = tds::ClientMessage(PacketType::kPreLogin, rest) + tds::LoginMessage();
+      break;
+    case 3:
+      input = tds::ClientMessage(PacketType::kLogin7, rest);
+      break;
+    case 4:
+      input = tds::LoginMessage() + tds::ClientMessage(PacketType::kTransactionManager, rest);
+      break;
+    case 5:
+      input = tds::PreLoginMessage(1) + tds::ClientMessage(PacketType::kPreLogin, rest);
+      break;
+    case 7: {
+      tds::LoginWords words;
+      words.version = tds::kTds71;
+      input = tds::LoginMessage(words) + tds::ClientMessage(PacketType::kRpc, rest);
+      break;
+    }
+    case 8: {
+      const std::string bulk =
+          "create table B (a int, b nvarchar(10) default 'x') insert bulk B (a int, b nvarchar(10))";
+      input = tds::LoginMessage() + tds::BatchMessage(bulk.substr(0, 50)) + tds::BatchMessage(bulk.substr(51)) +
+              tds::ClientMessage(PacketType::kBulkLoad, rest) + tds::BatchMessage("drop table B");
+      break;
+    }
+    case 6:
+      RunWatched(rest, data[0] >= 128);
+      return 0;
+    default: {
+      tds::TdsWriter headers;
+      tds::WriteHeaders(headers);
+      input = tds::LoginMessage() + tds::ClientMessage(PacketType::kRpc, headers.bytes() + rest);
+    }
+  }
+  tds::MemoryStream stream(input);
+  Run(stream, nullptr);
+  return 0;
+}

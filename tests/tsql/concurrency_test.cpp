@@ -1,0 +1,197 @@
+// Several threads and processes on one database file: locks are waited for, commits outlive a kill.
+#include <atomic>
+#include <chrono>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+#include "support/temporary_folder.h"
+#include "tsql/database_support.h"
+
+namespace tessarlorn {
+namespace {
+
+std::int32_t Number(Connection& connection, std::string_view query) {
+  return connection.Execute(query)->Get(0).ToInt32();
+}
+
+TEST(EmbeddedThreads, WritersWaitForEachOtherAndLoseNothing) {
+  const TemporaryFolder folder;
+  const std::string file = folder.file("counter.db");
+  OpenEmbedded(file)->Execute("create table n (FID int not null primary key, FValue int) insert n values (1, 0)");
+  constexpr int kThreads = 4;
+  constexpr int kRounds = 100;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&file] {
+      const auto connection = OpenConnection("Embedded=" + file + ";Synchronous=Normal");
+      for (int i = 0; i < kRounds; ++i) {
+        // Read and write in one statement, and in a transaction of two batches.
+        connection->Execute(
+            "declare @v int if exists (select 1 from n where FID = 1) update n set @v = FValue, FValue = FValue + 1 where FID = 1");
+        connection->BeginTransaction();
+        connection->Execute("update n set FValue = FValue + 1");
+        connection->Execute("update n set FValue = FValue + 1");
+        connection->CommitTransaction();
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(Number(*OpenEmbedded(file), "select FValue from n"), kThreads * kRounds * 3);
+}
+
+TEST(EmbeddedThreads, ReadersSeeTheLastCommitAndDoNotWait) {
+  const TemporaryFolder folder;
+  const std::string file = folder.file("read.db");
+  const auto writer = OpenEmbedded(file);
+  writer->Execute("create table n (FValue int) insert n values (1)");
+  writer->BeginTransaction();
+  writer->Execute("update n set FValue = 2");
+  std::thread([&file] {
+    EXPECT_EQ(Number(*OpenConnection("Embedded=" + file + ";Timeout=0"), "select FValue from n"), 1);
+  }).join();
+  EXPECT_EQ(Number(*writer, "select FValue from n"), 2);
+  writer->RollbackTransaction();
+  EXPECT_EQ(Number(*writer, "select FValue from n"), 1);
+}
+
+TEST(EmbeddedThreads, AReaderWaitsForAProgramThatClosesTheFile) {
+  const TemporaryFolder folder;
+  const std::string file = folder.file("closing.db");
+  OpenEmbedded(file)->Execute("create table n (FValue int) insert n values (1)");
+  sqlite3* closing = nullptr;
+  ASSERT_EQ(sqlite3_open(file.c_str(), &closing), SQLITE_OK);
+  sqlite3_exec(closing, "PRAGMA locking_mode = EXCLUSIVE; SELECT * FROM n", nullptr, nullptr, nullptr);
+  std::thread closer([closing] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    sqlite3_close(closing);
+  });
+  EXPECT_EQ(Answer(*OpenConnection("Embedded=" + file + ";Timeout=0"), "select FValue from n"), "FValue;1");
+  closer.join();
+}
+
+TEST(EmbeddedThreads, DefinitionsOfOthersAreSeenByWhoeverWaited) {
+  const TemporaryFolder folder;
+  const std::string file = folder.file("defined.db");
+  const auto one = OpenEmbedded(file);
+  const auto other = OpenEmbedded(file);
+  one->Execute("create table m (v decimal(9,2))");
+  constexpr const char* kBatch = "insert into m values (1.5) select v from m";
+  EXPECT_EQ(Answer(*other, kBatch), "v;1.50");
+  for (const auto& [type, answer] : {std::pair("decimal(9,4)", "v;1.5000"), std::pair("varchar(10)", "v;1.5"),
+                                     std::pair("datetime", "v;1900-01-02 12:00:00"), std::pair("int", "v;1")}) {
+    one->BeginTransaction();
+    one->Execute(std::string("drop table m create table m (v ") + type + ")");
+    std::string got;
+    std::thread waiting([&] { got = Answer(*other, kBatch); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    one->CommitTransaction();
+    waiting.join();
+    EXPECT_EQ(got, answer);
+  }
+  // A batch that reads twice reads what stands then.
+  std::vector<std::string> answers;
+  std::thread reading([&] {
+    other->ExecuteAll("select v from m waitfor delay '0:0:0.2' select v from m",
+                      [&](const RecordsetPtr& rows) { answers.push_back(TextOf(rows)); });
+  });
+  std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  one->Execute("drop table m create table m (v decimal(9,4)) insert into m values (1.5)");
+  reading.join();
+  EXPECT_THAT(answers, testing::ElementsAre("v;1", "v;1.5000"));
+}
+
+TEST(EmbeddedThreads, AWriterThatWaitsTooLongIsTold) {
+  const TemporaryFolder folder;
+  const std::string file = folder.file("locked.db");
+  const auto holder = OpenEmbedded(file);
+  holder->Execute("create table n (FValue int)");
+  holder->BeginTransaction();
+  holder->Execute("insert n values (1)");
+  std::thread([&file] {
+    const auto other = OpenConnection("Embedded=" + file + ";Timeout=0");
+    EXPECT_THAT(Answer(*other, "insert n values (2)"),
+                testing::HasSubstr("error 1222: Lock request time out period exceeded"));
+  }).join();
+  holder->CommitTransaction();
+  EXPECT_EQ(Answer(*holder, "insert n values (3)"), "");
+}
+
+TEST(EmbeddedThreads, AWaitForALockEndsWhenItsClientSaysSo) {
+  const TemporaryFolder folder;
+  const std::string file = folder.file("awaited.db");
+  const auto holder = OpenEmbedded(file);
+  holder->Execute("create table n (FValue int)");
+  holder->BeginTransaction();
+  holder->Execute("insert n values (1)");
+  const auto begin = std::chrono::steady_clock::now();
+  std::thread([&file] {
+    const auto other = OpenConnection("Embedded=" + file + ";Timeout=60");
+    EXPECT_THAT(Answer(*other, "set lock_timeout 50 insert n values (2)"), testing::HasSubstr("error 1222"));
+    ASSERT_TRUE(other->Reset());
+    std::thread killer([&] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      other->Cancel();
+    });
+    EXPECT_THAT(Answer(*other, "insert n values (2)"), testing::HasSubstr("error 3617"));
+    killer.join();
+  }).join();
+  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
+}
+
+TEST(EmbeddedThreads, CancelEndsTheBatchAndTheConnectionGoesOn) {
+  const auto connection = OpenEmbedded();
+  connection->Execute("create table n (FValue int)");
+  std::thread killer([&] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    connection->Cancel();
+  });
+  try {
+    connection->Execute("insert n values (1) while 1 = 1 insert n values (2)");
+    ADD_FAILURE() << "the batch came to an end";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.number(), error_number::kCancelled) << error.description();
+  }
+  killer.join();
+  EXPECT_EQ(Answer(*connection, "select count(*) as n from n where FValue = 1"), "n;1");
+}
+
+TEST(EmbeddedProcesses, WhatWasCommittedOutlivesAKill) {
+  const TemporaryFolder folder;
+  const std::string file = folder.file("killed.db");
+  OpenEmbedded(file)->Execute("create table n (FID int not null primary key, FPart int)");
+  // The child commits a pair of rows a batch and says so; it is killed somewhere in a later batch.
+  int pipe_ends[2];
+  ASSERT_EQ(pipe(pipe_ends), 0);
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    const auto connection = OpenEmbedded(file);
+    for (int i = 1;; i += 2) {
+      connection->Execute("insert n values (" + std::to_string(i) + ", 1) insert n values (" + std::to_string(i + 1) +
+                          ", 2)");
+      if (write(pipe_ends[1], &i, sizeof i) != sizeof i) _exit(1);
+    }
+  }
+  close(pipe_ends[1]);
+  int committed = 0;
+  for (int i = 0; i < 50; ++i)
+    ASSERT_EQ(read(pipe_ends[0], &committed, sizeof committed), static_cast<ssize_t>(sizeof committed));
+  kill(child, SIGKILL);
+  int status = 0;
+  waitpid(child, &status, 0);
+  while (read(pipe_ends[0], &committed, sizeof committed) > 0) continue;
+  close(pipe_ends[0]);
+  const auto connection = OpenEmbedded(file);
+  EXPECT_GE(Number(*connection, "select max(FID) from n"), committed + 1);
+  EXPECT_EQ(Number(*connection, "select sum(case FPart when 1 then 1 else -1 end) from n"), 0) << "half a batch";
+  EXPECT_EQ(Answer(*connection, "insert n values (0, 0)"), "");
+}
+
+}  // namespace
+}  // namespace tessarlorn

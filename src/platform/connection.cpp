@@ -132,31 +132,39 @@ void BatchSink::Message(std::string_view text, const NativeError& /*about*/) { R
 
 void ShowRunningConnection(std::atomic<Connection*>* slot) { RunningSlot() = slot; }
 
-RecordsetPtr Connection::Execute(std::string_view text) {
-  if (Observer()) Observer()(text);
+RecordsetPtr Connection::Execute(SqlCommand command) {
+  if (Observer()) Observer()(command.text);
   const Running running(this);
   FirstResult sink;
-  Run(text, true, sink);
+  Run(command, true, sink);
   return std::move(sink.first);
 }
 
-RecordsetPtr Connection::Query(std::string_view text) {
-  RecordsetPtr rows = Execute(text);
+RecordsetPtr Connection::Query(const SqlCommand& command) {
+  RecordsetPtr rows = Execute(command);
   if (rows == nullptr) {
     Raise(error_number::kObjectClosed, "Operation is not allowed when the object is closed: the batch answers no rows");
   }
   return rows;
 }
 
-void Connection::ExecuteAll(std::string_view text, const ResultSink& sink) {
+void Connection::ExecuteAll(SqlCommand command, const ResultSink& sink) {
   ResultsOnly results(sink);
-  ExecuteAll(text, results);
+  ExecuteAll(command, results);
 }
 
-void Connection::ExecuteAll(std::string_view text, BatchSink& sink) {
-  if (Observer()) Observer()(text);
+void Connection::ExecuteAll(SqlCommand command, BatchSink& sink) {
+  if (Observer()) Observer()(command.text);
   const Running running(this);
-  Run(text, false, sink);
+  Run(command, false, sink);
+}
+
+std::int32_t Connection::Call(std::string_view procedure, std::span<SqlParameter> parameters, BatchSink& sink) {
+  SqlCommand command = SqlCommand::Procedure(procedure, parameters);
+  if (Observer()) Observer()(procedure);
+  const Running running(this);
+  Run(command, false, sink);
+  return command.status;
 }
 
 void RegisterDriver(std::shared_ptr<Driver> driver) {

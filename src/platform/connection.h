@@ -11,6 +11,7 @@
 
 #include "platform/error.h"
 #include "platform/recordset.h"
+#include "platform/sql_command.h"
 
 namespace tessarlorn {
 
@@ -61,14 +62,16 @@ class Connection {
 
   /// Runs a batch to its end and answers its first row-returning result, or nullptr when it has none. An error in any
   /// statement of the batch is raised; what ran before it stays unless a transaction takes it back.
-  RecordsetPtr Execute(std::string_view text);
+  RecordsetPtr Execute(SqlCommand command);
   /// The same for a batch that reads: raises 3704 when nothing in it answers rows.
-  RecordsetPtr Query(std::string_view text);
+  RecordsetPtr Query(const SqlCommand& command);
   /// The same, handing over every row-returning result in order, each as soon as it is there: those before a failing
   /// statement come, then the error is raised.
-  void ExecuteAll(std::string_view text, const ResultSink& sink);
+  void ExecuteAll(SqlCommand command, const ResultSink& sink);
   /// The same, with row counts and messages.
-  void ExecuteAll(std::string_view text, BatchSink& sink);
+  void ExecuteAll(SqlCommand command, BatchSink& sink);
+  /// The same for a procedure; answers what it returned.
+  std::int32_t Call(std::string_view procedure, std::span<SqlParameter> parameters, BatchSink& sink);
 
   /// The container's transaction; they do not nest. Raise when none, or already one, is open.
   virtual void BeginTransaction() = 0;
@@ -84,12 +87,13 @@ class Connection {
   virtual void Cancel() noexcept = 0;
 
  protected:
+  /// Output values and the status are there when it returns, those of a command that fails may be.
   /// @param first_only the caller wants the first row-returning result; later ones are run but need not be kept.
-  virtual void Run(std::string_view text, bool first_only, BatchSink& sink) = 0;
+  virtual void Run(SqlCommand& command, bool first_only, BatchSink& sink) = 0;
 };
 
-/// Called with each text just before it goes to the database, on the thread that runs it. For the whole process; set it
-/// before the first connection is used. An empty function ends it.
+/// Called with each batch, or procedure's name, just before it goes to the database, on the thread that runs it. For
+/// the whole process; set it before the first connection is used. An empty function ends it.
 using StatementObserver = std::function<void(std::string_view)>;
 void SetStatementObserver(StatementObserver observer);
 

@@ -329,6 +329,38 @@ void Recordset::AppendText(std::string_view text) {
   std::memcpy(PutVarint(out + 1, text.size()), text.data(), text.size());
 }
 
+void Recordset::Append(const Variant& value, std::size_t field) {
+  if (value.is_empty() || value.is_null()) return AppendNull();
+  switch (fields_[field].type) {
+    case FieldType::kBit:
+    case FieldType::kTinyInt:
+    case FieldType::kSmallInt:
+    case FieldType::kInt:
+      return AppendInteger(value.holds<bool>() ? static_cast<int>(value.ToBool()) : value.ToInt32());
+    case FieldType::kBigInt: {
+      const std::optional<std::int64_t> whole = value.ToDecimal().ToScaled(0);
+      if (!whole) Raise(error_number::kOverflow, "Overflow");
+      return AppendInteger(*whole);
+    }
+    case FieldType::kReal:
+    case FieldType::kFloat:
+      return AppendDouble(value.ToDouble());
+    case FieldType::kDecimal:
+    case FieldType::kMoney:
+      return AppendDecimal(value.ToDecimal());
+    case FieldType::kDate:
+    case FieldType::kTime:
+    case FieldType::kDateTime:
+      return AppendDateTime(value.ToDateTime());
+    case FieldType::kBinary:
+    case FieldType::kVarBinary:
+      if (const Bytes* bytes = value.get_if<Bytes>()) return AppendBytes(bytes->data(), bytes->size());
+      RaiseTypeMismatch();
+    default:
+      return AppendText(value.ToText());
+  }
+}
+
 void Recordset::AppendBytes(const void* data, std::size_t size) {
   std::uint8_t* out = Grow(1 + VarintSize(size) + size);
   *out = static_cast<std::uint8_t>(Tag::kBytes);

@@ -123,6 +123,8 @@ class Recordset {
   void AppendDateTime(DateTime value);
   void AppendText(std::string_view text);
   void AppendBytes(const void* data, std::size_t size);
+  /// Any value, as the field of that position has it. Raises 13 and 6 for what does not fit its type.
+  void Append(const Variant& value, std::size_t field);
   /// Takes all rows away and keeps room for as many more.
   void Clear();
   /// To be called after the last row: goes to the first row and gives back spare memory.

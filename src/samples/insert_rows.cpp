@@ -1,58 +1,50 @@
 #include "samples/insert_rows.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "platform/decimal.h"
-#include "platform/text.h"
 
 namespace tessarlorn::cli {
+namespace {
 
-void InsertRows::BeginRow() {
-  if (rows_ == 0) {
-    text_.append("INSERT INTO ").append(table_).append(" (").append(columns_).append(") VALUES\n(");
-  } else {
-    text_ += ",\n(";
-  }
-  first_value_ = true;
-}
+/// A server takes 2,100 parameters, two of which are the statement and its declarations.
+constexpr std::size_t kMostValues = 2000;
+constexpr std::size_t kMostRows = 40;
+
+std::string NameOf(std::size_t value) { return "@v" + std::to_string(value); }
+
+}  // namespace
+
+InsertRows::InsertRows(Connection& connection, std::string_view table, std::string columns)
+    : connection_(connection),
+      table_(table),
+      columns_(std::move(columns)),
+      width_(1 + static_cast<std::size_t>(std::count(columns_.begin(), columns_.end(), ','))) {}
 
 void InsertRows::EndRow() {
-  text_ += ')';
-  if (++rows_ == kRows) Flush();
+  const std::size_t rows = std::min(kMostRows, kMostValues / width_);
+  if (values_.size() == rows * width_) Flush();
 }
 
 void InsertRows::Flush() {
-  if (rows_ == 0) return;
-  connection_.Execute(text_);
-  text_.clear();
-  rows_ = 0;
-}
-
-void InsertRows::AppendPlain(std::string_view text) {
-  if (!first_value_) text_ += ',';
-  first_value_ = false;
-  text_ += text;
-}
-
-void InsertRows::AppendValue(std::string_view value) {
-  AppendPlain("N'");
-  if (value.find('\'') == std::string_view::npos) {
-    text_ += value;
-  } else {
-    text_ += ReplaceAll(value, "'", "''");
+  if (values_.empty()) return;
+  std::string text = "INSERT INTO " + std::string(table_) + " (" + columns_ + ") VALUES";
+  for (std::size_t i = 0; i < values_.size(); ++i) {
+    text += i % width_ != 0 ? "," : i == 0 ? "\n(" : ",\n(";
+    text += values_[i].name;
+    if (i % width_ == width_ - 1) text += ')';
   }
-  text_ += '\'';
+  connection_.Execute({text, values_});
+  values_.clear();
+}
+
+void InsertRows::Take(const char* type, Variant value) {
+  values_.push_back({NameOf(values_.size()), type, std::move(value)});
 }
 
 void InsertRows::AppendValue(const Fixed& value) {
-  AppendPlain("'");
-  text_.append(Decimal::FromScaled(value.value, value.scale).ToString()).append("'");
-}
-
-void InsertRows::AppendValue(DateTime value) {
-  // With a T between date and time no language setting turns month and day round.
-  std::string text = value.ToString();
-  text[10] = 'T';
-  AppendPlain("'");
-  text_.append(text).append("'");
+  Take(value.scale <= 2 ? "decimal(19,2)" : "decimal(19,4)", Decimal::FromScaled(value.value, value.scale));
 }
 
 void FillIfEmpty(Connection& connection, std::string_view table, std::string columns,

@@ -91,7 +91,6 @@ void OrderWriter::WriteHeader(const Order& order) {
   const Purchase& purchase = order.purchase;
   const bool postal = order.waybill.starts_with('E');
   InsertRows& rows = headers_[static_cast<std::size_t>(scenario.stage)];
-  rows.BeginRow();
   rows.Append(order.key, order.number, scenario.manual ? std::string() : purchase.site_order, order.unique_code,
               scenario.manual ? code::kManualOrder : code::kShopOrder, order.ordered, order.paid, order.flag,
               OneIn(4, order) ? "PC" : "APP", purchase.shop.id, order.merged ? 1 : 0, purchase.nick, purchase.buyer,
@@ -128,7 +127,6 @@ void OrderWriter::WriteLine(const Order& order, const OrderLine& line, int index
   const bool refund = line.refund != 0;
   const std::int64_t after_discount = line.amount - line.discount - line.bill_discount;
   InsertRows& rows = line.batch ? lines_ : lines_without_batch_;
-  rows.BeginRow();
   rows.Append(line.key, order.key, index, scenario.manual ? std::string() : line.site_order,
               scenario.manual ? std::string() : line.child_order, line.item->id,
               "6" + std::to_string(100000000 + line.item->id), std::to_string(40000000 + line.item->id),
@@ -172,7 +170,6 @@ void OrderWriter::WriteExtension(const Order& order, const MasterData& master) {
   const bool outside = !scenario.outside_state.empty();
   const bool sent = scenario.stage == Stage::kDelivered;
   InsertRows& rows = sent ? sent_extensions_ : extensions_;
-  rows.BeginRow();
   rows.Append(
       order.key, order.number, order.lot, order.serial, order.checked,
       OneIn(9, order)    ? 4

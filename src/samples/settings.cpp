@@ -3,7 +3,6 @@
 #include <string>
 #include <string_view>
 
-#include "frame/text_builder.h"
 #include "samples/grid_layout.h"
 #include "samples/insert_rows.h"
 
@@ -132,47 +131,47 @@ constexpr UserField kUserFields[] = {
     {2, "IC_Web2ERPOrdersEntry", "FWrapping", "nvarchar(50)", "包装要求", "包裝要求"},
 };
 
+SqlParameter Text(const char* name, std::string_view value) { return {name, "nvarchar(255)", value}; }
+
 }  // namespace
 
 void WriteSettings(Connection& connection) {
-  TextBuilder columns;
   for (const UserField& field : kUserFields) {
-    columns.Append("IF COL_LENGTH('{table}','{name}') IS NULL ALTER TABLE {table} ADD {name} {type} NULL\r\n",
-                   {{"table", field.table}, {"name", field.name}, {"type", field.type}});
+    const std::string table(field.table);
+    const std::string name(field.name);
+    connection.Execute("IF COL_LENGTH('" + table + "','" + name + "') IS NULL ALTER TABLE " + table + " ADD " + name +
+                       " " + std::string(field.type) + " NULL");
   }
-  connection.Execute(columns.GetText());
-
-  TextBuilder text;
   for (const Switch& item : kSwitches) {
-    text.Append(R"(
-IF NOT EXISTS (SELECT 1 FROM t_SystemProfile WHERE FCategory='{category}' AND FKey='{key}')
-    INSERT INTO t_SystemProfile (FCategory,FKey,FValue,FDescription) VALUES ('{category}','{key}','{value}',N'{text}')
-)"_sql,
-                {{"category", item.category}, {"key", item.key}, {"value", item.value}, {"text", item.description}});
+    SqlParameter values[] = {Text("@category", item.category), Text("@key", item.key), Text("@value", item.value),
+                             Text("@description", item.description)};
+    connection.Execute({R"(
+IF NOT EXISTS (SELECT 1 FROM t_SystemProfile WHERE FCategory=@category AND FKey=@key)
+    INSERT INTO t_SystemProfile (FCategory,FKey,FValue,FDescription) VALUES (@category,@key,@value,@description)
+)",
+                        values});
   }
   for (const Message& message : kMessages) {
-    text.Append(R"(
-IF NOT EXISTS (SELECT 1 FROM t_SubMessage WHERE FInterID={id})
-    INSERT INTO t_SubMessage (FInterID,FTypeID,FName) VALUES ({id},{type},N'{name}')
-)"_sql,
-                {{"id", message.id}, {"type", message.type}, {"name", message.name}});
+    SqlParameter values[] = {{"@id", "int", message.id}, {"@type", "int", message.type}, Text("@name", message.name)};
+    connection.Execute({R"(
+IF NOT EXISTS (SELECT 1 FROM t_SubMessage WHERE FInterID=@id)
+    INSERT INTO t_SubMessage (FInterID,FTypeID,FName) VALUES (@id,@type,@name)
+)",
+                        values});
   }
   int position = 1000;
   for (const UserField& field : kUserFields) {
-    text.Append(R"(
-IF NOT EXISTS (SELECT 1 FROM ICClassTableInfo WHERE FClassTypeID=1014301 AND FPage={page} AND FKey='{name}')
+    SqlParameter values[] = {{"@page", "int", field.page},    Text("@name", field.name),
+                             Text("@caption", field.caption), Text("@traditional", field.caption_traditional),
+                             Text("@table", field.table),     {"@position", "int", ++position}};
+    connection.Execute({R"(
+IF NOT EXISTS (SELECT 1 FROM ICClassTableInfo WHERE FClassTypeID=1014301 AND FPage=@page AND FKey=@name)
     INSERT INTO ICClassTableInfo (FClassTypeID,FPage,FKey,FCaption_CHS,FCaption_CHT,FFieldName,FTableName,FTabIndex,
                                   FNeedSave,FUserDefine)
-    VALUES (1014301,{page},'{name}',N'{caption}',N'{traditional}','{name}','{table}',{position},1,1)
-)"_sql,
-                {{"page", field.page},
-                 {"name", field.name},
-                 {"caption", field.caption},
-                 {"traditional", field.caption_traditional},
-                 {"table", field.table},
-                 {"position", ++position}});
+    VALUES (1014301,@page,@name,@caption,@traditional,@name,@table,@position,1,1)
+)",
+                        values});
   }
-  connection.Execute(text.GetText());
   FillTables(connection);
   WriteGridLayout(connection);
 }

@@ -1,5 +1,7 @@
 #include "siblings/web_order_log.h"
 
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "platform/collections.h"
@@ -25,69 +27,89 @@ DataSession& Session() {
   return *session;
 }
 
-/// A quoted text literal of at most `width` UTF-16 units; a character is kept whole or dropped.
-std::string Quoted(std::string_view text, std::size_t width) {
+/// A text of at most `width` UTF-16 units; a character is kept whole or dropped.
+SqlParameter Text(const char* name, const Variant& value, std::size_t width) {
+  const std::string text = value.ToText();
   std::size_t kept = 0;
   std::size_t units = 0;
   for (std::size_t position = 0; position < text.size(); kept = position) {
     units += NextCharacter(text, position) > 0xFFFF ? 2 : 1;
     if (units > width) break;
   }
-  return "N'" + ReplaceAll(text.substr(0, kept), "'", "''") + "'";
+  return {name, "nvarchar(" + std::to_string(width) + ")", text.substr(0, kept)};
 }
 
-/// A number literal. Raises 13 for a text that is no number.
-std::string Number(const Variant& value) { return std::to_string(value.ToInt32()); }
+/// Raises 13 for a text that is no number.
+SqlParameter Number(std::string name, const Variant& value) { return {std::move(name), "int", value.ToInt32()}; }
 
 /// The same, NULL for the empty text.
-std::string NumberOrNull(const Variant& value) { return value.ToText().empty() ? "NULL" : Number(value); }
+SqlParameter NumberOrNull(const char* name, const Variant& value) {
+  return value.ToText().empty() ? SqlParameter{name, "int", Null{}} : Number(name, value);
+}
 
 bool WriteFieldLog(std::span<const Variant> arguments) {
   DataSession& session = Session();
   const Variant caller = session.GetContext().GetCallerInfo();
   const Variant user =
       ObjectService::ForThisThread().CreateInstance("QuorBase.SecurityInfo")->Call("GetCurrentUserID", {&caller, 1});
+  SqlParameter parameters[] = {
+      NumberOrNull("@order", arguments[0]),
+      NumberOrNull("@entry", arguments[1]),
+      Text("@field", arguments[2], kFieldNameWidth),
+      Text("@value", arguments[3], kFieldValueWidth),
+      Number("@user", user),
+  };
   session.GetConnection().Execute(
-      "INSERT INTO IC_TradeFieldLog (FOrderFID,FEntryID,FFieldName,FNewValue,FOPUserID,FOPTime) VALUES (" +
-      NumberOrNull(arguments[0]) + "," + NumberOrNull(arguments[1]) + "," +
-      Quoted(arguments[2].ToText(), kFieldNameWidth) + "," + Quoted(arguments[3].ToText(), kFieldValueWidth) + "," +
-      Number(user) + ",GETDATE())\r\n");
+      {"INSERT INTO IC_TradeFieldLog (FOrderFID,FEntryID,FFieldName,FNewValue,FOPUserID,FOPTime) "
+       "VALUES (@order,@entry,@field,@value,@user,GETDATE())",
+       parameters});
   return true;
+}
+
+/// The statement that logs so many orders: all of the row but the order is the same.
+std::string OperationLogText(std::size_t orders) {
+  std::string text =
+      "INSERT INTO IC_TradeLog (FOrderFID,FOPUserID,FOPCode,FUserIP,FOPTime,FItemID,FOldValue,FNewValue) VALUES ";
+  for (std::size_t i = 0; i < orders; ++i) {
+    text += (i == 0 ? "(@order" : ",(@order") + std::to_string(i) + ",@user,@code,@address,@time,@item,@old,@new)";
+  }
+  return text;
 }
 
 bool WriteOperationLog(std::span<const Variant> arguments) {
   const std::shared_ptr<Dictionary> log = arguments[0].ToDictionary();
   if (!log) RaiseTypeMismatch();
-  const std::string columns = "," + Number(log->GetValue("FOPUserID")) + "," + Number(log->GetValue("FOPCode")) + "," +
-                              Quoted(log->GetValue("FUserIP").ToText(), kAddressWidth) + ",'" +
-                              log->GetValue("FOPTime").ToDateTime().ToString() + "'," +
-                              Number(log->GetValue("FItemID")) + "," +
-                              Quoted(log->GetValue("FOldValue").ToText(), kOperationValueWidth) + "," +
-                              Quoted(log->GetValue("FNewValue").ToText(), kOperationValueWidth) + ")\r\n";
+  const std::vector<SqlParameter> common = {
+      Number("@user", log->GetValue("FOPUserID")),
+      Number("@code", log->GetValue("FOPCode")),
+      Text("@address", log->GetValue("FUserIP"), kAddressWidth),
+      {"@time", "datetime", log->GetValue("FOPTime").ToDateTime()},
+      Number("@item", log->GetValue("FItemID")),
+      Text("@old", log->GetValue("FOldValue"), kOperationValueWidth),
+      Text("@new", log->GetValue("FNewValue"), kOperationValueWidth),
+  };
   const std::string orders = log->GetValue("sFID").ToText();
   if (orders.empty()) return false;
-  std::vector<std::string> numbers;
-  for (const std::string_view order : Split(orders, ',')) numbers.push_back(Number(order));
-  // In parts: the text of a row is twenty times as long as the key of its order.
-  constexpr std::size_t kRowsOfBatch = 1000;
-  std::string text;
-  for (std::size_t i = 0; i < numbers.size(); ++i) {
-    text +=
-        "INSERT INTO IC_TradeLog (FOrderFID,FOPUserID,FOPCode,FUserIP,FOPTime,FItemID,FOldValue,FNewValue) VALUES (" +
-        numbers[i] + columns;
-    if (i + 1 < numbers.size() && (i + 1) % kRowsOfBatch != 0) continue;
-    Session().GetConnection().Execute(text);
-    text.clear();
+  std::vector<Variant> numbers;
+  for (const std::string_view order : Split(orders, ',')) numbers.emplace_back(Variant(order).ToInt32());
+  constexpr std::size_t kOrdersOfStatement = 150;
+  for (std::size_t first = 0; first < numbers.size(); first += kOrdersOfStatement) {
+    const std::size_t count = std::min(kOrdersOfStatement, numbers.size() - first);
+    std::vector<SqlParameter> parameters = common;
+    for (std::size_t i = 0; i < count; ++i) {
+      parameters.push_back(Number("@order" + std::to_string(i), numbers[first + i]));
+    }
+    Session().GetConnection().Execute({OperationLogText(count), parameters});
   }
   return true;
 }
 
 bool IsEnabled(const Variant& code) {
-  const std::string key = "TradeLog" + code.ToText();
+  SqlParameter key[] = {{"@key", "nvarchar(255)", "TradeLog" + code.ToText()}};
   return !Session()
               .GetConnection()
-              .Query("SELECT 1 FROM t_SystemProfile WHERE FCategory='EC' AND FKey=" + Quoted(key, key.size()) +
-                     " AND FValue='1'\r\n")
+              .Query(
+                  {"SELECT 1 AS FEnabled FROM t_SystemProfile WHERE FCategory='EC' AND FKey=@key AND FValue='1'", key})
               ->eof();
 }
 

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "platform/connection.h"
+#include "platform/text.h"
 #include "support/error_of.h"
 #include "support/test_database.h"
 #include "tsql/database_support.h"
@@ -224,6 +225,60 @@ TEST_P(ConnectionContract, ValuesKeepTypeAndValue) {
   EXPECT_EQ(rows->Get("f").ToDouble(), 1.7976931348623157e308);
   EXPECT_EQ(rows->Get("d").ToDateTime().ToString(true), "2026-11-03 10:20:30.007");
   EXPECT_TRUE(rows->Get("n").is_null());
+}
+
+/// A value as the type keeps it; bytes as digits.
+std::string Shown(const Variant& value) {
+  if (const auto* bytes = value.get_if<Bytes>()) return "0x" + HexText(bytes->data(), bytes->size());
+  if (const auto* date = value.get_if<DateTime>()) return date->ToString(true);
+  return value.is_null() ? "NULL" : value.ToText();
+}
+
+TEST_P(ConnectionContract, ParametersGoBesideTheTextAndComeBack) {
+  const std::string longest(20000, 'y');
+  SqlParameter parameters[] = {
+      {"@bit", "bit", true},
+      {"@tiny", "tinyint", 255},
+      {"@int", "int", -2147483647},
+      {"@big", "bigint", std::int64_t{-9223372036854775807}},
+      {"@real", "real", 0.5},
+      {"@float", "float", 1.7976931348623157e308},
+      {"@decimal", "decimal(38,3)", Decimal::Parse("-99999999999999999999999999999999999.999").value()},
+      {"@money", "money", Decimal::Parse("-922337203685477.5808").value()},
+      {"@date", "date", DateTime::Parse("2024-02-29").value()},
+      {"@time", "time", DateTime::Parse("23:59:58.997").value()},
+      {"@moment", "datetime", DateTime::Parse("2026-11-03 10:20:30.007").value()},
+      {"@text", "nvarchar(50)", "it's 发货😀 ? {x}"},
+      {"@plain", "varchar(30)", ""},
+      {"@long", "nvarchar(max)", longest},
+      {"@bytes", "varbinary(8)", Bytes{0, 0xff, 0x10}},
+      {"@guid", "uniqueidentifier", "6F9619FF-8B86-D011-B42D-00C04FC964FF"},
+      {"@none", "int", Null{}},
+  };
+  std::string text = "select ";
+  std::vector<std::string> sent;
+  for (SqlParameter& parameter : parameters) {
+    sent.push_back(Shown(parameter.value));
+    text += (&parameter == parameters ? "" : ", ") + parameter.name + " as v";
+    parameter.is_output = true;
+  }
+  const RecordsetPtr rows = connection_->Query({text, parameters});
+  for (std::size_t i = 0; i < sent.size(); ++i) {
+    EXPECT_EQ(Shown(rows->Get(i)), sent[i]) << parameters[i].name;
+    EXPECT_EQ(Shown(parameters[i].value), sent[i]) << parameters[i].name << " back";
+  }
+  connection_->Execute(
+      "create procedure p_sum @a int, @b int = 5, @sum bigint output as "
+      "begin set @sum = @a + @b; return 7 end");
+  SqlParameter sum[] = {{"@sum", "bigint", Null{}, true}, {"@a", "int", 3}};
+  struct : BatchSink {
+    void Rows(RecordsetPtr) override {}
+  } sink;
+  EXPECT_EQ(connection_->Call("p_sum", sum, sink), 7);
+  EXPECT_EQ(Shown(sum[0].value), "8");
+  SqlParameter wrong[] = {{"@n", "int", "seven"}};
+  EXPECT_NE(ErrorOf([&] { connection_->Execute({"select @n", wrong}); }).number(), 0);
+  connection_->Execute("drop procedure p_sum");
 }
 
 TEST(DecidingKey, IsFoundWhereverItStands) {

@@ -30,7 +30,8 @@ TEST_F(CancelWatchTest, ARequestThatComesBeforeTheStatementRunsMeetsIt) {
     const RunningStatement running(*state, link.statement());
     Nobody nobody;
     try {
-      link.Run("waitfor delay '00:01:00'", true, false, nobody);
+      SqlCommand wait("waitfor delay '00:01:00'");
+      link.Run(wait, true, false, nobody);
       ADD_FAILURE() << "not cancelled";
     } catch (const Error& error) {
       EXPECT_EQ(error.number(), error_number::kCancelled);

@@ -157,10 +157,12 @@ class FailingConnection final : public Connection {
   void Cancel() noexcept override { database_->Cancel(); }
 
  protected:
-  void Run(std::string_view text, bool, BatchSink& sink) override {
+  void Run(SqlCommand& command, bool, BatchSink& sink) override {
+    const std::string_view text = command.is_procedure ? "" : command.text;
     const std::size_t bar = text.find('|');
     if (bar == std::string_view::npos) {
-      database_->ExecuteAll(text, sink);
+      command.is_procedure ? static_cast<void>(database_->Call(command.text, command.parameters, sink))
+                           : database_->ExecuteAll(command, sink);
       return;
     }
     database_->Execute("if @@trancount > 0 rollback");

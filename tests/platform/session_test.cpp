@@ -37,7 +37,7 @@ class LoggedConnection : public Connection {
   bool fails_to_commit = false;
 
  protected:
-  void Run(std::string_view, bool, BatchSink&) override {}
+  void Run(SqlCommand&, bool, BatchSink&) override {}
 
  private:
   void Note(const std::string& what) const { events.push_back(what + " " + std::to_string(number_)); }

@@ -9,8 +9,9 @@
 namespace tessarlorn {
 namespace {
 
-using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 class SiblingsTest : public RecordingTest {
  protected:
@@ -24,10 +25,10 @@ class SiblingsTest : public RecordingTest {
 
 TEST_F(SiblingsTest, WritesOneRowForEachOrder) {
   EXPECT_TRUE(save_.WriteOPLog("12,15", "3005", "0", "it's", ""));
-  const std::string columns =
-      "INSERT INTO IC_TradeLog (FOrderFID,FOPUserID,FOPCode,FUserIP,FOPTime,FItemID,FOldValue,FNewValue) VALUES (";
-  const std::string values = ",16394,3005,N'10.0.0.5','2024-05-06 07:08:09',0,N'it''s',N'')";
-  EXPECT_EQ(OnlyEvent(), Lines({columns + "12" + values, columns + "15" + values}));
+  EXPECT_THAT(OnlyEvent(), StartsWith("INSERT INTO IC_TradeLog "));
+  EXPECT_THAT(OnlyEvent(),
+              EndsWith("@user=16394 @code=3005 @address=10.0.0.5 @time=2024-05-06 07:08:09 @item=0 @old=it's "
+                       "@new= @order0=12 @order1=15"));
   Events().clear();
   EXPECT_FALSE(save_.WriteOPLog("", "3005", "0", "", ""));
   EXPECT_TRUE(Events().empty());
@@ -35,21 +36,20 @@ TEST_F(SiblingsTest, WritesOneRowForEachOrder) {
             "13 TessarLornPickingAndDelivery");
 }
 
-TEST_F(SiblingsTest, WritesFieldValuesEscapedAndCut) {
+TEST_F(SiblingsTest, WritesFieldValuesAsTheyAreAndCut) {
   EXPECT_TRUE(save_.WriteSaveOrderLog("", "3", "FShippingRem", "it's"));
-  EXPECT_EQ(OnlyEvent(),
-            Lines({"INSERT INTO IC_TradeFieldLog (FOrderFID,FEntryID,FFieldName,FNewValue,FOPUserID,FOPTime) VALUES "
-                   "(NULL,3,N'FShippingRem',N'it''s',16394,GETDATE())"}));
+  EXPECT_THAT(OnlyEvent(), StartsWith("INSERT INTO IC_TradeFieldLog "));
+  EXPECT_THAT(OnlyEvent(), EndsWith("@order=NULL @entry=3 @field=FShippingRem @value=it's @user=16394"));
   Events().clear();
   // The last place is half of a character that takes two.
-  EXPECT_TRUE(save_.WriteSaveOrderLog("1", "0", std::string(80, 'f'), std::string(1999, '\'') + "\U00020BB7"));
-  EXPECT_THAT(OnlyEvent(), HasSubstr("N'" + std::string(64, 'f') + "',N'" + std::string(3998, '\'') + "',16394"));
+  EXPECT_TRUE(save_.WriteSaveOrderLog("1", "0", std::string(80, 'f'), std::string(1999, 'v') + "\U00020BB7"));
+  EXPECT_THAT(OnlyEvent(),
+              HasSubstr("@field=" + std::string(64, 'f') + " @value=" + std::string(1999, 'v') + " @user"));
 }
 
 TEST_F(SiblingsTest, ReadsTheLogSwitch) {
   EXPECT_FALSE(save_.IsLogEnable("3005"));
-  EXPECT_EQ(OnlyEvent(), Lines({"SELECT 1 FROM t_SystemProfile WHERE FCategory='EC' AND FKey=N'TradeLog3005' AND "
-                                "FValue='1'"}));
+  EXPECT_THAT(OnlyEvent(), EndsWith("FCategory='EC' AND FKey=@key AND FValue='1' @key=TradeLog3005"));
   TheRecording().answer = [](std::string_view) { return TextRows({"n"}, {{"1"}}); };
   EXPECT_TRUE(save_.IsLogEnable("3005"));
 }

@@ -65,8 +65,13 @@ class RecordingConnection : public Connection {
   void Cancel() noexcept override {}
 
  protected:
-  void Run(std::string_view text, bool, BatchSink& sink) override {
-    TheRecording().events.emplace_back(text);
+  void Run(SqlCommand& command, bool, BatchSink& sink) override {
+    const std::string_view text = command.text;
+    std::string event(text);
+    for (const SqlParameter& parameter : command.parameters) {
+      event += " " + parameter.name + "=" + (parameter.value.is_null() ? "NULL" : parameter.value.ToText());
+    }
+    TheRecording().events.push_back(event);
     sink.Rows(TheRecording().answer ? TheRecording().answer(text) : TextRows({}, {}));
   }
 };

@@ -9,42 +9,33 @@
 namespace tessarlorn::tds {
 namespace {
 
-Parameter Text(const std::string& value, const std::string& name = "") {
-  Parameter parameter;
-  parameter.name = name;
-  parameter.type = "nvarchar(4000)";
-  parameter.text = value;
-  parameter.literal = TextLiteral(value);
-  return parameter;
+SqlParameter Text(const std::string& value, const std::string& name = "") { return {name, "nvarchar(4000)", value}; }
+
+SqlParameter Number(std::int32_t value, const std::string& name = "", bool output = false) {
+  return {name, "int", value, output};
 }
 
-Parameter Number(std::int64_t value, const std::string& name = "", bool output = false) {
-  Parameter parameter;
-  parameter.name = name;
-  parameter.type = "int";
-  parameter.number = value;
-  parameter.literal = std::to_string(value);
-  parameter.is_output = output;
-  return parameter;
+/// "procedure(@name=value, …)", an output with a mark behind it.
+std::string TextOf(Call call, PreparedStatements& prepared) {
+  const DatabaseCall taken = TakeCall(call, prepared);
+  std::string text;
+  for (const SqlParameter& parameter : taken.parameters) {
+    if (!text.empty()) text += ", ";
+    if (!parameter.name.empty()) text += parameter.name + "=";
+    text += parameter.value.ToText() + (parameter.is_output ? "!" : "");
+  }
+  return taken.procedure + "(" + text + ")";
 }
 
 std::string TextOf(const Call& call) {
   PreparedStatements prepared;
-  return MakeCallText(call, prepared).text;
+  return TextOf(call, prepared);
 }
 
-TEST(Rpc, WritesValuesAsLiterals) {
-  EXPECT_EQ(TextOf({KnownProcedure::kExecuteSql, "", {Text("select @a, '@b'"), Text("@a int"), Number(7, "@a")}}),
-            "EXEC sp_executesql N'select @a, ''@b''', N'@a int', @a=7");
-  EXPECT_EQ(TextOf({KnownProcedure::kExecuteSql, "", {Text("select 1")}}), "EXEC sp_executesql N'select 1'");
-  EXPECT_EQ(TextOf({KnownProcedure::kNone, "dbo.[odd ]]name]", {Text("'; drop table x --"), Number(1, "@n", true)}}),
-            "DECLARE @tds_0 int = 1\nDECLARE @tds_status int = 0\n"
-            "EXEC @tds_status = [dbo].[odd ]]name] N'''; drop table x --', @n=@tds_0 OUTPUT\n"
-            "SELECT @tds_status AS [$tds_output], @tds_0");
-}
-
-TEST(Rpc, TakesNoNameForText) {
-  EXPECT_THAT(TextOf({KnownProcedure::kNone, "..sp_columns", {}}), testing::HasSubstr("= [sp_columns]"));
+TEST(Rpc, TakesProceduresByNameOnly) {
+  EXPECT_EQ(TextOf({KnownProcedure::kNone, "dbo.[odd ]]name]", {Text("'x"), Number(1, "@n", true)}}),
+            "[dbo].[odd ]]name]('x, @n=1!)");
+  EXPECT_EQ(TextOf({KnownProcedure::kNone, "..sp_columns", {}}), "[sp_columns]()");
   for (const char* name : {"p; drop table x", "p 1", "[p", "", "a.", "p]"}) {
     EXPECT_THROW(TextOf({KnownProcedure::kNone, name, {}}), Error) << name;
   }
@@ -55,14 +46,14 @@ TEST(Rpc, TakesNoNameForText) {
 
 TEST(Rpc, KeepsPreparedStatementsByHandle) {
   PreparedStatements prepared;
-  const CallText made = MakeCallText(
-      {KnownProcedure::kPrepare, "", {Number(0, "", true), Text("@a int"), Text("select @a"), Number(1)}}, prepared);
-  ASSERT_TRUE(made.handle);
-  EXPECT_EQ(made.text, "");
-  const Call execute{KnownProcedure::kExecute, "", {Number(*made.handle), Number(5)}};
-  EXPECT_EQ(MakeCallText(execute, prepared).text, "EXEC sp_executesql N'select @a', N'@a int', 5");
-  MakeCallText({KnownProcedure::kUnprepare, "", {Number(*made.handle)}}, prepared);
-  EXPECT_THROW(MakeCallText(execute, prepared), Error);
+  const auto prepare = [&](Call call) { return TakeCall(call, prepared).handle; };
+  const auto handle =
+      prepare({KnownProcedure::kPrepare, "", {Number(0, "", true), Text("@a int"), Text("select @a"), Number(1)}});
+  ASSERT_TRUE(handle);
+  const Call execute{KnownProcedure::kExecute, "", {Number(*handle), Number(5)}};
+  EXPECT_EQ(TextOf(execute, prepared), "sp_executesql(select @a, @a int, 5)");
+  TextOf({KnownProcedure::kUnprepare, "", {Number(*handle)}}, prepared);
+  EXPECT_THROW(TextOf(execute, prepared), Error);
 }
 
 TEST(Rpc, KeepsPreparedStatementsWithinBounds) {

@@ -60,13 +60,15 @@ AdoConnection::~AdoConnection() {
 
 std::int32_t AdoConnection::Ask(std::string_view text) {
   NumberSink sink;
-  Run(text, true, sink);
+  SqlCommand command(text);
+  Run(command, true, sink);
   return sink.Number(kSource);
 }
 
 void AdoConnection::Send(std::string_view text) {
   NumberSink unread;
-  Run(text, true, unread);
+  SqlCommand command(text);
+  Run(command, true, unread);
 }
 
 void AdoConnection::BeginTransaction() {
@@ -93,11 +95,11 @@ void AdoConnection::RollbackTransaction() {
   in_transaction_ = false;
 }
 
-void AdoConnection::Run(std::string_view text, bool first_only, BatchSink& sink) {
+void AdoConnection::Run(SqlCommand& command, bool first_only, BatchSink& sink) {
   // ADO has no empty batch.
-  if (text.empty()) return;
-  RefuseNul(text, kSource);
-  const com::OwnedBstr batch(text);
+  if (command.text.empty()) return;
+  RefuseNul(command.text, kSource);
+  const com::OwnedBstr batch(command.text);
   com::Pointer<IAdoRecordset> rows;
   SetErrorInfo(0, nullptr);
   HRESULT status = connection_->Execute(batch.get(), nullptr, kOptionUnspecified, rows.Receive());

@@ -28,7 +28,7 @@ class AdoConnection final : public Connection {
   void Cancel() noexcept override;
 
  protected:
-  void Run(std::string_view text, bool first_only, BatchSink& sink) override;
+  void Run(SqlCommand& command, bool first_only, BatchSink& sink) override;
 
  private:
   std::int32_t Ask(std::string_view text);

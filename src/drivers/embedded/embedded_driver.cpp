@@ -55,8 +55,8 @@ class EmbeddedConnection final : public Connection {
   void Cancel() noexcept override { session_.Cancel(); }
 
  protected:
-  void Run(std::string_view text, bool first_only, BatchSink& sink) override {
-    Translated([&] { session_.Run(text, first_only, sink); });
+  void Run(SqlCommand& command, bool first_only, BatchSink& sink) override {
+    Translated([&] { session_.Run(command, first_only, sink); });
   }
 
  private:

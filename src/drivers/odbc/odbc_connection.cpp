@@ -32,6 +32,15 @@ class NotingSink final : public BatchSink {
   BatchSink& sink_;
 };
 
+/// A call as a batch would write it, for what it may leave behind: of sp_executesql that is what its text does.
+std::string CallText(const SqlCommand& command) {
+  std::string text = "EXEC " + std::string(command.text);
+  for (const SqlParameter& parameter : command.parameters) {
+    if (const auto* value = parameter.value.get_if<std::string>()) text += " " + *value;
+  }
+  return text;
+}
+
 }  // namespace
 
 OdbcConnection::OdbcConnection(ConnectionOptions options, OdbcCancelling cancelling)
@@ -55,13 +64,15 @@ void OdbcConnection::WithNewLogin(const Action& action, const bool& answered) {
 
 std::int32_t OdbcConnection::Ask(std::string_view text) {
   NumberSink sink;
-  RunOnLink(text, true, false, sink);
+  SqlCommand command(text);
+  RunOnLink(command, true, false, sink);
   return sink.Number(kSource);
 }
 
 void OdbcConnection::Send(std::string_view text) {
   NumberSink unread;
-  RunOnLink(text, true, false, unread);
+  SqlCommand command(text);
+  RunOnLink(command, true, false, unread);
 }
 
 void OdbcConnection::BeginTransaction() {
@@ -93,25 +104,25 @@ void OdbcConnection::RollbackTransaction() {
   effects_.transaction = false;
 }
 
-void OdbcConnection::Run(std::string_view text, bool first_only, BatchSink& sink) {
+void OdbcConnection::Run(SqlCommand& command, bool first_only, BatchSink& sink) {
   // ODBC has no empty batch.
-  if (text.empty()) return;
-  RefuseNul(text, kSource);
+  if (command.text.empty()) return;
+  RefuseNul(command.text, kSource);
   const CancellableCall call(*cancel_);
-  const BatchEffects effects = EffectsOf(text);
+  const BatchEffects effects = command.is_procedure ? EffectsOf(CallText(command)) : EffectsOf(command.text);
   effects_.Add(effects);
   NotingSink noting(sink);
   if (idle_ && !effects.reads_only) {
     WithNewLogin([this] { Send(kSignOfLife); }, false);
   }
-  WithNewLogin([&] { RunOnLink(text, first_only, effects.prints, noting); }, noting.answered);
+  WithNewLogin([&] { RunOnLink(command, first_only, effects.prints, noting); }, noting.answered);
 }
 
-void OdbcConnection::RunOnLink(std::string_view text, bool first_only, bool prints, BatchSink& sink) {
+void OdbcConnection::RunOnLink(SqlCommand& command, bool first_only, bool prints, BatchSink& sink) {
   if (cancel_->requested()) RaiseCancelled();
   const RunningStatement running(*cancel_, link_->statement());
   try {
-    link_->Run(text, first_only, prints, sink);
+    link_->Run(command, first_only, prints, sink);
   } catch (const Error& error) {
     // An ODBC driver may find other words for the end of a batch that was cancelled.
     if (!cancel_->requested() || link_->lost() || error.native().number > 0 || error.source() != kSource ||

@@ -33,10 +33,10 @@ class OdbcConnection final : public Connection {
   void Cancel() noexcept override;
 
  protected:
-  void Run(std::string_view text, bool first_only, BatchSink& sink) override;
+  void Run(SqlCommand& command, bool first_only, BatchSink& sink) override;
 
  private:
-  void RunOnLink(std::string_view text, bool first_only, bool prints, BatchSink& sink);
+  void RunOnLink(SqlCommand& command, bool first_only, bool prints, BatchSink& sink);
   /// Runs a batch of the driver's own; answers the number that its only result holds, 0 when it has none.
   std::int32_t Ask(std::string_view text);
   void Send(std::string_view text);

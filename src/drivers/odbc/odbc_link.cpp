@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "drivers/odbc/bound_parameters.h"
 #include "drivers/odbc/odbc_error.h"
 #include "platform/utf16.h"
 
@@ -42,8 +43,7 @@ OdbcLink::OdbcLink(const ConnectionOptions& options) : environment_(SQL_HANDLE_E
   statement_ = Handle(SQL_HANDLE_STMT, connection_.get());
   const auto timeout = static_cast<std::uintptr_t>(options.statement_timeout);
   SQLSetStmtAttr(statement_.get(), SQL_ATTR_QUERY_TIMEOUT, AsPointer(timeout), 0);
-  // The text is Transact-SQL alone: braces in it are no escapes of ODBC.
-  SQLSetStmtAttr(statement_.get(), SQL_ATTR_NOSCAN, AsPointer(SQL_NOSCAN_ON), 0);
+  BoundParameters::LeaveTextsAlone(statement_.get());
   reader_ = std::make_unique<ResultReader>(statement_.get(), check_);
 }
 
@@ -72,7 +72,8 @@ SQLRETURN OdbcLink::Check(SQLRETURN result) {
   return result;
 }
 
-void OdbcLink::Run(std::string_view text, bool first_only, bool prints, BatchSink& sink) {
+void OdbcLink::Run(SqlCommand& command, bool first_only, bool prints, BatchSink& sink) {
+  BoundParameters parameters(statement_.get(), command);
   // Whatever ends the batch, the statement is free for the next one.
   struct Closing {
     OdbcLink& link;
@@ -84,7 +85,7 @@ void OdbcLink::Run(std::string_view text, bool first_only, bool prints, BatchSin
   } const closing{*this};
   sink_ = &sink;
   goes_on_ = true;
-  std::u16string units = ToUtf16(text);
+  std::u16string units = ToUtf16(parameters.text());
   bool wanted = true;
   std::optional<Error> failure;
   const SQLHSTMT statement = statement_.get();
@@ -114,6 +115,7 @@ void OdbcLink::Run(std::string_view text, bool first_only, bool prints, BatchSin
     result = SQLMoreResults(statement);
   }
   if (failure) throw Error(*failure);
+  parameters.TakeOutputs();
 }
 
 bool OdbcLink::ResetWithNextBatch() noexcept {

@@ -23,7 +23,7 @@ class OdbcLink {
 
   /// Runs a batch to its end. The first error is raised behind it; `sink` gets what comes before.
   /// @param prints it may send messages behind rows
-  void Run(std::string_view text, bool first_only, bool prints, BatchSink& sink);
+  void Run(SqlCommand& command, bool first_only, bool prints, BatchSink& sink);
   /// Has the server reset the session before the next batch. False when the ODBC driver cannot.
   bool ResetWithNextBatch() noexcept;
 

@@ -1,5 +1,6 @@
 #include "hosts/tds/client_session.h"
 
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <new>
@@ -32,6 +33,17 @@ std::string OnOneLine(std::string_view text) {
     if (static_cast<unsigned char>(c) < ' ') c = ' ';
   }
   return line;
+}
+
+/// What is run, for the log: a batch, or a procedure with the texts that it is given.
+std::string LogLine(const SqlCommand& command) {
+  std::string line(command.text);
+  for (const SqlParameter& parameter : command.parameters) {
+    const auto* bytes = parameter.value.get_if<Bytes>();
+    line.append(&parameter == command.parameters.data() ? " " : ", ");
+    line += bytes == nullptr ? parameter.value.ToText() : "0x" + HexText(bytes->data(), bytes->size());
+  }
+  return OnOneLine(line);
 }
 
 /// Counts the rows of a bulk load, and keeps its first error.
@@ -377,7 +389,7 @@ void ClientSession::AnswerCalls(Reply& reply, std::string_view payload) {
     // What cannot be read hides what follows.
     last = true;
     try {
-      const Call call = calls.Next();
+      Call call = calls.Next();
       last = calls.at_end();
       if (!call.is_unwanted && !AnswerCall(reply, call)) return;
     } catch (const std::exception&) {
@@ -387,21 +399,23 @@ void ClientSession::AnswerCalls(Reply& reply, std::string_view payload) {
   }
 }
 
-bool ClientSession::AnswerCall(Reply& reply, const Call& call) {
-  CallText text = MakeCallText(call, prepared_);
-  CallReply call_reply(reply, call, text);
-  const bool done = text.text.empty() || RunText(call_reply, text.text);
+bool ClientSession::AnswerCall(Reply& reply, Call& call) {
+  const std::string handle_name = call.parameters.empty() ? "" : call.parameters[0].name;
+  DatabaseCall own = TakeCall(call, prepared_);
+  SqlCommand command = SqlCommand::Procedure(own.procedure, own.parameters);
+  const bool done = own.procedure.empty() || RunCommand(reply, command);
   const bool broken_off = EndInterrupted(reply);
-  if (text.handle && (broken_off || !done || call_reply.failed())) {
-    prepared_.Remove(*text.handle);
-    text.handle.reset();
+  if (own.handle && (broken_off || reply.failed())) {
+    prepared_.Remove(*own.handle);
+    own.handle.reset();
   }
-  if (done && !broken_off) call_reply.WriteEnd();
+  constexpr std::int32_t kFailed = -6;
+  if (done && !broken_off) WriteCallEnd(reply, own, reply.failed() ? kFailed : command.status, handle_name);
   return !broken_off;
 }
 
-bool ClientSession::RunText(BatchSink& sink, std::string_view text) {
-  if (service_.verbose) Log(OnOneLine(text));
+bool ClientSession::RunCommand(BatchSink& sink, SqlCommand& command) {
+  if (service_.verbose) Log(LogLine(command));
   if (channel_.TakeAttention()) {
     interruption_.store(Interruption::kAttention);
     return false;
@@ -409,7 +423,11 @@ bool ClientSession::RunText(BatchSink& sink, std::string_view text) {
   try {
     watched_events_.store(POLLIN | POLLRDHUP);
     const BeingWatched watched(watcher_, *this);
-    connection_->ExecuteAll(text, sink);
+    if (command.is_procedure) {
+      command.status = connection_->Call(command.text, command.parameters, sink);
+    } else {
+      connection_->ExecuteAll(command, sink);
+    }
     return true;
   } catch (const std::exception&) {
     const Error error = HandledError();
@@ -423,23 +441,26 @@ void ClientSession::AnswerBatch(Reply& reply, std::string_view payload) {
   SkipHeaders(reader, version_);
   const std::string text = TextOfUtf16Bytes(reader.Bytes(reader.left()));
   bulk_ = ReadBulkInsert(text);
-  if (!bulk_) RunText(reply, text);
+  if (bulk_) return;
+  SqlCommand batch(text);
+  RunCommand(reply, batch);
 }
 
 void ClientSession::AnswerBulkLoad(Reply& reply, const std::string& payload, BulkTarget target) {
   // Inside a transaction of the client's a save point takes back what a failing load has done.
   const bool own = transaction_.open == 0;
   BulkSink sink(own ? nullptr : &reply);
-  const auto run = [&](const std::string& text) { return RunText(sink, text) && !sink.error(); };
+  const auto run = [&](SqlCommand command) { return RunCommand(sink, command) && !sink.error(); };
   // Values for an identity column come only when they are to be kept.
   target.defaults.assign(target.columns.size(), false);
   std::string identity = "SET IDENTITY_INSERT " + target.table;
   bool has_identity = false;
+  std::array<SqlParameter, 1> table{{{"@table", "nvarchar(776)", target.table}}};
   const RecordsetPtr columns = connection_->Query(
-      "SELECT QUOTENAME(c.name) AS n, d.COLUMN_DEFAULT AS d, c.is_identity AS i FROM sys.columns c JOIN"
-      " INFORMATION_SCHEMA.COLUMNS d ON d.COLUMN_NAME = c.name AND d.TABLE_NAME = OBJECT_NAME(c.object_id)"
-      " WHERE c.object_id = OBJECT_ID(" +
-      TextLiteral(target.table) + ")");
+      SqlCommand("SELECT QUOTENAME(c.name) AS n, d.COLUMN_DEFAULT AS d, c.is_identity AS i FROM sys.columns c JOIN"
+                 " INFORMATION_SCHEMA.COLUMNS d ON d.COLUMN_NAME = c.name AND d.TABLE_NAME = OBJECT_NAME(c.object_id)"
+                 " WHERE c.object_id = OBJECT_ID(@table)",
+                 table));
   for (; !columns->eof(); columns->MoveNext()) {
     for (std::size_t i = 0; i < target.columns.size(); ++i) {
       if (!EqualsIgnoreCase(columns->GetText(0), target.columns[i])) continue;
@@ -452,7 +473,7 @@ void ClientSession::AnswerBulkLoad(Reply& reply, const std::string& payload, Bul
   bool done = run(own ? "BEGIN TRANSACTION" : "SAVE TRANSACTION [bulk load]");
   if (done && has_identity) done = run(identity + " ON");
   try {
-    for (std::string text; done && !(text = rows.Next()).empty();) done = run(text);
+    while (done && rows.Next()) done = run(rows.insertion());
   } catch (const std::exception&) {
     done = false;
     sink.StatementFailed(HandledError());
@@ -469,7 +490,9 @@ void ClientSession::AnswerBulkLoad(Reply& reply, const std::string& payload, Bul
 void ClientSession::AnswerTransaction(Reply& reply, std::string_view payload) {
   TdsReader reader(payload);
   SkipHeaders(reader, version_);
-  RunText(reply, TransactionRequestText(reader));
+  const std::string text = TransactionRequestText(reader);
+  SqlCommand batch(text);
+  RunCommand(reply, batch);
 }
 
 }  // namespace tessarlorn::tds

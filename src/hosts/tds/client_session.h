@@ -75,13 +75,13 @@ class ClientSession final : public Watched {
   void AnswerBatch(Reply& reply, std::string_view payload);
   void AnswerCalls(Reply& reply, std::string_view payload);
   /// False when the request was broken off.
-  bool AnswerCall(Reply& reply, const Call& call);
+  bool AnswerCall(Reply& reply, Call& call);
   /// Inserts the rows of a bulk load: all or none.
   void AnswerBulkLoad(Reply& reply, const std::string& payload, BulkTarget target);
   void AnswerTransaction(Reply& reply, std::string_view payload);
   void ResetConnection();
-  /// Runs a text; its failure is the sink's, too.
-  bool RunText(BatchSink& sink, std::string_view text);
+  /// Runs a batch or procedure; its failure is the sink's, too.
+  bool RunCommand(BatchSink& sink, SqlCommand& command);
   /// Whether the request was broken off; an attention is answered.
   bool EndInterrupted(Reply& reply);
   void SayGoodbye();

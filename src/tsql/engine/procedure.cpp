@@ -48,6 +48,38 @@ class Session::Nested {
   std::vector<std::string> temporary_tables_;  // of the caller
 };
 
+/// The arguments of an EXEC.
+class Session::WrittenArguments final : public CallArguments {
+ public:
+  WrittenArguments(Session& session, const Statement& call, Scope& scope)
+      : session_(session), call_(call), scope_(scope) {}
+
+  [[nodiscard]] std::size_t size() const override { return call_.arguments.size(); }
+  [[nodiscard]] std::string name(std::size_t argument) const override {
+    return LowerCase(call_.arguments[argument].first);
+  }
+  [[nodiscard]] bool is_default(std::size_t argument) const override {
+    return call_.arguments[argument].second == nullptr;
+  }
+  Datum Value(std::size_t argument, const SqlType& type) override {
+    return session_.Evaluate(*call_.arguments[argument].second, type, scope_);
+  }
+  void TakeBack(std::size_t argument, const Datum& value, const SqlType& type) override {
+    const ExpressionPtr& variable = call_.arguments[argument].second;
+    if (!call_.argument_outputs[argument] || variable->kind != Expression::Kind::kVariable) return;
+    session_.SetVariable(scope_.frame->Get(variable->text), value, type);
+  }
+  void TakeStatus(std::int32_t status) override {
+    if (call_.result_variable.empty()) return;
+    session_.SetVariable(scope_.frame->Get(call_.result_variable), std::int64_t{status}, IntType());
+  }
+
+ private:
+  Session& session_;
+  const Statement& call_;
+  Scope& scope_;
+};
+
 void Session::RunText(std::string_view text, Frame& frame) {
   const Nested nested(*this, {});
   RunBatch(text, frame);
@@ -55,7 +87,14 @@ void Session::RunText(std::string_view text, Frame& frame) {
 
 void Session::ExecuteProcedure(const Statement& statement, Scope& scope) {
   const int depth = depth_;
-  CallOrRun(statement, scope);
+  if (statement.text_expression != nullptr) {
+    const Datum text = Evaluate(*statement.text_expression, NVarCharType(0), scope);
+    Frame frame;
+    if (const auto* sql = std::get_if<std::string>(&text)) RunText(*sql, frame);
+  } else {
+    WrittenArguments arguments(*this, statement, scope);
+    Call(statement.table, arguments);
+  }
   if (depth_ == depth || (options_.implicit_transactions && depth == 0)) return;
   throw SqlError(266,
                  "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. "
@@ -64,31 +103,23 @@ void Session::ExecuteProcedure(const Statement& statement, Scope& scope) {
                  16, 2);
 }
 
-void Session::CallOrRun(const Statement& statement, Scope& scope) {
-  if (statement.text_expression != nullptr) {
-    const Datum text = Evaluate(*statement.text_expression, NVarCharType(0), scope);
-    const std::string* sql = std::get_if<std::string>(&text);
-    Frame frame;
-    if (sql != nullptr) RunText(*sql, frame);
+void Session::Call(const ObjectName& name, CallArguments& arguments) {
+  if (EqualsIgnoreCase(name.name, "sp_executesql")) {
+    ExecuteSql(arguments);
     return;
   }
-  if (EqualsIgnoreCase(statement.table.name, "sp_executesql")) {
-    ExecuteSql(statement, scope);
-    return;
+  CatalogObjectPtr procedure = FindSystemProcedure(name.name);
+  if (procedure == nullptr) {
+    RequireLocal(name);
+    procedure = catalog_.Find(name.name);
   }
-  if (const CatalogObjectPtr own = FindSystemProcedure(statement.table.name); own != nullptr) {
-    CallProcedure(*own, statement, scope);
-    return;
-  }
-  RequireLocal(statement.table);
-  const CatalogObjectPtr procedure = catalog_.Find(statement.table.name);
   if (procedure == nullptr || procedure->kind != CatalogKind::kProcedure) {
-    throw SqlError(2812, "Could not find stored procedure '" + statement.table.name + "'.");
+    throw SqlError(2812, "Could not find stored procedure '" + name.name + "'.");
   }
-  CallProcedure(*procedure, statement, scope);
+  CallProcedure(*procedure, arguments);
 }
 
-void Session::CallProcedure(const CatalogObject& procedure, const Statement& call, Scope& scope) {
+std::shared_ptr<Plan> Session::PlanOf(const CatalogObject& procedure) {
   std::shared_ptr<Plan>& plan = procedures_[procedure.signature()];
   if (plan == nullptr) {
     Tokens tokens;
@@ -97,40 +128,46 @@ void Session::CallProcedure(const CatalogObject& procedure, const Statement& cal
     plan = std::make_shared<Plan>();
     plan->statement = std::move(statements.at(0));
   }
-  const std::shared_ptr<Plan> body = plan;
-  const Statement& definition = *body->statement;
-  Frame frame;
-  for (const Parameter& parameter : definition.parameters)
-    frame.Declare(parameter.name, ResolveType(parameter.type, false));
-  std::vector<std::pair<std::string, std::string>> outputs;  // parameter, caller's variable
-  std::vector<bool> given(definition.parameters.size(), false);
-  for (std::size_t i = 0; i < call.arguments.size(); ++i) {
-    const std::string& name = call.arguments[i].first;
-    const ExpressionPtr& value = call.arguments[i].second;
+  return plan;
+}
+
+std::vector<std::size_t> Session::TakeArguments(const CatalogObject& procedure,
+                                                const std::vector<Parameter>& parameters, CallArguments& arguments,
+                                                Frame& frame) {
+  std::vector<std::size_t> positions;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string name = arguments.name(i);
     std::size_t position = i;
     if (!name.empty()) {
-      const auto found =
-          std::find_if(definition.parameters.begin(), definition.parameters.end(),
-                       [&](const Parameter& parameter) { return EqualsIgnoreCase(parameter.name, name); });
-      position = static_cast<std::size_t>(found - definition.parameters.begin());
+      const auto found = std::find_if(parameters.begin(), parameters.end(), [&](const Parameter& parameter) {
+        return EqualsIgnoreCase(parameter.name, name);
+      });
+      position = static_cast<std::size_t>(found - parameters.begin());
     }
-    if (position >= definition.parameters.size()) {
+    if (position >= parameters.size()) {
       if (name.empty())
         throw SqlError(8144, "Procedure or function " + procedure.name + " has too many arguments specified.");
       throw SqlError(8145, name + " is not a parameter for procedure " + procedure.name + ".");
     }
-    Variable& parameter = frame.Get(definition.parameters[position].name);
-    given[position] = true;
-    if (value == nullptr) continue;
-    parameter.value = Evaluate(*value, parameter.type, scope);
-    if (call.argument_outputs[i] && value->kind == Expression::Kind::kVariable)
-      outputs.emplace_back(parameter.name, value->text);
+    positions.push_back(position);
+    Variable& parameter = frame.Get(parameters[position].name);
+    if (!arguments.is_default(i)) parameter.value = arguments.Value(i, parameter.type);
   }
+  return positions;
+}
+
+void Session::CallProcedure(const CatalogObject& procedure, CallArguments& arguments) {
+  const std::shared_ptr<Plan> body = PlanOf(procedure);
+  const Statement& definition = *body->statement;
+  const std::vector<Parameter>& parameters = definition.parameters;
+  Frame frame;
+  for (const Parameter& parameter : parameters) frame.Declare(parameter.name, ResolveType(parameter.type, false));
+  const std::vector<std::size_t> positions = TakeArguments(procedure, parameters, arguments, frame);
   Scope inner{&frame, body.get(), {}, {}, nullptr};
   if (body->checked_generation != catalog_.generation()) Revalidate(*body, frame);
-  for (std::size_t i = 0; i < definition.parameters.size(); ++i) {
-    const Parameter& parameter = definition.parameters[i];
-    if (given[i]) continue;
+  for (std::size_t i = 0; i < parameters.size(); ++i) {
+    if (std::find(positions.begin(), positions.end(), i) != positions.end()) continue;
+    const Parameter& parameter = parameters[i];
     if (parameter.default_value == nullptr) {
       throw SqlError(201, "Procedure or function '" + procedure.name + "' expects parameter '" + parameter.name +
                               "', which was not supplied.");
@@ -147,53 +184,64 @@ void Session::CallProcedure(const CatalogObject& procedure, const Statement& cal
   } leave{*this, runtime_.frame};
   runtime_.frame = &frame;
   ExecuteBody(definition.body, inner);
-  for (const auto& [parameter, variable] : outputs) {
-    const Variable& from = frame.Get(parameter);
-    SetVariable(scope.frame->Get(variable), from.value, from.type);
+  for (std::size_t i = 0; i < positions.size(); ++i) {
+    if (arguments.is_default(i)) continue;
+    const Variable& from = frame.Get(parameters[positions[i]].name);
+    arguments.TakeBack(i, from.value, from.type);
   }
-  if (!call.result_variable.empty()) {
-    SetVariable(scope.frame->Get(call.result_variable), std::int64_t{inner.return_value}, IntType());
-  }
+  arguments.TakeStatus(inner.return_value);
 }
 
-void Session::ExecuteSql(const Statement& call, Scope& scope) {
-  if (call.arguments.empty()) {
+const std::vector<Session::Declared>& Session::DeclaredBy(const std::string& declarations) {
+  // A client calls the same few texts again and again.
+  constexpr std::size_t kMostKept = 1000;
+  if (declared_.size() >= kMostKept) declared_.clear();
+  const auto [found, is_new] = declared_.try_emplace(declarations);
+  if (is_new) {
+    try {
+      for (const Parameter& parameter : ParseParameters(declarations, names_)) {
+        found->second.push_back({parameter.name, ResolveType(parameter.type, false)});
+      }
+    } catch (...) {
+      declared_.erase(found);
+      throw;
+    }
+  }
+  return found->second;
+}
+
+void Session::ExecuteSql(CallArguments& arguments) {
+  const auto text_of = [&](std::size_t argument) {
+    if (argument >= arguments.size() || arguments.is_default(argument)) return std::string();
+    Datum value = arguments.Value(argument, NVarCharType(0));
+    auto* text = std::get_if<std::string>(&value);
+    return text == nullptr ? std::string() : std::move(*text);
+  };
+  if (arguments.size() == 0) {
     throw SqlError(214, "Procedure expects parameter '@statement' of type 'ntext/nchar/nvarchar'.");
   }
-  const auto text_of = [&](std::size_t argument) {
-    const Datum value = Evaluate(*call.arguments[argument].second, NVarCharType(0), scope);
-    const auto* text = std::get_if<std::string>(&value);
-    return text == nullptr ? std::string() : *text;
-  };
   const std::string text = text_of(0);
   Frame frame;
-  std::vector<std::pair<std::string, std::string>> outputs;
-  if (call.arguments.size() > 1) {
-    // The declarations read as those of a procedure, OUTPUT and defaults included.
-    const std::string declarations = "CREATE PROCEDURE p " + text_of(1) + " AS RETURN";
-    Tokens tokens;
-    TokenizeDefinition(declarations, names_, tokens);
-    const std::vector<StatementPtr> parsed = ParseStatements(declarations, tokens);
-    const std::vector<Parameter>& parameters = parsed.at(0)->parameters;
-    for (const Parameter& parameter : parameters) {
-      frame.Declare(parameter.name, ResolveType(parameter.type, false));
+  std::vector<Declared> declared;
+  if (arguments.size() > 1) declared = DeclaredBy(text_of(1));
+  for (const Declared& parameter : declared) frame.Declare(parameter.name, parameter.type);
+  constexpr std::size_t kFirst = 2;
+  std::vector<std::string> names;
+  for (std::size_t i = kFirst; i < arguments.size(); ++i) {
+    std::string name = arguments.name(i);
+    if (name.empty() && i - kFirst >= declared.size()) {
+      throw SqlError(8144, "Procedure or function sp_executesql has too many arguments specified.");
     }
-    for (std::size_t i = 2; i < call.arguments.size(); ++i) {
-      const auto& [name, value] = call.arguments[i];
-      if (name.empty() && i - 2 >= parameters.size()) {
-        throw SqlError(8144, "Procedure or function sp_executesql has too many arguments specified.");
-      }
-      Variable& parameter = frame.Get(name.empty() ? parameters[i - 2].name : LowerCase(name));
-      if (value == nullptr) continue;
-      parameter.value = Evaluate(*value, parameter.type, scope);
-      if (call.argument_outputs[i] && value->kind == Expression::Kind::kVariable)
-        outputs.emplace_back(parameter.name, value->text);
-    }
+    if (name.empty()) name = declared[i - kFirst].name;
+    Variable& parameter = frame.Get(name);
+    if (!arguments.is_default(i)) parameter.value = arguments.Value(i, parameter.type);
+    names.push_back(std::move(name));
   }
   RunText(text, frame);
-  for (const auto& [parameter, variable] : outputs) {
-    const Variable& from = frame.Get(parameter);
-    SetVariable(scope.frame->Get(variable), from.value, from.type);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (arguments.is_default(i + kFirst)) continue;
+    const Variable& from = frame.Get(names[i]);
+    arguments.TakeBack(i + kFirst, from.value, from.type);
   }
 }
 

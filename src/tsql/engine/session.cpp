@@ -9,6 +9,8 @@
 #include "tsql/functions/list_table.h"
 #include "tsql/functions/sqlite_value.h"
 #include "tsql/storage/database_file.h"
+#include "tsql/syntax/parser.h"
+#include "tsql/values/variant_datum.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -327,7 +329,70 @@ void Session::ForgetNames() {
   names_ = NameTable();
 }
 
-void Session::Run(std::string_view batch, bool first_only, BatchSink& sink) {
+/// The parameters of a command.
+class Session::TypedArguments final : public CallArguments {
+ public:
+  TypedArguments(SqlCommand& command, DateOrder order) : command_(command), order_(order) {}
+
+  [[nodiscard]] std::size_t size() const override { return command_.parameters.size(); }
+  [[nodiscard]] std::string name(std::size_t argument) const override {
+    return LowerCase(command_.parameters[argument].name);
+  }
+  [[nodiscard]] bool is_default(std::size_t argument) const override {
+    return command_.parameters[argument].is_default;
+  }
+  /// By way of the type that its caller gave it.
+  Datum Value(std::size_t argument, const SqlType& type) override {
+    const SqlParameter& parameter = command_.parameters[argument];
+    const SqlType own = ParseTypeText(LowerCase(parameter.type));
+    Datum value = DatumOf(parameter.value, own, order_);
+    return own == type ? value : Convert(value, own, type, StyleFor(type, 0, order_));
+  }
+  void TakeBack(std::size_t argument, const Datum& value, const SqlType& type) override {
+    SqlParameter& parameter = command_.parameters[argument];
+    if (!parameter.is_output) return;
+    const SqlType own = ParseTypeText(LowerCase(parameter.type));
+    parameter.value = VariantOf(Convert(value, type, own, StyleFor(own, 0, order_)), own);
+  }
+  void TakeStatus(std::int32_t status) override { command_.status = status; }
+
+ private:
+  SqlCommand& command_;
+  DateOrder order_;
+};
+
+void Session::RunCommand(SqlCommand& command) {
+  TypedArguments arguments(command, runtime_.date_order);
+  if (command.is_procedure) {
+    catalog_.Refresh();
+    Call(ParseObjectNameText(command.text, names_), arguments);
+    return;
+  }
+  Frame frame;
+  for (std::size_t i = 0; i < command.parameters.size(); ++i) {
+    const SqlType type = ParseTypeText(LowerCase(command.parameters[i].type));
+    const std::string name = arguments.name(i);
+    frame.Declare(name, type);
+    frame.Get(name).value = arguments.Value(i, type);
+  }
+  RunBatch(command.text, frame);
+  for (std::size_t i = 0; i < command.parameters.size(); ++i) {
+    const Variable& left = frame.Get(arguments.name(i));
+    arguments.TakeBack(i, left.value, left.type);
+  }
+}
+
+/// Bytes of text and parameters.
+std::size_t SizeOf(const SqlCommand& command) {
+  std::size_t size = command.text.size();
+  for (const SqlParameter& parameter : command.parameters) {
+    if (const auto* text = parameter.value.get_if<std::string>()) size += text->size();
+    if (const auto* bytes = parameter.value.get_if<Bytes>()) size += bytes->size();
+  }
+  return size;
+}
+
+void Session::Run(SqlCommand& command, bool first_only, BatchSink& sink) {
   runtime_.cancelled.store(false);
   runtime_.error.reset();
   first_error_.reset();
@@ -335,15 +400,14 @@ void Session::Run(std::string_view batch, bool first_only, BatchSink& sink) {
   call_depth_ = 0;
   caught_.clear();
   scope_identity_.reset();
-  runtime_.memory.Begin(batch.size());
+  runtime_.memory.Begin(SizeOf(command));
   if (names_.size() > kMostNames) ForgetNames();
   Results results{sink, first_only};
   results_ = &results;
-  Frame frame;
   bool takes_back = false;
   try {
     try {
-      RunBatch(batch, frame);
+      RunCommand(command);
     } catch (const SqlError& error) {
       takes_back = error.takes_transaction_back();
       throw;

@@ -14,6 +14,7 @@
 
 #include "platform/connection.h"
 #include "platform/recordset.h"
+#include "tsql/engine/call_arguments.h"
 #include "tsql/engine/plan.h"
 #include "tsql/functions/runtime.h"
 #include "tsql/storage/catalog.h"
@@ -39,8 +40,9 @@ class Session {
   Session& operator=(const Session&) = delete;
   ~Session();
 
-  /// Hands over every row-returning result in order, or only the first.
-  void Run(std::string_view batch, bool first_only, BatchSink& sink);
+  /// Hands over every row-returning result in order, or only the first. The parameters of a batch are its variables;
+  /// what it leaves in outputs comes back in them.
+  void Run(SqlCommand& command, bool first_only, BatchSink& sink);
 
   void BeginContainerTransaction();
   void CommitContainerTransaction();
@@ -55,6 +57,14 @@ class Session {
   enum class Flow : std::uint8_t { kNormal, kBreak, kContinue, kReturn };
 
   class Nested;
+  class WrittenArguments;
+  class TypedArguments;
+
+  /// A parameter of sp_executesql.
+  struct Declared {
+    std::string name;
+    SqlType type;
+  };
 
   /// What SET changes; a procedure or text that was called leaves it as it was.
   struct SetOptions {
@@ -111,6 +121,7 @@ class Session {
   static constexpr std::size_t kMostNames = 100'000;
   void ForgetNames();
   void RunBatch(std::string_view text, Frame& frame);
+  void RunCommand(SqlCommand& command);
   void Declare(const Statement& statement, Frame& frame);
   void Precompile(const PlanCache::Batch& batch, Frame& frame);
   void CompileTree(const Statement& statement, Scope& scope);
@@ -146,9 +157,16 @@ class Session {
   void ExecuteSet(const Statement& statement, Scope& scope);
   void ExecuteSetOption(const Statement& statement, Scope& scope);
   void ExecuteProcedure(const Statement& statement, Scope& scope);
-  void CallOrRun(const Statement& statement, Scope& scope);
-  void CallProcedure(const CatalogObject& procedure, const Statement& call, Scope& scope);
-  void ExecuteSql(const Statement& call, Scope& scope);
+  /// sp_executesql, a procedure of the server's or one of the database's. Raises 2812 for a name that is none.
+  void Call(const ObjectName& name, CallArguments& arguments);
+  void CallProcedure(const CatalogObject& procedure, CallArguments& arguments);
+  std::shared_ptr<Plan> PlanOf(const CatalogObject& procedure);
+  /// Puts the arguments into the frame; answers the parameter of each.
+  static std::vector<std::size_t> TakeArguments(const CatalogObject& procedure,
+                                                const std::vector<Parameter>& parameters, CallArguments& arguments,
+                                                Frame& frame);
+  const std::vector<Declared>& DeclaredBy(const std::string& declarations);
+  void ExecuteSql(CallArguments& arguments);
   void RunText(std::string_view text, Frame& frame);
   void ExecuteTransaction(const Statement& statement);
   void RaiseUser(const Statement& statement, Scope& scope);
@@ -214,6 +232,7 @@ class Session {
   Catalog catalog_;
   PlanCache plans_;
   std::unordered_map<std::string, std::shared_ptr<Plan>> procedures_;  // by signature
+  std::unordered_map<std::string, std::vector<Declared>> declared_;    // by the text of the declarations
   std::vector<std::unique_ptr<PlanCache::Batch>> spare_batches_;
 
   Results* results_ = nullptr;

@@ -3,10 +3,11 @@
 
 #include <algorithm>
 #include <atomic>
+#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <unordered_map>
 
 #include "tsql/values/date_text.h"
 #include "tsql/values/datum.h"
@@ -21,10 +22,14 @@ struct Variable {
   Datum value;
 };
 
-/// The variables of one batch or procedure call. There are few: they are searched one by one.
+/// The variables of one batch or procedure call. Few are searched one by one; of many there is an index.
 class Frame {
  public:
   Variable* Find(std::string_view name) {
+    if (variables_.size() > kFew) {
+      const auto found = index_.find(name);
+      return found == index_.end() ? nullptr : found->second;
+    }
     const auto found = std::find_if(variables_.begin(), variables_.end(),
                                     [&](const Variable& variable) { return variable.name == name; });
     return found == variables_.end() ? nullptr : &*found;
@@ -47,10 +52,18 @@ class Frame {
                      15);
     }
     variables_.push_back({name, type, {}});
+    if (variables_.size() == kFew + 1) {
+      for (Variable& variable : variables_) index_.emplace(variable.name, &variable);
+    } else if (variables_.size() > kFew) {
+      index_.emplace(variables_.back().name, &variables_.back());
+    }
   }
 
  private:
-  std::vector<Variable> variables_;
+  static constexpr std::size_t kFew = 16;
+  /// Their addresses stay.
+  std::deque<Variable> variables_;
+  std::unordered_map<std::string_view, Variable*> index_;
 };
 
 struct Runtime {

@@ -25,6 +25,13 @@ ParsedStatement ParseStatement(std::string_view batch, const Tokens& tokens, std
 /// Parses a whole batch of one CREATE VIEW / CREATE PROCEDURE body or a stored text: every statement to the end.
 std::vector<StatementPtr> ParseStatements(std::string_view batch, const Tokens& tokens);
 
+/// Parses the parameters of a procedure or of sp_executesql: "@a int, @b nvarchar(40) = N'x' OUTPUT". Blank text has
+/// none.
+std::vector<Parameter> ParseParameters(std::string_view text, NameTable& names);
+
+/// Parses an object's name that takes all tokens: "[dbo].[p]".
+ObjectName ParseObjectNameText(std::string_view text, NameTable& names);
+
 /// Parses one value or condition that takes all tokens, as a column's default or check from the catalog.
 ExpressionPtr ParseExpressionText(std::string_view text, NameTable& names);
 

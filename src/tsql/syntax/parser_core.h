@@ -35,6 +35,9 @@ class Parser {
   StatementPtr ParseTerminatedStatement();
   /// A value or a condition.
   ExpressionPtr ParseAny();
+  ObjectName ParseObjectName();
+  /// None when no variable stands here.
+  std::vector<Parameter> ParseParameters();
 
  private:
   /// Counts the levels of nesting while it lives.
@@ -83,7 +86,6 @@ class Parser {
   [[noreturn]] void Refuse(std::string_view feature) const;
   std::string ParseName();
   std::string ParseVariableName();
-  ObjectName ParseObjectName();
   std::vector<std::string> ParseNameList();
   TypeName ParseType();
   int ParseTypeArgument();

@@ -358,10 +358,7 @@ StatementPtr Parser::ParseProcedure(std::size_t begin, bool replace) {
   statement->flag = replace;
   statement->table = ParseObjectName();
   const bool parens = Accept(Op::kLeftParen);
-  while (Peek().kind == TokenKind::kVariable) {
-    statement->parameters.push_back(ParseParameter());
-    if (!Accept(Op::kComma)) break;
-  }
+  statement->parameters = ParseParameters();
   if (parens) Expect(Op::kRightParen);
   if (Accept("with"_kw)) {
     if (!At("recompile"_kw) && !At("encryption"_kw)) Refuse("CREATE PROCEDURE … WITH " + UpperCase(Peek().text));
@@ -376,6 +373,15 @@ StatementPtr Parser::ParseProcedure(std::size_t begin, bool replace) {
   if (statement->body.empty()) Fail();
   statement->source_text = TextBetween(begin, position_);
   return statement;
+}
+
+std::vector<Parameter> Parser::ParseParameters() {
+  std::vector<Parameter> parameters;
+  if (Peek().kind != TokenKind::kVariable) return parameters;
+  do {
+    parameters.push_back(ParseParameter());
+  } while (Accept(Op::kComma));
+  return parameters;
 }
 
 Parameter Parser::ParseParameter() {

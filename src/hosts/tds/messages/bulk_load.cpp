@@ -8,10 +8,6 @@
 namespace tessarlorn::tds {
 namespace {
 
-/// So many rows stand in one statement at most, and no further row when it has so many bytes.
-constexpr std::size_t kMostRows = 500;
-constexpr std::size_t kEnoughBytes = 262'144;
-
 /// Walks over the text of an INSERT BULK.
 class BulkText {
  public:
@@ -92,6 +88,7 @@ BulkRows::BulkRows(TdsReader& reader, TdsVersion version, const BulkTarget& targ
     reader_.Skip(version.is_72() ? 4 : 2);  // the user's type
     reader_.Skip(2);                        // flags
     types_.push_back(ReadWireType(reader_));
+    parameters_.push_back({"@" + std::to_string(i), DeclarationOf(types_.back()), Null{}});
     if (types_.back().is_old_long()) {
       for (int parts = version.is_72() ? reader_.U8() : 1; parts > 0; --parts) reader_.Text(reader_.U16());
     }
@@ -99,45 +96,41 @@ BulkRows::BulkRows(TdsReader& reader, TdsVersion version, const BulkTarget& targ
   }
 }
 
-bool BulkRows::AddRow(std::string& text) {
+Variant BulkRows::ReadColumn(std::size_t column) {
+  constexpr std::size_t kTimestamp = 8;
+  if (types_[column].is_old_long()) {
+    const std::size_t pointer = reader_.U8();
+    if (pointer == 0) return Null{};
+    reader_.Skip(pointer + kTimestamp);
+  }
+  return ReadVariant(reader_, types_[column], target_.columns[column]);
+}
+
+bool BulkRows::Next() {
   if (reader_.at_end() || reader_.Peek() == static_cast<std::uint8_t>(Token::kDone)) return false;
   if (reader_.U8() != static_cast<std::uint8_t>(Token::kRow)) {
     throw ProtocolError("what follows in a bulk load is no row");
   }
-  text += '(';
+  std::vector<bool> defaulted(types_.size());
   for (std::size_t i = 0; i < types_.size(); ++i) {
-    std::string literal = "NULL";
-    bool null = false;
-    if (types_[i].is_old_long()) {
-      const std::size_t pointer = reader_.U8();
-      null = pointer == 0;
-      if (!null) reader_.Skip(pointer + 8);
-    }
-    if (!null) literal = ReadLiteral(reader_, types_[i], target_.columns[i]);
-    if (literal == "NULL" && !target_.keep_nulls && target_.defaults[i]) literal = "DEFAULT";
-    if (i > 0) text += ',';
-    text += literal;
+    parameters_[i].value = ReadColumn(i);
+    defaulted[i] = parameters_[i].value.is_null() && !target_.keep_nulls && target_.defaults[i];
   }
-  text += ')';
+  if (text_.empty() || defaulted != defaulted_) {
+    defaulted_ = std::move(defaulted);
+    WriteText();
+  }
   return true;
 }
 
-std::string BulkRows::Next() {
-  std::string text;
-  std::size_t rows = 0;
-  std::string row;
-  while (rows < kMostRows && text.size() < kEnoughBytes && AddRow(row)) {
-    if (rows++ == 0) {
-      text = "INSERT INTO " + target_.table + " (";
-      for (std::size_t i = 0; i < target_.columns.size(); ++i) text += (i == 0 ? "" : ", ") + target_.columns[i];
-      text += ") VALUES ";
-    } else {
-      text += ',';
-    }
-    text += row;
-    row.clear();
+void BulkRows::WriteText() {
+  std::string columns;
+  std::string values;
+  for (std::size_t i = 0; i < types_.size(); ++i) {
+    columns.append(i == 0 ? "" : ", ").append(target_.columns[i]);
+    values.append(i == 0 ? "" : ", ").append(defaulted_[i] ? "DEFAULT" : parameters_[i].name);
   }
-  return text;
+  text_ = "INSERT INTO " + target_.table + " (" + columns + ") VALUES (" + values + ")";
 }
 
 }  // namespace tessarlorn::tds

@@ -25,23 +25,30 @@ struct BulkTarget {
 /// The target of an INSERT BULK, nothing for any other batch. Raises Error 102 for a malformed one.
 std::optional<BulkTarget> ReadBulkInsert(std::string_view batch);
 
-/// Turns the rows of a bulk load into INSERT statements, some rows at a time.
+/// Reads the rows of a bulk load, each as an INSERT.
 class BulkRows {
  public:
   /// Reads the columns. `reader` and `target` live as long as this. Raises ProtocolError for what is malformed, Error
   /// 4801 when the columns are others than those of the target, and what ReadParameter raises for types.
   BulkRows(TdsReader& reader, TdsVersion version, const BulkTarget& target);
 
-  /// The next statement, "" behind the last row.
-  std::string Next();
+  /// Reads the next row; false behind the last one.
+  bool Next();
+  /// Of the row that was read last; refers to this.
+  [[nodiscard]] SqlCommand insertion() { return {text_, parameters_}; }
 
  private:
-  /// A row's values in parentheses; false behind the last row.
-  bool AddRow(std::string& text);
+  /// The value of the column, Null for none.
+  Variant ReadColumn(std::size_t column);
+  void WriteText();
 
   TdsReader& reader_;
   const BulkTarget& target_;
   std::vector<WireType> types_;
+  std::vector<SqlParameter> parameters_;
+  // Whether each column of the row that was read last gets its default; the text is that of such rows.
+  std::vector<bool> defaulted_;
+  std::string text_;
 };
 
 }  // namespace tessarlorn::tds

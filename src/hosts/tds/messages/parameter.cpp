@@ -158,24 +158,16 @@ std::int64_t IntegerOf(const std::string& bytes) {
   }
 }
 
-std::string FloatLiteral(const std::string& bytes) {
+double FloatOf(const std::string& bytes) {
   RequireSize(bytes, {4, 8});
-  std::array<char, 40> text{};
   const auto bits = NumberOf(bytes);
-  char* end = nullptr;
-  if (bytes.size() == 4) {
-    const auto value = std::bit_cast<float>(static_cast<std::uint32_t>(bits));
-    if (!std::isfinite(value)) throw NoValueOfItsType();
-    end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific).ptr;
-  } else {
-    const auto value = std::bit_cast<double>(bits);
-    if (!std::isfinite(value)) throw NoValueOfItsType();
-    end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific).ptr;
-  }
-  return {text.data(), end};
+  const double value =
+      bytes.size() == 4 ? double{std::bit_cast<float>(static_cast<std::uint32_t>(bits))} : std::bit_cast<double>(bits);
+  if (!std::isfinite(value)) throw NoValueOfItsType();
+  return value;
 }
 
-std::string DecimalLiteral(const std::string& bytes, int scale) {
+Decimal DecimalOf(const std::string& bytes, int scale) {
   // Some clients send no more bytes than the precision needs.
   Decimal::Limbs limbs{};
   TdsReader reader(bytes);
@@ -185,10 +177,10 @@ std::string DecimalLiteral(const std::string& bytes, int scale) {
     limb = static_cast<std::uint32_t>(reader.Number(std::min<std::size_t>(reader.left(), 4)));
   const std::optional<Decimal> value = Decimal::FromLimbs(limbs, scale, negative);
   if (!value) throw NoValueOfItsType();
-  return value->ToString();
+  return *value;
 }
 
-std::string MoneyLiteral(const std::string& bytes) {
+Decimal MoneyOf(const std::string& bytes) {
   RequireSize(bytes, {4, 8});
   constexpr int kMoneyScale = 4;
   TdsReader reader(bytes);
@@ -199,17 +191,14 @@ std::string MoneyLiteral(const std::string& bytes) {
     const std::uint64_t high = reader.U32();
     units = static_cast<std::int64_t>((high << 32) | reader.U32());
   }
-  return Decimal::FromScaled(units, kMoneyScale).ToString();
+  return Decimal::FromScaled(units, kMoneyScale);
 }
 
-std::string DateTimeText(std::int64_t days_since_1900, std::int64_t milliseconds) {
+DateTime DateTimeOf(std::int64_t days_since_1900, std::int64_t milliseconds) {
   const DateTime value(days_since_1900 * kMillisecondsOfDay + milliseconds);
   const CivilTime civil = value.ToCivil();
   if (civil.year < 1 || civil.year > 9999) throw NoValueOfItsType();
-  // With a T the order of day and month depends on no setting.
-  std::string text = value.ToString(true);
-  text[10] = 'T';
-  return text;
+  return value;
 }
 
 /// Units of 10^-scale of a second in milliseconds, rounded.
@@ -224,21 +213,21 @@ std::int64_t TimeOf(const std::string& bytes, std::size_t size, int scale) {
   return std::min(units, kMillisecondsOfDay - 1);
 }
 
-std::string DateLiteral(const std::string& bytes, const WireType& type) {
+Variant DateOf(const std::string& bytes, const WireType& type) {
   const auto days_of = [](std::string_view three) {
     return static_cast<std::int64_t>(TdsReader(three).Number(3)) - kDaysBefore1900;
   };
   switch (type.code) {
     case TypeCode::kDateN:
       RequireSize(bytes, {3});
-      return "'" + DateTimeText(days_of(bytes), 0).substr(0, 10) + "'";
+      return DateTimeOf(days_of(bytes), 0);
     case TypeCode::kTimeN:
       RequireSize(bytes, {3, 4, 5});
-      return "'" + DateTimeText(0, TimeOf(bytes, bytes.size(), type.scale)).substr(11) + "'";
+      return DateTimeOf(0, TimeOf(bytes, bytes.size(), type.scale));
     case TypeCode::kDateTime2N: {
       RequireSize(bytes, {6, 7, 8});
       const std::size_t size = bytes.size() - 3;
-      return "'" + DateTimeText(days_of(std::string_view(bytes).substr(size)), TimeOf(bytes, size, type.scale)) + "'";
+      return DateTimeOf(days_of(std::string_view(bytes).substr(size)), TimeOf(bytes, size, type.scale));
     }
     case TypeCode::kDateTimeOffsetN: {
       // The moment stands in UTC, and is written as its own clock shows it.
@@ -252,7 +241,7 @@ std::string DateLiteral(const std::string& bytes, const WireType& type) {
       std::array<char, 16> zone{};
       std::snprintf(zone.data(), zone.size(), " %c%02d:%02d", offset < 0 ? '-' : '+', std::abs(offset) / 60,
                     std::abs(offset) % 60);
-      return "'" + DateTimeText(days_of(rest.substr(0, 3)), local) + zone.data() + "'";
+      return DateTimeOf(days_of(rest.substr(0, 3)), local).ToString(true) + zone.data();
     }
     default:
       break;
@@ -263,16 +252,16 @@ std::string DateLiteral(const std::string& bytes, const WireType& type) {
     const std::int64_t day = reader.U16();
     const std::int64_t minute = reader.U16();
     if (minute >= 1440) throw NoValueOfItsType();
-    return "'" + DateTimeText(day, minute * 60'000) + "'";
+    return DateTimeOf(day, minute * 60'000);
   }
   const auto day = static_cast<std::int32_t>(reader.U32());
   const std::int64_t ticks = reader.U32();
   if (ticks >= kMillisecondsOfDay * 3 / 10) throw NoValueOfItsType();
-  return "'" + DateTimeText(day, (ticks * 10 + 1) / 3) + "'";
+  return DateTimeOf(day, (ticks * 10 + 1) / 3);
 }
 
 /// The first three groups stand with their lowest byte first.
-std::string GuidLiteral(std::string bytes) {
+std::string GuidText(std::string bytes) {
   RequireSize(bytes, {16});
   std::swap(bytes[0], bytes[3]);
   std::swap(bytes[1], bytes[2]);
@@ -280,7 +269,7 @@ std::string GuidLiteral(std::string bytes) {
   std::swap(bytes[6], bytes[7]);
   std::string text = HexText(bytes.data(), bytes.size());
   for (const std::size_t dash : {8, 13, 18, 23}) text.insert(dash, "-");
-  return "'" + text + "'";
+  return text;
 }
 
 /// "(40)", "(max)": of at least one character.
@@ -289,6 +278,32 @@ std::string SizeText(const WireType& type, std::size_t unit, std::size_t most) {
   if (type.size >= kUnlimited || size > most) return "(max)";
   return "(" + std::to_string(size == 0 ? 1 : size) + ")";
 }
+
+/// Of what is neither text nor binary.
+Variant ValueOf(const WireType& type, const std::string& value) {
+  switch (type.code) {
+    case TypeCode::kBit:
+    case TypeCode::kBitN:
+      return IntegerOf(value) != 0;
+    case TypeCode::kFloat4:
+    case TypeCode::kFloat8:
+    case TypeCode::kFloatN:
+      return FloatOf(value);
+    case TypeCode::kDecimalN:
+    case TypeCode::kNumericN:
+      return DecimalOf(value, type.scale);
+    case TypeCode::kMoney:
+    case TypeCode::kMoney4:
+    case TypeCode::kMoneyN:
+      return MoneyOf(value);
+    case TypeCode::kGuid:
+      return GuidText(value);
+    default:
+      return IsInteger(type.code) ? Variant(IntegerOf(value)) : DateOf(value, type);
+  }
+}
+
+}  // namespace
 
 std::string DeclarationOf(const WireType& type) {
   constexpr std::size_t kMostBytes = 8000;
@@ -339,62 +354,6 @@ std::string DeclarationOf(const WireType& type) {
       return "nvarchar" + SizeText(type, 2, kMostBytes / 2);
   }
 }
-
-/// Of what is neither text nor binary.
-std::string LiteralOf(const WireType& type, const std::string& value) {
-  switch (type.code) {
-    case TypeCode::kBit:
-    case TypeCode::kBitN:
-      return IntegerOf(value) != 0 ? "1" : "0";
-    case TypeCode::kFloat4:
-    case TypeCode::kFloat8:
-    case TypeCode::kFloatN:
-      return FloatLiteral(value);
-    case TypeCode::kDecimalN:
-    case TypeCode::kNumericN:
-      return DecimalLiteral(value, type.scale);
-    case TypeCode::kMoney:
-    case TypeCode::kMoney4:
-    case TypeCode::kMoneyN:
-      return MoneyLiteral(value);
-    case TypeCode::kGuid:
-      return GuidLiteral(value);
-    default:
-      return IsInteger(type.code) ? std::to_string(IntegerOf(value)) : DateLiteral(value, type);
-  }
-}
-
-/// Fills in type, literal and value.
-void ReadInto(Parameter& parameter, TdsReader& reader, const WireType& type) {
-  parameter.type = DeclarationOf(type);
-  const std::optional<std::string> value = ReadValue(reader, type);
-  if (!value) {
-    parameter.literal = "NULL";
-    return;
-  }
-  if (IsText(type.code)) {
-    parameter.text = IsUtf16(type.code) ? TextOfUtf16Bytes(*value) : NarrowText(*value, type.collation);
-    parameter.literal = TextLiteral(*parameter.text);
-    return;
-  }
-  if (IsBinary(type.code)) {
-    parameter.literal = "0x" + HexText(value->data(), value->size());
-    return;
-  }
-  try {
-    parameter.literal = LiteralOf(type, *value);
-  } catch (const NoValueOfItsType&) {
-    throw Error(error_number::kDataOverflow, kServerName,
-                "Parameter (\"" + parameter.name + "\"): The supplied value is not a valid instance of data type " +
-                    parameter.type + ". Check the source data for invalid values.",
-                {8023, "42000"});
-  }
-  if (IsInteger(type.code)) parameter.number = IntegerOf(*value);
-}
-
-}  // namespace
-
-std::string TextLiteral(std::string_view text) { return "N'" + ReplaceAll(text, "'", "''") + "'"; }
 
 bool WireType::is_old_long() const noexcept {
   return code == TypeCode::kText || code == TypeCode::kNText || code == TypeCode::kImage;
@@ -487,24 +446,32 @@ WireType ReadWireType(TdsReader& reader) {
   }
 }
 
-std::string ReadLiteral(TdsReader& reader, const WireType& type, const std::string& name) {
-  Parameter parameter;
-  parameter.name = name;
-  ReadInto(parameter, reader, type);
-  // A datetime does not take a text with an offset, but does take a datetimeoffset.
-  const bool moment = type.code == TypeCode::kDateTimeOffsetN && parameter.literal != "NULL";
-  return moment ? "CAST(" + parameter.literal + " AS " + parameter.type + ")" : parameter.literal;
+Variant ReadVariant(TdsReader& reader, const WireType& type, const std::string& name) {
+  const std::optional<std::string> value = ReadValue(reader, type);
+  if (!value) return Null{};
+  if (IsText(type.code)) return IsUtf16(type.code) ? TextOfUtf16Bytes(*value) : NarrowText(*value, type.collation);
+  if (IsBinary(type.code)) return Bytes(value->begin(), value->end());
+  try {
+    return ValueOf(type, *value);
+  } catch (const NoValueOfItsType&) {
+    throw Error(error_number::kDataOverflow, kServerName,
+                "Parameter (\"" + name + "\"): The supplied value is not a valid instance of data type " +
+                    DeclarationOf(type) + ". Check the source data for invalid values.",
+                {8023, "42000"});
+  }
 }
 
-Parameter ReadParameter(TdsReader& reader) {
+SqlParameter ReadParameter(TdsReader& reader) {
   constexpr std::uint8_t kByReference = 0x01;
   constexpr std::uint8_t kDefault = 0x02;
-  Parameter parameter;
+  SqlParameter parameter;
   parameter.name = reader.ShortText();
   const std::uint8_t flags = reader.U8();
   parameter.is_output = (flags & kByReference) != 0;
   parameter.is_default = (flags & kDefault) != 0;
-  ReadInto(parameter, reader, ReadWireType(reader));
+  const WireType type = ReadWireType(reader);
+  parameter.type = DeclarationOf(type);
+  parameter.value = ReadVariant(reader, type, parameter.name);
   return parameter;
 }
 

@@ -39,6 +39,8 @@ class Reply : public BatchSink {
 
   /// An error that ends the request.
   void Fail(const Error& error);
+  /// Whether something failed since the request or call began.
+  [[nodiscard]] bool failed() const noexcept { return failed_; }
   /// For further tokens, behind all results so far. What there is of them is sent when it is much.
   TdsWriter& Tokens();
   /// Ends a batch.

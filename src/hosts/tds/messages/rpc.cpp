@@ -50,6 +50,16 @@ bool AtNextCall(const TdsReader& reader, TdsVersion version) {
   return reader.Peek() == kNextCall || reader.Peek() == kNextCallUnwanted;
 }
 
+/// Raises when a parameter's name is anything but a name.
+void CheckNames(const Call& call) {
+  for (const SqlParameter& parameter : call.parameters) {
+    const std::string& name = parameter.name;
+    bool good = name.empty() || (name.size() > 1 && name.front() == '@');
+    for (const char c : name) good = good && IsNameCharacter(c);
+    if (!good) RaiseCall(8145, "'" + name + "' is no name of a parameter.");
+  }
+}
+
 Call ReadCall(TdsReader& reader, TdsVersion version) {
   Call call;
   const std::uint16_t size = reader.U16();
@@ -81,88 +91,52 @@ std::string QuotedName(std::string_view name) {
   return *quoted;
 }
 
-/// Raises when a parameter's name is anything but a name.
-const std::string& CheckedName(const Parameter& parameter) {
-  const std::string& name = parameter.name;
-  bool good = name.empty() || (name.size() > 1 && name.front() == '@');
-  for (const char c : name) good = good && IsNameCharacter(c);
-  if (!good) RaiseCall(8145, "'" + name + "' is no name of a parameter.");
-  return name;
-}
-
 const std::string& TextParameter(const Call& call, std::size_t position, std::string_view what) {
-  if (position >= call.parameters.size() || !call.parameters[position].text) {
+  const std::string* text =
+      position < call.parameters.size() ? call.parameters[position].value.get_if<std::string>() : nullptr;
+  if (text == nullptr) {
     RaiseCall(214, "Procedure expects parameter '" + std::string(what) + "' of type 'ntext/nchar/nvarchar'.");
   }
-  return *call.parameters[position].text;
+  return *text;
 }
 
 /// As TextParameter, and "" for a null or when it is not there.
 std::string OptionalText(const Call& call, std::size_t position) {
   if (position >= call.parameters.size()) return "";
-  return call.parameters[position].text.value_or("");
+  const std::string* text = call.parameters[position].value.get_if<std::string>();
+  return text == nullptr ? "" : *text;
+}
+
+/// The first parameter when it is a whole number.
+std::optional<std::int64_t> FindHandle(const Call& call) {
+  if (call.parameters.empty()) return std::nullopt;
+  const Variant& value = call.parameters[0].value;
+  if (!value.holds<std::int32_t>() && !value.holds<std::int16_t>()) return std::nullopt;
+  return value.ToInt32();
 }
 
 std::int64_t HandleParameter(const Call& call) {
-  if (call.parameters.empty() || !call.parameters[0].number) {
-    RaiseCall(214, "Procedure expects parameter '@handle' of type 'int'.");
-  }
-  return *call.parameters[0].number;
+  const std::optional<std::int64_t> handle = FindHandle(call);
+  if (!handle) RaiseCall(214, "Procedure expects parameter '@handle' of type 'int'.");
+  return *handle;
 }
-
-/// Puts together the text of a call with its outputs in variables.
-class CallWriter {
- public:
-  explicit CallWriter(const Call& call) : call_(call) {}
-
-  /// `EXEC head, parameters`, those from `first` on.
-  /// @param status the procedure gives a return status
-  CallText Write(const std::string& head, std::size_t first, bool status) {
-    std::string declarations;
-    std::string list;
-    for (std::size_t i = first; i < call_.parameters.size(); ++i) {
-      const Parameter& parameter = call_.parameters[i];
-      if (!list.empty()) list += ", ";
-      const std::string& name = CheckedName(parameter);
-      if (!name.empty()) list += name + "=";
-      if (parameter.is_default) {
-        list += "DEFAULT";
-      } else if (parameter.is_output) {
-        const std::string variable = "@tds_" + std::to_string(result_.outputs.size());
-        declarations += "DECLARE " + variable + " " + parameter.type + " = " + parameter.literal + "\n";
-        columns_ += ", " + variable;
-        list += variable + " OUTPUT";
-        result_.outputs.push_back(i);
-      } else {
-        list += parameter.literal;
-      }
-    }
-    result_.has_result = status || !result_.outputs.empty();
-    if (status) declarations += "DECLARE @tds_status int = 0\n";
-    result_.text = declarations + "EXEC " + (status ? "@tds_status = " : "") + head;
-    if (!list.empty()) result_.text += (head.ends_with('\'') ? ", " : " ") + list;
-    if (result_.has_result) {
-      result_.text +=
-          std::string("\nSELECT ") + (status ? "@tds_status" : "0") + " AS [" + kOutputColumn + "]" + columns_;
-    }
-    return std::move(result_);
-  }
-
- private:
-  const Call& call_;
-  CallText result_;
-  std::string columns_;
-};
 
 std::size_t BytesOf(const Prepared& prepared) { return prepared.statement.size() + prepared.declarations.size(); }
 
 /// Runs a statement with the parameters from `first` on.
-CallText ExecutionText(const Call& call, const Prepared& prepared, std::size_t first) {
-  if (prepared.declarations.empty() && first >= call.parameters.size()) {
-    return CallWriter(call).Write("sp_executesql " + TextLiteral(prepared.statement), first, false);
+DatabaseCall ExecutionOf(Call& call, const Prepared& prepared, std::size_t first) {
+  DatabaseCall execution;
+  execution.procedure = "sp_executesql";
+  execution.parameters.push_back({"", "nvarchar(max)", prepared.statement});
+  if (!prepared.declarations.empty() || first < call.parameters.size()) {
+    execution.parameters.push_back({"", "nvarchar(max)", prepared.declarations});
   }
-  return CallWriter(call).Write(
-      "sp_executesql " + TextLiteral(prepared.statement) + ", " + TextLiteral(prepared.declarations), first, false);
+  execution.first_here = execution.parameters.size();
+  execution.first_of_call = first;
+  for (std::size_t i = first; i < call.parameters.size(); ++i) {
+    execution.parameters.push_back(std::move(call.parameters[i]));
+  }
+  return execution;
 }
 
 }  // namespace
@@ -204,24 +178,25 @@ void PreparedStatements::Clear() noexcept {
   bytes_ = 0;
 }
 
-CallText MakeCallText(const Call& call, PreparedStatements& prepared) {
+DatabaseCall TakeCall(Call& call, PreparedStatements& prepared) {
+  CheckNames(call);
   switch (call.procedure) {
     case KnownProcedure::kExecuteSql:
-      return ExecutionText(call, {TextParameter(call, 0, "@statement"), OptionalText(call, 1)}, 2);
+      return ExecutionOf(call, {TextParameter(call, 0, "@statement"), OptionalText(call, 1)}, 2);
     case KnownProcedure::kPrepare: {
-      CallText text;
-      text.handle = prepared.Add({TextParameter(call, 2, "@stmt"), OptionalText(call, 1)});
-      return text;
+      DatabaseCall nothing;
+      nothing.handle = prepared.Add({TextParameter(call, 2, "@stmt"), OptionalText(call, 1)});
+      return nothing;
     }
     case KnownProcedure::kExecute:
-      return ExecutionText(call, prepared.Get(HandleParameter(call)), 1);
+      return ExecutionOf(call, prepared.Get(HandleParameter(call)), 1);
     case KnownProcedure::kPrepareAndExecute: {
       const Prepared fresh{TextParameter(call, 2, "@stmt"), OptionalText(call, 1)};
-      CallText text = ExecutionText(call, fresh, 3);
       // A handle that is given is that of a statement which the new one replaces.
-      if (call.parameters[0].number && *call.parameters[0].number != 0) prepared.Remove(*call.parameters[0].number);
-      text.handle = prepared.Add(fresh);
-      return text;
+      if (const auto replaced = FindHandle(call); replaced && *replaced != 0) prepared.Remove(*replaced);
+      DatabaseCall execution = ExecutionOf(call, fresh, 3);
+      execution.handle = prepared.Add(fresh);
+      return execution;
     }
     case KnownProcedure::kUnprepare:
       prepared.Remove(HandleParameter(call));
@@ -229,7 +204,10 @@ CallText MakeCallText(const Call& call, PreparedStatements& prepared) {
     case KnownProcedure::kNone:
       break;
   }
-  return CallWriter(call).Write(QuotedName(call.name), 0, true);
+  DatabaseCall execution;
+  execution.procedure = QuotedName(call.name);
+  execution.parameters = std::move(call.parameters);
+  return execution;
 }
 
 }  // namespace tessarlorn::tds

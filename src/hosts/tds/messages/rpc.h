@@ -1,8 +1,9 @@
-// Calls of procedures: read from a request, and turned into Transact-SQL.
+// Calls of procedures: read from a request, and turned into calls of the database.
 #pragma once
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,7 +26,7 @@ struct Call {
   KnownProcedure procedure = KnownProcedure::kNone;
   /// As the client wrote it, when it is none of the known.
   std::string name;
-  std::vector<Parameter> parameters;
+  std::vector<SqlParameter> parameters;
   /// The client sent it, and does not want it run.
   bool is_unwanted = false;
 };
@@ -72,24 +73,20 @@ class PreparedStatements {
   std::int32_t last_ = 0;
 };
 
-/// What is to be run for a call.
-struct CallText {
+/// What the database is asked for a call.
+struct DatabaseCall {
   /// "" when nothing is to be run.
-  std::string text;
-  /// Positions in the call's parameters of the output values, in the order of the columns of the result that the text
-  /// ends with, behind the return status.
-  std::vector<std::size_t> outputs;
-  /// The text ends with a result of status and outputs.
-  bool has_result = false;
+  std::string procedure;
+  std::vector<SqlParameter> parameters;
+  /// The place of the first parameter that the client gave, here and in its call.
+  std::size_t first_here = 0;
+  std::size_t first_of_call = 0;
   /// The handle that a prepare gives.
   std::optional<std::int32_t> handle;
 };
 
-/// The name of the first column of the result that holds status and outputs.
-inline constexpr const char* kOutputColumn = "$tds_output";
-
-/// Prepares and forgets statements, and answers what else is to be run. A handle that it gives is to be removed when
-/// that fails.
-CallText MakeCallText(const Call& call, PreparedStatements& prepared);
+/// Prepares and forgets statements, and tells what else is to be run; it takes the parameters of the call. A handle
+/// that it gives is to be removed when that fails.
+DatabaseCall TakeCall(Call& call, PreparedStatements& prepared);
 
 }  // namespace tessarlorn::tds

@@ -1,4 +1,5 @@
 // A new consignee or address, which makes the waybill void.
+#include "amend/contracts.h"
 #include "frame/clsSaveData.h"
 #include "frame/order_call.h"
 #include "frame/text_builder.h"
@@ -6,7 +7,8 @@
 namespace tessarlorn {
 
 bool clsSaveData::ChangeAddess(const Dictionary* dctPara) {
-  return CallForOrders(State(), "ChangeAddess", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsSaveData::ChangeAddess>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     for (const std::string_view field :
          {"FConsignee", "FTelephone", "FDeliveryProvince", "FDeliveryCity", "FDeliveryDistrict", "FDeliveryAddress"}) {
       WriteSaveOrderLog(call.orders, "0", field, call.parameters.Text(field));

@@ -1,4 +1,5 @@
 // Which cost invoice covers an order, and the price differences that are settled with it.
+#include "amend/contracts.h"
 #include "frame/clsGetData.h"
 #include "frame/clsSaveData.h"
 #include "frame/order_call.h"
@@ -7,7 +8,8 @@
 namespace tessarlorn {
 
 bool clsSaveData::UpdateCostInvoiceStatus(const Dictionary* dctPara) {
-  return CallForOrders(State(), "ChangeAddess", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsSaveData::UpdateCostInvoiceStatus>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     WriteOPLog(call.orders, "3007", "0", "", "");
     TextBuilder text;
     text.Append(R"(
@@ -23,8 +25,8 @@ WHERE   t1.FID IN ({FID})
 }
 
 bool clsSaveData::UpdateAfterDeleteBill(std::string_view sDsn, std::string_view sFID) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsSaveData.UpdateAfterDeleteBill";
-  return CallForKeys(State(), kSource, sDsn, sFID, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsSaveData::UpdateAfterDeleteBill>;
+  return CallForTexts(State(), contract, {sDsn, sFID}, [&](Connection& connection) {
     TextBuilder text;
     text.Line(" Update t1 ");
     text.Line("SET     t1.FFeeBillNO = '' ");
@@ -36,9 +38,9 @@ bool clsSaveData::UpdateAfterDeleteBill(std::string_view sDsn, std::string_view 
 }
 
 std::int32_t clsGetData::GetWebFIDByCostInoviceID(std::string_view sDsn, std::int32_t lInoviceID) {
-  constexpr std::string_view kSource = "TessarMWebOrder.TessarMWebOrderInfo.GetWebFIDByInoviceID";
+  constexpr const Contract& contract = kContract<&clsGetData::GetWebFIDByCostInoviceID>;
   constexpr std::int32_t kNotOneOrder = -1;
-  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) {
+  return CallOperation(State(), contract, sDsn, [&](Connection& connection) {
     TextBuilder text;
     text.Append(R"(
  SELECT DISTINCT iwee.FID
@@ -53,8 +55,8 @@ std::int32_t clsGetData::GetWebFIDByCostInoviceID(std::string_view sDsn, std::in
 }
 
 RecordsetPtr clsGetData::GetTotalPriceChange(std::string_view sDsn, std::string_view sFIDs) {
-  if (sDsn.empty()) return nullptr;
-  return CallOperation(State(), "GetBatchNo", sDsn, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetTotalPriceChange>;
+  return CallForTexts(State(), contract, {sDsn}, [&](Connection& connection) {
     TextBuilder text;
     text.Line(
         "SELECT FID,SUM(ISNULL(FAfterDiscountAmount,0)) as FTotalPriceChange,SUM(ISNULL(FBuyerFreight,0)) as "

@@ -1,4 +1,5 @@
 // Whether orders have a sales invoice or an internal one, and whether billing is marked.
+#include "amend/contracts.h"
 #include "frame/clsGetData.h"
 #include "frame/order_call.h"
 #include "frame/results.h"
@@ -7,7 +8,8 @@
 namespace tessarlorn {
 
 std::optional<Dictionary> clsGetData::CheckInnerInvoice(const Dictionary* dctPara) {
-  return CallForOrders(State(), "CheckInnerInvoice", dctPara, [](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsGetData::CheckInnerInvoice>;
+  return CallForOrders(State(), contract, dctPara, [](const OrderCall& call) {
     TextBuilder text;
     text.Line("SELECT DISTINCT");
     text.Line("        FID ,");
@@ -21,8 +23,8 @@ std::optional<Dictionary> clsGetData::CheckInnerInvoice(const Dictionary* dctPar
 }
 
 bool clsGetData::GetIsMarkBilling(std::string_view sDsn) {
-  if (sDsn.empty()) return false;
-  return CallOperation(State(), "GetIsMarkBilling", sDsn, [](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetIsMarkBilling>;
+  return CallForTexts(State(), contract, {sDsn}, [](Connection& connection) {
     TextBuilder text;
     text.Line(
         "select COUNT(1) as flag  from t_SystemProfile where FKey ='MarkBilling' and FValue =1 and FCategory='EC' ");
@@ -31,7 +33,8 @@ bool clsGetData::GetIsMarkBilling(std::string_view sDsn) {
 }
 
 bool clsGetData::bExistInvoice(const Dictionary* dctPara) {
-  return CallForOrders(State(), "bExistInvoice", dctPara, [](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsGetData::bExistInvoice>;
+  return CallForOrders(State(), contract, dctPara, [](const OrderCall& call) {
     constexpr std::string_view kQuery = R"(
 SELECT  COUNT(11) AS Flag
 FROM    ICSaleEntry t1

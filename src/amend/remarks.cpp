@@ -1,4 +1,5 @@
 // The three remarks that an order carries: the seller's, the buyer's wishes for the delivery, the shipper's.
+#include "amend/contracts.h"
 #include "frame/clsSaveData.h"
 #include "frame/key_list.h"
 #include "frame/order_call.h"
@@ -7,7 +8,7 @@
 namespace tessarlorn {
 
 struct clsSaveData::RemarkChange {
-  std::string_view source;
+  const Contract& contract;
   /// The key of the new remark, and the column.
   std::string_view field;
   /// The assignment, with {remark} for the new remark.
@@ -18,7 +19,7 @@ struct clsSaveData::RemarkChange {
 };
 
 bool clsSaveData::OrderRemark(const Dictionary* dctPara) {
-  return ChangeRemark(dctPara, {.source = "OrderRemark",
+  return ChangeRemark(dctPara, {.contract = kContract<&clsSaveData::OrderRemark>,
                                 .field = "FSellerMessage",
                                 .replace = "SET    FSellerMessage ='{remark}'\r\n",
                                 .append = "SET    FSellerMessage = FSellerMessage + '\\{remark}'\r\n",
@@ -28,14 +29,14 @@ bool clsSaveData::OrderRemark(const Dictionary* dctPara) {
 }
 
 bool clsSaveData::DeRemark(const Dictionary* dctPara) {
-  return ChangeRemark(
-      dctPara,
-      {.source = "OrderRemark", .field = "FDeliveryRemark", .replace = "SET    FDeliveryRemark ='{remark}'\r\n"});
+  return ChangeRemark(dctPara, {.contract = kContract<&clsSaveData::DeRemark>,
+                                .field = "FDeliveryRemark",
+                                .replace = "SET    FDeliveryRemark ='{remark}'\r\n"});
 }
 
 bool clsSaveData::DeliveryRemark(const Dictionary* dctPara) {
   return ChangeRemark(dctPara,
-                      {.source = "OrderRemark",
+                      {.contract = kContract<&clsSaveData::DeliveryRemark>,
                        .field = "FShippingRem",
                        .replace = "SET    FShippingRem ='{remark}'\r\n",
                        .append = "SET    FShippingRem = FShippingRem + '\\{remark}'\r\n",
@@ -43,8 +44,7 @@ bool clsSaveData::DeliveryRemark(const Dictionary* dctPara) {
 }
 
 bool clsSaveData::ChangeRemark(const Dictionary* dctPara, const RemarkChange& change) {
-  if (!Parameters(dctPara).Has(change.field)) return false;
-  return CallForOrders(State(), change.source, dctPara, [&](const OrderCall& call) {
+  return CallForOrders(State(), change.contract, dctPara, [&](const OrderCall& call) {
     const std::string remark = call.parameters.Text(change.field);
     const bool appends = change.appends != nullptr && change.appends(call.parameters);
     for (const std::string_view order : SplitKeys(call.orders)) WriteSaveOrderLog(order, "0", change.field, remark);

@@ -1,4 +1,5 @@
 // The warehouse from which order lines are delivered.
+#include "amend/contracts.h"
 #include "frame/clsGetData.h"
 #include "frame/clsSaveData.h"
 #include "frame/formats.h"
@@ -43,8 +44,8 @@ where t0.FID = {order}
 }  // namespace
 
 bool clsSaveData::ChangeStock(const Dictionary* dctPara) {
-  if (!Parameters(dctPara).HasText("FStockID")) return false;
-  return CallForOrders(State(), "ChangeStock", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsSaveData::ChangeStock>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     const std::string stock = call.parameters.Text("FStockID");
     if (IsLogEnable("2001")) LogChange(*session_, call, stock);
     TextBuilder text;
@@ -56,7 +57,8 @@ bool clsSaveData::ChangeStock(const Dictionary* dctPara) {
 }
 
 bool clsGetData::bExistStock(const Dictionary* dctPara) {
-  return CallForOrders(State(), "ChangeAddess", dctPara, [](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsGetData::bExistStock>;
+  return CallForOrders(State(), contract, dctPara, [](const OrderCall& call) {
     TextBuilder text;
     text.Line("SELECT COUNT(11) AS flag FROM IC_Web2ERPOrdersEntry WHERE FStockID=0 AND FID =", call.orders);
     return ReadFlag(call.connection, text.GetText());

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <initializer_list>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -172,36 +171,31 @@ template <typename ResultType, typename ClassType, typename... Parameters>
 struct Signature<ResultType (ClassType::*)(Parameters...) const noexcept>
     : Signature<ResultType (ClassType::*)(Parameters...)> {};
 
-/// What the signature does not tell about an argument.
-struct ArgumentText {
-  std::string_view name;
-  std::span<const Key> keys = {};
-  bool any_key = false;
-  bool optional = false;
-};
-
-/// A row of the table. Does not compile when the number of arguments is not the member's.
+/// A row of the table. Does not compile without a contract that has as many arguments as the member.
 template <auto kMember>
-consteval Operation Bind(std::string_view name, std::initializer_list<ArgumentText> arguments, std::string_view help) {
+consteval Operation Bind() {
   using Bound = Signature<decltype(kMember)>;
-  if (arguments.size() != Bound::kCount) throw "an argument of the member function is not described";
+  const Contract& contract = kContract<kMember>;
+  if (contract.arguments.size() != Bound::kCount) throw "an argument of the member function is not described";
   Operation operation;
+  operation.contract = &contract;
   operation.service =
       std::is_same_v<typename Bound::Class, clsSaveData> ? ServiceClass::kSaveData : ServiceClass::kGetData;
-  operation.name = name;
+  operation.name = contract.name;
   operation.property = std::is_enum_v<typename Bound::Result>;
   operation.result = kResultType<typename Bound::Result>;
-  operation.help = help;
   operation.argument_count = Bound::kCount;
-  std::size_t i = 0;
-  for (const ArgumentText& text : arguments) {
-    operation.argument_list[i] = {.name = text.name,
+  for (std::size_t i = 0; i < Bound::kCount; ++i) {
+    const ArgumentContract& argument = contract.arguments[i];
+    operation.argument_list[i] = {.name = argument.name,
                                   .type = Bound::kTypes[i],
                                   .in_out = Bound::kInOut[i],
-                                  .optional = text.optional,
-                                  .keys = text.keys,
-                                  .any_key = text.any_key};
-    ++i;
+                                  .optional = argument.optional,
+                                  .keys = argument.keys,
+                                  .any_key = argument.any_key,
+                                  .stands = argument.stands,
+                                  .need = argument.need,
+                                  .is_connection = argument.is_connection()};
   }
   operation.call = [](ServiceObject& object, std::span<Variant> values) {
     return Bound::Call(object.As<typename Bound::Class>(), kMember, values);

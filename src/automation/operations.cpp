@@ -32,19 +32,6 @@ std::string_view ClassName(ServiceClass service) {
   return service == ServiceClass::kSaveData ? "clsSaveData" : "clsGetData";
 }
 
-std::string_view TypeName(ValueType type) {
-  constexpr std::array<std::string_view, 10> kNames = {"String", "Long",       "Integer", "Double",    "Boolean",
-                                                       "Date",   "Dictionary", "Vector",  "Recordset", "Variant"};
-  return kNames[static_cast<std::size_t>(type)];
-}
-
-std::string Key::Explanation() const {
-  std::string text(help);
-  if (need == Need::kMandatory) text += "; nothing is done without it";
-  if (!fallback.empty()) text += "; default " + std::string(fallback);
-  return text;
-}
-
 std::span<const Operation* const> Operations() {
   static const std::vector<const Operation*> kAll = [] {
     std::vector<const Operation*> all;

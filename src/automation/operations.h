@@ -10,6 +10,7 @@
 
 #include "frame/clsGetData.h"
 #include "frame/clsSaveData.h"
+#include "frame/contract.h"
 #include "platform/variant.h"
 
 namespace tessarlorn {
@@ -19,80 +20,41 @@ enum class ServiceClass : std::uint8_t { kSaveData, kGetData };
 /// "clsSaveData" or "clsGetData".
 std::string_view ClassName(ServiceClass service);
 
-/// The types of automation that arguments, keys and results have. kVariant is a value of any type.
-enum class ValueType : std::uint8_t {
-  kString,
-  kLong,
-  kInteger,
-  kDouble,
-  kBoolean,
-  kDate,
-  kDictionary,
-  kVector,
-  kRecordset,
-  kVariant,
-};
-
-/// "String", "Long", …
-std::string_view TypeName(ValueType type);
-
-/// Whether an operation does nothing without a key.
-enum class Need : std::uint8_t { kOptional, kMandatory };
-
-/// A key that an operation reads from a Dictionary.
-struct Key {
-  std::string_view name;
-  ValueType type = ValueType::kString;
-  Need need = Need::kOptional;
-  /// What an absent key counts as, as text; "" for an empty text or for nothing at all.
-  std::string_view fallback;
-  /// One line.
-  std::string_view help;
-  /// The keys of the Dictionaries in it, for a Vector.
-  std::span<const Key> item_keys = {};
-
-  /// Whether it holds the connection string.
-  [[nodiscard]] bool is_connection() const noexcept { return name == "sDSN" || name == "sDsn" || name == "sProps"; }
-  /// `help`, and what happens without the key where that is more than that it counts as an empty text.
-  [[nodiscard]] std::string Explanation() const;
-};
-
+/// An argument, with what the member function tells of it and what its contract does.
 struct Argument {
   std::string_view name;
   ValueType type = ValueType::kString;
   /// Written back after the call.
   bool in_out = false;
+  /// See ArgumentContract.
   bool optional = false;
-  /// The keys of a Dictionary, or of the Dictionaries in a Vector.
   std::span<const Key> keys = {};
-  /// Every key counts, whatever its name; `keys` is empty.
   bool any_key = false;
-
+  Standing stands = Standing::kNowhere;
+  Need need = Need::kOptional;
   /// Whether it is the connection string.
-  [[nodiscard]] bool is_connection() const noexcept {
-    return name == "sDsn" || name == "strDSN" || name == "PropsString";
-  }
+  bool is_connection = false;
 };
 
 class ServiceObject;
 
+/// A row of the table: the operation's contract, and what its member function tells.
 struct Operation {
-  static constexpr std::size_t kMostArguments = 8;
-
+  const Contract* contract = nullptr;
   ServiceClass service = ServiceClass::kSaveData;
   std::string_view name;
   /// A property that is read, not a method.
   bool property = false;
   ValueType result = ValueType::kBoolean;
-  /// One paragraph: what it does, what it answers when parameters are missing or nothing matches, what it raises.
-  std::string_view help;
-  std::array<Argument, kMostArguments> argument_list{};
+  std::array<Argument, ArgumentList::kMost> argument_list{};
   std::size_t argument_count = 0;
   Variant (*call)(ServiceObject& object, std::span<Variant> arguments) = nullptr;
 
   [[nodiscard]] std::span<const Argument> arguments() const noexcept {
     return std::span(argument_list).first(argument_count);
   }
+  /// One paragraph: what it does, what it answers when parameters are missing or nothing matches, what it raises.
+  [[nodiscard]] std::string help() const { return contract->Explanation(); }
 };
 
 /// All operations, those of clsSaveData first, in the order in which the classes declare them.

@@ -1,6 +1,7 @@
 // The layout of the order grid, and the choices of its lookup fields.
 #include <algorithm>
 
+#include "browse/contracts.h"
 #include "frame/clsGetData.h"
 #include "frame/identity.h"
 #include "frame/order_call.h"
@@ -32,8 +33,8 @@ Variant ReadChoices(Connection& connection, const Recordset& field, const std::s
 }  // namespace
 
 RecordsetPtr clsGetData::GetTemplateData(const Dictionary* dctParam) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetTemplateData";
-  return CallForDictionary(State(), kSource, dctParam, [&](Connection& connection, const Parameters&) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetTemplateData>;
+  return CallForDictionary(State(), contract, dctParam, [&](Connection& connection, const Parameters&) {
     TextBuilder text;
     text.Append(R"(
 SELECT t1.FPage ,
@@ -56,9 +57,8 @@ ORDER BY t1.FPage ,
 }
 
 RecordsetPtr clsGetData::GetUserDefineFilterTemplate(std::string_view sDsn) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetUserDefineFilterTemplate";
-  if (sDsn.empty()) return nullptr;
-  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetUserDefineFilterTemplate>;
+  return CallForTexts(State(), contract, {sDsn}, [&](Connection& connection) {
     TextBuilder text;
     text.Line("SELECT ");
     text.Append(R"(
@@ -85,9 +85,8 @@ Where (t1.FClassTypeID = 1014301 AND t1.FPage=1 AND t1.FNeedSave=1 AND t1.FKey N
 }
 
 std::string clsGetData::GetListBySQL(std::string_view sDsn, std::string_view sFKey) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetListBySQL";
-  if (sDsn.empty() || sFKey.empty()) return {};
-  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) -> std::string {
+  constexpr const Contract& contract = kContract<&clsGetData::GetListBySQL>;
+  return CallForTexts(State(), contract, {sDsn, sFKey}, [&](Connection& connection) -> std::string {
     const std::vector<std::string_view> parts = Split(sFKey, '_');
     if (parts.size() < 2) {
       Raise(error_number::kSubscriptOutOfRange,

@@ -1,4 +1,5 @@
 // The lines of one order, as the line grid and the print templates show them.
+#include "browse/contracts.h"
 #include "browse/user_fields.h"
 #include "frame/clsGetData.h"
 #include "frame/parameters.h"
@@ -94,9 +95,9 @@ LEFT JOIN t_stockplace t8 ON t2.FSPID= t8.FSPID
 }  // namespace
 
 RecordsetPtr clsGetData::GetEntryData(std::string_view sDsn, const Dictionary* dctParameters) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetEntryData";
+  constexpr const Contract& contract = kContract<&clsGetData::GetEntryData>;
   const Parameters parameters(dctParameters);
-  if (sDsn.empty() || !parameters.Has("FID")) return nullptr;
+  if (!parameters.HasAllOf(contract.keys())) return nullptr;
   const auto body = [&](Connection& connection) {
     TextBuilder text;
     text.Line(" SET TRANSACTION ISOLATION LEVEL READ UNCOMMITTED ");
@@ -109,7 +110,7 @@ RecordsetPtr clsGetData::GetEntryData(std::string_view sDsn, const Dictionary* d
     text.Line("ORDER BY t2.FIsFree, t2.FIndex");
     return connection.Execute(text.GetText());
   };
-  return CallOperation(State(), kSource, sDsn, body, OldSession::kKeep);
+  return CallForTexts(State(), contract, {sDsn}, body, OldSession::kKeep);
 }
 
 }  // namespace tessarlorn

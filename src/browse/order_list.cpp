@@ -1,4 +1,5 @@
 // The order list of the picking and delivery workbench.
+#include "browse/contracts.h"
 #include "browse/order_list_filter.h"
 #include "browse/order_list_text.h"
 #include "browse/user_fields.h"
@@ -72,9 +73,8 @@ std::string AdvancedKeysText(std::string_view tables, std::string where) {
 }  // namespace
 
 RecordsetPtr clsGetData::GetListData(std::string_view sDsn, const Dictionary* Filter) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetListData";
-  if (sDsn.empty()) return nullptr;
-  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) -> RecordsetPtr {
+  constexpr const Contract& contract = kContract<&clsGetData::GetListData>;
+  return CallForTexts(State(), contract, {sDsn}, [&](Connection& connection) -> RecordsetPtr {
     if (Filter == nullptr) return nullptr;
     const Parameters filter(Filter);
     const std::string language = LanguageOf(context_);

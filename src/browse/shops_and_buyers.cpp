@@ -1,4 +1,5 @@
 // Web shops, the buyers' contact data, the titles of order states, and SQL of the client's own.
+#include "browse/contracts.h"
 #include "frame/clsGetData.h"
 #include "frame/identity.h"
 #include "frame/order_call.h"
@@ -7,16 +8,16 @@
 namespace tessarlorn {
 
 RecordsetPtr clsGetData::GetWebShopData(const Dictionary* dctPara) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetWebShopData";
+  constexpr const Contract& contract = kContract<&clsGetData::GetWebShopData>;
   const auto body = [](Connection& connection, const Parameters&) {
     return connection.Execute("Select FID,FWebShopID,FWebShopName From IC_WebshopToStorage Order by FID\r\n");
   };
-  return CallForDictionary(State(), kSource, dctPara, body, OldSession::kKeep);
+  return CallForDictionary(State(), contract, dctPara, body, OldSession::kKeep);
 }
 
 RecordsetPtr clsGetData::GetCommunicaInformation(const Dictionary* dctPara) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetCommunicaInformation";
-  return CallForDictionary(State(), kSource, dctPara, [&](Connection& connection, const Parameters& parameters) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetCommunicaInformation>;
+  return CallForDictionary(State(), contract, dctPara, [&](Connection& connection, const Parameters& parameters) {
     TextBuilder text;
     text.Append(R"(
 SELECT  FID,
@@ -34,8 +35,8 @@ Where FID IN ( {FID})
 }
 
 RecordsetPtr clsGetData::GetMobileInformation(const Dictionary* dctPara) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetMobileInformation";
-  return CallForDictionary(State(), kSource, dctPara, [&](Connection& connection, const Parameters& parameters) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetMobileInformation>;
+  return CallForDictionary(State(), contract, dctPara, [&](Connection& connection, const Parameters& parameters) {
     TextBuilder text;
     text.Append(
         R"(
@@ -70,7 +71,8 @@ RecordsetPtr clsGetData::ExecuteSQL(std::string_view sDsn, std::string_view StrS
 }
 
 std::optional<Dictionary> clsGetData::GetWebBillTitleData(std::string_view PropsString) {
-  return CallQuietly(State(), PropsString, [](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetWebBillTitleData>;
+  return CallQuietly(State(), contract, PropsString, [](Connection& connection) {
     const RecordsetPtr states = connection.Query("select * from IC_WEBOrders_Status WITH(NOLOCK) \r\n");
     Dictionary titles;
     for (; !states->eof(); states->MoveNext()) {
@@ -81,7 +83,8 @@ std::optional<Dictionary> clsGetData::GetWebBillTitleData(std::string_view Props
 }
 
 bool clsGetData::ExeP_WebBillTitleData(std::string_view PropsString) {
-  return CallQuietly(State(), PropsString, [](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsGetData::ExeP_WebBillTitleData>;
+  return CallQuietly(State(), contract, PropsString, [](Connection& connection) {
     connection.Execute(" exec p_WebBillTitleData \r\n");
     return true;
   });

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "carriers/contracts.h"
 #include "frame/clsGetData.h"
 #include "frame/clsSaveData.h"
 #include "frame/key_list.h"
@@ -94,8 +95,8 @@ void Remember(Connection& connection, const std::vector<Combination>& combinatio
 }  // namespace
 
 bool clsSaveData::UpdateAddressReachableState(std::string_view sDsn, std::string_view sFID, std::int32_t lType) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsSaveData.UpdateAddressReachableState";
-  return CallForKeys(State(), kSource, sDsn, sFID, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsSaveData::UpdateAddressReachableState>;
+  return CallForTexts(State(), contract, {sDsn, sFID}, [&](Connection& connection) {
     if (lType == kToBeChecked) {
       AskForCheck(connection, sFID);
     } else {
@@ -107,11 +108,13 @@ bool clsSaveData::UpdateAddressReachableState(std::string_view sDsn, std::string
 }
 
 bool clsGetData::bIsAddressReachable(std::string_view sDsn) {
-  return ReadSwitch("bIsAddressReachable", sDsn, "AddressReachable");
+  constexpr const Contract& contract = kContract<&clsGetData::bIsAddressReachable>;
+  return ReadSwitch(contract, sDsn, "AddressReachable");
 }
 
 std::optional<Dictionary> clsGetData::GetNeedAddressReachableInfo(std::string_view sDsn, std::string_view sFID) {
-  return CallForKeys(State(), "GetNeedAddressReachableInfo", sDsn, sFID, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetNeedAddressReachableInfo>;
+  return CallForTexts(State(), contract, {sDsn, sFID}, [&](Connection& connection) {
     const RecordsetPtr orders =
         OrdersWithCarrier(connection, " And (ISNULL(t2.FAddressReachable,4) IN (4))  And t1.FID in (", sFID);
     return std::optional(Dictionary{{"FID", JoinColumn(orders, "FID")}, {"FOrderID", JoinColumn(orders, "FOrderID")}});
@@ -119,7 +122,8 @@ std::optional<Dictionary> clsGetData::GetNeedAddressReachableInfo(std::string_vi
 }
 
 std::optional<Vector> clsGetData::GetNoAddressReachableInfo(std::string_view sDsn, std::string_view sFID) {
-  return CallForKeys(State(), "GetNoAddressReachableInfo", sDsn, sFID, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetNoAddressReachableInfo>;
+  return CallForTexts(State(), contract, {sDsn, sFID}, [&](Connection& connection) {
     const RecordsetPtr orders =
         OrdersWithCarrier(connection, " And (ISNULL(t2.FAddressReachable,4) NOT IN (1,4,5))  And t1.FID in (", sFID);
     return std::optional(RowDictionaries(orders, {"FID", "FOrderID"}));

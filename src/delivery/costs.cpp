@@ -1,4 +1,5 @@
 // Logistics numbers and logistics costs.
+#include "delivery/contracts.h"
 #include "frame/clsGetData.h"
 #include "frame/clsSaveData.h"
 #include "frame/formats.h"
@@ -10,7 +11,8 @@
 namespace tessarlorn {
 
 bool clsSaveData::ModifyCost(const Dictionary* dctPara) {
-  return CallForOrders(State(), "Delivery", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsSaveData::ModifyCost>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     const std::string cost = FormatAmount(call.parameters.Value("LogisticsCosts"));
     for (const std::string_view order : SplitKeys(call.orders)) WriteSaveOrderLog(order, "0", "FLogisticsCost", cost);
     TextBuilder text;
@@ -26,8 +28,9 @@ WHERE   FID IN ({FID})
 }
 
 bool clsSaveData::SetUpLogisticsNumberAndWeight(std::string_view sDsn, const Vector* vctPara) {
+  constexpr const Contract& contract = kContract<&clsSaveData::SetUpLogisticsNumberAndWeight>;
   if (vctPara == nullptr) return false;
-  return CallOperation(State(), "Delivery", sDsn, [&](Connection& connection) {
+  return CallOperation(State(), contract, sDsn, [&](Connection& connection) {
     TextBuilder text;
     for (const Variant& item : *vctPara) {
       const std::shared_ptr<Dictionary> order = ItemDictionary(item);
@@ -53,8 +56,9 @@ Where FID ={FID}
 }
 
 bool clsSaveData::SetUpLogisticsNumber(std::string_view sDsn, const Dictionary* dctPara) {
-  if (sDsn.empty() || Parameters(dctPara).empty()) return false;
-  return CallOperation(State(), "Delivery", sDsn, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsSaveData::SetUpLogisticsNumber>;
+  if (Parameters(dctPara).empty()) return false;
+  return CallForTexts(State(), contract, {sDsn}, [&](Connection& connection) {
     TextBuilder text;
     for (const auto& [unique_code, number] : *dctPara) {
       text.Append("UPDATE IC_Web2ERPOrders SET FLogisticsOrder = '{number}' WHERE FUniqueCode ={unique_code}\r\n",
@@ -66,7 +70,8 @@ bool clsSaveData::SetUpLogisticsNumber(std::string_view sDsn, const Dictionary* 
 }
 
 double clsGetData::GetTotalLogisticsCosts(const Dictionary* dctPara) {
-  return CallForOrders(State(), "GetTotalLogisticsCosts", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetTotalLogisticsCosts>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     TextBuilder text;
     text.Line(" SET TRANSACTION ISOLATION LEVEL READ UNCOMMITTED  ");
     text.Line(" select SUM(FLogisticsCost) AS TotalLogisticsCosts from ");

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 
+#include "delivery/contracts.h"
 #include "frame/clsGetData.h"
 #include "frame/identity.h"
 #include "frame/order_call.h"
@@ -56,8 +57,8 @@ From ICPrintMaxCount
 }  // namespace
 
 RecordsetPtr clsGetData::GetSumRecordsetDataForDelivery(const Dictionary* dctParam) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetSumRecordsetDataForDelivery";
-  return CallForOrders(State(), kSource, dctParam, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetSumRecordsetDataForDelivery>;
+  return CallForOrders(State(), contract, dctParam, [&](const OrderCall& call) {
     TextBuilder text;
     text.Append(R"(
 SELECT  SUM(t1.FAmount) AS FTotalAmount
@@ -71,8 +72,8 @@ GROUP BY t1.FID
 }
 
 RecordsetPtr clsGetData::GetPrintRecordsetForDelivery(const Dictionary* dctParam) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetPrintRecordsetForDelivery";
-  return CallForOrders(State(), kSource, dctParam, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetPrintRecordsetForDelivery>;
+  return CallForOrders(State(), contract, dctParam, [&](const OrderCall& call) {
     TextBuilder text;
     text.Append(R"(
 SELECT  t1.FID ,
@@ -121,7 +122,8 @@ WHERE   t1.FID IN ( {FID})
 }
 
 Vector clsGetData::GetOverMaxPrintCountBillInfo(const Dictionary* dctPara) {
-  return CallForOrders(State(), "GetOverMaxPrintCountBillInfo", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetOverMaxPrintCountBillInfo>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     Vector reported;
     const PrintType* const type = FindPrintType(call.parameters);
     const std::optional<std::int32_t> limit = ReadPrintLimit(call.connection, type);

@@ -1,4 +1,5 @@
 // Delivered, and back again: the last steps of an order.
+#include "delivery/contracts.h"
 #include "delivery/stock_bill_queue.h"
 #include "frame/clsSaveData.h"
 #include "frame/identity.h"
@@ -10,7 +11,8 @@
 namespace tessarlorn {
 
 bool clsSaveData::Delivery(const Dictionary* dctPara) {
-  return CallForOrders(State(), "Delivery", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsSaveData::Delivery>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     const std::int16_t user = Variant(CurrentUserId(*session_)).ToInt16();
     TextBuilder text;
     text.Append(R"(
@@ -29,7 +31,8 @@ Where FID IN ({FID})
 }
 
 bool clsSaveData::BackToThePreviousStep(const Dictionary* dctPara) {
-  return CallForOrders(State(), "BackToThePreviousStep", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsSaveData::BackToThePreviousStep>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     const bool from_delivered = call.parameters.Value("UpdateFlag").ToBool();
     if (IsLogEnable("3005")) WriteOPLog(call.orders, "3005", "0", "", "");
     TextBuilder text;
@@ -60,8 +63,8 @@ WHERE   FID IN ({FID})
 }
 
 bool clsSaveData::UpdateDeliveryData(std::string_view sDsn, std::string_view sFID) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsSaveData.UpdateDeliveryData";
-  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsSaveData::UpdateDeliveryData>;
+  return CallOperation(State(), contract, sDsn, [&](Connection& connection) {
     QueueStockBills(connection, sFID);
     return true;
   });

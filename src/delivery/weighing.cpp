@@ -1,4 +1,5 @@
 // Weighing: storing weights, computing them from the order's lines, and the switch.
+#include "delivery/contracts.h"
 #include "delivery/stock_bill_queue.h"
 #include "frame/clsGetData.h"
 #include "frame/clsSaveData.h"
@@ -35,8 +36,9 @@ double Kilograms(const Recordset& line) {
 }  // namespace
 
 bool clsSaveData::SaveLogWeight(std::string_view sDsn, const Vector* vctPara) {
+  constexpr const Contract& contract = kContract<&clsSaveData::SaveLogWeight>;
   if (vctPara == nullptr) return false;
-  return CallOperation(State(), "SaveLogWeight", sDsn, [&](Connection& connection) {
+  return CallOperation(State(), contract, sDsn, [&](Connection& connection) {
     TextBuilder text;
     for (const Variant& item : *vctPara) {
       const std::shared_ptr<Dictionary> order = ItemDictionary(item);
@@ -54,10 +56,10 @@ bool clsSaveData::SaveLogWeight(std::string_view sDsn, const Vector* vctPara) {
 }
 
 bool clsSaveData::UpdateLogisticsWeightStatus(std::string_view sDsn, const Dictionary* dctPara) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsSaveData.UpdateLogisticsWeightStatus";
+  constexpr const Contract& contract = kContract<&clsSaveData::UpdateLogisticsWeightStatus>;
   const Parameters parameters(dctPara);
-  if (!parameters.HasText("FID") || !parameters.Has("AsyncCreate")) return false;
-  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) {
+  if (!parameters.HasAllOf(contract.keys())) return false;
+  return CallOperation(State(), contract, sDsn, [&](Connection& connection) {
     const std::string orders = parameters.Text("FID");
     const bool queued = parameters.Value("AsyncCreate").ToBool();
     TextBuilder text;
@@ -71,7 +73,8 @@ bool clsSaveData::UpdateLogisticsWeightStatus(std::string_view sDsn, const Dicti
 }
 
 RecordsetPtr clsGetData::GetWeightByFID(const Dictionary* dctPara) {
-  return CallForOrders(State(), "GetWeightByFID", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetWeightByFID>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     TextBuilder text;
     text.Append(R"(
       SELECT    t1.FID ,
@@ -90,7 +93,8 @@ RecordsetPtr clsGetData::GetWeightByFID(const Dictionary* dctPara) {
 }
 
 std::optional<Dictionary> clsGetData::NewGetWeightByFID(std::string_view sDsn, std::int32_t sFID) {
-  return CallOperation(State(), "NewGetWeightByFID", sDsn, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsGetData::NewGetWeightByFID>;
+  return CallOperation(State(), contract, sDsn, [&](Connection& connection) {
     TextBuilder text;
     text.Append(R"(
       SELECT    t1.FID ,t3.FName as FUnitName,t4.FName as FGrossUnitName,t4.FCoefficient,
@@ -111,6 +115,9 @@ std::optional<Dictionary> clsGetData::NewGetWeightByFID(std::string_view sDsn, s
   });
 }
 
-bool clsGetData::bIsWeightting(std::string_view sDsn) { return ReadSwitch("bIsWeightting", sDsn, "ECWeightting"); }
+bool clsGetData::bIsWeightting(std::string_view sDsn) {
+  constexpr const Contract& contract = kContract<&clsGetData::bIsWeightting>;
+  return ReadSwitch(contract, sDsn, "ECWeightting");
+}
 
 }  // namespace tessarlorn

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <string_view>
 #include <type_traits>
 
+#include "frame/contract.h"
 #include "frame/text_builder.h"
 #include "platform/error.h"
 #include "platform/session.h"
@@ -41,11 +43,12 @@ auto UnderSource(std::string_view source, const Body& body) {
 }
 
 /// Runs an operation: `body(Connection&)` on a new session of the instance; answers what it answers. Whatever is
-/// raised comes out as one Error with `source`. Nothing is rolled back, and the session stays open for the instance.
+/// raised comes out as one Error with the contract's Source. Nothing is rolled back, and the session stays open for the
+/// instance.
 template <typename Body>
-auto CallOperation(InstanceState instance, std::string_view source, std::string_view dsn, const Body& body,
+auto CallOperation(InstanceState instance, const Contract& contract, std::string_view dsn, const Body& body,
                    OldSession old_session = OldSession::kReset) {
-  return UnderSource(source, [&] {
+  return UnderSource(contract.source, [&] {
     if (old_session == OldSession::kReset) instance.session->Reset();
     OpenSession(instance, dsn);
     const EscapeTexts escape(instance.context.escapes_texts());
@@ -53,13 +56,25 @@ auto CallOperation(InstanceState instance, std::string_view source, std::string_
   });
 }
 
-/// Runs an operation that raises nothing: its answer is empty when it fails, and without a connection string.
+/// The same for an operation whose first arguments are texts, the connection string before all: when one is empty that
+/// the contract says is mandatory, nothing is done, and the answer is empty.
 template <typename Body>
-auto CallQuietly(InstanceState instance, std::string_view dsn, const Body& body)
+auto CallForTexts(InstanceState instance, const Contract& contract, std::initializer_list<std::string_view> texts,
+                  const Body& body, OldSession old_session = OldSession::kReset)
     -> std::invoke_result_t<Body, Connection&> {
-  if (dsn.empty()) return {};
+  const ArgumentContract* argument = contract.arguments.begin();
+  for (const std::string_view text : texts) {
+    if ((argument++)->need == Need::kMandatory && text.empty()) return {};
+  }
+  return CallOperation(instance, contract, *texts.begin(), body, old_session);
+}
+
+/// The same for an operation that raises nothing: its answer is empty when it fails.
+template <typename Body>
+auto CallQuietly(InstanceState instance, const Contract& contract, std::string_view dsn, const Body& body)
+    -> std::invoke_result_t<Body, Connection&> {
   try {
-    return CallOperation(instance, {}, dsn, body);
+    return CallForTexts(instance, contract, {dsn}, body);
   } catch (const Error&) {
     return {};
   }

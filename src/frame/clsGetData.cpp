@@ -8,9 +8,8 @@ clsGetData::clsGetData() : session_(SessionFactory::ForThisThread().NewSession()
   context_ = SessionFactory::ForThisThread().NewSession()->GetContext();
 }
 
-bool clsGetData::ReadSwitch(std::string_view source, std::string_view dsn, std::string_view key) {
-  if (dsn.empty()) return false;
-  return CallOperation(State(), source, dsn, [&](Connection& connection) { return IsSwitchOn(connection, key); });
+bool clsGetData::ReadSwitch(const Contract& contract, std::string_view dsn, std::string_view key) {
+  return CallForTexts(State(), contract, {dsn}, [&](Connection& connection) { return IsSwitchOn(connection, key); });
 }
 
 }  // namespace tessarlorn

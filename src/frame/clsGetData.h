@@ -256,7 +256,7 @@ class clsGetData {
   RecordsetPtr GetTotalPriceChange(std::string_view sDsn, std::string_view sFIDs);
 
  private:
-  bool ReadSwitch(std::string_view source, std::string_view dsn, std::string_view key);
+  bool ReadSwitch(const Contract& contract, std::string_view dsn, std::string_view key);
   [[nodiscard]] InstanceState State() noexcept { return {context_, session_}; }
 
   SessionContext context_;

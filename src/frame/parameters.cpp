@@ -1,8 +1,21 @@
 #include "frame/parameters.h"
 
+#include <algorithm>
+
 #include "platform/error.h"
 
 namespace tessarlorn {
+
+bool Parameters::HasAllOf(std::span<const Key> keys) const {
+  return std::all_of(keys.rbegin(), keys.rend(), [this](const Key& key) {
+    return key.need == Need::kOptional || (key.need == Need::kGiven ? Has(key.name) : HasText(key.name));
+  });
+}
+
+std::string Parameters::Dsn(std::span<const Key> keys) const {
+  const auto key = std::find_if(keys.begin(), keys.end(), [](const Key& one) { return one.is_connection(); });
+  return key == keys.end() ? std::string() : Text(key->name);
+}
 
 std::string Parameters::Text(std::string_view key, std::string_view fallback) const {
   const Variant* value = Find(key);

@@ -3,9 +3,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
+#include "frame/contract.h"
 #include "platform/collections.h"
 
 namespace tessarlorn {
@@ -19,6 +21,10 @@ class Parameters {
   [[nodiscard]] bool Has(std::string_view key) const { return Find(key) != nullptr; }
   /// Whether the key exists and its value is not the empty text. Raises 13 for a value that has no text form.
   [[nodiscard]] bool HasText(std::string_view key) const { return !Text(key).empty(); }
+  /// Whether each of the keys is there that is needed, and the mandatory ones have a text.
+  [[nodiscard]] bool HasAllOf(std::span<const Key> keys) const;
+  /// The text of the one that holds the connection string.
+  [[nodiscard]] std::string Dsn(std::span<const Key> keys) const;
   /// The value's text, `fallback` when the key is missing. Raises 13 for a value that has no text form.
   [[nodiscard]] std::string Text(std::string_view key, std::string_view fallback = {}) const;
   /// The value itself, empty when the key is missing.

@@ -3,12 +3,14 @@
 #include "frame/order_call.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
+#include "picking/contracts.h"
 #include "platform/clock.h"
 
 namespace tessarlorn {
 
 bool clsSaveData::ConfirmBill(const Dictionary* dctPara) {
-  return CallForOrders(State(), "ConfirmBill", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsSaveData::ConfirmBill>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     TextBuilder text;
     text.Append(R"(
 Update IC_Web2ERPOrders
@@ -27,9 +29,8 @@ WHERE   FID IN ( {FID})
 }
 
 bool clsSaveData::SavePickingGoods(const Dictionary* dctPara) {
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sProps")) return false;
-  return CallOperation(State(), "SavePickingGoods", parameters.Text("sProps"), [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsSaveData::SavePickingGoods>;
+  return CallForDictionary(State(), contract, dctPara, [&](Connection& connection, const Parameters& parameters) {
     // What is no number is refused before anything is logged.
     const bool passed = parameters.Has("FPickingGoodsStatus") && !parameters.IsNumber("FPickingGoodsStatus", 0);
     const bool timed = parameters.IsNumber("FPickingGoodsstatus", 1);
@@ -60,7 +61,7 @@ bool clsSaveData::SavePickingGoods(const Dictionary* dctPara) {
 
 /// What tells marking from clearing.
 struct clsSaveData::PickingMark {
-  std::string_view source;
+  const Contract& contract;
   std::string_view code;
   bool always_logged;
   std::string_view set;
@@ -69,7 +70,7 @@ struct clsSaveData::PickingMark {
 
 bool clsSaveData::MarkPickingGoodsStatus(const Dictionary* dctPara) {
   return ChangePickingMark(dctPara,
-                           {.source = "MarkPickingGoodsStatus",
+                           {.contract = kContract<&clsSaveData::MarkPickingGoodsStatus>,
                             .code = "3014",
                             .always_logged = true,
                             .set = "SET FOrderPickingDate = GETDATE(),FPIckingGoodsStatus = 1,FPickingGoodMan=",
@@ -78,7 +79,7 @@ bool clsSaveData::MarkPickingGoodsStatus(const Dictionary* dctPara) {
 
 bool clsSaveData::ClearPickingGoodsStatus(const Dictionary* dctPara) {
   return ChangePickingMark(dctPara,
-                           {.source = "ClearPickingGoodsStatus",
+                           {.contract = kContract<&clsSaveData::ClearPickingGoodsStatus>,
                             .code = "3013",
                             .always_logged = false,
                             .set = "SET FOrderPickingDate = GETDATE(),FPIckingGoodsStatus = 0,FPickingGoodMan=",
@@ -86,16 +87,13 @@ bool clsSaveData::ClearPickingGoodsStatus(const Dictionary* dctPara) {
 }
 
 bool clsSaveData::ChangePickingMark(const Dictionary* dctPara, const PickingMark& mark) {
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDsn") || !parameters.HasText("FID")) return false;
-  return CallOperation(State(), mark.source, parameters.Text("sDsn"), [&](Connection& connection) {
-    const std::string orders = parameters.Text("FID");
-    if (mark.always_logged || IsLogEnable(mark.code)) WriteOPLog(orders, mark.code, "0", "", "");
+  return CallForOrders(State(), mark.contract, dctPara, [&](const OrderCall& call) {
+    if (mark.always_logged || IsLogEnable(mark.code)) WriteOPLog(call.orders, mark.code, "0", "", "");
     TextBuilder text;
     text.Line("UPDATE IC_Web2ERPOrders ");
-    text.Line(mark.set, parameters.Text("UserId"));
-    text.Line("WHERE FID IN (", orders, mark.guard);
-    connection.Execute(text.GetText());
+    text.Line(mark.set, call.parameters.Text("UserId"));
+    text.Line("WHERE FID IN (", call.orders, mark.guard);
+    call.connection.Execute(text.GetText());
     return true;
   });
 }

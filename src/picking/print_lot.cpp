@@ -4,6 +4,7 @@
 #include "frame/clsSaveData.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
+#include "picking/contracts.h"
 
 namespace tessarlorn {
 namespace {
@@ -89,8 +90,9 @@ double GetPrintOrderLotNumber(Connection& connection, std::int32_t count) {
 }
 
 bool clsSaveData::SavePrintSerialNumber(std::string_view sDsn, const Vector* vctOrderInfo) {
-  if (sDsn.empty() || vctOrderInfo == nullptr) return false;
-  return CallOperation(State(), "SavePrintSerialNumber", sDsn, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsSaveData::SavePrintSerialNumber>;
+  if (vctOrderInfo == nullptr) return false;
+  return CallForTexts(State(), contract, {sDsn}, [&](Connection& connection) {
     const std::string number = Variant(GetPrintOrderLotNumber(connection, 1)).ToText();
     if (vctOrderInfo->empty()) return true;
     TextBuilder text;

@@ -4,13 +4,15 @@
 #include "frame/order_call.h"
 #include "frame/results.h"
 #include "frame/text_builder.h"
+#include "picking/contracts.h"
 #include "platform/text.h"
 
 namespace tessarlorn {
 
 bool clsSaveData::SaveBatchNo(std::string_view sDsn, const Vector* vctPara) {
-  if (sDsn.empty() || vctPara == nullptr || vctPara->empty()) return false;
-  return CallOperation(State(), "SaveBatchNo", sDsn, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsSaveData::SaveBatchNo>;
+  if (vctPara == nullptr || vctPara->empty()) return false;
+  return CallForTexts(State(), contract, {sDsn}, [&](Connection& connection) {
     TextBuilder text;
     for (const Variant& item : *vctPara) {
       const std::shared_ptr<Dictionary> choice = ItemDictionary(item);
@@ -30,7 +32,8 @@ bool clsSaveData::SaveBatchNo(std::string_view sDsn, const Vector* vctPara) {
 }
 
 std::optional<Vector> clsGetData::bExistStockPositionManager(const Dictionary* dctPara) {
-  return CallForOrders(State(), "ChangeAddess", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsGetData::bExistStockPositionManager>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     TextBuilder text;
     text.Append(R"(
 SELECT  DISTINCT
@@ -61,7 +64,8 @@ AND t1.FItemID NOT IN (SELECT tt2.FItemID FROM ic_goodstomateriel tt1,t_ICItem t
 }
 
 bool clsGetData::bExistBatchOrSerialManagerItem(const Dictionary* dctPara) {
-  return CallForOrders(State(), "ChangeAddess", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsGetData::bExistBatchOrSerialManagerItem>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     TextBuilder text;
     text.Append(R"(
 SELECT  COUNT(11) as flag
@@ -78,7 +82,8 @@ Where t1.FID in ( {FID})
 }
 
 bool clsGetData::bExistBatchEmpty(const Dictionary* dctPara) {
-  return CallForOrders(State(), "bExistBatchEmpty", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsGetData::bExistBatchEmpty>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     TextBuilder text;
     text.Line("SELECT  COUNT(1) as flag");
     text.Line("FROM    IC_Web2ERPOrdersEntry ");
@@ -89,7 +94,8 @@ bool clsGetData::bExistBatchEmpty(const Dictionary* dctPara) {
 }
 
 RecordsetPtr clsGetData::GetBatchNo(const Dictionary* dctPara) {
-  return CallForOrders(State(), "GetBatchNo", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetBatchNo>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     TextBuilder text;
     text.Line(
         "SELECT t1.FID,t2.FItemID,t2.FEntryID,t3.FName as FItemName,t3.FNumber,t2.FBatchNo,ISNULL(t4.FName,'') As "

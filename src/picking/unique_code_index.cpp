@@ -4,6 +4,7 @@
 #include "frame/order_call.h"
 #include "frame/text_builder.h"
 #include "frame/text_width.h"
+#include "picking/contracts.h"
 
 namespace tessarlorn {
 namespace {
@@ -54,9 +55,9 @@ Select *, identity(int,1,1) as FIndex into #TempIndex from #TempFIndex
 }  // namespace
 
 std::string clsSaveData::GetUniqueCodeIndex(const Dictionary* dctParam) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetUniqueCodeIndex";
+  constexpr const Contract& contract = kContract<&clsSaveData::GetUniqueCodeIndex>;
   constexpr std::size_t kEntriesPerLine = 5;
-  return CallForOrders(State(), kSource, dctParam, [&](const OrderCall& call) {
+  return CallForOrders(State(), contract, dctParam, [&](const OrderCall& call) {
     call.connection.Execute(CollectText(call.orders));
     const RecordsetPtr codes = call.connection.Query("select * from #temptable \r\n");
     std::string index;

@@ -6,11 +6,13 @@
 #include "frame/text_builder.h"
 #include "platform/error.h"
 #include "platform/text.h"
+#include "upload/contracts.h"
 
 namespace tessarlorn {
 
 bool clsSaveData::UploadStatus(const Dictionary* dctPara) {
-  return CallForOrders(State(), "UploadStatus", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsSaveData::UploadStatus>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     TextBuilder text;
     text.Append(R"(
 Update IC_Web2ERPOrders
@@ -29,9 +31,8 @@ WHERE   FID IN ({FID})
 }
 
 bool clsSaveData::UploadStatusFailure(const Dictionary* dctPara) {
-  const Parameters parameters(dctPara);
-  if (!parameters.HasText("sDSN") || !parameters.Has("ErrInfo")) return false;
-  return CallOperation(State(), "UploadStatusFailure", parameters.Text("sDSN"), [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsSaveData::UploadStatusFailure>;
+  return CallForDictionary(State(), contract, dctPara, [&](Connection& connection, const Parameters& parameters) {
     const std::shared_ptr<Vector> failures = parameters.Value("ErrInfo").ToVector();
     if (!failures) RaiseTypeMismatch();
     TextBuilder text;
@@ -47,7 +48,8 @@ bool clsSaveData::UploadStatusFailure(const Dictionary* dctPara) {
 }
 
 bool clsSaveData::UpLoadStatusForManualAndClosed(std::string_view sDsn) {
-  return CallOperation(State(), "UpLoadStatusForManualAndClosed", sDsn, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsSaveData::UpLoadStatusForManualAndClosed>;
+  return CallOperation(State(), contract, sDsn, [&](Connection& connection) {
     TextBuilder text;
     text.Line("Update IC_Web2ERPOrders");
     text.Line("Set FUpLoadStatus = 1 ");
@@ -64,7 +66,8 @@ bool clsSaveData::UpLoadStatusForManualAndClosed(std::string_view sDsn) {
 }
 
 RecordsetPtr clsGetData::bExistUpLoadBill(const Dictionary* dctPara) {
-  return CallForOrders(State(), "bExistUpLoadBill", dctPara, [&](const OrderCall& call) {
+  constexpr const Contract& contract = kContract<&clsGetData::bExistUpLoadBill>;
+  return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     TextBuilder text;
     text.Line("SELECT FOrderID ,FUpLoadStatus FROM IC_Web2ERPOrders WHERE FUpLoadStatus =1 AND FID in (", call.orders,
               ")");

@@ -2,6 +2,7 @@
 #include "frame/clsGetData.h"
 #include "frame/key_list.h"
 #include "frame/text_builder.h"
+#include "upload/contracts.h"
 #include "upload/upload_items.h"
 
 namespace tessarlorn {
@@ -96,9 +97,8 @@ std::string FinishPageText(std::string_view task_table, std::string_view page_ta
 }  // namespace
 
 Vector clsGetData::GetUploadDataByFID(std::string_view strDSN, std::string_view strFids) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetUploadDataByFID";
-  if (strDSN.empty() || strFids.empty()) return {};
-  return CallOperation(State(), kSource, strDSN, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetUploadDataByFID>;
+  return CallForTexts(State(), contract, {strDSN, strFids}, [&](Connection& connection) {
     Vector items;
     for (UploadItem& item : CollectUploadItems(connection, QueriesByKeys(strFids))) {
       Dictionary entry;
@@ -118,9 +118,8 @@ Vector clsGetData::GetUploadDataByFID(std::string_view strDSN, std::string_view 
 
 bool clsGetData::GetUploadDataByTab(std::string_view strDSN, std::string_view pageTable, std::string_view strFids,
                                     std::string_view strTempTable, std::string_view sNewID) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetUploadDataByTab";
-  if (strDSN.empty() || pageTable.empty()) return false;
-  return CallOperation(State(), kSource, strDSN, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetUploadDataByTab>;
+  return CallForTexts(State(), contract, {strDSN, pageTable}, [&](Connection& connection) {
     if (IsPageDone(connection, pageTable)) return true;
     const std::vector<UploadItem> items = CollectUploadItems(connection, QueriesByPage(pageTable));
     ExecuteInBatches(connection, items, [&](TextBuilder& text, const UploadItem& item) {

@@ -3,13 +3,13 @@
 #include "frame/identity.h"
 #include "frame/results.h"
 #include "frame/text_builder.h"
+#include "upload/contracts.h"
 
 namespace tessarlorn {
 
 bool clsGetData::isRunUploadOrder(std::string_view sDsn) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.isRunUploadOrder";
-  if (sDsn.empty()) return false;
-  return CallOperation(State(), kSource, sDsn, [&](Connection&) {
+  constexpr const Contract& contract = kContract<&clsGetData::isRunUploadOrder>;
+  return CallForTexts(State(), contract, {sDsn}, [&](Connection&) {
     TextBuilder text;
     text.Line(" SELECT  Frowid  ");
     text.Line(" FROM IC_UploadWebOrderTaskFlow ");
@@ -22,9 +22,9 @@ bool clsGetData::isRunUploadOrder(std::string_view sDsn) {
 
 bool clsGetData::GetSplitChrildOrderIDs(std::string_view strDSN, std::int32_t FID, std::string_view SiteOrderID,
                                         Variant& ChildOrderIDs) {
-  constexpr std::string_view kSource = "TessarMWebOrder.TessarMWebOrderInfo.GetSortRs";
-  if (strDSN.empty() || FID == 0) return false;
-  return CallOperation(State(), kSource, strDSN, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetSplitChrildOrderIDs>;
+  if (FID == 0) return false;
+  return CallForTexts(State(), contract, {strDSN}, [&](Connection& connection) {
     const auto child_orders = [&](std::string_view comparison) {
       TextBuilder text;
       text.Append(
@@ -44,12 +44,12 @@ bool clsGetData::GetSplitChrildOrderIDs(std::string_view strDSN, std::int32_t FI
 
 bool clsGetData::CheckWebShopTypeSameByOrders(std::string_view sDsn, std::string_view strIDs,
                                               std::int16_t& WebShopType) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.CheckWebShopTypeSameByOrders";
+  constexpr const Contract& contract = kContract<&clsGetData::CheckWebShopTypeSameByOrders>;
   if (strIDs.empty()) {
     WebShopType = 0;
     return true;
   }
-  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) {
+  return CallOperation(State(), contract, sDsn, [&](Connection& connection) {
     TextBuilder text;
     text.Line("select distinct t1.FWebShopType from IC_WebshopToStorage t1");
     text.Line(" where exists(select 1 from IC_Web2ERPOrders t2  where t1.FWebshopID = t2.FWebshopID and t2.FID in (",
@@ -62,9 +62,8 @@ bool clsGetData::CheckWebShopTypeSameByOrders(std::string_view sDsn, std::string
 }
 
 std::int16_t clsGetData::GetWebShopType(std::string_view sDsn, std::string_view sFWebshopID) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetWebShopType";
-  if (sDsn.empty()) return 0;
-  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) -> std::int16_t {
+  constexpr const Contract& contract = kContract<&clsGetData::GetWebShopType>;
+  return CallForTexts(State(), contract, {sDsn}, [&](Connection& connection) -> std::int16_t {
     TextBuilder text;
     text.Append("SELECT FWebShopType FROM IC_WebshopToStorage WHERE FWebshopID ='{shop}'\r\n", {{"shop", sFWebshopID}});
     const RecordsetPtr shop = connection.Query(text.GetText());

@@ -3,19 +3,17 @@
 #include "frame/order_call.h"
 #include "frame/results.h"
 #include "frame/text_builder.h"
+#include "warehouse/contracts.h"
 
 namespace tessarlorn {
 namespace {
 
-constexpr std::string_view kOrderSource = "TessarLornPickingAndDelivery.clsGetData.GetTplOrderInfo";
-constexpr std::string_view kCancelSource = "TessarLornPickingAndDelivery.clsGetData.GetCancelTplOrderInfo";
-
 /// The keys that the query answers in `field`, with commas between them.
 /// @param write makes the query: write(TextBuilder&)
 template <typename Write>
-std::string SelectKeys(InstanceState instance, std::string_view source, std::string_view dsn, std::string_view keys,
+std::string SelectKeys(InstanceState instance, const Contract& contract, std::string_view dsn, std::string_view keys,
                        std::string_view field, const Write& write) {
-  return CallForKeys(instance, source, dsn, keys, [&](Connection& connection) {
+  return CallForTexts(instance, contract, {dsn, keys}, [&](Connection& connection) {
     TextBuilder text;
     write(text);
     return JoinColumn(connection.Query(text.GetText()), field);
@@ -26,7 +24,8 @@ std::string SelectKeys(InstanceState instance, std::string_view source, std::str
 
 std::string clsGetData::GetTplOrderInfo(std::string_view sDsn, std::string_view sFID,
                                         const Dictionary* dicWebToStorage) {
-  return SelectKeys(State(), kOrderSource, sDsn, sFID, "FID", [&](TextBuilder& text) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetTplOrderInfo>;
+  return SelectKeys(State(), contract, sDsn, sFID, "FID", [&](TextBuilder& text) {
     text.Line(" SELECT t1.FID  FROM IC_Web2ERPOrders t1");
     text.Line(" left join IC_Web2erpordersEx t2 on t1.FID=t2.FID");
     text.Line(" where t1.FID IN (", sFID, "  )");
@@ -36,7 +35,8 @@ std::string clsGetData::GetTplOrderInfo(std::string_view sDsn, std::string_view 
 }
 
 std::string clsGetData::GetNotTplOrderInfo(std::string_view sDsn, std::string_view sFID) {
-  return SelectKeys(State(), kOrderSource, sDsn, sFID, "FID", [&](TextBuilder& text) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetNotTplOrderInfo>;
+  return SelectKeys(State(), contract, sDsn, sFID, "FID", [&](TextBuilder& text) {
     text.Line(" SELECT t1.FID  FROM IC_Web2ERPOrders t1  where FID IN ( ", sFID, " )  ");
     text.Line("  AND  EXISTS (SELECT 1 FROM IC_Web2ERPOrdersEntry WHERE FID =t1.FID AND FStockID NOT IN  ");
     text.Line("  (SELECT DISTINCT FStockID FROM IC_WebtplToStorage )) ");
@@ -45,7 +45,8 @@ std::string clsGetData::GetNotTplOrderInfo(std::string_view sDsn, std::string_vi
 
 std::string clsGetData::GetCancelTplOrderInfo(std::string_view sDsn, std::string_view sFID, std::int32_t tplType,
                                               std::string_view tplStockID) {
-  return SelectKeys(State(), kCancelSource, sDsn, sFID, "FID", [&](TextBuilder& text) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetCancelTplOrderInfo>;
+  return SelectKeys(State(), contract, sDsn, sFID, "FID", [&](TextBuilder& text) {
     text.Line("  SELECT t1.FID  FROM IC_Web2ERPOrders t1   ");
     text.Line("  left join IC_Web2erpordersEx t2 on t1.FID=t2.FID  ");
     text.Line("  where t1.FID IN ( ", sFID, " )  ");
@@ -64,7 +65,8 @@ std::string clsGetData::GetCancelTplOrderInfo(std::string_view sDsn, std::string
 
 std::string clsGetData::GetCancelTplReturnOrderInfo(std::string_view sDsn, std::string_view sFID, std::int32_t tplType,
                                                     std::string_view tplStockID) {
-  return SelectKeys(State(), kCancelSource, sDsn, sFID, "FEntryID", [&](TextBuilder& text) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetCancelTplReturnOrderInfo>;
+  return SelectKeys(State(), contract, sDsn, sFID, "FEntryID", [&](TextBuilder& text) {
     text.Line("  select entry.FEntryID  from IC_Web2ERPOrdersEntry entry ");
     text.Line("  inner join IC_WebtplToStorage tpl on entry.FStockID =tpl.FStockID   ");
     text.Append("  where entry.FEntryID in ({FID}) and tpl.FWebtplID ='{stock}' and tpl.FWebtplType = {type}\r\n",
@@ -73,8 +75,8 @@ std::string clsGetData::GetCancelTplReturnOrderInfo(std::string_view sDsn, std::
 }
 
 std::string clsGetData::GetFiltrationTPLOrder(std::string_view sDsn, std::string_view sFID) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetFiltrationTPLOrder";
-  return SelectKeys(State(), kSource, sDsn, sFID, "FID", [&](TextBuilder& text) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetFiltrationTPLOrder>;
+  return SelectKeys(State(), contract, sDsn, sFID, "FID", [&](TextBuilder& text) {
     text.Line("   select t1.FID ,t1.FOrderID from IC_Web2ERPOrders t1   ");
     text.Line("   left join IC_Web2ERPOrdersEx t2 on t1.FID =t2.FID    ");
     text.Line("   where t1.FID in (", sFID, ") and isNull(t2.FTplStatus,'')  IN('1','3')   ");

@@ -3,12 +3,13 @@
 #include "frame/order_call.h"
 #include "frame/results.h"
 #include "frame/text_builder.h"
+#include "warehouse/contracts.h"
 
 namespace tessarlorn {
 
 RecordsetPtr clsGetData::GetTplCompany(const Dictionary* dctPara) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetTplCompany";
-  return CallForDictionary(State(), kSource, dctPara, [](Connection& connection, const Parameters&) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetTplCompany>;
+  return CallForDictionary(State(), contract, dctPara, [](Connection& connection, const Parameters&) {
     TextBuilder text;
     text.Line(
         "   select distinct FWebTplName,FWebTplType from IC_WebtplFlat where FWebTplType in (select FWebTplType   from "
@@ -18,9 +19,8 @@ RecordsetPtr clsGetData::GetTplCompany(const Dictionary* dctPara) {
 }
 
 RecordsetPtr clsGetData::GetTplStock(const Dictionary* dctPara, bool bIsBad) {
-  if (!Parameters(dctPara).HasText("FWebtplType")) return nullptr;
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetTplStock";
-  return CallForDictionary(State(), kSource, dctPara, [&](Connection& connection, const Parameters& parameters) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetTplStock>;
+  return CallForDictionary(State(), contract, dctPara, [&](Connection& connection, const Parameters& parameters) {
     TextBuilder text;
     text.Line("    select FWebtplID,FWebtplName from IC_WebtplToStorage where ", bIsBad ? "" : "FIsbad=0  and ",
               " FUnUsed<>1 AND FWebtplType=", parameters.Text("FWebtplType"), " order by FWebtplID   ");
@@ -29,9 +29,8 @@ RecordsetPtr clsGetData::GetTplStock(const Dictionary* dctPara, bool bIsBad) {
 }
 
 std::optional<Vector> clsGetData::GetTplCompanyNew(std::string_view sDsn) {
-  if (sDsn.empty()) return std::nullopt;
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetTplCompany";
-  return CallOperation(State(), kSource, sDsn, [](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsGetData::GetTplCompanyNew>;
+  return CallForTexts(State(), contract, {sDsn}, [](Connection& connection) {
     TextBuilder text;
     text.Line(
         "   select distinct FtplCategory,FWebtplType,FWebtplID,FStockID  from IC_WebtplToStorage where FUnUsed<>1 order "

@@ -5,6 +5,7 @@
 #include "frame/order_call.h"
 #include "frame/text_builder.h"
 #include "frame/update_or_insert.h"
+#include "warehouse/contracts.h"
 
 namespace tessarlorn {
 namespace {
@@ -32,8 +33,8 @@ DocumentKind KindOf(std::int32_t transaction_type) {
 
 bool clsSaveData::SubMitTplOrderTask(std::string_view sDsn, std::string_view sFID, std::int32_t tplType,
                                      std::string_view sUserName, std::string_view sWebTplID) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsSaveData.SubMitTplOrderTask";
-  return CallForKeys(State(), kSource, sDsn, sFID, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsSaveData::SubMitTplOrderTask>;
+  return CallForTexts(State(), contract, {sDsn, sFID}, [&](Connection& connection) {
     TextBuilder task;
     task.Append(
         R"(
@@ -57,8 +58,8 @@ bool clsSaveData::SubMitTplOrderTask(std::string_view sDsn, std::string_view sFI
 std::string clsSaveData::SubMitPorTask(std::string_view sDsn, std::string_view sTaskID, std::string_view sInterFID,
                                        std::int32_t tplType, std::string_view sStockID, std::string_view sUserName,
                                        std::string_view sFiter, std::int32_t lTranType) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsSaveData.SubMitPorTask";
-  return CallForKeys(State(), kSource, sDsn, sInterFID, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsSaveData::SubMitPorTask>;
+  return CallForTexts(State(), contract, {sDsn, sTaskID, sInterFID}, [&](Connection& connection) {
     const DocumentKind kind = KindOf(lTranType);
     TextBuilder text;
     text.Append(
@@ -83,8 +84,8 @@ std::string clsSaveData::SubMitPorTask(std::string_view sDsn, std::string_view s
 }
 
 bool clsSaveData::ClearTplFieldInfo(std::string_view sDsn, std::string_view sBillNo) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsSaveData.ClearTplFieldInfo";
-  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsSaveData::ClearTplFieldInfo>;
+  return CallOperation(State(), contract, sDsn, [&](Connection& connection) {
     TextBuilder text;
     text.Line("        UPDATE POOrder");
     text.Line("        SET FTplStatus='' ,FTplFail='',FTplflat='',FTplStock='' ");
@@ -99,8 +100,8 @@ bool clsSaveData::ClearTplFieldInfo(std::string_view sDsn, std::string_view sBil
 }
 
 bool clsSaveData::DownloadWebTpls(std::string_view sDsn, std::int32_t lScheme) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsSaveData.DownloadWebTpls";
-  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) {
+  constexpr const Contract& contract = kContract<&clsSaveData::DownloadWebTpls>;
+  return CallOperation(State(), contract, sDsn, [&](Connection& connection) {
     TextBuilder text;
     text.Append(R"(
 if exists(select 1 from IC_SynchSetting where FSettingName='DownloadWebTpls')
@@ -114,10 +115,10 @@ if exists(select 1 from IC_SynchSetting where FSettingName='DownloadWebTpls')
 
 std::int32_t clsGetData::GetPurchaseTaskInfo(std::string_view sDsn, std::string_view taskName, std::string_view taskID,
                                              std::string_view sWebTplType, std::string_view sWebTplID) {
-  constexpr std::string_view kSource = "TessarLornPickingAndDelivery.clsGetData.GetCancelTplOrderInfo";
+  constexpr const Contract& contract = kContract<&clsGetData::GetPurchaseTaskInfo>;
   constexpr std::int32_t kFinished = -1;
-  if (sDsn.empty() || (taskName.empty() && taskID.empty())) return 0;
-  return CallOperation(State(), kSource, sDsn, [&](Connection& connection) {
+  if (taskName.empty() && taskID.empty()) return 0;
+  return CallForTexts(State(), contract, {sDsn}, [&](Connection& connection) {
     TextBuilder text;
     if (!taskID.empty()) {
       text.Append("   select FStatus from TPLTaskFlow where  FTaskId ='{task}'   \r\n", {{"task", taskID}});

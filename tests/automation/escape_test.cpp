@@ -52,7 +52,7 @@ class EscapeTest : public SampleTest {
   Variant Call(ServiceObject& object, const Operation& operation) {
     std::vector<Variant> arguments;
     for (const Argument& argument : operation.arguments()) {
-      arguments.push_back(argument.is_connection() ? Variant(escaping_)
+      arguments.push_back(argument.is_connection ? Variant(escaping_)
                           : argument.any_key       ? Variant(Dictionary{{"101", kText}})
                                                    : Sample(argument.name, argument.type, argument.keys));
     }

@@ -1,5 +1,7 @@
 // What every operation sends to the database, to the blank: blanks at line ends and comments are part of it, and an
 // editor or a formatter would take them out unseen.
+#include <algorithm>
+#include <array>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -41,7 +43,7 @@ Dictionary SampleKeys(std::span<const Key> keys) {
 }
 
 Variant SampleArgument(const Argument& argument) {
-  if (argument.is_connection()) return dsn;
+  if (argument.is_connection) return dsn;
   if (argument.type == ValueType::kDictionary) {
     return argument.any_key ? Dictionary{{"<key>", "<value>"}} : SampleKeys(argument.keys);
   }
@@ -200,6 +202,116 @@ TEST_P(StatementsTest, ThatAnswerNoRowsRaise3704WhereRowsAreRead) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Escape, StatementsTest, testing::Values("", ";Escape=Yes"));
+
+/// One way to a value: an argument, a key of a Dictionary, or a key of the Dictionaries in a Vector.
+struct Place {
+  std::string argument, key, item_key;
+  ValueType type;
+  Standing stands;
+};
+
+std::vector<Place> PlacesOf(const Operation& operation) {
+  std::vector<Place> places;
+  for (const Argument& argument : operation.arguments()) {
+    const std::string name(argument.name);
+    if (argument.keys.empty() && !argument.any_key && !argument.is_connection) {
+      places.push_back({name, "", "", argument.type, argument.stands});
+    }
+    for (const Key& key : argument.keys) {
+      if (key.is_connection()) continue;
+      for (const Key& item : key.item_keys) {
+        places.push_back({name, std::string(key.name), std::string(item.name), item.type, item.stands});
+      }
+      if (key.item_keys.empty()) places.push_back({name, std::string(key.name), "", key.type, key.stands});
+    }
+  }
+  return places;
+}
+
+constexpr std::string_view kNothing;
+constexpr std::string_view kAll = "*";
+
+/// What the operation sends with `value` in that place; "raised 13" when it refuses it.
+/// @param without kNothing: all other places have their samples; kAll: all that it can do without is left out; else
+/// the name of an argument that is
+std::string SentWith(const Operation& operation, const Place& place, const Variant& value, std::string_view without) {
+  const bool alone = without == kAll;
+  std::vector<Variant> arguments;
+  for (const Argument& argument : operation.arguments()) {
+    const bool left_out =
+        (alone && argument.keys.empty() && !argument.is_connection && argument.need == Need::kOptional) ||
+        argument.name == without;
+    arguments.push_back(left_out ? Variant() : SampleArgument(argument));
+    const auto vector = arguments.back().ToVector();
+    auto holder = vector ? vector->At(1).ToDictionary() : arguments.back().ToDictionary();
+    for (const Key& key : argument.keys) {
+      if (alone && key.need == Need::kOptional) holder->Remove(key.name);
+      if (alone && key.type == ValueType::kBoolean && key.need == Need::kGiven) holder->SetValue(key.name, false);
+    }
+    if (argument.name != place.argument) continue;
+    if (place.key.empty()) {
+      arguments.back() = value;
+      continue;
+    }
+    if (!place.item_key.empty()) holder = holder->GetValue(place.key).ToVector()->At(1).ToDictionary();
+    holder->SetValue(place.item_key.empty() ? place.key : place.item_key, value);
+  }
+  TheRecording().events.clear();
+  TheRecording().answer = Answer;
+  std::string sent;
+  try {
+    ServiceObject(operation.service).Invoke(operation, arguments);
+  } catch (const Error& error) {
+    if (error.number() == error_number::kTypeMismatch) return "raised 13";
+  }
+  for (const std::string& event : TheRecording().events) {
+    // What goes to the operation log is no statement.
+    if (!event.starts_with("Write") && !event.starts_with("IsLogEnable")) sent += event + "\n";
+  }
+  return sent;
+}
+
+bool IsBetweenQuotes(std::string_view sent, std::string_view mark) {
+  const std::string_view before = sent.substr(0, sent.find(mark));
+  return std::count(before.begin(), before.end(), '\'') % 2 == 1;
+}
+
+/// How a value is found in the statements, from the safest way to the one that needs most care. All bare ones look
+/// alike.
+enum class Way : std::uint8_t { kNowhere, kNumber, kStripped, kQuoted, kBare };
+
+Way Found(const Operation& operation, const Place& place, std::string_view without) {
+  const bool number_only = place.type == ValueType::kLong && place.key.empty();
+  const std::string sent = number_only ? "" : SentWith(operation, place, "1_mq'z", without);
+  if (sent.find("mq'z") != std::string::npos) return Way::kBare;
+  if (sent.find("mq''z") != std::string::npos) return IsBetweenQuotes(sent, "mq''z") ? Way::kQuoted : Way::kBare;
+  if (sent.find("mqz") != std::string::npos) return IsBetweenQuotes(sent, "mqz") ? Way::kStripped : Way::kBare;
+  const std::string with_number = SentWith(operation, place, 987654, without);
+  return with_number.find("987654") == std::string::npos ? Way::kNowhere : Way::kNumber;
+}
+
+Way Expected(Standing stands) {
+  constexpr std::array kWays = {Way::kNowhere, Way::kQuoted, Way::kStripped, Way::kNumber,
+                                Way::kBare,    Way::kBare,   Way::kBare,     Way::kBare};
+  return kWays[static_cast<std::size_t>(stands)];
+}
+
+TEST_F(RecordingTest, EveryValueStandsInTheStatementsAsItsContractSays) {
+  dsn = std::string(kDsn) + ";Escape=Yes";
+  for (const Operation* operation : Operations()) {
+    if (operation->property) continue;
+    for (const Place& place : PlacesOf(*operation)) {
+      Way found = std::max(Found(*operation, place, kNothing), Found(*operation, place, kAll));
+      for (const Argument& other : operation->arguments()) {
+        if (other.need == Need::kOptional && !other.is_connection && other.name != place.argument) {
+          found = std::max(found, Found(*operation, place, other.name));
+        }
+      }
+      EXPECT_EQ(found, Expected(place.stands))
+          << operation->name << " " << place.argument << " " << place.key << " " << place.item_key;
+    }
+  }
+}
 
 }  // namespace
 }  // namespace tessarlorn

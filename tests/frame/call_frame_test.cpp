@@ -10,6 +10,9 @@
 namespace tessarlorn {
 namespace {
 
+constexpr Contract kDelivery = {.name = "Delivery", .source = "Delivery", .arguments = {}, .help = ""};
+constexpr Contract kPlain = {.name = "", .source = "", .arguments = {}, .help = ""};
+
 class CallFrameTest : public RecordingTest {
  protected:
   InstanceState State() { return {context_, session_}; }
@@ -20,16 +23,16 @@ class CallFrameTest : public RecordingTest {
 
 TEST_F(CallFrameTest, TurnsEveryFailureIntoOneErrorOfTheOperation) {
   const auto raised = [&](const auto& failure) {
-    return Raised([&] { CallOperation(State(), "Delivery", kDsn, [&](Connection&) { failure(); }); });
+    return Raised([&] { CallOperation(State(), kDelivery, kDsn, [&](Connection&) { failure(); }); });
   };
   EXPECT_EQ(raised([] { throw std::bad_alloc(); }), "7 Delivery");
   EXPECT_EQ(raised([] { throw std::runtime_error("x"); }), "51 Delivery");
   EXPECT_EQ(raised([] { throw 1; }), "51 Delivery");
   EXPECT_EQ(raised([] { RaiseTypeMismatch(); }), "13 Delivery");
-  EXPECT_EQ(Raised([&] { CallOperation(State(), "Delivery", "Nobody=1", [](Connection&) {}); }),
+  EXPECT_EQ(Raised([&] { CallOperation(State(), kDelivery, "Nobody=1", [](Connection&) {}); }),
             std::to_string(error_number::kLoginRefused) + " Delivery");
   try {
-    CallOperation(State(), "Delivery", kDsn, [](Connection&) {
+    CallOperation(State(), kDelivery, kDsn, [](Connection&) {
       throw Error(error_number::kConstraintBroken, "driver", "Violation of PRIMARY KEY", {2627, "23000"});
     });
     FAIL();
@@ -42,14 +45,14 @@ TEST_F(CallFrameTest, TurnsEveryFailureIntoOneErrorOfTheOperation) {
 }
 
 TEST_F(CallFrameTest, ReplacesSessionAndContextWithEachCall) {
-  CallOperation(State(), "", kDsn, [&](Connection&) { EXPECT_EQ(session_->GetDsn(), kDsn); });
-  CallOperation(State(), "", "Connect=Recording=b;User=2;Language=CHT", [&](Connection&) {});
+  CallOperation(State(), kPlain, kDsn, [&](Connection&) { EXPECT_EQ(session_->GetDsn(), kDsn); });
+  CallOperation(State(), kPlain, "Connect=Recording=b;User=2;Language=CHT", [&](Connection&) {});
   EXPECT_EQ(context_.GetLanguage(), "CHT");
   EXPECT_EQ(context_.GetCallerInfo(), "User=2");
   EXPECT_THAT(Events(), testing::ElementsAre("open"));
   // A session that is kept holds its connection until the new one is open.
   CallOperation(
-      State(), "", "Recording=b", [](Connection&) {}, OldSession::kKeep);
+      State(), kPlain, "Recording=b", [](Connection&) {}, OldSession::kKeep);
   EXPECT_THAT(Events(), testing::ElementsAre("open", "open"));
 }
 

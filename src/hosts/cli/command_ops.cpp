@@ -40,8 +40,13 @@ std::string SignatureText(const Operation& operation) {
 Json DescribeKeys(std::span<const Key> keys) {
   Json list = Json::array();
   for (const Key& key : keys) {
-    Json entry = {{"name", key.name},        {"type", TypeName(key.type)}, {"mandatory", key.need == Need::kMandatory},
-                  {"default", key.fallback}, {"help", key.help},           {"connection", key.is_connection()}};
+    Json entry = {{"name", key.name},
+                  {"type", TypeName(key.type)},
+                  {"mandatory", key.need != Need::kOptional},
+                  {"default", key.fallback},
+                  {"stands", StandingText(key.stands)},
+                  {"help", key.help},
+                  {"connection", key.is_connection()}};
     if (!key.item_keys.empty()) entry["keys"] = DescribeKeys(key.item_keys);
     list.push_back(std::move(entry));
   }
@@ -51,15 +56,24 @@ Json DescribeKeys(std::span<const Key> keys) {
 Json Describe(const Operation& operation) {
   Json arguments = Json::array();
   for (const Argument& argument : operation.arguments()) {
-    Json entry = {{"name", argument.name},         {"type", TypeName(argument.type)},
-                  {"optional", argument.optional}, {"written_back", argument.in_out},
-                  {"any_key", argument.any_key},   {"connection", argument.is_connection()}};
+    Json entry = {{"name", argument.name},
+                  {"type", TypeName(argument.type)},
+                  {"optional", argument.optional},
+                  {"written_back", argument.in_out},
+                  {"any_key", argument.any_key},
+                  {"stands", StandingText(argument.stands)},
+                  {"mandatory", argument.need != Need::kOptional},
+                  {"connection", argument.is_connection}};
     if (!argument.keys.empty()) entry["keys"] = DescribeKeys(argument.keys);
     arguments.push_back(std::move(entry));
   }
-  return {{"class", ClassName(operation.service)}, {"name", operation.name},
-          {"property", operation.property},        {"arguments", std::move(arguments)},
-          {"result", TypeName(operation.result)},  {"help", operation.help}};
+  return {{"class", ClassName(operation.service)},
+          {"name", operation.name},
+          {"property", operation.property},
+          {"arguments", std::move(arguments)},
+          {"result", TypeName(operation.result)},
+          {"source", operation.contract->source},
+          {"help", operation.help()}};
 }
 
 /// A line for each key: name, type, what it is; the keys of a Vector's Dictionaries below it.
@@ -81,10 +95,10 @@ void PrintKeys(std::span<const Key> keys, std::size_t indent) {
 
 void Explain(const Operation& operation) {
   std::cout << ClassName(operation.service) << '.' << SignatureText(operation) << "\n\n"
-            << Wrapped(operation.help, 2, kTextWidth);
+            << Wrapped(operation.help(), 2, kTextWidth);
   for (const Argument& argument : operation.arguments()) {
     std::cout << "\n  " << argument.name << " As " << TypeName(argument.type);
-    if (argument.is_connection()) std::cout << ": connection string; the command's own when not given";
+    if (argument.is_connection) std::cout << ": connection string; the command's own when not given";
     if (argument.any_key) std::cout << ": every key counts";
     if (!argument.keys.empty()) {
       std::cout << (argument.type == ValueType::kVector ? ": Dictionaries with the keys" : ", with the keys");
@@ -101,8 +115,9 @@ void List() {
       std::cout << (service.empty() ? "" : "\n") << ClassName(operation->service) << '\n';
       service = ClassName(operation->service);
     }
+    const std::string_view help = operation->contract->help;
     std::cout << "  " << SignatureText(*operation) << '\n'
-              << Wrapped(operation->help.substr(0, operation->help.find(". ")), 6, kTextWidth);
+              << Wrapped(std::string(help.substr(0, help.find(". "))), 6, kTextWidth);
   }
   std::cout << "\n" << Operations().size() << " operations; 'tessarlorn ops NAME' explains one with its keys.\n";
 }

@@ -1,6 +1,8 @@
 #include "hosts/objects/service_class.h"
 
+#include <deque>
 #include <memory>
+#include <string>
 
 namespace tessarlorn {
 namespace {
@@ -19,14 +21,17 @@ ClassDescription MakeDescription(ServiceClass service) {
   description.interface_id = saves ? "1E27C942-8EE4-44B4-ABCC-69B5FBA148B5" : "F8090680-DED3-472A-B6BD-5DEBC50A61AE";
   description.help = saves ? "Changes orders; most operations answer whether they did." : "Reads orders.";
   description.create = saves ? Create<ServiceClass::kSaveData> : Create<ServiceClass::kGetData>;
+  // Members refer to their texts for good.
+  static std::deque<std::string> texts;
   for (const Operation* const operation : Operations()) {
     if (operation->service != service) continue;
+    texts.push_back(operation->help());
     description.members.push_back({.name = operation->name,
                                    .id = MemberId(operation->name),
                                    .uses = operation->property ? kGet : kCall,
                                    .result = operation->result,
                                    .arguments = operation->arguments(),
-                                   .help = operation->help,
+                                   .help = texts.back(),
                                    .operation = operation});
   }
   return description;

@@ -168,7 +168,7 @@ class Reader {
 
   void Connect(std::size_t position, std::string_view dsn) {
     const Argument& argument = operation_.arguments()[position];
-    if (argument.is_connection() && values_[position].is_empty()) values_[position] = Given(dsn);
+    if (argument.is_connection && values_[position].is_empty()) values_[position] = Given(dsn);
     if (argument.type != ValueType::kDictionary) return;
     for (const Key& key : argument.keys) {
       if (!key.is_connection()) continue;

@@ -1,0 +1,178 @@
+// The contracts of the operations of amend/.
+#pragma once
+
+#include "frame/clsGetData.h"
+#include "frame/clsSaveData.h"
+#include "frame/contract.h"
+#include "frame/keys.h"
+
+namespace tessarlorn {
+
+namespace amend {
+
+using enum ValueType;
+using enum Standing;
+
+inline constexpr std::array kOrderRemark = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Given("FSellerMessage", kString, kQuoted, "The remark"),
+    Optional("Mode", kLong, kNowhere, "0", "0 replaces the old remark, any other number adds the new one behind it"),
+};
+
+inline constexpr std::array kWishes = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Given("FDeliveryRemark", kString, kQuoted, "The wishes"),
+};
+
+inline constexpr std::array kDeliveryRemark = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Given("FShippingRem", kString, kQuoted, "The remark"),
+    Optional("Mode", kLong, kNowhere, "0", "1 adds the remark behind the old one, anything else replaces it"),
+};
+
+inline constexpr std::array kAddress = {
+    ConnectionKey("sDSN"),
+    Mandatory("FID", kLong, kBareNumber, "Order key"),
+    Optional("FConsignee", kString, kQuoted, "", "Who receives the parcel"),
+    Optional("FZipCode", kString, kQuoted, "", "Postal code"),
+    Optional("FTelephone", kString, kQuoted, "", "Telephone number"),
+    Optional("FMobile", kString, kQuoted, "", "Mobile number"),
+    Optional("FDeliveryProvince", kLong, kQuoted, "", "Province, its id"),
+    Optional("FDeliveryCity", kLong, kQuoted, "", "City, its id"),
+    Optional("FDeliveryDistrict", kLong, kQuoted, "", "District, its id"),
+    Optional("FDeliveryAddress", kString, kQuoted, "", "Street and house"),
+};
+
+inline constexpr std::array kChangeStock = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Mandatory("FStockID", kLong, kBareNumber, "The new warehouse, its id"),
+};
+
+inline constexpr std::array kCostInvoice = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Optional("FCostInvoiceInterID", kLong, kQuoted, "",
+             "Key of the cost invoice, a number; without one the orders are unlinked"),
+};
+
+}  // namespace amend
+
+template <>
+inline constexpr Contract kContract<&clsSaveData::OrderRemark> = {
+    .name = "OrderRemark",
+    .source = "OrderRemark",
+    .arguments = {{.name = "dctPara", .keys = amend::kOrderRemark}},
+    .help =
+        "Replaces or extends the seller's remark of orders and records it in their field log. False, with nothing "
+        "done, without sDSN, FID or FSellerMessage.",
+    .errors = "13 when Mode is no number",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::DeRemark> = {
+    .name = "DeRemark",
+    .source = "OrderRemark",
+    .arguments = {{.name = "dctPara", .keys = amend::kWishes}},
+    .help =
+        "Replaces the buyer's wishes for the delivery of orders and records them in their field log. False, with "
+        "nothing done, without sDSN, FID or FDeliveryRemark.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::DeliveryRemark> = {
+    .name = "DeliveryRemark",
+    .source = "OrderRemark",
+    .arguments = {{.name = "dctPara", .keys = amend::kDeliveryRemark}},
+    .help =
+        "Replaces or extends the delivery remark of orders and records it in their field log. False, with nothing "
+        "done, without sDSN, FID or FShippingRem.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::ChangeAddess> = {
+    .name = "ChangeAddess",
+    .source = "ChangeAddess",
+    .arguments = {{.name = "dctPara", .keys = amend::kAddress}},
+    .help =
+        "Stores consignee and address of an order, clears its waybill number and deletes the courier's own waybill; "
+        "the change goes to its field log. False, with nothing done, without sDSN or FID; True when the update ran, "
+        "also when no order matched.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::ChangeStock> = {
+    .name = "ChangeStock",
+    .source = "ChangeStock",
+    .arguments = {{.name = "dctPara", .keys = amend::kChangeStock}},
+    .help =
+        "Moves all lines of orders to another warehouse, without a stock place; logged as 2001 where enabled, one "
+        "row a line. False, with nothing done, without sDSN, FID or FStockID.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::UpdateCostInvoiceStatus> = {
+    .name = "UpdateCostInvoiceStatus",
+    .source = "ChangeAddess",
+    .arguments = {{.name = "dctPara", .keys = amend::kCostInvoice}},
+    .help =
+        "Links orders to the cost invoice that covers them; logged as 3007, always. False, with nothing done, "
+        "without sDSN or FID; True when the update ran, also when no order matched.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::UpdateAfterDeleteBill> = {
+    .name = "UpdateAfterDeleteBill",
+    .source = "TessarLornPickingAndDelivery.clsSaveData.UpdateAfterDeleteBill",
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory},
+                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory}},
+    .help =
+        "Unlinks all orders from the cost invoices of the list sFID. False, with nothing done, without sDsn or sFID.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::bExistStock> = {
+    .name = "bExistStock",
+    .source = "ChangeAddess",
+    .arguments = {{.name = "dctPara", .keys = kOrder}},
+    .help = "Whether a line of the order has no warehouse. False without sDSN or FID.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::CheckInnerInvoice> = {
+    .name = "CheckInnerInvoice",
+    .source = "CheckInnerInvoice",
+    .arguments = {{.name = "dctPara", .keys = kOrders}},
+    .help =
+        "A Dictionary with ReturnBills, a Vector of Dictionaries with FID and FOrderID for those of the orders that "
+        "are invoiced but not covered by an internal invoice, and FStatus, 1 when there are any, otherwise 0. "
+        "Nothing without sDSN or FID.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetIsMarkBilling> = {
+    .name = "GetIsMarkBilling",
+    .source = "GetIsMarkBilling",
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory}},
+    .help = "Whether billing is marked (setting MarkBilling of category EC). False without sDsn or such a setting.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::bExistInvoice> = {
+    .name = "bExistInvoice",
+    .source = "bExistInvoice",
+    .arguments = {{.name = "dctPara", .keys = kOrders}},
+    .help = "Whether any of the orders has a sales invoice. False without sDSN or FID.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetWebFIDByCostInoviceID> = {
+    .name = "GetWebFIDByCostInoviceID",
+    .source = "TessarMWebOrder.TessarMWebOrderInfo.GetWebFIDByInoviceID",
+    .arguments = {{.name = "sDsn"}, {.name = "lInoviceID", .stands = Standing::kNumber}},
+    .help = "The key of the order that a cost invoice covers, -1 when it covers none or several.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetTotalPriceChange> = {
+    .name = "GetTotalPriceChange",
+    .source = "GetBatchNo",
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory}, {.name = "sFIDs", .stands = Standing::kKeyList}},
+    .help =
+        "The sums of the price-difference lines of each order of the list sFIDs: amount, freight and discount. "
+        "Nothing without sDsn; no row for an order without such lines.",
+    .errors = "also when sFIDs is empty",
+};
+
+}  // namespace tessarlorn

@@ -1,0 +1,162 @@
+// The contracts of the operations of browse/.
+#pragma once
+
+#include "frame/clsGetData.h"
+#include "frame/contract.h"
+#include "frame/keys.h"
+
+namespace tessarlorn {
+
+namespace browse {
+
+using enum ValueType;
+using enum Standing;
+
+inline constexpr std::array kListFilter = {
+    Optional("FOrderDateFrom", kDate, kQuoted, "", "Ordered at or after"),
+    Optional("FOrderDateTo", kDate, kQuoted, "", "Ordered at or before"),
+    Optional("FSitePayDateFrom", kDate, kQuoted, "", "Paid at or after"),
+    Optional("FSitePayDateTo", kDate, kQuoted, "", "Paid at or before"),
+    Optional("FShipDateFrom", kDate, kQuoted, "", "Reported as sent to the web shop at or after"),
+    Optional("FShipDateTo", kDate, kQuoted, "", "Reported as sent to the web shop at or before"),
+    Optional("FSendDateFrom", kDate, kQuoted, "", "Sent at or after"),
+    Optional("FSendDateTo", kDate, kQuoted, "", "Sent at or before"),
+    Optional("FOrderFlag", kString, kQuoted, "", "Flag of the order"),
+    Optional("FUpLoadStatus", kLong, kBareNumber, "", "0 = not uploaded, 1 = uploaded, 2 = failed, 3 = uploading"),
+    Optional("FSiteID", kString, kQuoted, "", "Web shop id (column FWebshopID)"),
+    Optional("FOrderType", kLong, kBareNumber, "", "Order type id; 38112 = manual order"),
+    Optional("FIsPrintSend", kLong, kBareNumber, "", "1 = delivery slip printed, 0 = not"),
+    Optional("FIsPrintExpress", kLong, kBareNumber, "", "1 = waybill printed, 0 = not"),
+    Optional("FLogisticsID", kString, kQuoted, "", "Carrier id"),
+    Optional("FOrderStatus", kLong, kBareNumber, "",
+             "2 = waiting for picking, 6 = waiting for delivery, 14 = delivered"),
+    Optional("WaitingForDelivery", kLong, kNowhere, "0",
+             "Status whose orders are listed as well once their stock bill is queued"),
+    Optional("IsLock", kLong, kNowhere, "0", "1 = locked, checked orders only; otherwise unlocked ones only"),
+    Optional("FGoodsCount", kString, kSql, "", "SQL condition"),
+    Optional("FEntryCount", kString, kSql, "", "SQL condition"),
+    Optional("icboTpl", kString, kSql, "", "SQL condition"),
+    Optional("icboCainiao", kString, kSql, "", "SQL condition"),
+    Optional("OtherFilterOne", kString, kSql, "", "SQL condition"),
+    Optional("FStockID", kString, kQuoted, "", "Name of a warehouse from which a line is delivered"),
+    Optional("AdvancedFilter", kString, kSql, "",
+             "SQL that begins with \" AND\"; the keys above but FOrderStatus and IsLock then do not count"),
+    Optional("FCloseOrRefundStatus", kLong, kNowhere, "", "1 = normal orders, 2 = refunding or closed ones"),
+    Optional("WebOrderMaxDisplayCount", kDouble, kNumber, "0", "Most rows; 0 = all"),
+};
+
+inline constexpr std::array kEntry = {Given("FID", kLong, kBareNumber, "Order key")};
+
+inline constexpr std::array kBuyers = {
+    ConnectionKey("sDSN"),
+    Optional("FID", kString, kKeyList, "", "Order keys (FID), separated by commas; an error without any"),
+};
+
+}  // namespace browse
+
+template <>
+inline constexpr Contract kContract<&clsGetData::GetListData> = {
+    .name = "GetListData",
+    .source = "TessarLornPickingAndDelivery.clsGetData.GetListData",
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory}, {.name = "Filter", .keys = browse::kListFilter}},
+    .help =
+        "The orders that the filter lets through, one row each with display-ready status columns, by pay date and "
+        "order number; only those of web shops that the acting user may see. Nothing without sDsn or Filter; an "
+        "empty recordset when no order matches.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetEntryData> = {
+    .name = "GetEntryData",
+    .source = "TessarLornPickingAndDelivery.clsGetData.GetEntryData",
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory}, {.name = "dctParameters", .keys = browse::kEntry}},
+    .help =
+        "The lines of an order with item, unit, warehouse, refund and after-sales data; gift lines come last. "
+        "Nothing without sDsn or FID; an empty recordset for an order without lines.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetTemplateData> = {
+    .name = "GetTemplateData",
+    .source = "TessarLornPickingAndDelivery.clsGetData.GetTemplateData",
+    .arguments = {{.name = "dctParam", .keys = kConnection}},
+    .help =
+        "The fields of the order grid by page (1 header, 2 lines) and tab index, with captions in the caller's "
+        "language. Nothing without sDSN.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetUserDefineFilterTemplate> = {
+    .name = "GetUserDefineFilterTemplate",
+    .source = "TessarLornPickingAndDelivery.clsGetData.GetUserDefineFilterTemplate",
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory}},
+    .help =
+        "The fields that a user-defined filter may use, by tab index, with captions in the caller's language. "
+        "Nothing without sDsn.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetListBySQL> = {
+    .name = "GetListBySQL",
+    .source = "TessarLornPickingAndDelivery.clsGetData.GetListBySQL",
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory},
+                  {.name = "sFKey", .stands = Standing::kQuoted, .need = Need::kMandatory}},
+    .help =
+        "The choices of a lookup field as display_id|display_id, cut at 1000 characters. sFKey is class type and "
+        "field key, as 1014301_FStockID. Empty without sDsn or sFKey, for an unknown field and for one that has no "
+        "list.",
+    .errors = "9 for a key without _, 5 for a list without FROM",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::ExecuteSQL> = {
+    .name = "ExecuteSQL",
+    .source = "",
+    .arguments = {{.name = "sDsn"}, {.name = "StrSql", .stands = Standing::kSql}},
+    .help =
+        "Runs SQL as it is and answers its first rows, detached from the connection; Nothing when it answers none. "
+        "Errors come out as the database raised them; an empty connection string is one.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetWebShopData> = {
+    .name = "GetWebShopData",
+    .source = "TessarLornPickingAndDelivery.clsGetData.GetWebShopData",
+    .arguments = {{.name = "dctPara", .keys = kConnection}},
+    .help = "FID, FWebShopID and FWebShopName of all web shops. Nothing without sDSN.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetCommunicaInformation> = {
+    .name = "GetCommunicaInformation",
+    .source = "TessarLornPickingAndDelivery.clsGetData.GetCommunicaInformation",
+    .arguments = {{.name = "dctPara", .keys = browse::kBuyers}},
+    .help =
+        "Names, mobile and e-mail of the buyers of orders, in no certain order. Nothing without sDSN; an empty "
+        "recordset when no order matches.",
+    .errors = "also when FID is missing",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetMobileInformation> = {
+    .name = "GetMobileInformation",
+    .source = "TessarLornPickingAndDelivery.clsGetData.GetMobileInformation",
+    .arguments = {{.name = "dctPara", .keys = browse::kBuyers}},
+    .help =
+        "What a text message to the buyers of orders needs: FBuyerName, FWebshopID, FWebShopName, FConsignee, "
+        "FBuyerNick, FTelephone, FMobile, FSiteOrderID, FOrderID, FLogisticsID, FLogisticsName, FLogisticsOrder. "
+        "Orders without a carrier or of an unknown shop are left out. Nothing without sDSN.",
+    .errors = "also when FID is missing",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetWebBillTitleData> = {
+    .name = "GetWebBillTitleData",
+    .source = "",
+    .arguments = {{.name = "PropsString", .need = Need::kMandatory}},
+    .help =
+        "The titles of the order states, by state. PropsString is the connection string. Nothing without it and on "
+        "any error: it never raises.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::ExeP_WebBillTitleData> = {
+    .name = "ExeP_WebBillTitleData",
+    .source = "",
+    .arguments = {{.name = "PropsString", .need = Need::kMandatory}},
+    .help =
+        "Has the database refresh the titles of the order states. PropsString is the connection string. False "
+        "without it and on any error: it never raises.",
+};
+
+}  // namespace tessarlorn

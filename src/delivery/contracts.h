@@ -1,0 +1,196 @@
+// The contracts of the operations of delivery/.
+#pragma once
+
+#include "frame/clsGetData.h"
+#include "frame/clsSaveData.h"
+#include "frame/contract.h"
+#include "frame/keys.h"
+
+namespace tessarlorn {
+
+namespace delivery {
+
+using enum ValueType;
+using enum Standing;
+
+inline constexpr std::array kStepBack = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Optional("UpdateFlag", kBoolean, kNowhere, "False",
+             "True = from delivered to 6, False = to 2, waiting for picking"),
+};
+
+inline constexpr std::array kModifyCost = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Optional("LogisticsCosts", kDouble, kNumber, "",
+             "Logistics cost in the order's currency; an error when it is no number"),
+};
+
+inline constexpr std::array kNumberAndWeight = {
+    Optional("FLogisticsOrder", kString, kQuoted, "", "Logistics number"),
+    Optional("FWeight", kString, kNumber, "0", "Weight in kg; the number with which the text begins"),
+    Optional("FLogisticsCost", kString, kNumber, "0", "Logistics cost; the number with which the text begins"),
+    Optional("FID", kLong, kBareNumber, "", "Order key"),
+};
+
+inline constexpr std::array kLogWeight = {
+    Optional("FWeight", kDouble, kBareNumber, "", "Weight in kg"),
+    Optional("FLogisticsCost", kDouble, kBareNumber, "", "Logistics cost in the order's currency"),
+    Optional("FWeighttingMan", kLong, kBareNumber, "", "Id of the user who weighed"),
+    Optional("FWeighttingStatus", kLong, kBareNumber, "", "1 = weighed"),
+    Optional("FID", kLong, kBareNumber, "", "Order key"),
+};
+
+inline constexpr std::array kWeightStatus = {
+    kOrdersKey,
+    Optional("UserID", kLong, kBareNumber, "", "Id of the user who weighed"),
+    Given("AsyncCreate", kBoolean, kNowhere, "True queues the orders' stock bills as well"),
+};
+
+inline constexpr std::array kPrintCount = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Optional("PrintID", kLong, kNowhere, "",
+             "10143011 pick list, 10143012 delivery note, 10143013 waybill, 10143014 delivery list"),
+};
+
+}  // namespace delivery
+
+template <>
+inline constexpr Contract kContract<&clsSaveData::Delivery> = {
+    .name = "Delivery",
+    .source = "Delivery",
+    .arguments = {{.name = "dctPara", .keys = kOrders}},
+    .help =
+        "Sets orders delivered (status 14) by the acting user and closes their lines, whatever their status was. "
+        "False, with nothing done, without sDSN or FID; True when the update ran, also when no order matched.",
+    .errors = "6 when the user's id is beyond 16 bits",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::BackToThePreviousStep> = {
+    .name = "BackToThePreviousStep",
+    .source = "BackToThePreviousStep",
+    .arguments = {{.name = "dctPara", .keys = delivery::kStepBack}},
+    .help =
+        "Steps orders back, from delivered to waiting for delivery or from there to waiting for picking, whatever "
+        "their status was; logged as 3005 where enabled. False, with nothing done, without sDSN or FID.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::UpdateDeliveryData> = {
+    .name = "UpdateDeliveryData",
+    .source = "TessarLornPickingAndDelivery.clsSaveData.UpdateDeliveryData",
+    .arguments = {{.name = "sDsn"}, {.name = "sFID", .stands = Standing::kNumber}},
+    .help =
+        "Queues the creation of stock bills for the orders of the list sFID, in batches of 150; a queued order is "
+        "reset to waiting. True, also for an empty list.",
+    .errors = "13 for a key that is no number",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::ModifyCost> = {
+    .name = "ModifyCost",
+    .source = "Delivery",
+    .arguments = {{.name = "dctPara", .keys = delivery::kModifyCost}},
+    .help =
+        "Sets the logistics cost of orders, rounded to two decimals, and records it in their field log. False, with "
+        "nothing done, without sDSN or FID.",
+    .errors = "13 when the cost is missing or no number",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::SetUpLogisticsNumberAndWeight> = {
+    .name = "SetUpLogisticsNumberAndWeight",
+    .source = "Delivery",
+    .arguments = {{.name = "sDsn"}, {.name = "vctPara", .keys = delivery::kNumberAndWeight}},
+    .help =
+        "Stores logistics number, weight and cost of each order of the Vector; numbers go to the field log. False "
+        "for Nothing, True for an empty Vector, with nothing done.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::SetUpLogisticsNumber> = {
+    .name = "SetUpLogisticsNumber",
+    .source = "Delivery",
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory},
+                  {.name = "dctPara", .stands = Standing::kQuoted, .any_key = true}},
+    .help =
+        "Stores logistics numbers: each key is an order's unique code (FUniqueCode), its value the number. False, "
+        "with nothing done, without sDsn or entries.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::SaveLogWeight> = {
+    .name = "SaveLogWeight",
+    .source = "SaveLogWeight",
+    .arguments = {{.name = "sDsn"}, {.name = "vctPara", .keys = delivery::kLogWeight}},
+    .help =
+        "Stores weight, cost, weigher and weighing status of each order of the Vector; each is logged as 3008 where "
+        "enabled. False for Nothing, True for an empty Vector, with nothing done.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::UpdateLogisticsWeightStatus> = {
+    .name = "UpdateLogisticsWeightStatus",
+    .source = "TessarLornPickingAndDelivery.clsSaveData.UpdateLogisticsWeightStatus",
+    .arguments = {{.name = "sDsn"}, {.name = "dctPara", .keys = delivery::kWeightStatus}},
+    .help =
+        "Marks orders as weighed and, on request, queues the creation of their stock bills in batches of 150. False, "
+        "with nothing done, without FID or AsyncCreate.",
+    .errors = "13 for a key that is no number",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetSumRecordsetDataForDelivery> = {
+    .name = "GetSumRecordsetDataForDelivery",
+    .source = "TessarLornPickingAndDelivery.clsGetData.GetSumRecordsetDataForDelivery",
+    .arguments = {{.name = "dctParam", .keys = kOrders}},
+    .help = "FTotalAmount of each of the orders, in no certain order. Nothing without sDSN or FID.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetPrintRecordsetForDelivery> = {
+    .name = "GetPrintRecordsetForDelivery",
+    .source = "TessarLornPickingAndDelivery.clsGetData.GetPrintRecordsetForDelivery",
+    .arguments = {{.name = "dctParam", .keys = kOrders}},
+    .help =
+        "The header and line data of delivery notes, one row a line, with area names in the caller's language. "
+        "Nothing without sDSN or FID.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetOverMaxPrintCountBillInfo> = {
+    .name = "GetOverMaxPrintCountBillInfo",
+    .source = "GetOverMaxPrintCountBillInfo",
+    .arguments = {{.name = "dctPara", .keys = delivery::kPrintCount}},
+    .help =
+        "Those of the orders that were printed as often as the type of print allows, or more, with their counter. An "
+        "empty Vector without sDSN or FID, for any other type, and for one that is not limited.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetWeightByFID> = {
+    .name = "GetWeightByFID",
+    .source = "GetWeightByFID",
+    .arguments = {{.name = "dctPara", .keys = kOrder}},
+    .help =
+        "FID and FWeight of an order, computed from its lines in the base unit of gross weights. Nothing without "
+        "sDSN or FID; an empty recordset when the order has no lines.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::NewGetWeightByFID> = {
+    .name = "NewGetWeightByFID",
+    .source = "NewGetWeightByFID",
+    .arguments = {{.name = "sDsn"}, {.name = "sFID", .stands = Standing::kNumber}},
+    .help = "A Dictionary with FWeight, the order's weight in kg computed from its lines, 0 when it has none, and FID.",
+    .errors = "11 when a unit has the coefficient 0",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetTotalLogisticsCosts> = {
+    .name = "GetTotalLogisticsCosts",
+    .source = "GetTotalLogisticsCosts",
+    .arguments = {{.name = "dctPara", .keys = kOrders}},
+    .help =
+        "The sum of the orders' logistics costs in the base currency. 0 without sDSN or FID and when no order "
+        "matches.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::bIsWeightting> = {
+    .name = "bIsWeightting",
+    .source = "bIsWeightting",
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory}},
+    .help = "Whether weighing is switched on (setting ECWeightting). False without sDsn or such a setting.",
+};
+
+}  // namespace tessarlorn

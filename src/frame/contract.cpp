@@ -1,0 +1,34 @@
+#include "frame/contract.h"
+
+namespace tessarlorn {
+
+std::string_view TypeName(ValueType type) {
+  constexpr std::array<std::string_view, 10> kNames = {"String", "Long",       "Integer", "Double",    "Boolean",
+                                                       "Date",   "Dictionary", "Vector",  "Recordset", "Variant"};
+  return kNames[static_cast<std::size_t>(type)];
+}
+
+std::string_view StandingText(Standing stands) {
+  constexpr std::array<std::string_view, 8> kTexts = {
+      "not in the statement",    "between quotes",    "between quotes, its own quotes removed",
+      "as a converted number",   "bare, as a number", "bare, as a list of keys",
+      "bare, as a table's name", "bare, as SQL"};
+  return kTexts[static_cast<std::size_t>(stands)];
+}
+
+std::string Key::Explanation() const {
+  std::string text(help);
+  if (need != Need::kOptional) text += "; nothing is done without it";
+  if (!fallback.empty()) text += "; default " + std::string(fallback);
+  return text;
+}
+
+std::string Contract::Explanation() const {
+  std::string text(help);
+  if (source.empty()) return text;
+  text.append(" Raises with Source ").append(source);
+  if (!errors.empty()) text.append(", ").append(errors);
+  return text + ".";
+}
+
+}  // namespace tessarlorn

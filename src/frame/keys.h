@@ -1,0 +1,32 @@
+// The keys that many operations share.
+#pragma once
+
+#include "frame/contract.h"
+
+namespace tessarlorn {
+
+constexpr Key Mandatory(std::string_view name, ValueType type, Standing stands, std::string_view help) {
+  return {.name = name, .type = type, .stands = stands, .need = Need::kMandatory, .fallback = "", .help = help};
+}
+constexpr Key Optional(std::string_view name, ValueType type, Standing stands, std::string_view fallback,
+                       std::string_view help) {
+  return {.name = name, .type = type, .stands = stands, .fallback = fallback, .help = help};
+}
+/// It counts even when it is empty.
+constexpr Key Given(std::string_view name, ValueType type, Standing stands, std::string_view help) {
+  return {.name = name, .type = type, .stands = stands, .need = Need::kGiven, .fallback = "", .help = help};
+}
+/// @param name sDSN, sDsn or sProps, as the operation spells it
+constexpr Key ConnectionKey(std::string_view name) {
+  return Mandatory(name, ValueType::kString, Standing::kNowhere, "Connection string, may name the caller as well");
+}
+
+inline constexpr Key kOrdersKey =
+    Mandatory("FID", ValueType::kString, Standing::kKeyList, "Order keys (FID), separated by commas");
+inline constexpr Key kOrderKey = Mandatory("FID", ValueType::kLong, Standing::kBareNumber, "Order key");
+
+inline constexpr std::array kConnection = {ConnectionKey("sDSN")};
+inline constexpr std::array kOrders = {ConnectionKey("sDSN"), kOrdersKey};
+inline constexpr std::array kOrder = {ConnectionKey("sDSN"), kOrderKey};
+
+}  // namespace tessarlorn

@@ -1,0 +1,170 @@
+// The contracts of the operations of picking/.
+#pragma once
+
+#include "frame/clsGetData.h"
+#include "frame/clsSaveData.h"
+#include "frame/contract.h"
+#include "frame/keys.h"
+
+namespace tessarlorn {
+
+namespace picking {
+
+using enum ValueType;
+using enum Standing;
+
+inline constexpr std::array kConfirmBill = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Optional("FPickManNumber", kString, kQuoted, "", "The picker's employee code"),
+    Optional("FPickRem", kString, kQuoted, "", "Picking remark"),
+};
+
+inline constexpr std::array kPickingGoods = {
+    ConnectionKey("sProps"),
+    Optional("FLogisticsOrder", kString, kQuoted, "",
+             "The parcel's logistics number or, all in digits, the order's unique code"),
+    Optional("FPickingGoodsStatus", kLong, kNumber, "0", "1 = check passed, 0 = not passed"),
+    Optional("FPickingGoodMan", kLong, kBareNumber, "", "Id of the user who checked"),
+    Optional("FPickingGoodsstatus", kLong, kNowhere, "", "With a small s: 1 stores the time of the check as well"),
+};
+
+inline constexpr std::array kPickingMark = {
+    ConnectionKey("sDsn"),
+    kOrdersKey,
+    Optional("UserId", kLong, kBareNumber, "", "Id of the user who checked"),
+};
+
+inline constexpr std::array kBatch = {
+    Optional("FBatchNo", kString, kStripped, "", "Batch number; single quotes are removed, here and below"),
+    Optional("FStockID", kLong, kStripped, "", "Warehouse; an absent one is stored as none, like all of these"),
+    Optional("SPID", kLong, kStripped, "", "Stock place"),
+    Optional("FEntryID", kLong, kBareNumber, "0", "Line key"),
+};
+
+inline constexpr std::array kPrinted = {
+    Optional("FID", kLong, kBareNumber, "", "Order key; the first value counts, whatever its name")};
+
+}  // namespace picking
+
+template <>
+inline constexpr Contract kContract<&clsSaveData::ConfirmBill> = {
+    .name = "ConfirmBill",
+    .source = "ConfirmBill",
+    .arguments = {{.name = "dctPara", .keys = picking::kConfirmBill}},
+    .help =
+        "Assigns a picker and sets orders waiting for delivery (status 6), whatever their status was. False, with "
+        "nothing done, without sDSN or FID; True when the update ran, also when no order matched.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::SavePickingGoods> = {
+    .name = "SavePickingGoods",
+    .source = "SavePickingGoods",
+    .arguments = {{.name = "dctPara", .keys = picking::kPickingGoods}},
+    .help =
+        "Stores the result of the picking check of one parcel, found by its logistics number or unique code; logged "
+        "as 3003. False, with nothing done, without sProps; True when the update ran, also when no order matched.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::MarkPickingGoodsStatus> = {
+    .name = "MarkPickingGoodsStatus",
+    .source = "MarkPickingGoodsStatus",
+    .arguments = {{.name = "dctPara", .keys = picking::kPickingMark}},
+    .help =
+        "Marks the picking check of orders as passed; orders that are marked already stay as they are. Logged as "
+        "3014, always. False, with nothing done, without sDsn or FID.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::ClearPickingGoodsStatus> = {
+    .name = "ClearPickingGoodsStatus",
+    .source = "ClearPickingGoodsStatus",
+    .arguments = {{.name = "dctPara", .keys = picking::kPickingMark}},
+    .help =
+        "Takes the mark of the picking check back; orders without it stay as they are. Logged as 3013 where enabled. "
+        "False, with nothing done, without sDsn or FID.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::SaveBatchNo> = {
+    .name = "SaveBatchNo",
+    .source = "SaveBatchNo",
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory}, {.name = "vctPara", .keys = picking::kBatch}},
+    .help =
+        "Stores batch number, warehouse and stock place of each order line of the Vector; batch numbers go to the "
+        "field log first. False, with nothing done, without sDsn or entries.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::SavePrintSerialNumber> = {
+    .name = "SavePrintSerialNumber",
+    .source = "SavePrintSerialNumber",
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory}, {.name = "vctOrderInfo", .keys = picking::kPrinted}},
+    .help =
+        "Gives the orders of a print run a new lot number (year, month and the run's number in the month, as "
+        "20261112) and serial numbers from 1, in the order of the Vector. False, with nothing done, without sDsn or "
+        "for Nothing; an empty Vector uses up a lot number and is True.",
+};
+template <>
+inline constexpr Contract kContract<&clsSaveData::GetUniqueCodeIndex> = {
+    .name = "GetUniqueCodeIndex",
+    .source = "TessarLornPickingAndDelivery.clsGetData.GetUniqueCodeIndex",
+    .arguments = {{.name = "dctParam", .keys = kOrders}},
+    .help =
+        "The unique codes of orders, numbered in the order of FID, five a line: number, -, the code (a longer one "
+        "than 20 characters cut to 19 and ..), |. Empty without sDSN or FID.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::bIsPickingGoods> = {
+    .name = "bIsPickingGoods",
+    .source = "bIsPickingGoods",
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory}},
+    .help = "Whether the picking check is switched on (setting ECPickingGoods). False without sDsn or such a setting.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::bIsPickByBatch> = {
+    .name = "bIsPickByBatch",
+    .source = "bIsPickByBatch",
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory}},
+    .help = "Whether picking is done by batch (setting PickByBatch). False without sDsn or such a setting.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::lPickGoodsCount> = {
+    .name = "lPickGoodsCount",
+    .source = "lPickGoodsCount",
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory}},
+    .help = "Orders per picking run (setting PickGoodsCount), 20 when the setting is no number. 0 without sDsn.",
+    .errors = "3021 when there is no such setting",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::bExistStockPositionManager> = {
+    .name = "bExistStockPositionManager",
+    .source = "ChangeAddess",
+    .arguments = {{.name = "dctPara", .keys = kOrders}},
+    .help =
+        "The lines of orders that go to a warehouse with stock places, with the default places of warehouse and "
+        "item; price-difference goods are left out. Nothing without sDSN or FID; an empty Vector when no line "
+        "matches.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::bExistBatchOrSerialManagerItem> = {
+    .name = "bExistBatchOrSerialManagerItem",
+    .source = "ChangeAddess",
+    .arguments = {{.name = "dctPara", .keys = kOrders}},
+    .help = "Whether a line of the orders has an item with batch or serial numbers. False without sDSN or FID.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::bExistBatchEmpty> = {
+    .name = "bExistBatchEmpty",
+    .source = "bExistBatchEmpty",
+    .arguments = {{.name = "dctPara", .keys = kOrders}},
+    .help = "Whether a line of the orders has an empty batch number; Null does not count. False without sDSN or FID.",
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetBatchNo> = {
+    .name = "GetBatchNo",
+    .source = "GetBatchNo",
+    .arguments = {{.name = "dctPara", .keys = kOrders}},
+    .help =
+        "Item, batch number, warehouse and stock place of the lines of orders; one row with Nulls for an order "
+        "without lines. Nothing without sDSN or FID.",
+};
+
+}  // namespace tessarlorn

@@ -48,10 +48,10 @@ insert into IC_Web2ERPOrdersEntry(FEntryID,FID,FItemID,FAfterDiscountAmount,FBuy
   values (11,1,501,1.5,2,0.25),(12,1,501,2,0,0),(13,1,502,100,100,100),(21,2,502,5,5,5),(31,3,501,9,9,9))");
   const RecordsetPtr totals = get().GetTotalPriceChange(dsn_, "1,2");
   ASSERT_EQ(totals->RecordCount(), 1U);
-  EXPECT_EQ(totals->Get("FID").ToInt32(), 1);
-  EXPECT_EQ(totals->Get("FTotalPriceChange").ToDouble(), 3.5);
-  EXPECT_EQ(totals->Get("FTotalFreight").ToDouble(), 2);
-  EXPECT_EQ(totals->Get("FEntryBillDiscountFee").ToDouble(), 0.25);
+  for (const auto& [field, value] :
+       {std::pair{"FID", 1.0}, {"FTotalPriceChange", 3.5}, {"FTotalFreight", 2}, {"FEntryBillDiscountFee", 0.25}}) {
+    EXPECT_EQ(totals->Get(field).ToDouble(), value) << field;
+  }
   EXPECT_EQ(get().GetTotalPriceChange("", "1"), nullptr);
   EXPECT_EQ(Raised([this] { get().GetTotalPriceChange(dsn_, ""); }),
             std::to_string(error_number::kStatementError) + " GetBatchNo");

@@ -39,11 +39,7 @@ TEST_F(StockTest, LogsNothingWhereTheCodeIsNotEnabled) {
   EXPECT_EQ(Read("select count(*) from IC_TradeLog"), "0|");
 }
 
-TEST_F(StockTest, NeedsTheNewWarehouse) {
-  for (const Dictionary& keys : {Keys("3"), Keys("3", {{"FStockID", ""}}), Keys("", {{"FStockID", 20}})}) {
-    EXPECT_FALSE(save().ChangeStock(&keys));
-  }
-  EXPECT_EQ(Read("select FSPID from IC_Web2ERPOrdersEntry where FID=3 order by FEntryID"), "7|8|");
+TEST_F(StockTest, QuoteInAValueIsTheDatabasesError) {
   const Dictionary quoted = Keys("3", {{"FStockID", "'"}});
   EXPECT_EQ(Raised([&] { save().ChangeStock(&quoted); }), "-2147217900 ChangeStock");
 }
@@ -60,38 +56,6 @@ TEST_F(StockTest, TellsWhetherALineHasNoWarehouse) {
 }
 
 class StockTextTest : public RecordingTest {};
-
-TEST_F(StockTextTest, LogsEachOrderBeforeTheChange) {
-  clsSaveData save;
-  Dictionary keys{{"sDSN", kDsn}, {"FID", "12"}, {"FStockID", "20"}};
-  EXPECT_TRUE(save.ChangeStock(&keys));
-  EXPECT_THAT(Events(),
-              testing::ElementsAre("IsLogEnable(2001)",
-                                   Lines({
-                                       "insert into IC_TradeLog (FOrderFID,FOPUserID,FOPCode,FUserIP,FOPTime,FItemID,"
-                                       "FOldValue,FNewValue) select",
-                                       "12,",
-                                       "16394,",
-                                       "2001,",
-                                       "'10.0.0.5',",
-                                       "'2024-05-06 07:08:09',",
-                                       "t0.FItemID,",
-                                       "t1.FName,",
-                                       "t2.FName",
-                                       "from IC_Web2ERPOrdersEntry t0",
-                                       "left join t_Stock t1 on t1.FItemID = t0.FStockID",
-                                       "left join t_Stock t2 on t2.FItemID = 20",
-                                       "where t0.FID = 12",
-                                   }),
-                                   Lines({
-                                       " UPDATE IC_Web2ERPOrdersEntry SET FSPID = 0 ,FStockID = 20",
-                                       " WHERE FID IN (12)",
-                                   })));
-  Events().clear();
-  keys.SetValue("FID", "12,15");
-  EXPECT_TRUE(save.ChangeStock(&keys));
-  EXPECT_EQ(CountsOf("insert into IC_TradeLog", Events()), std::vector({1, 1}));
-}
 
 TEST_F(StockTextTest, AsksForTheClientOnlyWhenItIsLogged) {
   clsSaveData save;

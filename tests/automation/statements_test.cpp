@@ -171,14 +171,15 @@ TEST_P(StatementsTest, AreSentToTheBlank) {
     }
     for (const std::string& event : Events()) sent << ReplaceAll(event, "\r\n", "|\n") << "\n";
   }
-  std::ifstream file(std::string(TESSARLORN_TEST_DATA) + "/statements.txt");
+  constexpr const char* kExpected = TESSARLORN_SOURCE_ROOT "/tests/automation/statements.txt";
+  std::ifstream file(kExpected);
   std::ostringstream expected;
   expected << file.rdbuf();
   const std::string received = ReplaceAll(sent.str(), GetParam(), "");
   if (received == expected.str()) return;
   const std::string actual = testing::TempDir() + "statements.txt";
   std::ofstream(actual) << received;
-  FAIL() << "The statements differ: see diff " << TESSARLORN_TEST_DATA << "/statements.txt " << actual
+  FAIL() << "The statements differ: see diff " << kExpected << " " << actual
          << "; where they are meant to, copy the second over the first.";
 }
 

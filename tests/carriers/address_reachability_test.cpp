@@ -7,8 +7,6 @@
 namespace tessarlorn {
 namespace {
 
-using testing::ElementsAre;
-
 class ReachabilityTest : public SampleTest {
  protected:
   ReachabilityTest() {
@@ -85,41 +83,6 @@ class ReachabilityTextTest : public RecordingTest {
   }
   clsSaveData save_;
 };
-
-TEST_F(ReachabilityTextTest, SendsStatesThenAddresses) {
-  AnswerDistricts(1);
-  EXPECT_TRUE(save_.UpdateAddressReachableState(kDsn, "12", 0));
-  EXPECT_THAT(
-      Events(),
-      ElementsAre(
-          Lines({
-              "IF EXISTS (SELECT 1 FROM IC_Web2ERPOrdersEx WHERE FID = 12)",
-              "    BEGIN",
-              "        UPDATE IC_Web2ERPOrdersEx",
-              "        SET FAddressReachable=1  ",
-              "        WHERE FID = 12",
-              "    END",
-              "ELSE",
-              "    BEGIN",
-              "        INSERT INTO IC_Web2ERPOrdersEx(FID ,FOrderID,FLotNumber,FSerialNumber,FCreateDate,FAddressReachable)",
-              "        VALUES (12,'','','',GETDATE(),1)",
-              "    END",
-          }),
-          Lines({
-              " select t1.FDeliveryProvince,t1.FDeliveryCity,t1.FDeliveryDistrict,t2.FNumber from IC_Web2ERPOrders t1",
-              " left join IC_Logistics t2 on t1.FLogisticsID=t2.FItemID ",
-              " where t1.FID in (12) and t1.FDeliveryProvince <>'' and t1.FDeliveryCity <>'' and t1.FDeliveryDistrict <>'' ",
-              " and t2.FNumber <>'' and t1.FLogisticsID <>0 ",
-          }),
-          Lines({
-              " IF EXISTS ( select 1 from IC_SaveAddressReachableInfo where FDeliveryProvince ='P' and FDeliveryCity='C' "
-              "and FDeliveryDistrict='1' and FNumber='SF') ",
-              "    BEGIN  update IC_SaveAddressReachableInfo set FArrive =1 where FDeliveryProvince ='P' and "
-              "FDeliveryCity='C' and FDeliveryDistrict='1' and FNumber='SF' END ",
-              "    ELSE BEGIN insert IC_SaveAddressReachableInfo(FDeliveryProvince,FDeliveryCity,FDeliveryDistrict,FNumber,"
-              "FArrive)  values ('P','C','1','SF',1) END ",
-          })));
-}
 
 TEST_F(ReachabilityTextTest, SendsOrdersAndAddressesInBatches) {
   for (const BatchCase& c : kBatchCases) {

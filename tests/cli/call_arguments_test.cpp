@@ -54,49 +54,45 @@ TEST(CallArgumentsTest, NamesWhatIsAtFault) {
   struct Case {
     const char* operation;
     std::vector<std::string> words;
-    const char* json;
-    const char* fault;
+    std::string fault;
+    const char* json = "";
   };
   for (const Case& item : {
            Case{"UpdateAddressReachableState",
                 {"sFID=1"},
-                "",
                 "UpdateAddressReachableState wants the argument lType, a Long"},
-           Case{"UpdateDeliveryData", {}, "", "UpdateDeliveryData wants the argument sFID, a String, if only sFID="},
-           Case{"Deliver", {}, "", "unknown operation Deliver; did you mean Delivery?"},
-           Case{"clsGetData.Delivery", {}, "", "unknown operation clsGetData.Delivery; did you mean Delivery?"},
-           Case{"xyzzy", {}, "", "unknown operation xyzzy; 'tessarlorn ops' lists them"},
-           Case{"TransMode", {"a=1"}, "", "TransMode takes no arguments"},
-           Case{"Delivery", {"FID"}, "", "\"FID\" is neither argument=value nor argument.Key=value"},
-           Case{"Delivery", {"FID=1"}, "", "Delivery has no argument FID; did you mean dctPara.FID?"},
-           Case{"Delivery", {"dctPar.FID=1"}, "", "Delivery has no argument dctPar; did you mean dctPara?"},
-           Case{"Delivery", {"dctPara.fid=1"}, "", "dctPara has no key fid; did you mean FID?"},
-           Case{"Delivery", {"dctPara.FID=1", "DCTPARA.FID=2"}, "", "DCTPARA.FID is given twice"},
-           Case{"Delivery", {"dctPara=12"}, "", "dctPara is a Dictionary: give it as a JSON object"},
-           Case{"Delivery", {"dctPara={\"FID\":1,\"FIDD\":2}"}, "", "dctPara has no key FIDD; did you mean FID?"},
-           Case{"Delivery", {"dctPara={\"FID\":1,}"}, "", "dctPara:1:10: syntax error"},
-           Case{"SaveLogWeight", {"vctPara={}"}, "", "vctPara is a Vector: give it as a JSON array"},
-           Case{"SaveLogWeight", {"vctPara.FID=1"}, "", "vctPara is a Vector and has no keys"},
-           Case{"SaveLogWeight", {"vctPara=[{},{\"Fid\":1}]"}, "", "vctPara[2] has no key Fid; did you mean FID?"},
-           Case{"UploadStatusFailure",
-                {"dctPara.ErrInfo=x"},
-                "",
-                "dctPara.ErrInfo is a Vector: give it as a JSON array"},
+           Case{"UpdateDeliveryData", {}, "UpdateDeliveryData wants the argument sFID, a String, if only sFID="},
+           Case{"Deliver", {}, "unknown operation Deliver; did you mean Delivery?"},
+           Case{"clsGetData.Delivery", {}, "unknown operation clsGetData.Delivery; did you mean Delivery?"},
+           Case{"xyzzy", {}, "unknown operation xyzzy; 'tessarlorn ops' lists them"},
+           Case{"TransMode", {"a=1"}, "TransMode takes no arguments"},
+           Case{"Delivery", {"FID"}, "\"FID\" is neither argument=value nor argument.Key=value"},
+           Case{"Delivery", {"FID=1"}, "Delivery has no argument FID; did you mean dctPara.FID?"},
+           Case{"Delivery", {"dctPar.FID=1"}, "Delivery has no argument dctPar; did you mean dctPara?"},
+           Case{"Delivery", {"dctPara.fid=1"}, "dctPara has no key fid; did you mean FID?"},
+           Case{"Delivery", {"dctPara.FID=1", "DCTPARA.FID=2"}, "DCTPARA.FID is given twice"},
+           Case{"Delivery", {"dctPara=12"}, "dctPara is a Dictionary: give it as a JSON object"},
+           Case{"Delivery", {"dctPara={\"FID\":1,\"FIDD\":2}"}, "dctPara has no key FIDD; did you mean FID?"},
+           Case{"Delivery", {"dctPara={\"FID\":1,}"}, "dctPara:1:10: syntax error"},
+           Case{"SaveLogWeight", {"vctPara={}"}, "vctPara is a Vector: give it as a JSON array"},
+           Case{"SaveLogWeight", {"vctPara.FID=1"}, "vctPara is a Vector and has no keys"},
+           Case{"SaveLogWeight", {"vctPara=[{},{\"Fid\":1}]"}, "vctPara[2] has no key Fid; did you mean FID?"},
+           Case{"UploadStatusFailure", {"dctPara.ErrInfo=x"}, "dctPara.ErrInfo is a Vector: give it as a JSON array"},
            Case{"UploadStatusFailure",
                 {},
-                R"({"dctPara":{"ErrInfo":{}}})",
-                "dctPara.ErrInfo wants a Vector, not Dictionary"},
+                "dctPara.ErrInfo wants a Vector, not Dictionary",
+                R"({"dctPara":{"ErrInfo":{}}})"},
            Case{"UploadStatusFailure",
                 {},
-                R"({"dctPara":{"ErrInfo":[{"FailureFid":1}]}})",
-                "dctPara.ErrInfo[1] has no key FailureFid; did you mean FailureFID?"},
-           Case{"Delivery", {}, "[1]", "the JSON of the arguments wants a Dictionary, not Vector"},
-           Case{"Delivery", {}, R"({"dctPara":null})", "dctPara wants a Dictionary, not Null"},
-           Case{"Delivery", {"dctPara.FID=1"}, R"({"dctPara":5})", "dctPara wants a Dictionary, not Long"},
-           Case{"Delivery", {}, R"({"dctPara":{},"DctPara":{}})", "argument DctPara is given twice"},
+                "dctPara.ErrInfo[1] has no key FailureFid; did you mean FailureFID?",
+                R"({"dctPara":{"ErrInfo":[{"FailureFid":1}]}})"},
+           Case{"Delivery", {}, "the JSON of the arguments wants a Dictionary, not Vector", "[1]"},
+           Case{"Delivery", {}, "dctPara wants a Dictionary, not Null", R"({"dctPara":null})"},
+           Case{"Delivery", {"dctPara.FID=1"}, "dctPara wants a Dictionary, not Long", R"({"dctPara":5})"},
+           Case{"Delivery", {}, "argument DctPara is given twice", R"({"dctPara":{},"DctPara":{}})"},
        }) {
     const std::string answer = Read(item.operation, item.words, item.json);
-    EXPECT_EQ(answer.rfind("fault: " + std::string(item.fault), 0), 0U) << answer;
+    EXPECT_EQ(answer.rfind("fault: " + item.fault, 0), 0U) << answer;
   }
 }
 

@@ -1,19 +1,13 @@
 // The built command, run as a user runs it, on a database file with sample orders.
-#include <array>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <iterator>
 #include <nlohmann/json.hpp>
-#include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "automation/operations.h"
 #include "platform/version.h"
+#include "support/shell.h"
+#include "support/temporary_folder.h"
 
 namespace tessarlorn::cli {
 namespace {
@@ -22,50 +16,38 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-struct Outcome {
+struct Told {
   int status = -1;
   std::string out;
   std::string err;
 };
 
-std::string ReadFile(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 class CommandTest : public testing::Test {
  protected:
+  CommandTest() { UseDatabase("orders.db"); }
   static void SetUpTestSuite() {
-    std::string name = (std::filesystem::temp_directory_path() / "command_test_XXXXXX").string();
-    ASSERT_NE(mkdtemp(name.data()), nullptr);
-    folder_ = name;
     UseDatabase("orders.db");
     ASSERT_EQ(Run("init").status, 0);
     ASSERT_EQ(Run("seed --orders 60").status, 0);
   }
-  static void TearDownTestSuite() { std::filesystem::remove_all(folder_); }
-
-  static void UseDatabase(const std::string& file) {
-    const std::string dsn = "Connect={Embedded=" + (folder_ / file).string() + "};User=16394;Client=10.0.0.5";
+  static void UseDatabase(const std::string& name) {
+    const std::string dsn = "Connect={Embedded=" + File(name) + "};User=16394;Client=10.0.0.5";
     ASSERT_EQ(setenv("TESSARLORN_DSN", dsn.c_str(), 1), 0);
   }
-
+  static std::string File(const std::string& name) {
+    static const TemporaryFolder folder;
+    return folder.file(name);
+  }
   /// @param words as the shell takes them, with redirections of its input if need be
   /// @param before stands before the command in the shell's line
-  static Outcome Run(const std::string& words, const std::string& before = "") {
-    const std::string err_file = folder_ / "err";
-    const std::string line = "{ " + before + " '" TESSARLORN_COMMAND "' " + words + "\n} 2>'" + err_file + "'";
-    Outcome outcome;
-    std::FILE* const pipe = popen(line.c_str(), "r");
-    if (pipe == nullptr) return outcome;
-    std::array<char, 4096> buffer{};
-    for (std::size_t size = 0; (size = fread(buffer.data(), 1, buffer.size(), pipe)) > 0;) {
-      outcome.out.append(buffer.data(), size);
-    }
-    const int status = pclose(pipe);
-    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    outcome.err = ReadFile(err_file);
-    return outcome;
+  static Told Run(const std::string& words, const std::string& before = "") {
+    const Outcome shell = RunLine("{ " + before + " '" TESSARLORN_COMMAND "' " + words + "\n} 2>'" + File("err") + "'");
+    return {shell.status, shell.text, ReadFile(File("err"))};
+  }
+  /// The same, interrupted once it has printed a text to its standard error.
+  static Told Interrupt(const std::string& words, const std::string& behind) {
+    return Run(words + " & until grep -q '" + behind + "' '" + File("err") +
+               "'; do sleep 0.01; done; kill -INT $!; wait $!; exit $?");
   }
   static nlohmann::json Query(const std::string& text) {
     return nlohmann::json::parse(Run("sql --json \"" + text + "\"").out);
@@ -75,13 +57,11 @@ class CommandTest : public testing::Test {
     return Query("select top 1 FID from IC_Web2ERPOrders where FOrderStatus=" + std::to_string(status))[0]["FID"]
         .dump();
   }
-
-  static inline std::filesystem::path folder_;
 };
 
 TEST_F(CommandTest, HelpsAtEveryLevel) {
   for (const std::string command : {"", "init", "seed", "ops", "call", "sql", "check", "backup", "restore", "serve"}) {
-    const Outcome help = Run(command + " --help");
+    const Told help = Run(command + " --help");
     EXPECT_EQ(help.status, 0) << command;
     EXPECT_THAT(help.out, AllOf(HasSubstr("Example"), HasSubstr("tessarlorn " + command))) << command;
     EXPECT_EQ(help.err, "") << command;
@@ -91,22 +71,22 @@ TEST_F(CommandTest, HelpsAtEveryLevel) {
 }
 
 TEST_F(CommandTest, TellsSoundFilesFromDamagedOnes) {
-  const std::string copy = (folder_ / "copy.db").string();
+  const std::string copy = File("copy.db");
   ASSERT_EQ(Run("backup '" + copy + "'").status, 0);
   EXPECT_EQ(nlohmann::json::parse(Run("check --json --dsn 'Embedded=" + copy + "'").out)["Faults"].size(), 0U);
   std::fstream(copy, std::ios::in | std::ios::out).seekp(4096 * 3) << std::string(20000, 'Z');
-  const Outcome damaged = Run("check --dsn 'Embedded=" + copy + "'");
+  const Told damaged = Run("check --dsn 'Embedded=" + copy + "'");
   EXPECT_EQ(damaged.status, 1);
   EXPECT_THAT(damaged.out, HasSubstr("copy.db is damaged:\n"));
-  const Outcome refused = Run("restore '" + copy + "'");
+  const Told refused = Run("restore '" + copy + "'");
   EXPECT_EQ(refused.status, 3);
   EXPECT_THAT(refused.err, HasSubstr("Native: 824"));
 }
 
 TEST_F(CommandTest, NamesWhatIsWrongWithACallAndDoesNothing) {
-  const std::string folder = folder_.string();
-  std::ofstream(folder_ / "malformed.sql") << "select 'a\xff' A";
-  std::ofstream(folder_ / "broken.json") << "{\"dctPara\":\n {\"FID\" 1}}";
+  const std::string folder = File("");
+  std::ofstream(File("malformed.sql")) << "select 'a\xff' A";
+  std::ofstream(File("broken.json")) << "{\"dctPara\":\n {\"FID\" 1}}";
   struct Case {
     std::string words;
     std::string fault;
@@ -123,7 +103,7 @@ TEST_F(CommandTest, NamesWhatIsWrongWithACallAndDoesNothing) {
            Case{"call clsSaveData.Delivery FID=1", "tessarlorn call: Delivery has no argument FID",
                 "\n'tessarlorn ops Delivery' explains the operation.\n"},
            Case{"call GetListData Filter={} --columns FIDD", "tessarlorn call: the result has no column FIDD"},
-           Case{"call Delivery --args '" + (folder_ / "broken.json").string() + "'", "broken.json:2:9: syntax error"},
+           Case{"call Delivery --args '" + File("broken.json") + "'", "broken.json:2:9: syntax error"},
            Case{"call Delivery --args nowhere.json", "cannot read nowhere.json: No such file or directory"},
            Case{"call Delivery --json --csv", "--json excludes --csv"},
            Case{"seed --orders many", "--orders"},
@@ -138,7 +118,7 @@ TEST_F(CommandTest, NamesWhatIsWrongWithACallAndDoesNothing) {
                 "\"dctPara.FPickRem=a\xEF\xBF\xBD"
                 "b\" is not valid UTF-8"},
        }) {
-    const Outcome outcome = Run(item.words);
+    const Told outcome = Run(item.words);
     EXPECT_EQ(outcome.status, 2) << item.words;
     EXPECT_THAT(outcome.err, AllOf(HasSubstr(item.fault), HasSubstr(item.help))) << item.words;
     EXPECT_EQ(outcome.out, "") << item.words;
@@ -155,7 +135,7 @@ TEST_F(CommandTest, ExplainsEveryOperation) {
     const std::string name = std::string(ClassName(operation.service)) + "." + std::string(operation.name);
     EXPECT_EQ(all[i]["name"], operation.name);
     EXPECT_THAT(list, HasSubstr("  " + std::string(operation.name)));
-    const Outcome text = Run("ops " + name);
+    const Told text = Run("ops " + name);
     EXPECT_EQ(text.status, 0);
     EXPECT_THAT(text.out, StartsWith(name));
     for (const Argument& argument : operation.arguments()) {
@@ -166,21 +146,21 @@ TEST_F(CommandTest, ExplainsEveryOperation) {
 
 TEST_F(CommandTest, TellsByItsStatusWhatCameOfACall) {
   const std::string order = Order(2);
-  const Outcome list = Run("call GetListData Filter.FOrderStatus=2 Filter.WebOrderMaxDisplayCount=3 --json");
+  const Told list = Run("call GetListData Filter.FOrderStatus=2 Filter.WebOrderMaxDisplayCount=3 --json");
   EXPECT_EQ(list.status, 0) << list.err;
   EXPECT_EQ(nlohmann::json::parse(list.out).size(), 3U);
   EXPECT_THAT(Run("call GetListData Filter.WebOrderMaxDisplayCount=1 --csv --columns FID,FOrderID").out,
               testing::MatchesRegex("FID,FOrderID\r\n[0-9]+,[^\r]+\r\n"));
   EXPECT_THAT(Run("call NewGetWeightByFID sFID=" + order).out, HasSubstr("\nFWeight  "));
 
-  const Outcome nothing = Run("call GetListData");
+  const Told nothing = Run("call GetListData");
   EXPECT_EQ(nothing.status, 1);
   EXPECT_EQ(nothing.out, "Nothing\n");
   EXPECT_EQ(Run("call ConfirmBill --json").out, "false\n");
   EXPECT_EQ(Run("call lPickGoodsCount sDsn=").status, 1);
   EXPECT_EQ(Run("call GetListData Filter.FOrderStatus=99").status, 0) << "an empty recordset is an answer";
 
-  const Outcome raised = Run("call GetEntryData dctParameters.FID=x1");
+  const Told raised = Run("call GetEntryData dctParameters.FID=x1");
   EXPECT_EQ(raised.status, 3);
   EXPECT_EQ(raised.out, "");
   EXPECT_EQ(raised.err,
@@ -202,7 +182,7 @@ TEST_F(CommandTest, ReadsJsonAndKeepsItsDigits) {
 }
 
 TEST_F(CommandTest, RunsACallInATransactionUnlessTold) {
-  std::filesystem::copy_file(folder_ / "orders.db", folder_ / "damaged.db");
+  std::filesystem::copy_file(File("orders.db"), File("damaged.db"));
   UseDatabase("damaged.db");
   const std::string order = Order(14);
   const std::string status = "select FOrderStatus from IC_Web2ERPOrders where FID=" + order;
@@ -213,23 +193,22 @@ TEST_F(CommandTest, RunsACallInATransactionUnlessTold) {
   EXPECT_EQ(Query(status)[0]["FOrderStatus"], 14);
   EXPECT_EQ(Run(call + " --no-transaction").status, 3);
   EXPECT_EQ(Query(status)[0]["FOrderStatus"], 6);
-  UseDatabase("orders.db");
 }
 
 TEST_F(CommandTest, ShowsStatementsAndMessagesAsTheyCome) {
   EXPECT_EQ(Run("--show-sql sql \"select 1 A\"").err, "select 1 A\n");
-  const Outcome told = Run("sql \"print 'half way'; select 1 A\" --csv");
+  const Told told = Run("sql \"print 'half way'; select 1 A\" --csv");
   EXPECT_EQ(told.err, "half way\n");
   EXPECT_EQ(told.out, "A\r\n1\r\n");
-  const Outcome shown = Run("call UpdateDeliveryData sFID=1,2 --show-sql");
+  const Told shown = Run("call UpdateDeliveryData sFID=1,2 --show-sql");
   EXPECT_EQ(shown.status, 0);
   EXPECT_THAT(shown.err, AllOf(HasSubstr("VALUES (1,1,'')\r\n"), HasSubstr("VALUES (2,1,'')\r\n")));
 }
 
 TEST_F(CommandTest, RunsBatchesUpToTheFirstError) {
-  std::ofstream(folder_ / "batches.sql") << "select 1 A; select 'x' B\nGO\nselect 2 A where 1=0\ngo\n"
-                                            "select * from Nowhere\nGO\nselect 3 A\n";
-  const Outcome outcome = Run("sql --file '" + (folder_ / "batches.sql").string() + "'");
+  std::ofstream(File("batches.sql")) << "select 1 A; select 'x' B\nGO\nselect 2 A where 1=0\ngo\n"
+                                        "select * from Nowhere\nGO\nselect 3 A\n";
+  const Told outcome = Run("sql --file '" + File("batches.sql") + "'");
   EXPECT_EQ(outcome.status, 3);
   EXPECT_EQ(outcome.out, "A\n-\n1\n(1 row)\n\nB\n-\nx\n(1 row)\n\nA\n-\n(0 rows)\n");
   EXPECT_THAT(outcome.err, AllOf(StartsWith("Number: -2147217865 (0x80040E37)\n"), HasSubstr("\nNative: 208\n")));
@@ -238,31 +217,45 @@ TEST_F(CommandTest, RunsBatchesUpToTheFirstError) {
 }
 
 TEST_F(CommandTest, EndsWithAnErrorWhenItsOutputIsLost) {
-  const Outcome full = Run("ops >/dev/full");
+  const Told full = Run("ops >/dev/full");
   EXPECT_EQ(full.status, 4);
   EXPECT_THAT(full.err, HasSubstr("cannot write to standard output"));
   EXPECT_EQ(Run("ops >&-").status, 4);
   // The reader is gone before the command writes.
-  EXPECT_THAT(Run("ops; echo $? >&2; } | sleep 0", "{ sleep 0.2;").err,
-              AllOf(HasSubstr("cannot write to standard output: Broken pipe\n"), HasSubstr("\n4\n")));
+  const std::string gone = "'" + File("gone") + "'";
+  EXPECT_THAT(
+      Run("ops; echo $? >&2; } | { exec <&-; echo >" + gone + "; }", "mkfifo " + gone + "; { read line <" + gone + ";")
+          .err,
+      AllOf(HasSubstr("cannot write to standard output: Broken pipe\n"), HasSubstr("\n4\n")));
 }
 
 TEST_F(CommandTest, IsInterrupted) {
-  const Outcome outcome =
-      Run("sql 'declare @n int; set @n = 0; while 1=1 set @n = @n + 1' & sleep 0.5; kill -INT $!; wait $!; exit $?");
-  EXPECT_EQ(outcome.err, "tessarlorn: interrupted\n");
-  EXPECT_EQ(outcome.status, 130);
+  const Told told = Interrupt("sql \"print 'begun' declare @n int = 0 while 1=1 set @n = @n + 1\"", "begun");
+  EXPECT_EQ(told.err, "begun\ntessarlorn: interrupted\n");
+  EXPECT_EQ(told.status, 130);
+}
+
+// An operation that swallows its errors takes the end of its batch for an answer.
+TEST_F(CommandTest, CommitsNothingOfACallThatIsInterrupted) {
+  std::filesystem::copy_file(File("orders.db"), File("interrupted.db"));
+  UseDatabase("interrupted.db");
+  ASSERT_EQ(Run("sql 'drop procedure p_WebBillTitleData'").status, 0);
+  ASSERT_EQ(Run("sql \"create procedure p_WebBillTitleData as insert t_Stock (FItemID) values (77) print 'begun' "
+                "declare @n int = 0 while 1=1 set @n = @n + 1\"")
+                .status,
+            0);
+  EXPECT_EQ(Interrupt("call ExeP_WebBillTitleData", "begun").status, 130);
+  EXPECT_EQ(Query("select count(*) n from t_Stock where FItemID = 77")[0]["n"], 0);
 }
 
 TEST_F(CommandTest, IsInterruptedWhileItPrints) {
   constexpr std::size_t kWhole = 60 * 60 * 200;
-  const std::string fifo = "'" + (folder_ / "fifo").string() + "'";
+  const std::string fifo = "'" + File("fifo") + "'";
   for (const std::string form : {"", " --csv", " --json"}) {
     // What a pipe does not hold stays to be written until the reader goes on, behind the signal.
-    const Outcome outcome =
-        Run("sql \"select replicate('x', 200) X from IC_Web2ERPOrders a, IC_Web2ERPOrders b\"" + form + " >" + fifo +
-                " & { head -c 1; kill -INT $!; cat; } <" + fifo + "; wait $!; exit $?",
-            "rm -f " + fifo + "; mkfifo " + fifo + ";");
+    const Told outcome = Run("sql \"select replicate('x', 200) X from IC_Web2ERPOrders a, IC_Web2ERPOrders b\"" + form +
+                                 " >" + fifo + " & { head -c 1; kill -INT $!; cat; } <" + fifo + "; wait $!; exit $?",
+                             "rm -f " + fifo + "; mkfifo " + fifo + ";");
     EXPECT_EQ(outcome.err, "tessarlorn: interrupted\n") << form;
     EXPECT_EQ(outcome.status, 130) << form;
     EXPECT_LT(outcome.out.size(), kWhole / 2) << form;

@@ -22,14 +22,10 @@ TEST_F(WeighingTest, LogsEachParcelBeforeTheBatch) {
           {"FWeight", 1.5}, {"FLogisticsCost", "12"}, {"FWeighttingMan", 7}, {"FWeighttingStatus", 1}, {"FID", 12}},
       Dictionary{{"FID", "15"}}};
   EXPECT_TRUE(save_.SaveLogWeight(kDsn, &parcels));
-  EXPECT_THAT(
-      Events(),
-      ElementsAre(
-          "IsLogEnable(3008)", HasSubstr("{sFID=12,"), "IsLogEnable(3008)", HasSubstr("{sFID=15,"),
-          Lines({"UPDATE IC_Web2ERPOrders  SET FWeight = 1.5,FLogisticsCost = 12,FWeighttingMan = "
-                 "7,FWeighttingStatus = 1 WHERE FID = 12",
-                 "UPDATE IC_Web2ERPOrders  SET FWeight = ,FLogisticsCost = ,FWeighttingMan = ,FWeighttingStatus "
-                 "=  WHERE FID = 15"})));
+  EXPECT_THAT(Events(),
+              ElementsAre("IsLogEnable(3008)", HasSubstr("{sFID=12,"), "IsLogEnable(3008)", HasSubstr("{sFID=15,"),
+                          testing::AllOf(HasSubstr("FWeight = 1.5,FLogisticsCost = 12,"),
+                                         HasSubstr("FWeight = ,FLogisticsCost = ,"))));
   Events().clear();
   const Vector none;
   EXPECT_TRUE(save_.SaveLogWeight(kDsn, &none));

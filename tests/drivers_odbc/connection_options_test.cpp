@@ -1,9 +1,8 @@
 #include "drivers/odbc/connection_options.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include "platform/error.h"
+#include "support/error_of.h"
 
 namespace tessarlorn::odbc {
 namespace {
@@ -12,13 +11,9 @@ using testing::HasSubstr;
 using testing::Not;
 
 std::string Fault(std::string_view text) {
-  try {
-    ParseConnectionOptions(text);
-  } catch (const Error& error) {
-    EXPECT_EQ(error.number(), error_number::kLoginRefused);
-    return error.description();
-  }
-  return "none";
+  const Error error = ErrorOf([text] { ParseConnectionOptions(text); });
+  EXPECT_EQ(error.number(), error_number::kLoginRefused);
+  return error.description();
 }
 
 TEST(ConnectionOptions, KeepTheComponentsOwnKeysFromOdbc) {

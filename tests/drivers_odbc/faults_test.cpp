@@ -3,11 +3,10 @@
 #include <arpa/inet.h>
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <future>
 #include <gmock/gmock.h>
 #include <netinet/in.h>
-#include <sys/resource.h>
+#include <optional>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <thread>
@@ -16,13 +15,12 @@
 #include "frame/clsSaveData.h"
 #include "platform/session.h"
 #include "platform/text.h"
-#include "samples/seed.h"
-#include "schema/schema_files.h"
 #include "siblings/siblings.h"
 #include "support/batches.h"
 #include "support/error_of.h"
-#include "support/in_process_server.h"
-#include "support/served_test.h"
+#include "support/full_disk.h"
+#include "support/recording_driver.h"
+#include "support/served_database.h"
 #include "tsql/database_support.h"
 
 namespace tessarlorn {
@@ -66,10 +64,7 @@ class RudeListener {
     close(socket_);
     socket_ = -1;
   }
-  [[nodiscard]] std::string odbc() const {
-    return "Driver=" + FreeTdsDriver() + ";Server=127.0.0.1;Port=" + std::to_string(port_) +
-           ";TDS_Version=7.4;UID=ann;PWD=secret;LoginTimeout=1";
-  }
+  [[nodiscard]] std::string odbc() const { return OdbcString(port_, ";UID=ann;PWD=secret;LoginTimeout=1"); }
 
  private:
   int socket_;
@@ -139,92 +134,42 @@ TEST_F(FaultsTest, AServerThatFallsSilentIsGivenUpInEachCall) {
 }
 
 TEST_F(FaultsTest, CtrlCEndsTheCommandsBatch) {
-  const std::string command = "TESSARLORN_DSN='Connect={" + ReplaceAll(Shared().odbc(), "}", "}}") + "}' '" +
-                              TESSARLORN_COMMAND + "' sql \"waitfor delay '00:01:00'\"" +
-                              " 2>/dev/null & sleep 1; kill -INT $!; wait $!";
-  EXPECT_EQ(WEXITSTATUS(std::system(command.c_str())), 130);
+  const std::string dsn = "Connect={" + ReplaceAll(Shared().odbc(), "}", "}}") + "}";
+  EXPECT_EQ(RunLine("TESSARLORN_DSN='" + dsn +
+                    "' '" TESSARLORN_COMMAND "' sql \"waitfor delay '00:01:01'\" 2>/dev/null & "
+                    "until grep -q 00:01:01 '" +
+                    Shared().file("log") + "'; do sleep 0.01; done; kill -INT $!; wait $!")
+                .status,
+            130);
 }
 
-/// An embedded database that has trouble where a batch says so, "native|severity|text", and then takes back the
-/// transaction, as a server does that chooses a deadlock's victim.
-class FailingConnection final : public Connection {
- public:
-  void BeginTransaction() override { database_->BeginTransaction(); }
-  void CommitTransaction() override { database_->CommitTransaction(); }
-  void RollbackTransaction() override { database_->RollbackTransaction(); }
-  bool Reset() noexcept override { return database_->Reset(); }
-  [[nodiscard]] bool usable() const noexcept override { return true; }
-  void Cancel() noexcept override { database_->Cancel(); }
-
- protected:
-  void Run(SqlCommand& command, bool, BatchSink& sink) override {
-    const std::string_view text = command.is_procedure ? "" : command.text;
-    const std::size_t bar = text.find('|');
-    if (bar == std::string_view::npos) {
-      command.is_procedure ? static_cast<void>(database_->Call(command.text, command.parameters, sink))
-                           : database_->ExecuteAll(command, sink);
-      return;
-    }
-    database_->Execute("if @@trancount > 0 rollback");
-    sink.Transaction(TransactionEvent::kRolledBack);
-    NativeError native;
-    native.number = std::stoi(std::string(text));
-    native.severity = std::stoi(std::string(text.substr(bar + 1)));
-    throw Error(error_number::kStatementError, "failing", std::string(text.substr(text.rfind('|') + 1)), native);
-  }
-
- private:
-  std::unique_ptr<Connection> database_ = OpenConnection("Embedded=:memory:failing");
-};
-
-class FailingDriver final : public Driver {
- public:
-  [[nodiscard]] std::vector<std::string> Keys() const override { return {"Failing"}; }
-  [[nodiscard]] std::unique_ptr<Connection> Open(std::string_view) override {
-    return std::make_unique<FailingConnection>();
-  }
-};
-
-TEST_F(FaultsTest, AServersOwnTroubleKeepsItsNumberAndWordsAndLeavesNothing) {
-  const auto keeper = OpenConnection("Embedded=:memory:failing");
-  keeper->Execute("create table n (a int)");
-  RegisterDriver(std::make_shared<FailingDriver>());
-  const InProcessServer server("Failing=");
-  const auto connection = OpenConnection(server.odbc_string());
-  struct Case {
-    const char* batch;
-    std::int32_t number;
-    std::int32_t native;
+TEST_F(FaultsTest, AServersOwnTroubleKeepsItsNumberAndWords) {
+  RegisterDriver(std::make_shared<RecordingDriver>());
+  NativeError trouble;
+  TheRecording().answer = [&](std::string_view) -> RecordsetPtr {
+    throw Error(error_number::kStatementError, "server", "Its own words", trouble);
   };
-  for (const Case& c : {Case{"1205|13|You are the deadlock victim", error_number::kAbortedDeadlock, 1205},
-                        Case{"9002|17|The transaction log is full", error_number::kDatabaseFailure, 9002},
-                        Case{"1105|17|The disk is full", error_number::kDatabaseFailure, 1105},
-                        Case{"1222|16|Lock request time out period exceeded", error_number::kTimeout, 1222}}) {
-    connection->BeginTransaction();
-    connection->Execute("insert n values (1)");
-    const Error error = ErrorOf([&] { connection->Execute(c.batch); });
-    EXPECT_EQ(error.number(), c.number) << c.batch;
-    EXPECT_EQ(error.native().number, c.native);
-    EXPECT_TRUE(std::string(c.batch).ends_with(error.description())) << error.description();
+  const InProcessServer server("Recording=a");
+  const auto connection = OpenConnection(server.odbc());
+  for (const auto& [number, native, severity] : {std::tuple{error_number::kAbortedDeadlock, 1205, 13},
+                                                 {error_number::kDatabaseFailure, 9002, 17},
+                                                 {error_number::kDatabaseFailure, 1105, 17},
+                                                 {error_number::kTimeout, 1222, 16}}) {
+    trouble.number = native;
+    trouble.severity = severity;
+    const Error error = ErrorOf([&] { connection->Execute("select 1 as a"); });
+    EXPECT_EQ(error.number(), number) << native;
+    EXPECT_EQ(error.native().number, native);
+    EXPECT_EQ(error.description(), "Its own words");
     EXPECT_TRUE(connection->usable());
-    EXPECT_EQ(ErrorOf([&] { connection->CommitTransaction(); }).native().number, 3902);
-    EXPECT_EQ(Answer(*connection, "select count(*) as n from n"), "n;0");
   }
-  connection->BeginTransaction();
-  connection->Execute("insert n values (2)");
-  connection->CommitTransaction();
-  EXPECT_EQ(Answer(*keeper, "select a from n"), "a;2");
+  TheRecording() = {};
 }
 
 TEST_F(FaultsTest, AFullDiskIsAnErrorThatLosesNothing) {
-  std::signal(SIGXFSZ, SIG_IGN);
-  rlimit before{};
-  getrlimit(RLIMIT_FSIZE, &before);
-  rlimit small = before;
-  small.rlim_cur = 400000;
-  setrlimit(RLIMIT_FSIZE, &small);
+  std::optional<FullDisk> disk(400000);
   ServedDatabase served;  // takes the limit with it
-  setrlimit(RLIMIT_FSIZE, &before);
+  disk.reset();
   const auto connection = OpenConnection(served.odbc());
   connection->Execute("create table n (FText nvarchar(4000)) insert n values ('kept')");
   const Error error = ErrorOf([&] {
@@ -237,28 +182,21 @@ TEST_F(FaultsTest, AFullDiskIsAnErrorThatLosesNothing) {
 }
 
 TEST_F(FaultsTest, ACallInATransactionLeavesAllOrNothingWhenTheServerIsKilled) {
-  ServedDatabase served;
-  {
-    const auto connection = OpenConnection(served.odbc());
-    ApplySchema(*connection);
-    cli::Seed(*connection, {.orders = 600, .random_seed = 1}, {});
-  }
+  ServedDatabase served({}, 600);
   const std::string dsn = "Connect={" + ReplaceAll(served.odbc(), "}", "}}") + "};User=16394";
   const std::string state =
       "select (select count(*) from IC_Web2ERPOrders where FOrderStatus = 14) a, (select count(*) from "
       "IC_StockBillOrdersStatus) b";
   const std::string keys = KeysTo(600);
-  // Killed at some moment of the call; not at all the last time.
-  for (const int delay : {2, 5, 10, 20, 40, 0}) {
+  // Killed while that batch of the call runs; not at all the last time.
+  for (const int last : {1, 2, 3, 5, 0}) {
     OpenConnection(served.odbc())
         ->Execute("update IC_Web2ERPOrders set FOrderStatus = 6 delete from IC_StockBillOrdersStatus");
     std::thread killer;
-    if (delay > 0) {
-      killer = std::thread([&served, delay] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(delay));
-        served.Stop();
-      });
-    }
+    int sent = 0;
+    SetStatementObserver([&](std::string_view) {
+      if (++sent == last) killer = std::thread([&served] { served.Stop(); });
+    });
     bool committed = false;
     const Error error = ErrorOf([&] {
       ContainerTransaction transaction;
@@ -269,18 +207,20 @@ TEST_F(FaultsTest, ACallInATransactionLeavesAllOrNothingWhenTheServerIsKilled) {
       transaction.Commit();
       committed = true;
     });
-    if (delay > 0) {
+    SetStatementObserver({});
+    if (last > 0) {
+      ASSERT_TRUE(killer.joinable());
       killer.join();
       served.Start();
     }
     SessionFactory::CloseIdle();
-    EXPECT_TRUE(committed || delay > 0) << error.what();
+    EXPECT_TRUE(committed || last > 0) << error.what();
     // A commit whose answer was lost may have been one.
     const std::string after = Answer(*OpenConnection(served.odbc()), state);
     if (committed) {
       EXPECT_EQ(after, "a|b;600|600");
     } else {
-      EXPECT_THAT(after, testing::AnyOf("a|b;0|0", "a|b;600|600")) << delay << " " << error.what();
+      EXPECT_THAT(after, testing::AnyOf("a|b;0|0", "a|b;600|600")) << last << " " << error.what();
     }
   }
 }

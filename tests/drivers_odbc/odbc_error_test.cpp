@@ -7,23 +7,15 @@ namespace {
 
 TEST(OdbcError, TheNumberFollowsTheServersOwnElseTheState) {
   const std::pair<Diagnostic, std::int32_t> cases[] = {
-      {{"42000", 102, ""}, error_number::kStatementError},
-      {{"42000", 50000, ""}, error_number::kStatementError},
-      {{"HY000", 7777, ""}, error_number::kStatementError},
-      {{"42S02", 208, ""}, error_number::kNoSuchTable},
-      {{"23000", 2627, ""}, error_number::kConstraintBroken},
-      {{"22018", 245, ""}, error_number::kConversionFailed},
-      {{"22003", 8115, ""}, error_number::kDataOverflow},
-      {{"22001", 2628, ""}, error_number::kDataOverflow},
-      {{"40001", 1205, ""}, error_number::kAbortedDeadlock},
-      {{"42000", 229, ""}, error_number::kPermissionDenied},
-      {{"HYT00", 0, ""}, error_number::kTimeout},
-      {{"HY008", 0, ""}, error_number::kCancelled},
-      {{"28000", 18456, ""}, error_number::kLoginRefused},
-      {{"08S01", 20004, ""}, error_number::kDatabaseFailure},
-      {{"HY000", 0, ""}, error_number::kDatabaseFailure},
-      {{"42000", 6005, ""}, error_number::kDatabaseFailure},
-      {{"HY000", 40613, ""}, error_number::kDatabaseFailure},
+      {{"42000", 102, ""}, error_number::kStatementError},    {{"42000", 50000, ""}, error_number::kStatementError},
+      {{"23000", 7777, ""}, error_number::kConstraintBroken}, {{"HY000", 7777, ""}, error_number::kStatementError},
+      {{"42S02", 208, ""}, error_number::kNoSuchTable},       {{"23000", 2627, ""}, error_number::kConstraintBroken},
+      {{"22018", 245, ""}, error_number::kConversionFailed},  {{"22003", 8115, ""}, error_number::kDataOverflow},
+      {{"22001", 2628, ""}, error_number::kDataOverflow},     {{"40001", 1205, ""}, error_number::kAbortedDeadlock},
+      {{"42000", 229, ""}, error_number::kPermissionDenied},  {{"HYT00", 0, ""}, error_number::kTimeout},
+      {{"HY008", 0, ""}, error_number::kCancelled},           {{"28000", 18456, ""}, error_number::kLoginRefused},
+      {{"08S01", 20004, ""}, error_number::kDatabaseFailure}, {{"HY000", 0, ""}, error_number::kDatabaseFailure},
+      {{"42000", 6005, ""}, error_number::kDatabaseFailure},  {{"HY000", 40613, ""}, error_number::kDatabaseFailure},
   };
   for (const auto& [record, wanted] : cases) {
     EXPECT_EQ(ToError(record).number(), wanted) << record.sqlstate << ' ' << record.native;

@@ -3,8 +3,7 @@
 #include <gmock/gmock.h>
 #include <new>
 
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
+#include "support/error_of.h"
 #include "support/recording_driver.h"
 
 namespace tessarlorn {
@@ -31,17 +30,15 @@ TEST_F(CallFrameTest, TurnsEveryFailureIntoOneErrorOfTheOperation) {
   EXPECT_EQ(raised([] { RaiseTypeMismatch(); }), "13 Delivery");
   EXPECT_EQ(Raised([&] { CallOperation(State(), kDelivery, "Nobody=1", [](Connection&) {}); }),
             std::to_string(error_number::kLoginRefused) + " Delivery");
-  try {
+  const Error error = ErrorOf([&] {
     CallOperation(State(), kDelivery, kDsn, [](Connection&) {
       throw Error(error_number::kConstraintBroken, "driver", "Violation of PRIMARY KEY", {2627, "23000"});
     });
-    FAIL();
-  } catch (const Error& error) {
-    EXPECT_EQ(error.number(), error_number::kConstraintBroken);
-    EXPECT_EQ(error.description(), "Violation of PRIMARY KEY");
-    EXPECT_EQ(error.native().number, 2627);
-    EXPECT_EQ(error.native().sqlstate, "23000");
-  }
+  });
+  EXPECT_EQ(error.number(), error_number::kConstraintBroken);
+  EXPECT_EQ(error.description(), "Violation of PRIMARY KEY");
+  EXPECT_EQ(error.native().number, 2627);
+  EXPECT_EQ(error.native().sqlstate, "23000");
 }
 
 TEST_F(CallFrameTest, ReplacesSessionAndContextWithEachCall) {
@@ -54,14 +51,6 @@ TEST_F(CallFrameTest, ReplacesSessionAndContextWithEachCall) {
   CallOperation(
       State(), kPlain, "Recording=b", [](Connection&) {}, OldSession::kKeep);
   EXPECT_THAT(Events(), testing::ElementsAre("open", "open"));
-}
-
-TEST_F(CallFrameTest, ServiceClassesStartWithoutASession) {
-  clsSaveData save;
-  clsGetData get;
-  EXPECT_EQ(static_cast<int>(save.TransMode()), 2);
-  EXPECT_EQ(static_cast<int>(get.TransMode()), 2);
-  EXPECT_TRUE(Events().empty());
 }
 
 }  // namespace

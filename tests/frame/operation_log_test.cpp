@@ -18,17 +18,6 @@ class OperationLogTest : public RecordingTest {
   clsSaveData save_;
 };
 
-TEST_F(OperationLogTest, HandsTheRowToTheWebOrderComponent) {
-  EXPECT_TRUE(save_.WriteOPLog("12,15", "3005", "0", "old", "new"));
-  EXPECT_TRUE(save_.WriteSaveOrderLog("12", "0", "FShippingRem", "x"));
-  TheRecording().log_enabled = false;
-  EXPECT_FALSE(save_.IsLogEnable("3005"));
-  EXPECT_THAT(Events(), ElementsAre("WriteOPLog({sFID=12,15,FOPUserID=16394,FOPCode=3005,FUserIP=10.0.0.5,"
-                                    "FOPTime=2024-05-06 07:08:09,FItemID=0,FOldValue=old,FNewValue=new}," +
-                                        std::string(kDsn) + ")",
-                                    "WriteSaveOrderLog(12,0,FShippingRem,x)", "IsLogEnable(3005)"));
-}
-
 TEST_F(OperationLogTest, TakesTheAddressUpToItsEnd) {
   const auto address = [&](std::size_t length, int answer) {
     Events().clear();

@@ -20,9 +20,9 @@ TEST(FieldObjectTest, FollowsTheCurrentRow) {
   EXPECT_EQ(Get(*ObjectOf(Get(*rows, "Fields", {"FData"})), "ActualSize").ToInt32(), 2);
   Call(*rows, "MoveFirst");
   Call(*rows, "MovePrevious");
-  EXPECT_EQ(ErrorOf([&] { Get(*buyer, "Value"); }), 3021);
+  EXPECT_EQ(Number([&] { Get(*buyer, "Value"); }), 3021);
   EXPECT_EQ(Get(*buyer, "Name").ToText(), "FBuyer");
-  EXPECT_EQ(ErrorOf([&] { Put(*buyer, "Value", {"Li"}); }), 3251);
+  EXPECT_EQ(Number([&] { Put(*buyer, "Value", {"Li"}); }), 3251);
 }
 
 TEST(FieldObjectTest, IsOneObjectForAsLongAsItsRecordset) {
@@ -56,7 +56,7 @@ TEST(FieldObjectTest, TextInPlaceIsTheValue) {
   EXPECT_EQ(place, cells.size());
   EXPECT_EQ(texts, 9U);
   const auto buyer = ObjectOf(Get(*rows, "Fields", {"FBuyer"}));
-  EXPECT_EQ(ErrorOf([&] { static_cast<void>(buyer->FindText(*buyer->description().Find("Value"))); }), 3021);
+  EXPECT_EQ(Number([&] { static_cast<void>(buyer->FindText(*buyer->description().Find("Value"))); }), 3021);
 }
 
 TEST(FieldObjectTest, IsFoundByNameAndPosition) {
@@ -72,8 +72,8 @@ TEST(FieldObjectTest, IsFoundByNameAndPosition) {
   EXPECT_EQ(name("REMARK, OWN"), "Remark, own");
   for (const Variant& index :
        {Variant(8), Variant(-1), Variant("0"), Variant(""), Variant(1e300), Variant(std::nan("")), Variant(Null{})}) {
-    EXPECT_EQ(ErrorOf([&] { name(index); }), 3265) << index.ToText();
-    EXPECT_EQ(ErrorOf([&] { Get(*rows, "Fields", {index}); }), 3265) << index.ToText();
+    EXPECT_EQ(Number([&] { name(index); }), 3265) << index.ToText();
+    EXPECT_EQ(Number([&] { Get(*rows, "Fields", {index}); }), 3265) << index.ToText();
   }
   std::string names;
   for (const Variant& field : fields->Items()) names += Get(*ObjectOf(field), "Name").ToText() + ";";

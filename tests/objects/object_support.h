@@ -1,7 +1,6 @@
 // What the tests of automation objects share: members by name, errors by number, and a few rows.
 #pragma once
 
-#include <functional>
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <memory>
@@ -11,8 +10,8 @@
 
 #include "hosts/objects/array.h"
 #include "hosts/objects/automation_object.h"
-#include "platform/error.h"
 #include "platform/recordset.h"
+#include "support/error_of.h"
 
 namespace tessarlorn {
 
@@ -35,13 +34,9 @@ inline Variant Call(AutomationObject& object, std::string_view name, std::vector
 }
 
 /// 0 when nothing is raised.
-inline std::int32_t ErrorOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const Error& error) {
-    return error.number();
-  }
-  return 0;
+template <typename Action>
+std::int32_t Number(const Action& action) {
+  return ErrorOf(action).number();
 }
 
 /// Values as text.
@@ -69,23 +64,29 @@ inline RecordsetPtr SampleRows() {
       {.name = "Remark, own", .type = FieldType::kNVarChar},
       {.name = "FData", .type = FieldType::kVarBinary, .size = 8},
   });
-  const auto add = [&rows](std::int32_t id, const char* buyer, std::int64_t cost, double weight, const char* date,
-                           int paid, const char* remark) {
+  const struct {
+    const char* buyer;
+    std::int64_t cost;
+    double weight;
+    const char* date;
+    int paid;
+    const char* remark;
+  } orders[] = {{"Wang", 12'5000, 0.5, "2024-01-02", 1, "b"},
+                {"apple_b", 7'0000, 1.25, "2024-03-01 10:30", 0, "a"},
+                {"Apple", 12'5000, 2, nullptr, 1, "B"},
+                {nullptr, -1'0000, 0.1, "2023-12-31", -1, "a\tb"},
+                {"O'Neil 50%", 0, 3, "2024-01-02", 0, ""}};
+  for (std::int32_t id = 1; const auto& order : orders) {
     rows->BeginRow();
-    rows->AppendInteger(id);
-    buyer == nullptr ? rows->AppendNull() : rows->AppendText(buyer);
-    rows->AppendScaled(cost);
-    rows->AppendDouble(weight);
-    date == nullptr ? rows->AppendNull() : rows->AppendDateTime(DateTime::Parse(date).value());
-    paid < 0 ? rows->AppendNull() : rows->AppendInteger(paid);
-    rows->AppendText(remark);
+    rows->AppendInteger(id++);
+    order.buyer == nullptr ? rows->AppendNull() : rows->AppendText(order.buyer);
+    rows->AppendScaled(order.cost);
+    rows->AppendDouble(order.weight);
+    order.date == nullptr ? rows->AppendNull() : rows->AppendDateTime(DateTime::Parse(order.date).value());
+    order.paid < 0 ? rows->AppendNull() : rows->AppendInteger(order.paid);
+    rows->AppendText(order.remark);
     rows->AppendBytes("\x01\xAB", 2);
-  };
-  add(1, "Wang", 12'5000, 0.5, "2024-01-02", 1, "b");
-  add(2, "apple_b", 7'0000, 1.25, "2024-03-01 10:30", 0, "a");
-  add(3, "Apple", 12'5000, 2, nullptr, 1, "B");
-  add(4, nullptr, -1'0000, 0.1, "2023-12-31", -1, "a\tb");
-  add(5, "O'Neil 50%", 0, 3, "2024-01-02", 0, "");
+  }
   rows->Finish();
   return rows;
 }

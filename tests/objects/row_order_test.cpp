@@ -32,7 +32,7 @@ TEST(RowOrderTest, SortsByFieldsInTheirTurn) {
 
 TEST(RowOrderTest, RefusesWhatCannotBeRead) {
   for (const char* const order : {",", "FID,", "FID DOWN", "FID DESC ASC", "[FID", "Remark, own"}) {
-    const std::int32_t error = ErrorOf([&] { Put(*Rows(), "Sort", {order}); });
+    const std::int32_t error = Number([&] { Put(*Rows(), "Sort", {order}); });
     EXPECT_EQ(error, std::string_view(order) == "Remark, own" ? 3265 : 3001) << order;
   }
 }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "automation/operations.h"
 #include "platform/text.h"
 
 namespace tessarlorn {
@@ -21,6 +22,18 @@ TEST(TypeLibraryTextTest, QuotesHelp) {
       }
     }
     EXPECT_EQ(quotes % 2, 0U) << line;
+  }
+}
+
+/// A client of the library has no other list of keys.
+TEST(TypeLibraryTextTest, TellsTheKeysThatOperationsRead) {
+  const std::string text = TypeLibraryText();
+  for (const Operation* const operation : Operations()) {
+    for (const Argument& argument : operation->arguments()) {
+      for (const Key& key : argument.keys) {
+        EXPECT_NE(text.find(" " + std::string(key.name) + " ("), std::string::npos) << operation->name << key.name;
+      }
+    }
   }
 }
 

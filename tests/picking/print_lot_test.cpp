@@ -122,31 +122,5 @@ TEST_F(PrintLotTest, GivesThreadsDifferentNumbers) {
   EXPECT_EQ(*all.rbegin(), 1 + std::size(numbers) * kRuns);
 }
 
-using PrintLotTextTest = RecordingTest;
-
-// Trailing blanks are part of what the database is sent.
-TEST_F(PrintLotTextTest, SendsTheBatchToTheBlank) {
-  TheRecording().answer = [](std::string_view text) {
-    return text.starts_with("SET NOCOUNT ON") ? TextRows({"MaxNum"}, {{"7"}}) : TextRows({}, {});
-  };
-  const Vector run{Dictionary{{"FID", 12}}};
-  EXPECT_TRUE(clsSaveData().SavePrintSerialNumber(kDsn, &run));
-  ASSERT_EQ(Events().size(), 2U);
-  EXPECT_TRUE(Events()[0].starts_with(
-      Lines({"SET NOCOUNT ON", "declare @Num as int", "declare @MaxNum as int ", "declare @YearMoth as nvarchar(20) ",
-             "declare @maxLotNumber as nvarchar(50) ", "set @YearMoth=CONVERT(VARCHAR(6),GETDATE(),112) ", "set @Num=1",
-             "--判断打印批次的年月前缀"})))
-      << Events()[0];
-  EXPECT_EQ(
-      Events()[1],
-      Lines({" declare @varUniqueCode as nvarchar(50)", " set @varUniqueCode=CONVERT(VARCHAR(6),GETDATE(),112) +'7'",
-             "IF  exists  ( select  1  from  IC_Web2ERPOrdersEx WHERE  FID = 12)", "Begin ",
-             "update  IC_Web2ERPOrdersEx  set  FLotNumber = @varUniqueCode,FSerialNumber = '1' WHERE  FID = 12", "End ",
-             "ELSE ", "Begin ",
-             "INSERT INTO IC_Web2ERPOrdersEx(FID,FLotNumber,FSerialNumber,FOrderID) VALUES(12,@varUniqueCode,"
-             "'1','')",
-             "End "}));
-}
-
 }  // namespace
 }  // namespace tessarlorn

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "platform/error.h"
+#include "support/error_of.h"
 
 namespace tessarlorn {
 namespace {
@@ -34,12 +34,7 @@ TEST(CollectionsTest, CountFromOne) {
   const Vector items{1, 2};
   EXPECT_EQ(items.At(2).ToInt32(), 2);
   for (const std::size_t position : {0U, 3U}) {
-    try {
-      (void)items.At(position);
-      FAIL() << position;
-    } catch (const Error& error) {
-      EXPECT_EQ(error.number(), error_number::kSubscriptOutOfRange);
-    }
+    EXPECT_EQ(ErrorOf([&] { (void)items.At(position); }).number(), error_number::kSubscriptOutOfRange) << position;
   }
 }
 

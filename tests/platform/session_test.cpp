@@ -100,6 +100,13 @@ TEST_F(SessionTest, KeepsSixteenIdleConnectionsAndNoSpoiltOne) {
   EXPECT_EQ(events, (Events{"open 19", "close 19"}));
 }
 
+TEST_F(SessionTest, HandsOutNoConnectionThatWasLostWhileItWasIdle) {
+  LoggedConnection& idle = Logged(*Open());
+  idle.lost = true;
+  Open();
+  EXPECT_EQ(events, (Events{"open 1", "reset 1", "close 1", "open 2", "reset 2"}));
+}
+
 TEST_F(SessionTest, IsNotOpenBeforeOpenSessionNorAfterReset) {
   const auto session = SessionFactory::ForThisThread().NewSession();
   EXPECT_EQ(session->GetDsn(), "");

@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
-#include "support/sample_database.h"
+#include "support/sample_test.h"
 
 namespace tessarlorn {
 namespace {
@@ -26,13 +24,7 @@ std::string Shape(Connection& connection) {
                             "SELECT i.name, t.name FROM sys.indexes i INNER JOIN sys.tables t ON i.object_id = "
                             "t.object_id ORDER BY i.name, t.name",
                             "SELECT name FROM sys.views ORDER BY name", "SELECT name FROM sys.procedures"}) {
-    for (const RecordsetPtr rows = connection.Execute(query); !rows->eof(); rows->MoveNext()) {
-      for (std::size_t i = 0; i < rows->fields().size(); ++i) {
-        const Variant value = rows->Get(i);
-        shape += (value.is_null() ? "" : value.ToText()) + "|";
-      }
-      shape += "\n";
-    }
+    shape += Cells(connection, query) + "\n";
   }
   return shape;
 }
@@ -43,7 +35,7 @@ TEST(SchemaTest, AppliedAgainChangesNothingAndKeepsRows) {
   database.connection().Execute("INSERT INTO IC_Web2ERPOrders (FID) VALUES (1)");
   ApplySchema(database.connection());
   EXPECT_EQ(Shape(database.connection()), shape);
-  EXPECT_EQ(database.connection().Execute("SELECT FPickMan FROM IC_Web2ERPOrders")->Get(std::size_t{0}).ToText(), "0");
+  EXPECT_EQ(Cells(database.connection(), "SELECT FPickMan FROM IC_Web2ERPOrders"), "0|");
 }
 
 TEST(SchemaTest, CompletesAnOlderDatabase) {
@@ -59,57 +51,29 @@ TEST(SchemaTest, CompletesAnOlderDatabase) {
       "INSERT INTO IC_Web2ERPOrders (FID) VALUES (1)\n"
       "DROP VIEW vw_TplWeb2ERPOrders\n"
       "DROP PROCEDURE p_WebBillTitleData");
-  for (const char* table : {"IC_TradeLog",
-                            "IC_Trade",
-                            "IC_UploadWebOrderIndicator",
-                            "IC_UploadWebOrderTaskFlow",
-                            "ic_goodstomateriel",
-                            "IC_SaveAddressReachableInfo",
-                            "IC_WebtplFlat",
-                            "IC_WebtplToStorage",
-                            "POOrder",
-                            "POOrderEntry",
-                            "SEOrder",
-                            "SEOrderEntry",
-                            "TPLTaskFlow",
-                            "IC_SynchSetting",
-                            "ICPrintMaxCount",
-                            "IC_MaxNum",
-                            "ICMaxNum",
-                            "ICExpenses",
-                            "ICStockBill",
-                            "ICStockBillEntry",
-                            "ICSale",
-                            "ICSaleEntry",
-                            "IC_WEBOrders_Status"}) {
-    database.connection().Execute(std::string("DROP TABLE ") + table);
+  const RecordsetPtr tables = database.connection().Execute(
+      "SELECT name FROM sys.tables WHERE name NOT IN ('IC_Web2ERPOrdersEx', 'IC_Web2ERPOrders', 't_MeasureUnit')");
+  for (; !tables->eof(); tables->MoveNext()) {
+    database.connection().Execute("DROP TABLE " + tables->Get(0).ToText());
   }
   ASSERT_NE(Shape(database.connection()), shape);
   ApplySchema(database.connection());
   EXPECT_EQ(Shape(database.connection()), shape);
-  const RecordsetPtr unit = database.connection().Execute("SELECT FItemID FROM t_MeasureUnit");
-  EXPECT_EQ(unit->Get("FItemID").ToInt32(), 21);
-  const RecordsetPtr order = database.connection().Execute("SELECT FPrintPickCount FROM IC_Web2ERPOrders");
-  EXPECT_EQ(order->Get("FPrintPickCount").ToInt32(), 0);
+  EXPECT_EQ(Cells(database.connection(), "SELECT FItemID FROM t_MeasureUnit"), "21|");
+  EXPECT_EQ(Cells(database.connection(), "SELECT FPrintPickCount FROM IC_Web2ERPOrders"), "0|");
 }
 
 TEST(SchemaTest, TitlesCountTheOrdersOfEachState) {
   SampleDatabase database;
   const auto titles = [&] {
-    std::string text;
     database.connection().Execute(" exec p_WebBillTitleData ");
-    const RecordsetPtr rows =
-        database.connection().Execute("select * from IC_WEBOrders_Status WITH(NOLOCK) order by FOrderStatus");
-    for (; !rows->eof(); rows->MoveNext()) {
-      text += rows->Get(std::size_t{0}).ToText() + "=" + rows->Get(std::size_t{1}).ToText() + ";";
-    }
-    return text;
+    return Cells(database.connection(), "select * from IC_WEBOrders_Status WITH(NOLOCK) order by FOrderStatus");
   };
-  EXPECT_EQ(titles(), "2=待配货(0);6=待发货(0);14=已发货(0);");
+  EXPECT_EQ(titles(), "2|待配货(0)|待配货|6|待发货(0)|待发货|14|已发货(0)|已发货|");
   database.connection().Execute(
       "INSERT INTO IC_Web2ERPOrders (FID,FOrderStatus) VALUES (1,2),(2,6),(3,2)\n"
       "UPDATE IC_WEBOrders_Status SET FName = N'发完' WHERE FOrderStatus = 14");
-  EXPECT_EQ(titles(), "2=待配货(2);6=待发货(1);14=发完(0);") << "names that were changed stay";
+  EXPECT_EQ(titles(), "2|待配货(2)|待配货|6|待发货(1)|待发货|14|发完(0)|发完|") << "names that were changed stay";
 }
 
 TEST(SchemaTest, TakesTextsWhereOperationsQuoteThem) {
@@ -122,13 +86,13 @@ TEST(SchemaTest, TakesTextsWhereOperationsQuoteThem) {
       "INSERT INTO IC_Web2ERPOrders (FID,FFeeBillNO) VALUES (1,'5'),(2,'')\n"
       "INSERT INTO TPLTaskFlow (FTaskType,FTaskName,FWebTplType,FRefreshTime) VALUES (130,'" +
       std::string(9000, '1') + "','2',GETDATE())");
-  const auto number = [&](const char* query) {
-    return database.connection().Execute(query)->Get(std::size_t{0}).ToInt32();
+  const std::pair<const char*, const char*> cases[] = {
+      {"SELECT COUNT(*) FROM IC_UploadWebOrderIndicator WHERE FIsSplit=1 AND FID=7", "1|"},
+      {"SELECT FAddressReachable FROM IC_Web2ERPOrdersEx", "0|"},
+      {"SELECT o.FID FROM ICExpenses e INNER JOIN IC_Web2ERPOrders o ON e.FinterID = o.FFeeBillNO", "1|"},
+      {"SELECT LEN(FTaskName) FROM TPLTaskFlow WHERE FWebTplType='2'", "9000|"},
   };
-  EXPECT_EQ(number("SELECT COUNT(*) FROM IC_UploadWebOrderIndicator WHERE FIsSplit=1 AND FID=7"), 1);
-  EXPECT_EQ(number("SELECT FAddressReachable FROM IC_Web2ERPOrdersEx"), 0);
-  EXPECT_EQ(number("SELECT o.FID FROM ICExpenses e INNER JOIN IC_Web2ERPOrders o ON e.FinterID = o.FFeeBillNO"), 1);
-  EXPECT_EQ(number("SELECT LEN(FTaskName) FROM TPLTaskFlow WHERE FWebTplType='2'"), 9000);
+  for (const auto& [query, cells] : cases) EXPECT_EQ(Cells(database.connection(), query), cells) << query;
 }
 
 TEST(SchemaTest, TakesValuesAsWideAsTheLogsWriteThem) {
@@ -140,62 +104,10 @@ TEST(SchemaTest, TakesValuesAsWideAsTheLogsWriteThem) {
   ASSERT_TRUE(save.BackToThePreviousStep(&order));
   EXPECT_TRUE(save.WriteOPLog("12", "3005", "0", std::string(300, 'o'), std::string(300, 'n')));
   EXPECT_TRUE(save.WriteSaveOrderLog("12", "0", std::string(70, 'f'), std::string(2100, 'v')));
-  EXPECT_EQ(database.connection()
-                .Execute("SELECT MAX(LEN(FUserIP)+LEN(FOldValue)+LEN(FNewValue)) FROM IC_TradeLog")
-                ->Get(std::size_t{0})
-                .ToInt32(),
-            63 + 255 + 255);
-  EXPECT_EQ(database.connection()
-                .Execute("SELECT LEN(FFieldName)+LEN(FNewValue) FROM IC_TradeFieldLog")
-                ->Get(std::size_t{0})
-                .ToInt32(),
-            64 + 2000);
-}
-
-TEST(SchemaTest, HasEveryNameThatTheQueriesUse) {
-  SampleDatabase database;
-  const std::string dsn = database.Dsn(7);
-  clsSaveData save;
-  EXPECT_TRUE(save.UpLoadStatusForManualAndClosed(dsn));
-  const Dictionary order{{"sDSN", dsn},
-                         {"sDsn", dsn},
-                         {"sProps", dsn},
-                         {"FID", "1"},
-                         {"FPickManNumber", "E"},
-                         {"UserId", 7},
-                         {"UserID", 7},
-                         {"AsyncCreate", true},
-                         {"FShippingRem", "r"},
-                         {"UpdateFlag", false},
-                         {"LogisticsCosts", 1},
-                         {"FPickingGoodMan", 7},
-                         {"FLogisticsOrder", "20260630101000000001"},
-                         {"FPickingGoodsstatus", 1}};
-  EXPECT_TRUE(save.ConfirmBill(&order));
-  EXPECT_TRUE(save.SavePickingGoods(&order));
-  EXPECT_TRUE(save.MarkPickingGoodsStatus(&order));
-  EXPECT_TRUE(save.ModifyCost(&order));
-  EXPECT_TRUE(save.UpdateLogisticsWeightStatus(dsn, &order));
-  EXPECT_TRUE(save.Delivery(&order));
-  EXPECT_TRUE(save.DeliveryRemark(&order));
-  EXPECT_TRUE(save.BackToThePreviousStep(&order));
-  EXPECT_TRUE(save.UploadStatus(&order));
-  clsGetData get;
-  EXPECT_EQ(get.GetTotalLogisticsCosts(&order), 0);
-  EXPECT_EQ(get.GetWeightByFID(&order)->RecordCount(), 0U);
-  EXPECT_EQ(get.bExistUpLoadBill(&order)->RecordCount(), 0U);
-  EXPECT_FALSE(get.bIsWeightting(dsn));
-  const Dictionary lines{{"FID", 1}};
-  EXPECT_EQ(get.GetEntryData(dsn, &lines)->RecordCount(), 0U);
-  for (const Dictionary& filter : {Dictionary{}, Dictionary{{"IsLock", 1}, {"FStockID", "x"}},
-                                   Dictionary{{"FCloseOrRefundStatus", 1}, {"FOrderStatus", 2}},
-                                   Dictionary{{"FCloseOrRefundStatus", 2}, {"FLogisticsID", 1}},
-                                   Dictionary{{"AdvancedFilter", " AND t19.FNumber='1' AND t20.FOnlineShopPNo='1'"}}}) {
-    const RecordsetPtr orders = get.GetListData(dsn, &filter);
-    ASSERT_NE(orders, nullptr);
-    EXPECT_EQ(orders->RecordCount(), 0U);
-    EXPECT_TRUE(orders->FindField("FTplOrderID").has_value());
-  }
+  EXPECT_EQ(Cells(database.connection(), "SELECT MAX(LEN(FUserIP)+LEN(FOldValue)+LEN(FNewValue)) FROM IC_TradeLog"),
+            std::to_string(63 + 255 + 255) + "|");
+  EXPECT_EQ(Cells(database.connection(), "SELECT LEN(FFieldName)+LEN(FNewValue) FROM IC_TradeFieldLog"),
+            std::to_string(64 + 2000) + "|");
 }
 
 }  // namespace

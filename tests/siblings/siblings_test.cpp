@@ -4,6 +4,7 @@
 
 #include "frame/clsSaveData.h"
 #include "frame/identity.h"
+#include "support/batches.h"
 #include "support/recording_driver.h"
 
 namespace tessarlorn {
@@ -34,6 +35,14 @@ TEST_F(SiblingsTest, WritesOneRowForEachOrder) {
   EXPECT_TRUE(Events().empty());
   EXPECT_EQ(Raised([&] { save_.WriteOPLog("12); drop table x--", "3005", "0", "", ""); }),
             "13 TessarLornPickingAndDelivery");
+}
+
+TEST_F(SiblingsTest, WritesLongListsInParts) {
+  for (const BatchCase& c : kBatchCases) {
+    Events().clear();
+    EXPECT_TRUE(save_.WriteOPLog(KeysTo(c.keys), "3005", "0", "", ""));
+    EXPECT_EQ(CountsOf(" @order", Events()), c.blocks);
+  }
 }
 
 TEST_F(SiblingsTest, WritesFieldValuesAsTheyAreAndCut) {

@@ -14,6 +14,7 @@
 #include "platform/error.h"
 #include "platform/object_service.h"
 #include "platform/session.h"
+#include "support/error_of.h"
 
 namespace tessarlorn {
 
@@ -146,12 +147,8 @@ inline std::string Lines(const std::vector<std::string_view>& lines) {
 /// Number and Source of the Error that `action` raises: "-2147217900 Delivery"; "none" when it raises none.
 template <typename Action>
 std::string Raised(const Action& action) {
-  try {
-    action();
-  } catch (const Error& error) {
-    return std::to_string(error.number()) + " " + error.source();
-  }
-  return "none";
+  const Error error = ErrorOf(action);
+  return error.number() == 0 ? "none" : std::to_string(error.number()) + " " + error.source();
 }
 
 }  // namespace tessarlorn

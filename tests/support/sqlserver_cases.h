@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/decimal.h"
+#include "support/error_of.h"
 #include "tsql/database_support.h"
 
 namespace tessarlorn {
@@ -32,15 +33,19 @@ inline bool AgreesWith(const nlohmann::json& wanted, const Variant& got) {
   return a->Rescale(places) == b->Rescale(places);
 }
 
+/// Up to the first cell that differs.
 inline void ExpectRows(const nlohmann::json& batch, const RecordsetPtr& rows) {
   ASSERT_NE(rows, nullptr) << "no result";
   std::vector<std::string> names;
   for (const Field& field : rows->fields()) names.push_back(field.name);
-  EXPECT_EQ(names, batch["columns"].get<std::vector<std::string>>());
+  ASSERT_EQ(names, batch["columns"].get<std::vector<std::string>>());
   ASSERT_EQ(rows->RecordCount(), batch["rows"].size());
+  int number = 0;
   for (const nlohmann::json& row : batch["rows"]) {
+    ++number;
     for (std::size_t i = 0; i < row.size(); ++i) {
-      EXPECT_TRUE(AgreesWith(row[i], rows->Get(i))) << names[i] << " is " << TextOf(rows) << ", wanted " << row.dump();
+      ASSERT_TRUE(AgreesWith(row[i], rows->Get(i)))
+          << names[i] << " of row " << number << " is " << CellText(rows->Get(i)) << ", wanted " << row[i].dump();
     }
     rows->MoveNext();
   }
@@ -53,13 +58,9 @@ inline void RunSqlServerCase(const nlohmann::json& one, Connection& connection) 
     const std::string sql = batch["sql"].get<std::string>();
     SCOPED_TRACE(sql);
     RecordsetPtr rows;
-    int number = 0;
-    try {
-      rows = connection.Execute(sql);
-    } catch (const Error& error) {
-      number = error.native().number;
-      EXPECT_TRUE(batch.contains("error")) << number << ": " << error.description();
-    }
+    const Error error = ErrorOf([&] { rows = connection.Execute(sql); });
+    const int number = error.native().number;
+    EXPECT_TRUE(number == 0 || batch.contains("error")) << number << ": " << error.description();
     if (batch.contains("error")) {
       const auto numbers = batch["error"].get<std::vector<int>>();
       EXPECT_NE(std::find(numbers.begin(), numbers.end(), number), numbers.end()) << "raised " << number;

@@ -8,7 +8,6 @@
 #include <random>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "drivers/embedded/embedded_driver.h"
 #include "platform/connection.h"
@@ -19,7 +18,7 @@
 #include "drivers/odbc/odbc_driver.h"
 #endif
 #ifdef TESSARLORN_HAS_SERVER
-#include "support/in_process_server.h"
+#include "support/served_database.h"
 #endif
 #ifdef TESSARLORN_HAS_ADO
 #include "drivers/ado/ado_driver.h"
@@ -28,36 +27,16 @@
 
 namespace tessarlorn {
 
-/// An embedded database in memory, reached in process, over TDS and ODBC, or over what stands in for ADO; one that is
-/// made on a server; or one that is given.
-enum class Reach { kInProcess, kOverOdbc, kOverAdo, kServer, kGiven };
+/// An embedded database in memory, reached in process, over TDS and ODBC, or over what stands in for ADO. In place of
+/// the server of this process comes the one that TESSARLORN_TEST_DSN names in the environment, or the database that
+/// TESSARLORN_TEST_DATABASE names, which is empty when the process starts and which nothing else uses.
+enum class Reach { kInProcess, kOverOdbc, kOverAdo };
 
-/// The string of another server, TESSARLORN_TEST_DSN in the environment; nullptr when there is none.
-inline const char* TestServer() { return std::getenv("TESSARLORN_TEST_DSN"); }
-
-/// The string of a database that is empty when the process starts and that nothing else uses, TESSARLORN_TEST_DATABASE
-/// in the environment; nullptr when there is none.
-inline const char* GivenDatabase() { return std::getenv("TESSARLORN_TEST_DATABASE"); }
-
-/// Those that there are in this build and environment.
-inline std::vector<Reach> Reaches() {
-  std::vector<Reach> reaches = {Reach::kInProcess};
-#if defined(TESSARLORN_HAS_ODBC) && defined(TESSARLORN_HAS_SERVER)
-  reaches.push_back(Reach::kOverOdbc);
-#endif
-#ifdef TESSARLORN_HAS_ADO
-  reaches.push_back(Reach::kOverAdo);
-#endif
-  if (TestServer() != nullptr) reaches.push_back(Reach::kServer);
-  if (GivenDatabase() != nullptr) reaches.push_back(Reach::kGiven);
-  return reaches;
-}
-
-/// What the environment asks for: TESSARLORN_TEST_DSN="Driver=…", else TESSARLORN_TEST_OVER=odbc, else in process.
+/// What the environment asks for: TESSARLORN_TEST_DSN or TESSARLORN_TEST_OVER=odbc, else in process.
 inline Reach ReachOfEnvironment() {
-  if (TestServer() != nullptr) return Reach::kServer;
-  const char* const over = std::getenv("TESSARLORN_TEST_OVER");
-  return over != nullptr && std::string_view(over) == "odbc" ? Reach::kOverOdbc : Reach::kInProcess;
+  const bool over_odbc =
+      std::getenv("TESSARLORN_TEST_DSN") != nullptr || std::getenv("TESSARLORN_TEST_OVER") != nullptr;
+  return over_odbc ? Reach::kOverOdbc : Reach::kInProcess;
 }
 
 /// Lives as long as this object. On a server it is made as tessarlorn_test_… and nothing else is touched; there it is
@@ -72,20 +51,22 @@ class TestDatabase {
 #ifdef TESSARLORN_HAS_ADO
     RegisterAdoDriver();
 #endif
-    if (reach == Reach::kServer) {
-      MakeOnServer(TestServer());
-      return;
-    }
-    if (reach == Reach::kGiven) {
-      string_ = GivenDatabase();
-      return;
+    if (reach == Reach::kOverOdbc) {
+      if (const char* const server = std::getenv("TESSARLORN_TEST_DSN")) {
+        MakeOnServer(server);
+        return;
+      }
+      if (const char* const given = std::getenv("TESSARLORN_TEST_DATABASE")) {
+        string_ = given;
+        return;
+      }
     }
     string_ = "Embedded=:memory:test" + std::to_string(NextNumber());
     keeper_ = OpenConnection(string_);
 #ifdef TESSARLORN_HAS_SERVER
     if (reach == Reach::kOverOdbc) {
       server_ = std::make_unique<InProcessServer>(string_);
-      string_ = server_->odbc_string();
+      string_ = server_->odbc();
     }
 #endif
 #ifdef TESSARLORN_HAS_ADO

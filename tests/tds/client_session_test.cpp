@@ -1,15 +1,12 @@
 // A client's whole session, over a stream in memory.
 #include "hosts/tds/client_session.h"
 
-#include <filesystem>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <mutex>
-#include <unistd.h>
 
 #include "hosts/tds/messages/type_codes.h"
 #include "platform/text.h"
 #include "support/sample_database.h"
+#include "support/temporary_folder.h"
 #include "tds/tds_support.h"
 
 namespace tessarlorn::tds {
@@ -24,11 +21,9 @@ using testing::Not;
 class ClientSessionTest : public testing::Test {
  protected:
   ClientSessionTest() {
-    const std::filesystem::path file =
-        std::filesystem::temp_directory_path() / ("session_test_" + std::to_string(getpid()) + ".users");
-    AddUser(file, "ann", "s3cret", 1);
-    service_.users = Users::Read(file);
-    std::filesystem::remove(file);
+    const TemporaryFolder folder;
+    AddUser(folder.file("users"), "ann", "s3cret", 1);
+    service_.users = Users::Read(folder.file("users"));
     service_.database_string = database_.database();
     service_.log = [this](const std::string& line) { log_.push_back(line); };
   }
@@ -48,6 +43,10 @@ class ClientSessionTest : public testing::Test {
     return all.substr(login.size());
   }
 
+  /// A call that prepares a statement and runs it.
+  static std::string Prepare(const std::string& text) {
+    return CallHead(13) + std::string("\x00\x01\x26\x04\x00", 5) + TextParameter("") + TextParameter(text);
+  }
   static std::string DoneBytes(std::uint16_t status, std::uint16_t command = 0, std::uint64_t rows = 0) {
     TdsWriter writer;
     writer.Put(Done{Token::kDone, status, command, rows});
@@ -150,14 +149,10 @@ TEST_F(ClientSessionTest, AnswersBatchesInOrder) {
   EXPECT_EQ(at, answer.size());
 }
 
-TEST_F(ClientSessionTest, TellsWhereAnErrorStands) {
-  const std::string answer = AnswerAfterLogin(BatchMessage("select 1 a\n\nselec 2"));
+TEST_F(ClientSessionTest, SaysWhereMessagesAndErrorsComeFrom) {
   TdsWriter expected;
   expected.Put(ServerMessage{102, 1, 15, 3, "Incorrect syntax near 'selec'."});
-  EXPECT_EQ(answer, expected.bytes() + DoneBytes(kDoneError));
-}
-
-TEST_F(ClientSessionTest, SaysWhereMessagesAndErrorsComeFrom) {
+  EXPECT_EQ(AnswerAfterLogin(BatchMessage("select 1 a\n\nselec 2")), expected.bytes() + DoneBytes(kDoneError));
   AnswerAfterLogin(BatchMessage("create procedure Talks as\n  raiserror(N'low', 5, 7)\n  raiserror('high', 16, 2)"));
   const std::string answer = AnswerAfterLogin(BatchMessage("\nexec Talks"));
   TdsWriter low;
@@ -218,27 +213,20 @@ TEST_F(ClientSessionTest, ShowsTransactionsToItsClient) {
   EXPECT_EQ(answer, expected.bytes());
 }
 
-TEST_F(ClientSessionTest, BeginsTransactionsByItselfWhenAsked) {
-  const std::string answer = AnswerAfterLogin(
-      BatchMessage("create table Kept (n int)") +
-      BatchMessage("set implicit_transactions on\nselect 1 a\ninsert Kept values (1)\nprint @@trancount\nrollback"));
-  EXPECT_THAT(answer, HasSubstr(Wide("1")));
-  EXPECT_EQ(database_.connection().Execute("select count(*) from Kept")->Get(0).ToInt32(), 0);
-}
-
 TEST_F(ClientSessionTest, IsAsNewWhenItsClientWantsItReset) {
+  const std::string acknowledged("\xE3\x03\x00\x12\x00\x00", 6);
   const std::string answer =
-      AnswerAfterLogin(BatchMessage("begin tran create table #t (n int)") +
-                       BatchMessage("select @@trancount t", kResetConnection) + BatchMessage("select n from #t"));
-  EXPECT_THAT(answer, AllOf(HasSubstr(std::string("\xE3\x03\x00\x12\x00\x00", 6)),
-                            HasSubstr(std::string("\xD1\x04\x00\x00\x00\x00", 6)),
-                            HasSubstr(Wide("Invalid object name '#t'."))));
+      AnswerAfterLogin(BatchMessage("begin tran create table #t (n int)") + CallsMessage(Prepare("select 7 n")) +
+                       BatchMessage("select @@trancount t", kResetConnection) + BatchMessage("select n from #t") +
+                       CallsMessage(CallHead(12) + std::string("\x00\x00\x26\x04\x04\x01\x00\x00\x00", 9)));
+  EXPECT_THAT(answer, AllOf(HasSubstr(acknowledged), HasSubstr(std::string("\xD1\x04\x00\x00\x00\x00", 6)),
+                            HasSubstr(Wide("Invalid object name '#t'.")),
+                            HasSubstr(Wide("Could not find prepared statement with handle 1."))));
   const std::string kept =
       AnswerAfterLogin(BatchMessage("begin tran") + BatchMessage("select @@trancount t", kResetKeepingTransaction) +
                        BatchMessage("select @@trancount t"));
   EXPECT_THAT(kept, AllOf(HasSubstr(Wide("A connection is not reset while its transaction goes on.")),
-                          Not(HasSubstr(std::string("\xE3\x03\x00\x12\x00\x00", 6))),
-                          HasSubstr(std::string("\xD1\x04\x01\x00\x00\x00", 6))));
+                          Not(HasSubstr(acknowledged)), HasSubstr(std::string("\xD1\x04\x01\x00\x00\x00", 6))));
 }
 
 TEST_F(ClientSessionTest, AcknowledgesAnAttentionThatCameTooLate) {
@@ -288,24 +276,11 @@ TEST_F(ClientSessionTest, HandsOverResultsThatAreNamedAsItsOwn) {
 }
 
 TEST_F(ClientSessionTest, GivesNoHandleToAStatementThatFails) {
-  const auto prepare = [](const std::string& text) {
-    const std::string handle("\x00\x01\x26\x04\x00", 5);
-    return CallsMessage(CallHead(13) + handle + TextParameter("") + TextParameter(text));
-  };
-  const std::string answer =
-      AnswerAfterLogin(prepare("select * from Nowhere") + prepare("selec 1") + prepare("select 1 a"));
+  const std::string answer = AnswerAfterLogin(CallsMessage(Prepare("select * from Nowhere")) +
+                                              CallsMessage(Prepare("selec 1")) + CallsMessage(Prepare("select 1 a")));
   const std::string given("\x26\x04\x04\x03\x00\x00\x00", 7);
   EXPECT_THAT(answer, HasSubstr(given));
   EXPECT_EQ(answer.find('\xac'), answer.find(given) - 11) << "one handle";
-}
-
-TEST_F(ClientSessionTest, SendsNullsAsTheClientsVersionHasThem) {
-  LoginWords words;
-  words.version = kTds73;
-  const std::string batch = BatchMessage("select cast(null as int) a");
-  EXPECT_THAT(Answer(LoginMessage(words) + batch), HasSubstr(std::string("\xD1\x00\xFD", 3)));
-  words.version = kTds73b;
-  EXPECT_THAT(Answer(LoginMessage(words) + batch), HasSubstr("\xD2\x01\xFD"));
 }
 
 }  // namespace

@@ -1,12 +1,13 @@
-// Clients that others wrote, at a database that the built command serves: FreeTDS's tsql, bsqldb and freebcp,
-// isql over FreeTDS's ODBC driver, tedious, and SQLAlchemy.
+// Clients that others wrote, at a database that the built command serves: FreeTDS's tsql, bsqldb and freebcp, tedious,
+// and SQLAlchemy over ODBC and over FreeTDS's own library.
 #include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <pty.h>
 #include <termios.h>
 
-#include "tds/server_support.h"
+#include "platform/text.h"
+#include "support/served_database.h"
+#include "tds/certificate.h"
 
 namespace tessarlorn::tds {
 namespace {
@@ -15,47 +16,50 @@ using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
+constexpr const char* kClients = TESSARLORN_SOURCE_ROOT "/tests/tds/clients/";
+
 class ClientsTest : public testing::Test {
  protected:
-  explicit ClientsTest(const std::vector<std::string>& options = {}) : server_(options) {
-    std::ofstream(server_.file("freetds.conf"))
-        << "[served]\nhost = 127.0.0.1\nport = " << server_.port() << "\ntds version = 7.4\nclient charset = UTF-8\n"
-        << "[old]\nhost = 127.0.0.1\nport = " << server_.port() << "\ntds version = 7.1\nclient charset = UTF-8\n"
-        << "[encrypted]\nhost = 127.0.0.1\nport = " << server_.port()
-        << "\ntds version = 7.4\nclient charset = UTF-8\nencryption = require\n";
+  explicit ClientsTest(const std::vector<std::string>& options = {}) : server_(options, 60) {
+    std::ofstream conf(server_.file("freetds.conf"));
+    for (const auto& [name, more] : {std::pair{"served", "tds version = 7.4"},
+                                     {"old", "tds version = 7.1"},
+                                     {"encrypted", "tds version = 7.4\nencryption = require"}}) {
+      conf << "[" << name << "]\nhost = 127.0.0.1\nport = " << server_.port() << "\nclient charset = UTF-8\n"
+           << more << "\n";
+    }
   }
-
-  /// Gives the text to a client, which has to end within half a minute.
-  [[nodiscard]] Outcome Pipe(const std::string& text, const std::string& client) const {
+  /// What a client that is given the text prints within half a minute.
+  [[nodiscard]] std::string Pipe(const std::string& text, const std::string& client) const {
     std::ofstream(server_.file("in")) << text;
-    return RunLine("export FREETDSCONF='" + server_.file("freetds.conf") + "'; timeout 30 " + client + " < '" +
-                   server_.file("in") + "'");
+    return RunLine("FREETDSCONF='" + server_.file("freetds.conf") + "' timeout 30 " + client + " -U ann -P s3cret <'" +
+                   server_.file("in") + "' 2>&1")
+        .text;
   }
-  [[nodiscard]] Outcome Tsql(const std::string& text, const std::string& server = "served") const {
-    return Pipe(text, "tsql -S " + server + " -U ann -P s3cret -o q");
+  [[nodiscard]] std::string Tsql(const std::string& text, const std::string& server = "served") const {
+    return Pipe(text, "tsql -o q -S " + server);
   }
-  /// A batch that never ends; what is before it has been done by the time that this returns.
+  /// A batch that never ends, in a process that is answered; what is before it has been done then.
   [[nodiscard]] std::string StartEndless(const std::string& before) const {
     std::ofstream(server_.file("endless")) << before << "\ngo\ndeclare @n int = 0; while 1 = 1 set @n = @n + 1\ngo\n";
     const Outcome started =
-        RunLine("FREETDSCONF='" + server_.file("freetds.conf") + "' tsql -S served -U ann -P s3cret -o q < '" +
+        RunLine("FREETDSCONF='" + server_.file("freetds.conf") + "' tsql -S served -U ann -P s3cret -o q <'" +
                 server_.file("endless") + "' >'" + server_.file("endless.out") + "' 2>&1 & echo $!");
     EXPECT_TRUE(server_.WaitForLog("while 1 = 1"));
     return started.text;
   }
 
-  ServerProcess server_;
+  ServedDatabase server_;
 };
 
 TEST_F(ClientsTest, Tsql) {
-  EXPECT_THAT(Tsql("select count(*) from IC_Web2ERPOrders\ngo\n").text, HasSubstr("60\n"));
-  EXPECT_THAT(Tsql("exec sp_executesql N'select @a + 1 n, @t t', N'@a int, @t nvarchar(20)', 41, N'中😀'\ngo\n").text,
+  EXPECT_THAT(Tsql("select count(*) from IC_Web2ERPOrders\ngo\n"), HasSubstr("60\n"));
+  EXPECT_THAT(Tsql("exec sp_executesql N'select @a + 1 n, @t t', N'@a int, @t nvarchar(20)', 41, N'中😀'\ngo\n"),
               HasSubstr("42\t中😀\n"));
   EXPECT_THAT(Tsql("create table T (n int primary key)\ngo\nbegin tran\ninsert T values (1)\nrollback\n"
-                   "begin tran insert T values (2) commit\ngo\nselect n, @@trancount from T\ngo\n")
-                  .text,
+                   "begin tran insert T values (2) commit\ngo\nselect n, @@trancount from T\ngo\n"),
               AllOf(HasSubstr("2\t0\n"), Not(HasSubstr("1\t"))));
-  EXPECT_THAT(Tsql("print N'讯息'\ninsert T values (2)\n\nselect * from Nowhere\ngo\nselect 5\ngo\n").text,
+  EXPECT_THAT(Tsql("print N'讯息'\ninsert T values (2)\n\nselect * from Nowhere\ngo\nselect 5\ngo\n"),
               AllOf(HasSubstr("讯息"), HasSubstr("Msg 2627 (severity 14, state 1)"),
                     HasSubstr("Msg 208 (severity 16, state 1) from TessarLorn Line 4:"), HasSubstr("5\n")));
 }
@@ -64,8 +68,7 @@ TEST_F(ClientsTest, TsqlOfAnOldVersion) {
   EXPECT_THAT(
       Tsql("select N'中' a, cast(N'货' as varchar(9)) b, cast('2024-02-29' as date) c, cast(N'长' as nvarchar(max)) d\n"
            "print N'讯息'\ngo\nexec sp_executesql N'select @a + 1', N'@a int', 41\ngo\nselect * from Nowhere\ngo\n",
-           "old")
-          .text,
+           "old"),
       AllOf(HasSubstr("中\t货\t2024-02-29\t长\n"), HasSubstr("讯息"), HasSubstr("42\n"),
             HasSubstr("Invalid object name 'Nowhere'.")));
 }
@@ -75,47 +78,23 @@ TEST_F(ClientsTest, Freebcp) {
       "create table B (id int identity(5,1) primary key, n int, t nvarchar(max), d datetime)\n"
       "insert B values (1, N'中😀', '2026-11-03 09:08:07.123'), (null, null, null)\n"
       "create table C (id int identity(100,1) primary key, n int, t nvarchar(max), d datetime)\ngo\n");
-  for (const auto& [table, more] : {std::pair{"B out", ""}, {"C in", " -E"}, {"C in", ""}}) {
-    const Outcome copied = Pipe("", std::string("freebcp main.dbo.") + table + " '" + server_.file("rows") +
-                                        "' -c -S served -U ann -P s3cret" + more);
-    EXPECT_THAT(copied.text, HasSubstr("2 rows copied.")) << table << more;
+  for (const std::string words : {"B out ROWS", "C in ROWS -E", "C in ROWS"}) {
+    const std::string copied =
+        Pipe("", "freebcp main.dbo." + ReplaceAll(words, "ROWS", server_.file("rows")) + " -c -S served");
+    EXPECT_THAT(copied, HasSubstr("2 rows copied.")) << words;
   }
-  EXPECT_THAT(Tsql("select id, n, t, convert(varchar(30), d, 121) from C order by id\ngo\n").text,
+  EXPECT_THAT(Tsql("select id, n, t, convert(varchar(30), d, 121) from C order by id\ngo\n"),
               AllOf(HasSubstr("5\t1\t中😀\t2026-11-03 09:08:07.123\n6\tNULL"), HasSubstr("100\t1\t中😀"),
                     HasSubstr("101\tNULL\tNULL\tNULL")));
 }
 
 TEST_F(ClientsTest, Bsqldb) {
-  const Outcome outcome = Pipe(
-      "select FID, FOrderStatus from IC_Web2ERPOrders where FID = 7\ngo\n"
-      "exec sp_executesql N'select @a a', N'@a decimal(20,3)', 12345678901234567.125\ngo\n"
-      "begin tran\ngo\nselect 'in ' + cast(@@trancount as varchar(9)) t\ngo\nrollback\ngo\n"
-      "select 'out ' + cast(@@trancount as varchar(9)) t\ngo\n",
-      "bsqldb -S served -U ann -P s3cret");
-  EXPECT_EQ(outcome.status, 0) << outcome.text;
-  EXPECT_THAT(outcome.text, AllOf(HasSubstr("12345678901234567.125"), HasSubstr("in 1"), HasSubstr("out 0")));
-  EXPECT_THAT(Pipe("select 1/0 a\ngo\n", "bsqldb -S served -U ann -P s3cret").text,
-              HasSubstr("Divide by zero error encountered."));
-}
-
-TEST_F(ClientsTest, IsqlOverOdbc) {
-  const auto isql = [this](const std::string& text) {
-    return Pipe(text, "isql -b -d, -k 'Driver=FreeTDS;ServerName=served;UID=ann;PWD=s3cret'");
-  };
-  EXPECT_THAT(isql("select FID, cast(1.50 as decimal(9,2)) d, cast('2024-02-29' as datetime) w, N'中' t from "
-                   "IC_Web2ERPOrders where FID = 7\n")
-                  .text,
-              HasSubstr("7,1.50,2024-02-29 00:00:00.000,中"));
-  EXPECT_THAT(isql("exec sp_executesql N'select @a + 1', N'@a int', @a = 41\n").text, HasSubstr("42"));
-  const Outcome kept = isql(
-      "create table T (n int)\nbegin tran\ninsert T values (1)\nrollback\nbegin tran\ninsert T values (2)\ncommit\n"
-      "select n + 70 from T\n");
-  EXPECT_THAT(kept.text, AllOf(HasSubstr("72"), Not(HasSubstr("71"))));
-  EXPECT_THAT(
-      Pipe("select * from Nowhere\n", "isql -b -v -k 'Driver=FreeTDS;ServerName=served;UID=ann;PWD=s3cret'").text,
-      HasSubstr("Invalid object name 'Nowhere'."));
-  EXPECT_THAT(Pipe("select 1\n", "isql -b -v -k 'Driver=FreeTDS;ServerName=served;UID=ann;PWD=wrong'").text,
-              HasSubstr("Login failed for user 'ann'."));
+  EXPECT_THAT(Pipe("exec sp_executesql N'select @a a', N'@a decimal(20,3)', 12345678901234567.125\ngo\n"
+                   "begin tran\ngo\nselect 'in ' + cast(@@trancount as varchar(9)) t\ngo\nrollback\ngo\n"
+                   "select 'out ' + cast(@@trancount as varchar(9)) t\ngo\nselect 1/0 a\ngo\n",
+                   "bsqldb -S served"),
+              AllOf(HasSubstr("12345678901234567.125"), HasSubstr("in 1"), HasSubstr("out 0"),
+                    HasSubstr("Divide by zero error encountered.")));
 }
 
 /// What client.js prints.
@@ -130,6 +109,7 @@ rolled back: [[0]]
 committed: [[3]]
 loaded: [2,[[5,"中😀",1.5],[6,null,7]]]
 not loaded: [515,[[2]]]
+not loaded in a transaction: [[3]]
 error: [2627,14,1,"Violation of PRIMARY KEY constraint 'PK_Kept'. Cannot insert duplicate key in object 'dbo.Kept'."]
 error: [208,16,1,"Invalid object name 'Nowhere'."]
 error: [102,15,2,"Incorrect syntax near '2'."]
@@ -141,12 +121,12 @@ refused: ["ELOGIN","Login failed for user 'ann'."]
 /// Runs client.js; the packages that it needs are installed in the build folder when they are not there.
 std::string RunTedious(int port, const std::string& more) {
   const std::string folder = TESSARLORN_TEST_FOLDER "/serve_clients";
-  const std::string source = TESSARLORN_TEST_DATA "/clients/";
+  const std::string source = kClients;
   return RunLine("mkdir -p '" + folder + "' && cd '" + folder + "' && exec 9>lock && flock 9 && cp '" + source +
                  "client.js' . && if ! cmp -s '" + source + "package-lock.json' installed; then cp '" + source +
                  "'package*.json . && npm ci --no-audit --no-fund >npm.log 2>&1 || { cat npm.log; exit 1; }; "
                  "cp package-lock.json installed; fi; flock -u 9; timeout 60 node --no-deprecation client.js " +
-                 std::to_string(port) + " ann s3cret " + more)
+                 std::to_string(port) + " ann s3cret " + more + " 2>&1")
       .text;
 }
 
@@ -154,8 +134,8 @@ TEST_F(ClientsTest, Tedious) { EXPECT_EQ(RunTedious(server_.port(), ""), kTediou
 
 TEST_F(ClientsTest, SqlAlchemy) {
   for (const char* driver : {"pyodbc", "pymssql"}) {
-    const Outcome outcome = RunLine("timeout 60 /usr/bin/python3 '" TESSARLORN_TEST_DATA "/clients/client.py' " +
-                                    std::string(driver) + " " + std::to_string(server_.port()) + " ann s3cret 2>&1");
+    const Outcome outcome = RunLine("timeout 60 /usr/bin/python3 '" + std::string(kClients) + "client.py' " + driver +
+                                    " " + std::to_string(server_.port()) + " ann s3cret 2>&1");
     EXPECT_EQ(outcome.text, R"(columns: id INTEGER parent INTEGER label NVARCHAR
 keys: {'constrained_columns': ['id'], 'name': 'PK_children'} [('FK_kid', 'parents')] [['label']]
 inserted: [1, 2] 0.000 None None
@@ -170,19 +150,17 @@ TEST_F(ClientsTest, AClientThatGoesAwayIsRolledBack) {
   const std::string client = StartEndless("create table T (n int)\ngo\nbegin tran insert T values (1)");
   RunLine("kill -KILL " + client);
   EXPECT_TRUE(server_.WaitForLog("the client went away"));
-  EXPECT_THAT(Tsql("insert T values (2)\ngo\nselect n + 70 from T\ngo\n").text,
+  EXPECT_THAT(Tsql("insert T values (2)\ngo\nselect n + 70 from T\ngo\n"),
               AllOf(HasSubstr("72\n"), Not(HasSubstr("71\n"))));
 }
 
 TEST_F(ClientsTest, CtrlCEndsTheServerAndTellsItsClients) {
   (void)StartEndless("create table T (n int)\ngo\nbegin tran insert T values (1)");
   EXPECT_EQ(server_.Stop(SIGINT), 0);
-  for (int i = 0; i < 500 && RunLine("grep -c SHUTDOWN '" + server_.file("endless.out") + "'").status != 0; ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  EXPECT_THAT(RunLine("cat '" + server_.file("endless.out") + "'").text, HasSubstr("SHUTDOWN is in progress."));
+  EXPECT_TRUE(WaitUntil(
+      [&] { return ReadFile(server_.file("endless.out")).find("SHUTDOWN is in progress.") != std::string::npos; }));
   EXPECT_EQ(RunLine("'" TESSARLORN_COMMAND "' sql --csv 'select count(*) n from T' --dsn Embedded='" +
-                    server_.file("orders.db") + "'")
+                    server_.file("served.db") + "'")
                 .text,
             "n\r\n0\r\n");
 }
@@ -193,8 +171,8 @@ class EncryptedClientsTest : public ClientsTest {
 };
 
 TEST_F(EncryptedClientsTest, EncryptTheLoginOrAll) {
-  EXPECT_THAT(Tsql("select 40 + 2\ngo\n", "served").text, HasSubstr("42\n"));
-  EXPECT_THAT(Tsql("select 40 + 2\ngo\n", "encrypted").text, HasSubstr("42\n"));
+  EXPECT_THAT(Tsql("select 40 + 2\ngo\n", "served"), HasSubstr("42\n"));
+  EXPECT_THAT(Tsql("select 40 + 2\ngo\n", "encrypted"), HasSubstr("42\n"));
   EXPECT_EQ(RunTedious(server_.port(), "encrypt"), kTediousLines);
 }
 
@@ -203,7 +181,8 @@ TEST(ServeCommand, RefusesToServeInAnUnsafeWay) {
     std::string words;
     std::string fault;
   };
-  const std::string users = testing::TempDir() + "serve_command_users_" + std::to_string(getpid());
+  const TemporaryFolder folder;
+  const std::string users = folder.file("users");
   AddUser(users, "ann", "s3cret", 10);
   for (const Case& item : {
            Case{"", "--tds ADDRESS:PORT is required"},
@@ -221,18 +200,18 @@ TEST(ServeCommand, RefusesToServeInAnUnsafeWay) {
            Case{"--add-user ann --users " + users + " </dev/null", "The password is empty"},
        }) {
     const Outcome outcome =
-        RunLine("TESSARLORN_DSN=Embedded=:memory: timeout 10 '" TESSARLORN_COMMAND "' serve " + item.words);
+        RunLine("TESSARLORN_DSN=Embedded=:memory: timeout 10 '" TESSARLORN_COMMAND "' serve " + item.words + " 2>&1");
     EXPECT_EQ(outcome.status, 2) << item.words;
     EXPECT_THAT(outcome.text, HasSubstr(item.fault));
   }
-  EXPECT_EQ(RunLine("echo pass | '" TESSARLORN_COMMAND "' serve --add-user bob --users " + users).text,
+  EXPECT_EQ(RunLine("echo pass | '" TESSARLORN_COMMAND "' serve --add-user bob --users " + users + " 2>&1").text,
             "user bob is in " + users + "\n");
   EXPECT_TRUE(Users::Read(users).Check("bob", "pass"));
-  std::filesystem::remove(users);
 }
 
 TEST(ServeCommand, CtrlCAtThePasswordShowsAgainWhatIsTyped) {
-  const std::string users = testing::TempDir() + "serve_prompt_users_" + std::to_string(getpid());
+  const TemporaryFolder folder;
+  const std::string users = folder.file("users");
   int terminal = -1;
   const pid_t process = forkpty(&terminal, nullptr, nullptr, nullptr);
   if (process == 0) {

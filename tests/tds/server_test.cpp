@@ -1,22 +1,25 @@
 // The served database under clients that come and go, with garbage among them.
 #include <arpa/inet.h>
-#include <chrono>
-#include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <list>
 #include <netinet/in.h>
 #include <poll.h>
 #include <random>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 
-#include "tds/server_support.h"
+#include "support/served_database.h"
+#include "tds/certificate.h"
 #include "tds/tds_support.h"
 
 namespace tessarlorn::tds {
 namespace {
 
 using testing::HasSubstr;
+
+constexpr int kOrders = 60;
+/// In the answer to a login.
+const std::string kLoggedIn = Wide("main");
 
 /// A socket of a client.
 class Client {
@@ -26,13 +29,20 @@ class Client {
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<std::uint16_t>(port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    connected_ = connect(descriptor_, static_cast<sockaddr*>(static_cast<void*>(&address)), sizeof address) == 0;
+    EXPECT_EQ(connect(descriptor_, static_cast<sockaddr*>(static_cast<void*>(&address)), sizeof address), 0);
   }
   Client(const Client&) = delete;
   Client& operator=(const Client&) = delete;
   ~Client() { close(descriptor_); }
 
-  [[nodiscard]] bool connected() const { return connected_; }
+  /// What the server answers to the login.
+  [[nodiscard]] std::string LogIn() { return Ask(LoginMessage()); }
+  /// The server's next message, once these bytes are sent.
+  [[nodiscard]] std::string Ask(std::string_view bytes) {
+    Send(bytes);
+    return Receive();
+  }
+
   void Send(std::string_view bytes) const { (void)send(descriptor_, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
   /// What comes up to the end of a message, or of the connection.
   [[nodiscard]] std::string Receive() {
@@ -54,6 +64,12 @@ class Client {
       arrived_.append(buffer.data(), static_cast<std::size_t>(size));
     }
   }
+  /// Bytes that came and are not read.
+  [[nodiscard]] int waiting() const {
+    int bytes = 0;
+    ioctl(descriptor_, FIONREAD, &bytes);
+    return bytes;
+  }
   /// Whether the server ends the connection within ten seconds.
   [[nodiscard]] bool IsEnded() const {
     pollfd wanted{descriptor_, POLLIN | POLLRDHUP, 0};
@@ -66,7 +82,6 @@ class Client {
 
  private:
   int descriptor_;
-  bool connected_ = false;
   std::string arrived_;
 };
 
@@ -80,17 +95,14 @@ std::size_t ResidentMemory(pid_t process) {
 }
 
 /// How many descriptors ("fd") or threads ("task") the server has.
-std::size_t Entries(const ServerProcess& server, const std::string& kind) {
+std::size_t Entries(const ServedDatabase& server, const std::string& kind) {
   const std::filesystem::directory_iterator entries("/proc/" + std::to_string(server.process()) + "/" + kind);
   return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
-/// Waits until those of the clients that left have ended, ten seconds at most.
-void WaitForThreads(const ServerProcess& server, std::size_t threads) {
-  for (int i = 0; i < 1000 && Entries(server, "task") > threads; ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  EXPECT_EQ(Entries(server, "task"), threads);
+/// Waits until those of the clients that left have ended.
+void WaitForThreads(const ServedDatabase& server, std::size_t threads) {
+  EXPECT_TRUE(WaitUntil([&] { return Entries(server, "task") == threads; }));
 }
 
 std::size_t Count(std::string_view text, std::string_view part) {
@@ -110,12 +122,11 @@ void ComeAndGo(int port, std::mt19937& random) {
   std::vector<std::unique_ptr<Client>> clients;
   for (int i = 0; i < 200; ++i) {
     clients.push_back(std::make_unique<Client>(port));
-    ASSERT_TRUE(clients.back()->connected());
     clients.back()->Send(i % 8 == 3 ? Garbage(random) : LoginMessage());
   }
   for (std::size_t i = 0; i < clients.size(); ++i) {
     if (i % 8 == 3) continue;
-    EXPECT_THAT(clients[i]->Receive(), HasSubstr(Wide("main")));
+    EXPECT_THAT(clients[i]->Receive(), HasSubstr(kLoggedIn));
     clients[i]->Send(i % 8 == 7 ? Garbage(random) : BatchMessage("select top 5 * from IC_Web2ERPOrders order by FID"));
   }
   for (std::size_t i = 0; i < clients.size(); ++i) {
@@ -128,7 +139,7 @@ void ComeAndGo(int port, std::mt19937& random) {
 TEST(ServerThreads, KeepsItsMemoryWhileClientsComeAndGo) {
   // Threads that share their memory leave less of it unused.
   setenv("MALLOC_ARENA_MAX", "1", 1);
-  const ServerProcess server({"--max-connections", "1000"});
+  const ServedDatabase server({"--max-connections", "1000"}, kOrders);
   unsetenv("MALLOC_ARENA_MAX");
   const std::size_t threads = Entries(server, "task");
   std::mt19937 random(7);
@@ -162,14 +173,14 @@ TEST(ServerThreads, KeepsItsMemoryWhileClientsComeAndGo) {
 }
 
 TEST(ServerThreads, ADatabaseInMemoryLivesAsLongAsTheServer) {
-  const ServerProcess server({}, "Embedded=:memory:kept");
+  const ServedDatabase server({}, 0, "Embedded=:memory:kept");
   const std::size_t threads = Entries(server, "task");
   for (const char* batch : {"create table T (n int) insert T values (7)", "select n from T"}) {
     std::string answer;
     {
       Client client(server.port());
       client.Send(LoginMessage() + BatchMessage(batch));
-      EXPECT_THAT(client.Receive(), HasSubstr(Wide("main")));
+      EXPECT_THAT(client.Receive(), HasSubstr(kLoggedIn));
       answer = client.Receive();
     }
     WaitForThreads(server, threads);
@@ -178,73 +189,58 @@ TEST(ServerThreads, ADatabaseInMemoryLivesAsLongAsTheServer) {
 }
 
 TEST(ServerThreads, WhatALeavingClientHadBegunIsRolledBackAtOnce) {
-  const ServerProcess server;
+  const ServedDatabase server;
   Client staying(server.port());
-  staying.Send(LoginMessage());
-  EXPECT_THAT(staying.Receive(), HasSubstr(Wide("main")));
-  staying.Send(BatchMessage("create table T (n int)"));
-  (void)staying.Receive();
+  EXPECT_THAT(staying.LogIn(), HasSubstr(kLoggedIn));
+  (void)staying.Ask(BatchMessage("create table T (n int)"));
   {
     Client leaving(server.port());
-    leaving.Send(LoginMessage() + BatchMessage("begin tran insert T values (1)"));
-    (void)leaving.Receive();
-    (void)leaving.Receive();
+    (void)leaving.LogIn();
+    (void)leaving.Ask(BatchMessage("begin tran insert T values (1)"));
   }
   // It waits for the lock as long as a writer does; nobody else comes meanwhile.
-  staying.Send(BatchMessage("insert T values (2) select n + 70 n from T"));
-  const std::string answer = staying.Receive();
+  const std::string answer = staying.Ask(BatchMessage("insert T values (2) select n + 70 n from T"));
   EXPECT_THAT(answer, testing::Not(HasSubstr("\xAA")));
   EXPECT_THAT(answer, HasSubstr(std::string("\xD1\x04\x48\x00\x00\x00", 6)));
 }
 
 TEST(ServerThreads, ABatchEndsWithItsClientWhateverElseTheClientSent) {
-  const ServerProcess server;
+  const ServedDatabase server;
+  std::size_t gone = 0;
   // Half a packet's head; more of the next request than is read meanwhile.
   for (const std::string& more : {std::string("\x01"), BatchMessage(std::string(50'000, ' '))}) {
-    const std::size_t gone = Count(server.Log(), "the client went away");
     {
       Client client(server.port());
-      client.Send(LoginMessage());
-      EXPECT_THAT(client.Receive(), HasSubstr(Wide("main")));
+      EXPECT_THAT(client.LogIn(), HasSubstr(kLoggedIn));
       client.Send(BatchMessage("declare @n int = 0; while 1 = 1 set @n = @n + 1") + more);
-      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+      ++gone;
+      EXPECT_TRUE(WaitUntil([&] { return Count(server.Log(), "while 1 = 1") == gone; }));
     }
-    for (int i = 0; i < 1000 && Count(server.Log(), "the client went away") == gone; ++i) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
-    EXPECT_EQ(Count(server.Log(), "the client went away"), gone + 1) << more.size();
+    EXPECT_TRUE(WaitUntil([&] { return Count(server.Log(), "the client went away") == gone; })) << more.size();
   }
 }
 
 TEST(ServerThreads, KeepsToItsLimits) {
-  const ServerProcess server(
-      {"--max-connections", "2", "--login-timeout", "1", "--idle-timeout", "1", "--send-timeout", "1"});
+  const ServedDatabase server(
+      {"--max-connections", "2", "--login-timeout", "1", "--idle-timeout", "1", "--send-timeout", "1"}, kOrders);
   const Client silent(server.port());
   EXPECT_TRUE(silent.IsEnded());
   EXPECT_TRUE(server.WaitForLog("did not come within 1 seconds"));
   {
     Client first(server.port());
-    first.Send(LoginMessage());
-    EXPECT_THAT(first.Receive(), HasSubstr(Wide("main")));
+    EXPECT_THAT(first.LogIn(), HasSubstr(kLoggedIn));
     Client second(server.port());
-    second.Send(LoginMessage());
-    EXPECT_THAT(second.Receive(), HasSubstr(Wide("main")));
-    Client third(server.port());
-    third.Send(LoginMessage());
-    EXPECT_THAT(third.Receive(), HasSubstr(Wide("maximum number of '2' user connections")));
+    EXPECT_THAT(second.LogIn(), HasSubstr(kLoggedIn));
+    EXPECT_THAT(Client(server.port()).LogIn(), HasSubstr(Wide("maximum number of '2' user connections")));
     EXPECT_TRUE(server.WaitForLog("there are 2 clients already"));
     EXPECT_TRUE(first.IsEnded()) << "idle";
   }
   // Many megabytes for a client that reads nothing. On a busy machine the two that went are counted for a while.
   std::unique_ptr<Client> slow;
-  std::string answer;
-  for (int i = 0; i < 1000 && answer.empty(); ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  EXPECT_TRUE(WaitUntil([&] {
     slow = std::make_unique<Client>(server.port());
-    slow->Send(LoginMessage());
-    answer = slow->Receive();
-  }
-  EXPECT_THAT(answer, HasSubstr(Wide("main")));
+    return slow->LogIn().find(kLoggedIn) != std::string::npos;
+  }));
   slow->Send(
       BatchMessage("declare @t nvarchar(max) = replicate(cast('x' as nvarchar(max)), 8000) "
                    "select @t a from IC_Web2ERPOrders x cross join IC_Web2ERPOrders y"));
@@ -252,12 +248,10 @@ TEST(ServerThreads, KeepsToItsLimits) {
 }
 
 TEST(ServerThreads, SilentConnectionsLeavePlaceForLogins) {
-  const ServerProcess server({"--max-connections", "1"});
+  const ServedDatabase server({"--max-connections", "1"});
   std::list<Client> silent;
   for (int i = 0; i < 100; ++i) silent.emplace_back(server.port());
-  Client client(server.port());
-  client.Send(LoginMessage());
-  EXPECT_THAT(client.Receive(), HasSubstr(Wide("main")));
+  EXPECT_THAT(Client(server.port()).LogIn(), HasSubstr(kLoggedIn));
   EXPECT_TRUE(silent.front().IsEnded());
   EXPECT_TRUE(server.WaitForLog("the oldest one is dropped"));
   EXPECT_EQ(Count(server.Log(), "the oldest one is dropped"), 1U);
@@ -266,7 +260,7 @@ TEST(ServerThreads, SilentConnectionsLeavePlaceForLogins) {
 TEST(ServerThreads, ALoginHasOneTimeHoweverItComes) {
   std::vector<std::string> options = CertificateOptions();
   options.insert(options.end(), {"--login-timeout", "1"});
-  const ServerProcess server(options);
+  const ServedDatabase server(options);
   Client empty(server.port());
   empty.Send(PreLoginMessage(1) + ClientMessage(PacketType::kPreLogin, ""));
   EXPECT_TRUE(empty.IsEnded());
@@ -274,48 +268,47 @@ TEST(ServerThreads, ALoginHasOneTimeHoweverItComes) {
   // A handshake of half a thousand bytes, one at a time.
   Client slow(server.port());
   slow.Send(PreLoginMessage(1) + ClientMessage(PacketType::kPreLogin, std::string("\x16\x03\x01\x02\x00", 5)));
-  for (int i = 0; i < 100 && Count(server.Log(), "did not come within 1 seconds") == 0; ++i) {
+  EXPECT_TRUE(WaitUntil([&] {
     slow.Send(ClientMessage(PacketType::kPreLogin, "\x01"));
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-  }
+    return Count(server.Log(), "did not come within 1 seconds") > 0;
+  }));
   EXPECT_TRUE(slow.IsEnded());
-  EXPECT_THAT(server.Log(), HasSubstr("did not come within 1 seconds"));
 }
 
 TEST(ServerThreads, AClientThatDoesNotReadKeepsNoServer) {
-  ServerProcess server({"--send-timeout", "3600"});
+  ServedDatabase server({"--send-timeout", "3600"});
   Client slow(server.port());
   slow.Send(LoginMessage() + BatchMessage("declare @t nvarchar(max) = replicate(cast('x' as nvarchar(max)), 30000000)\n"
                                           "print 'made'\nselect @t a"));
-  EXPECT_THAT(slow.Receive(), HasSubstr(Wide("main")));
-  std::this_thread::sleep_for(std::chrono::milliseconds(500));
+  EXPECT_THAT(slow.Receive(), HasSubstr(kLoggedIn));
+  // It writes until nothing more fits; the second signal ends that.
+  EXPECT_TRUE(WaitUntil([&] { return slow.waiting() > 0; }));
+  const std::size_t descriptors = Entries(server, "fd");
   kill(server.process(), SIGINT);
-  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  EXPECT_TRUE(WaitUntil([&] { return Entries(server, "fd") < descriptors; })) << "it listens no more";
   EXPECT_EQ(server.Stop(SIGINT), 0);
 }
 
 TEST(ServerThreads, AnAttentionEndsTheBatchAndKeepsTheSession) {
-  const ServerProcess server;
+  const ServedDatabase server({}, kOrders);
   Client client(server.port());
-  client.Send(LoginMessage());
-  EXPECT_THAT(client.Receive(), HasSubstr(Wide("main")));
+  EXPECT_THAT(client.LogIn(), HasSubstr(kLoggedIn));
   TdsWriter acknowledged;
   acknowledged.Put(Done{Token::kDone, kDoneAttention, 0, 0});
   for (const char* batch : {"declare @n int = 0; while 1 = 1 set @n = @n + 1", "waitfor delay '01:00:00'",
                             "select count(*) n from IC_Web2ERPOrders a cross join IC_Web2ERPOrders b cross join "
                             "IC_Web2ERPOrders c cross join IC_Web2ERPOrders d cross join IC_Web2ERPOrders e"}) {
-    client.Send(BatchMessage(batch));
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    client.Send(ClientMessage(PacketType::kAttention, ""));
-    (void)client.Receive();
-    EXPECT_EQ(Payload(client.Receive()), acknowledged.bytes()) << batch;
-    // One that comes together with the batch that it ends.
-    client.Send(BatchMessage(batch) + ClientMessage(PacketType::kAttention, ""));
-    (void)client.Receive();
-    EXPECT_EQ(Payload(client.Receive()), acknowledged.bytes()) << batch;
+    // While it runs, and together with it.
+    for (const bool waits : {true, false}) {
+      client.Send(BatchMessage(batch));
+      if (waits) {
+        EXPECT_TRUE(WaitUntil([&] { return Count(server.Log(), ": " + std::string(batch)) > 0; }));
+      }
+      (void)client.Ask(ClientMessage(PacketType::kAttention, ""));
+      EXPECT_EQ(Payload(client.Receive()), acknowledged.bytes()) << batch;
+    }
   }
-  client.Send(BatchMessage("select 1 a"));
-  EXPECT_THAT(client.Receive(), HasSubstr(std::string("\xD1\x04\x01\x00\x00\x00", 6)));
+  EXPECT_THAT(client.Ask(BatchMessage("select 1 a")), HasSubstr(std::string("\xD1\x04\x01\x00\x00\x00", 6)));
 }
 
 }  // namespace

@@ -1,8 +1,7 @@
 // Several threads and processes on one database file: locks are waited for, commits outlive a kill.
 #include <atomic>
-#include <chrono>
+#include <fstream>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sqlite3.h>
 #include <sys/wait.h>
@@ -10,11 +9,41 @@
 #include <unistd.h>
 #include <vector>
 
+#include "support/error_of.h"
 #include "support/temporary_folder.h"
+#include "support/wait_until.h"
 #include "tsql/database_support.h"
 
 namespace tessarlorn {
 namespace {
+
+/// Does something on a thread of its own. Is made once that thread waits for something, or is done.
+class Waiting {
+ public:
+  template <typename Action>
+  explicit Waiting(const Action& action)
+      : thread_([this, action] {
+          id_ = gettid();
+          action();
+          done_ = true;
+        }) {
+    EXPECT_TRUE(WaitUntil([this] { return done_ || (id_ != 0 && IsAsleep()); }));
+  }
+  void Join() { thread_.join(); }
+  [[nodiscard]] bool done() const { return done_; }
+
+ private:
+  [[nodiscard]] bool IsAsleep() const {
+    std::ifstream file("/proc/self/task/" + std::to_string(id_) + "/stat");
+    std::string word;
+    for (int i = 0; i < 3; ++i) file >> word;
+    return word == "S";
+  }
+
+  std::atomic<pid_t> id_{0};
+  std::atomic<bool> done_{false};
+  std::thread thread_;
+};
 
 std::int32_t Number(Connection& connection, std::string_view query) {
   return connection.Execute(query)->Get(0).ToInt32();
@@ -67,12 +96,11 @@ TEST(EmbeddedThreads, AReaderWaitsForAProgramThatClosesTheFile) {
   sqlite3* closing = nullptr;
   ASSERT_EQ(sqlite3_open(file.c_str(), &closing), SQLITE_OK);
   sqlite3_exec(closing, "PRAGMA locking_mode = EXCLUSIVE; SELECT * FROM n", nullptr, nullptr, nullptr);
-  std::thread closer([closing] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    sqlite3_close(closing);
-  });
-  EXPECT_EQ(Answer(*OpenConnection("Embedded=" + file + ";Timeout=0"), "select FValue from n"), "FValue;1");
-  closer.join();
+  std::string answer;
+  Waiting reader([&] { answer = Answer(*OpenConnection("Embedded=" + file + ";Timeout=0"), "select FValue from n"); });
+  sqlite3_close(closing);
+  reader.Join();
+  EXPECT_EQ(answer, "FValue;1");
 }
 
 TEST(EmbeddedThreads, DefinitionsOfOthersAreSeenByWhoeverWaited) {
@@ -88,21 +116,17 @@ TEST(EmbeddedThreads, DefinitionsOfOthersAreSeenByWhoeverWaited) {
     one->BeginTransaction();
     one->Execute(std::string("drop table m create table m (v ") + type + ")");
     std::string got;
-    std::thread waiting([&] { got = Answer(*other, kBatch); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    Waiting waiting([&] { got = Answer(*other, kBatch); });
     one->CommitTransaction();
-    waiting.join();
+    waiting.Join();
     EXPECT_EQ(got, answer);
   }
   // A batch that reads twice reads what stands then.
   std::vector<std::string> answers;
-  std::thread reading([&] {
-    other->ExecuteAll("select v from m waitfor delay '0:0:0.2' select v from m",
-                      [&](const RecordsetPtr& rows) { answers.push_back(TextOf(rows)); });
+  other->ExecuteAll("select v from m select v from m", [&](const RecordsetPtr& rows) {
+    answers.push_back(TextOf(rows));
+    if (answers.size() == 1) one->Execute("drop table m create table m (v decimal(9,4)) insert into m values (1.5)");
   });
-  std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  one->Execute("drop table m create table m (v decimal(9,4)) insert into m values (1.5)");
-  reading.join();
   EXPECT_THAT(answers, testing::ElementsAre("v;1", "v;1.5000"));
 }
 
@@ -129,35 +153,31 @@ TEST(EmbeddedThreads, AWaitForALockEndsWhenItsClientSaysSo) {
   holder->Execute("create table n (FValue int)");
   holder->BeginTransaction();
   holder->Execute("insert n values (1)");
-  const auto begin = std::chrono::steady_clock::now();
-  std::thread([&file] {
-    const auto other = OpenConnection("Embedded=" + file + ";Timeout=60");
-    EXPECT_THAT(Answer(*other, "set lock_timeout 50 insert n values (2)"), testing::HasSubstr("error 1222"));
-    ASSERT_TRUE(other->Reset());
-    std::thread killer([&] {
-      std::this_thread::sleep_for(std::chrono::milliseconds(100));
-      other->Cancel();
-    });
-    EXPECT_THAT(Answer(*other, "insert n values (2)"), testing::HasSubstr("error 3617"));
-    killer.join();
-  }).join();
-  EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(30));
+  const auto other = OpenConnection("Embedded=" + file + ";Timeout=600");
+  EXPECT_THAT(Answer(*other, "set lock_timeout 50 insert n values (2)"), testing::HasSubstr("error 1222"));
+  ASSERT_TRUE(other->Reset());
+  Waiting waiting([&] { EXPECT_THAT(Answer(*other, "insert n values (2)"), testing::HasSubstr("error 3617")); });
+  EXPECT_TRUE(WaitUntil([&] {
+    other->Cancel();
+    return waiting.done();
+  }));
+  waiting.Join();
 }
 
 TEST(EmbeddedThreads, CancelEndsTheBatchAndTheConnectionGoesOn) {
   const auto connection = OpenEmbedded();
   connection->Execute("create table n (FValue int)");
+  std::atomic<bool> begun{false};
+  SetMessageObserver([&](std::string_view) { begun = true; });
   std::thread killer([&] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_TRUE(WaitUntil([&] { return begun.load(); }));
     connection->Cancel();
   });
-  try {
-    connection->Execute("insert n values (1) while 1 = 1 insert n values (2)");
-    ADD_FAILURE() << "the batch came to an end";
-  } catch (const Error& error) {
-    EXPECT_EQ(error.number(), error_number::kCancelled) << error.description();
-  }
+  const Error error =
+      ErrorOf([&] { connection->Execute("insert n values (1) print 'begun' while 1 = 1 insert n values (2)"); });
   killer.join();
+  SetMessageObserver({});
+  EXPECT_EQ(error.number(), error_number::kCancelled) << error.description();
   EXPECT_EQ(Answer(*connection, "select count(*) as n from n where FValue = 1"), "n;1");
 }
 

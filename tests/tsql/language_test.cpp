@@ -81,6 +81,9 @@ TEST(Language, FunctionsOfTextNumberAndDate) {
       {"select FID from o where FDate >= '2026-11-01' and datepart(year, FDate) = 2026 order by FDate desc", "FID;2;1"},
       {"select FDate + 1 as a, cast(FDate - '2026-11-01' as int) as b from o where FID = 2",
        "a|b;2026-11-03 00:00:00|1"},
+      {"select len(replicate('a', 9000)) a, len(replicate(N'字', 9000)) b, len(replicate(cast('ab' as varchar(max)), 9000)) c, "
+       "len(replace(replicate('a', 8000), 'a', 'bb')) d, len(stuff(replicate('a', 8000), 1, 0, N'z')) e",
+       "a|b|c|d|e;8000|4000|18000|8000|4000"},
       {"select sign(-3.2) as a, sign(cast(5 as money)) as b, sign(0.0) as c, abs(-2.5) as d",
        "a|b|c|d;-1.0|1.0000|0.0|2.5"},
       {"select replace('aXa', 'x', '-') as a, reverse(N'货a') as b, upper('äb') as c, left('abc', 2) + right('abc', 1) as d, str(3.14159, 6, 2) as e",
@@ -241,6 +244,10 @@ TEST(Language, ViewsAndProcedures) {
        "n;3"},
       {"exec sp_executesql N'select FID from o where FName = @n', N'@n nvarchar(20)', @n = N'张三'", "FID;1"},
       {"exec('select count(*) as n from v')", "n;3"},
+      {"create table taken (s nvarchar(20), n float) exec sp_executesql N'insert taken values (@s, @n)', N'@s nvarchar(1), @n int', N'a', 1 "
+       "exec sp_executesql N'insert taken values (@s, @n)', N'@s nvarchar(6), @n float', N'abcdef', 1e-3 "
+       "exec sp_executesql N'insert taken values (@s, @n)', N'@s datetime, @n bit', '2024-02-29', 5 select s, n from taken",
+       "s|n;a|1;abcdef|0.001;Feb 29 2024 12:00AM|1"},
       {"drop view v drop procedure p select count(*) as n from sys.objects where type in ('V', 'P')", "n;0"},
   });
 }
@@ -292,36 +299,170 @@ TEST(Language, ConditionsOfThousandsOfTerms) {
   EXPECT_EQ(Answer(*connection, "select FID from o where " + terms + " order by FID"), "FID;1;2");
 }
 
-// A statement that was seen before is not read again; what differs must still count.
-TEST(Language, StatementsOfOneShapeKeepTheirOwnLiterals) {
+TEST(Language, TokensAndNames) {
   Check({
-      {"select FID from o where FName = 'Bob' and FID < 3", "FID;2"},
-      {"select FID from o where FName = 'bob' and FID < 9", "FID;2;3"},
-      {"select FID from o where FName = 'O''Neil' and FID < 9", "FID"},
-      {"select FID from o where FName = N'张三' and FID < 9", "FID;1"},
-      {"select top 1 FID from o order by 1", "FID;1"},
-      {"select top 2 FID from o order by 1", "FID;1;2"},
-      {"select FID, FState from o order by 2 desc", "FID|FState;3|14;2|6;1|2"},
-      {"select FID, FState from o order by 1 desc", "FID|FState;3|14;2|6;1|2"},
-      {"select 1 as a, 1.0 / 3 as b", "a|b;1|0.333333"},
-      {"select 1 as a, 1.0 / 3000 as b", "a|b;1|0.000333"},
-      {"select 3000000000 as a, 1.0 / 3 as b", "a|b;3000000000|0.333333"},
-      {"select FID from o where FID in (1,2)", "FID;1;2"},
-      {"select FID from o where FID in (2,3,4,5)", "FID;2;3"},
-      {"select FID from o where FID in ('2','3')", "FID;2;3"},
-      {"update o set FAmount = 1.25 where FID = 1 update o set FAmount = 100 where FID = 2 select sum(FAmount) as s from o",
-       "s;101.2500"},
-      {"select cast('abcdef' as varchar(3)) as a", "a;abc"},
-      {"select cast('abcdef' as varchar(5)) as a", "a;abcde"},
-      {"declare @a varchar(9) set @a = cast('abcdef' as varchar(2)) set @a = @a + cast('abcdef' as varchar(4)) select @a as a",
-       "a;ababcd"},
-      {"insert e (FEntryID) select top 1 FID from o order by 1 insert e (FEntryID) select top 2 FID + 5 from o order by 1 select count(*) as n from e where FEntryID < 10",
-       "n;3"},
-      {"declare @v int = 5 select @v as v", "v;5"},
-      {"declare @v varchar(5) = 'x' select @v as v", "v;x"},
-      {"create table #t (a int) insert #t values (1) select a from #t drop table #t", "a;1"},
-      {"create table #t (a nvarchar(5)) insert #t values (1) select a + 'x' as a from #t drop table #t", "a;1x"},
+      {"select case when 1=1then 2else 3end as a, .5 as b, 3. as c, 1.5E-1 as d, 0x1Ff as e",
+       "a|b|c|d|e;2|0.5|3|0.15|0x01FF"},
+      {"select N'发''货' as a, 'a''b' as b, n'x' as c", "a|b|c;发'货|a'b|x"},
+      {"create table [a]]b] ([c\"\"d] int, \"e\"\"f\" int) insert [A]]b] values (1, 2) select \"c\"\"\"\"d\", [e\"f] from \"a]b\"",
+       "c\"\"d|e\"f;1|2"},
+      {"select a--x 'y\n/* 1 /* 2 */ 3 ' */+b/**/as c from (values (1, 2)) t(a, b)", "c;3"},
+      {"\xEF\xBB\xBFselect\xE3\x80\x80单价\xC2\xA0, äпж, a$b from (values (1, 2, 3)) t(单价, äпж, a$b)",
+       "单价|äпж|a$b;1|2|3"},
+      {"declare @i int = 5 set @i+=1 set @i-=2 select @i as i, @@RowCount as n where 1<>2 and 1!=2 and 2!<1 and 1!>2 and 1< >2 and 2> =1",
+       "i|n;4|1"},
+      {"select FID from o where FID in (1 /* one */, -2,\n2 -- two\n)and FID<9", "FID;1;2"},
+      {"select FID from o where FName in ('a', N'Bob', '', 'it''s')", "FID;2;3"},
+      {"select FID from o where FName in ('a', 'bob', '', 'it''s')", "FID;2;3"},
+      {"select FID from o where FID in (1, '2') or FID in (1, 2.5) or FID in (1, 1+2) or FID in (- 2, 7)", "FID;1;2;3"},
+      {"select [o].FID from main.dbo.o where main.dbo.o.FID = 1", "FID;1"},
+      {"select status, value type, text as date from (select 1 status, 2 value, 3 text) first",
+       "status|type|date;1|2|3"},
   });
+}
+
+TEST(Language, OperatorsBindAsTheServersDo) {
+  Check({
+      {"select 1+2*3-4 as a, 1+2&3|4^5 as b, ~1*2 as c, 8/-2*2 as d, -1+2 as e, - -1 as f, (1+2)*3 as g",
+       "a|b|c|d|e|f|g;3|2|-4|-2|1|1|9"},
+      {"select FID from o where FID=1 or FID=2 and not FState=6", "FID;1"},
+      {"select FID from o where (FID=1 or FID=2) and (FState)=6", "FID;2"},
+      {"select FID from o where FID between 1 and 2 and FState=6 and not FAmount is null", "FID;2"},
+      {"select 1 as a where '5%' like '%!' + '%' escape '!' and '5' not like '%!%' escape '!'", "a;1"},
+      {"select case FState when null then '' else 'b' end as a, case when 1=2 then 'Y' end as b from o where FID=1",
+       "a|b;b|NULL"},
+      {"select ((select 1)) + ((select 2) + 3) as a, left(right('abc', 2), 1) as b", "a|b;6|b"},
+      {"select len(convert(varchar, replicate('x', 40))) as a, len(convert(varchar(max), replicate('x', 40))) as b",
+       "a|b;30|40"},
+      {"select FID from o where FID <> all (select FID from e where FEntryID < 20 union all select null)", "FID"},
+      {"select case when FID = 1 then 'ab' else 'abcdef' end as a into #w from o insert #w values ('ABCDEF') select max(a) as a from #w",
+       "a;abcdef"},
+  });
+}
+
+TEST(Language, StatementsOfManyShapes) {
+  Check({
+      {"select FID a, FState as b, c = FName, FAmount 'w', FDate as N'v', o.FID from dbo.o where FID = 2",
+       "a|b|c|w|v|FID;2|6|Bob|20.0000|2026-11-02 00:00:00|2"},
+      {"select count(*) as n from o a with(nolock) join o b join e c (nolock) on b.FID=c.FID on a.FID=b.FID cross join o d, (select 1 x) z",
+       "n;9"},
+      {"select * from ((select 1) union (select 2)) t(a) order by a", "a;1;2"},
+      {"select 1 a union select 2 intersect select 3 except select 4 order by 1", "a;1"},
+      {";with c(n) as (select 1 union all select n+1 from c where n<3) select * from c option (maxrecursion 0, recompile)",
+       "n;1;2;3"},
+      {"select *, identity(int,1,1) as i into #x from (select 7 a) y select * from #x", "a|i;7|1"},
+      {"if 1=1 if 2=3 print 1 else select 2 as a", "a;2"},
+      {"if 1=2 begin select 1; end; else select 2 as a", "a;2"},
+      {"while 1=1 begin break continue end return select 1", ""},
+      {"declare @v int, @w int update o set @v=FState, FState+=1 where FID=1 update o set @w=FState=9 where FID=2 select @v as v, @w as w",
+       "v|w;2|9"},
+      {"delete e where FEntryID=11 delete from e where FEntryID=12 delete x from e x select count(*) as n from e",
+       "n;0"},
+      {"insert e (FEntryID,FID) values (1,null),(2,3) insert into e (FEntryID) (select 3) select count(*) as n from e",
+       "n;3"},
+      {"create procedure p_args @a int, @b varchar(9), @c varchar(9) = 'z' as select @a a, @b b, @c c", ""},
+      {"p_args 1, @b = 'x', @c = y", "a|b|c;1|x|y"},
+      {"declare @r int exec @r = dbo.p_args -1, @b = 'x'", "a|b|c;-1|x|z"},
+      {"begin tran t1 save tran s rollback tran s commit work begin transaction rollback select @@trancount as t",
+       "t;0"},
+      {"set nocount on set ansi_nulls, quoted_identifier on set lock_timeout 100 raiserror ('%d', 9, 1, 5) with nowait select 1 as a",
+       "a;1"},
+      {"create unique nonclustered index ix on e (FEntryID, FCode desc) include (FQty) where FCode is not null drop index ix on e",
+       ""},
+      {"create table t (a int identity(5,1) not null primary key clustered, b varchar(9) default ('x''') null unique, c int "
+       "constraint df default 0 check (c>=0), d int references o, constraint u unique (c, b)) insert t default values select * from t",
+       "a|b|c|d;5|x'|0|NULL"},
+      {"insert t (c) values (-1)",
+       "error 547: The INSERT statement conflicted with the CHECK constraint \"(\"c\" >= 0)\"."},
+      {"insert t (b, d) values ('y', 9)",
+       "error 547: The INSERT statement conflicted with the FOREIGN KEY constraint."},
+      {"begin tran save tran s insert t (b) values ('1') rollback tran s insert t (b) values ('2') commit select max(a) as a from t",
+       "a;7"},
+      {"alter table t add x int null, y bit alter table t drop column x, y select * from t where 1=0", "a|b|c|d"},
+      {"alter table t add x int, a bit",
+       "error 2705: Column names in each table must be unique. Column name 'a' in table 't' is specified more than once."},
+      {"select x from t", "error 207: Invalid column name 'x'."},
+      {"select datediff(week, '2026-11-07', '2026-11-08') as a, datediff(week, '2026-11-08', '2026-11-14') as b",
+       "a|b;1|0"},
+  });
+}
+
+TEST(Language, FaultsOfSyntax) {
+  Check({
+      {"select from where", "error 156: Incorrect syntax near the keyword 'from'."},
+      {"select 1 as a foo", "error 102: Incorrect syntax near 'foo'."},
+      {"select (1", "error 102: Incorrect syntax near '1'."},
+      {"begin end", "error 156: Incorrect syntax near the keyword 'end'."},
+      {"select a from (select 1 as a)", "error 102: Incorrect syntax near ')'."},
+      {"select (a=1) from t", "error 102: Incorrect syntax near '='."},
+      {"select a from t where a",
+       "error 4145: An expression of non-boolean type specified in a context where a condition is expected, near 'a'."},
+      {"select sum(*) from t", "error 102: Incorrect syntax near '*'."},
+      {"set nosuch on", "error 195: 'nosuch' is not a recognized SET option."},
+      {"select dateadd('day',1,a)", "error 1023: Invalid parameter 1 specified for dateadd."},
+      {"select 1 create view v as select 1", "error 111: 'CREATE VIEW' must be the first statement in a query batch."},
+      {"delete o select 'abc", "error 105: Unclosed quotation mark after the character string 'abc'."},
+      {"select [abc", "error 105: Unclosed quotation mark after the character string 'abc'."},
+      {"delete o where FName in ('a','b", "error 105: Unclosed quotation mark after the character string 'b'."},
+      {"/* /* */", "error 113: Missing end comment mark '*/'."},
+      {"select 1 ? 2", "error 102: Incorrect syntax near '?'."},
+  });
+  const auto connection = OpenEmbedded();
+  for (const auto& [batch, feature] : {
+           std::pair{"select 1 as a for xml path", "FOR XML"},
+           {"select * from t cross apply u", "CROSS APPLY"},
+           {"select * from t pivot (sum(a) for b in (1,2)) p", "PIVOT"},
+           {"select * from f(1) x", "The table-valued function f"},
+           {"select 1 group by rollup (a)", "ROLLUP"},
+           {"declare @t table (a int)", "A table variable"},
+           {"declare c cursor for select 1", "A cursor"},
+           {"merge t using u on 1=1", "MERGE"},
+           {"delete t output deleted.a into u", "OUTPUT … INTO"},
+           {"create trigger x on t", "CREATE TRIGGER"},
+           {"create table t (a int references u(a) on delete cascade)", "ON DELETE CASCADE"},
+       }) {
+    EXPECT_EQ(Answer(*connection, batch),
+              "error 40000: " + std::string(feature) + " is not supported by the embedded database.");
+  }
+}
+
+TEST(Language, NestingHasALimit) {
+  const auto repeat = [](std::string_view text, int count) {
+    std::string all;
+    for (int i = 0; i < count; ++i) all += text;
+    return all;
+  };
+  const auto connection = OpenEmbedded();
+  const auto is_refused = [&](const std::string& batch) {
+    return Answer(*connection, batch).starts_with("error 191:");
+  };
+  // What may repeat without end, and how often it stands within the limit.
+  const struct {
+    const char* head;
+    const char* link;
+    const char* middle;
+    const char* tail;
+    int enough;
+  } cases[] = {
+      {"select ", "(", "1", ")", 190},
+      {"select ", "- ", "1", "", 190},
+      {"select 1 where ", "not ", "1=1", "", 190},
+      {"select ", "abs(", "1", ")", 190},
+      {"select ", "(select ", "1", ")", 60},
+      {"select * from ", "(select * from ", "t", ") x", 60},
+      {"select * from ", "(", "a join b on 1=1", ")", 60},
+      {"", "begin ", "select 1", " end", 190},
+      {"", "if 1=1 ", "select 1", "", 190},
+      {"select 1", "+1", "", "", 400},
+      {"select 1", " union all select 1", "", "", 400},
+      {"select * from t", " cross join t", "", "", 400},
+  };
+  for (const auto& c : cases) {
+    EXPECT_FALSE(is_refused(c.head + repeat(c.link, c.enough) + c.middle + repeat(c.tail, c.enough))) << c.link;
+    EXPECT_TRUE(is_refused(c.head + repeat(c.link, 100000) + c.middle + repeat(c.tail, 100000))) << c.link;
+  }
+  // Chains within parentheses add up: the tree would be deeper than either limit.
+  EXPECT_TRUE(is_refused("select " + repeat("(", 20) + "1" + repeat(repeat("+1", 100) + ")", 20)));
 }
 
 }  // namespace

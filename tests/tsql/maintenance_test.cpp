@@ -6,10 +6,11 @@
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <sqlite3.h>
 #include <thread>
 
+#include "support/error_of.h"
+#include "support/shell.h"
 #include "support/temporary_folder.h"
 #include "tsql/database_support.h"
 
@@ -27,21 +28,10 @@ void RunSqlite(const std::string& file, const char* sql) {
   sqlite3_close(database);
 }
 
-std::string Bytes(const std::string& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 template <typename Action>
 std::string Refusal(const Action& action) {
-  try {
-    action();
-    return "";
-  } catch (const Error& error) {
-    return error.description();
-  }
+  return ErrorOf(action).description();
 }
-
 void WriteNoise(const std::string& file, std::streamoff from, std::size_t size) {
   std::fstream pages(file, std::ios::in | std::ios::out | std::ios::binary);
   pages.seekp(from);
@@ -69,11 +59,11 @@ TEST_F(MaintenanceTest, LeavesAnotherProgramsFileAlone) {
   const std::string file = folder_.file("other.db");
   for (const char* sql : {"CREATE TABLE a (b)", "PRAGMA application_id = 77", "PRAGMA journal_mode = WAL"}) {
     RunSqlite(file, sql);
-    const std::string before = Bytes(file);
+    const std::string before = ReadFile(file);
     EXPECT_THAT(Refusal([&] { OpenEmbedded(file); }), HasSubstr("other.db': it is a file of another program")) << sql;
     EXPECT_THAT(Refusal([&] { BackUpEmbedded(database_, file, {}); }), HasSubstr("no database of ours"));
     EXPECT_THAT(Refusal([&] { RestoreEmbedded(database_, file, {}); }), HasSubstr("another program"));
-    EXPECT_EQ(Bytes(file), before);
+    EXPECT_EQ(ReadFile(file), before);
     EXPECT_FALSE(std::filesystem::exists(file + "-wal"));
   }
   EXPECT_EQ(Rows(file_), "n|t;2000|1");
@@ -81,11 +71,11 @@ TEST_F(MaintenanceTest, LeavesAnotherProgramsFileAlone) {
 
 TEST_F(MaintenanceTest, MarksAnOlderFileWhenItIsFirstWritten) {
   RunSqlite(file_, "PRAGMA application_id = 0");
-  const std::string before = Bytes(file_);
+  const std::string before = ReadFile(file_);
   EXPECT_EQ(Rows(file_), "n|t;2000|1");
-  EXPECT_EQ(Bytes(file_), before);
+  EXPECT_EQ(ReadFile(file_), before);
   OpenEmbedded(file_)->Execute("delete n where FID = 1");
-  EXPECT_EQ(Bytes(file_).substr(68, 4), "TLpd");
+  EXPECT_EQ(ReadFile(file_).substr(68, 4), "TLpd");
 }
 
 TEST_F(MaintenanceTest, CopiesOneCommitWhileOthersWrite) {
@@ -102,9 +92,9 @@ TEST_F(MaintenanceTest, CopiesOneCommitWhileOthersWrite) {
   done = true;
   writer.join();
   EXPECT_THAT(CheckEmbedded("Embedded=" + backup_).faults, IsEmpty());
-  const std::string before = Bytes(backup_);
+  const std::string before = ReadFile(backup_);
   EXPECT_THAT(Refusal([&] { BackUpEmbedded(database_, backup_, [](int, int) { Raise(1, "stopped"); }); }), "stopped");
-  EXPECT_EQ(Bytes(backup_), before);
+  EXPECT_EQ(ReadFile(backup_), before);
   EXPECT_THAT(Refusal([&] { BackUpEmbedded(database_, file_, {}); }), HasSubstr("is the database itself"));
   const auto user = OpenEmbedded(backup_);
   EXPECT_THAT(Refusal([&] { BackUpEmbedded(database_, backup_, {}); }), HasSubstr("is in use"));

@@ -40,13 +40,12 @@ TEST_F(ProvidersTest, ListsEnabledWarehousesAndDamagedGoodsOnRequest) {
 }
 
 TEST_F(ProvidersTest, ListsEveryEnabledWarehouseWithItsStock) {
-  std::string text;
   const std::optional<Vector> warehouses = get().GetTplCompanyNew(dsn_);
   ASSERT_TRUE(warehouses);
   std::vector<std::string> found;
   for (const Variant& item : *warehouses) {
+    std::string& text = found.emplace_back();
     for (const auto& [key, value] : *item.ToDictionary()) text += key + "=" + value.ToText() + " ";
-    found.push_back(std::exchange(text, {}));
   }
   ASSERT_EQ(found.size(), 4U);
   EXPECT_EQ(found.back(), "FWebtplType=4 FWebtplID=W5 FStockID=50 ");

@@ -116,26 +116,6 @@ TEST_F(TaskTextTest, SendsTheTaskAtTheHeadOfTheFirstBatch) {
     EXPECT_THAT(Events().front(), StartsWith(" INSERT TPLTaskFlow  ("));
     EXPECT_EQ(CountsOf("INSERT TPLTaskFlow", Events()), std::vector<int>{1});
   }
-  Events().clear();
-  EXPECT_TRUE(save.SubMitTplOrderTask(kDsn, "12", 3, "Li", "W1"));
-  EXPECT_EQ(OnlyEvent(),
-            Lines({
-                " INSERT TPLTaskFlow  (FTaskType,FTaskName,FWebTplType,FWebTplID,FProgressPer,FUserName,FRefreshTime,"
-                "FStatus,FPriority)",
-                " VALUES (130,'12',3,'W1',0,'Li',GetDate(),0,10)",
-                "IF EXISTS (SELECT 1 FROM IC_Web2ERPOrdersEx WHERE FID = 12)",
-                "    BEGIN",
-                "        UPDATE IC_Web2ERPOrdersEx",
-                "        SET FTplStatus='3'  ",
-                "        WHERE FTplStatus in ('0','2') AND FID = 12",
-                "    END",
-                "ELSE",
-                "    BEGIN",
-                "        INSERT INTO IC_Web2ERPOrdersEx(FID ,FOrderID,FLotNumber,FSerialNumber,FCreateDate,"
-                "FAddressReachable,FTplStatus)",
-                "        VALUES (12,'','','',GETDATE(),'','3')",
-                "    END",
-            }));
 }
 
 }  // namespace

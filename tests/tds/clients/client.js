@@ -99,6 +99,12 @@ async function main() {
   show('loaded', [await load([[5, '中😀', 1.5], [6, null, null]]), (await run(connection, 'select * from Loaded order by n')).rows]);
   const unloaded = await load([[8, 'x', 1], [null, 'y', 2]]).then(() => null, (failure) => failure.number);
   show('not loaded', [unloaded, (await run(connection, 'select count(*) from Loaded')).rows]);
+  // In a transaction nothing of it stays, and all that was before it.
+  await promised((done) => connection.beginTransaction(done));
+  await run(connection, "insert into Loaded values (9, N'own', 1)");
+  await load([...Array(1200).keys(), null].map((n) => [n, 'x', 1])).catch(() => null);
+  await promised((done) => connection.commitTransaction(done));
+  show('not loaded in a transaction', (await run(connection, 'select count(*) from Loaded')).rows);
   await run(connection, 'drop table Loaded', [], 'execSqlBatch');
   for (const text of ['insert into Kept values (3)', 'select * from Nowhere', "select 1\nselec 2"]) {
     const error = await run(connection, text, [], 'execSqlBatch').then(() => null, (failure) => failure);
@@ -107,9 +113,9 @@ async function main() {
   await run(connection, 'drop table Kept', [], 'execSqlBatch');
 
   const endless = new Promise((resolve) => {
-    const request = new Request('declare @n int = 0; while 1 = 1 set @n = @n + 1', (error) => resolve(error.code));
-    connection.execSqlBatch(request);
-    setTimeout(() => connection.cancel(), 200);
+    const cancelling = setInterval(() => connection.cancel(), 20);
+    const done = (error) => { clearInterval(cancelling); resolve(error.code); };
+    connection.execSqlBatch(new Request('declare @n int = 0; while 1 = 1 set @n = @n + 1', done));
   });
   show('cancelled', await endless);
   await promised((done) => connection.reset(done));

@@ -1,7 +1,7 @@
-#include "hosts/objects/dictionary_object.h"
-
 #include <gtest/gtest.h>
 
+#include "hosts/objects/dictionary_object.h"
+#include "hosts/objects/vector_object.h"
 #include "objects/object_support.h"
 
 namespace tessarlorn {
@@ -40,9 +40,9 @@ TEST_F(DictionaryObjectTest, ReadsAbsentKeysWithoutMakingThem) {
 
 TEST_F(DictionaryObjectTest, RefusesWhatDoesNotFit) {
   Call(object_, "Add", {"FID", 12});
-  EXPECT_EQ(ErrorOf([&] { Call(object_, "Add", {"FID", 13}); }), 457);
-  EXPECT_EQ(ErrorOf([&] { Call(object_, "Remove", {"fid"}); }), 32811);
-  EXPECT_EQ(ErrorOf([&] { Call(object_, "Add", {Variant(inside_), 1}); }), 13);
+  EXPECT_EQ(Number([&] { Call(object_, "Add", {"FID", 13}); }), 457);
+  EXPECT_EQ(Number([&] { Call(object_, "Remove", {"fid"}); }), 32811);
+  EXPECT_EQ(Number([&] { Call(object_, "Add", {Variant(inside_), 1}); }), 13);
   EXPECT_EQ(Get(object_, "Item", {"FID"}).ToInt32(), 12);
 }
 
@@ -56,6 +56,31 @@ TEST_F(DictionaryObjectTest, MayHoldItself) {
   Call(last, "RemoveAll");
   EXPECT_EQ(last.dictionary().use_count(), 1);
   Call(object_, "RemoveAll");
+}
+
+TEST(VectorObjectTest, KeepsValuesInOrderFromOneOn) {
+  const auto inside = std::make_shared<Vector>();
+  VectorObject object(inside);
+  for (const Variant& value : {Variant("a"), Variant(2), Variant(Null{}), Variant(4)}) Call(object, "Add", {value});
+  Put(object, "Item", {2, "two"});
+  Call(object, "Remove", {"3"});
+  EXPECT_EQ(Get(object, "Count").ToInt32(), 3);
+  EXPECT_EQ(Get(object, "Item", {1}).ToText(), "a");
+  EXPECT_EQ(Texts(object.Items()), (std::vector<std::string>{"a", "two", "4"}));
+  EXPECT_EQ(inside->size(), 3U);
+  Call(object, "Clear");
+  EXPECT_TRUE(inside->empty());
+}
+
+TEST(VectorObjectTest, RefusesPositionsThatItDoesNotHave) {
+  VectorObject object(std::make_shared<Vector>(Vector{1, 2}));
+  for (const std::int32_t position : {-2147483647, -1, 0, 3}) {
+    EXPECT_EQ(Number([&] { Get(object, "Item", {position}); }), 9) << position;
+    EXPECT_EQ(Number([&] { Put(object, "Item", {position, 0}); }), 9) << position;
+    EXPECT_EQ(Number([&] { Call(object, "Remove", {position}); }), 9) << position;
+  }
+  EXPECT_EQ(Number([&] { Get(object, "Item", {"first"}); }), 13);
+  EXPECT_EQ(Texts(object.Items()), (std::vector<std::string>{"1", "2"}));
 }
 
 }  // namespace

@@ -65,15 +65,16 @@ def interrupted(windows_command, batch, prints, presses):
     shown = b""
     while b"1000" not in shown:
         shown += os.read(output if prints else terminal, 1024)
-    for _ in range(presses):
-        os.write(terminal, b"\x03")
-        time.sleep(0.2)
+    os.write(terminal, b"\x03")
     size = 0
     while presses == 1 and (read := os.read(output, 65536)):
         size += len(read)
         # The command gets to Ctrl-C long before all is read.
         time.sleep(0.02)
-    status = os.waitstatus_to_exitcode(os.waitpid(child, 0)[1])
+    while not (ended := os.waitpid(child, os.WNOHANG if presses > 1 else 0))[0]:
+        os.write(terminal, b"\x03")
+        time.sleep(0.05)
+    status = os.waitstatus_to_exitcode(ended[1])
     os.close(output)
     os.close(terminal)
     return status, size

@@ -33,11 +33,8 @@ Sub Refusal()
 End Sub
 
 ' Long text, which is read part by part, and what stands behind it.
-Run database, "select replicate(cast(nchar(24352) as nvarchar(max)), 30000) as FLong, nchar(24352) as FOne, cast(null as nvarchar(max)) as FNone, " & _
-  "cast(-99999999999999999999.5 as decimal(28,1)) as FDecimal, cast('9999-12-31 23:59:59' as datetime) as FLast, " & _
-  "cast('0100-01-01' as date) as FFirst, cast('6F9619FF-8B86-D011-B42D-00C04FC964FF' as uniqueidentifier) as FGuid"
-WScript.Echo Len(rs("FLong")), Right(rs("FLong"), 1) = rs("FOne"), IsNull(rs("FNone").Value), CStr(rs("FDecimal").Value) '= 30000 -1 -1 -99999999999999999999.5
-WScript.Echo Year(rs("FLast").Value), Second(rs("FLast").Value), Year(rs("FFirst").Value), rs("FGuid") '= 9999 59 100 {6F9619FF-8B86-D011-B42D-00C04FC964FF}
+Run database, "select replicate(cast(nchar(24352) as nvarchar(max)), 30000) as FLong, nchar(24352) as FOne, cast('0100-01-01' as date) as FFirst"
+WScript.Echo Len(rs("FLong")), Right(rs("FLong"), 1) = rs("FOne"), Year(rs("FFirst").Value) '= 30000 -1 100
 
 ' A call leaves nothing to the next one on its connection.
 Run database, "create table R (FID int primary key) insert R values (1) select 7 as FSeven into #Left begin tran insert R values (2)"
@@ -47,18 +44,10 @@ Run WScript.Arguments(3), "select count(*) as FRows from R"
 WScript.Echo rs("FRows") '= 1
 
 On Error Resume Next
-Run database, "select * from nowhere"
-Failure '= 80040E37 TessarLorn ODBC driver Invalid object name 'nowhere'.
-Run database, "insert R values (1)"
-WScript.Echo Hex(Err.Number) '= 80040E2F
-Err.Clear
 Run database, "select nchar(25918) + nchar(22312)"
 text = rs(0).Value
 Run database, "declare @text nvarchar(10) set @text = nchar(25918) + nchar(22312) raiserror(@text, 16, 1)"
-WScript.Echo Hex(Err.Number), Err.Description = text '= 80040E14 -1
-Err.Clear
-Run database & ";StatementTimeout=1", "waitfor delay '00:01:00'"
-WScript.Echo Hex(Err.Number) '= 80040E31
+WScript.Echo Hex(Err.Number), Err.Source, Err.Description = text '= 80040E14 TessarLorn ODBC driver -1
 Err.Clear
 
 ' Nobody gets in, and no error tells a password.

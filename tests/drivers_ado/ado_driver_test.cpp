@@ -68,15 +68,6 @@ TEST(AdoDriverTest, AResultThatAdoDoesNotKeepIsAnError) {
   EXPECT_EQ(error.source(), "TessarLorn ADO driver");
 }
 
-TEST(AdoDriverTest, ManyRowsComeInBlocks) {
-  const TestDatabase database(Reach::kOverAdo);
-  const auto connection = OpenConnection(database.string());
-  const RecordsetPtr rows = connection->Execute(
-      "with n(i) as (select 1 union all select i + 1 from n where i < 2500) select i from n option (maxrecursion 0)");
-  ASSERT_EQ(rows->RecordCount(), 2500U);
-  for (int i = 1; i <= 2500; ++i, rows->MoveNext()) ASSERT_EQ(rows->Get(0).ToInt32(), i);
-}
-
 TEST(AdoDriverTest, FailuresBeforeAnyServerSayWhatIsMissing) {
   RegisterAdoDriver();
   const auto open = [] { OpenConnection("Provider=Nobody;Data Source=none"); };

@@ -20,6 +20,9 @@
 // A member that nobody needs.
 #define NOT_HERE(name, ...) \
   HRESULT STDMETHODCALLTYPE name(__VA_ARGS__) override { return E_NOTIMPL; }
+#define PROPERTY_NOT_HERE(name, type) \
+  NOT_HERE(get_##name, type*)         \
+  NOT_HERE(put_##name, type)
 
 namespace tessarlorn {
 namespace {
@@ -134,8 +137,7 @@ class StandInField final : public BaseObject<IAdoField> {
   HRESULT STDMETHODCALLTYPE get_Precision(BYTE* out) override { return Answer(out, traits_.precision); }
   HRESULT STDMETHODCALLTYPE get_NumericScale(BYTE* out) override { return Answer(out, traits_.scale); }
   NOT_HERE(get_ActualSize, LONG_PTR*)
-  NOT_HERE(get_Value, VARIANT*)
-  NOT_HERE(put_Value, VARIANT)
+  PROPERTY_NOT_HERE(Value, VARIANT)
 
  private:
   Field field_;
@@ -254,20 +256,13 @@ class StandInRecordset final : public BaseObject<IAdoRecordset> {
     return S_OK;
   }
 
-  NOT_HERE(get_AbsolutePosition, LONG_PTR*)
-  NOT_HERE(put_AbsolutePosition, LONG_PTR)
-  NOT_HERE(put_ActiveConnection, VARIANT)
-  NOT_HERE(get_ActiveConnection, VARIANT*)
-  NOT_HERE(get_Bookmark, VARIANT*)
-  NOT_HERE(put_Bookmark, VARIANT)
-  NOT_HERE(get_CacheSize, LONG*)
-  NOT_HERE(put_CacheSize, LONG)
-  NOT_HERE(get_CursorType, LONG*)
-  NOT_HERE(put_CursorType, LONG)
-  NOT_HERE(get_LockType, LONG*)
-  NOT_HERE(put_LockType, LONG)
-  NOT_HERE(get_MaxRecords, LONG_PTR*)
-  NOT_HERE(put_MaxRecords, LONG_PTR)
+  PROPERTY_NOT_HERE(AbsolutePosition, LONG_PTR)
+  PROPERTY_NOT_HERE(ActiveConnection, VARIANT)
+  PROPERTY_NOT_HERE(Bookmark, VARIANT)
+  PROPERTY_NOT_HERE(CacheSize, LONG)
+  PROPERTY_NOT_HERE(CursorType, LONG)
+  PROPERTY_NOT_HERE(LockType, LONG)
+  PROPERTY_NOT_HERE(MaxRecords, LONG_PTR)
   NOT_HERE(putref_Source, IDispatch*)
   NOT_HERE(put_Source, BSTR)
   NOT_HERE(get_Source, VARIANT*)
@@ -282,38 +277,30 @@ class StandInRecordset final : public BaseObject<IAdoRecordset> {
   NOT_HERE(Requery, LONG)
   NOT_HERE(HiddenResync, LONG)
   NOT_HERE(Update, VARIANT, VARIANT)
-  NOT_HERE(get_AbsolutePage, LONG_PTR*)
-  NOT_HERE(put_AbsolutePage, LONG_PTR)
+  PROPERTY_NOT_HERE(AbsolutePage, LONG_PTR)
   NOT_HERE(get_EditMode, LONG*)
-  NOT_HERE(get_Filter, VARIANT*)
-  NOT_HERE(put_Filter, VARIANT)
+  PROPERTY_NOT_HERE(Filter, VARIANT)
   NOT_HERE(get_PageCount, LONG_PTR*)
-  NOT_HERE(get_PageSize, LONG*)
-  NOT_HERE(put_PageSize, LONG)
-  NOT_HERE(get_Sort, BSTR*)
-  NOT_HERE(put_Sort, BSTR)
+  PROPERTY_NOT_HERE(PageSize, LONG)
+  PROPERTY_NOT_HERE(Sort, BSTR)
   NOT_HERE(get_Status, LONG*)
   NOT_HERE(HiddenClone, IAdoRecordset**)
   NOT_HERE(UpdateBatch, LONG)
   NOT_HERE(CancelBatch, LONG)
-  NOT_HERE(get_CursorLocation, LONG*)
-  NOT_HERE(put_CursorLocation, LONG)
+  PROPERTY_NOT_HERE(CursorLocation, LONG)
   NOT_HERE(Supports, LONG, VARIANT_BOOL*)
   NOT_HERE(get_Collect, VARIANT, VARIANT*)
   NOT_HERE(put_Collect, VARIANT, VARIANT)
-  NOT_HERE(get_MarshalOptions, LONG*)
-  NOT_HERE(put_MarshalOptions, LONG)
+  PROPERTY_NOT_HERE(MarshalOptions, LONG)
   NOT_HERE(Find, BSTR, LONG_PTR, LONG, VARIANT)
   NOT_HERE(Cancel)
   NOT_HERE(get_DataSource, IUnknown**)
   NOT_HERE(putref_DataSource, IUnknown*)
   NOT_HERE(HiddenSave, BSTR, LONG)
   NOT_HERE(get_ActiveCommand, IDispatch**)
-  NOT_HERE(put_StayInSync, VARIANT_BOOL)
-  NOT_HERE(get_StayInSync, VARIANT_BOOL*)
+  PROPERTY_NOT_HERE(StayInSync, VARIANT_BOOL)
   NOT_HERE(GetString, LONG, LONG, BSTR, BSTR, BSTR, BSTR*)
-  NOT_HERE(get_DataMember, BSTR*)
-  NOT_HERE(put_DataMember, BSTR)
+  PROPERTY_NOT_HERE(DataMember, BSTR)
   NOT_HERE(CompareBookmarks, VARIANT, VARIANT, LONG*)
 
  private:
@@ -396,8 +383,7 @@ class StandInConnection final : public BaseObject<IAdoConnection> {
     return S_OK;
   }
 
-  NOT_HERE(get_ConnectionString, BSTR*)
-  NOT_HERE(put_ConnectionString, BSTR)
+  PROPERTY_NOT_HERE(ConnectionString, BSTR)
   NOT_HERE(get_CommandTimeout, LONG*)
   NOT_HERE(get_ConnectionTimeout, LONG*)
   NOT_HERE(get_Version, BSTR*)
@@ -405,17 +391,12 @@ class StandInConnection final : public BaseObject<IAdoConnection> {
   NOT_HERE(BeginTrans, LONG*)
   NOT_HERE(CommitTrans)
   NOT_HERE(RollbackTrans)
-  NOT_HERE(get_DefaultDatabase, BSTR*)
-  NOT_HERE(put_DefaultDatabase, BSTR)
-  NOT_HERE(get_IsolationLevel, LONG*)
-  NOT_HERE(put_IsolationLevel, LONG)
-  NOT_HERE(get_Attributes, LONG*)
-  NOT_HERE(put_Attributes, LONG)
+  PROPERTY_NOT_HERE(DefaultDatabase, BSTR)
+  PROPERTY_NOT_HERE(IsolationLevel, LONG)
+  PROPERTY_NOT_HERE(Attributes, LONG)
   NOT_HERE(get_CursorLocation, LONG*)
-  NOT_HERE(get_Mode, LONG*)
-  NOT_HERE(put_Mode, LONG)
-  NOT_HERE(get_Provider, BSTR*)
-  NOT_HERE(put_Provider, BSTR)
+  PROPERTY_NOT_HERE(Mode, LONG)
+  PROPERTY_NOT_HERE(Provider, BSTR)
   NOT_HERE(get_State, LONG*)
   NOT_HERE(OpenSchema, LONG, VARIANT, VARIANT, IAdoRecordset**)
 

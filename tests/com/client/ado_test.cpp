@@ -52,20 +52,6 @@ TEST_F(AdoTest, ResultsAreAdosOwnRecordsets) {
   EXPECT_TRUE(AdoStandIn::IsAttached(attached.value.object())) << "it is handed out as ADO produced it";
 }
 
-TEST_F(AdoTest, OrdersAreDeliveredAndSteppedBack) {
-  const std::string order =
-      Ask("select top 1 FID from IC_Web2ERPOrders where FOrderStatus = 6 and FID not in (select FID from "
-          "IC_StockBillOrdersStatus) order by FID");
-  const std::string status = "select FOrderStatus from IC_Web2ERPOrders where FID = " + order;
-  EXPECT_EQ(saves_.Call(L"Delivery", {Keys({{L"FID", ToWide(order)}})}).value.number(), -1);
-  EXPECT_EQ(Ask(status), "14");
-  const Answer back = saves_.Call(L"BackToThePreviousStep", {Keys({{L"FID", ToWide(order)}, {L"UpdateFlag", true}})});
-  EXPECT_EQ(back.value.number(), -1);
-  EXPECT_EQ(Ask(status), "6");
-  EXPECT_EQ(Ask("select count(*) from IC_TradeLog where FUserIP = '10.0.0.5' and FOPUserID = 16394 and FOPCode = 3005"),
-            "1");
-}
-
 TEST_F(AdoTest, ErrorsAreAdosOwn) {
   const Answer wrong = reads_.Call(L"ExecuteSQL", {session_, L"select * from nowhere"});
   EXPECT_EQ(wrong.error, static_cast<HRESULT>(0x80040E37));

@@ -7,18 +7,11 @@ namespace {
 
 constexpr const wchar_t* kReads = L"TessarLornPickingAndDelivery.clsGetData";
 constexpr const wchar_t* kMemory = L"Embedded=:memory:client";
-constexpr const wchar_t* kChinese = L"\u5f20\u4e09 \U0001F4E6";
 
 class CallTest : public testing::Test {
  protected:
   static Answer Ask(const TypedObject& reads, const std::wstring& sql) {
     return reads.Call(L"ExecuteSQL", {kMemory, sql});
-  }
-  static Value First(const TypedObject& reads, const std::wstring& sql) {
-    const Answer rows = Ask(reads, sql);
-    if (rows.value.object() == nullptr) return {};
-    const TypedObject field(TypedObject(rows.value.object()).Call(L"Fields", {0}).value.object());
-    return field.Call(L"Value").value;
   }
   static HRESULT Numbers(IDispatch* object, std::vector<std::wstring> names, std::vector<DISPID>& ids) {
     std::vector<LPOLESTR> texts;
@@ -54,15 +47,11 @@ TEST_F(CallTest, ArgumentsCanBeNamed) {
   EXPECT_EQ(missing.status, DISP_E_EXCEPTION);
   EXPECT_EQ(missing.error, static_cast<HRESULT>(0x800A01C1));
   EXPECT_EQ(missing.description, L"Argument not optional: sDsn of clsGetData.ExecuteSQL");
-  EXPECT_EQ(Invoke(reads.get(), id, DISPATCH_METHOD, {kMemory, L"select 1", 3}, {9}).error,
-            static_cast<HRESULT>(0x800A01C0));
   for (const auto& named : {std::vector<DISPID>{0}, {1, 1}}) {
     const Answer twice = Invoke(reads.get(), id, DISPATCH_METHOD, {kMemory, L"select 1", L"zz"}, named);
     EXPECT_EQ(twice.error, static_cast<HRESULT>(0x800A01C2));
     EXPECT_EQ(twice.description.substr(0, 21), L"Argument given twice:");
   }
-  EXPECT_EQ(Invoke(reads.get(), id, DISPATCH_METHOD, {Value::LeftOut(), L"select 1"}).error,
-            static_cast<HRESULT>(0x800A01C1));
 }
 
 TEST_F(CallTest, PropertiesAreWrittenByTheirNewValue) {
@@ -95,27 +84,12 @@ TEST_F(CallTest, OptionalArgumentsMayBeLeftOutAnywhere) {
 
 TEST_F(CallTest, AnswersHaveTheDeclaredTypesEvenWhenThereIsNothingToAnswer) {
   const TypedObject reads(kReads);
-  const TypedObject saves(L"TessarLornPickingAndDelivery.clsSaveData");
   const Value nothing(static_cast<IDispatch*>(nullptr));
-  EXPECT_EQ(reads.Call(L"TransMode").value.type(), VT_I4);
   EXPECT_EQ(reads.Call(L"bExistStock", {nothing}).value.type(), VT_BOOL);
   EXPECT_EQ(reads.Call(L"GetTotalLogisticsCosts", {nothing}).value.type(), VT_R8);
-  EXPECT_EQ(saves.Call(L"GetUniqueCodeIndex", {nothing}).value.type(), VT_BSTR);
   const Answer rows = reads.Call(L"GetWeightByFID", {nothing});
   EXPECT_EQ(rows.value.type(), VT_DISPATCH);
   EXPECT_EQ(rows.value.object(), nullptr);
-  EXPECT_EQ(First(reads, L"select cast(1 as bit) f").get().boolVal, VARIANT_TRUE);
-}
-
-TEST_F(CallTest, TextComesBackAsItWent) {
-  const TypedObject reads(kReads);
-  EXPECT_EQ(First(reads, L"select N'" + std::wstring(kChinese) + L"'").text(), kChinese);
-  const TypedObject dictionary(L"Mirel.Dictionary");
-  EXPECT_EQ(dictionary.Put(L"Item", {kChinese, 7}).status, S_OK);
-  EXPECT_EQ(dictionary.Call(L"Item", {kChinese}).value.number(), 7);
-  const Answer error = Ask(reads, L"select [" + std::wstring(kChinese) + L"] from (select 1 a) t");
-  EXPECT_EQ(error.error, static_cast<HRESULT>(0x80040E14));
-  EXPECT_EQ(error.description, L"Invalid column name '" + std::wstring(kChinese) + L"'.");
 }
 
 TEST_F(CallTest, FilesAndFoldersHaveNamesInAnyLanguage) {

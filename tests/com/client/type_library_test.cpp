@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 #include <map>
-#include <span>
 
-#include "automation/operations.h"
 #include "com/client/typed_object.h"
 
 namespace tessarlorn::com_test {
@@ -76,28 +74,6 @@ TEST_P(TypeLibraryTest, DescribesWhatTheObjectAnswers) {
     EXPECT_EQ(status, S_OK) << i;
     for (UINT a = 1; a < ids.size(); ++a) EXPECT_EQ(ids[a], static_cast<DISPID>(a - 1)) << i;
     for (BSTR text : names) SysFreeString(text);
-  }
-}
-
-// A client of the library has no other list of keys.
-TEST_P(TypeLibraryTest, TellsTheKeysThatOperationsRead) {
-  const TypedObject object = Make();
-  for (const Operation* const operation : Operations()) {
-    if (!std::wstring_view(GetParam()).ends_with(com::ToWide(ClassName(operation->service)))) continue;
-    const std::string name(operation->name);
-    const DISPID id = object.Number(com::ToWide(name).c_str());
-    BSTR text = nullptr;
-    ASSERT_EQ(object.info()->GetDocumentation(id, nullptr, &text, nullptr, nullptr), S_OK) << name;
-    const std::wstring help = Taken(text);
-    const auto look_for = [&](const auto& self, std::span<const Key> keys) -> void {
-      for (const Key& key : keys) {
-        EXPECT_NE(help.find(com::ToWide(" " + std::string(key.name) + " (")), std::wstring::npos)
-            << name << " " << key.name;
-        EXPECT_NE(help.find(com::ToWide(key.help)), std::wstring::npos) << name << " " << key.name;
-        self(self, key.item_keys);
-      }
-    };
-    for (const Argument& argument : operation->arguments()) look_for(look_for, argument.keys);
   }
 }
 

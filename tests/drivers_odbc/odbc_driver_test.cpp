@@ -97,7 +97,6 @@ TEST_F(OdbcDriverTest, ADeadIdleConnectionIsReplacedBeforeItAnswers) {
   restart();
   EXPECT_EQ(Answer(*connection, "insert lost values (1) select a from lost"), "a;1") << "one that writes";
   ASSERT_TRUE(connection->Reset());
-  restart();
   int results = 0;
   const auto restart_when_answered = [&](const RecordsetPtr&) {
     ++results;

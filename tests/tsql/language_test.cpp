@@ -335,7 +335,7 @@ TEST(Language, OperatorsBindAsTheServersDo) {
       {"select len(convert(varchar, replicate('x', 40))) as a, len(convert(varchar(max), replicate('x', 40))) as b",
        "a|b;30|40"},
       {"select FID from o where FID <> all (select FID from e where FEntryID < 20 union all select null)", "FID"},
-      {"select case when FID = 1 then 'ab' else 'abcdef' end as a into #w from o insert #w values ('ABCDEF') select max(a) as a from #w",
+      {"select case when FID = 1 then cast('ab' as varchar(2)) else cast('abcdef' as varchar(6)) end as a into #w from o insert #w values ('ABCDEF') select max(a) as a from #w",
        "a;abcdef"},
   });
 }
@@ -381,7 +381,7 @@ TEST(Language, StatementsOfManyShapes) {
       {"alter table t add x int null, y bit alter table t drop column x, y select * from t where 1=0", "a|b|c|d"},
       {"alter table t add x int, a bit",
        "error 2705: Column names in each table must be unique. Column name 'a' in table 't' is specified more than once."},
-      {"select x from t", "error 207: Invalid column name 'x'."},
+      {"alter table t add x int select x from t where 1=0", "x"},
       {"select datediff(week, '2026-11-07', '2026-11-08') as a, datediff(week, '2026-11-08', '2026-11-14') as b",
        "a|b;1|0"},
   });

@@ -59,26 +59,22 @@ TEST_F(RecordsetObjectTest, MovesByCountFromARowABookmarkOrAnEnd) {
 }
 
 TEST_F(RecordsetObjectTest, WithoutRowsIsAtBothEndsAndHasNoPlaceToGo) {
-  const auto empty = std::make_shared<Recordset>(SampleRows()->fields());
-  const auto none = Rows(empty);
+  const auto none = Rows(std::make_shared<Recordset>(SampleRows()->fields()));
+  EXPECT_TRUE(Get(*none, "BOF").ToBool() && Get(*none, "EOF").ToBool());
   Put(rs_, "Filter", {"FID = 99"});
-  for (AutomationObject* const rows : {none.get(), &rs_}) {
-    EXPECT_TRUE(Get(*rows, "BOF").ToBool());
-    EXPECT_TRUE(Get(*rows, "EOF").ToBool());
-    EXPECT_EQ(Get(*rows, "RecordCount").ToInt32(), 0);
-    EXPECT_EQ(Get(*rows, "AbsolutePosition").ToInt32(), -1);
-    for (const char* const member : {"MoveFirst", "MoveLast", "MoveNext", "MovePrevious", "GetRows", "GetString"}) {
-      EXPECT_EQ(Number([&] { Call(*rows, member); }), 3021) << member;
-    }
-    for (const std::vector<Variant>& move : {std::vector<Variant>{0}, {1, 1}, {-1, 2}}) {
-      EXPECT_EQ(Number([&] { Call(*rows, "Move", move); }), 3021) << move[0].ToText();
-    }
-    EXPECT_EQ(Number([&] { Call(*rows, "Find", {"FID = 1", 0, 1, 2}); }), 3021);
-    EXPECT_EQ(Number([&] { Get(*rows, "Bookmark"); }), 3021);
-    EXPECT_EQ(Number([&] { Value(*rows, "FID"); }), 3021);
-    EXPECT_TRUE(Get(*rows, "BOF").ToBool() && Get(*rows, "EOF").ToBool());
-    Put(*rows, "Sort", {"FID"});
+  EXPECT_EQ(Get(rs_, "RecordCount").ToInt32(), 0);
+  for (const char* const member : {"MoveFirst", "MoveLast", "MoveNext", "MovePrevious", "GetRows", "GetString"}) {
+    EXPECT_EQ(Number([&] { Call(*none, member); }), 3021) << member;
+    EXPECT_EQ(After(member), "3021") << member;
   }
+  for (const std::vector<Variant>& move : {std::vector<Variant>{0}, {1, 1}, {-1, 2}}) {
+    EXPECT_EQ(After("Move", move), "3021") << move[0].ToText();
+  }
+  EXPECT_EQ(After("Find", {"FID = 1", 0, 1, 2}), "3021");
+  EXPECT_EQ(Number([&] { Get(rs_, "Bookmark"); }), 3021);
+  EXPECT_EQ(Number([&] { Id(); }), 3021);
+  Put(rs_, "Sort", {"FID"});
+  EXPECT_EQ(Place(), "BE-1");
   Put(rs_, "Filter", {0});
   EXPECT_EQ(Get(rs_, "RecordCount").ToInt32(), 5);
 }

@@ -4,14 +4,16 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <vector>
 
 #include "drivers/embedded/embedded_driver.h"
 #include "hosts/tds/client_session.h"
 #include "hosts/tds/transport/socket.h"
+#include "support/temporary_folder.h"
+#include "tds/certificate.h"
 #include "tds/tds_support.h"
 
 namespace {
@@ -30,27 +32,16 @@ void EndRunning(int) {
   alarm(1);
 }
 
-std::shared_ptr<const tds::TlsContext> MakeCertificate(const std::string& file) {
-  const std::string line = "openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=fuzz -keyout '" + file +
-                           ".key' -out '" + file + ".crt' 2>/dev/null";
-  if (std::system(line.c_str()) != 0) std::abort();
-  auto context = std::make_shared<tds::TlsContext>(file + ".crt", file + ".key");
-  std::filesystem::remove(file + ".crt");
-  std::filesystem::remove(file + ".key");
-  return context;
-}
-
 const tds::Service& TheService() {
   static const tds::Service service = [] {
     std::signal(SIGALRM, EndRunning);
     RegisterEmbeddedDriver();
-    const std::string file =
-        (std::filesystem::temp_directory_path() / ("tds_fuzz_" + std::to_string(getpid()))).string();
-    tds::AddUser(file, "ann", "s3cret", 1);
+    const TemporaryFolder folder;
+    tds::AddUser(folder.file("users"), "ann", "s3cret", 1);
+    const std::vector<std::string> words = tds::CertificateOptions();
     tds::Service made;
-    made.users = tds::Users::Read(file);
-    std::filesystem::remove(file);
-    made.tls = MakeCertificate(file);
+    made.users = tds::Users::Read(folder.file("users"));
+    made.tls = std::make_shared<tds::TlsContext>(words[1], words[3]);
     made.database_string = "Embedded=:memory:fuzz";
     made.log = [](const std::string& line) {
       if (line.starts_with("fuzz: failed: ") || line.starts_with("fuzz: inner error: ")) std::abort();
@@ -107,50 +98,36 @@ void RunWatched(std::string_view rest, bool hangs_up) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size == 0 || size > 16'384) return 0;
   const std::string rest(reinterpret_cast<const char*>(data) + 1, size - 1);
-  using tds::PacketType;
-  std::string input;
-  switch (data[0] % 10) {
-    case 0:
-      input = rest;
-      break;
-    case 1:
-      input = tds::LoginMessage() + rest;
-      break;
-    case 2:
-      input = tds::ClientMessage(PacketType::kPreLogin, rest) + tds::LoginMessage();
-      break;
-    case 3:
-      input = tds::ClientMessage(PacketType::kLogin7, rest);
-      break;
-    case 4:
-      input = tds::LoginMessage() + tds::ClientMessage(PacketType::kTransactionManager, rest);
-      break;
-    case 5:
-      input = tds::PreLoginMessage(1) + tds::ClientMessage(PacketType::kPreLogin, rest);
-      break;
-    case 7: {
-      tds::LoginWords words;
-      words.version = tds::kTds71;
-      input = tds::LoginMessage(words) + tds::ClientMessage(PacketType::kRpc, rest);
-      break;
-    }
-    case 8: {
-      const std::string bulk =
-          "create table B (a int, b nvarchar(10) default 'x') insert bulk B (a int, b nvarchar(10))";
-      input = tds::LoginMessage() + tds::BatchMessage(bulk.substr(0, 50)) + tds::BatchMessage(bulk.substr(51)) +
-              tds::ClientMessage(PacketType::kBulkLoad, rest) + tds::BatchMessage("drop table B");
-      break;
-    }
-    case 6:
-      RunWatched(rest, data[0] >= 128);
-      return 0;
-    default: {
-      tds::TdsWriter headers;
-      tds::WriteHeaders(headers);
-      input = tds::LoginMessage() + tds::ClientMessage(PacketType::kRpc, headers.bytes() + rest);
-    }
+  constexpr int kWays = 10;
+  constexpr int kWatched = 6;
+  const int way = data[0] % kWays;
+  if (way == kWatched) {
+    RunWatched(rest, data[0] >= 128);
+    return 0;
   }
-  tds::MemoryStream stream(input);
+  using tds::BatchMessage;
+  using tds::ClientMessage;
+  using tds::PacketType;
+  const std::string login = tds::LoginMessage();
+  tds::LoginWords old;
+  old.version = tds::kTds71;
+  tds::TdsWriter headers;
+  tds::WriteHeaders(headers);
+  const std::string inputs[kWays] = {
+      rest,
+      login + rest,
+      ClientMessage(PacketType::kPreLogin, rest) + login,
+      ClientMessage(PacketType::kLogin7, rest),
+      login + ClientMessage(PacketType::kTransactionManager, rest),
+      tds::PreLoginMessage(1) + ClientMessage(PacketType::kPreLogin, rest),
+      "",
+      tds::LoginMessage(old) + ClientMessage(PacketType::kRpc, rest),
+      login + BatchMessage("create table B (a int, b nvarchar(10) default 'x')") +
+          BatchMessage("insert bulk B (a int, b nvarchar(10))") + ClientMessage(PacketType::kBulkLoad, rest) +
+          BatchMessage("drop table B"),
+      login + ClientMessage(PacketType::kRpc, headers.bytes() + rest),
+  };
+  tds::MemoryStream stream(inputs[way]);
   Run(stream, nullptr);
   return 0;
 }

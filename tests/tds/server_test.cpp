@@ -265,9 +265,9 @@ TEST(ServerThreads, ALoginHasOneTimeHoweverItComes) {
   empty.Send(PreLoginMessage(1) + ClientMessage(PacketType::kPreLogin, ""));
   EXPECT_TRUE(empty.IsEnded());
   EXPECT_TRUE(server.WaitForLog("TLS was agreed, and did not begin"));
-  // A handshake of half a thousand bytes, one at a time.
+  // A handshake of many thousand bytes, one at a time.
   Client slow(server.port());
-  slow.Send(PreLoginMessage(1) + ClientMessage(PacketType::kPreLogin, std::string("\x16\x03\x01\x02\x00", 5)));
+  slow.Send(PreLoginMessage(1) + ClientMessage(PacketType::kPreLogin, std::string("\x16\x03\x01\x40\x00", 5)));
   EXPECT_TRUE(WaitUntil([&] {
     slow.Send(ClientMessage(PacketType::kPreLogin, "\x01"));
     return Count(server.Log(), "did not come within 1 seconds") > 0;

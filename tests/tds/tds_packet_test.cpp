@@ -38,6 +38,7 @@ TEST(TdsPacket, CutsMessagesIntoFullPackets) {
   EXPECT_EQ(packets[6], 1);
   EXPECT_EQ(packets[512 + 6], 2);
   EXPECT_EQ(packets[packets.size() - 7], 1) << "the last packet ends the message";
+  EXPECT_EQ(number, 0) << "the next message counts anew";
 }
 
 TEST(TdsPacket, TellsWhatBecameOfAMessage) {

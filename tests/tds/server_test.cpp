@@ -162,7 +162,8 @@ TEST(ServerThreads, KeepsItsMemoryWhileClientsComeAndGo) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
   constexpr std::size_t kBound = std::size_t{1} << 30;
 #else
-  constexpr std::size_t kBound = std::size_t{16} << 20;
+  // On a busy machine more clients of a round are there at once than in the rounds before.
+  constexpr std::size_t kBound = std::size_t{32} << 20;
 #endif
   EXPECT_LT(after, before + kBound) << "after " << rounds << " rounds, before " << before;
   // The database keeps a descriptor of its file for each client that was there at once, and uses it again: a round may

@@ -146,37 +146,13 @@ SystemView ConstraintsOfKind(const char* name, const std::string& kinds, const s
                  more);
 }
 
-std::vector<SystemView> SysViews() {
+/// sys.objects, tables, views and procedures.
+std::vector<SystemView> ObjectViews() {
   const std::string own_type = "CASE kind WHEN 'table' THEN 'U ' WHEN 'view' THEN 'V ' ELSE 'P ' END";
   const std::string own_description =
       "CASE kind WHEN 'table' THEN 'USER_TABLE' WHEN 'view' THEN 'VIEW' ELSE 'SQL_STORED_PROCEDURE' END";
-  const std::string constraint_text = ", json_extract(body, '$.text') AS definition";
-  const std::string of_column =
-      ", (SELECT c.position FROM main.\"$columns\" c WHERE c.object = k.object AND c.name = json_extract(k.body,"
-      " '$.columns[0]') COLLATE NOCASE) AS parent_column_id";
   const SystemView constraints = ConstraintsOfKind("constraints", "'PK', 'UQ', 'F', 'C', 'D'", "", {});
-  const std::vector<SystemViewColumn> column_columns = {
-      Int("object_id"),        Name("name"),       Int("column_id"),   Int("system_type_id"),
-      Int("user_type_id"),     Int("max_length"),  Int("precision"),   Int("scale"),
-      Name("collation_name"),  Bit("is_nullable"), Bit("is_identity"), Bit("is_computed"),
-      Int("default_object_id")};
-  const auto with = [](std::vector<SystemViewColumn> columns, const std::vector<SystemViewColumn>& more) {
-    columns.insert(columns.end(), more.begin(), more.end());
-    return columns;
-  };
-  const std::string seed = "coalesce((SELECT json_extract(k.body, '$.seed') FROM (" + std::string(kConstraints) +
-                           ") k WHERE k.object = c.object AND k.kind = 'I'), 1)";
-  const std::string columns =
-      "SELECT c.object AS object_id, c.name, c.position AS column_id, " + std::string(kMeasures) +
-      ", CASE WHEN c.base LIKE '%char' THEN 'Chinese_PRC_CI_AS' END AS collation_name, c.nullable AS is_nullable,"
-      " c.identity = 1 AS is_identity, 0 AS is_computed, NULL AS definition, 0 AS is_persisted, 0 AS default_object_id,"
-      " " +
-      seed +
-      " AS seed_value, 1 AS increment_value, (SELECT s.seq FROM main.sqlite_sequence s WHERE s.name = c.owner"
-      " AND s.seq >= " +
-      seed + ") AS last_value FROM (" + std::string(kTyped) + ") c JOIN (" + std::string(kTypes) +
-      ") t ON t.name = c.base WHERE c.owner_kind <> 'procedure'";
-  std::vector<SystemView> views = {
+  return {
       Objects("objects", "SELECT " + ObjectColumns(own_type, own_description) +
                              ", 0 AS parent_object_id FROM"
                              " main.\"$objects\" UNION ALL " +
@@ -184,6 +160,16 @@ std::vector<SystemView> SysViews() {
       ObjectsOfKind("tables", "table", "U ", "USER_TABLE"),
       ObjectsOfKind("views", "view", "V ", "VIEW"),
       ObjectsOfKind("procedures", "procedure", "P ", "SQL_STORED_PROCEDURE"),
+  };
+}
+
+/// Keys, checks, defaults and foreign keys.
+std::vector<SystemView> ConstraintViews() {
+  const std::string constraint_text = ", json_extract(body, '$.text') AS definition";
+  const std::string of_column =
+      ", (SELECT c.position FROM main.\"$columns\" c WHERE c.object = k.object AND c.name = json_extract(k.body,"
+      " '$.columns[0]') COLLATE NOCASE) AS parent_column_id";
+  return {
       ConstraintsOfKind("key_constraints", "'PK', 'UQ'",
                         ", CASE kind WHEN 'PK' THEN 1 ELSE position + 2 END AS unique_index_id",
                         {Int("unique_index_id")}),
@@ -209,6 +195,33 @@ std::vector<SystemView> SysViews() {
            ReferenceColumns()),
        {Int("constraint_object_id"), Int("constraint_column_id"), Int("parent_object_id"), Int("parent_column_id"),
         Int("referenced_object_id"), Int("referenced_column_id")}},
+  };
+}
+
+/// Columns of tables and views, and parameters of procedures.
+std::vector<SystemView> ColumnViews() {
+  const std::vector<SystemViewColumn> column_columns = {
+      Int("object_id"),        Name("name"),       Int("column_id"),   Int("system_type_id"),
+      Int("user_type_id"),     Int("max_length"),  Int("precision"),   Int("scale"),
+      Name("collation_name"),  Bit("is_nullable"), Bit("is_identity"), Bit("is_computed"),
+      Int("default_object_id")};
+  const auto with = [](std::vector<SystemViewColumn> columns, const std::vector<SystemViewColumn>& more) {
+    columns.insert(columns.end(), more.begin(), more.end());
+    return columns;
+  };
+  const std::string seed = "coalesce((SELECT json_extract(k.body, '$.seed') FROM (" + std::string(kConstraints) +
+                           ") k WHERE k.object = c.object AND k.kind = 'I'), 1)";
+  const std::string columns =
+      "SELECT c.object AS object_id, c.name, c.position AS column_id, " + std::string(kMeasures) +
+      ", CASE WHEN c.base LIKE '%char' THEN 'Chinese_PRC_CI_AS' END AS collation_name, c.nullable AS is_nullable,"
+      " c.identity = 1 AS is_identity, 0 AS is_computed, NULL AS definition, 0 AS is_persisted, 0 AS default_object_id,"
+      " " +
+      seed +
+      " AS seed_value, 1 AS increment_value, (SELECT s.seq FROM main.sqlite_sequence s WHERE s.name = c.owner"
+      " AND s.seq >= " +
+      seed + ") AS last_value FROM (" + std::string(kTyped) + ") c JOIN (" + std::string(kTypes) +
+      ") t ON t.name = c.base WHERE c.owner_kind <> 'procedure'";
+  return {
       {"sys", "columns", columns, column_columns},
       {"sys", "identity_columns", columns + " AND c.identity = 1",
        with(column_columns, {Int("seed_value"), Int("increment_value"), Int("last_value")})},
@@ -220,6 +233,11 @@ std::vector<SystemView> SysViews() {
            ") c JOIN (" + std::string(kTypes) + ") t ON t.name = c.base WHERE c.owner_kind = 'procedure'",
        {Int("object_id"), Name("name"), Int("parameter_id"), Int("system_type_id"), Int("user_type_id"),
         Int("max_length"), Int("precision"), Int("scale"), Bit("is_output"), Bit("has_default_value")}},
+  };
+}
+
+std::vector<SystemView> IndexViews() {
+  return {
       {"sys",
        "indexes",
        From(
@@ -235,6 +253,12 @@ std::vector<SystemView> SysViews() {
        IndexColumns(),
        {Int("object_id"), Int("index_id"), Int("index_column_id"), Int("column_id"), Int("key_ordinal"),
         Bit("is_descending_key"), Bit("is_included_column")}},
+  };
+}
+
+/// What is the same in every database, and texts of definitions.
+std::vector<SystemView> ServerViews() {
+  return {
       {"sys",
        "schemas",
        "SELECT column1 AS name, column2 AS schema_id, column2 AS principal_id FROM (VALUES ('dbo', 1), ('guest', 2),"
@@ -261,7 +285,6 @@ std::vector<SystemView> SysViews() {
        "SELECT 0 AS class, 0 AS major_id, 0 AS minor_id, '' AS name, '' AS value, '' AS class_desc WHERE 0",
        {Int("class"), Int("major_id"), Int("minor_id"), Name("name"), Text("value"), Code("class_desc")}},
   };
-  return views;
 }
 
 /// What INFORMATION_SCHEMA says of a type, out of kTyped.
@@ -278,28 +301,7 @@ constexpr std::string_view kSizes = R"(base AS DATA_TYPE,
   WHEN 'datetime2' THEN size WHEN 'datetimeoffset' THEN size END AS DATETIME_PRECISION,
  CASE WHEN base LIKE '%char' THEN 'Chinese_PRC_CI_AS' END AS COLLATION_NAME)";
 
-std::vector<SystemView> InformationViews() {
-  const std::string here = "'main' AS CONSTRAINT_CATALOG, 'dbo' AS CONSTRAINT_SCHEMA, k.name AS CONSTRAINT_NAME";
-  const std::string table = "'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, k.owner AS TABLE_NAME";
-  const std::vector<SystemViewColumn> names = {Name("CONSTRAINT_CATALOG"), Name("CONSTRAINT_SCHEMA"),
-                                               Name("CONSTRAINT_NAME"),    Name("TABLE_CATALOG"),
-                                               Name("TABLE_SCHEMA"),       Name("TABLE_NAME")};
-  const auto with = [&](std::initializer_list<SystemViewColumn> more) {
-    std::vector<SystemViewColumn> columns = names;
-    columns.insert(columns.end(), more);
-    return columns;
-  };
-  const auto with_sizes = [](std::vector<SystemViewColumn> columns) {
-    for (SystemViewColumn& column : std::vector{
-             Name("DATA_TYPE"), Int("CHARACTER_MAXIMUM_LENGTH"), Int("CHARACTER_OCTET_LENGTH"),
-             Int("NUMERIC_PRECISION"), Int("NUMERIC_SCALE"), Int("DATETIME_PRECISION"), Name("COLLATION_NAME")}) {
-      columns.push_back(std::move(column));
-    }
-    return columns;
-  };
-  const std::string key_columns = "SELECT " + here + ", " + table +
-                                  ", k.column_name AS COLUMN_NAME, k.ordinal AS ORDINAL_POSITION FROM (" +
-                                  KeyColumns() + ") k WHERE k.kind IN ('PK', 'UQ', 'F')";
+std::vector<SystemView> InformationOfObjects() {
   return {
       {"information_schema",
        "schemata",
@@ -326,6 +328,24 @@ std::vector<SystemView> InformationViews() {
        "sequences",
        "SELECT '' AS SEQUENCE_CATALOG, '' AS SEQUENCE_SCHEMA, '' AS SEQUENCE_NAME WHERE 0",
        {Name("SEQUENCE_CATALOG"), Name("SEQUENCE_SCHEMA"), Name("SEQUENCE_NAME")}},
+  };
+}
+
+std::vector<SystemView> InformationOfConstraints() {
+  const std::string here = "'main' AS CONSTRAINT_CATALOG, 'dbo' AS CONSTRAINT_SCHEMA, k.name AS CONSTRAINT_NAME";
+  const std::string table = "'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, k.owner AS TABLE_NAME";
+  const std::vector<SystemViewColumn> names = {Name("CONSTRAINT_CATALOG"), Name("CONSTRAINT_SCHEMA"),
+                                               Name("CONSTRAINT_NAME"),    Name("TABLE_CATALOG"),
+                                               Name("TABLE_SCHEMA"),       Name("TABLE_NAME")};
+  const auto with = [&](std::initializer_list<SystemViewColumn> more) {
+    std::vector<SystemViewColumn> columns = names;
+    columns.insert(columns.end(), more);
+    return columns;
+  };
+  const std::string key_columns = "SELECT " + here + ", " + table +
+                                  ", k.column_name AS COLUMN_NAME, k.ordinal AS ORDINAL_POSITION FROM (" +
+                                  KeyColumns() + ") k WHERE k.kind IN ('PK', 'UQ', 'F')";
+  return {
       {"information_schema", "table_constraints",
        From("SELECT " + here + ", " + table +
                 ", CASE k.kind WHEN 'PK' THEN 'PRIMARY KEY' WHEN 'UQ' THEN 'UNIQUE'"
@@ -352,6 +372,19 @@ std::vector<SystemView> InformationViews() {
        {Name("CONSTRAINT_CATALOG"), Name("CONSTRAINT_SCHEMA"), Name("CONSTRAINT_NAME"),
         Name("UNIQUE_CONSTRAINT_CATALOG"), Name("UNIQUE_CONSTRAINT_SCHEMA"), Name("UNIQUE_CONSTRAINT_NAME"),
         Code("MATCH_OPTION"), Code("UPDATE_RULE"), Code("DELETE_RULE")}},
+  };
+}
+
+std::vector<SystemView> InformationOfColumns() {
+  const auto with_sizes = [](std::vector<SystemViewColumn> columns) {
+    for (SystemViewColumn& column : std::vector{
+             Name("DATA_TYPE"), Int("CHARACTER_MAXIMUM_LENGTH"), Int("CHARACTER_OCTET_LENGTH"),
+             Int("NUMERIC_PRECISION"), Int("NUMERIC_SCALE"), Int("DATETIME_PRECISION"), Name("COLLATION_NAME")}) {
+      columns.push_back(std::move(column));
+    }
+    return columns;
+  };
+  return {
       {"information_schema", "columns",
        From(R"(SELECT 'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, owner AS TABLE_NAME, name AS COLUMN_NAME,
  position AS ORDINAL_POSITION, CASE default_text WHEN '' THEN NULL ELSE default_text END AS COLUMN_DEFAULT,
@@ -378,8 +411,11 @@ std::vector<SystemView> InformationViews() {
 
 const std::vector<SystemView>& SystemViews() {
   static const std::vector<SystemView> views = [] {
-    std::vector<SystemView> all = SysViews();
-    for (SystemView& view : InformationViews()) all.push_back(std::move(view));
+    std::vector<SystemView> all;
+    for (const auto group : {ObjectViews, ConstraintViews, ColumnViews, IndexViews, ServerViews, InformationOfObjects,
+                             InformationOfConstraints, InformationOfColumns}) {
+      for (SystemView& view : group()) all.push_back(std::move(view));
+    }
     return all;
   }();
   return views;

@@ -3,8 +3,10 @@
 #include <algorithm>
 
 #include "platform/text.h"
+#include "tsql/engine/state/effect.h"
+#include "tsql/syntax/ast_walk.h"
 #include "tsql/syntax/keywords.h"
-#include "tsql/translate/literals.h"
+#include "tsql/translate/common/literals.h"
 #include "tsql/values/memory_budget.h"
 
 namespace tessarlorn::tsql {
@@ -185,66 +187,26 @@ void ClassifyLiterals(Plan& plan, std::span<const Token> literals) {
   }
 }
 
-/// SELECT … INTO.
-bool MakesTable(const Statement& statement) {
-  return statement.kind == Statement::Kind::kSelect && statement.query->select != nullptr &&
-         !statement.query->select->into.name.empty();
-}
-
 void Classify(const Statement& statement, Plan& plan) {
-  using Kind = Statement::Kind;
   const Effect effect = EffectOf(statement);
-  plan.defines = plan.defines || effect == Effect::kDefines;
+  const bool calls = As<CallStatement>(statement) != nullptr || As<ExecuteTextStatement>(statement) != nullptr;
+  // What INSERT may name depends on SET IDENTITY_INSERT.
+  const bool allows = As<SetIdentityInsertStatement>(statement) != nullptr;
+  plan.defines = plan.defines || effect == Effect::kDefines || calls || allows;
   // An alias may hide a temporary table; taking the lock for it does no harm.
   plan.writes = plan.writes || (effect != Effect::kNone && !IsOnTemporaryTables(statement));
-  switch (statement.kind) {
-    case Kind::kExecute:
-      plan.defines = true;
-      break;
-    case Kind::kSetOption:
-      // What INSERT may name depends on it.
-      plan.defines = plan.defines || statement.text == "identity_insert";
-      break;
-    case Kind::kDeclare:
-      plan.declares = true;
-      break;
-    default:
-      break;
-  }
-  for (const StatementPtr& child : statement.body) Classify(*child, plan);
-  for (const StatementPtr& child : statement.catch_body) Classify(*child, plan);
-  if (statement.execute != nullptr) Classify(*statement.execute, plan);
+  plan.declares = plan.declares || As<DeclareStatement>(statement) != nullptr;
+  ForEachChild(statement, [&](const Statement& child) { Classify(child, plan); });
+}
+
+/// Whether the catalog keeps a part of the statement's own text: it is another one with every text.
+bool KeepsText(const Statement& statement) {
+  return As<CreateViewStatement>(statement) != nullptr || As<CreateProcedureStatement>(statement) != nullptr ||
+         As<CreateTableStatement>(statement) != nullptr || As<CreateIndexStatement>(statement) != nullptr ||
+         As<AlterTableStatement>(statement) != nullptr;
 }
 
 }  // namespace
-
-Effect EffectOf(const Statement& statement) {
-  using Kind = Statement::Kind;
-  switch (statement.kind) {
-    case Kind::kInsert:
-    case Kind::kUpdate:
-    case Kind::kDelete:
-    case Kind::kTruncate:
-      return Effect::kChangesRows;
-    case Kind::kCreateTable:
-    case Kind::kAlterTable:
-    case Kind::kDropTable:
-    case Kind::kCreateIndex:
-    case Kind::kDropIndex:
-    case Kind::kCreateView:
-    case Kind::kCreateProcedure:
-      return Effect::kDefines;
-    default:
-      return MakesTable(statement) ? Effect::kDefines : Effect::kNone;
-  }
-}
-
-bool IsOnTemporaryTables(const Statement& statement) {
-  if (MakesTable(statement)) return statement.query->select->into.temporary();
-  if (statement.kind != Statement::Kind::kDropTable) return statement.table.temporary();
-  return std::all_of(statement.tables.begin(), statement.tables.end(),
-                     [](const ObjectName& name) { return name.temporary(); });
-}
 
 std::uint64_t PlanCache::Key(std::span<const std::uint64_t> shape) {
   std::uint64_t key = 0x9e3779b97f4a7c15ULL;
@@ -375,13 +337,7 @@ void PlanCache::ParseTokens(std::string_view text, Batch& batch) {
       plan->shape.assign(shape_.begin() + static_cast<std::ptrdiff_t>(begin),
                          shape_.begin() + static_cast<std::ptrdiff_t>(last));
       Classify(*plan->statement, *plan);
-      // A statement that keeps its own text is different with every text.
-      const bool keeps_text = plan->statement->kind == Statement::Kind::kCreateView ||
-                              plan->statement->kind == Statement::Kind::kCreateProcedure ||
-                              plan->statement->kind == Statement::Kind::kCreateTable ||
-                              plan->statement->kind == Statement::Kind::kCreateIndex ||
-                              plan->statement->kind == Statement::Kind::kAlterTable;
-      plan->lifted = !keeps_text && plan->shape.size() >= kKeyTokens;
+      plan->lifted = !KeepsText(*plan->statement) && plan->shape.size() >= kKeyTokens;
       if (plan->lifted && EndsStatement(tokens[last])) {
         ClassifyLiterals(
             *plan,

@@ -13,7 +13,7 @@
 
 #include "tsql/syntax/parser.h"
 #include "tsql/syntax/token.h"
-#include "tsql/translate/compiled.h"
+#include "tsql/translate/common/compiled.h"
 
 namespace tessarlorn::tsql {
 
@@ -27,13 +27,6 @@ struct TextTemplate {
   std::vector<std::string> segments;
   std::vector<Literal> literals;
 };
-
-/// What a statement does to the database by itself, without the statements in its body.
-enum class Effect : std::uint8_t { kNone, kChangesRows, kDefines };
-/// SELECT … INTO defines.
-Effect EffectOf(const Statement& statement);
-/// Whether all tables that it changes or defines are temporary by their names.
-bool IsOnTemporaryTables(const Statement& statement);
 
 /// A top-level statement, parsed, with what was compiled of it so far.
 struct Plan {

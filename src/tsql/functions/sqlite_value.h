@@ -1,4 +1,4 @@
-// Values to and from SQLite's own interface.
+// Arguments and results of SQLite's row functions as values.
 #pragma once
 
 #include <sqlite3.h>
@@ -27,22 +27,6 @@ inline Datum ToDatum(sqlite3_value* value) {
     }
     default:
       return {};
-  }
-}
-
-inline void BindDatum(sqlite3_stmt* statement, int index, const Datum& value) {
-  if (const auto* integer = std::get_if<std::int64_t>(&value)) {
-    sqlite3_bind_int64(statement, index, *integer);
-  } else if (const auto* real = std::get_if<double>(&value)) {
-    sqlite3_bind_double(statement, index, *real);
-  } else if (const auto* text = std::get_if<std::string>(&value)) {
-    sqlite3_bind_text64(statement, index, text->data(), text->size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-  } else if (const auto* blob = std::get_if<Blob>(&value)) {
-    // No address, no value: an empty binary is one, and not NULL.
-    sqlite3_bind_blob64(statement, index, blob->bytes.empty() ? "" : blob->bytes.data(), blob->bytes.size(),
-                        SQLITE_TRANSIENT);
-  } else {
-    sqlite3_bind_null(statement, index);
   }
 }
 

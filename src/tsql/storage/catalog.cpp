@@ -23,23 +23,6 @@ CREATE TABLE IF NOT EXISTS "$columns" (
 ) WITHOUT ROWID;
 )";
 
-std::string ColumnText(sqlite3_stmt* statement, int column) {
-  const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
-  return text == nullptr ? std::string()
-                         : std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column)));
-}
-
-void BindText(sqlite3_stmt* statement, int index, std::string_view text) {
-  sqlite3_bind_text64(statement, index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-}
-
-/// Steps to the next row; false at the end.
-bool Step(sqlite3* database, sqlite3_stmt* statement) {
-  const int status = sqlite3_step(statement);
-  if (status != SQLITE_ROW && status != SQLITE_DONE) RaiseSqlite(database, status, nullptr);
-  return status == SQLITE_ROW;
-}
-
 }  // namespace
 
 std::string QuoteName(std::string_view name) { return "\"" + ReplaceAll(name, "\"", "\"\"") + "\""; }
@@ -87,15 +70,9 @@ void CatalogObject::Seal() {
 }
 
 std::int64_t Catalog::SchemaVersion() {
-  if (version_statement_ == nullptr) version_statement_ = Prepare(database_, "PRAGMA main.schema_version");
-  sqlite3_stmt* statement = version_statement_.get();
-  if (holds_ > 0) return sqlite3_column_int64(statement, 0);
-  const int status = sqlite3_step(statement);
-  if (status != SQLITE_ROW) {
-    sqlite3_reset(statement);
-    RaiseSqlite(database_, status, nullptr);
-  }
-  return sqlite3_column_int64(statement, 0);
+  if (!version_statement_.prepared()) version_statement_ = SqliteStatement(database_, "PRAGMA main.schema_version");
+  if (holds_ == 0) version_statement_.Step();
+  return version_statement_.Integer(0);
 }
 
 void Catalog::Hold() {
@@ -111,7 +88,7 @@ void Catalog::Hold() {
 }
 
 void Catalog::LetGo() noexcept {
-  if (--holds_ == 0) sqlite3_reset(version_statement_.get());
+  if (--holds_ == 0) version_statement_.Reset();
 }
 
 void Catalog::Refresh() {
@@ -122,10 +99,9 @@ void Catalog::Refresh() {
 void Catalog::RefreshTo(std::int64_t version) {
   if (stale_) {
     std::erase_if(temporaries_, [this](const auto& entry) {
-      const StatementHandle statement =
-          Prepare(database_, "SELECT 1 FROM sqlite_temp_schema WHERE type='table' AND lower(name)=?1");
-      BindText(statement.get(), 1, entry.first);
-      return !Step(database_, statement.get());
+      SqliteStatement table(database_, "SELECT 1 FROM sqlite_temp_schema WHERE type='table' AND lower(name)=?1");
+      table.BindText(1, entry.first);
+      return !table.Step();
     });
   }
   if (version == schema_version_ && !stale_) return;
@@ -139,32 +115,31 @@ void Catalog::Make(sqlite3* database) { RunSql(database, kCreateCatalog); }
 void Catalog::Load() {
   objects_.clear();
   ++generation_;
-  const StatementHandle objects = Prepare(database_, R"(SELECT id, name, kind, definition FROM "$objects")");
+  SqliteStatement objects(database_, R"(SELECT id, name, kind, definition FROM "$objects")");
   std::unordered_map<std::int64_t, CatalogObject> read;
-  while (Step(database_, objects.get())) {
+  while (objects.Step()) {
     CatalogObject object;
-    object.id = sqlite3_column_int64(objects.get(), 0);
-    object.name = ColumnText(objects.get(), 1);
-    const std::string kind = ColumnText(objects.get(), 2);
+    object.id = objects.Integer(0);
+    object.name = objects.Text(1);
+    const std::string kind = objects.Text(2);
     object.kind = kind == kKindNames[1]   ? CatalogKind::kView
                   : kind == kKindNames[2] ? CatalogKind::kProcedure
                                           : CatalogKind::kTable;
-    object.definition = ColumnText(objects.get(), 3);
+    object.definition = objects.Text(3);
     read.emplace(object.id, std::move(object));
   }
-  const StatementHandle columns = Prepare(
+  SqliteStatement columns(
       database_,
       R"(SELECT object, name, type, nullable, identity, default_text FROM "$columns" ORDER BY object, position)");
-  while (Step(database_, columns.get())) {
+  while (columns.Step()) {
     Column column;
-    column.name = ColumnText(columns.get(), 1);
-    column.type = ParseTypeText(ColumnText(columns.get(), 2));
-    column.nullable = sqlite3_column_int(columns.get(), 3) != 0;
-    const int key = sqlite3_column_int(columns.get(), 4);
-    column.identity = key == kIdentity;
-    column.row_key = key == kRowKey;
-    column.default_text = ColumnText(columns.get(), 5);
-    const auto owner = read.find(sqlite3_column_int64(columns.get(), 0));
+    column.name = columns.Text(1);
+    column.type = ParseTypeText(columns.Text(2));
+    column.nullable = columns.Integer(3) != 0;
+    column.identity = columns.Integer(4) == kIdentity;
+    column.row_key = columns.Integer(4) == kRowKey;
+    column.default_text = columns.Text(5);
+    const auto owner = read.find(columns.Integer(0));
     if (owner != read.end()) owner->second.columns.push_back(std::move(column));
   }
   for (auto& [id, object] : read) {
@@ -209,35 +184,32 @@ void Catalog::Replace(CatalogObject object) {
   object.id = sqlite3_last_insert_rowid(database_);
   for (std::size_t i = 0; i < object.columns.size(); ++i) {
     const Column& column = object.columns[i];
-    const StatementHandle insert = Prepare(database_, R"(INSERT INTO "$columns" VALUES (?1,?2,?3,?4,?5,?6,?7))");
-    sqlite3_bind_int64(insert.get(), 1, object.id);
-    sqlite3_bind_int64(insert.get(), 2, static_cast<std::int64_t>(i) + 1);
-    BindText(insert.get(), 3, column.name);
-    BindText(insert.get(), 4, TypeText(column.type));
-    sqlite3_bind_int(insert.get(), 5, column.nullable ? 1 : 0);
-    sqlite3_bind_int(insert.get(), 6, column.identity ? kIdentity : column.row_key ? kRowKey : 0);
-    BindText(insert.get(), 7, column.default_text);
-    Step(database_, insert.get());
+    SqliteStatement insert(database_, R"(INSERT INTO "$columns" VALUES (?1,?2,?3,?4,?5,?6,?7))");
+    insert.BindInteger(1, object.id);
+    insert.BindInteger(2, static_cast<std::int64_t>(i) + 1);
+    insert.BindText(3, column.name);
+    insert.BindText(4, TypeText(column.type));
+    insert.BindInteger(5, std::int64_t{column.nullable ? 1 : 0});
+    insert.BindInteger(6, std::int64_t{column.identity ? kIdentity : column.row_key ? kRowKey : 0});
+    insert.BindText(7, column.default_text);
+    insert.Step();
   }
   objects_[key] = std::make_shared<const CatalogObject>(std::move(object));
 }
 
 void Catalog::Write(const CatalogObject& object) {
-  const StatementHandle insert =
-      Prepare(database_, R"(INSERT INTO "$objects" (name, kind, definition) VALUES (?1,?2,?3))");
-  BindText(insert.get(), 1, object.name);
-  BindText(insert.get(), 2, kKindNames[static_cast<std::size_t>(object.kind)]);
-  BindText(insert.get(), 3, object.definition);
-  Step(database_, insert.get());
+  SqliteStatement insert(database_, R"(INSERT INTO "$objects" (name, kind, definition) VALUES (?1,?2,?3))");
+  insert.BindText(1, object.name);
+  insert.BindText(2, kKindNames[static_cast<std::size_t>(object.kind)]);
+  insert.BindText(3, object.definition);
+  insert.Step();
   // Views and procedures are no SQLite objects: the version says to other connections that something changed.
-  if (object.kind != CatalogKind::kTable) {
-    CountUp();
-  }
+  if (object.kind != CatalogKind::kTable) CountUp();
 }
 
 void Catalog::CountUp() {
   const std::int64_t version = SchemaVersion();
-  if (holds_ == 0) sqlite3_reset(version_statement_.get());
+  if (holds_ == 0) version_statement_.Reset();
   RunSql(database_, "PRAGMA main.schema_version = " + std::to_string(version + 1));
 }
 
@@ -251,13 +223,11 @@ void Catalog::Remove(std::string_view name) {
   const auto found = objects_.find(key);
   if (found == objects_.end()) return;
   for (const char* sql : {R"(DELETE FROM "$columns" WHERE object = ?1)", R"(DELETE FROM "$objects" WHERE id = ?1)"}) {
-    const StatementHandle statement = Prepare(database_, sql);
-    sqlite3_bind_int64(statement.get(), 1, found->second->id);
-    Step(database_, statement.get());
+    SqliteStatement statement(database_, sql);
+    statement.BindInteger(1, found->second->id);
+    statement.Step();
   }
-  if (found->second->kind != CatalogKind::kTable) {
-    CountUp();
-  }
+  if (found->second->kind != CatalogKind::kTable) CountUp();
   objects_.erase(found);
 }
 

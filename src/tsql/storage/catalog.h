@@ -105,7 +105,7 @@ class Catalog {
   void Write(const CatalogObject& object);
 
   sqlite3* database_;
-  StatementHandle version_statement_;
+  SqliteStatement version_statement_;
   int holds_ = 0;
   std::unordered_map<std::string, CatalogObjectPtr> objects_;  // by lower-case name
   std::unordered_map<std::string, CatalogObjectPtr> temporaries_;

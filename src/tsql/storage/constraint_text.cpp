@@ -5,8 +5,6 @@
 namespace tessarlorn::tsql {
 namespace {
 
-using Kind = TableConstraint::Kind;
-
 std::string JsonText(std::string_view text) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   std::string json = "\"";
@@ -65,48 +63,50 @@ class Writer {
 
 std::string TextMember(std::string_view text) { return ",\"text\":" + JsonText(text); }
 
+void AddConstraint(Writer& writer, const TableConstraint& constraint) {
+  const std::string& name = constraint.name;
+  std::visit(Overloaded{
+                 [&](const PrimaryKeyRule& key) { writer.Add("PK", name, key.columns); },
+                 [&](const UniqueRule& key) { writer.Add("UQ", name, key.columns); },
+                 [&](const ForeignKeyRule& key) {
+                   const std::string columns = key.referenced_columns.empty()
+                                                   ? std::string()
+                                                   : ",\"referenced\":" + JsonList(key.referenced_columns);
+                   writer.Add("F", name, key.columns, ",\"to\":" + JsonText(key.references.name) + columns);
+                 },
+                 [&](const CheckRule& check) { writer.Add("C", name, {}, TextMember("(" + check.text + ")")); },
+                 [](const DefaultRule&) {},
+             },
+             constraint.rule);
+}
+
+/// The name that the table's constraints give the default of a column, "" for none.
+std::string DefaultName(const std::vector<TableConstraint>& constraints, const std::string& column) {
+  std::string name;
+  for (const TableConstraint& constraint : constraints) {
+    const auto* rule = std::get_if<DefaultRule>(&constraint.rule);
+    if (rule != nullptr && EqualsIgnoreCase(rule->column, column)) name = constraint.name;
+  }
+  return name;
+}
+
 }  // namespace
 
-void AddConstraints(std::string& definition, const Statement& statement) {
-  Writer writer(definition, statement.table.name);
+void AddConstraints(std::string& definition, const std::string& table, const TableElements& elements) {
+  Writer writer(definition, table);
   std::vector<std::string> primary_key;
-  for (const ColumnDefinition& column : statement.column_definitions) {
+  for (const ColumnDefinition& column : elements.columns) {
     if (column.primary_key) primary_key.push_back(column.name);
   }
   if (!primary_key.empty()) writer.Add("PK", "", primary_key);
-  for (const TableConstraint& constraint : statement.constraints) {
-    switch (constraint.kind) {
-      case Kind::kPrimaryKey:
-        writer.Add("PK", constraint.name, constraint.columns);
-        break;
-      case Kind::kUnique:
-        writer.Add("UQ", constraint.name, constraint.columns);
-        break;
-      case Kind::kForeignKey:
-        writer.Add(
-            "F", constraint.name, constraint.columns,
-            ",\"to\":" + JsonText(constraint.references.name) +
-                (constraint.referenced_columns.empty() ? ""
-                                                       : ",\"referenced\":" + JsonList(constraint.referenced_columns)));
-        break;
-      case Kind::kCheck:
-        writer.Add("C", constraint.name, {}, TextMember("(" + constraint.check_text + ")"));
-        break;
-      case Kind::kDefault:
-        break;
-    }
-  }
-  for (const ColumnDefinition& column : statement.column_definitions) {
+  for (const TableConstraint& constraint : elements.constraints) AddConstraint(writer, constraint);
+  for (const ColumnDefinition& column : elements.columns) {
     if (column.unique) writer.Add("UQ", "", {column.name});
     if (column.check != nullptr) writer.Add("C", "", {column.name}, TextMember("(" + column.check_text + ")"));
     if (column.identity) writer.Add("I", "", {column.name}, ",\"seed\":" + std::to_string(column.identity_seed));
     if (column.default_text.empty()) continue;
-    std::string name;
-    for (const TableConstraint& constraint : statement.constraints) {
-      const bool own = constraint.kind == Kind::kDefault && !constraint.columns.empty();
-      if (own && EqualsIgnoreCase(constraint.columns[0], column.name)) name = constraint.name;
-    }
-    writer.Add("D", name, {column.name}, TextMember("(" + column.default_text + ")"));
+    writer.Add("D", DefaultName(elements.constraints, column.name), {column.name},
+               TextMember("(" + column.default_text + ")"));
   }
 }
 

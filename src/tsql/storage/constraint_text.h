@@ -3,14 +3,13 @@
 
 #include <string>
 
-#include "tsql/syntax/ast.h"
+#include "tsql/syntax/statement.h"
 
 namespace tessarlorn::tsql {
 
 /// Adds the constraints of a CREATE TABLE, or of an ALTER TABLE that adds columns, to what the catalog has of the
-/// table:
-/// "" or a JSON array of objects with kind (PK, UQ, F, C, D as the server has them, I for an identity), name, columns,
-/// and text, to and referenced, or seed. What has no name gets one that the table has not yet.
-void AddConstraints(std::string& definition, const Statement& statement);
+/// table: "" or a JSON array of objects with kind (PK, UQ, F, C, D as the server has them, I for an identity), name,
+/// columns, and text, to and referenced, or seed. What has no name gets one that the table has not yet.
+void AddConstraints(std::string& definition, const std::string& table, const TableElements& elements);
 
 }  // namespace tessarlorn::tsql

@@ -41,10 +41,9 @@ constexpr const char* kAnothers =
 constexpr const char* kEmpty = "it is empty, and no database of ours.";
 
 std::int64_t ReadNumber(sqlite3* database, const char* sql) {
-  const StatementHandle statement = Prepare(database, sql);
-  const int status = sqlite3_step(statement.get());
-  if (status != SQLITE_ROW) RaiseSqlite(database, status, nullptr);
-  return sqlite3_column_int64(statement.get(), 0);
+  SqliteStatement statement(database, sql);
+  statement.Step();
+  return statement.Integer(0);
 }
 
 Owner OwnerOf(sqlite3* database) {

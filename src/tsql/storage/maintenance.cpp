@@ -19,11 +19,10 @@ namespace {
 using tsql::DatabaseHandle;
 using tsql::DatabaseOptions;
 using tsql::MissingFile;
-using tsql::Prepare;
 using tsql::RaiseSqlite;
 using tsql::RunSql;
 using tsql::SqlError;
-using tsql::StatementHandle;
+using tsql::SqliteStatement;
 
 /// A file that exists where a new one is wanted, and a folder that does not.
 constexpr std::int32_t kFileExists = 58;
@@ -53,13 +52,8 @@ DatabaseOptions FileOptions(std::string_view database_string) {
 /// The texts that a query answers in its first column.
 std::vector<std::string> Texts(sqlite3* database, std::string_view sql) {
   std::vector<std::string> texts;
-  const StatementHandle statement = Prepare(database, sql);
-  int status = SQLITE_DONE;
-  while ((status = sqlite3_step(statement.get())) == SQLITE_ROW) {
-    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), 0));
-    texts.emplace_back(text == nullptr ? "" : text);
-  }
-  if (status != SQLITE_DONE) RaiseSqlite(database, status, nullptr);
+  SqliteStatement statement(database, sql);
+  while (statement.Step()) texts.push_back(statement.Text(0));
   return texts;
 }
 

@@ -2,8 +2,10 @@
 
 #include <cerrno>
 #include <optional>
+#include <utility>
 
 #include "platform/text.h"
+#include "tsql/functions/sqlite_value.h"
 #include "tsql/storage/catalog.h"
 #include "tsql/values/sql_error.h"
 
@@ -26,13 +28,12 @@ std::string_view ColumnPart(std::string_view column) {
 /// The index, with its table's name before a point, whose columns are "t.a, t.b"; "" for those of constraints.
 std::string IndexOf(sqlite3* database, const std::string& columns) {
   const std::string table(TablePart(columns));
-  const StatementHandle statement = Prepare(database, R"(SELECT l.name FROM pragma_index_list(?1) l
+  SqliteStatement statement(database, R"(SELECT l.name FROM pragma_index_list(?1) l
  WHERE l."unique" AND l.origin = 'c' AND ?2 = (SELECT group_concat(?1 || '.' || name, ', ')
   FROM (SELECT name FROM pragma_index_info(l.name) ORDER BY seqno)))");
-  sqlite3_bind_text(statement.get(), 1, table.data(), static_cast<int>(table.size()), SQLITE_STATIC);
-  sqlite3_bind_text(statement.get(), 2, columns.data(), static_cast<int>(columns.size()), SQLITE_STATIC);
-  if (sqlite3_step(statement.get()) != SQLITE_ROW) return {};
-  return std::string(reinterpret_cast<const char*>(sqlite3_column_text(statement.get(), 0)));
+  statement.BindText(1, table);
+  statement.BindText(2, columns);
+  return statement.Step() ? statement.Text(0) : std::string();
 }
 
 [[noreturn]] void RaiseDuplicate(sqlite3* database, const std::string& detail) {
@@ -101,6 +102,37 @@ bool IsDiskFull(sqlite3* database, int status) {
   }
 }
 
+/// The database as messages name it.
+struct ShownDatabase {
+  explicit ShownDatabase(sqlite3* database) {
+    constexpr std::string_view kInMemory = "/tessarlorn-";
+    const char* file = database == nullptr ? nullptr : sqlite3_db_filename(database, "main");
+    in_memory = file != nullptr && std::string_view(file).starts_with(kInMemory);
+    name = file == nullptr || *file == '\0' ? "in memory"
+           : in_memory                      ? "':memory:" + std::string(file).substr(kInMemory.size()) + "'"
+                                            : std::string("'") + file + "'";
+  }
+  std::string name;
+  bool in_memory = false;
+};
+
+[[noreturn]] void RaiseReadOnly(sqlite3* database, int status, const std::string& name) {
+  // The database may be written, but the file of locks had no room (see OpenDatabase).
+  if (status == SQLITE_READONLY && database != nullptr && sqlite3_db_readonly(database, "main") == 0) {
+    throw SqlError(1105,
+                   "Could not allocate space in the database " + name +
+                       ": the disk was full when it was opened. Free space and open it again.",
+                   17);
+  }
+  throw SqlError(3906, "Failed to update the database " + name + " because it is read-only.");
+}
+
+[[noreturn]] void RaiseOther(const std::string& message) {
+  if (message == "integer overflow")
+    throw SqlError(8115, "Arithmetic overflow error converting expression to data type bigint.");
+  throw SqlError(8624, "The embedded database could not run the statement: " + message + ".");
+}
+
 }  // namespace
 
 void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_view verb) {
@@ -111,12 +143,8 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
   }
   const std::string message = database == nullptr ? sqlite3_errstr(status) : sqlite3_errmsg(database);
   const int extended = database == nullptr ? status : sqlite3_extended_errcode(database);
-  const char* file = database == nullptr ? nullptr : sqlite3_db_filename(database, "main");
-  constexpr std::string_view kInMemory = "/tessarlorn-";
-  const bool in_memory = file != nullptr && std::string_view(file).starts_with(kInMemory);
-  const std::string name = file == nullptr || *file == '\0' ? "in memory"
-                           : in_memory ? "':memory:" + std::string(file).substr(kInMemory.size()) + "'"
-                                       : std::string("'") + file + "'";
+  const ShownDatabase shown(database);
+  const std::string& name = shown.name;
   int kind = status & 0xff;
   if ((kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN) && IsDiskFull(database, extended)) kind = SQLITE_FULL;
   switch (kind) {
@@ -126,7 +154,7 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
     case SQLITE_LOCKED:
       throw SqlError(1222, "Lock request time out period exceeded: the database " + name + " is in use.");
     case SQLITE_FULL:
-      if (in_memory) throw OutOfMemory();
+      if (shown.in_memory) throw OutOfMemory();
       throw SqlError(1105, "Could not allocate space in the database " + name + ": the disk is full.", 17);
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
@@ -134,14 +162,7 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
     case SQLITE_IOERR:
       throw SqlError(823, "Reading or writing the database " + name + " failed: " + message + ".", 24);
     case SQLITE_READONLY:
-      // The database may be written, but the file of locks had no room (see OpenDatabase).
-      if (extended == SQLITE_READONLY && database != nullptr && sqlite3_db_readonly(database, "main") == 0) {
-        throw SqlError(1105,
-                       "Could not allocate space in the database " + name +
-                           ": the disk was full when it was opened. Free space and open it again.",
-                       17);
-      }
-      throw SqlError(3906, "Failed to update the database " + name + " because it is read-only.");
+      RaiseReadOnly(database, extended, name);
     case SQLITE_CANTOPEN:
       throw SqlError(4060, "Cannot open the database " + name + ": " + message + ".", 11);
     case SQLITE_INTERRUPT:
@@ -152,24 +173,70 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
       if (message == sqlite3_errstr(SQLITE_TOOBIG)) throw OutOfMemory();
       throw SqlError(8631, "The value or the statement is too large: " + message + ".", 17);
     default:
-      break;
+      RaiseOther(message);
   }
-  if (message == "integer overflow")
-    throw SqlError(8115, "Arithmetic overflow error converting expression to data type bigint.");
-  throw SqlError(8624, "The embedded database could not run the statement: " + message + ".");
-}
-
-StatementHandle Prepare(sqlite3* database, std::string_view sql, Runtime* runtime) {
-  sqlite3_stmt* statement = nullptr;
-  const int status = sqlite3_prepare_v3(database, sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT,
-                                        &statement, nullptr);
-  if (status != SQLITE_OK) RaiseSqlite(database, status, runtime);
-  return StatementHandle(statement);
 }
 
 void RunSql(sqlite3* database, const std::string& sql, Runtime* runtime) {
   const int status = sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr);
   if (status != SQLITE_OK) RaiseSqlite(database, status, runtime);
 }
+
+SqliteStatement::SqliteStatement(sqlite3* database, std::string_view sql, Runtime* runtime) : runtime_(runtime) {
+  sqlite3_stmt* statement = nullptr;
+  const int status = sqlite3_prepare_v3(database, sql.data(), static_cast<int>(sql.size()), SQLITE_PREPARE_PERSISTENT,
+                                        &statement, nullptr);
+  if (status != SQLITE_OK) RaiseSqlite(database, status, runtime);
+  handle_.reset(statement);
+}
+
+void SqliteStatement::BindInteger(int parameter, std::int64_t value) {
+  sqlite3_bind_int64(handle_.get(), parameter, value);
+}
+
+void SqliteStatement::BindText(int parameter, std::string_view text) {
+  sqlite3_bind_text64(handle_.get(), parameter, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+}
+
+void SqliteStatement::BindValue(int parameter, const Datum& value) {
+  if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+    sqlite3_bind_int64(handle_.get(), parameter, *integer);
+  } else if (const auto* real = std::get_if<double>(&value)) {
+    sqlite3_bind_double(handle_.get(), parameter, *real);
+  } else if (const auto* text = std::get_if<std::string>(&value)) {
+    BindText(parameter, *text);
+  } else if (const auto* blob = std::get_if<Blob>(&value)) {
+    // No address, no value: an empty binary is one, and not NULL.
+    sqlite3_bind_blob64(handle_.get(), parameter, blob->bytes.empty() ? "" : blob->bytes.data(), blob->bytes.size(),
+                        SQLITE_TRANSIENT);
+  } else {
+    sqlite3_bind_null(handle_.get(), parameter);
+  }
+}
+
+void SqliteStatement::BindList(int parameter, std::shared_ptr<const ListItems> items) {
+  tsql::BindList(handle_.get(), parameter, std::move(items));
+}
+
+void SqliteStatement::BindStaticText(int parameter, std::string_view text) {
+  sqlite3_bind_text64(handle_.get(), parameter, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
+}
+
+bool SqliteStatement::Step(std::string_view verb) {
+  const int status = sqlite3_step(handle_.get());
+  if (status == SQLITE_ROW) return true;
+  if (status == SQLITE_DONE) return false;
+  sqlite3_reset(handle_.get());
+  RaiseSqlite(sqlite3_db_handle(handle_.get()), status, runtime_, verb);
+}
+
+std::string_view SqliteStatement::Bytes(int column) const {
+  const auto* bytes = static_cast<const char*>(sqlite3_column_blob(handle_.get(), column));
+  return bytes == nullptr
+             ? std::string_view{}
+             : std::string_view(bytes, static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column)));
+}
+
+Datum SqliteStatement::Value(int column) const { return ToDatum(sqlite3_column_value(handle_.get(), column)); }
 
 }  // namespace tessarlorn::tsql

@@ -1,16 +1,22 @@
-// The syntax tree of Transact-SQL, as the parser makes it and the translator reads it.
+// The syntax tree of Transact-SQL, as the parser makes it and the translator reads it: expressions and queries here,
+// statements in statement.h.
 #pragma once
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
-#include <utility>
+#include <variant>
 #include <vector>
 
 #include "tsql/values/type_name.h"
 
 namespace tessarlorn::tsql {
+
+/// A set of functions as one, for std::visit.
+template <typename... Cases>
+struct Overloaded : Cases... {
+  using Cases::operator()...;
+};
 
 /// A name of up to three parts as written: [database.][schema.]object. Database and schema are kept for messages only.
 struct ObjectName {
@@ -25,7 +31,6 @@ using ExpressionPtr = std::unique_ptr<Expression>;
 using QueryPtr = std::unique_ptr<Query>;
 
 enum class LiteralKind : std::uint8_t { kNull, kInteger, kDecimal, kFloat, kBinary, kString, kNString };
-
 enum class UnaryOp : std::uint8_t { kPlus, kMinus, kBitNot };
 enum class CompareOp : std::uint8_t { kEqual, kNotEqual, kLess, kLessEqual, kGreater, kGreaterEqual };
 enum class Quantifier : std::uint8_t { kAny, kAll };
@@ -35,6 +40,77 @@ struct OrderItem {
   bool descending = false;
 };
 
+// Values.
+
+struct Literal {
+  LiteralKind kind = LiteralKind::kNull;
+  /// Its value, quotes undone; digits as written.
+  std::string text;
+  /// Which of the statement's literals it is, counted from 0 over all literal tokens (not lists) of its top-level
+  /// statement, in the order of the text; -1 for literals that the parser made itself (NULL).
+  int index = -1;
+};
+
+struct VariableReference {
+  std::string name;  // "@name" in lower case
+};
+
+struct GlobalReference {
+  std::string name;  // "@@rowcount" in lower case
+};
+
+struct ColumnReference {
+  std::vector<std::string> parts;  // [[schema.]table.]column, one to three
+  [[nodiscard]] const std::string& name() const { return parts.back(); }
+  /// The table or alias before the column, "" when none.
+  [[nodiscard]] std::string qualifier() const { return parts.size() > 1 ? parts[parts.size() - 2] : std::string(); }
+};
+
+/// `*` or `table.*`: only in a select list, and as the argument of COUNT.
+struct Star {
+  std::string table;  // "" for all
+};
+
+/// DEFAULT among the values of an INSERT.
+struct DefaultValue {};
+
+struct UnaryOperation {
+  UnaryOp op = UnaryOp::kPlus;
+  ExpressionPtr operand;
+};
+
+struct BinaryOperation {
+  BinaryOp op = BinaryOp::kAdd;
+  ExpressionPtr left;
+  ExpressionPtr right;
+};
+
+struct CaseBranch {
+  ExpressionPtr when;  // a value to compare with, or a condition
+  ExpressionPtr then;
+};
+
+struct CaseExpression {
+  ExpressionPtr compared;  // null: each branch has a condition
+  std::vector<CaseBranch> branches;
+  ExpressionPtr otherwise;  // null: NULL
+};
+
+/// CAST or TRY_CAST.
+struct CastExpression {
+  ExpressionPtr value;
+  TypeName type;
+  bool attempt = false;  // TRY_: NULL for what cannot be converted
+};
+
+/// CONVERT or TRY_CONVERT.
+struct ConvertExpression {
+  ExpressionPtr value;
+  TypeName type;
+  ExpressionPtr style;  // null when none
+  bool attempt = false;
+};
+
 /// OVER (PARTITION BY … ORDER BY … [ROWS|RANGE …])
 struct Window {
   std::vector<ExpressionPtr> partition;
@@ -42,84 +118,154 @@ struct Window {
   std::string frame;  // "" or the frame clause, normalised: "ROWS BETWEEN UNBOUNDED PRECEDING AND CURRENT ROW"
 };
 
-struct CaseBranch {
-  ExpressionPtr when;
-  ExpressionPtr then;
+struct FunctionCall {
+  std::string name;                      // in lower case
+  std::vector<ExpressionPtr> arguments;  // the first one of IIF is a condition
+  bool distinct = false;                 // of an aggregate
+  std::string date_part;                 // of DATEADD and its like, in lower case
+  std::unique_ptr<Window> window;        // null when none
 };
 
-/// One node of an expression or a condition; `kind` tells which members count.
-struct Expression {
-  enum class Kind : std::uint8_t {
-    kLiteral,   // literal, text, literal_index
-    kVariable,  // text: "@name" in lower case
-    kGlobal,    // text: "@@rowcount" in lower case
-    kColumn,    // parts: [[schema.]table.]column, one to three
-    kStar,      // * or parts[0].* : only in a select list, and as the argument of COUNT
-    kUnary,     // unary, operands[0]
-    kBinary,    // binary, operands[0..1]
-    kCase,      // operands[0] the compared value or null; branches; operands[1] ELSE or null
-    kCast,      // operands[0], type; try_cast
-    kConvert,   // operands[0] value, operands[1] style or null; type; try_cast
-    kFunction,  // text: name in lower case; operands; distinct (aggregates); window; parts[0] datepart where it has
-                // one; type of identity(type, seed, increment), whose operands are seed and increment
-    kSubquery,  // query: a scalar subquery
-    kCollate,   // operands[0], text: collation
-    // Conditions
-    kCompare,        // compare, operands[0..1]
-    kAnd,            // operands[0..n)
-    kOr,             // operands[0..n)
-    kNot,            // operands[0]
-    kIsNull,         // operands[0]; negated
-    kBetween,        // operands[0..2]; negated
-    kLike,           // operands[0] text, [1] pattern, [2] escape or absent; negated
-    kInList,         // operands[0], operands[1..] the items; negated
-    kInLiteralList,  // operands[0], list_index, list_of_strings: the items of a kList token; negated
-    kInQuery,        // operands[0], query; negated
-    kExists,         // query
-    kQuantified,     // operands[0] compare quantifier (query)
-  };
-  Kind kind = Kind::kLiteral;
-  LiteralKind literal = LiteralKind::kNull;
-  UnaryOp unary = UnaryOp::kPlus;
-  BinaryOp binary = BinaryOp::kAdd;
-  CompareOp compare = CompareOp::kEqual;
-  Quantifier quantifier = Quantifier::kAny;
-  bool negated = false;
-  bool distinct = false;
-  bool try_cast = false;
-  std::uint32_t line = 1;
-  /// Of a literal: which of the statement's literals it is, counted from 0 over all literal tokens (not lists) of its
-  /// top-level statement, in the order of the text; -1 for literals that the parser made itself (NULL).
-  int literal_index = -1;
-  /// Of a list: which of the statement's list tokens it is, counted from 0.
-  int list_index = -1;
-  bool list_of_strings = false;
-  /// Of a literal: its value, quotes undone; digits as written. Otherwise see Kind.
-  std::string text;
-  std::vector<std::string> parts;
-  std::vector<ExpressionPtr> operands;
-  std::vector<CaseBranch> branches;
+/// IDENTITY(type [, seed, increment]), which numbers the rows of SELECT … INTO.
+struct IdentityCall {
   TypeName type;
-  QueryPtr query;
-  std::unique_ptr<Window> window;
+  std::vector<ExpressionPtr> arguments;
 };
 
-/// FROM: a table, a derived table, or a join of two sources.
+struct ScalarSubquery {
+  QueryPtr query;
+};
+
+struct CollateExpression {
+  ExpressionPtr value;
+  std::string collation;
+};
+
+// Conditions.
+
+struct Comparison {
+  CompareOp op = CompareOp::kEqual;
+  ExpressionPtr left;
+  ExpressionPtr right;
+};
+
+/// value = ANY (query), value < ALL (query).
+struct QuantifiedComparison {
+  CompareOp op = CompareOp::kEqual;
+  ExpressionPtr value;
+  Quantifier quantifier = Quantifier::kAny;
+  QueryPtr query;
+};
+
+/// a AND b AND c.
+struct Conjunction {
+  std::vector<ExpressionPtr> operands;
+};
+
+/// a OR b OR c.
+struct Disjunction {
+  std::vector<ExpressionPtr> operands;
+};
+
+struct Negation {
+  ExpressionPtr operand;
+};
+
+/// IS [NOT] NULL
+struct NullTest {
+  ExpressionPtr value;
+  bool negated = false;
+};
+
+struct BetweenCondition {
+  ExpressionPtr value;
+  ExpressionPtr low;
+  ExpressionPtr high;
+  bool negated = false;
+};
+
+struct LikeCondition {
+  ExpressionPtr text;
+  ExpressionPtr pattern;
+  ExpressionPtr escape;  // null when none
+  bool negated = false;
+};
+
+/// IN (a, b, …)
+struct InList {
+  ExpressionPtr value;
+  std::vector<ExpressionPtr> items;
+  bool negated = false;
+};
+
+/// IN with the items of a kList token.
+struct InLiteralList {
+  ExpressionPtr value;
+  int index = 0;  // which of the statement's list tokens it is, counted from 0
+  bool of_strings = false;
+  bool negated = false;
+};
+
+struct InQuery {
+  ExpressionPtr value;
+  QueryPtr query;
+  bool negated = false;
+};
+
+struct ExistsCondition {
+  QueryPtr query;
+};
+
+using ExpressionNode =
+    std::variant<Literal, VariableReference, GlobalReference, ColumnReference, Star, DefaultValue, UnaryOperation,
+                 BinaryOperation, CaseExpression, CastExpression, ConvertExpression, FunctionCall, IdentityCall,
+                 ScalarSubquery, CollateExpression, Comparison, QuantifiedComparison, Conjunction, Disjunction,
+                 Negation, NullTest, BetweenCondition, LikeCondition, InList, InLiteralList, InQuery, ExistsCondition>;
+
+/// A value or a condition.
+struct Expression {
+  std::uint32_t line = 1;
+  ExpressionNode node;
+};
+
+/// The expression as a node of that type, or nullptr when it is another one.
+template <typename Node>
+const Node* As(const Expression& expression) {
+  return std::get_if<Node>(&expression.node);
+}
+
+// Queries.
+
 struct TableSource;
 using TableSourcePtr = std::unique_ptr<TableSource>;
 enum class JoinKind : std::uint8_t { kInner, kLeft, kRight, kFull, kCross };
-struct TableSource {
-  enum class Kind : std::uint8_t { kTable, kDerived, kJoin };
-  Kind kind = Kind::kTable;
-  std::uint32_t line = 1;
-  ObjectName table;                         // kTable; hints are parsed, checked against the known ones and dropped
-  QueryPtr query;                           // kDerived
-  std::string alias;                        // "" when none
-  std::vector<std::string> column_aliases;  // of a derived table: t(a,b)
-  JoinKind join = JoinKind::kInner;         // kJoin
+
+/// A table or view. Hints are parsed, checked against the known ones and dropped.
+struct NamedTable {
+  ObjectName name;
+  std::string alias;  // "" when none
+  /// The name that columns are qualified with.
+  [[nodiscard]] const std::string& shown_name() const { return alias.empty() ? name.name : alias; }
+};
+
+/// (query) AS t(a, b)
+struct DerivedTable {
+  QueryPtr query;
+  std::string alias;
+  std::vector<std::string> column_aliases;
+};
+
+struct Join {
+  JoinKind kind = JoinKind::kInner;
   TableSourcePtr left;
   TableSourcePtr right;
-  ExpressionPtr on;  // absent for kCross
+  ExpressionPtr on;  // null for kCross
+};
+
+/// One source of FROM.
+struct TableSource {
+  std::uint32_t line = 1;
+  std::variant<NamedTable, DerivedTable, Join> node;
 };
 
 struct SelectItem {
@@ -142,7 +288,18 @@ struct Select {
   ExpressionPtr having;
 };
 
-enum class SetOperator : std::uint8_t { kNone, kUnion, kUnionAll, kExcept, kIntersect };
+/// VALUES (…),(…)
+struct ValueRows {
+  std::vector<std::vector<ExpressionPtr>> rows;
+};
+
+enum class SetOperator : std::uint8_t { kUnion, kUnionAll, kExcept, kIntersect };
+
+struct SetOperation {
+  SetOperator op = SetOperator::kUnion;
+  QueryPtr left;
+  QueryPtr right;
+};
 
 struct CommonTable {
   std::string name;
@@ -150,149 +307,20 @@ struct CommonTable {
   QueryPtr query;
 };
 
-/// A query expression: a SELECT, a VALUES table (rows), or two queries with a set operator.
+/// A query expression.
 struct Query {
   std::vector<CommonTable> with;
-  std::unique_ptr<Select> select;                // kNone
-  std::vector<std::vector<ExpressionPtr>> rows;  // kNone without select: (VALUES (…),(…)) as derived table
-  SetOperator set_operator = SetOperator::kNone;
-  QueryPtr left;
-  QueryPtr right;
+  std::variant<Select, ValueRows, SetOperation> body;
   std::vector<OrderItem> order_by;
   ExpressionPtr offset;
   ExpressionPtr fetch;
-};
 
-struct Assignment {
-  std::string variable;             // "@v" or ""
-  std::vector<std::string> column;  // [alias.]column, empty when only a variable is assigned
-  BinaryOp compound = BinaryOp::kAdd;
-  bool is_compound = false;  // +=, -= …
-  ExpressionPtr value;
-};
-
-struct ColumnDefinition {
-  std::string name;
-  TypeName type;
-  std::optional<bool> nullable;  // not given: nullable
-  std::string collation;         // "" when none is given
-  bool identity = false;
-  std::int64_t identity_seed = 1;
-  std::int64_t identity_increment = 1;
-  ExpressionPtr default_value;
-  std::string default_text;  // the default as written, for the catalog
-  bool primary_key = false;
-  bool unique = false;
-  ExpressionPtr computed;  // column AS expression
-  ExpressionPtr check;
-  std::string check_text;
-};
-
-/// A constraint of a table, or one of a column that is named or refers to another table. A named DEFAULT of a column in
-/// its definition stands in both: the value at the column, the name here.
-struct TableConstraint {
-  enum class Kind : std::uint8_t { kPrimaryKey, kUnique, kCheck, kForeignKey, kDefault };
-  Kind kind = Kind::kPrimaryKey;
-  std::string name;
-  std::vector<std::string> columns;
-  ExpressionPtr check;  // of kDefault the value
-  std::string check_text;
-  ObjectName references;
-  std::vector<std::string> referenced_columns;
-};
-
-struct Statement;
-using StatementPtr = std::unique_ptr<Statement>;
-
-struct VariableDeclaration {
-  std::string name;  // "@v" in lower case
-  TypeName type;
-  ExpressionPtr initial;
-};
-
-struct Parameter {
-  std::string name;  // "@p"
-  TypeName type;
-  ExpressionPtr default_value;
-  bool output = false;
-};
-
-/// One statement; `kind` tells which members count.
-struct Statement {
-  enum class Kind : std::uint8_t {
-    kSelect,     // query
-    kInsert,     // table, columns, query (VALUES is a Query with rows) or execute, or default_values
-    kUpdate,     // table (as written: name or alias), assignments, from, where, top
-    kDelete,     // table, from, where, top
-    kTruncate,   // table
-    kDeclare,    // declarations
-    kSet,        // assignments (one): variable
-    kSetOption,  // text: "nocount" …, on/off in flag; "isolation" with text2 "read uncommitted"; "identity_insert"
-                 // with table; "lock_timeout" and others with value or, when it is a word, text2
-    kIf,         // condition, body[0], optional body[1]
-    kWhile,      // condition, body[0]
-    kBlock,      // body
-    kBreak,
-    kContinue,
-    kReturn,            // value or none
-    kPrint,             // value
-    kRaiseError,        // values: message, severity, state, further arguments
-    kThrow,             // values: none, or number, message, state
-    kTryCatch,          // body (TRY), catch_body
-    kBeginTransaction,  // text: name or ""
-    kCommit,
-    kRollback,         // text: name of a save point or transaction, or ""
-    kSaveTransaction,  // text
-    kExecute,          // table: procedure name, or text_expression for EXEC('…'); arguments; result_variable
-    kWaitFor,          // value: delay as text 'hh:mm:ss'
-    kCreateTable,      // table, column_definitions, constraints
-    kAlterTable,       // table, alter (see below), column_definitions / constraints / columns (to drop), if_exists
-    kDropTable,        // tables, if_exists; views and procedures too, by object_kind
-    kCreateIndex,      // text: index name, table, order (columns), flag: unique, columns: included, where
-    kDropIndex,        // text: index name, table, if_exists
-    kCreateView,       // table, columns, query, source_text; flag: CREATE OR ALTER / ALTER
-    kCreateProcedure,  // table, parameters, body, source_text; flag: CREATE OR ALTER / ALTER
-    kUse,              // text: database
-    kEmpty,            // ;
-  };
-  enum class ObjectKind : std::uint8_t { kTable, kView, kProcedure };
-  enum class Alter : std::uint8_t { kAddColumns, kAddConstraint, kDropColumn, kDropConstraint, kAlterColumn };
-
-  Kind kind = Kind::kEmpty;
-  std::uint32_t line = 1;
-  bool flag = false;
-  bool if_exists = false;
-  bool default_values = false;
-  ObjectKind object_kind = ObjectKind::kTable;
-  Alter alter = Alter::kAddColumns;
-  std::string text;
-  std::string text2;
-  ObjectName table;
-  std::vector<ObjectName> tables;
-  std::vector<std::string> columns;
-  std::vector<CommonTable> with;  // WITH before INSERT, UPDATE or DELETE
-  QueryPtr query;
-  std::vector<TableSourcePtr> from;
-  ExpressionPtr where;
-  ExpressionPtr top;
-  std::vector<Assignment> assignments;
-  std::vector<VariableDeclaration> declarations;
-  ExpressionPtr condition;
-  ExpressionPtr value;
-  std::vector<ExpressionPtr> values;
-  std::vector<StatementPtr> body;
-  std::vector<StatementPtr> catch_body;
-  std::vector<SelectItem> output;                                // of INSERT, UPDATE and DELETE: OUTPUT
-  StatementPtr execute;                                          // of INSERT … EXEC
-  std::vector<std::pair<std::string, ExpressionPtr>> arguments;  // EXEC: "@name" or "", value (null: DEFAULT)
-  std::vector<bool> argument_outputs;                            // EXEC: OUTPUT behind it
-  std::string result_variable;                                   // EXEC @r = …
-  ExpressionPtr text_expression;                                 // EXEC ('…')
-  std::vector<ColumnDefinition> column_definitions;
-  std::vector<TableConstraint> constraints;
-  std::vector<OrderItem> order;
-  std::vector<Parameter> parameters;
-  std::string source_text;
+  /// The body when it is one SELECT, else nullptr.
+  [[nodiscard]] const Select* select() const { return std::get_if<Select>(&body); }
+  [[nodiscard]] const ValueRows* rows() const { return std::get_if<ValueRows>(&body); }
+  [[nodiscard]] const SetOperation* set() const { return std::get_if<SetOperation>(&body); }
+  /// SELECT … INTO.
+  [[nodiscard]] bool makes_table() const { return select() != nullptr && !select()->into.name.empty(); }
 };
 
 }  // namespace tessarlorn::tsql

@@ -34,7 +34,7 @@ std::vector<StatementPtr> ParseStatements(std::string_view batch, const Tokens& 
   while (tokens.tokens[position].kind != TokenKind::kEnd) {
     ParsedStatement parsed = ParseStatement(batch, tokens, position);
     position = parsed.end;
-    if (parsed.statement->kind != Statement::Kind::kEmpty) statements.push_back(std::move(parsed.statement));
+    if (As<EmptyStatement>(*parsed.statement) == nullptr) statements.push_back(std::move(parsed.statement));
   }
   return statements;
 }

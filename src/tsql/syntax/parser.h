@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "tsql/syntax/ast.h"
+#include "tsql/syntax/statement.h"
 #include "tsql/syntax/token.h"
 
 namespace tessarlorn::tsql {

@@ -3,13 +3,15 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "tsql/syntax/ast.h"
 #include "tsql/syntax/keywords.h"
+#include "tsql/syntax/statement.h"
 #include "tsql/syntax/token.h"
 #include "tsql/values/memory_budget.h"
 
@@ -103,7 +105,10 @@ class Parser {
   ExpressionPtr ParseAnd();
   ExpressionPtr ParseNot();
   ExpressionPtr ParsePredicate();
-  ExpressionPtr ParseComparison(ExpressionPtr left, CompareOp compare);
+  ExpressionPtr ParseComparison(ExpressionPtr left);
+  ExpressionPtr ParseNullTest(ExpressionPtr value);
+  ExpressionPtr ParseLike(ExpressionPtr text, bool negated);
+  ExpressionPtr ParseBetween(ExpressionPtr value, bool negated);
   ExpressionPtr ParseIn(ExpressionPtr left, bool negated);
   ExpressionPtr ParseArithmetic(int precedence);
   ExpressionPtr ParseUnary();
@@ -111,21 +116,23 @@ class Parser {
   ExpressionPtr ParseKeywordPrimary();
   ExpressionPtr ParseLiteral();
   ExpressionPtr ParseParens();
-  ExpressionPtr ParseCase();
-  ExpressionPtr ParseCast(bool try_cast);
-  ExpressionPtr ParseConvert(bool try_cast);
-  ExpressionPtr ParseIdentityFunction();
   ExpressionPtr ParseColumn();
+  std::vector<OrderItem> ParseOrderItems();
+  void RequireCondition(const Expression& expression) const;
+  void RequireValue(const Expression& expression) const;
+  static ExpressionPtr MakeExpression(std::uint32_t line, ExpressionNode node);
+
+  // parser_call.cpp
+  ExpressionPtr ParseCase();
+  ExpressionPtr ParseCast(bool attempt);
+  ExpressionPtr ParseConvert(bool attempt);
+  ExpressionPtr ParseIdentityCall();
+  ExpressionPtr ParseCallWithoutParens();
   ExpressionPtr ParseCall();
-  void ParseArguments(Expression& call);
+  void ParseArguments(FunctionCall& call);
   std::unique_ptr<Window> ParseWindow();
   std::string ParseFrame();
   std::string ParseFrameBound();
-  std::vector<OrderItem> ParseOrderItems();
-  ExpressionPtr MakeNode(Expression::Kind kind) const;
-  ExpressionPtr MakeNode(Expression::Kind kind, ExpressionPtr operand) const;
-  void RequireCondition(const Expression& expression) const;
-  void RequireValue(const Expression& expression) const;
 
   // parser_query.cpp
   QueryPtr ParseQuery();
@@ -137,8 +144,9 @@ class Parser {
   QueryPtr ParseQueryPrimary();
   /// @param inserted a value may be DEFAULT
   QueryPtr ParseRows(bool inserted = false);
-  std::unique_ptr<Select> ParseSelect();
+  Select ParseSelect();
   SelectItem ParseSelectItem();
+  bool AcceptSelectAssignment(SelectItem& item);
   [[nodiscard]] std::size_t StarAhead() const;
   void ParseTop(Select& select);
   ExpressionPtr AcceptStatementTop();
@@ -148,6 +156,7 @@ class Parser {
   TableSourcePtr ParseSource();
   TableSourcePtr ParseJoins(TableSourcePtr left);
   TableSourcePtr ParseSourcePrimary();
+  TableSourcePtr ParseNamedTable();
   bool AcceptJoin(JoinKind& join);
   void AcceptTableHints();
   void AcceptHintList();
@@ -156,58 +165,72 @@ class Parser {
   // parser_statement.cpp
   StatementPtr ParseStatement();
   StatementPtr ParseKeywordStatement();
-  StatementPtr MakeStatement(Statement::Kind kind) const;
+  StatementPtr ParseWithStatement();
+  [[noreturn]] void RefuseStatement() const;
+  static StatementPtr MakeStatement(std::uint32_t line, StatementNode node);
   StatementPtr ParseSelectStatement();
   StatementPtr ParseIf();
   StatementPtr ParseWhile();
   StatementPtr ParseBegin();
-  StatementPtr ParseTryCatch(StatementPtr statement);
+  StatementPtr ParseTryCatch(std::uint32_t line);
   std::vector<StatementPtr> ParseStatementsUntilEnd();
   StatementPtr ParseDeclare();
-  StatementPtr ParseSet();
-  StatementPtr ParseSetOption();
   StatementPtr ParseReturn();
+  StatementPtr ParsePrint();
   StatementPtr ParseRaiseError();
   StatementPtr ParseThrow();
-  StatementPtr ParseTransactionEnd(Statement::Kind kind);
-  void AcceptTransactionName(Statement& statement);
+  StatementPtr ParseCommit();
+  StatementPtr ParseRollback();
+  StatementPtr ParseSaveTransaction();
+  std::string AcceptTransactionName();
   StatementPtr ParseExecute(bool word_omitted);
-  void ParseExecuteArgument(Statement& statement);
+  CallArgument ParseCallArgument();
   StatementPtr ParseWaitFor();
+  StatementPtr ParseUse();
+
+  // parser_set.cpp
+  StatementPtr ParseSet();
+  StatementPtr ParseSetOption(std::uint32_t line);
+  StatementPtr ParseIsolationLevel(std::uint32_t line);
+  StatementPtr ParseSetWords(std::uint32_t line);
+  bool ParseSwitch();
 
   // parser_modification.cpp
-  StatementPtr ParseInsert();
-  StatementPtr ParseUpdate();
-  StatementPtr ParseDelete();
+  StatementPtr ParseInsert(std::vector<CommonTable> with);
+  StatementPtr ParseUpdate(std::vector<CommonTable> with);
+  StatementPtr ParseDelete(std::vector<CommonTable> with);
   StatementPtr ParseTruncate();
   ObjectName ParseTarget();
-  void ParseModificationTail(Statement& statement);
+  void ParseModificationTail(ChangedRows& rows);
   Assignment ParseAssignment();
-  bool AcceptAssignmentOp(Assignment& assignment);
+  bool AcceptAssignmentOp(std::optional<BinaryOp>& compound);
   [[nodiscard]] bool AtAssignedColumn() const;
-  void AcceptOutput(Statement& statement);
+  std::vector<SelectItem> AcceptOutput();
 
   // parser_definition.cpp
   StatementPtr ParseCreate();
   StatementPtr ParseAlter();
   StatementPtr ParseDrop();
-  StatementPtr ParseCreateTable();
-  StatementPtr ParseAlterTable();
   StatementPtr ParseCreateIndex();
+  StatementPtr ParseDropIndex(std::uint32_t line);
   StatementPtr ParseView(std::size_t begin, bool replace);
   StatementPtr ParseProcedure(std::size_t begin, bool replace);
   Parameter ParseParameter();
-  StatementPtr ParseDropIndex();
-  void ParseTableElement(Statement& statement);
+  void RequireFirstInBatch(std::string_view what) const;
+
+  // parser_table.cpp
+  StatementPtr ParseCreateTable();
+  StatementPtr ParseAlterTable();
+  void ParseTableElement(TableElements& elements);
   ColumnDefinition ParseColumnDefinition(std::vector<TableConstraint>& constraints);
+  bool AcceptColumnProperty(ColumnDefinition& column);
   bool AcceptColumnConstraint(ColumnDefinition& column, std::vector<TableConstraint>& constraints);
   TableConstraint ParseTableConstraint();
-  void ParseReferences(TableConstraint& constraint);
+  void ParseReferences(ForeignKeyRule& rule);
   void ParseDefault(ExpressionPtr& value, std::string& text);
   void ParseCheck(ExpressionPtr& check, std::string& text);
   std::vector<std::string> ParseKeyColumns();
   void AcceptIndexOptions();
-  void RequireFirstInBatch(std::string_view what) const;
 
   static constexpr std::size_t kNoStar = static_cast<std::size_t>(-1);
 

@@ -1,16 +1,14 @@
+// Values and conditions: operators, predicates, literals, names.
 #include <array>
 #include <utility>
 
 #include "platform/text.h"
+#include "tsql/syntax/ast_walk.h"
 #include "tsql/syntax/parser_core.h"
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {
 namespace {
-
-using Kind = Expression::Kind;
-
-bool IsCondition(const Expression& expression) { return expression.kind >= Kind::kCompare; }
 
 struct Arithmetic {
   BinaryOp op;
@@ -60,20 +58,35 @@ LiteralKind LiteralKindOf(TokenKind kind) {
   }
 }
 
-}  // namespace
-
-ExpressionPtr Parser::MakeNode(Expression::Kind kind) const {
-  auto node = std::make_unique<Expression>();
-  node->kind = kind;
-  node->line = Peek().line;
-  return node;
+CompareOp CompareOpOf(Op op) {
+  switch (op) {
+    case Op::kEqual:
+      return CompareOp::kEqual;
+    case Op::kNotEqual:
+      return CompareOp::kNotEqual;
+    case Op::kLess:
+      return CompareOp::kLess;
+    case Op::kLessEqual:
+      return CompareOp::kLessEqual;
+    case Op::kGreater:
+      return CompareOp::kGreater;
+    default:
+      return CompareOp::kGreaterEqual;
+  }
 }
 
-ExpressionPtr Parser::MakeNode(Expression::Kind kind, ExpressionPtr operand) const {
-  auto node = MakeNode(kind);
-  node->line = operand->line;
-  node->operands.push_back(std::move(operand));
-  return node;
+bool IsComparison(Op op) {
+  return op == Op::kEqual || op == Op::kNotEqual || op == Op::kLess || op == Op::kLessEqual || op == Op::kGreater ||
+         op == Op::kGreaterEqual;
+}
+
+}  // namespace
+
+ExpressionPtr Parser::MakeExpression(std::uint32_t line, ExpressionNode node) {
+  auto expression = std::make_unique<Expression>();
+  expression->line = line;
+  expression->node = std::move(node);
+  return expression;
 }
 
 void Parser::RequireCondition(const Expression& expression) const {
@@ -103,25 +116,29 @@ ExpressionPtr Parser::ParseCondition() {
 ExpressionPtr Parser::ParseAny() {
   ExpressionPtr first = ParseAnd();
   if (!At("or"_kw)) return first;
+  const std::uint32_t line = first->line;
+  Disjunction all;
   RequireCondition(*first);
-  ExpressionPtr all = MakeNode(Kind::kOr, std::move(first));
+  all.operands.push_back(std::move(first));
   while (Accept("or"_kw)) {
-    all->operands.push_back(ParseAnd());
-    RequireCondition(*all->operands.back());
+    all.operands.push_back(ParseAnd());
+    RequireCondition(*all.operands.back());
   }
-  return all;
+  return MakeExpression(line, std::move(all));
 }
 
 ExpressionPtr Parser::ParseAnd() {
   ExpressionPtr first = ParseNot();
   if (!At("and"_kw)) return first;
+  const std::uint32_t line = first->line;
+  Conjunction all;
   RequireCondition(*first);
-  ExpressionPtr all = MakeNode(Kind::kAnd, std::move(first));
+  all.operands.push_back(std::move(first));
   while (Accept("and"_kw)) {
-    all->operands.push_back(ParseNot());
-    RequireCondition(*all->operands.back());
+    all.operands.push_back(ParseNot());
+    RequireCondition(*all.operands.back());
   }
-  return all;
+  return MakeExpression(line, std::move(all));
 }
 
 ExpressionPtr Parser::ParseNot() {
@@ -132,98 +149,90 @@ ExpressionPtr Parser::ParseNot() {
   ExpressionPtr operand = ParseNot();
   RequireCondition(*operand);
   condition_at_ = at;
-  return MakeNode(Kind::kNot, std::move(operand));
+  const std::uint32_t line = operand->line;
+  return MakeExpression(line, Negation{std::move(operand)});
 }
 
 ExpressionPtr Parser::ParsePredicate() {
   ExpressionPtr left = ParseArithmetic(kAdditive);
   const std::size_t at = position_;
-  const auto as_predicate = [&](ExpressionPtr predicate) {
-    condition_at_ = at;
-    return predicate;
-  };
-  switch (Peek().op) {
-    case Op::kEqual:
-      return as_predicate(ParseComparison(std::move(left), CompareOp::kEqual));
-    case Op::kNotEqual:
-      return as_predicate(ParseComparison(std::move(left), CompareOp::kNotEqual));
-    case Op::kLess:
-      return as_predicate(ParseComparison(std::move(left), CompareOp::kLess));
-    case Op::kLessEqual:
-      return as_predicate(ParseComparison(std::move(left), CompareOp::kLessEqual));
-    case Op::kGreater:
-      return as_predicate(ParseComparison(std::move(left), CompareOp::kGreater));
-    case Op::kGreaterEqual:
-      return as_predicate(ParseComparison(std::move(left), CompareOp::kGreaterEqual));
-    default:
-      break;
-  }
-  if (At("is"_kw)) {
-    RequireValue(*left);
-    Take();
-    ExpressionPtr node = MakeNode(Kind::kIsNull, std::move(left));
-    node->negated = Accept("not"_kw);
-    Expect("null"_kw);
-    return as_predicate(std::move(node));
-  }
   constexpr std::array kNegatable = {"between"_kw, "like"_kw, "in"_kw};
-  if (!At("not"_kw) && !AtAny(kNegatable)) return left;
-  RequireValue(*left);
-  const bool negated = Accept("not"_kw);
-  if (Accept("in"_kw)) return as_predicate(ParseIn(std::move(left), negated));
-  ExpressionPtr node = MakeNode(At("like"_kw) ? Kind::kLike : Kind::kBetween, std::move(left));
-  node->negated = negated;
-  if (Accept("like"_kw)) {
-    node->operands.push_back(ParseValue());
-    if (Accept("escape"_kw)) node->operands.push_back(ParseValue());
+  if (IsComparison(Peek().op)) {
+    left = ParseComparison(std::move(left));
+  } else if (At("is"_kw)) {
+    left = ParseNullTest(std::move(left));
+  } else if (At("not"_kw) || AtAny(kNegatable)) {
+    RequireValue(*left);
+    const bool negated = Accept("not"_kw);
+    if (At("in"_kw)) {
+      left = ParseIn(std::move(left), negated);
+    } else if (At("like"_kw)) {
+      left = ParseLike(std::move(left), negated);
+    } else {
+      left = ParseBetween(std::move(left), negated);
+    }
   } else {
-    Expect("between"_kw);
-    node->operands.push_back(ParseValue());
-    Expect("and"_kw);
-    node->operands.push_back(ParseValue());
+    return left;
   }
-  return as_predicate(std::move(node));
+  condition_at_ = at;
+  return left;
 }
 
-ExpressionPtr Parser::ParseComparison(ExpressionPtr left, CompareOp compare) {
+ExpressionPtr Parser::ParseComparison(ExpressionPtr left) {
   RequireValue(*left);
-  Take();
+  CompareOp op = CompareOpOf(Take().op);
   // Blanks may stand within an operator: "> =".
-  if (compare == CompareOp::kLess && Accept(Op::kGreater)) compare = CompareOp::kNotEqual;
-  if (compare == CompareOp::kLess && Accept(Op::kEqual)) compare = CompareOp::kLessEqual;
-  if (compare == CompareOp::kGreater && Accept(Op::kEqual)) compare = CompareOp::kGreaterEqual;
+  if (op == CompareOp::kLess && Accept(Op::kGreater)) op = CompareOp::kNotEqual;
+  if (op == CompareOp::kLess && Accept(Op::kEqual)) op = CompareOp::kLessEqual;
+  if (op == CompareOp::kGreater && Accept(Op::kEqual)) op = CompareOp::kGreaterEqual;
+  const std::uint32_t line = left->line;
   constexpr std::array kQuantifiers = {"any"_kw, "some"_kw, "all"_kw};
-  ExpressionPtr node = MakeNode(Kind::kCompare, std::move(left));
-  node->compare = compare;
-  if (AtAny(kQuantifiers)) {
-    node->kind = Kind::kQuantified;
-    node->quantifier = Take().id == static_cast<std::uint32_t>("all"_kw) ? Quantifier::kAll : Quantifier::kAny;
-    node->query = ParseQueryInParens();
-  } else {
-    node->operands.push_back(ParseValue());
-  }
-  return node;
+  if (!AtAny(kQuantifiers)) return MakeExpression(line, Comparison{op, std::move(left), ParseValue()});
+  const bool all = Take().id == static_cast<std::uint32_t>("all"_kw);
+  return MakeExpression(
+      line, QuantifiedComparison{op, std::move(left), all ? Quantifier::kAll : Quantifier::kAny, ParseQueryInParens()});
+}
+
+ExpressionPtr Parser::ParseNullTest(ExpressionPtr value) {
+  RequireValue(*value);
+  Take();
+  const bool negated = Accept("not"_kw);
+  Expect("null"_kw);
+  const std::uint32_t line = value->line;
+  return MakeExpression(line, NullTest{std::move(value), negated});
+}
+
+ExpressionPtr Parser::ParseLike(ExpressionPtr text, bool negated) {
+  Take();
+  const std::uint32_t line = text->line;
+  LikeCondition like{std::move(text), ParseValue(), nullptr, negated};
+  if (Accept("escape"_kw)) like.escape = ParseValue();
+  return MakeExpression(line, std::move(like));
+}
+
+ExpressionPtr Parser::ParseBetween(ExpressionPtr value, bool negated) {
+  Expect("between"_kw);
+  const std::uint32_t line = value->line;
+  BetweenCondition between{std::move(value), ParseValue(), nullptr, negated};
+  Expect("and"_kw);
+  between.high = ParseValue();
+  return MakeExpression(line, std::move(between));
 }
 
 ExpressionPtr Parser::ParseIn(ExpressionPtr left, bool negated) {
-  ExpressionPtr node = MakeNode(Kind::kInList, std::move(left));
-  node->negated = negated;
+  Take();
+  const std::uint32_t line = left->line;
   if (Peek().kind == TokenKind::kList) {
-    node->kind = Kind::kInLiteralList;
-    node->list_index = list_count_;
-    node->list_of_strings = lists_[Take().id].kind != TokenKind::kInteger;
-  } else if (AtQueryInParens()) {
-    node->kind = Kind::kInQuery;
-    node->query = ParseQueryInParens();
-  } else {
-    const Level level(*this);
-    Expect(Op::kLeftParen);
-    do {
-      node->operands.push_back(ParseValue());
-    } while (Accept(Op::kComma));
-    Expect(Op::kRightParen);
+    const int index = list_count_;
+    const bool of_strings = lists_[Take().id].kind != TokenKind::kInteger;
+    return MakeExpression(line, InLiteralList{std::move(left), index, of_strings, negated});
   }
-  return node;
+  if (AtQueryInParens()) return MakeExpression(line, InQuery{std::move(left), ParseQueryInParens(), negated});
+  const Level level(*this);
+  Expect(Op::kLeftParen);
+  InList list{std::move(left), ParseValues(), negated};
+  Expect(Op::kRightParen);
+  return MakeExpression(line, std::move(list));
 }
 
 ExpressionPtr Parser::ParseArithmetic(int precedence) {
@@ -236,11 +245,10 @@ ExpressionPtr Parser::ParseArithmetic(int precedence) {
     RequireValue(*left);
     chain.AddLink();
     Take();
-    ExpressionPtr node = MakeNode(Kind::kBinary, std::move(left));
-    node->binary = arithmetic.op;
-    node->operands.push_back(ParseArithmetic(precedence + 1));
-    RequireValue(*node->operands.back());
-    left = std::move(node);
+    ExpressionPtr right = ParseArithmetic(precedence + 1);
+    RequireValue(*right);
+    const std::uint32_t line = left->line;
+    left = MakeExpression(line, BinaryOperation{arithmetic.op, std::move(left), std::move(right)});
   }
 }
 
@@ -252,10 +260,8 @@ ExpressionPtr Parser::ParseUnary() {
   // A sign binds less than * and /, as it does on the server: 8 / -2 * 2 is 8 / -(2 * 2).
   ExpressionPtr operand = op == Op::kTilde ? ParseUnary() : ParseArithmetic(kMultiplicative);
   RequireValue(*operand);
-  ExpressionPtr node = MakeNode(Kind::kUnary, std::move(operand));
-  node->line = line;
-  node->unary = op == Op::kMinus ? UnaryOp::kMinus : op == Op::kPlus ? UnaryOp::kPlus : UnaryOp::kBitNot;
-  return node;
+  const UnaryOp unary = op == Op::kMinus ? UnaryOp::kMinus : op == Op::kPlus ? UnaryOp::kPlus : UnaryOp::kBitNot;
+  return MakeExpression(line, UnaryOperation{unary, std::move(operand)});
 }
 
 ExpressionPtr Parser::ParsePrimary() {
@@ -264,9 +270,10 @@ ExpressionPtr Parser::ParsePrimary() {
   const Token& token = Peek();
   if (AtLiteral()) {
     primary = ParseLiteral();
-  } else if (token.kind == TokenKind::kVariable || token.kind == TokenKind::kGlobal) {
-    primary = MakeNode(token.kind == TokenKind::kVariable ? Kind::kVariable : Kind::kGlobal);
-    primary->text = LowerCase(Take().text);
+  } else if (token.kind == TokenKind::kVariable) {
+    primary = MakeExpression(token.line, VariableReference{LowerCase(Take().text)});
+  } else if (token.kind == TokenKind::kGlobal) {
+    primary = MakeExpression(token.line, GlobalReference{LowerCase(Take().text)});
   } else if (At(Op::kLeftParen)) {
     primary = ParseParens();
   } else if (token.kind == TokenKind::kWord) {
@@ -278,8 +285,8 @@ ExpressionPtr Parser::ParsePrimary() {
   }
   if (Accept("collate"_kw)) {
     RequireValue(*primary);
-    primary = MakeNode(Kind::kCollate, std::move(primary));
-    primary->text = ParseName();
+    const std::uint32_t line = primary->line;
+    primary = MakeExpression(line, CollateExpression{std::move(primary), ParseName()});
   }
   return primary;
 }
@@ -290,20 +297,15 @@ ExpressionPtr Parser::ParseKeywordPrimary() {
   if (token.id >= kKeywordCount) return ParseColumn();
   const bool call = At(Op::kLeftParen, 1);
   switch (static_cast<Keyword>(token.id)) {
-    case "null"_kw: {
-      ExpressionPtr null = MakeNode(Kind::kLiteral);
+    case "null"_kw:
       Take();
-      return null;
-    }
+      return MakeExpression(token.line, Literal{});
     case "case"_kw:
       return ParseCase();
-    case "exists"_kw: {
+    case "exists"_kw:
       condition_at_ = position_;
-      ExpressionPtr node = MakeNode(Kind::kExists);
       Take();
-      node->query = ParseQueryInParens();
-      return node;
-    }
+      return MakeExpression(token.line, ExistsCondition{ParseQueryInParens()});
     case "cast"_kw:
       return call ? ParseCast(false) : ParseColumn();
     case "try_cast"_kw:
@@ -313,7 +315,7 @@ ExpressionPtr Parser::ParseKeywordPrimary() {
     case "try_convert"_kw:
       return ParseConvert(true);
     case "identity"_kw:
-      return ParseIdentityFunction();
+      return ParseIdentityCall();
     case "coalesce"_kw:
     case "nullif"_kw:
     case "left"_kw:
@@ -325,11 +327,8 @@ ExpressionPtr Parser::ParseKeywordPrimary() {
     case "current_user"_kw:
     case "session_user"_kw:
     case "system_user"_kw:
-    case "user"_kw: {
-      ExpressionPtr node = MakeNode(Kind::kFunction);
-      node->text = LowerCase(Take().text);
-      return node;
-    }
+    case "user"_kw:
+      return ParseCallWithoutParens();
     case "contains"_kw:
     case "freetext"_kw:
       Refuse(UpperCase(token.text));
@@ -344,178 +343,33 @@ ExpressionPtr Parser::ParseKeywordPrimary() {
 }
 
 ExpressionPtr Parser::ParseLiteral() {
-  ExpressionPtr node = MakeNode(Kind::kLiteral);
-  node->literal = LiteralKindOf(Peek().kind);
-  node->literal_index = literal_count_;
-  node->text = Unquote(Take());
-  return node;
+  const Token& token = Peek();
+  const int index = literal_count_;
+  return MakeExpression(token.line, Literal{LiteralKindOf(token.kind), Unquote(Take()), index});
 }
 
 ExpressionPtr Parser::ParseParens() {
-  if (AtQueryInParens()) {
-    ExpressionPtr node = MakeNode(Kind::kSubquery);
-    node->query = ParseQueryInParens();
-    return node;
-  }
+  const std::uint32_t line = Peek().line;
+  if (AtQueryInParens()) return MakeExpression(line, ScalarSubquery{ParseQueryInParens()});
   Expect(Op::kLeftParen);
   ExpressionPtr inner = ParseAny();
   Expect(Op::kRightParen);
   return inner;
 }
 
-ExpressionPtr Parser::ParseCase() {
-  ExpressionPtr node = MakeNode(Kind::kCase);
-  Expect("case"_kw);
-  node->operands.resize(2);
-  const bool searched = At("when"_kw);
-  if (!searched) node->operands[0] = ParseValue();
-  do {
-    Expect("when"_kw);
-    CaseBranch branch;
-    branch.when = searched ? ParseCondition() : ParseValue();
-    Expect("then"_kw);
-    branch.then = ParseValue();
-    node->branches.push_back(std::move(branch));
-  } while (At("when"_kw));
-  if (Accept("else"_kw)) node->operands[1] = ParseValue();
-  Expect("end"_kw);
-  return node;
-}
-
-ExpressionPtr Parser::ParseCast(bool try_cast) {
-  ExpressionPtr node = MakeNode(Kind::kCast);
-  Take();
-  Expect(Op::kLeftParen);
-  node->try_cast = try_cast;
-  node->operands.push_back(ParseValue());
-  Expect("as"_kw);
-  node->type = ParseType();
-  Expect(Op::kRightParen);
-  return node;
-}
-
-ExpressionPtr Parser::ParseConvert(bool try_cast) {
-  ExpressionPtr node = MakeNode(Kind::kConvert);
-  Take();
-  Expect(Op::kLeftParen);
-  node->try_cast = try_cast;
-  node->type = ParseType();
-  Expect(Op::kComma);
-  node->operands.push_back(ParseValue());
-  node->operands.push_back(Accept(Op::kComma) ? ParseValue() : nullptr);
-  Expect(Op::kRightParen);
-  return node;
-}
-
-// identity(type [, seed, increment]), which numbers the rows of SELECT … INTO.
-ExpressionPtr Parser::ParseIdentityFunction() {
-  ExpressionPtr node = MakeNode(Kind::kFunction);
-  node->text = LowerCase(Take().text);
-  Expect(Op::kLeftParen);
-  node->type = ParseType();
-  while (Accept(Op::kComma)) node->operands.push_back(ParseValue());
-  Expect(Op::kRightParen);
-  return node;
-}
-
 ExpressionPtr Parser::ParseColumn() {
   if (At(Op::kLeftParen, 1) && AtName()) return ParseCall();
-  ExpressionPtr node = MakeNode(Kind::kColumn);
-  node->parts.push_back(ParseName());
+  const std::uint32_t line = Peek().line;
+  ColumnReference column;
+  column.parts.push_back(ParseName());
   while (Accept(Op::kDot)) {
     // db..table.column: the schema may be left out, and what stands before the table tells nothing here.
-    if (!At(Op::kDot)) node->parts.push_back(ParseName());
+    if (!At(Op::kDot)) column.parts.push_back(ParseName());
   }
-  if (At(Op::kLeftParen)) Refuse("The function " + node->parts[0] + "." + node->parts.back());
-  if (node->parts.size() > 4) Fail();
-  if (node->parts.size() == 4) node->parts.erase(node->parts.begin());
-  return node;
-}
-
-ExpressionPtr Parser::ParseCall() {
-  ExpressionPtr node = MakeNode(Kind::kFunction);
-  const auto function = static_cast<Keyword>(Peek().id);
-  node->text = LowerCase(Unquote(Take()));
-  Expect(Op::kLeftParen);
-  switch (function) {
-    case "dateadd"_kw:
-    case "datediff"_kw:
-    case "datediff_big"_kw:
-    case "datepart"_kw:
-    case "datename"_kw:
-      if (Peek().kind != TokenKind::kWord) RaiseAt(1023, "Invalid parameter 1 specified for " + node->text + ".");
-      node->parts.push_back(LowerCase(Take().text));
-      Expect(Op::kComma);
-      break;
-    case "iif"_kw:
-      node->operands.push_back(ParseCondition());
-      Expect(Op::kComma);
-      break;
-    default:
-      break;
-  }
-  ParseArguments(*node);
-  if (At("within"_kw)) Refuse("WITHIN GROUP");
-  if (Accept("over"_kw)) node->window = ParseWindow();
-  return node;
-}
-
-void Parser::ParseArguments(Expression& call) {
-  if (Accept(Op::kRightParen)) return;
-  if (Accept("distinct"_kw)) {
-    call.distinct = true;
-  } else {
-    Accept("all"_kw);
-  }
-  if (At(Op::kStar) && (call.text == "count" || call.text == "count_big")) {
-    call.operands.push_back(MakeNode(Kind::kStar));
-    Take();
-  } else {
-    do {
-      call.operands.push_back(ParseValue());
-    } while (Accept(Op::kComma));
-  }
-  Expect(Op::kRightParen);
-}
-
-std::unique_ptr<Window> Parser::ParseWindow() {
-  auto window = std::make_unique<Window>();
-  Expect(Op::kLeftParen);
-  if (Accept("partition"_kw)) {
-    Expect("by"_kw);
-    window->partition = ParseValues();
-  }
-  if (Accept("order"_kw)) {
-    Expect("by"_kw);
-    window->order = ParseOrderItems();
-  }
-  if (At("rows"_kw) || At("range"_kw)) window->frame = ParseFrame();
-  Expect(Op::kRightParen);
-  return window;
-}
-
-std::string Parser::ParseFrame() {
-  std::string frame = UpperCase(Take().text) + " BETWEEN ";
-  if (!Accept("between"_kw)) return frame + ParseFrameBound() + " AND CURRENT ROW";
-  frame += ParseFrameBound();
-  Expect("and"_kw);
-  return frame + " AND " + ParseFrameBound();
-}
-
-std::string Parser::ParseFrameBound() {
-  if (Accept("current"_kw)) {
-    Expect("row"_kw);
-    return "CURRENT ROW";
-  }
-  std::string bound;
-  if (Accept("unbounded"_kw)) {
-    bound = "UNBOUNDED";
-  } else {
-    if (Peek().kind != TokenKind::kInteger) Fail();
-    bound = Take().text;
-  }
-  if (!At("preceding"_kw) && !At("following"_kw)) Fail();
-  return bound + " " + UpperCase(Take().text);
+  if (At(Op::kLeftParen)) Refuse("The function " + column.parts[0] + "." + column.parts.back());
+  if (column.parts.size() > 4) Fail();
+  if (column.parts.size() == 4) column.parts.erase(column.parts.begin());
+  return MakeExpression(line, std::move(column));
 }
 
 std::vector<OrderItem> Parser::ParseOrderItems() {

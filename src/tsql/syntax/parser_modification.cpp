@@ -1,3 +1,4 @@
+// INSERT, UPDATE, DELETE and TRUNCATE.
 #include <utility>
 
 #include "platform/text.h"
@@ -5,92 +6,89 @@
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {
-namespace {
-
-using Kind = Statement::Kind;
-
-}  // namespace
-
 ObjectName Parser::ParseTarget() {
   if (Peek().kind == TokenKind::kVariable) Refuse("A table variable");
   if (At("openquery"_kw) || At("openrowset"_kw)) Refuse(UpperCase(Peek().text));
   return ParseObjectName();
 }
 
-void Parser::AcceptOutput(Statement& statement) {
-  if (!Accept("output"_kw)) return;
+std::vector<SelectItem> Parser::AcceptOutput() {
+  std::vector<SelectItem> items;
+  if (!Accept("output"_kw)) return items;
   do {
-    statement.output.push_back(ParseSelectItem());
+    items.push_back(ParseSelectItem());
   } while (Accept(Op::kComma));
   if (At("into"_kw)) Refuse("OUTPUT … INTO");
+  return items;
 }
 
-StatementPtr Parser::ParseInsert() {
-  StatementPtr statement = MakeStatement(Kind::kInsert);
-  Take();
+StatementPtr Parser::ParseInsert(std::vector<CommonTable> with) {
+  const std::uint32_t line = Take().line;
+  InsertStatement insert;
+  insert.with = std::move(with);
   if (At("top"_kw)) Refuse("INSERT TOP");
   Accept("into"_kw);
-  statement->table = ParseTarget();
+  insert.table = ParseTarget();
   if (At("with"_kw) && At(Op::kLeftParen, 1)) AcceptTableHints();
-  if (At(Op::kLeftParen) && !AtQueryInParens()) statement->columns = ParseNameList();
-  AcceptOutput(*statement);
+  if (At(Op::kLeftParen) && !AtQueryInParens()) insert.columns = ParseNameList();
+  insert.output = AcceptOutput();
   if (AcceptBoth("default"_kw, "values"_kw)) {
-    statement->default_values = true;
+    insert.source = DefaultValues{};
   } else if (At("exec"_kw) || At("execute"_kw)) {
-    if (!statement->output.empty()) Refuse("OUTPUT with INSERT … EXEC");
-    statement->execute = ParseExecute(false);
+    if (!insert.output.empty()) Refuse("OUTPUT with INSERT … EXEC");
+    insert.source = ParseExecute(false);
   } else if (At("values"_kw)) {
-    statement->query = ParseRows(true);
+    insert.source = ParseRows(true);
   } else {
-    statement->query = ParseStatementQuery();
+    insert.source = ParseStatementQuery();
   }
-  return statement;
+  return MakeStatement(line, std::move(insert));
 }
 
-StatementPtr Parser::ParseUpdate() {
-  StatementPtr statement = MakeStatement(Kind::kUpdate);
-  Take();
+StatementPtr Parser::ParseUpdate(std::vector<CommonTable> with) {
+  const std::uint32_t line = Take().line;
+  UpdateStatement update;
+  update.rows.with = std::move(with);
   if (At("statistics"_kw)) Refuse("UPDATE STATISTICS");
-  statement->top = AcceptStatementTop();
-  statement->table = ParseTarget();
+  update.rows.top = AcceptStatementTop();
+  update.rows.table = ParseTarget();
   AcceptTableHints();
   Expect("set"_kw);
   do {
-    statement->assignments.push_back(ParseAssignment());
+    update.assignments.push_back(ParseAssignment());
   } while (Accept(Op::kComma));
-  AcceptOutput(*statement);
-  ParseModificationTail(*statement);
-  return statement;
+  update.rows.output = AcceptOutput();
+  ParseModificationTail(update.rows);
+  return MakeStatement(line, std::move(update));
 }
 
-StatementPtr Parser::ParseDelete() {
-  StatementPtr statement = MakeStatement(Kind::kDelete);
-  Take();
-  statement->top = AcceptStatementTop();
+StatementPtr Parser::ParseDelete(std::vector<CommonTable> with) {
+  const std::uint32_t line = Take().line;
+  ChangedRows rows;
+  rows.with = std::move(with);
+  rows.top = AcceptStatementTop();
   Accept("from"_kw);
-  statement->table = ParseTarget();
+  rows.table = ParseTarget();
   AcceptTableHints();
-  AcceptOutput(*statement);
-  ParseModificationTail(*statement);
-  return statement;
+  rows.output = AcceptOutput();
+  ParseModificationTail(rows);
+  return MakeStatement(line, DeleteStatement{std::move(rows)});
 }
 
 // [FROM …] [WHERE …] [OPTION …] of UPDATE and DELETE.
-void Parser::ParseModificationTail(Statement& statement) {
-  if (Accept("from"_kw)) statement.from = ParseFrom();
+void Parser::ParseModificationTail(ChangedRows& rows) {
+  if (Accept("from"_kw)) rows.from = ParseFrom();
   if (Accept("where"_kw)) {
     if (At("current"_kw)) Refuse("WHERE CURRENT OF");
-    statement.where = ParseCondition();
+    rows.where = ParseCondition();
   }
   AcceptQueryOptions();
 }
 
 StatementPtr Parser::ParseTruncate() {
-  StatementPtr statement = MakeStatement(Kind::kTruncate);
-  Take();
+  const std::uint32_t line = Take().line;
   Expect("table"_kw);
-  statement->table = ParseTarget();
-  return statement;
+  return MakeStatement(line, TruncateStatement{ParseTarget()});
 }
 
 // @v = value, @v = column = value, [alias.]column = value, each with = or a compound operator.
@@ -105,7 +103,7 @@ Assignment Parser::ParseAssignment() {
         return assignment;
       }
     } else {
-      if (!AcceptAssignmentOp(assignment)) Fail();
+      if (!AcceptAssignmentOp(assignment.compound)) Fail();
       assignment.value = ParseValue();
       return assignment;
     }
@@ -113,12 +111,12 @@ Assignment Parser::ParseAssignment() {
   assignment.column.push_back(ParseName());
   while (Accept(Op::kDot)) assignment.column.push_back(ParseName());
   if (At(Op::kLeftParen)) Refuse("The method " + assignment.column.back());
-  if (!AcceptAssignmentOp(assignment)) Fail();
+  if (!AcceptAssignmentOp(assignment.compound)) Fail();
   assignment.value = ParseValue();
   return assignment;
 }
 
-bool Parser::AcceptAssignmentOp(Assignment& assignment) {
+bool Parser::AcceptAssignmentOp(std::optional<BinaryOp>& compound) {
   // &=, |= and ^= are two tokens.
   const bool two = At(Op::kEqual, 1);
   const Op op = Peek().op;
@@ -127,37 +125,39 @@ bool Parser::AcceptAssignmentOp(Assignment& assignment) {
       Take();
       return true;
     case Op::kPlusEqual:
-      assignment.compound = BinaryOp::kAdd;
+      compound = BinaryOp::kAdd;
       break;
     case Op::kMinusEqual:
-      assignment.compound = BinaryOp::kSubtract;
+      compound = BinaryOp::kSubtract;
       break;
     case Op::kStarEqual:
-      assignment.compound = BinaryOp::kMultiply;
+      compound = BinaryOp::kMultiply;
       break;
     case Op::kSlashEqual:
-      assignment.compound = BinaryOp::kDivide;
+      compound = BinaryOp::kDivide;
       break;
     case Op::kPercentEqual:
-      assignment.compound = BinaryOp::kModulo;
+      compound = BinaryOp::kModulo;
       break;
     case Op::kAmpersand:
-      assignment.compound = BinaryOp::kBitAnd;
+      compound = BinaryOp::kBitAnd;
       break;
     case Op::kPipe:
-      assignment.compound = BinaryOp::kBitOr;
+      compound = BinaryOp::kBitOr;
       break;
     case Op::kCaret:
-      assignment.compound = BinaryOp::kBitXor;
+      compound = BinaryOp::kBitXor;
       break;
     default:
       return false;
   }
   if (op == Op::kAmpersand || op == Op::kPipe || op == Op::kCaret) {
-    if (!two) return false;
+    if (!two) {
+      compound.reset();
+      return false;
+    }
     Take();
   }
-  assignment.is_compound = true;
   Take();
   return true;
 }

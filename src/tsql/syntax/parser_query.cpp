@@ -1,3 +1,4 @@
+// Queries: SELECT, VALUES, set operators, FROM with its joins and hints, ORDER BY.
 #include <array>
 #include <utility>
 
@@ -42,6 +43,19 @@ constexpr std::array kQueryOptions = std::to_array<std::string_view>({
     "min_grant_percent",
     "parameterization",
 });
+
+QueryPtr MakeQuery(decltype(Query::body) body) {
+  auto query = std::make_unique<Query>();
+  query->body = std::move(body);
+  return query;
+}
+
+TableSourcePtr MakeSource(std::uint32_t line, decltype(TableSource::node) node) {
+  auto source = std::make_unique<TableSource>();
+  source->line = line;
+  source->node = std::move(node);
+  return source;
+}
 
 template <std::size_t kSize>
 bool Contains(const std::array<std::string_view, kSize>& words, std::string_view word) {
@@ -100,16 +114,16 @@ QueryPtr Parser::ParseUnion() {
   QueryPtr left = ParseIntersect();
   while (At("union"_kw) || At("except"_kw)) {
     chain.AddLink();
-    auto both = std::make_unique<Query>();
+    SetOperation both;
     if (Accept("except"_kw)) {
-      both->set_operator = SetOperator::kExcept;
+      both.op = SetOperator::kExcept;
     } else {
       Take();
-      both->set_operator = Accept("all"_kw) ? SetOperator::kUnionAll : SetOperator::kUnion;
+      both.op = Accept("all"_kw) ? SetOperator::kUnionAll : SetOperator::kUnion;
     }
-    both->left = std::move(left);
-    both->right = ParseIntersect();
-    left = std::move(both);
+    both.left = std::move(left);
+    both.right = ParseIntersect();
+    left = MakeQuery(std::move(both));
   }
   return left;
 }
@@ -119,11 +133,8 @@ QueryPtr Parser::ParseIntersect() {
   QueryPtr left = ParseQueryPrimary();
   while (Accept("intersect"_kw)) {
     chain.AddLink();
-    auto both = std::make_unique<Query>();
-    both->set_operator = SetOperator::kIntersect;
-    both->left = std::move(left);
-    both->right = ParseQueryPrimary();
-    left = std::move(both);
+    QueryPtr right = ParseQueryPrimary();
+    left = MakeQuery(SetOperation{SetOperator::kIntersect, std::move(left), std::move(right)});
   }
   return left;
 }
@@ -136,79 +147,59 @@ QueryPtr Parser::ParseQueryPrimary() {
     Expect(Op::kRightParen);
     return query;
   }
-  auto query = std::make_unique<Query>();
-  query->select = ParseSelect();
-  return query;
+  return MakeQuery(ParseSelect());
 }
 
 QueryPtr Parser::ParseRows(bool inserted) {
-  auto query = std::make_unique<Query>();
+  ValueRows values;
   Expect("values"_kw);
   do {
     Expect(Op::kLeftParen);
-    std::vector<ExpressionPtr>& row = query->rows.emplace_back();
+    std::vector<ExpressionPtr>& row = values.rows.emplace_back();
     do {
       const bool is_default = inserted && At("default"_kw) && (At(Op::kComma, 1) || At(Op::kRightParen, 1));
-      row.push_back(is_default ? MakeNode(Expression::Kind::kColumn) : ParseValue());
-      if (is_default) row.back()->parts.push_back(LowerCase(Take().text));
+      row.push_back(is_default ? MakeExpression(Take().line, DefaultValue{}) : ParseValue());
     } while (Accept(Op::kComma));
     Expect(Op::kRightParen);
   } while (Accept(Op::kComma));
-  return query;
+  return MakeQuery(std::move(values));
 }
 
-std::unique_ptr<Select> Parser::ParseSelect() {
-  auto select = std::make_unique<Select>();
-  select->line = Peek().line;
+Select Parser::ParseSelect() {
+  Select select;
+  select.line = Peek().line;
   Expect("select"_kw);
-  select->distinct = Accept("distinct"_kw);
-  if (!select->distinct) Accept("all"_kw);
-  if (Accept("top"_kw)) ParseTop(*select);
+  select.distinct = Accept("distinct"_kw);
+  if (!select.distinct) Accept("all"_kw);
+  if (Accept("top"_kw)) ParseTop(select);
   do {
-    select->items.push_back(ParseSelectItem());
+    select.items.push_back(ParseSelectItem());
   } while (Accept(Op::kComma));
   if (At("into"_kw) && query_depth_ == 0) {
     Take();
-    select->into = ParseObjectName();
+    select.into = ParseObjectName();
   }
-  if (Accept("from"_kw)) select->from = ParseFrom();
+  if (Accept("from"_kw)) select.from = ParseFrom();
   if (Accept("where"_kw)) {
     if (At("current"_kw)) Refuse("WHERE CURRENT OF");
-    select->where = ParseCondition();
+    select.where = ParseCondition();
   }
-  if (Accept("group"_kw)) ParseGroupBy(*select);
-  if (Accept("having"_kw)) select->having = ParseCondition();
+  if (Accept("group"_kw)) ParseGroupBy(select);
+  if (Accept("having"_kw)) select.having = ParseCondition();
   return select;
 }
 
 SelectItem Parser::ParseSelectItem() {
   SelectItem item;
   if (const std::size_t star = StarAhead(); star != kNoStar) {
-    item.expression = MakeNode(Expression::Kind::kStar);
-    if (star > 0) item.expression->parts.push_back(Unquote(Peek(star - 2)));
+    const std::uint32_t line = Peek().line;
+    Star all;
+    if (star > 0) all.table = Unquote(Peek(star - 2));
     while (!Accept(Op::kStar)) Take();
+    item.expression = MakeExpression(line, std::move(all));
     return item;
   }
-  if (Peek().kind == TokenKind::kVariable && query_depth_ == 0) {
-    const std::size_t variable_at = position_;
-    Assignment assignment;
-    Take();
-    if (AcceptAssignmentOp(assignment)) {
-      item.variable = LowerCase(tokens_[variable_at].text);
-      item.expression = ParseValue();
-      if (assignment.is_compound) {
-        // @v += e is @v = @v + e
-        ExpressionPtr variable = MakeNode(Expression::Kind::kVariable);
-        variable->text = item.variable;
-        ExpressionPtr sum = MakeNode(Expression::Kind::kBinary, std::move(variable));
-        sum->binary = assignment.compound;
-        sum->operands.push_back(std::move(item.expression));
-        item.expression = std::move(sum);
-      }
-      return item;
-    }
-    position_ = variable_at;
-  }
+  if (Peek().kind == TokenKind::kVariable && query_depth_ == 0 && AcceptSelectAssignment(item)) return item;
   const bool text = Peek().kind == TokenKind::kString || Peek().kind == TokenKind::kNString;
   if ((AtName() || text) && At(Op::kEqual, 1)) {
     item.alias = Unquote(Take());
@@ -219,6 +210,24 @@ SelectItem Parser::ParseSelectItem() {
   item.expression = ParseValue();
   item.alias = AcceptAlias();
   return item;
+}
+
+// @v = value; @v += value is @v = @v + value.
+bool Parser::AcceptSelectAssignment(SelectItem& item) {
+  const std::size_t variable_at = position_;
+  std::optional<BinaryOp> compound;
+  Take();
+  if (!AcceptAssignmentOp(compound)) {
+    position_ = variable_at;
+    return false;
+  }
+  item.variable = LowerCase(tokens_[variable_at].text);
+  item.expression = ParseValue();
+  if (!compound) return true;
+  const std::uint32_t line = Peek().line;
+  ExpressionPtr variable = MakeExpression(line, VariableReference{item.variable});
+  item.expression = MakeExpression(line, BinaryOperation{*compound, std::move(variable), std::move(item.expression)});
+  return true;
 }
 
 // How many tokens ahead the * of "*" or "[schema.]table.*" stands, or kNoStar.
@@ -294,19 +303,15 @@ TableSourcePtr Parser::ParseJoins(TableSourcePtr left) {
   JoinKind join = JoinKind::kInner;
   while (AcceptJoin(join)) {
     chain.AddLink();
-    auto both = std::make_unique<TableSource>();
-    both->kind = TableSource::Kind::kJoin;
-    both->line = left->line;
-    both->join = join;
-    both->left = std::move(left);
-    both->right = ParseSourcePrimary();
+    const std::uint32_t line = left->line;
+    Join both{join, std::move(left), ParseSourcePrimary(), nullptr};
     if (join != JoinKind::kCross) {
       // a JOIN b JOIN c ON … ON …: the first ON belongs to the join of b and c.
-      if (!At("on"_kw)) both->right = ParseJoins(std::move(both->right));
+      if (!At("on"_kw)) both.right = ParseJoins(std::move(both.right));
       Expect("on"_kw);
-      both->on = ParseCondition();
+      both.on = ParseCondition();
     }
-    left = std::move(both);
+    left = MakeSource(line, std::move(both));
   }
   return left;
 }
@@ -335,36 +340,39 @@ bool Parser::AcceptJoin(JoinKind& join) {
 
 TableSourcePtr Parser::ParseSourcePrimary() {
   const Level level(*this);
-  auto source = std::make_unique<TableSource>();
-  source->line = Peek().line;
-  if (At(Op::kLeftParen) && !AtQueryInParens()) {
+  if (!At(Op::kLeftParen)) return ParseNamedTable();
+  const std::uint32_t line = Peek().line;
+  if (!AtQueryInParens()) {
     Take();
-    source = ParseSource();
+    TableSourcePtr source = ParseSource();
     Expect(Op::kRightParen);
     return source;
   }
-  if (At(Op::kLeftParen)) {
-    source->kind = TableSource::Kind::kDerived;
-    source->query = ParseQueryInParens();
-    source->alias = AcceptAlias();
-    if (source->alias.empty()) Fail();
-    if (At(Op::kLeftParen)) source->column_aliases = ParseNameList();
-    return source;
-  }
+  DerivedTable derived;
+  derived.query = ParseQueryInParens();
+  derived.alias = AcceptAlias();
+  if (derived.alias.empty()) Fail();
+  if (At(Op::kLeftParen)) derived.column_aliases = ParseNameList();
+  return MakeSource(line, std::move(derived));
+}
+
+TableSourcePtr Parser::ParseNamedTable() {
+  const std::uint32_t line = Peek().line;
   if (Peek().kind == TokenKind::kVariable) Refuse("A table variable");
   constexpr std::array kRowsets = {"openquery"_kw,      "openrowset"_kw,    "openxml"_kw,
                                    "opendatasource"_kw, "containstable"_kw, "freetexttable"_kw};
   if (AtAny(kRowsets)) Refuse(UpperCase(Peek().text));
-  source->table = ParseObjectName();
+  NamedTable table;
+  table.name = ParseObjectName();
   if (At(Op::kLeftParen) && !Contains(kTableHints, Peek(1).text)) {
-    Refuse("The table-valued function " + source->table.name);
+    Refuse("The table-valued function " + table.name.name);
   }
   if (At("for"_kw) && At("system_time"_kw, 1)) Refuse("FOR SYSTEM_TIME");
   AcceptTableHints();
-  source->alias = AcceptAlias();
+  table.alias = AcceptAlias();
   if (At("tablesample"_kw)) Refuse("TABLESAMPLE");
   AcceptTableHints();
-  return source;
+  return MakeSource(line, std::move(table));
 }
 
 void Parser::AcceptTableHints() {

@@ -1,3 +1,4 @@
+// Statements: which one it is, control flow, errors, transactions and calls.
 #include <array>
 #include <utility>
 
@@ -6,73 +7,16 @@
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {
-namespace {
 
-using Kind = Statement::Kind;
-
-// SET <option> ON|OFF.
-constexpr std::array kSwitches = std::to_array<std::string_view>({
-    "ansi_defaults",
-    "ansi_null_dflt_off",
-    "ansi_null_dflt_on",
-    "ansi_nulls",
-    "ansi_padding",
-    "ansi_warnings",
-    "arithabort",
-    "arithignore",
-    "concat_null_yields_null",
-    "cursor_close_on_commit",
-    "fmtonly",
-    "forceplan",
-    "implicit_transactions",
-    "nocount",
-    "noexec",
-    "numeric_roundabort",
-    "parseonly",
-    "quoted_identifier",
-    "remote_proc_transactions",
-    "showplan_all",
-    "showplan_text",
-    "showplan_xml",
-    "xact_abort",
-});
-
-// SET <option> <value>.
-constexpr std::array kSettings = std::to_array<std::string_view>({
-    "context_info",
-    "datefirst",
-    "dateformat",
-    "deadlock_priority",
-    "language",
-    "lock_timeout",
-    "query_governor_cost_limit",
-    "rowcount",
-    "textsize",
-});
-
-template <std::size_t kSize>
-bool Contains(const std::array<std::string_view, kSize>& words, std::string_view word) {
-  for (const std::string_view known : words) {
-    if (known == word) return true;
-  }
-  return false;
-}
-
-}  // namespace
-
-StatementPtr Parser::MakeStatement(Statement::Kind kind) const {
+StatementPtr Parser::MakeStatement(std::uint32_t line, StatementNode node) {
   auto statement = std::make_unique<Statement>();
-  statement->kind = kind;
-  statement->line = Peek().line;
+  statement->line = line;
+  statement->node = std::move(node);
   return statement;
 }
 
 StatementPtr Parser::ParseTerminatedStatement() {
-  if (At(Op::kSemicolon)) {
-    StatementPtr empty = MakeStatement(Kind::kEmpty);
-    Take();
-    return empty;
-  }
+  if (At(Op::kSemicolon)) return MakeStatement(Take().line, EmptyStatement{});
   StatementPtr statement = ParseStatement();
   Accept(Op::kSemicolon);
   return statement;
@@ -90,157 +34,116 @@ StatementPtr Parser::ParseStatement() {
 }
 
 StatementPtr Parser::ParseKeywordStatement() {
-  const Token& token = Peek();
-  switch (static_cast<Keyword>(token.id)) {
-    case "select"_kw:
-      return ParseSelectStatement();
-    case "insert"_kw:
-      return ParseInsert();
-    case "update"_kw:
-      return ParseUpdate();
-    case "delete"_kw:
-      return ParseDelete();
-    case "truncate"_kw:
-      return ParseTruncate();
-    case "with"_kw: {
-      std::vector<CommonTable> with = ParseWith();
-      StatementPtr statement = At("insert"_kw)   ? ParseInsert()
-                               : At("update"_kw) ? ParseUpdate()
-                               : At("delete"_kw) ? ParseDelete()
-                               : At("merge"_kw)  ? ParseKeywordStatement()
-                                                 : ParseSelectStatement();
-      (statement->kind == Kind::kSelect ? statement->query->with : statement->with) = std::move(with);
-      return statement;
-    }
-    case "declare"_kw:
-      return ParseDeclare();
-    case "set"_kw:
-      return ParseSet();
-    case "if"_kw:
-      return ParseIf();
-    case "while"_kw:
-      return ParseWhile();
-    case "begin"_kw:
-      return ParseBegin();
-    case "break"_kw:
-    case "continue"_kw: {
-      StatementPtr statement = MakeStatement(At("break"_kw) ? Kind::kBreak : Kind::kContinue);
-      Take();
-      return statement;
-    }
-    case "return"_kw:
-      return ParseReturn();
-    case "print"_kw: {
-      StatementPtr statement = MakeStatement(Kind::kPrint);
-      Take();
-      statement->value = ParseValue();
-      return statement;
-    }
-    case "raiserror"_kw:
-      return ParseRaiseError();
-    case "throw"_kw:
-      return ParseThrow();
-    case "commit"_kw:
-      return ParseTransactionEnd(Kind::kCommit);
-    case "rollback"_kw:
-      return ParseTransactionEnd(Kind::kRollback);
-    case "save"_kw:
-      return ParseTransactionEnd(Kind::kSaveTransaction);
-    case "exec"_kw:
-    case "execute"_kw:
-      return ParseExecute(false);
-    case "waitfor"_kw:
-      return ParseWaitFor();
-    case "create"_kw:
-      return ParseCreate();
-    case "alter"_kw:
-      return ParseAlter();
-    case "drop"_kw:
-      return ParseDrop();
-    case "use"_kw: {
-      StatementPtr statement = MakeStatement(Kind::kUse);
-      Take();
-      statement->text = ParseName();
-      return statement;
-    }
-    case "merge"_kw:
-    case "grant"_kw:
-    case "revoke"_kw:
-    case "deny"_kw:
-    case "goto"_kw:
-    case "backup"_kw:
-    case "restore"_kw:
-    case "bulk"_kw:
-    case "dbcc"_kw:
-    case "kill"_kw:
-    case "checkpoint"_kw:
-    case "reconfigure"_kw:
-    case "shutdown"_kw:
-    case "revert"_kw:
-      Refuse(UpperCase(token.text));
-    case "open"_kw:
-    case "fetch"_kw:
-    case "close"_kw:
-    case "deallocate"_kw:
-      Refuse("A cursor");
-    default:
-      Fail();
+  struct Form {
+    Keyword word;
+    StatementPtr (*parse)(Parser&);
+  };
+  static constexpr Form kForms[] = {
+      {"select"_kw, [](Parser& p) { return p.ParseSelectStatement(); }},
+      {"insert"_kw, [](Parser& p) { return p.ParseInsert({}); }},
+      {"update"_kw, [](Parser& p) { return p.ParseUpdate({}); }},
+      {"delete"_kw, [](Parser& p) { return p.ParseDelete({}); }},
+      {"truncate"_kw, [](Parser& p) { return p.ParseTruncate(); }},
+      {"with"_kw, [](Parser& p) { return p.ParseWithStatement(); }},
+      {"declare"_kw, [](Parser& p) { return p.ParseDeclare(); }},
+      {"set"_kw, [](Parser& p) { return p.ParseSet(); }},
+      {"if"_kw, [](Parser& p) { return p.ParseIf(); }},
+      {"while"_kw, [](Parser& p) { return p.ParseWhile(); }},
+      {"begin"_kw, [](Parser& p) { return p.ParseBegin(); }},
+      {"break"_kw, [](Parser& p) { return MakeStatement(p.Take().line, BreakStatement{}); }},
+      {"continue"_kw, [](Parser& p) { return MakeStatement(p.Take().line, ContinueStatement{}); }},
+      {"return"_kw, [](Parser& p) { return p.ParseReturn(); }},
+      {"print"_kw, [](Parser& p) { return p.ParsePrint(); }},
+      {"raiserror"_kw, [](Parser& p) { return p.ParseRaiseError(); }},
+      {"throw"_kw, [](Parser& p) { return p.ParseThrow(); }},
+      {"commit"_kw, [](Parser& p) { return p.ParseCommit(); }},
+      {"rollback"_kw, [](Parser& p) { return p.ParseRollback(); }},
+      {"save"_kw, [](Parser& p) { return p.ParseSaveTransaction(); }},
+      {"exec"_kw, [](Parser& p) { return p.ParseExecute(false); }},
+      {"execute"_kw, [](Parser& p) { return p.ParseExecute(false); }},
+      {"waitfor"_kw, [](Parser& p) { return p.ParseWaitFor(); }},
+      {"create"_kw, [](Parser& p) { return p.ParseCreate(); }},
+      {"alter"_kw, [](Parser& p) { return p.ParseAlter(); }},
+      {"drop"_kw, [](Parser& p) { return p.ParseDrop(); }},
+      {"use"_kw, [](Parser& p) { return p.ParseUse(); }},
+  };
+  for (const Form& form : kForms) {
+    if (At(form.word)) return form.parse(*this);
   }
+  RefuseStatement();
+}
+
+// What the server knows and the embedded database does not is refused by name.
+void Parser::RefuseStatement() const {
+  constexpr std::array kWords = {"merge"_kw,      "grant"_kw,       "revoke"_kw,   "deny"_kw,  "goto"_kw,
+                                 "backup"_kw,     "restore"_kw,     "bulk"_kw,     "dbcc"_kw,  "kill"_kw,
+                                 "checkpoint"_kw, "reconfigure"_kw, "shutdown"_kw, "revert"_kw};
+  constexpr std::array kCursorWords = {"open"_kw, "fetch"_kw, "close"_kw, "deallocate"_kw};
+  if (AtAny(kWords)) Refuse(UpperCase(Peek().text));
+  if (AtAny(kCursorWords)) Refuse("A cursor");
+  Fail();
+}
+
+StatementPtr Parser::ParseWithStatement() {
+  std::vector<CommonTable> with = ParseWith();
+  if (At("insert"_kw)) return ParseInsert(std::move(with));
+  if (At("update"_kw)) return ParseUpdate(std::move(with));
+  if (At("delete"_kw)) return ParseDelete(std::move(with));
+  if (At("merge"_kw)) RefuseStatement();
+  const std::uint32_t line = Peek().line;
+  QueryPtr query = ParseStatementQuery();
+  query->with = std::move(with);
+  return MakeStatement(line, SelectStatement{std::move(query)});
 }
 
 StatementPtr Parser::ParseSelectStatement() {
-  StatementPtr statement = MakeStatement(Kind::kSelect);
-  statement->query = ParseStatementQuery();
-  return statement;
+  const std::uint32_t line = Peek().line;
+  return MakeStatement(line, SelectStatement{ParseStatementQuery()});
 }
 
 StatementPtr Parser::ParseIf() {
-  StatementPtr statement = MakeStatement(Kind::kIf);
-  Take();
-  statement->condition = ParseCondition();
-  statement->body.push_back(ParseStatement());
+  const std::uint32_t line = Take().line;
+  IfStatement branch;
+  branch.condition = ParseCondition();
+  branch.then = ParseStatement();
   // A semicolon ends the statement within, not the IF.
   if (At(Op::kSemicolon) && At("else"_kw, 1)) Take();
-  if (Accept("else"_kw)) statement->body.push_back(ParseStatement());
-  return statement;
+  if (Accept("else"_kw)) branch.otherwise = ParseStatement();
+  return MakeStatement(line, std::move(branch));
 }
 
 StatementPtr Parser::ParseWhile() {
-  StatementPtr statement = MakeStatement(Kind::kWhile);
-  Take();
-  statement->condition = ParseCondition();
-  statement->body.push_back(ParseStatement());
-  return statement;
+  const std::uint32_t line = Take().line;
+  ExpressionPtr condition = ParseCondition();
+  return MakeStatement(line, WhileStatement{std::move(condition), ParseStatement()});
 }
 
 StatementPtr Parser::ParseBegin() {
-  StatementPtr statement = MakeStatement(Kind::kBlock);
-  Take();
+  const std::uint32_t line = Take().line;
   if (At("distributed"_kw)) Refuse("BEGIN DISTRIBUTED TRANSACTION");
   if (Accept("tran"_kw) || Accept("transaction"_kw)) {
-    statement->kind = Kind::kBeginTransaction;
-    AcceptTransactionName(*statement);
+    AcceptTransactionName();
     if (At("with"_kw)) Refuse("BEGIN TRANSACTION … WITH MARK");
-    return statement;
+    return MakeStatement(line, BeginTransactionStatement{});
   }
-  if (Accept("try"_kw)) return ParseTryCatch(std::move(statement));
-  statement->body = ParseStatementsUntilEnd();
-  if (statement->body.empty()) Fail();
+  if (Accept("try"_kw)) return ParseTryCatch(line);
+  BlockStatement block{ParseStatementsUntilEnd()};
+  if (block.body.empty()) Fail();
   Expect("end"_kw);
-  return statement;
+  return MakeStatement(line, std::move(block));
 }
 
-StatementPtr Parser::ParseTryCatch(StatementPtr statement) {
-  statement->kind = Kind::kTryCatch;
-  statement->body = ParseStatementsUntilEnd();
+StatementPtr Parser::ParseTryCatch(std::uint32_t line) {
+  TryCatchStatement attempt;
+  attempt.body = ParseStatementsUntilEnd();
   Expect("end"_kw);
   Expect("try"_kw);
   Expect("begin"_kw);
   Expect("catch"_kw);
-  statement->catch_body = ParseStatementsUntilEnd();
+  attempt.handler = ParseStatementsUntilEnd();
   Expect("end"_kw);
   Expect("catch"_kw);
-  return statement;
+  return MakeStatement(line, std::move(attempt));
 }
 
 std::vector<StatementPtr> Parser::ParseStatementsUntilEnd() {
@@ -253,11 +156,11 @@ std::vector<StatementPtr> Parser::ParseStatementsUntilEnd() {
 }
 
 StatementPtr Parser::ParseDeclare() {
-  StatementPtr statement = MakeStatement(Kind::kDeclare);
-  Take();
+  const std::uint32_t line = Take().line;
+  DeclareStatement declare;
   if (AtName()) Refuse("A cursor");
   do {
-    VariableDeclaration& variable = statement->declarations.emplace_back();
+    VariableDeclaration& variable = declare.variables.emplace_back();
     variable.name = ParseVariableName();
     Accept("as"_kw);
     if (At("table"_kw)) Refuse("A table variable");
@@ -265,96 +168,24 @@ StatementPtr Parser::ParseDeclare() {
     variable.type = ParseType();
     if (Accept(Op::kEqual)) variable.initial = ParseValue();
   } while (Accept(Op::kComma));
-  return statement;
-}
-
-StatementPtr Parser::ParseSet() {
-  if (Peek(1).kind != TokenKind::kVariable) return ParseSetOption();
-  StatementPtr statement = MakeStatement(Kind::kSet);
-  Take();
-  Assignment& assignment = statement->assignments.emplace_back();
-  assignment.variable = ParseVariableName();
-  if (!AcceptAssignmentOp(assignment)) Fail();
-  if (At("cursor"_kw)) Refuse("A cursor");
-  assignment.value = ParseValue();
-  return statement;
-}
-
-StatementPtr Parser::ParseSetOption() {
-  StatementPtr statement = MakeStatement(Kind::kSetOption);
-  Take();
-  const auto parse_switch = [&] {
-    statement->flag = Accept("on"_kw);
-    if (!statement->flag) Expect("off"_kw);
-  };
-  if (Accept("transaction"_kw)) {
-    Expect("isolation"_kw);
-    Expect("level"_kw);
-    statement->text = "isolation";
-    constexpr std::array kSecondWords = {"uncommitted"_kw, "committed"_kw};
-    const bool repeatable = At("repeatable"_kw) && At("read"_kw, 1);
-    if (!repeatable && !At("read"_kw) && !At("serializable"_kw) && !At("snapshot"_kw)) Fail();
-    const bool two_words = repeatable || At("read"_kw);
-    statement->text2 = LowerCase(Take().text);
-    if (!two_words) return statement;
-    if (!repeatable && !AtAny(kSecondWords)) Fail();
-    statement->text2 += " " + LowerCase(Take().text);
-  } else if (Accept("identity_insert"_kw)) {
-    statement->text = "identity_insert";
-    statement->table = ParseObjectName();
-    parse_switch();
-  } else if (Accept("statistics"_kw)) {
-    statement->text = "statistics " + LowerCase(ParseName());
-    parse_switch();
-  } else if (Peek().kind == TokenKind::kWord) {
-    std::vector<std::string> options;
-    do {
-      options.push_back(LowerCase(Peek().text));
-      const bool setting = Contains(kSettings, options.back());
-      if (!setting && !Contains(kSwitches, options.back())) {
-        RaiseAt(195, "'" + std::string(Peek().text) + "' is not a recognized SET option.");
-      }
-      Take();
-      if (!setting) continue;
-      statement->text = options.back();
-      if (AtName()) {
-        statement->text2 = LowerCase(ParseName());
-      } else {
-        statement->value = ParseValue();
-      }
-      return statement;
-    } while (Accept(Op::kComma));
-    parse_switch();
-    if (options.size() == 1) {
-      statement->text = options[0];
-      return statement;
-    }
-    StatementPtr all = MakeStatement(Kind::kBlock);
-    for (const std::string& option : options) {
-      all->body.push_back(MakeStatement(Kind::kSetOption));
-      all->body.back()->text = option;
-      all->body.back()->flag = statement->flag;
-    }
-    return all;
-  } else {
-    Fail();
-  }
-  return statement;
+  return MakeStatement(line, std::move(declare));
 }
 
 StatementPtr Parser::ParseReturn() {
-  StatementPtr statement = MakeStatement(Kind::kReturn);
-  Take();
-  if (AtValue()) statement->value = ParseValue();
-  return statement;
+  const std::uint32_t line = Take().line;
+  return MakeStatement(line, ReturnStatement{AtValue() ? ParseValue() : nullptr});
+}
+
+StatementPtr Parser::ParsePrint() {
+  const std::uint32_t line = Take().line;
+  return MakeStatement(line, PrintStatement{ParseValue()});
 }
 
 StatementPtr Parser::ParseRaiseError() {
-  StatementPtr statement = MakeStatement(Kind::kRaiseError);
-  Take();
+  const std::uint32_t line = Take().line;
   Expect(Op::kLeftParen);
-  statement->values = ParseValues();
-  if (statement->values.size() < 3) Fail();
+  std::vector<ExpressionPtr> values = ParseValues();
+  if (values.size() < 3) Fail();
   Expect(Op::kRightParen);
   if (Accept("with"_kw)) {
     constexpr std::array kOptions = {"nowait"_kw, "log"_kw};
@@ -363,87 +194,106 @@ StatementPtr Parser::ParseRaiseError() {
       Take();
     } while (Accept(Op::kComma));
   }
-  return statement;
+  RaiseErrorStatement raise{std::move(values[0]), std::move(values[1]), std::move(values[2]), {}};
+  for (std::size_t i = 3; i < values.size(); ++i) raise.arguments.push_back(std::move(values[i]));
+  return MakeStatement(line, std::move(raise));
 }
 
 StatementPtr Parser::ParseThrow() {
-  StatementPtr statement = MakeStatement(Kind::kThrow);
-  Take();
-  if (!AtLiteral() && Peek().kind != TokenKind::kVariable) return statement;
-  statement->values = ParseValues();
-  if (statement->values.size() != 3) Fail();
-  return statement;
+  const std::uint32_t line = Take().line;
+  if (!AtLiteral() && Peek().kind != TokenKind::kVariable) return MakeStatement(line, ThrowStatement{});
+  std::vector<ExpressionPtr> values = ParseValues();
+  if (values.size() != 3) Fail();
+  return MakeStatement(line, ThrowStatement{std::move(values[0]), std::move(values[1]), std::move(values[2])});
 }
 
-StatementPtr Parser::ParseTransactionEnd(Statement::Kind kind) {
-  StatementPtr statement = MakeStatement(kind);
-  Take();
+StatementPtr Parser::ParseCommit() {
+  const std::uint32_t line = Take().line;
   if (Accept("tran"_kw) || Accept("transaction"_kw)) {
-    AcceptTransactionName(*statement);
-  } else if (kind != Kind::kSaveTransaction) {
+    AcceptTransactionName();
+  } else {
     Accept("work"_kw);
   }
-  if (kind == Kind::kSaveTransaction && statement->text.empty()) Fail();
-  return statement;
+  return MakeStatement(line, CommitStatement{});
 }
 
-void Parser::AcceptTransactionName(Statement& statement) {
+StatementPtr Parser::ParseRollback() {
+  const std::uint32_t line = Take().line;
+  RollbackStatement rollback;
+  if (Accept("tran"_kw) || Accept("transaction"_kw)) {
+    rollback.name = AcceptTransactionName();
+  } else {
+    Accept("work"_kw);
+  }
+  return MakeStatement(line, std::move(rollback));
+}
+
+StatementPtr Parser::ParseSaveTransaction() {
+  const std::uint32_t line = Take().line;
+  SaveTransactionStatement save;
+  if (Accept("tran"_kw) || Accept("transaction"_kw)) save.name = AcceptTransactionName();
+  if (save.name.empty()) Fail();
+  return MakeStatement(line, std::move(save));
+}
+
+std::string Parser::AcceptTransactionName() {
   if (Peek().kind == TokenKind::kVariable) Refuse("A transaction name in a variable");
-  if (AtName()) statement.text = ParseName();
+  return AtName() ? ParseName() : std::string();
 }
 
 StatementPtr Parser::ParseExecute(bool word_omitted) {
-  StatementPtr statement = MakeStatement(Kind::kExecute);
+  const std::uint32_t line = Peek().line;
   if (!word_omitted) Take();
   if (Accept(Op::kLeftParen)) {
-    statement->text_expression = ParseValue();
+    ExecuteTextStatement execute{ParseValue()};
     if (At(Op::kComma)) Refuse("EXECUTE with parameters for a linked server");
     Expect(Op::kRightParen);
-    return statement;
+    return MakeStatement(line, std::move(execute));
   }
+  CallStatement call;
   if (Peek().kind == TokenKind::kVariable) {
     if (!At(Op::kEqual, 1)) Refuse("EXECUTE of a procedure named by a variable");
-    statement->result_variable = ParseVariableName();
+    call.result_variable = ParseVariableName();
     Take();
   }
-  statement->table = ParseObjectName();
+  call.procedure = ParseObjectName();
   if (AtValue() || At("default"_kw)) {
     do {
-      ParseExecuteArgument(*statement);
+      call.arguments.push_back(ParseCallArgument());
     } while (Accept(Op::kComma));
   }
   AcceptBoth("with"_kw, "recompile"_kw);
-  return statement;
+  return MakeStatement(line, std::move(call));
 }
 
-void Parser::ParseExecuteArgument(Statement& statement) {
-  std::string name;
+CallArgument Parser::ParseCallArgument() {
+  CallArgument argument;
   if (Peek().kind == TokenKind::kVariable && At(Op::kEqual, 1)) {
-    name = ParseVariableName();
+    argument.name = ParseVariableName();
     Take();
   }
-  ExpressionPtr value;
   if (AtName()) {
     // A bare word is a text.
-    value = MakeNode(Expression::Kind::kLiteral);
-    value->literal = LiteralKind::kString;
-    value->text = ParseName();
+    const std::uint32_t line = Peek().line;
+    argument.value = MakeExpression(line, Literal{LiteralKind::kString, ParseName()});
   } else if (!Accept("default"_kw)) {
-    value = ParseUnary();
-    RequireValue(*value);
+    argument.value = ParseUnary();
+    RequireValue(*argument.value);
   }
-  statement.arguments.emplace_back(std::move(name), std::move(value));
-  const bool output = Accept("output"_kw) || Accept("out"_kw);
-  statement.argument_outputs.push_back(output);
+  argument.output = Accept("output"_kw) || Accept("out"_kw);
+  return argument;
 }
 
 StatementPtr Parser::ParseWaitFor() {
-  StatementPtr statement = MakeStatement(Kind::kWaitFor);
-  Take();
+  const std::uint32_t line = Take().line;
   if (At("time"_kw)) Refuse("WAITFOR TIME");
   Expect("delay"_kw);
-  statement->value = ParseValue();
-  return statement;
+  return MakeStatement(line, WaitForStatement{ParseValue()});
+}
+
+StatementPtr Parser::ParseUse() {
+  const std::uint32_t line = Take().line;
+  return MakeStatement(line, UseStatement{ParseName()});
 }
 
 }  // namespace tessarlorn::tsql

@@ -1,0 +1,66 @@
+// CREATE, ALTER and DROP: SQLite's definitions and the catalog's, together or not at all.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tsql/engine/evaluate.h"
+
+namespace tessarlorn::tsql {
+
+/// A new table, and what stands behind its columns.
+struct NewTable {
+  CatalogObject table;
+  std::vector<std::string> primary_key;
+  std::vector<std::vector<std::string>> unique;
+  std::vector<std::string> constraints;  // as SQLite reads them
+};
+
+class Definitions {
+ public:
+  Definitions(SessionDatabase& database, PlanStore& plans, Evaluator& evaluator)
+      : database_(database), plans_(plans), evaluator_(evaluator) {}
+
+  // tables.cpp
+  void CreateTable(const CreateTableStatement& statement, std::uint32_t line, const Activation& activation);
+  /// Makes a table. Raises 2714 when there is one of its name.
+  void CreateTable(NewTable made);
+  void AlterTable(const AlterTableStatement& statement, std::uint32_t line, const Activation& activation);
+
+  // definitions.cpp
+  void CreateIndex(const CreateIndexStatement& statement, std::uint32_t line, const Activation& activation);
+  void DropIndex(const DropIndexStatement& statement);
+  void CreateView(const CreateViewStatement& statement, const Activation& activation);
+  void CreateProcedure(const CreateProcedureStatement& statement);
+  void Drop(const DropStatement& statement);
+  /// Drops the session's temporary tables. @param but the names of those that stay
+  void DropTemporaryTables(const std::vector<std::string>& but = {});
+  /// Raises the error when a foreign key of another table refers to the table.
+  void RequireUnreferenced(const CatalogObject& table, std::int32_t number, const std::string& message);
+
+ private:
+  void AddColumns(CatalogObject table, const TableElements& elements, std::uint32_t line, const Activation& activation);
+  Column AddColumn(const CatalogObject& table, const ColumnDefinition& definition, std::uint32_t line,
+                   const Activation& activation);
+  void DropColumns(CatalogObject table, const std::vector<std::string>& columns);
+  std::string CheckText(const CatalogObject& table, const std::string& text, const Activation& activation);
+  bool IndexExists(const CatalogObject& table, const std::string& index);
+  /// A table, view or procedure.
+  void DropObject(const CatalogObject& object);
+  void AddObject(CatalogObject object, bool replace);
+
+  SessionDatabase& database_;
+  PlanStore& plans_;
+  Evaluator& evaluator_;
+};
+
+/// Raises 1911 for a column that the table has not.
+void RequireColumns(const CatalogObject& table, const std::vector<std::string>& names);
+/// The statement for an index that lets a key with NULLs in it stand once only, as the server does: SQLite's own take
+/// any number of them. "" where no column of the key can be NULL.
+std::string NullKeySql(const CatalogObject& table, const std::string& index, const std::vector<std::string>& key,
+                       const std::string& condition);
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,259 @@
+#include "tsql/engine/procedures.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+#include "platform/text.h"
+#include "tsql/storage/system_views.h"
+
+namespace tessarlorn::tsql {
+
+/// A procedure or text that runs inside a batch; what it changed of the session's options and the temporary tables
+/// that it made go with it.
+class Procedures::Nested {
+ public:
+  /// Raises 217 when it is nested too deep. @param procedure its name, "" for a text; outlives this
+  Nested(Procedures& calls, std::string_view procedure)
+      : calls_(calls),
+        options_(calls.options_.OfCaller()),
+        temporary_tables_(calls.database_.catalog().TemporaryTables()) {
+    constexpr int kMostCalls = 32;
+    if (calls.errors_.call_depth >= kMostCalls) {
+      throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
+    }
+    ++calls.errors_.call_depth;
+    procedure_ = std::exchange(calls.errors_.procedure, procedure);
+    identity_ = std::exchange(calls.transaction_.scope_identity, std::nullopt);
+  }
+  Nested(const Nested&) = delete;
+  Nested& operator=(const Nested&) = delete;
+  ~Nested() {
+    --calls_.errors_.call_depth;
+    calls_.options_.GiveBack(options_);
+    calls_.errors_.procedure = procedure_;
+    calls_.transaction_.scope_identity = identity_;
+    try {
+      calls_.definitions_.DropTemporaryTables(temporary_tables_);
+    } catch (const SqlError&) {
+      // They go with the session.
+      return;
+    }
+  }
+
+ private:
+  Procedures& calls_;
+  CallOptions options_;
+  std::string_view procedure_;  // of the caller
+  std::optional<std::int64_t> identity_;
+  std::vector<std::string> temporary_tables_;  // of the caller
+};
+
+/// The arguments of an EXEC.
+class Procedures::WrittenArguments final : public CallArguments {
+ public:
+  WrittenArguments(Procedures& calls, const CallStatement& call, const Activation& activation)
+      : calls_(calls), call_(call), activation_(activation) {}
+
+  [[nodiscard]] std::size_t size() const override { return call_.arguments.size(); }
+  [[nodiscard]] std::string name(std::size_t argument) const override {
+    return LowerCase(call_.arguments[argument].name);
+  }
+  [[nodiscard]] bool is_default(std::size_t argument) const override {
+    return call_.arguments[argument].value == nullptr;
+  }
+  Datum Value(std::size_t argument, const SqlType& type) override {
+    return calls_.evaluator_.Value(*call_.arguments[argument].value, type, activation_);
+  }
+  void TakeBack(std::size_t argument, const Datum& value, const SqlType& type) override {
+    const auto* variable = As<VariableReference>(*call_.arguments[argument].value);
+    if (call_.arguments[argument].output && variable != nullptr) Set(variable->name, value, type);
+  }
+  void TakeStatus(std::int32_t status) override {
+    if (!call_.result_variable.empty()) Set(call_.result_variable, std::int64_t{status}, IntType());
+  }
+
+ private:
+  void Set(const std::string& variable, const Datum& value, const SqlType& type) {
+    SetVariable(activation_.frame->Get(variable), value, type, calls_.database_.runtime().date_order);
+  }
+
+  Procedures& calls_;
+  const CallStatement& call_;
+  const Activation& activation_;
+};
+
+Procedures::Procedures(SessionDatabase& database, SessionOptions& options, ErrorState& errors, Transaction& transaction,
+                       PlanStore& plans, Evaluator& evaluator, Definitions& definitions, CallRunner runner)
+    : database_(database),
+      options_(options),
+      errors_(errors),
+      transaction_(transaction),
+      plans_(plans),
+      evaluator_(evaluator),
+      definitions_(definitions),
+      runner_(std::move(runner)) {}
+
+template <typename Body>
+void Procedures::Balanced(const Body& body) {
+  const int depth = transaction_.depth();
+  body();
+  const int now = transaction_.depth();
+  if (now == depth || (options_.implicit_transactions() && depth == 0)) return;
+  throw SqlError(266,
+                 "Transaction count after EXECUTE indicates a mismatching number of BEGIN and COMMIT statements. "
+                 "Previous count = " +
+                     std::to_string(depth) + ", current count = " + std::to_string(now) + ".",
+                 16, 2);
+}
+
+void Procedures::RunText(std::string_view text, Frame& frame) {
+  const Nested nested(*this, {});
+  runner_.run_text(text, frame);
+}
+
+void Procedures::Execute(const ExecuteTextStatement& statement, const Activation& activation) {
+  Balanced([&] {
+    const std::optional<std::string> text = evaluator_.Text(*statement.text, NVarCharType(0), activation);
+    Frame frame;
+    if (text) RunText(*text, frame);
+  });
+}
+
+void Procedures::Execute(const CallStatement& call, const Activation& activation) {
+  Balanced([&] {
+    WrittenArguments arguments(*this, call, activation);
+    Call(call.procedure, arguments);
+  });
+}
+
+void Procedures::Call(const ObjectName& name, CallArguments& arguments) {
+  if (EqualsIgnoreCase(name.name, "sp_executesql")) {
+    ExecuteSql(arguments);
+    return;
+  }
+  CatalogObjectPtr procedure = FindSystemProcedure(name.name);
+  if (procedure == nullptr) {
+    RequireLocal(name);
+    procedure = database_.catalog().Find(name.name);
+  }
+  if (procedure == nullptr || procedure->kind != CatalogKind::kProcedure) {
+    throw SqlError(2812, "Could not find stored procedure '" + name.name + "'.");
+  }
+  CallProcedure(*procedure, arguments);
+}
+
+std::vector<std::size_t> Procedures::TakeArguments(const CatalogObject& procedure,
+                                                   const std::vector<Parameter>& parameters, CallArguments& arguments,
+                                                   Frame& frame) {
+  std::vector<std::size_t> positions;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string name = arguments.name(i);
+    std::size_t position = i;
+    if (!name.empty()) {
+      const auto found = std::find_if(parameters.begin(), parameters.end(), [&](const Parameter& parameter) {
+        return EqualsIgnoreCase(parameter.name, name);
+      });
+      position = static_cast<std::size_t>(found - parameters.begin());
+    }
+    if (position >= parameters.size()) {
+      if (name.empty())
+        throw SqlError(8144, "Procedure or function " + procedure.name + " has too many arguments specified.");
+      throw SqlError(8145, name + " is not a parameter for procedure " + procedure.name + ".");
+    }
+    positions.push_back(position);
+    Variable& parameter = frame.Get(parameters[position].name);
+    if (!arguments.is_default(i)) parameter.value = arguments.Value(i, parameter.type);
+  }
+  return positions;
+}
+
+void Procedures::TakeDefaults(const CatalogObject& procedure, const std::vector<Parameter>& parameters,
+                              const std::vector<std::size_t>& given, const Activation& inner) {
+  for (std::size_t i = 0; i < parameters.size(); ++i) {
+    if (std::find(given.begin(), given.end(), i) != given.end()) continue;
+    const Parameter& parameter = parameters[i];
+    if (parameter.default_value == nullptr) {
+      throw SqlError(201, "Procedure or function '" + procedure.name + "' expects parameter '" + parameter.name +
+                              "', which was not supplied.");
+    }
+    Variable& variable = inner.frame->Get(parameter.name);
+    variable.value = evaluator_.Value(*parameter.default_value, variable.type, inner);
+  }
+}
+
+void Procedures::CallProcedure(const CatalogObject& procedure, CallArguments& arguments) {
+  const std::shared_ptr<Plan> plan = plans_.OfProcedure(procedure);
+  const auto& definition = std::get<CreateProcedureStatement>(plan->statement->node);
+  const std::vector<Parameter>& parameters = definition.parameters;
+  Frame frame;
+  for (const Parameter& parameter : parameters) frame.Declare(parameter.name, ResolveType(parameter.type, false));
+  const std::vector<std::size_t> positions = TakeArguments(procedure, parameters, arguments, frame);
+  Activation inner{&frame, plan.get(), {}, {}, nullptr};
+  if (plan->checked_generation != database_.catalog().generation()) plans_.Revalidate(*plan, frame);
+  TakeDefaults(procedure, parameters, positions, inner);
+  PlanStore::Declare(*plan->statement, frame);
+  const Nested nested(*this, procedure.name);
+  runner_.run_body(definition.body, inner);
+  for (std::size_t i = 0; i < positions.size(); ++i) {
+    if (arguments.is_default(i)) continue;
+    const Variable& from = frame.Get(parameters[positions[i]].name);
+    arguments.TakeBack(i, from.value, from.type);
+  }
+  arguments.TakeStatus(inner.return_value);
+}
+
+const std::vector<Procedures::Declared>& Procedures::DeclaredBy(const std::string& declarations) {
+  // A client calls the same few texts again and again.
+  constexpr std::size_t kMostKept = 1000;
+  if (declared_.size() >= kMostKept) declared_.clear();
+  const auto [found, is_new] = declared_.try_emplace(declarations);
+  if (is_new) {
+    try {
+      for (const Parameter& parameter : ParseParameters(declarations, database_.names())) {
+        found->second.push_back({parameter.name, ResolveType(parameter.type, false)});
+      }
+    } catch (...) {
+      declared_.erase(found);
+      throw;
+    }
+  }
+  return found->second;
+}
+
+void Procedures::ExecuteSql(CallArguments& arguments) {
+  const auto text_of = [&](std::size_t argument) {
+    if (argument >= arguments.size() || arguments.is_default(argument)) return std::string();
+    Datum value = arguments.Value(argument, NVarCharType(0));
+    auto* text = std::get_if<std::string>(&value);
+    return text == nullptr ? std::string() : std::move(*text);
+  };
+  if (arguments.size() == 0) {
+    throw SqlError(214, "Procedure expects parameter '@statement' of type 'ntext/nchar/nvarchar'.");
+  }
+  const std::string text = text_of(0);
+  Frame frame;
+  std::vector<Declared> declared;
+  if (arguments.size() > 1) declared = DeclaredBy(text_of(1));
+  for (const Declared& parameter : declared) frame.Declare(parameter.name, parameter.type);
+  constexpr std::size_t kFirst = 2;
+  std::vector<std::string> names;
+  for (std::size_t i = kFirst; i < arguments.size(); ++i) {
+    std::string name = arguments.name(i);
+    if (name.empty() && i - kFirst >= declared.size()) {
+      throw SqlError(8144, "Procedure or function sp_executesql has too many arguments specified.");
+    }
+    if (name.empty()) name = declared[i - kFirst].name;
+    Variable& parameter = frame.Get(name);
+    if (!arguments.is_default(i)) parameter.value = arguments.Value(i, parameter.type);
+    names.push_back(std::move(name));
+  }
+  RunText(text, frame);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (arguments.is_default(i + kFirst)) continue;
+    const Variable& from = frame.Get(names[i]);
+    arguments.TakeBack(i + kFirst, from.value, from.type);
+  }
+}
+
+}  // namespace tessarlorn::tsql

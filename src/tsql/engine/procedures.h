@@ -1,0 +1,77 @@
+// EXEC: stored procedures, texts, and sp_executesql.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "tsql/engine/call_arguments.h"
+#include "tsql/engine/definitions.h"
+#include "tsql/engine/evaluate.h"
+#include "tsql/engine/plan_store.h"
+#include "tsql/engine/state/error_state.h"
+#include "tsql/engine/state/session_options.h"
+#include "tsql/engine/state/transaction.h"
+
+namespace tessarlorn::tsql {
+
+/// How the statements of what is called are run; the interpreter hands it in.
+struct CallRunner {
+  /// Runs a text as a batch whose variables stand in the frame.
+  std::function<void(std::string_view text, Frame& frame)> run_text;
+  /// Runs statements that are parsed and declared.
+  std::function<void(const std::vector<StatementPtr>& body, Activation& activation)> run_body;
+};
+
+class Procedures {
+ public:
+  Procedures(SessionDatabase& database, SessionOptions& options, ErrorState& errors, Transaction& transaction,
+             PlanStore& plans, Evaluator& evaluator, Definitions& definitions, CallRunner runner);
+
+  // The statements.
+  void Execute(const CallStatement& call, const Activation& activation);
+  void Execute(const ExecuteTextStatement& statement, const Activation& activation);
+
+  /// sp_executesql, a procedure of the server's or one of the database's. Raises 2812 for a name that is none.
+  void Call(const ObjectName& name, CallArguments& arguments);
+
+ private:
+  class Nested;
+  class WrittenArguments;
+  /// A parameter of sp_executesql.
+  struct Declared {
+    std::string name;
+    SqlType type;
+  };
+
+  /// Raises 266 when `body` leaves another number of transactions open.
+  template <typename Body>
+  void Balanced(const Body& body);
+  void CallProcedure(const CatalogObject& procedure, CallArguments& arguments);
+  /// Puts the arguments into the frame; answers the parameter of each.
+  static std::vector<std::size_t> TakeArguments(const CatalogObject& procedure,
+                                                const std::vector<Parameter>& parameters, CallArguments& arguments,
+                                                Frame& frame);
+  /// Gives their defaults to the parameters that no argument was for. Raises 201.
+  void TakeDefaults(const CatalogObject& procedure, const std::vector<Parameter>& parameters,
+                    const std::vector<std::size_t>& given, const Activation& inner);
+  /// sp_executesql
+  void ExecuteSql(CallArguments& arguments);
+  const std::vector<Declared>& DeclaredBy(const std::string& declarations);
+  void RunText(std::string_view text, Frame& frame);
+
+  SessionDatabase& database_;
+  SessionOptions& options_;
+  ErrorState& errors_;
+  Transaction& transaction_;
+  PlanStore& plans_;
+  Evaluator& evaluator_;
+  Definitions& definitions_;
+  CallRunner runner_;
+  std::unordered_map<std::string, std::vector<Declared>> declared_;  // by the text of the declarations
+};
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,191 @@
+#include "tsql/engine/row_statements.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace tessarlorn::tsql {
+
+void RowStatements::NoteIdentity(const Compiled& change) {
+  if (!change.identity_table.empty() && results_.row_count() > 0) transaction_.NoteIdentity(change.identity_table);
+}
+
+void RowStatements::Run(Compiled& change, const Activation& activation) {
+  binder_.Bind(change, activation);
+  const SqliteStatement::Use use(change.statement);
+  results_.Change(change);
+  NoteIdentity(change);
+}
+
+void RowStatements::Select(const Statement& statement, const Activation& activation) {
+  const Query& query = *std::get<SelectStatement>(statement.node).query;
+  if (query.makes_table()) {
+    SelectInto(query, activation);
+    return;
+  }
+  const Transaction::Snapshot snapshot(transaction_, database_.catalog());
+  Compiled& compiled = plans_.OfStatement(statement, activation);
+  binder_.Bind(compiled, activation);
+  const SqliteStatement::Use use(compiled.statement);
+  if (compiled.assigned.empty()) {
+    results_.Read(compiled);
+  } else {
+    results_.Assign(compiled, *activation.frame);
+  }
+}
+
+void RowStatements::Describe(const Statement& statement, const Activation& activation) {
+  const Query& query = *std::get<SelectStatement>(statement.node).query;
+  if (query.select() == nullptr || query.makes_table()) return;
+  const Transaction::Snapshot snapshot(transaction_, database_.catalog());
+  const std::vector<TableSourcePtr>& from = query.select()->from;
+  const auto* named = from.size() == 1 ? std::get_if<NamedTable>(&from[0]->node) : nullptr;
+  const CatalogObjectPtr table = named != nullptr ? database_.catalog().Find(named->name.name) : nullptr;
+  const int identity = table == nullptr ? -1 : table->identity_column();
+  std::vector<Field> fields;
+  for (const ResultColumn& column : plans_.OfStatement(statement, activation).columns) {
+    Field& field = fields.emplace_back(ToField(column.name, column.type, column.nullable));
+    field.identity = identity >= 0 && identity == table->FindColumn(column.name);
+  }
+  if (!fields.empty()) results_.Describe(std::move(fields));
+}
+
+void RowStatements::SelectInto(const Query& query, const Activation& activation) {
+  const Transaction::Snapshot snapshot(transaction_, database_.catalog());
+  const ObjectName& into = query.select()->into;
+  NewTable made;
+  made.table.name = into.name;
+  made.table.temporary = into.temporary();
+  for (const ResultColumn& column : plans_.MakeTranslator(activation).DescribeQuery(query, true)) {
+    SqlType type = column.type.untyped_null ? IntType() : column.type;
+    if (type.is_integer()) type.precision = 0;
+    made.table.columns.push_back({column.name, type, column.nullable, column.identity, ""});
+  }
+  database_.Atomically([&] {
+    definitions_.CreateTable(std::move(made));
+    const CatalogObjectPtr table = database_.catalog().Get(into.name);
+    Compiled compiled = plans_.MakeTranslator(activation).CompileInsertInto(*table, query);
+    Run(compiled, activation);
+  });
+  results_.TellRowCount();
+}
+
+void RowStatements::Truncate(const TruncateStatement& statement) {
+  RequireLocal(statement.table);
+  const CatalogObjectPtr table = database_.catalog().Get(statement.table.name);
+  definitions_.RequireUnreferenced(
+      *table, 4712,
+      "Cannot truncate table '" + table->name + "' because it is being referenced by a FOREIGN KEY constraint.");
+  database_.Run("DELETE FROM " + TableSql(*table));
+  if (table->identity_column() < 0) return;
+  database_.Run(std::string("DELETE FROM ") + (table->temporary ? "temp" : "main") +
+                ".sqlite_sequence WHERE name = " + QuoteText(table->name));
+}
+
+bool RowStatements::RunCompiled(const Statement& statement, const Activation& activation) {
+  const Transaction::Snapshot snapshot(transaction_, database_.catalog());
+  Compiled& compiled = plans_.OfStatement(statement, activation);
+  if (compiled.columns.empty()) {
+    Run(compiled, activation);
+    return false;
+  }
+  binder_.Bind(compiled, activation);
+  const SqliteStatement::Use use(compiled.statement);
+  results_.Read(compiled);
+  NoteIdentity(compiled);
+  return true;
+}
+
+void RowStatements::Change(const Statement& statement, const Activation& activation) {
+  const auto* update = As<UpdateStatement>(statement);
+  const bool assigns =
+      update != nullptr && std::any_of(update->assignments.begin(), update->assignments.end(),
+                                       [](const Assignment& assignment) { return !assignment.variable.empty(); });
+  const std::optional<Frame> before = assigns ? std::optional<Frame>(*activation.frame) : std::nullopt;
+  bool answered = false;
+  try {
+    answered = RunCompiled(statement, activation);
+  } catch (const SqlError& error) {
+    const bool key = error.number() == 2601 || error.number() == 2627;
+    if (update == nullptr || !key || !update->rows.output.empty()) throw;
+    // SQLite compares keys row by row, the server when all rows stand.
+    if (before) *activation.frame = *before;
+    MoveRows(*update, statement.line, activation);
+  }
+  if (!answered) results_.TellRowCount();
+}
+
+void RowStatements::MoveRows(const UpdateStatement& update, std::uint32_t line, const Activation& activation) {
+  const CatalogObjectPtr table = plans_.MakeTranslator(activation).ChangedTable(update.rows, line);
+  std::string columns;
+  std::string names;
+  bool numbered = false;
+  for (std::size_t i = 0; i < table->columns.size(); ++i) {
+    const Column& column = table->columns[i];
+    columns += ", c" + std::to_string(i);
+    names += ", " + QuoteName(column.name);
+    numbered = numbered || column.identity || column.row_key;
+  }
+  const std::string to = TableSql(*table);
+  // A column that is the row's number brings it along.
+  const std::string insert = numbered ? " (" + names.substr(2) + ") SELECT " + columns.substr(2)
+                                      : " (_rowid_" + names + ") SELECT r" + columns;
+  database_.Atomically([&] {
+    database_.Run("PRAGMA defer_foreign_keys = ON; CREATE TEMP TABLE \"$moved\" (r INTEGER PRIMARY KEY" + columns +
+                  ")");
+    {
+      Compiled compiled = plans_.MakeTranslator(activation).CompileUpdate(update, line, true);
+      Run(compiled, activation);
+    }
+    const std::int64_t moved = results_.row_count();
+    std::string leave = "DELETE FROM ";
+    leave.append(to).append(" WHERE _rowid_ IN (SELECT r FROM temp.\"$moved\")");
+    std::string come = "INSERT INTO ";
+    come.append(to).append(insert).append(" FROM temp.\"$moved\"");
+    for (const std::string& sql : {leave, come}) database_.Prepare(sql).Step("UPDATE");
+    int open = 0;
+    int unused = 0;
+    sqlite3_db_status(database_.handle(), SQLITE_DBSTATUS_DEFERRED_FKS, &open, &unused, 0);
+    if (open != 0) throw SqlError(547, "The UPDATE statement conflicted with the FOREIGN KEY constraint.");
+    database_.Run("PRAGMA defer_foreign_keys = OFF; DROP TABLE temp.\"$moved\"");
+    results_.set_row_count(moved);
+  });
+}
+
+void RowStatements::InsertTaken(const InsertStatement& insert, const std::vector<TakenRows>& taken,
+                                const Activation& activation) {
+  std::int64_t inserted = 0;
+  database_.Atomically([&] {
+    for (const TakenRows& rows : taken) {
+      InsertOne(insert, rows, activation);
+      inserted += results_.row_count();
+    }
+  });
+  results_.set_row_count(inserted);
+}
+
+void RowStatements::InsertOne(const InsertStatement& insert, const TakenRows& taken, const Activation& activation) {
+  // The values stand in a table of SQLite's own, as they are, and go on as those of INSERT … SELECT do.
+  std::string columns;
+  std::string marks;
+  for (std::size_t i = 0; i < taken.columns.size(); ++i) {
+    columns += (i == 0 ? "c" : ", c") + std::to_string(i);
+    marks += i == 0 ? "?" : ", ?";
+  }
+  database_.Run("CREATE TEMP TABLE \"$taken\" (" + columns + ")");
+  {
+    SqliteStatement keep = database_.Prepare("INSERT INTO temp.\"$taken\" VALUES (" + marks + ")");
+    for (const std::vector<Datum>& row : taken.rows) {
+      for (std::size_t i = 0; i < row.size(); ++i) keep.BindValue(static_cast<int>(i) + 1, row[i]);
+      const SqliteStatement::Use use(keep);
+      keep.Step("INSERT");
+    }
+    const TranslatedQuery rows{"SELECT * FROM temp.\"$taken\"", taken.columns};
+    Compiled compiled =
+        plans_.MakeTranslator(activation).CompileInsert(insert, options_.AllowsIdentityOf(insert.table.name), &rows);
+    Run(compiled, activation);
+  }
+  database_.Run("DROP TABLE temp.\"$taken\"");
+}
+
+}  // namespace tessarlorn::tsql

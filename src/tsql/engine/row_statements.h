@@ -1,0 +1,56 @@
+// SELECT, INSERT, UPDATE, DELETE and TRUNCATE.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "tsql/engine/bind.h"
+#include "tsql/engine/definitions.h"
+#include "tsql/engine/plan_store.h"
+#include "tsql/engine/state/results.h"
+#include "tsql/engine/state/transaction.h"
+
+namespace tessarlorn::tsql {
+
+class RowStatements {
+ public:
+  RowStatements(SessionDatabase& database, const SessionOptions& options, Results& results, Transaction& transaction,
+                PlanStore& plans, Binder& binder, Definitions& definitions)
+      : database_(database),
+        options_(options),
+        results_(results),
+        transaction_(transaction),
+        plans_(plans),
+        binder_(binder),
+        definitions_(definitions) {}
+
+  void Select(const Statement& statement, const Activation& activation);
+  /// SET FMTONLY ON: the columns of a query, without a row.
+  void Describe(const Statement& statement, const Activation& activation);
+  /// INSERT, UPDATE or DELETE, but for INSERT … EXEC.
+  void Change(const Statement& statement, const Activation& activation);
+  void Truncate(const TruncateStatement& statement);
+  /// INSERT … EXEC: inserts what the procedure answered.
+  void InsertTaken(const InsertStatement& insert, const std::vector<TakenRows>& taken, const Activation& activation);
+
+ private:
+  void SelectInto(const Query& query, const Activation& activation);
+  /// Whether it answered rows, by OUTPUT.
+  bool RunCompiled(const Statement& statement, const Activation& activation);
+  /// Binds and runs a change to its end.
+  void Run(Compiled& change, const Activation& activation);
+  void NoteIdentity(const Compiled& change);
+  /// UPDATE by way of other rows, for when it failed because keys pass through the place of other rows' keys.
+  void MoveRows(const UpdateStatement& update, std::uint32_t line, const Activation& activation);
+  void InsertOne(const InsertStatement& insert, const TakenRows& taken, const Activation& activation);
+
+  SessionDatabase& database_;
+  const SessionOptions& options_;
+  Results& results_;
+  Transaction& transaction_;
+  PlanStore& plans_;
+  Binder& binder_;
+  Definitions& definitions_;
+};
+
+}  // namespace tessarlorn::tsql

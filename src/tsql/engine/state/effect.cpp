@@ -1,0 +1,58 @@
+#include "tsql/engine/state/effect.h"
+
+#include <algorithm>
+
+namespace tessarlorn::tsql {
+namespace {
+
+struct EffectOfNode {
+  Effect operator()(const SelectStatement& select) const {
+    return select.query->makes_table() ? Effect::kDefines : Effect::kNone;
+  }
+  Effect operator()(const InsertStatement& /*node*/) const { return Effect::kChangesRows; }
+  Effect operator()(const UpdateStatement& /*node*/) const { return Effect::kChangesRows; }
+  Effect operator()(const DeleteStatement& /*node*/) const { return Effect::kChangesRows; }
+  Effect operator()(const TruncateStatement& /*node*/) const { return Effect::kChangesRows; }
+  Effect operator()(const CreateTableStatement& /*node*/) const { return Effect::kDefines; }
+  Effect operator()(const AlterTableStatement& /*node*/) const { return Effect::kDefines; }
+  Effect operator()(const DropStatement& /*node*/) const { return Effect::kDefines; }
+  Effect operator()(const CreateIndexStatement& /*node*/) const { return Effect::kDefines; }
+  Effect operator()(const DropIndexStatement& /*node*/) const { return Effect::kDefines; }
+  Effect operator()(const CreateViewStatement& /*node*/) const { return Effect::kDefines; }
+  Effect operator()(const CreateProcedureStatement& /*node*/) const { return Effect::kDefines; }
+  template <typename Other>
+  Effect operator()(const Other& /*node*/) const {
+    return Effect::kNone;
+  }
+};
+
+struct IsOnTemporary {
+  bool operator()(const SelectStatement& select) const {
+    return select.query->makes_table() && select.query->select()->into.temporary();
+  }
+  bool operator()(const InsertStatement& insert) const { return insert.table.temporary(); }
+  bool operator()(const UpdateStatement& update) const { return update.rows.table.temporary(); }
+  bool operator()(const DeleteStatement& statement) const { return statement.rows.table.temporary(); }
+  bool operator()(const TruncateStatement& truncate) const { return truncate.table.temporary(); }
+  bool operator()(const CreateTableStatement& create) const { return create.table.temporary(); }
+  bool operator()(const AlterTableStatement& alter) const { return alter.table.temporary(); }
+  bool operator()(const CreateIndexStatement& create) const { return create.table.temporary(); }
+  bool operator()(const DropIndexStatement& drop) const { return drop.table.temporary(); }
+  bool operator()(const CreateViewStatement& create) const { return create.view.temporary(); }
+  bool operator()(const CreateProcedureStatement& create) const { return create.procedure.temporary(); }
+  bool operator()(const DropStatement& drop) const {
+    return std::all_of(drop.names.begin(), drop.names.end(), [](const ObjectName& name) { return name.temporary(); });
+  }
+  template <typename Other>
+  bool operator()(const Other& /*node*/) const {
+    return false;
+  }
+};
+
+}  // namespace
+
+Effect EffectOf(const Statement& statement) { return std::visit(EffectOfNode{}, statement.node); }
+
+bool IsOnTemporaryTables(const Statement& statement) { return std::visit(IsOnTemporary{}, statement.node); }
+
+}  // namespace tessarlorn::tsql

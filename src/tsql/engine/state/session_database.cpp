@@ -1,0 +1,41 @@
+#include "tsql/engine/state/session_database.h"
+
+#include <algorithm>
+
+#include "tsql/engine/state/catalog_functions.h"
+#include "tsql/functions/functions.h"
+#include "tsql/functions/list_table.h"
+
+namespace tessarlorn::tsql {
+
+SessionDatabase::SessionDatabase(DatabaseHandle database, std::size_t memory_limit)
+    : runtime_(memory_limit), handle_(std::move(database)), catalog_(handle_.get()) {
+  // A value is copied three times on its way from a function to a row.
+  constexpr std::size_t kCopies = 4;
+  constexpr std::size_t kMostOfSqlite = 1'000'000'000;
+  constexpr int kMostOperations = 10'000'000;
+  sqlite3_limit(handle(), SQLITE_LIMIT_LENGTH, static_cast<int>(std::min(kMostOfSqlite, memory_limit / kCopies)));
+  sqlite3_limit(handle(), SQLITE_LIMIT_VDBE_OP, kMostOperations);
+  RegisterFunctions(handle(), runtime_);
+  RegisterListTable(handle());
+  RegisterCatalogFunctions(handle(), catalog_);
+}
+
+void SessionDatabase::RunQuietly(const std::string& sql) noexcept {
+  sqlite3_exec(handle(), sql.c_str(), nullptr, nullptr, nullptr);
+}
+
+void SessionDatabase::Atomically(const std::function<void()>& body) {
+  Run("SAVEPOINT definition");
+  try {
+    body();
+  } catch (...) {
+    RunQuietly("ROLLBACK TO definition; RELEASE definition");
+    catalog_.Invalidate();
+    catalog_.Refresh();
+    throw;
+  }
+  Run("RELEASE definition");
+}
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,74 @@
+#include "tsql/engine/state/system_values.h"
+
+#include <chrono>
+#include <cmath>
+#include <optional>
+#include <sqlite3.h>
+
+#include "platform/clock.h"
+#include "tsql/values/moment.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+/// Clients read the server's version out of it: what stands behind " - ".
+constexpr const char* kVersionText =
+    "Microsoft SQL Server 2012 as spoken by the TessarLorn embedded database - 11.0.7001.0 on SQLite ";
+
+/// Milliseconds since 1900-01-01.
+std::int64_t UtcNow() {
+  const auto since = std::chrono::system_clock::now().time_since_epoch();
+  constexpr std::int64_t kUnixEpoch = 25567LL * 86'400'000;
+  return kUnixEpoch + std::chrono::duration_cast<std::chrono::milliseconds>(since).count();
+}
+
+Datum Whole(std::int64_t value, SqlType& type) {
+  type = BigIntType();
+  return value;
+}
+
+Datum Whole(std::optional<std::int64_t> value, SqlType& type) { return value ? Whole(*value, type) : Datum{}; }
+
+Datum MomentNow() {
+  const std::int64_t local = LocalNow().milliseconds();
+  const double minutes = std::round(static_cast<double>(local - UtcNow()) / 60'000);
+  // A clock that a test set is not the host's; it counts as UTC.
+  constexpr double kMost = 14 * 60;
+  return StoredMoment(Moment::OfClock(local, std::fabs(minutes) <= kMost ? static_cast<int>(minutes) : 0));
+}
+
+}  // namespace
+
+Datum SystemValues::Get(const std::string& name, SqlType& type) const {
+  if (name == "getdate") return LocalNow().milliseconds();
+  if (name == "getutcdate") return UtcNow();
+  if (name == "sysdatetimeoffset") return MomentNow();
+  if (name == "@@rowcount") return Whole(results_.row_count(), type);
+  if (name == "@@error") return Whole(std::int64_t{errors_.last_number}, type);
+  if (name == "@@trancount") return Whole(std::int64_t{transaction_.depth()}, type);
+  if (name == "@@spid") return Whole(std::int64_t{1}, type);
+  if (name == "xact_state") {
+    return Whole(std::int64_t{transaction_.doomed() ? -1 : transaction_.depth() > 0 ? 1 : 0}, type);
+  }
+  if (name == "@@identity") return Whole(transaction_.identity(), type);
+  if (name == "scope_identity") return Whole(transaction_.scope_identity, type);
+  if (name == "@@version") return std::string(kVersionText) + sqlite3_libversion();
+  if (name.starts_with("error_")) return OfError(name, type);
+  if (name == "db_name") return std::string("main");
+  if (name == "suser_sname" || name == "suser_name" || name == "user_name") return std::string("dbo");
+  return std::string("localhost");
+}
+
+// Of the error whose CATCH block runs.
+Datum SystemValues::OfError(const std::string& name, SqlType& type) const {
+  if (errors_.caught.empty()) return {};
+  const SqlError& error = errors_.caught.back();
+  if (name == "error_number") return Whole(std::int64_t{error.number()}, type);
+  if (name == "error_severity") return Whole(std::int64_t{error.severity()}, type);
+  if (name == "error_state") return Whole(std::int64_t{error.state()}, type);
+  if (name == "error_line") return Whole(std::int64_t{error.line()}, type);
+  if (name == "error_procedure") return error.procedure().empty() ? Datum{} : Datum(error.procedure());
+  return std::string(error.what());
+}
+
+}  // namespace tessarlorn::tsql

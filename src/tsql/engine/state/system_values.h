@@ -1,0 +1,29 @@
+// What the session tells of itself when a statement runs: @@ROWCOUNT, GETDATE(), ERROR_MESSAGE() and their like.
+#pragma once
+
+#include <string>
+
+#include "tsql/engine/state/error_state.h"
+#include "tsql/engine/state/results.h"
+#include "tsql/engine/state/transaction.h"
+#include "tsql/values/datum.h"
+
+namespace tessarlorn::tsql {
+
+class SystemValues {
+ public:
+  SystemValues(const Results& results, const Transaction& transaction, const ErrorState& errors)
+      : results_(results), transaction_(transaction), errors_(errors) {}
+
+  /// @param type what the value is; changed where it is a whole number of another size
+  [[nodiscard]] Datum Get(const std::string& name, SqlType& type) const;
+
+ private:
+  [[nodiscard]] Datum OfError(const std::string& name, SqlType& type) const;
+
+  const Results& results_;
+  const Transaction& transaction_;
+  const ErrorState& errors_;
+};
+
+}  // namespace tessarlorn::tsql

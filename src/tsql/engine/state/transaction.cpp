@@ -1,0 +1,196 @@
+#include "tsql/engine/state/transaction.h"
+
+#include <algorithm>
+#include <thread>
+#include <utility>
+
+#include "platform/text.h"
+#include "tsql/engine/state/effect.h"
+#include "tsql/storage/database_file.h"
+
+namespace tessarlorn::tsql {
+
+Transaction::Transaction(SessionDatabase& database, const SessionOptions& options, Results& results,
+                         std::chrono::milliseconds longest_wait)
+    : database_(database), options_(options), results_(results), longest_wait_(longest_wait) {
+  sqlite3_busy_handler(database_.handle(), WaitForLock, this);
+}
+
+Transaction::~Transaction() { sqlite3_busy_handler(database_.handle(), nullptr, nullptr); }
+
+int Transaction::WaitForLock(void* transaction, int times) {
+  Transaction& self = *static_cast<Transaction*>(transaction);
+  Runtime& runtime = self.database_.runtime();
+  const auto now = std::chrono::steady_clock::now();
+  if (times == 0) self.waiting_since_ = now;
+  auto longest = std::min(self.longest_wait_, self.options_.lock_timeout().value_or(self.longest_wait_));
+  if (!self.taking_write_lock_) longest = std::max<std::chrono::milliseconds>(longest, kLongestReadWait);
+  if (now - self.waiting_since_ >= longest) return 0;
+  if (runtime.cancelled.load(std::memory_order_relaxed)) {
+    runtime.error = Cancelled();
+    return 0;
+  }
+  constexpr int kLongestPause = 25;
+  std::this_thread::sleep_for(std::chrono::milliseconds(std::min(times + 1, kLongestPause)));
+  return 1;
+}
+
+void Transaction::LockFor(const Statement& statement) {
+  if ((writing_ && !doomed_) || EffectOf(statement) == Effect::kNone) return;
+  // A transaction takes back what it did to temporary tables, too.
+  if (depth_ > 0 || !IsOnTemporaryTables(statement)) EnsureWrite();
+}
+
+void Transaction::EnsureWrite() {
+  if (doomed_) {
+    throw SqlError(3930,
+                   "The current transaction cannot be committed and cannot support operations that write to the log "
+                   "file. Roll back the transaction.");
+  }
+  if (writing_) return;
+  taking_write_lock_ = true;
+  try {
+    database_.Run("BEGIN IMMEDIATE");
+  } catch (...) {
+    taking_write_lock_ = false;
+    throw;
+  }
+  taking_write_lock_ = false;
+  writing_ = true;
+  // Whoever had the lock may have defined something else.
+  database_.catalog().Refresh();
+}
+
+void Transaction::CommitWrite() {
+  if (!writing_) return;
+  try {
+    if (!marked_) MarkAsOurs(database_.handle());
+    database_.Run("COMMIT");
+    marked_ = true;
+  } catch (const SqlError&) {
+    RollbackWrite();
+    throw;
+  }
+  writing_ = false;
+  save_points_.clear();
+  given_identities_.clear();
+}
+
+void Transaction::RollbackWrite() noexcept {
+  if (!database_.idle()) database_.RunQuietly("ROLLBACK");
+  writing_ = false;
+  save_points_.clear();
+  database_.catalog().Invalidate();
+  KeepIdentities();
+}
+
+void Transaction::NoteIdentity(const std::string& table) {
+  identity_ = scope_identity = sqlite3_last_insert_rowid(database_.handle());
+  std::int64_t& most = given_identities_[table];
+  most = std::max(most, *identity_);
+}
+
+void Transaction::KeepIdentities() noexcept {
+  constexpr std::string_view kKeep =
+      "INSERT INTO {schema}.sqlite_sequence SELECT {name}, 0 WHERE EXISTS (SELECT 1 FROM {schema}.sqlite_schema WHERE "
+      "type = 'table' AND name = {name}) AND NOT EXISTS (SELECT 1 FROM {schema}.sqlite_sequence WHERE name = {name}); "
+      "UPDATE {schema}.sqlite_sequence SET seq = {last} WHERE name = {name} AND seq < {last}";
+  for (const auto& [table, last] : given_identities_) {
+    // Where that fails the values are given again, as they would be after a crash.
+    const std::string numbered =
+        ReplaceAll(ReplaceAll(kKeep, "{schema}", table[0] == '#' ? "temp" : "main"), "{last}", std::to_string(last));
+    database_.RunQuietly(ReplaceAll(numbered, "{name}", QuoteText(table)));
+  }
+  if (database_.idle()) given_identities_.clear();
+}
+
+void Transaction::NoteLost() {
+  // A full disk or a failing file makes SQLite roll back by itself.
+  if (!writing_ || !database_.idle()) return;
+  writing_ = false;
+  if (std::exchange(depth_, 0) > 0) results_.TellTransaction(TransactionEvent::kRolledBack);
+  save_points_.clear();
+  database_.catalog().Invalidate();
+}
+
+void Transaction::End(bool commit) {
+  depth_ = 0;
+  doomed_ = false;
+  if (commit) {
+    CommitWrite();
+  } else {
+    RollbackWrite();
+  }
+}
+
+void Transaction::BeginFor(const Statement& statement) {
+  const auto* query = As<SelectStatement>(statement);
+  const Select* select = query == nullptr ? nullptr : query->query->select();
+  const bool reads = query != nullptr && (select == nullptr || !select->from.empty());
+  if (!reads && EffectOf(statement) == Effect::kNone) return;
+  CommitWrite();
+  depth_ = 1;
+  results_.TellTransaction(TransactionEvent::kBegun);
+}
+
+void Transaction::BeginContainer() {
+  if (depth_ > 0) throw SqlError(3988, "New transaction is not allowed because there is another transaction open.");
+  depth_ = 1;
+}
+
+void Transaction::CommitContainer() {
+  if (depth_ == 0) {
+    throw SqlError(
+        3902,
+        "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION: the transaction was ended before.");
+  }
+  if (doomed_) EnsureWrite();
+  End(true);
+}
+
+void Transaction::RollbackContainer() {
+  if (depth_ > 0 || writing_) End(false);
+}
+
+void Transaction::Begin() {
+  // What the batch changed so far is its own, not the transaction's.
+  if (depth_ == 0) CommitWrite();
+  if (++depth_ == 1) results_.TellTransaction(TransactionEvent::kBegun);
+}
+
+void Transaction::Commit() {
+  if (depth_ == 0) throw SqlError(3902, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION.");
+  if (doomed_) EnsureWrite();
+  if (--depth_ > 0) return;
+  try {
+    CommitWrite();
+  } catch (const SqlError&) {
+    results_.TellTransaction(TransactionEvent::kRolledBack);
+    throw;
+  }
+  results_.TellTransaction(TransactionEvent::kCommitted);
+}
+
+void Transaction::Save(const SaveTransactionStatement& statement) {
+  if (depth_ == 0) throw SqlError(628, "Cannot issue SAVE TRANSACTION when there is no active transaction.");
+  EnsureWrite();
+  database_.Run("SAVEPOINT " + QuoteName("save " + LowerCase(statement.name)));
+  save_points_.push_back(LowerCase(statement.name));
+}
+
+void Transaction::Rollback(const RollbackStatement& statement) {
+  if (depth_ == 0) throw SqlError(3903, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION.");
+  for (std::size_t i = save_points_.size(); !statement.name.empty() && i-- > 0;) {
+    if (save_points_[i] != LowerCase(statement.name)) continue;
+    database_.Run("ROLLBACK TO " + QuoteName("save " + save_points_[i]));
+    database_.catalog().Invalidate();
+    database_.catalog().Refresh();
+    KeepIdentities();
+    return;
+  }
+  End(false);
+  results_.TellTransaction(TransactionEvent::kRolledBack);
+  database_.catalog().Refresh();
+}
+
+}  // namespace tessarlorn::tsql

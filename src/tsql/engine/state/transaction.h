@@ -1,0 +1,100 @@
+// Transactions: the write lock, commit and rollback, save points, and the identity values given meanwhile.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "tsql/engine/state/results.h"
+#include "tsql/engine/state/session_database.h"
+#include "tsql/engine/state/session_options.h"
+#include "tsql/syntax/statement.h"
+
+namespace tessarlorn::tsql {
+
+class Transaction {
+ public:
+  /// While it lives a statement reads one commit, definitions and rows. The lock of a writer does so already.
+  class Snapshot {
+   public:
+    Snapshot(const Transaction& transaction, Catalog& catalog) : catalog_(transaction.writing_ ? nullptr : &catalog) {
+      if (catalog_ != nullptr) catalog_->Hold();
+    }
+    Snapshot(const Snapshot&) = delete;
+    Snapshot& operator=(const Snapshot&) = delete;
+    ~Snapshot() {
+      if (catalog_ != nullptr) catalog_->LetGo();
+    }
+
+   private:
+    Catalog* catalog_;
+  };
+
+  /// @param longest_wait how long a statement waits for a lock, unless SET LOCK_TIMEOUT says less
+  Transaction(SessionDatabase& database, const SessionOptions& options, Results& results,
+              std::chrono::milliseconds longest_wait);
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  ~Transaction();
+
+  [[nodiscard]] int depth() const noexcept { return depth_; }  // @@TRANCOUNT
+  /// SQLite holds the write lock.
+  [[nodiscard]] bool writing() const noexcept { return writing_; }
+  /// It can only be rolled back.
+  [[nodiscard]] bool doomed() const noexcept { return doomed_; }
+  void Doom() noexcept { doomed_ = true; }
+
+  // The statements.
+  void Begin();
+  void Commit();
+  void Rollback(const RollbackStatement& statement);
+  void Save(const SaveTransactionStatement& statement);
+  /// Under SET IMPLICIT_TRANSACTIONS: begins one where the statement needs it.
+  void BeginFor(const Statement& statement);
+
+  // The container's.
+  void BeginContainer();
+  void CommitContainer();
+  void RollbackContainer();
+
+  /// Takes the write lock that the statement needs, before anything is read for it.
+  void LockFor(const Statement& statement);
+  void EnsureWrite();
+  void CommitWrite();
+  void RollbackWrite() noexcept;
+  /// Notes that SQLite rolled back by itself.
+  void NoteLost();
+  void End(bool commit);
+
+  /// The change that just ran gave a value of the table's identity column.
+  void NoteIdentity(const std::string& table);
+  [[nodiscard]] std::optional<std::int64_t> identity() const { return identity_; }  // @@IDENTITY
+  void ForgetIdentity() { identity_.reset(); }
+  /// Of the batch, text or procedure that runs: SCOPE_IDENTITY().
+  std::optional<std::int64_t> scope_identity;
+
+ private:
+  /// For SQLite, while a lock is taken: whether to try again.
+  static int WaitForLock(void* transaction, int times);
+  /// Identity values that a rollback took back are not given again.
+  void KeepIdentities() noexcept;
+
+  SessionDatabase& database_;
+  const SessionOptions& options_;
+  Results& results_;
+  int depth_ = 0;
+  bool writing_ = false;
+  bool doomed_ = false;
+  bool marked_ = false;  // the file, as one of ours
+  std::vector<std::string> save_points_;
+  const std::chrono::milliseconds longest_wait_;
+  bool taking_write_lock_ = false;
+  std::chrono::steady_clock::time_point waiting_since_;
+  std::optional<std::int64_t> identity_;
+  std::unordered_map<std::string, std::int64_t> given_identities_;  // by table, in the open transaction
+};
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,360 @@
+// The statements of Transact-SQL, as the parser makes them.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "tsql/syntax/ast.h"
+
+namespace tessarlorn::tsql {
+
+struct Statement;
+using StatementPtr = std::unique_ptr<Statement>;
+
+// Rows.
+
+struct SelectStatement {
+  QueryPtr query;
+};
+
+/// DEFAULT VALUES
+struct DefaultValues {};
+
+struct InsertStatement {
+  std::vector<CommonTable> with;
+  ObjectName table;
+  std::vector<std::string> columns;
+  std::vector<SelectItem> output;
+  /// A query or VALUES; DEFAULT VALUES; an EXEC.
+  std::variant<QueryPtr, DefaultValues, StatementPtr> source;
+  /// The EXEC of INSERT … EXEC, else nullptr.
+  [[nodiscard]] const Statement* execute() const {
+    const auto* execute = std::get_if<StatementPtr>(&source);
+    return execute == nullptr ? nullptr : execute->get();
+  }
+};
+
+/// @v = value, [alias.]column = value, @v = column = value; with = or += and its like.
+struct Assignment {
+  std::string variable;             // "@v" or ""
+  std::vector<std::string> column;  // [alias.]column, empty when only a variable is assigned
+  std::optional<BinaryOp> compound;
+  ExpressionPtr value;
+};
+
+/// What UPDATE and DELETE have in common: which rows of which table.
+struct ChangedRows {
+  std::vector<CommonTable> with;
+  ObjectName table;  // as written: a name or an alias
+  ExpressionPtr top;
+  std::vector<SelectItem> output;
+  std::vector<TableSourcePtr> from;
+  ExpressionPtr where;
+};
+
+struct UpdateStatement {
+  ChangedRows rows;
+  std::vector<Assignment> assignments;
+};
+
+struct DeleteStatement {
+  ChangedRows rows;
+};
+
+struct TruncateStatement {
+  ObjectName table;
+};
+
+// Variables and options.
+
+struct VariableDeclaration {
+  std::string name;  // "@v" in lower case
+  TypeName type;
+  ExpressionPtr initial;
+};
+
+struct DeclareStatement {
+  std::vector<VariableDeclaration> variables;
+};
+
+/// SET @v = value
+struct SetStatement {
+  Assignment assignment;
+};
+
+/// SET option ON|OFF
+struct SetSwitchStatement {
+  std::string option;  // "nocount", "statistics io" …
+  bool on = false;
+};
+
+/// SET option value
+struct SetValueStatement {
+  std::string option;   // "lock_timeout", "language" …
+  std::string word;     // the value when it is a word, else ""
+  ExpressionPtr value;  // the value when it is none
+};
+
+struct SetIdentityInsertStatement {
+  ObjectName table;
+  bool on = false;
+};
+
+/// SET TRANSACTION ISOLATION LEVEL
+struct SetIsolationStatement {
+  std::string level;  // "read committed" …
+};
+
+// Control flow.
+
+struct IfStatement {
+  ExpressionPtr condition;
+  StatementPtr then;
+  StatementPtr otherwise;  // null when none
+};
+
+struct WhileStatement {
+  ExpressionPtr condition;
+  StatementPtr body;
+};
+
+struct BlockStatement {
+  std::vector<StatementPtr> body;
+};
+
+struct BreakStatement {};
+struct ContinueStatement {};
+
+struct ReturnStatement {
+  ExpressionPtr value;  // null when none
+};
+
+struct TryCatchStatement {
+  std::vector<StatementPtr> body;
+  std::vector<StatementPtr> handler;
+};
+
+/// WAITFOR DELAY
+struct WaitForStatement {
+  ExpressionPtr delay;  // text 'hh:mm:ss'
+};
+
+struct UseStatement {
+  std::string database;
+};
+
+/// A semicolon alone.
+struct EmptyStatement {};
+
+// Messages and errors.
+
+struct PrintStatement {
+  ExpressionPtr message;
+};
+
+struct RaiseErrorStatement {
+  ExpressionPtr message;
+  ExpressionPtr severity;
+  ExpressionPtr state;
+  std::vector<ExpressionPtr> arguments;
+};
+
+struct ThrowStatement {
+  ExpressionPtr number;  // null, as the others then, to raise the caught error again
+  ExpressionPtr message;
+  ExpressionPtr state;
+};
+
+// Transactions.
+
+struct BeginTransactionStatement {};
+struct CommitStatement {};
+
+struct RollbackStatement {
+  std::string name;  // of a save point or a transaction, or ""
+};
+
+struct SaveTransactionStatement {
+  std::string name;
+};
+
+// Procedures.
+
+struct CallArgument {
+  std::string name;     // "@name" or ""
+  ExpressionPtr value;  // null for DEFAULT
+  bool output = false;
+};
+
+/// EXEC procedure
+struct CallStatement {
+  ObjectName procedure;
+  std::vector<CallArgument> arguments;
+  std::string result_variable;  // EXEC @r = …, else ""
+};
+
+/// EXEC ('…')
+struct ExecuteTextStatement {
+  ExpressionPtr text;
+};
+
+// Definitions.
+
+struct ColumnDefinition {
+  std::string name;
+  TypeName type;
+  std::optional<bool> nullable;  // not given: nullable
+  std::string collation;         // "" when none is given
+  bool identity = false;
+  std::int64_t identity_seed = 1;
+  std::int64_t identity_increment = 1;
+  ExpressionPtr default_value;
+  std::string default_text;  // the default as written, for the catalog
+  bool primary_key = false;
+  bool unique = false;
+  ExpressionPtr computed;  // column AS expression
+  ExpressionPtr check;
+  std::string check_text;
+};
+
+struct PrimaryKeyRule {
+  std::vector<std::string> columns;
+};
+
+struct UniqueRule {
+  std::vector<std::string> columns;
+};
+
+struct CheckRule {
+  ExpressionPtr condition;
+  std::string text;
+};
+
+struct ForeignKeyRule {
+  std::vector<std::string> columns;
+  ObjectName references;
+  std::vector<std::string> referenced_columns;
+};
+
+struct DefaultRule {
+  std::string column;
+  ExpressionPtr value;  // null when it stands at the column
+  std::string text;
+};
+
+/// A constraint of a table, or one of a column that is named or refers to another table. A named DEFAULT of a column in
+/// its definition stands in both: the value at the column, the name here.
+struct TableConstraint {
+  std::string name;  // "" when none is given
+  std::variant<PrimaryKeyRule, UniqueRule, CheckRule, ForeignKeyRule, DefaultRule> rule;
+};
+
+/// What stands between the parentheses of CREATE TABLE, and behind ALTER TABLE … ADD.
+struct TableElements {
+  std::vector<ColumnDefinition> columns;
+  std::vector<TableConstraint> constraints;
+};
+
+struct CreateTableStatement {
+  ObjectName table;
+  TableElements elements;
+};
+
+struct AlterTableStatement {
+  struct AddColumns {
+    TableElements elements;
+  };
+  struct AddConstraints {
+    std::vector<TableConstraint> constraints;
+  };
+  struct DropColumns {
+    std::vector<std::string> columns;
+  };
+  struct DropConstraints {
+    std::vector<std::string> names;
+  };
+  struct AlterColumn {
+    ColumnDefinition column;
+  };
+
+  ObjectName table;
+  std::variant<AddColumns, AddConstraints, DropColumns, DropConstraints, AlterColumn> action;
+};
+
+enum class ObjectKind : std::uint8_t { kTable, kView, kProcedure };
+
+struct DropStatement {
+  ObjectKind kind = ObjectKind::kTable;
+  std::vector<ObjectName> names;
+  bool if_exists = false;
+};
+
+struct KeyColumn {
+  std::string name;
+  bool descending = false;
+};
+
+struct CreateIndexStatement {
+  std::string name;
+  ObjectName table;
+  bool unique = false;
+  std::vector<KeyColumn> key;
+  std::vector<std::string> included;
+  ExpressionPtr where;
+};
+
+struct DropIndexStatement {
+  std::string name;
+  ObjectName table;
+  bool if_exists = false;
+};
+
+struct CreateViewStatement {
+  ObjectName view;
+  std::vector<std::string> columns;
+  QueryPtr query;
+  std::string source_text;
+  bool replace = false;  // CREATE OR ALTER, ALTER
+};
+
+struct Parameter {
+  std::string name;  // "@p"
+  TypeName type;
+  ExpressionPtr default_value;
+  bool output = false;
+};
+
+struct CreateProcedureStatement {
+  ObjectName procedure;
+  std::vector<Parameter> parameters;
+  std::vector<StatementPtr> body;
+  std::string source_text;
+  bool replace = false;
+};
+
+using StatementNode =
+    std::variant<EmptyStatement, SelectStatement, InsertStatement, UpdateStatement, DeleteStatement, TruncateStatement,
+                 DeclareStatement, SetStatement, SetSwitchStatement, SetValueStatement, SetIdentityInsertStatement,
+                 SetIsolationStatement, IfStatement, WhileStatement, BlockStatement, BreakStatement, ContinueStatement,
+                 ReturnStatement, TryCatchStatement, WaitForStatement, UseStatement, PrintStatement,
+                 RaiseErrorStatement, ThrowStatement, BeginTransactionStatement, CommitStatement, RollbackStatement,
+                 SaveTransactionStatement, CallStatement, ExecuteTextStatement, CreateTableStatement,
+                 AlterTableStatement, DropStatement, CreateIndexStatement, DropIndexStatement, CreateViewStatement,
+                 CreateProcedureStatement>;
+
+struct Statement {
+  std::uint32_t line = 1;
+  StatementNode node;
+};
+
+/// The statement as a node of that type, or nullptr when it is another one.
+template <typename Node>
+const Node* As(const Statement& statement) {
+  return std::get_if<Node>(&statement.node);
+}
+
+}  // namespace tessarlorn::tsql

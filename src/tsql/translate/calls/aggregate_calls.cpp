@@ -1,0 +1,81 @@
+// COUNT, SUM, AVG, MIN, MAX and STRING_AGG over the rows of a group.
+#include <algorithm>
+
+#include "tsql/translate/calls/call_topics.h"
+#include "tsql/translate/common/operators.h"
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+Typed CountOf(const Call& call, const std::string& counted) {
+  return {"count(" + counted + ")", call.name() == "count" ? IntType() : BigIntType(), false, -1};
+}
+
+/// SUM and AVG.
+Typed Total(const Call& call, const Typed& value) {
+  const bool sum = call.name() == "sum";
+  const std::string counted = (call.distinct() ? "DISTINCT " : "") + value.sql;
+  if (value.type.is_float()) return {"ts_float(" + call.name() + "(" + counted + "))", FloatType(), true, -1};
+  if (value.type.is_integer()) {
+    const SqlType type = value.type.kind == FieldType::kBigInt ? BigIntType() : IntType();
+    const std::string total = "sum(" + counted + ")";
+    if (!sum) return {"ts_div(" + total + ", count(" + counted + "))", type, true, -1};
+    return {type.kind == FieldType::kBigInt ? total : "ts_i32(" + total + ")", type, true, -1};
+  }
+  const SqlType exact = AsDecimal(value.type);
+  const SqlType total_type = DecimalType(38, exact.scale);
+  const std::string total =
+      value.type.storage() == Storage::kScaled
+          ? "ts_conv(sum(" + counted + "), " + Packed(DecimalType(18, exact.scale)) + ", " + Packed(total_type) + ", 0)"
+          : "ts_sum(" + counted + ", " + Packed(value.type) + ", " + Packed(total_type) + ")";
+  if (sum) return {total, total_type, true, -1};
+  const SqlType average = DecimalType(38, std::max(exact.scale, 6));
+  return {DecimalCall(BinaryOp::kDivide, total, total_type, "count(" + counted + ")", IntType(), average), average,
+          true, -1};
+}
+
+}  // namespace
+
+bool IsAggregate(std::string_view name) {
+  return name == "count" || name == "count_big" || name == "sum" || name == "avg" || name == "min" || name == "max" ||
+         name == "string_agg";
+}
+
+Typed AggregateCall(const Call& call) {
+  const std::string& name = call.name();
+  if (call.scope().no_aggregates) {
+    throw SqlError(
+        147,
+        "An aggregate may not appear in the WHERE clause unless it is in a subquery contained in a HAVING clause "
+        "or a select list, and the column being aggregated is an outer reference.",
+        15);
+  }
+  int& depth = call.translation().aggregate_depth;
+  if (depth > 0) {
+    throw SqlError(130, "Cannot perform an aggregate function on an expression containing an aggregate or a subquery.",
+                   15);
+  }
+  const bool count = name == "count" || name == "count_big";
+  if (count && call.of_star()) return CountOf(call, "*");
+  call.Require(name == "string_agg" ? 2 : 1);
+  ++depth;
+  const Typed value = call.Value(0);
+  const std::string separator = name == "string_agg" ? call.Text(1) : std::string();
+  --depth;
+  if (count) return CountOf(call, (call.distinct() ? "DISTINCT " : "") + Collated(value));
+  if (name == "string_agg") {
+    const SqlType type = value.type.is_national() || !value.type.is_text() ? NVarCharType(4000) : VarCharType(8000);
+    return {"group_concat(" + call.Coerced(value, NVarCharType(0)) + ", " + separator + ")", type, true, -1};
+  }
+  if ((name == "min" || name == "max") && value.type.kind != FieldType::kBit) {
+    return {name + "(" + Collated(value) + ")", value.type, true, -1};
+  }
+  if (!value.type.is_number() || value.type.kind == FieldType::kBit) {
+    throw SqlError(
+        8117, "Operand data type " + std::string(TypeNameText(value.type)) + " is invalid for " + name + " operator.");
+  }
+  return Total(call, value);
+}
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,44 @@
+#include "tsql/translate/calls/call.h"
+
+#include <algorithm>
+#include <array>
+
+#include "platform/text.h"
+#include "tsql/translate/calls/call_topics.h"
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+
+void Call::Require(std::size_t least, std::size_t most) const {
+  if (count() >= least && count() <= most) return;
+  const std::size_t wanted = count() < least ? least : most;
+  SqlError error(174, "The " + name() + " function requires " + std::to_string(wanted) + " argument(s).", 15);
+  error.set_line(line_);
+  throw error;
+}
+
+void RaiseUnknownFunction(const std::string& name, std::uint32_t line) {
+  SqlError error(195, "'" + name + "' is not a recognized built-in function name.", 15);
+  error.set_line(line);
+  throw error;
+}
+
+Typed TranslateCall(const Call& call) {
+  if (call.window() != nullptr) return WindowCall(call);
+  if (IsAggregate(call.name())) return AggregateCall(call);
+  for (const auto topic : {PlainCall, ConditionalCall, DateCall, NumberCall, TextCall, SessionCall, ServerCall}) {
+    Typed value = topic(call);
+    if (!value.sql.empty()) return value;
+  }
+  constexpr std::array<std::string_view, 22> kServerOnly = {
+      "format",    "stdev",   "stdevp",      "var",          "varp",      "checksum",     "degrees",
+      "radians",   "cot",     "object_name", "parsename",    "translate", "string_split", "json_value",
+      "hashbytes", "soundex", "difference",  "percent_rank", "cume_dist", "checksum_agg", "datetimefromparts",
+      "grouping"};
+  if (std::find(kServerOnly.begin(), kServerOnly.end(), call.name()) != kServerOnly.end()) {
+    RaiseUnsupported("The function " + UpperCase(call.name()), call.line());
+  }
+  RaiseUnknownFunction(call.name(), call.line());
+}
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,34 @@
+// The functions of Transact-SQL by topic. Each answers a value without SQL when the function is none of its own.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "tsql/translate/calls/call.h"
+
+namespace tessarlorn::tsql {
+
+/// Any call. Raises 195 for an unknown function.
+Typed TranslateCall(const Call& call);
+[[noreturn]] void RaiseUnknownFunction(const std::string& name, std::uint32_t line);
+
+// aggregate_calls.cpp, window_calls.cpp
+bool IsAggregate(std::string_view name);
+Typed AggregateCall(const Call& call);
+Typed WindowCall(const Call& call);
+
+// plain_calls.cpp: functions that one row function answers, most of those on texts among them
+Typed PlainCall(const Call& call);
+
+// The other topics, each in a file of its name
+Typed ConditionalCall(const Call& call);
+Typed DateCall(const Call& call);
+Typed NumberCall(const Call& call);
+Typed TextCall(const Call& call);
+/// Functions of the session and of the server; the variables @@NAME.
+Typed SessionCall(const Call& call);
+Typed ServerCall(const Call& call);
+Typed GlobalValue(Parameters& parameters, const std::string& name, std::uint32_t line);
+
+}  // namespace tessarlorn::tsql

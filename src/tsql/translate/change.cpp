@@ -1,0 +1,298 @@
+#include "tsql/translate/change.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/text.h"
+#include "tsql/translate/common/argument.h"
+#include "tsql/translate/common/conversion.h"
+#include "tsql/translate/common/operators.h"
+#include "tsql/translate/queries/query.h"
+#include "tsql/translate/queries/source.h"
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+/// The first named table of a source for which `is_target` holds.
+template <typename IsTarget>
+const NamedTable* FindNamed(const TableSource& source, const IsTarget& is_target) {
+  if (const auto* join = std::get_if<Join>(&source.node)) {
+    const NamedTable* left = FindNamed(*join->left, is_target);
+    return left != nullptr ? left : FindNamed(*join->right, is_target);
+  }
+  const auto* table = std::get_if<NamedTable>(&source.node);
+  return table != nullptr && is_target(*table) ? table : nullptr;
+}
+
+/// The source that the target of UPDATE or DELETE names: its alias, or else its table's name.
+const NamedTable* FindTarget(const std::vector<TableSourcePtr>& from, const std::string& name) {
+  const NamedTable* found = nullptr;
+  for (const TableSourcePtr& source : from) {
+    if (found != nullptr) break;
+    found = FindNamed(*source, [&](const NamedTable& table) { return EqualsIgnoreCase(table.shown_name(), name); });
+  }
+  for (const TableSourcePtr& source : from) {
+    if (found != nullptr) break;
+    found = FindNamed(*source, [&](const NamedTable& table) { return EqualsIgnoreCase(table.name.name, name); });
+  }
+  return found;
+}
+
+struct Target {
+  CatalogObjectPtr table;
+  std::string alias;
+  bool joined = false;  // FROM names more than the target
+};
+
+Target TargetOf(Translation& translation, const ChangedRows& rows, std::uint32_t line) {
+  Target target;
+  if (const NamedTable* found = FindTarget(rows.from, rows.table.name)) {
+    target.table = translation.Lookup(found->name);
+    target.alias = found->shown_name();
+    target.joined = rows.from.size() > 1 || !std::holds_alternative<NamedTable>(rows.from[0]->node);
+  } else {
+    target.table = translation.Lookup(rows.table);
+    target.alias = rows.table.name;
+    if (!rows.from.empty()) {
+      RaiseUnsupported("A FROM clause that does not name the table '" + rows.table.name + "'", line);
+    }
+  }
+  RequireTable(*target.table);
+  return target;
+}
+
+/// WITH, FROM, WHERE and TOP of an UPDATE or DELETE.
+struct Clauses {
+  std::string with;
+  Target target;
+  Scope scope;
+  std::string from;
+  std::string where;
+  std::string limit;
+};
+
+/// The FROM clause, of the target alone where none is written.
+std::string FromOf(Translation& translation, const ChangedRows& rows, Scope& scope) {
+  if (!rows.from.empty()) return TranslateFrom(translation, rows.from, scope);
+  return " FROM " + TranslateTable(translation, {rows.table, ""}, scope);
+}
+
+void TranslateRowsOf(Translation& translation, const ChangedRows& rows, Clauses& clauses) {
+  if (rows.where != nullptr) clauses.where = " WHERE " + translation.Condition(*rows.where, clauses.scope);
+  if (rows.top != nullptr) clauses.limit = " LIMIT " + IntArgument(translation, *rows.top, clauses.scope);
+}
+
+class UpdateTranslator {
+ public:
+  UpdateTranslator(Translation& translation, const UpdateStatement& update, std::uint32_t line)
+      : translation_(translation), parameters_(translation.parameters), update_(update), line_(line) {}
+
+  Compiled Translate(bool collect);
+
+ private:
+  void AddAssignment(const Assignment& assignment);
+  void AddColumn(const Assignment& assignment, const Column& column, Typed value);
+  void AddVariable(const Assignment& assignment, Typed value);
+  [[nodiscard]] std::string Row(const std::string& column) const {
+    return QuoteName(clauses_.target.alias) + "." + column;
+  }
+  /// The clauses behind the select list of a query over the rows.
+  [[nodiscard]] std::string Tail() const;
+  [[nodiscard]] Compiled AssignOnly();
+  [[nodiscard]] Compiled Collect();
+  [[nodiscard]] std::string Direct() const;
+  [[nodiscard]] std::string Indirect() const;
+
+  Translation& translation_;
+  Parameters& parameters_;
+  const UpdateStatement& update_;
+  std::uint32_t line_;
+  Clauses clauses_;
+  std::vector<std::pair<std::string, std::string>> sets_;  // column, value
+  std::string variables_;                                  // ", name, value" for ts_setvar
+};
+
+void UpdateTranslator::AddAssignment(const Assignment& assignment) {
+  Typed value = translation_.Value(*assignment.value, clauses_.scope);
+  if (assignment.column.empty()) {
+    AddVariable(assignment, std::move(value));
+    return;
+  }
+  const CatalogObject& table = *clauses_.target.table;
+  const int position = RequireColumn(table, assignment.column.back());
+  AddColumn(assignment, table.columns[static_cast<std::size_t>(position)], std::move(value));
+}
+
+void UpdateTranslator::AddColumn(const Assignment& assignment, const Column& column, Typed value) {
+  if (column.identity) throw SqlError(8102, "Cannot update identity column '" + column.name + "'.");
+  if (assignment.compound) {
+    value = Arithmetic(parameters_, *assignment.compound,
+                       {Row(QuoteName(column.name)), column.type, column.nullable, -1}, std::move(value));
+  }
+  for (const auto& [name, sql] : sets_) {
+    if (EqualsIgnoreCase(name, column.name)) RaiseColumnTwice(column.name);
+  }
+  sets_.emplace_back(column.name, Assigned(parameters_, value, column, ShownName(*clauses_.target.table)));
+  if (assignment.variable.empty()) return;
+  const Typed stored{sets_.back().second, column.type, true, -1};
+  variables_ += ", " + QuoteText(assignment.variable) + ", " +
+                Coerce(parameters_, stored, parameters_.VariableType(assignment.variable));
+  parameters_.Variable(assignment.variable);
+}
+
+void UpdateTranslator::AddVariable(const Assignment& assignment, Typed value) {
+  const SqlType type = parameters_.VariableType(assignment.variable);
+  if (assignment.compound) {
+    value = Arithmetic(parameters_, *assignment.compound, parameters_.Variable(assignment.variable), std::move(value));
+  }
+  parameters_.Variable(assignment.variable);
+  variables_ += ", " + QuoteText(assignment.variable) + ", " + Coerce(parameters_, value, type);
+}
+
+std::string UpdateTranslator::Tail() const {
+  const std::string present =
+      clauses_.target.joined ? (clauses_.where.empty() ? " WHERE " : " AND ") + Row("_rowid_") + " IS NOT NULL" : "";
+  return clauses_.from + clauses_.where + present + clauses_.limit;
+}
+
+// Only variables: each row that the condition meets assigns them.
+Compiled UpdateTranslator::AssignOnly() {
+  if (!update_.rows.output.empty()) RaiseUnsupported("OUTPUT of an UPDATE that changes no column", line_);
+  return parameters_.Finish(clauses_.with + "SELECT ts_setvar(1" + variables_ + ")" + clauses_.from + clauses_.where);
+}
+
+Compiled UpdateTranslator::Collect() {
+  std::string row = Row("_rowid_");
+  for (const Column& column : clauses_.target.table->columns) {
+    const auto set =
+        std::find_if(sets_.begin(), sets_.end(), [&](const auto& entry) { return entry.first == column.name; });
+    row += ", " + (set != sets_.end() ? set->second : Row(QuoteName(column.name)));
+  }
+  return parameters_.Finish(clauses_.with + "INSERT OR IGNORE INTO temp.\"$moved\" SELECT " + row + Tail());
+}
+
+std::string UpdateTranslator::Direct() const {
+  std::string sql = "UPDATE " + TableSql(*clauses_.target.table) + " AS " + QuoteName(clauses_.target.alias) + " SET ";
+  for (std::size_t i = 0; i < sets_.size(); ++i)
+    sql += (i == 0 ? "" : ", ") + QuoteName(sets_[i].first) + " = " + sets_[i].second;
+  return sql + clauses_.where;
+}
+
+// The rows are found by a query of their own.
+std::string UpdateTranslator::Indirect() const {
+  std::string sql = clauses_.with + "UPDATE " + TableSql(*clauses_.target.table) + " AS \"$target\" SET ";
+  std::string rows = "SELECT " + Row("_rowid_") + " AS r";
+  for (std::size_t i = 0; i < sets_.size(); ++i) {
+    const std::string name = "v" + std::to_string(i);
+    sql += (i == 0 ? "" : ", ") + QuoteName(sets_[i].first) + " = \"$rows\"." + name;
+    rows += ", " + sets_[i].second + " AS " + name;
+  }
+  return sql + " FROM (" + rows + Tail() + ") AS \"$rows\" WHERE \"$target\"._rowid_ = \"$rows\".r";
+}
+
+bool IsDeleted(const Expression& expression) {
+  const auto* column = As<ColumnReference>(expression);
+  const auto* star = As<Star>(expression);
+  return EqualsIgnoreCase(column != nullptr ? column->parts[0] : star != nullptr ? star->table : "", "deleted");
+}
+
+Compiled UpdateTranslator::Translate(bool collect) {
+  const ChangedRows& rows = update_.rows;
+  clauses_.with = TranslateWith(translation_, rows.with, nullptr);
+  clauses_.target = TargetOf(translation_, rows, line_);
+  for (const Assignment& assignment : update_.assignments) {
+    if (!assignment.variable.empty()) parameters_.Assign(assignment.variable);
+  }
+  clauses_.from = FromOf(translation_, rows, clauses_.scope);
+  for (const Assignment& assignment : update_.assignments) AddAssignment(assignment);
+  TranslateRowsOf(translation_, rows, clauses_);
+  if (!sets_.empty() && !variables_.empty()) sets_[0].second = "ts_setvar(" + sets_[0].second + variables_ + ")";
+  Compiled compiled;
+  if (sets_.empty()) {
+    compiled = AssignOnly();
+  } else if (collect) {
+    compiled = Collect();
+  } else {
+    for (const SelectItem& item : rows.output) {
+      if (IsDeleted(*item.expression)) RaiseUnsupported("OUTPUT deleted of an UPDATE", line_);
+    }
+    const bool indirect = clauses_.target.joined || rows.top != nullptr || !rows.with.empty();
+    compiled =
+        FinishChange(translation_, rows.output, *clauses_.target.table, "inserted", indirect ? Indirect() : Direct());
+  }
+  compiled.verb = "UPDATE";
+  return compiled;
+}
+
+}  // namespace
+
+Compiled CompileUpdate(Translation& translation, const UpdateStatement& update, std::uint32_t line, bool collect) {
+  return UpdateTranslator(translation, update, line).Translate(collect);
+}
+
+Compiled CompileDelete(Translation& translation, const DeleteStatement& statement, std::uint32_t line) {
+  const ChangedRows& rows = statement.rows;
+  Clauses clauses;
+  clauses.with = TranslateWith(translation, rows.with, nullptr);
+  clauses.target = TargetOf(translation, rows, line);
+  clauses.from = FromOf(translation, rows, clauses.scope);
+  TranslateRowsOf(translation, rows, clauses);
+  const std::string alias = QuoteName(clauses.target.alias);
+  std::string sql = clauses.with + "DELETE FROM " + TableSql(*clauses.target.table);
+  if (clauses.target.joined || !clauses.limit.empty()) {
+    sql += " WHERE _rowid_ IN (SELECT " + alias + "._rowid_" + clauses.from + clauses.where + clauses.limit + ")";
+  } else {
+    sql += " AS " + alias + clauses.where;
+  }
+  Compiled compiled = FinishChange(translation, rows.output, *clauses.target.table, "deleted", std::move(sql));
+  compiled.verb = "DELETE";
+  return compiled;
+}
+
+CatalogObjectPtr ChangedTable(Translation& translation, const ChangedRows& rows, std::uint32_t line) {
+  return TargetOf(translation, rows, line).table;
+}
+
+Compiled FinishChange(Translation& translation, const std::vector<SelectItem>& output, const CatalogObject& table,
+                      const char* rows, std::string sql) {
+  Scope scope;
+  scope.sources.push_back(BareSource(rows, table));
+  std::vector<Typed> values;
+  std::vector<ResultColumn> columns;
+  for (const SelectItem& item : output) {
+    const Expression& expression = *item.expression;
+    if (const auto* star = As<Star>(expression)) {
+      ExpandStar(*star, scope, values, columns);
+      continue;
+    }
+    scope.no_aggregates = true;
+    values.push_back(translation.Value(expression, scope));
+    const auto* column = As<ColumnReference>(expression);
+    const bool named = item.alias.empty() && column != nullptr;
+    columns.push_back({named ? column->name() : item.alias, values.back().type, values.back().nullable});
+  }
+  for (std::size_t i = 0; i < values.size(); ++i) sql += (i == 0 ? " RETURNING " : ", ") + values[i].sql;
+  Compiled compiled = translation.parameters.Finish(sql);
+  compiled.columns = std::move(columns);
+  return compiled;
+}
+
+void RequireTable(const CatalogObject& object) {
+  if (object.kind != CatalogKind::kTable) RaiseUnsupported("Changing the view '" + object.name + "'");
+}
+
+int RequireColumn(const CatalogObject& table, const std::string& name) {
+  const int position = table.FindColumn(name);
+  if (position < 0) throw SqlError(207, "Invalid column name '" + name + "'.");
+  return position;
+}
+
+void RaiseColumnTwice(const std::string& name) {
+  throw SqlError(
+      264, "The column name '" + name + "' is specified more than once in the SET clause or column list of an INSERT.");
+}
+
+std::string ShownName(const CatalogObject& table) { return (table.temporary ? "tempdb.dbo." : "dbo.") + table.name; }
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,75 @@
+#include "tsql/translate/common/meaning.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include "platform/text.h"
+#include "tsql/syntax/ast_walk.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+template <typename Op>
+std::string Number(Op op) {
+  return std::to_string(static_cast<int>(op));
+}
+
+/// What tells two nodes of one type apart, but for their operands.
+struct OwnPart {
+  std::string operator()(const Literal& node) const { return node.text; }
+  std::string operator()(const VariableReference& node) const { return node.name; }
+  std::string operator()(const GlobalReference& node) const { return node.name; }
+  std::string operator()(const ColumnReference& node) const { return LowerCase(node.name()); }
+  std::string operator()(const Star& node) const { return LowerCase(node.table); }
+  std::string operator()(const UnaryOperation& node) const { return Number(node.op); }
+  std::string operator()(const BinaryOperation& node) const { return Number(node.op); }
+  std::string operator()(const CastExpression& node) const { return node.type.name; }
+  std::string operator()(const ConvertExpression& node) const { return node.type.name; }
+  std::string operator()(const FunctionCall& node) const {
+    return node.name + (node.distinct ? ":d:" : "::") + node.date_part;
+  }
+  std::string operator()(const IdentityCall& node) const { return node.type.name; }
+  std::string operator()(const CollateExpression& node) const { return LowerCase(node.collation); }
+  std::string operator()(const Comparison& node) const { return Number(node.op); }
+  std::string operator()(const QuantifiedComparison& node) const { return Number(node.op); }
+  std::string operator()(const NullTest& node) const { return Number(node.negated); }
+  std::string operator()(const BetweenCondition& node) const { return Number(node.negated); }
+  std::string operator()(const LikeCondition& node) const { return Number(node.negated); }
+  std::string operator()(const InList& node) const { return Number(node.negated); }
+  std::string operator()(const InLiteralList& node) const { return Number(node.negated); }
+  std::string operator()(const InQuery& node) const { return Number(node.negated); }
+  std::string operator()(const DefaultValue& /*node*/) const { return {}; }
+  std::string operator()(const CaseExpression& /*node*/) const { return {}; }
+  std::string operator()(const ScalarSubquery& /*node*/) const { return {}; }
+  std::string operator()(const Conjunction& /*node*/) const { return {}; }
+  std::string operator()(const Disjunction& /*node*/) const { return {}; }
+  std::string operator()(const Negation& /*node*/) const { return {}; }
+  std::string operator()(const ExistsCondition& /*node*/) const { return {}; }
+};
+
+}  // namespace
+
+bool HasColumn(const Expression& expression) {
+  return AnyOperand(expression, [](const Expression& operand) {
+    return As<ColumnReference>(operand) != nullptr || As<ScalarSubquery>(operand) != nullptr;
+  });
+}
+
+bool HasAggregate(const Expression& expression) {
+  constexpr std::array<std::string_view, 8> kAggregates = {"count", "count_big", "sum",        "avg",
+                                                           "min",   "max",       "string_agg", "checksum_agg"};
+  return AnyOperand(expression, [&](const Expression& operand) {
+    const auto* call = As<FunctionCall>(operand);
+    return call != nullptr && call->window == nullptr &&
+           std::find(kAggregates.begin(), kAggregates.end(), call->name) != kAggregates.end();
+  });
+}
+
+std::string MeaningOf(const Expression& expression) {
+  std::string text = std::to_string(expression.node.index()) + ":" + std::visit(OwnPart{}, expression.node) + "(";
+  ForEachOperand(expression, [&](const Expression& operand) { text += MeaningOf(operand) + ","; });
+  return text + ")";
+}
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,172 @@
+#include "tsql/translate/common/parameters.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "tsql/storage/catalog.h"
+#include "tsql/syntax/ast_walk.h"
+#include "tsql/translate/common/literals.h"
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+struct TypedDatum {
+  SqlType type;
+  Datum value;
+};
+
+TypedDatum DecimalLiteral(const std::string& text) {
+  const std::optional<Decimal> number = Decimal::Parse(text);
+  if (!number) {
+    throw SqlError(
+        1007, "The number '" + text + "' is out of the range for numeric representation (maximum precision 38).", 15);
+  }
+  const SqlType type = DecimalType(std::max(number->precision(), 1), number->scale());
+  return {type, FromDecimal(*number, type)};
+}
+
+TypedDatum IntegerLiteral(const std::string& text) {
+  std::string_view digits = text;
+  while (digits.size() > 1 && digits.front() == '0') digits.remove_prefix(1);
+  if (digits.size() < 10 || (digits.size() == 10 && digits <= "2147483647")) {
+    return {IntType(), std::int64_t{std::stoll(std::string(digits))}};
+  }
+  return DecimalLiteral(text);
+}
+
+TypedDatum ValueOf(const Literal& literal) {
+  const bool is_long = IsLongLiteral(literal.kind, literal.text);
+  switch (literal.kind) {
+    case LiteralKind::kInteger:
+      return IntegerLiteral(literal.text);
+    case LiteralKind::kDecimal:
+      return DecimalLiteral(literal.text);
+    case LiteralKind::kFloat:
+      return {FloatType(), Convert(literal.text, VarCharType(8000), FloatType())};
+    case LiteralKind::kBinary:
+      return {{FieldType::kVarBinary, is_long ? 0 : 8000, 0, 0, false}, BinaryLiteral(literal.text)};
+    case LiteralKind::kString:
+      return {VarCharType(is_long ? 0 : 8000), literal.text};
+    case LiteralKind::kNString:
+      return {NVarCharType(is_long ? 0 : 4000), literal.text};
+    default:
+      return {NullType(), {}};
+  }
+}
+
+/// SQLite's words for a constant in a definition.
+std::string ConstantText(const BoundParameter& parameter) {
+  if (parameter.source != BoundParameter::Source::kConstant)
+    RaiseUnsupported("A CHECK constraint that is not made of columns and constants");
+  const Datum value = Convert(parameter.constant, parameter.from, parameter.to, parameter.style, parameter.fit);
+  if (const auto* integer = std::get_if<std::int64_t>(&value)) return std::to_string(*integer);
+  if (const auto* real = std::get_if<double>(&value)) return std::to_string(*real);
+  if (const auto* words = std::get_if<std::string>(&value)) return QuoteText(*words);
+  if (std::holds_alternative<Blob>(value)) RaiseUnsupported("A CHECK constraint on a long decimal");
+  return "NULL";
+}
+
+}  // namespace
+
+Typed Parameters::Constant(Datum value, const SqlType& type) {
+  BoundParameter parameter;
+  parameter.source = BoundParameter::Source::kConstant;
+  parameter.constant = std::move(value);
+  parameter.from = parameter.to = type;
+  parameters_.push_back(std::move(parameter));
+  return {"?" + std::to_string(parameters_.size()), type, false, static_cast<int>(parameters_.size()) - 1};
+}
+
+Typed Parameters::System(const std::string& name, const SqlType& type) {
+  Typed value = Constant({}, type);
+  parameters_.back().source = BoundParameter::Source::kSystem;
+  parameters_.back().name = name;
+  value.nullable = true;
+  return value;
+}
+
+Typed Parameters::Variable(const std::string& name) {
+  const SqlType type = VariableType(name);
+  const auto known = std::find_if(dependencies_.variables.begin(), dependencies_.variables.end(),
+                                  [&](const Dependencies::Variable& entry) { return entry.name == name; });
+  if (known == dependencies_.variables.end()) dependencies_.variables.push_back({name, type});
+  if (assigned_.contains(name)) return {"ts_var(" + QuoteText(name) + ")", type, true, -1};
+  Typed value = Constant({}, type);
+  parameters_.back().source = BoundParameter::Source::kVariable;
+  parameters_.back().name = name;
+  value.nullable = true;
+  return value;
+}
+
+Typed Parameters::OfLiteral(const Literal& literal) {
+  if (literal.kind == LiteralKind::kNull) return {"NULL", NullType(), true, -1};
+  TypedDatum typed = ValueOf(literal);
+  Typed value = Constant(std::move(typed.value), typed.type);
+  if (lifts(literal)) {
+    parameters_.back().source = BoundParameter::Source::kLiteral;
+    parameters_.back().index = literal.index;
+    parameters_.back().constant = {};
+  }
+  return value;
+}
+
+std::string Parameters::List(int index, const SqlType& item, const SqlType& to) {
+  BoundParameter list;
+  list.source = BoundParameter::Source::kList;
+  list.index = index;
+  list.from = item;
+  list.to = to;
+  list.fit = Fit::kCompare;
+  parameters_.push_back(std::move(list));
+  return "?" + std::to_string(parameters_.size());
+}
+
+void Parameters::Pin(const Literal& literal) {
+  if (lifts(literal)) dependencies_.pinned.push_back({literal.index, literal.text});
+}
+
+void Parameters::PinAll(const Expression& expression) {
+  if (const auto* literal = As<Literal>(expression)) Pin(*literal);
+  ForEachOperand(expression, [this](const Expression& operand) { PinAll(operand); });
+}
+
+Compiled Parameters::Finish(const std::string& sql) {
+  // SQLite looks for a numbered parameter among all others, so each gets its number from its place instead.
+  Compiled compiled;
+  compiled.sql.reserve(sql.size());
+  char quote = '\0';
+  for (std::size_t i = 0; i < sql.size(); ++i) {
+    const char c = sql[i];
+    compiled.sql += c;
+    if (quote != '\0') {
+      if (c == quote) quote = '\0';
+    } else if (c == '\'' || c == '"') {
+      quote = c;
+    } else if (c == '?') {
+      std::size_t number = 0;
+      for (; i + 1 < sql.size() && sql[i + 1] >= '0' && sql[i + 1] <= '9'; ++i) {
+        number = number * 10 + static_cast<std::size_t>(sql[i + 1] - '0');
+      }
+      compiled.parameters.push_back(parameters_.at(number - 1));
+    }
+  }
+  parameters_.clear();
+  return compiled;
+}
+
+std::string Parameters::FinishDefinition(std::string sql) {
+  for (std::size_t i = parameters_.size(); i-- > 0;) {
+    const std::string text = ConstantText(parameters_[i]);
+    const std::string mark = "?" + std::to_string(i + 1);
+    for (std::size_t at = sql.find(mark); at != std::string::npos; at = sql.find(mark, at + text.size())) {
+      sql.replace(at, mark.size(), text);
+    }
+  }
+  parameters_.clear();
+  return sql;
+}
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,103 @@
+#include "tsql/translate/common/scope.h"
+
+#include <utility>
+
+#include "platform/text.h"
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+struct Found {
+  const Source* source = nullptr;
+  const SourceColumn* column = nullptr;
+  bool qualifier_known = false;
+};
+
+/// Looks in one level. Raises 209 for two of the name.
+Found FindInLevel(const Scope& level, const std::string& qualifier, const std::string& name) {
+  Found found;
+  for (std::size_t i = level.visible_from; i < level.sources.size(); ++i) {
+    const Source& source = level.sources[i];
+    if (!qualifier.empty() && !EqualsIgnoreCase(source.alias, qualifier)) continue;
+    if (!qualifier.empty()) found.qualifier_known = true;
+    for (const SourceColumn& column : source.columns) {
+      if (!EqualsIgnoreCase(column.name, name)) continue;
+      if (found.column != nullptr) throw SqlError(209, "Ambiguous column name '" + name + "'.");
+      found.column = &column;
+      found.source = &source;
+    }
+  }
+  return found;
+}
+
+[[noreturn]] void RaiseNotGrouped(const std::string& column, const std::string& clause) {
+  throw SqlError(8120, "Column '" + column + "' is invalid in the " + clause +
+                           " because it is not contained in either an aggregate function or the GROUP BY clause.");
+}
+
+}  // namespace
+
+void AddSource(Scope& scope, Source source) {
+  for (const Source& other : scope.sources) {
+    if (EqualsIgnoreCase(other.alias, source.alias)) {
+      throw SqlError(1011, "The correlation name '" + source.alias + "' is specified multiple times in a FROM clause.",
+                     15);
+    }
+  }
+  scope.sources.push_back(std::move(source));
+}
+
+Source BareSource(std::string alias, const CatalogObject& table) {
+  Source source;
+  source.alias = std::move(alias);
+  for (const Column& column : table.columns) {
+    source.columns.push_back({column.name, column.type, column.nullable, QuoteName(column.name)});
+  }
+  return source;
+}
+
+Typed FindColumn(const ColumnReference& column, const Scope& scope, bool in_aggregate) {
+  const std::string& name = column.name();
+  const std::string qualifier = column.qualifier();
+  bool qualifier_known = false;
+  for (const Scope* level = &scope; level != nullptr && !qualifier_known; level = level->parent) {
+    const Found found = FindInLevel(*level, qualifier, name);
+    qualifier_known = found.qualifier_known;
+    if (found.column == nullptr) continue;
+    if (level->check_grouping && !in_aggregate && !level->group_columns.contains(found.column->sql)) {
+      RaiseNotGrouped(found.source->alias + "." + found.column->name, level->clause);
+    }
+    if (level->captured != nullptr) {
+      level->captured->push_back(found.column->sql);
+      return {"\"$row\".c" + std::to_string(level->captured->size()), found.column->type, found.column->nullable, -1};
+    }
+    return {found.column->sql, found.column->type, found.column->nullable, -1};
+  }
+  if (!qualifier.empty() && !qualifier_known) {
+    throw SqlError(4104, "The multi-part identifier \"" + qualifier + "." + name + "\" could not be bound.");
+  }
+  throw SqlError(207, "Invalid column name '" + name + "'.");
+}
+
+void ExpandStar(const Star& star, const Scope& scope, std::vector<Typed>& values, std::vector<ResultColumn>& columns) {
+  bool any = false;
+  for (const Source& source : scope.sources) {
+    if (!star.table.empty() && !EqualsIgnoreCase(source.alias, star.table)) continue;
+    any = true;
+    for (const SourceColumn& column : source.columns) {
+      if (scope.check_grouping && !scope.group_columns.contains(column.sql)) {
+        RaiseNotGrouped(source.alias + "." + column.name, "select list");
+      }
+      values.push_back({column.sql, column.type, column.nullable, -1});
+      columns.push_back({column.name, column.type, column.nullable, false});
+    }
+  }
+  if (any) return;
+  if (star.table.empty()) throw SqlError(263, "Must specify table to select from.");
+  throw SqlError(
+      107, "The column prefix '" + star.table + "' does not match with a table name or alias name used in the query.",
+      15);
+}
+
+}  // namespace tessarlorn::tsql

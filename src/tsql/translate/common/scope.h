@@ -1,0 +1,54 @@
+// What names mean in a query: the sources of its FROM with their columns, and those of the queries around it.
+#pragma once
+
+#include <cstddef>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "tsql/storage/catalog.h"
+#include "tsql/syntax/ast.h"
+#include "tsql/translate/common/typed.h"
+
+namespace tessarlorn::tsql {
+
+struct SourceColumn {
+  std::string name;
+  SqlType type;
+  bool nullable = true;
+  std::string sql;
+};
+
+struct Source {
+  std::string alias;
+  std::vector<SourceColumn> columns;
+  CatalogObjectPtr table;  // a base table, else null
+};
+
+struct Scope {
+  const Scope* parent = nullptr;
+  std::vector<Source> sources;
+  /// The first that a name can mean: a condition of a join does not see what stands before its comma.
+  std::size_t visible_from = 0;
+  /// Only grouped columns may stand outside aggregates.
+  bool check_grouping = false;
+  std::string clause = "select list";
+  /// An aggregate here is error 147.
+  bool no_aggregates = false;
+  /// Where not null, columns of this scope are noted in it and read from the sorted rows of an assigning SELECT.
+  std::vector<std::string>* captured = nullptr;
+  std::set<std::string> group_columns;      // resolved SQL
+  std::set<std::string> group_expressions;  // as MeaningOf has them
+  bool optional_view = false;               // a view on the inner side of an outer join
+};
+
+/// Raises 1011 for an alias that is there already.
+void AddSource(Scope& scope, Source source);
+/// A table's own columns under that alias, without a qualifier in their SQL.
+Source BareSource(std::string alias, const CatalogObject& table);
+/// What a name means. Raises 207, 209, 4104, and 8120 for a column that is not grouped.
+Typed FindColumn(const ColumnReference& column, const Scope& scope, bool in_aggregate);
+/// Adds the columns that `*` or `t.*` stands for. Raises 107, 263 and 8120.
+void ExpandStar(const Star& star, const Scope& scope, std::vector<Typed>& values, std::vector<ResultColumn>& columns);
+
+}  // namespace tessarlorn::tsql

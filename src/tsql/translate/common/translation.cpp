@@ -1,0 +1,26 @@
+#include "tsql/translate/common/translation.h"
+
+#include <algorithm>
+
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+
+CatalogObjectPtr Translation::Lookup(const ObjectName& name) {
+  RequireLocal(name);
+  CatalogObjectPtr object = catalog.Find(name.name);
+  const bool known = std::any_of(dependencies.objects.begin(), dependencies.objects.end(),
+                                 [&](const Dependencies::Object& entry) { return entry.name == name.name; });
+  if (!known) dependencies.objects.push_back({name.name, object == nullptr ? "" : object->signature()});
+  if (object == nullptr || object->kind == CatalogKind::kProcedure) {
+    throw SqlError(208,
+                   "Invalid object name '" + (name.qualifier.empty() ? "" : name.qualifier + ".") + name.name + "'.");
+  }
+  return object;
+}
+
+std::string TableSql(const CatalogObject& table) {
+  return (table.temporary ? "temp." : "main.") + QuoteName(table.name);
+}
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,29 @@
+// Expressions and queries in SQLite's words, with their types.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tsql/translate/common/compiled.h"
+#include "tsql/values/types.h"
+
+namespace tessarlorn::tsql {
+
+/// An expression in SQLite's words, and its type.
+struct Typed {
+  std::string sql;
+  SqlType type;
+  bool nullable = true;
+  /// Index of the parameter when the expression is nothing but that parameter, else -1.
+  int parameter = -1;
+  /// For the text of a whole number, CAST(number AS varchar): the number, else "".
+  std::string number = {};
+};
+
+/// A query in SQLite's words, and its columns.
+struct TranslatedQuery {
+  std::string sql;
+  std::vector<ResultColumn> columns;
+};
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,225 @@
+#include "tsql/translate/insert.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "tsql/syntax/parser.h"
+#include "tsql/translate/change.h"
+#include "tsql/translate/common/conversion.h"
+#include "tsql/translate/queries/query.h"
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+struct Default {
+  std::string column;
+  std::string sql;
+};
+
+[[noreturn]] void RaiseWrongCount(bool too_few, bool of_select) {
+  if (too_few && of_select) {
+    throw SqlError(120,
+                   "The select list for the INSERT statement contains fewer items than the insert list. "
+                   "The number of SELECT values must match the number of INSERT columns.",
+                   15);
+  }
+  if (too_few) {
+    throw SqlError(109,
+                   "There are more columns in the INSERT statement than values specified in the "
+                   "VALUES clause. The number of values in the VALUES clause must match the number "
+                   "of columns specified in the INSERT statement.",
+                   15);
+  }
+  if (of_select) {
+    throw SqlError(121,
+                   "The select list for the INSERT statement contains more items than the insert list. "
+                   "The number of SELECT values must match the number of INSERT columns.",
+                   15);
+  }
+  throw SqlError(110,
+                 "There are fewer columns in the INSERT statement than values specified in the "
+                 "VALUES clause. The number of values in the VALUES clause must match the number "
+                 "of columns specified in the INSERT statement.",
+                 15);
+}
+
+class InsertTranslator {
+ public:
+  InsertTranslator(Translation& translation, const InsertStatement& insert, const TranslatedQuery* given)
+      : translation_(translation), insert_(insert), given_(given) {}
+
+  Compiled Translate(bool identity_insert);
+
+ private:
+  [[nodiscard]] const Column& ColumnAt(int position) const {
+    return table_->columns[static_cast<std::size_t>(position)];
+  }
+  [[nodiscard]] std::string Value(const Typed& value, const Column& column) const {
+    return Assigned(translation_.parameters, value, column, ShownName(*table_));
+  }
+  /// Finds the columns that get values. Raises 264 and 544.
+  void FindPositions(bool identity_insert);
+  /// The defaults of the columns that are not among `given`.
+  std::vector<Default> Defaults(const std::vector<int>& given);
+  std::string DefaultOf(int position);
+  [[nodiscard]] std::string Head() const;
+  void CheckCount(std::size_t count, bool of_select) const;
+  std::string InsertDefaults();
+  std::string InsertValues(const ValueRows& values);
+  std::string InsertRows(const TranslatedQuery& rows, bool of_select);
+  std::string Text();
+
+  Translation& translation_;
+  const InsertStatement& insert_;
+  const TranslatedQuery* given_;
+  CatalogObjectPtr table_;
+  std::vector<int> positions_;
+  std::vector<Default> defaults_;
+};
+
+void InsertTranslator::FindPositions(bool identity_insert) {
+  const int identity = table_->identity_column();
+  for (const std::string& name : insert_.columns) {
+    const int position = RequireColumn(*table_, name);
+    if (std::find(positions_.begin(), positions_.end(), position) != positions_.end()) RaiseColumnTwice(name);
+    positions_.push_back(position);
+  }
+  if (insert_.columns.empty()) {
+    for (int i = 0; i < static_cast<int>(table_->columns.size()); ++i) {
+      if (i != identity || identity_insert) positions_.push_back(i);
+    }
+  }
+  const bool names_identity = std::find(positions_.begin(), positions_.end(), identity) != positions_.end();
+  if (identity >= 0 && names_identity && !identity_insert) {
+    throw SqlError(544, "Cannot insert explicit value for identity column in table '" + table_->name +
+                            "' when IDENTITY_INSERT is set to OFF.");
+  }
+}
+
+std::vector<Default> InsertTranslator::Defaults(const std::vector<int>& given) {
+  std::vector<Default> defaults;
+  for (int i = 0; i < static_cast<int>(table_->columns.size()); ++i) {
+    const Column& column = ColumnAt(i);
+    if (std::find(given.begin(), given.end(), i) != given.end()) continue;
+    if (column.default_text.empty()) {
+      if (column.row_key) defaults.push_back({column.name, Required("NULL", column, ShownName(*table_))});
+      continue;
+    }
+    Scope scope;
+    const ExpressionPtr expression = ParseExpressionText(column.default_text, translation_.names);
+    const Parameters::InDefinition in_definition(translation_.parameters);
+    defaults.push_back({column.name, Value(translation_.Value(*expression, scope), column)});
+  }
+  return defaults;
+}
+
+// The value of DEFAULT among the values.
+std::string InsertTranslator::DefaultOf(int position) {
+  std::vector<int> others;
+  for (int other = 0; other < static_cast<int>(table_->columns.size()); ++other) {
+    if (other != position) others.push_back(other);
+  }
+  const std::vector<Default> own = Defaults(others);
+  return own.empty() ? "NULL" : own[0].sql;
+}
+
+std::string InsertTranslator::Head() const {
+  std::string columns;
+  for (const int position : positions_) columns += (columns.empty() ? "" : ", ") + QuoteName(ColumnAt(position).name);
+  for (const Default& value : defaults_) columns += (columns.empty() ? "" : ", ") + QuoteName(value.column);
+  return "INSERT INTO " + TableSql(*table_) + " (" + columns + ") ";
+}
+
+void InsertTranslator::CheckCount(std::size_t count, bool of_select) const {
+  if (count == positions_.size()) return;
+  if (insert_.columns.empty()) {
+    throw SqlError(213, "Column name or number of supplied values does not match table definition.");
+  }
+  RaiseWrongCount(count < positions_.size(), of_select);
+}
+
+std::string InsertTranslator::InsertDefaults() {
+  if (defaults_.empty()) return "INSERT INTO " + TableSql(*table_) + " DEFAULT VALUES";
+  std::string values;
+  for (const Default& value : defaults_) values += (values.empty() ? "" : ", ") + value.sql;
+  return Head() + "VALUES (" + values + ")";
+}
+
+std::string InsertTranslator::InsertValues(const ValueRows& values) {
+  Scope scope;
+  std::string sql = Head() + "VALUES ";
+  for (std::size_t r = 0; r < values.rows.size(); ++r) {
+    CheckCount(values.rows[r].size(), false);
+    std::string row;
+    for (std::size_t i = 0; i < positions_.size(); ++i) {
+      const Expression& value = *values.rows[r][i];
+      const bool is_default = As<DefaultValue>(value) != nullptr;
+      row += (i == 0 ? "" : ", ") +
+             (is_default ? DefaultOf(positions_[i]) : Value(translation_.Value(value, scope), ColumnAt(positions_[i])));
+    }
+    // Each row takes the parameters of the first row's defaults.
+    for (const Default& value : defaults_) row += (row.empty() ? "" : ", ") + value.sql;
+    sql += (r == 0 ? "(" : ", (") + row + ")";
+  }
+  return sql;
+}
+
+std::string InsertTranslator::InsertRows(const TranslatedQuery& rows, bool of_select) {
+  CheckCount(rows.columns.size(), of_select);
+  // The query stands inside, so that its columns can be converted by name whatever it is made of.
+  std::string list;
+  std::string values;
+  for (std::size_t i = 0; i < positions_.size(); ++i) {
+    const std::string name = "c" + std::to_string(i);
+    list += (i == 0 ? "" : ", ") + name;
+    values += (i == 0 ? "" : ", ") + Value({name, rows.columns[i].type, true, -1}, ColumnAt(positions_[i]));
+  }
+  for (const Default& value : defaults_) values += ", " + value.sql;
+  return Head() + "SELECT " + values + " FROM (WITH i(" + list + ") AS (" + rows.sql + ") SELECT * FROM i)";
+}
+
+std::string InsertTranslator::Text() {
+  if (given_ != nullptr) return InsertRows(*given_, false);
+  const auto* query = std::get_if<QueryPtr>(&insert_.source);
+  if (query == nullptr) return InsertDefaults();
+  if (const ValueRows* values = (*query)->rows()) return InsertValues(*values);
+  SelectOptions options;
+  options.may_order = true;
+  return InsertRows(translation_.QueryText(**query, nullptr, options), (*query)->select() != nullptr);
+}
+
+Compiled InsertTranslator::Translate(bool identity_insert) {
+  const std::string with = TranslateWith(translation_, insert_.with, nullptr);
+  table_ = translation_.Lookup(insert_.table);
+  RequireTable(*table_);
+  FindPositions(identity_insert);
+  if (std::holds_alternative<DefaultValues>(insert_.source)) positions_.clear();
+  defaults_ = Defaults(positions_);
+  Compiled compiled = FinishChange(translation_, insert_.output, *table_, "inserted", with + Text());
+  compiled.verb = "INSERT";
+  if (table_->identity_column() >= 0) compiled.identity_table = table_->name;
+  return compiled;
+}
+
+}  // namespace
+
+Compiled CompileInsert(Translation& translation, const InsertStatement& insert, bool identity_insert,
+                       const TranslatedQuery* given) {
+  return InsertTranslator(translation, insert, given).Translate(identity_insert);
+}
+
+Compiled CompileInsertInto(Translation& translation, const CatalogObject& table, const Query& query) {
+  std::string columns;
+  for (const Column& column : table.columns) columns += (columns.empty() ? "" : ", ") + QuoteName(column.name);
+  SelectOptions options;
+  options.may_order = true;
+  const TranslatedQuery rows = translation.QueryText(query, nullptr, options);
+  Compiled compiled =
+      translation.parameters.Finish("INSERT INTO " + TableSql(table) + " (" + columns + ") " + rows.sql);
+  compiled.verb = "INSERT";
+  if (table.identity_column() >= 0) compiled.identity_table = table.name;
+  return compiled;
+}
+
+}  // namespace tessarlorn::tsql

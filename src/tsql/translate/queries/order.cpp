@@ -1,0 +1,132 @@
+#include "tsql/translate/queries/order.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "platform/text.h"
+#include "tsql/translate/common/argument.h"
+#include "tsql/translate/common/conversion.h"
+#include "tsql/translate/common/meaning.h"
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+/// The column that a number stands for.
+std::size_t NumberedColumn(const Literal& number, std::size_t columns) {
+  const int given = number.kind == LiteralKind::kInteger ? std::stoi(number.text.substr(0, 9)) : 0;
+  if (given < 1 || given > static_cast<int>(columns)) {
+    throw SqlError(
+        108,
+        "The ORDER BY position number " + number.text + " is out of range of the number of items in the select list.",
+        15);
+  }
+  return static_cast<std::size_t>(given - 1);
+}
+
+/// The ORDER BY clause of keys that `key_text` translates.
+std::string Keys(const std::vector<OrderItem>& items, const std::function<std::string(const Expression&)>& key_text) {
+  std::string sql;
+  for (const OrderItem& item : items) {
+    sql += (sql.empty() ? " ORDER BY " : ", ") + key_text(*item.expression) + (item.descending ? " DESC" : "");
+  }
+  return sql;
+}
+
+std::string Position(const std::vector<ResultColumn>& columns, std::size_t column) {
+  return std::to_string(column + 1) + CollationOf(columns[column].type);
+}
+
+/// The first column of that name which counts.
+template <typename Counts>
+std::size_t NamedColumn(const std::vector<ResultColumn>& columns, const std::string& name, const Counts& counts) {
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (counts(i) && EqualsIgnoreCase(columns[i].name, name)) return i;
+  }
+  return kNone;
+}
+
+/// Whether SELECT DISTINCT selects the key.
+bool Selects(Parameters& parameters, const Select& select, const std::vector<Typed>& values, const Expression& key,
+             const std::string& sql) {
+  if (As<ColumnReference>(key) != nullptr) {
+    return std::any_of(values.begin(), values.end(), [&](const Typed& value) { return value.sql == sql; });
+  }
+  parameters.PinAll(key);
+  return std::any_of(select.items.begin(), select.items.end(), [&](const SelectItem& item) {
+    if (MeaningOf(*item.expression) != MeaningOf(key)) return false;
+    parameters.PinAll(*item.expression);
+    return true;
+  });
+}
+
+}  // namespace
+
+std::string TranslateOrder(Translation& translation, const Query& query, const Select& select, Scope& scope,
+                           const std::vector<ResultColumn>& columns, const std::vector<Typed>& values) {
+  return Keys(query.order_by, [&](const Expression& key) {
+    if (const auto* literal = As<Literal>(key)) {
+      translation.parameters.Pin(*literal);
+      return Position(columns, NumberedColumn(*literal, columns.size()));
+    }
+    const auto* column = As<ColumnReference>(key);
+    if (column != nullptr && column->parts.size() == 1) {
+      // A name of the select list goes before a column of the tables.
+      const std::size_t named = NamedColumn(columns, column->name(), [&](std::size_t i) {
+        return i >= select.items.size() || !select.items[i].alias.empty();
+      });
+      if (named != kNone) return Position(columns, named);
+    }
+    scope.clause = "ORDER BY clause";
+    const Typed value = translation.Value(key, scope);
+    if (select.distinct && !Selects(translation.parameters, select, values, key, value.sql)) {
+      throw SqlError(145, "ORDER BY items must appear in the select list if SELECT DISTINCT is specified.", 15);
+    }
+    return value.sql + CollationOf(value.type);
+  });
+}
+
+std::string TranslateOrderOfSet(Translation& translation, const Query& query,
+                                const std::vector<ResultColumn>& columns) {
+  // A column of the tables stands for the item of the first query that it is.
+  const Query* first = &query;
+  while (first->set() != nullptr) first = first->set()->left.get();
+  const Select* items = first->select();
+  return Keys(query.order_by, [&](const Expression& key) {
+    std::size_t found = kNone;
+    const auto* column = As<ColumnReference>(key);
+    if (const auto* literal = As<Literal>(key)) {
+      translation.parameters.Pin(*literal);
+      found = NumberedColumn(*literal, columns.size());
+    } else if (column != nullptr && column->parts.size() == 1) {
+      found = NamedColumn(columns, column->name(), [](std::size_t) { return true; });
+    } else if (items != nullptr && items->items.size() == columns.size()) {
+      for (std::size_t i = 0; i < columns.size() && found == kNone; ++i) {
+        if (MeaningOf(*items->items[i].expression) == MeaningOf(key)) found = i;
+      }
+    }
+    if (found != kNone) return Position(columns, found);
+    throw SqlError(
+        104,
+        "ORDER BY items must appear in the select list if the statement contains a UNION, INTERSECT or EXCEPT operator.",
+        15);
+  });
+}
+
+std::string TranslateTop(Translation& translation, const Select& select, Scope& scope) {
+  if (select.top_percent) RaiseUnsupported("TOP … PERCENT", select.line);
+  if (select.top_with_ties) RaiseUnsupported("TOP … WITH TIES", select.line);
+  if (const auto* literal = As<Literal>(*select.top)) translation.parameters.Pin(*literal);
+  return " LIMIT " + IntArgument(translation, *select.top, scope);
+}
+
+std::string TranslateOffset(Translation& translation, const Query& query, Scope& scope) {
+  if (query.offset == nullptr) return "";
+  const std::string offset = IntArgument(translation, *query.offset, scope);
+  const std::string fetch = query.fetch == nullptr ? "-1" : IntArgument(translation, *query.fetch, scope);
+  return " LIMIT " + fetch + " OFFSET " + offset;
+}
+
+}  // namespace tessarlorn::tsql

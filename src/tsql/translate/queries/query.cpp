@@ -1,0 +1,109 @@
+#include "tsql/translate/queries/query.h"
+
+#include <set>
+
+#include "platform/text.h"
+#include "tsql/translate/common/conversion.h"
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+
+bool StoresAlike(const SqlType& a, const SqlType& b) {
+  return a.storage() == b.storage() && (!a.is_exact() || a.scale == b.scale);
+}
+
+void CheckNames(const std::vector<ResultColumn>& columns, const std::string& owner) {
+  std::set<std::string> seen;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (columns[i].name.empty()) {
+      throw SqlError(8155, "No column name was specified for column " + std::to_string(i + 1) + " of '" + owner + "'.");
+    }
+    if (!seen.insert(LowerCase(columns[i].name)).second) {
+      throw SqlError(8156, "The column '" + columns[i].name + "' was specified multiple times for '" + owner + "'.");
+    }
+  }
+}
+
+TranslatedQuery TranslateRows(Translation& translation, const ValueRows& values, const Scope* parent,
+                              const SelectOptions& options) {
+  Scope scope;
+  scope.parent = parent;
+  TranslatedQuery result;
+  std::vector<std::vector<Typed>> rows;
+  for (const auto& row : values.rows) {
+    if (row.size() != values.rows[0].size()) {
+      throw SqlError(10709, "The number of columns for each row in a table value constructor must be the same.");
+    }
+    rows.emplace_back();
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      rows.back().push_back(translation.Value(*row[i], scope));
+      if (rows.size() == 1) result.columns.push_back({"", NullType(), false, false});
+      result.columns[i].type = CommonType(result.columns[i].type, rows.back()[i].type);
+      result.columns[i].nullable = result.columns[i].nullable || rows.back()[i].nullable;
+    }
+  }
+  for (std::size_t i = 0; i < result.columns.size(); ++i) {
+    result.columns[i].name = options.names != nullptr && i < options.names->size() ? (*options.names)[i] : "";
+  }
+  if (options.named) CheckNames(result.columns, options.owner);
+  for (std::size_t r = 0; r < rows.size(); ++r) {
+    result.sql += r == 0 ? "SELECT " : " UNION ALL SELECT ";
+    for (std::size_t i = 0; i < rows[r].size(); ++i) {
+      if (i > 0) result.sql += ", ";
+      result.sql += Coerce(translation.parameters, rows[r][i], result.columns[i].type);
+      if (r == 0 && !result.columns[i].name.empty()) result.sql += " AS " + QuoteName(result.columns[i].name);
+    }
+  }
+  return result;
+}
+
+std::string TranslateWith(Translation& translation, const std::vector<CommonTable>& tables, const Scope* parent) {
+  std::string sql;
+  for (const CommonTable& table : tables) {
+    SelectOptions options;
+    options.named = true;
+    options.owner = table.name;
+    if (!table.columns.empty()) options.names = &table.columns;
+    const SetOperation* set = table.query->set();
+    const bool may_recurse = set != nullptr && set->op == SetOperator::kUnionAll;
+    if (may_recurse) {
+      // The first part gives the columns that the second may read under the table's own name.
+      const std::size_t parameters = translation.parameters.size();
+      const TranslatedQuery anchor = translation.QueryText(*set->left, parent, options);
+      translation.parameters.ShrinkTo(parameters);
+      translation.common_tables.push_back({table.name, anchor.columns});
+    }
+    const TranslatedQuery body = translation.QueryText(*table.query, parent, options);
+    if (may_recurse) translation.common_tables.pop_back();
+    translation.common_tables.push_back({table.name, body.columns});
+    sql += (sql.empty() ? "WITH " : ", ") + QuoteName(table.name) + "(";
+    for (std::size_t i = 0; i < body.columns.size(); ++i) sql += (i == 0 ? "" : ", ") + QuoteName(body.columns[i].name);
+    sql += ") AS (" + body.sql + ")";
+  }
+  return sql.empty() ? sql : sql + " ";
+}
+
+TranslatedQuery TranslateQuery(Translation& translation, const Query& query, const Scope* parent,
+                               const SelectOptions& options) {
+  const bool limited = query.offset != nullptr || (query.select() != nullptr && query.select()->top != nullptr);
+  if (!options.may_order && !query.order_by.empty() && !limited) {
+    throw SqlError(1033,
+                   "The ORDER BY clause is invalid in views, inline functions, derived tables, subqueries, and common "
+                   "table expressions, unless TOP, OFFSET or FOR XML is also specified.",
+                   15);
+  }
+  const std::size_t outer_tables = translation.common_tables.size();
+  const std::string with = TranslateWith(translation, query.with, parent);
+  TranslatedQuery result =
+      std::visit(Overloaded{
+                     [&](const Select& select) { return TranslateSelect(translation, query, select, parent, options); },
+                     [&](const ValueRows& values) { return TranslateRows(translation, values, parent, options); },
+                     [&](const SetOperation& set) { return TranslateSet(translation, query, set, parent, options); },
+                 },
+                 query.body);
+  result.sql = with + result.sql;
+  translation.common_tables.resize(outer_tables);
+  return result;
+}
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,30 @@
+// Queries: select lists, VALUES, set operators, common table expressions.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tsql/translate/common/translation.h"
+
+namespace tessarlorn::tsql {
+
+TranslatedQuery TranslateQuery(Translation& translation, const Query& query, const Scope* parent,
+                               const SelectOptions& options);
+
+/// The WITH clause, "" when there is none. Its tables are known to `translation` from here on.
+std::string TranslateWith(Translation& translation, const std::vector<CommonTable>& tables, const Scope* parent);
+
+// One body each: select.cpp, set_operation.cpp, query.cpp.
+TranslatedQuery TranslateSelect(Translation& translation, const Query& query, const Select& select, const Scope* parent,
+                                const SelectOptions& options);
+TranslatedQuery TranslateSet(Translation& translation, const Query& query, const SetOperation& set, const Scope* parent,
+                             const SelectOptions& options);
+TranslatedQuery TranslateRows(Translation& translation, const ValueRows& values, const Scope* parent,
+                              const SelectOptions& options);
+
+/// Raises 8155 and 8156 for columns without a name of their own.
+void CheckNames(const std::vector<ResultColumn>& columns, const std::string& owner);
+/// Whether values of both types are kept alike in SQLite.
+bool StoresAlike(const SqlType& a, const SqlType& b);
+
+}  // namespace tessarlorn::tsql

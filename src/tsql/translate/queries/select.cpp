@@ -1,0 +1,212 @@
+// One SELECT: its list, WHERE, GROUP BY and HAVING.
+#include <algorithm>
+#include <utility>
+
+#include "tsql/translate/common/conversion.h"
+#include "tsql/translate/common/meaning.h"
+#include "tsql/translate/queries/key_list.h"
+#include "tsql/translate/queries/order.h"
+#include "tsql/translate/queries/query.h"
+#include "tsql/translate/queries/source.h"
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+/// The rows are sorted before any value is computed, so that a value may read what the row before it assigned.
+std::string SortedAssignment(const std::vector<std::string>& columns, const std::string& values,
+                             const std::string& rest) {
+  std::string rows = "SELECT 1 AS c0";
+  for (std::size_t i = 0; i < columns.size(); ++i) rows += ", " + columns[i] + " AS c" + std::to_string(i + 1);
+  return "WITH \"$row\" AS MATERIALIZED (" + rows + rest + ") " + values + " FROM \"$row\"";
+}
+
+/// The first number of IDENTITY(type, seed, increment).
+std::int64_t IdentitySeed(Parameters& parameters, const IdentityCall& call, const Expression& expression) {
+  parameters.PinAll(expression);
+  const auto number = [&](std::size_t i) {
+    const auto* given = As<Literal>(*call.arguments[i]);
+    return given != nullptr && given->kind == LiteralKind::kInteger ? std::stoll(given->text.substr(0, 18)) : -1;
+  };
+  const std::int64_t seed = call.arguments.empty() ? 1 : number(0);
+  if (seed < 0 || (call.arguments.size() > 1 && number(1) != 1)) {
+    RaiseUnsupported("An identity that does not count by ones from a number above 0", expression.line);
+  }
+  return seed;
+}
+
+class SelectTranslator {
+ public:
+  SelectTranslator(Translation& translation, const Query& query, const Select& select, const Scope* parent,
+                   const SelectOptions& options)
+      : translation_(translation), query_(query), select_(select), options_(options) {
+    scope_.parent = parent;
+  }
+
+  TranslatedQuery Translate();
+
+ private:
+  std::string Where();
+  std::string GroupBy();
+  void AddItems();
+  void AddItem(const SelectItem& item);
+  void AddIdentity(const SelectItem& item, const IdentityCall& call);
+  /// Whether the column counts in a table that is made of the one that it is of.
+  [[nodiscard]] bool KeepsIdentity(const Expression& expression) const;
+  void NameColumns();
+  [[nodiscard]] std::string List(bool distinct) const;
+  std::string Limit();
+
+  Translation& translation_;
+  const Query& query_;
+  const Select& select_;
+  const SelectOptions& options_;
+  Scope scope_;
+  std::vector<Typed> values_;
+  TranslatedQuery result_;
+};
+
+std::string SelectTranslator::Where() {
+  if (select_.where == nullptr) return {};
+  scope_.no_aggregates = true;
+  std::string where = " WHERE " + translation_.Condition(*select_.where, scope_);
+  scope_.no_aggregates = false;
+  return where + KeyListCondition(translation_, *select_.where, scope_);
+}
+
+std::string SelectTranslator::GroupBy() {
+  std::string sql;
+  for (const ExpressionPtr& item : select_.group_by) {
+    const Expression& key = *item;
+    if (!HasColumn(key)) {
+      throw SqlError(164, "Each GROUP BY expression must contain at least one column that is not an outer reference.",
+                     15);
+    }
+    const Typed value = translation_.Value(key, scope_);
+    sql += (sql.empty() ? " GROUP BY " : ", ") + Collated(value);
+    if (As<ColumnReference>(key) != nullptr) scope_.group_columns.insert(value.sql);
+    scope_.group_expressions.insert(MeaningOf(key));
+  }
+  const bool aggregates = std::any_of(select_.items.begin(), select_.items.end(),
+                                      [](const SelectItem& item) { return HasAggregate(*item.expression); });
+  scope_.check_grouping = !select_.group_by.empty() || aggregates || select_.having != nullptr;
+  return sql;
+}
+
+void SelectTranslator::AddItems() {
+  for (const SelectItem& item : select_.items) {
+    if (const auto* star = As<Star>(*item.expression)) {
+      ExpandStar(*star, scope_, values_, result_.columns);
+      continue;
+    }
+    const auto* identity = As<IdentityCall>(*item.expression);
+    if (identity != nullptr && !select_.into.name.empty()) {
+      AddIdentity(item, *identity);
+    } else {
+      AddItem(item);
+    }
+  }
+}
+
+void SelectTranslator::AddItem(const SelectItem& item) {
+  ResultColumn column;
+  column.name = item.alias;
+  const auto* reference = As<ColumnReference>(*item.expression);
+  if (column.name.empty() && reference != nullptr) column.name = reference->name();
+  values_.push_back(translation_.Value(*item.expression, scope_));
+  column.type = values_.back().type;
+  column.nullable = values_.back().nullable;
+  column.identity = KeepsIdentity(*item.expression);
+  result_.columns.push_back(std::move(column));
+}
+
+void SelectTranslator::AddIdentity(const SelectItem& item, const IdentityCall& call) {
+  const std::int64_t seed = IdentitySeed(translation_.parameters, call, *item.expression);
+  result_.columns.push_back({item.alias, IntType(), false, true});
+  values_.push_back({"row_number() OVER () + " + std::to_string(seed - 1), IntType(), false, -1});
+}
+
+bool SelectTranslator::KeepsIdentity(const Expression& expression) const {
+  const auto* column = As<ColumnReference>(expression);
+  const bool plain = column != nullptr && select_.from.size() == 1 &&
+                     std::holds_alternative<NamedTable>(select_.from[0]->node) && !scope_.sources.empty() &&
+                     !select_.distinct && select_.group_by.empty() && !select_.into.name.empty();
+  const CatalogObjectPtr table = plain ? scope_.sources[0].table : nullptr;
+  const int counts = table == nullptr ? -1 : table->identity_column();
+  return counts >= 0 && counts == table->FindColumn(column->name());
+}
+
+void SelectTranslator::NameColumns() {
+  if (options_.names == nullptr) return;
+  const std::vector<std::string>& names = *options_.names;
+  const bool more = result_.columns.size() > names.size();
+  if (names.size() != result_.columns.size()) {
+    throw SqlError(more ? 8158 : 8159, "'" + options_.owner + "' has " + (more ? "more" : "fewer") +
+                                           " columns than were specified in the column list.");
+  }
+  for (std::size_t i = 0; i < names.size(); ++i) result_.columns[i].name = names[i];
+}
+
+std::string SelectTranslator::List(bool distinct) const {
+  const bool named = options_.named || options_.names != nullptr;
+  const bool collate = options_.collate_items || select_.distinct;
+  std::string sql = distinct ? "SELECT DISTINCT " : "SELECT ";
+  for (std::size_t i = 0; i < values_.size(); ++i) {
+    if (i > 0) sql += ", ";
+    sql += collate ? Collated(values_[i]) : values_[i].sql;
+    if (named) sql += " AS " + QuoteName(result_.columns[i].name);
+  }
+  if (values_.empty()) throw SqlError(263, "Must specify table to select from.");
+  return sql;
+}
+
+std::string SelectTranslator::Limit() {
+  if (select_.top != nullptr) return TranslateTop(translation_, select_, scope_);
+  return TranslateOffset(translation_, query_, scope_);
+}
+
+TranslatedQuery SelectTranslator::Translate() {
+  const std::string from = TranslateFrom(translation_, select_.from, scope_);
+  const std::string where = Where();
+  const int outer_depth = std::exchange(translation_.aggregate_depth, 0);
+  const std::string group = GroupBy();
+  const bool assigns = !select_.items.empty() && !select_.items[0].variable.empty();
+  const bool sorted = assigns && !query_.order_by.empty() && !scope_.check_grouping && !select_.distinct;
+  std::vector<std::string> captured;
+  if (sorted) scope_.captured = &captured;
+  AddItems();
+  // The subquery of a condition has one column, named c: another number of them is an error of the condition.
+  const bool of_condition = options_.names != nullptr && options_.names->size() == 1 && !options_.named &&
+                            (*options_.names)[0] == "c" && result_.columns.size() != 1;
+  if (of_condition) return std::move(result_);
+  NameColumns();
+  if (options_.named) CheckNames(result_.columns, options_.owner);
+  // SQLite can only unfold an outer-joined view outside DISTINCT.
+  const bool unfold = select_.distinct && scope_.optional_view && query_.order_by.empty() && select_.top == nullptr;
+  std::string sql = List(select_.distinct && !unfold);
+  if (sorted) {
+    scope_.captured = nullptr;
+    const std::string order = TranslateOrder(translation_, query_, select_, scope_, {}, values_);
+    result_.sql = SortedAssignment(captured, sql, from + where + order + Limit());
+  } else {
+    sql += from + where + group;
+    if (select_.having != nullptr) {
+      scope_.clause = "HAVING clause";
+      sql += " HAVING " + translation_.Condition(*select_.having, scope_);
+    }
+    sql += TranslateOrder(translation_, query_, select_, scope_, result_.columns, values_);
+    const std::string limit = Limit();
+    result_.sql = unfold ? "SELECT DISTINCT * FROM (" + sql + " LIMIT -1)" : sql + limit;
+  }
+  translation_.aggregate_depth = outer_depth;
+  return std::move(result_);
+}
+
+}  // namespace
+
+TranslatedQuery TranslateSelect(Translation& translation, const Query& query, const Select& select, const Scope* parent,
+                                const SelectOptions& options) {
+  return SelectTranslator(translation, query, select, parent, options).Translate();
+}
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,183 @@
+#include "tsql/translate/value.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/text.h"
+#include "tsql/syntax/ast_walk.h"
+#include "tsql/translate/calls/call_topics.h"
+#include "tsql/translate/common/argument.h"
+#include "tsql/translate/common/conversion.h"
+#include "tsql/translate/common/meaning.h"
+#include "tsql/translate/common/operators.h"
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+/// One function a node that is a value.
+class Values {
+ public:
+  Values(Translation& translation, Scope& scope, std::uint32_t line)
+      : translation_(translation), parameters_(translation.parameters), scope_(scope), line_(line) {}
+
+  Typed operator()(const Literal& literal) const { return parameters_.OfLiteral(literal); }
+  Typed operator()(const VariableReference& variable) const { return parameters_.Variable(variable.name); }
+  Typed operator()(const GlobalReference& global) const { return GlobalValue(parameters_, global.name, line_); }
+  Typed operator()(const ColumnReference& column) const {
+    return FindColumn(column, scope_, translation_.aggregate_depth > 0);
+  }
+  Typed operator()(const UnaryOperation& operation) const;
+  Typed operator()(const BinaryOperation& operation) const;
+  Typed operator()(const CaseExpression& choice) const;
+  Typed operator()(const CastExpression& cast) const {
+    return Cast(*cast.value, ResolveType(cast.type, true), 0, cast.attempt);
+  }
+  Typed operator()(const ConvertExpression& convert) const;
+  Typed operator()(const FunctionCall& call) const { return TranslateCall(Call(translation_, call, line_, scope_)); }
+  Typed operator()(const IdentityCall& /*call*/) const { RaiseUnknownFunction("identity", line_); }
+  Typed operator()(const ScalarSubquery& subquery) const;
+  Typed operator()(const CollateExpression& collate) const;
+  Typed operator()(const Star& /*star*/) const { throw SqlError(102, "Incorrect syntax near '*'.", 15); }
+  // Whatever else there is, is a condition, or has no place among values.
+  template <typename Other>
+  Typed operator()(const Other& /*node*/) const {
+    SqlError error(102, "Incorrect syntax: a condition stands where a value is expected.", 15);
+    error.set_line(line_);
+    throw error;
+  }
+
+ private:
+  [[nodiscard]] Typed Value(const Expression& expression) const { return translation_.Value(expression, scope_); }
+  [[nodiscard]] Typed Cast(const Expression& written, const SqlType& type, int style, bool attempt) const;
+  /// Of a whole number that is written beside a decimal only its own digits count.
+  void CountDigits(Typed& value, const Typed& other, const Expression& written) const;
+
+  Translation& translation_;
+  Parameters& parameters_;
+  Scope& scope_;
+  std::uint32_t line_;
+};
+
+Typed Values::operator()(const UnaryOperation& operation) const {
+  Typed value = Value(*operation.operand);
+  switch (operation.op) {
+    case UnaryOp::kPlus:
+      return value;
+    case UnaryOp::kBitNot:
+      return BitComplement(value);
+    default:
+      return Negative(std::move(value));
+  }
+}
+
+Typed Values::operator()(const BinaryOperation& operation) const {
+  Typed a = Value(*operation.left);
+  Typed b = Value(*operation.right);
+  CountDigits(a, b, *operation.left);
+  CountDigits(b, a, *operation.right);
+  return Arithmetic(parameters_, operation.op, std::move(a), std::move(b));
+}
+
+void Values::CountDigits(Typed& value, const Typed& other, const Expression& written) const {
+  if (!other.type.is_exact() || value.type.kind != FieldType::kInt || value.parameter < 0) return;
+  const auto* literal = As<Literal>(written);
+  if (literal == nullptr) return;
+  parameters_.Pin(*literal);
+  const std::string& digits = literal->text;
+  const std::size_t leading = std::min(digits.find_first_not_of('0'), digits.size() - 1);
+  value.type.precision = static_cast<int>(digits.size() - leading);
+}
+
+Typed Values::operator()(const CaseExpression& choice) const {
+  std::vector<std::string> conditions;
+  std::vector<Typed> values;
+  for (const CaseBranch& branch : choice.branches) {
+    conditions.push_back(choice.compared == nullptr
+                             ? translation_.Condition(*branch.when, scope_)
+                             : Compared(parameters_, CompareOp::kEqual, Value(*choice.compared), Value(*branch.when)));
+    values.push_back(Value(*branch.then));
+  }
+  if (choice.otherwise != nullptr) values.push_back(Value(*choice.otherwise));
+  SqlType type = NullType();
+  bool nullable = choice.otherwise == nullptr;
+  for (const Typed& value : values) {
+    type = CommonType(type, value.type);
+    nullable = nullable || value.nullable;
+  }
+  if (type.untyped_null) {
+    throw SqlError(8133,
+                   "At least one of the result expressions in a CASE specification must be an expression other "
+                   "than the NULL constant.");
+  }
+  std::string sql = "CASE";
+  for (std::size_t i = 0; i < conditions.size(); ++i) {
+    sql += " WHEN " + conditions[i] + " THEN " + Coerce(parameters_, values[i], type);
+  }
+  if (choice.otherwise != nullptr) sql += " ELSE " + Coerce(parameters_, values.back(), type);
+  return {sql + " END", type, nullable, -1};
+}
+
+Typed Values::operator()(const ConvertExpression& convert) const {
+  const SqlType type = ResolveType(convert.type, true);
+  int style = 0;
+  if (convert.style != nullptr) {
+    const auto* given = As<Literal>(*convert.style);
+    if (given == nullptr || given->kind != LiteralKind::kInteger) {
+      RaiseUnsupported("A CONVERT style that is not a whole number", line_);
+    }
+    parameters_.Pin(*given);
+    style = std::stoi(given->text.substr(0, 9));
+  }
+  return Cast(*convert.value, type, style, convert.attempt);
+}
+
+Typed Values::Cast(const Expression& written, const SqlType& type, int style, bool attempt) const {
+  const Typed value = Value(written);
+  if (value.type.untyped_null) return {"NULL", type, true, -1};
+  if (value.parameter >= 0 && !attempt) {
+    // The parameter stays one, converted when it is bound; from here on it is of the new type.
+    return {"(" + Coerce(parameters_, value, type, Fit::kCast, style) + ")", type, value.nullable, -1};
+  }
+  constexpr int kLongestNumber = 20;
+  const bool text_of_number =
+      value.type.is_integer() && type.is_text() && (type.size == 0 || type.size >= kLongestNumber);
+  return {Coerce(parameters_, value, type, Fit::kCast, style, attempt), type, value.nullable || attempt, -1,
+          text_of_number ? value.sql : ""};
+}
+
+Typed Values::operator()(const ScalarSubquery& subquery) const {
+  const TranslatedQuery query = SingleColumn(translation_, *subquery.query, scope_);
+  const Select* select = subquery.query->select();
+  const bool one_row = select != nullptr && select->group_by.empty() && select->having == nullptr &&
+                       std::any_of(select->items.begin(), select->items.end(),
+                                   [](const SelectItem& item) { return HasAggregate(*item.expression); });
+  const Literal* top = select == nullptr || select->top == nullptr ? nullptr : As<Literal>(*select->top);
+  const bool top_one = top != nullptr && !select->top_percent && !select->top_with_ties && top->text == "1";
+  const SqlType type = query.columns[0].type;
+  if (one_row || top_one) return {"(" + query.sql + ")", type, true, -1};
+  return {"(SELECT ts_single(\"c\") FROM (" + query.sql + "))", type, true, -1};
+}
+
+Typed Values::operator()(const CollateExpression& collate) const {
+  if (!EqualsIgnoreCase(collate.collation, "database_default") &&
+      FindIgnoreCase(collate.collation, "_CI_AS") == std::string_view::npos) {
+    RaiseUnsupported("The collation " + collate.collation, line_);
+  }
+  return Value(*collate.value);
+}
+
+}  // namespace
+
+Typed TranslateValue(Translation& translation, const Expression& expression, Scope& scope) {
+  const bool grouped = scope.check_grouping && translation.aggregate_depth == 0 && !scope.group_expressions.empty() &&
+                       As<Literal>(expression) == nullptr && scope.group_expressions.contains(MeaningOf(expression));
+  if (!grouped) return std::visit(Values(translation, scope, expression.line), expression.node);
+  translation.parameters.PinAll(expression);
+  scope.check_grouping = false;
+  Typed value = TranslateValue(translation, expression, scope);
+  scope.check_grouping = true;
+  return value;
+}
+
+}  // namespace tessarlorn::tsql

@@ -14,6 +14,7 @@
 
 #include "bench/databases.h"
 #include "bench/ratios.h"
+#include "bench/replay_server.h"
 #include "hosts/tds/server.h"
 #include "hosts/tds/users.h"
 #include "platform/connection.h"
@@ -114,6 +115,63 @@ void ReadServed(benchmark::State& state) {
   }
 }
 
+/// The same reads of a server that looks nothing up.
+template <Text kText, int kRows>
+void ReadReplayed(benchmark::State& state) {
+  Recorder recorder(Served::Instance().port());
+  {
+    DbLibClient recorded(recorder.port());
+    recorded.Read(kText(1));
+  }
+  const ReplayServer replay(recorder.Take());
+  DbLibClient client(replay.port());
+  int key = 0;
+  for (auto _ : state) {
+    if (client.Read(kText(++key)) != kRows) state.SkipWithError("not the rows that were wanted");
+  }
+}
+
+/// Reads no value: what is measured is the way of the parameters.
+class NoRows final : public BatchSink {
+ public:
+  void Rows(RecordsetPtr rows) override { benchmark::DoNotOptimize(rows->RecordCount()); }
+};
+
+/// sp_executesql with five parameters, as the server hands it to the database.
+void ReadWithParameters(benchmark::State& state) {
+  const std::unique_ptr<Connection> connection = OpenConnection("Embedded=" + SampleFile(kOrders));
+  NoRows sink;
+  int key = 0;
+  for (auto _ : state) {
+    SqlParameter parameters[] = {
+        {"", "nvarchar(max)",
+         "select FID, FOrderID from IC_Web2ERPOrders where FID = @key and FOrderStatus > @status and FOrderID <> @number "
+         "and FWeight >= @weight and FOrderDate > @date"},
+        {"", "nvarchar(max)", "@key int, @status int, @number nvarchar(40), @weight decimal(18,4), @date datetime"},
+        {"@key", "int", ++key % kOrders + 1},
+        {"@status", "int", 0},
+        {"@number", "nvarchar(40)", "x" + std::to_string(key)},
+        {"@weight", "decimal(18,4)", Decimal::FromScaled(-key, 4)},
+        {"@date", "datetime", DateTime(key)},
+    };
+    connection->Call("sp_executesql", parameters, sink);
+  }
+}
+
+void ReadWithLiterals(benchmark::State& state) {
+  const std::unique_ptr<Connection> connection = OpenConnection("Embedded=" + SampleFile(kOrders));
+  NoRows sink;
+  int key = 0;
+  for (auto _ : state) {
+    ++key;
+    connection->ExecuteAll("select FID, FOrderID from IC_Web2ERPOrders where FID = " +
+                               std::to_string(key % kOrders + 1) + " and FOrderStatus > 0 and FOrderID <> N'x" +
+                               std::to_string(key) + "' and FWeight >= " + Decimal::FromScaled(-key, 4).ToString() +
+                               " and FOrderDate > '" + DateTime(key).ToString() + "'",
+                           sink);
+  }
+}
+
 template <Text kText>
 void ReadInProcess(benchmark::State& state) {
   const std::unique_ptr<Connection> connection = OpenConnection("Embedded=" + SampleFile(kOrders));
@@ -144,7 +202,10 @@ void ReadByClients(benchmark::State& state) {
 }  // namespace
 
 void AddServeBenchmarks() {
-  AddRatio("served, one client, one order : in process", "<= 4 x", ReadServed<OneOrder, 1>, ReadInProcess<OneOrder>);
+  AddRatio("served, one client, one order : the same bytes replayed", "<= 1.5 x", ReadServed<OneOrder, 1>,
+           ReadReplayed<OneOrder, 1>);
+  AddRatio("sp_executesql with five parameters : the text with literals", "<= 1.3 x", ReadWithParameters,
+           ReadWithLiterals);
   AddRatio("served, one client, page of 50 orders : in process", "<= 4 x", ReadServed<PageOfOrders, 50>,
            ReadInProcess<PageOfOrders>);
   AddRatio("served, 400 reads by eight clients : by one", "<= 1 x", ReadByClients<kClients>, ReadByClients<1>);

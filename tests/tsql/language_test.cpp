@@ -239,6 +239,8 @@ TEST(Language, ViewsAndProcedures) {
       {"declare @x int, @r int exec @r = p 5, @c = @x output", "a|b;5|默认"},
       {"declare @x int, @r int create table #t (a int, b nvarchar(10)) insert #t exec @r = p 5, N'x', @x output select b, @x as x, @r as r from #t drop table #t",
        "b|x|r;x|10|7"},
+      {"declare @x int exec p 5, default, @x output", "a|b;5|默认"},
+      {"exec p default", "error 201: Procedure or function 'p' expects parameter '@a', which was not supplied."},
       {"exec p", "error 201: Procedure or function 'p' expects parameter '@a', which was not supplied."},
       {"declare @n int exec sp_executesql N'select @c = count(*) from o', N'@c int output', @c = @n output select @n as n",
        "n;3"},

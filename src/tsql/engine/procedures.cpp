@@ -8,6 +8,12 @@
 #include "tsql/storage/system_views.h"
 
 namespace tessarlorn::tsql {
+namespace {
+
+/// The place of an argument that leaves its parameter to the default.
+constexpr auto kOwnDefault = static_cast<std::size_t>(-1);
+
+}  // namespace
 
 /// A procedure or text that runs inside a batch; what it changed of the session's options and the temporary tables
 /// that it made go with it.
@@ -161,7 +167,7 @@ std::vector<std::size_t> Procedures::TakeArguments(const CatalogObject& procedur
         throw SqlError(8144, "Procedure or function " + procedure.name + " has too many arguments specified.");
       throw SqlError(8145, name + " is not a parameter for procedure " + procedure.name + ".");
     }
-    positions.push_back(position);
+    positions.push_back(arguments.is_default(i) ? kOwnDefault : position);
     Variable& parameter = frame.Get(parameters[position].name);
     if (!arguments.is_default(i)) parameter.value = arguments.Value(i, parameter.type);
   }

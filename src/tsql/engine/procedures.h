@@ -51,7 +51,7 @@ class Procedures {
   template <typename Body>
   void Balanced(const Body& body);
   void CallProcedure(const CatalogObject& procedure, CallArguments& arguments);
-  /// Puts the arguments into the frame; answers the parameter of each.
+  /// Puts the arguments into the frame; answers the parameter of each, but of DEFAULT.
   static std::vector<std::size_t> TakeArguments(const CatalogObject& procedure,
                                                 const std::vector<Parameter>& parameters, CallArguments& arguments,
                                                 Frame& frame);

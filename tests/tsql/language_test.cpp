@@ -240,6 +240,9 @@ TEST(Language, ViewsAndProcedures) {
       {"declare @x int, @r int create table #t (a int, b nvarchar(10)) insert #t exec @r = p 5, N'x', @x output select b, @x as x, @r as r from #t drop table #t",
        "b|x|r;x|10|7"},
       {"declare @x int exec p 5, default, @x output", "a|b;5|默认"},
+      {"select cast(FID as varchar(3)) as c from o group by cast(FID as varchar(5))",
+       "error 8120: Column 'o.FID' is invalid in the select list because it is not contained in either an aggregate "
+       "function or the GROUP BY clause."},
       {"exec p default", "error 201: Procedure or function 'p' expects parameter '@a', which was not supplied."},
       {"exec p", "error 201: Procedure or function 'p' expects parameter '@a', which was not supplied."},
       {"declare @n int exec sp_executesql N'select @c = count(*) from o', N'@c int output', @c = @n output select @n as n",

@@ -15,7 +15,7 @@
 #include "platform/error.h"
 #include "platform/session.h"
 #include "platform/text.h"
-#include "platform/utf16.h"
+#include "platform/unicode/utf16.h"
 #include "support/served_database.h"
 
 namespace tessarlorn::bench {

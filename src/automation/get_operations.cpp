@@ -1,5 +1,5 @@
-#include "automation/binding.h"
 #include "amend/contracts.h"
+#include "automation/binding.h"
 #include "browse/contracts.h"
 #include "carriers/contracts.h"
 #include "delivery/contracts.h"

@@ -1,5 +1,5 @@
-#include "automation/binding.h"
 #include "amend/contracts.h"
+#include "automation/binding.h"
 #include "carriers/contracts.h"
 #include "delivery/contracts.h"
 #include "frame/contracts.h"

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "com_base/windows_headers.h"
-#include "platform/utf16.h"
+#include "platform/unicode/utf16.h"
 
 namespace tessarlorn::com {
 

@@ -53,8 +53,8 @@ class EscapeTest : public SampleTest {
     std::vector<Variant> arguments;
     for (const Argument& argument : operation.arguments()) {
       arguments.push_back(argument.is_connection ? Variant(escaping_)
-                          : argument.any_key       ? Variant(Dictionary{{"101", kText}})
-                                                   : Sample(argument.name, argument.type, argument.keys));
+                          : argument.any_key     ? Variant(Dictionary{{"101", kText}})
+                                                 : Sample(argument.name, argument.type, argument.keys));
     }
     if (operation.name == "GetUploadDataByTab") arguments[2] = "pageTable";
     return object.Invoke(operation, arguments);

@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "platform/session.h"
-#include "platform/utf16.h"
+#include "platform/unicode/utf16.h"
 #include "support/error_of.h"
 #include "support/served_database.h"
 #include "tsql/database_support.h"

@@ -6,7 +6,7 @@
 
 #include "drivers/odbc/odbc_error.h"
 #include "platform/error.h"
-#include "platform/utf16.h"
+#include "platform/unicode/utf16.h"
 
 namespace tessarlorn::odbc {
 namespace {

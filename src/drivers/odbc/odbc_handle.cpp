@@ -4,7 +4,7 @@
 #include <atomic>
 
 #include "platform/error.h"
-#include "platform/utf16.h"
+#include "platform/unicode/utf16.h"
 
 namespace tessarlorn::odbc {
 namespace {

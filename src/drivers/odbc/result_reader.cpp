@@ -7,7 +7,7 @@
 #include "drivers/odbc/odbc_error.h"
 #include "platform/date_time.h"
 #include "platform/decimal.h"
-#include "platform/utf16.h"
+#include "platform/unicode/utf16.h"
 
 namespace tessarlorn::odbc {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "hosts/objects/row_text.h"
-#include "platform/collation.h"
+#include "platform/unicode/collation.h"
 
 namespace tessarlorn {
 namespace {

@@ -3,8 +3,8 @@
 #include <memory>
 #include <new>
 
-#include "platform/collation.h"
 #include "platform/text.h"
+#include "platform/unicode/collation.h"
 #include "tsql/functions/sqlite_value.h"
 #include "tsql/values/moment.h"
 

@@ -3,9 +3,9 @@
 #include <cmath>
 #include <string>
 
-#include "platform/collation.h"
 #include "platform/text.h"
-#include "platform/utf16.h"
+#include "platform/unicode/collation.h"
+#include "platform/unicode/utf16.h"
 #include "tsql/functions/functions.h"
 #include "tsql/functions/sqlite_value.h"
 

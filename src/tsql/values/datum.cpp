@@ -8,7 +8,7 @@
 
 #include "platform/date_time.h"
 #include "platform/text.h"
-#include "platform/utf16.h"
+#include "platform/unicode/utf16.h"
 #include "tsql/values/date_text.h"
 #include "tsql/values/moment.h"
 #include "tsql/values/sql_error.h"

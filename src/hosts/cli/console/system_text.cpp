@@ -8,7 +8,7 @@
 // After the header above.
 #include <shellapi.h>
 
-#include "platform/utf16.h"
+#include "platform/unicode/utf16.h"
 #endif
 
 namespace tessarlorn::cli {

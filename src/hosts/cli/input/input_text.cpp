@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "platform/text.h"
-#include "platform/utf16.h"
+#include "platform/unicode/utf16.h"
 
 namespace tessarlorn::cli {
 namespace {

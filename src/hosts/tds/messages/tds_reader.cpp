@@ -1,6 +1,6 @@
 #include "hosts/tds/messages/tds_reader.h"
 
-#include "platform/utf16.h"
+#include "platform/unicode/utf16.h"
 
 namespace tessarlorn::tds {
 

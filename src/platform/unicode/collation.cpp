@@ -1,4 +1,4 @@
-#include "platform/collation.h"
+#include "platform/unicode/collation.h"
 
 #include <array>
 #include <cstdint>

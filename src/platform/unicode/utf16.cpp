@@ -1,4 +1,4 @@
-#include "platform/utf16.h"
+#include "platform/unicode/utf16.h"
 
 #include "platform/text.h"
 

@@ -61,16 +61,23 @@ void Transaction::EnsureWrite() {
   database_.catalog().Refresh();
 }
 
-void Transaction::CommitWrite() {
-  if (!writing_) return;
+bool Transaction::TryCommit(bool again) {
   try {
     if (!marked_) MarkAsOurs(database_.handle());
     database_.Run("COMMIT");
     marked_ = true;
-  } catch (const SqlError&) {
+    return true;
+  } catch (const SqlError& error) {
+    if (again && error.number() == Cancelled().number() && !database_.idle()) return false;
     RollbackWrite();
     throw;
   }
+}
+
+void Transaction::CommitWrite() {
+  if (!writing_) return;
+  // Cancel() is meant for the statements before: a commit that it meets is tried once more.
+  for (bool again = true; !TryCommit(again); again = false) continue;
   writing_ = false;
   save_points_.clear();
   given_identities_.clear();

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <optional>
 
 #include "drivers/odbc/odbc_error.h"
 #include "platform/error.h"
@@ -70,67 +69,44 @@ DateTime DateTimeOf(const SQL_TIMESTAMP_STRUCT& stamp) {
   return DateTime::FromCivil(civil).value_or(DateTime());
 }
 
-/// Dates and times alone go as texts that mean the same in every language.
-std::string TextOf(const Variant& value, FieldType type) {
-  if (!value.holds<DateTime>()) return value.ToText();
-  constexpr std::size_t kDate = 10;
-  const std::string text = value.ToDateTime().ToString(true);
-  return type == FieldType::kDate ? text.substr(0, kDate) : type == FieldType::kTime ? text.substr(kDate + 1) : text;
-}
-
-std::vector<char> Encode(const Variant& value, SQLSMALLINT c_type, FieldType type) {
+std::vector<char> Encode(const Variant& value, SQLSMALLINT c_type) {
   switch (c_type) {
-    case SQL_C_SBIGINT: {
-      if (value.holds<bool>()) return BytesOf(std::int64_t{value.ToBool()});
-      const std::optional<std::int64_t> whole = value.ToDecimal().ToScaled(0);
-      if (!whole) Raise(error_number::kOverflow, "Overflow");
-      return BytesOf(*whole);
-    }
+    case SQL_C_SBIGINT:
+      return BytesOf(value.holds<bool>() ? std::int64_t{value.ToBool()} : value.ToDecimal().ToScaled(0).value_or(0));
     case SQL_C_DOUBLE:
       return BytesOf(value.ToDouble());
     case SQL_C_CHAR: {
-      const std::string digits = value.ToDecimal().ToString();
+      const std::string digits = value.ToText();
       return {digits.begin(), digits.end()};
     }
     case SQL_C_TYPE_TIMESTAMP:
       return BytesOf(TimestampOf(value));
     case SQL_C_BINARY: {
-      const Bytes* bytes = value.get_if<Bytes>();
-      if (bytes == nullptr) Raise(error_number::kTypeMismatch, "Type mismatch");
-      return {bytes->begin(), bytes->end()};
+      const Bytes& bytes = *value.get_if<Bytes>();
+      return {bytes.begin(), bytes.end()};
     }
     default: {
-      const std::u16string units = ToUtf16(TextOf(value, type));
+      const std::u16string units = ToUtf16(value.ToText());
       const char* start = reinterpret_cast<const char*>(units.data());
       return {start, start + units.size() * sizeof(char16_t)};
     }
   }
 }
 
-Variant IntegerOf(std::int64_t value, FieldType type) {
-  if (type == FieldType::kBit) return value != 0;
-  if (type == FieldType::kTinyInt || type == FieldType::kSmallInt) return static_cast<std::int16_t>(value);
-  return value;
-}
-
-Variant Decode(const std::vector<char>& buffer, std::size_t length, SQLSMALLINT c_type, FieldType type) {
+Variant Decode(const std::vector<char>& buffer, std::size_t length, SQLSMALLINT c_type) {
   switch (c_type) {
     case SQL_C_SBIGINT:
-      return IntegerOf(ValueOf<std::int64_t>(buffer), type);
+      return ValueOf<std::int64_t>(buffer);
     case SQL_C_DOUBLE:
       return ValueOf<double>(buffer);
     case SQL_C_CHAR:
-      return Decimal::Parse({buffer.data(), length}).value_or(Decimal());
+      return std::string(buffer.data(), length);
     case SQL_C_TYPE_TIMESTAMP:
       return DateTimeOf(ValueOf<SQL_TIMESTAMP_STRUCT>(buffer));
     case SQL_C_BINARY:
       return Bytes(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(length));
-    default: {
-      std::string text;
-      AppendUtf16(text, {reinterpret_cast<const char16_t*>(buffer.data()), length / sizeof(char16_t)});
-      if (type != FieldType::kDate && type != FieldType::kTime) return text;
-      return DateTime::Parse(text).value_or(DateTime());
-    }
+    default:
+      return FromUtf16({reinterpret_cast<const char16_t*>(buffer.data()), length / sizeof(char16_t)});
   }
 }
 
@@ -142,14 +118,14 @@ BoundParameters::BoundParameters(SQLHSTMT statement, SqlCommand& command) : stat
     return;
   }
   call_.emplace(command);
-  for (SqlParameter& argument : call_->arguments()) Add(argument);
+  for (Argument& argument : call_->arguments()) Add(argument);
   text_ = "{call sp_executesql(?";
   for (std::size_t i = 1; i < slots_.size(); ++i) text_ += ",?";
   text_ += ")}";
   SQLSetStmtAttr(statement_, SQL_ATTR_NOSCAN, AsPointer(SQL_NOSCAN_OFF), 0);
   SQLUSMALLINT number = 0;
   for (Slot& slot : slots_) {
-    SQLBindParameter(statement_, ++number, slot.parameter->is_output ? SQL_PARAM_INPUT_OUTPUT : SQL_PARAM_INPUT,
+    SQLBindParameter(statement_, ++number, slot.argument->is_output ? SQL_PARAM_INPUT_OUTPUT : SQL_PARAM_INPUT,
                      slot.c_type, slot.sql_type, slot.size, slot.places, slot.buffer.data(),
                      static_cast<SQLLEN>(slot.buffer.size()), &slot.length);
   }
@@ -171,7 +147,8 @@ void BoundParameters::ChooseTypes(Slot& slot) {
     slot.sql_type = sql_type;
     slot.buffer.resize(width);
   };
-  const FieldType type = slot.field.type;
+  const Field& field = slot.argument->field;
+  const FieldType type = field.type;
   switch (type) {
     case FieldType::kBit:
     case FieldType::kTinyInt:
@@ -187,8 +164,8 @@ void BoundParameters::ChooseTypes(Slot& slot) {
     case FieldType::kDecimal:
     case FieldType::kMoney:
       set(SQL_C_CHAR, SQL_DECIMAL, kDecimalText);
-      slot.size = static_cast<SQLULEN>(slot.field.precision);
-      slot.places = static_cast<SQLSMALLINT>(slot.field.scale);
+      slot.size = static_cast<SQLULEN>(field.precision);
+      slot.places = static_cast<SQLSMALLINT>(field.scale);
       break;
     case FieldType::kDateTime:
       set(SQL_C_TYPE_TIMESTAMP, SQL_TYPE_TIMESTAMP, sizeof(SQL_TIMESTAMP_STRUCT));
@@ -197,10 +174,7 @@ void BoundParameters::ChooseTypes(Slot& slot) {
       break;
     default: {
       const bool binary = type == FieldType::kBinary || type == FieldType::kVarBinary;
-      const bool sized = binary || type == FieldType::kChar || type == FieldType::kVarChar ||
-                         type == FieldType::kNChar || type == FieldType::kNVarChar;
-      constexpr int kOfOtherTexts = 40;
-      const int size = sized ? slot.field.size : kOfOtherTexts;
+      const int size = field.size;
       const std::size_t unit = binary ? 1 : sizeof(char16_t);
       set(binary ? SQL_C_BINARY : SQL_C_WCHAR,
           binary ? (size == 0 ? SQL_LONGVARBINARY : SQL_VARBINARY) : (size == 0 ? SQL_WLONGVARCHAR : SQL_WVARCHAR),
@@ -210,35 +184,34 @@ void BoundParameters::ChooseTypes(Slot& slot) {
   }
 }
 
-void BoundParameters::Add(SqlParameter& parameter) {
+void BoundParameters::Add(Argument& argument) {
   Slot& slot = slots_.emplace_back();
-  slot.parameter = &parameter;
-  slot.field = FieldOfDeclaration(parameter.type);
+  slot.argument = &argument;
   ChooseTypes(slot);
-  if (!parameter.is_output) slot.buffer.clear();
-  if (parameter.value.is_empty() || parameter.value.is_null()) return;
-  const std::vector<char> value = Encode(parameter.value, slot.c_type, slot.field.type);
+  if (!argument.is_output) slot.buffer.clear();
+  if (argument.value.is_null()) return;
+  const std::vector<char> value = Encode(argument.value, slot.c_type);
   slot.length = static_cast<SQLLEN>(value.size());
   if (slot.buffer.size() < value.size()) slot.buffer.resize(value.size());
   std::copy(value.begin(), value.end(), slot.buffer.begin());
   // One without a limit is as long as its value.
-  if (slot.size == 0 && !parameter.is_output) slot.size = std::max<SQLULEN>(value.size(), 1);
+  if (slot.size == 0 && !argument.is_output) slot.size = std::max<SQLULEN>(value.size(), 1);
 }
 
 void BoundParameters::TakeOutputs() {
   if (!call_) return;
   for (const Slot& slot : slots_) {
-    if (!slot.parameter->is_output) continue;
+    if (!slot.argument->is_output) continue;
     if (slot.length == SQL_NULL_DATA) {
-      slot.parameter->value = Null{};
+      slot.argument->value = Null{};
       continue;
     }
     const auto length = static_cast<std::size_t>(slot.length);
     if (slot.length < 0 || length > slot.buffer.size()) {
       throw Error(error_number::kDataOverflow, kSource,
-                  "The value that comes back in " + slot.parameter->name + " is too long for its type.");
+                  "The value that comes back in " + slot.argument->field.name + " is too long for its type.");
     }
-    slot.parameter->value = Decode(slot.buffer, length, slot.c_type, slot.field.type);
+    slot.argument->value = Decode(slot.buffer, length, slot.c_type);
   }
   call_->GiveBack();
 }

@@ -11,6 +11,7 @@ WINE = pathlib.Path("/usr/include/wine/wine/windows/msado15_backcompat.h")
 # Members that its users do not see have a name of their own there.
 HIDDEN = {"HiddenResync": "_xResync", "HiddenClone": "_xClone", "HiddenSave": "_xSave", "NewEnum": "_NewEnum"}
 DISPATCH_MEMBERS = 7
+INTERFACES = "_Connection _Recordset Fields Field Errors Error _Command Parameters _Parameter".split()
 
 
 def ours(text, interface):
@@ -32,7 +33,7 @@ def main(header):
     their_text = WINE.read_text(encoding="utf-8")
     faults = []
     compared = 0
-    for interface in ("_Connection", "_Recordset", "Fields", "Field", "Errors", "Error"):
+    for interface in INTERFACES:
         own = ours(our_text, "IAdo" + interface.lstrip("_"))
         other = theirs(their_text, interface)
         compared += len(own)

@@ -353,12 +353,16 @@ class StandInConnection final : public BaseObject<IAdoConnection> {
     }
   }
   HRESULT STDMETHODCALLTYPE Execute(BSTR text, VARIANT* affected, LONG options, IAdoRecordset** out) override {
+    if (affected != nullptr || options != kOptionUnspecified) return E_INVALIDARG;
+    return Run(out, [&](Connection& connection, StepSink& sink) { connection.ExecuteAll(com::ToText(text), sink); });
+  }
+  template <typename Action>
+  HRESULT Run(IAdoRecordset** out, const Action& action) {
     *out = nullptr;
     if (connection_ == nullptr) return Refuse(3704);
-    if (affected != nullptr || options != kOptionUnspecified) return E_INVALIDARG;
     StepSink sink;
     try {
-      connection_->ExecuteAll(com::ToText(text), sink);
+      action(*connection_, sink);
       sink.End({});
       // A batch whose statements all are silent answers one closed recordset.
       if (sink.steps.size() == 1 && !sink.steps.front().failure) sink.End({});
@@ -413,6 +417,86 @@ class StandInConnection final : public BaseObject<IAdoConnection> {
   Pointer<StandInErrors> errors_ = Pointer<StandInErrors>::Adopt(new StandInErrors);
 };
 
+class StandInParameter final : public BaseObject<IAdoParameter> {
+ public:
+  StandInParameter(LONG type, bool is_output, LONG_PTR size, const VARIANT& value)
+      : sql({"", DeclarationOf(type, size), com::FromPlainVariant(value), is_output}) {}
+  HRESULT STDMETHODCALLTYPE get_Value(VARIANT* out) override {
+    PutCell(sql.value, FieldOfDeclaration(sql.type), out);
+    return S_OK;
+  }
+  SqlParameter sql;
+
+  PROPERTY_NOT_HERE(Name, BSTR)
+
+ private:
+  static std::string DeclarationOf(LONG type, LONG_PTR size) {
+    for (const std::string word : {"bit", "tinyint", "smallint", "int", "bigint", "real", "float", "money", "datetime",
+                                   "nvarchar(max)", "varbinary(max)"}) {
+      if (TraitsOf(FieldOfDeclaration(word)).type == type) return word;
+    }
+    return (static_cast<DataType>(type) == DataType::kVarWChar ? "nvarchar(" : "varbinary(") + std::to_string(size) +
+           ")";
+  }
+};
+
+class StandInParameters final : public Base<IAdoParameters> {
+ public:
+  HRESULT STDMETHODCALLTYPE Append(IDispatch* parameter) override {
+    items.emplace_back(static_cast<StandInParameter*>(parameter));
+    return S_OK;
+  }
+  std::vector<Pointer<StandInParameter>> items;
+
+  NOT_HERE(get_Count, LONG*)
+  NOT_HERE(NewEnum, IUnknown**)
+  NOT_HERE(Refresh)
+};
+
+class StandInCommand final : public BaseObject<IAdoCommand> {
+ public:
+  HRESULT STDMETHODCALLTYPE putref_ActiveConnection(IAdoConnection* connection) override {
+    connection_ = Pointer<StandInConnection>(static_cast<StandInConnection*>(connection));
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE put_CommandText(BSTR text) override {
+    text_ = com::ToText(text);
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE put_CommandTimeout(LONG) override { return S_OK; }
+  HRESULT STDMETHODCALLTYPE put_CommandType(LONG type) override { return type == kStoredProcedure ? S_OK : E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE CreateParameter(BSTR, LONG type, LONG direction, LONG_PTR size, VARIANT value,
+                                            IAdoParameter** out) override {
+    return Answer(out,
+                  static_cast<IAdoParameter*>(new StandInParameter(type, direction == kInputAndOutput, size, value)));
+  }
+  HRESULT STDMETHODCALLTYPE get_Parameters(IAdoParameters** out) override {
+    return Answer(out, static_cast<IAdoParameters*>(Pointer<StandInParameters>(parameters_).Release()));
+  }
+  HRESULT STDMETHODCALLTYPE Execute(VARIANT*, VARIANT*, LONG, IAdoRecordset** out) override {
+    std::vector<SqlParameter> arguments;
+    for (const auto& parameter : parameters_->items) arguments.push_back(parameter->sql);
+    const HRESULT status =
+        connection_->Run(out, [&](Connection& connection, StepSink& sink) { connection.Call(text_, arguments, sink); });
+    for (std::size_t i = 0; i < arguments.size(); ++i) parameters_->items[i]->sql.value = arguments[i].value;
+    return status;
+  }
+
+  NOT_HERE(get_ActiveConnection, IAdoConnection**)
+  NOT_HERE(put_ActiveConnection, VARIANT)
+  NOT_HERE(get_CommandText, BSTR*)
+  NOT_HERE(get_CommandTimeout, LONG*)
+  PROPERTY_NOT_HERE(Prepared, VARIANT_BOOL)
+
+ private:
+  [[nodiscard]] bool Is(REFIID id) const override { return IsEqualIID(id, kCommandInterface); }
+
+  std::string text_;
+  Pointer<StandInConnection> connection_;
+  Pointer<StandInParameters> parameters_ = Pointer<StandInParameters>::Adopt(new StandInParameters);
+};
+
+template <typename Object>
 class Factory final : public com::Counted<IClassFactory> {
  public:
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** out) override {
@@ -422,7 +506,7 @@ class Factory final : public com::Counted<IClassFactory> {
     return own ? S_OK : E_NOINTERFACE;
   }
   HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown*, REFIID id, void** out) override {
-    return Pointer<IAdoConnection>::Adopt(new StandInConnection)->QueryInterface(id, out);
+    return Pointer<Object>::Adopt(new Object)->QueryInterface(id, out);
   }
   NOT_HERE(LockServer, BOOL)
 };
@@ -434,15 +518,21 @@ void AdoStandIn::SetClones(bool possible) { clones_are_possible = possible; }
 AdoStandIn::AdoStandIn() {
   SetClones(true);
   if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) throw std::runtime_error("CoInitializeEx failed");
-  const auto factory = Pointer<Factory>::Adopt(new Factory);
-  if (FAILED(CoRegisterClassObject(kConnectionClass, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
-                                   &registration_))) {
+  Register<StandInConnection>(kConnectionClass);
+  Register<StandInCommand>(kCommandClass);
+}
+
+template <typename Object>
+void AdoStandIn::Register(const GUID& class_id) {
+  const auto factory = Pointer<Factory<Object>>::Adopt(new Factory<Object>);
+  if (FAILED(CoRegisterClassObject(class_id, factory.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
+                                   &registrations_.emplace_back()))) {
     throw std::runtime_error("CoRegisterClassObject failed");
   }
 }
 
 AdoStandIn::~AdoStandIn() {
-  CoRevokeClassObject(registration_);
+  for (const DWORD registration : registrations_) CoRevokeClassObject(registration);
   CoUninitialize();
 }
 

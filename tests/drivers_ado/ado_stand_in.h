@@ -4,13 +4,15 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "com_base/windows_headers.h"
 
 namespace tessarlorn {
 
-/// While it lives, COM makes the stand-in where this process asks for ADODB.Connection on this thread's apartment,
-/// which it joins. A database is named by `Provider=StandIn;Data Source=<string of another driver>`.
+/// While it lives, COM makes the stand-in where this process asks for ADODB.Connection and ADODB.Command on this
+/// thread's apartment, which it joins. A database is named by `Provider=StandIn;Data Source=<string of another
+/// driver>`.
 class AdoStandIn {
  public:
   AdoStandIn();
@@ -27,7 +29,10 @@ class AdoStandIn {
   static bool IsAttached(IDispatch* recordset);
 
  private:
-  DWORD registration_ = 0;
+  template <typename Object>
+  void Register(const GUID& class_id);
+
+  std::vector<DWORD> registrations_;
 };
 
 }  // namespace tessarlorn

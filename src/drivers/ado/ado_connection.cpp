@@ -2,26 +2,13 @@
 
 #include <utility>
 
-#include "com_base/errors.h"
+#include "drivers/ado/ado_class.h"
+#include "drivers/ado/ado_command.h"
 #include "drivers/ado/ado_error.h"
 #include "drivers/ado/ado_rows.h"
 
 namespace tessarlorn::ado {
 namespace {
-
-com::Pointer<IAdoConnection> CreateConnection() {
-  void* created = nullptr;
-  HRESULT status = E_NOINTERFACE;
-  // The interface has another number since ADO came with Windows 7, and the same members.
-  for (const GUID& interface_id : {kConnectionInterface, kConnectionInterfaceBefore}) {
-    if (status != E_NOINTERFACE) break;
-    status = CoCreateInstance(kConnectionClass, nullptr, CLSCTX_INPROC_SERVER, interface_id, &created);
-  }
-  if (FAILED(status)) {
-    throw Error(error_number::kCannotCreateObject, kSource, "ActiveX component can't create object: ADODB.Connection");
-  }
-  return com::Pointer<IAdoConnection>::Adopt(static_cast<IAdoConnection*>(created));
-}
 
 bool IsOpen(IAdoRecordset& rows) {
   LONG state = kStateClosed;
@@ -32,14 +19,17 @@ bool KnowsNoMoreResults(HRESULT status) { return status == E_NOTIMPL || status =
 
 }  // namespace
 
-AdoConnection::AdoConnection(const ConnectionOptions& options) : connection_(CreateConnection()) {
+AdoConnection::AdoConnection(const ConnectionOptions& options)
+    : statement_timeout_(options.statement_timeout),
+      connection_(Create<IAdoConnection>("ADODB.Connection", kConnectionClass, kConnectionInterface,
+                                         kConnectionInterfaceBefore)) {
   IAdoConnection* const ado = connection_.get();
   Check(ado->put_CursorLocation(kUseClient), ado, "Connection.CursorLocation");
   // The default is ADO's, too.
   if (options.login_timeout != kDefaultLoginTimeout) {
     Check(ado->put_ConnectionTimeout(options.login_timeout), ado, "Connection.ConnectionTimeout");
   }
-  Check(ado->put_CommandTimeout(options.statement_timeout), ado, "Connection.CommandTimeout");
+  Check(ado->put_CommandTimeout(statement_timeout_), ado, "Connection.CommandTimeout");
   const com::OwnedBstr text(options.ado_string);
   const com::OwnedBstr none("");
   SetErrorInfo(0, nullptr);
@@ -99,11 +89,22 @@ void AdoConnection::Run(SqlCommand& command, bool first_only, BatchSink& sink) {
   // ADO has no empty batch.
   if (command.text.empty()) return;
   RefuseNul(command.text, kSource);
-  const com::OwnedBstr batch(command.text);
+  IAdoConnection* const ado = connection_.get();
   com::Pointer<IAdoRecordset> rows;
-  SetErrorInfo(0, nullptr);
-  HRESULT status = connection_->Execute(batch.get(), nullptr, kOptionUnspecified, rows.Receive());
-  Report report = ReportOf(status, connection_.get(), "Connection.Execute");
+  if (command.parameters.empty() && !command.is_procedure) {
+    const com::OwnedBstr batch(command.text);
+    SetErrorInfo(0, nullptr);
+    const HRESULT status = ado->Execute(batch.get(), nullptr, kOptionUnspecified, rows.Receive());
+    TakeAnswers(ReportOf(status, ado, "Connection.Execute"), std::move(rows), first_only, sink);
+  } else {
+    AdoCommand call(ado, command, statement_timeout_);
+    const HRESULT status = call.Execute(rows.Receive());
+    TakeAnswers(ReportOf(status, ado, "Command.Execute"), std::move(rows), first_only, sink);
+    call.TakeOutputs();
+  }
+}
+
+void AdoConnection::TakeAnswers(Report report, com::Pointer<IAdoRecordset> rows, bool first_only, BatchSink& sink) {
   for (bool wanted = true;;) {
     for (const Error& message : report.messages) sink.Message(message.description(), message.native());
     if (report.failure) {
@@ -117,7 +118,7 @@ void AdoConnection::Run(SqlCommand& command, bool first_only, BatchSink& sink) {
     com::Pointer<IAdoRecordset> hold;
     if (answers) static_cast<void>(rows->Clone(kLockUnspecified, hold.Receive()));
     com::Pointer<IAdoRecordset> next;
-    status = rows->NextRecordset(nullptr, next.Receive());
+    const HRESULT status = rows->NextRecordset(nullptr, next.Receive());
     report = ReportOf(KnowsNoMoreResults(status) ? S_OK : status, connection_.get(), "Recordset.NextRecordset");
     if (answers) {
       wanted = !first_only;

@@ -5,6 +5,7 @@
 
 #include "com_base/apartment.h"
 #include "com_base/pointers.h"
+#include "drivers/ado/ado_error.h"
 #include "drivers/ado/ado_interfaces.h"
 #include "drivers/ado/connection_options.h"
 #include "platform/connection.h"
@@ -33,8 +34,11 @@ class AdoConnection final : public Connection {
  private:
   std::int32_t Ask(std::string_view text);
   void Send(std::string_view text);
+  /// Hands over what a batch answers, of which `rows` is the first result, and raises how it failed.
+  void TakeAnswers(Report report, com::Pointer<IAdoRecordset> rows, bool first_only, BatchSink& sink);
 
   const com::Apartment apartment_;
+  const int statement_timeout_;
   com::Pointer<IAdoConnection> connection_;
   bool in_transaction_ = false;
   bool lost_ = false;

@@ -9,11 +9,14 @@ namespace tessarlorn::ado {
 constexpr GUID AdoGuid(unsigned long number) {
   return {number, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x6D, 0x2E, 0xA4}};
 }
-/// The class whose ProgID is ADODB.Connection.
+// The classes whose ProgIDs are ADODB.Connection and ADODB.Command.
 inline constexpr GUID kConnectionClass = AdoGuid(0x514);
-// IAdoConnection, by the number of current versions and of those before; IAdoRecordset.
+inline constexpr GUID kCommandClass = AdoGuid(0x507);
+// Interfaces have another number since ADO came with Windows 7, and the same members.
 inline constexpr GUID kConnectionInterface = AdoGuid(0x1550);
 inline constexpr GUID kConnectionInterfaceBefore = AdoGuid(0x550);
+inline constexpr GUID kCommandInterface = AdoGuid(0x1508);
+inline constexpr GUID kCommandInterfaceBefore = AdoGuid(0x508);
 inline constexpr GUID kRecordsetInterface = AdoGuid(0x1556);
 
 // Values of ADO's enumerations.
@@ -22,6 +25,9 @@ inline constexpr LONG kOptionUnspecified = -1;
 inline constexpr LONG kConnectUnspecified = -1;
 inline constexpr LONG kLockUnspecified = -1;
 inline constexpr LONG kStateClosed = 0;
+inline constexpr LONG kStoredProcedure = 4;
+inline constexpr LONG kInput = 1;
+inline constexpr LONG kInputAndOutput = 3;
 inline constexpr LONG kFieldIsNullable = 0x20;
 inline constexpr LONG kFieldMayBeNull = 0x40;
 
@@ -208,6 +214,34 @@ struct IAdoConnection : IAdoObject {
   virtual HRESULT STDMETHODCALLTYPE get_State(LONG* state) = 0;
   virtual HRESULT STDMETHODCALLTYPE OpenSchema(LONG schema, VARIANT restrictions, VARIANT id, IAdoRecordset** rows) = 0;
   virtual HRESULT STDMETHODCALLTYPE Cancel() = 0;
+};
+
+struct IAdoParameter : IAdoObject {
+  virtual HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_Name(BSTR name) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Value(VARIANT* value) = 0;
+};
+
+struct IAdoParameters : IAdoCollection {
+  virtual HRESULT STDMETHODCALLTYPE Append(IDispatch* parameter) = 0;
+};
+
+struct IAdoCommand : IAdoObject {
+  virtual HRESULT STDMETHODCALLTYPE get_ActiveConnection(IAdoConnection** connection) = 0;
+  virtual HRESULT STDMETHODCALLTYPE putref_ActiveConnection(IAdoConnection* connection) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_ActiveConnection(VARIANT connection) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_CommandText(BSTR* text) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_CommandText(BSTR text) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_CommandTimeout(LONG* seconds) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_CommandTimeout(LONG seconds) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Prepared(VARIANT_BOOL* prepared) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_Prepared(VARIANT_BOOL prepared) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Execute(VARIANT* affected, VARIANT* parameters, LONG options,
+                                            IAdoRecordset** rows) = 0;
+  virtual HRESULT STDMETHODCALLTYPE CreateParameter(BSTR name, LONG type, LONG direction, LONG_PTR size, VARIANT value,
+                                                    IAdoParameter** parameter) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Parameters(IAdoParameters** parameters) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_CommandType(LONG type) = 0;
 };
 
 }  // namespace tessarlorn::ado

@@ -126,6 +126,27 @@ TEST_F(CommandTest, NamesWhatIsWrongWithACallAndDoesNothing) {
   EXPECT_THAT(Run("init", "TESSARLORN_DSN=").err, HasSubstr("no connection string"));
 }
 
+TEST_F(CommandTest, ShowsEveryOperationOnThePageWithAnExampleThatWorks) {
+  const std::string page = Run("ops --markdown").out;
+  EXPECT_EQ(page, ReadFile(TESSARLORN_SOURCE_ROOT "/docs/operations.md")) << "tessarlorn ops --markdown writes it anew";
+  for (const Operation* const operation : Operations()) {
+    const std::string signature =
+        "\n\n`" + std::string(ClassName(operation->service)) + "." + std::string(operation->name);
+    EXPECT_NE(page.find(signature + (operation->property ? " As" : "(")), std::string::npos) << signature;
+  }
+  // The first line of the page's first commands names the database.
+  const std::size_t begin = page.find("export ");
+  const std::string before = "mkdir -p '" + File("page") + "'; cd '" + File("page") +
+                             "'; tessarlorn() { '" TESSARLORN_COMMAND "' \"$@\"; }\n" +
+                             page.substr(begin, page.find('\n', begin) - begin + 1);
+  for (std::size_t at = 0; (at = page.find("```sh\n", at)) != std::string::npos;) {
+    at += 6;
+    const std::string lines = page.substr(at, page.find("```\n", at) - at);
+    EXPECT_LE(RunLine(before + lines).status, 1) << lines;
+    at += lines.size() + 4;
+  }
+}
+
 TEST_F(CommandTest, ExplainsEveryOperation) {
   const nlohmann::json all = nlohmann::json::parse(Run("ops --json").out);
   ASSERT_EQ(all.size(), Operations().size());

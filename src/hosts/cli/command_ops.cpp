@@ -6,6 +6,7 @@
 #include "hosts/cli/console/display_width.h"
 #include "hosts/cli/console/terminal.h"
 #include "hosts/cli/input/call_arguments.h"
+#include "hosts/cli/operation_text.h"
 
 namespace tessarlorn::cli {
 namespace {
@@ -15,27 +16,12 @@ using Json = nlohmann::ordered_json;
 constexpr const char* kFooter = R"(Examples:
   tessarlorn ops
   tessarlorn ops GetListData
-  tessarlorn ops clsGetData.TransMode --json)";
+  tessarlorn ops clsGetData.TransMode --json
+  tessarlorn ops --markdown > operations.md)";
 
 constexpr std::size_t kTextWidth = 100;
 
 std::string Text(std::string_view text) { return std::string(text); }
-
-/// "GetEntryData(sDsn As String, dctParameters As Dictionary) As Recordset"
-std::string SignatureText(const Operation& operation) {
-  std::string text = Text(operation.name);
-  if (!operation.property) {
-    std::string list;
-    for (const Argument& argument : operation.arguments()) {
-      if (!list.empty()) list += ", ";
-      if (argument.optional) list += "Optional ";
-      if (argument.in_out) list += "ByRef ";
-      list += Text(argument.name) + " As " + Text(TypeName(argument.type));
-    }
-    text += "(" + list + ")";
-  }
-  return text + " As " + Text(TypeName(operation.result));
-}
 
 Json DescribeKeys(std::span<const Key> keys) {
   Json list = Json::array();
@@ -122,8 +108,10 @@ void List() {
   std::cout << "\n" << Operations().size() << " operations; 'tessarlorn ops NAME' explains one with its keys.\n";
 }
 
-ExitStatus Ops(const std::string& name, bool json) {
-  if (!name.empty()) {
+ExitStatus Ops(const std::string& name, bool json, bool markdown) {
+  if (markdown) {
+    std::cout << OperationsPage();
+  } else if (!name.empty()) {
     const Operation& operation = RequireOperation(name);
     if (json) {
       std::cout << Describe(operation).dump(2) << '\n';
@@ -146,10 +134,17 @@ void AddOpsCommand(CLI::App& app, CommandContext& context) {
   CLI::App* const command = app.add_subcommand("ops", "List the operations, or explain one");
   const auto name = std::make_shared<std::string>();
   const auto json = std::make_shared<bool>(false);
-  command->add_option("OPERATION", *name, "Name, as GetListData or clsGetData.GetListData")->type_name("");
-  command->add_flag("--json", *json, "Print as JSON");
+  const auto markdown = std::make_shared<bool>(false);
+  CLI::Option* const one =
+      command->add_option("OPERATION", *name, "Name, as GetListData or clsGetData.GetListData")->type_name("");
+  CLI::Option* const as_json = command->add_flag("--json", *json, "Print as JSON");
+  command->add_flag("--markdown", *markdown, "Print the page of all operations, with an example of each")
+      ->excludes(one)
+      ->excludes(as_json);
   command->footer(kFooter);
-  command->callback([&context, name, json] { context.action = [name, json] { return Ops(*name, *json); }; });
+  command->callback([&context, name, json, markdown] {
+    context.action = [name, json, markdown] { return Ops(*name, *json, *markdown); };
+  });
 }
 
 }  // namespace tessarlorn::cli

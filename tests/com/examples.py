@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the examples that Wine can run, that of README.md and the line of docs/windows.md as they stand there, and checks
+"""Runs the examples that Wine can run, the script and the line of docs/windows.md as they stand there, and checks
 the others for names that the type library does not have.
 
 examples.py EXAMPLES IDL DATABASE FOLDER
@@ -116,12 +116,12 @@ def main(examples, idl, database, folder):
     shutil.rmtree(shop, ignore_errors=True)
     shop.mkdir()
     wine.copy_database(database, shop, "orders")
-    shown = pathlib.Path(folder) / "readme.vbs"
-    page = (ROOT / "README.md").read_text(encoding="utf-8")
+    shown = pathlib.Path(folder) / "shown.vbs"
+    page = (ROOT / "docs" / "windows.md").read_text(encoding="utf-8")
     shown.write_text(re.search(r"```vb\n(.*?)```", page, re.S).group(1), encoding="ascii")
     output, remarks = wine.run_script(shown)
     if not re.fullmatch(r"(\d+ \S+\n)+", output):
-        faults += ["the example of README.md printed", output, remarks]
+        faults += ["the first example of docs/windows.md printed", output, remarks]
 
     line = re.search(r"^cscript .*$", (ROOT / "docs" / "windows.md").read_text(encoding="utf-8"), re.M).group(0)
     # As the archive has them.

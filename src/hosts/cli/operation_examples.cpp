@@ -127,11 +127,11 @@ constexpr std::array kLog = std::to_array<OperationExample>({
 constexpr std::array<OperationTask, 8> kTasks = {{
     {"Browse", "What the order list shows, and what its filters and columns are made from.", kBrowse},
     {"Picking", "Picker, picking check, batches and the numbers of a print run.", kPicking},
-    {"Delivery", "Printing, weighing, waybills, costs, delivery, and the way back.", kDelivery},
-    {"Carriers", "Whether a carrier reaches an address.", kCarriers},
-    {"Upload", "What the web shops are told.", kUpload},
-    {"Warehouse", "Orders that an outside warehouse fulfils.", kWarehouse},
-    {"Amend", "Remarks, addresses, warehouses and invoices of orders.", kAmend},
+    {"Weighing and delivery", "Printing, weighing, waybills, costs, delivery, and the way back.", kDelivery},
+    {"Carriers and addresses", "Whether a carrier reaches an address.", kCarriers},
+    {"Upload to web shops", "What the web shops are told.", kUpload},
+    {"Outside warehouses", "Orders that an outside warehouse fulfils.", kWarehouse},
+    {"Changes and invoices", "Remarks, addresses, warehouses and invoices of orders.", kAmend},
     {"Log",
      "Who did what. The three operations of the log use the session that an earlier operation of the same object "
      "opened. The command makes a new object for each call, so it cannot call them.",

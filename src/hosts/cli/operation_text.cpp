@@ -110,7 +110,8 @@ std::string OperationPart(const OperationExample& example) {
 std::string Anchor(std::string_view heading) {
   std::string anchor;
   for (const char letter : heading) {
-    if (letter != '.') anchor += static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+    if (letter == '.') continue;
+    anchor += letter == ' ' ? '-' : static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
   }
   return anchor;
 }

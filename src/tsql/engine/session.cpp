@@ -97,9 +97,6 @@ void Session::Reset() {
   errors_.last_number = 0;
 }
 
-void Session::Cancel() noexcept {
-  database_.runtime().cancelled.store(true);
-  sqlite3_interrupt(database_.handle());
-}
+void Session::Cancel() noexcept { database_.runtime().cancelled.store(true); }
 
 }  // namespace tessarlorn::tsql

@@ -75,11 +75,20 @@ struct Runtime {
   /// Raised inside a row function; taken by whoever sees SQLite fail.
   std::optional<SqlError> error;
   Frame* frame = nullptr;
+  /// For SQLite, after each so many of its operations: whether the statement is to end now. One that ends by itself
+  /// within the next operations is left to do so: SQLite takes back all of an open transaction when it breaks off a
+  /// statement that writes.
+  bool Interrupts() noexcept { return cancelled.load(std::memory_order_relaxed) && ++looks_since_cancel_ > 1; }
+  /// A statement goes on from here.
+  void BeginStep() noexcept { looks_since_cancel_ = 0; }
   void CheckCancelled() const {
     if (cancelled.load(std::memory_order_relaxed)) throw Cancelled();
   }
   /// SET DATEFORMAT
   DateOrder date_order = DateOrder::kMdy;
+
+ private:
+  int looks_since_cancel_ = 0;
 };
 
 }  // namespace tessarlorn::tsql

@@ -223,6 +223,7 @@ void SqliteStatement::BindStaticText(int parameter, std::string_view text) {
 }
 
 bool SqliteStatement::Step(std::string_view verb) {
+  if (runtime_ != nullptr) runtime_->BeginStep();
   const int status = sqlite3_step(handle_.get());
   if (status == SQLITE_ROW) return true;
   if (status == SQLITE_DONE) return false;

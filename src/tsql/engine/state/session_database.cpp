@@ -16,6 +16,10 @@ SessionDatabase::SessionDatabase(DatabaseHandle database, std::size_t memory_lim
   constexpr int kMostOperations = 10'000'000;
   sqlite3_limit(handle(), SQLITE_LIMIT_LENGTH, static_cast<int>(std::min(kMostOfSqlite, memory_limit / kCopies)));
   sqlite3_limit(handle(), SQLITE_LIMIT_VDBE_OP, kMostOperations);
+  constexpr int kOperationsOfALook = 10'000;
+  sqlite3_progress_handler(
+      handle(), kOperationsOfALook, [](void* runtime) { return static_cast<Runtime*>(runtime)->Interrupts() ? 1 : 0; },
+      &runtime_);
   RegisterFunctions(handle(), runtime_);
   RegisterListTable(handle());
   RegisterCatalogFunctions(handle(), catalog_);

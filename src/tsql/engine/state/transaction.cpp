@@ -61,23 +61,16 @@ void Transaction::EnsureWrite() {
   database_.catalog().Refresh();
 }
 
-bool Transaction::TryCommit(bool again) {
+void Transaction::CommitWrite() {
+  if (!writing_) return;
   try {
     if (!marked_) MarkAsOurs(database_.handle());
     database_.Run("COMMIT");
     marked_ = true;
-    return true;
-  } catch (const SqlError& error) {
-    if (again && error.number() == Cancelled().number() && !database_.idle()) return false;
+  } catch (const SqlError&) {
     RollbackWrite();
     throw;
   }
-}
-
-void Transaction::CommitWrite() {
-  if (!writing_) return;
-  // Cancel() is meant for the statements before: a commit that it meets is tried once more.
-  for (bool again = true; !TryCommit(again); again = false) continue;
   writing_ = false;
   save_points_.clear();
   given_identities_.clear();

@@ -77,8 +77,6 @@ class Transaction {
   std::optional<std::int64_t> scope_identity;
 
  private:
-  /// False when it was cancelled, and may be tried again.
-  bool TryCommit(bool again);
   /// For SQLite, while a lock is taken: whether to try again.
   static int WaitForLock(void* transaction, int times);
   /// Identity values that a rollback took back are not given again.

@@ -40,7 +40,7 @@ class Arguments {
   [[nodiscard]] const VARIANT* source(std::size_t argument) const noexcept { return sources_[argument]; }
 
  private:
-  static constexpr std::size_t kMost = Operation::kMostArguments + 1;
+  static constexpr std::size_t kMost = ArgumentList::kMost + 1;
 
   /// Room for values that begin and end when they are told to.
   union Space {

@@ -23,7 +23,7 @@ struct WireType {
 };
 
 /// @param length of the value, in characters or bytes
-WireType Sized(const Argument& argument, LONG_PTR declared, LONG_PTR length) {
+WireType Sized(const SqlArgument& argument, LONG_PTR declared, LONG_PTR length) {
   const bool binary = argument.field.type == FieldType::kBinary || argument.field.type == FieldType::kVarBinary;
   const LONG_PTR size = std::max({declared, length, LONG_PTR{1}});
   if (declared > 0 && size <= (binary ? kMostBytes : kMostCharacters)) {
@@ -33,7 +33,7 @@ WireType Sized(const Argument& argument, LONG_PTR declared, LONG_PTR length) {
           argument.is_output ? std::max(size, kLongestOutput) : size};
 }
 
-WireType WireTypeOf(const Argument& argument, LONG_PTR length) {
+WireType WireTypeOf(const SqlArgument& argument, LONG_PTR length) {
   switch (argument.field.type) {
     case FieldType::kBit:
       return {DataType::kBoolean};
@@ -79,10 +79,10 @@ AdoCommand::AdoCommand(IAdoConnection* connection, SqlCommand& command, int time
   CheckCall(command_->put_CommandText(procedure.get()), "Command.CommandText");
   CheckCall(command_->put_CommandTimeout(timeout), "Command.CommandTimeout");
   CheckCall(command_->get_Parameters(parameters.Receive()), "Command.Parameters");
-  for (const Argument& argument : call_.arguments()) Add(argument, *parameters.get());
+  for (const SqlArgument& argument : call_.arguments()) Add(argument, *parameters.get());
 }
 
-void AdoCommand::Add(const Argument& argument, IAdoParameters& parameters) {
+void AdoCommand::Add(const SqlArgument& argument, IAdoParameters& parameters) {
   com::OwnedVariant value;
   const bool as_text = argument.value.holds<Decimal>() && argument.field.type == FieldType::kDecimal;
   com::ToPlainVariant(as_text ? argument.value.ToText() : argument.value, &value.get());
@@ -97,7 +97,7 @@ void AdoCommand::Add(const Argument& argument, IAdoParameters& parameters) {
 }
 
 void AdoCommand::TakeOutputs() {
-  std::vector<Argument>& arguments = call_.arguments();
+  std::vector<SqlArgument>& arguments = call_.arguments();
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     if (!arguments[i].is_output) continue;
     com::OwnedVariant value;

@@ -25,7 +25,7 @@ class AdoCommand {
   void TakeOutputs();
 
  private:
-  void Add(const Argument& argument, IAdoParameters& parameters);
+  void Add(const SqlArgument& argument, IAdoParameters& parameters);
   void CheckCall(HRESULT status, std::string_view what) { Check(status, connection_, what); }
 
   IAdoConnection* connection_;

@@ -95,7 +95,7 @@ Variant Received(Variant value, FieldType type) {
   }
 }
 
-Argument ArgumentOf(const SqlParameter& parameter) {
+SqlArgument ArgumentOf(const SqlParameter& parameter) {
   Field field = FieldOfDeclaration(parameter.type);
   field.name = parameter.name;
   switch (field.type) {
@@ -131,7 +131,7 @@ void ExecuteSql::GiveBack() {
   for (std::size_t i = 0; i < command_.parameters.size(); ++i) {
     SqlParameter& parameter = command_.parameters[i];
     if (!parameter.is_output || parameter.is_default) continue;
-    Argument& argument = arguments_[kBefore + i];
+    SqlArgument& argument = arguments_[kBefore + i];
     parameter.value = Received(std::move(argument.value), argument.field.type);
   }
   if (command_.is_procedure && !arguments_.back().value.is_null()) command_.status = arguments_.back().value.ToInt32();

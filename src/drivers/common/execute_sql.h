@@ -10,7 +10,7 @@
 namespace tessarlorn {
 
 /// An argument of sp_executesql.
-struct Argument {
+struct SqlArgument {
   /// What it is declared as. Types that go as texts have the size of their longest text; the batch itself has no name.
   Field field;
   /// In the field's type, or Null: bool, whole number of 64 bits, double, Decimal, DateTime, Bytes. Dates and times
@@ -28,13 +28,13 @@ class ExecuteSql {
   explicit ExecuteSql(SqlCommand& command);
 
   /// In their order: the batch, the declarations, the values. The driver sends them, and leaves outputs in them.
-  [[nodiscard]] std::vector<Argument>& arguments() noexcept { return arguments_; }
+  [[nodiscard]] std::vector<SqlArgument>& arguments() noexcept { return arguments_; }
   /// Puts outputs and status into the command.
   void GiveBack();
 
  private:
   SqlCommand& command_;
-  std::vector<Argument> arguments_;
+  std::vector<SqlArgument> arguments_;
 };
 
 }  // namespace tessarlorn

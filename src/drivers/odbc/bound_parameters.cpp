@@ -118,7 +118,7 @@ BoundParameters::BoundParameters(SQLHSTMT statement, SqlCommand& command) : stat
     return;
   }
   call_.emplace(command);
-  for (Argument& argument : call_->arguments()) Add(argument);
+  for (SqlArgument& argument : call_->arguments()) Add(argument);
   text_ = "{call sp_executesql(?";
   for (std::size_t i = 1; i < slots_.size(); ++i) text_ += ",?";
   text_ += ")}";
@@ -184,7 +184,7 @@ void BoundParameters::ChooseTypes(Slot& slot) {
   }
 }
 
-void BoundParameters::Add(Argument& argument) {
+void BoundParameters::Add(SqlArgument& argument) {
   Slot& slot = slots_.emplace_back();
   slot.argument = &argument;
   ChooseTypes(slot);

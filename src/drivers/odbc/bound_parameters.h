@@ -34,7 +34,7 @@ class BoundParameters {
  private:
   /// Where a value waits for the server, or comes back.
   struct Slot {
-    Argument* argument = nullptr;
+    SqlArgument* argument = nullptr;
     SQLSMALLINT c_type = SQL_C_WCHAR;
     SQLSMALLINT sql_type = SQL_WVARCHAR;
     SQLULEN size = 0;
@@ -43,7 +43,7 @@ class BoundParameters {
     SQLLEN length = SQL_NULL_DATA;
   };
 
-  void Add(Argument& argument);
+  void Add(SqlArgument& argument);
   static void ChooseTypes(Slot& slot);
 
   SQLHSTMT statement_;

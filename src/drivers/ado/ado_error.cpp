@@ -5,12 +5,10 @@
 
 #include "com_base/errors.h"
 #include "com_base/pointers.h"
+#include "drivers/common/server_batches.h"
 
 namespace tessarlorn::ado {
 namespace {
-
-/// Said behind the error that ended a statement; never the cause.
-constexpr LONG kStatementTerminated = 3621;
 
 /// A member of ADO that answers a text, which it lets go; "" when it fails.
 template <typename Object>

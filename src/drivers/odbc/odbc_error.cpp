@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "drivers/common/server_batches.h"
+
 namespace tessarlorn::odbc {
 namespace {
 

@@ -12,8 +12,6 @@ inline constexpr const char* kSource = "TessarLorn ODBC driver";
 
 /// A message or warning, not an error.
 bool IsInformation(const Diagnostic& record);
-/// Said behind the error that ended a statement; never the cause.
-inline constexpr std::int32_t kStatementTerminated = 3621;
 /// The connection is gone, or the server says that it ends it.
 bool IsConnectionLost(const Diagnostic& record);
 /// Whether batches on the connection still answer behind this error: the server's own, as opposed to a cancelled,

@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "drivers/common/server_batches.h"
 #include "drivers/odbc/bound_parameters.h"
 #include "drivers/odbc/odbc_error.h"
 #include "platform/unicode/utf16.h"

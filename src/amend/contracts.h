@@ -13,27 +13,27 @@ namespace amend {
 using enum ValueType;
 using enum Standing;
 
-inline constexpr std::array kOrderRemark = {
+inline constexpr Key kOrderRemark[] = {
     ConnectionKey("sDSN"),
     kOrdersKey,
     Given("FSellerMessage", kString, kQuoted, "The remark"),
     Optional("Mode", kLong, kNowhere, "0", "0 replaces the old remark, any other number adds the new one behind it"),
 };
 
-inline constexpr std::array kWishes = {
+inline constexpr Key kWishes[] = {
     ConnectionKey("sDSN"),
     kOrdersKey,
     Given("FDeliveryRemark", kString, kQuoted, "The wishes"),
 };
 
-inline constexpr std::array kDeliveryRemark = {
+inline constexpr Key kDeliveryRemark[] = {
     ConnectionKey("sDSN"),
     kOrdersKey,
     Given("FShippingRem", kString, kQuoted, "The remark"),
     Optional("Mode", kLong, kNowhere, "0", "1 adds the remark behind the old one, anything else replaces it"),
 };
 
-inline constexpr std::array kAddress = {
+inline constexpr Key kAddress[] = {
     ConnectionKey("sDSN"),
     Mandatory("FID", kLong, kBareNumber, "Order key"),
     Optional("FConsignee", kString, kQuoted, "", "Who receives the parcel"),
@@ -46,13 +46,13 @@ inline constexpr std::array kAddress = {
     Optional("FDeliveryAddress", kString, kQuoted, "", "Street and house"),
 };
 
-inline constexpr std::array kChangeStock = {
+inline constexpr Key kChangeStock[] = {
     ConnectionKey("sDSN"),
     kOrdersKey,
     Mandatory("FStockID", kLong, kBareNumber, "The new warehouse, its id"),
 };
 
-inline constexpr std::array kCostInvoice = {
+inline constexpr Key kCostInvoice[] = {
     ConnectionKey("sDSN"),
     kOrdersKey,
     Optional("FCostInvoiceInterID", kLong, kQuoted, "",

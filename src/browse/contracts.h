@@ -12,7 +12,7 @@ namespace browse {
 using enum ValueType;
 using enum Standing;
 
-inline constexpr std::array kListFilter = {
+inline constexpr Key kListFilter[] = {
     Optional("FOrderDateFrom", kDate, kQuoted, "", "Ordered at or after"),
     Optional("FOrderDateTo", kDate, kQuoted, "", "Ordered at or before"),
     Optional("FSitePayDateFrom", kDate, kQuoted, "", "Paid at or after"),
@@ -45,9 +45,9 @@ inline constexpr std::array kListFilter = {
     Optional("WebOrderMaxDisplayCount", kDouble, kNumber, "0", "Most rows; 0 = all"),
 };
 
-inline constexpr std::array kEntry = {Given("FID", kLong, kBareNumber, "Order key")};
+inline constexpr Key kEntry[] = {Given("FID", kLong, kBareNumber, "Order key")};
 
-inline constexpr std::array kBuyers = {
+inline constexpr Key kBuyers[] = {
     ConnectionKey("sDSN"),
     Optional("FID", kString, kKeyList, "", "Order keys (FID), separated by commas; an error without any"),
 };

@@ -13,28 +13,28 @@ namespace delivery {
 using enum ValueType;
 using enum Standing;
 
-inline constexpr std::array kStepBack = {
+inline constexpr Key kStepBack[] = {
     ConnectionKey("sDSN"),
     kOrdersKey,
     Optional("UpdateFlag", kBoolean, kNowhere, "False",
              "True = from delivered to 6, False = to 2, waiting for picking"),
 };
 
-inline constexpr std::array kModifyCost = {
+inline constexpr Key kModifyCost[] = {
     ConnectionKey("sDSN"),
     kOrdersKey,
     Optional("LogisticsCosts", kDouble, kNumber, "",
              "Logistics cost in the order's currency; an error when it is no number"),
 };
 
-inline constexpr std::array kNumberAndWeight = {
+inline constexpr Key kNumberAndWeight[] = {
     Optional("FLogisticsOrder", kString, kQuoted, "", "Logistics number"),
     Optional("FWeight", kString, kNumber, "0", "Weight in kg; the number with which the text begins"),
     Optional("FLogisticsCost", kString, kNumber, "0", "Logistics cost; the number with which the text begins"),
     Optional("FID", kLong, kBareNumber, "", "Order key"),
 };
 
-inline constexpr std::array kLogWeight = {
+inline constexpr Key kLogWeight[] = {
     Optional("FWeight", kDouble, kBareNumber, "", "Weight in kg"),
     Optional("FLogisticsCost", kDouble, kBareNumber, "", "Logistics cost in the order's currency"),
     Optional("FWeighttingMan", kLong, kBareNumber, "", "Id of the user who weighed"),
@@ -42,13 +42,13 @@ inline constexpr std::array kLogWeight = {
     Optional("FID", kLong, kBareNumber, "", "Order key"),
 };
 
-inline constexpr std::array kWeightStatus = {
+inline constexpr Key kWeightStatus[] = {
     kOrdersKey,
     Optional("UserID", kLong, kBareNumber, "", "Id of the user who weighed"),
     Given("AsyncCreate", kBoolean, kNowhere, "True queues the orders' stock bills as well"),
 };
 
-inline constexpr std::array kPrintCount = {
+inline constexpr Key kPrintCount[] = {
     ConnectionKey("sDSN"),
     kOrdersKey,
     Optional("PrintID", kLong, kNowhere, "",

@@ -25,8 +25,8 @@ inline constexpr Key kOrdersKey =
     Mandatory("FID", ValueType::kString, Standing::kKeyList, "Order keys (FID), separated by commas");
 inline constexpr Key kOrderKey = Mandatory("FID", ValueType::kLong, Standing::kBareNumber, "Order key");
 
-inline constexpr std::array kConnection = {ConnectionKey("sDSN")};
-inline constexpr std::array kOrders = {ConnectionKey("sDSN"), kOrdersKey};
-inline constexpr std::array kOrder = {ConnectionKey("sDSN"), kOrderKey};
+inline constexpr Key kConnection[] = {ConnectionKey("sDSN")};
+inline constexpr Key kOrders[] = {ConnectionKey("sDSN"), kOrdersKey};
+inline constexpr Key kOrder[] = {ConnectionKey("sDSN"), kOrderKey};
 
 }  // namespace tessarlorn

@@ -13,14 +13,14 @@ namespace picking {
 using enum ValueType;
 using enum Standing;
 
-inline constexpr std::array kConfirmBill = {
+inline constexpr Key kConfirmBill[] = {
     ConnectionKey("sDSN"),
     kOrdersKey,
     Optional("FPickManNumber", kString, kQuoted, "", "The picker's employee code"),
     Optional("FPickRem", kString, kQuoted, "", "Picking remark"),
 };
 
-inline constexpr std::array kPickingGoods = {
+inline constexpr Key kPickingGoods[] = {
     ConnectionKey("sProps"),
     Optional("FLogisticsOrder", kString, kQuoted, "",
              "The parcel's logistics number or, all in digits, the order's unique code"),
@@ -29,20 +29,20 @@ inline constexpr std::array kPickingGoods = {
     Optional("FPickingGoodsstatus", kLong, kNowhere, "", "With a small s: 1 stores the time of the check as well"),
 };
 
-inline constexpr std::array kPickingMark = {
+inline constexpr Key kPickingMark[] = {
     ConnectionKey("sDsn"),
     kOrdersKey,
     Optional("UserId", kLong, kBareNumber, "", "Id of the user who checked"),
 };
 
-inline constexpr std::array kBatch = {
+inline constexpr Key kBatch[] = {
     Optional("FBatchNo", kString, kStripped, "", "Batch number; single quotes are removed, here and below"),
     Optional("FStockID", kLong, kStripped, "", "Warehouse; an absent one is stored as none, like all of these"),
     Optional("SPID", kLong, kStripped, "", "Stock place"),
     Optional("FEntryID", kLong, kBareNumber, "0", "Line key"),
 };
 
-inline constexpr std::array kPrinted = {
+inline constexpr Key kPrinted[] = {
     Optional("FID", kLong, kBareNumber, "", "Order key; the first value counts, whatever its name")};
 
 }  // namespace picking

@@ -137,10 +137,12 @@ SqlParameter Text(const char* name, std::string_view value) { return {name, "nva
 
 void WriteSettings(Connection& connection) {
   for (const UserField& field : kUserFields) {
-    const std::string table(field.table);
-    const std::string name(field.name);
-    connection.Execute("IF COL_LENGTH('" + table + "','" + name + "') IS NULL ALTER TABLE " + table + " ADD " + name +
-                       " " + std::string(field.type) + " NULL");
+    const std::string_view table = field.table;
+    const std::string_view name = field.name;
+    std::string text = "IF COL_LENGTH('";
+    text.append(table).append("','").append(name).append("') IS NULL ALTER TABLE ").append(table);
+    text.append(" ADD ").append(name).append(" ").append(field.type).append(" NULL");
+    connection.Execute(text);
   }
   for (const Switch& item : kSwitches) {
     SqlParameter values[] = {Text("@category", item.category), Text("@key", item.key), Text("@value", item.value),

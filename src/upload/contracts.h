@@ -13,18 +13,18 @@ namespace upload {
 using enum ValueType;
 using enum Standing;
 
-inline constexpr std::array kUploadStatus = {
+inline constexpr Key kUploadStatus[] = {
     ConnectionKey("sDSN"),
     kOrdersKey,
     Optional("IsOfflineUpLoad", kLong, kNowhere, "0", "1 marks the orders as sent offline as well"),
 };
 
-inline constexpr std::array kFailure = {
+inline constexpr Key kFailure[] = {
     Optional("FailureFID", kLong, kBareNumber, "0", "Order key"),
     Optional("FailureInfo", kString, kStripped, "", "The web shop's reason; single quotes are removed"),
 };
 
-inline constexpr std::array kUploadFailure = {
+inline constexpr Key kUploadFailure[] = {
     ConnectionKey("sDSN"),
     Key{.name = "ErrInfo",
         .type = kVector,

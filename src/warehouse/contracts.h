@@ -13,10 +13,10 @@ namespace warehouse {
 using enum ValueType;
 using enum Standing;
 
-inline constexpr std::array kTplStock = {ConnectionKey("sDSN"),
-                                         Mandatory("FWebtplType", kLong, kBareNumber, "The provider, its type number")};
+inline constexpr Key kTplStock[] = {ConnectionKey("sDSN"),
+                                    Mandatory("FWebtplType", kLong, kBareNumber, "The provider, its type number")};
 
-inline constexpr std::array kWebToStorage = {
+inline constexpr Key kWebToStorage[] = {
     Optional("FStockID", kLong, kBareNumber, "", "The warehouse's stock, its id; an error without"),
 };
 

@@ -6,10 +6,10 @@
 #include <fstream>
 #include <strings.h>
 
-#include "platform/connection.h"
-#include "platform/error.h"
 #include "samples/seed.h"
 #include "schema/schema_files.h"
+#include "tessarlorn/connection.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::bench {
 namespace {

@@ -1,8 +1,8 @@
 // What the frame of an operation costs above its statement.
 #include "bench/databases.h"
 #include "bench/ratios.h"
-#include "frame/clsGetData.h"
-#include "platform/connection.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn::bench {
 namespace {

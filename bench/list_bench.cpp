@@ -2,7 +2,7 @@
 #include "bench/databases.h"
 #include "bench/order_list_sql.h"
 #include "bench/ratios.h"
-#include "frame/clsGetData.h"
+#include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn::bench {
 namespace {

@@ -6,9 +6,9 @@
 
 #include "bench/databases.h"
 #include "bench/ratios.h"
-#include "drivers/embedded/embedded_driver.h"
-#include "platform/error.h"
-#include "siblings/siblings.h"
+#include "tessarlorn/embedded_driver.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/siblings.h"
 
 namespace tessarlorn::bench {
 namespace {

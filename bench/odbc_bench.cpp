@@ -10,13 +10,13 @@
 #include <vector>
 
 #include "bench/databases.h"
-#include "drivers/odbc/odbc_driver.h"
-#include "frame/clsGetData.h"
-#include "platform/error.h"
-#include "platform/session.h"
 #include "platform/text.h"
 #include "platform/unicode/utf16.h"
 #include "support/served_database.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/odbc_driver.h"
+#include "tessarlorn/session.h"
 
 namespace tessarlorn::bench {
 namespace {

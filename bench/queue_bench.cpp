@@ -1,7 +1,7 @@
 // UpdateDeliveryData against the same upserts prepared in SQLite; Delivery with short and long key lists.
 #include "bench/databases.h"
 #include "bench/ratios.h"
-#include "frame/clsSaveData.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn::bench {
 namespace {

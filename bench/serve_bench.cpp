@@ -17,8 +17,8 @@
 #include "bench/replay_server.h"
 #include "hosts/tds/server.h"
 #include "hosts/tds/users.h"
-#include "platform/connection.h"
-#include "platform/error.h"
+#include "tessarlorn/connection.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::bench {
 namespace {

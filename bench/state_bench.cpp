@@ -4,7 +4,7 @@
 
 #include "bench/databases.h"
 #include "bench/ratios.h"
-#include "frame/clsSaveData.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn::bench {
 namespace {

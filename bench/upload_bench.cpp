@@ -3,8 +3,8 @@
 
 #include "bench/databases.h"
 #include "bench/ratios.h"
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn::bench {
 namespace {

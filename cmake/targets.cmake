@@ -59,8 +59,8 @@ function(tessarlorn_library name)
   target_compile_features(tessarlorn_${name} PUBLIC cxx_std_20)
   target_include_directories(
     tessarlorn_${name}
-    PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src> $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/generated>
-           $<INSTALL_INTERFACE:include/tessarlorn>)
+    PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>
+           $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/generated> $<INSTALL_INTERFACE:include>)
   tessarlorn_warnings(tessarlorn_${name})
   # Each of the libraries for Windows is a build of its own; this takes a third off it.
   if(WIN32)

@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "com_base/pointers.h"
-#include "drivers/embedded/embedded_driver.h"
-#include "frame/clsGetData.h"
-#include "platform/collections.h"
-#include "platform/error.h"
-#include "platform/recordset.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/collections.h"
+#include "tessarlorn/embedded_driver.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/recordset.h"
 
 namespace tessarlorn::bench {
 namespace {

@@ -1,10 +1,10 @@
 // Lists the orders of an embedded database that wait for picking: the component as a C++ library.
 #include <iostream>
 
-#include "drivers/embedded/embedded_driver.h"
-#include "frame/clsGetData.h"
-#include "platform/error.h"
-#include "siblings/siblings.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/embedded_driver.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/siblings.h"
 
 int main(int argc, char** argv) try {
   tessarlorn::RegisterEmbeddedDriver();

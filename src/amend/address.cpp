@@ -1,8 +1,8 @@
 // A new consignee or address, which makes the waybill void.
 #include "amend/contracts.h"
-#include "frame/clsSaveData.h"
 #include "frame/order_call.h"
 #include "frame/text_builder.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 

@@ -1,10 +1,10 @@
 // The contracts of the operations of amend/.
 #pragma once
 
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
-#include "frame/contract.h"
 #include "frame/keys.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/clsSaveData.h"
+#include "tessarlorn/contract.h"
 
 namespace tessarlorn {
 

@@ -1,9 +1,9 @@
 // Which cost invoice covers an order, and the price differences that are settled with it.
 #include "amend/contracts.h"
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
 #include "frame/order_call.h"
 #include "frame/text_builder.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 

@@ -1,9 +1,9 @@
 // Whether orders have a sales invoice or an internal one, and whether billing is marked.
 #include "amend/contracts.h"
-#include "frame/clsGetData.h"
 #include "frame/order_call.h"
 #include "frame/results.h"
 #include "frame/text_builder.h"
+#include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn {
 

@@ -1,9 +1,9 @@
 // The three remarks that an order carries: the seller's, the buyer's wishes for the delivery, the shipper's.
 #include "amend/contracts.h"
-#include "frame/clsSaveData.h"
 #include "frame/key_list.h"
 #include "frame/order_call.h"
 #include "frame/text_builder.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 

@@ -1,7 +1,5 @@
 // The warehouse from which order lines are delivered.
 #include "amend/contracts.h"
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
 #include "frame/formats.h"
 #include "frame/identity.h"
 #include "frame/key_list.h"
@@ -9,6 +7,8 @@
 #include "frame/results.h"
 #include "frame/text_builder.h"
 #include "platform/clock.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "automation/operations.h"
-#include "platform/error.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/operations.h"
 
 namespace tessarlorn {
 

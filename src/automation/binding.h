@@ -8,8 +8,8 @@
 #include <type_traits>
 #include <utility>
 
-#include "automation/operations.h"
-#include "platform/error.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/operations.h"
 
 namespace tessarlorn {
 

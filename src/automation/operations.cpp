@@ -1,11 +1,11 @@
-#include "automation/operations.h"
+#include "tessarlorn/operations.h"
 
 #include <vector>
 
 #include "automation/arguments.h"
 #include "automation/binding.h"
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

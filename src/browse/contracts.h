@@ -1,9 +1,9 @@
 // The contracts of the operations of browse/.
 #pragma once
 
-#include "frame/clsGetData.h"
-#include "frame/contract.h"
 #include "frame/keys.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/contract.h"
 
 namespace tessarlorn {
 

@@ -2,12 +2,12 @@
 #include <algorithm>
 
 #include "browse/contracts.h"
-#include "frame/clsGetData.h"
 #include "frame/identity.h"
 #include "frame/order_call.h"
 #include "frame/text_builder.h"
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

@@ -1,9 +1,10 @@
 // The lines of one order, as the line grid and the print templates show them.
 #include "browse/contracts.h"
 #include "browse/user_fields.h"
-#include "frame/clsGetData.h"
+#include "frame/call_frame.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
+#include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn {
 namespace {

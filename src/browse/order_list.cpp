@@ -3,11 +3,12 @@
 #include "browse/order_list_filter.h"
 #include "browse/order_list_text.h"
 #include "browse/user_fields.h"
-#include "frame/clsGetData.h"
+#include "frame/call_frame.h"
 #include "frame/identity.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
 #include "platform/text.h"
+#include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn {
 namespace {

@@ -1,9 +1,9 @@
 // Web shops, the buyers' contact data, the titles of order states, and SQL of the client's own.
 #include "browse/contracts.h"
-#include "frame/clsGetData.h"
 #include "frame/identity.h"
 #include "frame/order_call.h"
 #include "frame/text_builder.h"
+#include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn {
 

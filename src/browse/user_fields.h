@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn {
 

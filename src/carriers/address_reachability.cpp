@@ -5,13 +5,13 @@
 #include <vector>
 
 #include "carriers/contracts.h"
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
 #include "frame/key_list.h"
 #include "frame/order_call.h"
 #include "frame/results.h"
 #include "frame/text_builder.h"
 #include "frame/update_or_insert.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "com_base/windows_headers.h"
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::com {
 

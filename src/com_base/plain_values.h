@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "com_base/windows_headers.h"
-#include "platform/variant.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn::com {
 

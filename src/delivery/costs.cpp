@@ -1,12 +1,12 @@
 // Logistics numbers and logistics costs.
 #include "delivery/contracts.h"
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
 #include "frame/formats.h"
 #include "frame/key_list.h"
 #include "frame/order_call.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 

@@ -3,10 +3,10 @@
 #include <array>
 
 #include "delivery/contracts.h"
-#include "frame/clsGetData.h"
 #include "frame/identity.h"
 #include "frame/order_call.h"
 #include "frame/text_builder.h"
+#include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn {
 namespace {

@@ -1,12 +1,12 @@
 // Delivered, and back again: the last steps of an order.
 #include "delivery/contracts.h"
 #include "delivery/stock_bill_queue.h"
-#include "frame/clsSaveData.h"
 #include "frame/identity.h"
 #include "frame/key_list.h"
 #include "frame/order_call.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 

@@ -1,13 +1,13 @@
 // Weighing: storing weights, computing them from the order's lines, and the switch.
 #include "delivery/contracts.h"
 #include "delivery/stock_bill_queue.h"
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
 #include "frame/order_call.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/clsSaveData.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

@@ -3,7 +3,7 @@
 #include <new>
 #include <string>
 
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 

@@ -7,10 +7,10 @@
 #include <string_view>
 #include <type_traits>
 
-#include "frame/contract.h"
 #include "frame/text_builder.h"
-#include "platform/error.h"
-#include "platform/session.h"
+#include "tessarlorn/contract.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/session.h"
 
 namespace tessarlorn {
 

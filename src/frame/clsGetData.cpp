@@ -1,5 +1,6 @@
-#include "frame/clsGetData.h"
+#include "tessarlorn/clsGetData.h"
 
+#include "frame/call_frame.h"
 #include "frame/switches.h"
 
 namespace tessarlorn {
@@ -11,5 +12,7 @@ clsGetData::clsGetData() : session_(SessionFactory::ForThisThread().NewSession()
 bool clsGetData::ReadSwitch(const Contract& contract, std::string_view dsn, std::string_view key) {
   return CallForTexts(State(), contract, {dsn}, [&](Connection& connection) { return IsSwitchOn(connection, key); });
 }
+
+InstanceState clsGetData::State() noexcept { return {context_, session_}; }
 
 }  // namespace tessarlorn

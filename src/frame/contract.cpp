@@ -1,4 +1,4 @@
-#include "frame/contract.h"
+#include "tessarlorn/contract.h"
 
 namespace tessarlorn {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/variant.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn {
 

@@ -4,9 +4,9 @@
 #include <array>
 
 #include "platform/client_address.h"
-#include "platform/error.h"
-#include "platform/object_service.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/object_service.h"
 
 namespace tessarlorn {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/session.h"
-#include "platform/variant.h"
+#include "tessarlorn/session.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn {
 

@@ -1,7 +1,7 @@
 #include "frame/key_list.h"
 
 #include "platform/text.h"
-#include "platform/variant.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "frame/text_builder.h"
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn {
 

@@ -1,7 +1,7 @@
 // The keys that many operations share.
 #pragma once
 
-#include "frame/contract.h"
+#include "tessarlorn/contract.h"
 
 namespace tessarlorn {
 

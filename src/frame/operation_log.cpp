@@ -1,9 +1,9 @@
 // The three log operations of clsSaveData, which hand the writing to the web-order component.
 #include <array>
 
-#include "frame/clsSaveData.h"
 #include "frame/identity.h"
 #include "platform/clock.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {

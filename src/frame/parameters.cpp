@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 

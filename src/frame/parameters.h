@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "frame/contract.h"
-#include "platform/collections.h"
+#include "tessarlorn/collections.h"
+#include "tessarlorn/contract.h"
 
 namespace tessarlorn {
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/collections.h"
-#include "platform/connection.h"
-#include "platform/recordset.h"
+#include "tessarlorn/collections.h"
+#include "tessarlorn/connection.h"
+#include "tessarlorn/recordset.h"
 
 namespace tessarlorn {
 

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn {
 

@@ -4,8 +4,8 @@
 #include <charconv>
 #include <utility>
 
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

@@ -1,10 +1,10 @@
 // Confirming the picker, and the picking check of orders.
-#include "frame/clsSaveData.h"
 #include "frame/order_call.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
 #include "picking/contracts.h"
 #include "platform/clock.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 

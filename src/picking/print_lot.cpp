@@ -1,10 +1,11 @@
 // Print lots: a number for each run of prints, and the place of each order in its run.
 #include "picking/print_lot.h"
 
-#include "frame/clsSaveData.h"
+#include "frame/call_frame.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
 #include "picking/contracts.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn {
 

@@ -1,6 +1,7 @@
 // How picking is configured.
-#include "frame/clsGetData.h"
+#include "frame/call_frame.h"
 #include "picking/contracts.h"
+#include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn {
 

@@ -1,11 +1,11 @@
 // Batch numbers, warehouses and stock places of order lines, which their stock bills need.
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
 #include "frame/order_call.h"
 #include "frame/results.h"
 #include "frame/text_builder.h"
 #include "picking/contracts.h"
 #include "platform/text.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 

@@ -1,10 +1,10 @@
 // The printed index of unique codes.
-#include "frame/clsSaveData.h"
 #include "frame/key_list.h"
 #include "frame/order_call.h"
 #include "frame/text_builder.h"
 #include "frame/text_width.h"
 #include "picking/contracts.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/session.h"
+#include "tessarlorn/session.h"
 
 namespace tessarlorn {
 namespace {

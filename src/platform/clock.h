@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "platform/date_time.h"
+#include "tessarlorn/date_time.h"
 
 namespace tessarlorn {
 

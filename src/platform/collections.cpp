@@ -1,8 +1,8 @@
-#include "platform/collections.h"
+#include "tessarlorn/collections.h"
 
 #include <algorithm>
 
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

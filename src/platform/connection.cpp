@@ -1,4 +1,4 @@
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 #include <algorithm>
 #include <map>
@@ -6,8 +6,8 @@
 #include <thread>
 #include <utility>
 
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

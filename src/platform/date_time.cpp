@@ -1,4 +1,4 @@
-#include "platform/date_time.h"
+#include "tessarlorn/date_time.h"
 
 #include <array>
 #include <chrono>

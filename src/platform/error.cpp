@@ -1,4 +1,4 @@
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 #include <algorithm>
 #include <array>

@@ -1,11 +1,11 @@
-#include "platform/object_service.h"
+#include "tessarlorn/object_service.h"
 
 #include <map>
 #include <mutex>
 #include <utility>
 
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

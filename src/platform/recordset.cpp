@@ -1,11 +1,11 @@
-#include "platform/recordset.h"
+#include "tessarlorn/recordset.h"
 
 #include <algorithm>
 #include <cstring>
 #include <numeric>
 
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/session.h"
+#include "tessarlorn/session.h"
 
 #include <algorithm>
 #include <exception>
@@ -9,7 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/error.h"
+#include "platform/session_string.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

@@ -5,8 +5,8 @@
 #include <set>
 #include <variant>
 
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

@@ -1,11 +1,11 @@
-#include "platform/sql_command.h"
+#include "tessarlorn/sql_command.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/variant.h"
+#include "tessarlorn/variant.h"
 
 #include <array>
 #include <charconv>
@@ -7,11 +7,11 @@
 #include <optional>
 #include <type_traits>
 
-#include "platform/collections.h"
-#include "platform/error.h"
-#include "platform/object_service.h"
-#include "platform/recordset.h"
 #include "platform/text.h"
+#include "tessarlorn/collections.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/object_service.h"
+#include "tessarlorn/recordset.h"
 
 namespace tessarlorn {
 namespace {

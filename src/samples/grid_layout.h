@@ -1,7 +1,7 @@
 // The layout of the sample installation's order grid.
 #pragma once
 
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn::cli {
 

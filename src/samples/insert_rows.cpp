@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/decimal.h"
+#include "tessarlorn/decimal.h"
 
 namespace tessarlorn::cli {
 namespace {

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/connection.h"
-#include "platform/date_time.h"
+#include "tessarlorn/connection.h"
+#include "tessarlorn/date_time.h"
 
 namespace tessarlorn::cli {
 

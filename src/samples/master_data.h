@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn::cli {
 

@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/date_time.h"
 #include "samples/master_data.h"
 #include "samples/random.h"
 #include "samples/scenarios.h"
+#include "tessarlorn/date_time.h"
 
 namespace tessarlorn::cli {
 

@@ -1,7 +1,7 @@
 // What other modules and programs made of the sample orders.
 #pragma once
 
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn::cli {
 

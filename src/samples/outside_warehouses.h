@@ -1,7 +1,7 @@
 // The sample's warehouses of outside providers, and what was submitted to them.
 #pragma once
 
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn::cli {
 

@@ -1,11 +1,11 @@
 #include "samples/seed.h"
 
-#include "platform/error.h"
 #include "samples/master_data.h"
 #include "samples/order_maker.h"
 #include "samples/order_records.h"
 #include "samples/order_writer.h"
 #include "samples/settings.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::cli {
 namespace {

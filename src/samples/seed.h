@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn::cli {
 

@@ -1,7 +1,7 @@
 // Settings of the sample installation: switches, limits, assistant data, the grid's layout, user-defined columns.
 #pragma once
 
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn::cli {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn {
 

@@ -1,6 +1,6 @@
 #include "siblings/arguments.h"
 
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 

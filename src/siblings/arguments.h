@@ -5,7 +5,7 @@
 #include <span>
 #include <string_view>
 
-#include "platform/variant.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn {
 

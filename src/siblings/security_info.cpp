@@ -1,9 +1,9 @@
 #include "siblings/security_info.h"
 
-#include "platform/error.h"
 #include "platform/session_string.h"
 #include "platform/text.h"
 #include "siblings/arguments.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 

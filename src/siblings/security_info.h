@@ -1,7 +1,7 @@
 // The default security component: who is acting.
 #pragma once
 
-#include "platform/object_service.h"
+#include "tessarlorn/object_service.h"
 
 namespace tessarlorn {
 

@@ -1,8 +1,8 @@
-#include "siblings/siblings.h"
+#include "tessarlorn/siblings.h"
 
-#include "platform/object_service.h"
 #include "siblings/security_info.h"
 #include "siblings/web_order_log.h"
+#include "tessarlorn/object_service.h"
 
 namespace tessarlorn {
 

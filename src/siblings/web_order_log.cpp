@@ -4,11 +4,11 @@
 #include <utility>
 #include <vector>
 
-#include "platform/collections.h"
-#include "platform/error.h"
-#include "platform/session.h"
 #include "platform/text.h"
 #include "siblings/arguments.h"
+#include "tessarlorn/collections.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/session.h"
 
 namespace tessarlorn {
 namespace {

@@ -1,11 +1,11 @@
 // Recording what became of the upload of delivery states to the web shops.
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
 #include "frame/order_call.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/clsSaveData.h"
+#include "tessarlorn/error.h"
 #include "upload/contracts.h"
 
 namespace tessarlorn {

@@ -1,7 +1,8 @@
 // The data of reports to the web shops: as items for a list of orders, or as rows of work tables, page by page.
-#include "frame/clsGetData.h"
+#include "frame/call_frame.h"
 #include "frame/key_list.h"
 #include "frame/text_builder.h"
+#include "tessarlorn/clsGetData.h"
 #include "upload/contracts.h"
 #include "upload/upload_items.h"
 

@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <unordered_map>
 
-#include "platform/collections.h"
-#include "platform/error.h"
-#include "platform/recordset.h"
+#include "tessarlorn/collections.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/recordset.h"
 
 namespace tessarlorn {
 namespace {

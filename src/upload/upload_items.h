@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/connection.h"
-#include "platform/variant.h"
+#include "tessarlorn/connection.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn {
 

@@ -1,8 +1,9 @@
 // What an upload asks before it begins: whether one runs already, and what shops and child orders it is about.
-#include "frame/clsGetData.h"
+#include "frame/call_frame.h"
 #include "frame/identity.h"
 #include "frame/results.h"
 #include "frame/text_builder.h"
+#include "tessarlorn/clsGetData.h"
 #include "upload/contracts.h"
 
 namespace tessarlorn {

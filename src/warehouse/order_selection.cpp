@@ -1,8 +1,8 @@
 // Which of the caller's orders go to an outside warehouse, are there already, or can be taken back from it.
-#include "frame/clsGetData.h"
 #include "frame/order_call.h"
 #include "frame/results.h"
 #include "frame/text_builder.h"
+#include "tessarlorn/clsGetData.h"
 #include "warehouse/contracts.h"
 
 namespace tessarlorn {

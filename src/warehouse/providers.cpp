@@ -1,8 +1,8 @@
 // The outside warehouses that are configured, and the warehouses of ours that they stand for.
-#include "frame/clsGetData.h"
 #include "frame/order_call.h"
 #include "frame/results.h"
 #include "frame/text_builder.h"
+#include "tessarlorn/clsGetData.h"
 #include "warehouse/contracts.h"
 
 namespace tessarlorn {

@@ -1,10 +1,10 @@
 // Handing documents to outside warehouses: tasks for the service that synchronises with them.
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
 #include "frame/key_list.h"
 #include "frame/order_call.h"
 #include "frame/text_builder.h"
 #include "frame/update_or_insert.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/clsSaveData.h"
 #include "warehouse/contracts.h"
 
 namespace tessarlorn {

@@ -1,8 +1,8 @@
 // What Escape=Yes keeps whole: one text with a quote goes through every text of every operation, passed and stored.
 #include <map>
 
-#include "automation/operations.h"
 #include "support/sample_test.h"
+#include "tessarlorn/operations.h"
 
 namespace tessarlorn {
 namespace {

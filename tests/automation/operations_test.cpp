@@ -1,4 +1,4 @@
-#include "automation/operations.h"
+#include "tessarlorn/operations.h"
 
 #include <fstream>
 #include <gmock/gmock.h>
@@ -13,7 +13,7 @@ namespace {
 
 /// The public functions that a service class declares: the names before the parentheses of its member declarations.
 std::set<std::string> DeclaredOperations(const std::string& class_name) {
-  std::ifstream file(std::string(TESSARLORN_SOURCE_ROOT) + "/src/frame/" + class_name + ".h");
+  std::ifstream file(std::string(TESSARLORN_SOURCE_ROOT) + "/include/tessarlorn/" + class_name + ".h");
   std::set<std::string> names;
   for (std::string line; std::getline(file, line) && line != " private:";) {
     const std::size_t open = line.find('(');

@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "automation/operations.h"
 #include "platform/text.h"
 #include "support/recording_driver.h"
+#include "tessarlorn/operations.h"
 
 namespace tessarlorn {
 namespace {

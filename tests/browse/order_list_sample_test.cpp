@@ -2,9 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "frame/clsGetData.h"
-#include "platform/error.h"
 #include "support/sample_database.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

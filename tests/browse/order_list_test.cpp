@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "frame/clsGetData.h"
 #include "platform/text.h"
 #include "support/recording_driver.h"
+#include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn {
 namespace {

@@ -4,10 +4,10 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include "automation/operations.h"
-#include "platform/version.h"
 #include "support/shell.h"
 #include "support/temporary_folder.h"
+#include "tessarlorn/operations.h"
+#include "tessarlorn/version.h"
 
 namespace tessarlorn::cli {
 namespace {

@@ -5,8 +5,8 @@
 
 #include "hosts/cli/console/display_width.h"
 #include "hosts/cli/console/usage_error.h"
-#include "platform/collections.h"
-#include "platform/recordset.h"
+#include "tessarlorn/collections.h"
+#include "tessarlorn/recordset.h"
 
 namespace tessarlorn::cli {
 namespace {

@@ -2,9 +2,9 @@
 
 #include <set>
 
-#include "platform/error.h"
 #include "support/error_of.h"
 #include "support/sample_test.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::cli {
 namespace {

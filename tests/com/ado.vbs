@@ -1,5 +1,6 @@
 ' A database behind Wine's own ADO. It runs what changes orders; its recordsets have no rows and cannot be let go of
-' their connection, its errors have no text. What it did is asked for over ODBC.
+' their connection, its errors have no text, and its commands take no parameters, so that nothing can be logged. What it
+' did is asked for over ODBC.
 Option Explicit
 Dim session, reads, saves, chinese, order
 session = "Connect={" & WScript.Arguments(0) & "};User=16394;Client=10.0.0.5"
@@ -28,14 +29,14 @@ End Sub
 
 order = CStr(Ask("select min(FID) from IC_Web2ERPOrders where FOrderStatus = 6 and FID not in (select FID from IC_StockBillOrdersStatus)"))
 chinese = Ask("select nchar(25918) + nchar(22312) + nchar(38376)")
-WScript.Echo saves.DeRemark(Keys("FDeliveryRemark", chinese)) '= -1
-WScript.Echo Ask("select FDeliveryRemark from IC_Web2ERPOrders where FID = " & order) = chinese '= -1
 WScript.Echo saves.Delivery(Keys("sDsn", session)) '= -1
 WScript.Echo Ask("select FOrderStatus from IC_Web2ERPOrders where FID = " & order) '= 14
-reads.ExecuteSQL session, "insert into t_SystemProfile (FCategory, FKey, FValue) values ('EC', 'Tried', '1')"
-WScript.Echo Ask("select count(*) from t_SystemProfile where FKey = 'Tried'") '= 1
+reads.ExecuteSQL session, "insert into t_SystemProfile (FCategory, FKey, FValue) values ('EC', 'Tried', N'" & chinese & "')"
+WScript.Echo Ask("select FValue from t_SystemProfile where FKey = 'Tried'") = chinese '= -1
 
 On Error Resume Next
+saves.DeRemark Keys("FDeliveryRemark", chinese)
+Failure '= 80004001 OrderRemark ADO: Command.CommandTimeout failed: Not implemented.
 saves.UpdateAddressReachableState session, "first", 1
 Failure '= 80004005 TessarLornPickingAndDelivery.clsSaveData.UpdateAddressReachableState ADO: Connection.Execute failed: Call failed.
 reads.ExecuteSQL session, "selec 1"

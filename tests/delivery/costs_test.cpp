@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
 #include "support/recording_driver.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {

@@ -14,8 +14,8 @@
 #include "com_base/pointers.h"
 #include "drivers/ado/ado_interfaces.h"
 #include "hosts/objects/field_traits.h"
-#include "platform/connection.h"
 #include "platform/text.h"
+#include "tessarlorn/connection.h"
 
 // A member that nobody needs.
 #define NOT_HERE(name, ...) \

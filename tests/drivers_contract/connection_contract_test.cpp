@@ -4,11 +4,11 @@
 #include <gmock/gmock.h>
 #include <thread>
 
-#include "platform/connection.h"
 #include "platform/text.h"
 #include "support/error_of.h"
 #include "support/test_database.h"
 #include "support/wait_until.h"
+#include "tessarlorn/connection.h"
 #include "tsql/database_support.h"
 
 namespace tessarlorn {

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "drivers/odbc/odbc_link.h"
-#include "platform/error.h"
 #include "support/error_of.h"
 #include "support/served_database.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::odbc {
 namespace {

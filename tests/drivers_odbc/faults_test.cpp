@@ -11,16 +11,16 @@
 #include <sys/wait.h>
 #include <thread>
 
-#include "drivers/odbc/odbc_driver.h"
-#include "frame/clsSaveData.h"
-#include "platform/session.h"
 #include "platform/text.h"
-#include "siblings/siblings.h"
 #include "support/batches.h"
 #include "support/error_of.h"
 #include "support/full_disk.h"
 #include "support/recording_driver.h"
 #include "support/served_database.h"
+#include "tessarlorn/clsSaveData.h"
+#include "tessarlorn/odbc_driver.h"
+#include "tessarlorn/session.h"
+#include "tessarlorn/siblings.h"
 #include "tsql/database_support.h"
 
 namespace tessarlorn {

@@ -1,14 +1,14 @@
 // The driver on a served database, beside what all drivers do alike: logins, time-outs, cleaning, lost connections.
-#include "drivers/odbc/odbc_driver.h"
+#include "tessarlorn/odbc_driver.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <thread>
 
-#include "platform/session.h"
 #include "platform/unicode/utf16.h"
 #include "support/error_of.h"
 #include "support/served_database.h"
+#include "tessarlorn/session.h"
 #include "tsql/database_support.h"
 
 namespace tessarlorn {

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "frame/clsSaveData.h"
 #include "support/recording_driver.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {

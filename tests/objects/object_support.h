@@ -10,8 +10,8 @@
 
 #include "hosts/objects/array.h"
 #include "hosts/objects/automation_object.h"
-#include "platform/recordset.h"
 #include "support/error_of.h"
+#include "tessarlorn/recordset.h"
 
 namespace tessarlorn {
 

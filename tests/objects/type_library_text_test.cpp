@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "automation/operations.h"
 #include "platform/text.h"
+#include "tessarlorn/operations.h"
 
 namespace tessarlorn {
 namespace {

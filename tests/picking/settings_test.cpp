@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
-#include "frame/clsGetData.h"
 #include "support/recording_driver.h"
+#include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn {
 namespace {

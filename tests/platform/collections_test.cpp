@@ -1,4 +1,4 @@
-#include "platform/collections.h"
+#include "tessarlorn/collections.h"
 
 #include <gtest/gtest.h>
 #include <string>

@@ -1,4 +1,4 @@
-#include "platform/decimal.h"
+#include "tessarlorn/decimal.h"
 
 #include <gtest/gtest.h>
 #include <limits>

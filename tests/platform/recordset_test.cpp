@@ -1,4 +1,4 @@
-#include "platform/recordset.h"
+#include "tessarlorn/recordset.h"
 
 #include <gtest/gtest.h>
 #include <limits>

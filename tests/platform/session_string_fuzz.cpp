@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/error.h"
 #include "platform/session_string.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace {
 

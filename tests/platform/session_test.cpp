@@ -1,4 +1,4 @@
-#include "platform/session.h"
+#include "tessarlorn/session.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "platform/client_address.h"
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

@@ -1,9 +1,9 @@
-#include "platform/variant.h"
+#include "tessarlorn/variant.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/collections.h"
-#include "platform/error.h"
+#include "tessarlorn/collections.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

@@ -1,11 +1,11 @@
-#include "siblings/siblings.h"
+#include "tessarlorn/siblings.h"
 
 #include <gmock/gmock.h>
 
-#include "frame/clsSaveData.h"
 #include "frame/identity.h"
 #include "support/batches.h"
 #include "support/recording_driver.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {

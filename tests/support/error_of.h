@@ -1,7 +1,7 @@
 // The error that an action raises, for a test that looks at more of it than its type.
 #pragma once
 
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 

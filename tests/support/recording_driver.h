@@ -10,11 +10,11 @@
 
 #include "platform/client_address.h"
 #include "platform/clock.h"
-#include "platform/collections.h"
-#include "platform/error.h"
-#include "platform/object_service.h"
-#include "platform/session.h"
 #include "support/error_of.h"
+#include "tessarlorn/collections.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/object_service.h"
+#include "tessarlorn/session.h"
 
 namespace tessarlorn {
 

@@ -5,11 +5,11 @@
 #include <memory>
 #include <string>
 
-#include "platform/connection.h"
 #include "samples/seed.h"
 #include "schema/schema_files.h"
-#include "siblings/siblings.h"
 #include "support/test_database.h"
+#include "tessarlorn/connection.h"
+#include "tessarlorn/siblings.h"
 
 namespace tessarlorn {
 

@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
 #include "platform/clock.h"
 #include "support/sample_database.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 

@@ -14,13 +14,13 @@
 #include <unistd.h>
 #include <vector>
 
-#include "drivers/embedded/embedded_driver.h"
 #include "hosts/tds/server.h"
 #include "samples/seed.h"
 #include "schema/schema_files.h"
 #include "support/shell.h"
 #include "support/temporary_folder.h"
 #include "support/wait_until.h"
+#include "tessarlorn/embedded_driver.h"
 
 namespace tessarlorn {
 

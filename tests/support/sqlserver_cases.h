@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/decimal.h"
 #include "support/error_of.h"
+#include "tessarlorn/decimal.h"
 #include "tsql/database_support.h"
 
 namespace tessarlorn {

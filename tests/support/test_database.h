@@ -9,20 +9,20 @@
 #include <string>
 #include <string_view>
 
-#include "drivers/embedded/embedded_driver.h"
-#include "platform/connection.h"
-#include "platform/error.h"
 #include "platform/session_string.h"
 #include "platform/text.h"
+#include "tessarlorn/connection.h"
+#include "tessarlorn/embedded_driver.h"
+#include "tessarlorn/error.h"
 #ifdef TESSARLORN_HAS_ODBC
-#include "drivers/odbc/odbc_driver.h"
+#include "tessarlorn/odbc_driver.h"
 #endif
 #ifdef TESSARLORN_HAS_SERVER
 #include "support/served_database.h"
 #endif
 #ifdef TESSARLORN_HAS_ADO
-#include "drivers/ado/ado_driver.h"
 #include "drivers_ado/ado_stand_in.h"
+#include "tessarlorn/ado_driver.h"
 #endif
 
 namespace tessarlorn {

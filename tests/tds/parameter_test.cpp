@@ -5,10 +5,10 @@
 
 #include "hosts/tds/messages/login.h"
 #include "hosts/tds/messages/type_codes.h"
-#include "platform/connection.h"
-#include "platform/error.h"
 #include "platform/text.h"
 #include "support/sample_database.h"
+#include "tessarlorn/connection.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {
 namespace {

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/error.h"
 #include "tds/tds_support.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {
 namespace {

@@ -9,12 +9,12 @@
 #include <unistd.h>
 #include <vector>
 
-#include "drivers/embedded/embedded_driver.h"
 #include "hosts/tds/client_session.h"
 #include "hosts/tds/transport/socket.h"
 #include "support/temporary_folder.h"
 #include "tds/certificate.h"
 #include "tds/tds_support.h"
+#include "tessarlorn/embedded_driver.h"
 
 namespace {
 

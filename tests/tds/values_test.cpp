@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "hosts/tds/messages/login.h"
-#include "platform/error.h"
 #include "platform/text.h"
 #include "support/sample_database.h"
 #include "tds/tds_support.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {
 namespace {

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <unistd.h>
 
-#include "drivers/embedded/embedded_driver.h"
-#include "platform/error.h"
+#include "tessarlorn/embedded_driver.h"
+#include "tessarlorn/error.h"
 
 namespace {
 

@@ -4,10 +4,10 @@
 #include <string>
 #include <string_view>
 
-#include "drivers/embedded/embedded_driver.h"
-#include "platform/connection.h"
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/connection.h"
+#include "tessarlorn/embedded_driver.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 

@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "automation/operations.h"
 #include "support/recording_driver.h"
 #include "support/sample_test.h"
+#include "tessarlorn/operations.h"
 
 namespace tessarlorn {
 namespace {

@@ -8,7 +8,7 @@
 #include "drivers/ado/ado_error.h"
 #include "drivers/ado/ado_interfaces.h"
 #include "drivers/common/execute_sql.h"
-#include "platform/sql_command.h"
+#include "tessarlorn/sql_command.h"
 
 namespace tessarlorn::ado {
 

@@ -8,7 +8,7 @@
 #include "drivers/ado/ado_error.h"
 #include "drivers/ado/ado_interfaces.h"
 #include "drivers/ado/connection_options.h"
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn::ado {
 

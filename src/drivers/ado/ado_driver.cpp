@@ -1,4 +1,4 @@
-#include "drivers/ado/ado_driver.h"
+#include "tessarlorn/ado_driver.h"
 
 #include <memory>
 #include <string>

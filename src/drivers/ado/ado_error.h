@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "drivers/ado/ado_interfaces.h"
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::ado {
 

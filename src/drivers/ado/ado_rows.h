@@ -8,7 +8,7 @@
 #include "com_base/apartment.h"
 #include "com_base/pointers.h"
 #include "drivers/ado/ado_interfaces.h"
-#include "platform/recordset.h"
+#include "tessarlorn/recordset.h"
 
 namespace tessarlorn::ado {
 

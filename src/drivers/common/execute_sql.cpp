@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

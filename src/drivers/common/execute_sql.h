@@ -3,9 +3,9 @@
 
 #include <vector>
 
-#include "platform/recordset.h"
-#include "platform/sql_command.h"
-#include "platform/variant.h"
+#include "tessarlorn/recordset.h"
+#include "tessarlorn/sql_command.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn {
 

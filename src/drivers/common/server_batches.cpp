@@ -4,8 +4,8 @@
 #include <string>
 #include <system_error>
 
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn {
 

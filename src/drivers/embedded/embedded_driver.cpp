@@ -1,4 +1,4 @@
-#include "drivers/embedded/embedded_driver.h"
+#include "tessarlorn/embedded_driver.h"
 
 #include <chrono>
 

@@ -4,8 +4,8 @@
 #include <cstring>
 
 #include "drivers/odbc/odbc_error.h"
-#include "platform/error.h"
 #include "platform/unicode/utf16.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::odbc {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "drivers/common/execute_sql.h"
 #include "drivers/odbc/odbc_handle.h"
-#include "platform/sql_command.h"
+#include "tessarlorn/sql_command.h"
 
 namespace tessarlorn::odbc {
 

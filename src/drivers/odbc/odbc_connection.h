@@ -9,9 +9,9 @@
 #include "drivers/odbc/batch_effects.h"
 #include "drivers/odbc/cancel_watch.h"
 #include "drivers/odbc/connection_options.h"
-#include "drivers/odbc/odbc_driver.h"
 #include "drivers/odbc/odbc_link.h"
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
+#include "tessarlorn/odbc_driver.h"
 
 namespace tessarlorn::odbc {
 

@@ -1,4 +1,4 @@
-#include "drivers/odbc/odbc_driver.h"
+#include "tessarlorn/odbc_driver.h"
 
 #include <memory>
 #include <string>

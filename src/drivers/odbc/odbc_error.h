@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "drivers/odbc/odbc_handle.h"
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::odbc {
 

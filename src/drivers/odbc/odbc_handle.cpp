@@ -3,8 +3,8 @@
 #include <array>
 #include <atomic>
 
-#include "platform/error.h"
 #include "platform/unicode/utf16.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::odbc {
 namespace {

@@ -7,7 +7,7 @@
 #include "drivers/odbc/connection_options.h"
 #include "drivers/odbc/odbc_handle.h"
 #include "drivers/odbc/result_reader.h"
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn::odbc {
 

@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "drivers/odbc/odbc_error.h"
-#include "platform/date_time.h"
-#include "platform/decimal.h"
 #include "platform/unicode/utf16.h"
+#include "tessarlorn/date_time.h"
+#include "tessarlorn/decimal.h"
 
 namespace tessarlorn::odbc {
 namespace {

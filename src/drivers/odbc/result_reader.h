@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "drivers/odbc/odbc_handle.h"
-#include "platform/recordset.h"
+#include "tessarlorn/recordset.h"
 
 namespace tessarlorn::odbc {
 

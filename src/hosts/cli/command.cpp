@@ -12,7 +12,6 @@
 #include <optional>
 #include <span>
 
-#include "drivers/embedded/embedded_driver.h"
 #include "hosts/cli/commands.h"
 #include "hosts/cli/console/display_width.h"
 #include "hosts/cli/console/interrupt.h"
@@ -20,16 +19,17 @@
 #include "hosts/cli/console/terminal.h"
 #include "hosts/cli/console/usage_error.h"
 #include "hosts/cli/shell_examples.h"
+#include "tessarlorn/embedded_driver.h"
 #ifdef TESSARLORN_HAS_ADO
-#include "drivers/ado/ado_driver.h"
+#include "tessarlorn/ado_driver.h"
 #endif
 #ifdef TESSARLORN_HAS_ODBC
-#include "drivers/odbc/odbc_driver.h"
+#include "tessarlorn/odbc_driver.h"
 #endif
-#include "platform/error.h"
 #include "platform/text.h"
-#include "platform/version.h"
-#include "siblings/siblings.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/siblings.h"
+#include "tessarlorn/version.h"
 
 namespace tessarlorn::cli {
 namespace {

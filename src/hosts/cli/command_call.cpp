@@ -1,15 +1,15 @@
 #include <iostream>
 #include <optional>
 
-#include "automation/operations.h"
 #include "hosts/cli/commands.h"
 #include "hosts/cli/console/interrupt.h"
 #include "hosts/cli/console/usage_error.h"
 #include "hosts/cli/input/call_arguments.h"
 #include "hosts/cli/input/json_arguments.h"
 #include "hosts/cli/shell_examples.h"
-#include "platform/collections.h"
-#include "platform/session.h"
+#include "tessarlorn/collections.h"
+#include "tessarlorn/operations.h"
+#include "tessarlorn/session.h"
 
 namespace tessarlorn::cli {
 namespace {

@@ -4,9 +4,9 @@
 #include "hosts/cli/console/interrupt.h"
 #include "hosts/cli/console/progress.h"
 #include "hosts/cli/console/usage_error.h"
-#include "platform/collections.h"
 #include "platform/session_string.h"
 #include "platform/text.h"
+#include "tessarlorn/collections.h"
 #include "tsql/storage/maintenance.h"
 
 namespace tessarlorn::cli {

@@ -1,12 +1,12 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 
-#include "automation/operations.h"
 #include "hosts/cli/commands.h"
 #include "hosts/cli/console/display_width.h"
 #include "hosts/cli/console/terminal.h"
 #include "hosts/cli/input/call_arguments.h"
 #include "hosts/cli/operation_text.h"
+#include "tessarlorn/operations.h"
 
 namespace tessarlorn::cli {
 namespace {

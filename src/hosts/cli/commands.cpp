@@ -16,7 +16,7 @@
 #include "hosts/cli/input/input_text.h"
 #include "platform/file_path.h"
 #include "platform/session_string.h"
-#include "platform/version.h"
+#include "tessarlorn/version.h"
 
 namespace tessarlorn::cli {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "hosts/cli/console/exit_status.h"
 #include "hosts/cli/output/result_writer.h"
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn::cli {
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "automation/operations.h"
+#include "tessarlorn/operations.h"
 
 namespace tessarlorn::cli {
 

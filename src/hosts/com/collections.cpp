@@ -9,8 +9,8 @@
 #include "com_base/pointers.h"
 #include "hosts/com/foreign_object.h"
 #include "hosts/objects/array.h"
-#include "platform/collections.h"
-#include "platform/error.h"
+#include "tessarlorn/collections.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::com {
 namespace {

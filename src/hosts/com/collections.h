@@ -3,8 +3,8 @@
 
 #include <span>
 
-#include "automation/operations.h"
-#include "platform/variant.h"
+#include "tessarlorn/operations.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn::com {
 

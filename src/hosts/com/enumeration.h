@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "com_base/pointers.h"
-#include "platform/variant.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn::com {
 

@@ -3,14 +3,14 @@
 #include <mutex>
 
 #include "com_base/windows_headers.h"
-#include "drivers/ado/ado_driver.h"
-#include "drivers/embedded/embedded_driver.h"
-#include "drivers/odbc/odbc_driver.h"
 #include "hosts/com/foreign_object.h"
 #include "hosts/com/module.h"
 #include "platform/client_address.h"
-#include "platform/session.h"
-#include "siblings/siblings.h"
+#include "tessarlorn/ado_driver.h"
+#include "tessarlorn/embedded_driver.h"
+#include "tessarlorn/odbc_driver.h"
+#include "tessarlorn/session.h"
+#include "tessarlorn/siblings.h"
 
 namespace tessarlorn::com {
 namespace {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "com_base/windows_headers.h"
-#include "platform/variant.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn::com {
 

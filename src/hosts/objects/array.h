@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/error.h"
-#include "platform/object_service.h"
-#include "platform/variant.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/object_service.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn {
 

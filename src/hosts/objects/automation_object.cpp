@@ -12,8 +12,8 @@
 #include "hosts/objects/recordset_object.h"
 #include "hosts/objects/service_class.h"
 #include "hosts/objects/vector_object.h"
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

@@ -10,9 +10,9 @@
 #include <utility>
 #include <vector>
 
-#include "automation/operations.h"
-#include "platform/object_service.h"
-#include "platform/variant.h"
+#include "tessarlorn/object_service.h"
+#include "tessarlorn/operations.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn {
 

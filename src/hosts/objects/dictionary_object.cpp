@@ -4,7 +4,7 @@
 
 #include "hosts/objects/array.h"
 #include "hosts/objects/known_objects.h"
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "hosts/objects/field_traits.h"
-#include "platform/error.h"
 #include "platform/file_path.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

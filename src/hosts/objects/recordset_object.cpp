@@ -9,8 +9,8 @@
 #include "hosts/objects/field_traits.h"
 #include "hosts/objects/recordset_errors.h"
 #include "hosts/objects/recordset_file.h"
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

@@ -7,8 +7,8 @@
 #include "hosts/objects/recordset_errors.h"
 #include "hosts/objects/row_condition.h"
 #include "hosts/objects/row_order.h"
-#include "platform/object_service.h"
 #include "platform/text.h"
+#include "tessarlorn/object_service.h"
 
 namespace tessarlorn {
 namespace {

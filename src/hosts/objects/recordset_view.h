@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/recordset.h"
+#include "tessarlorn/recordset.h"
 
 namespace tessarlorn {
 

@@ -7,8 +7,8 @@
 
 #include "hosts/objects/row_order.h"
 #include "hosts/objects/row_text.h"
-#include "platform/error.h"
 #include "platform/unicode/collation.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string_view>
 
-#include "platform/recordset.h"
+#include "tessarlorn/recordset.h"
 
 namespace tessarlorn {
 

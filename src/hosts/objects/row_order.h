@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/recordset.h"
+#include "tessarlorn/recordset.h"
 
 namespace tessarlorn {
 

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "hosts/objects/recordset_errors.h"
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 

@@ -1,8 +1,8 @@
 // The two service classes as objects of automation: their members are the rows of the operation table.
 #pragma once
 
-#include "automation/operations.h"
 #include "hosts/objects/automation_object.h"
+#include "tessarlorn/operations.h"
 
 namespace tessarlorn {
 

@@ -3,7 +3,7 @@
 #include <array>
 
 #include "hosts/objects/known_objects.h"
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {

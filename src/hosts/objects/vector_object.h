@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "hosts/objects/automation_object.h"
-#include "platform/collections.h"
+#include "tessarlorn/collections.h"
 
 namespace tessarlorn {
 

@@ -17,7 +17,7 @@
 #include "hosts/tds/transport/tls.h"
 #include "hosts/tds/transport/watcher.h"
 #include "hosts/tds/users.h"
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn::tds {
 

@@ -12,7 +12,7 @@
 #include <unistd.h>
 #include <utility>
 
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {
 namespace {

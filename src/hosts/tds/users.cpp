@@ -17,8 +17,8 @@
 #include <vector>
 
 #include "hosts/tds/transport/socket.h"
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include "platform/sql_command.h"
+#include "tessarlorn/sql_command.h"
 #include "tsql/engine/call_arguments.h"
 #include "tsql/functions/runtime.h"
 

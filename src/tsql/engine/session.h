@@ -4,7 +4,7 @@
 #include <chrono>
 #include <cstddef>
 
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 #include "tsql/engine/bind.h"
 #include "tsql/engine/interpreter.h"
 #include "tsql/engine/plan_store.h"

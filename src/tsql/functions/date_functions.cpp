@@ -1,8 +1,8 @@
 // Date functions: DATEADD, DATEDIFF, DATEPART, DATENAME, EOMONTH and their like.
 #include <array>
 
-#include "platform/date_time.h"
 #include "platform/text.h"
+#include "tessarlorn/date_time.h"
 #include "tsql/functions/date_part.h"
 #include "tsql/functions/functions.h"
 #include "tsql/functions/sqlite_value.h"

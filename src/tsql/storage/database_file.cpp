@@ -12,10 +12,10 @@
 #include <unistd.h>
 #endif
 
-#include "platform/error.h"
 #include "platform/file_path.h"
 #include "platform/session_string.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 #include "tsql/storage/catalog.h"
 
 namespace tessarlorn::tsql {

@@ -8,8 +8,8 @@
 #include <unistd.h>
 #endif
 
-#include "platform/error.h"
 #include "platform/file_path.h"
+#include "tessarlorn/error.h"
 #include "tsql/functions/functions.h"
 #include "tsql/storage/database_file.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/date_time.h"
+#include "tessarlorn/date_time.h"
 #include "tsql/values/types.h"
 
 namespace tessarlorn::tsql {

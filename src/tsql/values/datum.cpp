@@ -6,9 +6,9 @@
 #include <cmath>
 #include <limits>
 
-#include "platform/date_time.h"
 #include "platform/text.h"
 #include "platform/unicode/utf16.h"
+#include "tessarlorn/date_time.h"
 #include "tsql/values/date_text.h"
 #include "tsql/values/moment.h"
 #include "tsql/values/sql_error.h"

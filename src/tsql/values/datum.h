@@ -6,7 +6,7 @@
 #include <string_view>
 #include <variant>
 
-#include "platform/decimal.h"
+#include "tessarlorn/decimal.h"
 #include "tsql/values/types.h"
 
 namespace tessarlorn::tsql {

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/date_time.h"
+#include "tessarlorn/date_time.h"
 #include "tsql/values/date_text.h"
 #include "tsql/values/datum.h"
 

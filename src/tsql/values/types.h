@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/recordset.h"
+#include "tessarlorn/recordset.h"
 #include "tsql/values/type_name.h"
 
 namespace tessarlorn::tsql {

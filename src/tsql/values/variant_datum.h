@@ -1,7 +1,7 @@
 // Values of the platform as values of SQLite, and back: how the parameters of a command come in and go out.
 #pragma once
 
-#include "platform/variant.h"
+#include "tessarlorn/variant.h"
 #include "tsql/values/date_text.h"
 #include "tsql/values/datum.h"
 

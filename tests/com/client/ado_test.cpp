@@ -3,9 +3,9 @@
 
 #include "com/client/typed_object.h"
 #include "com_base/errors.h"
-#include "drivers/embedded/embedded_driver.h"
 #include "drivers_ado/ado_stand_in.h"
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
+#include "tessarlorn/embedded_driver.h"
 
 namespace tessarlorn::com_test {
 namespace {

@@ -5,8 +5,8 @@
 #include <cstdlib>
 
 #include "hosts/cli/console/exit_status.h"
-#include "platform/connection.h"
-#include "platform/error.h"
+#include "tessarlorn/connection.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::cli {
 namespace {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "automation/operations.h"
+#include "tessarlorn/operations.h"
 
 namespace tessarlorn::cli {
 

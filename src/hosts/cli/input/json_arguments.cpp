@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "hosts/cli/console/usage_error.h"
-#include "platform/collections.h"
+#include "tessarlorn/collections.h"
 
 namespace tessarlorn::cli {
 namespace {

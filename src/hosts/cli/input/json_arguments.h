@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "platform/variant.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn::cli {
 

@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "hosts/cli/console/usage_error.h"
-#include "platform/collections.h"
 #include "platform/text.h"
+#include "tessarlorn/collections.h"
 
 namespace tessarlorn::cli {
 namespace {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "hosts/cli/console/interrupt.h"
-#include "platform/recordset.h"
+#include "tessarlorn/recordset.h"
 
 namespace tessarlorn::cli {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/variant.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn::cli {
 

@@ -6,7 +6,7 @@
 
 #include "hosts/objects/manifest_text.h"
 #include "hosts/objects/type_library_text.h"
-#include "platform/version.h"
+#include "tessarlorn/version.h"
 
 namespace {
 

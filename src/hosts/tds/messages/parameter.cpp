@@ -11,10 +11,10 @@
 #include <memory>
 
 #include "hosts/tds/messages/type_codes.h"
-#include "platform/date_time.h"
-#include "platform/decimal.h"
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/date_time.h"
+#include "tessarlorn/decimal.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "hosts/tds/messages/tds_reader.h"
 #include "hosts/tds/messages/type_codes.h"
-#include "platform/sql_command.h"
+#include "tessarlorn/sql_command.h"
 
 namespace tessarlorn::tds {
 

@@ -7,7 +7,7 @@
 #include "hosts/tds/messages/tds_writer.h"
 #include "hosts/tds/messages/values.h"
 #include "hosts/tds/transport/channel.h"
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn::tds {
 

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "hosts/tds/messages/object_name.h"
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {
 namespace {

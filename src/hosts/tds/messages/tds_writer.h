@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "hosts/tds/transport/protocol.h"
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {
 

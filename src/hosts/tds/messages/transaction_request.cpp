@@ -2,8 +2,8 @@
 
 #include <array>
 
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {
 namespace {

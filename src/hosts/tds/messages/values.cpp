@@ -6,7 +6,7 @@
 
 #include "hosts/tds/messages/login.h"
 #include "hosts/tds/messages/type_codes.h"
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {
 namespace {

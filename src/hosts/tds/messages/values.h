@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "hosts/tds/messages/tds_writer.h"
-#include "platform/recordset.h"
+#include "tessarlorn/recordset.h"
 
 namespace tessarlorn::tds {
 

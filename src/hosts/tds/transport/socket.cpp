@@ -14,8 +14,8 @@
 #include <utility>
 
 #include "hosts/tds/transport/protocol.h"
-#include "platform/error.h"
 #include "platform/text.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {
 namespace {

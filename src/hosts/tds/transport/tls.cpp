@@ -6,7 +6,7 @@
 #include <openssl/ssl.h>
 
 #include "hosts/tds/transport/protocol.h"
-#include "platform/error.h"
+#include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {
 namespace {

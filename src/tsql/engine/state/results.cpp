@@ -3,7 +3,7 @@
 #include <memory>
 #include <utility>
 
-#include "platform/recordset.h"
+#include "tessarlorn/recordset.h"
 #include "tsql/values/moment.h"
 
 namespace tessarlorn::tsql {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 #include "tsql/engine/state/session_options.h"
 #include "tsql/functions/runtime.h"
 #include "tsql/translate/common/compiled.h"

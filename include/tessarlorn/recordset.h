@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/variant.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn {
 

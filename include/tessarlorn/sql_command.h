@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/recordset.h"
-#include "platform/variant.h"
+#include "tessarlorn/recordset.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn {
 

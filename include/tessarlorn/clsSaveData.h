@@ -6,12 +6,13 @@
 #include <string>
 #include <string_view>
 
-#include "frame/call_frame.h"
-#include "frame/transaction_mode.h"
-#include "platform/collections.h"
-#include "platform/session.h"
+#include "tessarlorn/collections.h"
+#include "tessarlorn/session.h"
+#include "tessarlorn/transaction_mode.h"
 
 namespace tessarlorn {
+
+struct InstanceState;
 
 /// One call at a time, on the thread that made the instance. It may be used for any number of calls, with different
 /// connection strings; each opens a session of its own and leaves it open until the next.
@@ -194,7 +195,7 @@ class clsSaveData {
   bool ChangeRemark(const Dictionary* dctPara, const RemarkChange& change);
   struct PickingMark;
   bool ChangePickingMark(const Dictionary* dctPara, const PickingMark& mark);
-  [[nodiscard]] InstanceState State() noexcept { return {context_, session_}; }
+  [[nodiscard]] InstanceState State() noexcept;
 
   SessionContext context_;
   std::shared_ptr<DataSession> session_;

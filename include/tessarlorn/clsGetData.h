@@ -7,13 +7,15 @@
 #include <string>
 #include <string_view>
 
-#include "frame/call_frame.h"
-#include "frame/transaction_mode.h"
-#include "platform/collections.h"
-#include "platform/recordset.h"
-#include "platform/session.h"
+#include "tessarlorn/collections.h"
+#include "tessarlorn/recordset.h"
+#include "tessarlorn/session.h"
+#include "tessarlorn/transaction_mode.h"
 
 namespace tessarlorn {
+
+struct Contract;
+struct InstanceState;
 
 /// One call at a time, on the thread that made the instance. It may be used for any number of calls, with different
 /// connection strings; each opens a session of its own and leaves it open until the next.
@@ -257,7 +259,7 @@ class clsGetData {
 
  private:
   bool ReadSwitch(const Contract& contract, std::string_view dsn, std::string_view key);
-  [[nodiscard]] InstanceState State() noexcept { return {context_, session_}; }
+  [[nodiscard]] InstanceState State() noexcept;
 
   SessionContext context_;
   std::shared_ptr<DataSession> session_;

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/variant.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn {
 

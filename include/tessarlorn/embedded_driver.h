@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "platform/connection.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn {
 

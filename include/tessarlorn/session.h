@@ -5,10 +5,11 @@
 #include <string>
 #include <string_view>
 
-#include "platform/connection.h"
-#include "platform/session_string.h"
+#include "tessarlorn/connection.h"
 
 namespace tessarlorn {
+
+struct SessionString;
 
 /// Who is calling, and in which language.
 class SessionContext {

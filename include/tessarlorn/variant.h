@@ -9,8 +9,8 @@
 #include <variant>
 #include <vector>
 
-#include "platform/date_time.h"
-#include "platform/decimal.h"
+#include "tessarlorn/date_time.h"
+#include "tessarlorn/decimal.h"
 
 namespace tessarlorn {
 

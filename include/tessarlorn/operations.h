@@ -8,10 +8,10 @@
 #include <string_view>
 #include <variant>
 
-#include "frame/clsGetData.h"
-#include "frame/clsSaveData.h"
-#include "frame/contract.h"
-#include "platform/variant.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/clsSaveData.h"
+#include "tessarlorn/contract.h"
+#include "tessarlorn/variant.h"
 
 namespace tessarlorn {
 

@@ -9,9 +9,9 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/error.h"
-#include "platform/recordset.h"
-#include "platform/sql_command.h"
+#include "tessarlorn/error.h"
+#include "tessarlorn/recordset.h"
+#include "tessarlorn/sql_command.h"
 
 namespace tessarlorn {
 

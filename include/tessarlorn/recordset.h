@@ -52,39 +52,26 @@ struct Field {
   bool identity = false;
 };
 
-class Recordset;
-
-/// Where a driver leaves the rows of a result until somebody asks for them.
-class RowSource {
- public:
-  RowSource() = default;
-  RowSource(const RowSource&) = delete;
-  RowSource& operator=(const RowSource&) = delete;
-  virtual ~RowSource() = default;
-
-  /// Appends every row, in a call that nothing is appended before or behind. Raises what the database raises.
-  virtual void Read(Recordset& rows) = 0;
-  /// Cuts the tie to the connection; the rows stay. Raises what the database raises.
-  virtual void Detach() = 0;
-};
+class PackedRows;
+class RowSource;
 
 /// A client-side, read-only result: it knows its count and moves both ways. It stands on the first row when it is made.
 /// Bigint values come as 32-bit integers when they fit, else as decimals; every other value in the type of its field.
 /// Not for use by two threads at once.
 class Recordset {
  public:
-  explicit Recordset(std::vector<Field> fields) : fields_(std::move(fields)) {}
+  /// Without rows.
+  explicit Recordset(std::vector<Field> fields);
   /// The rows are read when one of them, or their count, is asked for, which raises what the source raises.
-  Recordset(std::vector<Field> fields, std::shared_ptr<RowSource> source)
-      : fields_(std::move(fields)), source_(std::move(source)), unread_(true) {}
+  Recordset(std::vector<Field> fields, std::shared_ptr<RowSource> source);
+  Recordset(const Recordset&) = delete;
+  Recordset& operator=(const Recordset&) = delete;
+  ~Recordset();
 
   [[nodiscard]] const std::vector<Field>& fields() const noexcept { return fields_; }
-  /// Where the rows come from, or nullptr for a driver that appended them.
+  /// Where the rows come from, or nullptr when they were there from the first.
   [[nodiscard]] const std::shared_ptr<RowSource>& source() const noexcept { return source_; }
-  [[nodiscard]] std::size_t RecordCount() const {
-    if (unread_) Read();
-    return row_starts_.size();
-  }
+  [[nodiscard]] std::size_t RecordCount() const;
   [[nodiscard]] bool eof() const { return position_ >= RecordCount(); }
   void MoveFirst() noexcept { position_ = 0; }
   /// Raises 3021 at the end.
@@ -107,46 +94,20 @@ class Recordset {
   /// Cuts the tie to the connection that produced the rows; the rows stay. Raises what the source raises.
   void Detach();
   [[nodiscard]] bool attached() const noexcept { return attached_; }
-  /// Bytes that the values of all rows take.
-  [[nodiscard]] std::size_t size() const noexcept;
   /// Bytes that the rows take in memory, spare room included.
   [[nodiscard]] std::size_t memory() const noexcept;
 
-  // For drivers: a row is BeginRow() and then one Append… for each field in order.
-  void BeginRow();
-  void AppendNull();
-  void AppendInteger(std::int64_t value);
-  void AppendDouble(double value);
-  void AppendDecimal(const Decimal& value);
-  /// coefficient × 10^-scale of the field.
-  void AppendScaled(std::int64_t coefficient);
-  void AppendDateTime(DateTime value);
-  void AppendText(std::string_view text);
-  void AppendBytes(const void* data, std::size_t size);
-  /// Any value, as the field of that position has it. Raises 13 and 6 for what does not fit its type.
-  void Append(const Variant& value, std::size_t field);
-  /// Takes all rows away and keeps room for as many more.
-  void Clear();
-  /// To be called after the last row: goes to the first row and gives back spare memory.
-  void Finish();
-
  private:
+  friend class RecordsetBuilder;
   void Read() const;
   void Locate() const;
+  void Rewind() noexcept;
   [[nodiscard]] const std::uint8_t* Cell(std::size_t field) const;
-  std::uint8_t* Grow(std::size_t size);
 
-  static constexpr std::size_t kChunkSize = std::size_t{1} << 20;
-  struct Chunk {
-    std::unique_ptr<std::uint8_t[]> data;
-    std::size_t used = 0;
-    std::size_t capacity = 0;
-  };
   std::vector<Field> fields_;
+  std::unique_ptr<PackedRows> cells_;
   std::shared_ptr<RowSource> source_;
   mutable bool unread_ = false;
-  std::vector<Chunk> chunks_;
-  std::vector<const std::uint8_t*> row_starts_;
   std::size_t position_ = 0;
   bool attached_ = true;
   mutable std::size_t located_row_ = static_cast<std::size_t>(-1);

@@ -1,111 +1,28 @@
 #include "tessarlorn/recordset.h"
 
 #include <algorithm>
-#include <cstring>
-#include <numeric>
+#include <utility>
 
+#include "platform/packed_rows.h"
+#include "platform/recordset_builder.h"
 #include "platform/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {
-namespace {
 
-/// The first byte of a cell. Above these, 0x40 + length begins a text of up to 63 bytes and 0x80 + value is a whole
-/// number of up to 127.
-enum class Tag : std::uint8_t {
-  kNull,
-  kInteger,   // zigzag varint
-  kDouble,    // 8 bytes
-  kDecimal,   // scale, sign, number of limbs, limbs
-  kScaled,    // zigzag varint, in units of the field's scale
-  kDateTime,  // zigzag varint, milliseconds
-  kText,      // varint length, bytes
-  kBytes,     // varint length, bytes
-};
-constexpr std::uint8_t kShortText = 0x40;
-constexpr std::size_t kShortTextSize = 0x40;
-constexpr std::uint8_t kSmallInteger = 0x80;
-constexpr std::int64_t kSmallIntegers = 0x80;
+Recordset::Recordset(std::vector<Field> fields) : fields_(std::move(fields)), cells_(std::make_unique<PackedRows>()) {}
 
-std::uint64_t ZigZag(std::int64_t value) {
-  return (static_cast<std::uint64_t>(value) << 1) ^ (value < 0 ? ~std::uint64_t{0} : 0);
-}
-std::int64_t UnZigZag(std::uint64_t value) {
-  return static_cast<std::int64_t>((value >> 1) ^ (std::uint64_t{0} - (value & 1)));
+Recordset::Recordset(std::vector<Field> fields, std::shared_ptr<RowSource> source) : Recordset(std::move(fields)) {
+  source_ = std::move(source);
+  unread_ = true;
 }
 
-std::size_t VarintSize(std::uint64_t value) {
-  std::size_t size = 1;
-  for (; value >= 0x80; value >>= 7) ++size;
-  return size;
-}
-std::uint8_t* PutVarint(std::uint8_t* out, std::uint64_t value) {
-  for (; value >= 0x80; value >>= 7) *out++ = static_cast<std::uint8_t>(value | 0x80);
-  *out++ = static_cast<std::uint8_t>(value);
-  return out;
-}
-std::uint64_t TakeVarint(const std::uint8_t*& in) {
-  std::uint64_t value = 0;
-  for (int shift = 0;; shift += 7) {
-    const std::uint8_t byte = *in++;
-    value |= std::uint64_t{byte & 0x7FU} << shift;
-    if (byte < 0x80) return value;
-  }
-}
+Recordset::~Recordset() = default;
 
-const std::uint8_t* SkipCell(const std::uint8_t* in) {
-  const std::uint8_t first = *in++;
-  if (first >= kSmallInteger) return in;
-  if (first >= kShortText) return in + (first - kShortText);
-  switch (static_cast<Tag>(first)) {
-    case Tag::kNull:
-      return in;
-    case Tag::kInteger:
-    case Tag::kScaled:
-    case Tag::kDateTime:
-      while (*in++ >= 0x80) {
-      }
-      return in;
-    case Tag::kDouble:
-      return in + sizeof(double);
-    case Tag::kDecimal:
-      return in + 3 + in[2] * sizeof(std::uint32_t);
-    case Tag::kText:
-    case Tag::kBytes: {
-      const std::uint64_t size = TakeVarint(in);
-      return in + size;
-    }
-  }
-  return in;
+std::size_t Recordset::RecordCount() const {
+  if (unread_) Read();
+  return cells_->count();
 }
-
-Variant IntegerVariant(std::int64_t value, const Field& field) {
-  switch (field.type) {
-    case FieldType::kBit:
-      return value != 0;
-    case FieldType::kTinyInt:
-    case FieldType::kSmallInt:
-      return static_cast<std::int16_t>(value);
-    case FieldType::kReal:
-    case FieldType::kFloat:
-      return static_cast<double>(value);
-    case FieldType::kDecimal:
-    case FieldType::kMoney:
-      return Decimal(value).Rescale(field.scale).value_or(Decimal(value));
-    default:
-      return value;
-  }
-}
-
-std::string_view TextAt(const std::uint8_t* in, std::size_t size) { return {reinterpret_cast<const char*>(in), size}; }
-
-Decimal DecimalAt(const std::uint8_t* in) {
-  Decimal::Limbs limbs{};
-  std::memcpy(limbs.data(), in + 3, in[2] * sizeof(std::uint32_t));
-  return Decimal::FromLimbs(limbs, in[0], in[1] != 0).value_or(Decimal());
-}
-
-}  // namespace
 
 void Recordset::MoveNext() {
   if (eof()) Raise(error_number::kNoCurrentRecord, "No current record");
@@ -134,11 +51,12 @@ void Recordset::Read() const {
   // The rows that are asked for were there all the time, but elsewhere.
   auto& rows = const_cast<Recordset&>(*this);
   const std::size_t position = position_;
+  RecordsetBuilder builder(rows);
   try {
-    source_->Read(rows);
-    rows.Finish();
+    source_->Read(builder);
+    builder.Finish();
   } catch (...) {
-    rows.Clear();
+    builder.Clear();
     unread_ = true;
     throw;
   }
@@ -147,11 +65,11 @@ void Recordset::Read() const {
 
 void Recordset::Locate() const {
   cell_offsets_.resize(fields_.size());
-  const std::uint8_t* const start = row_starts_[position_];
+  const std::uint8_t* const start = cells_->row(position_);
   const std::uint8_t* cell = start;
   for (std::uint32_t& offset : cell_offsets_) {
     offset = static_cast<std::uint32_t>(cell - start);
-    cell = SkipCell(cell);
+    cell = PackedRows::Skip(cell);
   }
   located_row_ = position_;
 }
@@ -162,41 +80,10 @@ const std::uint8_t* Recordset::Cell(std::size_t field) const {
     Raise(error_number::kItemNotFound, "Item cannot be found: field " + std::to_string(field));
   }
   if (located_row_ != position_) Locate();
-  return row_starts_[position_] + cell_offsets_[field];
+  return cells_->row(position_) + cell_offsets_[field];
 }
 
-Variant Recordset::Get(std::size_t field) const {
-  const std::uint8_t* in = Cell(field);
-  const std::uint8_t first = *in++;
-  if (first >= kSmallInteger) return IntegerVariant(first - kSmallInteger, fields_[field]);
-  if (first >= kShortText) return TextAt(in, static_cast<std::size_t>(first - kShortText));
-  switch (static_cast<Tag>(first)) {
-    case Tag::kNull:
-      return Null{};
-    case Tag::kInteger:
-      return IntegerVariant(UnZigZag(TakeVarint(in)), fields_[field]);
-    case Tag::kDouble: {
-      double value = 0;
-      std::memcpy(&value, in, sizeof value);
-      return value;
-    }
-    case Tag::kDecimal:
-      return DecimalAt(in);
-    case Tag::kScaled:
-      return Decimal::FromScaled(UnZigZag(TakeVarint(in)), fields_[field].scale);
-    case Tag::kDateTime:
-      return DateTime(UnZigZag(TakeVarint(in)));
-    case Tag::kText: {
-      const auto size = static_cast<std::size_t>(TakeVarint(in));
-      return TextAt(in, size);
-    }
-    case Tag::kBytes: {
-      const auto size = static_cast<std::size_t>(TakeVarint(in));
-      return Bytes(in, in + size);
-    }
-  }
-  return {};
-}
+Variant Recordset::Get(std::size_t field) const { return PackedRows::Value(Cell(field), fields_[field]); }
 
 Variant Recordset::Get(std::string_view field) const {
   const std::optional<std::size_t> position = FindField(field);
@@ -210,192 +97,15 @@ std::string_view Recordset::GetText(std::size_t field) const {
   return {};
 }
 
-std::optional<std::string_view> Recordset::FindText(std::size_t field) const {
-  const std::uint8_t* in = Cell(field);
-  const std::uint8_t first = *in++;
-  if (first >= kShortText && first < kSmallInteger) return TextAt(in, static_cast<std::size_t>(first - kShortText));
-  if (first != static_cast<std::uint8_t>(Tag::kText)) return std::nullopt;
-  const auto size = static_cast<std::size_t>(TakeVarint(in));
-  return TextAt(in, size);
-}
+std::optional<std::string_view> Recordset::FindText(std::size_t field) const { return PackedRows::Text(Cell(field)); }
 
-bool Recordset::IsNull(std::size_t field) const { return *Cell(field) == static_cast<std::uint8_t>(Tag::kNull); }
+bool Recordset::IsNull(std::size_t field) const { return PackedRows::IsNull(Cell(field)); }
 
-std::size_t Recordset::size() const noexcept {
-  return std::accumulate(chunks_.begin(), chunks_.end(), std::size_t{0},
-                         [](std::size_t sum, const Chunk& chunk) { return sum + chunk.used; });
-}
+std::size_t Recordset::memory() const noexcept { return cells_->memory(); }
 
-std::size_t Recordset::memory() const noexcept {
-  std::size_t total = row_starts_.capacity() * sizeof(row_starts_[0]);
-  for (const Chunk& chunk : chunks_) total += chunk.capacity;
-  return total;
-}
-
-/// Room for `size` more bytes of the begun row. A row never spans chunks: when its chunk is full, what there is of it
-/// moves to the next one.
-std::uint8_t* Recordset::Grow(std::size_t size) {
-  if (chunks_.empty() || chunks_.back().capacity - chunks_.back().used < size) {
-    constexpr std::size_t kFirstChunkSize = 4096;
-    std::size_t begun = 0;
-    std::size_t capacity = kFirstChunkSize;
-    if (!chunks_.empty()) {
-      Chunk& full = chunks_.back();
-      begun = static_cast<std::size_t>(full.data.get() + full.used - row_starts_.back());
-      capacity = std::min(2 * full.capacity, kChunkSize);
-    }
-    Chunk next;
-    next.capacity = std::max(capacity, 2 * (begun + size));
-    next.data = std::make_unique_for_overwrite<std::uint8_t[]>(next.capacity);
-    next.used = begun;
-    if (begun > 0) {
-      std::memcpy(next.data.get(), row_starts_.back(), begun);
-      chunks_.back().used -= begun;
-      if (chunks_.back().used == 0) chunks_.pop_back();
-    }
-    if (!row_starts_.empty()) row_starts_.back() = next.data.get();
-    chunks_.push_back(std::move(next));
-  }
-  Chunk& chunk = chunks_.back();
-  std::uint8_t* out = chunk.data.get() + chunk.used;
-  chunk.used += size;
-  return out;
-}
-
-void Recordset::BeginRow() {
-  // Asks for one byte, so that an empty row has a place of its own as well.
-  row_starts_.push_back(nullptr);
-  if (chunks_.empty() || chunks_.back().used == chunks_.back().capacity) {
-    if (!chunks_.empty()) row_starts_.back() = chunks_.back().data.get() + chunks_.back().used;
-    Grow(1);
-    --chunks_.back().used;
-  }
-  row_starts_.back() = chunks_.back().data.get() + chunks_.back().used;
-}
-
-void Recordset::AppendNull() { *Grow(1) = static_cast<std::uint8_t>(Tag::kNull); }
-
-void Recordset::AppendInteger(std::int64_t value) {
-  if (value >= 0 && value < kSmallIntegers) {
-    *Grow(1) = static_cast<std::uint8_t>(kSmallInteger + value);
-    return;
-  }
-  const std::uint64_t coded = ZigZag(value);
-  std::uint8_t* out = Grow(1 + VarintSize(coded));
-  *out = static_cast<std::uint8_t>(Tag::kInteger);
-  PutVarint(out + 1, coded);
-}
-
-void Recordset::AppendDouble(double value) {
-  std::uint8_t* out = Grow(1 + sizeof value);
-  *out = static_cast<std::uint8_t>(Tag::kDouble);
-  std::memcpy(out + 1, &value, sizeof value);
-}
-
-void Recordset::AppendDecimal(const Decimal& value) {
-  std::size_t limbs = value.limbs().size();
-  while (limbs > 0 && value.limbs()[limbs - 1] == 0) --limbs;
-  std::uint8_t* out = Grow(4 + limbs * sizeof(std::uint32_t));
-  *out++ = static_cast<std::uint8_t>(Tag::kDecimal);
-  *out++ = static_cast<std::uint8_t>(value.scale());
-  *out++ = value.negative() ? 1 : 0;
-  *out++ = static_cast<std::uint8_t>(limbs);
-  std::memcpy(out, value.limbs().data(), limbs * sizeof(std::uint32_t));
-}
-
-void Recordset::AppendScaled(std::int64_t coefficient) {
-  const std::uint64_t coded = ZigZag(coefficient);
-  std::uint8_t* out = Grow(1 + VarintSize(coded));
-  *out = static_cast<std::uint8_t>(Tag::kScaled);
-  PutVarint(out + 1, coded);
-}
-
-void Recordset::AppendDateTime(DateTime value) {
-  const std::uint64_t coded = ZigZag(value.milliseconds());
-  std::uint8_t* out = Grow(1 + VarintSize(coded));
-  *out = static_cast<std::uint8_t>(Tag::kDateTime);
-  PutVarint(out + 1, coded);
-}
-
-void Recordset::AppendText(std::string_view text) {
-  if (text.size() < kShortTextSize) {
-    std::uint8_t* out = Grow(1 + text.size());
-    *out = static_cast<std::uint8_t>(kShortText + text.size());
-    if (!text.empty()) std::memcpy(out + 1, text.data(), text.size());
-    return;
-  }
-  std::uint8_t* out = Grow(1 + VarintSize(text.size()) + text.size());
-  *out = static_cast<std::uint8_t>(Tag::kText);
-  std::memcpy(PutVarint(out + 1, text.size()), text.data(), text.size());
-}
-
-void Recordset::Append(const Variant& value, std::size_t field) {
-  if (value.is_empty() || value.is_null()) return AppendNull();
-  switch (fields_[field].type) {
-    case FieldType::kBit:
-    case FieldType::kTinyInt:
-    case FieldType::kSmallInt:
-    case FieldType::kInt:
-      return AppendInteger(value.holds<bool>() ? static_cast<int>(value.ToBool()) : value.ToInt32());
-    case FieldType::kBigInt: {
-      const std::optional<std::int64_t> whole = value.ToDecimal().ToScaled(0);
-      if (!whole) Raise(error_number::kOverflow, "Overflow");
-      return AppendInteger(*whole);
-    }
-    case FieldType::kReal:
-    case FieldType::kFloat:
-      return AppendDouble(value.ToDouble());
-    case FieldType::kDecimal:
-    case FieldType::kMoney:
-      return AppendDecimal(value.ToDecimal());
-    case FieldType::kDate:
-    case FieldType::kTime:
-    case FieldType::kDateTime:
-      return AppendDateTime(value.ToDateTime());
-    case FieldType::kBinary:
-    case FieldType::kVarBinary:
-      if (const Bytes* bytes = value.get_if<Bytes>()) return AppendBytes(bytes->data(), bytes->size());
-      RaiseTypeMismatch();
-    default:
-      return AppendText(value.ToText());
-  }
-}
-
-void Recordset::AppendBytes(const void* data, std::size_t size) {
-  std::uint8_t* out = Grow(1 + VarintSize(size) + size);
-  *out = static_cast<std::uint8_t>(Tag::kBytes);
-  out = PutVarint(out + 1, size);
-  if (size > 0) std::memcpy(out, data, size);
-}
-
-void Recordset::Clear() {
-  row_starts_.clear();
+void Recordset::Rewind() noexcept {
   position_ = 0;
   located_row_ = static_cast<std::size_t>(-1);
-  if (chunks_.empty()) return;
-  // The last chunk is the largest.
-  chunks_.erase(chunks_.begin(), chunks_.end() - 1);
-  chunks_.back().used = 0;
-}
-
-void Recordset::Finish() {
-  position_ = 0;
-  located_row_ = static_cast<std::size_t>(-1);
-  row_starts_.shrink_to_fit();
-  if (chunks_.empty()) return;
-  Chunk& last = chunks_.back();
-  // A copy is worth it when a quarter of the chunk is spare.
-  if (last.capacity - last.used < last.capacity / 4 || last.used == 0) return;
-  auto exact = std::make_unique_for_overwrite<std::uint8_t[]>(last.used);
-  std::memcpy(exact.get(), last.data.get(), last.used);
-  const std::uint8_t* const begin = last.data.get();
-  for (std::size_t row = row_starts_.size(); row-- > 0;) {
-    const std::uint8_t*& start = row_starts_[row];
-    if (start < begin || start > begin + last.used) break;
-    start = exact.get() + (start - begin);
-  }
-  last.data = std::move(exact);
-  last.capacity = last.used;
 }
 
 }  // namespace tessarlorn

@@ -5,6 +5,7 @@
 
 #include "hosts/cli/console/display_width.h"
 #include "hosts/cli/console/usage_error.h"
+#include "platform/recordset_builder.h"
 #include "tessarlorn/collections.h"
 #include "tessarlorn/recordset.h"
 
@@ -13,30 +14,28 @@ namespace {
 
 /// Numbers, Chinese text, null and what needs quoting.
 RecordsetPtr Orders() {
-  auto rows = std::make_shared<Recordset>(
-      std::vector<Field>{{.name = "FID", .type = FieldType::kInt},
+  RecordsetBuilder rows({{.name = "FID", .type = FieldType::kInt},
                          {.name = "店铺"},
                          {.name = "Cost", .type = FieldType::kDecimal, .precision = 28, .scale = 2},
                          {.name = "Sent", .type = FieldType::kDateTime},
                          {.name = "Day", .type = FieldType::kDate},
                          {.name = "Ok", .type = FieldType::kBit}});
   const DateTime sent = DateTime::Parse("2024-05-06 07:08:09").value();
-  rows->BeginRow();
-  rows->AppendInteger(7);
-  rows->AppendText("上海, \"A\"");
-  rows->AppendDecimal(Decimal::Parse("12345678901234567890123456.78").value());
-  rows->AppendDateTime(sent);
-  rows->AppendDateTime(DateTime::Parse("2024-05-06").value());
-  rows->AppendInteger(1);
-  rows->BeginRow();
-  rows->AppendInteger(12345);
-  rows->AppendText("");
-  rows->AppendDecimal(Decimal::Parse("0.50").value());
-  rows->AppendNull();
-  rows->AppendNull();
-  rows->AppendInteger(0);
-  rows->Finish();
-  return rows;
+  rows.BeginRow();
+  rows.AppendInteger(7);
+  rows.AppendText("上海, \"A\"");
+  rows.AppendDecimal(Decimal::Parse("12345678901234567890123456.78").value());
+  rows.AppendDateTime(sent);
+  rows.AppendDateTime(DateTime::Parse("2024-05-06").value());
+  rows.AppendInteger(1);
+  rows.BeginRow();
+  rows.AppendInteger(12345);
+  rows.AppendText("");
+  rows.AppendDecimal(Decimal::Parse("0.50").value());
+  rows.AppendNull();
+  rows.AppendNull();
+  rows.AppendInteger(0);
+  return rows.Finish();
 }
 
 std::string Write(const OutputLayout& layout, const std::vector<Variant>& results) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "objects/object_support.h"
+#include "platform/recordset_builder.h"
 
 namespace tessarlorn {
 namespace {
@@ -81,12 +82,11 @@ TEST(FieldObjectTest, IsFoundByNameAndPosition) {
 }
 
 TEST(FieldObjectTest, FindsTheFirstOfFieldsWithOneName) {
-  const auto rows = std::make_shared<Recordset>(
-      std::vector<Field>{{.name = "FID", .type = FieldType::kInt}, {.name = "fid", .type = FieldType::kInt}});
-  rows->BeginRow();
-  rows->AppendInteger(1);
-  rows->AppendInteger(2);
-  rows->Finish();
+  RecordsetBuilder builder({{.name = "FID", .type = FieldType::kInt}, {.name = "fid", .type = FieldType::kInt}});
+  builder.BeginRow();
+  builder.AppendInteger(1);
+  builder.AppendInteger(2);
+  const RecordsetPtr rows = builder.Finish();
   EXPECT_EQ(Value(*Rows(rows), "fid").ToInt32(), 1);
   EXPECT_EQ(Value(*Rows(rows), 1).ToInt32(), 2);
 }

@@ -10,6 +10,7 @@
 
 #include "hosts/objects/array.h"
 #include "hosts/objects/automation_object.h"
+#include "platform/recordset_builder.h"
 #include "support/error_of.h"
 #include "tessarlorn/recordset.h"
 
@@ -54,7 +55,7 @@ inline std::vector<std::string> ArrayTexts(const Variant& value) { return Texts(
 /// Orders 1 to 5: FID int, FBuyer nvarchar(20), FCost money, FWeight float, FDate datetime, FPaid bit, [Remark, own]
 /// nvarchar(max), FData varbinary(8).
 inline RecordsetPtr SampleRows() {
-  const auto rows = std::make_shared<Recordset>(std::vector<Field>{
+  RecordsetBuilder rows({
       {.name = "FID", .type = FieldType::kInt, .nullable = false},
       {.name = "FBuyer", .type = FieldType::kNVarChar, .size = 20},
       {.name = "FCost", .type = FieldType::kMoney, .precision = 19, .scale = 4},
@@ -77,18 +78,17 @@ inline RecordsetPtr SampleRows() {
                 {nullptr, -1'0000, 0.1, "2023-12-31", -1, "a\tb"},
                 {"O'Neil 50%", 0, 3, "2024-01-02", 0, ""}};
   for (std::int32_t id = 1; const auto& order : orders) {
-    rows->BeginRow();
-    rows->AppendInteger(id++);
-    order.buyer == nullptr ? rows->AppendNull() : rows->AppendText(order.buyer);
-    rows->AppendScaled(order.cost);
-    rows->AppendDouble(order.weight);
-    order.date == nullptr ? rows->AppendNull() : rows->AppendDateTime(DateTime::Parse(order.date).value());
-    order.paid < 0 ? rows->AppendNull() : rows->AppendInteger(order.paid);
-    rows->AppendText(order.remark);
-    rows->AppendBytes("\x01\xAB", 2);
+    rows.BeginRow();
+    rows.AppendInteger(id++);
+    order.buyer == nullptr ? rows.AppendNull() : rows.AppendText(order.buyer);
+    rows.AppendScaled(order.cost);
+    rows.AppendDouble(order.weight);
+    order.date == nullptr ? rows.AppendNull() : rows.AppendDateTime(DateTime::Parse(order.date).value());
+    order.paid < 0 ? rows.AppendNull() : rows.AppendInteger(order.paid);
+    rows.AppendText(order.remark);
+    rows.AppendBytes("\x01\xAB", 2);
   }
-  rows->Finish();
-  return rows;
+  return rows.Finish();
 }
 
 /// The recordset's object; for fields and values see Value.

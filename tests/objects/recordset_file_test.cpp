@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include "objects/object_support.h"
+#include "platform/recordset_builder.h"
 #include "platform/text.h"
 #include "support/full_disk.h"
 #include "support/shell.h"
@@ -54,13 +55,12 @@ TEST_F(RecordsetFileTest, XmlHoldsOddNamesAndCharacters) {
   const std::vector<std::string> names = {"c2", "c 2", "fid", "FID", "fid", "", "订单", "a'<&>\"b", "1st", "c2_"};
   std::vector<Field> fields;
   for (const std::string& name : names) fields.push_back({.name = name});
-  Recordset rows(fields);
+  RecordsetBuilder rows(fields);
   rows.BeginRow();
   const std::vector<std::string> values = {"<&>'\"", "\r\n\t", "\x01\x1F\x7F", "\xEF\xBF\xBF", "\xC3(",
                                            "张 😀",   "",       "  ",           "]]>",          "a"};
   for (const std::string& value : values) rows.AppendText(value);
-  rows.Finish();
-  SaveRecordset(RecordsetView(std::make_shared<Recordset>(std::move(rows))), path_, true);
+  SaveRecordset(RecordsetView(rows.Finish()), path_, true);
   const std::string saved = Saved();
   for (const char* name : {"name='c2'", "name='c2__' rs:name='c 2'", "name='fid'", "name='FID'",
                            "name='c5' rs:name='fid'", "name='c6' rs:name=''", "name='c7' rs:name='订单'",
@@ -72,17 +72,16 @@ TEST_F(RecordsetFileTest, XmlHoldsOddNamesAndCharacters) {
 }
 
 TEST_F(RecordsetFileTest, XmlKeepsEveryDigitAndMillisecond) {
-  Recordset rows({{.name = "real", .type = FieldType::kFloat},
-                  {.name = "single", .type = FieldType::kReal},
-                  {.name = "at", .type = FieldType::kDateTime},
-                  {.name = "day", .type = FieldType::kDate},
-                  {.name = "hour", .type = FieldType::kTime}});
+  RecordsetBuilder rows({{.name = "real", .type = FieldType::kFloat},
+                         {.name = "single", .type = FieldType::kReal},
+                         {.name = "at", .type = FieldType::kDateTime},
+                         {.name = "day", .type = FieldType::kDate},
+                         {.name = "hour", .type = FieldType::kTime}});
   rows.BeginRow();
   rows.AppendDouble(0.1 + 0.2);
   rows.AppendDouble(static_cast<double>(1.1F));
   for (int i = 0; i < 3; ++i) rows.AppendDateTime(DateTime::Parse("1899-12-31 23:59:58.997").value());
-  rows.Finish();
-  SaveRecordset(RecordsetView(std::make_shared<Recordset>(std::move(rows))), path_, true);
+  SaveRecordset(RecordsetView(rows.Finish()), path_, true);
   EXPECT_THAT(Saved(), HasSubstr("<z:row real='0.30000000000000004' single='1.1' at='1899-12-31T23:59:58.997' "
                                  "day='1899-12-31' hour='23:59:58.997'/>"));
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 
+#include "platform/recordset_builder.h"
 #include "support/error_of.h"
 
 namespace tessarlorn {
@@ -11,36 +12,37 @@ namespace {
 Field Make(const char* name, FieldType type, int scale = 0) { return {.name = name, .type = type, .scale = scale}; }
 
 TEST(RecordsetTest, GivesEachValueBackInTheTypeOfItsField) {
-  Recordset rows({Make("FFlag", FieldType::kBit), Make("FSmall", FieldType::kSmallInt), Make("FID", FieldType::kInt),
-                  Make("FBig", FieldType::kBigInt), Make("FWeight", FieldType::kFloat),
-                  Make("FPrice", FieldType::kMoney, 4), Make("FCode", FieldType::kDecimal, 2),
-                  Make("FTime", FieldType::kDateTime), Make("FName", FieldType::kNVarChar),
-                  Make("FData", FieldType::kVarBinary)});
+  RecordsetBuilder builder({Make("FFlag", FieldType::kBit), Make("FSmall", FieldType::kSmallInt),
+                            Make("FID", FieldType::kInt), Make("FBig", FieldType::kBigInt),
+                            Make("FWeight", FieldType::kFloat), Make("FPrice", FieldType::kMoney, 4),
+                            Make("FCode", FieldType::kDecimal, 2), Make("FTime", FieldType::kDateTime),
+                            Make("FName", FieldType::kNVarChar), Make("FData", FieldType::kVarBinary)});
   const Decimal code = Decimal::Parse("-123456789012345678901234567890123456.78").value();
   const std::string long_text(1000, 'x');
-  rows.BeginRow();
-  rows.AppendInteger(1);
-  rows.AppendInteger(-5);
-  rows.AppendInteger(127);
-  rows.AppendInteger(std::numeric_limits<std::int64_t>::min());
-  rows.AppendDouble(0.25);
-  rows.AppendScaled(-12'5000);
-  rows.AppendDecimal(code);
-  rows.AppendDateTime(DateTime::Parse("1899-12-31 23:00").value());
-  rows.AppendText(long_text);
-  rows.AppendBytes("\0\xFF", 2);
-  rows.BeginRow();
-  rows.AppendNull();
-  rows.AppendInteger(300);
-  rows.AppendInteger(128);
-  rows.AppendInteger(7);
-  rows.AppendInteger(2);
-  rows.AppendInteger(3);
-  rows.AppendNull();
-  rows.AppendNull();
-  rows.AppendText("");
-  rows.AppendBytes("", 0);
-  rows.Finish();
+  builder.BeginRow();
+  builder.AppendInteger(1);
+  builder.AppendInteger(-5);
+  builder.AppendInteger(127);
+  builder.AppendInteger(std::numeric_limits<std::int64_t>::min());
+  builder.AppendDouble(0.25);
+  builder.AppendScaled(-12'5000);
+  builder.AppendDecimal(code);
+  builder.AppendDateTime(DateTime::Parse("1899-12-31 23:00").value());
+  builder.AppendText(long_text);
+  builder.AppendBytes("\0\xFF", 2);
+  builder.BeginRow();
+  builder.AppendNull();
+  builder.AppendInteger(300);
+  builder.AppendInteger(128);
+  builder.AppendInteger(7);
+  builder.AppendInteger(2);
+  builder.AppendInteger(3);
+  builder.AppendNull();
+  builder.AppendNull();
+  builder.AppendText("");
+  builder.AppendBytes("", 0);
+  const RecordsetPtr made = builder.Finish();
+  Recordset& rows = *made;
 
   ASSERT_EQ(rows.RecordCount(), 2U);
   EXPECT_TRUE(rows.Get("fflag").holds<bool>());
@@ -79,15 +81,16 @@ TEST(RecordsetTest, KeepsRowsWholeAcrossChunks) {
   const auto text_of = [](std::size_t row) {
     return std::string(row == kLongRow ? 3'000'000 : row % 1500, static_cast<char>('a' + row % 26));
   };
-  Recordset rows(
+  RecordsetBuilder builder(
       {Make("FID", FieldType::kInt), Make("FName", FieldType::kNVarChar), Make("FNote", FieldType::kNVarChar)});
   for (std::size_t row = 0; row < kRows; ++row) {
-    rows.BeginRow();
-    rows.AppendInteger(static_cast<std::int64_t>(row));
-    rows.AppendText(text_of(row));
-    rows.AppendText("end");
+    builder.BeginRow();
+    builder.AppendInteger(static_cast<std::int64_t>(row));
+    builder.AppendText(text_of(row));
+    builder.AppendText("end");
   }
-  rows.Finish();
+  const RecordsetPtr made = builder.Finish();
+  Recordset& rows = *made;
   ASSERT_EQ(rows.RecordCount(), kRows);
   for (std::size_t row = 0; !rows.eof(); rows.MoveNext(), ++row) {
     ASSERT_EQ(rows.Get(0).ToInt32(), static_cast<std::int32_t>(row));
@@ -100,13 +103,14 @@ TEST(RecordsetTest, KeepsRowsWholeAcrossChunks) {
 }
 
 TEST(RecordsetTest, RefusesWhatIsNotThere) {
-  Recordset rows({Make("FID", FieldType::kInt)});
+  RecordsetBuilder builder({Make("FID", FieldType::kInt)});
+  Recordset& rows = builder.rows();
   const auto number_of = [](const auto& action) { return ErrorOf(action).number(); };
   EXPECT_EQ(number_of([&] { (void)rows.Get(0); }), error_number::kNoCurrentRecord);
   EXPECT_EQ(number_of([&] { rows.MoveNext(); }), error_number::kNoCurrentRecord);
-  rows.BeginRow();
-  rows.AppendInteger(1);
-  rows.Finish();
+  builder.BeginRow();
+  builder.AppendInteger(1);
+  builder.Finish();
   EXPECT_EQ(number_of([&] { (void)rows.Get(1); }), error_number::kItemNotFound);
   EXPECT_EQ(number_of([&] { (void)rows.Get("FName"); }), error_number::kItemNotFound);
   EXPECT_EQ(number_of([&] { rows.MoveTo(2); }), error_number::kNoCurrentRecord);

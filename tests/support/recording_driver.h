@@ -10,6 +10,7 @@
 
 #include "platform/client_address.h"
 #include "platform/clock.h"
+#include "platform/recordset_builder.h"
 #include "support/error_of.h"
 #include "tessarlorn/collections.h"
 #include "tessarlorn/error.h"
@@ -47,13 +48,12 @@ inline RecordsetPtr TextRows(const std::vector<std::string>& names, const std::v
   std::vector<Field> fields;
   fields.reserve(names.size());
   for (const std::string& name : names) fields.push_back({.name = name});
-  auto result = std::make_shared<Recordset>(fields);
+  RecordsetBuilder result(fields);
   for (const auto& row : rows) {
-    result->BeginRow();
-    for (const char* cell : row) cell == nullptr ? result->AppendNull() : result->AppendText(cell);
+    result.BeginRow();
+    for (const char* cell : row) cell == nullptr ? result.AppendNull() : result.AppendText(cell);
   }
-  result->Finish();
-  return result;
+  return result.Finish();
 }
 
 class RecordingConnection : public Connection {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "hosts/tds/messages/login.h"
+#include "platform/recordset_builder.h"
 #include "platform/text.h"
 #include "support/sample_database.h"
 #include "tds/tds_support.h"
@@ -113,9 +114,10 @@ TEST_F(ValuesTest, OlderClientsGetWhatTheyKnow) {
 }
 
 TEST_F(ValuesTest, AValueThatDoesNotFitIsAnErrorBehindWholeRows) {
-  Recordset rows({{.name = "v", .type = FieldType::kNVarChar, .size = 10}});
-  rows.BeginRow();
-  rows.AppendText(std::string(4001, 'x'));
+  RecordsetBuilder builder({{.name = "v", .type = FieldType::kNVarChar, .size = 10}});
+  builder.BeginRow();
+  builder.AppendText(std::string(4001, 'x'));
+  Recordset& rows = builder.rows();
   const RowWriter row_writer(rows, true, TdsVersion());
   TdsWriter writer;
   writer.U8(7);

@@ -129,7 +129,7 @@ std::int64_t WholeNumber(const Variant& value, const Field& field) {
   return *number;
 }
 
-void Append(Recordset& rows, const Field& field, const VARIANT& cell) {
+void Append(RecordsetBuilder& rows, const Field& field, const VARIANT& cell) {
   const Variant value = com::FromPlainVariant(cell);
   if (value.is_null() || value.is_empty()) {
     rows.AppendNull();
@@ -189,7 +189,7 @@ void Append(Recordset& rows, const Field& field, const VARIANT& cell) {
 }
 
 /// Fields are the block's first dimension, rows its second one.
-void AppendBlock(Recordset& rows, const VARIANT& block) {
+void AppendBlock(RecordsetBuilder& rows, const VARIANT& block) {
   if (block.vt != (VT_ARRAY | VT_VARIANT)) RaiseTypeMismatch();
   const com::ArrayAccess access(block.parray);
   const std::vector<Field>& fields = rows.fields();
@@ -203,7 +203,7 @@ void AppendBlock(Recordset& rows, const VARIANT& block) {
 
 }  // namespace
 
-void AdoRows::Read(Recordset& rows) {
+void AdoRows::Read(RecordsetBuilder& rows) {
   VARIANT left_out{};
   left_out.vt = VT_ERROR;
   left_out.scode = DISP_E_PARAMNOTFOUND;

@@ -8,6 +8,7 @@
 #include "com_base/apartment.h"
 #include "com_base/pointers.h"
 #include "drivers/ado/ado_interfaces.h"
+#include "platform/recordset_builder.h"
 #include "tessarlorn/recordset.h"
 
 namespace tessarlorn::ado {
@@ -18,7 +19,7 @@ class AdoRows final : public RowSource {
   /// @pre not nullptr, open, at the client
   explicit AdoRows(com::Pointer<IAdoRecordset> rows) : rows_(std::move(rows)) {}
 
-  void Read(Recordset& rows) override;
+  void Read(RecordsetBuilder& rows) override;
   void Detach() override;
   /// ADO's own object.
   [[nodiscard]] const com::Pointer<IAdoRecordset>& recordset() const noexcept { return rows_; }

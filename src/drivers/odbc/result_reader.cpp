@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "drivers/odbc/odbc_error.h"
+#include "platform/recordset_builder.h"
 #include "platform/unicode/utf16.h"
 #include "tessarlorn/date_time.h"
 #include "tessarlorn/decimal.h"
@@ -183,20 +184,16 @@ void ResultReader::Read(SQLSMALLINT columns, bool one_by_one, RecordsetPtr& rows
       std::find_if(columns_.begin(), columns_.end(), [](const Column& column) { return column.is_long; });
   const auto bound = static_cast<std::size_t>(first_long - columns_.begin());
   Bind(bound, one_by_one);
-  rows = std::make_shared<Recordset>(std::move(fields));
+  RecordsetBuilder builder(std::move(fields));
   try {
     if (bound == columns_.size()) {
-      ReadBlocks(*rows);
+      ReadBlocks(builder);
     } else {
-      ReadRowByRow(*rows, bound);
+      ReadRowByRow(builder, bound);
     }
-    rows->Finish();
+    rows = builder.Finish();
   } catch (const Error&) {
-    if (std::exchange(in_row_, false)) {
-      rows = nullptr;
-    } else {
-      rows->Finish();
-    }
+    if (!std::exchange(in_row_, false)) rows = builder.Finish();
     throw;
   }
   SQLFreeStmt(statement_, SQL_UNBIND);
@@ -230,7 +227,7 @@ void ResultReader::Bind(std::size_t bound, bool one_by_one) {
   }
 }
 
-void ResultReader::ReadBlocks(Recordset& rows) {
+void ResultReader::ReadBlocks(RecordsetBuilder& rows) {
   for (;;) {
     std::fill(row_states_.begin(), row_states_.end(), SQLUSMALLINT{SQL_ROW_NOROW});
     const SQLRETURN result = SQLFetch(statement_);
@@ -245,7 +242,7 @@ void ResultReader::ReadBlocks(Recordset& rows) {
   }
 }
 
-void ResultReader::AppendBlock(Recordset& rows, std::size_t count) {
+void ResultReader::AppendBlock(RecordsetBuilder& rows, std::size_t count) {
   const auto* row = reinterpret_cast<const std::uint8_t*>(buffer_.get());
   for (std::size_t i = 0; i < count; ++i, row += row_size_) {
     in_row_ = true;
@@ -255,7 +252,7 @@ void ResultReader::AppendBlock(Recordset& rows, std::size_t count) {
   }
 }
 
-void ResultReader::ReadRowByRow(Recordset& rows, std::size_t bound) {
+void ResultReader::ReadRowByRow(RecordsetBuilder& rows, std::size_t bound) {
   const auto* const row = reinterpret_cast<const std::uint8_t*>(buffer_.get());
   while (check_(SQLFetch(statement_)) != SQL_NO_DATA) {
     in_row_ = true;
@@ -266,7 +263,7 @@ void ResultReader::ReadRowByRow(Recordset& rows, std::size_t bound) {
   }
 }
 
-void ResultReader::AppendBound(Recordset& rows, const Column& column, const std::uint8_t* cell) {
+void ResultReader::AppendBound(RecordsetBuilder& rows, const Column& column, const std::uint8_t* cell) {
   SQLLEN length = 0;
   std::memcpy(&length, cell, sizeof length);
   if (length == SQL_NULL_DATA) {
@@ -281,7 +278,7 @@ void ResultReader::AppendBound(Recordset& rows, const Column& column, const std:
 }
 
 /// Reads a value of any length part by part.
-void ResultReader::AppendLong(Recordset& rows, SQLUSMALLINT number) {
+void ResultReader::AppendLong(RecordsetBuilder& rows, SQLUSMALLINT number) {
   const Column& column = columns_[number - 1U];
   const std::size_t mark = column.transfer == Transfer::kText ? sizeof(SQLWCHAR) : 0;
   std::size_t size = 0;
@@ -305,7 +302,7 @@ void ResultReader::AppendLong(Recordset& rows, SQLUSMALLINT number) {
   Append(rows, column, long_value_.data(), size);
 }
 
-void ResultReader::Append(Recordset& rows, const Column& column, const std::uint8_t* value, std::size_t size) {
+void ResultReader::Append(RecordsetBuilder& rows, const Column& column, const std::uint8_t* value, std::size_t size) {
   const auto copy = [value](auto number) {
     std::memcpy(&number, value, sizeof number);
     return number;
@@ -341,7 +338,7 @@ void ResultReader::Append(Recordset& rows, const Column& column, const std::uint
 }
 
 /// Digits with an optional sign and point; a driver may leave out the zero before the point.
-void ResultReader::AppendNumber(Recordset& rows, const Column& column, std::string_view digits) {
+void ResultReader::AppendNumber(RecordsetBuilder& rows, const Column& column, std::string_view digits) {
   constexpr int kMostDigits = 18;
   std::int64_t coefficient = 0;
   int count = 0;

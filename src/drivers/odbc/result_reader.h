@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "drivers/odbc/odbc_handle.h"
+#include "platform/recordset_builder.h"
 #include "tessarlorn/recordset.h"
 
 namespace tessarlorn::odbc {
@@ -56,14 +57,14 @@ class ResultReader {
   Column Describe(SQLUSMALLINT number);
   [[nodiscard]] bool IsMoney(SQLUSMALLINT number);
   void Bind(std::size_t bound, bool one_by_one);
-  void ReadBlocks(Recordset& rows);
-  void AppendBlock(Recordset& rows, std::size_t count);
-  void ReadRowByRow(Recordset& rows, std::size_t bound);
-  void AppendBound(Recordset& rows, const Column& column, const std::uint8_t* cell);
-  void AppendLong(Recordset& rows, SQLUSMALLINT number);
+  void ReadBlocks(RecordsetBuilder& rows);
+  void AppendBlock(RecordsetBuilder& rows, std::size_t count);
+  void ReadRowByRow(RecordsetBuilder& rows, std::size_t bound);
+  void AppendBound(RecordsetBuilder& rows, const Column& column, const std::uint8_t* cell);
+  void AppendLong(RecordsetBuilder& rows, SQLUSMALLINT number);
   /// @param size in bytes
-  void Append(Recordset& rows, const Column& column, const std::uint8_t* value, std::size_t size);
-  void AppendNumber(Recordset& rows, const Column& column, std::string_view digits);
+  void Append(RecordsetBuilder& rows, const Column& column, const std::uint8_t* value, std::size_t size);
+  void AppendNumber(RecordsetBuilder& rows, const Column& column, std::string_view digits);
 
   SQLHSTMT statement_;
   const CheckResult& check_;

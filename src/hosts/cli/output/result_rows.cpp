@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "hosts/cli/console/usage_error.h"
+#include "platform/recordset_builder.h"
 #include "platform/text.h"
 #include "tessarlorn/collections.h"
 
@@ -58,7 +59,7 @@ std::string RowsJson(Recordset& rows) {
   return text + "]";
 }
 
-void AppendCell(Recordset& rows, const Variant& value) {
+void AppendCell(RecordsetBuilder& rows, const Variant& value) {
   if (value.is_null() || value.is_empty()) {
     rows.AppendNull();
   } else {
@@ -66,10 +67,10 @@ void AppendCell(Recordset& rows, const Variant& value) {
   }
 }
 
-std::shared_ptr<Recordset> TextFields(const std::vector<std::string>& names) {
+RecordsetBuilder TextFields(const std::vector<std::string>& names) {
   std::vector<Field> fields(names.size());
   for (std::size_t i = 0; i < names.size(); ++i) fields[i].name = names[i];
-  return std::make_shared<Recordset>(fields);
+  return RecordsetBuilder(fields);
 }
 
 RecordsetPtr RowsOfItems(const Vector& items) {
@@ -86,17 +87,16 @@ RecordsetPtr RowsOfItems(const Vector& items) {
     }
   }
   if (!all_dictionaries) keys = {"Item"};
-  auto rows = TextFields(keys);
+  RecordsetBuilder rows = TextFields(keys);
   for (const Variant& item : items) {
-    rows->BeginRow();
+    rows.BeginRow();
     if (!all_dictionaries) {
-      AppendCell(*rows, item);
+      AppendCell(rows, item);
       continue;
     }
-    for (const std::string& key : keys) AppendCell(*rows, item.ToDictionary()->GetValue(key));
+    for (const std::string& key : keys) AppendCell(rows, item.ToDictionary()->GetValue(key));
   }
-  rows->Finish();
-  return rows;
+  return rows.Finish();
 }
 
 }  // namespace
@@ -125,19 +125,18 @@ RecordsetPtr RowsOf(const Variant& value) {
   if (RecordsetPtr rows = value.ToRecordset()) return rows;
   if (const std::shared_ptr<Vector> items = value.ToVector()) return RowsOfItems(*items);
   const std::shared_ptr<Dictionary> dictionary = value.ToDictionary();
-  auto rows = dictionary ? TextFields({"Key", "Value"}) : TextFields({"Result"});
+  RecordsetBuilder rows = dictionary ? TextFields({"Key", "Value"}) : TextFields({"Result"});
   if (dictionary) {
     for (const auto& [key, entry] : *dictionary) {
-      rows->BeginRow();
-      rows->AppendText(key);
-      AppendCell(*rows, entry);
+      rows.BeginRow();
+      rows.AppendText(key);
+      AppendCell(rows, entry);
     }
   } else {
-    rows->BeginRow();
-    AppendCell(*rows, value);
+    rows.BeginRow();
+    AppendCell(rows, value);
   }
-  rows->Finish();
-  return rows;
+  return rows.Finish();
 }
 
 std::string CellText(const Variant& value, FieldType type, CellStyle style) {

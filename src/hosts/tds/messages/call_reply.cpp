@@ -1,6 +1,7 @@
 #include "hosts/tds/messages/call_reply.h"
 
 #include "hosts/tds/messages/values.h"
+#include "platform/recordset_builder.h"
 
 namespace tessarlorn::tds {
 namespace {
@@ -30,12 +31,12 @@ void WriteCallEnd(Reply& reply, const DatabaseCall& call, std::int32_t status, c
   for (std::size_t i = call.first_here; i < call.parameters.size(); ++i) {
     const SqlParameter& parameter = call.parameters[i];
     if (!parameter.is_output || parameter.is_default) continue;
-    Recordset value({FieldOfDeclaration(parameter.type)});
-    value.BeginRow();
-    value.Append(parameter.value, 0);
-    value.Finish();
+    RecordsetBuilder builder({FieldOfDeclaration(parameter.type)});
+    builder.BeginRow();
+    builder.Append(parameter.value, 0);
+    const RecordsetPtr value = builder.Finish();
     WriteOutputHead(tokens, parameter.name, i - call.first_here + call.first_of_call);
-    RowWriter(value, false, tokens.version()).WriteTypeAndValue(tokens, value, 0);
+    RowWriter(*value, false, tokens.version()).WriteTypeAndValue(tokens, *value, 0);
   }
 }
 

@@ -1,15 +1,17 @@
 #include "tsql/engine/state/results.h"
 
 #include <memory>
+#include <optional>
 #include <utility>
 
+#include "platform/recordset_builder.h"
 #include "tessarlorn/recordset.h"
 #include "tsql/values/moment.h"
 
 namespace tessarlorn::tsql {
 namespace {
 
-void AppendCell(Recordset& rows, const SqliteStatement& row, int column, const SqlType& type, Storage storage) {
+void AppendCell(RecordsetBuilder& rows, const SqliteStatement& row, int column, const SqlType& type, Storage storage) {
   switch (row.Kind(column)) {
     case SQLITE_NULL:
       rows.AppendNull();
@@ -74,7 +76,6 @@ void Results::BeginBatch(BatchSink& sink, bool first_only) {
 }
 
 void Results::HandOver(RecordsetPtr rows) {
-  rows->Finish();
   any_ = true;
   sink_->Rows(std::move(rows));
 }
@@ -99,7 +100,7 @@ void Results::Read(Compiled& query) {
     Take(query);
     return;
   }
-  RecordsetPtr rows;
+  std::optional<RecordsetBuilder> rows;
   std::vector<Storage> storages;
   const bool keep = wants_more();
   if (keep) {
@@ -109,7 +110,7 @@ void Results::Read(Compiled& query) {
       fields.push_back(ToField(column.name, column.type, column.nullable));
       storages.push_back(column.type.storage());
     }
-    rows = std::make_shared<Recordset>(std::move(fields));
+    rows.emplace(std::move(fields));
   }
   const auto width = static_cast<int>(query.columns.size());
   const bool in_parts = sink_->takes_parts();
@@ -117,8 +118,8 @@ void Results::Read(Compiled& query) {
   while (query.statement.Step(query.verb)) {
     ++row_count_;
     if (!keep) continue;
-    if (in_parts && rows->size() >= kPartSize) {
-      sink_->PartOfRows(*rows);
+    if (in_parts && rows->bytes() >= kPartSize) {
+      sink_->PartOfRows(rows->rows());
       rows->Clear();
     }
     rows->BeginRow();
@@ -127,7 +128,7 @@ void Results::Read(Compiled& query) {
       AppendCell(*rows, query.statement, i, query.columns[column].type, storages[column]);
     }
   }
-  if (keep) HandOver(std::move(rows));
+  if (keep) HandOver(rows->Finish());
 }
 
 void Results::Assign(Compiled& query, Frame& frame) {

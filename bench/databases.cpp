@@ -29,6 +29,11 @@ void Check(sqlite3* database, int status) {
 
 }  // namespace
 
+Host& TheHost() {
+  static Host host;
+  return host;
+}
+
 void SetDataFolder(const std::string& folder) {
   data_folder = folder;
   std::filesystem::create_directories(data_folder);
@@ -46,7 +51,7 @@ std::string SampleFile(int orders) {
   const std::string making = file.string() + ".making";
   for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(making + suffix);
   {
-    const auto connection = OpenConnection("Embedded=" + making + ";Synchronous=Normal");
+    const auto connection = TheHost().OpenConnection("Embedded=" + making + ";Synchronous=Normal");
     ApplySchema(*connection);
     cli::Seed(*connection, {orders, 1}, [](int, int) {});
   }

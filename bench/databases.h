@@ -6,7 +6,12 @@
 #include <string>
 #include <string_view>
 
+#include "tessarlorn/host.h"
+
 namespace tessarlorn::bench {
+
+/// Has the drivers that main() adds.
+Host& TheHost();
 
 /// Where the databases are kept; made when it is not there.
 void SetDataFolder(const std::string& folder);

@@ -39,15 +39,15 @@ std::string MakeDay(const std::string& name) {
 
 template <typename Call>
 void Committed(Call call) {
-  ContainerTransaction transaction;
+  ContainerTransaction transaction(TheHost());
   call();
   transaction.Commit();
 }
 
 /// The seven steps for one list of orders: list, confirm, check, weigh, number and cost, deliver, mark as uploaded.
 void Work(const std::string& dsn, const std::vector<int>& orders) {
-  clsSaveData save;
-  clsGetData get;
+  clsSaveData save(TheHost());
+  clsGetData get(TheHost());
   std::string keys;
   Vector weights;
   Vector numbers;

@@ -11,12 +11,12 @@ constexpr int kOrders = 10000;
 
 void SwitchOurs(benchmark::State& state) {
   const std::string dsn = Dsn(SampleFile(kOrders));
-  clsGetData service;
+  clsGetData service(TheHost());
   for (auto _ : state) benchmark::DoNotOptimize(service.bIsWeightting(dsn));
 }
 
 void SwitchAgainst(benchmark::State& state) {
-  const auto connection = OpenConnection("Embedded=" + SampleFile(kOrders));
+  const auto connection = TheHost().OpenConnection("Embedded=" + SampleFile(kOrders));
   for (auto _ : state) {
     benchmark::DoNotOptimize(
         connection->Execute("select COUNT(1) as flag  from t_SystemProfile where FKey ='ECWeightting' and FValue =1 "));

@@ -23,7 +23,7 @@ std::size_t ReadRecordset(Recordset& rows) {
 
 void ReadList(benchmark::State& state, int orders, const Dictionary& filter) {
   const std::string dsn = Dsn(SampleFile(orders));
-  clsGetData service;
+  clsGetData service(TheHost());
   std::size_t rows = 0;
   for (auto _ : state) {
     const RecordsetPtr list = service.GetListData(dsn, &filter);

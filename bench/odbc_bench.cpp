@@ -33,12 +33,12 @@ ServedDatabase& Served() {
 const std::string& ListText() {
   static const std::string text = [] {
     std::string longest;
-    SetStatementObserver([&longest](std::string_view sent) {
+    TheHost().ObserveStatements([&longest](std::string_view sent) {
       if (sent.size() > longest.size()) longest = sent;
     });
     const Dictionary nothing;
-    clsGetData().GetListData(Dsn(SampleFile(kOrders)), &nothing);
-    SetStatementObserver({});
+    clsGetData(TheHost()).GetListData(Dsn(SampleFile(kOrders)), &nothing);
+    TheHost().ObserveStatements({});
     return longest;
   }();
   return text;
@@ -132,7 +132,7 @@ std::vector<PlainColumn> DescribeAll(SQLHSTMT statement) {
 }
 
 void ListOurs(benchmark::State& state) {
-  const auto connection = OpenConnection(Served().odbc());
+  const auto connection = TheHost().OpenConnection(Served().odbc());
   for (auto _ : state) benchmark::DoNotOptimize(connection->Execute(ListText())->RecordCount());
 }
 
@@ -190,11 +190,11 @@ void ListByGetData(benchmark::State& state) {
 void SmallOurs(benchmark::State& state) {
   const std::string dsn = "Connect={" + ReplaceAll(Served().odbc(), "}", "}}") + "};User=16394";
   for (auto _ : state) {
-    const auto session = SessionFactory::ForThisThread().NewSession();
+    const auto session = SessionFactory::ForThisThread(TheHost()).NewSession();
     session->OpenSession(dsn);
     benchmark::DoNotOptimize(session->GetConnection().Execute(kSmall));
   }
-  SessionFactory::ForThisThread().CloseIdle();
+  TheHost().CloseIdle();
 }
 
 void SmallAgainst(benchmark::State& state) {
@@ -213,7 +213,7 @@ void SmallAgainst(benchmark::State& state) {
 
 void AddOdbcBenchmarks() {
   if (FreeTdsDriver().empty()) return;
-  RegisterOdbcDriver();
+  AddOdbcDriver(TheHost());
   AddRatio("100,000 orders over ODBC : plain block loop", "<= 1.15 x", ListOurs, ListByBlocks);
   AddRatio("100,000 orders over ODBC : plain SQLGetData loop", "<= 0.5 x", ListOurs, ListByGetData);
   AddRatio("one small read over ODBC, session and all : SQLExecDirect", "<= 1.2 x", SmallOurs, SmallAgainst);

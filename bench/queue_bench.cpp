@@ -11,9 +11,9 @@ constexpr int kOrders = 10000;
 void QueueOurs(benchmark::State& state) {
   const std::string dsn = Dsn(SampleCopy(kOrders, "queue-ours"));
   const std::string keys = KeyList(kOrders);
-  clsSaveData service;
+  clsSaveData service(TheHost());
   for (auto _ : state) {
-    ContainerTransaction transaction;
+    ContainerTransaction transaction(TheHost());
     service.UpdateDeliveryData(dsn, keys);
     transaction.Commit();
   }
@@ -35,7 +35,7 @@ void QueueAgainst(benchmark::State& state) {
 void Deliver(benchmark::State& state, int count) {
   const std::string dsn = Dsn(SampleCopy(100000, "deliver-" + std::to_string(count)), ";Synchronous=Normal");
   const Dictionary parameters{{"sDSN", dsn}, {"FID", KeyList(count)}};
-  clsSaveData service;
+  clsSaveData service(TheHost());
   for (auto _ : state) {
     for (int i = 0; i < 100000 / count; ++i) service.Delivery(&parameters);
   }

@@ -139,7 +139,7 @@ class NoRows final : public BatchSink {
 
 /// sp_executesql with five parameters, as the server hands it to the database.
 void ReadWithParameters(benchmark::State& state) {
-  const std::unique_ptr<Connection> connection = OpenConnection("Embedded=" + SampleFile(kOrders));
+  const std::unique_ptr<Connection> connection = TheHost().OpenConnection("Embedded=" + SampleFile(kOrders));
   NoRows sink;
   int key = 0;
   for (auto _ : state) {
@@ -159,7 +159,7 @@ void ReadWithParameters(benchmark::State& state) {
 }
 
 void ReadWithLiterals(benchmark::State& state) {
-  const std::unique_ptr<Connection> connection = OpenConnection("Embedded=" + SampleFile(kOrders));
+  const std::unique_ptr<Connection> connection = TheHost().OpenConnection("Embedded=" + SampleFile(kOrders));
   NoRows sink;
   int key = 0;
   for (auto _ : state) {
@@ -174,7 +174,7 @@ void ReadWithLiterals(benchmark::State& state) {
 
 template <Text kText>
 void ReadInProcess(benchmark::State& state) {
-  const std::unique_ptr<Connection> connection = OpenConnection("Embedded=" + SampleFile(kOrders));
+  const std::unique_ptr<Connection> connection = TheHost().OpenConnection("Embedded=" + SampleFile(kOrders));
   int key = 0;
   for (auto _ : state) {
     for (const RecordsetPtr rows = connection->Execute(kText(++key)); !rows->eof(); rows->MoveNext()) {

@@ -15,9 +15,9 @@ constexpr int kOrders = 10000;
 template <typename Call>
 void RunOurs(benchmark::State& state, const std::string& name, const Call& call) {
   const std::string dsn = Dsn(SampleCopy(kOrders, name));
-  clsSaveData service;
+  clsSaveData service(TheHost());
   for (auto _ : state) {
-    ContainerTransaction transaction;
+    ContainerTransaction transaction(TheHost());
     call(service, dsn);
     transaction.Commit();
   }

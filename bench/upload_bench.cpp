@@ -13,7 +13,7 @@ constexpr int kOrders = 100000;
 
 /// The first orders that have that many lines together.
 std::string OrdersWithLines(int lines) {
-  const auto connection = OpenConnection("Embedded=" + SampleFile(kOrders));
+  const auto connection = TheHost().OpenConnection("Embedded=" + SampleFile(kOrders));
   const RecordsetPtr last = connection->Execute("SELECT MAX(FID) FROM (SELECT TOP " + std::to_string(lines) +
                                                 " FID FROM IC_Web2ERPOrdersEntry ORDER BY FID) t");
   return KeyList(last->Get(std::size_t{0}).ToInt32());
@@ -22,7 +22,7 @@ std::string OrdersWithLines(int lines) {
 void Upload(benchmark::State& state, int lines) {
   const std::string dsn = Dsn(SampleFile(kOrders));
   const std::string keys = OrdersWithLines(lines);
-  clsGetData service;
+  clsGetData service(TheHost());
   for (auto _ : state) benchmark::DoNotOptimize(service.GetUploadDataByFID(dsn, keys));
 }
 
@@ -33,13 +33,13 @@ void UploadFew(benchmark::State& state) { Upload(state, 10000); }
 void UploadQueries(benchmark::State& state) {
   const std::string dsn = Dsn(SampleFile(kOrders));
   std::vector<std::string> queries;
-  SetStatementObserver([&queries](std::string_view text) { queries.emplace_back(text); });
-  clsGetData service;
+  TheHost().ObserveStatements([&queries](std::string_view text) { queries.emplace_back(text); });
+  clsGetData service(TheHost());
   service.GetUploadDataByFID(dsn, OrdersWithLines(100000));
-  SetStatementObserver({});
+  TheHost().ObserveStatements({});
   queries.erase(queries.begin(), queries.end() - 3);
   for (auto _ : state) {
-    const auto session = SessionFactory::ForThisThread().NewSession();
+    const auto session = SessionFactory::ForThisThread(TheHost()).NewSession();
     session->OpenSession(dsn);
     for (const std::string& query : queries) benchmark::DoNotOptimize(session->GetConnection().Execute(query));
   }
@@ -48,7 +48,7 @@ void UploadQueries(benchmark::State& state) {
 void Index(benchmark::State& state, int orders) {
   const std::string dsn = Dsn(SampleFile(kOrders));
   const Dictionary parameters{{"sDSN", dsn}, {"FID", KeyList(orders)}};
-  clsSaveData service;
+  clsSaveData service(TheHost());
   for (auto _ : state) benchmark::DoNotOptimize(service.GetUniqueCodeIndex(&parameters));
 }
 

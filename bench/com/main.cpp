@@ -208,8 +208,9 @@ void MeasureReading(clsGetData& native, IDispatch* reads) {
 }
 
 void MeasureAll() {
-  RegisterEmbeddedDriver();
-  clsGetData native;
+  Host host;
+  AddEmbeddedDriver(host);
+  clsGetData native(host);
   const Pointer<IDispatch> reads = Create(L"TessarLornPickingAndDelivery.clsGetData");
   for (const std::string& sql :
        {std::string("create table IC_Web2ERPOrdersEntry (FID int primary key, FStockID int)"), WideTable()}) {

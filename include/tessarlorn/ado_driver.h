@@ -1,9 +1,11 @@
 // The driver of databases that Windows reaches through ADO.
 #pragma once
 
+#include "tessarlorn/host.h"
+
 namespace tessarlorn {
 
-/// Registers the driver for strings that have the key `Provider`:
+/// Adds the driver for strings that have the key `Provider`:
 ///
 ///     Provider=SQLOLEDB;Data Source=db1;Initial Catalog=erp;User ID=shop;Password="…"
 ///
@@ -11,6 +13,6 @@ namespace tessarlorn {
 /// 15), and `StatementTimeout`, how many seconds a batch may take before it is ended with 0x80040E31 (default 0: as
 /// long as it takes). Errors are ADO's own: number, Source and
 /// description as its Errors collection has them.
-void RegisterAdoDriver();
+void AddAdoDriver(Host& host);
 
 }  // namespace tessarlorn

@@ -34,7 +34,7 @@ struct InstanceState;
 /// sFKey; names of work tables; the names and lists of fields in ICClassTableInfo.
 class clsGetData {
  public:
-  clsGetData();
+  explicit clsGetData(Host& host);
   clsGetData(const clsGetData&) = delete;
   clsGetData& operator=(const clsGetData&) = delete;
   ~clsGetData() = default;
@@ -261,6 +261,7 @@ class clsGetData {
   bool ReadSwitch(const Contract& contract, std::string_view dsn, std::string_view key);
   [[nodiscard]] InstanceState State() noexcept;
 
+  Host& host_;
   SessionContext context_;
   std::shared_ptr<DataSession> session_;
 };

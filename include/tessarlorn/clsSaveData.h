@@ -28,7 +28,7 @@ struct InstanceState;
 /// condition sFiter. Nor does it change what the log operations get: the web-order component makes its own SQL.
 class clsSaveData {
  public:
-  clsSaveData();
+  explicit clsSaveData(Host& host);
   clsSaveData(const clsSaveData&) = delete;
   clsSaveData& operator=(const clsSaveData&) = delete;
   ~clsSaveData() = default;
@@ -197,6 +197,7 @@ class clsSaveData {
   bool ChangePickingMark(const Dictionary* dctPara, const PickingMark& mark);
   [[nodiscard]] InstanceState State() noexcept;
 
+  Host& host_;
   SessionContext context_;
   std::shared_ptr<DataSession> session_;
 };

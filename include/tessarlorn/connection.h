@@ -1,4 +1,4 @@
-// What a database driver supplies: a connection that runs batches of Transact-SQL, and the driver that opens it.
+// A connection to a database, which runs batches of Transact-SQL.
 #pragma once
 
 #include <atomic>
@@ -21,6 +21,15 @@ using ResultSink = std::function<void(RecordsetPtr)>;
 /// What a batch's own statements did to the transaction.
 enum class TransactionEvent : std::uint8_t { kBegun, kCommitted, kRolledBack };
 
+/// Takes a text on the thread that runs a batch.
+using TextObserver = std::function<void(std::string_view)>;
+
+/// Who listens to all batches of a host.
+struct BatchObservers {
+  TextObserver statements;
+  TextObserver messages;
+};
+
 /// Takes all that a batch answers, in its order and on the thread that runs it. What a function raises ends the batch.
 /// Who wants the results only overrides Rows().
 class BatchSink {
@@ -40,13 +49,17 @@ class BatchSink {
   /// A statement changed so many rows. Not called while the session's NOCOUNT is on.
   virtual void RowCount(std::int64_t /*rows*/) {}
   /// PRINT, or an error of a severity up to 10; `about` has its number (0 for PRINT), severity and place. By default
-  /// the text goes to the process's message observer.
+  /// the text goes to the host's message observer.
   virtual void Message(std::string_view text, const NativeError& about);
   /// An error that ended its statement and not the batch. True when it is dealt with here; otherwise the batch raises
   /// the first one at its end.
   virtual bool StatementFailed(const Error& /*error*/) { return false; }
   /// Called by drivers that know.
   virtual void Transaction(TransactionEvent /*event*/) {}
+
+ private:
+  friend class Connection;
+  const BatchObservers* observers_ = nullptr;
 };
 
 /// An open connection. One thread at a time, but for Cancel(). All functions raise `Error` with the numbers of
@@ -90,41 +103,15 @@ class Connection {
   /// Output values and the status are there when it returns, those of a command that fails may be.
   /// @param first_only the caller wants the first row-returning result; later ones are run but need not be kept.
   virtual void Run(SqlCommand& command, bool first_only, BatchSink& sink) = 0;
+
+ private:
+  friend class Host;
+  void RunObserved(SqlCommand& command, bool first_only, BatchSink& sink);
+  const BatchObservers* observers_ = nullptr;
 };
-
-/// Called with each batch, or procedure's name, just before it goes to the database, on the thread that runs it. For
-/// the whole process; set it before the first connection is used. An empty function ends it.
-using StatementObserver = std::function<void(std::string_view)>;
-void SetStatementObserver(StatementObserver observer);
-
-/// Called with each message that a batch sends beside its results (PRINT), on the thread that runs it. For the whole
-/// process; set it before the first connection is used. An empty function ends it.
-using MessageObserver = std::function<void(std::string_view)>;
-void SetMessageObserver(MessageObserver observer);
-/// For drivers: hands a message to the observer.
-void ReportMessage(std::string_view message);
 
 /// From now on `slot` holds the connection that runs a batch on the calling thread, else nullptr. A signal handler may
 /// take it out, cancel it and put it back: the batch does not end before. The slot must outlive the thread's batches.
 void ShowRunningConnection(std::atomic<Connection*>* slot);
-
-/// Opens connections for the database strings that have one of its keys. Used by several threads at once.
-class Driver {
- public:
-  virtual ~Driver() = default;
-  /// The keys that mark this driver's strings, as "Embedded" for `Embedded=orders.db`.
-  [[nodiscard]] virtual std::vector<std::string> Keys() const = 0;
-  [[nodiscard]] virtual std::unique_ptr<Connection> Open(std::string_view database_string) = 0;
-};
-
-/// Adds a driver for the process; a later one with the same key takes its place.
-void RegisterDriver(std::shared_ptr<Driver> driver);
-/// The key that decides which driver opens the string: "Provider" wherever it stands, as providers have keys of their
-/// own; else the first that is a driver's; "" when there is none. What stands in quotes or braces behind a key is its
-/// value.
-std::string DecidingKey(std::string_view database_string);
-/// Opens a connection with the driver of the string's deciding key. Raises 0x80040E4D naming the string's first key
-/// when there is none, and whatever the driver raises.
-std::unique_ptr<Connection> OpenConnection(std::string_view database_string);
 
 }  // namespace tessarlorn

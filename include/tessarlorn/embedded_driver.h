@@ -1,21 +1,19 @@
 // The driver of the embedded database: Transact-SQL on SQLite, in this process.
 #pragma once
 
-#include <memory>
-
-#include "tessarlorn/connection.h"
+#include "tessarlorn/host.h"
 
 namespace tessarlorn {
 
-/// Registers the driver for strings that have the key `Embedded`:
+/// Adds the driver for strings that have the key `Embedded`:
 ///
 ///     Embedded=orders.db;Timeout=30;Synchronous=Full
 ///
 /// `Embedded` is a file, made when it is not there; `:memory:` or `:memory:NAME` a database of this process that lives
-/// as long as a connection to it does (the idle ones of a SessionFactory included). `Timeout` is how many seconds a
+/// as long as a connection to it does (the idle ones of a host included). `Timeout` is how many seconds a
 /// writer waits for another one (0 to 3600, default 30). `Synchronous=Normal` gives up that a commit outlives a power
 /// cut, but never the file's soundness; default `Full`. An unknown key or value, a folder that is not there and a file
 /// that is no database raise 0x80040E4D or 0x80004005 with a text that names it.
-void RegisterEmbeddedDriver();
+void AddEmbeddedDriver(Host& host);
 
 }  // namespace tessarlorn

@@ -69,10 +69,10 @@ const Operation* FindOperation(ServiceClass service, std::string_view name);
 /// a time.
 class ServiceObject {
  public:
-  explicit ServiceObject(ServiceClass service);
+  ServiceObject(Host& host, ServiceClass service);
   /// By class name or ProgID ("TessarLornPickingAndDelivery.clsSaveData"), without regard to case. Raises 429 naming it
   /// when there is no such class.
-  explicit ServiceObject(std::string_view class_name);
+  ServiceObject(Host& host, std::string_view class_name);
 
   [[nodiscard]] ServiceClass service() const noexcept {
     return std::holds_alternative<clsSaveData>(instance_) ? ServiceClass::kSaveData : ServiceClass::kGetData;

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "tessarlorn/connection.h"
+#include "tessarlorn/host.h"
 
 namespace tessarlorn {
 
@@ -55,6 +55,11 @@ class DataSession {
   [[nodiscard]] Connection& GetConnection();
   /// A second connection to the same database, outside the container's transaction. Raises 91 when not open.
   [[nodiscard]] Connection& GetAlternateConnection();
+  /// Whose drivers open the connections.
+  [[nodiscard]] Host& host() const noexcept;
+
+  /// The session on which neighbours work: the one of the call that is under way on this thread, or nullptr.
+  [[nodiscard]] static DataSession* Current() noexcept;
 
  private:
   friend class SessionFactory;
@@ -68,56 +73,45 @@ class DataSession {
   std::shared_ptr<Connection> alternate_;
 };
 
-/// Makes sessions; one per thread, created on first use. The connections that sessions gave back are handed out again
-/// for the same database string, clean and to any thread, so that a session does not cost a login.
+/// Makes sessions; one per thread and host, created on first use. The connections that sessions gave back are handed
+/// out again for the same database string, clean and to any thread, so that a session does not cost a login.
 class SessionFactory {
  public:
-  static SessionFactory& ForThisThread();
+  static SessionFactory& ForThisThread(Host& host);
   ~SessionFactory();
 
   [[nodiscard]] std::shared_ptr<DataSession> NewSession();
 
-  /// The session on which siblings work: the one of the call that is under way on this thread, or nullptr.
-  [[nodiscard]] DataSession* current() const noexcept { return current_; }
-
-  /// Closes the connections that no session holds, whichever thread gave them back.
-  static void CloseIdle() noexcept;
-
  private:
   friend class DataSession;
   friend class ContainerTransaction;
-  friend class CurrentSession;
   struct State;
-  SessionFactory();
+  explicit SessionFactory(Host& host);
   std::shared_ptr<Connection> Acquire(const std::string& database, bool enlist);
   void Release(const std::string& database, std::shared_ptr<Connection>& connection) noexcept;
 
+  Host& host_;
   std::unique_ptr<State> state_;
-  DataSession* current_ = nullptr;
 };
 
 /// While it lives, `session` is the thread's current one.
 class CurrentSession {
  public:
-  explicit CurrentSession(DataSession& session)
-      : factory_(SessionFactory::ForThisThread()), previous_(factory_.current_) {
-    factory_.current_ = &session;
-  }
+  explicit CurrentSession(DataSession& session);
   CurrentSession(const CurrentSession&) = delete;
   CurrentSession& operator=(const CurrentSession&) = delete;
-  ~CurrentSession() { factory_.current_ = previous_; }
+  ~CurrentSession();
 
  private:
-  SessionFactory& factory_;
   DataSession* previous_;
 };
 
-/// The transaction of a component container around calls on this thread. Every session opened while it lives works on
-/// one connection per database string, in a transaction. Destroyed without Commit() it rolls back.
+/// The transaction of a component container around calls on this thread. Every session of the host that is opened while
+/// it lives works on one connection per database string, in a transaction. Destroyed without Commit() it rolls back.
 class ContainerTransaction {
  public:
   /// Raises when this thread already has one.
-  ContainerTransaction();
+  explicit ContainerTransaction(Host& host);
   ContainerTransaction(const ContainerTransaction&) = delete;
   ContainerTransaction& operator=(const ContainerTransaction&) = delete;
   ~ContainerTransaction();
@@ -128,6 +122,8 @@ class ContainerTransaction {
 
  private:
   void End(bool commit);
+
+  SessionFactory& factory_;
   bool ended_ = false;
 };
 

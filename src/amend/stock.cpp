@@ -6,7 +6,6 @@
 #include "frame/order_call.h"
 #include "frame/results.h"
 #include "frame/text_builder.h"
-#include "platform/clock.h"
 #include "tessarlorn/clsGetData.h"
 #include "tessarlorn/clsSaveData.h"
 
@@ -17,7 +16,7 @@ namespace {
 void LogChange(DataSession& session, const OrderCall& call, std::string_view stock) {
   const std::string user = std::to_string(CurrentUserId(session));
   const std::string address = ClientAddress(session);
-  const std::string now = FormatDateTime(LocalNow());
+  const std::string now = FormatDateTime(session.host().LocalNow());
   for (const std::string_view order : SplitKeys(call.orders)) {
     TextBuilder text;
     text.Append(

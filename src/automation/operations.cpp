@@ -63,15 +63,16 @@ const Operation* FindOperation(ServiceClass service, std::string_view name) {
   return nullptr;
 }
 
-ServiceObject::ServiceObject(ServiceClass service) {
+ServiceObject::ServiceObject(Host& host, ServiceClass service) {
   if (service == ServiceClass::kSaveData) {
-    instance_.emplace<clsSaveData>();
+    instance_.emplace<clsSaveData>(host);
   } else {
-    instance_.emplace<clsGetData>();
+    instance_.emplace<clsGetData>(host);
   }
 }
 
-ServiceObject::ServiceObject(std::string_view class_name) : ServiceObject(ServiceByName(class_name)) {}
+ServiceObject::ServiceObject(Host& host, std::string_view class_name)
+    : ServiceObject(host, ServiceByName(class_name)) {}
 
 Variant ServiceObject::Invoke(const Operation& operation, std::span<Variant> arguments) {
   const auto describe = [&] { return std::string(ClassName(operation.service)) + "." + std::string(operation.name); };

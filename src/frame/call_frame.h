@@ -16,6 +16,7 @@ namespace tessarlorn {
 
 /// What an instance of either service class holds between calls; the frame replaces both.
 struct InstanceState {
+  Host& host;
   SessionContext& context;
   std::shared_ptr<DataSession>& session;
 };

@@ -4,10 +4,10 @@
 
 namespace tessarlorn {
 
-clsSaveData::clsSaveData() : session_(SessionFactory::ForThisThread().NewSession()) {
-  context_ = SessionFactory::ForThisThread().NewSession()->GetContext();
+clsSaveData::clsSaveData(Host& host) : host_(host), session_(SessionFactory::ForThisThread(host).NewSession()) {
+  context_ = SessionFactory::ForThisThread(host).NewSession()->GetContext();
 }
 
-InstanceState clsSaveData::State() noexcept { return {context_, session_}; }
+InstanceState clsSaveData::State() noexcept { return {host_, context_, session_}; }
 
 }  // namespace tessarlorn

@@ -3,17 +3,15 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/client_address.h"
 #include "platform/text.h"
 #include "tessarlorn/error.h"
-#include "tessarlorn/object_service.h"
 
 namespace tessarlorn {
 
 Variant CallSibling(DataSession& session, std::string_view prog_id, std::string_view method,
                     std::span<const Variant> arguments) {
   const CurrentSession current(session);
-  return ObjectService::ForThisThread().CreateInstance(prog_id)->Call(method, arguments);
+  return session.host().CreateInstance(prog_id)->Call(method, arguments);
 }
 
 std::string LanguageOf(const SessionContext& context) { return UpperCase(Trim(context.GetLanguage())); }
@@ -25,9 +23,11 @@ std::int32_t CurrentUserId(DataSession& session) {
 
 std::string ClientAddress(DataSession& session) {
   constexpr std::size_t kBufferSize = 64;
+  const ReadTcpFunction& read_tcp = session.host().read_tcp();
+  if (!read_tcp) return session.GetContext().client().substr(0, kBufferSize - 1);
   const CurrentSession current(session);
   std::array<char, kBufferSize> buffer{};
-  if (ReadTcp(buffer, {}) != 1) return {};
+  if (read_tcp(buffer, {}) != 1) return {};
   const char* const end = std::find(buffer.data(), buffer.data() + buffer.size(), '\0');
   if (end == buffer.data() + buffer.size())
     Raise(error_number::kInvalidArgument, "Invalid procedure call or argument: client address");

@@ -2,7 +2,6 @@
 #include <array>
 
 #include "frame/identity.h"
-#include "platform/clock.h"
 #include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
@@ -25,7 +24,7 @@ bool clsSaveData::WriteOPLog(std::string_view sFID, std::string_view OPCode, std
   log.SetValue("FOPUserID", CurrentUserId(*session_));
   log.SetValue("FOPCode", OPCode);
   log.SetValue("FUserIP", ClientAddress(*session_));
-  log.SetValue("FOPTime", LocalNow());
+  log.SetValue("FOPTime", host_.LocalNow());
   log.SetValue("FItemID", ItemID);
   log.SetValue("FOldValue", FOldValue);
   log.SetValue("FNewValue", FNewValue);

@@ -3,7 +3,6 @@
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
 #include "picking/contracts.h"
-#include "platform/clock.h"
 #include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
@@ -52,7 +51,7 @@ bool clsSaveData::SavePickingGoods(const Dictionary* dctPara) {
     TextBuilder text;
     text.Append("UPDATE IC_Web2ERPOrders  SET FPIckingGoodsStatus ={status},FPickingGoodMan = {man}",
                 {{"status", parameters.Text("FPickingGoodsStatus", "0")}, {"man", parameters.Text("FPickingGoodMan")}});
-    if (timed) text.Append(",FOrderPickingDate='{now}'", {{"now", LocalNow().ToString()}});
+    if (timed) text.Append(",FOrderPickingDate='{now}'", {{"now", host_.LocalNow().ToString()}});
     text.Line(condition.GetText());
     connection.Execute(text.GetText());
     return true;

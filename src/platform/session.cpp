@@ -2,30 +2,19 @@
 
 #include <algorithm>
 #include <exception>
-#include <functional>
-#include <mutex>
 #include <new>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
+#include "platform/host_parts.h"
 #include "platform/session_string.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {
 
-/// Of one database string.
-constexpr std::size_t kMostIdle = 16;
 /// Parsed session strings that a thread remembers.
 constexpr std::size_t kMostKnown = 64;
-
-struct Hash {
-  using is_transparent = void;
-  std::size_t operator()(std::string_view text) const noexcept { return std::hash<std::string_view>{}(text); }
-};
-template <typename T>
-using ByText = std::unordered_map<std::string, T, Hash, std::equal_to<>>;
 
 /// What a session string comes to.
 struct Known {
@@ -37,45 +26,6 @@ struct Enlisted {
   std::string database;
   std::shared_ptr<Connection> connection;
 };
-
-/// The connections that sessions gave back. They belong to no thread: one that ends would have to close its own where
-/// the system lets it wait for nobody.
-class IdleConnections {
- public:
-  /// nullptr when there is none.
-  std::shared_ptr<Connection> Take(const std::string& database) {
-    const std::scoped_lock lock(mutex_);
-    const auto found = idle_.find(database);
-    while (found != idle_.end() && !found->second.empty()) {
-      std::shared_ptr<Connection> connection = std::move(found->second.back());
-      found->second.pop_back();
-      if (connection->usable()) return connection;
-    }
-    return nullptr;
-  }
-
-  /// Keeps the connection, or closes it when there are enough.
-  void Put(const std::string& database, std::shared_ptr<Connection> connection) {
-    const std::scoped_lock lock(mutex_);
-    auto& idle = idle_[database];
-    if (idle.size() < kMostIdle) idle.push_back(std::move(connection));
-  }
-
-  void Close() noexcept {
-    ByText<std::vector<std::shared_ptr<Connection>>> closing;
-    const std::scoped_lock lock(mutex_);
-    closing.swap(idle_);
-  }
-
- private:
-  std::mutex mutex_;
-  ByText<std::vector<std::shared_ptr<Connection>>> idle_;
-};
-
-IdleConnections& TheIdle() {
-  static IdleConnections idle;
-  return idle;
-}
 
 }  // namespace
 
@@ -105,7 +55,24 @@ SessionContext::SessionContext(const SessionString& session)
       client_(session.client),
       escapes_texts_(session.escape) {}
 
+namespace {
+
+DataSession*& CurrentOfThread() {
+  thread_local DataSession* current = nullptr;
+  return current;
+}
+
+}  // namespace
+
 DataSession::~DataSession() { Reset(); }
+
+Host& DataSession::host() const noexcept { return factory_.host_; }
+
+DataSession* DataSession::Current() noexcept { return CurrentOfThread(); }
+
+CurrentSession::CurrentSession(DataSession& session) : previous_(std::exchange(CurrentOfThread(), &session)) {}
+
+CurrentSession::~CurrentSession() { CurrentOfThread() = previous_; }
 
 void DataSession::Reset() noexcept {
   factory_.Release(database_, alternate_);
@@ -137,20 +104,21 @@ Connection& DataSession::GetAlternateConnection() {
   return *alternate_;
 }
 
-SessionFactory& SessionFactory::ForThisThread() {
-  thread_local SessionFactory factory;
-  return factory;
+SessionFactory& SessionFactory::ForThisThread(Host& host) {
+  thread_local std::vector<std::unique_ptr<SessionFactory>> factories;
+  for (const std::unique_ptr<SessionFactory>& factory : factories) {
+    if (&factory->host_ == &host) return *factory;
+  }
+  return *factories.emplace_back(new SessionFactory(host));
 }
 
-SessionFactory::SessionFactory() : state_(std::make_unique<State>()) {}
+SessionFactory::SessionFactory(Host& host) : host_(host), state_(std::make_unique<State>()) {}
 
 SessionFactory::~SessionFactory() = default;
 
 std::shared_ptr<DataSession> SessionFactory::NewSession() {
   return std::shared_ptr<DataSession>(new DataSession(*this));
 }
-
-void SessionFactory::CloseIdle() noexcept { TheIdle().Close(); }
 
 std::shared_ptr<Connection> SessionFactory::Acquire(const std::string& database, bool enlist) {
   enlist = enlist && state_->in_transaction;
@@ -159,8 +127,8 @@ std::shared_ptr<Connection> SessionFactory::Acquire(const std::string& database,
       if (entry.database == database) return entry.connection;
     }
   }
-  std::shared_ptr<Connection> connection = TheIdle().Take(database);
-  if (!connection) connection = OpenConnection(database);
+  std::shared_ptr<Connection> connection = host_.parts_->idle.Take(database);
+  if (!connection) connection = host_.OpenConnection(database);
   if (enlist) {
     connection->BeginTransaction();
     state_->enlisted.push_back({database, connection});
@@ -173,14 +141,14 @@ void SessionFactory::Release(const std::string& database, std::shared_ptr<Connec
   const std::shared_ptr<Connection> held = std::exchange(connection, nullptr);
   if (!held || held.use_count() > 1 || !held->usable() || !held->Reset()) return;
   try {
-    TheIdle().Put(database, held);
+    host_.parts_->idle.Put(database, held);
   } catch (const std::bad_alloc&) {
     // The connection is closed instead of kept.
   }
 }
 
-ContainerTransaction::ContainerTransaction() {
-  SessionFactory::State& state = *SessionFactory::ForThisThread().state_;
+ContainerTransaction::ContainerTransaction(Host& host) : factory_(SessionFactory::ForThisThread(host)) {
+  SessionFactory::State& state = *factory_.state_;
   if (state.in_transaction) {
     Raise(error_number::kInvalidArgument, "This thread is in a container's transaction already");
   }
@@ -204,9 +172,8 @@ void ContainerTransaction::Rollback() { End(false); }
 void ContainerTransaction::End(bool commit) {
   if (ended_) Raise(error_number::kInvalidArgument, "The container's transaction has ended already");
   ended_ = true;
-  SessionFactory& factory = SessionFactory::ForThisThread();
-  factory.state_->in_transaction = false;
-  std::vector<Enlisted> enlisted = std::exchange(factory.state_->enlisted, {});
+  factory_.state_->in_transaction = false;
+  std::vector<Enlisted> enlisted = std::exchange(factory_.state_->enlisted, {});
   std::exception_ptr failure;
   for (Enlisted& entry : enlisted) {
     try {
@@ -218,7 +185,7 @@ void ContainerTransaction::End(bool commit) {
     } catch (...) {
       if (!failure) failure = std::current_exception();
     }
-    factory.Release(entry.database, entry.connection);
+    factory_.Release(entry.database, entry.connection);
   }
   if (failure) std::rethrow_exception(failure);
 }

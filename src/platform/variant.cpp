@@ -10,7 +10,7 @@
 #include "platform/text.h"
 #include "tessarlorn/collections.h"
 #include "tessarlorn/error.h"
-#include "tessarlorn/object_service.h"
+#include "tessarlorn/object.h"
 #include "tessarlorn/recordset.h"
 
 namespace tessarlorn {

@@ -1,7 +1,7 @@
 // The default security component: who is acting.
 #pragma once
 
-#include "tessarlorn/object_service.h"
+#include "tessarlorn/object.h"
 
 namespace tessarlorn {
 

@@ -22,7 +22,7 @@ constexpr std::size_t kAddressWidth = 64;
 constexpr std::size_t kOperationValueWidth = 255;
 
 DataSession& Session() {
-  DataSession* session = SessionFactory::ForThisThread().current();
+  DataSession* session = DataSession::Current();
   if (session == nullptr) Raise(error_number::kObjectNotSet, "No session is open to log on");
   return *session;
 }
@@ -50,8 +50,7 @@ SqlParameter NumberOrNull(const char* name, const Variant& value) {
 bool WriteFieldLog(std::span<const Variant> arguments) {
   DataSession& session = Session();
   const Variant caller = session.GetContext().GetCallerInfo();
-  const Variant user =
-      ObjectService::ForThisThread().CreateInstance("QuorBase.SecurityInfo")->Call("GetCurrentUserID", {&caller, 1});
+  const Variant user = session.host().CreateInstance("QuorBase.SecurityInfo")->Call("GetCurrentUserID", {&caller, 1});
   SqlParameter parameters[] = {
       NumberOrNull("@order", arguments[0]),
       NumberOrNull("@entry", arguments[1]),

@@ -1,7 +1,7 @@
 // The default web-order component: operation log, field log and log switches, on the thread's current session.
 #pragma once
 
-#include "tessarlorn/object_service.h"
+#include "tessarlorn/object.h"
 
 namespace tessarlorn {
 

@@ -12,7 +12,7 @@ using testing::HasSubstr;
 
 class RemarksTest : public RecordingTest {
  protected:
-  clsSaveData save_;
+  clsSaveData save_{host_};
 };
 
 TEST_F(RemarksTest, DeliveryRemarkIsAppendedWithModeOneOnly) {

@@ -58,9 +58,9 @@ TEST_F(StockTest, TellsWhetherALineHasNoWarehouse) {
 class StockTextTest : public RecordingTest {};
 
 TEST_F(StockTextTest, AsksForTheClientOnlyWhenItIsLogged) {
-  clsSaveData save;
+  clsSaveData save{host_};
   const Dictionary keys{{"sDSN", kDsn}, {"FID", "12"}, {"FStockID", "20"}};
-  SetReadTcp([](std::span<char> buffer, std::span<char>) {
+  host_.SetReadTcp([](std::span<char> buffer, std::span<char>) {
     std::fill(buffer.begin(), buffer.end(), '1');
     return 1;
   });

@@ -103,7 +103,7 @@ TEST_F(EscapeTest, KeepsTextsWholeInEveryOperation) {
   for (const Operation* operation : Operations()) {
     if (operation->property) continue;
     Run("UPDATE IC_Web2ERPOrders SET FLogisticsID=1, FOrderID=N'O''B \"x\" ]', FLogisticsOrder=N'O''B \"x\" ]'");
-    ServiceObject object(operation->service);
+    ServiceObject object(host_, operation->service);
     // The operations of the log work on the session of another.
     if (operation->service == ServiceClass::kSaveData) Call(object, *FindOperation("DownloadWebTpls"));
     try {

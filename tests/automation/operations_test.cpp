@@ -71,9 +71,9 @@ TEST(OperationTableTest, FindsByNameWithoutCase) {
 class InvokeTest : public RecordingTest {
  protected:
   /// Calls on a new object of the operation's class.
-  static Variant Invoke(std::string_view name, std::vector<Variant> arguments) {
+  Variant Invoke(std::string_view name, std::vector<Variant> arguments) {
     const Operation& operation = *FindOperation(name);
-    return ServiceObject(operation.service).Invoke(operation, arguments);
+    return ServiceObject(host_, operation.service).Invoke(operation, arguments);
   }
 };
 
@@ -97,7 +97,7 @@ TEST_F(InvokeTest, DoesNothingWhenEverythingIsMissing) {
   for (const Operation* operation : Operations()) {
     if (!HasGuard(*operation)) continue;
     std::vector<Variant> arguments(operation->argument_count);
-    const Variant result = ServiceObject(operation->service).Invoke(*operation, arguments);
+    const Variant result = ServiceObject(host_, operation->service).Invoke(*operation, arguments);
     if (const std::shared_ptr<Vector> items = result.ToVector()) {
       EXPECT_TRUE(items->empty()) << operation->name;
     } else if (result.is_object()) {
@@ -138,7 +138,7 @@ TEST_F(InvokeTest, RaisesUnderTheSourceOfItsContract) {
         arguments.push_back(argument.is_connection ? kDsn : argument.name == "sFKey" ? Variant("1_1") : Variant(1));
     }
     try {
-      ServiceObject(operation->service).Invoke(*operation, arguments);
+      ServiceObject(host_, operation->service).Invoke(*operation, arguments);
       ADD_FAILURE() << operation->name;
     } catch (const Error& error) {
       EXPECT_EQ(error.number(), error_number::kNoSuchTable) << operation->name;
@@ -153,15 +153,15 @@ TEST_F(InvokeTest, ConvertsArgumentsAsAutomationDoes) {
   EXPECT_EQ(Invoke("clsSaveData.UpdateDeliveryData", {kDsn, 12}).ToBool(), true);
   EXPECT_THAT(Events().back(), testing::HasSubstr("VALUES (12,1,'')"));
   const std::string source = " TessarLornPickingAndDelivery";
-  EXPECT_EQ(Raised([] { Invoke("NewGetWeightByFID", {kDsn, "x"}); }), "13" + source);
-  EXPECT_EQ(Raised([] { Invoke("NewGetWeightByFID", {kDsn, 1e10}); }), "6" + source);
-  EXPECT_EQ(Raised([] { Invoke("bIsWeightting", {Null{}}); }), "94" + source);
-  EXPECT_EQ(Raised([] { Invoke("Delivery", {Vector{}}); }), "13" + source);
-  EXPECT_EQ(Raised([] { Invoke("UpdateDeliveryData", {kDsn}); }), "449" + source);
-  EXPECT_EQ(Raised([] { Invoke("Delivery", {Variant(), Variant()}); }), "450" + source);
-  EXPECT_EQ(Raised([] { ServiceObject("clsGetData").Invoke(*FindOperation("Delivery"), {}); }), "438" + source);
-  EXPECT_EQ(Raised([] { ServiceObject("clsPutData"); }), "429" + source);
-  EXPECT_EQ(ServiceObject("tessarlornpickinganddelivery.CLSGETDATA").service(), ServiceClass::kGetData);
+  EXPECT_EQ(Raised([&] { Invoke("NewGetWeightByFID", {kDsn, "x"}); }), "13" + source);
+  EXPECT_EQ(Raised([&] { Invoke("NewGetWeightByFID", {kDsn, 1e10}); }), "6" + source);
+  EXPECT_EQ(Raised([&] { Invoke("bIsWeightting", {Null{}}); }), "94" + source);
+  EXPECT_EQ(Raised([&] { Invoke("Delivery", {Vector{}}); }), "13" + source);
+  EXPECT_EQ(Raised([&] { Invoke("UpdateDeliveryData", {kDsn}); }), "449" + source);
+  EXPECT_EQ(Raised([&] { Invoke("Delivery", {Variant(), Variant()}); }), "450" + source);
+  EXPECT_EQ(Raised([&] { ServiceObject(host_, "clsGetData").Invoke(*FindOperation("Delivery"), {}); }), "438" + source);
+  EXPECT_EQ(Raised([&] { ServiceObject(host_, "clsPutData"); }), "429" + source);
+  EXPECT_EQ(ServiceObject(host_, "tessarlornpickinganddelivery.CLSGETDATA").service(), ServiceClass::kGetData);
 }
 
 struct Swapper {

@@ -147,14 +147,14 @@ class StatementsTest : public RecordingTest, public testing::WithParamInterface<
  protected:
   StatementsTest() {
     dsn = std::string(kDsn) + GetParam();
-    SessionFactory::ForThisThread().NewSession()->OpenSession(dsn);
+    SessionFactory::ForThisThread(host_).NewSession()->OpenSession(dsn);
   }
 };
 
-void InvokeWithSamples(const Operation& operation) {
+void InvokeWithSamples(Host& host, const Operation& operation) {
   std::vector<Variant> arguments;
   for (const Argument& argument : operation.arguments()) arguments.push_back(SampleArgument(argument));
-  ServiceObject(operation.service).Invoke(operation, arguments);
+  ServiceObject(host, operation.service).Invoke(operation, arguments);
 }
 
 TEST_P(StatementsTest, AreSentToTheBlank) {
@@ -165,7 +165,7 @@ TEST_P(StatementsTest, AreSentToTheBlank) {
     TheRecording().answer = Answer;
     sent << "== " << operation->name << "\n";
     try {
-      InvokeWithSamples(*operation);
+      InvokeWithSamples(host_, *operation);
     } catch (const Error& error) {
       sent << "raised " << error.number() << "\n";
     }
@@ -192,7 +192,7 @@ TEST_P(StatementsTest, ThatAnswerNoRowsRaise3704WhereRowsAreRead) {
       sent = 0;
       TheRecording().answer = [&](std::string_view text) { return sent++ == silent ? nullptr : Answer(text); };
       try {
-        InvokeWithSamples(*operation);
+        InvokeWithSamples(host_, *operation);
       } catch (const Error& error) {
         EXPECT_EQ(error.number(), error_number::kObjectClosed) << operation->name << ", batch " << silent;
         ++raised;
@@ -235,7 +235,8 @@ constexpr std::string_view kAll = "*";
 /// What the operation sends with `value` in that place; "raised 13" when it refuses it.
 /// @param without kNothing: all other places have their samples; kAll: all that it can do without is left out; else
 /// the name of an argument that is
-std::string SentWith(const Operation& operation, const Place& place, const Variant& value, std::string_view without) {
+std::string SentWith(Host& host, const Operation& operation, const Place& place, const Variant& value,
+                     std::string_view without) {
   const bool alone = without == kAll;
   std::vector<Variant> arguments;
   for (const Argument& argument : operation.arguments()) {
@@ -261,7 +262,7 @@ std::string SentWith(const Operation& operation, const Place& place, const Varia
   TheRecording().answer = Answer;
   std::string sent;
   try {
-    ServiceObject(operation.service).Invoke(operation, arguments);
+    ServiceObject(host, operation.service).Invoke(operation, arguments);
   } catch (const Error& error) {
     if (error.number() == error_number::kTypeMismatch) return "raised 13";
   }
@@ -281,13 +282,13 @@ bool IsBetweenQuotes(std::string_view sent, std::string_view mark) {
 /// alike.
 enum class Way : std::uint8_t { kNowhere, kNumber, kStripped, kQuoted, kBare };
 
-Way Found(const Operation& operation, const Place& place, std::string_view without) {
+Way Found(Host& host, const Operation& operation, const Place& place, std::string_view without) {
   const bool number_only = place.type == ValueType::kLong && place.key.empty();
-  const std::string sent = number_only ? "" : SentWith(operation, place, "1_mq'z", without);
+  const std::string sent = number_only ? "" : SentWith(host, operation, place, "1_mq'z", without);
   if (sent.find("mq'z") != std::string::npos) return Way::kBare;
   if (sent.find("mq''z") != std::string::npos) return IsBetweenQuotes(sent, "mq''z") ? Way::kQuoted : Way::kBare;
   if (sent.find("mqz") != std::string::npos) return IsBetweenQuotes(sent, "mqz") ? Way::kStripped : Way::kBare;
-  const std::string with_number = SentWith(operation, place, 987654, without);
+  const std::string with_number = SentWith(host, operation, place, 987654, without);
   return with_number.find("987654") == std::string::npos ? Way::kNowhere : Way::kNumber;
 }
 
@@ -302,10 +303,10 @@ TEST_F(RecordingTest, EveryValueStandsInTheStatementsAsItsContractSays) {
   for (const Operation* operation : Operations()) {
     if (operation->property) continue;
     for (const Place& place : PlacesOf(*operation)) {
-      Way found = std::max(Found(*operation, place, kNothing), Found(*operation, place, kAll));
+      Way found = std::max(Found(host_, *operation, place, kNothing), Found(host_, *operation, place, kAll));
       for (const Argument& other : operation->arguments()) {
         if (other.need == Need::kOptional && !other.is_connection && other.name != place.argument) {
-          found = std::max(found, Found(*operation, place, other.name));
+          found = std::max(found, Found(host_, *operation, place, other.name));
         }
       }
       EXPECT_EQ(found, Expected(place.stands))

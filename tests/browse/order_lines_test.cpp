@@ -20,7 +20,7 @@ class OrderLinesTest : public RecordingTest {
     EXPECT_EQ(TheRecording().Batches().size(), 2U);
     return TheRecording().Batches().back();
   }
-  clsGetData get_;
+  clsGetData get_{host_};
 };
 
 TEST_F(OrderLinesTest, ReadsTheFieldsOfTheInstallation) {

@@ -36,7 +36,7 @@ class OrderListSampleTest : public testing::Test {
   }
 
   SampleDatabase samples_{kOrders};
-  clsGetData get_;
+  clsGetData get_{TestHost()};
 };
 
 TEST_F(OrderListSampleTest, EachFilterLetsThroughWhatItSays) {

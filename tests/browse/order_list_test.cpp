@@ -42,7 +42,7 @@ class OrderListTest : public RecordingTest {
     return text.substr(begin, text.rfind(") t order by") - begin);
   }
 
-  clsGetData get_;
+  clsGetData get_{host_};
 };
 
 const char* const kUnlocked = " AND (t22.FIsLock = 0 OR t22.FIsLock IS NULL)";

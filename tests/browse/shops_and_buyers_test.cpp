@@ -64,11 +64,11 @@ TEST_F(ShopsAndBuyersTest, SwallowsErrorsOfTitles) {
 TEST_F(ShopsAndBuyersTest, PassesSqlAndItsErrorsThrough) {
   RecordsetPtr rows;
   {
-    clsGetData get;
+    clsGetData get{host_};
     EXPECT_EQ(get.ExecuteSQL(dsn_, "UPDATE IC_Web2ERPOrders SET FOrderFlag = 4 WHERE FID = 3"), nullptr);
     rows = get.ExecuteSQL(dsn_, "SELECT FID, FOrderFlag FROM IC_Web2ERPOrders ORDER BY FID");
   }
-  SessionFactory::CloseIdle();
+  host_.CloseIdle();
   // The connection is gone, the rows are not.
   EXPECT_FALSE(rows->attached());
   ASSERT_EQ(rows->RecordCount(), 3U);
@@ -89,7 +89,7 @@ using WebShopSessionTest = RecordingTest;
 
 // The list is opened while the session of the call before still holds its connection, so that it takes another.
 TEST_F(WebShopSessionTest, DoesNotResetTheSessionBefore) {
-  clsGetData get;
+  clsGetData get{host_};
   const Dictionary connection{{"sDSN", kDsn}};
   get.GetUserDefineFilterTemplate(kDsn);
   Events().clear();

@@ -81,7 +81,7 @@ class ReachabilityTextTest : public RecordingTest {
       return TextRows({"FDeliveryProvince", "FDeliveryCity", "FDeliveryDistrict", "FNumber"}, rows);
     };
   }
-  clsSaveData save_;
+  clsSaveData save_{host_};
 };
 
 TEST_F(ReachabilityTextTest, SendsOrdersAndAddressesInBatches) {

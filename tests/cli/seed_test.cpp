@@ -223,7 +223,7 @@ class SampleListsTest : public testing::Test {
  protected:
   static constexpr int kOrders = 400;
   SampleDatabase samples_{kOrders};
-  clsGetData get_;
+  clsGetData get_{TestHost()};
 };
 
 TEST_F(SampleListsTest, NamesAreFoundForOrdersAndLines) {

@@ -12,7 +12,7 @@ using testing::HasSubstr;
 
 class CostsTest : public RecordingTest {
  protected:
-  clsSaveData save_;
+  clsSaveData save_{host_};
 };
 
 TEST_F(CostsTest, ModifiesCostsAfterLoggingEachOrder) {
@@ -42,7 +42,7 @@ TEST_F(CostsTest, StoresNumbersAndWeightsInOneBatch) {
 }
 
 TEST_F(CostsTest, TotalsCostsOfNoOrderToZero) {
-  clsGetData get;
+  clsGetData get{host_};
   const Dictionary parameters{{"sDSN", kDsn}, {"FID", "12"}};
   TheRecording().answer = [](std::string_view) { return TextRows({"TotalLogisticsCosts"}, {{nullptr}}); };
   EXPECT_EQ(get.GetTotalLogisticsCosts(&parameters), 0);

@@ -74,7 +74,7 @@ TEST_F(OrderLifeTest, ContainerTakesBackWhatAFailedCallLogged) {
   Run("drop table IC_Web2ERPOrdersEntry");
   const Dictionary keys = Both({{"UpdateFlag", true}});
   {
-    const ContainerTransaction transaction;
+    const ContainerTransaction transaction(TestHost());
     EXPECT_THROW(save().BackToThePreviousStep(&keys), Error);
   }
   EXPECT_EQ(Read("select FOPCode from IC_TradeLog"), "");

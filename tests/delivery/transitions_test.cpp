@@ -12,7 +12,7 @@ using testing::HasSubstr;
 
 class TransitionsTest : public RecordingTest {
  protected:
-  clsSaveData save_;
+  clsSaveData save_{host_};
 };
 
 TEST_F(TransitionsTest, Delivers) {

@@ -12,8 +12,8 @@ using testing::HasSubstr;
 
 class WeighingTest : public RecordingTest {
  protected:
-  clsSaveData save_;
-  clsGetData get_;
+  clsSaveData save_{host_};
+  clsGetData get_{host_};
 };
 
 TEST_F(WeighingTest, LogsEachParcelBeforeTheBatch) {

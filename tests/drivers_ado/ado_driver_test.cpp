@@ -69,7 +69,6 @@ TEST(AdoDriverTest, AResultThatAdoDoesNotKeepIsAnError) {
 }
 
 TEST(AdoDriverTest, FailuresBeforeAnyServerSayWhatIsMissing) {
-  RegisterAdoDriver();
   const auto open = [] { OpenConnection("Provider=Nobody;Data Source=none"); };
   // A thread that has joined no apartment, and so gets what the system has of ADO and not what stands in for it here.
   Error unknown(0, "", "");

@@ -15,6 +15,7 @@
 #include "drivers/ado/ado_interfaces.h"
 #include "hosts/objects/field_traits.h"
 #include "platform/text.h"
+#include "support/test_host.h"
 #include "tessarlorn/connection.h"
 
 // A member that nobody needs.

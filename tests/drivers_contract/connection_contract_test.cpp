@@ -31,13 +31,13 @@ class ConnectionContract : public testing::TestWithParam<Reach> {
   /// Every result, message and error, in order.
   std::vector<std::string> EventsOf(std::string_view batch) {
     std::vector<std::string> events;
-    SetMessageObserver([&](std::string_view text) { events.push_back("says " + std::string(text)); });
+    TestHost().ObserveMessages([&](std::string_view text) { events.push_back("says " + std::string(text)); });
     try {
       connection_->ExecuteAll(batch, [&](const RecordsetPtr& rows) { events.push_back(TextOf(rows)); });
     } catch (const Error& error) {
       events.push_back("error " + std::to_string(error.native().number));
     }
-    SetMessageObserver({});
+    TestHost().ObserveMessages({});
     return events;
   }
 
@@ -308,7 +308,7 @@ TEST(DecidingKey, IsFoundWhereverItStands) {
       {"Server=db1;App={Provider=x;DSN=y};DRIVER=FreeTDS", "DRIVER"},
 #endif
   };
-  for (const auto& c : cases) EXPECT_EQ(DecidingKey(c.string), c.key) << c.string;
+  for (const auto& c : cases) EXPECT_EQ(TestHost().DecidingKey(c.string), c.key) << c.string;
 }
 
 std::string NameOf(const testing::TestParamInfo<Reach>& reach) {

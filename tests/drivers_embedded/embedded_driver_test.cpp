@@ -16,7 +16,6 @@ namespace {
 using testing::HasSubstr;
 
 std::string OpenError(const std::string& text) {
-  RegisterEmbeddedDriver();
   return ErrorOf([&] { OpenConnection(text)->Execute("select 1 as a"); }).description();
 }
 
@@ -118,7 +117,6 @@ TEST(EmbeddedDriver, ResetTakesBackIdentityInsert) {
 }
 
 TEST(EmbeddedDriver, ADatabaseInMemoryIsSharedByName) {
-  RegisterEmbeddedDriver();
   const auto one = OpenConnection("Embedded=:memory:shared");
   one->Execute("create table n (FValue int) insert n values (7)");
   EXPECT_EQ(Answer(*OpenConnection("Embedded=:memory:shared"), "select FValue from n"), "FValue;7");

@@ -28,12 +28,7 @@ namespace {
 
 class FaultsTest : public ServedTest {
  protected:
-  FaultsTest() {
-    RegisterEmbeddedDriver();
-    RegisterOdbcDriver();
-    RegisterDefaultSiblings();
-  }
-  ~FaultsTest() override { SessionFactory::CloseIdle(); }
+  ~FaultsTest() override { TestHost().CloseIdle(); }
 };
 
 /// Takes connections and says nothing: it keeps them open, or ends them at once.
@@ -144,7 +139,7 @@ TEST_F(FaultsTest, CtrlCEndsTheCommandsBatch) {
 }
 
 TEST_F(FaultsTest, AServersOwnTroubleKeepsItsNumberAndWords) {
-  RegisterDriver(std::make_shared<RecordingDriver>());
+  TestHost().AddDriver(std::make_shared<RecordingDriver>());
   NativeError trouble;
   TheRecording().answer = [&](std::string_view) -> RecordsetPtr {
     throw Error(error_number::kStatementError, "server", "Its own words", trouble);
@@ -194,26 +189,26 @@ TEST_F(FaultsTest, ACallInATransactionLeavesAllOrNothingWhenTheServerIsKilled) {
         ->Execute("update IC_Web2ERPOrders set FOrderStatus = 6 delete from IC_StockBillOrdersStatus");
     std::thread killer;
     int sent = 0;
-    SetStatementObserver([&](std::string_view) {
+    TestHost().ObserveStatements([&](std::string_view) {
       if (++sent == last) killer = std::thread([&served] { served.Stop(); });
     });
     bool committed = false;
     const Error error = ErrorOf([&] {
-      ContainerTransaction transaction;
-      clsSaveData save;
+      ContainerTransaction transaction(TestHost());
+      clsSaveData save{TestHost()};
       const Dictionary orders{{"sDSN", dsn}, {"FID", keys}};
       save.Delivery(&orders);
       save.UpdateDeliveryData(dsn, keys);
       transaction.Commit();
       committed = true;
     });
-    SetStatementObserver({});
+    TestHost().ObserveStatements({});
     if (last > 0) {
       ASSERT_TRUE(killer.joinable());
       killer.join();
       served.Start();
     }
-    SessionFactory::CloseIdle();
+    TestHost().CloseIdle();
     EXPECT_TRUE(committed || last > 0) << error.what();
     // A commit whose answer was lost may have been one.
     const std::string after = Answer(*OpenConnection(served.odbc()), state);

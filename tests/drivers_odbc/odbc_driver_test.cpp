@@ -20,8 +20,7 @@ using testing::Not;
 
 class OdbcDriverTest : public ServedTest {
  protected:
-  OdbcDriverTest() { RegisterOdbcDriver(); }
-  ~OdbcDriverTest() override { SessionFactory::CloseIdle(); }
+  ~OdbcDriverTest() override { TestHost().CloseIdle(); }
 
   static std::unique_ptr<Connection> Open(const std::string& more = "") { return OpenConnection(Shared().odbc(more)); }
   /// The number that an action raises.
@@ -130,7 +129,7 @@ TEST_F(OdbcDriverTest, AConnectionThatIsLostInATransactionSaysSo) {
 TEST_F(OdbcDriverTest, AServerThatDiesOrEndsInABatchIsAnErrorAndTheNextCallWorks) {
   ServedDatabase served;
   const auto open = [&served] {
-    auto session = SessionFactory::ForThisThread().NewSession();
+    auto session = SessionFactory::ForThisThread(TestHost()).NewSession();
     session->OpenSession(served.odbc());
     return session;
   };

@@ -14,10 +14,10 @@ constexpr Contract kPlain = {.name = "", .source = "", .arguments = {}, .help = 
 
 class CallFrameTest : public RecordingTest {
  protected:
-  InstanceState State() { return {context_, session_}; }
+  InstanceState State() { return {host_, context_, session_}; }
 
   SessionContext context_;
-  std::shared_ptr<DataSession> session_ = SessionFactory::ForThisThread().NewSession();
+  std::shared_ptr<DataSession> session_ = SessionFactory::ForThisThread(host_).NewSession();
 };
 
 TEST_F(CallFrameTest, TurnsEveryFailureIntoOneErrorOfTheOperation) {

@@ -15,13 +15,13 @@ class OperationLogTest : public RecordingTest {
     save_.UpdateDeliveryData(kDsn, "");
     Events().clear();
   }
-  clsSaveData save_;
+  clsSaveData save_{host_};
 };
 
 TEST_F(OperationLogTest, TakesTheAddressUpToItsEnd) {
   const auto address = [&](std::size_t length, int answer) {
     Events().clear();
-    SetReadTcp([=](std::span<char> buffer, std::span<char>) {
+    host_.SetReadTcp([=](std::span<char> buffer, std::span<char>) {
       std::fill_n(buffer.begin(), length, '1');
       return answer;
     });
@@ -35,7 +35,7 @@ TEST_F(OperationLogTest, TakesTheAddressUpToItsEnd) {
 }
 
 TEST_F(OperationLogTest, LetsErrorsOfTheComponentThrough) {
-  RegisterObject("TessarMWebOrder.TessarMWebOrderUpdate", {});
+  host_.AddObject("TessarMWebOrder.TessarMWebOrderUpdate", {});
   EXPECT_EQ(Raised([&] { save_.IsLogEnable("3005"); }), "429 TessarLornPickingAndDelivery");
 }
 

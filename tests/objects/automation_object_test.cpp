@@ -84,6 +84,7 @@ TEST(AutomationObjectTest, RefusesWrongUseByNumber) {
 }
 
 TEST(AutomationObjectTest, ClassesAreDescribedWithoutClashes) {
+  Host host;
   std::set<std::string_view> guids = {kLibraryId};
   std::set<std::string_view> names;
   for (const ClassDescription* const description : AutomationClasses()) {
@@ -92,7 +93,7 @@ TEST(AutomationObjectTest, ClassesAreDescribedWithoutClashes) {
     EXPECT_FALSE(description->help.empty()) << name;
     ASSERT_EQ(description->create == nullptr, description->prog_id.empty()) << name;
     if (description->create != nullptr) {
-      EXPECT_EQ(&description->create()->description(), description);
+      EXPECT_EQ(&description->create(host)->description(), description);
     }
     for (const std::string_view id : {description->class_id, description->interface_id}) {
       EXPECT_THAT(std::string(id), testing::MatchesRegex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}")) << name;
@@ -116,7 +117,8 @@ TEST(AutomationObjectTest, ClassesAreDescribedWithoutClashes) {
 }
 
 TEST(AutomationObjectTest, ServiceClassesCallTheirOperations) {
-  const auto service = ServiceClassObject::Description(ServiceClass::kSaveData).create();
+  Host host;
+  const auto service = ServiceClassObject::Description(ServiceClass::kSaveData).create(host);
   EXPECT_EQ(Get(*service, "transmode").ToInt32(), service->Call("TransMode", {}).ToInt32());
   EXPECT_EQ(Number([&] { Call(*service, "ConfirmBill"); }), 449);
   // Mandatory keys are missing: nothing happens.

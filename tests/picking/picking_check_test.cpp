@@ -11,7 +11,7 @@ using testing::HasSubstr;
 
 class PickingCheckTest : public RecordingTest {
  protected:
-  clsSaveData save_;
+  clsSaveData save_{host_};
 };
 
 TEST_F(PickingCheckTest, SavesTheCheckOfAParcel) {

@@ -14,8 +14,8 @@ class PrintLotTest : public SampleTest {
  protected:
   PrintLotTest() { SetDay("2026-11-21"); }
 
-  static void SetDay(const std::string& day) {
-    SetClock([day] { return DateTime::Parse(day + " 10:00:00").value(); });
+  void SetDay(const std::string& day) {
+    host_.SetClock([day] { return DateTime::Parse(day + " 10:00:00").value(); });
   }
   void GiveLot(int order, const std::string& lot) {
     Run("INSERT INTO IC_Web2ERPOrdersEx (FID, FLotNumber) VALUES (" + std::to_string(order) + ", '" + lot + "')");

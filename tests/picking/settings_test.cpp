@@ -8,7 +8,7 @@ namespace {
 
 class SettingsTest : public RecordingTest {
  protected:
-  clsGetData get_;
+  clsGetData get_{host_};
 };
 
 TEST_F(SettingsTest, ReadsSwitches) {

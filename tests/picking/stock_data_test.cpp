@@ -14,14 +14,14 @@ using SaveBatchTest = RecordingTest;
 TEST_F(SaveBatchTest, StoresWithoutQuotesAndLogsFirst) {
   const Vector lines{Dictionary{{"FBatchNo", "O'Neil-7"}, {"FStockID", "2'01"}, {"SPID", "'31'"}, {"FEntryID", 12}},
                      Dictionary{}};
-  EXPECT_TRUE(clsSaveData().SaveBatchNo(kDsn, &lines));
+  EXPECT_TRUE(clsSaveData(host_).SaveBatchNo(kDsn, &lines));
   EXPECT_THAT(Events(),
               ElementsAre("WriteSaveOrderLog(,12,FBatchNo,ONeil-7)", "WriteSaveOrderLog(,0,FBatchNo,)",
                           testing::AllOf(
                               HasSubstr("FBatchNo = 'ONeil-7',FStockID = '201',FSPID = '31' WHERE FEntryID = 12\r\n"),
                               HasSubstr("FBatchNo = '',FStockID = '',FSPID = '' WHERE FEntryID = 0\r\n"))));
   const Vector none;
-  EXPECT_FALSE(clsSaveData().SaveBatchNo(kDsn, &none));
+  EXPECT_FALSE(clsSaveData(host_).SaveBatchNo(kDsn, &none));
 }
 
 /// Three orders: 1 in a warehouse with places, 2 in one without, 3 without lines. Line 13 is a price difference.
@@ -85,7 +85,7 @@ TEST_F(StockDataTest, TellsWhatIsMissing) {
 
 TEST_F(StockDataTest, ReadsBackWhatWasStored) {
   const Vector choice{Dictionary{{"FBatchNo", "L'1"}, {"FStockID", 201}, {"SPID", 51}, {"FEntryID", 21}}};
-  EXPECT_TRUE(clsSaveData().SaveBatchNo(dsn_, &choice));
+  EXPECT_TRUE(clsSaveData(host_).SaveBatchNo(dsn_, &choice));
   const Dictionary orders = Orders("2,3");
   const RecordsetPtr rows = get().GetBatchNo(&orders);
   ASSERT_EQ(rows->RecordCount(), 2U);

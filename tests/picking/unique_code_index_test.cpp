@@ -14,7 +14,7 @@ class UniqueCodeIndexTest : public SampleTest {
   }
   std::string Index(const char* orders) {
     const Dictionary parameters{{"sDSN", dsn_}, {"FID", orders}};
-    return clsSaveData().GetUniqueCodeIndex(&parameters);
+    return clsSaveData(host_).GetUniqueCodeIndex(&parameters);
   }
 };
 

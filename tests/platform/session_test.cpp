@@ -1,11 +1,10 @@
 #include "tessarlorn/session.h"
 
 #include <algorithm>
-#include <array>
 #include <gtest/gtest.h>
 #include <thread>
 
-#include "platform/client_address.h"
+#include "platform/driver.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {
@@ -59,12 +58,11 @@ class LoggedDriver : public Driver {
 class SessionTest : public testing::Test {
  protected:
   SessionTest() {
-    SessionFactory::CloseIdle();
-    RegisterDriver(std::make_shared<LoggedDriver>());
     events.clear();
+    host_.AddDriver(std::make_shared<LoggedDriver>());
   }
-  static std::shared_ptr<DataSession> Open(std::string_view dsn = "Logged=a") {
-    auto session = SessionFactory::ForThisThread().NewSession();
+  std::shared_ptr<DataSession> Open(std::string_view dsn = "Logged=a") {
+    auto session = SessionFactory::ForThisThread(host_).NewSession();
     session->OpenSession(dsn);
     return session;
   }
@@ -72,6 +70,8 @@ class SessionTest : public testing::Test {
     return dynamic_cast<LoggedConnection&>(session.GetConnection());
   }
   using Events = std::vector<std::string>;
+
+  Host host_;
 };
 
 TEST_F(SessionTest, HandsIdleConnectionsOutAgainForTheSameDatabase) {
@@ -91,7 +91,7 @@ TEST_F(SessionTest, KeepsSixteenIdleConnectionsAndNoSpoiltOne) {
     for (int i = 0; i < 17; ++i) sessions.push_back(Open());
   }
   EXPECT_EQ(std::count_if(events.begin(), events.end(), [](auto& event) { return event.starts_with("close"); }), 1);
-  SessionFactory::CloseIdle();
+  host_.CloseIdle();
   events.clear();
   Logged(*Open()).resets = false;
   EXPECT_EQ(events, (Events{"open 18", "reset 18", "close 18"}));
@@ -108,7 +108,7 @@ TEST_F(SessionTest, HandsOutNoConnectionThatWasLostWhileItWasIdle) {
 }
 
 TEST_F(SessionTest, IsNotOpenBeforeOpenSessionNorAfterReset) {
-  const auto session = SessionFactory::ForThisThread().NewSession();
+  const auto session = SessionFactory::ForThisThread(host_).NewSession();
   EXPECT_EQ(session->GetDsn(), "");
   EXPECT_EQ(session->GetContext().GetLanguage(), "CHS");
   EXPECT_THROW((void)session->GetConnection(), Error);
@@ -123,8 +123,8 @@ TEST_F(SessionTest, TransactionSpansTheSessionsOfADatabase) {
   const auto before = Open();
   events.clear();
   {
-    ContainerTransaction transaction;
-    EXPECT_THROW(ContainerTransaction second, Error);
+    ContainerTransaction transaction(host_);
+    EXPECT_THROW(ContainerTransaction second(host_), Error);
     const auto first = Open();
     const auto second = Open();
     const auto other = Open("Logged=b");
@@ -140,13 +140,13 @@ TEST_F(SessionTest, TransactionSpansTheSessionsOfADatabase) {
 
 TEST_F(SessionTest, UncommittedTransactionRollsBack) {
   {
-    const ContainerTransaction transaction;
+    const ContainerTransaction transaction(host_);
     Open();
   }
   EXPECT_EQ(events, (Events{"open 1", "begin 1", "rollback 1", "reset 1"}));
   events.clear();
   {
-    ContainerTransaction transaction;
+    ContainerTransaction transaction(host_);
     const auto first = Open("Logged=a");
     const auto second = Open("Logged=b");
     Logged(*first).fails_to_commit = true;
@@ -157,21 +157,35 @@ TEST_F(SessionTest, UncommittedTransactionRollsBack) {
 
 TEST_F(SessionTest, ThreadsHandTheirConnectionsOnAndShareNoTransaction) {
   {
-    const ContainerTransaction transaction;
-    std::thread([] { Open(); }).join();
+    const ContainerTransaction transaction(host_);
+    std::thread([this] { Open(); }).join();
     EXPECT_EQ(events, (Events{"open 1", "reset 1"})) << "a thread that ends closes nothing";
     Open();
   }
   EXPECT_EQ(events, (Events{"open 1", "reset 1", "begin 1", "rollback 1", "reset 1"}));
 }
 
-TEST_F(SessionTest, CurrentSessionTellsTheClientAddress) {
-  std::array<char, 8> buffer{};
-  EXPECT_EQ(ReadTcp(buffer, {}), 0);
-  const auto session = Open("Connect=Logged=a;Client=10.11.12.13");
-  const CurrentSession current(*session);
-  EXPECT_EQ(ReadTcp(buffer, {}), 1);
-  EXPECT_STREQ(buffer.data(), "10.11.1");
+TEST_F(SessionTest, HostsOfOneProcessDoNotMeet) {
+  Open();
+  events.clear();
+  Host other;
+  EXPECT_THROW((void)other.OpenConnection("Logged=a"), Error) << "drivers";
+  other.AddDriver(std::make_shared<LoggedDriver>());
+  host_.AddObject("A.B", [] { return nullptr; });
+  EXPECT_THROW((void)other.CreateInstance("A.B"), Error) << "neighbours";
+  host_.SetClock([] { return DateTime(); });
+  EXPECT_NE(other.LocalNow(), host_.LocalNow());
+  std::string heard;
+  host_.ObserveStatements([&](std::string_view text) { heard += text; });
+  {
+    const ContainerTransaction transaction(host_);
+    const auto session = SessionFactory::ForThisThread(other).NewSession();
+    session->OpenSession("Logged=a");
+    session->GetConnection().Execute("select 1");
+    Open()->GetConnection().Execute("select 2");
+  }
+  EXPECT_EQ(heard, "select 2");
+  EXPECT_EQ(events, (Events{"open 1", "begin 1", "reset 1", "rollback 1", "reset 1"})) << "idle connections";
 }
 
 }  // namespace

@@ -99,7 +99,7 @@ TEST(SchemaTest, TakesValuesAsWideAsTheLogsWriteThem) {
   SampleDatabase database;
   database.connection().Execute("INSERT INTO t_SystemProfile (FCategory,FKey,FValue) VALUES ('EC','TradeLog3005','1')");
   const std::string dsn = database.Dsn(7, "Client=" + std::string(63, '1') + ";");
-  clsSaveData save;
+  clsSaveData save{TestHost()};
   const Dictionary order{{"sDSN", dsn}, {"FID", "12"}, {"UpdateFlag", true}};
   ASSERT_TRUE(save.BackToThePreviousStep(&order));
   EXPECT_TRUE(save.WriteOPLog("12", "3005", "0", std::string(300, 'o'), std::string(300, 'n')));

@@ -17,11 +17,11 @@ using testing::StartsWith;
 class SiblingsTest : public RecordingTest {
  protected:
   SiblingsTest() {
-    RegisterDefaultSiblings();
+    AddDefaultSiblings(host_);
     save_.UpdateDeliveryData(kDsn, "");
     Events().clear();
   }
-  clsSaveData save_;
+  clsSaveData save_{host_};
 };
 
 TEST_F(SiblingsTest, WritesOneRowForEachOrder) {
@@ -64,8 +64,8 @@ TEST_F(SiblingsTest, ReadsTheLogSwitch) {
 }
 
 TEST_F(SiblingsTest, RefusesWhatItCannotDo) {
-  const auto call = [](std::string_view component, std::string_view method, std::vector<Variant> arguments) {
-    return Raised([&] { ObjectService::ForThisThread().CreateInstance(component)->Call(method, arguments); });
+  const auto call = [&](std::string_view component, std::string_view method, std::vector<Variant> arguments) {
+    return Raised([&] { host_.CreateInstance(component)->Call(method, arguments); });
   };
   const std::string source = " TessarLornPickingAndDelivery";
   EXPECT_EQ(call("quorbase.securityinfo", "GetUserName", {}), "438" + source);
@@ -75,7 +75,7 @@ TEST_F(SiblingsTest, RefusesWhatItCannotDo) {
   EXPECT_EQ(call("TessarMWebOrder.TessarMWebOrderUpdate", "WriteOPLog", {"1", "2"}), "13" + source);
   // Outside a call there is no session to work on; on a fresh instance it is not open.
   EXPECT_EQ(call("TessarMWebOrder.TessarMWebOrderUpdate", "IsLogEnable", {"1"}), "91" + source);
-  EXPECT_EQ(Raised([] { clsSaveData().IsLogEnable("1"); }), "91" + source);
+  EXPECT_EQ(Raised([&] { clsSaveData(host_).IsLogEnable("1"); }), "91" + source);
 }
 
 }  // namespace

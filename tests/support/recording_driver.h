@@ -8,13 +8,12 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/client_address.h"
-#include "platform/clock.h"
+#include "platform/driver.h"
 #include "platform/recordset_builder.h"
 #include "support/error_of.h"
 #include "tessarlorn/collections.h"
 #include "tessarlorn/error.h"
-#include "tessarlorn/object_service.h"
+#include "tessarlorn/host.h"
 #include "tessarlorn/session.h"
 
 namespace tessarlorn {
@@ -115,18 +114,13 @@ inline constexpr const char* kDsn = "Connect=Recording=a;User=16394;Client=10.0.
 class RecordingTest : public testing::Test {
  protected:
   RecordingTest() {
-    RegisterDriver(std::make_shared<RecordingDriver>());
+    host_.AddDriver(std::make_shared<RecordingDriver>());
     for (const char* name : {"TessarMWebOrder.TessarMWebOrderUpdate", "QuorBase.SecurityInfo"}) {
-      RegisterObject(name, [] { return std::make_shared<RecordingSibling>(); });
+      host_.AddObject(name, [] { return std::make_shared<RecordingSibling>(); });
     }
-    SetClock([] { return DateTime::Parse("2024-05-06 07:08:09").value(); });
-    SessionFactory::ForThisThread().NewSession()->OpenSession(kDsn);
+    host_.SetClock([] { return DateTime::Parse("2024-05-06 07:08:09").value(); });
+    SessionFactory::ForThisThread(host_).NewSession()->OpenSession(kDsn);
     TheRecording() = {};
-  }
-  ~RecordingTest() override {
-    SetClock({});
-    SetReadTcp({});
-    SessionFactory::CloseIdle();
   }
 
   static std::vector<std::string>& Events() { return TheRecording().events; }
@@ -135,6 +129,8 @@ class RecordingTest : public testing::Test {
     EXPECT_EQ(Events().size(), 1U);
     return Events().empty() ? std::string() : Events().front();
   }
+
+  Host host_;
 };
 
 /// Lines with CR LF behind each.

@@ -9,18 +9,15 @@
 #include "schema/schema_files.h"
 #include "support/test_database.h"
 #include "tessarlorn/connection.h"
-#include "tessarlorn/siblings.h"
 
 namespace tessarlorn {
 
 /// A database of its own that lives as long as this object, where the environment says (ReachOfEnvironment).
-/// Registers the drivers and the default siblings.
 class SampleDatabase {
  public:
   /// @param orders keys from 1; 0 leaves every table empty
   explicit SampleDatabase(int orders = 0, std::uint64_t random_seed = 1)
       : database_(ReachOfEnvironment()), connection_(OpenConnection(database_.string())) {
-    RegisterDefaultSiblings();
     ApplySchema(*connection_);
     if (orders > 0) cli::Seed(*connection_, {.orders = orders, .random_seed = random_seed}, {});
   }

@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/clock.h"
 #include "support/sample_database.h"
 #include "tessarlorn/clsGetData.h"
 #include "tessarlorn/clsSaveData.h"
@@ -31,11 +30,11 @@ template <typename Action>
 std::vector<std::string> StatementsOf(const Action& action) {
   struct Observing {
     Observing() {
-      SetStatementObserver([this](std::string_view text) { texts.emplace_back(text); });
+      TestHost().ObserveStatements([this](std::string_view text) { texts.emplace_back(text); });
     }
     Observing(const Observing&) = delete;
     Observing& operator=(const Observing&) = delete;
-    ~Observing() { SetStatementObserver({}); }
+    ~Observing() { TestHost().ObserveStatements({}); }
     std::vector<std::string> texts;
   } observing;
   action();
@@ -46,13 +45,13 @@ std::vector<std::string> StatementsOf(const Action& action) {
 class SampleTest : public testing::Test {
  protected:
   SampleTest() {
-    SetClock([] { return DateTime::Parse("2024-05-06 07:08:09").value(); });
+    host_.SetClock([] { return DateTime::Parse("2024-05-06 07:08:09").value(); });
   }
   ~SampleTest() override {
-    SetClock({});
+    host_.SetClock({});
     save_ = nullptr;
     get_ = nullptr;
-    SessionFactory::CloseIdle();
+    host_.CloseIdle();
   }
 
   void Run(std::string_view batch) { database_.connection().Execute(batch); }
@@ -66,12 +65,13 @@ class SampleTest : public testing::Test {
   [[nodiscard]] clsSaveData& save() { return *save_; }
   [[nodiscard]] clsGetData& get() { return *get_; }
 
+  Host& host_ = TestHost();
   SampleDatabase database_;
   std::string dsn_ = database_.Dsn(7, "Client=10.0.0.5;");
 
  private:
-  std::unique_ptr<clsSaveData> save_ = std::make_unique<clsSaveData>();
-  std::unique_ptr<clsGetData> get_ = std::make_unique<clsGetData>();
+  std::unique_ptr<clsSaveData> save_ = std::make_unique<clsSaveData>(host_);
+  std::unique_ptr<clsGetData> get_ = std::make_unique<clsGetData>(host_);
 };
 
 }  // namespace tessarlorn

@@ -19,8 +19,8 @@
 #include "schema/schema_files.h"
 #include "support/shell.h"
 #include "support/temporary_folder.h"
+#include "support/test_host.h"
 #include "support/wait_until.h"
-#include "tessarlorn/embedded_driver.h"
 
 namespace tessarlorn {
 
@@ -45,7 +45,6 @@ class ServedDatabase {
       : options_(std::move(options)),
         database_(database.empty() ? "Embedded=" + file("served.db") + ";Synchronous=Normal" : database) {
     if (orders > 0) {
-      RegisterEmbeddedDriver();
       const auto connection = OpenConnection(database_);
       ApplySchema(*connection);
       cli::Seed(*connection, {.orders = orders}, {});
@@ -144,6 +143,7 @@ class InProcessServer {
     const TemporaryFolder folder;
     tds::AddUser(folder.file("users"), "ann", "s3cret", 10);
     tds::Service service;
+    service.host = &TestHost();
     service.database_string = database_string;
     service.users = tds::Users::Read(folder.file("users"));
     return service;

@@ -11,18 +11,14 @@
 
 #include "platform/session_string.h"
 #include "platform/text.h"
+#include "support/test_host.h"
 #include "tessarlorn/connection.h"
-#include "tessarlorn/embedded_driver.h"
 #include "tessarlorn/error.h"
-#ifdef TESSARLORN_HAS_ODBC
-#include "tessarlorn/odbc_driver.h"
-#endif
 #ifdef TESSARLORN_HAS_SERVER
 #include "support/served_database.h"
 #endif
 #ifdef TESSARLORN_HAS_ADO
 #include "drivers_ado/ado_stand_in.h"
-#include "tessarlorn/ado_driver.h"
 #endif
 
 namespace tessarlorn {
@@ -40,17 +36,10 @@ inline Reach ReachOfEnvironment() {
 }
 
 /// Lives as long as this object. On a server it is made as tessarlorn_test_… and nothing else is touched; there it is
-/// dropped in the end. One that is given stays as the tests leave it. Registers the drivers.
+/// dropped in the end. One that is given stays as the tests leave it.
 class TestDatabase {
  public:
   explicit TestDatabase(Reach reach) {
-    RegisterEmbeddedDriver();
-#ifdef TESSARLORN_HAS_ODBC
-    RegisterOdbcDriver();
-#endif
-#ifdef TESSARLORN_HAS_ADO
-    RegisterAdoDriver();
-#endif
     if (reach == Reach::kOverOdbc) {
       if (const char* const server = std::getenv("TESSARLORN_TEST_DSN")) {
         MakeOnServer(server);

@@ -12,9 +12,9 @@
 #include "hosts/tds/client_session.h"
 #include "hosts/tds/transport/socket.h"
 #include "support/temporary_folder.h"
+#include "support/test_host.h"
 #include "tds/certificate.h"
 #include "tds/tds_support.h"
-#include "tessarlorn/embedded_driver.h"
 
 namespace {
 
@@ -35,11 +35,11 @@ void EndRunning(int) {
 const tds::Service& TheService() {
   static const tds::Service service = [] {
     std::signal(SIGALRM, EndRunning);
-    RegisterEmbeddedDriver();
     const TemporaryFolder folder;
     tds::AddUser(folder.file("users"), "ann", "s3cret", 1);
     const std::vector<std::string> words = tds::CertificateOptions();
     tds::Service made;
+    made.host = &TestHost();
     made.users = tds::Users::Read(folder.file("users"));
     made.tls = std::make_shared<tds::TlsContext>(words[1], words[3]);
     made.database_string = "Embedded=:memory:fuzz";

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <unistd.h>
 
-#include "tessarlorn/embedded_driver.h"
+#include "support/test_host.h"
 #include "tessarlorn/error.h"
 
 namespace {
@@ -33,7 +33,6 @@ std::unique_ptr<tessarlorn::Connection> OpenSmallDatabase() {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const bool ready = [] {
-    tessarlorn::RegisterEmbeddedDriver();
     signal(SIGALRM, CancelRunning);
     return true;
   }();

@@ -168,7 +168,7 @@ TEST(EmbeddedThreads, CancelEndsTheBatchAndTheConnectionGoesOn) {
   const auto connection = OpenEmbedded();
   connection->Execute("create table n (FValue int)");
   std::atomic<bool> begun{false};
-  SetMessageObserver([&](std::string_view) { begun = true; });
+  TestHost().ObserveMessages([&](std::string_view) { begun = true; });
   std::thread killer([&] {
     EXPECT_TRUE(WaitUntil([&] { return begun.load(); }));
     connection->Cancel();
@@ -176,7 +176,7 @@ TEST(EmbeddedThreads, CancelEndsTheBatchAndTheConnectionGoesOn) {
   const Error error =
       ErrorOf([&] { connection->Execute("insert n values (1) print 'begun' while 1 = 1 insert n values (2)"); });
   killer.join();
-  SetMessageObserver({});
+  TestHost().ObserveMessages({});
   EXPECT_EQ(error.number(), error_number::kCancelled) << error.description();
   EXPECT_EQ(Answer(*connection, "select count(*) as n from n where FValue = 1"), "n;1");
 }

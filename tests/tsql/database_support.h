@@ -5,14 +5,13 @@
 #include <string_view>
 
 #include "platform/text.h"
+#include "support/test_host.h"
 #include "tessarlorn/connection.h"
-#include "tessarlorn/embedded_driver.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {
 
 inline std::unique_ptr<Connection> OpenEmbedded(const std::string& database = ":memory:") {
-  RegisterEmbeddedDriver();
   // A name of its own for each database in memory: others of this process may still be open.
   static int number = 0;
   return OpenConnection("Embedded=" + (database == ":memory:" ? database + std::to_string(++number) : database));

@@ -37,7 +37,6 @@ TEST(PlanCache, DefinitionsMayChangeBetween) {
     const char* answer;
   };
   const auto name = "Embedded=:memory:plans";
-  RegisterEmbeddedDriver();
   const auto one = OpenConnection(name);
   const auto two = OpenConnection(name);
   constexpr const char* kRead = "select * from c where k = 1";

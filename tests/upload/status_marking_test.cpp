@@ -9,7 +9,7 @@ namespace {
 
 class StatusMarkingTest : public RecordingTest {
  protected:
-  clsSaveData save_;
+  clsSaveData save_{host_};
 };
 
 TEST_F(StatusMarkingTest, MarksUploaded) {

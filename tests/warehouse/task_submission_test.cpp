@@ -107,7 +107,7 @@ insert into TPLTaskFlow(FTaskId,FTaskType,FTaskName,FWebTplType,FWebTplID,FStatu
 class TaskTextTest : public RecordingTest {};
 
 TEST_F(TaskTextTest, SendsTheTaskAtTheHeadOfTheFirstBatch) {
-  clsSaveData save;
+  clsSaveData save{host_};
   for (const BatchCase& c : kBatchCases) {
     Events().clear();
     EXPECT_TRUE(save.SubMitTplOrderTask(kDsn, KeysTo(c.keys), 3, "Li", "W1"));

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "drivers/ado/ado_connection.h"
+#include "platform/driver.h"
 
 namespace tessarlorn {
 namespace {
@@ -20,6 +21,6 @@ class AdoDriver final : public Driver {
 
 }  // namespace
 
-void RegisterAdoDriver() { RegisterDriver(std::make_shared<AdoDriver>()); }
+void AddAdoDriver(Host& host) { host.AddDriver(std::make_shared<AdoDriver>()); }
 
 }  // namespace tessarlorn

@@ -2,6 +2,7 @@
 
 #include <chrono>
 
+#include "platform/driver.h"
 #include "tsql/engine/session.h"
 #include "tsql/storage/database_file.h"
 
@@ -30,8 +31,10 @@ auto Translated(Body body) {
 
 class EmbeddedConnection final : public Connection {
  public:
-  EmbeddedConnection(OpenedDatabase database, const tsql::DatabaseOptions& options)
-      : session_(std::move(database.handle), options.timeout, options.memory), reads_only_(database.reads_only) {}
+  EmbeddedConnection(OpenedDatabase database, const tsql::DatabaseOptions& options, const Host& host)
+      : session_(
+            std::move(database.handle), options.timeout, [&host] { return host.LocalNow(); }, options.memory),
+        reads_only_(database.reads_only) {}
 
   void BeginTransaction() override {
     Translated([&] { session_.BeginContainerTransaction(); });
@@ -66,17 +69,22 @@ class EmbeddedConnection final : public Connection {
 
 class EmbeddedDriver final : public Driver {
  public:
+  explicit EmbeddedDriver(const Host& host) : host_(host) {}
+
   [[nodiscard]] std::vector<std::string> Keys() const override { return {"Embedded"}; }
   [[nodiscard]] std::unique_ptr<Connection> Open(std::string_view database_string) override {
     return Translated([&]() -> std::unique_ptr<Connection> {
       const tsql::DatabaseOptions options = tsql::ParseDatabaseOptions(database_string);
-      return std::make_unique<EmbeddedConnection>(tsql::OpenDatabase(options), options);
+      return std::make_unique<EmbeddedConnection>(tsql::OpenDatabase(options), options, host_);
     });
   }
+
+ private:
+  const Host& host_;
 };
 
 }  // namespace
 
-void RegisterEmbeddedDriver() { RegisterDriver(std::make_shared<EmbeddedDriver>()); }
+void AddEmbeddedDriver(Host& host) { host.AddDriver(std::make_shared<EmbeddedDriver>(host)); }
 
 }  // namespace tessarlorn

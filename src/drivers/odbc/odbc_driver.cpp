@@ -8,6 +8,7 @@
 #include "drivers/odbc/connection_options.h"
 #include "drivers/odbc/odbc_connection.h"
 #include "drivers/odbc/odbc_handle.h"
+#include "platform/driver.h"
 
 namespace tessarlorn {
 namespace {
@@ -26,7 +27,7 @@ class OdbcDriver final : public Driver {
 
 }  // namespace
 
-void RegisterOdbcDriver(OdbcCancelling cancelling) { RegisterDriver(std::make_shared<OdbcDriver>(cancelling)); }
+void AddOdbcDriver(Host& host, OdbcCancelling cancelling) { host.AddDriver(std::make_shared<OdbcDriver>(cancelling)); }
 
 void AbandonOdbc() noexcept { odbc::AbandonHandles(); }
 

@@ -145,12 +145,12 @@ void ReportError(const Error& error) {
   if (!error.native().sqlstate.empty()) std::cerr << "SQLSTATE: " << error.native().sqlstate << '\n';
 }
 
-void ObserveBatches(bool show) {
-  SetStatementObserver([show](std::string_view text) {
+void ObserveBatches(Host& host, bool show) {
+  host.ObserveStatements([show](std::string_view text) {
     RaiseIfInterrupted();
     if (show) std::cerr << text << (text.ends_with('\n') ? "" : "\n") << std::flush;
   });
-  SetMessageObserver([](std::string_view message) { std::cerr << message << '\n' << std::flush; });
+  host.ObserveMessages([](std::string_view message) { std::cerr << message << '\n' << std::flush; });
 }
 
 ExitStatus RunAction(const CLI::App& app, const CommandContext& context) {
@@ -172,10 +172,10 @@ ExitStatus RunAction(const CLI::App& app, const CommandContext& context) {
 }
 
 /// Reads the words and runs the command that they choose.
-ExitStatus Run(std::span<const std::string> words) {
+ExitStatus Run(Host& host, std::span<const std::string> words) {
   CLI::App app("Picking and delivery of web-shop orders: lists, checks, weighs, delivers and reports them.",
                "tessarlorn");
-  CommandContext context;
+  CommandContext context{.host = host, .dsn = {}, .action = {}};
   app.set_version_flag("--version", std::string("tessarlorn ") + kVersion, "Print the version");
   app.set_help_flag("-h,--help", "Print this help");
   app.require_subcommand(0, 1);
@@ -213,7 +213,7 @@ ExitStatus Run(std::span<const std::string> words) {
     ReportUsage(app, "no command given");
     return ExitStatus::kWrongCall;
   }
-  ObserveBatches(context.show_sql);
+  ObserveBatches(host, context.show_sql);
   return RunAction(app, context);
 }
 
@@ -247,15 +247,16 @@ ExitStatus RunCommand(int argc, const char* const* argv) noexcept {
     std::ios::sync_with_stdio(false);
     const Utf8Streams streams;
     CatchInterrupts();
-    RegisterEmbeddedDriver();
+    Host host;
+    AddEmbeddedDriver(host);
 #ifdef TESSARLORN_HAS_ODBC
-    RegisterOdbcDriver();
+    AddOdbcDriver(host);
 #endif
 #ifdef TESSARLORN_HAS_ADO
-    RegisterAdoDriver();
+    AddAdoDriver(host);
 #endif
-    RegisterDefaultSiblings();
-    return FlushOutput(Run(CommandWords({argv, static_cast<std::size_t>(argc)})));
+    AddDefaultSiblings(host);
+    return FlushOutput(Run(host, CommandWords({argv, static_cast<std::size_t>(argc)})));
   } catch (const std::exception& error) {
     std::fprintf(stderr, "tessarlorn: %s\n", error.what());
     return ExitStatus::kRaised;

@@ -79,18 +79,18 @@ std::vector<Variant> ReadArguments(const CallOptions& options, const Operation& 
   }
 }
 
-ExitStatus Call(const CallOptions& options, const std::string& dsn) {
+ExitStatus Call(const CallOptions& options, const CommandContext& context) {
   const Operation& operation = RequireOperation(options.operation);
   Variant json;
   if (!options.json_file.empty()) {
     json = ReadJson(ReadInput(options.json_file), InputName(options.json_file));
   }
-  std::vector<Variant> arguments = ReadArguments(options, operation, json, dsn);
+  std::vector<Variant> arguments = ReadArguments(options, operation, json, context.FindDsn());
   Variant result;
   {
     std::optional<ContainerTransaction> transaction;
-    if (!options.no_transaction) transaction.emplace();
-    result = ServiceObject(operation.service).Invoke(operation, arguments);
+    if (!options.no_transaction) transaction.emplace(context.host);
+    result = ServiceObject(context.host, operation.service).Invoke(operation, arguments);
     RaiseIfInterrupted();
     if (transaction) transaction->Commit();
   }
@@ -116,8 +116,7 @@ void AddCallCommand(CLI::App& app, CommandContext& context) {
   AddOutputOptions(*command, options->output);
   command->footer(std::string(kFooter) + kNestedValueExample + "\n  " + kPrintJsonExample +
                   " | tessarlorn call Delivery --args - --show-sql");
-  command->callback(
-      [&context, options] { context.action = [&context, options] { return Call(*options, context.FindDsn()); }; });
+  command->callback([&context, options] { context.action = [&context, options] { return Call(*options, context); }; });
 }
 
 }  // namespace tessarlorn::cli

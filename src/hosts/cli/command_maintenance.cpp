@@ -37,7 +37,7 @@ Example:
 
 std::string RequireEmbedded(const CommandContext& context) {
   std::string database = ParseSessionString(context.RequireDsn()).database;
-  if (!EqualsIgnoreCase(DecidingKey(database), "Embedded")) {
+  if (!EqualsIgnoreCase(context.host.DecidingKey(database), "Embedded")) {
     throw UsageError("this is for embedded databases, as --dsn Embedded=orders.db; a server has its own means");
   }
   return database;

@@ -150,6 +150,7 @@ tds::Service MakeService(const ServeOptions& options, const tds::Address& addres
     throw UsageError("--certificate and --key belong together");
   }
   tds::Service service;
+  service.host = &context.host;
   if (!address.is_loopback()) {
     if (!options.allow_remote) {
       throw UsageError(options.address + " is reached from other machines: give --allow-remote if that is wanted");
@@ -163,7 +164,7 @@ tds::Service MakeService(const ServeOptions& options, const tds::Address& addres
     throw UsageError("no users: give --users FILE; 'tessarlorn serve --add-user NAME --users FILE' adds one to it");
   }
   service.database_string = ParseSessionString(context.RequireDsn()).database;
-  if (!EqualsIgnoreCase(DecidingKey(service.database_string), "Embedded")) {
+  if (!EqualsIgnoreCase(service.host->DecidingKey(service.database_string), "Embedded")) {
     throw UsageError("only an embedded database is served, as --dsn Embedded=orders.db");
   }
   service.database_string += ";MaxMemory=" + std::to_string(options.memory_megabytes);
@@ -209,7 +210,7 @@ ExitStatus RunServe(const ServeOptions& options, const CommandContext& context) 
     throw UsageError(error.what());
   }
   // A database that cannot be opened is told now, not to the first client; one in memory lives as long as the server.
-  const std::unique_ptr<Connection> keeper = OpenConnection(service.database_string);
+  const std::unique_ptr<Connection> keeper = service.host->OpenConnection(service.database_string);
   AllowOpenFiles(service.limits.connections);
   tds::Server server(address, std::move(service));
   const EndedBySignals ended(server);

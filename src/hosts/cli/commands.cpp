@@ -40,7 +40,7 @@ std::string CommandContext::RequireDsn() const {
 }
 
 std::unique_ptr<Connection> CommandContext::OpenDatabase() const {
-  return OpenConnection(ParseSessionString(RequireDsn()).database);
+  return host.OpenConnection(ParseSessionString(RequireDsn()).database);
 }
 
 OutputLayout OutputOptions::Layout() const {

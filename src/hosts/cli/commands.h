@@ -8,11 +8,12 @@
 
 #include "hosts/cli/console/exit_status.h"
 #include "hosts/cli/output/result_writer.h"
-#include "tessarlorn/connection.h"
+#include "tessarlorn/host.h"
 
 namespace tessarlorn::cli {
 
 struct CommandContext {
+  Host& host;
   /// The connection string as given, "" when it was not: then it is the environment's.
   std::string dsn;
   bool show_sql = false;

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "com_base/pointers.h"
-#include "tessarlorn/object_service.h"
+#include "tessarlorn/object.h"
 
 namespace tessarlorn::com {
 

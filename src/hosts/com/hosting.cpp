@@ -1,15 +1,14 @@
 #include "hosts/com/hosting.h"
 
-#include <mutex>
+#include <atomic>
+#include <memory>
 
 #include "com_base/windows_headers.h"
 #include "hosts/com/foreign_object.h"
 #include "hosts/com/module.h"
-#include "platform/client_address.h"
 #include "tessarlorn/ado_driver.h"
 #include "tessarlorn/embedded_driver.h"
 #include "tessarlorn/odbc_driver.h"
-#include "tessarlorn/session.h"
 #include "tessarlorn/siblings.h"
 
 namespace tessarlorn::com {
@@ -27,39 +26,50 @@ ReadTcpEntry FindReadTcp() {
   return reinterpret_cast<ReadTcpEntry>(reinterpret_cast<void*>(entry));
 }
 
-void RegisterNeighbours() {
-  RegisterDefaultSiblings();
+void AddNeighbours(Host& host) {
+  AddDefaultSiblings(host);
   for (const char* const prog_id :
        {"TessarMWebOrder.TessarMWebOrderUpdate", "TessarMWebOrder.TessarMWebOrderInfo", "QuorBase.SecurityInfo"}) {
-    if (IsRegistered(prog_id)) RegisterObject(prog_id, [prog_id] { return CreateForeignObject(prog_id); });
+    if (IsRegistered(prog_id)) host.AddObject(prog_id, [prog_id] { return CreateForeignObject(prog_id); });
   }
+}
+
+/// The one that TheHost() made, nullptr before. Never destroyed: the process may be ending where its libraries are
+/// gone.
+std::atomic<Host*> made = nullptr;
+
+Host* MakeHost() {
+  KeepModule();
+  auto host = std::make_unique<Host>();
+  AddAdoDriver(*host);
+  AddEmbeddedDriver(*host);
+  // Nobody cancels here, so that no thread need wait for it.
+  AddOdbcDriver(*host, OdbcCancelling::kNone);
+  AddNeighbours(*host);
+  if (const ReadTcpEntry read = FindReadTcp()) {
+    host->SetReadTcp([read](std::span<char> buffer, std::span<char> unused) {
+      char nothing = '\0';
+      return read(buffer.data(), unused.empty() ? &nothing : unused.data());
+    });
+  }
+  made = host.get();
+  return host.release();
 }
 
 }  // namespace
 
-void PrepareThisProcess() {
-  static std::once_flag once;
-  std::call_once(once, [] {
-    KeepModule();
-    RegisterAdoDriver();
-    RegisterEmbeddedDriver();
-    // Nobody cancels here, so that no thread need wait for it.
-    RegisterOdbcDriver(OdbcCancelling::kNone);
-    RegisterNeighbours();
-    if (const ReadTcpEntry read = FindReadTcp()) {
-      SetReadTcp([read](std::span<char> buffer, std::span<char> unused) {
-        char nothing = '\0';
-        return read(buffer.data(), unused.empty() ? &nothing : unused.data());
-      });
-    }
-  });
+Host& TheHost() {
+  static Host& host = *MakeHost();
+  return host;
 }
 
-void CloseIdleConnections() noexcept { SessionFactory::CloseIdle(); }
+void CloseIdleConnections() noexcept {
+  if (Host* const host = made) host->CloseIdle();
+}
 
 void EndWithProcess() noexcept {
   AbandonOdbc();
-  SessionFactory::CloseIdle();
+  CloseIdleConnections();
 }
 
 }  // namespace tessarlorn::com

@@ -41,8 +41,7 @@ class ClassFactory final : public IClassFactory {
     *out = nullptr;
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;
     try {
-      PrepareThisProcess();
-      return MakeDispatch(description_.create())->QueryInterface(id, out);
+      return MakeDispatch(description_.create(TheHost()))->QueryInterface(id, out);
     } catch (...) {
       return CurrentStatus();
     }

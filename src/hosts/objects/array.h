@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "tessarlorn/error.h"
-#include "tessarlorn/object_service.h"
+#include "tessarlorn/object.h"
 #include "tessarlorn/variant.h"
 
 namespace tessarlorn {

@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "tessarlorn/object_service.h"
+#include "tessarlorn/object.h"
 #include "tessarlorn/operations.h"
 #include "tessarlorn/variant.h"
 
@@ -60,7 +60,7 @@ struct ClassDescription {
   std::string_view interface_id;
   std::string_view help;
   /// Makes a new object; nullptr for a class whose objects only other objects hand out.
-  std::shared_ptr<AutomationObject> (*create)() = nullptr;
+  std::shared_ptr<AutomationObject> (*create)(Host& host) = nullptr;
   std::vector<Member> members;
 
   /// By name without regard to case, or nullptr.

@@ -8,7 +8,7 @@
 #include "hosts/objects/row_condition.h"
 #include "hosts/objects/row_order.h"
 #include "platform/text.h"
-#include "tessarlorn/object_service.h"
+#include "tessarlorn/object.h"
 
 namespace tessarlorn {
 namespace {

@@ -8,8 +8,8 @@ namespace tessarlorn {
 namespace {
 
 template <ServiceClass kService>
-std::shared_ptr<AutomationObject> Create() {
-  return std::make_shared<ServiceClassObject>(kService);
+std::shared_ptr<AutomationObject> Create(Host& host) {
+  return std::make_shared<ServiceClassObject>(host, kService);
 }
 
 ClassDescription MakeDescription(ServiceClass service) {

@@ -8,7 +8,7 @@ namespace tessarlorn {
 
 class ServiceClassObject final : public AutomationObject {
  public:
-  explicit ServiceClassObject(ServiceClass service) : object_(service) {}
+  ServiceClassObject(Host& host, ServiceClass service) : object_(host, service) {}
 
   static const ClassDescription& Description(ServiceClass service);
   [[nodiscard]] const ClassDescription& description() const override { return Description(object_.service()); }

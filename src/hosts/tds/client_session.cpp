@@ -233,7 +233,7 @@ bool ClientSession::OpenDatabase(const Login& login) {
                   "there are " + all + " clients already");
   }
   try {
-    connection_ = OpenConnection(service_.database_string);
+    connection_ = service_.host->OpenConnection(service_.database_string);
   } catch (const std::exception&) {
     const Error error = HandledError();
     // The driver's words do not say it when the process has no descriptor left.
@@ -327,7 +327,7 @@ void ClientSession::SayGoodbye() {
 void ClientSession::ResetConnection() {
   transaction_.open = 0;
   prepared_.Clear();
-  if (!connection_->Reset()) connection_ = OpenConnection(service_.database_string);
+  if (!connection_->Reset()) connection_ = service_.host->OpenConnection(service_.database_string);
 }
 
 void ClientSession::Answer(const Message& request) {

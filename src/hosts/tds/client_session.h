@@ -17,12 +17,13 @@
 #include "hosts/tds/transport/tls.h"
 #include "hosts/tds/transport/watcher.h"
 #include "hosts/tds/users.h"
-#include "tessarlorn/connection.h"
+#include "tessarlorn/host.h"
 
 namespace tessarlorn::tds {
 
 /// What all clients of a server share. Used by all their threads.
 struct Service {
+  Host* host = nullptr;
   /// Each client has a connection of its own.
   std::string database_string;
   Users users;

@@ -7,12 +7,12 @@
 
 namespace tessarlorn::tsql {
 
-Session::Session(DatabaseHandle database, std::chrono::milliseconds lock_timeout, std::size_t memory_limit)
+Session::Session(DatabaseHandle database, std::chrono::milliseconds lock_timeout, Clock clock, std::size_t memory_limit)
     : database_(std::move(database), memory_limit),
       options_(database_.runtime()),
       results_(database_.runtime(), options_),
       transaction_(database_, options_, results_, lock_timeout),
-      system_(results_, transaction_, errors_),
+      system_(results_, transaction_, errors_, std::move(clock)),
       binder_(database_, system_),
       plans_(database_, options_, errors_),
       interpreter_(database_, options_, results_, errors_, transaction_, plans_, binder_) {}

@@ -27,8 +27,9 @@ class Session {
  public:
   /// @param lock_timeout how long a statement waits for a lock that somebody else has, unless SET LOCK_TIMEOUT says
   /// less
+  /// @param clock tells the local date and time
   /// @param memory_limit bytes that a batch may take, see MemoryBudget
-  Session(DatabaseHandle database, std::chrono::milliseconds lock_timeout,
+  Session(DatabaseHandle database, std::chrono::milliseconds lock_timeout, Clock clock,
           std::size_t memory_limit = MemoryBudget::kDefaultLimit);
 
   /// Hands over every row-returning result in order, or only the first. The parameters of a batch are its variables;

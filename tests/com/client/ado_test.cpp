@@ -4,8 +4,8 @@
 #include "com/client/typed_object.h"
 #include "com_base/errors.h"
 #include "drivers_ado/ado_stand_in.h"
+#include "support/test_host.h"
 #include "tessarlorn/connection.h"
-#include "tessarlorn/embedded_driver.h"
 
 namespace tessarlorn::com_test {
 namespace {
@@ -21,7 +21,6 @@ class AdoTest : public testing::Test {
     if (CopyFileW((std::wstring(folder) + L"\\sample.db").c_str(), path.c_str(), FALSE) == 0) {
       throw std::runtime_error("the sample orders are missing");
     }
-    RegisterEmbeddedDriver();
     const std::string database = "Embedded=" + FromUtf16(std::u16string(path.begin(), path.end()));
     orders_ = OpenConnection(database);
     session_ = ToWide("Connect={" + AdoStandIn::StringOf(database) + "};User=16394;Client=10.0.0.5");

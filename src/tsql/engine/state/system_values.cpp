@@ -5,7 +5,6 @@
 #include <optional>
 #include <sqlite3.h>
 
-#include "platform/clock.h"
 #include "tsql/values/moment.h"
 
 namespace tessarlorn::tsql {
@@ -29,8 +28,8 @@ Datum Whole(std::int64_t value, SqlType& type) {
 
 Datum Whole(std::optional<std::int64_t> value, SqlType& type) { return value ? Whole(*value, type) : Datum{}; }
 
-Datum MomentNow() {
-  const std::int64_t local = LocalNow().milliseconds();
+/// @param local by the session's clock
+Datum MomentAt(std::int64_t local) {
   const double minutes = std::round(static_cast<double>(local - UtcNow()) / 60'000);
   // A clock that a test set is not the host's; it counts as UTC.
   constexpr double kMost = 14 * 60;
@@ -40,9 +39,9 @@ Datum MomentNow() {
 }  // namespace
 
 Datum SystemValues::Get(const std::string& name, SqlType& type) const {
-  if (name == "getdate") return LocalNow().milliseconds();
+  if (name == "getdate") return clock_().milliseconds();
   if (name == "getutcdate") return UtcNow();
-  if (name == "sysdatetimeoffset") return MomentNow();
+  if (name == "sysdatetimeoffset") return MomentAt(clock_().milliseconds());
   if (name == "@@rowcount") return Whole(results_.row_count(), type);
   if (name == "@@error") return Whole(std::int64_t{errors_.last_number}, type);
   if (name == "@@trancount") return Whole(std::int64_t{transaction_.depth()}, type);

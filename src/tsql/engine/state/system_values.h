@@ -1,8 +1,11 @@
 // What the session tells of itself when a statement runs: @@ROWCOUNT, GETDATE(), ERROR_MESSAGE() and their like.
 #pragma once
 
+#include <functional>
 #include <string>
+#include <utility>
 
+#include "tessarlorn/date_time.h"
 #include "tsql/engine/state/error_state.h"
 #include "tsql/engine/state/results.h"
 #include "tsql/engine/state/transaction.h"
@@ -10,10 +13,13 @@
 
 namespace tessarlorn::tsql {
 
+/// Tells the local date and time.
+using Clock = std::function<DateTime()>;
+
 class SystemValues {
  public:
-  SystemValues(const Results& results, const Transaction& transaction, const ErrorState& errors)
-      : results_(results), transaction_(transaction), errors_(errors) {}
+  SystemValues(const Results& results, const Transaction& transaction, const ErrorState& errors, Clock clock)
+      : results_(results), transaction_(transaction), errors_(errors), clock_(std::move(clock)) {}
 
   /// @param type what the value is; changed where it is a whole number of another size
   [[nodiscard]] Datum Get(const std::string& name, SqlType& type) const;
@@ -24,6 +30,7 @@ class SystemValues {
   const Results& results_;
   const Transaction& transaction_;
   const ErrorState& errors_;
+  Clock clock_;
 };
 
 }  // namespace tessarlorn::tsql

@@ -1,4 +1,4 @@
-// The object-creation service: sibling components are created by name and called by name.
+// Components that are called by name at run time, as the neighbours of the service classes are.
 #pragma once
 
 #include <functional>
@@ -31,18 +31,7 @@ class Object {
 /// The default value of an object that has one; any other value as it is.
 Variant DefaultValueOf(Variant value);
 
+/// Makes a new instance of a component.
 using ObjectCreator = std::function<std::shared_ptr<Object>()>;
-
-/// Names the creator of a component for the whole process; a later one takes the place of an earlier one, an empty one
-/// takes the name away. Names do not depend on case.
-void RegisterObject(std::string_view prog_id, ObjectCreator creator);
-
-/// One per thread, created on first use.
-class ObjectService {
- public:
-  static ObjectService& ForThisThread();
-  /// Raises 429 "ActiveX component can't create object" with the name when nobody registered it.
-  std::shared_ptr<Object> CreateInstance(std::string_view prog_id);
-};
 
 }  // namespace tessarlorn

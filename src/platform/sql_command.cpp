@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "platform/text.h"
 #include "tessarlorn/error.h"
@@ -56,10 +55,9 @@ constexpr std::array kTypeWords = {
 int NumberOf(std::string_view digits, std::string_view declaration) {
   digits = Trim(digits);
   if (EqualsIgnoreCase(digits, "max")) return kUnlimited;
-  int number = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  if (error != std::errc{} || end != digits.data() + digits.size() || number < 0) RaiseUnknown(declaration);
-  return number;
+  const std::optional<int> number = WholeNumber<int>(digits, 0);
+  if (!number) RaiseUnknown(declaration);
+  return *number;
 }
 
 }  // namespace

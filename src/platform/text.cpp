@@ -1,6 +1,7 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 
 namespace tessarlorn {
@@ -55,15 +56,28 @@ std::string ConvertCase(std::string_view text, Convert convert) {
   return result;
 }
 
-/// Blocks in which a capital at an even (or odd) place is followed by its small letter.
-bool IsPairedBlock(char32_t c) {
-  return (c >= 0x100 && c <= 0x137 && c != 0x130 && c != 0x131) || (c >= 0x14A && c <= 0x177) ||
-         (c >= 0x460 && c <= 0x481) || (c >= 0x48A && c <= 0x4BF) || (c >= 0x4D0 && c <= 0x52F) ||
-         (c >= 0x1E00 && c <= 0x1E95) || (c >= 0x1EA0 && c <= 0x1EFF);
-}
-bool IsPairedBlockFromOdd(char32_t c) {
-  return (c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E) || (c >= 0x4C1 && c <= 0x4CE);
-}
+/// Capitals, each with the small letter so far behind it.
+struct Capitals {
+  char32_t first;
+  char32_t last;
+  std::int32_t distance;
+  /// 2 where capitals and small letters take turns.
+  char32_t step = 1;
+
+  [[nodiscard]] constexpr bool Holds(char32_t c) const { return c >= first && c <= last && (c - first) % step == 0; }
+};
+
+// Sorted.
+constexpr std::array kCapitals = {
+    Capitals{0x41, 0x5A, 32},       Capitals{0xC0, 0xD6, 32},       Capitals{0xD8, 0xDE, 32},
+    Capitals{0x100, 0x12E, 1, 2},   Capitals{0x132, 0x136, 1, 2},   Capitals{0x139, 0x147, 1, 2},
+    Capitals{0x14A, 0x176, 1, 2},   Capitals{0x178, 0x178, -121},   Capitals{0x179, 0x17D, 1, 2},
+    Capitals{0x386, 0x386, 38},     Capitals{0x388, 0x38A, 37},     Capitals{0x38C, 0x38C, 64},
+    Capitals{0x38E, 0x38F, 63},     Capitals{0x391, 0x3A1, 32},     Capitals{0x3A3, 0x3AB, 32},
+    Capitals{0x400, 0x40F, 80},     Capitals{0x410, 0x42F, 32},     Capitals{0x460, 0x480, 1, 2},
+    Capitals{0x48A, 0x4BE, 1, 2},   Capitals{0x4C1, 0x4CD, 1, 2},   Capitals{0x4D0, 0x52E, 1, 2},
+    Capitals{0x1E00, 0x1E94, 1, 2}, Capitals{0x1EA0, 0x1EFE, 1, 2}, Capitals{0xFF21, 0xFF3A, 32},
+};
 
 }  // namespace
 
@@ -106,62 +120,21 @@ bool IsValidUtf8(std::string_view text) {
 
 char32_t ToUpper(char32_t c) {
   if (c < 0x80) return c >= 'a' && c <= 'z' ? c - 32 : c;
-  if ((c >= 0xE0 && c <= 0xFE && c != 0xF7) || (c >= 0x3B1 && c <= 0x3CB && c != 0x3C2) || (c >= 0x430 && c <= 0x44F) ||
-      (c >= 0xFF41 && c <= 0xFF5A)) {
-    return c - 32;
-  }
-  switch (c) {
-    case 0xFF:
-      return 0x178;
-    case 0x3AC:
-      return 0x386;
-    case 0x3AD:
-    case 0x3AE:
-    case 0x3AF:
-      return c - 37;
-    case 0x3C2:
-      return 0x3A3;
-    case 0x3CC:
-      return 0x38C;
-    case 0x3CD:
-    case 0x3CE:
-      return c - 63;
-    default:
-      break;
-  }
-  if (c >= 0x450 && c <= 0x45F) return c - 80;
-  if (IsPairedBlock(c)) return c & ~char32_t{1};
-  if (IsPairedBlockFromOdd(c)) return c % 2 == 0 ? c - 1 : c;
-  return c;
+  constexpr char32_t kSigma = 0x3A3;
+  constexpr char32_t kFinalSigma = 0x3C2;
+  if (c == kFinalSigma) return kSigma;
+  const auto* found = std::find_if(kCapitals.begin(), kCapitals.end(),
+                                   [c](const Capitals& capitals) { return capitals.Holds(c - capitals.distance); });
+  return found == kCapitals.end() ? c : c - found->distance;
 }
 
 char32_t ToLower(char32_t c) {
   if (c < 0x80) return c >= 'A' && c <= 'Z' ? c + 32 : c;
-  if ((c >= 0xC0 && c <= 0xDE && c != 0xD7) || (c >= 0x391 && c <= 0x3AB && c != 0x3A2) || (c >= 0x410 && c <= 0x42F) ||
-      (c >= 0xFF21 && c <= 0xFF3A)) {
-    return c + 32;
-  }
-  switch (c) {
-    case 0x178:
-      return 0xFF;
-    case 0x386:
-      return 0x3AC;
-    case 0x388:
-    case 0x389:
-    case 0x38A:
-      return c + 37;
-    case 0x38C:
-      return 0x3CC;
-    case 0x38E:
-    case 0x38F:
-      return c + 63;
-    default:
-      break;
-  }
-  if (c >= 0x400 && c <= 0x40F) return c + 80;
-  if (IsPairedBlock(c)) return c | 1;
-  if (IsPairedBlockFromOdd(c)) return c % 2 == 1 ? c + 1 : c;
-  return c;
+  const auto* behind =
+      std::upper_bound(kCapitals.begin(), kCapitals.end(), c,
+                       [](char32_t sought, const Capitals& capitals) { return sought < capitals.first; });
+  const Capitals& capitals = *std::prev(behind);
+  return capitals.Holds(c) ? c + capitals.distance : c;
 }
 
 std::string UpperCase(std::string_view text) {
@@ -214,6 +187,23 @@ std::string ReplaceAll(std::string_view text, std::string_view from, std::string
   return result.append(text);
 }
 
+std::string Quoted(std::string_view text, char open, char close) {
+  std::string quoted(1, open);
+  for (const char c : text) quoted.append(c == close ? 2 : 1, c);
+  return quoted + close;
+}
+
+std::string OnOneLine(std::string_view text) {
+  std::string line;
+  line.reserve(text.size());
+  for (std::size_t position = 0; position < text.size();) {
+    const char32_t character = NextCharacter(text, position);
+    const bool control = character < 0x20 || (character >= 0x7F && character < 0xA0);
+    AppendCharacter(line, control ? U' ' : character);
+  }
+  return line;
+}
+
 std::string HexText(const void* bytes, std::size_t size) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
   const auto* const begin = static_cast<const unsigned char*>(bytes);
@@ -224,6 +214,19 @@ std::string HexText(const void* bytes, std::size_t size) {
     text += kDigits[byte & 15];
   });
   return text;
+}
+
+std::optional<std::string> BytesOfHex(std::string_view digits) {
+  if (digits.size() % 2 != 0) return std::nullopt;
+  std::string bytes;
+  bytes.reserve(digits.size() / 2);
+  for (; !digits.empty(); digits.remove_prefix(2)) {
+    unsigned char byte = 0;
+    const char* const last = digits.data() + 2;
+    if (std::from_chars(digits.data(), last, byte, 16).ptr != last) return std::nullopt;
+    bytes += static_cast<char>(byte);
+  }
+  return bytes;
 }
 
 std::string_view Nearest(std::string_view name, const std::vector<std::string_view>& candidates) {

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cerrno>
-#include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -132,13 +130,9 @@ std::string DescribeExtra(const CLI::App& app) {
 }
 
 void ReportError(const Error& error) {
-  std::array<char, 8> digits{};
-  const auto bits = static_cast<std::uint32_t>(error.number());
-  const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), bits, 16).ptr;
-  std::string hex(digits.data(), static_cast<std::size_t>(end - digits.data()));
-  for (char& digit : hex) digit = static_cast<char>(std::toupper(static_cast<unsigned char>(digit)));
-  hex.insert(0, digits.size() - hex.size(), '0');
-  std::cerr << "Number: " << error.number() << " (0x" << hex << ")\n"
+  std::array<char, 9> digits{};
+  std::snprintf(digits.data(), digits.size(), "%08X", static_cast<unsigned>(error.number()));
+  std::cerr << "Number: " << error.number() << " (0x" << digits.data() << ")\n"
             << "Source: " << OnOneLine(error.source()) << '\n'
             << "Description: " << OnOneLine(error.description()) << '\n';
   if (error.native().number != 0) std::cerr << "Native: " << error.native().number << '\n';

@@ -11,9 +11,9 @@ namespace {
 
 std::string Quoted(std::string_view text) {
   std::string quoted = "\"";
-  for (const char c : text) {
+  for (const char c : OnOneLine(text)) {
     if (c == '"' || c == '\\') quoted += '\\';
-    quoted += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+    quoted += c;
   }
   return quoted + "\"";
 }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -30,21 +29,6 @@ constexpr std::size_t kHashSize = 32;
 
 using Hash = std::array<unsigned char, kHashSize>;
 
-std::optional<std::vector<unsigned char>> FromHex(std::string_view text) {
-  if (text.size() % 2 != 0) return std::nullopt;
-  std::vector<unsigned char> bytes;
-  for (std::size_t i = 0; i < text.size(); i += 2) {
-    unsigned char byte = 0;
-    const char* const end = text.data() + i + 2;
-    if (const auto [last, error] = std::from_chars(text.data() + i, end, byte, 16);
-        error != std::errc{} || last != end) {
-      return std::nullopt;
-    }
-    bytes.push_back(byte);
-  }
-  return bytes;
-}
-
 Hash Derive(std::string_view password, const std::vector<unsigned char>& salt, int iterations) {
   Hash hash{};
   if (PKCS5_PBKDF2_HMAC(password.data(), static_cast<int>(password.size()), salt.data(), static_cast<int>(salt.size()),
@@ -63,18 +47,11 @@ struct StoredHash {
 std::optional<StoredHash> ReadHash(std::string_view text) {
   const std::vector<std::string_view> parts = Split(text, '$');
   if (parts.size() != 4 || parts[0] != kScheme) return std::nullopt;
-  StoredHash stored;
-  const char* const end = parts[1].data() + parts[1].size();
-  const auto [last, error] = std::from_chars(parts[1].data(), end, stored.iterations);
-  const auto salt = FromHex(parts[2]);
-  const auto hash = FromHex(parts[3]);
-  if (error != std::errc{} || last != end || stored.iterations < 1 || stored.iterations > kMostIterations || !salt ||
-      salt->empty() || !hash || hash->size() != kHashSize) {
-    return std::nullopt;
-  }
-  stored.salt = *salt;
-  stored.hash = *hash;
-  return stored;
+  const auto iterations = WholeNumber<int>(parts[1], 1, kMostIterations);
+  const auto salt = BytesOfHex(parts[2]);
+  const auto hash = BytesOfHex(parts[3]);
+  if (!iterations || !salt || salt->empty() || !hash || hash->size() != kHashSize) return std::nullopt;
+  return StoredHash{*iterations, {salt->begin(), salt->end()}, {hash->begin(), hash->end()}};
 }
 
 [[noreturn]] void Refuse(const std::string& file, const std::string& why) {

@@ -1,9 +1,9 @@
 #include "tsql/engine/bind.h"
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 
+#include "platform/text.h"
 #include "tsql/functions/functions.h"
 #include "tsql/translate/common/literals.h"
 
@@ -32,9 +32,8 @@ class OneByOne {
 Datum LiteralValue(const Token& token, SqlType& type) {
   switch (token.kind) {
     case TokenKind::kInteger: {
-      std::int64_t value = 0;
-      const auto [end, error] = std::from_chars(token.text.data(), token.text.data() + token.text.size(), value);
-      if (error == std::errc{} && type.is_integer()) return value;
+      const auto value = WholeNumber<std::int64_t>(token.text);
+      if (value && type.is_integer()) return *value;
       break;
     }
     case TokenKind::kFloat:
@@ -113,9 +112,7 @@ void Binder::BindParameter(SqliteStatement& statement, int index, const BoundPar
     const Token& token = activation.literals[static_cast<std::size_t>(parameter.index)];
     if (token.kind == TokenKind::kInteger && parameter.from.is_integer() &&
         (parameter.to.kind == FieldType::kInt || parameter.to.kind == FieldType::kBigInt)) {
-      std::int64_t value = 0;
-      std::from_chars(token.text.data(), token.text.data() + token.text.size(), value);
-      statement.BindInteger(index, value);
+      statement.BindInteger(index, WholeNumber<std::int64_t>(token.text).value_or(0));
       return;
     }
     const bool text = token.kind == TokenKind::kString || token.kind == TokenKind::kNString;

@@ -25,9 +25,9 @@ CREATE TABLE IF NOT EXISTS "$columns" (
 
 }  // namespace
 
-std::string QuoteName(std::string_view name) { return "\"" + ReplaceAll(name, "\"", "\"\"") + "\""; }
+std::string QuoteName(std::string_view name) { return Quoted(name, '"', '"'); }
 
-std::string QuoteText(std::string_view text) { return "'" + ReplaceAll(text, "'", "''") + "'"; }
+std::string QuoteText(std::string_view text) { return Quoted(text, '\'', '\''); }
 
 void RequireThisDatabase(std::string_view database) {
   if (EqualsIgnoreCase(database, "main") || EqualsIgnoreCase(database, "tempdb")) return;

@@ -6,14 +6,10 @@ namespace tessarlorn::tsql {
 namespace {
 
 std::string JsonText(std::string_view text) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
   std::string json = "\"";
   for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x20) {
-      json += "\\u00";
-      json += kDigits[byte >> 4];
-      json += kDigits[byte & 0xf];
+    if (static_cast<unsigned char>(c) < ' ') {
+      json += "\\u00" + HexText(&c, 1);
       continue;
     }
     if (c == '"' || c == '\\') json += '\\';

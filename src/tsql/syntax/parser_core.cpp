@@ -1,7 +1,6 @@
 #include "tsql/syntax/parser_core.h"
 
 #include <algorithm>
-#include <charconv>
 
 #include "platform/text.h"
 #include "tsql/values/sql_error.h"
@@ -193,23 +192,19 @@ TypeName Parser::ParseType() {
 
 int Parser::ParseTypeArgument() {
   if (Accept("max"_kw)) return -1;
-  const Token& token = Peek();
-  int value = 0;
-  const auto [end, error] = std::from_chars(token.text.data(), token.text.data() + token.text.size(), value);
-  if (token.kind != TokenKind::kInteger || error != std::errc()) Fail();
+  const auto value = WholeNumber<int>(Peek().text);
+  if (Peek().kind != TokenKind::kInteger || !value) Fail();
   Take();
-  return value;
+  return *value;
 }
 
 std::int64_t Parser::ParseSignedInteger() {
   const bool negative = Accept(Op::kMinus);
   if (!negative) Accept(Op::kPlus);
-  const Token& token = Peek();
-  std::int64_t value = 0;
-  const auto [end, error] = std::from_chars(token.text.data(), token.text.data() + token.text.size(), value);
-  if (token.kind != TokenKind::kInteger || error != std::errc()) Fail();
+  const auto value = WholeNumber<std::int64_t>(Peek().text);
+  if (Peek().kind != TokenKind::kInteger || !value) Fail();
   Take();
-  return negative ? -value : value;
+  return negative ? -*value : *value;
 }
 
 std::string Parser::AcceptAlias() {

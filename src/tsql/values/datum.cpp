@@ -336,12 +336,9 @@ Datum ToBinary(const Datum& value, const SqlType& from, const SqlType& to, int s
   } else if (from.is_text() && style != 0) {
     std::string_view hex = std::get<std::string>(value);
     if (style == 1 && hex.starts_with("0x")) hex.remove_prefix(2);
-    for (std::size_t i = 0; i + 1 < hex.size() + (hex.size() % 2); i += 2) {
-      unsigned byte = 0;
-      const auto [end, error] = std::from_chars(hex.data() + i, hex.data() + std::min(i + 2, hex.size()), byte, 16);
-      if (error != std::errc{} || end != hex.data() + i + 2) RaiseConverting(from, to);
-      blob.bytes += static_cast<char>(byte);
-    }
+    std::optional<std::string> bytes = BytesOfHex(hex);
+    if (!bytes) RaiseConverting(from, to);
+    blob.bytes = std::move(*bytes);
   } else if (from.is_text()) {
     blob.bytes = BytesOfText(std::get<std::string>(value), from.is_national());
   } else if (from.is_integer()) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "platform/text.h"
 #include "tsql/values/sql_error.h"
@@ -276,9 +275,7 @@ SqlType ParseTypeText(std::string_view text) {
     const auto number = [](std::string_view digits) {
       digits = Trim(digits);
       if (digits == "max") return -1;
-      int value = 0;
-      std::from_chars(digits.data(), digits.data() + digits.size(), value);
-      return value;
+      return WholeNumber<int>(digits).value_or(0);
     };
     name.length = number(arguments[0]);
     if (arguments.size() > 1) name.scale = number(arguments[1]);

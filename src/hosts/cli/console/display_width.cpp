@@ -52,16 +52,6 @@ std::string CutToWidth(std::string_view text, std::size_t width) {
   return std::string(text.substr(0, kept)) + "..";
 }
 
-std::string OnOneLine(std::string_view text) {
-  std::string line;
-  for (std::size_t position = 0; position < text.size();) {
-    const char32_t character = NextCharacter(text, position);
-    const bool control = character < 0x20 || (character >= 0x7F && character < 0xA0);
-    AppendCharacter(line, control ? U' ' : character);
-  }
-  return line;
-}
-
 std::string Wrapped(std::string_view text, std::size_t indent, std::size_t width) {
   std::string wrapped;
   std::size_t column = 0;

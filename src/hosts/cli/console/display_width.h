@@ -13,9 +13,6 @@ std::size_t DisplayWidth(std::string_view text);
 /// The text, or its beginning with ".." behind it that takes at most `width` columns. @pre width >= 2
 std::string CutToWidth(std::string_view text, std::size_t width);
 
-/// The text with a blank for each control character, so that it stays on its line.
-std::string OnOneLine(std::string_view text);
-
 /// The text broken at blanks into lines of at most `width` columns, each behind `indent` blanks and ended by a line
 /// break. A word that is wider stands on a line of its own.
 std::string Wrapped(std::string_view text, std::size_t indent, std::size_t width);

@@ -9,7 +9,7 @@ namespace {
 
 std::string Escaped(std::string_view text) {
   if (!text.empty() && text.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(text);
-  return '"' + ReplaceAll(text, "\"", "\"\"") + '"';
+  return Quoted(text, '"', '"');
 }
 
 class CsvWriter final : public ResultWriter {

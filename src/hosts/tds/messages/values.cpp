@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <bit>
-#include <charconv>
 
 #include "hosts/tds/messages/login.h"
 #include "hosts/tds/messages/type_codes.h"
+#include "platform/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {
@@ -215,12 +215,11 @@ void PutDateTimeOffset(TdsWriter& writer, std::string_view text) {
   constexpr std::size_t kZoneLength = 6;  // +08:00
   const std::string_view zone = text.substr(text.size() - std::min(text.size(), kZoneLength));
   const std::optional<DateTime> clock = DateTime::Parse(text.substr(0, text.size() - zone.size()));
-  int hours = 0;
-  int minutes = 0;
   if (!clock || zone.size() < kZoneLength) RaiseTypeMismatch();
-  std::from_chars(zone.data() + 1, zone.data() + 3, hours);
-  std::from_chars(zone.data() + 4, zone.data() + 6, minutes);
-  const int offset = (hours * 60 + minutes) * (zone.front() == '-' ? -1 : 1);
+  const auto hours = WholeNumber<int>(zone.substr(1, 2));
+  const auto minutes = WholeNumber<int>(zone.substr(4));
+  if (!hours || !minutes) RaiseTypeMismatch();
+  const int offset = (*hours * 60 + *minutes) * (zone.front() == '-' ? -1 : 1);
   const auto [day, milliseconds] = SplitDay(DateTime(clock->milliseconds() - std::int64_t{offset} * 60'000));
   writer.U8(9);
   writer.U32(static_cast<std::uint32_t>(milliseconds));
@@ -228,25 +227,11 @@ void PutDateTimeOffset(TdsWriter& writer, std::string_view text) {
   writer.U16(static_cast<std::uint16_t>(offset));
 }
 
-int HexDigit(char digit) {
-  if (digit >= '0' && digit <= '9') return digit - '0';
-  if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
-  return digit >= 'A' && digit <= 'F' ? digit - 'A' + 10 : 0;
-}
-
 /// The first three groups of a GUID stand with their lowest byte first.
 void PutGuid(TdsWriter& writer, std::string_view text) {
-  std::string bytes;
-  int high = -1;
-  for (const char digit : text) {
-    if (digit == '-' || digit == '{' || digit == '}') continue;
-    if (high < 0) {
-      high = HexDigit(digit);
-    } else {
-      bytes += static_cast<char>((high << 4) | HexDigit(digit));
-      high = -1;
-    }
-  }
+  std::string digits(text);
+  std::erase_if(digits, [](char c) { return c == '-' || c == '{' || c == '}'; });
+  std::string bytes = BytesOfHex(digits).value_or("");
   bytes.resize(16);
   std::reverse(bytes.begin(), bytes.begin() + 4);
   std::reverse(bytes.begin() + 4, bytes.begin() + 6);

@@ -4,7 +4,6 @@
 #include <arpa/inet.h>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cstring>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -92,9 +91,9 @@ Address ParseAddress(std::string_view text) {
   } else if (host.find(':') != std::string_view::npos) {
     refuse();
   }
-  const std::string_view port = text.substr(colon + 1);
-  const auto [end, error] = std::from_chars(port.data(), port.data() + port.size(), address.port);
-  if (error != std::errc{} || end != port.data() + port.size()) refuse();
+  const std::optional<std::uint16_t> port = WholeNumber<std::uint16_t>(text.substr(colon + 1));
+  if (!port) refuse();
+  address.port = *port;
   address.host = EqualsIgnoreCase(host, "localhost") ? "127.0.0.1" : std::string(host);
   if (SystemAddress system; !system.Read(address.host, address.port)) refuse();
   return address;

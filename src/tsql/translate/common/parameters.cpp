@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/text.h"
 #include "tsql/storage/catalog.h"
 #include "tsql/syntax/ast_walk.h"
 #include "tsql/translate/common/literals.h"
@@ -29,11 +30,7 @@ TypedDatum DecimalLiteral(const std::string& text) {
 }
 
 TypedDatum IntegerLiteral(const std::string& text) {
-  std::string_view digits = text;
-  while (digits.size() > 1 && digits.front() == '0') digits.remove_prefix(1);
-  if (digits.size() < 10 || (digits.size() == 10 && digits <= "2147483647")) {
-    return {IntType(), std::int64_t{std::stoll(std::string(digits))}};
-  }
+  if (const auto number = WholeNumber<std::int32_t>(text)) return {IntType(), std::int64_t{*number}};
   return DecimalLiteral(text);
 }
 

@@ -16,7 +16,7 @@ constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
 /// The column that a number stands for.
 std::size_t NumberedColumn(const Literal& number, std::size_t columns) {
-  const int given = number.kind == LiteralKind::kInteger ? std::stoi(number.text.substr(0, 9)) : 0;
+  const int given = number.kind == LiteralKind::kInteger ? WholeNumber<int>(number.text).value_or(0) : 0;
   if (given < 1 || given > static_cast<int>(columns)) {
     throw SqlError(
         108,

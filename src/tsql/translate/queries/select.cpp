@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/text.h"
 #include "tsql/translate/common/conversion.h"
 #include "tsql/translate/common/meaning.h"
 #include "tsql/translate/queries/key_list.h"
@@ -26,7 +27,8 @@ std::int64_t IdentitySeed(Parameters& parameters, const IdentityCall& call, cons
   parameters.PinAll(expression);
   const auto number = [&](std::size_t i) {
     const auto* given = As<Literal>(*call.arguments[i]);
-    return given != nullptr && given->kind == LiteralKind::kInteger ? std::stoll(given->text.substr(0, 18)) : -1;
+    const bool whole = given != nullptr && given->kind == LiteralKind::kInteger;
+    return whole ? WholeNumber<std::int64_t>(given->text).value_or(-1) : -1;
   };
   const std::int64_t seed = call.arguments.empty() ? 1 : number(0);
   if (seed < 0 || (call.arguments.size() > 1 && number(1) != 1)) {

@@ -1,9 +1,9 @@
 #include "com_base/errors.h"
 
 #include <array>
-#include <new>
 
 #include "com_base/pointers.h"
+#include "platform/handled_error.h"
 
 namespace tessarlorn::com {
 namespace {
@@ -64,24 +64,9 @@ void LeaveWithThread(const Error& error) {
   if (const auto info = Query<IErrorInfo>(made.get())) SetErrorInfo(0, info.get());
 }
 
-Error CurrentError() {
-  constexpr const char* kSource = "TessarLornPickingAndDelivery";
-  try {
-    throw;
-  } catch (const Error& error) {
-    return error;
-  } catch (const std::bad_alloc&) {
-    return {error_number::kOutOfMemory, kSource, "Out of memory"};
-  } catch (const std::exception& error) {
-    return {error_number::kInternalError, kSource, error.what()};
-  } catch (...) {
-    return {error_number::kInternalError, kSource, "Internal error"};
-  }
-}
-
 HRESULT CurrentStatus() noexcept {
   try {
-    return ToHresult(CurrentError().number());
+    return ToHresult(HandledError().number());
   } catch (...) {
     return E_OUTOFMEMORY;
   }
@@ -89,7 +74,7 @@ HRESULT CurrentStatus() noexcept {
 
 HRESULT ReportCurrent(EXCEPINFO* info) noexcept {
   try {
-    const Error error = CurrentError();
+    const Error error = HandledError();
     if (info != nullptr) {
       *info = {};
       info->scode = ToHresult(error.number());

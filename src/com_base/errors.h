@@ -17,8 +17,6 @@ std::int32_t ToNumber(HRESULT result);
 /// What the system says of an HRESULT, in the user's language; its number when that is nothing.
 std::string SystemText(HRESULT result);
 
-/// The exception that is being handled, as number, Source and description. Only to be called inside a catch block.
-Error CurrentError();
 /// The HRESULT of the exception that is being handled. Only to be called inside a catch block.
 HRESULT CurrentStatus() noexcept;
 /// Hands the exception that is being handled to the caller of an IDispatch, in its EXCEPINFO or, where that is null, as

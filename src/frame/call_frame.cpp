@@ -1,9 +1,8 @@
 #include "frame/call_frame.h"
 
-#include <new>
 #include <string>
 
-#include "tessarlorn/error.h"
+#include "platform/handled_error.h"
 
 namespace tessarlorn {
 
@@ -15,18 +14,6 @@ void OpenSession(InstanceState instance, std::string_view dsn) {
   instance.context = instance.session->GetContext();
 }
 
-void RaiseFromHandler(std::string_view source) {
-  try {
-    throw;
-  } catch (const Error& error) {
-    throw error.WithSource(std::string(source));
-  } catch (const std::bad_alloc&) {
-    throw Error(error_number::kOutOfMemory, std::string(source), "Out of memory");
-  } catch (const std::exception& exception) {
-    throw Error(error_number::kInternalError, std::string(source), exception.what());
-  } catch (...) {
-    throw Error(error_number::kInternalError, std::string(source), "Internal error");
-  }
-}
+void RaiseFromHandler(std::string_view source) { throw HandledError().WithSource(std::string(source)); }
 
 }  // namespace tessarlorn

@@ -1,9 +1,7 @@
 #include "platform/session_string.h"
 
 #include <algorithm>
-#include <charconv>
 #include <set>
-#include <variant>
 
 #include "platform/text.h"
 #include "tessarlorn/error.h"
@@ -11,13 +9,8 @@
 namespace tessarlorn {
 namespace {
 
-using Pairs = std::vector<std::pair<std::string, std::string>>;
-struct Fault {
-  std::string description;
-};
-
 /// Reads the braced value that begins at `position`, which moves behind its closing brace.
-std::variant<std::string, Fault> ReadBraced(std::string_view text, std::size_t& position, std::string_view key) {
+std::variant<std::string, PairsFault> ReadBraced(std::string_view text, std::size_t& position, std::string_view key) {
   std::string value;
   for (std::size_t i = position + 1; i < text.size(); ++i) {
     if (text[i] != '}') {
@@ -29,41 +22,7 @@ std::variant<std::string, Fault> ReadBraced(std::string_view text, std::size_t& 
       return value;
     }
   }
-  return Fault{"The brace behind " + std::string(key) + "= is not closed"};
-}
-
-std::variant<Pairs, Fault> ReadPairs(std::string_view text) {
-  Pairs pairs;
-  std::set<std::string> seen;
-  std::size_t position = 0;
-  while (position < text.size()) {
-    const std::size_t next = text.find_first_not_of(" ;", position);
-    if (next == std::string_view::npos) break;
-    const std::size_t end_of_key = text.find_first_of("=;", next);
-    if (end_of_key == std::string_view::npos || text[end_of_key] == ';') {
-      return Fault{"No \"=\" behind the key " + std::string(Trim(text.substr(next, end_of_key - next)))};
-    }
-    const std::string_view key = Trim(text.substr(next, end_of_key - next));
-    if (key.empty()) return Fault{"No key before \"=\""};
-    if (!seen.insert(LowerCase(key)).second) return Fault{"The key " + std::string(key) + " is doubled"};
-    position = text.find_first_not_of(' ', end_of_key + 1);
-    if (position == std::string_view::npos) position = text.size();
-    if (position < text.size() && text[position] == '{') {
-      auto braced = ReadBraced(text, position, key);
-      if (auto* fault = std::get_if<Fault>(&braced)) return std::move(*fault);
-      position = text.find_first_not_of(' ', position);
-      if (position == std::string_view::npos) position = text.size();
-      if (position < text.size() && text[position] != ';') {
-        return Fault{"Text behind the closing brace of " + std::string(key)};
-      }
-      pairs.emplace_back(key, std::get<std::string>(std::move(braced)));
-    } else {
-      const std::size_t end = std::min(text.find(';', position), text.size());
-      pairs.emplace_back(key, Trim(text.substr(position, end - position)));
-      position = end;
-    }
-  }
-  return pairs;
+  return PairsFault{"The brace behind " + std::string(key) + "= is not closed", std::string(key)};
 }
 
 /// Whether the text means to name its database with Connect=, so that its faults are faults of a session string.
@@ -82,12 +41,9 @@ bool NamesConnect(std::string_view text) {
 }
 
 std::int32_t ReadUser(const std::string& text) {
-  std::int32_t user = 0;
-  const auto [end, fault] = std::from_chars(text.data(), text.data() + text.size(), user);
-  if (fault != std::errc{} || end != text.data() + text.size()) {
-    RaiseFault("User=" + text + " is no 32-bit number");
-  }
-  return user;
+  const auto user = WholeNumber<std::int32_t>(text);
+  if (!user) RaiseFault("User=" + text + " is no 32-bit number");
+  return *user;
 }
 
 bool ReadYesOrNo(std::string_view key, const std::string& text) {
@@ -98,9 +54,44 @@ bool ReadYesOrNo(std::string_view key, const std::string& text) {
 
 }  // namespace
 
-std::vector<std::pair<std::string, std::string>> ParsePairs(std::string_view text) {
+std::variant<Pairs, PairsFault> ReadPairs(std::string_view text) {
+  Pairs pairs;
+  std::set<std::string> seen;
+  std::size_t position = 0;
+  while (position < text.size()) {
+    const std::size_t next = text.find_first_not_of(" ;", position);
+    if (next == std::string_view::npos) break;
+    const std::size_t end_of_key = text.find_first_of("=;", next);
+    if (end_of_key == std::string_view::npos || text[end_of_key] == ';') {
+      return PairsFault{"No \"=\" behind the key " + std::string(Trim(text.substr(next, end_of_key - next)))};
+    }
+    const std::string_view key = Trim(text.substr(next, end_of_key - next));
+    if (key.empty()) return PairsFault{"No key before \"=\""};
+    if (!seen.insert(LowerCase(key)).second)
+      return PairsFault{"The key " + std::string(key) + " is doubled", std::string(key)};
+    position = text.find_first_not_of(' ', end_of_key + 1);
+    if (position == std::string_view::npos) position = text.size();
+    if (position < text.size() && text[position] == '{') {
+      auto braced = ReadBraced(text, position, key);
+      if (auto* fault = std::get_if<PairsFault>(&braced)) return std::move(*fault);
+      position = text.find_first_not_of(' ', position);
+      if (position == std::string_view::npos) position = text.size();
+      if (position < text.size() && text[position] != ';') {
+        return PairsFault{"Text behind the closing brace of " + std::string(key), std::string(key)};
+      }
+      pairs.emplace_back(key, std::get<std::string>(std::move(braced)));
+    } else {
+      const std::size_t end = std::min(text.find(';', position), text.size());
+      pairs.emplace_back(key, Trim(text.substr(position, end - position)));
+      position = end;
+    }
+  }
+  return pairs;
+}
+
+Pairs ParsePairs(std::string_view text) {
   auto pairs = ReadPairs(text);
-  if (const auto* fault = std::get_if<Fault>(&pairs)) RaiseFault(fault->description);
+  if (const auto* fault = std::get_if<PairsFault>(&pairs)) RaiseFault(fault->description);
   return std::get<Pairs>(std::move(pairs));
 }
 

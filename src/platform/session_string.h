@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <variant>
 #include <vector>
 
 namespace tessarlorn {
@@ -27,9 +28,19 @@ struct SessionString {
 /// a user id that is no 32-bit number, an Escape that is neither Yes nor No, an empty database string.
 SessionString ParseSessionString(std::string_view text);
 
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+
+/// Why a text is no list of pairs.
+struct PairsFault {
+  std::string description;
+  /// The key that the description names as one whose value is at fault or that stands twice, else "".
+  std::string key = {};
+};
+
 /// Splits `Key=value;…` into pairs in their order; a value may stand in braces, `}}` in it is a brace. Blanks around
-/// keys and unbraced values are dropped. Raises 0x80040E4D for text that is no such list, and for a key that stands
-/// twice without regard to case, naming it.
-std::vector<std::pair<std::string, std::string>> ParsePairs(std::string_view text);
+/// keys and unbraced values are dropped. A key that stands twice, without regard to case, is a fault.
+std::variant<Pairs, PairsFault> ReadPairs(std::string_view text);
+/// The same for text of a session. Raises 0x80040E4D with the fault.
+Pairs ParsePairs(std::string_view text);
 
 }  // namespace tessarlorn

@@ -22,7 +22,7 @@ std::string OpenError(const std::string& text) {
 TEST(EmbeddedDriver, NamesWhatIsWrongWithTheConnectionString) {
   const TemporaryFolder folder;
   EXPECT_THAT(OpenError("Embedded="), HasSubstr("names no file"));
-  EXPECT_THAT(OpenError("Embedded=x.db;Timeout=soon"), HasSubstr("Timeout in the connection string is 'soon'"));
+  EXPECT_THAT(OpenError("Embedded=x.db;Timeout=soon"), HasSubstr("Timeout in the connection string is no number"));
   EXPECT_THAT(OpenError("Embedded=x.db;Timeout=99999"), HasSubstr("0 to 3600"));
   EXPECT_THAT(OpenError("Embedded=x.db;Synchronous=No"), HasSubstr("Full or Normal"));
   EXPECT_THAT(OpenError("Embedded=x.db;Colour=red"), HasSubstr("'Colour'"));

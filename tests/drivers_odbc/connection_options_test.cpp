@@ -33,7 +33,7 @@ TEST(ConnectionOptions, NameTheKeyAtFaultAndNoPassword) {
   EXPECT_THAT(Fault("DSN=x;LoginTimeout=soon"),
               AllOf(HasSubstr("LoginTimeout in the connection string"), Not(HasSubstr("soon"))));
   EXPECT_THAT(Fault("DSN=x;StatementTimeout=-1"), HasSubstr("StatementTimeout"));
-  EXPECT_THAT(Fault("DSN=x;dsn=y"), HasSubstr("DSN is doubled"));
+  EXPECT_THAT(Fault("DSN=x;dsn=y"), HasSubstr("dsn is doubled"));
   EXPECT_THAT(Fault("DSN=x;PWD=se;cret"), AllOf(HasSubstr("braces"), Not(HasSubstr("cret"))));
   EXPECT_THAT(Fault("DSN=x;PWD=se;cret=1;cret=2"), Not(HasSubstr("cret")));
   EXPECT_THAT(Fault("DSN=x;PWD={se;cret"), AllOf(HasSubstr("PWD"), Not(HasSubstr("cret"))));

@@ -5,7 +5,7 @@
 
 #include "com_base/errors.h"
 #include "com_base/pointers.h"
-#include "drivers/common/server_batches.h"
+#include "platform/server_messages.h"
 
 namespace tessarlorn::ado {
 namespace {
@@ -72,7 +72,7 @@ Report ReportOf(HRESULT status, IAdoConnection* connection, std::string_view wha
   // Read first: every further call of ADO may change it.
   if (FAILED(status)) report.failure = FromErrorObject(status, what);
   for (Error& said : TakeErrors(connection)) {
-    if (said.native().number == kStatementTerminated) continue;
+    if (said.native().number == server_message::kStatementTerminated.number) continue;
     if (IsMessage(said)) {
       report.messages.push_back(std::move(said));
     } else if (FAILED(status)) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "drivers/ado/ado_error.h"
+#include "platform/driver_options.h"
 #include "platform/text.h"
 
 namespace tessarlorn::ado {
@@ -19,9 +20,9 @@ std::size_t EndOfPair(std::string_view text, std::size_t start) {
     while (at < text.size() && text[at] == quote) {
       at = text.find(quote, at + 1);
       if (at == std::string_view::npos) {
-        throw Error(error_number::kLoginRefused, kSource,
-                    "Connection string: the quote behind " +
-                        std::string(Trim(text.substr(start, text.find('=', start) - start))) + "= is not closed.");
+        RaiseLogin(kSource, "Connection string: the quote behind " +
+                                std::string(Trim(text.substr(start, text.find('=', start) - start))) +
+                                "= is not closed.");
       }
       ++at;
     }

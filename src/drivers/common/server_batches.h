@@ -32,9 +32,6 @@ class NumberSink final : public BatchSink {
   std::optional<std::int32_t> number_;
 };
 
-/// The number of what the server says behind the error that ended a statement; never the cause.
-inline constexpr std::int32_t kStatementTerminated = 3621;
-
 // Raise in the server's own numbers and words where it has some, with the driver as Source.
 [[noreturn]] void RaiseTransactionOpen(std::string_view driver);
 [[noreturn]] void RaiseNoTransaction(std::string_view driver);

@@ -1,7 +1,10 @@
 #include "drivers/odbc/connection_options.h"
 
-#include "drivers/common/server_batches.h"
+#include <algorithm>
+#include <array>
+
 #include "drivers/odbc/odbc_error.h"
+#include "platform/driver_options.h"
 #include "platform/session_string.h"
 #include "platform/text.h"
 
@@ -10,38 +13,25 @@ namespace {
 
 /// In braces only where ODBC would read the value otherwise: not every ODBC driver halves the braces that are doubled
 /// within.
-std::string Quoted(const std::string& value) {
+std::string ValueText(const std::string& value) {
   const bool plain = value.find(';') == std::string::npos && !value.starts_with('{') && Trim(value) == value;
-  return plain ? value : "{" + ReplaceAll(value, "}", "}}") + "}";
+  return plain ? value : Quoted(value, '{', '}');
 }
 
 /// What is wrong with a connection string, without any part of it but a key that is surely one: a password with ";" in
 /// it that stands in no braces looks like further keys.
-std::string WithoutUnknownKeys(const std::string& fault) {
-  for (const std::string_view key :
-       {"Driver", "DSN", "Server", "Port", "Database", "UID", "PWD", "Password", "LoginTimeout", "StatementTimeout"}) {
-    for (const auto& [before, behind] :
-         {std::pair{"The key ", " is doubled"}, std::pair{"The brace behind ", "= is not closed"},
-          std::pair{"Text behind the closing brace of ", ""}}) {
-      std::string text = before;
-      text.append(key).append(behind);
-      if (EqualsIgnoreCase(fault, "Session string: " + text)) return "Connection string: " + text;
-    }
-  }
-  return "Connection string: it is no list of Key=value pairs with different keys. A value that holds \";\" stands in "
-         "braces.";
+std::string DescriptionOf(const PairsFault& fault) {
+  constexpr std::array<std::string_view, 10> kKnownKeys = {
+      "Driver", "DSN", "Server", "Port", "Database", "UID", "PWD", "Password", "LoginTimeout", "StatementTimeout"};
+  const bool known = std::any_of(kKnownKeys.begin(), kKnownKeys.end(),
+                                 [&fault](std::string_view key) { return EqualsIgnoreCase(key, fault.key); });
+  return "Connection string: " + (known ? fault.description
+                                        : "it is no list of Key=value pairs with different keys. A value that holds "
+                                          "\";\" stands in braces.");
 }
 
 bool IsPartOfWord(std::string_view text, std::size_t at) {
   return at < text.size() && IsNameCharacter(text[at]) && (text[at] & 0x80) == 0;
-}
-
-std::vector<std::pair<std::string, std::string>> ReadPairs(std::string_view text) {
-  try {
-    return ParsePairs(text);
-  } catch (const Error& error) {
-    RaiseLogin(WithoutUnknownKeys(error.description()));
-  }
 }
 
 }  // namespace
@@ -59,11 +49,13 @@ std::string ConnectionOptions::WithoutPassword(std::string_view text) const {
 }
 
 ConnectionOptions ParseConnectionOptions(std::string_view text) {
+  const auto pairs = ReadPairs(text);
+  if (const auto* fault = std::get_if<PairsFault>(&pairs)) RaiseLogin(kSource, DescriptionOf(*fault));
   ConnectionOptions options;
-  for (const auto& [key, value] : ReadPairs(text)) {
+  for (const auto& [key, value] : std::get<Pairs>(pairs)) {
     if (options.Take(key, value, kSource)) continue;
     if (EqualsIgnoreCase(key, "PWD") || EqualsIgnoreCase(key, "Password")) options.password = value;
-    options.odbc_string += key + "=" + Quoted(value) + ";";
+    options.odbc_string += key + "=" + ValueText(value) + ";";
   }
   return options;
 }

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "drivers/common/server_batches.h"
+#include "platform/server_messages.h"
 
 namespace tessarlorn::odbc {
 namespace {
@@ -80,7 +80,7 @@ bool GoesOn(const Diagnostic& record) {
 Diagnostic Cause(const std::vector<Diagnostic>& records) {
   const auto error = [](const Diagnostic& record) { return !IsInformation(record); };
   const auto cause = [&error](const Diagnostic& record) {
-    return error(record) && record.native != 0 && record.native != kStatementTerminated;
+    return error(record) && record.native != 0 && record.native != server_message::kStatementTerminated.number;
   };
   auto found = std::find_if(records.begin(), records.end(), cause);
   if (found == records.end()) found = std::find_if(records.begin(), records.end(), error);
@@ -113,8 +113,6 @@ Error ToLoginError(const Diagnostic& cause) {
   const bool timeout = NumberOf(cause) == error_number::kTimeout;
   return Make(timeout ? error_number::kTimeout : error_number::kLoginRefused, cause);
 }
-
-void RaiseLogin(const std::string& description) { throw ToLoginError({"08001", 0, description}); }
 
 void RaiseCancelled() { throw ToError({"HY008", 0, "The batch was cancelled."}); }
 

@@ -30,7 +30,6 @@ Diagnostic OfLostConnection(Diagnostic cause);
 Error ToError(const Diagnostic& cause);
 /// The error of opening a connection: a time-out, else a refused login.
 Error ToLoginError(const Diagnostic& cause);
-[[noreturn]] void RaiseLogin(const std::string& description);
 
 [[noreturn]] void RaiseCancelled();
 

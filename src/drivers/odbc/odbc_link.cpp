@@ -4,9 +4,9 @@
 #include <optional>
 #include <utility>
 
-#include "drivers/common/server_batches.h"
 #include "drivers/odbc/bound_parameters.h"
 #include "drivers/odbc/odbc_error.h"
+#include "platform/server_messages.h"
 #include "platform/unicode/utf16.h"
 
 namespace tessarlorn::odbc {
@@ -22,7 +22,7 @@ constexpr std::int32_t kLanguageChanged = 5703;
 
 bool IsForUser(const Diagnostic& record) {
   return record.sqlstate == "01000" && record.native != kDatabaseChanged && record.native != kLanguageChanged &&
-         record.native != kStatementTerminated;
+         record.native != server_message::kStatementTerminated.number;
 }
 
 }  // namespace

@@ -7,9 +7,11 @@
 #include <utility>
 
 #include "hosts/tds/messages/call_reply.h"
+#include "hosts/tds/messages/refusal.h"
 #include "hosts/tds/messages/tds_reader.h"
 #include "hosts/tds/messages/transaction_request.h"
 #include "hosts/tds/transport/socket.h"
+#include "platform/server_messages.h"
 #include "platform/text.h"
 
 namespace tessarlorn::tds {
@@ -21,18 +23,10 @@ ServerMessage LoginError(std::int32_t number, std::uint8_t severity, std::string
   return {number, 1, severity, 1, std::move(text)};
 }
 
-[[noreturn]] void RaiseRequest(const std::string& text) {
-  throw Error(error_number::kNotSupported, kServerName, text, {40000, "0A000"});
-}
-
-/// The text of a request without line ends, for the log.
-std::string OnOneLine(std::string_view text) {
-  constexpr std::size_t kShown = 2000;
-  std::string line(text.substr(0, kShown));
-  for (char& c : line) {
-    if (static_cast<unsigned char>(c) < ' ') c = ' ';
-  }
-  return line;
+/// What a client sent, for the log.
+std::string Shown(std::string_view text) {
+  constexpr std::size_t kMostShown = 2000;
+  return OnOneLine(text.substr(0, kMostShown));
 }
 
 /// What is run, for the log: a batch, or a procedure with the texts that it is given.
@@ -43,7 +37,7 @@ std::string LogLine(const SqlCommand& command) {
     line.append(&parameter == command.parameters.data() ? " " : ", ");
     line += bytes == nullptr ? parameter.value.ToText() : "0x" + HexText(bytes->data(), bytes->size());
   }
-  return OnOneLine(line);
+  return Shown(line);
 }
 
 /// Counts the rows of a bulk load, and keeps its first error.
@@ -192,10 +186,10 @@ bool ClientSession::RefuseOld() {
 }
 
 bool ClientSession::Refuse(const Login& login, const ServerMessage& message, const std::string& why) {
-  if (const auto line = service_.gate->Line("refused user '" + OnOneLine(login.user) + "': " + why)) Log(*line);
+  if (const auto line = service_.gate->Line("refused user '" + Shown(login.user) + "': " + why)) Log(*line);
   TdsWriter writer(version_);
   writer.Put(message);
-  if (message.number == 4060) {
+  if (message.number == server_message::kCannotOpenDatabase) {
     writer.Put(LoginError(18456, 14, "Login failed for user '" + login.user + "'."));
   }
   writer.Put(Done{Token::kDone, kDoneError, 0, 0});
@@ -207,8 +201,8 @@ bool ClientSession::CheckPassword(const Login& login) {
   const std::string address = peer_.substr(0, peer_.rfind(':'));
   const std::chrono::milliseconds delay = service_.gate->Delay(login.user, address);
   if (delay.count() > 0) {
-    const std::string text = "after failed logins by user '" + OnOneLine(login.user) +
-                             "' or from this address it waits " + std::to_string(delay.count()) + " ms";
+    const std::string text = "after failed logins by user '" + Shown(login.user) + "' or from this address it waits " +
+                             std::to_string(delay.count()) + " ms";
     if (const auto line = service_.gate->Line(text)) Log(*line);
     service_.gate->Wait(delay);
   }
@@ -241,7 +235,10 @@ bool ClientSession::OpenDatabase(const Login& login) {
     const bool short_of_files = spare.get() < 0 && (errno == EMFILE || errno == ENFILE);
     const std::string why = short_of_files ? "Could not connect: the server has too many open files." : error.what();
     service_.gate->Leave();
-    return Refuse(login, short_of_files ? LoginError(kTooMany, kTooManySeverity, why) : LoginError(4060, 11, why), why);
+    return Refuse(login,
+                  short_of_files ? LoginError(kTooMany, kTooManySeverity, why)
+                                 : LoginError(server_message::kCannotOpenDatabase, 11, why),
+                  why);
   }
   logged_in_.store(true);
   return true;
@@ -259,13 +256,13 @@ Error ClientSession::HandledError() const {
     return {error_number::kDatabaseFailure,
             kServerName,
             "There is insufficient system memory to run this query.",
-            {701, "HY001", 17}};
+            {server_message::kOutOfMemory, "HY001", 17}};
   } catch (const std::exception& error) {
     Log(std::string("inner error: ") + error.what());
     return {error_number::kDatabaseFailure,
             kServerName,
             "An internal error ended the request; the server's log says which.",
-            {8624, "HY000", 16}};
+            {server_message::kInternalError, "HY000", 16}};
   }
 }
 
@@ -285,9 +282,9 @@ bool ClientSession::Admit(const Login& login) {
   if (!login.database.empty() && !EqualsIgnoreCase(login.database, kDatabaseName)) {
     return Refuse(
         login,
-        LoginError(4060, 11,
+        LoginError(server_message::kCannotOpenDatabase, 11,
                    "Cannot open database \"" + login.database + "\" requested by the login. The login failed."),
-        "unknown database '" + OnOneLine(login.database) + "'");
+        "unknown database '" + Shown(login.database) + "'");
   }
   if (!OpenDatabase(login)) return false;
   TdsWriter writer(version_);
@@ -297,8 +294,7 @@ bool ClientSession::Admit(const Login& login) {
   channel_.set_packet_size(login.packet_size);
   channel_.set_message_limit(service_.limits.message);
   if (service_.verbose) {
-    Log("user '" + OnOneLine(login.user) + "' from " + OnOneLine(login.host) + ", program '" +
-        OnOneLine(login.application) + "'");
+    Log("user '" + Shown(login.user) + "' from " + Shown(login.host) + ", program '" + Shown(login.application) + "'");
   }
   return true;
 }
@@ -342,15 +338,15 @@ void ClientSession::Answer(const Message& request) {
   try {
     if (request.fate == Fate::kTakenBack) return reply.FinishBroken();
     if (request.fate == Fate::kTooLong) {
-      RaiseRequest("The request has more than " + std::to_string(service_.limits.message) + " bytes.");
+      RaiseNotSupported("The request has more than " + std::to_string(service_.limits.message) + " bytes.");
     }
-    if (keeps_transaction) RaiseRequest("A connection is not reset while its transaction goes on.");
+    if (keeps_transaction) RaiseNotSupported("A connection is not reset while its transaction goes on.");
     switch (request.type) {
       case PacketType::kSqlBatch:
         AnswerBatch(reply, request.payload);
         break;
       case PacketType::kBulkLoad:
-        if (!bulk) RaiseRequest("Rows of a bulk load came without an INSERT BULK before them.");
+        if (!bulk) RaiseNotSupported("Rows of a bulk load came without an INSERT BULK before them.");
         AnswerBulkLoad(reply, request.payload, *bulk);
         break;
       case PacketType::kRpc:

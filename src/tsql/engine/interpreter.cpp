@@ -4,6 +4,7 @@
 #include <thread>
 #include <utility>
 
+#include "platform/server_messages.h"
 #include "tsql/engine/state/effect.h"
 
 namespace tessarlorn::tsql {
@@ -86,7 +87,8 @@ Interpreter::Flow Interpreter::Guarded(const Statement& statement, Activation& a
     if (errors_.try_depth > 0 || options_.xact_abort() || !(error.ends_statement_only() || called)) throw;
     if (results_.StatementFailed(error)) {
       if (EffectOf(statement) == Effect::kChangesRows) {
-        messages_.Say(statement.line, "The statement has been terminated.", 3621);
+        constexpr server_message::Known kSaid = server_message::kStatementTerminated;
+        messages_.Say(statement.line, kSaid.text, kSaid.number);
       }
       return Flow::kNormal;
     }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <filesystem>
 #include <optional>
 #include <system_error>
@@ -12,7 +11,9 @@
 #include <unistd.h>
 #endif
 
+#include "platform/driver_options.h"
 #include "platform/file_path.h"
+#include "platform/server_messages.h"
 #include "platform/session_string.h"
 #include "platform/text.h"
 #include "tessarlorn/error.h"
@@ -26,13 +27,16 @@ constexpr std::int64_t kApplicationId = 0x544C7064;
 
 enum class Owner : std::uint8_t { kNobody, kUs, kUsUnmarked, kAnother };
 
-[[noreturn]] void RaiseLogin(const std::string& description) {
-  throw Error(error_number::kLoginRefused, "TessarLorn embedded database", description, {4060, "08001"});
-}
+constexpr const char* kSource = "TessarLorn embedded database";
 
 [[noreturn]] void RaiseCannotOpen(const std::string& file, const std::string& why) {
-  RaiseLogin("Cannot open the database '" + file + "': " + why);
+  RaiseLogin(kSource, "Cannot open the database '" + file + "': " + why, server_message::kCannotOpenDatabase);
 }
+
+[[noreturn]] void RaiseOption(const std::string& why) { RaiseLogin(kSource, why, server_message::kCannotOpenDatabase); }
+
+constexpr NumberOption kTimeout{"Timeout", 0, 3600, "seconds"};
+constexpr NumberOption kMaxMemory{"MaxMemory", 16, 65536, "megabytes"};
 
 constexpr const char* kMayNotBeWritten = "the file, its folder or a file beside it (-wal, -shm) may not be written.";
 constexpr const char* kAnothers =
@@ -183,34 +187,30 @@ OpenedDatabase OpenFile(const DatabaseOptions& options, MissingFile missing) {
 }  // namespace
 
 DatabaseOptions ParseDatabaseOptions(std::string_view text) {
-  DatabaseOptions options;
-  const auto number = [](const std::string& key, const std::string& value, int least, int most, const char* unit) {
-    int read = 0;
-    const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), read);
-    if (error != std::errc{} || end != value.data() + value.size() || read < least || read > most) {
-      RaiseLogin(key + " in the connection string is '" + value + "'; a number of " + unit + " from " +
-                 std::to_string(least) + " to " + std::to_string(most) + " is wanted.");
-    }
-    return read;
+  const auto pairs = ReadPairs(text);
+  if (const auto* fault = std::get_if<PairsFault>(&pairs)) RaiseOption("Connection string: " + fault->description);
+  const auto read = [](const NumberOption& option, const std::string& value) {
+    return option.Read(value, kSource, server_message::kCannotOpenDatabase);
   };
-  for (const auto& [key, value] : ParsePairs(text)) {
+  DatabaseOptions options;
+  for (const auto& [key, value] : std::get<Pairs>(pairs)) {
     if (EqualsIgnoreCase(key, "Embedded")) {
       options.file = value;
-    } else if (EqualsIgnoreCase(key, "Timeout")) {
-      options.timeout = std::chrono::seconds(number("Timeout", value, 0, 3600, "seconds"));
-    } else if (EqualsIgnoreCase(key, "MaxMemory")) {
-      options.memory = static_cast<std::size_t>(number("MaxMemory", value, 16, 65536, "megabytes")) << 20;
+    } else if (EqualsIgnoreCase(key, kTimeout.key)) {
+      options.timeout = std::chrono::seconds(read(kTimeout, value));
+    } else if (EqualsIgnoreCase(key, kMaxMemory.key)) {
+      options.memory = static_cast<std::size_t>(read(kMaxMemory, value)) << 20;
     } else if (EqualsIgnoreCase(key, "Synchronous")) {
       options.full = EqualsIgnoreCase(value, "Full");
       if (!options.full && !EqualsIgnoreCase(value, "Normal")) {
-        RaiseLogin("Synchronous in the connection string is '" + value + "'; Full or Normal is wanted.");
+        RaiseOption("Synchronous in the connection string is '" + value + "'; Full or Normal is wanted.");
       }
     } else {
-      RaiseLogin("The connection string has an unknown key '" + key +
-                 "'; known are Embedded, Timeout, Synchronous and MaxMemory.");
+      RaiseOption("The connection string has an unknown key '" + key +
+                  "'; known are Embedded, Timeout, Synchronous and MaxMemory.");
     }
   }
-  if (options.file.empty()) RaiseLogin("Embedded= in the connection string names no file.");
+  if (options.file.empty()) RaiseOption("Embedded= in the connection string names no file.");
   return options;
 }
 
@@ -240,7 +240,8 @@ OpenedDatabase OpenDatabase(const DatabaseOptions& options, MissingFile missing)
     return OpenFile(options, missing);
   } catch (const SqlError& error) {
     // Which of the rights is missing shows up in different places.
-    if (error.number() == 3906 || error.number() == 4060) RaiseCannotOpen(options.file, kMayNotBeWritten);
+    if (error.number() == 3906 || error.number() == server_message::kCannotOpenDatabase)
+      RaiseCannotOpen(options.file, kMayNotBeWritten);
     throw;
   }
 }

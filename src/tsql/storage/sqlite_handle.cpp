@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "platform/server_messages.h"
 #include "platform/text.h"
 #include "tsql/functions/sqlite_value.h"
 #include "tsql/storage/catalog.h"
@@ -130,7 +131,7 @@ struct ShownDatabase {
 [[noreturn]] void RaiseOther(const std::string& message) {
   if (message == "integer overflow")
     throw SqlError(8115, "Arithmetic overflow error converting expression to data type bigint.");
-  throw SqlError(8624, "The embedded database could not run the statement: " + message + ".");
+  throw SqlError(server_message::kInternalError, "The embedded database could not run the statement: " + message + ".");
 }
 
 }  // namespace
@@ -164,7 +165,8 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
     case SQLITE_READONLY:
       RaiseReadOnly(database, extended, name);
     case SQLITE_CANTOPEN:
-      throw SqlError(4060, "Cannot open the database " + name + ": " + message + ".", 11);
+      throw SqlError(server_message::kCannotOpenDatabase, "Cannot open the database " + name + ": " + message + ".",
+                     11);
     case SQLITE_INTERRUPT:
       throw Cancelled();
     case SQLITE_NOMEM:

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/server_messages.h"
+
 namespace tessarlorn::tsql {
 namespace {
 
@@ -62,12 +64,14 @@ Error ToError(const SqlError& error) {
                       std::max(1, static_cast<int>(error.line())), error.procedure()}};
 }
 
-SqlError InnerError() { return {8624, "Internal error: the embedded database could not run the statement.", 16}; }
+SqlError InnerError() {
+  return {server_message::kInternalError, "Internal error: the embedded database could not run the statement.", 16};
+}
 
 SqlError Cancelled() { return {3617, "The statement was cancelled.", 11}; }
 
 SqlError OutOfMemory(std::size_t megabytes) {
-  return {701,
+  return {server_message::kOutOfMemory,
           "There is insufficient memory to run this query" +
               (megabytes == 0 ? "." : ": it may take " + std::to_string(megabytes) + " MB."),
           17};
@@ -83,7 +87,7 @@ void RaiseSyntax(std::string_view near, bool keyword, std::uint32_t line) {
 }
 
 void RaiseUnsupported(std::string_view feature, std::uint32_t line) {
-  SqlError error(40000, std::string(feature) + " is not supported by the embedded database.");
+  SqlError error(server_message::kNotSupported, std::string(feature) + " is not supported by the embedded database.");
   error.set_line(line);
   throw error;
 }

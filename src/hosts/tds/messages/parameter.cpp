@@ -10,6 +10,7 @@
 #include <iconv.h>
 #include <memory>
 
+#include "hosts/tds/messages/refusal.h"
 #include "hosts/tds/messages/type_codes.h"
 #include "platform/text.h"
 #include "tessarlorn/date_time.h"
@@ -22,8 +23,7 @@ namespace {
 constexpr std::size_t kCollationSize = 5;
 
 [[noreturn]] void RefuseType(const char* name) {
-  throw Error(error_number::kNotSupported, kServerName,
-              std::string("Parameters of the type ") + name + " are not supported.", {40000, "0A000"});
+  RaiseNotSupported(std::string("Parameters of the type ") + name + " are not supported.");
 }
 
 /// The bytes of a value have the right length, and mean nothing.

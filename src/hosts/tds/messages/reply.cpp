@@ -2,12 +2,13 @@
 
 #include <utility>
 
+#include "platform/server_messages.h"
+
 namespace tessarlorn::tds {
 namespace {
 
 constexpr std::uint16_t kSelectCommand = 0xC1;
 constexpr std::uint16_t kChangeCommand = 0xC5;
-constexpr std::int32_t kStatementTerminated = 3621;
 constexpr std::int32_t kUserError = 50000;
 /// So much is written before it is sent.
 constexpr std::size_t kSendSize = 32768;
@@ -80,7 +81,7 @@ void Reply::RowCount(std::int64_t rows) {
 
 void Reply::Message(std::string_view text, const NativeError& about) {
   // It belongs to the error before it, and so stands before the end of that statement.
-  TdsWriter& tokens = about.number == kStatementTerminated ? writer_ : Tokens();
+  TdsWriter& tokens = about.number == server_message::kStatementTerminated.number ? writer_ : Tokens();
   tokens.Put(ToMessage(text, about));
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "hosts/tds/messages/object_name.h"
+#include "hosts/tds/messages/refusal.h"
 #include "platform/text.h"
 #include "tessarlorn/error.h"
 
@@ -142,7 +143,7 @@ DatabaseCall ExecutionOf(Call& call, const Prepared& prepared, std::size_t first
 }  // namespace
 
 Call CallReader::Next() {
-  if (++read_ > kMostCalls) RaiseCall(40000, "A request has more than " + std::to_string(kMostCalls) + " calls.");
+  if (++read_ > kMostCalls) RaiseNotSupported("A request has more than " + std::to_string(kMostCalls) + " calls.");
   Call call = ReadCall(reader_, version_);
   call.is_unwanted = next_is_unwanted_;
   if (!reader_.at_end()) next_is_unwanted_ = reader_.U8() == kNextCallUnwanted;

@@ -4,11 +4,17 @@
 #include <thread>
 #include <utility>
 
+#include "platform/server_messages.h"
 #include "platform/text.h"
 #include "tsql/engine/state/effect.h"
 #include "tsql/storage/database_file.h"
 
 namespace tessarlorn::tsql {
+namespace {
+
+[[noreturn]] void Raise(const server_message::Known& message) { throw SqlError(message.number, message.text); }
+
+}  // namespace
 
 Transaction::Transaction(SessionDatabase& database, const SessionOptions& options, Results& results,
                          std::chrono::milliseconds longest_wait)
@@ -134,16 +140,12 @@ void Transaction::BeginFor(const Statement& statement) {
 }
 
 void Transaction::BeginContainer() {
-  if (depth_ > 0) throw SqlError(3988, "New transaction is not allowed because there is another transaction open.");
+  if (depth_ > 0) Raise(server_message::kTransactionOpen);
   depth_ = 1;
 }
 
 void Transaction::CommitContainer() {
-  if (depth_ == 0) {
-    throw SqlError(
-        3902,
-        "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION: the transaction was ended before.");
-  }
+  if (depth_ == 0) Raise(server_message::kTransactionEnded);
   if (doomed_) EnsureWrite();
   End(true);
 }
@@ -159,7 +161,7 @@ void Transaction::Begin() {
 }
 
 void Transaction::Commit() {
-  if (depth_ == 0) throw SqlError(3902, "The COMMIT TRANSACTION request has no corresponding BEGIN TRANSACTION.");
+  if (depth_ == 0) Raise(server_message::kNoTransaction);
   if (doomed_) EnsureWrite();
   if (--depth_ > 0) return;
   try {

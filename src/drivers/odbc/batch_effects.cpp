@@ -4,7 +4,7 @@
 #include <array>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/sql_text.h"
 
 namespace tessarlorn::odbc {
 namespace {
@@ -46,13 +46,6 @@ void AddOnce(std::vector<std::string>& list, const std::string& item) {
   if (!Holds(list, item)) list.push_back(item);
 }
 
-/// `quote` around the text, each of it within doubled.
-std::string Quoted(std::string_view text, char open, char close) {
-  std::string quoted(1, open);
-  for (const char c : text) quoted.append(c == close ? 2 : 1, c);
-  return quoted + close;
-}
-
 /// Walks over words and signs; comments are left out, quoted names and texts come without their quotes.
 class Words {
  public:
@@ -60,23 +53,24 @@ class Words {
 
   /// The next word in lower case, a sign as one character, "'" for a text, "" at the end.
   const std::string& Next() {
-    SkipBlanksAndComments();
+    SkipBlanks();
     spelled_.clear();
+    word_.clear();
     quoted_ = false;
-    if (at_ < text_.size()) {
-      const char c = text_[at_];
-      quoted_ = c == '[' || c == '"' || c == '\'';
-      if (quoted_) {
-        ReadQuoted(c == '[' ? ']' : c);
-      } else {
-        const std::size_t begin = at_++;
-        while (IsNameCharacter(c) && at_ < text_.size() && IsNameCharacter(text_[at_])) ++at_;
-        spelled_ = text_.substr(begin, at_ - begin);
-      }
-      word_ = c == '\'' ? "'" : LowerCase(spelled_);
+    if (at_ == text_.size()) return word_;
+    const char c = text_[at_];
+    quoted_ = c == '[' || c == '"' || c == '\'';
+    if (quoted_) {
+      const std::size_t begin = at_ + 1;
+      const std::size_t end = std::min(FindClosing(text_, begin, ClosingSign(c)).position, text_.size());
+      spelled_ = Undoubled(text_.substr(begin, end - begin), ClosingSign(c));
+      at_ = std::min(end + 1, text_.size());
     } else {
-      word_.clear();
+      const std::size_t end = std::max(SkipWord(text_, at_), at_ + 1);
+      spelled_ = text_.substr(at_, end - at_);
+      at_ = end;
     }
+    word_ = c == '\'' ? "'" : LowerCase(spelled_);
     return word_;
   }
   [[nodiscard]] const std::string& word() const noexcept { return word_; }
@@ -85,47 +79,17 @@ class Words {
   [[nodiscard]] const std::string& spelled() const noexcept { return spelled_; }
   /// Whether the next word is that sign, which is then passed over.
   bool Skip(char sign) {
-    SkipBlanksAndComments();
-    if (at_ >= text_.size() || text_[at_] != sign) return false;
+    SkipBlanks();
+    if (at_ == text_.size() || text_[at_] != sign) return false;
     ++at_;
     return true;
   }
 
  private:
-  void ReadQuoted(char end) {
-    for (++at_; at_ < text_.size(); ++at_) {
-      if (text_[at_] == end && (++at_ >= text_.size() || text_[at_] != end)) return;
-      spelled_ += text_[at_];
-    }
-  }
-  void SkipBlanksAndComments() {
-    while (at_ < text_.size()) {
-      const std::string_view rest = text_.substr(at_);
-      if (static_cast<unsigned char>(rest.front()) <= ' ') {
-        ++at_;
-      } else if (rest.starts_with("--")) {
-        at_ = std::min(text_.find('\n', at_), text_.size());
-      } else if (rest.starts_with("/*")) {
-        SkipBlockComment();
-      } else {
-        return;
-      }
-    }
-  }
-  void SkipBlockComment() {
-    int depth = 0;
-    while (at_ < text_.size()) {
-      const std::string_view rest = text_.substr(at_);
-      if (rest.starts_with("/*")) {
-        ++depth;
-        at_ += 2;
-      } else if (rest.starts_with("*/")) {
-        at_ += 2;
-        if (--depth == 0) return;
-      } else {
-        ++at_;
-      }
-    }
+  void SkipBlanks() {
+    at_ = SkipBlanksAndComments(text_, at_);
+    // Behind a comment that is not closed there is nothing to read.
+    if (text_.substr(at_).starts_with("/*")) at_ = text_.size();
   }
 
   std::string_view text_;

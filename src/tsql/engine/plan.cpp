@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/text.h"
+#include "platform/sql_text.h"
 #include "tsql/engine/state/effect.h"
 #include "tsql/syntax/ast_walk.h"
 #include "tsql/syntax/keywords.h"
@@ -86,9 +86,7 @@ std::size_t SkipBlanks(std::string_view text, std::size_t position) {
 /// EndsStatement for a text that is not cut into tokens.
 bool EndsStatementAt(std::string_view text, std::size_t position) {
   if (position == text.size()) return true;
-  std::size_t end = position;
-  while (end < text.size() && IsNameCharacter(text[end])) ++end;
-  const std::string_view word = text.substr(position, end - position);
+  const std::string_view word = text.substr(position, SkipWord(text, position) - position);
   constexpr std::string_view kStarters[] = {"if",   "select", "update", "insert", "delete", "declare",
                                             "exec", "while",  "begin",  "drop",   "print"};
   return std::any_of(std::begin(kStarters), std::end(kStarters),
@@ -124,15 +122,11 @@ bool TakeLiteral(std::string_view text, std::size_t& position, const TextTemplat
   token.kind = wanted.kind;
   token.doubled = false;
   if (wanted.kind == TokenKind::kString || wanted.kind == TokenKind::kNString) {
-    for (;;) {
-      position = text.find('\'', position);
-      if (position == std::string_view::npos) return false;
-      if (position + 1 == text.size() || text[position + 1] != '\'') break;
-      token.doubled = true;
-      position += 2;
-    }
+    const Closing closing = FindClosing(text, begin, '\'');
+    if (closing.position == std::string_view::npos) return false;
+    position = closing.position;
     token.text = text.substr(begin, position - begin);
-    token.doubled = token.doubled || HoldsContinuation(token.text);
+    token.doubled = closing.doubled || HoldsContinuation(token.text);
     return LiteralClass(token) == wanted.literal_class;
   }
   if (wanted.kind == TokenKind::kFloat) return false;

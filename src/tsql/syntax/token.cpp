@@ -1,11 +1,10 @@
 #include "tsql/syntax/token.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/sql_text.h"
 #include "tsql/syntax/keywords.h"
 #include "tsql/values/memory_budget.h"
 #include "tsql/values/sql_error.h"
@@ -13,31 +12,11 @@
 namespace tessarlorn::tsql {
 namespace {
 
-/// The length of a backslash and the line's end behind it, 0 when there is none.
-std::size_t ContinuationAt(std::string_view text, std::size_t position) {
-  const std::string_view rest = text.substr(position);
-  return rest.starts_with("\\\n") ? 2 : rest.starts_with("\\\r\n") ? 3 : 0;
-}
+constexpr std::string_view kContinuation = "\\\n";
+constexpr std::string_view kWindowsContinuation = "\\\r\n";
 
-constexpr std::uint8_t kWordStart = 1;
-constexpr std::uint8_t kWordPart = 2;
-constexpr std::uint8_t kDigit = 4;
-constexpr std::uint8_t kBlank = 8;
-constexpr std::uint8_t kWide = 16;  // a byte of a character beyond ASCII
-
-constexpr std::array<std::uint8_t, 256> MakeClasses() {
-  std::array<std::uint8_t, 256> classes{};
-  for (int c = 'a'; c <= 'z'; ++c) classes[c] = classes[c - 'a' + 'A'] = kWordStart | kWordPart;
-  for (int c = '0'; c <= '9'; ++c) classes[c] = kWordPart | kDigit;
-  for (const char c : {'_', '#'}) classes[c] = kWordStart | kWordPart;
-  for (const char c : {'@', '$'}) classes[c] = kWordPart;
-  for (const char c : {' ', '\t', '\r', '\n', '\v', '\f', '\0'}) classes[c] = kBlank;
-  for (int c = 0x80; c <= 0xFF; ++c) classes[c] = kWide;
-  return classes;
-}
-constexpr auto kClasses = MakeClasses();
-
-std::uint8_t ClassOf(char c) { return kClasses[static_cast<unsigned char>(c)]; }
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+constexpr bool BeginsWord(char c) { return IsNameCharacter(c) && !IsDigit(c) && c != '@' && c != '$'; }
 
 constexpr std::uint64_t Repeat(std::uint8_t byte) { return 0x0101010101010101U * byte; }
 
@@ -89,14 +68,6 @@ bool EqualsFolded(std::string_view name, std::string_view folded) {
   return true;
 }
 
-// The length of a blank beyond ASCII (no-break, ideographic, byte order mark) at the text's beginning, or 0.
-std::size_t WideBlank(std::string_view text) {
-  for (const std::string_view blank : {"\xC2\xA0", "\xE3\x80\x80", "\xEF\xBB\xBF"}) {
-    if (text.starts_with(blank)) return blank.size();
-  }
-  return 0;
-}
-
 class Lexer {
  public:
   Lexer(std::string_view batch, NameTable& names, Tokens& out, bool lists)
@@ -124,6 +95,10 @@ class Lexer {
   }
   [[nodiscard]] std::string_view From(std::size_t begin) const { return batch_.substr(begin, position_ - begin); }
 
+  static std::uint32_t LinesIn(std::string_view text) {
+    return static_cast<std::uint32_t>(std::count(text.begin(), text.end(), '\n'));
+  }
+
   [[noreturn]] void Raise(std::int32_t number, const std::string& message, std::uint32_t line) const {
     SqlError error(number, message, 15);
     error.set_line(line);
@@ -131,53 +106,16 @@ class Lexer {
   }
 
   void SkipBlanks() {
-    while (position_ < batch_.size()) {
-      const char c = batch_[position_];
-      const std::uint8_t kind = ClassOf(c);
-      if ((kind & kBlank) != 0) {
-        line_ += c == '\n' ? 1 : 0;
-        ++position_;
-      } else if (c == '-' && At(1) == '-') {
-        position_ = std::min(batch_.find('\n', position_), batch_.size());
-      } else if (c == '/' && At(1) == '*') {
-        SkipComment();
-      } else if ((kind & kWide) != 0 && WideBlank(batch_.substr(position_)) != 0) {
-        position_ += WideBlank(batch_.substr(position_));
-      } else {
-        return;
-      }
-    }
+    const std::size_t begin = position_;
+    position_ = SkipBlanksAndComments(batch_, begin);
+    if (position_ == begin) return;
+    line_ += LinesIn(From(begin));
   }
 
-  void SkipComment() {
-    const std::uint32_t begin_line = line_;
-    int depth = 0;
-    do {
-      const char c = At();
-      if (position_ >= batch_.size()) Raise(113, "Missing end comment mark '*/'.", begin_line);
-      if (c == '/' && At(1) == '*') {
-        ++depth;
-        ++position_;
-      } else if (c == '*' && At(1) == '/') {
-        --depth;
-        ++position_;
-      } else if (c == '\n') {
-        ++line_;
-      }
-      ++position_;
-    } while (depth > 0);
-  }
-
-  void SkipWord() {
-    while (position_ < batch_.size()) {
-      const std::uint8_t kind = ClassOf(batch_[position_]);
-      if ((kind & kWordPart) == 0 && ((kind & kWide) == 0 || WideBlank(batch_.substr(position_)) != 0)) return;
-      ++position_;
-    }
-  }
+  void SkipWord() { position_ = tessarlorn::SkipWord(batch_, position_); }
 
   void SkipDigits() {
-    while ((ClassOf(At()) & kDigit) != 0) ++position_;
+    while (IsDigit(At())) ++position_;
   }
 
   Token& Push(TokenKind kind, std::size_t begin) {
@@ -190,17 +128,16 @@ class Lexer {
 
   void Next() {
     const char c = At();
-    const std::uint8_t kind = ClassOf(c);
     const std::size_t begin = position_;
     if ((c == 'N' || c == 'n') && At(1) == '\'') {
       ++position_;
       out_.tokens.push_back(Delimited(TokenKind::kNString, '\''));
-    } else if ((kind & (kWordStart | kWide)) != 0) {
+    } else if (BeginsWord(c)) {
       SkipWord();
       Token& token = Push(TokenKind::kWord, begin);
       token.id = names_.Intern(token.text);
       if (lists_ && token.id == static_cast<std::uint32_t>("in"_kw)) TakeList();
-    } else if ((kind & kDigit) != 0 || (c == '.' && (ClassOf(At(1)) & kDigit) != 0)) {
+    } else if (IsDigit(c) || (c == '.' && IsDigit(At(1)))) {
       Push(SkipNumber(), begin);
       out_.tokens.back().text = From(begin);
     } else if (c == '\'') {
@@ -217,6 +154,7 @@ class Lexer {
       token.id = names_.Intern(token.text);
     } else {
       const auto [op, size] = Punctuation();
+      if (op == Op::kSlash && At(1) == '*') Raise(113, "Missing end comment mark '*/'.", line_);
       if (op == Op::kNone) RaiseSyntax(batch_.substr(position_, 1), false, line_);
       position_ += size;
       Push(TokenKind::kOperator, begin).op = op;
@@ -228,24 +166,19 @@ class Lexer {
     Token token;
     token.kind = kind;
     token.line = line_;
-    const std::size_t begin = ++position_;
-    for (;;) {
-      const std::size_t found = batch_.find(close, position_);
-      if (found == std::string_view::npos) {
-        std::size_t shown = std::min<std::size_t>(batch_.size() - begin, 128);
-        while (begin + shown < batch_.size() && (batch_[begin + shown] & 0xC0) == 0x80) --shown;
-        Raise(105,
-              "Unclosed quotation mark after the character string '" + std::string(batch_.substr(begin, shown)) + "'.",
-              token.line);
-      }
-      position_ = found + 1;
-      if (At() != close) break;
-      token.doubled = true;
-      ++position_;
+    const std::size_t begin = position_ + 1;
+    const Closing closing = FindClosing(batch_, begin, close);
+    if (closing.position == std::string_view::npos) {
+      std::size_t shown = std::min<std::size_t>(batch_.size() - begin, 128);
+      while (begin + shown < batch_.size() && (batch_[begin + shown] & 0xC0) == 0x80) --shown;
+      Raise(105,
+            "Unclosed quotation mark after the character string '" + std::string(batch_.substr(begin, shown)) + "'.",
+            token.line);
     }
-    token.text = batch_.substr(begin, position_ - 1 - begin);
-    if (close == '\'' && HoldsContinuation(token.text)) token.doubled = true;
-    line_ += static_cast<std::uint32_t>(std::count(token.text.begin(), token.text.end(), '\n'));
+    position_ = closing.position + 1;
+    token.text = batch_.substr(begin, closing.position - begin);
+    token.doubled = closing.doubled || (close == '\'' && HoldsContinuation(token.text));
+    line_ += LinesIn(token.text);
     return token;
   }
 
@@ -263,7 +196,7 @@ class Lexer {
     }
     if (At() == 'e' || At() == 'E') {
       const std::size_t sign = At(1) == '+' || At(1) == '-' ? 1 : 0;
-      if ((ClassOf(At(1 + sign)) & kDigit) != 0) {
+      if (IsDigit(At(1 + sign))) {
         kind = TokenKind::kFloat;
         position_ += 1 + sign;
         SkipDigits();
@@ -376,7 +309,7 @@ class Lexer {
       return true;
     }
     if (c == '-') ++position_;
-    if ((ClassOf(At()) & kDigit) == 0 || SkipNumber() != TokenKind::kInteger) return false;
+    if (!IsDigit(At()) || SkipNumber() != TokenKind::kInteger) return false;
     Token& item = out_.list_items.emplace_back();
     item.kind = TokenKind::kInteger;
     item.line = line_;
@@ -444,27 +377,18 @@ void TokenizeDefinition(std::string_view definition, NameTable& names, Tokens& o
 
 bool HoldsContinuation(std::string_view text) {
   for (std::size_t i = text.find('\\'); i != std::string_view::npos; i = text.find('\\', i + 1)) {
-    if (ContinuationAt(text, i) > 0) return true;
+    const std::string_view rest = text.substr(i);
+    if (rest.starts_with(kContinuation) || rest.starts_with(kWindowsContinuation)) return true;
   }
   return false;
 }
 
 std::string Unquote(const Token& token) {
   if (!token.doubled) return std::string(token.text);
-  std::string value;
-  value.reserve(token.text.size());
-  const bool text = token.kind == TokenKind::kString || token.kind == TokenKind::kNString;
   // The opening delimiter stands right before the text.
-  const char close = token.kind == TokenKind::kQuoted ? (token.text.data()[-1] == '[' ? ']' : '"') : '\'';
-  for (std::size_t i = 0; i < token.text.size(); ++i) {
-    if (const std::size_t skipped = text ? ContinuationAt(token.text, i) : 0; skipped > 0) {
-      i += skipped - 1;
-      continue;
-    }
-    value += token.text[i];
-    if (token.text[i] == close) ++i;
-  }
-  return value;
+  const bool text = token.kind == TokenKind::kString || token.kind == TokenKind::kNString;
+  if (!text) return Undoubled(token.text, ClosingSign(token.text.data()[-1]));
+  return Undoubled(ReplaceAll(ReplaceAll(token.text, kWindowsContinuation, ""), kContinuation, ""), '\'');
 }
 
 }  // namespace tessarlorn::tsql

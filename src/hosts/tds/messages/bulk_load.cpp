@@ -2,6 +2,7 @@
 
 #include "hosts/tds/messages/object_name.h"
 #include "hosts/tds/messages/tds_writer.h"
+#include "platform/sql_text.h"
 #include "platform/text.h"
 #include "tessarlorn/error.h"
 
@@ -43,9 +44,7 @@ class BulkText {
   [[nodiscard]] std::string_view rest() const { return text_.substr(position_); }
 
  private:
-  void SkipBlanks() {
-    while (position_ < text_.size() && static_cast<unsigned char>(text_[position_]) <= ' ') ++position_;
-  }
+  void SkipBlanks() { position_ = SkipBlanksAndComments(text_, position_); }
   [[noreturn]] void Fail() const {
     const std::string_view near = Trim(rest().substr(0, 40));
     throw Error(error_number::kStatementError, kServerName, "Incorrect syntax near '" + std::string(near) + "'.",

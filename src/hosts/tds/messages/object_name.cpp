@@ -1,6 +1,6 @@
 #include "hosts/tds/messages/object_name.h"
 
-#include "platform/text.h"
+#include "platform/sql_text.h"
 
 namespace tessarlorn::tds {
 
@@ -10,17 +10,18 @@ std::optional<std::string> TakeName(std::string_view text, std::size_t& position
   for (;;) {
     std::string part;
     if (i < text.size() && (text[i] == '[' || text[i] == '"')) {
-      const char close = text[i] == '[' ? ']' : '"';
-      for (++i; i < text.size(); ++i) {
-        if (text[i] == close && (i + 1 == text.size() || text[i + 1] != close)) break;
-        if (text[i] == close) ++i;
-        part += text[i];
-      }
-      if (i++ >= text.size()) return std::nullopt;
+      const char close = ClosingSign(text[i]);
+      const std::size_t begin = i + 1;
+      const std::size_t end = FindClosing(text, begin, close).position;
+      if (end == std::string_view::npos) return std::nullopt;
+      part = Undoubled(text.substr(begin, end - begin), close);
+      i = end + 1;
     } else {
-      while (i < text.size() && IsNameCharacter(text[i])) part += text[i++];
+      const std::size_t begin = i;
+      i = SkipWord(text, begin);
+      part = text.substr(begin, i - begin);
     }
-    if (!part.empty()) quoted += "[" + ReplaceAll(part, "]", "]]") + "]";
+    if (!part.empty()) quoted += Quoted(part, '[', ']');
     if (i >= text.size() || text[i] != '.') {
       if (part.empty()) return std::nullopt;
       return quoted;

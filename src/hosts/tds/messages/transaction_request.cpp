@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "hosts/tds/messages/refusal.h"
 #include "platform/text.h"
 #include "tessarlorn/error.h"
 
@@ -22,7 +23,7 @@ std::string IsolationText(std::uint8_t level) {
 /// A name in brackets with a blank before it, "" when there is none. Its length is given in bytes.
 std::string NameText(TdsReader& reader) {
   const std::string name = TextOfUtf16Bytes(reader.Bytes(reader.U8()));
-  return name.empty() ? name : " [" + ReplaceAll(name, "]", "]]") + "]";
+  return name.empty() ? name : " " + Quoted(name, '[', ']');
 }
 
 std::string BeginText(TdsReader& reader) {
@@ -56,8 +57,7 @@ std::string TransactionRequestText(TdsReader& reader) {
       return text;
     }
     default:
-      throw Error(error_number::kNotSupported, kServerName, "Distributed transactions are not supported.",
-                  {40000, "0A000"});
+      RaiseNotSupported("Distributed transactions are not supported.");
   }
 }
 

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <ctime>
 
+#include "platform/date_scanner.h"
 #include "platform/text.h"
 
 namespace tessarlorn {
@@ -18,95 +19,59 @@ constexpr double kAutomationOffset = 2;
 constexpr std::int64_t kFirst = -657'436 * kMillisecondsPerDay;
 constexpr std::int64_t kBehindLast = 2'958'464 * kMillisecondsPerDay;
 
-/// Reads a date-time text from the left.
-class Scanner {
- public:
-  explicit Scanner(std::string_view text) : rest_(text) {}
+bool IsAtTime(const DateScanner& scan) {
+  const std::size_t digits = scan.Digits();
+  return digits >= 1 && digits <= 2 && scan.Behind(digits).peek() == ':';
+}
 
-  [[nodiscard]] bool done() const { return rest_.empty(); }
-  [[nodiscard]] char peek() const { return rest_.empty() ? '\0' : rest_.front(); }
-  bool Take(char c) {
-    if (peek() != c) return false;
-    rest_.remove_prefix(1);
+bool ReadDate(DateScanner& scan, CivilTime& civil) {
+  const std::size_t digits = scan.Digits();
+  if (digits == 8) {
+    civil.year = scan.Number(4);
+    civil.month = scan.Number(2);
+    civil.day = scan.Number(2);
     return true;
   }
-  bool TakeWord(std::string_view word) {
-    if (!StartsWithIgnoreCase(rest_, word)) return false;
-    rest_.remove_prefix(word.size());
-    return true;
-  }
-  void SkipBlanks() {
-    while (Take(' ')) {
-    }
-  }
-  /// Digits up to `most`; the count goes to `count`.
-  int Number(std::size_t most, std::size_t& count) {
-    int value = 0;
-    for (count = 0; count < most && peek() >= '0' && peek() <= '9'; ++count) {
-      value = value * 10 + (peek() - '0');
-      rest_.remove_prefix(1);
-    }
-    return value;
-  }
-  [[nodiscard]] std::size_t DigitsAhead() const {
-    const std::size_t end = rest_.find_first_not_of("0123456789");
-    return end == std::string_view::npos ? rest_.size() : end;
-  }
-  [[nodiscard]] bool TimeAhead() const {
-    const std::size_t digits = DigitsAhead();
-    return digits >= 1 && digits <= 2 && digits < rest_.size() && rest_[digits] == ':';
-  }
-
- private:
-  std::string_view rest_;
-};
-
-bool ReadDate(Scanner& scan, CivilTime& civil) {
-  std::size_t digits = 0;
-  if (scan.DigitsAhead() == 8) {
-    civil.year = scan.Number(4, digits);
-    civil.month = scan.Number(2, digits);
-    civil.day = scan.Number(2, digits);
-    return true;
-  }
-  const int first = scan.Number(4, digits);
   const bool year_first = digits == 4;
   if (!year_first && (digits == 0 || digits > 2)) return false;
+  const int first = scan.Number(digits);
   const char separator = scan.peek();
   if (separator != '-' && separator != '/' && !(separator == '.' && year_first)) return false;
-  scan.Take(separator);
-  const int second = scan.Number(2, digits);
-  if (digits == 0 || !scan.Take(separator)) return false;
-  const int third = scan.Number(year_first ? 2 : 4, digits);
-  if (year_first ? digits == 0 : digits != 4) return false;
+  int second = 0;
+  if (!scan.Take(separator) || !scan.TakeNumber(second, 2) || !scan.Take(separator)) return false;
+  int third = 0;
+  if (!year_first && scan.Digits() != 4) return false;
+  if (!scan.TakeNumber(third, year_first ? 2 : 4)) return false;
   civil.year = year_first ? first : third;
   civil.month = year_first ? second : first;
   civil.day = year_first ? third : second;
   return true;
 }
 
-bool ReadTime(Scanner& scan, CivilTime& civil) {
-  std::size_t digits = 0;
-  civil.hour = scan.Number(2, digits);
-  if (digits == 0 || !scan.Take(':')) return false;
-  civil.minute = scan.Number(2, digits);
-  if (digits == 0) return false;
+bool ReadFraction(DateScanner& scan, CivilTime& civil) {
+  constexpr std::size_t kMostDigits = 9;
+  const std::size_t digits = scan.Digits();
+  if (digits == 0 || digits > kMostDigits) return false;
+  const std::size_t kept = std::min<std::size_t>(digits, 3);
+  civil.millisecond = scan.Number(kept);
+  for (std::size_t i = kept; i < 3; ++i) civil.millisecond *= 10;
+  scan = scan.Behind(digits - kept);
+  return true;
+}
+
+bool ReadTime(DateScanner& scan, CivilTime& civil) {
+  if (!scan.TakeNumber(civil.hour, 2) || !scan.Take(':') || !scan.TakeNumber(civil.minute, 2)) return false;
   if (scan.Take(':')) {
-    civil.second = scan.Number(2, digits);
-    if (digits == 0) return false;
-    if (scan.Take('.')) {
-      civil.millisecond = scan.Number(3, digits);
-      if (digits == 0) return false;
-      for (; digits < 3; ++digits) civil.millisecond *= 10;
-      scan.Number(6, digits);
-    }
+    if (!scan.TakeNumber(civil.second, 2)) return false;
+    if (scan.Take('.') && !ReadFraction(scan, civil)) return false;
   }
   scan.SkipBlanks();
-  const bool morning = scan.TakeWord("AM");
-  if (morning || scan.TakeWord("PM")) {
-    if (civil.hour < 1 || civil.hour > 12) return false;
-    civil.hour = civil.hour % 12 + (morning ? 0 : 12);
-  }
+  if (scan.done()) return true;
+  const std::string_view half = scan.Word();
+  const bool morning = EqualsIgnoreCase(half, "AM");
+  if (!morning && !EqualsIgnoreCase(half, "PM")) return false;
+  if (civil.hour < 1 || civil.hour > 12) return false;
+  civil.hour = civil.hour % 12 + (morning ? 0 : 12);
   return true;
 }
 
@@ -152,10 +117,10 @@ std::optional<DateTime> DateTime::FromAutomation(double days) {
 }
 
 std::optional<DateTime> DateTime::Parse(std::string_view text) {
-  Scanner scan(Trim(text));
+  DateScanner scan(Trim(text));
   CivilTime civil;
   if (scan.done()) return DateTime();
-  bool time = scan.TimeAhead();
+  bool time = IsAtTime(scan);
   if (!time) {
     if (!ReadDate(scan, civil)) return std::nullopt;
     const bool separated = scan.Take('T') || scan.peek() == ' ';

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <optional>
 
+#include "platform/date_scanner.h"
 #include "platform/text.h"
 #include "tsql/values/date_text.h"
 
@@ -13,49 +14,6 @@ namespace {
 constexpr std::array<std::string_view, 12> kMonths = {"january",   "february", "march",    "april",
                                                       "may",       "june",     "july",     "august",
                                                       "september", "october",  "november", "december"};
-
-/// Reads from the left.
-class Scanner {
- public:
-  explicit Scanner(std::string_view text) : rest_(text) {}
-
-  [[nodiscard]] bool done() const { return rest_.empty(); }
-  [[nodiscard]] char peek() const { return rest_.empty() ? '\0' : rest_.front(); }
-  bool Take(char c) {
-    if (peek() != c) return false;
-    rest_.remove_prefix(1);
-    return true;
-  }
-  void SkipBlanks() {
-    while (Take(' ') || Take('\t')) {
-    }
-  }
-  [[nodiscard]] std::size_t Digits() const {
-    return Run([](char c) { return c >= '0' && c <= '9'; });
-  }
-  [[nodiscard]] std::size_t Letters() const {
-    return Run([](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); });
-  }
-  /// @pre `digits` digits stand here, nine at most
-  int Number(std::size_t digits) {
-    int value = 0;
-    for (; digits > 0; --digits, rest_.remove_prefix(1)) value = value * 10 + (rest_.front() - '0');
-    return value;
-  }
-  std::string_view Word() {
-    const std::string_view word = rest_.substr(0, Letters());
-    rest_.remove_prefix(word.size());
-    return word;
-  }
-  [[nodiscard]] Scanner Behind(std::size_t characters) const { return Scanner(rest_.substr(characters)); }
-
- private:
-  template <typename Belongs>
-  [[nodiscard]] std::size_t Run(Belongs belongs) const {
-    return static_cast<std::size_t>(std::find_if_not(rest_.begin(), rest_.end(), belongs) - rest_.begin());
-  }
-  std::string_view rest_;
-};
 
 /// 1 to 12, 0 for no month. Three letters are enough.
 int MonthOf(std::string_view word) {
@@ -110,8 +68,8 @@ class Reader {
     int hours = 0;
     int minutes = 0;
     scan_ = scan_.Behind(1);
-    if (scan_.Digits() != 2 || !Take(hours, 2) || !scan_.Take(':')) return false;
-    if (scan_.Digits() != 2 || !Take(minutes, 2)) return false;
+    if (scan_.Digits() != 2 || !scan_.TakeNumber(hours, 2) || !scan_.Take(':')) return false;
+    if (scan_.Digits() != 2 || !scan_.TakeNumber(minutes, 2)) return false;
     constexpr int kMost = 14 * 60;
     offset_ = (hours * 60 + minutes) * (west ? -1 : 1);
     return minutes < 60 && std::abs(offset_) <= kMost;
@@ -123,25 +81,18 @@ class Reader {
   [[nodiscard]] bool AtTime() const {
     const std::size_t digits = scan_.Digits();
     if (digits == 0 || digits > 2) return false;
-    Scanner behind = scan_.Behind(digits);
+    DateScanner behind = scan_.Behind(digits);
     if (behind.peek() == ':') return true;
     behind.SkipBlanks();
     return IsHalfOfDay(behind.Word());
   }
 
-  bool Take(int& value, std::size_t most) {
-    const std::size_t digits = scan_.Digits();
-    if (digits == 0 || digits > most) return false;
-    value = scan_.Number(digits);
-    return true;
-  }
-
   bool ReadTime() {
-    if (!Take(civil_.hour, 2)) return false;
+    if (!scan_.TakeNumber(civil_.hour, 2)) return false;
     if (scan_.Take(':')) {
-      if (!Take(civil_.minute, 2)) return false;
+      if (!scan_.TakeNumber(civil_.minute, 2)) return false;
       if (scan_.Take(':')) {
-        if (!Take(civil_.second, 2)) return false;
+        if (!scan_.TakeNumber(civil_.second, 2)) return false;
         if (scan_.peek() == '.' || scan_.peek() == ':') {
           const bool point = scan_.peek() == '.';
           scan_ = scan_.Behind(1);
@@ -150,7 +101,7 @@ class Reader {
       }
     }
     scan_.SkipBlanks();
-    if (IsHalfOfDay(Scanner(scan_).Word())) {
+    if (IsHalfOfDay(DateScanner(scan_).Word())) {
       const bool morning = (scan_.Word()[0] | 0x20) == 'a';
       if (civil_.hour > 12 && morning) return false;
       if (civil_.hour <= 12) civil_.hour = civil_.hour % 12 + (morning ? 0 : 12);
@@ -184,7 +135,7 @@ class Reader {
     }
     if (scan_.Letters() > 0) return ReadNamed();
     if (digits == 0 || digits > 4 || digits == 3) return false;
-    Scanner behind = scan_.Behind(digits);
+    DateScanner behind = scan_.Behind(digits);
     const char separator = behind.peek();
     if (separator == '-' || separator == '/' || separator == '.') {
       if (behind.Behind(1).Letters() == 0) return ReadSeparated(separator);
@@ -258,7 +209,7 @@ class Reader {
     return true;
   }
 
-  Scanner scan_;
+  DateScanner scan_;
   DateOrder order_;
   bool newer_;
   CivilTime civil_;

@@ -4,7 +4,7 @@
 
 #include "hosts/cli/console/usage_error.h"
 #include "hosts/cli/input/json_arguments.h"
-#include "hosts/cli/output/result_rows.h"
+#include "hosts/cli/output/json_text.h"
 
 namespace tessarlorn::cli {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "hosts/cli/console/usage_error.h"
 #include "hosts/cli/input/json_arguments.h"
-#include "hosts/cli/output/result_rows.h"
+#include "hosts/cli/output/json_text.h"
 
 // Any bytes are either refused as a wrong call or become a value whose JSON reads back as the same JSON.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

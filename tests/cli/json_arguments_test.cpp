@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "hosts/cli/console/usage_error.h"
-#include "hosts/cli/output/result_rows.h"
+#include "hosts/cli/output/json_text.h"
 
 namespace tessarlorn::cli {
 namespace {

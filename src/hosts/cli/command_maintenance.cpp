@@ -4,6 +4,7 @@
 #include "hosts/cli/console/interrupt.h"
 #include "hosts/cli/console/progress.h"
 #include "hosts/cli/console/usage_error.h"
+#include "hosts/cli/output/json_text.h"
 #include "platform/session_string.h"
 #include "platform/text.h"
 #include "tessarlorn/collections.h"
@@ -48,14 +49,12 @@ ExitStatus Check(const CommandContext& context, bool json) {
   if (json) {
     Vector faults;
     for (const std::string& fault : check.faults) faults.Add(fault);
-    OutputLayout layout;
-    layout.format = OutputFormat::kJson;
-    MakeResultWriter(layout, std::cout)
-        ->Write(Dictionary{{"File", check.file},
-                           {"Sound", check.faults.empty()},
-                           {"Tables", static_cast<double>(check.tables)},
-                           {"Bytes", static_cast<double>(check.bytes)},
-                           {"Faults", std::move(faults)}});
+    std::cout << JsonText(Dictionary{{"File", check.file},
+                                     {"Sound", check.faults.empty()},
+                                     {"Tables", check.tables},
+                                     {"Bytes", check.bytes},
+                                     {"Faults", std::move(faults)}})
+              << '\n';
   } else if (check.faults.empty()) {
     std::cout << check.file << " is sound: " << check.tables << " tables, " << check.bytes << " bytes\n";
   } else {

@@ -1,17 +1,16 @@
 #include <iostream>
-#include <nlohmann/json.hpp>
 
 #include "hosts/cli/commands.h"
 #include "hosts/cli/console/display_width.h"
 #include "hosts/cli/console/terminal.h"
 #include "hosts/cli/input/call_arguments.h"
 #include "hosts/cli/operation_text.h"
+#include "hosts/cli/output/json_text.h"
+#include "tessarlorn/collections.h"
 #include "tessarlorn/operations.h"
 
 namespace tessarlorn::cli {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr const char* kFooter = R"(Examples:
   tessarlorn ops
@@ -23,35 +22,35 @@ constexpr std::size_t kTextWidth = 100;
 
 std::string Text(std::string_view text) { return std::string(text); }
 
-Json DescribeKeys(std::span<const Key> keys) {
-  Json list = Json::array();
+Vector DescribeKeys(std::span<const Key> keys) {
+  Vector list;
   for (const Key& key : keys) {
-    Json entry = {{"name", key.name},
-                  {"type", TypeName(key.type)},
-                  {"mandatory", key.need != Need::kOptional},
-                  {"default", key.fallback},
-                  {"stands", StandingText(key.stands)},
-                  {"help", key.help},
-                  {"connection", key.is_connection()}};
-    if (!key.item_keys.empty()) entry["keys"] = DescribeKeys(key.item_keys);
-    list.push_back(std::move(entry));
+    Dictionary entry{{"name", key.name},
+                     {"type", TypeName(key.type)},
+                     {"mandatory", key.need != Need::kOptional},
+                     {"default", key.fallback},
+                     {"stands", StandingText(key.stands)},
+                     {"help", key.help},
+                     {"connection", key.is_connection()}};
+    if (!key.item_keys.empty()) entry.SetValue("keys", DescribeKeys(key.item_keys));
+    list.Add(std::move(entry));
   }
   return list;
 }
 
-Json Describe(const Operation& operation) {
-  Json arguments = Json::array();
+Dictionary Describe(const Operation& operation) {
+  Vector arguments;
   for (const Argument& argument : operation.arguments()) {
-    Json entry = {{"name", argument.name},
-                  {"type", TypeName(argument.type)},
-                  {"optional", argument.optional},
-                  {"written_back", argument.in_out},
-                  {"any_key", argument.any_key},
-                  {"stands", StandingText(argument.stands)},
-                  {"mandatory", argument.need != Need::kOptional},
-                  {"connection", argument.is_connection}};
-    if (!argument.keys.empty()) entry["keys"] = DescribeKeys(argument.keys);
-    arguments.push_back(std::move(entry));
+    Dictionary entry{{"name", argument.name},
+                     {"type", TypeName(argument.type)},
+                     {"optional", argument.optional},
+                     {"written_back", argument.in_out},
+                     {"any_key", argument.any_key},
+                     {"stands", StandingText(argument.stands)},
+                     {"mandatory", argument.need != Need::kOptional},
+                     {"connection", argument.is_connection}};
+    if (!argument.keys.empty()) entry.SetValue("keys", DescribeKeys(argument.keys));
+    arguments.Add(std::move(entry));
   }
   return {{"class", ClassName(operation.service)},
           {"name", operation.name},
@@ -114,14 +113,14 @@ ExitStatus Ops(const std::string& name, bool json, bool markdown) {
   } else if (!name.empty()) {
     const Operation& operation = RequireOperation(name);
     if (json) {
-      std::cout << Describe(operation).dump(2) << '\n';
+      std::cout << JsonText(Describe(operation)) << '\n';
     } else {
       Explain(operation);
     }
   } else if (json) {
-    Json all = Json::array();
-    for (const Operation* operation : Operations()) all.push_back(Describe(*operation));
-    std::cout << all.dump(2) << '\n';
+    Vector all;
+    for (const Operation* operation : Operations()) all.Add(Describe(*operation));
+    std::cout << JsonText(all) << '\n';
   } else {
     List();
   }

@@ -1,8 +1,6 @@
 #include "hosts/objects/recordset_file.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -13,6 +11,7 @@
 #include "hosts/objects/field_traits.h"
 #include "platform/file_path.h"
 #include "platform/text.h"
+#include "platform/value_text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {
@@ -65,11 +64,7 @@ std::string Escaped(std::string_view text) {
 
 std::string ValueText(const Variant& value, const Field& field) {
   const Variant own = ClientValue(field, value);
-  if (const auto* number = own.get_if<double>()) {
-    // The shortest text that reads back as the same number.
-    std::array<char, 32> buffer;
-    return {buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(), *number).ptr};
-  }
+  if (const auto* number = own.get_if<double>()) return ExactText(*number);
   std::string text = CellText(field, value);
   if (value.holds<DateTime>()) std::replace(text.begin(), text.end(), ' ', 'T');
   return Escaped(text);

@@ -8,6 +8,7 @@
 #include "hosts/objects/row_condition.h"
 #include "hosts/objects/row_order.h"
 #include "platform/text.h"
+#include "platform/value_text.h"
 #include "tessarlorn/object.h"
 
 namespace tessarlorn {
@@ -125,12 +126,7 @@ std::optional<std::size_t> RecordsetView::Find(std::string_view condition, std::
 }
 
 std::string CellText(const Field& field, const Variant& value) {
-  if (const auto* date = value.get_if<DateTime>()) {
-    constexpr std::size_t kDateSize = 10;
-    std::string text = date->ToString(date->milliseconds() % 1000 != 0);
-    if (field.type == FieldType::kDate) return text.substr(0, kDateSize);
-    return field.type == FieldType::kTime ? text.substr(kDateSize + 1) : text;
-  }
+  if (const auto* date = value.get_if<DateTime>()) return DateText(*date, field.type);
   const auto* const bytes = value.get_if<Bytes>();
   return bytes == nullptr ? ClientValue(field, value).ToText() : LowerCase(HexText(bytes->data(), bytes->size()));
 }

@@ -1,24 +1,11 @@
-#include <set>
 #include <string>
 #include <vector>
 
-#include "hosts/cli/output/result_rows.h"
+#include "hosts/cli/output/json_text.h"
 #include "hosts/cli/output/result_writer.h"
 
 namespace tessarlorn::cli {
 namespace {
-
-/// The heads as keys of one object: "_2" and so on behind those that stood before.
-std::vector<std::string> KeysOf(const std::vector<std::string>& heads) {
-  std::set<std::string> taken;
-  std::vector<std::string> keys;
-  for (const std::string& head : heads) {
-    std::string key = head;
-    for (int number = 2; !taken.insert(key).second; ++number) key = head + "_" + std::to_string(number);
-    keys.push_back(key);
-  }
-  return keys;
-}
 
 class JsonWriter final : public ResultWriter {
  public:
@@ -34,20 +21,13 @@ class JsonWriter final : public ResultWriter {
   }
 
  private:
-  void WriteRows(const ResultRows& result) {
-    std::vector<std::string> heads;
-    for (const std::string& key : KeysOf(result.heads)) heads.push_back(JsonText(key) + ":");
-    Recordset& rows = *result.rows;
+  void WriteRows(const ResultRows& shown) {
+    const JsonRows objects(shown);
     out_ << '[';
     bool first = true;
-    ForEachRow(rows, [&] {
-      out_ << (first ? "\n  {" : ",\n  {");
+    ForEachRow(*shown.rows, [&] {
+      out_ << (first ? "\n  " : ",\n  ") << objects.Object();
       first = false;
-      for (std::size_t i = 0; i < heads.size(); ++i) {
-        const std::size_t field = result.fields[i];
-        out_ << (i > 0 ? "," : "") << heads[i] << JsonText(rows.Get(field), rows.fields()[field].type);
-      }
-      out_ << '}';
     });
     out_ << (first ? "]\n" : "\n]\n");
   }

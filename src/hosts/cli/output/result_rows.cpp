@@ -1,63 +1,17 @@
 #include "hosts/cli/output/result_rows.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <nlohmann/json.hpp>
 #include <string_view>
 
 #include "hosts/cli/console/usage_error.h"
+#include "hosts/cli/output/json_text.h"
 #include "platform/recordset_builder.h"
 #include "platform/text.h"
+#include "platform/value_text.h"
 #include "tessarlorn/collections.h"
 
 namespace tessarlorn::cli {
 namespace {
-
-/// The fewest digits that read back as the same double.
-std::string ExactText(double value) {
-  std::array<char, 32> buffer;
-  const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
-  return {buffer.data(), end};
-}
-
-std::string DateText(DateTime value, FieldType type, CellStyle style) {
-  std::string text = value.ToString(value.milliseconds() % 1000 != 0);
-  constexpr std::size_t kDateLength = 10;
-  if (type == FieldType::kDate) return text.substr(0, kDateLength);
-  if (type == FieldType::kTime) return text.substr(kDateLength + 1);
-  if (style == CellStyle::kData) text[kDateLength] = 'T';
-  return text;
-}
-
-std::string Quoted(const std::string& text) {
-  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-}
-
-/// "[…]" or "{…}" around items with commas between them.
-template <typename Items, typename Write>
-std::string Joined(char open, const Items& items, char close, const Write& write) {
-  std::string text(1, open);
-  for (const auto& item : items) {
-    if (text.size() > 1) text += ',';
-    text += write(item);
-  }
-  return text + close;
-}
-
-std::string RowsJson(Recordset& rows) {
-  std::string text = "[";
-  ForEachRow(rows, [&] {
-    if (text.size() > 1) text += ',';
-    text += '{';
-    for (std::size_t i = 0; i < rows.fields().size(); ++i) {
-      if (i > 0) text += ',';
-      text += Quoted(rows.fields()[i].name) + ":" + JsonText(rows.Get(i), rows.fields()[i].type);
-    }
-    text += '}';
-  });
-  return text + "]";
-}
 
 void AppendCell(RecordsetBuilder& rows, const Variant& value) {
   if (value.is_null() || value.is_empty()) {
@@ -143,28 +97,16 @@ std::string CellText(const Variant& value, FieldType type, CellStyle style) {
   const bool display = style == CellStyle::kDisplay;
   if (value.is_null()) return display ? "NULL" : "";
   if (value.is_empty()) return "";
-  if (const auto* date = value.get_if<DateTime>()) return DateText(*date, type, style);
+  if (const auto* date = value.get_if<DateTime>()) {
+    const std::string text = DateText(*date, type);
+    return display ? text : ReplaceAll(text, " ", "T");
+  }
   if (const auto* bytes = value.get_if<Bytes>()) return "0x" + HexText(bytes->data(), bytes->size());
   if (value.type_name() == "Nothing") return display ? "Nothing" : "";
   if (value.is_object()) return JsonText(value);
   if (!display && value.holds<bool>()) return value.ToBool() ? "true" : "false";
   if (!display && value.holds<double>()) return ExactText(value.ToDouble());
   return value.ToText();
-}
-
-std::string JsonText(const Variant& value, FieldType type) {
-  if (value.is_null() || value.is_empty() || value.type_name() == "Nothing") return "null";
-  if (const std::shared_ptr<Dictionary> dictionary = value.ToDictionary()) {
-    return Joined('{', *dictionary, '}',
-                  [](const auto& entry) { return Quoted(entry.first) + ":" + JsonText(entry.second); });
-  }
-  if (const std::shared_ptr<Vector> items = value.ToVector()) {
-    return Joined('[', *items, ']', [](const Variant& item) { return JsonText(item); });
-  }
-  if (const RecordsetPtr rows = value.ToRecordset()) return RowsJson(*rows);
-  if (value.is_object()) return Quoted("(" + std::string(value.type_name()) + ")");
-  const std::string text = CellText(value, type, CellStyle::kData);
-  return value.is_number() ? text : Quoted(text);
 }
 
 }  // namespace tessarlorn::cli

@@ -47,8 +47,4 @@ enum class CellStyle : std::uint8_t {
 /// Binary is `0x…`, an object is JSON.
 std::string CellText(const Variant& value, FieldType type, CellStyle style);
 
-/// The value as JSON: numbers with all their digits, Booleans, dates in ISO form, null for Null, Empty and Nothing, a
-/// recordset as an array of objects. Malformed UTF-8 becomes U+FFFD.
-std::string JsonText(const Variant& value, FieldType type = FieldType::kNVarChar);
-
 }  // namespace tessarlorn::cli

@@ -35,16 +35,18 @@ bool clsGetData::GetIsMarkBilling(std::string_view sDsn) {
 bool clsGetData::bExistInvoice(const Dictionary* dctPara) {
   constexpr const Contract& contract = kContract<&clsGetData::bExistInvoice>;
   return CallForOrders(State(), contract, dctPara, [](const OrderCall& call) {
-    constexpr std::string_view kQuery = R"(
+    TextBuilder text;
+    text.Append(R"(
 SELECT  COUNT(11) AS Flag
 FROM    ICSaleEntry t1
         INNER JOIN dbo.ICStockBillEntry t2 ON t1.FSourceInterId = t2.FInterID
                                               AND t1.FSourceEntryID = t2.FEntryID
         INNER JOIN dbo.IC_Web2ERPOrders t3 ON t2.FSourceTranType = 1014301
                                               AND t2.FSourceInterId = t3.FID
-WHERE   t3.FID IN ( %1 )
-)"_sql;
-    return ReadFlag(call.connection, FillTemplate(kQuery, call.orders));
+WHERE   t3.FID IN ( {FID} )
+)"_sql,
+                {{"FID", call.orders}});
+    return ReadFlag(call.connection, text.GetText());
   });
 }
 

@@ -38,7 +38,7 @@ void AskForCheck(Connection& connection, std::string_view orders) {
   TextBuilder text;
   text.Line(" UPDATE IC_Web2ERPOrdersEx");
   text.Line(" SET FAddressReachable =4");
-  text.Line(FillTemplate(" WHERE FID IN (%1)", orders));
+  text.Line(" WHERE FID IN (", orders, ")");
   connection.Execute(text.GetText());
 }
 
@@ -57,9 +57,8 @@ std::vector<Combination> Combinations(Connection& connection, std::string_view o
   TextBuilder text;
   text.Line(" select t1.FDeliveryProvince,t1.FDeliveryCity,t1.FDeliveryDistrict,t2.FNumber from IC_Web2ERPOrders t1");
   text.Line(" left join IC_Logistics t2 on t1.FLogisticsID=t2.FItemID ");
-  text.Line(FillTemplate(
-      " where t1.FID in (%1) and t1.FDeliveryProvince <>'' and t1.FDeliveryCity <>'' and t1.FDeliveryDistrict <>'' ",
-      orders));
+  text.Line(" where t1.FID in (", orders,
+            ") and t1.FDeliveryProvince <>'' and t1.FDeliveryCity <>'' and t1.FDeliveryDistrict <>'' ");
   text.Line(" and t2.FNumber <>'' and t1.FLogisticsID <>0 ");
   const RecordsetPtr rows = connection.Query(text.GetText());
   std::vector<Combination> combinations;

@@ -63,9 +63,12 @@ bool clsSaveData::UpdateLogisticsWeightStatus(std::string_view sDsn, const Dicti
     const std::string orders = parameters.Text("FID");
     const bool queued = parameters.Value("AsyncCreate").ToBool();
     TextBuilder text;
-    text.Line("UPDATE IC_Web2ERPOrders");
-    text.Line(FillTemplate("SET FWeighttingStatus = 1,FWeighttingMan = %1", parameters.Text("UserID")));
-    text.Line(FillTemplate("WHERE FID IN (%1)", orders));
+    text.Append(R"(
+UPDATE IC_Web2ERPOrders
+SET FWeighttingStatus = 1,FWeighttingMan = {user}
+WHERE FID IN ({FID})
+)"_sql,
+                {{"user", parameters.Text("UserID")}, {"FID", orders}});
     connection.Execute(text.GetText());
     if (queued) QueueStockBills(connection, orders);
     return true;

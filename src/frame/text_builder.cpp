@@ -46,6 +46,4 @@ void TextBuilder::Append(std::string_view block, std::initializer_list<Spliced> 
   text_ += block;
 }
 
-std::string FillTemplate(std::string_view text, std::string_view argument) { return ReplaceAll(text, "%1", argument); }
-
 }  // namespace tessarlorn

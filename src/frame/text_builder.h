@@ -90,7 +90,4 @@ class TextBuilder {
   std::string text_;
 };
 
-/// `text` with the placeholder "%1" replaced by `argument` wherever it stands.
-std::string FillTemplate(std::string_view text, std::string_view argument);
-
 }  // namespace tessarlorn

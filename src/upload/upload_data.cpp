@@ -19,7 +19,7 @@ UploadQueries QueriesByKeys(std::string_view orders) {
   children.Line("(Select count(1) From  ");
   children.Line("(Select fchildorderid From IC_Web2ERPOrdersEntry t1  ");
   children.Line("Where t1.FSiteOrderID = t2.FSiteOrderID Group By t1.fchildorderid) t3) as Num ");
-  children.Line(FillTemplate("From IC_Web2ERPOrdersEntry t2 where t2.FID In (%1) and t2.FSiteOrderID <> ''", orders));
+  children.Line("From IC_Web2ERPOrdersEntry t2 where t2.FID In (", orders, ") and t2.FSiteOrderID <> ''");
   TextBuilder lines;
   lines.Line(kLineColumns);
   lines.Line("FROM  IC_Web2ERPOrders t1 INNER JOIN IC_Web2ERPOrdersEntry t2 ON t1.FID = t2.FID ");

@@ -24,9 +24,5 @@ TEST(TextBuilderTest, RefusesAPlaceWithoutAValue) {
   EXPECT_THROW(text.Append("{a}{b}", {{"a", "1"}}), Error);
 }
 
-TEST(TextBuilderTest, FillsTemplates) {
-  EXPECT_EQ(FillTemplate("WHERE FID IN (%1) OR %1", "1,%12"), "WHERE FID IN (1,%12) OR 1,%12");
-}
-
 }  // namespace
 }  // namespace tessarlorn

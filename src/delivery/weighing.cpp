@@ -12,6 +12,15 @@
 namespace tessarlorn {
 namespace {
 
+/// The order's lines with the units of their quantities (t3) and weights (t4).
+constexpr std::string_view kLinesWithUnits = R"(
+      FROM      IC_Web2ERPOrdersEntry t1
+                INNER JOIN t_ICItem t2 ON t1.FItemID = t2.FItemID
+                INNER JOIN t_MeasureUnit t3 ON t2.FUnitID = t3.FMeasureUnitID
+                INNER JOIN t_MeasureUnit t4 ON t2.FMaund = t4.FMeasureUnitID
+      Where t1.FID = {FID}
+)"_sql;
+
 /// The line weight in kg of `weight` in the gross-weight unit, or in the item's own unit where the item names no gross
 /// unit ("*"). Nothing when the unit is neither kilogram nor gram.
 std::optional<double> KnownKilograms(double weight, const std::string& gross_unit, const std::string& item_unit) {
@@ -83,13 +92,8 @@ RecordsetPtr clsGetData::GetWeightByFID(const Dictionary* dctPara) {
       SELECT    t1.FID ,
                 SUM(( t1.FQuantity / t3.FCoefficient ) * ( t2.FGrossWeight
                                                            / t4.FCoefficient )) AS FWeight
-      FROM      IC_Web2ERPOrdersEntry t1
-                INNER JOIN t_ICItem t2 ON t1.FItemID = t2.FItemID
-                INNER JOIN t_MeasureUnit t3 ON t2.FUnitID = t3.FMeasureUnitID
-                INNER JOIN t_MeasureUnit t4 ON t2.FMaund = t4.FMeasureUnitID
-      Where t1.FID = {FID}
-)"_sql,
-                {{"FID", call.orders}});
+)"_sql);
+    text.Append(kLinesWithUnits, {{"FID", call.orders}});
     text.Line("      GROUP BY  t1.FID ");
     return call.connection.Execute(text.GetText());
   });
@@ -103,13 +107,8 @@ std::optional<Dictionary> clsGetData::NewGetWeightByFID(std::string_view sDsn, s
       SELECT    t1.FID ,t3.FName as FUnitName,t4.FName as FGrossUnitName,t4.FCoefficient,
                 SUM(( t1.FQuantity / t3.FCoefficient ) * ( t2.FGrossWeight
                                                             )) AS FWeight
-      FROM      IC_Web2ERPOrdersEntry t1
-                INNER JOIN t_ICItem t2 ON t1.FItemID = t2.FItemID
-                INNER JOIN t_MeasureUnit t3 ON t2.FUnitID = t3.FMeasureUnitID
-                INNER JOIN t_MeasureUnit t4 ON t2.FMaund = t4.FMeasureUnitID
-      Where t1.FID = {FID}
-)"_sql,
-                {{"FID", sFID}});
+)"_sql);
+    text.Append(kLinesWithUnits, {{"FID", sFID}});
     text.Line("      GROUP BY  t1.FID,t3.FName,t4.FName,t4.FCoefficient ");
     double total = 0;
     const RecordsetPtr lines = connection.Query(text.GetText());

@@ -8,6 +8,7 @@
 
 #include "com_base/plain_values.h"
 #include "drivers/ado/ado_error.h"
+#include "platform/guid_text.h"
 
 namespace tessarlorn::ado {
 namespace {
@@ -165,12 +166,9 @@ void Append(RecordsetBuilder& rows, const Field& field, const VARIANT& cell) {
     case FieldType::kDateTime:
       rows.AppendDateTime(value.ToDateTime());
       break;
-    case FieldType::kGuid: {
-      // ADO has it in braces.
-      const std::string text = value.ToText();
-      rows.AppendText(text.starts_with('{') ? std::string_view(text).substr(1, text.size() - 2) : text);
+    case FieldType::kGuid:
+      rows.AppendText(WithoutBraces(value.ToText()));
       break;
-    }
     case FieldType::kBinary:
     case FieldType::kVarBinary: {
       const auto* const bytes = value.get_if<Bytes>();

@@ -7,6 +7,7 @@
 
 #include "hosts/objects/row_order.h"
 #include "hosts/objects/row_text.h"
+#include "platform/guid_text.h"
 #include "platform/unicode/collation.h"
 #include "tessarlorn/error.h"
 
@@ -81,11 +82,8 @@ Variant InTypeOf(const Field& field, const Variant& value) {
     case FieldType::kTime:
     case FieldType::kDateTime:
       return value.ToDateTime();
-    case FieldType::kGuid: {
-      // Clients have them in braces.
-      const std::string text = value.ToText();
-      return text.starts_with('{') && text.ends_with('}') ? text.substr(1, text.size() - 2) : text;
-    }
+    case FieldType::kGuid:
+      return WithoutBraces(value.ToText());
     case FieldType::kBinary:
     case FieldType::kVarBinary:
       RaiseTypeMismatch();

@@ -3,6 +3,7 @@
 #include <limits>
 #include <random>
 
+#include "platform/guid_text.h"
 #include "tsql/functions/functions.h"
 #include "tsql/functions/sqlite_value.h"
 
@@ -148,19 +149,12 @@ void Rand(sqlite3_context* context, Runtime&, Arguments) {
 }
 
 void NewId(sqlite3_context* context, Runtime&, Arguments) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string text;
-  for (int i = 0; i < 36; ++i) {
-    if (i == 8 || i == 13 || i == 18 || i == 23) {
-      text += '-';
-    } else if (i == 14) {
-      text += '4';
-    } else {
-      const auto digit = static_cast<std::size_t>(Generator()() & 15);
-      text += kDigits[i == 19 ? (digit & 3) | 8 : digit];
-    }
-  }
-  SetText(context, text);
+  std::string bytes(16, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(Generator()());
+  // Version 4: of random bits.
+  bytes[6] = static_cast<char>((bytes[6] & 0x0F) | 0x40);
+  bytes[8] = static_cast<char>((bytes[8] & 0x3F) | 0x80);
+  SetText(context, GuidText(bytes));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <string>
 
+#include "platform/sql_text.h"
 #include "platform/text.h"
 #include "platform/unicode/collation.h"
 #include "platform/unicode/utf16.h"
@@ -286,13 +287,7 @@ void QuoteName(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (IsNull(arguments[0])) return;
   const std::string_view with = arguments.size() > 1 ? TextOf(arguments[1]) : "[";
   const char open = with.empty() ? '[' : with == "]" ? '[' : with[0];
-  const char close = open == '[' ? ']' : open;
-  std::string text(1, open);
-  for (const char c : TextOf(arguments[0])) {
-    text += c;
-    if (c == close) text += c;
-  }
-  SetText(context, text + close);
+  SetText(context, Quoted(TextOf(arguments[0]), open, ClosingSign(open)));
 }
 
 // ts_str(number, length, places)

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 
+#include "platform/guid_text.h"
 #include "platform/text.h"
 #include "platform/unicode/utf16.h"
 #include "tessarlorn/date_time.h"
@@ -366,15 +367,9 @@ Datum ToBinary(const Datum& value, const SqlType& from, const SqlType& to, int s
 Datum ToGuid(const Datum& value, const SqlType& from) {
   if (from.kind == FieldType::kGuid) return value;
   if (!from.is_text()) RaiseConverting(from, SqlType{FieldType::kGuid, 0, 0, 0, false});
-  std::string text = UpperCase(Trim(std::get<std::string>(value)));
-  if (text.size() == 38 && text.front() == '{' && text.back() == '}') text = text.substr(1, 36);
-  bool valid = text.size() == 36;
-  for (std::size_t i = 0; valid && i < text.size(); ++i) {
-    const bool dash = i == 8 || i == 13 || i == 18 || i == 23;
-    valid = dash ? text[i] == '-' : std::string_view("0123456789ABCDEF").find(text[i]) != std::string_view::npos;
-  }
-  if (!valid) throw SqlError(8169, "Conversion failed when converting from a character string to uniqueidentifier.");
-  return text;
+  const std::optional<std::string> bytes = BytesOfGuid(Trim(std::get<std::string>(value)));
+  if (!bytes) throw SqlError(8169, "Conversion failed when converting from a character string to uniqueidentifier.");
+  return GuidText(*bytes);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 
 #include "hosts/tds/messages/refusal.h"
 #include "hosts/tds/messages/type_codes.h"
+#include "platform/guid_text.h"
 #include "platform/text.h"
 #include "tessarlorn/date_time.h"
 #include "tessarlorn/decimal.h"
@@ -261,15 +262,13 @@ Variant DateOf(const std::string& bytes, const WireType& type) {
 }
 
 /// The first three groups stand with their lowest byte first.
-std::string GuidText(std::string bytes) {
+std::string ReadGuid(std::string bytes) {
   RequireSize(bytes, {16});
   std::swap(bytes[0], bytes[3]);
   std::swap(bytes[1], bytes[2]);
   std::swap(bytes[4], bytes[5]);
   std::swap(bytes[6], bytes[7]);
-  std::string text = HexText(bytes.data(), bytes.size());
-  for (const std::size_t dash : {8, 13, 18, 23}) text.insert(dash, "-");
-  return text;
+  return GuidText(bytes);
 }
 
 /// "(40)", "(max)": of at least one character.
@@ -297,7 +296,7 @@ Variant ValueOf(const WireType& type, const std::string& value) {
     case TypeCode::kMoneyN:
       return MoneyOf(value);
     case TypeCode::kGuid:
-      return GuidText(value);
+      return ReadGuid(value);
     default:
       return IsInteger(type.code) ? Variant(IntegerOf(value)) : DateOf(value, type);
   }

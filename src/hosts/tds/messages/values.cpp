@@ -5,6 +5,7 @@
 
 #include "hosts/tds/messages/login.h"
 #include "hosts/tds/messages/type_codes.h"
+#include "platform/guid_text.h"
 #include "platform/text.h"
 #include "tessarlorn/error.h"
 
@@ -229,9 +230,7 @@ void PutDateTimeOffset(TdsWriter& writer, std::string_view text) {
 
 /// The first three groups of a GUID stand with their lowest byte first.
 void PutGuid(TdsWriter& writer, std::string_view text) {
-  std::string digits(text);
-  std::erase_if(digits, [](char c) { return c == '-' || c == '{' || c == '}'; });
-  std::string bytes = BytesOfHex(digits).value_or("");
+  std::string bytes = BytesOfGuid(text).value_or("");
   bytes.resize(16);
   std::reverse(bytes.begin(), bytes.begin() + 4);
   std::reverse(bytes.begin() + 4, bytes.begin() + 6);

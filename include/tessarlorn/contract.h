@@ -12,7 +12,7 @@
 
 namespace tessarlorn {
 
-/// The types of automation that arguments, keys and results have. kVariant is a value of any type.
+/// The types of automation that arguments, keys, results and columns have. kVariant is a value of any type.
 enum class ValueType : std::uint8_t {
   kString,
   kLong,
@@ -24,6 +24,8 @@ enum class ValueType : std::uint8_t {
   kVector,
   kRecordset,
   kVariant,
+  /// An exact number: VT_DECIMAL, or VT_CY where the database says money.
+  kDecimal,
 };
 
 /// "String", "Long", …
@@ -82,6 +84,20 @@ struct Key {
   [[nodiscard]] std::string Explanation() const;
 };
 
+/// A column of the Recordset that an operation answers, or a key of its Dictionary or of those in its Vector.
+struct Column {
+  std::string_view name;
+  /// Of every value that is not Null.
+  ValueType type = ValueType::kString;
+  /// One line.
+  std::string_view help;
+  /// The keys of the Dictionaries in it, for a Vector.
+  std::span<const Column> item_columns = {};
+};
+
+/// What the columns of an answer of that type are: "Columns of the answer", "Keys of the answer", …
+std::string_view ColumnsTitle(ValueType result);
+
 /// What the signature of the member function does not tell about an argument.
 struct ArgumentContract {
   std::string_view name;
@@ -129,6 +145,8 @@ struct Contract {
   std::string_view help;
   /// What it raises beside the database's errors, as it stands behind "Raises with Source X, "; "" for nothing.
   std::string_view errors = {};
+  /// What it answers, in this order, where neither data nor settings decide that; else none.
+  std::span<const Column> columns = {};
 
   /// The keys of its first Dictionary, none when it takes none.
   [[nodiscard]] constexpr std::span<const Key> keys() const noexcept {

@@ -59,6 +59,18 @@ inline constexpr Key kCostInvoice[] = {
              "Key of the cost invoice, a number; without one the orders are unlinked"),
 };
 
+inline constexpr Column kInnerInvoiceColumns[] = {
+    {"FStatus", kLong, "1 when ReturnBills has an order, otherwise 0"},
+    {"ReturnBills", kVector, "The orders", kOrderNames},
+};
+
+inline constexpr Column kPriceChangeColumns[] = {
+    kOrderKeyColumn,
+    {"FTotalPriceChange", kDecimal, "Sum of the amounts, in the order's currency"},
+    {"FTotalFreight", kDecimal, "Sum of the freight"},
+    {"FEntryBillDiscountFee", kDecimal, "Sum of the discounts"},
+};
+
 }  // namespace amend
 
 template <>
@@ -142,6 +154,7 @@ inline constexpr Contract kContract<&clsGetData::CheckInnerInvoice> = {
         "A Dictionary with ReturnBills, a Vector of Dictionaries with FID and FOrderID for those of the orders that "
         "are invoiced but not covered by an internal invoice, and FStatus, 1 when there are any, otherwise 0. "
         "Nothing without sDSN or FID.",
+    .columns = amend::kInnerInvoiceColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetIsMarkBilling> = {
@@ -173,6 +186,7 @@ inline constexpr Contract kContract<&clsGetData::GetTotalPriceChange> = {
         "The sums of the price-difference lines of each order of the list sFIDs: amount, freight and discount. "
         "Nothing without sDsn; no row for an order without such lines.",
     .errors = "also when sFIDs is empty",
+    .columns = amend::kPriceChangeColumns,
 };
 
 }  // namespace tessarlorn

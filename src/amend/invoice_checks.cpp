@@ -16,7 +16,7 @@ std::optional<Dictionary> clsGetData::CheckInnerInvoice(const Dictionary* dctPar
     text.Line("        FOrderID");
     text.Line("FROM    IC_Web2ERPOrders ");
     text.Line("Where FID IN ( ", call.orders, ") and FInnerInvoice=0 and FInvoiceStatus=1");
-    Vector bills = RowDictionaries(call.connection.Query(text.GetText()), {"FID", "FOrderID"});
+    Vector bills = RowDictionaries(call.connection.Query(text.GetText()), kOrderNames);
     const std::int32_t status = bills.empty() ? 0 : 1;
     return std::optional(Dictionary{{"FStatus", status}, {"ReturnBills", std::move(bills)}});
   });

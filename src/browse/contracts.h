@@ -52,6 +52,57 @@ inline constexpr Key kBuyers[] = {
     Optional("FID", kString, kKeyList, "", "Order keys (FID), separated by commas; an error without any"),
 };
 
+inline constexpr Column kTemplateColumns[] = {
+    {"FPage", kLong, "1 = header, 2 = lines"},
+    {"FCaption", kString, "Caption, in Traditional Chinese for CHT, otherwise in Simplified"},
+    {"FFieldName", kString, "Field in the table"},
+    {"FTableName", kString, "Table that the field is of"},
+    {"FVisible", kLong, "1 = shown"},
+    {"FTabIndex", kLong, "Place among the fields of the page"},
+    {"FKey", kString, "Key of the field"},
+    {"FCtlType", kLong, "Kind of control that edits it"},
+    {"FClassTypeID", kLong, "Class type of the grid, 1014301"},
+};
+
+inline constexpr Column kFilterColumns[] = {
+    {"FPage", kLong, "1 = header, 2 = lines"},
+    {"FCaption", kString, "Caption, in Traditional Chinese for CHT, otherwise in Simplified"},
+    {"FFieldName", kString, "Field in the table"},
+    {"FCtlType", kLong, "Kind of control that edits it"},
+    {"Fkey", kString, "Key of the field"},
+    {"FTableName", kString, "Table that the field is of"},
+};
+
+inline constexpr Column kWebShopColumns[] = {
+    {"FID", kLong, "Key of the row"},
+    {"FWebShopID", kLong, "Web shop id"},
+    {"FWebShopName", kString, "Its name"},
+};
+
+inline constexpr Column kContactColumns[] = {
+    kOrderKeyColumn,
+    {"FBuyerName", kString, "Buyer"},
+    {"FBuyerNick", kString, "The buyer's name in the web shop"},
+    {"FConsignee", kString, "Who receives the parcel"},
+    {"FMobile", kString, "Mobile number"},
+    {"FBuyerEMail", kString, "The buyer's e-mail address"},
+};
+
+inline constexpr Column kTextMessageColumns[] = {
+    {"FBuyerName", kString, "Buyer"},
+    {"FWebshopID", kLong, "Web shop id"},
+    {"FWebShopName", kString, "Its name"},
+    {"FConsignee", kString, "Who receives the parcel"},
+    {"FBuyerNick", kString, "The buyer's name in the web shop"},
+    {"FTelephone", kString, "Telephone number"},
+    {"FMobile", kString, "Mobile number"},
+    {"FSiteOrderID", kString, "Number of the marketplace order"},
+    kOrderNumberColumn,
+    {"FLogisticsID", kLong, "Carrier id"},
+    {"FLogisticsName", kString, "Carrier, its Traditional Chinese name for CHT, otherwise its Simplified one"},
+    {"FLogisticsOrder", kString, "Logistics number"},
+};
+
 }  // namespace browse
 
 template <>
@@ -81,6 +132,7 @@ inline constexpr Contract kContract<&clsGetData::GetTemplateData> = {
     .help =
         "The fields of the order grid by page (1 header, 2 lines) and tab index, with captions in the caller's "
         "language. Nothing without sDSN.",
+    .columns = browse::kTemplateColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetUserDefineFilterTemplate> = {
@@ -90,6 +142,7 @@ inline constexpr Contract kContract<&clsGetData::GetUserDefineFilterTemplate> = 
     .help =
         "The fields that a user-defined filter may use, by tab index, with captions in the caller's language. "
         "Nothing without sDsn.",
+    .columns = browse::kFilterColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetListBySQL> = {
@@ -118,6 +171,7 @@ inline constexpr Contract kContract<&clsGetData::GetWebShopData> = {
     .source = "TessarLornPickingAndDelivery.clsGetData.GetWebShopData",
     .arguments = {{.name = "dctPara", .keys = kConnection}},
     .help = "FID, FWebShopID and FWebShopName of all web shops. Nothing without sDSN.",
+    .columns = browse::kWebShopColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetCommunicaInformation> = {
@@ -128,6 +182,7 @@ inline constexpr Contract kContract<&clsGetData::GetCommunicaInformation> = {
         "Names, mobile and e-mail of the buyers of orders, in no certain order. Nothing without sDSN; an empty "
         "recordset when no order matches.",
     .errors = "also when FID is missing",
+    .columns = browse::kContactColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetMobileInformation> = {
@@ -139,6 +194,7 @@ inline constexpr Contract kContract<&clsGetData::GetMobileInformation> = {
         "FBuyerNick, FTelephone, FMobile, FSiteOrderID, FOrderID, FLogisticsID, FLogisticsName, FLogisticsOrder. "
         "Orders without a carrier or of an unknown shop are left out. Nothing without sDSN.",
     .errors = "also when FID is missing",
+    .columns = browse::kTextMessageColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetWebBillTitleData> = {

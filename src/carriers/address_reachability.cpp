@@ -125,7 +125,7 @@ std::optional<Vector> clsGetData::GetNoAddressReachableInfo(std::string_view sDs
   return CallForTexts(State(), contract, {sDsn, sFID}, [&](Connection& connection) {
     const RecordsetPtr orders =
         OrdersWithCarrier(connection, " And (ISNULL(t2.FAddressReachable,4) NOT IN (1,4,5))  And t1.FID in (", sFID);
-    return std::optional(RowDictionaries(orders, {"FID", "FOrderID"}));
+    return std::optional(RowDictionaries(orders, contract.columns));
   });
 }
 

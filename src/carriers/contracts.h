@@ -8,6 +8,17 @@
 
 namespace tessarlorn {
 
+namespace carriers {
+
+using enum ValueType;
+
+inline constexpr Column kUncheckedColumns[] = {
+    {"FID", kString, "Order keys with commas between them"},
+    {"FOrderID", kString, "Their order numbers with commas between them"},
+};
+
+}  // namespace carriers
+
 template <>
 inline constexpr Contract kContract<&clsSaveData::UpdateAddressReachableState> = {
     .name = "UpdateAddressReachableState",
@@ -37,6 +48,7 @@ inline constexpr Contract kContract<&clsGetData::GetNeedAddressReachableInfo> = 
         "A Dictionary with FID and FOrderID, the keys and order numbers, with commas between them, of those of the "
         "orders of the list sFID that have a carrier and an address to be checked; empty texts when there is none. "
         "Nothing without sDsn or sFID.",
+    .columns = carriers::kUncheckedColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetNoAddressReachableInfo> = {
@@ -47,6 +59,7 @@ inline constexpr Contract kContract<&clsGetData::GetNoAddressReachableInfo> = {
     .help =
         "A Vector of Dictionaries with FID and FOrderID: those of the orders of the list sFID that have a carrier "
         "which does not serve their address. Nothing without sDsn or sFID.",
+    .columns = kOrderNames,
 };
 
 }  // namespace tessarlorn

@@ -55,6 +55,42 @@ inline constexpr Key kPrintCount[] = {
              "10143011 pick list, 10143012 delivery note, 10143013 waybill, 10143014 delivery list"),
 };
 
+inline constexpr Column kTotalColumns[] = {{"FTotalAmount", kDecimal, "Sum of the amounts of an order's lines"}};
+
+inline constexpr Column kPrintColumns[] = {
+    kOrderKeyColumn,
+    {"FBuyerName", kString, "Buyer"},
+    {"FSendDate", kDate, "When the order was sent"},
+    {"FUniqueCode", kDecimal, "Unique code of the order"},
+    {"FConsignee", kString, "Who receives the parcel"},
+    {"FMobile", kString, "Mobile number"},
+    {"FTelephone", kString, "Telephone number"},
+    {"FDeliveryAddress", kString, "Street and house"},
+    {"FZipCode", kString, "Postal code"},
+    {"FName", kString, "Name of the item"},
+    {"FModel", kString, "Model of the item"},
+    {"FUnitName", kString, "Unit of the quantity"},
+    {"FQuantity", kDecimal, "Quantity"},
+    {"FPrice", kDecimal, "Price of one unit"},
+    {"FAmount", kDecimal, "Amount of the line"},
+    {"FDiscountFee", kDecimal, "Discount of the line"},
+    {"FSiteOrderID", kString, "Number of the marketplace order"},
+    {"FIndex", kLong, "Line key"},
+    {"FDeliveryProvince", kString, "Name of the province; Null without one"},
+    {"FDeliveryCity", kString, "Name of the city; Null without one"},
+    {"FDeliveryDistrict", kString, "Name of the district; Null without one"},
+};
+
+inline constexpr Column kWeightColumns[] = {
+    kOrderKeyColumn,
+    {"FWeight", kDecimal, "Weight in the base unit of gross weights"},
+};
+
+inline constexpr Column kKilogramColumns[] = {
+    {"FWeight", kDouble, "Weight in kg; a line without a gross weight adds nothing"},
+    kOrderKeyColumn,
+};
+
 }  // namespace delivery
 
 template <>
@@ -140,6 +176,7 @@ inline constexpr Contract kContract<&clsGetData::GetSumRecordsetDataForDelivery>
     .source = "TessarLornPickingAndDelivery.clsGetData.GetSumRecordsetDataForDelivery",
     .arguments = {{.name = "dctParam", .keys = kOrders}},
     .help = "FTotalAmount of each of the orders, in no certain order. Nothing without sDSN or FID.",
+    .columns = delivery::kTotalColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetPrintRecordsetForDelivery> = {
@@ -149,6 +186,7 @@ inline constexpr Contract kContract<&clsGetData::GetPrintRecordsetForDelivery> =
     .help =
         "The header and line data of delivery notes, one row a line, with area names in the caller's language. "
         "Nothing without sDSN or FID.",
+    .columns = delivery::kPrintColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetOverMaxPrintCountBillInfo> = {
@@ -167,6 +205,7 @@ inline constexpr Contract kContract<&clsGetData::GetWeightByFID> = {
     .help =
         "FID and FWeight of an order, computed from its lines in the base unit of gross weights. Nothing without "
         "sDSN or FID; an empty recordset when the order has no lines.",
+    .columns = delivery::kWeightColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::NewGetWeightByFID> = {
@@ -175,6 +214,7 @@ inline constexpr Contract kContract<&clsGetData::NewGetWeightByFID> = {
     .arguments = {{.name = "sDsn"}, {.name = "sFID", .stands = Standing::kNumber}},
     .help = "A Dictionary with FWeight, the order's weight in kg computed from its lines, 0 when it has none, and FID.",
     .errors = "11 when a unit has the coefficient 0",
+    .columns = delivery::kKilogramColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetTotalLogisticsCosts> = {

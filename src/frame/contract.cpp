@@ -3,8 +3,9 @@
 namespace tessarlorn {
 
 std::string_view TypeName(ValueType type) {
-  constexpr std::array<std::string_view, 10> kNames = {"String", "Long",       "Integer", "Double",    "Boolean",
-                                                       "Date",   "Dictionary", "Vector",  "Recordset", "Variant"};
+  constexpr std::array<std::string_view, 11> kNames = {"String",    "Long",    "Integer",    "Double",
+                                                       "Boolean",   "Date",    "Dictionary", "Vector",
+                                                       "Recordset", "Variant", "Decimal"};
   return kNames[static_cast<std::size_t>(type)];
 }
 
@@ -14,6 +15,11 @@ std::string_view StandingText(Standing stands) {
       "as a converted number",   "bare, as a number", "bare, as a list of keys",
       "bare, as a table's name", "bare, as SQL"};
   return kTexts[static_cast<std::size_t>(stands)];
+}
+
+std::string_view ColumnsTitle(ValueType result) {
+  if (result == ValueType::kVector) return "Keys of each Dictionary of the answer";
+  return result == ValueType::kDictionary ? "Keys of the answer" : "Columns of the answer";
 }
 
 std::string Key::Explanation() const {

@@ -1,4 +1,4 @@
-// The keys that many operations share.
+// The keys and columns that many operations share.
 #pragma once
 
 #include "tessarlorn/contract.h"
@@ -28,5 +28,10 @@ inline constexpr Key kOrderKey = Mandatory("FID", ValueType::kLong, Standing::kB
 inline constexpr Key kConnection[] = {ConnectionKey("sDSN")};
 inline constexpr Key kOrders[] = {ConnectionKey("sDSN"), kOrdersKey};
 inline constexpr Key kOrder[] = {ConnectionKey("sDSN"), kOrderKey};
+
+// Columns that many operations answer.
+inline constexpr Column kOrderKeyColumn = {"FID", ValueType::kLong, "Order key"};
+inline constexpr Column kOrderNumberColumn = {"FOrderID", ValueType::kString, "Order number"};
+inline constexpr Column kOrderNames[] = {kOrderKeyColumn, kOrderNumberColumn};
 
 }  // namespace tessarlorn

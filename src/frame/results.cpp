@@ -16,11 +16,11 @@ std::string JoinColumn(const RecordsetPtr& rows, std::string_view field) {
   return text;
 }
 
-Vector RowDictionaries(const RecordsetPtr& rows, std::initializer_list<std::string_view> names) {
+Vector RowDictionaries(const RecordsetPtr& rows, std::span<const Column> columns) {
   Vector items;
   for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) {
     Dictionary item;
-    for (const std::string_view name : names) item.SetValue(name, rows->Get(name));
+    for (const Column& column : columns) item.SetValue(column.name, rows->Get(column.name));
     items.Add(std::move(item));
   }
   return items;

@@ -1,12 +1,13 @@
 // What operations make of the rows that a query answers.
 #pragma once
 
-#include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 
 #include "tessarlorn/collections.h"
 #include "tessarlorn/connection.h"
+#include "tessarlorn/contract.h"
 #include "tessarlorn/recordset.h"
 
 namespace tessarlorn {
@@ -17,7 +18,7 @@ bool ReadFlag(Connection& connection, std::string_view query);
 /// The texts of a field in all rows with commas between them, "" for no row.
 std::string JoinColumn(const RecordsetPtr& rows, std::string_view field);
 
-/// One Dictionary a row, with the values of the fields under the names given. Empty for no row.
-Vector RowDictionaries(const RecordsetPtr& rows, std::initializer_list<std::string_view> names);
+/// One Dictionary a row, with the values of the columns. Empty for no row.
+Vector RowDictionaries(const RecordsetPtr& rows, std::span<const Column> columns);
 
 }  // namespace tessarlorn

@@ -45,6 +45,29 @@ inline constexpr Key kBatch[] = {
 inline constexpr Key kPrinted[] = {
     Optional("FID", kLong, kBareNumber, "", "Order key; the first value counts, whatever its name")};
 
+inline constexpr Column kStockPlaceColumns[] = {
+    {"FEntryID", kLong, "Line key"},
+    {"FStockID", kLong, "Warehouse, its id"},
+    {"FStockName", kString, "Its name"},
+    {"FDefaultStockPlaceGroupID", kLong, "Default stock place of the warehouse's group, in spite of the name"},
+    {"FDefaultStockPlaceGroupName", kString, "Name of the group"},
+    {"FDefaultStockPlaceName", kString, "Name of the default stock place"},
+    {"FDefaultItemStockPlaceID", kLong, "The item's own stock place when this is its own warehouse, else 0"},
+};
+
+inline constexpr Column kBatchColumns[] = {
+    kOrderKeyColumn,
+    {"FItemID", kLong, "Item, its id"},
+    {"FEntryID", kLong, "Line key"},
+    {"FItemName", kString, "Name of the item"},
+    {"FNumber", kString, "Number of the item"},
+    {"FBatchNo", kString, "Batch number"},
+    {"FName", kString, "Name of the warehouse"},
+    {"FStockID", kLong, "Warehouse, its id"},
+    {"FSPID", kLong, "Stock place, its id"},
+    {"FSPName", kString, "Name of the stock place"},
+};
+
 }  // namespace picking
 
 template <>
@@ -142,6 +165,7 @@ inline constexpr Contract kContract<&clsGetData::bExistStockPositionManager> = {
         "The lines of orders that go to a warehouse with stock places, with the default places of warehouse and "
         "item; price-difference goods are left out. Nothing without sDSN or FID; an empty Vector when no line "
         "matches.",
+    .columns = picking::kStockPlaceColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::bExistBatchOrSerialManagerItem> = {
@@ -165,6 +189,7 @@ inline constexpr Contract kContract<&clsGetData::GetBatchNo> = {
     .help =
         "Item, batch number, warehouse and stock place of the lines of orders; one row with Nulls for an order "
         "without lines. Nothing without sDSN or FID.",
+    .columns = picking::kBatchColumns,
 };
 
 }  // namespace tessarlorn

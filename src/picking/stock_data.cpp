@@ -56,10 +56,7 @@ AND t1.FItemID NOT IN (SELECT tt2.FItemID FROM ic_goodstomateriel tt1,t_ICItem t
         AND t1.FID IN ( {FID})
 )"_sql,
                 {{"FID", call.orders}});
-    return std::optional<Vector>(
-        RowDictionaries(call.connection.Query(text.GetText()),
-                        {"FEntryID", "FStockID", "FStockName", "FDefaultStockPlaceGroupID",
-                         "FDefaultStockPlaceGroupName", "FDefaultStockPlaceName", "FDefaultItemStockPlaceID"}));
+    return std::optional(RowDictionaries(call.connection.Query(text.GetText()), contract.columns));
   });
 }
 

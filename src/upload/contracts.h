@@ -34,6 +34,22 @@ inline constexpr Key kUploadFailure[] = {
         .item_keys = kFailure},
 };
 
+inline constexpr Column kUploadedColumns[] = {
+    kOrderNumberColumn,
+    {"FUpLoadStatus", kLong, "1 = uploaded"},
+};
+
+inline constexpr Column kReportColumns[] = {
+    {"SiteOrderID", kString, "Number of the marketplace order"},
+    {"ChildIDs", kString, "Its child order, for a split one; else empty"},
+    {"IsSplit", kBoolean, "Whether the marketplace order was split"},
+    {"FWebshopID", kLong, "Web shop id"},
+    {"FLogisticsNumber", kString, "Code of the carrier; empty for an unknown carrier"},
+    {"FLogisticsOrder", kString, "Logistics number"},
+    kOrderNumberColumn,
+    kOrderKeyColumn,
+};
+
 }  // namespace upload
 
 template <>
@@ -72,6 +88,7 @@ inline constexpr Contract kContract<&clsGetData::bExistUpLoadBill> = {
     .help =
         "FOrderID and FUpLoadStatus of those of the orders that are marked as uploaded. Nothing without sDSN or FID; "
         "an empty recordset when none is.",
+    .columns = upload::kUploadedColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetUploadDataByFID> = {
@@ -85,6 +102,7 @@ inline constexpr Contract kContract<&clsGetData::GetUploadDataByFID> = {
         "FWebshopID, FLogisticsNumber (the carrier's code), FLogisticsOrder, FOrderID and FID. It was split when its "
         "lines have three waybill numbers or more, one counted for each line, or when it has more child orders in "
         "the ERP than lines among these orders. An empty Vector without strDSN or strFids.",
+    .columns = upload::kReportColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetUploadDataByTab> = {

@@ -20,6 +20,22 @@ inline constexpr Key kWebToStorage[] = {
     Optional("FStockID", kLong, kBareNumber, "", "The warehouse's stock, its id; an error without"),
 };
 
+inline constexpr Column kProviderColumns[] = {
+    {"FWebTplName", kString, "Name of the provider"},
+    {"FWebTplType", kLong, "Type number of the provider"},
+};
+
+inline constexpr Column kTplStockColumns[] = {
+    {"FWebtplID", kString, "Id of the outside warehouse"},
+    {"FWebtplName", kString, "Its name"},
+};
+
+inline constexpr Column kTplWarehouseColumns[] = {
+    {"FWebtplType", kLong, "Type number of the provider"},
+    {"FWebtplID", kString, "Id of the outside warehouse"},
+    {"FStockID", kLong, "The stock that it handles"},
+};
+
 }  // namespace warehouse
 
 template <>
@@ -78,6 +94,7 @@ inline constexpr Contract kContract<&clsGetData::GetTplCompany> = {
     .source = "TessarLornPickingAndDelivery.clsGetData.GetTplCompany",
     .arguments = {{.name = "dctPara", .keys = kConnection}},
     .help = "Name and type of the providers that have an outside warehouse, by type. Nothing without sDSN.",
+    .columns = warehouse::kProviderColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetTplStock> = {
@@ -87,6 +104,7 @@ inline constexpr Contract kContract<&clsGetData::GetTplStock> = {
     .help =
         "Id and name of a provider's enabled warehouses; with bIsBad True those for damaged goods as well. Nothing "
         "without sDSN or FWebtplType.",
+    .columns = warehouse::kTplStockColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetTplCompanyNew> = {
@@ -96,6 +114,7 @@ inline constexpr Contract kContract<&clsGetData::GetTplCompanyNew> = {
     .help =
         "A Vector of Dictionaries with FWebtplType, FWebtplID and FStockID: all enabled warehouses by provider type. "
         "Nothing without sDsn.",
+    .columns = warehouse::kTplWarehouseColumns,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetTplOrderInfo> = {

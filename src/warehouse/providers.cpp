@@ -35,7 +35,7 @@ std::optional<Vector> clsGetData::GetTplCompanyNew(std::string_view sDsn) {
     text.Line(
         "   select distinct FtplCategory,FWebtplType,FWebtplID,FStockID  from IC_WebtplToStorage where FUnUsed<>1 order "
         "by FWebtplType asc   ");
-    return std::optional(RowDictionaries(connection.Query(text.GetText()), {"FWebtplType", "FWebtplID", "FStockID"}));
+    return std::optional(RowDictionaries(connection.Query(text.GetText()), contract.columns));
   });
 }
 

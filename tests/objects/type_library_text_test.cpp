@@ -25,14 +25,17 @@ TEST(TypeLibraryTextTest, QuotesHelp) {
   }
 }
 
-/// A client of the library has no other list of keys.
-TEST(TypeLibraryTextTest, TellsTheKeysThatOperationsRead) {
+/// A client of the library has no other list of keys and columns.
+TEST(TypeLibraryTextTest, TellsTheKeysAndColumnsOfOperations) {
   const std::string text = TypeLibraryText();
   for (const Operation* const operation : Operations()) {
     for (const Argument& argument : operation->arguments()) {
       for (const Key& key : argument.keys) {
         EXPECT_NE(text.find(" " + std::string(key.name) + " ("), std::string::npos) << operation->name << key.name;
       }
+    }
+    for (const Column& column : operation->contract->columns) {
+      EXPECT_NE(text.find(" " + std::string(column.name) + " ("), std::string::npos) << operation->name << column.name;
     }
   }
 }

@@ -38,6 +38,16 @@ Vector DescribeKeys(std::span<const Key> keys) {
   return list;
 }
 
+Vector DescribeColumns(std::span<const Column> columns) {
+  Vector list;
+  for (const Column& column : columns) {
+    Dictionary entry{{"name", column.name}, {"type", TypeName(column.type)}, {"help", column.help}};
+    if (!column.item_columns.empty()) entry.SetValue("columns", DescribeColumns(column.item_columns));
+    list.Add(std::move(entry));
+  }
+  return list;
+}
+
 Dictionary Describe(const Operation& operation) {
   Vector arguments;
   for (const Argument& argument : operation.arguments()) {
@@ -52,29 +62,53 @@ Dictionary Describe(const Operation& operation) {
     if (!argument.keys.empty()) entry.SetValue("keys", DescribeKeys(argument.keys));
     arguments.Add(std::move(entry));
   }
-  return {{"class", ClassName(operation.service)},
-          {"name", operation.name},
-          {"property", operation.property},
-          {"arguments", std::move(arguments)},
-          {"result", TypeName(operation.result)},
-          {"source", operation.contract->source},
-          {"help", operation.help()}};
+  Dictionary entry{{"class", ClassName(operation.service)},
+                   {"name", operation.name},
+                   {"property", operation.property},
+                   {"arguments", std::move(arguments)},
+                   {"result", TypeName(operation.result)},
+                   {"source", operation.contract->source},
+                   {"help", operation.help()}};
+  const std::span<const Column> columns = operation.contract->columns;
+  if (!columns.empty()) entry.SetValue("columns", DescribeColumns(columns));
+  return entry;
 }
 
-/// A line for each key: name, type, what it is; the keys of a Vector's Dictionaries below it.
+/// Widest name of keys or columns.
+template <typename Named>
+std::size_t NameWidth(std::span<const Named> list) {
+  std::size_t width = 0;
+  for (const Named& one : list) width = std::max(width, one.name.size());
+  return width;
+}
+
+/// A line: name, type, what it is.
+void PrintNamed(std::size_t indent, std::size_t name_width, std::string_view name, ValueType type,
+                const std::string& explanation) {
+  constexpr std::size_t kTypeWidth = 8;
+  std::string line = Text(name);
+  line.append(name_width + 2 - line.size(), ' ');
+  line += Text(TypeName(type));
+  line.append(kTypeWidth + name_width + 4 - std::min(line.size(), kTypeWidth + name_width + 3), ' ');
+  std::cout << std::string(indent, ' ') << line << explanation << '\n';
+}
+
+/// A line for each key; the keys of a Vector's Dictionaries below it.
 void PrintKeys(std::span<const Key> keys, std::size_t indent) {
-  std::size_t name_width = 0;
-  for (const Key& key : keys) name_width = std::max(name_width, key.name.size());
+  const std::size_t width = NameWidth(keys);
   for (const Key& key : keys) {
     const std::string explanation =
         key.is_connection() ? Text(key.help) + "; the command's own when not given" : key.Explanation();
-    constexpr std::size_t kTypeWidth = 8;
-    std::string line = Text(key.name);
-    line.append(name_width + 2 - line.size(), ' ');
-    line += Text(TypeName(key.type));
-    line.append(kTypeWidth + name_width + 4 - std::min(line.size(), kTypeWidth + name_width + 3), ' ');
-    std::cout << std::string(indent, ' ') << line << explanation << '\n';
+    PrintNamed(indent, width, key.name, key.type, explanation);
     PrintKeys(key.item_keys, indent + 4);
+  }
+}
+
+void PrintColumns(std::span<const Column> columns, std::size_t indent) {
+  const std::size_t width = NameWidth(columns);
+  for (const Column& column : columns) {
+    PrintNamed(indent, width, column.name, column.type, Text(column.help));
+    PrintColumns(column.item_columns, indent + 4);
   }
 }
 
@@ -91,6 +125,10 @@ void Explain(const Operation& operation) {
     std::cout << '\n';
     PrintKeys(argument.keys, 4);
   }
+  const std::span<const Column> columns = operation.contract->columns;
+  if (columns.empty()) return;
+  std::cout << "\n  " << ColumnsTitle(operation.result) << '\n';
+  PrintColumns(columns, 4);
 }
 
 void List() {

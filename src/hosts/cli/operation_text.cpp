@@ -89,6 +89,16 @@ std::string ArgumentRows(const Argument& argument) {
          KeyRows(Text(argument.name) + item, argument.keys);
 }
 
+std::string ColumnRows(const std::string& owner, std::span<const Column> columns) {
+  std::string rows;
+  for (const Column& column : columns) {
+    const std::string name = owner + Text(column.name);
+    rows += "| `" + name + "` | " + Text(TypeName(column.type)) + " | " + Cell(Text(column.help)) + " |\n";
+    rows += ColumnRows(name + "[].", column.item_columns);
+  }
+  return rows;
+}
+
 std::string OperationPart(const OperationExample& example) {
   const Operation& operation = *FindOperation(example.operation);
   std::string text = "### " + Text(example.operation) + "\n\n`" + Text(ClassName(operation.service)) + "." +
@@ -97,6 +107,10 @@ std::string OperationPart(const OperationExample& example) {
     text += kTableHead;
     for (const Argument& argument : operation.arguments()) text += ArgumentRows(argument);
     text += "\n";
+  }
+  if (const auto columns = operation.contract->columns; !columns.empty()) {
+    text += Text(ColumnsTitle(operation.result)) + ":\n\n| name | type | meaning |\n|---|---|---|\n";
+    text += ColumnRows("", columns) + "\n";
   }
   if (!example.by_command) return text;
   text += "```sh\n";

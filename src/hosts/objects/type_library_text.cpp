@@ -64,7 +64,19 @@ std::string KeysText(std::span<const Key> keys) {
   return text;
 }
 
-/// What a member does, and the keys of its Dictionaries. A help string of a type library holds 65,535 characters.
+/// The same for what is answered.
+std::string ColumnsText(std::span<const Column> columns) {
+  std::string text;
+  for (const Column& column : columns) {
+    text.append(" ").append(column.name).append(" (").append(TypeName(column.type)).append("): ");
+    text.append(column.help).append(".");
+    if (!column.item_columns.empty()) text += " (Keys of its Dictionaries:" + ColumnsText(column.item_columns) + ")";
+  }
+  return text;
+}
+
+/// What a member does, the keys of its Dictionaries, and the columns of its answer. A help string of a type library
+/// holds 65,535 characters.
 std::string HelpText(const Member& member) {
   std::string text(member.help);
   for (const Argument& argument : member.arguments) {
@@ -73,6 +85,10 @@ std::string HelpText(const Member& member) {
     if (argument.keys.empty()) continue;
     const bool many = argument.type == ValueType::kVector;
     text += (many ? " Keys of the Dictionaries in " : " Keys of ") + name + ":" + KeysText(argument.keys);
+  }
+  if (member.operation != nullptr && !member.operation->contract->columns.empty()) {
+    text.append(" ").append(ColumnsTitle(member.result)).append(":");
+    text += ColumnsText(member.operation->contract->columns);
   }
   return text;
 }

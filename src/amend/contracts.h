@@ -79,9 +79,10 @@ inline constexpr Contract kContract<&clsSaveData::OrderRemark> = {
     .source = "OrderRemark",
     .arguments = {{.name = "dctPara", .keys = amend::kOrderRemark}},
     .help =
-        "Replaces or extends the seller's remark of orders and records it in their field log. False, with nothing "
-        "done, without sDSN, FID or FSellerMessage.",
-    .errors = "13 when Mode is no number",
+        "Replaces or extends the seller's remark of orders and records it in their field log first. An added "
+        "remark stands behind the old one and a backslash. False, with nothing done, without sDSN, FID or "
+        "FSellerMessage.",
+    .errors = "13 when Mode is no number, with nothing stored",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::DeRemark> = {
@@ -89,8 +90,8 @@ inline constexpr Contract kContract<&clsSaveData::DeRemark> = {
     .source = "OrderRemark",
     .arguments = {{.name = "dctPara", .keys = amend::kWishes}},
     .help =
-        "Replaces the buyer's wishes for the delivery of orders and records them in their field log. False, with "
-        "nothing done, without sDSN, FID or FDeliveryRemark.",
+        "Replaces the buyer's wishes for the delivery of orders and records them in their field log first. "
+        "False, with nothing done, without sDSN, FID or FDeliveryRemark.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::DeliveryRemark> = {
@@ -98,8 +99,10 @@ inline constexpr Contract kContract<&clsSaveData::DeliveryRemark> = {
     .source = "OrderRemark",
     .arguments = {{.name = "dctPara", .keys = amend::kDeliveryRemark}},
     .help =
-        "Replaces or extends the delivery remark of orders and records it in their field log. False, with nothing "
-        "done, without sDSN, FID or FShippingRem.",
+        "Replaces or extends the delivery remark of orders and records it in their field log first. An added "
+        "remark stands behind the old one and a backslash. False, with nothing done, without sDSN, FID or "
+        "FShippingRem.",
+    .errors = "13 when Mode is no number, with nothing stored",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::ChangeAddess> = {
@@ -107,9 +110,10 @@ inline constexpr Contract kContract<&clsSaveData::ChangeAddess> = {
     .source = "ChangeAddess",
     .arguments = {{.name = "dctPara", .keys = amend::kAddress}},
     .help =
-        "Stores consignee and address of an order, clears its waybill number and deletes the courier's own waybill; "
-        "the change goes to its field log. False, with nothing done, without sDSN or FID; True when the update ran, "
-        "also when no order matched.",
+        "Stores consignee and address of an order, clears its waybill number and deletes the courier's own "
+        "waybill, also when nothing differs. The order counts as changed here. All but FZipCode and FMobile go "
+        "to its field log first. False, with nothing done, without sDSN or FID; True when the update ran, also "
+        "when no order matched.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::ChangeStock> = {
@@ -117,8 +121,9 @@ inline constexpr Contract kContract<&clsSaveData::ChangeStock> = {
     .source = "ChangeStock",
     .arguments = {{.name = "dctPara", .keys = amend::kChangeStock}},
     .help =
-        "Moves all lines of orders to another warehouse, without a stock place; logged as 2001 where enabled, one "
-        "row a line. False, with nothing done, without sDSN, FID or FStockID.",
+        "Moves all lines of orders to another warehouse, without a stock place; logged as 2001 where enabled, "
+        "before the change: one row a line, with the names of both warehouses. The rows of orders before a "
+        "failing one stay. False, with nothing done, without sDSN, FID or FStockID.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::UpdateCostInvoiceStatus> = {
@@ -126,8 +131,8 @@ inline constexpr Contract kContract<&clsSaveData::UpdateCostInvoiceStatus> = {
     .source = "ChangeAddess",
     .arguments = {{.name = "dctPara", .keys = amend::kCostInvoice}},
     .help =
-        "Links orders to the cost invoice that covers them; logged as 3007, always. False, with nothing done, "
-        "without sDSN or FID; True when the update ran, also when no order matched.",
+        "Links orders to the cost invoice that covers them; logged as 3007, always and before the change. "
+        "False, with nothing done, without sDSN or FID; True when the update ran, also when no order matched.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::UpdateAfterDeleteBill> = {
@@ -151,9 +156,8 @@ inline constexpr Contract kContract<&clsGetData::CheckInnerInvoice> = {
     .source = "CheckInnerInvoice",
     .arguments = {{.name = "dctPara", .keys = kOrders}},
     .help =
-        "A Dictionary with ReturnBills, a Vector of Dictionaries with FID and FOrderID for those of the orders that "
-        "are invoiced but not covered by an internal invoice, and FStatus, 1 when there are any, otherwise 0. "
-        "Nothing without sDSN or FID.",
+        "Those of the orders that are invoiced but not covered by an internal invoice. Nothing without sDSN or "
+        "FID.",
     .columns = amend::kInnerInvoiceColumns,
 };
 template <>
@@ -168,7 +172,9 @@ inline constexpr Contract kContract<&clsGetData::bExistInvoice> = {
     .name = "bExistInvoice",
     .source = "bExistInvoice",
     .arguments = {{.name = "dctPara", .keys = kOrders}},
-    .help = "Whether any of the orders has a sales invoice. False without sDSN or FID.",
+    .help =
+        "Whether any of the orders has a sales invoice for goods that left by a stock bill of the order "
+        "itself. False without sDSN or FID.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetWebFIDByCostInoviceID> = {
@@ -183,8 +189,8 @@ inline constexpr Contract kContract<&clsGetData::GetTotalPriceChange> = {
     .source = "GetBatchNo",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory}, {.name = "sFIDs", .stands = Standing::kKeyList}},
     .help =
-        "The sums of the price-difference lines of each order of the list sFIDs: amount, freight and discount. "
-        "Nothing without sDsn; no row for an order without such lines.",
+        "The sums of the price-difference lines of each order of the list sFIDs. Nothing without sDsn; no row "
+        "for an order without such lines.",
     .errors = "also when sFIDs is empty",
     .columns = amend::kPriceChangeColumns,
 };

@@ -39,8 +39,10 @@ inline constexpr Key kListFilter[] = {
     Optional("icboCainiao", kString, kSql, "", "SQL condition"),
     Optional("OtherFilterOne", kString, kSql, "", "SQL condition"),
     Optional("FStockID", kString, kQuoted, "", "Name of a warehouse from which a line is delivered"),
-    Optional("AdvancedFilter", kString, kSql, "",
-             "SQL that begins with \" AND\"; the keys above but FOrderStatus and IsLock then do not count"),
+    Optional(
+        "AdvancedFilter", kString, kSql, "",
+        "SQL that begins with \" AND\"; the keys above but FOrderStatus and IsLock then do not count. One with \"t20.\" "
+        "is turned to upper case"),
     Optional("FCloseOrRefundStatus", kLong, kNowhere, "", "1 = normal orders, 2 = refunding or closed ones"),
     Optional("WebOrderMaxDisplayCount", kDouble, kNumber, "0", "Most rows; 0 = all"),
 };
@@ -111,9 +113,12 @@ inline constexpr Contract kContract<&clsGetData::GetListData> = {
     .source = "TessarLornPickingAndDelivery.clsGetData.GetListData",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory}, {.name = "Filter", .keys = browse::kListFilter}},
     .help =
-        "The orders that the filter lets through, one row each with display-ready status columns, by pay date and "
-        "order number; only those of web shops that the acting user may see. Nothing without sDsn or Filter; an "
-        "empty recordset when no order matches.",
+        "The orders that the filter lets through, one row each with display-ready status columns, by pay date "
+        "and order number. Only those of web shops that the acting user may see, unless access control is off "
+        "or the user is an administrator, which is asked on the alternate connection. Areas and carrier are "
+        "named in Simplified Chinese for CHS, otherwise in Traditional. A date key takes a date or a text that "
+        "reads as one; any other value goes into the statement as its text. User-defined columns stand behind "
+        "the others. Nothing without sDsn or Filter; an empty recordset when no order matches.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetEntryData> = {
@@ -121,17 +126,16 @@ inline constexpr Contract kContract<&clsGetData::GetEntryData> = {
     .source = "TessarLornPickingAndDelivery.clsGetData.GetEntryData",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory}, {.name = "dctParameters", .keys = browse::kEntry}},
     .help =
-        "The lines of an order with item, unit, warehouse, refund and after-sales data; gift lines come last. "
-        "Nothing without sDsn or FID; an empty recordset for an order without lines.",
+        "The lines of an order with item, unit, warehouse, refund and after-sales data; gift lines come last, "
+        "each group by line number. User-defined columns stand behind the others. Nothing without sDsn or FID; "
+        "an empty recordset for an order without lines.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetTemplateData> = {
     .name = "GetTemplateData",
     .source = "TessarLornPickingAndDelivery.clsGetData.GetTemplateData",
     .arguments = {{.name = "dctParam", .keys = kConnection}},
-    .help =
-        "The fields of the order grid by page (1 header, 2 lines) and tab index, with captions in the caller's "
-        "language. Nothing without sDSN.",
+    .help = "The fields of the order grid by page (1 header, 2 lines) and tab index. Nothing without sDSN.",
     .columns = browse::kTemplateColumns,
 };
 template <>
@@ -140,8 +144,8 @@ inline constexpr Contract kContract<&clsGetData::GetUserDefineFilterTemplate> = 
     .source = "TessarLornPickingAndDelivery.clsGetData.GetUserDefineFilterTemplate",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory}},
     .help =
-        "The fields that a user-defined filter may use, by tab index, with captions in the caller's language. "
-        "Nothing without sDsn.",
+        "The fields that a user-defined filter may use, by tab index: the saved header fields and some of the "
+        "lines and states. Nothing without sDsn.",
     .columns = browse::kFilterColumns,
 };
 template <>
@@ -151,10 +155,10 @@ inline constexpr Contract kContract<&clsGetData::GetListBySQL> = {
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
                   {.name = "sFKey", .stands = Standing::kQuoted, .need = Need::kMandatory}},
     .help =
-        "The choices of a lookup field as display_id|display_id, cut at 1000 characters. sFKey is class type and "
-        "field key, as 1014301_FStockID. Empty without sDsn or sFKey, for an unknown field and for one that has no "
-        "list.",
-    .errors = "9 for a key without _, 5 for a list without FROM",
+        "The choices of a lookup field as display_id|display_id, cut at 1000 characters. sFKey is class type "
+        "and field key, as 1014301_FStockID; what follows a second _ does not count, and the class type stands "
+        "bare in the statement. Empty without sDsn or sFKey, for an unknown field and for one that has no list.",
+    .errors = "9 for a key without _, 5 for a list without FROM in capitals",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::ExecuteSQL> = {
@@ -170,7 +174,7 @@ inline constexpr Contract kContract<&clsGetData::GetWebShopData> = {
     .name = "GetWebShopData",
     .source = "TessarLornPickingAndDelivery.clsGetData.GetWebShopData",
     .arguments = {{.name = "dctPara", .keys = kConnection}},
-    .help = "FID, FWebShopID and FWebShopName of all web shops. Nothing without sDSN.",
+    .help = "All web shops, by FID. Nothing without sDSN.",
     .columns = browse::kWebShopColumns,
 };
 template <>
@@ -190,9 +194,8 @@ inline constexpr Contract kContract<&clsGetData::GetMobileInformation> = {
     .source = "TessarLornPickingAndDelivery.clsGetData.GetMobileInformation",
     .arguments = {{.name = "dctPara", .keys = browse::kBuyers}},
     .help =
-        "What a text message to the buyers of orders needs: FBuyerName, FWebshopID, FWebShopName, FConsignee, "
-        "FBuyerNick, FTelephone, FMobile, FSiteOrderID, FOrderID, FLogisticsID, FLogisticsName, FLogisticsOrder. "
-        "Orders without a carrier or of an unknown shop are left out. Nothing without sDSN.",
+        "What a text message to the buyers of orders needs. Orders without a carrier or of an unknown shop are "
+        "left out. Nothing without sDSN.",
     .errors = "also when FID is missing",
     .columns = browse::kTextMessageColumns,
 };
@@ -202,8 +205,8 @@ inline constexpr Contract kContract<&clsGetData::GetWebBillTitleData> = {
     .source = "",
     .arguments = {{.name = "PropsString", .need = Need::kMandatory}},
     .help =
-        "The titles of the order states, by state. PropsString is the connection string. Nothing without it and on "
-        "any error: it never raises.",
+        "The titles of the order states, by state: the first two columns of the table IC_WEBOrders_Status. "
+        "PropsString is the connection string. Nothing without it and on any error: it never raises.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::ExeP_WebBillTitleData> = {

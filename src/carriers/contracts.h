@@ -27,9 +27,10 @@ inline constexpr Contract kContract<&clsSaveData::UpdateAddressReachableState> =
                   {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory},
                   {.name = "lType"}},
     .help =
-        "Records that carriers serve the addresses of the orders of the list sFID, and remembers each address with "
-        "its carrier, in batches of 150; with lType 4 the orders are to be checked again instead. False, with "
-        "nothing done, without sDsn or sFID.",
+        "Records that carriers serve the addresses of the orders of the list sFID, and remembers each complete "
+        "address with its carrier, once a call. Orders, then addresses, go in batches of 150; batches before a "
+        "failing one stay. With lType 4 those of the orders that have an extension row are to be checked again "
+        "instead. False, with nothing done, without sDsn or sFID.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::bIsAddressReachable> = {
@@ -45,9 +46,8 @@ inline constexpr Contract kContract<&clsGetData::GetNeedAddressReachableInfo> = 
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
                   {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory}},
     .help =
-        "A Dictionary with FID and FOrderID, the keys and order numbers, with commas between them, of those of the "
-        "orders of the list sFID that have a carrier and an address to be checked; empty texts when there is none. "
-        "Nothing without sDsn or sFID.",
+        "Those of the orders of the list sFID that have a carrier and an address to be checked, an order "
+        "without extension row being one; empty texts when there is none. Nothing without sDsn or sFID.",
     .columns = carriers::kUncheckedColumns,
 };
 template <>
@@ -57,8 +57,8 @@ inline constexpr Contract kContract<&clsGetData::GetNoAddressReachableInfo> = {
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
                   {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory}},
     .help =
-        "A Vector of Dictionaries with FID and FOrderID: those of the orders of the list sFID that have a carrier "
-        "which does not serve their address. Nothing without sDsn or sFID.",
+        "Those of the orders of the list sFID that have a carrier which does not serve their address. Nothing "
+        "without sDsn or sFID.",
     .columns = kOrderNames,
 };
 

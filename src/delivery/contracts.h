@@ -109,8 +109,9 @@ inline constexpr Contract kContract<&clsSaveData::BackToThePreviousStep> = {
     .source = "BackToThePreviousStep",
     .arguments = {{.name = "dctPara", .keys = delivery::kStepBack}},
     .help =
-        "Steps orders back, from delivered to waiting for delivery or from there to waiting for picking, whatever "
-        "their status was; logged as 3005 where enabled. False, with nothing done, without sDSN or FID.",
+        "Steps orders back, whatever their status was: from delivered to waiting for delivery, with lines open "
+        "again and no shipper, or to waiting for picking, without a picker. Logged as 3005 where enabled, "
+        "before the change. False, with nothing done, without sDSN or FID.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::UpdateDeliveryData> = {
@@ -118,8 +119,8 @@ inline constexpr Contract kContract<&clsSaveData::UpdateDeliveryData> = {
     .source = "TessarLornPickingAndDelivery.clsSaveData.UpdateDeliveryData",
     .arguments = {{.name = "sDsn"}, {.name = "sFID", .stands = Standing::kNumber}},
     .help =
-        "Queues the creation of stock bills for the orders of the list sFID, in batches of 150; a queued order is "
-        "reset to waiting. True, also for an empty list.",
+        "Queues the creation of stock bills for the orders of the list sFID, in batches of 150; a queued order "
+        "is reset to waiting. Batches before a failing one stay. True, also for an empty list.",
     .errors = "13 for a key that is no number",
 };
 template <>
@@ -128,9 +129,9 @@ inline constexpr Contract kContract<&clsSaveData::ModifyCost> = {
     .source = "Delivery",
     .arguments = {{.name = "dctPara", .keys = delivery::kModifyCost}},
     .help =
-        "Sets the logistics cost of orders, rounded to two decimals, and records it in their field log. False, with "
-        "nothing done, without sDSN or FID.",
-    .errors = "13 when the cost is missing or no number",
+        "Sets the logistics cost of orders, rounded to two decimals (half away from zero), and records it in "
+        "their field log first. False, with nothing done, without sDSN or FID.",
+    .errors = "13 when the cost is missing or no number, with nothing stored",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::SetUpLogisticsNumberAndWeight> = {
@@ -138,8 +139,8 @@ inline constexpr Contract kContract<&clsSaveData::SetUpLogisticsNumberAndWeight>
     .source = "Delivery",
     .arguments = {{.name = "sDsn"}, {.name = "vctPara", .keys = delivery::kNumberAndWeight}},
     .help =
-        "Stores logistics number, weight and cost of each order of the Vector; numbers go to the field log. False "
-        "for Nothing, True for an empty Vector, with nothing done.",
+        "Stores logistics number, weight and cost of each order of the Vector; numbers that are not empty go "
+        "to the field log. False for Nothing, True for an empty Vector, with nothing done.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::SetUpLogisticsNumber> = {
@@ -148,8 +149,8 @@ inline constexpr Contract kContract<&clsSaveData::SetUpLogisticsNumber> = {
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
                   {.name = "dctPara", .stands = Standing::kQuoted, .any_key = true}},
     .help =
-        "Stores logistics numbers: each key is an order's unique code (FUniqueCode), its value the number. False, "
-        "with nothing done, without sDsn or entries.",
+        "Stores logistics numbers: each key is an order's unique code (FUniqueCode), its value the number. "
+        "Nothing is logged. False, with nothing done, without sDsn or entries.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::SaveLogWeight> = {
@@ -157,8 +158,8 @@ inline constexpr Contract kContract<&clsSaveData::SaveLogWeight> = {
     .source = "SaveLogWeight",
     .arguments = {{.name = "sDsn"}, {.name = "vctPara", .keys = delivery::kLogWeight}},
     .help =
-        "Stores weight, cost, weigher and weighing status of each order of the Vector; each is logged as 3008 where "
-        "enabled. False for Nothing, True for an empty Vector, with nothing done.",
+        "Stores weight, cost, weigher and weighing status of each order of the Vector; each is logged as 3008 "
+        "where enabled, before the change. False for Nothing, True for an empty Vector, with nothing done.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::UpdateLogisticsWeightStatus> = {
@@ -168,14 +169,16 @@ inline constexpr Contract kContract<&clsSaveData::UpdateLogisticsWeightStatus> =
     .help =
         "Marks orders as weighed and, on request, queues the creation of their stock bills in batches of 150. False, "
         "with nothing done, without FID or AsyncCreate.",
-    .errors = "13 for a key that is no number",
+    .errors =
+        "13 for a key that is no number, and for an AsyncCreate that is neither a Boolean nor a number, with "
+        "nothing stored",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetSumRecordsetDataForDelivery> = {
     .name = "GetSumRecordsetDataForDelivery",
     .source = "TessarLornPickingAndDelivery.clsGetData.GetSumRecordsetDataForDelivery",
     .arguments = {{.name = "dctParam", .keys = kOrders}},
-    .help = "FTotalAmount of each of the orders, in no certain order. Nothing without sDSN or FID.",
+    .help = "The total amount of each of the orders, in no certain order. Nothing without sDSN or FID.",
     .columns = delivery::kTotalColumns,
 };
 template <>
@@ -184,8 +187,8 @@ inline constexpr Contract kContract<&clsGetData::GetPrintRecordsetForDelivery> =
     .source = "TessarLornPickingAndDelivery.clsGetData.GetPrintRecordsetForDelivery",
     .arguments = {{.name = "dctParam", .keys = kOrders}},
     .help =
-        "The header and line data of delivery notes, one row a line, with area names in the caller's language. "
-        "Nothing without sDSN or FID.",
+        "The header and line data of delivery notes, one row a line, by order and line. Areas are named in "
+        "Simplified Chinese for CHS, otherwise in Traditional. Nothing without sDSN or FID.",
     .columns = delivery::kPrintColumns,
 };
 template <>
@@ -194,8 +197,10 @@ inline constexpr Contract kContract<&clsGetData::GetOverMaxPrintCountBillInfo> =
     .source = "GetOverMaxPrintCountBillInfo",
     .arguments = {{.name = "dctPara", .keys = delivery::kPrintCount}},
     .help =
-        "Those of the orders that were printed as often as the type of print allows, or more, with their counter. An "
-        "empty Vector without sDSN or FID, for any other type, and for one that is not limited.",
+        "Those of the orders that were printed as often as the type of print allows, or more: a Vector of "
+        "Dictionaries with FOrderID, FUniqueCode, FPrintMaxCount and the counter of the type, FPrintPickCount, "
+        "FPrintSendCount, FPrintExpressCount or FPrintSendList. An empty Vector without sDSN or FID, for any "
+        "other type, and for one that is not limited.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetWeightByFID> = {
@@ -203,8 +208,8 @@ inline constexpr Contract kContract<&clsGetData::GetWeightByFID> = {
     .source = "GetWeightByFID",
     .arguments = {{.name = "dctPara", .keys = kOrder}},
     .help =
-        "FID and FWeight of an order, computed from its lines in the base unit of gross weights. Nothing without "
-        "sDSN or FID; an empty recordset when the order has no lines.",
+        "The weight of an order, computed from its lines. Nothing without sDSN or FID; an empty recordset when "
+        "the order has no lines.",
     .columns = delivery::kWeightColumns,
 };
 template <>
@@ -212,8 +217,8 @@ inline constexpr Contract kContract<&clsGetData::NewGetWeightByFID> = {
     .name = "NewGetWeightByFID",
     .source = "NewGetWeightByFID",
     .arguments = {{.name = "sDsn"}, {.name = "sFID", .stands = Standing::kNumber}},
-    .help = "A Dictionary with FWeight, the order's weight in kg computed from its lines, 0 when it has none, and FID.",
-    .errors = "11 when a unit has the coefficient 0",
+    .help = "The order's weight computed from its lines, 0 when it has none.",
+    .errors = "11 when a unit that has to be converted has the coefficient 0",
     .columns = delivery::kKilogramColumns,
 };
 template <>

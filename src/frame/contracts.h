@@ -23,9 +23,10 @@ inline constexpr Contract kContract<&clsSaveData::WriteSaveOrderLog> = {
     .source = "",
     .arguments = {{.name = "FID"}, {.name = "EntryID"}, {.name = "FieldName"}, {.name = "Value"}},
     .help =
-        "Records a new field value of an order (EntryID 0) or of one of its lines, on the session that an earlier "
-        "operation of the same instance opened. Answers what the web-order component answers; its errors come out "
-        "unchanged, 429 when there is none, 91 without such a session, as in a single call by the command.",
+        "Records a new field value of an order (EntryID 0) or of one of its lines (FID may be empty), on the "
+        "session that an earlier operation of the same instance opened. Answers what the web-order component "
+        "answers; its errors come out unchanged, 429 when there is none, 91 without such a session, as in a "
+        "single call by the command.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::WriteOPLog> = {
@@ -34,10 +35,10 @@ inline constexpr Contract kContract<&clsSaveData::WriteOPLog> = {
     .arguments =
         {{.name = "sFID"}, {.name = "OPCode"}, {.name = "ItemID"}, {.name = "FOldValue"}, {.name = "FNewValue"}},
     .help =
-        "Records an operation on the orders of the list sFID, with acting user, client address and local time, on "
-        "the session that an earlier operation of the same instance opened. ItemID is 0 for whole orders. Answers "
-        "what the web-order component answers; its errors come out unchanged, 429 when there is none, 91 without "
-        "such a session, as in a single call by the command.",
+        "Records an operation on the orders of the list sFID, with acting user, client address and local time, "
+        "on the session that an earlier operation of the same instance opened. ItemID is 0 for whole orders. "
+        "Answers what the web-order component answers; its errors come out unchanged, 429 when there is none, "
+        "91 without such a session, 5 when the client's address has no end, as in a single call by the command.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::IsLogEnable> = {

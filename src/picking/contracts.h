@@ -85,8 +85,9 @@ inline constexpr Contract kContract<&clsSaveData::SavePickingGoods> = {
     .source = "SavePickingGoods",
     .arguments = {{.name = "dctPara", .keys = picking::kPickingGoods}},
     .help =
-        "Stores the result of the picking check of one parcel, found by its logistics number or unique code; logged "
-        "as 3003. False, with nothing done, without sProps; True when the update ran, also when no order matched.",
+        "Stores the result of the picking check of one parcel, found by its logistics number or unique code; "
+        "logged as 3003, for the first order found. False, with nothing done, without sProps; True when the "
+        "update ran, also when no order matched.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::MarkPickingGoodsStatus> = {
@@ -94,8 +95,8 @@ inline constexpr Contract kContract<&clsSaveData::MarkPickingGoodsStatus> = {
     .source = "MarkPickingGoodsStatus",
     .arguments = {{.name = "dctPara", .keys = picking::kPickingMark}},
     .help =
-        "Marks the picking check of orders as passed; orders that are marked already stay as they are. Logged as "
-        "3014, always. False, with nothing done, without sDsn or FID.",
+        "Marks the picking check of orders as passed; orders that are marked already stay as they are. Logged "
+        "as 3014, for all of them, always and before the change. False, with nothing done, without sDsn or FID.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::ClearPickingGoodsStatus> = {
@@ -122,8 +123,9 @@ inline constexpr Contract kContract<&clsSaveData::SavePrintSerialNumber> = {
     .arguments = {{.name = "sDsn", .need = Need::kMandatory}, {.name = "vctOrderInfo", .keys = picking::kPrinted}},
     .help =
         "Gives the orders of a print run a new lot number (year, month and the run's number in the month, as "
-        "20261112) and serial numbers from 1, in the order of the Vector. False, with nothing done, without sDsn or "
-        "for Nothing; an empty Vector uses up a lot number and is True.",
+        "20261112) and serial numbers from 1, in the order of the Vector; a reprint gives new ones. A lot "
+        "number that is taken before an error is lost, unless the call runs in a transaction. False, with "
+        "nothing done, without sDsn or for Nothing; an empty Vector uses up a lot number and is True.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::GetUniqueCodeIndex> = {
@@ -131,8 +133,9 @@ inline constexpr Contract kContract<&clsSaveData::GetUniqueCodeIndex> = {
     .source = "TessarLornPickingAndDelivery.clsGetData.GetUniqueCodeIndex",
     .arguments = {{.name = "dctParam", .keys = kOrders}},
     .help =
-        "The unique codes of orders, numbered in the order of FID, five a line: number, -, the code (a longer one "
-        "than 20 characters cut to 19 and ..), |. Empty without sDSN or FID.",
+        "The unique codes of orders, numbered in the order of FID, five a line: the number in 3 columns, -, "
+        "the code in 10 to 20 columns (a longer one cut to 19 and ..), |. A key without an order is left out. "
+        "Empty without sDSN or FID.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::bIsPickingGoods> = {
@@ -162,8 +165,8 @@ inline constexpr Contract kContract<&clsGetData::bExistStockPositionManager> = {
     .source = "ChangeAddess",
     .arguments = {{.name = "dctPara", .keys = kOrders}},
     .help =
-        "The lines of orders that go to a warehouse with stock places, with the default places of warehouse and "
-        "item; price-difference goods are left out. Nothing without sDSN or FID; an empty Vector when no line "
+        "The lines of orders that go to a warehouse with stock places, with their default places; "
+        "price-difference goods are left out. Nothing without sDSN or FID; an empty Vector when no line "
         "matches.",
     .columns = picking::kStockPlaceColumns,
 };

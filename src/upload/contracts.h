@@ -16,7 +16,7 @@ using enum Standing;
 inline constexpr Key kUploadStatus[] = {
     ConnectionKey("sDSN"),
     kOrdersKey,
-    Optional("IsOfflineUpLoad", kLong, kNowhere, "0", "1 marks the orders as sent offline as well"),
+    Optional("IsOfflineUpLoad", kLong, kNowhere, "0", "1 marks the orders as sent offline (send type 38132) as well"),
 };
 
 inline constexpr Key kFailure[] = {
@@ -58,8 +58,9 @@ inline constexpr Contract kContract<&clsSaveData::UploadStatus> = {
     .source = "UploadStatus",
     .arguments = {{.name = "dctPara", .keys = upload::kUploadStatus}},
     .help =
-        "Marks orders as uploaded to their web shop and clears the reason of an earlier failure. False, with nothing "
-        "done, without sDSN or FID; True when the update ran, also when no order matched.",
+        "Marks orders as uploaded to their web shop (transaction status 38193) and clears the reason of an "
+        "earlier failure. False, with nothing done, without sDSN or FID; True when the update ran, also when "
+        "no order matched.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::UploadStatusFailure> = {
@@ -86,8 +87,8 @@ inline constexpr Contract kContract<&clsGetData::bExistUpLoadBill> = {
     .source = "bExistUpLoadBill",
     .arguments = {{.name = "dctPara", .keys = kOrders}},
     .help =
-        "FOrderID and FUpLoadStatus of those of the orders that are marked as uploaded. Nothing without sDSN or FID; "
-        "an empty recordset when none is.",
+        "Those of the orders that are marked as uploaded. Nothing without sDSN or FID; an empty recordset when "
+        "none is.",
     .columns = upload::kUploadedColumns,
 };
 template <>
@@ -98,10 +99,10 @@ inline constexpr Contract kContract<&clsGetData::GetUploadDataByFID> = {
                   {.name = "strFids", .stands = Standing::kKeyList, .need = Need::kMandatory}},
     .help =
         "What is to be reported to the web shops about the orders of the list strFids: one Dictionary for each "
-        "marketplace order, or for each of its lines when it was split, with SiteOrderID, ChildIDs, IsSplit, "
-        "FWebshopID, FLogisticsNumber (the carrier's code), FLogisticsOrder, FOrderID and FID. It was split when its "
-        "lines have three waybill numbers or more, one counted for each line, or when it has more child orders in "
-        "the ERP than lines among these orders. An empty Vector without strDSN or strFids.",
+        "marketplace order, taken from its first line, or for each of its lines when it was split. It was "
+        "split when its lines have three waybill numbers or more, one counted for each line, or when it has "
+        "more child orders in the ERP than lines among these orders. Lines whose marketplace order is empty or "
+        "unknown to IC_Trade are left out. An empty Vector without strDSN or strFids.",
     .columns = upload::kReportColumns,
 };
 template <>
@@ -110,23 +111,26 @@ inline constexpr Contract kContract<&clsGetData::GetUploadDataByTab> = {
     .source = "TessarLornPickingAndDelivery.clsGetData.GetUploadDataByTab",
     .arguments = {{.name = "strDSN", .need = Need::kMandatory},
                   {.name = "pageTable", .stands = Standing::kName, .need = Need::kMandatory},
-                  {.name = "strFids", .stands = Standing::kKeyList},
+                  {.name = "strFids", .stands = Standing::kName},
                   {.name = "strTempTable", .stands = Standing::kName},
                   {.name = "sNewID", .stands = Standing::kQuoted}},
     .help =
-        "Writes the reports of GetUploadDataByFID for the orders of one page as rows: pageTable is the page's work "
-        "table, strFids the run's, both with the columns fid and fstatus; strTempTable takes the rows under task "
-        "sNewID, in the columns of IC_UploadWebOrderIndicator, and from there they go into that table, none twice. "
-        "The page's orders get fstatus 1 in the run's table; a page with an order of fstatus 1 is done. The page is "
-        "joined as pageTable, so its name is that or is followed by that alias. True, with nothing done, for a page "
-        "that is done; False without strDSN or pageTable.",
+        "Writes the reports of GetUploadDataByFID for the orders of one page as rows: pageTable is the page's "
+        "work table, strFids the run's, both with the columns fid and fstatus; strTempTable takes the rows "
+        "under task sNewID, in the columns of IC_UploadWebOrderIndicator, with FIsSplit 1 or 0, FUpStatus 0 "
+        "and FError empty, and from there they go into that table, none twice. The page's orders get fstatus 1 "
+        "in the run's table; a page with an order of fstatus 1 is done. The page is joined as pageTable, so "
+        "its name is that or is followed by that alias. True, with nothing done, for a page that is done; "
+        "False without strDSN or pageTable.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::isRunUploadOrder> = {
     .name = "isRunUploadOrder",
     .source = "TessarLornPickingAndDelivery.clsGetData.isRunUploadOrder",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory}},
-    .help = "Whether the acting user has an upload task that is not finished. False without sDsn.",
+    .help =
+        "Whether the acting user has an upload task that is not finished, asked on the alternate connection. "
+        "False without sDsn.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetSplitChrildOrderIDs> = {
@@ -137,9 +141,9 @@ inline constexpr Contract kContract<&clsGetData::GetSplitChrildOrderIDs> = {
                   {.name = "SiteOrderID", .stands = Standing::kQuoted},
                   {.name = "ChildOrderIDs"}},
     .help =
-        "Whether other orders than FID have lines of the marketplace order SiteOrderID; if so, the child orders of "
-        "FID's lines go behind what ChildOrderIDs holds, with commas between them. False without strDSN or with FID "
-        "0.",
+        "Whether other orders than FID have lines of the marketplace order SiteOrderID; if so, the child "
+        "orders of FID's lines go behind what ChildOrderIDs holds, with commas between them; one comma at the "
+        "end of the whole is dropped. False, with ChildOrderIDs as it was, without strDSN or with FID 0.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::CheckWebShopTypeSameByOrders> = {
@@ -147,8 +151,9 @@ inline constexpr Contract kContract<&clsGetData::CheckWebShopTypeSameByOrders> =
     .source = "TessarLornPickingAndDelivery.clsGetData.CheckWebShopTypeSameByOrders",
     .arguments = {{.name = "sDsn"}, {.name = "strIDs", .stands = Standing::kKeyList}, {.name = "WebShopType"}},
     .help =
-        "Whether the orders of the list strIDs are all of web shops of one type, which WebShopType then is; True "
-        "with 0 when none has a shop or strIDs is empty; on False it stays what it was.",
+        "Whether the orders of the list strIDs are all of web shops of one type, which WebShopType then is; "
+        "True with 0 when none has a shop or strIDs is empty; on False it stays what it was. Orders of several "
+        "types are not uploaded together.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetWebShopType> = {

@@ -48,8 +48,9 @@ inline constexpr Contract kContract<&clsSaveData::SubMitTplOrderTask> = {
                   {.name = "sUserName", .stands = Standing::kQuoted},
                   {.name = "sWebTplID", .stands = Standing::kQuoted, .optional = true}},
     .help =
-        "Queues a task for the orders of the list sFID at an outside warehouse and marks those in state 0 or 2, or "
-        "without an extension row, as submitted, in batches of 150; any other state stays. False, with nothing done, "
+        "Queues a task for the orders of the list sFID at an outside warehouse and marks those in state 0 or "
+        "2, or without an extension row, as submitted, in batches of 150; any other state stays, an empty one "
+        "too. The task goes with the first batch; batches before a failing one stay. False, with nothing done, "
         "without sDsn or sFID.",
 };
 template <>
@@ -68,7 +69,7 @@ inline constexpr Contract kContract<&clsSaveData::SubMitPorTask> = {
         "Queues a task for the purchase orders (lTranType 71) or sales orders (81) of the list sInterFID and marks "
         "those of their lines as submitted that fulfil the SQL condition sFiter on t1. Always an empty text, which "
         "the command ends with status 1; nothing is done without sDsn or sInterFID.",
-    .errors = "also for any other lTranType, whose task stays only without a transaction",
+    .errors = "also for any other lTranType, whose task has type 0 and stays only without a transaction",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::ClearTplFieldInfo> = {
@@ -76,8 +77,8 @@ inline constexpr Contract kContract<&clsSaveData::ClearTplFieldInfo> = {
     .source = "TessarLornPickingAndDelivery.clsSaveData.ClearTplFieldInfo",
     .arguments = {{.name = "sDsn"}, {.name = "sBillNo", .stands = Standing::kQuoted}},
     .help =
-        "Clears what the purchase order sBillNo and its lines keep of an outside warehouse. True, also when there is "
-        "no such order.",
+        "Clears what the purchase order sBillNo and its lines keep of an outside warehouse. An empty number is "
+        "a number like any other. True, also when there is no such order.",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::DownloadWebTpls> = {
@@ -93,7 +94,7 @@ inline constexpr Contract kContract<&clsGetData::GetTplCompany> = {
     .name = "GetTplCompany",
     .source = "TessarLornPickingAndDelivery.clsGetData.GetTplCompany",
     .arguments = {{.name = "dctPara", .keys = kConnection}},
-    .help = "Name and type of the providers that have an outside warehouse, by type. Nothing without sDSN.",
+    .help = "The providers that have an outside warehouse, by type. Nothing without sDSN.",
     .columns = warehouse::kProviderColumns,
 };
 template <>
@@ -102,7 +103,7 @@ inline constexpr Contract kContract<&clsGetData::GetTplStock> = {
     .source = "TessarLornPickingAndDelivery.clsGetData.GetTplStock",
     .arguments = {{.name = "dctPara", .keys = warehouse::kTplStock}, {.name = "bIsBad"}},
     .help =
-        "Id and name of a provider's enabled warehouses; with bIsBad True those for damaged goods as well. Nothing "
+        "A provider's enabled warehouses, by id; with bIsBad True those for damaged goods as well. Nothing "
         "without sDSN or FWebtplType.",
     .columns = warehouse::kTplStockColumns,
 };
@@ -111,9 +112,7 @@ inline constexpr Contract kContract<&clsGetData::GetTplCompanyNew> = {
     .name = "GetTplCompanyNew",
     .source = "TessarLornPickingAndDelivery.clsGetData.GetTplCompany",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory}},
-    .help =
-        "A Vector of Dictionaries with FWebtplType, FWebtplID and FStockID: all enabled warehouses by provider type. "
-        "Nothing without sDsn.",
+    .help = "All enabled warehouses, by provider type. Nothing without sDsn.",
     .columns = warehouse::kTplWarehouseColumns,
 };
 template <>
@@ -147,9 +146,10 @@ inline constexpr Contract kContract<&clsGetData::GetCancelTplOrderInfo> = {
                   {.name = "tplType", .stands = Standing::kNumber},
                   {.name = "tplStockID", .stands = Standing::kQuoted}},
     .help =
-        "The keys, with commas between them, of those of the orders of the list sFID that may be taken back from the "
-        "warehouse tplStockID of provider type tplType (0: from any). An empty text without sDsn or sFID and when "
-        "there is none.",
+        "The keys, with commas between them, of those of the orders of the list sFID that may be taken back: "
+        "in state 1, without a waybill, with every line on a stock of the warehouse tplStockID of provider "
+        "type tplType, or of any with type 0. An order without lines is one of them. An empty text without "
+        "sDsn or sFID and when there is none.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetCancelTplReturnOrderInfo> = {
@@ -160,8 +160,8 @@ inline constexpr Contract kContract<&clsGetData::GetCancelTplReturnOrderInfo> = 
                   {.name = "tplType", .stands = Standing::kNumber},
                   {.name = "tplStockID", .stands = Standing::kQuoted}},
     .help =
-        "The keys, with commas between them, of those of the order lines of the list sFID that are on a stock of the "
-        "warehouse. An empty text without sDsn or sFID and when there is none.",
+        "The keys, with commas between them, of those of the order lines (FEntryID) of the list sFID that are "
+        "on a stock of the warehouse. An empty text without sDsn or sFID and when there is none.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetFiltrationTPLOrder> = {
@@ -171,7 +171,8 @@ inline constexpr Contract kContract<&clsGetData::GetFiltrationTPLOrder> = {
                   {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory}},
     .help =
         "The keys, with commas between them, of those of the orders of the list sFID that are at an outside "
-        "warehouse with every line. An empty text without sDsn or sFID and when there is none.",
+        "warehouse (state 1 or 3) with every line. A warehouse of stock 0 stands for no stock; an order "
+        "without lines is one of them. An empty text without sDsn or sFID and when there is none.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetPurchaseTaskInfo> = {
@@ -183,8 +184,8 @@ inline constexpr Contract kContract<&clsGetData::GetPurchaseTaskInfo> = {
                   {.name = "sWebTplType", .stands = Standing::kQuoted},
                   {.name = "sWebTplID", .stands = Standing::kQuoted}},
     .help =
-        "-1 when the task taskID or, when that is empty, the purchase task taskName at the warehouse has ended, "
-        "otherwise 0; 0 without sDsn or either of the two.",
+        "-1 when a task has ended (state 2), otherwise 0: the task taskID or, when that is empty, the purchase "
+        "task of the documents taskName at the warehouse. 0 without sDsn or either of the two.",
 };
 
 }  // namespace tessarlorn

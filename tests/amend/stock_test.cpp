@@ -39,11 +39,6 @@ TEST_F(StockTest, LogsNothingWhereTheCodeIsNotEnabled) {
   EXPECT_EQ(Read("select count(*) from IC_TradeLog"), "0|");
 }
 
-TEST_F(StockTest, QuoteInAValueIsTheDatabasesError) {
-  const Dictionary quoted = Keys("3", {{"FStockID", "'"}});
-  EXPECT_EQ(Raised([&] { save().ChangeStock(&quoted); }), "-2147217900 ChangeStock");
-}
-
 TEST_F(StockTest, TellsWhetherALineHasNoWarehouse) {
   const struct {
     const char* order;

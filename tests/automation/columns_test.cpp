@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 #include <utility>
 
+#include "automation/operation_arguments.h"
 #include "support/batches.h"
 #include "support/sample_database.h"
-#include "tessarlorn/operations.h"
 
 namespace tessarlorn {
 namespace {
@@ -50,19 +50,13 @@ TEST(ColumnsTest, OfEveryAnswerAreThoseOfTheContract) {
   constexpr int kOrderCount = 50;
   SampleDatabase database(kOrderCount, 5);
   database.connection().Execute("UPDATE IC_Web2ERPOrders SET FInvoiceStatus = 1, FInnerInvoice = 0 WHERE FID = 1");
-  const auto sample = [&](bool connection, Standing stands) -> Variant {
-    if (connection) return database.Dsn();
+  const auto sample = [&](auto, auto, Standing stands) {
     return stands == Standing::kKeyList ? Variant(KeysTo(kOrderCount)) : Variant(1);
   };
   for (const Operation* const operation : Operations()) {
     const std::span<const Column> columns = operation->contract->columns;
     if (columns.empty()) continue;
-    std::vector<Variant> arguments;
-    for (const Argument& argument : operation->arguments()) {
-      Dictionary values;
-      for (const Key& key : argument.keys) values.SetValue(key.name, sample(key.is_connection(), key.stands));
-      arguments.push_back(values.empty() ? sample(argument.is_connection, argument.stands) : Variant(values));
-    }
+    std::vector<Variant> arguments = SampleArguments(*operation, database.Dsn(), sample);
     Columns answered;
     NoteAll(answered, ServiceObject(TestHost(), operation->service).Invoke(*operation, arguments));
     EXPECT_EQ(answered, Told(columns)) << operation->name;

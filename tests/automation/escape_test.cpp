@@ -1,8 +1,8 @@
 // What Escape=Yes keeps whole: one text with a quote goes through every text of every operation, passed and stored.
 #include <map>
 
+#include "automation/operation_arguments.h"
 #include "support/sample_test.h"
-#include "tessarlorn/operations.h"
 
 namespace tessarlorn {
 namespace {
@@ -10,53 +10,28 @@ namespace {
 constexpr const char* kText = "O'B \"x\" ]";
 
 /// Arguments and keys that are SQL, lists of keys or numbers, and whose text is therefore not free.
-const std::map<std::string_view, const char*> kFixed = {{"FID", "1"},
-                                                        {"sFID", "1"},
-                                                        {"sFIDs", "1"},
-                                                        {"strIDs", "1"},
-                                                        {"strFids", "1"},
-                                                        {"sInterFID", "1"},
-                                                        {"EntryID", "0"},
-                                                        {"OPCode", "3008"},
-                                                        {"ItemID", "0"},
-                                                        {"StrSql", "SELECT 1"},
-                                                        {"sFiter", "1=1"},
-                                                        {"lTranType", "71"},
-                                                        {"AdvancedFilter", ""},
-                                                        {"FGoodsCount", ""},
-                                                        {"FEntryCount", ""},
-                                                        {"icboTpl", ""},
-                                                        {"icboCainiao", ""},
-                                                        {"OtherFilterOne", ""},
-                                                        {"taskID", ""},
-                                                        {"pageTable", "pageTable"},
-                                                        {"strTempTable", "Reports"},
-                                                        {"sFKey", "1014301_O'B"}};
+constexpr std::string_view kFixed =
+    " FID=1 sFID=1 sFIDs=1 strIDs=1 sInterFID=1 EntryID=0 OPCode=3008 ItemID=0 StrSql=SELECT(1) sFiter=1=1 "
+    "lTranType=71 AdvancedFilter= FGoodsCount= FEntryCount= icboTpl= icboCainiao= OtherFilterOne= taskID= "
+    "pageTable=pageTable strTempTable=Reports sFKey=1014301_O'B key=101 ";
+
+Variant Sample(std::string_view name, ValueType type, Standing /*stands*/) {
+  const std::size_t found = kFixed.find(" " + std::string(name) + "=");
+  if (found != std::string_view::npos) {
+    const std::size_t begin = found + name.size() + 2;
+    return kFixed.substr(begin, kFixed.find(' ', begin) - begin);
+  }
+  const bool quoted = type == ValueType::kString || type == ValueType::kDate || name == "FCostInvoiceInterID";
+  return quoted ? Variant(kText) : Variant(1);
+}
 
 class EscapeTest : public SampleTest {
  protected:
-  Variant Sample(std::string_view name, ValueType type, std::span<const Key> keys) {
-    if (type == ValueType::kDictionary) return Values(keys);
-    if (type == ValueType::kVector) return Vector{Values(keys)};
-    if (const auto fixed = kFixed.find(name); fixed != kFixed.end()) return fixed->second;
-    const bool quoted = type == ValueType::kString || type == ValueType::kDate || name == "FCostInvoiceInterID";
-    return quoted ? Variant(kText) : Variant(1);
-  }
-  Dictionary Values(std::span<const Key> keys) {
-    Dictionary values;
-    for (const Key& key : keys) {
-      values.SetValue(key.name, key.is_connection() ? Variant(escaping_) : Sample(key.name, key.type, key.item_keys));
-    }
-    return values;
-  }
   Variant Call(ServiceObject& object, const Operation& operation) {
-    std::vector<Variant> arguments;
-    for (const Argument& argument : operation.arguments()) {
-      arguments.push_back(argument.is_connection ? Variant(escaping_)
-                          : argument.any_key     ? Variant(Dictionary{{"101", kText}})
-                                                 : Sample(argument.name, argument.type, argument.keys));
-    }
-    if (operation.name == "GetUploadDataByTab") arguments[2] = "pageTable";
+    std::vector<Variant> arguments = SampleArguments(operation, escaping_, [&](auto name, auto type, auto stands) {
+      // A list of keys in one operation, a table's name in another.
+      return name == "strFids" ? (stands == Standing::kName ? "pageTable" : "1") : Sample(name, type, stands);
+    });
     return object.Invoke(operation, arguments);
   }
 

@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
+#include "automation/operation_arguments.h"
 #include "platform/text.h"
 #include "support/recording_driver.h"
-#include "tessarlorn/operations.h"
 
 namespace tessarlorn {
 namespace {
@@ -16,130 +16,44 @@ namespace {
 std::string dsn;
 
 /// Values that lead an operation through its statements.
-Variant Sample(std::string_view name, ValueType type) {
+Variant Sample(std::string_view name, ValueType type, Standing stands) {
+  if (name == "AdvancedFilter") return {};
   if (name == "sFKey") return "1014301_FStockID";
   if (name == "PrintID") return 10143012;
   if (name == "FPickingGoodsstatus") return 1;
+  if (name == "FID" && (stands == Standing::kKeyList || stands == Standing::kBareNumber)) return "12";
+  if (name == "sFID" || name == "strFids" || name == "strIDs") return "12,15";
   if (type == ValueType::kBoolean) return true;
   if (type == ValueType::kLong || type == ValueType::kInteger || type == ValueType::kDouble) return 71;
   if (type == ValueType::kDate) return "2024-05-06";
   return std::string("<").append(name).append(">");
 }
 
-Dictionary SampleKeys(std::span<const Key> keys) {
-  Dictionary values;
-  for (const Key& key : keys) {
-    if (key.is_connection()) {
-      values.SetValue(key.name, dsn);
-    } else if (key.type == ValueType::kVector) {
-      values.SetValue(key.name, Vector{SampleKeys(key.item_keys)});
-    } else if (key.name == "FID") {
-      values.SetValue(key.name, "12");
-    } else if (key.name != "AdvancedFilter") {
-      values.SetValue(key.name, Sample(key.name, key.type));
-    }
-  }
-  return values;
-}
+/// The fields of one row that answers every question: texts tell their field, all others are 1.
+constexpr std::string_view kFields =
+    "Flag FID FItemID FNumber=<code> FSiteOrderID=<site> Num=2 FChildOrderID=<child> FWebshopID FLogisticsID "
+    "FLogisticsOrder=<waybill> FOrderID=<order> MaxNum=7 FLookUpList=SELECT-x-FROM-<list> FSRCFieldName=<id> "
+    "FDSPFieldName=<name> FDeliveryProvince=<province> FDeliveryCity=<city> FDeliveryDistrict=<district> "
+    "FPrintControlOrNo FPrintMaxCount FUniqueCode FPrintSendCount FValue FWebShopType FStatus=0 FEntryID FStockID "
+    "FStockName=<stock> FDefaultStockPlaceGroupID FDefaultStockPlaceGroupName=<group> FDefaultStockPlaceName=<place> "
+    "FDefaultItemStockPlaceID FWebtplType FWebtplID FIndex FWeight FGrossUnitName=KG FUnitName=KG FCoefficient "
+    "TotalLogisticsCosts UserDefineFld=,t1.<user-field>";
 
-Variant SampleArgument(const Argument& argument) {
-  if (argument.is_connection) return dsn;
-  if (argument.type == ValueType::kDictionary) {
-    return argument.any_key ? Dictionary{{"<key>", "<value>"}} : SampleKeys(argument.keys);
-  }
-  if (argument.type == ValueType::kVector) return Vector{SampleKeys(argument.keys)};
-  if (argument.name == "sFID" || argument.name == "strFids" || argument.name == "strIDs") return "12,15";
-  return Sample(argument.name, argument.type);
-}
-
-/// One row that answers every question: counts are 1, texts tell their field.
 RecordsetPtr Answer(std::string_view text) {
   if (text.starts_with(" select count(1) as Fcount")) return TextRows({"Fcount"}, {{"0"}});
   if (text.find("AccessData") == std::string_view::npos && text.find("WebShopAccess") != std::string_view::npos) {
     return TextRows({"FValue"}, {});
   }
-  return TextRows({"Flag",
-                   "FID",
-                   "FItemID",
-                   "FNumber",
-                   "FSiteOrderID",
-                   "Num",
-                   "FChildOrderID",
-                   "FWebshopID",
-                   "FLogisticsID",
-                   "FLogisticsOrder",
-                   "FOrderID",
-                   "MaxNum",
-                   "FLookUpList",
-                   "FSRCFieldName",
-                   "FDSPFieldName",
-                   "FDeliveryProvince",
-                   "FDeliveryCity",
-                   "FDeliveryDistrict",
-                   "FPrintControlOrNo",
-                   "FPrintMaxCount",
-                   "FUniqueCode",
-                   "FPrintSendCount",
-                   "FValue",
-                   "FWebShopType",
-                   "FStatus",
-                   "FEntryID",
-                   "FStockID",
-                   "FStockName",
-                   "FDefaultStockPlaceGroupID",
-                   "FDefaultStockPlaceGroupName",
-                   "FDefaultStockPlaceName",
-                   "FDefaultItemStockPlaceID",
-                   "FWebtplType",
-                   "FWebtplID",
-                   "FIndex",
-                   "FWeight",
-                   "FGrossUnitName",
-                   "FUnitName",
-                   "FCoefficient",
-                   "TotalLogisticsCosts",
-                   "UserDefineFld"},
-                  {{"1",
-                    "1",
-                    "1",
-                    "<code>",
-                    "<site>",
-                    "2",
-                    "<child>",
-                    "1",
-                    "1",
-                    "<waybill>",
-                    "<order>",
-                    "7",
-                    "SELECT x FROM <list>",
-                    "<id>",
-                    "<name>",
-                    "<province>",
-                    "<city>",
-                    "<district>",
-                    "1",
-                    "1",
-                    "1",
-                    "1",
-                    "1",
-                    "1",
-                    "0",
-                    "1",
-                    "1",
-                    "<stock>",
-                    "1",
-                    "<group>",
-                    "<place>",
-                    "1",
-                    "1",
-                    "1",
-                    "1",
-                    "1",
-                    "KG",
-                    "KG",
-                    "1",
-                    "1",
-                    ",t1.<user field>"}});
+  std::vector<std::string> names;
+  std::vector<std::string> values;
+  for (const std::string_view field : Split(kFields, ' ')) {
+    const std::size_t end = std::min(field.find('='), field.size());
+    names.emplace_back(field.substr(0, end));
+    values.push_back(end == field.size() ? "1" : ReplaceAll(field.substr(end + 1), "-", " "));
+  }
+  std::vector<const char*> cells;
+  for (const std::string& value : values) cells.push_back(value.c_str());
+  return TextRows(names, {cells});
 }
 
 /// What the texts of the samples say is the same with their quotes doubled.
@@ -152,8 +66,7 @@ class StatementsTest : public RecordingTest, public testing::WithParamInterface<
 };
 
 void InvokeWithSamples(Host& host, const Operation& operation) {
-  std::vector<Variant> arguments;
-  for (const Argument& argument : operation.arguments()) arguments.push_back(SampleArgument(argument));
+  std::vector<Variant> arguments = SampleArguments(operation, dsn, Sample);
   ServiceObject(host, operation.service).Invoke(operation, arguments);
 }
 
@@ -238,21 +151,22 @@ constexpr std::string_view kAll = "*";
 std::string SentWith(Host& host, const Operation& operation, const Place& place, const Variant& value,
                      std::string_view without) {
   const bool alone = without == kAll;
-  std::vector<Variant> arguments;
-  for (const Argument& argument : operation.arguments()) {
+  std::vector<Variant> arguments = SampleArguments(operation, dsn, Sample);
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const Argument& argument = operation.arguments()[i];
     const bool left_out =
         (alone && argument.keys.empty() && !argument.is_connection && argument.need == Need::kOptional) ||
         argument.name == without;
-    arguments.push_back(left_out ? Variant() : SampleArgument(argument));
-    const auto vector = arguments.back().ToVector();
-    auto holder = vector ? vector->At(1).ToDictionary() : arguments.back().ToDictionary();
+    if (left_out) arguments[i] = Variant();
+    const auto vector = arguments[i].ToVector();
+    auto holder = vector ? vector->At(1).ToDictionary() : arguments[i].ToDictionary();
     for (const Key& key : argument.keys) {
       if (alone && key.need == Need::kOptional) holder->Remove(key.name);
       if (alone && key.type == ValueType::kBoolean && key.need == Need::kGiven) holder->SetValue(key.name, false);
     }
     if (argument.name != place.argument) continue;
     if (place.key.empty()) {
-      arguments.back() = value;
+      arguments[i] = value;
       continue;
     }
     if (!place.item_key.empty()) holder = holder->GetValue(place.key).ToVector()->At(1).ToDictionary();

@@ -48,14 +48,7 @@ class OrderListTest : public RecordingTest {
 const char* const kUnlocked = " AND (t22.FIsLock = 0 OR t22.FIsLock IS NULL)";
 
 // The whole statements stand in automation/statements.txt.
-TEST_F(OrderListTest, ShapesTheColumns) {
-  const std::vector<std::string> batches = Send({});
-  ASSERT_EQ(batches.size(), 3U);
-  EXPECT_THAT(batches[2],
-              testing::AllOf(StartsWith("select * from (\r\nSELECT  t1.FID , "),
-                             HasSubstr("        t22.FTplOrderID\r\nFROM    IC_Web2ERPOrders t1 with(nolock) \r\n"),
-                             HasSubstr(") AccessDataWebShop on"),
-                             EndsWith(Lines({" where 1=1 ", kUnlocked, ") t order by FSitePayDate,FOrderID"}))));
+TEST_F(OrderListTest, TakesTheFieldsOfTheInstallationAndALimitAboveZero) {
   Answer(",t1.FColour,t1.FSize", true, false);
   EXPECT_THAT(Send({{"WebOrderMaxDisplayCount", "20"}}).back(),
               testing::AllOf(StartsWith("select * from (\r\nSELECT  TOP 20 t1.FID , "),

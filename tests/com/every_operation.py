@@ -14,49 +14,66 @@ import sys
 import wine
 
 ORDERS = "2,3,5,8"
-VALUES = {
-    "FID": ORDERS, "sFID": ORDERS, "sFIDs": ORDERS, "strFids": ORDERS, "strIDs": ORDERS, "FOrderStatus": "2",
-    "StrSql": "select FID, FOrderID from IC_Web2ERPOrders where FID < 9 order by FID",
+VALUES = dict.fromkeys(("FID", "sFID", "sFIDs", "strFids", "strIDs"), ORDERS) | {
+    "FOrderStatus": "2", "StrSql": "select FID, FOrderID from IC_Web2ERPOrders where FID < 9 order by FID",
     "sFKey": "1014301_FStockID", "FStockID": 202, "WebOrderMaxDisplayCount": 7, "FPickManNumber": "E1001",
     "sFiter": "t1.FInterID in (1)", "lTranType": 71, "SiteOrderID": "no such order", "sFWebshopID": "1",
     "ErrInfo": [{"FailureFID": 8, "FailureInfo": "it's closed"}], "FieldName": "FWeight",
 }
 BY_TYPE = {"Long": 1, "Integer": 1, "Double": 2.5, "Boolean": True, "String": "7", "Date": "2026-11-21"}
+NOTHING = {"Long": 0, "Integer": 0, "Boolean": False, "Dictionary": {}, "Vector": []}
 # Lists of all orders' columns are long; a filter of every key finds none.
 ONLY = {"GetListData": {"FOrderStatus", "WebOrderMaxDisplayCount"}}
 
 PRELUDE = """Option Explicit
-Dim subject, result, inner, index, d(20)
+Dim subject, inner
+
+Sub Fill(made, values)
+  Dim i
+  For i = 0 To UBound(values) Step 2
+    made.Add values(i), values(i + 1)
+  Next
+End Sub
+' Both kinds of dictionary are taken, the component's own and the platform's.
+Function Own(values)
+  Set Own = CreateObject("Mirel.Dictionary")
+  Fill Own, values
+End Function
+Function Foreign(values)
+  Set Foreign = CreateObject("Scripting.Dictionary")
+  Fill Foreign, values
+End Function
+Function List(values)
+  Dim item
+  Set List = CreateObject("Mirel.Vector")
+  For Each item In values
+    List.Add item
+  Next
+End Function
 
 Function Shown(value)
-  Dim part, item
+  Dim part
+  Shown = "nothing"
   If IsObject(value) Then
-    If value Is Nothing Then
-      Shown = "nothing"
-      Exit Function
-    End If
+    If value Is Nothing Then Exit Function
   End If
+  Shown = ""
   Select Case TypeName(value)
     Case "_Dictionary"
       For Each part In value
         Shown = Shown & part & "=" & Shown(value(part)) & ";"
       Next
-      Shown = "{" & Shown & "}"
     Case "_Vector"
-      For Each item In value
-        Shown = Shown & Shown(item) & ","
+      For Each part In value
+        Shown = Shown & Shown(part) & ","
       Next
-      Shown = "[" & Shown & "]"
     Case "_Recordset"
       Shown = value.RecordCount & " rows"
-      For Each item In value.Fields
-        Shown = Shown & " " & item.Name
+      For Each part In value.Fields
+        Shown = Shown & " " & part.Name
       Next
     Case "Null", "Empty"
       Shown = "nothing"
-    Case "Boolean"
-      Shown = "false"
-      If value Then Shown = "true"
     Case Else
       Shown = CStr(value)
   End Select
@@ -65,7 +82,6 @@ End Function
 Sub Answer(name, value)
   If Err.Number = 0 Then WScript.Echo name & " " & Shown(value)
 End Sub
-
 Sub Failure(name)
   If Err.Number <> 0 Then WScript.Echo name & " raised " & Err.Number & " " & Err.Source & ": " & Err.Description
   Err.Clear
@@ -75,102 +91,58 @@ On Error Resume Next
 """
 
 
-def key_value(key):
-    if "keys" in key:
-        return [{item["name"]: key_value(item) for item in key["keys"]}]
-    value = VALUES.get(key["name"], BY_TYPE.get(key["type"]))
-    return number(value) if key["type"] == "Long" else value
-
-
 def number(value):
     """A key of one order where the name usually means a list of them."""
     return int(str(value).split(",", maxsplit=1)[0])
 
 
-def argument_value(operation, argument, full):
-    """What a test gives for an argument, but for the connection string; None for nothing."""
-    keys = [key for key in argument.get("keys", []) if not key["connection"]]
-    if argument["type"] == "Dictionary":
-        wanted = ONLY.get(operation["name"], {key["name"] for key in keys})
-        return {key["name"]: key_value(key) for key in keys if key["name"] in wanted} if full else {}
-    if argument["type"] == "Vector":
-        return [{key["name"]: key_value(key) for key in keys}] if full else []
+def value_of(owner, one, full):
+    """What a test gives for an argument or a key, but for connection strings."""
+    kind = one["type"]
     if not full:
-        return {"Long": 0, "Integer": 0, "Boolean": False}.get(argument["type"], "")
-    value = VALUES.get(argument["name"], BY_TYPE.get(argument["type"]))
-    return number(value) if argument["type"] in ("Long", "Integer") else value
+        return NOTHING.get(kind, "")
+    if kind not in ("Dictionary", "Vector") or one["name"] in VALUES:
+        value = VALUES.get(one["name"], BY_TYPE.get(kind))
+        return number(value) if kind in ("Long", "Integer") else value
+    keys = [key for key in one.get("keys", []) if key["name"] in ONLY.get(owner, {key["name"]})]
+    values = {key["name"]: value_of(owner, key, True) for key in keys if not key["connection"]}
+    return [values] if kind == "Vector" else values
 
 
-class Script:
-    """Writes the calls."""
+def literal(value, kind="Foreign"):
+    """A value as the script writes it."""
+    if isinstance(value, dict):
+        pairs = [literal(part, kind) for pair in value.items() for part in pair]
+        return f"{kind}(Array({', '.join(pairs)}))"
+    if isinstance(value, list):
+        return f"List(Array({', '.join(literal(item, 'Own') for item in value)}))"
+    return '"' + value.replace('"', '""') + '"' if isinstance(value, str) else str(value)
 
-    def __init__(self, connection):
-        self.connection = connection
-        self.lines = [PRELUDE]
-        self.used = 0
 
-    def literal(self, value):
-        """The expression for a value; collections are made first."""
-        if isinstance(value, bool):
-            return str(value)
-        if isinstance(value, (int, float)):
-            return str(value)
-        if isinstance(value, str):
-            return '"' + value.replace('"', '""') + '"'
-        own = f"d({self.used})"
-        self.used += 1
-        if isinstance(value, dict):
-            # Both kinds of dictionary are taken, the component's own and the platform's.
-            kind = "Mirel.Dictionary" if self.used % 2 else "Scripting.Dictionary"
-            self.lines.append(f'Set {own} = CreateObject("{kind}")')
-            self.lines += [f'{own}.Add "{key}", {self.literal(item)}' for key, item in value.items()]
-        else:
-            self.lines.append(f'Set {own} = CreateObject("Mirel.Vector")')
-            self.lines += [f"{own}.Add {self.literal(item)}" for item in value]
-        return own
-
-    def call(self, operation, values):
-        self.used = 0
-        name = operation["name"]
-        words = []
-        for argument in operation["arguments"]:
-            if argument["written_back"]:
-                self.lines.append("inner = Empty")
-                words.append("inner")
-            elif argument["connection"]:
-                words.append(self.literal(self.connection))
-            else:
-                value = values[argument["name"]]
-                if argument["type"] == "Dictionary":
-                    keys = [key["name"] for key in argument.get("keys", []) if key["connection"]]
-                    value = {key: self.connection for key in keys} | value
-                words.append(self.literal(value))
-        call = f"subject.{name}" + ("" if operation["property"] else f"({', '.join(words)})")
-        self.lines += [
-            f'Set subject = CreateObject("TessarLornPickingAndDelivery.{operation["class"]}")',
-            f'Answer "{name}", {call}',
-            f'Failure "{name}"',
-        ]
-        if any(argument["written_back"] for argument in operation["arguments"]):
-            self.lines.append(f'Answer "{name} wrote", inner')
-
-    def write(self, path):
-        path.write_text("\r\n".join([*self.lines, 'WScript.Echo "end"', ""]), encoding="ascii")
+def call_of_script(operation, values, connection, kind):
+    """The lines of a call."""
+    words = []
+    for argument in operation["arguments"]:
+        value = connection if argument["connection"] else values.get(argument["name"])
+        if argument["type"] == "Dictionary":
+            value = {key["name"]: connection for key in argument.get("keys", []) if key["connection"]} | value
+        words.append("inner" if argument["written_back"] else literal(value, kind))
+    name = operation["name"]
+    call = f"subject.{name}" + ("" if operation["property"] else f"({', '.join(words)})")
+    lines = [f'Set subject = CreateObject("TessarLornPickingAndDelivery.{operation["class"]}")', "inner = Empty",
+             f'Answer "{name}", {call}', f'Failure "{name}"']
+    return lines + [f'Answer "{name} wrote", inner'] * ("inner" in words)
 
 
 def shown(value, is_rows=False):
     """The command's result as the script shows its own."""
     if is_rows and value is not None:
         return f"{len(value)} rows" + "".join(f" {name}" for name in (value[0] if value else []))
-    if value is None:
-        return "nothing"
-    if isinstance(value, bool):
-        return "true" if value else "false"
     if isinstance(value, dict):
-        return "{" + "".join(f"{key}={shown(item)};" for key, item in value.items()) + "}"
+        return "".join(f"{key}={shown(item)};" for key, item in value.items())
     if isinstance(value, list):
-        return "[" + "".join(f"{shown(item)}," for item in value) + "]"
-    return f"{value:g}" if isinstance(value, float) else str(value)
+        return "".join(f"{shown(item)}," for item in value)
+    return "nothing" if value is None else f"{value:g}" if isinstance(value, float) else str(value)
 
 
 def call_command(command, connection, operation, values):
@@ -201,26 +173,21 @@ def main(command, database, folder):
     operations = json.loads(subprocess.run([command, "ops", "--json"], capture_output=True, check=True).stdout)
     here, there = (wine.copy_database(database, folder, f"every_operation_{place}") for place in ("here", "there"))
     session = "Connect={{Embedded={}}};User=16394;Language=CHS;Client=10.0.0.5"
-    script = Script(session.format(wine.windows_path(there)))
-    wanted = []
+    script, wanted = [PRELUDE], []
     for full in (False, True):
         for operation in operations:
-            values = {
-                argument["name"]: argument_value(operation, argument, full)
-                for argument in operation["arguments"]
-                if not argument["connection"] and not argument["written_back"]
-            }
-            script.call(operation, values)
+            given = (one for one in operation["arguments"] if not one["connection"] and not one["written_back"])
+            values = {one["name"]: value_of(operation["name"], one, full) for one in given}
+            kind = "Own" if len(wanted) % 2 else "Foreign"
+            script += call_of_script(operation, values, session.format(wine.windows_path(there)), kind)
             wanted += call_command(command, session.format(here), operation, values)
-    wanted.append("end")
     path = pathlib.Path(folder) / "every_operation.vbs"
-    script.write(path)
+    path.write_text("\r\n".join([*script, 'WScript.Echo "end"', ""]), encoding="ascii")
     output, remarks = wine.run_script(path)
-    lines = output.splitlines()
-    faults = [f"expected {a!r}\n     got {b!r}" for a, b in zip(wanted, lines) if comparable(a) != comparable(b)]
-    if len(lines) != len(wanted):
-        faults = faults[:5]
-        faults.append(f"{len(lines)} lines instead of {len(wanted)}\n{remarks}")
+    pairs = list(zip([*wanted, "end"], output.splitlines()))
+    faults = [f"expected {a!r}\n     got {b!r}" for a, b in pairs if comparable(a) != comparable(b)]
+    if not pairs or pairs[-1][1] != "end":
+        faults = [*faults[:5], f"{len(pairs)} lines instead of {len(wanted) + 1}", remarks]
     print("\n".join(faults) if faults else f"{len(operations)} operations answer the same twice")
     return 1 if faults else 0
 

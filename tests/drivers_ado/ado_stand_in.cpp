@@ -21,9 +21,6 @@
 // A member that nobody needs.
 #define NOT_HERE(name, ...) \
   HRESULT STDMETHODCALLTYPE name(__VA_ARGS__) override { return E_NOTIMPL; }
-#define PROPERTY_NOT_HERE(name, type) \
-  NOT_HERE(get_##name, type*)         \
-  NOT_HERE(put_##name, type)
 
 namespace tessarlorn {
 namespace {
@@ -69,7 +66,6 @@ class Base : public com::Counted<Interface> {
 template <typename Interface>
 class BaseObject : public Base<Interface> {
  public:
-  NOT_HERE(get_Properties, IDispatch**)
 };
 
 /// Only the index is different from one collection to the other.
@@ -82,8 +78,6 @@ class BaseCollection : public Base<Interface> {
     if (index.vt != VT_I4 || index.lVal < 0 || index.lVal >= static_cast<LONG>(items_.size())) return Refuse(3265);
     return Answer(item, Pointer<Item>(items_[static_cast<std::size_t>(index.lVal)]).Release());
   }
-  NOT_HERE(NewEnum, IUnknown**)
-  NOT_HERE(Refresh)
 
  protected:
   std::vector<Pointer<Item>> items_;
@@ -97,8 +91,6 @@ class StandInError final : public Base<IAdoError> {
   HRESULT STDMETHODCALLTYPE get_Description(BSTR* out) override { return AnswerText(out, error_.description()); }
   HRESULT STDMETHODCALLTYPE get_SQLState(BSTR* out) override { return AnswerText(out, error_.native().sqlstate); }
   HRESULT STDMETHODCALLTYPE get_NativeError(LONG* out) override { return Answer(out, error_.native().number); }
-  NOT_HERE(get_HelpFile, BSTR*)
-  NOT_HERE(get_HelpContext, LONG*)
 
  private:
   Error error_;
@@ -137,8 +129,6 @@ class StandInField final : public BaseObject<IAdoField> {
   }
   HRESULT STDMETHODCALLTYPE get_Precision(BYTE* out) override { return Answer(out, traits_.precision); }
   HRESULT STDMETHODCALLTYPE get_NumericScale(BYTE* out) override { return Answer(out, traits_.scale); }
-  NOT_HERE(get_ActualSize, LONG_PTR*)
-  PROPERTY_NOT_HERE(Value, VARIANT)
 
  private:
   Field field_;
@@ -257,53 +247,6 @@ class StandInRecordset final : public BaseObject<IAdoRecordset> {
     return S_OK;
   }
 
-  PROPERTY_NOT_HERE(AbsolutePosition, LONG_PTR)
-  PROPERTY_NOT_HERE(ActiveConnection, VARIANT)
-  PROPERTY_NOT_HERE(Bookmark, VARIANT)
-  PROPERTY_NOT_HERE(CacheSize, LONG)
-  PROPERTY_NOT_HERE(CursorType, LONG)
-  PROPERTY_NOT_HERE(LockType, LONG)
-  PROPERTY_NOT_HERE(MaxRecords, LONG_PTR)
-  NOT_HERE(putref_Source, IDispatch*)
-  NOT_HERE(put_Source, BSTR)
-  NOT_HERE(get_Source, VARIANT*)
-  NOT_HERE(AddNew, VARIANT, VARIANT)
-  NOT_HERE(CancelUpdate)
-  NOT_HERE(Delete, LONG)
-  NOT_HERE(Move, LONG_PTR, VARIANT)
-  NOT_HERE(MoveNext)
-  NOT_HERE(MovePrevious)
-  NOT_HERE(MoveLast)
-  NOT_HERE(Open, VARIANT, VARIANT, LONG, LONG, LONG)
-  NOT_HERE(Requery, LONG)
-  NOT_HERE(HiddenResync, LONG)
-  NOT_HERE(Update, VARIANT, VARIANT)
-  PROPERTY_NOT_HERE(AbsolutePage, LONG_PTR)
-  NOT_HERE(get_EditMode, LONG*)
-  PROPERTY_NOT_HERE(Filter, VARIANT)
-  NOT_HERE(get_PageCount, LONG_PTR*)
-  PROPERTY_NOT_HERE(PageSize, LONG)
-  PROPERTY_NOT_HERE(Sort, BSTR)
-  NOT_HERE(get_Status, LONG*)
-  NOT_HERE(HiddenClone, IAdoRecordset**)
-  NOT_HERE(UpdateBatch, LONG)
-  NOT_HERE(CancelBatch, LONG)
-  PROPERTY_NOT_HERE(CursorLocation, LONG)
-  NOT_HERE(Supports, LONG, VARIANT_BOOL*)
-  NOT_HERE(get_Collect, VARIANT, VARIANT*)
-  NOT_HERE(put_Collect, VARIANT, VARIANT)
-  PROPERTY_NOT_HERE(MarshalOptions, LONG)
-  NOT_HERE(Find, BSTR, LONG_PTR, LONG, VARIANT)
-  NOT_HERE(Cancel)
-  NOT_HERE(get_DataSource, IUnknown**)
-  NOT_HERE(putref_DataSource, IUnknown*)
-  NOT_HERE(HiddenSave, BSTR, LONG)
-  NOT_HERE(get_ActiveCommand, IDispatch**)
-  PROPERTY_NOT_HERE(StayInSync, VARIANT_BOOL)
-  NOT_HERE(GetString, LONG, LONG, BSTR, BSTR, BSTR, BSTR*)
-  PROPERTY_NOT_HERE(DataMember, BSTR)
-  NOT_HERE(CompareBookmarks, VARIANT, VARIANT, LONG*)
-
  private:
   [[nodiscard]] bool Is(REFIID id) const override { return IsEqualIID(id, kRecordsetInterface); }
   template <typename Action>
@@ -388,23 +331,6 @@ class StandInConnection final : public BaseObject<IAdoConnection> {
     return S_OK;
   }
 
-  PROPERTY_NOT_HERE(ConnectionString, BSTR)
-  NOT_HERE(get_CommandTimeout, LONG*)
-  NOT_HERE(get_ConnectionTimeout, LONG*)
-  NOT_HERE(get_Version, BSTR*)
-  NOT_HERE(Close)
-  NOT_HERE(BeginTrans, LONG*)
-  NOT_HERE(CommitTrans)
-  NOT_HERE(RollbackTrans)
-  PROPERTY_NOT_HERE(DefaultDatabase, BSTR)
-  PROPERTY_NOT_HERE(IsolationLevel, LONG)
-  PROPERTY_NOT_HERE(Attributes, LONG)
-  NOT_HERE(get_CursorLocation, LONG*)
-  PROPERTY_NOT_HERE(Mode, LONG)
-  PROPERTY_NOT_HERE(Provider, BSTR)
-  NOT_HERE(get_State, LONG*)
-  NOT_HERE(OpenSchema, LONG, VARIANT, VARIANT, IAdoRecordset**)
-
  private:
   [[nodiscard]] bool Is(REFIID id) const override { return IsEqualIID(id, kConnectionInterface); }
   HRESULT Fail(const Error& error) {
@@ -428,8 +354,6 @@ class StandInParameter final : public BaseObject<IAdoParameter> {
   }
   SqlParameter sql;
 
-  PROPERTY_NOT_HERE(Name, BSTR)
-
  private:
   static std::string DeclarationOf(LONG type, LONG_PTR size) {
     for (const std::string word : {"bit", "tinyint", "smallint", "int", "bigint", "real", "float", "money", "datetime",
@@ -448,10 +372,6 @@ class StandInParameters final : public Base<IAdoParameters> {
     return S_OK;
   }
   std::vector<Pointer<StandInParameter>> items;
-
-  NOT_HERE(get_Count, LONG*)
-  NOT_HERE(NewEnum, IUnknown**)
-  NOT_HERE(Refresh)
 };
 
 class StandInCommand final : public BaseObject<IAdoCommand> {
@@ -482,12 +402,6 @@ class StandInCommand final : public BaseObject<IAdoCommand> {
     for (std::size_t i = 0; i < arguments.size(); ++i) parameters_->items[i]->sql.value = arguments[i].value;
     return status;
   }
-
-  NOT_HERE(get_ActiveConnection, IAdoConnection**)
-  NOT_HERE(put_ActiveConnection, VARIANT)
-  NOT_HERE(get_CommandText, BSTR*)
-  NOT_HERE(get_CommandTimeout, LONG*)
-  PROPERTY_NOT_HERE(Prepared, VARIANT_BOOL)
 
  private:
   [[nodiscard]] bool Is(REFIID id) const override { return IsEqualIID(id, kCommandInterface); }

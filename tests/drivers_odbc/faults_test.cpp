@@ -6,7 +6,6 @@
 #include <future>
 #include <gmock/gmock.h>
 #include <netinet/in.h>
-#include <optional>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <thread>
@@ -14,7 +13,6 @@
 #include "platform/text.h"
 #include "support/batches.h"
 #include "support/error_of.h"
-#include "support/full_disk.h"
 #include "support/recording_driver.h"
 #include "support/served_database.h"
 #include "tessarlorn/clsSaveData.h"
@@ -159,21 +157,6 @@ TEST_F(FaultsTest, AServersOwnTroubleKeepsItsNumberAndWords) {
     EXPECT_TRUE(connection->usable());
   }
   TheRecording() = {};
-}
-
-TEST_F(FaultsTest, AFullDiskIsAnErrorThatLosesNothing) {
-  std::optional<FullDisk> disk(400000);
-  ServedDatabase served;  // takes the limit with it
-  disk.reset();
-  const auto connection = OpenConnection(served.odbc());
-  connection->Execute("create table n (FText nvarchar(4000)) insert n values ('kept')");
-  const Error error = ErrorOf([&] {
-    connection->Execute(
-        "declare @i int = 0 while @i < 2000 begin set @i += 1 insert n values (replicate('x', 4000)) end");
-  });
-  EXPECT_THAT(error.native().number, testing::AnyOf(1105, 823)) << error.what();
-  EXPECT_EQ(error.number(), error_number::kDatabaseFailure);
-  EXPECT_EQ(Answer(*OpenConnection(served.odbc()), "select FText from n where FText not like 'xx%'"), "FText;kept");
 }
 
 TEST_F(FaultsTest, ACallInATransactionLeavesAllOrNothingWhenTheServerIsKilled) {

@@ -52,8 +52,7 @@ TEST_F(OdbcDriverTest, APasswordMayHoldWhatTheStringIsMadeOf) {
   ServedDatabase served;
   const std::pair<const char*, const char*> cases[] = {{"a}b", "{a}}b}"}, {"a;b", "{a;b}"}, {"{a b", "{{a b}"}};
   for (const auto& [password, _] : cases) served.AddUser(password, password);
-  served.Stop();
-  served.Start();
+  served.Restart();
   for (const auto& [password, in_string] : cases) {
     const std::string user = std::string(";UID=") + in_string + ";PWD=" + in_string;
     const auto connection = OpenConnection(OdbcString(served.port(), user));
@@ -83,23 +82,19 @@ TEST_F(OdbcDriverTest, WhatNothingTakesBackEndsTheConnection) {
 
 TEST_F(OdbcDriverTest, ADeadIdleConnectionIsReplacedBeforeItAnswers) {
   ServedDatabase served;
-  const auto restart = [&served] {
-    served.Stop();
-    served.Start();
-  };
   const auto connection = OpenConnection(served.odbc());
   connection->Execute("create table lost (a int)");
   ASSERT_TRUE(connection->Reset());
-  restart();
+  served.Restart();
   EXPECT_EQ(Answer(*connection, "select a from lost"), "a") << "a first batch that reads";
   ASSERT_TRUE(connection->Reset());
-  restart();
+  served.Restart();
   EXPECT_EQ(Answer(*connection, "insert lost values (1) select a from lost"), "a;1") << "one that writes";
   ASSERT_TRUE(connection->Reset());
   int results = 0;
   const auto restart_when_answered = [&](const RecordsetPtr&) {
     ++results;
-    restart();
+    served.Restart();
   };
   EXPECT_EQ(
       Number([&] { connection->ExecuteAll("select 1 as a while 1 = 1 print 'on and on'", restart_when_answered); }),
@@ -109,17 +104,13 @@ TEST_F(OdbcDriverTest, ADeadIdleConnectionIsReplacedBeforeItAnswers) {
 
 TEST_F(OdbcDriverTest, AConnectionThatIsLostInATransactionSaysSo) {
   ServedDatabase served;
-  const auto restart = [&served] {
-    served.Stop();
-    served.Start();
-  };
   const auto connection = OpenConnection(served.odbc());
   connection->Execute("create table lost (a int) insert lost values (1)");
   ASSERT_TRUE(connection->Reset());
-  restart();
+  served.Restart();
   connection->BeginTransaction();
   connection->Execute("insert lost values (2)");
-  restart();
+  served.Restart();
   EXPECT_EQ(Number([&] { connection->Execute("insert lost values (3)"); }), error_number::kDatabaseFailure);
   EXPECT_FALSE(connection->usable());
   EXPECT_FALSE(connection->Reset());

@@ -63,32 +63,32 @@ TEST(RowConditionTest, HoldsForTheRowsThatItDescribes) {
 }
 
 TEST(RowConditionTest, RefusesWhatCannotBeRead) {
-  for (const char* const condition : {"",
-                                      "FID",
-                                      "FID =",
-                                      "FID = 3 AND",
-                                      "FID = 3 4",
-                                      "FID = 3AND FID = 4",
-                                      "= 3",
-                                      "(FID = 3",
-                                      "FID = 3)",
-                                      "FID == 3",
-                                      "FID = 'a",
-                                      "FID = 'three'",
-                                      "FID = 1-2",
-                                      "FID IS NULL",
-                                      "FID > NULL",
-                                      "FBuyer LIKE NULL",
-                                      "FDate = #Monday#",
-                                      "FDate = #2024-01-02",
-                                      "FPaid = 'perhaps'",
-                                      "FBuyer LIKE 'a*b'",
-                                      "FBuyer = Wang",
-                                      "FData = '01'",
-                                      "[FID = 3",
-                                      "[] = 3",
-
-                                      "FID = 1e99"}) {
+  const char* const unreadable[] = {"",
+                                    "FID",
+                                    "FID =",
+                                    "FID = 3 AND",
+                                    "FID = 3 4",
+                                    "FID = 3AND FID = 4",
+                                    "= 3",
+                                    "(FID = 3",
+                                    "FID = 3)",
+                                    "FID == 3",
+                                    "FID = 'a",
+                                    "FID = 'three'",
+                                    "FID = 1-2",
+                                    "FID IS NULL",
+                                    "FID > NULL",
+                                    "FBuyer LIKE NULL",
+                                    "FDate = #Monday#",
+                                    "FDate = #2024-01-02",
+                                    "FPaid = 'perhaps'",
+                                    "FBuyer LIKE 'a*b'",
+                                    "FBuyer = Wang",
+                                    "FData = '01'",
+                                    "[FID = 3",
+                                    "[] = 3",
+                                    "FID = 1e99"};
+  for (const char* const condition : unreadable) {
     EXPECT_EQ(Number([&] { Meeting(condition); }), 3001) << condition;
   }
   for (const char* const condition : {"None = 3", "FID = 3 AND [no field] = 1"}) {

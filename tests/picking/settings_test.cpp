@@ -11,23 +11,6 @@ class SettingsTest : public RecordingTest {
   clsGetData get_{host_};
 };
 
-TEST_F(SettingsTest, ReadsSwitches) {
-  using Read = bool (clsGetData::*)(std::string_view);
-  const struct {
-    Read read;
-    const char* key;
-  } switches[] = {{&clsGetData::bIsPickingGoods, "ECPickingGoods"},
-                  {&clsGetData::bIsPickByBatch, "PickByBatch"},
-                  {&clsGetData::bIsWeightting, "ECWeightting"}};
-  for (const auto& c : switches) {
-    for (const char* count : {"0", "1", "2"}) {
-      TheRecording().answer = [=](std::string_view) { return TextRows({"flag"}, {{count}}); };
-      EXPECT_EQ((get_.*c.read)(kDsn), *count != '0') << c.key;
-      EXPECT_NE(Events().back().find(" where FKey ='" + std::string(c.key) + "' and"), std::string::npos);
-    }
-  }
-}
-
 TEST_F(SettingsTest, CountsTwentyOrdersPerRunWhenTheSettingIsNoNumber) {
   const auto count = [&](const char* value) {
     TheRecording().answer = [=](std::string_view) { return TextRows({"FValue"}, {{value}}); };

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/batches.h"
 #include "support/sample_test.h"
 
 namespace tessarlorn {
@@ -76,25 +77,6 @@ TEST(SchemaTest, TitlesCountTheOrdersOfEachState) {
   EXPECT_EQ(titles(), "2|待配货(2)|待配货|6|待发货(1)|待发货|14|发完(0)|发完|") << "names that were changed stay";
 }
 
-TEST(SchemaTest, TakesTextsWhereOperationsQuoteThem) {
-  SampleDatabase database;
-  database.connection().Execute(
-      "INSERT INTO IC_UploadWebOrderIndicator (FTaskID,FIsSplit,FWebshopID,FID) VALUES ('T','True','101','7')\n"
-      "INSERT INTO IC_Web2ERPOrdersEx (FID,FOrderID,FLotNumber,FSerialNumber,FCreateDate,FAddressReachable,FTplStatus) "
-      "VALUES (1,'','','',GETDATE(),'','3')\n"
-      "INSERT INTO ICExpenses (FinterID) VALUES (5)\n"
-      "INSERT INTO IC_Web2ERPOrders (FID,FFeeBillNO) VALUES (1,'5'),(2,'')\n"
-      "INSERT INTO TPLTaskFlow (FTaskType,FTaskName,FWebTplType,FRefreshTime) VALUES (130,'" +
-      std::string(9000, '1') + "','2',GETDATE())");
-  const std::pair<const char*, const char*> cases[] = {
-      {"SELECT COUNT(*) FROM IC_UploadWebOrderIndicator WHERE FIsSplit=1 AND FID=7", "1|"},
-      {"SELECT FAddressReachable FROM IC_Web2ERPOrdersEx", "0|"},
-      {"SELECT o.FID FROM ICExpenses e INNER JOIN IC_Web2ERPOrders o ON e.FinterID = o.FFeeBillNO", "1|"},
-      {"SELECT LEN(FTaskName) FROM TPLTaskFlow WHERE FWebTplType='2'", "9000|"},
-  };
-  for (const auto& [query, cells] : cases) EXPECT_EQ(Cells(database.connection(), query), cells) << query;
-}
-
 TEST(SchemaTest, TakesValuesAsWideAsTheLogsWriteThem) {
   SampleDatabase database;
   database.connection().Execute("INSERT INTO t_SystemProfile (FCategory,FKey,FValue) VALUES ('EC','TradeLog3005','1')");
@@ -108,6 +90,9 @@ TEST(SchemaTest, TakesValuesAsWideAsTheLogsWriteThem) {
             std::to_string(63 + 255 + 255) + "|");
   EXPECT_EQ(Cells(database.connection(), "SELECT LEN(FFieldName)+LEN(FNewValue) FROM IC_TradeFieldLog"),
             std::to_string(64 + 2000) + "|");
+  EXPECT_TRUE(save.SubMitTplOrderTask(dsn, KeysTo(2000), 3, "Li"));
+  EXPECT_EQ(Cells(database.connection(), "SELECT LEN(FTaskName) FROM TPLTaskFlow"),
+            std::to_string(KeysTo(2000).size()) + "|");
 }
 
 }  // namespace

@@ -84,6 +84,10 @@ class ServedDatabase {
     if (!line.starts_with("listening on ")) throw std::runtime_error("the server said: " + line + Log());
     port_ = std::stoi(line.substr(line.rfind(':') + 1));
   }
+  void Restart() {
+    Stop();
+    Start();
+  }
   /// Ends the server with a signal and waits until it is gone. Answers its exit status.
   int Stop(int signal = SIGKILL) {
     if (process_ <= 0) return 0;

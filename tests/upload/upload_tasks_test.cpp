@@ -57,9 +57,6 @@ TEST_F(UploadTasksTest, AddsTheChildOrdersOfASplitOrder) {
     EXPECT_FALSE(Invoke("GetSplitChrildOrderIDs", arguments).ToBool());
     EXPECT_EQ(arguments[3].ToText(), "as it was");
   }
-  arguments = {1, "it's", Variant()};
-  EXPECT_EQ(Raised([&] { Invoke("GetSplitChrildOrderIDs", arguments); }),
-            std::to_string(error_number::kStatementError) + " TessarMWebOrder.TessarMWebOrderInfo.GetSortRs");
 }
 
 TEST_F(UploadTasksTest, FindsTheUsersUnfinishedTask) {

@@ -31,8 +31,6 @@ TEST_F(TaskSubmissionTest, SubmitsOrdersThatAreNotSubmittedYet) {
   EXPECT_EQ(Read("select FTaskType,FTaskName,FWebTplType,FWebTplID,FProgressPer,FUserName,FStatus,FPriority from "
                  "TPLTaskFlow where FRefreshTime is not null"),
             "130|1,2,3,4,5,6|3||0|Li|0|10|");
-  EXPECT_EQ(Raised([&] { save().SubMitTplOrderTask(dsn_, "1", 3, "O'Li", "W1"); }),
-            "-2147217900" + kSource + "SubMitTplOrderTask");
 }
 
 TEST_F(TaskSubmissionTest, KeepsTheBatchesBeforeAFailingOne) {
@@ -72,7 +70,6 @@ insert into POOrderEntry(FInterID,FEntryID,FTplEStatus,FTplEFail,FTplEflat,FTplE
             "P1|||||P2|3|f|3|20|");
   EXPECT_EQ(Read("select FInterID,FTplEStatus,FTplEFail,FTplEflat,FTplEStock from POOrderEntry order by FInterID"),
             "1|||||1|||||2|3|f|3|20|");
-  EXPECT_EQ(Raised([&] { save().ClearTplFieldInfo(dsn_, "P'1"); }), "-2147217900" + kSource + "ClearTplFieldInfo");
 }
 
 TEST_F(TaskSubmissionTest, StoresTheDownloadSchemeOnlyWhereTheSettingIs) {

@@ -1,5 +1,5 @@
-// The interfaces of ADO that the driver calls, as its type library lays them out: every member in its place, named
-// where it is called. Numbers are ADO's own.
+// The interfaces of ADO that the driver calls, as its type library lays them out: every member in its place. One that
+// the driver does not call has no names of arguments, and need not be implemented. Numbers are ADO's own.
 #pragma once
 
 #include "com_base/windows_headers.h"
@@ -68,21 +68,21 @@ enum class DataType : LONG {
 
 /// What every object of ADO but collections begins with.
 struct IAdoObject : IDispatch {
-  virtual HRESULT STDMETHODCALLTYPE get_Properties(IDispatch** properties) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Properties(IDispatch**) { return E_NOTIMPL; }
 };
 
 struct IAdoCollection : IDispatch {
-  virtual HRESULT STDMETHODCALLTYPE get_Count(LONG* count) = 0;
-  virtual HRESULT STDMETHODCALLTYPE NewEnum(IUnknown** enumeration) = 0;
-  virtual HRESULT STDMETHODCALLTYPE Refresh() = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Count(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE NewEnum(IUnknown**) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE Refresh() { return E_NOTIMPL; }
 };
 
 struct IAdoError : IDispatch {
   virtual HRESULT STDMETHODCALLTYPE get_Number(LONG* number) = 0;
   virtual HRESULT STDMETHODCALLTYPE get_Source(BSTR* source) = 0;
   virtual HRESULT STDMETHODCALLTYPE get_Description(BSTR* description) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_HelpFile(BSTR* file) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_HelpContext(LONG* context) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_HelpFile(BSTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_HelpContext(LONG*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_SQLState(BSTR* state) = 0;
   virtual HRESULT STDMETHODCALLTYPE get_NativeError(LONG* number) = 0;
 };
@@ -93,13 +93,13 @@ struct IAdoErrors : IAdoCollection {
 };
 
 struct IAdoField : IAdoObject {
-  virtual HRESULT STDMETHODCALLTYPE get_ActualSize(LONG_PTR* size) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_ActualSize(LONG_PTR*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_Attributes(LONG* attributes) = 0;
   virtual HRESULT STDMETHODCALLTYPE get_DefinedSize(LONG_PTR* size) = 0;
   virtual HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) = 0;
   virtual HRESULT STDMETHODCALLTYPE get_Type(LONG* type) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Value(VARIANT* value) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_Value(VARIANT value) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Value(VARIANT*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Value(VARIANT) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_Precision(BYTE* precision) = 0;
   virtual HRESULT STDMETHODCALLTYPE get_NumericScale(BYTE* scale) = 0;
 };
@@ -109,116 +109,115 @@ struct IAdoFields : IAdoCollection {
 };
 
 struct IAdoRecordset : IAdoObject {
-  virtual HRESULT STDMETHODCALLTYPE get_AbsolutePosition(LONG_PTR* position) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_AbsolutePosition(LONG_PTR position) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_AbsolutePosition(LONG_PTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_AbsolutePosition(LONG_PTR) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE putref_ActiveConnection(IDispatch* connection) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_ActiveConnection(VARIANT connection) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_ActiveConnection(VARIANT* connection) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_ActiveConnection(VARIANT) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_ActiveConnection(VARIANT*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_BOF(VARIANT_BOOL* bof) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Bookmark(VARIANT* bookmark) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_Bookmark(VARIANT bookmark) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_CacheSize(LONG* size) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_CacheSize(LONG size) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_CursorType(LONG* type) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_CursorType(LONG type) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Bookmark(VARIANT*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Bookmark(VARIANT) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_CacheSize(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_CacheSize(LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_CursorType(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_CursorType(LONG) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_EOF(VARIANT_BOOL* eof) = 0;
   virtual HRESULT STDMETHODCALLTYPE get_Fields(IAdoFields** fields) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_LockType(LONG* type) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_LockType(LONG type) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_MaxRecords(LONG_PTR* records) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_MaxRecords(LONG_PTR records) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_LockType(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_LockType(LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_MaxRecords(LONG_PTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_MaxRecords(LONG_PTR) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_RecordCount(LONG_PTR* count) = 0;
-  virtual HRESULT STDMETHODCALLTYPE putref_Source(IDispatch* source) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_Source(BSTR source) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Source(VARIANT* source) = 0;
-  virtual HRESULT STDMETHODCALLTYPE AddNew(VARIANT fields, VARIANT values) = 0;
-  virtual HRESULT STDMETHODCALLTYPE CancelUpdate() = 0;
+  virtual HRESULT STDMETHODCALLTYPE putref_Source(IDispatch*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Source(BSTR) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_Source(VARIANT*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE AddNew(VARIANT, VARIANT) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE CancelUpdate() { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE Close() = 0;
-  virtual HRESULT STDMETHODCALLTYPE Delete(LONG affected) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Delete(LONG) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE GetRows(LONG rows, VARIANT start, VARIANT fields, VARIANT* values) = 0;
-  virtual HRESULT STDMETHODCALLTYPE Move(LONG_PTR rows, VARIANT start) = 0;
-  virtual HRESULT STDMETHODCALLTYPE MoveNext() = 0;
-  virtual HRESULT STDMETHODCALLTYPE MovePrevious() = 0;
+  virtual HRESULT STDMETHODCALLTYPE Move(LONG_PTR, VARIANT) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE MoveNext() { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE MovePrevious() { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE MoveFirst() = 0;
-  virtual HRESULT STDMETHODCALLTYPE MoveLast() = 0;
-  virtual HRESULT STDMETHODCALLTYPE Open(VARIANT source, VARIANT connection, LONG cursor, LONG lock, LONG options) = 0;
-  virtual HRESULT STDMETHODCALLTYPE Requery(LONG options) = 0;
-  virtual HRESULT STDMETHODCALLTYPE HiddenResync(LONG affected) = 0;
-  virtual HRESULT STDMETHODCALLTYPE Update(VARIANT fields, VARIANT values) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_AbsolutePage(LONG_PTR* page) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_AbsolutePage(LONG_PTR page) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_EditMode(LONG* mode) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Filter(VARIANT* criteria) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_Filter(VARIANT criteria) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_PageCount(LONG_PTR* count) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_PageSize(LONG* size) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_PageSize(LONG size) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Sort(BSTR* criteria) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_Sort(BSTR criteria) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Status(LONG* status) = 0;
+  virtual HRESULT STDMETHODCALLTYPE MoveLast() { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE Open(VARIANT, VARIANT, LONG, LONG, LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE Requery(LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE HiddenResync(LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE Update(VARIANT, VARIANT) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_AbsolutePage(LONG_PTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_AbsolutePage(LONG_PTR) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_EditMode(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_Filter(VARIANT*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Filter(VARIANT) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_PageCount(LONG_PTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_PageSize(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_PageSize(LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_Sort(BSTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Sort(BSTR) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_Status(LONG*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_State(LONG* state) = 0;
-  virtual HRESULT STDMETHODCALLTYPE HiddenClone(IAdoRecordset** clone) = 0;
-  virtual HRESULT STDMETHODCALLTYPE UpdateBatch(LONG affected) = 0;
-  virtual HRESULT STDMETHODCALLTYPE CancelBatch(LONG affected) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_CursorLocation(LONG* location) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_CursorLocation(LONG location) = 0;
+  virtual HRESULT STDMETHODCALLTYPE HiddenClone(IAdoRecordset**) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE UpdateBatch(LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE CancelBatch(LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_CursorLocation(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_CursorLocation(LONG) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE NextRecordset(VARIANT* affected, IAdoRecordset** next) = 0;
-  virtual HRESULT STDMETHODCALLTYPE Supports(LONG options, VARIANT_BOOL* answer) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Collect(VARIANT index, VARIANT* value) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_Collect(VARIANT index, VARIANT value) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_MarshalOptions(LONG* options) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_MarshalOptions(LONG options) = 0;
-  virtual HRESULT STDMETHODCALLTYPE Find(BSTR criteria, LONG_PTR skip, LONG direction, VARIANT start) = 0;
-  virtual HRESULT STDMETHODCALLTYPE Cancel() = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_DataSource(IUnknown** source) = 0;
-  virtual HRESULT STDMETHODCALLTYPE putref_DataSource(IUnknown* source) = 0;
-  virtual HRESULT STDMETHODCALLTYPE HiddenSave(BSTR file, LONG format) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_ActiveCommand(IDispatch** command) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_StayInSync(VARIANT_BOOL stay) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_StayInSync(VARIANT_BOOL* stay) = 0;
-  virtual HRESULT STDMETHODCALLTYPE GetString(LONG format, LONG rows, BSTR column_delimiter, BSTR row_delimiter,
-                                              BSTR null_text, BSTR* text) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_DataMember(BSTR* member) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_DataMember(BSTR member) = 0;
-  virtual HRESULT STDMETHODCALLTYPE CompareBookmarks(VARIANT one, VARIANT other, LONG* answer) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Supports(LONG, VARIANT_BOOL*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_Collect(VARIANT, VARIANT*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Collect(VARIANT, VARIANT) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_MarshalOptions(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_MarshalOptions(LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE Find(BSTR, LONG_PTR, LONG, VARIANT) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE Cancel() { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_DataSource(IUnknown**) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE putref_DataSource(IUnknown*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE HiddenSave(BSTR, LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_ActiveCommand(IDispatch**) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_StayInSync(VARIANT_BOOL) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_StayInSync(VARIANT_BOOL*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE GetString(LONG, LONG, BSTR, BSTR, BSTR, BSTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_DataMember(BSTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_DataMember(BSTR) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE CompareBookmarks(VARIANT, VARIANT, LONG*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE Clone(LONG lock, IAdoRecordset** clone) = 0;
 };
 
 struct IAdoConnection : IAdoObject {
-  virtual HRESULT STDMETHODCALLTYPE get_ConnectionString(BSTR* text) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_ConnectionString(BSTR text) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_CommandTimeout(LONG* seconds) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_ConnectionString(BSTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_ConnectionString(BSTR) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_CommandTimeout(LONG*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE put_CommandTimeout(LONG seconds) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_ConnectionTimeout(LONG* seconds) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_ConnectionTimeout(LONG*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE put_ConnectionTimeout(LONG seconds) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Version(BSTR* version) = 0;
-  virtual HRESULT STDMETHODCALLTYPE Close() = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Version(BSTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE Close() { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE Execute(BSTR text, VARIANT* affected, LONG options, IAdoRecordset** rows) = 0;
-  virtual HRESULT STDMETHODCALLTYPE BeginTrans(LONG* level) = 0;
-  virtual HRESULT STDMETHODCALLTYPE CommitTrans() = 0;
-  virtual HRESULT STDMETHODCALLTYPE RollbackTrans() = 0;
+  virtual HRESULT STDMETHODCALLTYPE BeginTrans(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE CommitTrans() { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE RollbackTrans() { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE Open(BSTR text, BSTR user, BSTR password, LONG options) = 0;
   virtual HRESULT STDMETHODCALLTYPE get_Errors(IAdoErrors** errors) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_DefaultDatabase(BSTR* name) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_DefaultDatabase(BSTR name) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_IsolationLevel(LONG* level) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_IsolationLevel(LONG level) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Attributes(LONG* attributes) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_Attributes(LONG attributes) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_CursorLocation(LONG* location) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_DefaultDatabase(BSTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_DefaultDatabase(BSTR) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_IsolationLevel(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_IsolationLevel(LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_Attributes(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Attributes(LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_CursorLocation(LONG*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE put_CursorLocation(LONG location) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Mode(LONG* mode) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_Mode(LONG mode) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Provider(BSTR* provider) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_Provider(BSTR provider) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_State(LONG* state) = 0;
-  virtual HRESULT STDMETHODCALLTYPE OpenSchema(LONG schema, VARIANT restrictions, VARIANT id, IAdoRecordset** rows) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Mode(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Mode(LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_Provider(BSTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Provider(BSTR) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_State(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE OpenSchema(LONG, VARIANT, VARIANT, IAdoRecordset**) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE Cancel() = 0;
 };
 
 struct IAdoParameter : IAdoObject {
-  virtual HRESULT STDMETHODCALLTYPE get_Name(BSTR* name) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_Name(BSTR name) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Name(BSTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Name(BSTR) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_Value(VARIANT* value) = 0;
 };
 
@@ -227,15 +226,15 @@ struct IAdoParameters : IAdoCollection {
 };
 
 struct IAdoCommand : IAdoObject {
-  virtual HRESULT STDMETHODCALLTYPE get_ActiveConnection(IAdoConnection** connection) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_ActiveConnection(IAdoConnection**) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE putref_ActiveConnection(IAdoConnection* connection) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_ActiveConnection(VARIANT connection) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_CommandText(BSTR* text) = 0;
+  virtual HRESULT STDMETHODCALLTYPE put_ActiveConnection(VARIANT) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_CommandText(BSTR*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE put_CommandText(BSTR text) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_CommandTimeout(LONG* seconds) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_CommandTimeout(LONG*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE put_CommandTimeout(LONG seconds) = 0;
-  virtual HRESULT STDMETHODCALLTYPE get_Prepared(VARIANT_BOOL* prepared) = 0;
-  virtual HRESULT STDMETHODCALLTYPE put_Prepared(VARIANT_BOOL prepared) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Prepared(VARIANT_BOOL*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Prepared(VARIANT_BOOL) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE Execute(VARIANT* affected, VARIANT* parameters, LONG options,
                                             IAdoRecordset** rows) = 0;
   virtual HRESULT STDMETHODCALLTYPE CreateParameter(BSTR name, LONG type, LONG direction, LONG_PTR size, VARIANT value,

@@ -60,7 +60,10 @@ class CommandTest : public testing::Test {
 };
 
 TEST_F(CommandTest, HelpsAtEveryLevel) {
-  for (const std::string command : {"", "init", "seed", "ops", "call", "sql", "check", "backup", "restore", "serve"}) {
+  const std::string page = Run("man").out;
+  for (const std::string command :
+       {"", "init", "seed", "ops", "call", "sql", "check", "backup", "restore", "serve", "man", "completion"}) {
+    EXPECT_THAT(page, HasSubstr(command.empty() ? ".SH EXIT STATUS\n" : ".SS tessarlorn " + command)) << command;
     const Told help = Run(command + " --help");
     EXPECT_EQ(help.status, 0) << command;
     EXPECT_THAT(help.out, AllOf(HasSubstr("Example"), HasSubstr("tessarlorn " + command))) << command;
@@ -68,6 +71,25 @@ TEST_F(CommandTest, HelpsAtEveryLevel) {
   }
   EXPECT_EQ(Run("version").out, std::string("tessarlorn ") + kVersion + "\n");
   EXPECT_EQ(Run("--version").out, Run("version").out);
+}
+
+TEST_F(CommandTest, IsCompletedByBash) {
+  const std::string script = File("completion");
+  ASSERT_EQ(Run("completion bash >'" + script + "'").status, 0);
+  for (const auto& [line, words] :
+       {std::pair{"che", "check"},
+        {"--dsn check res", "restore"},
+        {"call --no", "--no-transaction"},
+        {"call GetList", "GetListData GetListBySQL"},
+        {"call --csv ConfirmBill dctPara.FPick", "dctPara.FPickManNumber= dctPara.FPickRem="},
+        {"call clsGetData.GetWeightByFID --columns F", "FID FWeight"},
+        {"sql --file che", ""}}) {
+    EXPECT_EQ(RunLine("bash -c '. \"" + script + "\"; COMP_LINE=\"tessarlorn " + line +
+                      "\"; COMP_POINT=${#COMP_LINE}; _tessarlorn; echo ${COMPREPLY[@]}'")
+                  .text,
+              words + std::string("\n"))
+        << line;
+  }
 }
 
 TEST_F(CommandTest, TellsSoundFilesFromDamagedOnes) {

@@ -184,6 +184,7 @@ ExitStatus Run(Host& host, std::span<const std::string> words) {
 #ifdef TESSARLORN_HAS_SERVER
   AddServeCommand(app, context);
 #endif
+  AddShellCommands(app, context);
   AddVersionCommand(app, context);
   if (const auto word = FindMalformedWord(words)) {
     ReportUsage(app, "\"" + *word + "\" is not valid UTF-8");

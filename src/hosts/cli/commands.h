@@ -57,6 +57,8 @@ void AddSqlCommand(CLI::App& app, CommandContext& context);
 /// check, backup and restore.
 void AddMaintenanceCommands(CLI::App& app, CommandContext& context);
 void AddServeCommand(CLI::App& app, CommandContext& context);
+/// man and completion, which describe `app`.
+void AddShellCommands(CLI::App& app, CommandContext& context);
 void AddVersionCommand(CLI::App& app, CommandContext& context);
 
 }  // namespace tessarlorn::cli

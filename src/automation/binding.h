@@ -17,25 +17,21 @@ namespace tessarlorn {
 template <typename Parameter>
 class BoundArgument;
 
-/// Text, in or in/out.
-template <typename Parameter>
-requires std::is_same_v<Parameter, std::string_view> || std::is_same_v<Parameter, std::string&>
-class BoundArgument<Parameter> {
+/// Text, in.
+template <>
+class BoundArgument<std::string_view> {
  public:
   static constexpr ValueType kType = ValueType::kString;
-  static constexpr bool kInOut = std::is_reference_v<Parameter>;
+  static constexpr bool kInOut = false;
 
-  explicit BoundArgument(Variant& variant) : variant_(variant) {
+  explicit BoundArgument(const Variant& variant) {
     if (variant.is_null()) Raise(error_number::kInvalidUseOfNull, "Invalid use of Null");
     value_ = variant.ToText();
   }
-  Parameter Get() noexcept { return value_; }
-  void WriteBack() {
-    if constexpr (kInOut) variant_ = value_;
-  }
+  [[nodiscard]] std::string_view Get() const noexcept { return value_; }
+  void WriteBack() {}
 
  private:
-  Variant& variant_;
   std::string value_;
 };
 

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <set>
 
-#include "automation/binding.h"
 #include "automation/operation_arguments.h"
 #include "platform/text.h"
 #include "support/recording_driver.h"
@@ -136,24 +135,6 @@ TEST_F(InvokeTest, ConvertsArgumentsAsAutomationDoes) {
   EXPECT_EQ(Raised([&] { ServiceObject(host_, "clsGetData").Invoke(*FindOperation("Delivery"), {}); }), "438" + source);
   EXPECT_EQ(Raised([&] { ServiceObject(host_, "clsPutData"); }), "429" + source);
   EXPECT_EQ(ServiceObject(host_, "tessarlornpickinganddelivery.CLSGETDATA").service(), ServiceClass::kGetData);
-}
-
-struct Swapper {
-  std::int32_t Swap(std::string& text, std::int32_t number) {
-    const std::int32_t old = Variant(text).ToInt32();
-    text = std::to_string(number);
-    return old;
-  }
-};
-
-TEST(BindingTest, WritesInOutArgumentsBack) {
-  using Bound = Signature<decltype(&Swapper::Swap)>;
-  EXPECT_TRUE(Bound::kInOut[0]);
-  EXPECT_FALSE(Bound::kInOut[1]);
-  Swapper swapper;
-  std::vector<Variant> arguments = {5, "7"};
-  EXPECT_EQ(Bound::Call(swapper, &Swapper::Swap, arguments).ToInt32(), 5);
-  EXPECT_EQ(arguments[0].ToText(), "7");
 }
 
 }  // namespace

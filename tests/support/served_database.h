@@ -67,6 +67,7 @@ class ServedDatabase {
                                       "--verbose"};
     words.insert(words.end(), options_.begin(), options_.end());
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
     std::array<int, 2> output{};

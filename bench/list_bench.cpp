@@ -2,7 +2,7 @@
 #include "bench/databases.h"
 #include "bench/ratios.h"
 #include "browse/order_list_text.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn::bench {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "bench/databases.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "platform/unicode/utf16.h"
 #include "support/served_database.h"
 #include "tessarlorn/clsGetData.h"

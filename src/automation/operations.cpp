@@ -4,7 +4,7 @@
 
 #include "automation/arguments.h"
 #include "automation/binding.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {

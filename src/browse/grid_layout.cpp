@@ -5,7 +5,7 @@
 #include "frame/identity.h"
 #include "frame/order_call.h"
 #include "frame/text_builder.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/clsGetData.h"
 #include "tessarlorn/error.h"
 

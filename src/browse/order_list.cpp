@@ -7,7 +7,7 @@
 #include "frame/identity.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn {

@@ -4,7 +4,7 @@
 #include "frame/order_call.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/clsGetData.h"
 #include "tessarlorn/clsSaveData.h"
 #include "tessarlorn/error.h"

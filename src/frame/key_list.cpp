@@ -1,6 +1,6 @@
 #include "frame/key_list.h"
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/variant.h"
 
 namespace tessarlorn {

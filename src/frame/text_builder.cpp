@@ -4,7 +4,7 @@
 #include <charconv>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {

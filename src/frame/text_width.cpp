@@ -1,6 +1,6 @@
 #include "frame/text_width.h"
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn {
 namespace {

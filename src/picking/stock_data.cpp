@@ -3,7 +3,7 @@
 #include "frame/results.h"
 #include "frame/text_builder.h"
 #include "picking/contracts.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/clsGetData.h"
 #include "tessarlorn/clsSaveData.h"
 

@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <ctime>
 
-#include "platform/date_scanner.h"
-#include "platform/text.h"
+#include "platform/text/date_scanner.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn {
 namespace {

@@ -1,6 +1,6 @@
 #include "platform/driver_options.h"
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {

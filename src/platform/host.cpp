@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/host_parts.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {

@@ -5,7 +5,7 @@
 
 #include "platform/packed_rows.h"
 #include "platform/recordset_builder.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {

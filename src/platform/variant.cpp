@@ -7,7 +7,7 @@
 #include <optional>
 #include <type_traits>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/collections.h"
 #include "tessarlorn/error.h"
 #include "tessarlorn/object.h"

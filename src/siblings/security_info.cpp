@@ -1,7 +1,7 @@
 #include "siblings/security_info.h"
 
 #include "platform/session_string.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "siblings/arguments.h"
 #include "tessarlorn/error.h"
 

@@ -4,7 +4,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "siblings/arguments.h"
 #include "tessarlorn/collections.h"
 #include "tessarlorn/error.h"

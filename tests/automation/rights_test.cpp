@@ -7,7 +7,7 @@
 #include <set>
 #include <sstream>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn {
 namespace {

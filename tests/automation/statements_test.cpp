@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "automation/operation_arguments.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "support/recording_driver.h"
 
 namespace tessarlorn {

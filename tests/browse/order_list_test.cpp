@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "support/recording_driver.h"
 #include "tessarlorn/clsGetData.h"
 

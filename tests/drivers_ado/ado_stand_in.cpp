@@ -14,7 +14,7 @@
 #include "com_base/pointers.h"
 #include "drivers/ado/ado_interfaces.h"
 #include "hosts/objects/field_traits.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "support/test_host.h"
 #include "tessarlorn/connection.h"
 

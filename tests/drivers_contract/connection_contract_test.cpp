@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <thread>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "support/error_of.h"
 #include "support/test_database.h"
 #include "support/wait_until.h"

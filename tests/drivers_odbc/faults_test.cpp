@@ -10,7 +10,7 @@
 #include <sys/wait.h>
 #include <thread>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "support/batches.h"
 #include "support/error_of.h"
 #include "support/recording_driver.h"

@@ -10,7 +10,7 @@
 #include "hosts/objects/service_class.h"
 #include "hosts/objects/vector_object.h"
 #include "objects/object_support.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn {
 namespace {

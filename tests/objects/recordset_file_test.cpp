@@ -6,7 +6,7 @@
 
 #include "objects/object_support.h"
 #include "platform/recordset_builder.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "support/full_disk.h"
 #include "support/shell.h"
 #include "support/temporary_folder.h"

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "platform/session_string.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace {

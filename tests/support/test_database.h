@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "platform/session_string.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "support/test_host.h"
 #include "tessarlorn/connection.h"
 #include "tessarlorn/error.h"

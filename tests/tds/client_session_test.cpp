@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "hosts/tds/messages/type_codes.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "support/sample_database.h"
 #include "support/temporary_folder.h"
 #include "tds/tds_support.h"

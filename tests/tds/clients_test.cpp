@@ -5,7 +5,7 @@
 #include <pty.h>
 #include <termios.h>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "support/served_database.h"
 #include "tds/certificate.h"
 

@@ -5,7 +5,7 @@
 
 #include "hosts/tds/messages/login.h"
 #include "hosts/tds/messages/type_codes.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "support/sample_database.h"
 #include "tessarlorn/connection.h"
 #include "tessarlorn/error.h"

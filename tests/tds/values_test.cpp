@@ -4,7 +4,7 @@
 
 #include "hosts/tds/messages/login.h"
 #include "platform/recordset_builder.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "support/sample_database.h"
 #include "tds/tds_support.h"
 #include "tessarlorn/error.h"

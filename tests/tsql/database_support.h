@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "support/test_host.h"
 #include "tessarlorn/connection.h"
 #include "tessarlorn/error.h"

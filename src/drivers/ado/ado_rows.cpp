@@ -8,7 +8,7 @@
 
 #include "com_base/plain_values.h"
 #include "drivers/ado/ado_error.h"
-#include "platform/guid_text.h"
+#include "platform/text/guid_text.h"
 
 namespace tessarlorn::ado {
 namespace {

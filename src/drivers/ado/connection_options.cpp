@@ -4,7 +4,7 @@
 
 #include "drivers/ado/ado_error.h"
 #include "platform/driver_options.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn::ado {
 namespace {

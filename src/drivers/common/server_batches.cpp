@@ -4,7 +4,7 @@
 
 #include "platform/driver_options.h"
 #include "platform/server_messages.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {

@@ -4,7 +4,7 @@
 #include <array>
 #include <utility>
 
-#include "platform/sql_text.h"
+#include "platform/text/sql_text.h"
 
 namespace tessarlorn::odbc {
 namespace {

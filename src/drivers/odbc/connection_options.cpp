@@ -6,7 +6,7 @@
 #include "drivers/odbc/odbc_error.h"
 #include "platform/driver_options.h"
 #include "platform/session_string.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn::odbc {
 namespace {

@@ -24,7 +24,7 @@
 #ifdef TESSARLORN_HAS_ODBC
 #include "tessarlorn/odbc_driver.h"
 #endif
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 #include "tessarlorn/siblings.h"
 #include "tessarlorn/version.h"

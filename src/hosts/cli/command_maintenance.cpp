@@ -6,7 +6,7 @@
 #include "hosts/cli/console/usage_error.h"
 #include "hosts/cli/output/json_text.h"
 #include "platform/session_string.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/collections.h"
 #include "tsql/storage/maintenance.h"
 

@@ -15,7 +15,7 @@
 #include "hosts/tds/server.h"
 #include "hosts/tds/users.h"
 #include "platform/session_string.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn::cli {
 namespace {

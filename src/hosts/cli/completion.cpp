@@ -2,7 +2,7 @@
 #include <string_view>
 
 #include "hosts/cli/shell_pages.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/operations.h"
 
 namespace tessarlorn::cli {

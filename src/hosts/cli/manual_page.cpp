@@ -1,7 +1,7 @@
 #include <sstream>
 
 #include "hosts/cli/shell_pages.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/version.h"
 
 namespace tessarlorn::cli {

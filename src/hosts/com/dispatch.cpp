@@ -16,7 +16,7 @@
 #include "hosts/com/module.h"
 #include "hosts/com/type_library.h"
 #include "hosts/com/values.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn::com {
 namespace {

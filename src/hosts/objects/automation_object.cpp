@@ -12,7 +12,7 @@
 #include "hosts/objects/recordset_object.h"
 #include "hosts/objects/service_class.h"
 #include "hosts/objects/vector_object.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {

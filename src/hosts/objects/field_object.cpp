@@ -5,7 +5,7 @@
 
 #include "hosts/objects/field_traits.h"
 #include "hosts/objects/recordset_errors.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn {
 namespace {

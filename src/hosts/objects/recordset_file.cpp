@@ -10,7 +10,7 @@
 
 #include "hosts/objects/field_traits.h"
 #include "platform/file_path.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "platform/value_text.h"
 #include "tessarlorn/error.h"
 

@@ -9,7 +9,7 @@
 #include "hosts/objects/field_traits.h"
 #include "hosts/objects/recordset_errors.h"
 #include "hosts/objects/recordset_file.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {

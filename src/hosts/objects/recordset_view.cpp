@@ -7,7 +7,7 @@
 #include "hosts/objects/recordset_errors.h"
 #include "hosts/objects/row_condition.h"
 #include "hosts/objects/row_order.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "platform/value_text.h"
 #include "tessarlorn/object.h"
 

@@ -7,7 +7,7 @@
 
 #include "hosts/objects/row_order.h"
 #include "hosts/objects/row_text.h"
-#include "platform/guid_text.h"
+#include "platform/text/guid_text.h"
 #include "platform/unicode/collation.h"
 #include "tessarlorn/error.h"
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "hosts/objects/recordset_errors.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "hosts/objects/automation_object.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn {
 namespace {

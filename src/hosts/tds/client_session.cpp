@@ -12,7 +12,7 @@
 #include "hosts/tds/messages/transaction_request.h"
 #include "hosts/tds/transport/socket.h"
 #include "platform/server_messages.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn::tds {
 namespace {

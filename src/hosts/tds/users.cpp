@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "hosts/tds/transport/socket.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {

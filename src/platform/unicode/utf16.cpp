@@ -1,6 +1,6 @@
 #include "platform/unicode/utf16.h"
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/functions/functions.h"
 #include "tsql/translate/common/literals.h"
 

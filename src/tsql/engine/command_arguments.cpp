@@ -1,6 +1,6 @@
 #include "tsql/engine/command_arguments.h"
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/values/variant_datum.h"
 
 namespace tessarlorn::tsql {

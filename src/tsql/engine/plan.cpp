@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/sql_text.h"
+#include "platform/text/sql_text.h"
 #include "tsql/engine/state/effect.h"
 #include "tsql/syntax/ast_walk.h"
 #include "tsql/syntax/keywords.h"

@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/storage/system_views.h"
 
 namespace tessarlorn::tsql {

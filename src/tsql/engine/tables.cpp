@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/engine/definitions.h"
 #include "tsql/storage/constraint_text.h"
 #include "tsql/syntax/parser.h"

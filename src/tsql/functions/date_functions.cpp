@@ -1,7 +1,7 @@
 // Date functions: DATEADD, DATEDIFF, DATEPART, DATENAME, EOMONTH and their like.
 #include <array>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/date_time.h"
 #include "tsql/functions/date_part.h"
 #include "tsql/functions/functions.h"

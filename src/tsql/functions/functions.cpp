@@ -3,7 +3,7 @@
 #include <memory>
 #include <new>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "platform/unicode/collation.h"
 #include "tsql/functions/sqlite_value.h"
 #include "tsql/values/moment.h"

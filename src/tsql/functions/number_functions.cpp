@@ -3,7 +3,7 @@
 #include <limits>
 #include <random>
 
-#include "platform/guid_text.h"
+#include "platform/text/guid_text.h"
 #include "tsql/functions/functions.h"
 #include "tsql/functions/sqlite_value.h"
 

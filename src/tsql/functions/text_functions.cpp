@@ -3,8 +3,8 @@
 #include <cmath>
 #include <string>
 
-#include "platform/sql_text.h"
-#include "platform/text.h"
+#include "platform/text/sql_text.h"
+#include "platform/text/text.h"
 #include "platform/unicode/collation.h"
 #include "platform/unicode/utf16.h"
 #include "tsql/functions/functions.h"

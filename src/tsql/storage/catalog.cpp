@@ -1,6 +1,6 @@
 #include "tsql/storage/catalog.h"
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/storage/sqlite_handle.h"
 #include "tsql/values/sql_error.h"
 

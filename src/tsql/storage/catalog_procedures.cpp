@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/storage/system_views.h"
 
 namespace tessarlorn::tsql {

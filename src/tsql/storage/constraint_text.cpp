@@ -1,6 +1,6 @@
 #include "tsql/storage/constraint_text.h"
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn::tsql {
 namespace {

@@ -15,7 +15,7 @@
 #include "platform/file_path.h"
 #include "platform/server_messages.h"
 #include "platform/session_string.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 #include "tsql/storage/catalog.h"
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "platform/server_messages.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/functions/sqlite_value.h"
 #include "tsql/storage/catalog.h"
 #include "tsql/values/sql_error.h"

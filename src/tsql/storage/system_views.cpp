@@ -4,7 +4,7 @@
 #include <initializer_list>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn::tsql {
 namespace {

@@ -1,7 +1,7 @@
 // Calls: functions with their arguments and windows, CASE, CAST and CONVERT.
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/syntax/parser_core.h"
 #include "tsql/values/sql_error.h"
 

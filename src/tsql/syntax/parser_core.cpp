@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {

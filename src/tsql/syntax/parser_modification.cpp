@@ -1,7 +1,7 @@
 // INSERT, UPDATE, DELETE and TRUNCATE.
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/syntax/parser_core.h"
 #include "tsql/values/sql_error.h"
 

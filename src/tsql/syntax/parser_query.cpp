@@ -2,7 +2,7 @@
 #include <array>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/syntax/parser_core.h"
 #include "tsql/values/sql_error.h"
 

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <utility>
 
-#include "platform/sql_text.h"
+#include "platform/text/sql_text.h"
 #include "tsql/syntax/keywords.h"
 #include "tsql/values/memory_budget.h"
 #include "tsql/values/sql_error.h"

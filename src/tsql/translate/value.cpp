@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/syntax/ast_walk.h"
 #include "tsql/translate/calls/call_topics.h"
 #include "tsql/translate/common/argument.h"

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <optional>
 
-#include "platform/date_scanner.h"
-#include "platform/text.h"
+#include "platform/text/date_scanner.h"
+#include "platform/text/text.h"
 #include "tsql/values/date_text.h"
 
 namespace tessarlorn::tsql {

@@ -6,8 +6,8 @@
 #include <cmath>
 #include <limits>
 
-#include "platform/guid_text.h"
-#include "platform/text.h"
+#include "platform/text/guid_text.h"
+#include "platform/text/text.h"
 #include "platform/unicode/utf16.h"
 #include "tessarlorn/date_time.h"
 #include "tsql/values/date_text.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {

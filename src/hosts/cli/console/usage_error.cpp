@@ -1,6 +1,6 @@
 #include "hosts/cli/console/usage_error.h"
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn::cli {
 

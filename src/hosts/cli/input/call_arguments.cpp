@@ -8,7 +8,7 @@
 
 #include "hosts/cli/console/usage_error.h"
 #include "hosts/cli/input/json_arguments.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn::cli {
 namespace {

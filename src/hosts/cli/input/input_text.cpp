@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "platform/unicode/utf16.h"
 
 namespace tessarlorn::cli {

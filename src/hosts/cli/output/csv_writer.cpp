@@ -2,7 +2,7 @@
 
 #include "hosts/cli/output/result_rows.h"
 #include "hosts/cli/output/result_writer.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn::cli {
 namespace {

@@ -6,7 +6,7 @@
 #include "hosts/cli/console/usage_error.h"
 #include "hosts/cli/output/json_text.h"
 #include "platform/recordset_builder.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "platform/value_text.h"
 #include "tessarlorn/collections.h"
 

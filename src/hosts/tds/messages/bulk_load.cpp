@@ -2,8 +2,8 @@
 
 #include "hosts/tds/messages/object_name.h"
 #include "hosts/tds/messages/tds_writer.h"
-#include "platform/sql_text.h"
-#include "platform/text.h"
+#include "platform/text/sql_text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {

@@ -1,6 +1,6 @@
 #include "hosts/tds/messages/object_name.h"
 
-#include "platform/sql_text.h"
+#include "platform/text/sql_text.h"
 
 namespace tessarlorn::tds {
 

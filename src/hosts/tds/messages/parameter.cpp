@@ -12,8 +12,8 @@
 
 #include "hosts/tds/messages/refusal.h"
 #include "hosts/tds/messages/type_codes.h"
-#include "platform/guid_text.h"
-#include "platform/text.h"
+#include "platform/text/guid_text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/date_time.h"
 #include "tessarlorn/decimal.h"
 #include "tessarlorn/error.h"

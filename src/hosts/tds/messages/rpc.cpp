@@ -6,7 +6,7 @@
 
 #include "hosts/tds/messages/object_name.h"
 #include "hosts/tds/messages/refusal.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {

@@ -3,7 +3,7 @@
 #include <array>
 
 #include "hosts/tds/messages/refusal.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {

@@ -5,8 +5,8 @@
 
 #include "hosts/tds/messages/login.h"
 #include "hosts/tds/messages/type_codes.h"
-#include "platform/guid_text.h"
-#include "platform/text.h"
+#include "platform/text/guid_text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {

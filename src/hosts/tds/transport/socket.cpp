@@ -13,7 +13,7 @@
 #include <utility>
 
 #include "hosts/tds/transport/protocol.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn::tds {

@@ -2,7 +2,7 @@
 
 #include <sqlite3.h>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/functions/functions.h"
 #include "tsql/functions/sqlite_value.h"
 #include "tsql/storage/sqlite_handle.h"

@@ -4,7 +4,7 @@
 #include <array>
 #include <string_view>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {

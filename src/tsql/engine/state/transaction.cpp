@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "platform/server_messages.h"
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/engine/state/effect.h"
 #include "tsql/storage/database_file.h"
 

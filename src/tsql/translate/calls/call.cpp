@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/translate/calls/call_topics.h"
 #include "tsql/values/sql_error.h"
 

@@ -1,7 +1,7 @@
 // Functions on dates and times.
 #include <optional>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/functions/date_part.h"
 #include "tsql/translate/calls/call_topics.h"
 #include "tsql/values/sql_error.h"

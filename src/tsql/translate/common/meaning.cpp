@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/syntax/ast_walk.h"
 
 namespace tessarlorn::tsql {

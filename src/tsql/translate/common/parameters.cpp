@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/storage/catalog.h"
 #include "tsql/syntax/ast_walk.h"
 #include "tsql/translate/common/literals.h"

@@ -1,6 +1,6 @@
 #include "tsql/translate/queries/key_list.h"
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/translate/queries/query.h"
 
 namespace tessarlorn::tsql {

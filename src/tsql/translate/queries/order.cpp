@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <functional>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/translate/common/argument.h"
 #include "tsql/translate/common/conversion.h"
 #include "tsql/translate/common/meaning.h"

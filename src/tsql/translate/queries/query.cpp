@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/translate/common/conversion.h"
 #include "tsql/values/sql_error.h"
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/translate/common/conversion.h"
 #include "tsql/translate/common/meaning.h"
 #include "tsql/translate/queries/key_list.h"

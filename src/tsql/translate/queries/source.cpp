@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 #include "tsql/storage/system_views.h"
 #include "tsql/syntax/parser.h"
 #include "tsql/values/sql_error.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn {
 

@@ -1,4 +1,4 @@
-#include "platform/sql_text.h"
+#include "platform/text/sql_text.h"
 
 namespace tessarlorn {
 

@@ -1,8 +1,8 @@
-#include "platform/guid_text.h"
+#include "platform/text/guid_text.h"
 
 #include <array>
 
-#include "platform/text.h"
+#include "platform/text/text.h"
 
 namespace tessarlorn {
 namespace {

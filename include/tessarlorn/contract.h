@@ -31,9 +31,12 @@ enum class ValueType : std::uint8_t {
 /// "String", "Long", …
 std::string_view TypeName(ValueType type);
 
-/// Without what an operation does nothing: no session, no error, the empty result.
+/// Whether an operation needs a value. Without one that is given or mandatory it does nothing: no session, no error,
+/// the empty result.
 enum class Need : std::uint8_t {
   kOptional,
+  /// The operation does not look; the database refuses the statement that lacks it.
+  kUnchecked,
   /// The key is there, whatever its value.
   kGiven,
   /// It is there and not the empty text.

@@ -13,14 +13,16 @@
 
 namespace tessarlorn {
 
+/// Comes from embedded_driver.h, odbc_driver.h and ado_driver.h.
 class Driver;
 
 /// Fills `buffer` with the address of the client machine, NUL-terminated, and answers 1; any other answer means that it
 /// is not known.
 using ReadTcpFunction = std::function<int(std::span<char> buffer, std::span<char> unused)>;
 
-/// A program makes a host, fills it, and hands it to all that it calls. Two hosts in one process know nothing of each
-/// other. A host outlives the sessions, service classes and connections that were made with it.
+/// A program makes a host, fills it, and hands it to all that it calls. Two hosts in one process share no driver,
+/// neighbour, clock, observer or idle connection. An embedded database in memory belongs to the process, as a file
+/// does. A host outlives the sessions, service classes and connections that were made with it.
 ///
 /// Drivers and components may be added at any time and by any thread. What else is set, is set before the first call.
 class Host {
@@ -64,7 +66,7 @@ class Host {
  private:
   friend class SessionFactory;
   struct Parts;
-  std::unique_ptr<Parts> parts_;
+  std::shared_ptr<Parts> parts_;
 };
 
 }  // namespace tessarlorn

@@ -91,6 +91,8 @@ class SessionFactory {
   void Release(const std::string& database, std::shared_ptr<Connection>& connection) noexcept;
 
   Host& host_;
+  /// Tells when the host is gone.
+  std::weak_ptr<void> alive_;
   std::unique_ptr<State> state_;
 };
 

@@ -47,7 +47,7 @@ struct SqlCommand {
 /// The type that a declaration such as "decimal(18,4)" stands for, as a nullable field without a name. Types that
 /// differ in range or precision only are one: datetime, datetime2 and smalldatetime; money and smallmoney. text, ntext
 /// and image are varchar(max), nvarchar(max) and varbinary(max). Raises 0x80040E14 naming the declaration for any other
-/// word.
+/// word. What stands behind the first numbers in parentheses is not read.
 Field FieldOfDeclaration(std::string_view declaration);
 
 }  // namespace tessarlorn

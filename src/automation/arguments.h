@@ -42,7 +42,7 @@ Variant FillAndCall(std::span<const Argument> declared, std::span<Variant> given
 template <typename Describe, typename Call>
 Variant CallWithAllArguments(std::span<const Argument> declared, std::span<Variant> given, bool put,
                              const Describe& describe, const Call& call) {
-  // As most calls are.
+  // Nothing is left out: no copy is needed.
   if (given.size() == declared.size() + (put ? 1 : 0)) return call(given);
   return FillAndCall(declared, given, put, describe, call);
 }

@@ -30,9 +30,10 @@ inline constexpr Key kListFilter[] = {
     Optional("FLogisticsID", kString, kQuoted, "", "Carrier id"),
     Optional("FOrderStatus", kLong, kBareNumber, "",
              "2 = waiting for picking, 6 = waiting for delivery, 14 = delivered"),
-    Optional("WaitingForDelivery", kLong, kNowhere, "0",
-             "Status whose orders are listed as well once their stock bill is queued"),
-    Optional("IsLock", kLong, kNowhere, "0", "1 = locked, checked orders only; otherwise unlocked ones only"),
+    Optional("WaitingForDelivery", kLong, kNumber, "0",
+             "Status whose orders are listed as well once their stock bill is queued; counts with FOrderStatus only"),
+    Optional("IsLock", kLong, kNowhere, "0",
+             "1 = locked, checked orders only, and FOrderStatus does not count; otherwise unlocked ones only"),
     Optional("FGoodsCount", kString, kSql, "", "SQL condition"),
     Optional("FEntryCount", kString, kSql, "", "SQL condition"),
     Optional("icboTpl", kString, kSql, "", "SQL condition"),
@@ -41,7 +42,7 @@ inline constexpr Key kListFilter[] = {
     Optional("FStockID", kString, kQuoted, "", "Name of a warehouse from which a line is delivered"),
     Optional(
         "AdvancedFilter", kString, kSql, "",
-        "SQL that begins with \" AND\"; the keys above but FOrderStatus and IsLock then do not count. One with \"t20.\" "
+        "SQL that begins with \" AND\"; the keys above but FOrderStatus, WaitingForDelivery and IsLock then do not count. One with \"t20.\" "
         "is turned to upper case"),
     Optional("FCloseOrRefundStatus", kLong, kNowhere, "", "1 = normal orders, 2 = refunding or closed ones"),
     Optional("WebOrderMaxDisplayCount", kDouble, kNumber, "0", "Most rows; 0 = all"),
@@ -111,7 +112,8 @@ template <>
 inline constexpr Contract kContract<&clsGetData::GetListData> = {
     .name = "GetListData",
     .source = "TessarLornPickingAndDelivery.clsGetData.GetListData",
-    .arguments = {{.name = "sDsn", .need = Need::kMandatory}, {.name = "Filter", .keys = browse::kListFilter}},
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory},
+                  {.name = "Filter", .need = Need::kGiven, .keys = browse::kListFilter}},
     .help =
         "The orders that the filter lets through, one row each with display-ready status columns, by pay date "
         "and order number. Only those of web shops that the acting user may see, unless access control is off "
@@ -153,7 +155,7 @@ inline constexpr Contract kContract<&clsGetData::GetListBySQL> = {
     .name = "GetListBySQL",
     .source = "TessarLornPickingAndDelivery.clsGetData.GetListBySQL",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
-                  {.name = "sFKey", .stands = Standing::kQuoted, .need = Need::kMandatory}},
+                  {.name = "sFKey", .stands = Standing::kBareNumber, .need = Need::kMandatory}},
     .help =
         "The choices of a lookup field as display_id|display_id, cut at 1000 characters. sFKey is class type "
         "and field key, as 1014301_FStockID; what follows a second _ does not count, and the class type stands "

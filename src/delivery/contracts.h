@@ -31,20 +31,20 @@ inline constexpr Key kNumberAndWeight[] = {
     Optional("FLogisticsOrder", kString, kQuoted, "", "Logistics number"),
     Optional("FWeight", kString, kNumber, "0", "Weight in kg; the number with which the text begins"),
     Optional("FLogisticsCost", kString, kNumber, "0", "Logistics cost; the number with which the text begins"),
-    Optional("FID", kLong, kBareNumber, "", "Order key"),
+    Unchecked("FID", kLong, kBareNumber, "Order key"),
 };
 
 inline constexpr Key kLogWeight[] = {
-    Optional("FWeight", kDouble, kBareNumber, "", "Weight in kg"),
-    Optional("FLogisticsCost", kDouble, kBareNumber, "", "Logistics cost in the order's currency"),
-    Optional("FWeighttingMan", kLong, kBareNumber, "", "Id of the user who weighed"),
-    Optional("FWeighttingStatus", kLong, kBareNumber, "", "1 = weighed"),
-    Optional("FID", kLong, kBareNumber, "", "Order key"),
+    Unchecked("FWeight", kDouble, kBareNumber, "Weight in kg"),
+    Unchecked("FLogisticsCost", kDouble, kBareNumber, "Logistics cost in the order's currency"),
+    Unchecked("FWeighttingMan", kLong, kBareNumber, "Id of the user who weighed"),
+    Unchecked("FWeighttingStatus", kLong, kBareNumber, "1 = weighed"),
+    Unchecked("FID", kLong, kBareNumber, "Order key"),
 };
 
 inline constexpr Key kWeightStatus[] = {
     kOrdersKey,
-    Optional("UserID", kLong, kBareNumber, "", "Id of the user who weighed"),
+    Unchecked("UserID", kLong, kBareNumber, "Id of the user who weighed"),
     Given("AsyncCreate", kBoolean, kNowhere, "True queues the orders' stock bills as well"),
 };
 

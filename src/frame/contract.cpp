@@ -24,7 +24,8 @@ std::string_view ColumnsTitle(ValueType result) {
 
 std::string Key::Explanation() const {
   std::string text(help);
-  if (need != Need::kOptional) text += "; nothing is done without it";
+  if (need == Need::kUnchecked) text += "; the database refuses the statement without it";
+  if (need == Need::kGiven || need == Need::kMandatory) text += "; nothing is done without it";
   if (!fallback.empty()) text += "; default " + std::string(fallback);
   return text;
 }

@@ -12,6 +12,10 @@ constexpr Key Optional(std::string_view name, ValueType type, Standing stands, s
                        std::string_view help) {
   return {.name = name, .type = type, .stands = stands, .fallback = fallback, .help = help};
 }
+/// The operation goes on without it, and sends a statement that the database refuses.
+constexpr Key Unchecked(std::string_view name, ValueType type, Standing stands, std::string_view help) {
+  return {.name = name, .type = type, .stands = stands, .need = Need::kUnchecked, .fallback = "", .help = help};
+}
 /// It counts even when it is empty.
 constexpr Key Given(std::string_view name, ValueType type, Standing stands, std::string_view help) {
   return {.name = name, .type = type, .stands = stands, .need = Need::kGiven, .fallback = "", .help = help};

@@ -8,7 +8,8 @@ namespace tessarlorn {
 
 bool Parameters::HasAllOf(std::span<const Key> keys) const {
   return std::all_of(keys.rbegin(), keys.rend(), [this](const Key& key) {
-    return key.need == Need::kOptional || (key.need == Need::kGiven ? Has(key.name) : HasText(key.name));
+    if (key.need == Need::kMandatory) return HasText(key.name);
+    return key.need != Need::kGiven || Has(key.name);
   });
 }
 

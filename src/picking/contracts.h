@@ -25,14 +25,14 @@ inline constexpr Key kPickingGoods[] = {
     Optional("FLogisticsOrder", kString, kQuoted, "",
              "The parcel's logistics number or, all in digits, the order's unique code"),
     Optional("FPickingGoodsStatus", kLong, kNumber, "0", "1 = check passed, 0 = not passed"),
-    Optional("FPickingGoodMan", kLong, kBareNumber, "", "Id of the user who checked"),
+    Unchecked("FPickingGoodMan", kLong, kBareNumber, "Id of the user who checked"),
     Optional("FPickingGoodsstatus", kLong, kNowhere, "", "With a small s: 1 stores the time of the check as well"),
 };
 
 inline constexpr Key kPickingMark[] = {
     ConnectionKey("sDsn"),
     kOrdersKey,
-    Optional("UserId", kLong, kBareNumber, "", "Id of the user who checked"),
+    Unchecked("UserId", kLong, kBareNumber, "Id of the user who checked"),
 };
 
 inline constexpr Key kBatch[] = {
@@ -111,7 +111,8 @@ template <>
 inline constexpr Contract kContract<&clsSaveData::SaveBatchNo> = {
     .name = "SaveBatchNo",
     .source = "SaveBatchNo",
-    .arguments = {{.name = "sDsn", .need = Need::kMandatory}, {.name = "vctPara", .keys = picking::kBatch}},
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory},
+                  {.name = "vctPara", .need = Need::kGiven, .keys = picking::kBatch}},
     .help =
         "Stores batch number, warehouse and stock place of each order line of the Vector; batch numbers go to the "
         "field log first. False, with nothing done, without sDsn or entries.",
@@ -120,7 +121,8 @@ template <>
 inline constexpr Contract kContract<&clsSaveData::SavePrintSerialNumber> = {
     .name = "SavePrintSerialNumber",
     .source = "SavePrintSerialNumber",
-    .arguments = {{.name = "sDsn", .need = Need::kMandatory}, {.name = "vctOrderInfo", .keys = picking::kPrinted}},
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory},
+                  {.name = "vctOrderInfo", .need = Need::kGiven, .keys = picking::kPrinted}},
     .help =
         "Gives the orders of a print run a new lot number (year, month and the run's number in the month, as "
         "20261112) and serial numbers from 1, in the order of the Vector; a reprint gives new ones. A lot "

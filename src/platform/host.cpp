@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/host_parts.h"
+#include "platform/text/sql_text.h"
 #include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
@@ -15,11 +16,8 @@ namespace {
 /// `start` itself for one without, or that is not closed.
 std::size_t EndOfQuoted(std::string_view text, std::size_t start) {
   if (start >= text.size() || std::string_view("{\"'").find(text[start]) == std::string_view::npos) return start;
-  const char close = text[start] == '{' ? '}' : text[start];
-  for (std::size_t at = text.find(close, start + 1); at != std::string_view::npos; at = text.find(close, at + 2)) {
-    if (at + 1 == text.size() || text[at + 1] != close) return at + 1;
-  }
-  return start;
+  const std::size_t end = FindClosing(text, start + 1, text[start] == '{' ? '}' : text[start]).position;
+  return end == std::string_view::npos ? start : end + 1;
 }
 
 /// The keys of a database string of any kind, in their order.
@@ -51,7 +49,7 @@ T Lookup(const std::map<std::string, T>& map, std::string_view key) {
 
 }  // namespace
 
-Host::Host() : parts_(std::make_unique<Parts>()) {}
+Host::Host() : parts_(std::make_shared<Parts>()) {}
 
 Host::~Host() = default;
 

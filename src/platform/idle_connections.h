@@ -22,7 +22,7 @@ struct TextHash {
 template <typename T>
 using ByText = std::unordered_map<std::string, T, TextHash, std::equal_to<>>;
 
-/// They belong to no thread: one that ends would have to close its own where the system lets it wait for nobody.
+/// They belong to no thread. A thread that ends could not close its own: on Windows it must not wait for others then.
 class IdleConnections {
  public:
   /// nullptr when there is none.

@@ -33,7 +33,8 @@ class RecordsetBuilder {
   void AppendDateTime(DateTime value) { cells_.AppendDateTime(value); }
   void AppendText(std::string_view text) { cells_.AppendText(text); }
   void AppendBytes(const void* data, std::size_t size) { cells_.AppendBytes(data, size); }
-  /// Any value, as the field of that position has it. Raises 13 and 6 for what does not fit its type.
+  /// Any value, as the kind of value that the field of that position has. Range, length and scale are the caller's
+  /// business. Raises 13 and 6 for what is no such value.
   void Append(const Variant& value, std::size_t field);
 
   /// Bytes that the values of all rows take.

@@ -107,12 +107,13 @@ Connection& DataSession::GetAlternateConnection() {
 SessionFactory& SessionFactory::ForThisThread(Host& host) {
   thread_local std::vector<std::unique_ptr<SessionFactory>> factories;
   for (const std::unique_ptr<SessionFactory>& factory : factories) {
-    if (&factory->host_ == &host) return *factory;
+    if (&factory->host_ == &host && !factory->alive_.expired()) return *factory;
   }
+  std::erase_if(factories, [](const auto& factory) { return factory->alive_.expired(); });
   return *factories.emplace_back(new SessionFactory(host));
 }
 
-SessionFactory::SessionFactory(Host& host) : host_(host), state_(std::make_unique<State>()) {}
+SessionFactory::SessionFactory(Host& host) : host_(host), alive_(host.parts_), state_(std::make_unique<State>()) {}
 
 SessionFactory::~SessionFactory() = default;
 

@@ -44,7 +44,7 @@ AdoConnection::~AdoConnection() {
   try {
     if (usable()) RollbackTransaction();
   } catch (const std::exception&) {
-    // A transaction goes with the connection.
+    // The server rolls back when the connection closes.
   }
 }
 

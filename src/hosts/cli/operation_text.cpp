@@ -10,7 +10,8 @@ namespace {
 
 constexpr const char* kHead = R"(# The operations
 
-This page is made by `tessarlorn ops --markdown`. `tessarlorn ops NAME` prints the same for one operation.
+This page is made by `tessarlorn ops --markdown`. `tessarlorn ops NAME` prints types, keys, defaults and
+columns of one operation.
 
 An operation belongs to `clsSaveData`, which changes orders, or to `clsGetData`, which reads. A key of a `Dictionary` is
 written `Argument.Key` here. `Argument[].Key` is a key of each Dictionary in a `Vector`.
@@ -58,6 +59,8 @@ std::string NeededText(Need need) {
       return "yes";
     case Need::kGiven:
       return "yes, may be empty";
+    case Need::kUnchecked:
+      return "yes, else an error";
     case Need::kOptional:
       break;
   }
@@ -80,7 +83,7 @@ std::string KeyRows(const std::string& owner, std::span<const Key> keys) {
 std::string ArgumentRows(const Argument& argument) {
   std::string meaning;
   if (argument.is_connection) meaning = "Connection string; the command fills it in";
-  if (argument.any_key) meaning = "Every key counts";
+  if (argument.any_key) meaning = "Every key counts, and stands bare, as a number";
   if (argument.in_out) meaning = "Written back after the call";
   const bool may_be_absent = argument.optional || argument.in_out || IsCollection(argument.type);
   const Need need = argument.need == Need::kOptional && !may_be_absent ? Need::kGiven : argument.need;

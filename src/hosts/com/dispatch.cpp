@@ -136,7 +136,7 @@ class Dispatch final : public ObjectFace, public IDispatch, public ISupportError
   ULONG STDMETHODCALLTYPE AddRef() override { return references_.fetch_add(1) + 1; }
   ULONG STDMETHODCALLTYPE Release() override {
     const ULONG left = references_.fetch_sub(1) - 1;
-    // Both may go with it.
+    // The last reference: the object is released, which may destroy this one, too.
     if (left == 0) const std::shared_ptr<AutomationObject> last = std::move(object_);
     return left;
   }

@@ -105,8 +105,8 @@ int main(int argc, char** argv) {
                  "FOLDER keeps the sample databases from run to run (default: bench-data here).\n");
     return 2;
   }
-  AddEmbeddedDriver(TheHost());
-  AddDefaultSiblings(TheHost());
+  AddEmbeddedDriver(bench::TheHost());
+  AddDefaultSiblings(bench::TheHost());
   try {
     bench::SetDataFolder(argc > 1 ? argv[1] : "bench-data");
     bench::AddFrameBenchmarks();

@@ -57,7 +57,7 @@ class Served {
     const std::string users =
         (std::filesystem::temp_directory_path() / ("serve_bench_" + std::to_string(getpid()))).string();
     tds::AddUser(users, "bench", "bench");
-    tds::Service service;
+    tds::Service service(TheHost());
     service.users = tds::Users::Read(users);
     std::filesystem::remove(users);
     service.database_string = "Embedded=" + SampleFile(kOrders);

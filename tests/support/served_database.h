@@ -147,8 +147,7 @@ class InProcessServer {
   static tds::Service MakeService(const std::string& database_string) {
     const TemporaryFolder folder;
     tds::AddUser(folder.file("users"), "ann", "s3cret", 10);
-    tds::Service service;
-    service.host = &TestHost();
+    tds::Service service(TestHost());
     service.database_string = database_string;
     service.users = tds::Users::Read(folder.file("users"));
     return service;

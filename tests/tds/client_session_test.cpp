@@ -23,7 +23,6 @@ class ClientSessionTest : public testing::Test {
   ClientSessionTest() {
     const TemporaryFolder folder;
     AddUser(folder.file("users"), "ann", "s3cret", 1);
-    service_.host = &TestHost();
     service_.users = Users::Read(folder.file("users"));
     service_.database_string = database_.database();
     service_.log = [this](const std::string& line) { log_.push_back(line); };
@@ -55,7 +54,7 @@ class ClientSessionTest : public testing::Test {
   }
 
   SampleDatabase database_;
-  Service service_;
+  Service service_{TestHost()};
   std::vector<std::string> log_;
 };
 

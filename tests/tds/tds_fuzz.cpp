@@ -38,8 +38,7 @@ const tds::Service& TheService() {
     const TemporaryFolder folder;
     tds::AddUser(folder.file("users"), "ann", "s3cret", 1);
     const std::vector<std::string> words = tds::CertificateOptions();
-    tds::Service made;
-    made.host = &TestHost();
+    tds::Service made(TestHost());
     made.users = tds::Users::Read(folder.file("users"));
     made.tls = std::make_shared<tds::TlsContext>(words[1], words[3]);
     made.database_string = "Embedded=:memory:fuzz";

@@ -149,8 +149,7 @@ tds::Service MakeService(const ServeOptions& options, const tds::Address& addres
   if (options.certificate.empty() != options.key.empty()) {
     throw UsageError("--certificate and --key belong together");
   }
-  tds::Service service;
-  service.host = &context.host;
+  tds::Service service(context.host);
   if (!address.is_loopback()) {
     if (!options.allow_remote) {
       throw UsageError(options.address + " is reached from other machines: give --allow-remote if that is wanted");
@@ -201,7 +200,7 @@ ExitStatus RunServe(const ServeOptions& options, const CommandContext& context) 
   if (!options.add_user.empty()) return AddUser(options);
   if (options.address.empty()) throw UsageError("--tds ADDRESS:PORT is required, as --tds 127.0.0.1:1433");
   tds::Address address;
-  tds::Service service;
+  tds::Service service(context.host);
   try {
     address = tds::ParseAddress(options.address);
     service = MakeService(options, address, context);

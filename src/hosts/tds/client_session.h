@@ -23,7 +23,10 @@ namespace tessarlorn::tds {
 
 /// What all clients of a server share. Used by all their threads.
 struct Service {
-  Host* host = nullptr;
+  explicit Service(Host& opens) : host(&opens) {}
+
+  /// Opens the connections.
+  Host* host;
   /// Each client has a connection of its own.
   std::string database_string;
   Users users;

@@ -3,17 +3,24 @@
 namespace tessarlorn {
 
 std::string_view TypeName(ValueType type) {
-  constexpr std::array<std::string_view, 11> kNames = {"String",    "Long",    "Integer",    "Double",
-                                                       "Boolean",   "Date",    "Dictionary", "Vector",
-                                                       "Recordset", "Variant", "Decimal"};
+  constexpr auto kNames = std::to_array<std::string_view>({"String", "Long", "Integer", "Double", "Boolean", "Date",
+                                                           "Dictionary", "Vector", "Recordset", "Variant", "Decimal"});
+  static_assert(kNames.size() == static_cast<std::size_t>(ValueType::kDecimal) + 1);
   return kNames[static_cast<std::size_t>(type)];
 }
 
 std::string_view StandingText(Standing stands) {
-  constexpr std::array<std::string_view, 8> kTexts = {
-      "not in the statement",    "between quotes",    "between quotes, its own quotes removed",
-      "as a converted number",   "bare, as a number", "bare, as a list of keys",
-      "bare, as a table's name", "bare, as SQL"};
+  constexpr auto kTexts = std::to_array<std::string_view>({
+      "not in the statement",
+      "between quotes",
+      "between quotes, its own quotes removed",
+      "as a converted number",
+      "bare, as a number",
+      "bare, as a list of keys",
+      "bare, as a table's name",
+      "bare, as SQL",
+  });
+  static_assert(kTexts.size() == static_cast<std::size_t>(Standing::kSql) + 1);
   return kTexts[static_cast<std::size_t>(stands)];
 }
 

@@ -1,6 +1,9 @@
 // The keys and columns that many operations share.
 #pragma once
 
+#include <span>
+#include <string_view>
+
 #include "tessarlorn/contract.h"
 
 namespace tessarlorn {
@@ -23,6 +26,14 @@ constexpr Key Given(std::string_view name, ValueType type, Standing stands, std:
 /// @param name sDSN, sDsn or sProps, as the operation spells it
 constexpr Key ConnectionKey(std::string_view name) {
   return Mandatory(name, ValueType::kString, Standing::kNowhere, "Connection string, may name the caller as well");
+}
+
+/// The row of a key; there must be one.
+consteval const Key& KeyNamed(std::string_view name, std::span<const Key> keys) {
+  for (const Key& key : keys) {
+    if (key.name == name) return key;
+  }
+  throw "no such key";  // does not compile
 }
 
 inline constexpr Key kOrdersKey =

@@ -18,9 +18,14 @@ std::string Parameters::Dsn(std::span<const Key> keys) const {
   return key == keys.end() ? std::string() : Text(key->name);
 }
 
-std::string Parameters::Text(std::string_view key, std::string_view fallback) const {
+std::string Parameters::Text(std::string_view key) const {
   const Variant* value = Find(key);
-  return value == nullptr ? std::string(fallback) : value->ToText();
+  return value == nullptr ? std::string() : value->ToText();
+}
+
+std::string Parameters::TextOrDefault(const Key& key) const {
+  const Variant* value = Find(key.name);
+  return value == nullptr ? std::string(key.fallback) : value->ToText();
 }
 
 const Variant& Parameters::Value(std::string_view key) const {

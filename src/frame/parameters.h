@@ -25,8 +25,10 @@ class Parameters {
   [[nodiscard]] bool HasAllOf(std::span<const Key> keys) const;
   /// The text of the one that holds the connection string.
   [[nodiscard]] std::string Dsn(std::span<const Key> keys) const;
-  /// The value's text, `fallback` when the key is missing. Raises 13 for a value that has no text form.
-  [[nodiscard]] std::string Text(std::string_view key, std::string_view fallback = {}) const;
+  /// The value's text, "" when the key is missing. Raises 13 for a value that has no text form.
+  [[nodiscard]] std::string Text(std::string_view key) const;
+  /// The same, with what the contract says of a missing key.
+  [[nodiscard]] std::string TextOrDefault(const Key& key) const;
   /// The value itself, empty when the key is missing.
   [[nodiscard]] const Variant& Value(std::string_view key) const;
   /// Whether the value is that number, or a text that reads as it; False for a missing key, Empty, Null and the empty

@@ -48,9 +48,10 @@ bool clsSaveData::SavePickingGoods(const Dictionary* dctPara) {
         WriteOPLog(orders->Get(std::size_t{0}).ToText(), "3003", "0", "", passed ? "通过" : "不通过");
       }
     }
+    const Key& status = KeyNamed("FPickingGoodsStatus", picking::kPickingGoods);
     TextBuilder text;
     text.Append("UPDATE IC_Web2ERPOrders  SET FPIckingGoodsStatus ={status},FPickingGoodMan = {man}",
-                {{"status", parameters.Text("FPickingGoodsStatus", "0")}, {"man", parameters.Text("FPickingGoodMan")}});
+                {{"status", parameters.TextOrDefault(status)}, {"man", parameters.Text("FPickingGoodMan")}});
     if (timed) text.Append(",FOrderPickingDate='{now}'", {{"now", host_.LocalNow().ToString()}});
     text.Line(condition.GetText());
     connection.Execute(text.GetText());

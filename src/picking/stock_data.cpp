@@ -19,7 +19,7 @@ bool clsSaveData::SaveBatchNo(std::string_view sDsn, const Vector* vctPara) {
       const Parameters line(choice.get());
       const auto unquoted = [&line](std::string_view key) { return ReplaceAll(line.Text(key), "'", ""); };
       const std::string batch = unquoted("FBatchNo");
-      const std::string entry = line.Text("FEntryID", "0");
+      const std::string entry = line.TextOrDefault(KeyNamed("FEntryID", picking::kBatch));
       text.Append(
           "UPDATE IC_Web2ERPOrdersEntry SET FBatchNo = '{batch}',FStockID = '{stock}',FSPID = '{place}' WHERE FEntryID "
           "= {entry}\r\n",

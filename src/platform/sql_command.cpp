@@ -78,7 +78,7 @@ Field FieldOfDeclaration(std::string_view declaration) {
   }
   if (open == declaration.size()) return field;
   const std::size_t close = declaration.rfind(')');
-  if (close == std::string_view::npos || close < open) RaiseUnknown(declaration);
+  if (close == std::string_view::npos || !Trim(declaration.substr(close + 1)).empty()) RaiseUnknown(declaration);
   const std::vector<std::string_view> arguments = Split(declaration.substr(open + 1, close - open - 1), ',');
   if (field.type == FieldType::kDecimal) {
     field.precision = NumberOf(arguments[0], declaration);

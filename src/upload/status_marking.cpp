@@ -39,8 +39,9 @@ bool clsSaveData::UploadStatusFailure(const Dictionary* dctPara) {
     for (const Variant& item : *failures) {
       const std::shared_ptr<Dictionary> failure = ItemDictionary(item);
       const Parameters order(failure.get());
+      const Key& key = KeyNamed("FailureFID", upload::kFailure);
       text.Append("UPDATE IC_Web2ERPOrders SET FUpLoadStatus =0,FReasonsForFailure = '{reason}' WHERE FID = {FID}\r\n",
-                  {{"reason", ReplaceAll(order.Text("FailureInfo"), "'", "")}, {"FID", order.Text("FailureFID", "0")}});
+                  {{"reason", ReplaceAll(order.Text("FailureInfo"), "'", "")}, {"FID", order.TextOrDefault(key)}});
     }
     if (!text.empty()) connection.Execute(text.GetText());
     return true;

@@ -81,6 +81,10 @@ std::vector<Variant> ReadArguments(const CallOptions& options, const Operation& 
 
 ExitStatus Call(const CallOptions& options, const CommandContext& context) {
   const Operation& operation = RequireOperation(options.operation);
+  if (!options.output.columns.empty() && operation.result != ValueType::kRecordset) {
+    throw UsageError("--columns chooses columns of recordsets; " + std::string(operation.name) + " answers a " +
+                     std::string(TypeName(operation.result)));
+  }
   Variant json;
   if (!options.json_file.empty()) {
     json = ReadJson(ReadInput(options.json_file), InputName(options.json_file));

@@ -19,9 +19,13 @@ void AddSeedCommand(CLI::App& app, CommandContext& context) {
   CLI::App* const command = app.add_subcommand("seed", "Fill the tables with made-up orders to try things out");
   const auto options = std::make_shared<SeedOptions>();
   options->random_seed = 1;
-  command->add_option("--orders", options->orders, "How many orders")->required()->check(CLI::Range(1, 10'000'000));
+  command->add_option("--orders", options->orders, "How many orders")
+      ->required()
+      ->check(CLI::Range(1, 10'000'000))
+      ->type_name("N");
   command->add_option("--random-seed", options->random_seed, "Chooses the rows that are made up")
-      ->capture_default_str();
+      ->capture_default_str()
+      ->type_name("N");
   AddConnectionOptions(*command, context);
   command->footer(kFooter);
   command->callback([&context, options] {

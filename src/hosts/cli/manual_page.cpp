@@ -21,10 +21,14 @@ std::string Plain(std::string_view text) {
   return plain;
 }
 
-/// "FILE" of "FILE:INT in [1 - 9]"; "" for a flag.
+/// "FILE", or "N (1 to 9)" of "N:INT in [1 - 9]"; "" for a flag.
 std::string ValueName(const CLI::Option& option) {
-  const std::string type = option.get_type_name();
-  return option.get_items_expected_max() == 0 ? "" : type.substr(0, type.find(":INT"));
+  if (option.get_items_expected_max() == 0) return "";
+  std::string name = option.get_type_name();
+  for (const auto& [from, to] : {std::pair{":INT in [", " ("}, {" - ", " to "}, {"]", ")"}}) {
+    name = ReplaceAll(name, from, to);
+  }
+  return name;
 }
 
 void WriteOption(std::ostream& page, const CLI::Option& option) {
@@ -35,6 +39,7 @@ void WriteOption(std::ostream& page, const CLI::Option& option) {
     page << " \\fI" << Plain(value) << "\\fR";
   }
   page << '\n' << Plain(option.get_description());
+  if (!positional && option.get_required()) page << "; required";
   if (!option.get_default_str().empty()) page << ", default " << Plain(option.get_default_str());
   page << '\n';
 }

@@ -42,9 +42,13 @@ char32_t Decode(std::string_view text, std::size_t& position) {
 
 template <typename Convert>
 std::string ConvertCase(std::string_view text, Convert convert) {
-  std::string result;
-  result.reserve(text.size());
-  for (std::size_t position = 0; position < text.size();) {
+  std::string result(text);
+  std::size_t ascii = 0;
+  for (; ascii < text.size() && static_cast<unsigned char>(text[ascii]) < 0x80; ++ascii) {
+    result[ascii] = static_cast<char>(convert(static_cast<char32_t>(text[ascii])));
+  }
+  result.resize(ascii);
+  for (std::size_t position = ascii; position < text.size();) {
     const std::size_t start = position;
     const char32_t character = Decode(text, position);
     if (character == kMalformed) {

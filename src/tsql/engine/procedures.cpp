@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <span>
 #include <utility>
 
 #include "platform/text/text.h"
@@ -141,6 +142,7 @@ void Procedures::Call(const ObjectName& name, CallArguments& arguments) {
   CatalogObjectPtr procedure = FindSystemProcedure(name.name);
   if (procedure == nullptr) {
     RequireLocal(name);
+    database_.catalog().Refresh();
     procedure = database_.catalog().Find(name.name);
   }
   if (procedure == nullptr || procedure->kind != CatalogKind::kProcedure) {
@@ -239,7 +241,8 @@ void Procedures::ExecuteSql(CallArguments& arguments) {
   }
   const std::string text = text_of(0);
   Frame frame;
-  std::vector<Declared> declared;
+  // Until the text runs: it may call others, which forget what is kept.
+  std::span<const Declared> declared;
   if (arguments.size() > 1) declared = DeclaredBy(text_of(1));
   for (const Declared& parameter : declared) frame.Declare(parameter.name, parameter.type);
   constexpr std::size_t kFirst = 2;

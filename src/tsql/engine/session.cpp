@@ -37,7 +37,6 @@ void Session::Run(SqlCommand& command, bool first_only, BatchSink& sink) {
 void Session::RunCommand(SqlCommand& command) {
   CommandArguments arguments(command, database_.runtime().date_order);
   if (command.is_procedure) {
-    database_.catalog().Refresh();
     interpreter_.Call(ParseObjectNameText(command.text, database_.names()), arguments);
     return;
   }

@@ -224,20 +224,9 @@ void SqliteStatement::BindStaticText(int parameter, std::string_view text) {
   sqlite3_bind_text64(handle_.get(), parameter, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
 }
 
-bool SqliteStatement::Step(std::string_view verb) {
-  if (runtime_ != nullptr) runtime_->BeginStep();
-  const int status = sqlite3_step(handle_.get());
-  if (status == SQLITE_ROW) return true;
-  if (status == SQLITE_DONE) return false;
+void SqliteStatement::Fail(int status, std::string_view verb) {
   sqlite3_reset(handle_.get());
   RaiseSqlite(sqlite3_db_handle(handle_.get()), status, runtime_, verb);
-}
-
-std::string_view SqliteStatement::Bytes(int column) const {
-  const auto* bytes = static_cast<const char*>(sqlite3_column_blob(handle_.get(), column));
-  return bytes == nullptr
-             ? std::string_view{}
-             : std::string_view(bytes, static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column)));
 }
 
 Datum SqliteStatement::Value(int column) const { return ToDatum(sqlite3_column_value(handle_.get(), column)); }

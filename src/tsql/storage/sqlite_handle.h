@@ -57,7 +57,12 @@ class SqliteStatement {
 
   /// Whether there is a next row. What it raises leaves the statement ready for its next use.
   /// @param verb for the wording of broken constraints
-  bool Step(std::string_view verb = "INSERT");
+  bool Step(std::string_view verb = "INSERT") {
+    if (runtime_ != nullptr) runtime_->BeginStep();
+    const int status = sqlite3_step(handle_.get());
+    if (status != SQLITE_ROW && status != SQLITE_DONE) Fail(status, verb);
+    return status == SQLITE_ROW;
+  }
   void Reset() noexcept { sqlite3_reset(handle_.get()); }
 
   /// SQLITE_NULL, SQLITE_INTEGER, SQLITE_FLOAT, SQLITE_TEXT or SQLITE_BLOB.
@@ -65,7 +70,10 @@ class SqliteStatement {
   [[nodiscard]] std::int64_t Integer(int column) const { return sqlite3_column_int64(handle_.get(), column); }
   [[nodiscard]] double Real(int column) const { return sqlite3_column_double(handle_.get(), column); }
   /// Of a text or binary, as long as the row is the current one.
-  [[nodiscard]] std::string_view Bytes(int column) const;
+  [[nodiscard]] std::string_view Bytes(int column) const {
+    const void* const bytes = sqlite3_column_blob(handle_.get(), column);
+    return bytes == nullptr ? std::string_view{} : std::string_view(static_cast<const char*>(bytes), Size(column));
+  }
   /// The length of Bytes.
   [[nodiscard]] std::size_t Size(int column) const {
     return static_cast<std::size_t>(sqlite3_column_bytes(handle_.get(), column));
@@ -79,6 +87,8 @@ class SqliteStatement {
   [[nodiscard]] bool reads_only() const { return sqlite3_stmt_readonly(handle_.get()) != 0; }
 
  private:
+  [[noreturn]] void Fail(int status, std::string_view verb);
+
   struct Finalize {
     void operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
   };

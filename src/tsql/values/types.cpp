@@ -271,14 +271,15 @@ SqlType ParseTypeText(std::string_view text) {
   const std::size_t open = text.find('(');
   name.name = std::string(text.substr(0, open));
   if (open != std::string_view::npos) {
-    const std::vector<std::string_view> arguments = Split(text.substr(open + 1, text.size() - open - 2), ',');
+    const std::string_view arguments = text.substr(open + 1, text.size() - open - 2);
+    const std::size_t comma = arguments.find(',');
     const auto number = [](std::string_view digits) {
       digits = Trim(digits);
       if (digits == "max") return -1;
       return WholeNumber<int>(digits).value_or(0);
     };
-    name.length = number(arguments[0]);
-    if (arguments.size() > 1) name.scale = number(arguments[1]);
+    name.length = number(arguments.substr(0, comma));
+    if (comma != std::string_view::npos) name.scale = number(arguments.substr(comma + 1));
   }
   return ResolveType(name, false);
 }

@@ -12,6 +12,43 @@ function(tessarlorn_sources variable)
   set(${variable} ${found} PARENT_SCOPE)
 endfunction()
 
+# tessarlorn_unity(<target>): with TESSARLORN_UNITY the sources of a room are compiled together, some at a time: most of
+# the time goes into the headers. Those of `compiled_alone` have private names that another source of the room has, too.
+set(compiled_alone
+    src/upload/upload_items.cpp
+    src/tsql/values/date_parse.cpp
+    src/tsql/values/types.cpp
+    src/hosts/objects/field_object.cpp
+    src/hosts/objects/recordset_object.cpp
+    src/hosts/objects/vector_object.cpp
+    tests/automation/escape_test.cpp
+    tests/browse/order_list_test.cpp)
+function(tessarlorn_unity target)
+  if(NOT TESSARLORN_UNITY)
+    return()
+  endif()
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+  # GCC takes what it includes for a header, where a class with private parts would be two.
+  target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+  get_target_property(sources ${target} SOURCES)
+  set(count 0)
+  set(last_folder "")
+  foreach(source IN LISTS sources)
+    get_filename_component(folder ${source} DIRECTORY)
+    if(NOT folder STREQUAL last_folder OR count EQUAL 8)
+      math(EXPR group "${group} + 1")
+      set(count 0)
+      set(last_folder "${folder}")
+    endif()
+    math(EXPR count "${count} + 1")
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${group})
+    file(RELATIVE_PATH name ${PROJECT_SOURCE_DIR} ${source})
+    if(name IN_LIST compiled_alone)
+      set_source_files_properties(${source} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+    endif()
+  endforeach()
+endfunction()
+
 function(tessarlorn_warnings target)
   if(MSVC)
     # Its warnings are no errors while nobody has seen them: among others it warns of code behind `if constexpr`.
@@ -62,6 +99,7 @@ function(tessarlorn_library name)
     PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>
            $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/generated> $<INSTALL_INTERFACE:include>)
   tessarlorn_warnings(tessarlorn_${name})
+  tessarlorn_unity(tessarlorn_${name})
   # Each of the libraries for Windows is a build of its own; this takes a third off it.
   if(WIN32)
     target_precompile_headers(

@@ -14,7 +14,7 @@
 namespace tessarlorn::cli {
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* kCallFooter =
     R"(Arguments are named without regard to case, keys to the letter; 'tessarlorn ops NAME' lists both. Every argument that
 is neither optional nor written back has to be given, if only as NAME=; a Dictionary or Vector that is not given is
 Nothing, a key that is not given is missing. A connection string that the operation wants is the command's, unless it
@@ -118,7 +118,7 @@ void AddCallCommand(CLI::App& app, CommandContext& context) {
                     "Call without a transaction: what ran before an error stays");
   AddConnectionOptions(*command, context);
   AddOutputOptions(*command, options->output);
-  command->footer(std::string(kFooter) + kNestedValueExample + "\n  " + kPrintJsonExample +
+  command->footer(std::string(kCallFooter) + kNestedValueExample + "\n  " + kPrintJsonExample +
                   " | tessarlorn call Delivery --args - --show-sql");
   command->callback([&context, options] { context.action = [&context, options] { return Call(*options, context); }; });
 }

@@ -6,7 +6,7 @@
 namespace tessarlorn::cli {
 namespace {
 
-constexpr const char* kFooter = R"(What is there already stays as it is, with its rows.
+constexpr const char* kInitFooter = R"(What is there already stays as it is, with its rows.
 
 Examples:
   tessarlorn init --dsn Embedded=orders.db
@@ -29,7 +29,7 @@ ExitStatus Init(const CommandContext& context) {
 void AddInitCommand(CLI::App& app, CommandContext& context) {
   CLI::App* const command = app.add_subcommand("init", "Create the tables, views and indexes that are missing");
   AddConnectionOptions(*command, context);
-  command->footer(kFooter);
+  command->footer(kInitFooter);
   command->callback([&context] { context.action = [&context] { return Init(context); }; });
 }
 

@@ -12,7 +12,7 @@
 namespace tessarlorn::cli {
 namespace {
 
-constexpr const char* kFooter = R"(Examples:
+constexpr const char* kOpsFooter = R"(Examples:
   tessarlorn ops
   tessarlorn ops GetListData
   tessarlorn ops clsGetData.TransMode --json
@@ -178,7 +178,7 @@ void AddOpsCommand(CLI::App& app, CommandContext& context) {
   command->add_flag("--markdown", *markdown, "Print the page of all operations, with an example of each")
       ->excludes(one)
       ->excludes(as_json);
-  command->footer(kFooter);
+  command->footer(kOpsFooter);
   command->callback([&context, name, json, markdown] {
     context.action = [name, json, markdown] { return Ops(*name, *json, *markdown); };
   });

@@ -7,7 +7,7 @@
 namespace tessarlorn::cli {
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* kSeedFooter =
     R"(The same number of orders and the same random seed make the same rows. The schema must be there ('tessarlorn init').
 
 Example:
@@ -27,7 +27,7 @@ void AddSeedCommand(CLI::App& app, CommandContext& context) {
       ->capture_default_str()
       ->type_name("N");
   AddConnectionOptions(*command, context);
-  command->footer(kFooter);
+  command->footer(kSeedFooter);
   command->callback([&context, options] {
     context.action = [&context, options] {
       const std::unique_ptr<Connection> connection = context.OpenDatabase();

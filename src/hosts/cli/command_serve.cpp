@@ -20,7 +20,7 @@
 namespace tessarlorn::cli {
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* kServeFooter =
     R"(Serves the database over TDS 7.1 to 7.4, the protocol of SQL Server's clients, until Ctrl-C or SIGTERM. The first line
 of its output is "listening on ADDRESS:PORT"; port 0 is any free one. The log goes to standard error. Clients that are
 slow to read are cut off five seconds after Ctrl-C, or by a second one.
@@ -245,7 +245,7 @@ void AddServeCommand(CLI::App& app, CommandContext& context) {
   limit("--send-timeout", options->send_seconds, 3600, "Seconds that a client may take to read 64 KB of an answer");
   command->add_flag("--verbose", options->verbose, "Log logins and statements, too");
   AddConnectionOptions(*command, context);
-  command->footer(kFooter);
+  command->footer(kServeFooter);
   command->callback(
       [&context, options] { context.action = [&context, options] { return RunServe(*options, context); }; });
 }

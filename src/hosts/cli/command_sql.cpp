@@ -8,7 +8,7 @@
 namespace tessarlorn::cli {
 namespace {
 
-constexpr const char* kFooter =
+constexpr const char* kSqlFooter =
     R"(Lines that hold nothing but GO part the text into batches. Each batch is parsed whole before it runs. The first error
 ends the command; what ran before it stays, unless the text itself opened a transaction. Files are UTF-8, or UTF-16 with
 a byte order mark.
@@ -52,7 +52,7 @@ void AddSqlCommand(CLI::App& app, CommandContext& context) {
   command->add_option("--file", options->file, "Run the batches of a file")->type_name("FILE");
   AddConnectionOptions(*command, context);
   AddOutputOptions(*command, options->output);
-  command->footer(std::string(kFooter) + kPrintSqlExample + " | tessarlorn sql -");
+  command->footer(std::string(kSqlFooter) + kPrintSqlExample + " | tessarlorn sql -");
   command->callback(
       [&context, options] { context.action = [&context, options] { return RunSql(*options, context); }; });
 }

@@ -111,6 +111,9 @@ CREATE TABLE t_SubMessage (
   FTypeID int NOT NULL DEFAULT 0,                          -- what the code is for; 843 after-sales states
   FName nvarchar(255) NOT NULL DEFAULT '');
 GO
+IF COL_LENGTH('t_SubMessage', 'FName_CHT') IS NULL
+ALTER TABLE t_SubMessage ADD FName_CHT nvarchar(255) NOT NULL DEFAULT ''; -- traditional Chinese, '' = as FName
+GO
 
 -- Web shops and the warehouse that each delivers from.
 IF OBJECT_ID('IC_WebshopToStorage') IS NULL

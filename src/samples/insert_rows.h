@@ -4,6 +4,7 @@
 #include <concepts>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -50,6 +51,9 @@ class InsertRows {
   void AppendValue(const char* value) { AppendValue(std::string_view(value)); }
   void AppendValue(const Fixed& value);
   void AppendValue(DateTime value) { Take("datetime", value); }
+  void AppendValue(const std::optional<DateTime>& value) {
+    Take("datetime", value ? Variant(*value) : Variant(Null{}));
+  }
   void AppendValue(Null value) { Take("int", value); }
   void Take(const char* type, Variant value);
 

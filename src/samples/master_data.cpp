@@ -1,5 +1,6 @@
 #include "samples/master_data.h"
 
+#include <algorithm>
 #include <array>
 #include <functional>
 #include <string_view>
@@ -24,16 +25,18 @@ constexpr int kClerks = 10;
 
 constexpr int kMainStock = 201;
 constexpr int kManagedStock = 202;
+constexpr int kCourier = 303;
 
 struct ShopRow {
   int id;
   std::string_view name;
   int type;
   int stock;
+  int own_carrier = 0;
 };
 constexpr ShopRow kShops[] = {
-    {101, "云杉家居旗舰店", 1, kMainStock},    {102, "云杉家居专卖店", 2, 203},
-    {103, "青禾母婴旗舰店", 1, kManagedStock}, {104, "山岚户外专营店", 3, kMainStock},
+    {101, "云杉家居旗舰店", 1, kMainStock},    {102, "云杉家居专卖店", 2, 203, kCourier},
+    {103, "青禾母婴旗舰店", 1, kManagedStock}, {104, "山岚户外专营店", 3, kMainStock, kCourier},
     {105, "谷雨食品商城", 4, kManagedStock},   {106, "自营官网", 0, 203},
 };
 
@@ -126,23 +129,32 @@ void FillGoods(Connection& connection) {
 }
 
 void FillTrade(Connection& connection) {
-  FillIfEmpty(connection, "IC_WebshopToStorage", "FID,FWebShopID,FWebShopName,FWebShopType,FStockID",
+  FillIfEmpty(connection, "IC_WebshopToStorage", "FID,FWebShopID,FWebShopName,FWebShopType,FStockID,FOwnLogisticsID",
               [](InsertRows& rows) {
                 int key = 0;
-                for (const ShopRow& shop : kShops) rows.Add(++key, shop.id, shop.name, shop.type, shop.stock);
+                for (const ShopRow& shop : kShops) {
+                  rows.Add(++key, shop.id, shop.name, shop.type, shop.stock, shop.own_carrier);
+                }
               });
   FillIfEmpty(connection, "t_Currency", "FCurrencyID,FNumber,FName,FOperator,FExchangeRate", [](InsertRows& rows) {
     rows.Add(1, "CNY", "人民币", "*", Fixed{10000, 4});
     rows.Add(2, "USD", "美元", "*", Fixed{71200, 4});
     rows.Add(3, "JPY", "日元", "/", Fixed{206000, 4});
   });
-  FillIfEmpty(connection, "IC_Logistics", "FItemID,FNumber,FName,FName_CHT", [](InsertRows& rows) {
-    rows.Add(301, "KD01", "迅风快递", "迅風快遞");
-    rows.Add(302, "KD02", "邮政特快", "郵政特快");
-    rows.Add(303, "KD03", "千里速运", "千里速運");
-    rows.Add(304, "KD04", "同城即达", "同城即達");
-    rows.Add(305, "KD05", "安达物流", "安達物流");
-    rows.Add(306, "", "本店自送", "本店自送");
+  FillIfEmpty(connection, "IC_Logistics", "FItemID,FNumber,FName,FName_CHT,FIsElectronic,FIsDefault",
+              [](InsertRows& rows) {
+                rows.Add(301, "KD01", "迅风快递", "迅風快遞", 1, 1);
+                rows.Add(302, "KD02", "邮政特快", "郵政特快", 1, 0);
+                rows.Add(kCourier, "KD03", "千里速运", "千里速運", 1, 0);
+                rows.Add(304, "KD04", "同城即达", "同城即達", 0, 0);
+                rows.Add(305, "KD05", "安达物流", "安達物流", 0, 0);
+                rows.Add(306, "", "本店自送", "本店自送", 0, 0);
+              });
+  FillIfEmpty(connection, "IC_JzService", "FCode,FName", [](InsertRows& rows) {
+    rows.Add("JZ01", "送货上门");
+    rows.Add("JZ02", "送货入户");
+    rows.Add("JZ03", "上门安装");
+    rows.Add("JZ04", "拆旧回收");
   });
   FillIfEmpty(connection, "IC_LogisticsTraceState", "FID,FName", [](InsertRows& rows) {
     int key = -1;
@@ -154,6 +166,29 @@ void FillTrade(Connection& connection) {
       rows.Add(area.id, AreaParent(area.id), AreaLevel(area.id), area.name, area.name_traditional);
     }
   });
+}
+
+/// An account of all shops with each carrier that has electronic waybills, and some shops' own; one is switched off.
+void FillAccounts(Connection& connection) {
+  const std::vector<Area> areas(Areas().begin(), Areas().end());
+  const Area& district =
+      *std::find_if(areas.begin(), areas.end(), [](const Area& area) { return AreaLevel(area.id) == 3; });
+  const int city = AreaParent(district.id);
+  FillIfEmpty(connection, "IC_LogisticsAccount",
+              "FLogisticsID,FWebShopID,FAccount,FSecret,FCustomerCode,FMonthlyCode,FIsStarted,FTemplate,FSender,"
+              "FSenderPhone,FSenderProvince,FSenderCity,FSenderDistrict,FSenderAddress",
+              [&](InsertRows& rows) {
+                const auto add = [&](int carrier, int shop, bool started, std::string_view sender) {
+                  const std::string number = std::to_string(carrier) + (shop == 0 ? "" : "-" + std::to_string(shop));
+                  rows.Add(carrier, shop, "ACC" + number, "secret of " + number, "C" + number, "M" + number,
+                           started ? 1 : 0, carrier == kCourier ? "100x150" : "76x130", sender, "400-820-0000",
+                           AreaParent(city), city, district.id, "物流园 8 号库");
+                };
+                for (const int carrier : {301, 302, kCourier}) add(carrier, 0, true, "云杉仓储");
+                add(301, 101, true, "云杉家居旗舰店");
+                add(kCourier, 102, true, "云杉家居专卖店");
+                add(302, 105, false, "谷雨食品商城");
+              });
 }
 
 /// Reads a table row by row; at least one row is given, of empty values where the table has none.
@@ -218,6 +253,7 @@ MasterData PrepareMasterData(Connection& connection) {
   FillStocks(connection);
   FillGoods(connection);
   FillTrade(connection);
+  FillAccounts(connection);
   FillOutsideWarehouses(connection);
   MasterData data;
   data.shops = Read<Shop>(

@@ -71,6 +71,20 @@ INNER JOIN IC_Logistics l ON o.FLogisticsID = l.FItemID AND l.FNumber <> ''
 WHERE o.FID % 20 = 1 AND o.FDeliveryDistrict <> 0
 )";
 
+constexpr std::string_view kRefusedAddresses = R"(
+IF NOT EXISTS (SELECT 1 FROM IC_SaveAddressReachableInfo WHERE FArrive = 0)
+INSERT INTO IC_SaveAddressReachableInfo (FDeliveryProvince, FDeliveryCity, FDeliveryDistrict, FNumber, FArrive)
+SELECT DISTINCT o.FDeliveryProvince, o.FDeliveryCity, o.FDeliveryDistrict, l.FNumber, 0
+FROM IC_Web2ERPOrders o
+INNER JOIN IC_Web2ERPOrdersEx x ON o.FID = x.FID AND x.FAddressReachable = 2
+INNER JOIN IC_Logistics l ON o.FLogisticsID = l.FItemID AND l.FNumber <> ''
+WHERE o.FDeliveryDistrict <> 0 AND NOT EXISTS (
+  SELECT 1 FROM IC_SaveAddressReachableInfo s
+  WHERE s.FDeliveryProvince = CAST(o.FDeliveryProvince AS nvarchar(50))
+    AND s.FDeliveryCity = CAST(o.FDeliveryCity AS nvarchar(50))
+    AND s.FDeliveryDistrict = CAST(o.FDeliveryDistrict AS nvarchar(50)) AND s.FNumber = l.FNumber)
+)";
+
 constexpr std::string_view kOutsideTask = R"(
 IF NOT EXISTS (SELECT 1 FROM TPLTaskFlow WHERE FTaskType = 130)
 INSERT INTO TPLTaskFlow (FTaskType, FTaskName, FWebTplType, FWebTplID, FProgressPer, FUserName, FRefreshTime, FStatus,
@@ -101,7 +115,7 @@ WHERE o.FUpLoadStatus = 1 AND o.FOrderStatus = 14 AND o.FMergeStatus = 0 AND o.F
 
 void WriteOrderRecords(Connection& connection) {
   for (const std::string_view text :
-       {kStockBills, kSalesInvoices, kCostInvoices, kServedAddresses, kOutsideTask, kUploadRows}) {
+       {kStockBills, kSalesInvoices, kCostInvoices, kServedAddresses, kRefusedAddresses, kOutsideTask, kUploadRows}) {
     connection.Execute(text);
   }
   connection.Execute("EXEC p_WebBillTitleData");

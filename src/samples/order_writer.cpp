@@ -7,13 +7,13 @@ namespace {
 
 constexpr std::string_view kExtensionColumns =
     "FID,FOrderID,FLotNumber,FSerialNumber,FCreateDate,FAddressReachable,FParcelQuantity,FInsuredValue,FItemSummary,"
-    "FTplStatus,FTplFail,FTplOrderID,FTpName,FIsLock,FLockStatus,FLockReason";
+    "FTplStatus,FTplFail,FTplOrderID,FTpName,FIsLock,FLockStatus,FLockReason,FJzService";
 
 constexpr std::string_view kLineColumns =
     "FEntryID,FID,FIndex,FSiteOrderID,FChildOrderID,FItemID,FNumID,FSKUID,FOuterID,FOnlineTitle,FBarCode,FAttrCode,"
     "FAttrType,FUnitID,FQuantity,FPrice,FAmount,FDiscountFee,FEntryBillDiscountFee,FAfterDiscountAmount,FBuyerFreight,"
     "FIsFree,FMealID,FMealName,FPackagedGoods,FPromotionID,FStockID,FSPID,FBatchNo,FOutStockQuantity,FOutStockAmount,"
-    "FStatus,FIsRowClose,FUpLoadStatus,FRefundStatus,FRefundFID,FServiceType,FServiceSource,FServiceStatus,FEngraving,"
+    "FStatus,FRowClosed,FIsRowClose,FUpLoadStatus,FRefundStatus,FRefundFID,FServiceType,FServiceSource,FServiceStatus,FEngraving,"
     "FWrapping";
 
 /// The header's columns up to a stage.
@@ -24,7 +24,7 @@ std::string HeaderColumns(Stage stage) {
       "FZipCode,FDeliveryCountry,FDeliveryProvince,FDeliveryCity,FDeliveryDistrict,FDeliveryAddress,FDeliveryTime,"
       "FCurrencyID,FAmount,FDiscountFee,FBillDiscountFee,FTotalFreight,FInvoiceStatus,FInvoiceName,FInnerInvoice,"
       "FFeeBillNO,FOrderStatus,FTransactionType,FTransactionStatus,FSendType,FCheckStatus,FChkMan,FChkDate,FBiller,"
-      "FEmpID,FLogisticsID,FShippingType,FUpLoadStatus,FReasonsForFailure,FGiftCardText";
+      "FEmpID,FLogisticsID,FShippingType,FUpLoadStatus,FReasonsForFailure,FGiftCardText,FEMSStatus";
   if (stage >= Stage::kConfirmed) columns += ",FPickMan,FPickDate,FPickRem,FPickingGoodMan,FPrintPickCount";
   if (stage >= Stage::kChecked) columns += ",FPIckingGoodsStatus,FOrderPickingDate";
   if (stage >= Stage::kWeighed) {
@@ -37,8 +37,10 @@ std::string HeaderColumns(Stage stage) {
   return columns;
 }
 
-std::string_view LineState(const Scenario& scenario) {
-  switch (scenario.transaction_status) {
+std::string_view LineState(const Order& order, int index) {
+  // The shop closed the second line of some that are not delivered.
+  if (order.scenario->stage < Stage::kDelivered && order.key % 19 == 6 && index == 2) return "TRADE_CLOSED";
+  switch (order.scenario->transaction_status) {
     case code::kShipped:
       return "WAIT_BUYER_CONFIRM_GOODS";
     case code::kSucceeded:
@@ -48,6 +50,20 @@ std::string_view LineState(const Scenario& scenario) {
     default:
       return "WAIT_SELLER_SEND_GOODS";
   }
+}
+
+/// State of the electronic waybill: printed with the parcel, given before; now and then one was only asked for, or
+/// cancelled.
+int WaybillState(const Order& order) {
+  if (order.scenario->stage >= Stage::kWeighed) return 3;
+  if (order.scenario->stage == Stage::kWaiting) return 0;
+  return order.key % 7 == 0 ? 1 : order.key % 11 == 0 ? 4 : 2;
+}
+
+/// Whether somebody closed the line by hand: the last one of some orders that are not delivered.
+bool IsClosedByHand(const Order& order, int index) {
+  return order.scenario->stage < Stage::kDelivered && order.key % 17 == 4 && index > 1 &&
+         index == static_cast<int>(order.lines.size());
 }
 
 std::string Summary(const Order& order) {
@@ -90,6 +106,7 @@ void OrderWriter::WriteHeader(const Order& order) {
   const Scenario& scenario = *order.scenario;
   const Purchase& purchase = order.purchase;
   const bool postal = order.waybill.starts_with('E');
+  const bool is_checked = scenario.stage > Stage::kWaiting || scenario.lock > 0 || order.key % 23 != 5;
   InsertRows& rows = headers_[static_cast<std::size_t>(scenario.stage)];
   rows.Append(order.key, order.number, scenario.manual ? std::string() : purchase.site_order, order.unique_code,
               scenario.manual ? code::kManualOrder : code::kShopOrder, order.ordered, order.paid, order.flag,
@@ -103,9 +120,10 @@ void OrderWriter::WriteHeader(const Order& order) {
               order.invoice ? purchase.buyer : std::string(), order.invoice && OneIn(3, order) ? 1 : 0,
               order.cost_invoice != 0 ? std::to_string(order.cost_invoice) : std::string(), OrderStatus(scenario.stage),
               order.transaction_type, scenario.transaction_status,
-              scenario.offline ? code::kSentOffline : code::kSentOnline, 1, order.user, order.checked, order.user,
+              scenario.offline ? code::kSentOffline : code::kSentOnline, is_checked ? 1 : 0,
+              is_checked ? order.user : 0, is_checked ? std::optional(order.checked) : std::nullopt, order.user,
               order.seller->id, order.carrier, postal ? code::kPost : code::kExpress, scenario.upload, scenario.failure,
-              order.gift_card);
+              order.gift_card, WaybillState(order));
   if (scenario.stage >= Stage::kConfirmed) {
     const bool checked = scenario.stage >= Stage::kChecked || scenario.picking_check_failed;
     rows.Append(order.picker->number, order.picked, OneIn(20, order) ? "易碎" : "", checked ? order.user : 0,
@@ -140,9 +158,9 @@ void OrderWriter::WriteLine(const Order& order, const OrderLine& line, int index
   } else {
     rows.Append(Null{});
   }
-  rows.Append(delivered ? line.quantity : 0, Fixed{delivered ? after_discount : 0, 2}, LineState(scenario),
-              delivered ? 1 : 0, scenario.upload, refund ? 1 : 0, line.refund, refund ? (delivered ? 2 : 1) : 0,
-              refund ? 1 + order.key % 2 : 0,
+  rows.Append(delivered ? line.quantity : 0, Fixed{delivered ? after_discount : 0, 2}, LineState(order, index),
+              IsClosedByHand(order, index) ? 1 : 0, delivered ? 1 : 0, scenario.upload, refund ? 1 : 0, line.refund,
+              refund ? (delivered ? 2 : 1) : 0, refund ? 1 + order.key % 2 : 0,
               !refund                               ? 0
               : scenario.refund == Refund::kRefused ? code::kServiceRefused
                                                     : code::kServiceAsked,
@@ -179,7 +197,8 @@ void OrderWriter::WriteExtension(const Order& order, const MasterData& master) {
       order.lines.size() > 5 ? 2 : 1, Fixed{OneIn(10, order) ? order.amount() : 0, 2}, Summary(order),
       scenario.outside_state, scenario.outside_state == "2" ? "外包仓拒收" : "",
       scenario.outside_state == "1" || scenario.outside_state == "3" ? "W" + std::to_string(order.key) : std::string(),
-      outside ? "外包仓" : "", scenario.lock > 0 ? 1 : 0, scenario.lock, scenario.lock_reason);
+      outside ? "外包仓" : "", scenario.lock > 0 ? 1 : 0, scenario.lock, scenario.lock_reason,
+      OneIn(40, order) ? "JZ01,JZ03" : "");
   if (sent) rows.Append(master.trace_states[static_cast<std::size_t>(order.key) % master.trace_states.size()]);
   rows.EndRow();
 }

@@ -25,6 +25,7 @@ constexpr Switch kSwitches[] = {
     {"EC", "ECWeightting", "1", "启用称重"},
     {"EC", "MarkBilling", "0", "启用开票标记"},
     {"EC", "AddressReachable", "1", "检查地址是否可达"},
+    {"EC", "ThermalPrinting", "1", "使用热敏打印机"},
     {"EC", "TradeLog2001", "1", "记录日志:修改发货仓库"},
     {"EC", "TradeLog3003", "1", "记录日志:配货检验"},
     {"EC", "TradeLog3005", "1", "记录日志:返回上一步"},
@@ -38,6 +39,8 @@ struct Message {
   int id;
   int type;
   std::string_view name;
+  /// "" = the same.
+  std::string_view name_traditional = {};
 };
 
 constexpr Message kMessages[] = {
@@ -56,11 +59,11 @@ constexpr Message kMessages[] = {
     {code::kShipped, 3819, "卖家已发货"},
     {code::kSucceeded, 3819, "交易成功"},
     {code::kClosed, 3819, "交易关闭"},
-    {code::kServiceAsked, 843, "等待卖家同意"},
-    {84302, 843, "等待卖家收货"},
-    {code::kServiceRefused, 843, "卖家拒绝"},
-    {84304, 843, "售后成功"},
-    {84305, 843, "售后关闭"},
+    {code::kServiceAsked, 843, "等待卖家同意", "等待賣家同意"},
+    {84302, 843, "等待卖家收货", "等待賣家收貨"},
+    {code::kServiceRefused, 843, "卖家拒绝", "賣家拒絕"},
+    {84304, 843, "售后成功", "售後成功"},
+    {84305, 843, "售后关闭", "售後關閉"},
 };
 
 /// How often a document may be printed; 0 = as often as you like.
@@ -154,10 +157,13 @@ IF NOT EXISTS (SELECT 1 FROM t_SystemProfile WHERE FCategory=@category AND FKey=
                         values});
   }
   for (const Message& message : kMessages) {
-    SqlParameter values[] = {{"@id", "int", message.id}, {"@type", "int", message.type}, Text("@name", message.name)};
+    SqlParameter values[] = {{"@id", "int", message.id},
+                             {"@type", "int", message.type},
+                             Text("@name", message.name),
+                             Text("@traditional", message.name_traditional)};
     connection.Execute({R"(
 IF NOT EXISTS (SELECT 1 FROM t_SubMessage WHERE FInterID=@id)
-    INSERT INTO t_SubMessage (FInterID,FTypeID,FName) VALUES (@id,@type,@name)
+    INSERT INTO t_SubMessage (FInterID,FTypeID,FName,FName_CHT) VALUES (@id,@type,@name,@traditional)
 )",
                         values});
   }

@@ -44,9 +44,9 @@ TEST(SchemaTest, CompletesAnOlderDatabase) {
   const std::string shape = Shape(database.connection());
   database.connection().Execute(
       "DROP INDEX IX_Web2ERPOrdersEx_Lock ON IC_Web2ERPOrdersEx\n"
-      "ALTER TABLE IC_Web2ERPOrdersEx DROP COLUMN FIsLock, FLockStatus, FLockReason\n"
+      "ALTER TABLE IC_Web2ERPOrdersEx DROP COLUMN FIsLock, FLockStatus, FLockReason, FJzService\n"
       "ALTER TABLE IC_Web2ERPOrders DROP COLUMN FPrintPickCount, FPrintSendCount, FPrintExpressCount, FPrintSendList, "
-      "fisLocalChangeAddr, FPrintExpressUserID\n"
+      "fisLocalChangeAddr, FPrintExpressUserID, FEMSStatus\n"
       "ALTER TABLE t_MeasureUnit DROP COLUMN FItemID\n"
       "INSERT INTO t_MeasureUnit (FMeasureUnitID) VALUES (21)\n"
       "INSERT INTO IC_Web2ERPOrders (FID) VALUES (1)\n"

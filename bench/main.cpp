@@ -114,6 +114,7 @@ int main(int argc, char** argv) {
     bench::AddListBenchmarks();
     bench::AddStateBenchmarks();
     bench::AddUploadBenchmarks();
+    bench::AddOrderBenchmarks();
     bench::AddDayBenchmarks();
     bench::AddServeBenchmarks();
     bench::AddOdbcBenchmarks();

@@ -22,6 +22,7 @@ void AddListBenchmarks();
 void AddFrameBenchmarks();
 void AddStateBenchmarks();
 void AddUploadBenchmarks();
+void AddOrderBenchmarks();
 void AddDayBenchmarks();
 void AddServeBenchmarks();
 /// Nothing where there is no ODBC.

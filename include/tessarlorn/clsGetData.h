@@ -83,6 +83,22 @@ class clsGetData {
   /// Item, batch number, warehouse and stock place of the lines of orders.
   RecordsetPtr GetBatchNo(const Dictionary* dctPara);
 
+  // Pick lists.
+
+  /// What a pick list prints, in the order in which a picker walks.
+  RecordsetPtr GetPrintRecordsetForPick(const Dictionary* dctParam);
+
+  // Checks before delivery.
+
+  /// Those of the orders that are in refund, and why.
+  std::optional<Vector> CheckReturnBills(const Dictionary* dctPara);
+  /// What stops orders from being delivered, and the orders that may go.
+  std::optional<Dictionary> CheckBillStatus(const Dictionary* dctPara);
+  /// Those of the orders that are closed, wholly or in part.
+  std::optional<Vector> CheckCloseBill(const Dictionary* dctPara);
+  /// Those of the orders that are closed as a whole and not in refund.
+  std::optional<Vector> CheckCloseBillOnly(const Dictionary* dctPara);
+
   // Delivery prints.
 
   /// The total amount of each of the orders.
@@ -130,6 +146,18 @@ class clsGetData {
   std::optional<Dictionary> GetNeedAddressReachableInfo(std::string_view sDsn, std::string_view sFID);
   /// Those of the orders that have a carrier which does not serve their address.
   std::optional<Vector> GetNoAddressReachableInfo(std::string_view sDsn, std::string_view sFID);
+  /// The carriers to choose from.
+  RecordsetPtr GetLogisticsCompany(const Dictionary* dctPara);
+  /// The carriers whose electronic waybills are switched on for web shops.
+  RecordsetPtr GetStartElectronicLogistics(const Dictionary* dctPara);
+  /// Whether waybills go to a thermal printer.
+  bool IsThermalPrinting(std::string_view sDsn);
+  /// By which code the carrier of a shop's marketplace knows the shop.
+  std::string GetJDCustomerCode(const Dictionary* dctPara);
+  /// The account with a carrier, and the sender that its waybills name.
+  std::optional<Dictionary> GetBigAccountInfo(const Dictionary* dctPara);
+  /// The order of a parcel.
+  std::optional<Dictionary> GetOrderInfoByLogisticsOrder(const Dictionary* dctPara);
 
   // Outside warehouses. Lists of keys are texts with commas between the keys, "" when there is none.
 

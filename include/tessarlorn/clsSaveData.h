@@ -99,6 +99,16 @@ class clsSaveData {
 
   /// Records that the carrier serves the addresses of orders, or has them checked again.
   bool UpdateAddressReachableState(std::string_view sDsn, std::string_view sFID, std::int32_t lType);
+  /// Sets the carrier of orders.
+  bool SetUpLogisticsCompany(const Dictionary* dctPara);
+  /// Stores the state of the electronic waybill of orders, and its number.
+  bool UpdateEMSOrderStatus(const Dictionary* dctPara);
+  /// Stores how many parcels the shipments of orders have.
+  bool SetSFPackageQuantity(const Dictionary* dctPara);
+  /// Stores for how much orders are insured.
+  bool WriteInsuredAmount(const Dictionary* dctPara);
+  /// Stores the home-delivery and installation services of orders.
+  bool WriteJzservice(const Dictionary* dctPara);
 
   // Outside warehouses.
 

@@ -63,6 +63,17 @@ std::span<const Operation> GetOperations() {
       Bind<&clsGetData::bExistInvoice>(),
       Bind<&clsGetData::GetWebFIDByCostInoviceID>(),
       Bind<&clsGetData::GetTotalPriceChange>(),
+      Bind<&clsGetData::GetPrintRecordsetForPick>(),
+      Bind<&clsGetData::CheckReturnBills>(),
+      Bind<&clsGetData::CheckBillStatus>(),
+      Bind<&clsGetData::CheckCloseBill>(),
+      Bind<&clsGetData::CheckCloseBillOnly>(),
+      Bind<&clsGetData::GetLogisticsCompany>(),
+      Bind<&clsGetData::GetStartElectronicLogistics>(),
+      Bind<&clsGetData::IsThermalPrinting>(),
+      Bind<&clsGetData::GetJDCustomerCode>(),
+      Bind<&clsGetData::GetBigAccountInfo>(),
+      Bind<&clsGetData::GetOrderInfoByLogisticsOrder>(),
   };
   return kOperations;
 }

@@ -45,6 +45,11 @@ std::span<const Operation> SaveOperations() {
       Bind<&clsSaveData::ChangeStock>(),
       Bind<&clsSaveData::UpdateCostInvoiceStatus>(),
       Bind<&clsSaveData::UpdateAfterDeleteBill>(),
+      Bind<&clsSaveData::SetUpLogisticsCompany>(),
+      Bind<&clsSaveData::UpdateEMSOrderStatus>(),
+      Bind<&clsSaveData::SetSFPackageQuantity>(),
+      Bind<&clsSaveData::WriteInsuredAmount>(),
+      Bind<&clsSaveData::WriteJzservice>(),
   };
   return kOperations;
 }

@@ -55,6 +55,36 @@ inline constexpr Key kPrintCount[] = {
              "10143011 pick list, 10143012 delivery note, 10143013 waybill, 10143014 delivery list"),
 };
 
+inline constexpr Key kBillStatus[] = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Optional("FOrderStatus", kLong, kNowhere, "", "The state that the orders are to be in: 2, 6 or 14; none = any"),
+};
+
+inline constexpr Column kReturnColumns[] = {
+    kOrderKeyColumn,
+    kOrderNumberColumn,
+    {"FSiteOrderID", kString, "Number of the marketplace order"},
+    {"FReason", kString,
+     "Line numbers with commas between them, and the state of their service in the caller's language; the next state "
+     "behind a semicolon"},
+};
+
+inline constexpr Column kBillStatusColumns[] = {
+    {"Closed", kString, "Numbers of the orders that are closed, with commas between them"},
+    {"Refund", kString, "Those in refund"},
+    {"Unchecked", kString, "Those that are not checked"},
+    {"Locked", kString, "Those that are locked"},
+    {"WrongStatus", kString, "Those in another state than FOrderStatus"},
+    {"Pass", kString, "Keys of the orders with none of these, with commas between them"},
+};
+
+inline constexpr Column kCloseColumns[] = {
+    kOrderKeyColumn,
+    kOrderNumberColumn,
+    {"FCloseType", kLong, "1 = closed, 2 = some of its lines are"},
+};
+
 inline constexpr Column kTotalColumns[] = {{"FTotalAmount", kDecimal, "Sum of the amounts of an order's lines"}};
 
 inline constexpr Column kPrintColumns[] = {
@@ -236,6 +266,51 @@ inline constexpr Contract kContract<&clsGetData::bIsWeightting> = {
     .source = "bIsWeightting",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory}},
     .help = "Whether weighing is switched on (setting ECWeightting). False without sDsn or such a setting.",
+};
+
+template <>
+inline constexpr Contract kContract<&clsGetData::CheckReturnBills> = {
+    .name = "CheckReturnBills",
+    .source = "CheckReturnBills",
+    .arguments = {{.name = "dctPara", .keys = kOrders}},
+    .help =
+        "Those of the orders that are in refund: a line that is not closed (by hand, or by the shop as TRADE_CLOSED) "
+        "has a refund asked for and not refused. None with the setting NotCheckRefundOnStatus. Nothing without sDSN or "
+        "FID; an empty Vector when no order is in refund.",
+    .columns = delivery::kReturnColumns,
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::CheckBillStatus> = {
+    .name = "CheckBillStatus",
+    .source = "CheckReturnBills",
+    .arguments = {{.name = "dctPara", .keys = delivery::kBillStatus}},
+    .help =
+        "What stops orders from being delivered. An order is closed when its transaction is (38195) or when it has "
+        "lines and each is closed, by hand or by the shop (TRADE_CLOSED); in refund as CheckReturnBills says; "
+        "unchecked when FCheckStatus is not 1; locked when its extension says so. An order can stand under several. "
+        "Nothing without sDSN or FID.",
+    .errors = "13 for an FOrderStatus that is no number",
+    .columns = delivery::kBillStatusColumns,
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::CheckCloseBill> = {
+    .name = "CheckCloseBill",
+    .source = "CheckCloseBill",
+    .arguments = {{.name = "dctPara", .keys = kOrders}},
+    .help =
+        "Those of the orders that are closed or have a closed line; CheckBillStatus says what closed is. Nothing "
+        "without sDSN or FID; an empty Vector when there is none.",
+    .columns = delivery::kCloseColumns,
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::CheckCloseBillOnly> = {
+    .name = "CheckCloseBillOnly",
+    .source = "CheckCloseBillOnly",
+    .arguments = {{.name = "dctPara", .keys = kOrders}},
+    .help =
+        "Those of the orders that are closed as a whole and not in refund as well. Nothing without sDSN or FID; an "
+        "empty Vector when there is none.",
+    .columns = delivery::kCloseColumns,
 };
 
 }  // namespace tessarlorn

@@ -16,6 +16,10 @@ Variant CallSibling(DataSession& session, std::string_view prog_id, std::string_
 
 std::string LanguageOf(const SessionContext& context) { return UpperCase(Trim(context.GetLanguage())); }
 
+std::string_view NameColumn(const SessionContext& context) {
+  return LanguageOf(context) == "CHS" ? "FName" : "FName_CHT";
+}
+
 std::int32_t CurrentUserId(DataSession& session) {
   const std::array<Variant, 1> caller = {session.GetContext().GetCallerInfo()};
   return CallSibling(session, "QuorBase.SecurityInfo", "GetCurrentUserID", caller).ToInt32();

@@ -19,6 +19,9 @@ Variant CallSibling(DataSession& session, std::string_view prog_id, std::string_
 /// The session's language in capitals: "CHS", "CHT", …
 std::string LanguageOf(const SessionContext& context);
 
+/// The column with a name of a carrier or a place in the caller's language.
+std::string_view NameColumn(const SessionContext& context);
+
 /// Id of the acting user, from the security component.
 std::int32_t CurrentUserId(DataSession& session);
 

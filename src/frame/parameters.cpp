@@ -28,6 +28,13 @@ std::string Parameters::TextOrDefault(const Key& key) const {
   return value == nullptr ? std::string(key.fallback) : value->ToText();
 }
 
+std::int32_t Parameters::Number(std::string_view key) const {
+  const Variant* value = Find(key);
+  if (value == nullptr || value->is_empty()) return 0;
+  const auto* text = value->get_if<std::string>();
+  return text != nullptr && text->empty() ? 0 : value->ToInt32();
+}
+
 const Variant& Parameters::Value(std::string_view key) const {
   static const Variant kMissing;
   const Variant* value = Find(key);

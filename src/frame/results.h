@@ -1,6 +1,7 @@
 // What operations make of the rows that a query answers.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -17,6 +18,9 @@ bool ReadFlag(Connection& connection, std::string_view query);
 
 /// The texts of a field in all rows with commas between them, "" for no row.
 std::string JoinColumn(const RecordsetPtr& rows, std::string_view field);
+
+/// The values of the columns in the first row, Nothing for no row.
+std::optional<Dictionary> FirstRow(const RecordsetPtr& rows, std::span<const Column> columns);
 
 /// One Dictionary a row, with the values of the columns. Empty for no row.
 Vector RowDictionaries(const RecordsetPtr& rows, std::span<const Column> columns);

@@ -42,6 +42,12 @@ inline constexpr Key kBatch[] = {
     Optional("FEntryID", kLong, kBareNumber, "0", "Line key"),
 };
 
+inline constexpr Key kPickList[] = {
+    ConnectionKey("sDSN"),
+    kOrdersKey,
+    Optional("Mode", kLong, kNowhere, "0", "1 collects what all the orders need, anything else lists their lines"),
+};
+
 inline constexpr Key kPrinted[] = {
     Optional("FID", kLong, kBareNumber, "", "Order key; the first value counts, whatever its name")};
 
@@ -53,6 +59,37 @@ inline constexpr Column kStockPlaceColumns[] = {
     {"FDefaultStockPlaceGroupName", kString, "Name of the group"},
     {"FDefaultStockPlaceName", kString, "Name of the default stock place"},
     {"FDefaultItemStockPlaceID", kLong, "The item's own stock place when this is its own warehouse, else 0"},
+};
+
+/// Those of Mode 0.
+inline constexpr Column kPickListColumns[] = {
+    kOrderKeyColumn,
+    kOrderNumberColumn,
+    {"FUniqueCode", kDecimal, "Unique code of the order"},
+    {"FLotNumber", kString, "Print run that the order is in; Null without header extension"},
+    {"FSerialNumber", kString, "Its place in that run"},
+    {"FWebShopName", kString, "Web shop"},
+    {"FConsignee", kString, "Who receives the parcel"},
+    {"FBuyerMessage", kString, "What the buyer wishes"},
+    {"FSellerMessage", kString, "Remark of the seller"},
+    {"FPickRem", kString, "Remark for the picker"},
+    {"FLogisticsName", kString, "Carrier, in the caller's language; Null without one"},
+    {"FEntryID", kLong, "Line key"},
+    {"FIndex", kLong, "Line number in the order"},
+    {"FNumber", kString, "Number of the item"},
+    {"FItemName", kString, "Name of the item"},
+    {"FModel", kString, "Model of the item"},
+    {"FAttrName", kString, "Auxiliary attribute, such as a colour; Null without one"},
+    {"FBarCode", kString, "Bar code of the goods"},
+    {"FQuantity", kDecimal, "Quantity"},
+    {"FUnitName", kString, "Its unit"},
+    {"FBatchNo", kString, "Batch number"},
+    {"FIsFree", kLong, "1 = gift"},
+    {"FMealName", kString, "Set meal that the line is part of"},
+    {"FStockID", kLong, "Warehouse, its id"},
+    {"FStockName", kString, "Its name"},
+    {"FSPNumber", kString, "Number of the stock place; Null without one"},
+    {"FSPName", kString, "Its name"},
 };
 
 inline constexpr Column kBatchColumns[] = {
@@ -195,6 +232,20 @@ inline constexpr Contract kContract<&clsGetData::GetBatchNo> = {
         "Item, batch number, warehouse and stock place of the lines of orders; one row with Nulls for an order "
         "without lines. Nothing without sDSN or FID.",
     .columns = picking::kBatchColumns,
+};
+template <>
+inline constexpr Contract kContract<&clsGetData::GetPrintRecordsetForPick> = {
+    .name = "GetPrintRecordsetForPick",
+    .source = "TessarLornPickingAndDelivery.clsGetData.GetPrintRecordsetForPick",
+    .arguments = {{.name = "dctParam", .keys = picking::kPickList}},
+    .help =
+        "What a pick list prints, in walking order: warehouse, place, item, print run and serial number, order, line. "
+        "The place is the line's own, else the item's usual one when that is in the line's warehouse, else the default "
+        "of the warehouse. Left out are lines closed by hand, lines with a refund under way (asked for and not "
+        "refused), and price-difference goods. With Mode 1 one row for each place, item, attribute, unit and batch of "
+        "all the orders: the same columns without those of orders and lines, the quantities summed, FOrders the "
+        "number of orders, FSerialNumbers their serial numbers with commas between them. Nothing without sDSN or FID.",
+    .columns = picking::kPickListColumns,
 };
 
 }  // namespace tessarlorn

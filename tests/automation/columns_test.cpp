@@ -50,7 +50,12 @@ TEST(ColumnsTest, OfEveryAnswerAreThoseOfTheContract) {
   constexpr int kOrderCount = 50;
   SampleDatabase database(kOrderCount, 5);
   database.connection().Execute("UPDATE IC_Web2ERPOrders SET FInvoiceStatus = 1, FInnerInvoice = 0 WHERE FID = 1");
-  const auto sample = [&](auto, auto, Standing stands) {
+  const auto sample = [&](std::string_view name, auto, Standing stands) {
+    if (name == "FWebShopID") return Variant(101);
+    if (name == "FLogisticsID") return Variant(301);
+    if (name == "FLogisticsOrder")
+      return database.connection().Execute("SELECT MAX(FUniqueCode) FROM IC_Web2ERPOrders")->Get(std::size_t{0});
+    if (name == "Mode") return Variant(0);
     return stands == Standing::kKeyList ? Variant(KeysTo(kOrderCount)) : Variant(1);
   };
   for (const Operation* const operation : Operations()) {

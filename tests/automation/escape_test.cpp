@@ -13,7 +13,7 @@ constexpr const char* kText = "O'B \"x\" ]";
 constexpr std::string_view kFixed =
     " FID=1 sFID=1 sFIDs=1 strIDs=1 sInterFID=1 EntryID=0 OPCode=3008 ItemID=0 StrSql=SELECT(1) sFiter=1=1 "
     "lTranType=71 AdvancedFilter= FGoodsCount= FEntryCount= icboTpl= icboCainiao= OtherFilterOne= taskID= "
-    "pageTable=pageTable strTempTable=Reports sFKey=1014301_O'B key=101 ";
+    "FJzService= pageTable=pageTable strTempTable=Reports sFKey=1014301_O'B key=101 ";
 
 Variant Sample(std::string_view name, ValueType type, Standing /*stands*/) {
   const std::size_t found = kFixed.find(" " + std::string(name) + "=");
@@ -70,6 +70,7 @@ TEST_F(EscapeTest, KeepsTextsWholeInEveryOperation) {
        {"FConsignee, FZipCode, FTelephone, FMobile, FDeliveryAddress FROM IC_Web2ERPOrders WHERE FID=1",
         whole + whole + whole + whole + whole}},
       {"UpdateCostInvoiceStatus", {"FFeeBillNO FROM IC_Web2ERPOrders WHERE FID=1", whole}},
+      {"UpdateEMSOrderStatus", {"FLogisticsOrder FROM IC_Web2ERPOrders WHERE FID=1", whole}},
       {"GetUploadDataByTab",
        {"FTaskID, FSiteOrderID, FLogisticsNumber, FLogisticsOrder, FOrderID FROM IC_UploadWebOrderIndicator",
         whole + whole + whole + whole + whole}},

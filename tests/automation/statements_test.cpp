@@ -21,6 +21,7 @@ Variant Sample(std::string_view name, ValueType type, Standing stands) {
   if (name == "sFKey") return "1014301_FStockID";
   if (name == "PrintID") return 10143012;
   if (name == "FPickingGoodsstatus") return 1;
+  if (name == "FEMSStatus") return 3;
   if (name == "FID" && (stands == Standing::kKeyList || stands == Standing::kBareNumber)) return "12";
   if (name == "sFID" || name == "strFids" || name == "strIDs") return "12,15";
   if (type == ValueType::kBoolean) return true;
@@ -37,7 +38,10 @@ constexpr std::string_view kFields =
     "FPrintControlOrNo FPrintMaxCount FUniqueCode FPrintSendCount FValue FWebShopType FStatus=0 FEntryID FStockID "
     "FStockName=<stock> FDefaultStockPlaceGroupID FDefaultStockPlaceGroupName=<group> FDefaultStockPlaceName=<place> "
     "FDefaultItemStockPlaceID FWebtplType FWebtplID FIndex FWeight FGrossUnitName=KG FUnitName=KG FCoefficient "
-    "TotalLogisticsCosts UserDefineFld=,t1.<user-field>";
+    "TotalLogisticsCosts UserDefineFld=,t1.<user-field> FCode=<FJzService> FIsLock FCheckStatus FOrderStatus "
+    "FCloseType FInRefund FServiceStatusName FCustomerCode Account MonthlyCode Sender SenderPhone SenderProvince "
+    "SenderCity SenderDistrict SenderAddress Template FLogisticsName FConsignee FPIckingGoodsStatus FWeighttingStatus "
+    "FParcelQuantity Count";
 
 RecordsetPtr Answer(std::string_view text) {
   if (text.starts_with(" select count(1) as Fcount")) return TextRows({"Fcount"}, {{"0"}});
@@ -202,8 +206,10 @@ Way Found(Host& host, const Operation& operation, const Place& place, std::strin
   if (sent.find("mq'z") != std::string::npos) return Way::kBare;
   if (sent.find("mq''z") != std::string::npos) return IsBetweenQuotes(sent, "mq''z") ? Way::kQuoted : Way::kBare;
   if (sent.find("mqz") != std::string::npos) return IsBetweenQuotes(sent, "mqz") ? Way::kStripped : Way::kBare;
-  const std::string with_number = SentWith(host, operation, place, 987654, without);
-  return with_number.find("987654") == std::string::npos ? Way::kNowhere : Way::kNumber;
+  // Some take small numbers only.
+  const std::string number = place.key == "FEMSStatus" ? "4" : place.key == "FParcelQuantity" ? "298" : "987654";
+  const std::string with_number = SentWith(host, operation, place, Variant(number).ToInt32(), without);
+  return with_number.find(number) == std::string::npos ? Way::kNowhere : Way::kNumber;
 }
 
 Way Expected(Standing stands) {

@@ -35,6 +35,8 @@ constexpr std::array kPicking = std::to_array<OperationExample>({
     {"GetBatchNo", "dctPara.FID=3 --columns FEntryID,FNumber,FItemName,FBatchNo"},
     {"SavePrintSerialNumber", R"('vctOrderInfo=[{"FID":44},{"FID":43}]')"},
     {"GetUniqueCodeIndex", "dctParam.FID=42,43,44"},
+    {"GetPrintRecordsetForPick",
+     "dctParam.FID=42,43 --columns FStockName,FSPNumber,FNumber,FItemName,FQuantity,FOrderID"},
 });
 
 constexpr std::array kDelivery = std::to_array<OperationExample>({
@@ -52,6 +54,10 @@ constexpr std::array kDelivery = std::to_array<OperationExample>({
      R"('vctPara=[{"FID":43,"FLogisticsOrder":"QL1000000002","FWeight":1.25,"FLogisticsCost":12}]')"},
     {"ModifyCost", "dctPara.FID=43,44 dctPara.LogisticsCosts=9.5"},
     {"GetTotalLogisticsCosts", "dctPara.FID=43,44"},
+    {"CheckBillStatus", "dctPara.FID=42,43,44,45 dctPara.FOrderStatus=6"},
+    {"CheckReturnBills", "dctPara.FID=1,2,42,43"},
+    {"CheckCloseBill", "dctPara.FID=1,2,42,43"},
+    {"CheckCloseBillOnly", "dctPara.FID=1,2,42,43"},
     {"Delivery", "dctPara.FID=43,44"},
     {"UpdateDeliveryData", "sFID=43,44"},
     {"BackToThePreviousStep", "dctPara.FID=44 dctPara.UpdateFlag=True"},
@@ -62,6 +68,17 @@ constexpr std::array kCarriers = std::to_array<OperationExample>({
     {"GetNeedAddressReachableInfo", "sFID=45,48"},
     {"UpdateAddressReachableState", "sFID=45,48 lType=1"},
     {"GetNoAddressReachableInfo", "sFID=31,42"},
+    {"GetLogisticsCompany", "dctPara.FID=42,43"},
+    {"SetUpLogisticsCompany", "dctPara.FID=42,43 dctPara.FLogisticsID=302"},
+    {"GetStartElectronicLogistics", "dctPara.FWebShopID=101"},
+    {"GetBigAccountInfo", "dctPara.FLogisticsID=301 dctPara.FWebShopID=101"},
+    {"GetJDCustomerCode", "dctPara.FWebShopID=102"},
+    {"IsThermalPrinting", ""},
+    {"SetSFPackageQuantity", "dctPara.FID=43 dctPara.FParcelQuantity=2"},
+    {"WriteInsuredAmount", "dctPara.FID=43 dctPara.FInsuredValue=199.5"},
+    {"WriteJzservice", "dctPara.FID=43 dctPara.FJzService=JZ01,JZ03"},
+    {"UpdateEMSOrderStatus", "dctPara.FID=43 dctPara.FEMSStatus=2 dctPara.FLogisticsOrder=QL1000000003"},
+    {"GetOrderInfoByLogisticsOrder", "dctPara.FLogisticsOrder=QL1000000003"},
 });
 
 constexpr std::array kUpload = std::to_array<OperationExample>({

@@ -54,9 +54,11 @@ SELECT  t.FStockID ,
         t.FUnitName ,
         t.FBatchNo ,
         COUNT(1) AS FOrders ,
-        ISNULL(STRING_AGG(CAST(NULLIF(t.FSerialNumber, '') AS nvarchar(max)), ','), '') AS FSerialNumbers
+        ISNULL(STRING_AGG(CAST(NULLIF(t.FSerialNumber, '') AS nvarchar(max)), ',')
+               WITHIN GROUP (ORDER BY t.FLotNumber, LEN(t.FSerialNumber), t.FSerialNumber), '') AS FSerialNumbers
 FROM    (
 SELECT  t1.FID ,
+        t9.FLotNumber ,
         t9.FSerialNumber ,
         t2.FStockID ,
         t6.FNumber AS FStockNumber ,
@@ -104,8 +106,8 @@ ORDER BY t6.FNumber, t8.FNumber, t3.FNumber, t9.FLotNumber, LEN(t9.FSerialNumber
 )"_sql;
 
 constexpr std::string_view kCollected = R"(
-GROUP BY t1.FID, t9.FSerialNumber, t2.FStockID, t6.FNumber, t6.FName, t8.FSPID, t8.FNumber, t8.FName, t2.FItemID,
-         t3.FNumber, t3.FName, t3.FModel, t2.FAttrCode, t5.FName, t4.FName, ISNULL(t2.FBatchNo, '')
+GROUP BY t1.FID, t9.FLotNumber, t9.FSerialNumber, t2.FStockID, t6.FNumber, t6.FName, t8.FSPID, t8.FNumber, t8.FName,
+         t2.FItemID, t3.FNumber, t3.FName, t3.FModel, t2.FAttrCode, t5.FName, t4.FName, ISNULL(t2.FBatchNo, '')
         ) t
 GROUP BY t.FStockID, t.FStockNumber, t.FStockName, t.FSPID, t.FSPNumber, t.FSPName, t.FItemID, t.FNumber, t.FItemName,
          t.FModel, t.FAttrCode, t.FAttrName, t.FUnitName, t.FBatchNo

@@ -64,8 +64,8 @@ TEST_F(PickListTest, CollectsWhatAllOrdersNeed) {
                                    "FOrders", "FSerialNumbers"}),
             "A P-23 X1 - b 5.0000 1  \n"
             "B P-02 X1 red b 1.0000 1 10 \n"
-            "B P-11 X1 red b 5.0000 2 10,2 \n"
-            "B P-13 X2 -  5.0000 2 10,2 \n"
+            "B P-11 X1 red b 5.0000 2 2,10 \n"
+            "B P-13 X2 -  5.0000 2 2,10 \n"
             "C - X1 - b 6.0000 1  \n");
 }
 

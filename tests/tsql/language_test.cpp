@@ -52,6 +52,9 @@ TEST(Language, QueriesOfManyShapes) {
       {"select FState, avg(FAmount) as a from o group by FState having max(FID) < 3 order by FState",
        "FState|a;2|10.500000;6|20.000000"},
       {"select string_agg(FCode, ',') as s from e", "s;A1,a1 "},
+      {"select k, string_agg(v, '-') within group (order by len(v), v desc) as s from (values (1,'10'),(1,'2'),(1,'3'),"
+       "(2,null),(1,null)) t(k,v) group by k order by k",
+       "k|s;1|3-2-10;2|NULL"},
       {"select FID from o where FName in ('BOB', N'李四') and not (FID = 2)", "FID;3"},
       {"create table #k (k int) insert #k values (2),(2),(null),(7) select FID from o where exists(select 1 from #k where k=o.FID) drop table #k",
        "FID;2"},

@@ -1,7 +1,12 @@
-// Aggregates that SQLite lacks: the only row of a scalar subquery, and sums of long decimals.
+// Aggregates that SQLite lacks: the only row of a scalar subquery, sums of long decimals, and texts joined in an order.
+#include <algorithm>
 #include <memory>
 #include <new>
+#include <string>
+#include <type_traits>
+#include <vector>
 
+#include "platform/unicode/collation.h"
 #include "tsql/functions/functions.h"
 #include "tsql/functions/sqlite_value.h"
 
@@ -76,12 +81,80 @@ void EndSum(sqlite3_context* context) {
   Guarded(context, RuntimeOf(context), [&] { SetResult(context, FromDecimal(state->total, state->result)); });
 }
 
+struct JoinedText {
+  std::vector<Datum> keys;
+  std::string text;
+};
+
+struct Joined {
+  std::vector<JoinedText> texts;
+  std::string separator;
+  std::string directions;  // 'a' or 'd' for each key
+};
+
+/// As SQLite orders a column: NULL first.
+int CompareKeys(const Datum& a, const Datum& b) {
+  if (a.index() != b.index()) return a.index() < b.index() ? -1 : 1;
+  return std::visit(
+      [&b](const auto& left) {
+        using T = std::decay_t<decltype(left)>;
+        const auto& right = std::get<T>(b);
+        if constexpr (std::is_same_v<T, std::monostate>) {
+          return 0;
+        } else if constexpr (std::is_same_v<T, std::string>) {
+          return CompareText(left, right);
+        } else if constexpr (std::is_same_v<T, Blob>) {
+          return left.bytes.compare(right.bytes);
+        } else {
+          return left < right ? -1 : left > right ? 1 : 0;
+        }
+      },
+      a);
+}
+
+// ts_string_agg(text, separator, directions, key, …)
+void StepJoined(sqlite3_context* context, int count, sqlite3_value** values) {
+  if (IsNull(values[0])) return;
+  Guarded(context, RuntimeOf(context), [&] {
+    auto* state = StateOf<Joined>(context, true);
+    if (state->texts.empty()) {
+      state->separator = TextOf(values[1]);
+      state->directions = TextOf(values[2]);
+    }
+    JoinedText& joined = state->texts.emplace_back();
+    joined.text = TextOf(values[0]);
+    for (int i = 3; i < count; ++i) joined.keys.push_back(ToDatum(values[i]));
+    RuntimeOf(context).memory.Charge(sizeof(JoinedText) + joined.text.size() + joined.keys.size() * sizeof(Datum));
+  });
+}
+
+void EndJoined(sqlite3_context* context) {
+  const auto state = TakeState<Joined>(context);
+  if (state == nullptr) return;
+  Guarded(context, RuntimeOf(context), [&] {
+    std::stable_sort(state->texts.begin(), state->texts.end(), [&](const JoinedText& a, const JoinedText& b) {
+      for (std::size_t i = 0; i < a.keys.size(); ++i) {
+        const int order = CompareKeys(a.keys[i], b.keys[i]);
+        if (order != 0) return (order < 0) == (state->directions[i] == 'a');
+      }
+      return false;
+    });
+    std::string all;
+    for (const JoinedText& joined : state->texts) {
+      if (&joined != state->texts.data()) all += state->separator;
+      all += joined.text;
+    }
+    SetText(context, all);
+  });
+}
+
 }  // namespace
 
 void RegisterAggregates(sqlite3* database, Runtime& runtime) {
   constexpr int kFlags = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
   sqlite3_create_function_v2(database, "ts_single", 1, kFlags, &runtime, nullptr, StepSingle, EndSingle, nullptr);
   sqlite3_create_function_v2(database, "ts_sum", 3, kFlags, &runtime, nullptr, StepSum, EndSum, nullptr);
+  sqlite3_create_function_v2(database, "ts_string_agg", -1, kFlags, &runtime, nullptr, StepJoined, EndJoined, nullptr);
 }
 
 }  // namespace tessarlorn::tsql

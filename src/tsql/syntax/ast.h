@@ -123,6 +123,7 @@ struct FunctionCall {
   std::vector<ExpressionPtr> arguments;  // the first one of IIF is a condition
   bool distinct = false;                 // of an aggregate
   std::string date_part;                 // of DATEADD and its like, in lower case
+  std::vector<OrderItem> within;         // WITHIN GROUP (ORDER BY …)
   std::unique_ptr<Window> window;        // null when none
 };
 

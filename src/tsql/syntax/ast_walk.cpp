@@ -27,7 +27,10 @@ class Operands {
   }
   void operator()(const CastExpression& node) const { Take(node.value); }
   void operator()(const ConvertExpression& node) const { Take(node.value, node.style); }
-  void operator()(const FunctionCall& node) const { TakeAll(node.arguments); }
+  void operator()(const FunctionCall& node) const {
+    TakeAll(node.arguments);
+    for (const OrderItem& item : node.within) TakeOne(item.expression);
+  }
   void operator()(const IdentityCall& node) const { TakeAll(node.arguments); }
   void operator()(const CollateExpression& node) const { Take(node.value); }
   void operator()(const Comparison& node) const { Take(node.left, node.right); }

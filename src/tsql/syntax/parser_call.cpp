@@ -92,7 +92,7 @@ ExpressionPtr Parser::ParseCall() {
       break;
   }
   ParseArguments(call);
-  if (At("within"_kw)) Refuse("WITHIN GROUP");
+  if (Accept("within"_kw)) call.within = ParseWithinGroup(call.name);
   if (Accept("over"_kw)) call.window = ParseWindow();
   return MakeExpression(line, std::move(call));
 }
@@ -112,6 +112,17 @@ void Parser::ParseArguments(FunctionCall& call) {
     } while (Accept(Op::kComma));
   }
   Expect(Op::kRightParen);
+}
+
+std::vector<OrderItem> Parser::ParseWithinGroup(const std::string& function) {
+  if (function != "string_agg") Refuse("WITHIN GROUP of " + UpperCase(function));
+  Expect("group"_kw);
+  Expect(Op::kLeftParen);
+  Expect("order"_kw);
+  Expect("by"_kw);
+  std::vector<OrderItem> order = ParseOrderItems();
+  Expect(Op::kRightParen);
+  return order;
 }
 
 std::unique_ptr<Window> Parser::ParseWindow() {

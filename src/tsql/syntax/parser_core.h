@@ -130,6 +130,7 @@ class Parser {
   ExpressionPtr ParseCallWithoutParens();
   ExpressionPtr ParseCall();
   void ParseArguments(FunctionCall& call);
+  std::vector<OrderItem> ParseWithinGroup(const std::string& function);
   std::unique_ptr<Window> ParseWindow();
   std::string ParseFrame();
   std::string ParseFrameBound();

@@ -35,6 +35,22 @@ Typed Total(const Call& call, const Typed& value) {
           true, -1};
 }
 
+/// STRING_AGG. @param separator SQL
+Typed Joined(const Call& call, const Typed& value, const std::string& separator) {
+  const SqlType type = value.type.is_national() || !value.type.is_text() ? NVarCharType(4000) : VarCharType(8000);
+  const std::string text = call.Coerced(value, NVarCharType(0));
+  if (call.within().empty()) return {"group_concat(" + text + ", " + separator + ")", type, true, -1};
+  std::string directions;
+  std::string keys;
+  for (const OrderItem& item : call.within()) {
+    const Typed key = call.translation().Value(*item.expression, call.scope());
+    if (key.type.has_offset()) RaiseUnsupported("WITHIN GROUP ordered by a datetimeoffset", call.line());
+    directions += item.descending ? 'd' : 'a';
+    keys += ", " + key.sql;
+  }
+  return {"ts_string_agg(" + text + ", " + separator + ", '" + directions + "'" + keys + ")", type, true, -1};
+}
+
 }  // namespace
 
 bool IsAggregate(std::string_view name) {
@@ -61,13 +77,13 @@ Typed AggregateCall(const Call& call) {
   call.Require(name == "string_agg" ? 2 : 1);
   ++depth;
   const Typed value = call.Value(0);
-  const std::string separator = name == "string_agg" ? call.Text(1) : std::string();
+  if (name == "string_agg") {
+    const Typed joined = Joined(call, value, call.Text(1));
+    --depth;
+    return joined;
+  }
   --depth;
   if (count) return CountOf(call, (call.distinct() ? "DISTINCT " : "") + Collated(value));
-  if (name == "string_agg") {
-    const SqlType type = value.type.is_national() || !value.type.is_text() ? NVarCharType(4000) : VarCharType(8000);
-    return {"group_concat(" + call.Coerced(value, NVarCharType(0)) + ", " + separator + ")", type, true, -1};
-  }
   if ((name == "min" || name == "max") && value.type.kind != FieldType::kBit) {
     return {name + "(" + Collated(value) + ")", value.type, true, -1};
   }

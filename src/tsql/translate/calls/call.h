@@ -20,6 +20,7 @@ class Call {
   [[nodiscard]] std::size_t count() const { return written_.arguments.size(); }
   [[nodiscard]] const std::string& date_part() const { return written_.date_part; }
   [[nodiscard]] bool distinct() const { return written_.distinct; }
+  [[nodiscard]] const std::vector<OrderItem>& within() const { return written_.within; }
   [[nodiscard]] const Window* window() const { return written_.window.get(); }
   [[nodiscard]] std::uint32_t line() const { return line_; }
   [[nodiscard]] Translation& translation() const { return translation_; }

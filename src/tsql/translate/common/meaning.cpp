@@ -38,7 +38,9 @@ struct OwnPart {
   std::string operator()(const CastExpression& node) const { return TypeOf(node.type, node.attempt); }
   std::string operator()(const ConvertExpression& node) const { return TypeOf(node.type, node.attempt); }
   std::string operator()(const FunctionCall& node) const {
-    return node.name + (node.distinct ? ":d:" : "::") + node.date_part;
+    std::string text = node.name + (node.distinct ? ":d:" : "::") + node.date_part;
+    for (const OrderItem& item : node.within) text += item.descending ? ":d" : ":a";
+    return text;
   }
   std::string operator()(const IdentityCall& node) const { return TypeOf(node.type, false); }
   std::string operator()(const CollateExpression& node) const { return LowerCase(node.collation); }

@@ -17,7 +17,7 @@ CREATE TABLE IC_LogisticsAccount (
   FLogisticsID int NOT NULL,                               -- IC_Logistics
   FWebShopID int NOT NULL DEFAULT 0,                       -- 0 = every shop without an account of its own
   FAccount nvarchar(80) NOT NULL DEFAULT '',
-  FSecret nvarchar(255) NOT NULL DEFAULT '',               -- for the program that asks for waybills; no operation reads it
+  FSecret nvarchar(255) NOT NULL DEFAULT '',               -- for the program that asks for waybills
   FCustomerCode nvarchar(80) NOT NULL DEFAULT '',          -- the carrier's number of the merchant
   FMonthlyCode nvarchar(80) NOT NULL DEFAULT '',           -- for monthly billing
   FIsStarted int NOT NULL DEFAULT 0,                       -- 1 = electronic waybills are switched on

@@ -86,6 +86,8 @@ class Error : public std::runtime_error {
 
 /// Raise automation's standard errors. Their Source is "TessarLornPickingAndDelivery".
 [[noreturn]] void RaiseTypeMismatch();
+/// Raises 5 "Invalid procedure call or argument: " and what is wrong.
+[[noreturn]] void RaiseInvalidArgument(const std::string& what);
 [[noreturn]] void RaiseOverflow();
 /// @param number one of `error_number`; @param description names the thing at fault.
 [[noreturn]] void Raise(std::int32_t number, const std::string& description);

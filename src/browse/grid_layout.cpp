@@ -20,7 +20,7 @@ std::string_view CaptionColumn(const SessionContext& context) {
 Variant ReadChoices(Connection& connection, const Recordset& field, const std::string& list) {
   const std::size_t from = list.find("FROM");
   if (from == std::string::npos) {
-    Raise(error_number::kInvalidArgument, "Invalid procedure call or argument: FLookUpList without FROM: " + list);
+    RaiseInvalidArgument("FLookUpList without FROM: " + list);
   }
   TextBuilder text;
   text.Line("declare @s varchar(1000)");

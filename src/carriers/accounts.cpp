@@ -51,7 +51,7 @@ SELECT  TOP 1 t2.FCustomerCode
 FROM    IC_WebshopToStorage t1 with(nolock)
         INNER JOIN IC_LogisticsAccount t2 with(nolock) ON t1.FOwnLogisticsID = t2.FLogisticsID
                                                           AND t2.FWebShopID IN (0, t1.FWebShopID)
-WHERE   t1.FWebShopID = {shop}
+WHERE   t1.FWebShopID = {shop} AND t2.FCustomerCode <> ''
 ORDER BY t2.FWebShopID DESC
 )"_sql,
                 {{"shop", parameters.Number("FWebShopID")}});

@@ -25,10 +25,7 @@ ORDER BY t2.FID
 )"_sql,
               {{"FID", call.orders}, {"carrier", carrier}});
   RecordsetPtr orders = call.connection.Query(text.GetText());
-  if (orders->eof()) {
-    Raise(error_number::kInvalidArgument,
-          "Invalid procedure call or argument: there is no carrier " + std::to_string(carrier));
-  }
+  if (orders->eof()) RaiseInvalidArgument("there is no carrier " + std::to_string(carrier));
   return orders;
 }
 

@@ -61,7 +61,7 @@ inline constexpr Key kParcels[] = {
 inline constexpr Key kInsured[] = {
     ConnectionKey("sDSN"),
     kOrdersKey,
-    Mandatory("FInsuredValue", kDouble, kNumber, "Insured amount, not below 0; rounded to two decimals"),
+    Mandatory("FInsuredValue", kDouble, kNumber, "Insured amount, 0 to 9999999999.99; rounded to two decimals"),
 };
 
 inline constexpr Key kServices[] = {
@@ -182,9 +182,10 @@ inline constexpr Contract kContract<&clsSaveData::UpdateEMSOrderStatus> = {
     .arguments = {{.name = "dctPara", .keys = carriers::kWaybillState}},
     .help =
         "Stores the state of the electronic waybill of orders, and the number when one is given, which goes to the "
-        "field log first; printed (3) counts one more print of the waybill. False, with nothing done, without sDSN, "
-        "FID or FEMSStatus.",
-    .errors = "5 for another state, and for a number with several orders, with nothing stored",
+        "field log first; printed (3) counts one more print of the waybill. The orders are not looked up: the log may "
+        "name one that does not exist. False, with nothing done, without sDSN, FID or FEMSStatus.",
+    .errors =
+        "5 for another state, and for a number with several orders, 13 for what is no number, with nothing stored",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::SetSFPackageQuantity> = {
@@ -194,7 +195,7 @@ inline constexpr Contract kContract<&clsSaveData::SetSFPackageQuantity> = {
     .help =
         "Stores how many parcels the shipment of each of the orders has, in its header extension, which is made where "
         "there is none. False, with nothing done, without sDSN, FID or FParcelQuantity.",
-    .errors = "5 for a number that is not from 1 to 300, with nothing stored",
+    .errors = "5 for a number that is not from 1 to 300, 13 for what is no number, with nothing stored",
 };
 template <>
 inline constexpr Contract kContract<&clsSaveData::WriteInsuredAmount> = {
@@ -216,7 +217,7 @@ inline constexpr Contract kContract<&clsSaveData::WriteJzservice> = {
         "Stores the home-delivery and installation services of each of the orders, in its header extension, which is "
         "made where there is none. They stand as the table of services writes them, each once. What the order list "
         "shows as FIsJzserviceOrder is the web shop's wish and stays. False, with nothing done, without sDSN, FID or "
-        "FJzService.",
+        "FJzService, and for Null.",
     .errors = "5 naming the codes that are unknown, with nothing stored",
 };
 template <>
@@ -237,6 +238,7 @@ inline constexpr Contract kContract<&clsGetData::GetStartElectronicLogistics> = 
     .help =
         "For each web shop the carriers whose electronic waybills are switched on for it, by shop and code. An account "
         "of the shop comes before one of all shops, also when it is switched off. Nothing without sDSN.",
+    .errors = "13 for what is no number",
     .columns = carriers::kStartedColumns,
 };
 template <>
@@ -254,6 +256,7 @@ inline constexpr Contract kContract<&clsGetData::GetJDCustomerCode> = {
     .help =
         "The customer code by which the carrier of the web shop's own marketplace knows the shop. Empty when there is "
         "no such carrier or account, and without sDSN or FWebShopID.",
+    .errors = "13 for what is no number",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetBigAccountInfo> = {
@@ -264,6 +267,7 @@ inline constexpr Contract kContract<&clsGetData::GetBigAccountInfo> = {
         "The account with a carrier and the sender that its waybills name; the shop's own account comes before that of "
         "all shops. The account's secret is not told. Nothing without sDSN or FLogisticsID, and when there is no "
         "account.",
+    .errors = "13 for what is no number",
     .columns = carriers::kAccountColumns,
 };
 template <>

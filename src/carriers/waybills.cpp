@@ -1,5 +1,6 @@
 // The waybill of an order, and what the carrier is told with it: parcels, insured amount, services.
 #include <algorithm>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -21,21 +22,18 @@ namespace {
 constexpr std::int32_t kPrinted = 3;
 constexpr std::int32_t kLastState = 4;
 
-[[noreturn]] void Refuse(const std::string& what) {
-  Raise(error_number::kInvalidArgument, "Invalid procedure call or argument: " + what);
-}
-
 /// The key as a number from `least` to `most`.
 std::int32_t NumberBetween(const Parameters& parameters, std::string_view key, std::int32_t least, std::int32_t most) {
   const std::int32_t number = parameters.Number(key);
   if (number < least || number > most) {
-    Refuse(std::string(key) + " " + std::to_string(number) + " is not from " + std::to_string(least) + " to " +
-           std::to_string(most));
+    RaiseInvalidArgument(std::string(key) + " " + std::to_string(number) + " is not from " + std::to_string(least) +
+                         " to " + std::to_string(most));
   }
   return number;
 }
 
-/// Stores a value in the header extension of the orders; those without one get one. @param value SQL
+/// Stores a value in the header extension of the orders; those without one get one.
+/// @param value as it stands in SQL, a text with its quotes
 bool StoreInExtension(const OrderCall& call, std::string_view column, std::string_view value) {
   TextBuilder text;
   text.Append(R"(
@@ -57,22 +55,20 @@ WHERE   t1.FID IN ( {FID}) AND NOT EXISTS (SELECT 1 FROM IC_Web2ERPOrdersEx t2 W
 std::string KnownServices(Connection& connection, std::string_view list) {
   const RecordsetPtr services = connection.Query("SELECT FCode FROM IC_JzService with(nolock)\r\n");
   std::vector<std::string> codes;
-  std::string unknown;
+  std::set<std::string> unknown;
   for (const std::string_view element : SplitKeys(list)) {
     const std::string_view code = Trim(element);
     services->MoveFirst();
     while (!services->eof() && !EqualsIgnoreCase(services->Get("FCode").ToText(), code)) services->MoveNext();
     if (services->eof()) {
-      unknown.append(unknown.empty() ? "" : ",").append(code);
+      unknown.emplace(code);
       continue;
     }
     std::string known = services->Get("FCode").ToText();
     if (std::find(codes.begin(), codes.end(), known) == codes.end()) codes.push_back(std::move(known));
   }
-  if (!unknown.empty()) Refuse("there is no service " + unknown);
-  std::string joined;
-  for (const std::string& code : codes) joined.append(joined.empty() ? "" : ",").append(code);
-  return joined;
+  if (!unknown.empty()) RaiseInvalidArgument("there is no service " + JoinList(unknown));
+  return JoinList(codes);
 }
 
 /// A number of that many digits at most can be a unique code.
@@ -121,7 +117,7 @@ bool clsSaveData::UpdateEMSOrderStatus(const Dictionary* dctPara) {
     const std::string number = call.parameters.Text("FLogisticsOrder");
     if (!number.empty()) {
       const std::size_t orders = SplitKeys(call.orders).size();
-      if (orders != 1) Refuse("one FLogisticsOrder for " + std::to_string(orders) + " orders");
+      if (orders != 1) RaiseInvalidArgument("one FLogisticsOrder for " + std::to_string(orders) + " orders");
       WriteSaveOrderLog(call.orders, "0", "FLogisticsOrder", number);
     }
     TextBuilder text;
@@ -149,7 +145,7 @@ bool clsSaveData::WriteInsuredAmount(const Dictionary* dctPara) {
   constexpr const Contract& contract = kContract<&clsSaveData::WriteInsuredAmount>;
   return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
     const Decimal amount = call.parameters.Value("FInsuredValue").ToDecimal();
-    if (amount.negative()) Refuse("FInsuredValue " + amount.ToString() + " is below 0");
+    if (amount.negative()) RaiseInvalidArgument("FInsuredValue " + amount.ToString() + " is below 0");
     const std::optional<Decimal> rounded = amount.Rescale(2);
     if (!rounded) Raise(error_number::kOverflow, "Overflow");
     return StoreInExtension(call, "FInsuredValue", rounded->ToString());
@@ -159,6 +155,8 @@ bool clsSaveData::WriteInsuredAmount(const Dictionary* dctPara) {
 bool clsSaveData::WriteJzservice(const Dictionary* dctPara) {
   constexpr const Contract& contract = kContract<&clsSaveData::WriteJzservice>;
   return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
+    // Null is no list, and must not take services away.
+    if (call.parameters.Value("FJzService").is_null()) return false;
     TextBuilder value;
     value.Append("'{codes}'", {{"codes", KnownServices(call.connection, call.parameters.Text("FJzService"))}});
     return StoreInExtension(call, "FJzService", value.GetText());

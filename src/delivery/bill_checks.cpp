@@ -34,10 +34,6 @@ struct CheckedOrder {
   bool refund = false;
   bool unchecked = false;
   bool locked = false;
-
-  [[nodiscard]] Dictionary Closed() const {
-    return {{"FID", key}, {"FOrderID", number}, {"FCloseType", static_cast<std::int32_t>(closing)}};
-  }
 };
 
 /// The orders by their keys. An order without lines is closed by its transaction only.
@@ -50,7 +46,8 @@ SELECT  t1.FID ,
         t1.FOrderStatus ,
         t1.FCheckStatus ,
         ISNULL(t5.FIsLock, 0) AS FIsLock ,
-        CASE WHEN t1.FTransactionStatus = 38195 OR t4.FOpenLines = 0 THEN 1 WHEN t4.FOpenLines < t4.FLines THEN 2 ELSE 0 END AS FCloseType ,
+        CASE WHEN t1.FTransactionStatus = 38195 OR t4.FOpenLines = 0 THEN 1
+             WHEN t4.FOpenLines < t4.FLines THEN 2 ELSE 0 END AS FCloseType ,
         CASE WHEN t4.FRefundLines > 0 AND {refunds_count} THEN 1 ELSE 0 END AS FInRefund
 FROM    IC_Web2ERPOrders t1 with(nolock)
         LEFT JOIN (SELECT  t2.FID ,
@@ -80,9 +77,15 @@ ORDER BY t1.FID
   return orders;
 }
 
-void AddTo(std::string& list, const Variant& item) {
-  if (!list.empty()) list += ',';
-  list += item.ToText();
+template <typename Wanted>
+std::optional<Vector> ClosedOrders(const OrderCall& call, const Wanted& wanted) {
+  std::optional<Vector> bills(std::in_place);
+  for (const CheckedOrder& order : ReadOrders(call)) {
+    if (!wanted(order)) continue;
+    const auto type = static_cast<std::int32_t>(order.closing);
+    bills->Add(Dictionary{{"FID", order.key}, {"FOrderID", order.number}, {"FCloseType", type}});
+  }
+  return bills;
 }
 
 /// Line numbers by the state of their service, in the order in which the states come.
@@ -91,7 +94,7 @@ class Reason {
   void Add(const std::string& state, const Variant& line) {
     auto part = std::find_if(parts_.begin(), parts_.end(), [&](const auto& known) { return known.first == state; });
     if (part == parts_.end()) part = parts_.insert(part, {state, ""});
-    AddTo(part->second, line);
+    AddToList(part->second, line.ToText());
   }
   /// "1,2 state;3 other state"
   [[nodiscard]] std::string Text() const {
@@ -165,7 +168,7 @@ std::optional<Dictionary> clsGetData::CheckBillStatus(const Dictionary* dctPara)
       bool stopped = false;
       const auto stop = [&](bool applies, std::string& list) {
         if (!applies) return;
-        AddTo(list, order.number);
+        AddToList(list, order.number.ToText());
         stopped = true;
       };
       stop(order.closing == Closing::kWhole, closed);
@@ -173,7 +176,7 @@ std::optional<Dictionary> clsGetData::CheckBillStatus(const Dictionary* dctPara)
       stop(order.unchecked, unchecked);
       stop(order.locked, locked);
       stop(!any_status && order.status != wanted, wrong);
-      if (!stopped) AddTo(pass, order.key);
+      if (!stopped) AddToList(pass, order.key.ToText());
     }
     return std::optional(Dictionary{{"Closed", closed},
                                     {"Refund", refund},
@@ -187,22 +190,15 @@ std::optional<Dictionary> clsGetData::CheckBillStatus(const Dictionary* dctPara)
 std::optional<Vector> clsGetData::CheckCloseBill(const Dictionary* dctPara) {
   constexpr const Contract& contract = kContract<&clsGetData::CheckCloseBill>;
   return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
-    std::optional<Vector> bills(std::in_place);
-    for (const CheckedOrder& order : ReadOrders(call)) {
-      if (order.closing != Closing::kNone) bills->Add(order.Closed());
-    }
-    return bills;
+    return ClosedOrders(call, [](const CheckedOrder& order) { return order.closing != Closing::kNone; });
   });
 }
 
 std::optional<Vector> clsGetData::CheckCloseBillOnly(const Dictionary* dctPara) {
   constexpr const Contract& contract = kContract<&clsGetData::CheckCloseBillOnly>;
   return CallForOrders(State(), contract, dctPara, [&](const OrderCall& call) {
-    std::optional<Vector> bills(std::in_place);
-    for (const CheckedOrder& order : ReadOrders(call)) {
-      if (order.closing == Closing::kWhole && !order.refund) bills->Add(order.Closed());
-    }
-    return bills;
+    return ClosedOrders(call,
+                        [](const CheckedOrder& order) { return order.closing == Closing::kWhole && !order.refund; });
   });
 }
 

@@ -33,8 +33,7 @@ std::string ClientAddress(DataSession& session) {
   std::array<char, kBufferSize> buffer{};
   if (read_tcp(buffer, {}) != 1) return {};
   const char* const end = std::find(buffer.data(), buffer.data() + buffer.size(), '\0');
-  if (end == buffer.data() + buffer.size())
-    Raise(error_number::kInvalidArgument, "Invalid procedure call or argument: client address");
+  if (end == buffer.data() + buffer.size()) RaiseInvalidArgument("client address");
   return std::string(static_cast<const char*>(buffer.data()), end);
 }
 

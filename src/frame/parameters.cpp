@@ -30,9 +30,7 @@ std::string Parameters::TextOrDefault(const Key& key) const {
 
 std::int32_t Parameters::Number(std::string_view key) const {
   const Variant* value = Find(key);
-  if (value == nullptr || value->is_empty()) return 0;
-  const auto* text = value->get_if<std::string>();
-  return text != nullptr && text->empty() ? 0 : value->ToInt32();
+  return value == nullptr || value->ToText().empty() ? 0 : value->ToInt32();
 }
 
 const Variant& Parameters::Value(std::string_view key) const {

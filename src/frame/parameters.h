@@ -29,8 +29,8 @@ class Parameters {
   [[nodiscard]] std::string Text(std::string_view key) const;
   /// The same, with what the contract says of a missing key.
   [[nodiscard]] std::string TextOrDefault(const Key& key) const;
-  /// The value as a number, 0 for a missing key, Empty and the empty text. Raises 13 "Type mismatch" for any other
-  /// value that cannot be read as a number, 6 for one beyond 32 bits, 94 for Null.
+  /// The value as a number, 0 for a missing key, Empty, Null and the empty text. Raises 13 "Type mismatch" for any
+  /// other value that cannot be read as a number, 6 for one beyond 32 bits.
   [[nodiscard]] std::int32_t Number(std::string_view key) const;
   /// The value itself, empty when the key is missing.
   [[nodiscard]] const Variant& Value(std::string_view key) const;

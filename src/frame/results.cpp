@@ -15,6 +15,11 @@ bool ReadFlag(Connection& connection, std::string_view query) {
   return connection.Query(query)->Get("Flag").ToInt32() > 0;
 }
 
+void AddToList(std::string& list, std::string_view element) {
+  if (!list.empty()) list += ',';
+  list += element;
+}
+
 std::string JoinColumn(const RecordsetPtr& rows, std::string_view field) {
   std::string text;
   std::string_view separator;

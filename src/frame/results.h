@@ -16,6 +16,17 @@ namespace tessarlorn {
 /// Whether the query, which counts something AS flag, counted any.
 bool ReadFlag(Connection& connection, std::string_view query);
 
+/// Adds an element to a list of texts with commas between them.
+void AddToList(std::string& list, std::string_view element);
+
+/// The texts with commas between them.
+template <typename Texts>
+std::string JoinList(const Texts& texts) {
+  std::string list;
+  for (const auto& text : texts) AddToList(list, text);
+  return list;
+}
+
 /// The texts of a field in all rows with commas between them, "" for no row.
 std::string JoinColumn(const RecordsetPtr& rows, std::string_view field);
 

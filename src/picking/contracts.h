@@ -45,7 +45,7 @@ inline constexpr Key kBatch[] = {
 inline constexpr Key kPickList[] = {
     ConnectionKey("sDSN"),
     kOrdersKey,
-    Optional("Mode", kLong, kNowhere, "0", "1 collects what all the orders need, anything else lists their lines"),
+    Optional("Mode", kLong, kNowhere, "0", "1 collects what all the orders need, any other number lists their lines"),
 };
 
 inline constexpr Key kPrinted[] = {
@@ -242,9 +242,12 @@ inline constexpr Contract kContract<&clsGetData::GetPrintRecordsetForPick> = {
         "What a pick list prints, in walking order: warehouse, place, item, print run and serial number, order, line. "
         "The place is the line's own, else the item's usual one when that is in the line's warehouse, else the default "
         "of the warehouse. Left out are lines closed by hand, lines with a refund under way (asked for and not "
-        "refused), and price-difference goods. With Mode 1 one row for each place, item, attribute, unit and batch of "
-        "all the orders: the same columns without those of orders and lines, the quantities summed, FOrders the "
-        "number of orders, FSerialNumbers their serial numbers with commas between them. Nothing without sDSN or FID.",
+        "refused), and price-difference goods; lines that the shop closed or that are delivered are printed again. With "
+        "Mode 1 one row for each place, item, attribute, unit and batch of all the orders. It has the columns below "
+        "but those of orders and lines, the quantities summed, and FOrders (Long), the number of orders, and "
+        "FSerialNumbers (String), their serial numbers by print run with commas between them. Nothing without sDSN or "
+        "FID.",
+    .errors = "13 for a Mode that is no number",
     .columns = picking::kPickListColumns,
 };
 

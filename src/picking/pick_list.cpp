@@ -39,8 +39,8 @@ SELECT  t1.FID ,
         t8.FName AS FSPName
 )"_sql;
 
-/// What an order needs of each thing.
-constexpr std::string_view kThingsOfOrders = R"(
+/// One row a thing that the orders need; within it one for each order that needs it.
+constexpr std::string_view kCollected = R"(
 SELECT  t.FStockID ,
         t.FStockName ,
         t.FSPNumber ,
@@ -105,7 +105,7 @@ constexpr std::string_view kWalkingOrder = R"(
 ORDER BY t6.FNumber, t8.FNumber, t3.FNumber, t9.FLotNumber, LEN(t9.FSerialNumber), t9.FSerialNumber, t1.FID, t2.FIndex
 )"_sql;
 
-constexpr std::string_view kCollected = R"(
+constexpr std::string_view kCollectedGroups = R"(
 GROUP BY t1.FID, t9.FLotNumber, t9.FSerialNumber, t2.FStockID, t6.FNumber, t6.FName, t8.FSPID, t8.FNumber, t8.FName,
          t2.FItemID, t3.FNumber, t3.FName, t3.FModel, t2.FAttrCode, t5.FName, t4.FName, ISNULL(t2.FBatchNo, '')
         ) t
@@ -121,9 +121,9 @@ RecordsetPtr clsGetData::GetPrintRecordsetForPick(const Dictionary* dctParam) {
   return CallForOrders(State(), contract, dctParam, [&](const OrderCall& call) {
     const bool collected = call.parameters.IsNumber("Mode", 1);
     TextBuilder text;
-    text.Append(collected ? kThingsOfOrders : kLines, {{"name", NameColumn(context_)}});
+    text.Append(collected ? kCollected : kLines, {{"name", NameColumn(context_)}});
     text.Append(kTables, {{"FID", call.orders}});
-    text.Append(collected ? kCollected : kWalkingOrder);
+    text.Append(collected ? kCollectedGroups : kWalkingOrder);
     return call.connection.Execute(text.GetText());
   });
 }

@@ -73,6 +73,10 @@ void Raise(std::int32_t number, const std::string& description) {
   throw Error(number, "TessarLornPickingAndDelivery", description);
 }
 
+void RaiseInvalidArgument(const std::string& what) {
+  Raise(error_number::kInvalidArgument, "Invalid procedure call or argument: " + what);
+}
+
 void RaiseTypeMismatch() { Raise(error_number::kTypeMismatch, "Type mismatch"); }
 
 void RaiseOverflow() { Raise(error_number::kOverflow, "Overflow"); }

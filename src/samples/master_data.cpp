@@ -1,6 +1,5 @@
 #include "samples/master_data.h"
 
-#include <algorithm>
 #include <array>
 #include <functional>
 #include <string_view>
@@ -170,19 +169,22 @@ void FillTrade(Connection& connection) {
 
 /// An account of all shops with each carrier that has electronic waybills, and some shops' own; one is switched off.
 void FillAccounts(Connection& connection) {
-  const std::vector<Area> areas(Areas().begin(), Areas().end());
-  const Area& district =
-      *std::find_if(areas.begin(), areas.end(), [](const Area& area) { return AreaLevel(area.id) == 3; });
-  const int city = AreaParent(district.id);
+  std::vector<int> districts;
+  for (const Area& area : Areas()) {
+    if (AreaLevel(area.id) == 3) districts.push_back(area.id);
+  }
   FillIfEmpty(connection, "IC_LogisticsAccount",
               "FLogisticsID,FWebShopID,FAccount,FSecret,FCustomerCode,FMonthlyCode,FIsStarted,FTemplate,FSender,"
               "FSenderPhone,FSenderProvince,FSenderCity,FSenderDistrict,FSenderAddress",
               [&](InsertRows& rows) {
                 const auto add = [&](int carrier, int shop, bool started, std::string_view sender) {
                   const std::string number = std::to_string(carrier) + (shop == 0 ? "" : "-" + std::to_string(shop));
+                  const int district = districts[static_cast<std::size_t>(shop) % districts.size()];
+                  const int city = AreaParent(district);
                   rows.Add(carrier, shop, "ACC" + number, "secret of " + number, "C" + number, "M" + number,
-                           started ? 1 : 0, carrier == kCourier ? "100x150" : "76x130", sender, "400-820-0000",
-                           AreaParent(city), city, district.id, "物流园 8 号库");
+                           started ? 1 : 0, carrier == kCourier ? "100x150" : "76x130", sender,
+                           "400-820-0" + std::to_string(100 + shop), AreaParent(city), city, district,
+                           "物流园 " + std::to_string(1 + shop % 9) + " 号库");
                 };
                 for (const int carrier : {301, 302, kCourier}) add(carrier, 0, true, "云杉仓储");
                 add(301, 101, true, "云杉家居旗舰店");
@@ -283,6 +285,7 @@ MasterData PrepareMasterData(Connection& connection) {
   data.carrier_without_code =
       ReadKeys(connection, "SELECT FItemID FROM IC_Logistics WHERE FNumber = '' ORDER BY FItemID").front();
   data.courier = ReadKeys(connection, "SELECT FItemID FROM IC_Logistics WHERE FNumber = 'KD03'").front();
+  data.electronic_carriers = ReadKeys(connection, "SELECT FItemID FROM IC_Logistics WHERE FIsElectronic = 1");
   data.currencies = ReadKeys(connection, "SELECT FCurrencyID FROM t_Currency ORDER BY FCurrencyID");
   data.promotions = ReadKeys(connection, "SELECT FPromotionID FROM IC_CDPSPromotion ORDER BY FPromotionID");
   data.attributes = ReadKeys(connection, "SELECT FItemID FROM t_AuxItem ORDER BY FItemID");

@@ -62,6 +62,7 @@ struct MasterData {
   int carrier_without_code = 0;
   /// The carrier that gives waybills over the wire; 0 where there is none.
   int courier = 0;
+  std::vector<int> electronic_carriers;
   int country = 0;
 };
 

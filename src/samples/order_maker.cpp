@@ -167,7 +167,9 @@ void OrderMaker::AddLines(Order& order) {
   }
   AddPriceDifference(order);
   MoveLines(order);
-  if (order.scenario->refund != Refund::kNone) order.lines.front().refund = ++last_refund_;
+  // Some buyers want their money back from a transaction that is closed.
+  const bool closed = order.scenario->transaction_status == code::kClosed && KeyIs(order, 5, 4);
+  if (order.scenario->refund != Refund::kNone || closed) order.lines.front().refund = ++last_refund_;
 }
 
 void OrderMaker::AddPriceDifference(Order& order) {
@@ -247,6 +249,17 @@ void OrderMaker::SetPrints(Order& order) {
   order.serial = std::to_string(index % kRun + 1);
 }
 
+/// Printed, or given where there is a number; some were asked for only, or cancelled.
+void OrderMaker::SetWaybillState(Order& order) const {
+  const std::vector<int>& electronic = master_.electronic_carriers;
+  if (std::find(electronic.begin(), electronic.end(), order.carrier) == electronic.end()) return;
+  if (order.scenario->stage >= Stage::kWeighed) {
+    order.waybill_state = order.prints > 0 ? 3 : 2;
+  } else if (order.scenario->stage > Stage::kWaiting) {
+    order.waybill_state = KeyIs(order, 7, 0) ? 4 : KeyIs(order, 3, 0) ? 1 : 0;
+  }
+}
+
 Order OrderMaker::Next() {
   Order order;
   order.key = ++last_key_;
@@ -278,6 +291,7 @@ Order OrderMaker::Next() {
   // Locks and outside warehouses are kept in the extension.
   order.has_extension = order.scenario->lock > 0 || !order.scenario->outside_state.empty() || !random_.Percent(15);
   SetPrints(order);
+  SetWaybillState(order);
   order.user = random_.Pick(master_.users);
   order.seller = &random_.Pick(master_.employees);
   order.picker = &random_.Pick(master_.employees);

@@ -83,6 +83,8 @@ struct Order {
   std::string serial;
   /// How often each of its documents was printed.
   int prints = 0;
+  /// Of the electronic waybill: FEMSStatus.
+  int waybill_state = 0;
   /// Key of the cost invoice that covers it, 0 = none.
   int cost_invoice = 0;
   std::int64_t grams = 0;
@@ -119,6 +121,7 @@ class OrderMaker {
   void SetTimes(Order& order);
   void SetParcel(Order& order);
   void SetPrints(Order& order);
+  void SetWaybillState(Order& order) const;
   void AddLines(Order& order);
   OrderLine MakeLine(const Order& order);
   /// A line with its keys alone.

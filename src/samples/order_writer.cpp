@@ -13,8 +13,8 @@ constexpr std::string_view kLineColumns =
     "FEntryID,FID,FIndex,FSiteOrderID,FChildOrderID,FItemID,FNumID,FSKUID,FOuterID,FOnlineTitle,FBarCode,FAttrCode,"
     "FAttrType,FUnitID,FQuantity,FPrice,FAmount,FDiscountFee,FEntryBillDiscountFee,FAfterDiscountAmount,FBuyerFreight,"
     "FIsFree,FMealID,FMealName,FPackagedGoods,FPromotionID,FStockID,FSPID,FBatchNo,FOutStockQuantity,FOutStockAmount,"
-    "FStatus,FRowClosed,FIsRowClose,FUpLoadStatus,FRefundStatus,FRefundFID,FServiceType,FServiceSource,FServiceStatus,FEngraving,"
-    "FWrapping";
+    "FStatus,FRowClosed,FIsRowClose,FUpLoadStatus,FRefundStatus,FRefundFID,FServiceType,FServiceSource,FServiceStatus,"
+    "FEngraving,FWrapping";
 
 /// The header's columns up to a stage.
 std::string HeaderColumns(Stage stage) {
@@ -37,7 +37,7 @@ std::string HeaderColumns(Stage stage) {
   return columns;
 }
 
-std::string_view LineState(const Order& order, int index) {
+std::string_view LineState(const Order& order, const OrderLine& line, int index) {
   // The shop closed the second line of some that are not delivered.
   if (order.scenario->stage < Stage::kDelivered && order.key % 19 == 6 && index == 2) return "TRADE_CLOSED";
   switch (order.scenario->transaction_status) {
@@ -46,24 +46,16 @@ std::string_view LineState(const Order& order, int index) {
     case code::kSucceeded:
       return "TRADE_FINISHED";
     case code::kClosed:
-      return "TRADE_CLOSED";
+      return line.refund != 0 ? "WAIT_SELLER_SEND_GOODS" : "TRADE_CLOSED";
     default:
       return "WAIT_SELLER_SEND_GOODS";
   }
 }
 
-/// State of the electronic waybill: printed with the parcel, given before; now and then one was only asked for, or
-/// cancelled.
-int WaybillState(const Order& order) {
-  if (order.scenario->stage >= Stage::kWeighed) return 3;
-  if (order.scenario->stage == Stage::kWaiting) return 0;
-  return order.key % 7 == 0 ? 1 : order.key % 11 == 0 ? 4 : 2;
-}
-
-/// Whether somebody closed the line by hand: the last one of some orders that are not delivered.
+/// Whether somebody closed the line by hand: the last one of some orders that are not delivered, or all of them.
 bool IsClosedByHand(const Order& order, int index) {
-  return order.scenario->stage < Stage::kDelivered && order.key % 17 == 4 && index > 1 &&
-         index == static_cast<int>(order.lines.size());
+  if (order.scenario->stage == Stage::kDelivered || order.key % 17 != 4) return false;
+  return order.key % 3 == 0 || (index > 1 && index == static_cast<int>(order.lines.size()));
 }
 
 std::string Summary(const Order& order) {
@@ -123,7 +115,7 @@ void OrderWriter::WriteHeader(const Order& order) {
               scenario.offline ? code::kSentOffline : code::kSentOnline, is_checked ? 1 : 0,
               is_checked ? order.user : 0, is_checked ? std::optional(order.checked) : std::nullopt, order.user,
               order.seller->id, order.carrier, postal ? code::kPost : code::kExpress, scenario.upload, scenario.failure,
-              order.gift_card, WaybillState(order));
+              order.gift_card, order.waybill_state);
   if (scenario.stage >= Stage::kConfirmed) {
     const bool checked = scenario.stage >= Stage::kChecked || scenario.picking_check_failed;
     rows.Append(order.picker->number, order.picked, OneIn(20, order) ? "易碎" : "", checked ? order.user : 0,
@@ -158,7 +150,7 @@ void OrderWriter::WriteLine(const Order& order, const OrderLine& line, int index
   } else {
     rows.Append(Null{});
   }
-  rows.Append(delivered ? line.quantity : 0, Fixed{delivered ? after_discount : 0, 2}, LineState(order, index),
+  rows.Append(delivered ? line.quantity : 0, Fixed{delivered ? after_discount : 0, 2}, LineState(order, line, index),
               IsClosedByHand(order, index) ? 1 : 0, delivered ? 1 : 0, scenario.upload, refund ? 1 : 0, line.refund,
               refund ? (delivered ? 2 : 1) : 0, refund ? 1 + order.key % 2 : 0,
               !refund                               ? 0
@@ -198,7 +190,7 @@ void OrderWriter::WriteExtension(const Order& order, const MasterData& master) {
       scenario.outside_state, scenario.outside_state == "2" ? "外包仓拒收" : "",
       scenario.outside_state == "1" || scenario.outside_state == "3" ? "W" + std::to_string(order.key) : std::string(),
       outside ? "外包仓" : "", scenario.lock > 0 ? 1 : 0, scenario.lock, scenario.lock_reason,
-      OneIn(40, order) ? "JZ01,JZ03" : "");
+      OneIn(40, order) ? (OneIn(3, order) ? "JZ02" : "JZ01") : "");
   if (sent) rows.Append(master.trace_states[static_cast<std::size_t>(order.key) % master.trace_states.size()]);
   rows.EndRow();
 }

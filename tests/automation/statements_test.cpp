@@ -74,6 +74,23 @@ void InvokeWithSamples(Host& host, const Operation& operation) {
   ServiceObject(host, operation.service).Invoke(operation, arguments);
 }
 
+/// A key whose value leads an operation another way.
+struct OtherWay {
+  std::string_view operation;
+  std::string_view key;
+  Variant value;
+};
+const OtherWay kOtherWays[] = {{"GetPrintRecordsetForPick", "Mode", 1},
+                               {"GetOrderInfoByLogisticsOrder", "FLogisticsOrder", "1002"}};
+
+void InvokeTheOtherWay(Host& host, const Operation& operation, const OtherWay& other) {
+  std::vector<Variant> arguments =
+      SampleArguments(operation, dsn, [&](std::string_view name, ValueType type, Standing stands) {
+        return name == other.key ? other.value : Sample(name, type, stands);
+      });
+  ServiceObject(host, operation.service).Invoke(operation, arguments);
+}
+
 TEST_P(StatementsTest, AreSentToTheBlank) {
   std::ostringstream sent;
   for (const Operation* operation : Operations()) {
@@ -83,6 +100,9 @@ TEST_P(StatementsTest, AreSentToTheBlank) {
     sent << "== " << operation->name << "\n";
     try {
       InvokeWithSamples(host_, *operation);
+      for (const OtherWay& other : kOtherWays) {
+        if (other.operation == operation->name) InvokeTheOtherWay(host_, *operation, other);
+      }
     } catch (const Error& error) {
       sent << "raised " << error.number() << "\n";
     }

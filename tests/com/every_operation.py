@@ -18,7 +18,13 @@ VALUES = dict.fromkeys(("FID", "sFID", "sFIDs", "strFids", "strIDs"), ORDERS) | 
     "FOrderStatus": "2", "StrSql": "select FID, FOrderID from IC_Web2ERPOrders where FID < 9 order by FID",
     "sFKey": "1014301_FStockID", "FStockID": 202, "WebOrderMaxDisplayCount": 7, "FPickManNumber": "E1001",
     "sFiter": "t1.FInterID in (1)", "lTranType": 71, "SiteOrderID": "no such order", "sFWebshopID": "1",
-    "ErrInfo": [{"FailureFID": 8, "FailureInfo": "it's closed"}], "FieldName": "FWeight",
+    "ErrInfo": [{"FailureFID": 8, "FailureInfo": "it's closed"}], "FieldName": "FWeight", "FJzService": "JZ02,JZ01",
+}
+# What one operation needs that the others of these names do not.
+OF_OPERATION = {
+    "SetUpLogisticsCompany": {"FLogisticsID": 302}, "UpdateEMSOrderStatus": {"FID": "5"},
+    "GetBigAccountInfo": {"FLogisticsID": 301}, "GetJDCustomerCode": {"FWebShopID": 102},
+    "GetStartElectronicLogistics": {"FWebShopID": 101},
 }
 BY_TYPE = {"Long": 1, "Integer": 1, "Double": 2.5, "Boolean": True, "String": "7", "Date": "2026-11-21"}
 NOTHING = {"Long": 0, "Integer": 0, "Boolean": False, "Dictionary": {}, "Vector": []}
@@ -101,8 +107,9 @@ def value_of(owner, one, full):
     kind = one["type"]
     if not full:
         return NOTHING.get(kind, "")
-    if kind not in ("Dictionary", "Vector") or one["name"] in VALUES:
-        value = VALUES.get(one["name"], BY_TYPE.get(kind))
+    given = VALUES | OF_OPERATION.get(owner, {})
+    if kind not in ("Dictionary", "Vector") or one["name"] in given:
+        value = given.get(one["name"], BY_TYPE.get(kind))
         return number(value) if kind in ("Long", "Integer") else value
     keys = [key for key in one.get("keys", []) if key["name"] in ONLY.get(owner, {key["name"]})]
     values = {key["name"]: value_of(owner, key, True) for key in keys if not key["connection"]}

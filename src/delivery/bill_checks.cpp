@@ -99,7 +99,8 @@ class Reason {
   /// "1,2 state;3 other state"
   [[nodiscard]] std::string Text() const {
     std::string text;
-    for (const auto& [state, lines] : parts_) text.append(text.empty() ? "" : ";").append(lines + " " + state);
+    for (const auto& [state, lines] : parts_)
+      text.append(text.empty() ? "" : ";").append(lines).append(" ").append(state);
     return text;
   }
 

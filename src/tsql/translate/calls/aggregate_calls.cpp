@@ -78,7 +78,7 @@ Typed AggregateCall(const Call& call) {
   ++depth;
   const Typed value = call.Value(0);
   if (name == "string_agg") {
-    const Typed joined = Joined(call, value, call.Text(1));
+    Typed joined = Joined(call, value, call.Text(1));
     --depth;
     return joined;
   }

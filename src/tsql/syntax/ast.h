@@ -17,6 +17,9 @@ template <typename... Cases>
 struct Overloaded : Cases... {
   using Cases::operator()...;
 };
+// Clang 14 does not find it by itself.
+template <typename... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
 
 /// A name of up to three parts as written: [database.][schema.]object. Database and schema are kept for messages only.
 struct ObjectName {

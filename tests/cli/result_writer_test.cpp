@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
+#include "hosts/calls/wrong_call.h"
 #include "hosts/cli/console/display_width.h"
-#include "hosts/cli/console/usage_error.h"
 #include "platform/recordset_builder.h"
 #include "tessarlorn/collections.h"
 #include "tessarlorn/recordset.h"
@@ -101,7 +101,7 @@ TEST(ResultWriterTest, ShowsTheColumnsAskedForAndRenamesDoubledOnesInJsonOnly) {
   try {
     Write({.format = OutputFormat::kJson, .width = 0, .columns = {"Costs"}}, {Orders()});
     ADD_FAILURE();
-  } catch (const UsageError& error) {
+  } catch (const WrongCall& error) {
     EXPECT_STREQ(error.what(), "the result has no column Costs; did you mean Cost?");
   }
 }

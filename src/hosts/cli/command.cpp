@@ -155,6 +155,9 @@ ExitStatus RunAction(const CLI::App& app, const CommandContext& context) {
   } catch (const UsageError& error) {
     ReportUsage(app, error.what(), error.help_command());
     return ExitStatus::kWrongCall;
+  } catch (const WrongCall& error) {
+    ReportUsage(app, error.what());
+    return ExitStatus::kWrongCall;
   } catch (const Error& error) {
     if (WasInterrupted()) {
       std::cerr << "tessarlorn: interrupted\n";

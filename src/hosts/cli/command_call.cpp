@@ -1,11 +1,11 @@
 #include <iostream>
 #include <optional>
 
+#include "hosts/calls/call_arguments.h"
+#include "hosts/calls/json_arguments.h"
 #include "hosts/cli/commands.h"
 #include "hosts/cli/console/interrupt.h"
 #include "hosts/cli/console/usage_error.h"
-#include "hosts/cli/input/call_arguments.h"
-#include "hosts/cli/input/json_arguments.h"
 #include "hosts/cli/shell_examples.h"
 #include "tessarlorn/collections.h"
 #include "tessarlorn/operations.h"
@@ -74,7 +74,7 @@ std::vector<Variant> ReadArguments(const CallOptions& options, const Operation& 
                                    const std::string& dsn) {
   try {
     return ReadCallArguments(operation, json, options.words, dsn);
-  } catch (const UsageError& error) {
+  } catch (const WrongCall& error) {
     throw UsageError(error.what(), "tessarlorn ops " + std::string(operation.name));
   }
 }

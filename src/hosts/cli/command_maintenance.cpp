@@ -1,10 +1,10 @@
 #include <iostream>
 
+#include "hosts/calls/json_text.h"
 #include "hosts/cli/commands.h"
 #include "hosts/cli/console/interrupt.h"
 #include "hosts/cli/console/progress.h"
 #include "hosts/cli/console/usage_error.h"
-#include "hosts/cli/output/json_text.h"
 #include "platform/session_string.h"
 #include "platform/text/text.h"
 #include "tessarlorn/collections.h"

@@ -1,11 +1,11 @@
 #include <iostream>
 
+#include "hosts/calls/call_arguments.h"
+#include "hosts/calls/json_text.h"
 #include "hosts/cli/commands.h"
 #include "hosts/cli/console/display_width.h"
 #include "hosts/cli/console/terminal.h"
-#include "hosts/cli/input/call_arguments.h"
 #include "hosts/cli/operation_text.h"
-#include "hosts/cli/output/json_text.h"
 #include "tessarlorn/collections.h"
 #include "tessarlorn/operations.h"
 

@@ -17,7 +17,7 @@ struct CommandContext {
   /// The connection string as given, "" when it was not: then it is the environment's.
   std::string dsn;
   bool show_sql = false;
-  /// What the chosen command does. Raises UsageError and Error.
+  /// What the chosen command does. Raises WrongCall and Error.
   std::function<ExitStatus()> action;
 
   /// The connection string, "" when neither the words nor the environment have one.

@@ -1,6 +1,6 @@
 #include <string_view>
 
-#include "hosts/cli/output/result_rows.h"
+#include "hosts/calls/result_rows.h"
 #include "hosts/cli/output/result_writer.h"
 #include "platform/text/text.h"
 

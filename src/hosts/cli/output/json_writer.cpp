@@ -1,7 +1,7 @@
 #include <string>
 #include <vector>
 
-#include "hosts/cli/output/json_text.h"
+#include "hosts/calls/json_text.h"
 #include "hosts/cli/output/result_writer.h"
 
 namespace tessarlorn::cli {

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "hosts/cli/console/interrupt.h"
+#include "tessarlorn/recordset.h"
 #include "tessarlorn/variant.h"
 
 namespace tessarlorn::cli {
@@ -30,9 +32,19 @@ class ResultWriter {
   ResultWriter& operator=(const ResultWriter&) = delete;
   virtual ~ResultWriter() = default;
 
-  /// Raises UsageError for a column of the layout that a recordset does not have; nothing is written then.
+  /// Raises WrongCall for a column of the layout that a recordset does not have; nothing is written then.
   virtual void Write(const Variant& result) = 0;
 };
+
+/// Calls `visit` for each row while it is the recordset's current one. Raises `error_number::kCancelled` once Ctrl-C
+/// was pressed: the batch may be done when its rows are still being written.
+template <typename Visit>
+void ForEachRow(Recordset& rows, const Visit& visit) {
+  for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) {
+    RaiseIfInterrupted();
+    visit();
+  }
+}
 
 /// A table: heads, a line, the rows with numbers at the right, their count. One value is one line, Nothing "Nothing".
 /// Blanks stand in for control characters.

@@ -1,7 +1,7 @@
 #include <algorithm>
 
+#include "hosts/calls/result_rows.h"
 #include "hosts/cli/console/display_width.h"
-#include "hosts/cli/output/result_rows.h"
 #include "hosts/cli/output/result_writer.h"
 #include "platform/text/text.h"
 

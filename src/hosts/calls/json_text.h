@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "hosts/cli/output/result_rows.h"
+#include "hosts/calls/result_rows.h"
 
-namespace tessarlorn::cli {
+namespace tessarlorn {
 
 /// The value as JSON: numbers with all their digits, Booleans, dates in ISO form, null for Null, Empty and Nothing, a
 /// recordset as an array of objects. Malformed UTF-8 becomes U+FFFD.
@@ -26,4 +26,4 @@ class JsonRows {
   std::vector<std::string> keys_;
 };
 
-}  // namespace tessarlorn::cli
+}  // namespace tessarlorn

@@ -1,12 +1,12 @@
-#include "hosts/cli/input/call_arguments.h"
+#include "hosts/calls/call_arguments.h"
 
 #include <gtest/gtest.h>
 
-#include "hosts/cli/console/usage_error.h"
-#include "hosts/cli/input/json_arguments.h"
-#include "hosts/cli/output/json_text.h"
+#include "hosts/calls/json_arguments.h"
+#include "hosts/calls/json_text.h"
+#include "hosts/calls/wrong_call.h"
 
-namespace tessarlorn::cli {
+namespace tessarlorn {
 namespace {
 
 /// The arguments as JSON, or "fault: …".
@@ -19,7 +19,7 @@ std::string Read(std::string_view operation, const std::vector<std::string>& wor
       text += (text.empty() ? "" : " ") + JsonText(value);
     }
     return text;
-  } catch (const UsageError& error) {
+  } catch (const WrongCall& error) {
     return std::string("fault: ") + error.what();
   }
 }
@@ -97,4 +97,4 @@ TEST(CallArgumentsTest, NamesWhatIsAtFault) {
 }
 
 }  // namespace
-}  // namespace tessarlorn::cli
+}  // namespace tessarlorn

@@ -1,11 +1,11 @@
-#include "hosts/cli/input/json_arguments.h"
+#include "hosts/calls/json_arguments.h"
 
 #include <gtest/gtest.h>
 
-#include "hosts/cli/console/usage_error.h"
-#include "hosts/cli/output/json_text.h"
+#include "hosts/calls/json_text.h"
+#include "hosts/calls/wrong_call.h"
 
-namespace tessarlorn::cli {
+namespace tessarlorn {
 namespace {
 
 TEST(JsonArgumentsTest, KeepsEveryDigitOfNumbers) {
@@ -60,7 +60,7 @@ TEST(JsonArgumentsTest, NamesPlaceAndFault) {
     try {
       ReadJson(item.json, "f.json");
       ADD_FAILURE() << item.json;
-    } catch (const UsageError& error) {
+    } catch (const WrongCall& error) {
       EXPECT_EQ(std::string(error.what()).rfind(item.fault, 0), 0U) << error.what();
     }
   }
@@ -68,4 +68,4 @@ TEST(JsonArgumentsTest, NamesPlaceAndFault) {
 }
 
 }  // namespace
-}  // namespace tessarlorn::cli
+}  // namespace tessarlorn

@@ -1,16 +1,16 @@
-#include "hosts/cli/output/result_rows.h"
+#include "hosts/calls/result_rows.h"
 
 #include <algorithm>
 #include <string_view>
 
-#include "hosts/cli/console/usage_error.h"
-#include "hosts/cli/output/json_text.h"
+#include "hosts/calls/json_text.h"
+#include "hosts/calls/wrong_call.h"
 #include "platform/recordset_builder.h"
 #include "platform/text/text.h"
 #include "platform/value_text.h"
 #include "tessarlorn/collections.h"
 
-namespace tessarlorn::cli {
+namespace tessarlorn {
 namespace {
 
 void AppendCell(RecordsetBuilder& rows, const Variant& value) {
@@ -64,7 +64,7 @@ ResultRows SelectColumns(const RecordsetPtr& rows, const std::vector<std::string
       std::vector<std::string_view> names(fields.size());
       std::transform(fields.begin(), fields.end(), names.begin(),
                      [](const Field& field) { return std::string_view(field.name); });
-      throw UsageError("the result has no column " + column + DidYouMean(column, names));
+      throw WrongCall("the result has no column " + column + DidYouMean(column, names));
     }
     result.fields.push_back(*found);
   }
@@ -109,4 +109,4 @@ std::string CellText(const Variant& value, FieldType type, CellStyle style) {
   return value.ToText();
 }
 
-}  // namespace tessarlorn::cli
+}  // namespace tessarlorn

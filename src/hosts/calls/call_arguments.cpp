@@ -1,4 +1,4 @@
-#include "hosts/cli/input/call_arguments.h"
+#include "hosts/calls/call_arguments.h"
 
 #include <algorithm>
 #include <memory>
@@ -6,11 +6,11 @@
 #include <set>
 #include <utility>
 
-#include "hosts/cli/console/usage_error.h"
-#include "hosts/cli/input/json_arguments.h"
+#include "hosts/calls/json_arguments.h"
+#include "hosts/calls/wrong_call.h"
 #include "platform/text/text.h"
 
-namespace tessarlorn::cli {
+namespace tessarlorn {
 namespace {
 
 bool IsCollection(ValueType type) { return type == ValueType::kDictionary || type == ValueType::kVector; }
@@ -35,11 +35,11 @@ bool Fits(const Variant& value, ValueType type) {
 
 void RequireFit(const Variant& value, ValueType type, const std::string& path) {
   if (Fits(value, type)) return;
-  throw UsageError(path + " wants a " + std::string(TypeName(type)) + ", not " + std::string(value.type_name()));
+  throw WrongCall(path + " wants a " + std::string(TypeName(type)) + ", not " + std::string(value.type_name()));
 }
 
 [[noreturn]] void ThrowUnknownKey(const std::string& path, const std::string& name, std::span<const Key> keys) {
-  throw UsageError(path + " has no key " + name + DidYouMean(name, Names(keys)));
+  throw WrongCall(path + " has no key " + name + DidYouMean(name, Names(keys)));
 }
 
 /// Checks the keys of a Dictionary, or of the Dictionaries in a Vector.
@@ -72,7 +72,7 @@ class Reader {
   void TakeJson(const Dictionary& json) {
     for (const auto& [name, value] : json) {
       const std::size_t position = Position(name);
-      if (!values_[position].is_empty()) throw UsageError("argument " + name + " is given twice");
+      if (!values_[position].is_empty()) throw WrongCall("argument " + name + " is given twice");
       values_[position] = value;
     }
   }
@@ -80,13 +80,13 @@ class Reader {
   void TakeWord(const std::string& word) {
     const std::string target(Target(word));
     if (target.size() == word.size()) {
-      throw UsageError("\"" + word + "\" is neither argument=value nor argument.Key=value");
+      throw WrongCall("\"" + word + "\" is neither argument=value nor argument.Key=value");
     }
     const std::string value = word.substr(target.size() + 1);
     const std::size_t dot = target.find('.');
     const std::string key_part = dot == std::string::npos ? "" : target.substr(dot);
     if (!seen_.insert(LowerCase(target.substr(0, dot)) + key_part).second) {
-      throw UsageError(target + " is given twice");
+      throw WrongCall(target + " is given twice");
     }
     const std::size_t position = Position(target.substr(0, dot));
     const Argument& argument = operation_.arguments()[position];
@@ -95,8 +95,8 @@ class Reader {
       return;
     }
     if (argument.type != ValueType::kDictionary) {
-      throw UsageError(std::string(argument.name) + " is a " + std::string(TypeName(argument.type)) +
-                       " and has no keys" + (argument.type == ValueType::kVector ? "; give it as a JSON array" : ""));
+      throw WrongCall(std::string(argument.name) + " is a " + std::string(TypeName(argument.type)) +
+                      " and has no keys" + (argument.type == ValueType::kVector ? "; give it as a JSON array" : ""));
     }
     const std::string name = target.substr(dot + 1);
     const Key* const key = FindKey(argument.keys, name);
@@ -125,7 +125,7 @@ class Reader {
  private:
   std::size_t Position(std::string_view name) const {
     const std::span<const Argument> arguments = operation_.arguments();
-    if (arguments.empty()) throw UsageError(std::string(operation_.name) + " takes no arguments");
+    if (arguments.empty()) throw WrongCall(std::string(operation_.name) + " takes no arguments");
     std::vector<std::string_view> names;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
       if (EqualsIgnoreCase(arguments[i].name, name)) return i;
@@ -136,13 +136,13 @@ class Reader {
       if (argument.type != ValueType::kDictionary || FindKey(argument.keys, name) == nullptr) continue;
       hint = "; did you mean " + std::string(argument.name) + "." + std::string(name) + "?";
     }
-    throw UsageError(std::string(operation_.name) + " has no argument " + std::string(name) + hint);
+    throw WrongCall(std::string(operation_.name) + " has no argument " + std::string(name) + hint);
   }
 
   static Variant FromText(const std::string& text, ValueType type, const std::string& path) {
     if (!IsCollection(type)) return text;
     if (!text.starts_with(type == ValueType::kVector ? '[' : '{')) {
-      throw UsageError(
+      throw WrongCall(
           path + " is a " + std::string(TypeName(type)) + ": give it as a JSON " +
           (type == ValueType::kVector ? "array, [...]" : "object, {...}, or each key as " + path + ".Key=value"));
     }
@@ -161,9 +161,9 @@ class Reader {
   /// Nothing.
   void RequireGiven(const Argument& argument) const {
     if (argument.optional || argument.in_out || IsCollection(argument.type)) return;
-    throw UsageError(std::string(operation_.name) + " wants the argument " + std::string(argument.name) + ", a " +
-                     std::string(TypeName(argument.type)) +
-                     (argument.type == ValueType::kString ? ", if only " + std::string(argument.name) + "=" : ""));
+    throw WrongCall(std::string(operation_.name) + " wants the argument " + std::string(argument.name) + ", a " +
+                    std::string(TypeName(argument.type)) +
+                    (argument.type == ValueType::kString ? ", if only " + std::string(argument.name) + "=" : ""));
   }
 
   void Connect(std::size_t position, std::string_view dsn) {
@@ -179,7 +179,7 @@ class Reader {
 
   [[nodiscard]] std::string_view Given(std::string_view dsn) const {
     if (!dsn.empty()) return dsn;
-    throw UsageError(std::string(operation_.name) + " wants a connection string: give --dsn or set TESSARLORN_DSN");
+    throw WrongCall(std::string(operation_.name) + " wants a connection string: give --dsn or set TESSARLORN_DSN");
   }
 
   const Operation& operation_;
@@ -197,7 +197,7 @@ const Operation& RequireOperation(std::string_view name) {
   const std::size_t dot = name.rfind('.');
   const std::string_view bare = dot == std::string_view::npos ? name : name.substr(dot + 1);
   const std::string hint = DidYouMean(bare, names);
-  throw UsageError("unknown operation " + std::string(name) + (hint.empty() ? "; 'tessarlorn ops' lists them" : hint));
+  throw WrongCall("unknown operation " + std::string(name) + (hint.empty() ? "; 'tessarlorn ops' lists them" : hint));
 }
 
 std::vector<Variant> ReadCallArguments(const Operation& operation, const Variant& json,
@@ -216,4 +216,4 @@ std::vector<Variant> ReadCallArguments(const Operation& operation, const Variant
   return std::move(reader).Finish(dsn);
 }
 
-}  // namespace tessarlorn::cli
+}  // namespace tessarlorn

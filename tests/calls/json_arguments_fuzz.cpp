@@ -3,9 +3,9 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "hosts/cli/console/usage_error.h"
-#include "hosts/cli/input/json_arguments.h"
-#include "hosts/cli/output/json_text.h"
+#include "hosts/calls/json_arguments.h"
+#include "hosts/calls/json_text.h"
+#include "hosts/calls/wrong_call.h"
 
 // Any bytes are either refused as a wrong call or become a value whose JSON reads back as the same JSON.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::string written;
   try {
     written = cli::JsonText(cli::ReadJson({reinterpret_cast<const char*>(data), size}, "fuzz"));
-  } catch (const cli::UsageError&) {
+  } catch (const cli::WrongCall&) {
     return 0;
   }
   if (cli::JsonText(cli::ReadJson(written, "written")) != written) std::abort();

@@ -1,4 +1,4 @@
-#include "hosts/cli/input/json_arguments.h"
+#include "hosts/calls/json_arguments.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -10,10 +10,10 @@
 #include <utility>
 #include <vector>
 
-#include "hosts/cli/console/usage_error.h"
+#include "hosts/calls/wrong_call.h"
 #include "tessarlorn/collections.h"
 
-namespace tessarlorn::cli {
+namespace tessarlorn {
 namespace {
 
 /// Walks the text and tells how far it was read.
@@ -140,8 +140,8 @@ class ValueBuilder {
     const std::string_view in_line = before.substr(before.rfind('\n') + 1);
     const auto column =
         1 + std::count_if(in_line.begin(), in_line.end(), [](char byte) { return (byte & 0xC0) != 0x80; });
-    throw UsageError(std::string(name_) + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " +
-                     description);
+    throw WrongCall(std::string(name_) + ":" + std::to_string(line) + ":" + std::to_string(column) + ": " +
+                    description);
   }
 
   std::string_view text_;
@@ -157,4 +157,4 @@ class ValueBuilder {
 
 Variant ReadJson(std::string_view text, std::string_view name) { return ValueBuilder(text, name).Build(); }
 
-}  // namespace tessarlorn::cli
+}  // namespace tessarlorn

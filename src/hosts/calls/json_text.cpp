@@ -1,11 +1,11 @@
-#include "hosts/cli/output/json_text.h"
+#include "hosts/calls/json_text.h"
 
 #include <nlohmann/json.hpp>
 #include <set>
 
 #include "tessarlorn/collections.h"
 
-namespace tessarlorn::cli {
+namespace tessarlorn {
 namespace {
 
 std::string TextJson(const std::string& text) {
@@ -27,7 +27,7 @@ std::string RowsJson(const RecordsetPtr& rows) {
   const ResultRows shown = SelectColumns(rows, {});
   const JsonRows objects(shown);
   std::string text = "[";
-  ForEachRow(*rows, [&] { text += (text.size() > 1 ? "," : "") + objects.Object(); });
+  for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) text += (text.size() > 1 ? "," : "") + objects.Object();
   return text + "]";
 }
 
@@ -68,4 +68,4 @@ std::string JsonRows::Object() const {
   return text + "}";
 }
 
-}  // namespace tessarlorn::cli
+}  // namespace tessarlorn

@@ -6,10 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "hosts/cli/console/interrupt.h"
 #include "tessarlorn/recordset.h"
 
-namespace tessarlorn::cli {
+namespace tessarlorn {
 
 /// Rows, and the fields that are shown of them.
 struct ResultRows {
@@ -20,18 +19,8 @@ struct ResultRows {
 };
 
 /// @param columns the fields to show, in this order and without regard to case; all when empty
-/// Raises UsageError naming the column that there is not.
+/// Raises WrongCall naming the column that there is not.
 ResultRows SelectColumns(const RecordsetPtr& rows, const std::vector<std::string>& columns);
-
-/// Calls `visit` for each row while it is the recordset's current one. Raises `error_number::kCancelled` once Ctrl-C
-/// was pressed: the batch may be done when its rows are still being written.
-template <typename Visit>
-void ForEachRow(Recordset& rows, const Visit& visit) {
-  for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) {
-    RaiseIfInterrupted();
-    visit();
-  }
-}
 
 /// A Dictionary as rows of key and value, a Vector as one row for each item: with a column for each key when the items
 /// are Dictionaries. Values inside values are JSON. Any other value is one row of one cell.
@@ -47,4 +36,4 @@ enum class CellStyle : std::uint8_t {
 /// Binary is `0x…`, an object is JSON.
 std::string CellText(const Variant& value, FieldType type, CellStyle style);
 
-}  // namespace tessarlorn::cli
+}  // namespace tessarlorn

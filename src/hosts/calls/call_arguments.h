@@ -8,9 +8,9 @@
 
 #include "tessarlorn/operations.h"
 
-namespace tessarlorn::cli {
+namespace tessarlorn {
 
-/// By "Name" or "Class.Name" without regard to case. Raises UsageError with the nearest name when there is none.
+/// By "Name" or "Class.Name" without regard to case. Raises WrongCall with the nearest name when there is none.
 const Operation& RequireOperation(std::string_view name);
 
 /// The arguments for ServiceObject::Invoke, one for each that the operation declares; one that is not given is empty.
@@ -20,10 +20,10 @@ const Operation& RequireOperation(std::string_view name);
 ///        Vector, or a key that wants one, it is JSON.
 /// @param dsn goes to each connection string, argument or key, that is not given; "" when there is none
 ///
-/// Arguments are found without regard to case, keys to the letter. Raises UsageError that names the word, argument or
+/// Arguments are found without regard to case, keys to the letter. Raises WrongCall that names the word, argument or
 /// key: one that the operation does not have, one given twice, a connection string that nobody gives, a value that is
 /// no Dictionary or Vector where one is declared, and the faults of ReadJson.
 std::vector<Variant> ReadCallArguments(const Operation& operation, const Variant& json,
                                        std::span<const std::string> words, std::string_view dsn);
 
-}  // namespace tessarlorn::cli
+}  // namespace tessarlorn

@@ -15,6 +15,7 @@
 #include "bench/databases.h"
 #include "bench/ratios.h"
 #include "bench/replay_server.h"
+#include "hosts/listening/listening.h"
 #include "hosts/tds/server.h"
 #include "hosts/tds/users.h"
 #include "tessarlorn/connection.h"
@@ -47,7 +48,7 @@ class Served {
   [[nodiscard]] int port() const { return server_.address().port; }
 
  private:
-  Served() : server_(tds::ParseAddress("127.0.0.1:0"), MakeService()), thread_([this] { server_.Run(); }) {}
+  Served() : server_(ParseAddress("127.0.0.1:0"), MakeService()), thread_([this] { server_.Run(); }) {}
   ~Served() {
     server_.Stop();
     thread_.join();

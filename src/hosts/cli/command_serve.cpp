@@ -12,6 +12,7 @@
 
 #include "hosts/cli/commands.h"
 #include "hosts/cli/console/usage_error.h"
+#include "hosts/listening/listening.h"
 #include "hosts/tds/server.h"
 #include "hosts/tds/users.h"
 #include "platform/session_string.h"
@@ -145,7 +146,7 @@ class EndedBySignals {
 };
 
 /// What the words ask for, or what is wrong with them.
-tds::Service MakeService(const ServeOptions& options, const tds::Address& address, const CommandContext& context) {
+tds::Service MakeService(const ServeOptions& options, const Address& address, const CommandContext& context) {
   if (options.certificate.empty() != options.key.empty()) {
     throw UsageError("--certificate and --key belong together");
   }
@@ -199,10 +200,10 @@ void AllowOpenFiles(std::size_t clients) {
 ExitStatus RunServe(const ServeOptions& options, const CommandContext& context) {
   if (!options.add_user.empty()) return AddUser(options);
   if (options.address.empty()) throw UsageError("--tds ADDRESS:PORT is required, as --tds 127.0.0.1:1433");
-  tds::Address address;
+  Address address;
   tds::Service service(context.host);
   try {
-    address = tds::ParseAddress(options.address);
+    address = ParseAddress(options.address);
     service = MakeService(options, address, context);
   } catch (const Error& error) {
     if (error.number() != error_number::kInvalidArgument) throw;

@@ -15,7 +15,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "hosts/tds/transport/socket.h"
+#include "hosts/listening/listening.h"
 #include "platform/text/text.h"
 #include "tessarlorn/error.h"
 

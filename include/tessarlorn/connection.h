@@ -2,6 +2,8 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -41,6 +43,8 @@ class BatchSink {
 
   /// A result, or the last rows of one that came in parts.
   virtual void Rows(RecordsetPtr rows) = 0;
+  /// Bytes after which a long result is handed over in parts, where it may be.
+  static constexpr std::size_t kPartSize = 65536;
   /// Whether a long result may come in parts, so that nobody holds it whole.
   [[nodiscard]] virtual bool takes_parts() const { return false; }
   /// Rows of a result that more rows follow, at the first of them; theirs only until this returns. When the statement
@@ -62,6 +66,63 @@ class BatchSink {
   const BatchObservers* observers_ = nullptr;
 };
 
+/// Takes the rows of an operation's answer while they are read.
+class AnswerSink {
+ public:
+  AnswerSink() = default;
+  AnswerSink(const AnswerSink&) = delete;
+  AnswerSink& operator=(const AnswerSink&) = delete;
+  virtual ~AnswerSink() = default;
+
+  /// Some rows, at the first of them; theirs only until this returns. What it raises ends the batch.
+  virtual void PartOfAnswer(Recordset& rows) = 0;
+};
+
+/// While it lives, long answers of operations on the calling thread go to the sink in parts: all but the last rows,
+/// which the operation answers. When the operation raises, the parts that came are no answer.
+class AnswerInParts {
+ public:
+  explicit AnswerInParts(AnswerSink& sink) noexcept;
+  AnswerInParts(const AnswerInParts&) = delete;
+  AnswerInParts& operator=(const AnswerInParts&) = delete;
+  ~AnswerInParts();
+
+ private:
+  AnswerSink* before_;
+};
+
+/// Hears of what the calling thread runs on any connection.
+class BatchWatcher {
+ public:
+  BatchWatcher() = default;
+  BatchWatcher(const BatchWatcher&) = delete;
+  BatchWatcher& operator=(const BatchWatcher&) = delete;
+  virtual ~BatchWatcher() = default;
+
+  /// A batch, or a procedure's name, just before it goes to the database.
+  virtual void Statement(std::string_view /*text*/) {}
+  /// A statement of it inserted, changed or removed rows of a table; "" for the table where the driver does not know.
+  /// Temporary tables do not count.
+  virtual void Changed(std::string_view /*table*/, std::int64_t /*rows*/) {}
+  /// The batch took so long, whatever became of it.
+  virtual void Ran(std::chrono::nanoseconds /*time*/) {}
+};
+
+/// While it lives, the watcher hears of the batches of the thread that made it.
+class WatchedBatches {
+ public:
+  explicit WatchedBatches(BatchWatcher& watcher) noexcept;
+  WatchedBatches(const WatchedBatches&) = delete;
+  WatchedBatches& operator=(const WatchedBatches&) = delete;
+  ~WatchedBatches();
+
+ private:
+  BatchWatcher* before_;
+};
+
+/// The watcher of the calling thread or nullptr, for drivers to tell what changed.
+BatchWatcher* WatcherOfThread() noexcept;
+
 /// An open connection. One thread at a time, but for Cancel(). All functions raise `Error` with the numbers of
 /// `error_number`, the server's own text as description and the native number beside it.
 ///
@@ -76,7 +137,10 @@ class Connection {
   /// Runs a batch to its end and answers its first row-returning result, or nullptr when it has none. An error in any
   /// statement of the batch is raised; what ran before it stays unless a transaction takes it back.
   RecordsetPtr Execute(SqlCommand command);
-  /// The same for a batch that reads: raises 3704 when nothing in it answers rows.
+  /// The same for the batch whose result the operation answers as it is: its rows may go to the thread's AnswerSink in
+  /// parts, and what is answered here has the last of them.
+  RecordsetPtr ExecuteAnswer(SqlCommand command);
+  /// As Execute() for a batch that reads: raises 3704 when nothing in it answers rows.
   RecordsetPtr Query(const SqlCommand& command);
   /// The same, handing over every row-returning result in order, each as soon as it is there: those before a failing
   /// statement come, then the error is raised.

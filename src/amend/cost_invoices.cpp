@@ -66,7 +66,7 @@ RecordsetPtr clsGetData::GetTotalPriceChange(std::string_view sDsn, std::string_
         "AND t1.FIsPriceChange=1))",
         " And FID in(", sFIDs, ")");
     text.Line(" Group by FID");
-    return connection.Execute(text.GetText());
+    return connection.ExecuteAnswer(text.GetText());
   });
 }
 

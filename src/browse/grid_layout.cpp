@@ -52,7 +52,7 @@ ORDER BY t1.FPage ,
        t1.FTabIndex
 )"_sql,
                 {{"caption", CaptionColumn(context_)}});
-    return connection.Execute(text.GetText());
+    return connection.ExecuteAnswer(text.GetText());
   });
 }
 
@@ -80,7 +80,7 @@ Where (t1.FClassTypeID = 1014301 AND t1.FPage=1 AND t1.FNeedSave=1 AND t1.FKey N
         "'FTplRemark','FUpdateMemoFail','FUpdateMemoStauts','FIsLock','FLockReason','FSPID','FStockID',"
         "'FIsPrintExpress','FIsPrintPick','FIsPrintSend','FPrintExpressCount','FPrintExpressUserID','FTplOrderID')) ");
     text.Line("ORDER BY t1.FTabIndex");
-    return connection.Execute(text.GetText());
+    return connection.ExecuteAnswer(text.GetText());
   });
 }
 

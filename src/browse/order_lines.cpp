@@ -109,7 +109,7 @@ RecordsetPtr clsGetData::GetEntryData(std::string_view sDsn, const Dictionary* d
     text.Line("where 1=1 ");
     text.Line("and t1.FID=", parameters.Text("FID"));
     text.Line("ORDER BY t2.FIsFree, t2.FIndex");
-    return connection.Execute(text.GetText());
+    return connection.ExecuteAnswer(text.GetText());
   };
   return CallForTexts(State(), contract, {sDsn}, body, OldSession::kKeep);
 }

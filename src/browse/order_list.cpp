@@ -99,7 +99,7 @@ RecordsetPtr clsGetData::GetListData(std::string_view sDsn, const Dictionary* Fi
       text.Line(" order by t1.FSitePayDate ,t1.FOrderID ");
       text.Line("Drop Table #Data");
     }
-    return connection.Execute(text.GetText());
+    return connection.ExecuteAnswer(text.GetText());
   });
 }
 

@@ -10,7 +10,7 @@ namespace tessarlorn {
 RecordsetPtr clsGetData::GetWebShopData(const Dictionary* dctPara) {
   constexpr const Contract& contract = kContract<&clsGetData::GetWebShopData>;
   const auto body = [](Connection& connection, const Parameters&) {
-    return connection.Execute("Select FID,FWebShopID,FWebShopName From IC_WebshopToStorage Order by FID\r\n");
+    return connection.ExecuteAnswer("Select FID,FWebShopID,FWebShopName From IC_WebshopToStorage Order by FID\r\n");
   };
   return CallForDictionary(State(), contract, dctPara, body, OldSession::kKeep);
 }
@@ -30,7 +30,7 @@ From IC_Web2ERPOrders
 Where FID IN ( {FID})
 )"_sql,
                 {{"FID", parameters.Text("FID")}});
-    return connection.Execute(text.GetText());
+    return connection.ExecuteAnswer(text.GetText());
   });
 }
 
@@ -58,14 +58,14 @@ INNER JOIN IC_Logistics t3 ON t1.FLogisticsID =t3.FItemID
 Where t1.FID IN ( {FID})
 )"_sql,
         {{"name", LanguageOf(context_) == "CHT" ? "t3.FName_Cht" : "t3.FName"}, {"FID", parameters.Text("FID")}});
-    return connection.Execute(text.GetText());
+    return connection.ExecuteAnswer(text.GetText());
   });
 }
 
 RecordsetPtr clsGetData::ExecuteSQL(std::string_view sDsn, std::string_view StrSql) {
   session_->Reset();
   OpenSession(State(), sDsn);
-  RecordsetPtr rows = session_->GetConnection().Execute(StrSql);
+  RecordsetPtr rows = session_->GetConnection().ExecuteAnswer(StrSql);
   if (rows) rows->Detach();
   return rows;
 }

@@ -33,7 +33,7 @@ WHERE   t1.FIsStarted = 1
       text.Append("        AND t3.FWebShopID = {shop}\r\n", {{"shop", parameters.Number("FWebShopID")}});
     }
     text.Line("ORDER BY t3.FWebShopID, t2.FNumber, t2.FItemID");
-    return connection.Execute(text.GetText());
+    return connection.ExecuteAnswer(text.GetText());
   });
 }
 

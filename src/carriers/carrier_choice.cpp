@@ -87,7 +87,7 @@ WHERE   NOT EXISTS (SELECT 1
                   {{"FID", parameters.Text("FID")}});
     }
     text.Line("ORDER BY t1.FNumber, t1.FItemID");
-    return connection.Execute(text.GetText());
+    return connection.ExecuteAnswer(text.GetText());
   });
 }
 

@@ -67,7 +67,7 @@ WHERE   t1.FID IN ( {FID})
 GROUP BY t1.FID
 )"_sql,
                 {{"FID", call.orders}});
-    return call.connection.Execute(text.GetText());
+    return call.connection.ExecuteAnswer(text.GetText());
   });
 }
 
@@ -117,7 +117,7 @@ WHERE   t1.FID IN ( {FID})
 )"_sql,
                 {{"FID", call.orders}});
     text.Line("Order by t1.FID,t2.FEntryID ");
-    return call.connection.Execute(text.GetText());
+    return call.connection.ExecuteAnswer(text.GetText());
   });
 }
 

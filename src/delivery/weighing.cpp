@@ -95,7 +95,7 @@ RecordsetPtr clsGetData::GetWeightByFID(const Dictionary* dctPara) {
 )"_sql);
     text.Append(kLinesWithUnits, {{"FID", call.orders}});
     text.Line("      GROUP BY  t1.FID ");
-    return call.connection.Execute(text.GetText());
+    return call.connection.ExecuteAnswer(text.GetText());
   });
 }
 

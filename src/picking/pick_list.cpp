@@ -124,7 +124,7 @@ RecordsetPtr clsGetData::GetPrintRecordsetForPick(const Dictionary* dctParam) {
     text.Append(collected ? kCollected : kLines, {{"name", NameColumn(context_)}});
     text.Append(kTables, {{"FID", call.orders}});
     text.Append(collected ? kCollectedGroups : kWalkingOrder);
-    return call.connection.Execute(text.GetText());
+    return call.connection.ExecuteAnswer(text.GetText());
   });
 }
 

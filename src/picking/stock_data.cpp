@@ -102,7 +102,7 @@ RecordsetPtr clsGetData::GetBatchNo(const Dictionary* dctPara) {
     text.Line("LEFT JOIN t_Stock t4 ON t2.FStockID = t4.FItemID");
     text.Line("LEFT JOIN t_StockPlace t5 ON t2.FSPID = t5.FSPID");
     text.Line("Where t1.FID in (", call.orders, ")");
-    return call.connection.Execute(text.GetText());
+    return call.connection.ExecuteAnswer(text.GetText());
   });
 }
 

@@ -63,7 +63,61 @@ class FirstResult final : public BatchSink {
   RecordsetPtr first;
 };
 
+/// Keeps the last rows of the first result, and hands the others on.
+class AnswerRows final : public BatchSink {
+ public:
+  explicit AnswerRows(AnswerSink* parts) : parts_(parts) {}
+  [[nodiscard]] bool takes_parts() const override { return parts_ != nullptr; }
+  void PartOfRows(Recordset& rows) override { parts_->PartOfAnswer(rows); }
+  void Rows(RecordsetPtr rows) override {
+    if (last == nullptr) last = std::move(rows);
+  }
+  RecordsetPtr last;
+
+ private:
+  AnswerSink* parts_;
+};
+
+AnswerSink*& AnswerSinkOfThread() {
+  thread_local AnswerSink* sink = nullptr;
+  return sink;
+}
+
+BatchWatcher*& WatcherSlot() {
+  thread_local BatchWatcher* watcher = nullptr;
+  return watcher;
+}
+
+/// Tells the thread's watcher of a batch: its text, and how long it takes.
+class Watching {
+ public:
+  explicit Watching(std::string_view text) : watcher_(WatcherSlot()) {
+    if (watcher_ == nullptr) return;
+    watcher_->Statement(text);
+    began_ = std::chrono::steady_clock::now();
+  }
+  Watching(const Watching&) = delete;
+  Watching& operator=(const Watching&) = delete;
+  ~Watching() {
+    if (watcher_ != nullptr) watcher_->Ran(std::chrono::steady_clock::now() - began_);
+  }
+
+ private:
+  BatchWatcher* watcher_;
+  std::chrono::steady_clock::time_point began_;
+};
+
 }  // namespace
+
+AnswerInParts::AnswerInParts(AnswerSink& sink) noexcept : before_(std::exchange(AnswerSinkOfThread(), &sink)) {}
+
+AnswerInParts::~AnswerInParts() { AnswerSinkOfThread() = before_; }
+
+WatchedBatches::WatchedBatches(BatchWatcher& watcher) noexcept : before_(std::exchange(WatcherSlot(), &watcher)) {}
+
+WatchedBatches::~WatchedBatches() { WatcherSlot() = before_; }
+
+BatchWatcher* WatcherOfThread() noexcept { return WatcherSlot(); }
 
 void BatchSink::Message(std::string_view text, const NativeError& /*about*/) {
   if (observers_ != nullptr && observers_->messages) observers_->messages(text);
@@ -74,6 +128,7 @@ void ShowRunningConnection(std::atomic<Connection*>* slot) { RunningSlot() = slo
 void Connection::RunObserved(SqlCommand& command, bool first_only, BatchSink& sink) {
   if (observers_ != nullptr && observers_->statements) observers_->statements(command.text);
   sink.observers_ = observers_;
+  const Watching watching(command.text);
   const Running running(this);
   Run(command, first_only, sink);
 }
@@ -82,6 +137,12 @@ RecordsetPtr Connection::Execute(SqlCommand command) {
   FirstResult sink;
   RunObserved(command, true, sink);
   return std::move(sink.first);
+}
+
+RecordsetPtr Connection::ExecuteAnswer(SqlCommand command) {
+  AnswerRows sink(AnswerSinkOfThread());
+  RunObserved(command, true, sink);
+  return std::move(sink.last);
 }
 
 RecordsetPtr Connection::Query(const SqlCommand& command) {

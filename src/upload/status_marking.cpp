@@ -72,7 +72,7 @@ RecordsetPtr clsGetData::bExistUpLoadBill(const Dictionary* dctPara) {
     TextBuilder text;
     text.Line("SELECT FOrderID ,FUpLoadStatus FROM IC_Web2ERPOrders WHERE FUpLoadStatus =1 AND FID in (", call.orders,
               ")");
-    return call.connection.Execute(text.GetText());
+    return call.connection.ExecuteAnswer(text.GetText());
   });
 }
 

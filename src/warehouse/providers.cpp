@@ -14,7 +14,7 @@ RecordsetPtr clsGetData::GetTplCompany(const Dictionary* dctPara) {
     text.Line(
         "   select distinct FWebTplName,FWebTplType from IC_WebtplFlat where FWebTplType in (select FWebTplType   from "
         "IC_WebtplToStorage) order by fWebtplType asc   ");
-    return connection.Execute(text.GetText());
+    return connection.ExecuteAnswer(text.GetText());
   });
 }
 
@@ -24,7 +24,7 @@ RecordsetPtr clsGetData::GetTplStock(const Dictionary* dctPara, bool bIsBad) {
     TextBuilder text;
     text.Line("    select FWebtplID,FWebtplName from IC_WebtplToStorage where ", bIsBad ? "" : "FIsbad=0  and ",
               " FUnUsed<>1 AND FWebtplType=", parameters.Text("FWebtplType"), " order by FWebtplID   ");
-    return connection.Execute(text.GetText());
+    return connection.ExecuteAnswer(text.GetText());
   });
 }
 

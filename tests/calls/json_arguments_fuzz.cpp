@@ -12,10 +12,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace tessarlorn;
   std::string written;
   try {
-    written = cli::JsonText(cli::ReadJson({reinterpret_cast<const char*>(data), size}, "fuzz"));
-  } catch (const cli::WrongCall&) {
+    written = JsonText(ReadJson({reinterpret_cast<const char*>(data), size}, "fuzz"));
+  } catch (const WrongCall&) {
     return 0;
   }
-  if (cli::JsonText(cli::ReadJson(written, "written")) != written) std::abort();
+  if (JsonText(ReadJson(written, "written")) != written) std::abort();
   return 0;
 }

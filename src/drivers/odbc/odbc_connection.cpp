@@ -18,6 +18,11 @@ class NotingSink final : public BatchSink {
     answered = true;
     sink_.Rows(std::move(rows));
   }
+  [[nodiscard]] bool takes_parts() const override { return sink_.takes_parts(); }
+  void PartOfRows(Recordset& rows) override {
+    answered = true;
+    sink_.PartOfRows(rows);
+  }
   void RowCount(std::int64_t rows) override {
     answered = true;
     sink_.RowCount(rows);

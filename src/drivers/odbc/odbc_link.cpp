@@ -99,7 +99,7 @@ void OdbcLink::Run(SqlCommand& command, bool first_only, bool prints, BatchSink&
       if (Check(result) == SQL_NO_DATA && !first) break;
       SQLSMALLINT columns = 0;
       Check(SQLNumResultCols(statement, &columns));
-      if (columns > 0 && wanted && !failure) reader_->Read(columns, prints, rows);
+      if (columns > 0 && wanted && !failure) reader_->Read(columns, prints, sink, rows);
       if (columns == 0 && !failure) {
         SQLLEN count = -1;
         if (SQL_SUCCEEDED(SQLRowCount(statement, &count)) && count >= 0) sink.RowCount(count);

@@ -94,6 +94,13 @@ DateTime DateTimeOf(const SQL_TIMESTAMP_STRUCT& value, FieldType type) {
   return DateTime(days * kMillisecondsPerDay + seconds * 1000 + milliseconds);
 }
 
+/// Hands over what there is when it is enough for a part, before more rows are added.
+void HandOverPart(RecordsetBuilder& rows, BatchSink& sink) {
+  if (rows.bytes() < BatchSink::kPartSize || !sink.takes_parts()) return;
+  sink.PartOfRows(rows.rows());
+  rows.Clear();
+}
+
 }  // namespace
 
 bool ResultReader::IsMoney(SQLUSMALLINT number) {
@@ -172,7 +179,7 @@ ResultReader::Column ResultReader::Describe(SQLUSMALLINT number) {
   return column;
 }
 
-void ResultReader::Read(SQLSMALLINT columns, bool one_by_one, RecordsetPtr& rows) {
+void ResultReader::Read(SQLSMALLINT columns, bool one_by_one, BatchSink& sink, RecordsetPtr& rows) {
   columns_.clear();
   std::vector<Field> fields;
   for (SQLSMALLINT number = 1; number <= columns; ++number) {
@@ -187,9 +194,9 @@ void ResultReader::Read(SQLSMALLINT columns, bool one_by_one, RecordsetPtr& rows
   RecordsetBuilder builder(std::move(fields));
   try {
     if (bound == columns_.size()) {
-      ReadBlocks(builder);
+      ReadBlocks(builder, sink);
     } else {
-      ReadRowByRow(builder, bound);
+      ReadRowByRow(builder, bound, sink);
     }
     rows = builder.Finish();
   } catch (const Error&) {
@@ -227,8 +234,9 @@ void ResultReader::Bind(std::size_t bound, bool one_by_one) {
   }
 }
 
-void ResultReader::ReadBlocks(RecordsetBuilder& rows) {
+void ResultReader::ReadBlocks(RecordsetBuilder& rows, BatchSink& sink) {
   for (;;) {
+    HandOverPart(rows, sink);
     std::fill(row_states_.begin(), row_states_.end(), SQLUSMALLINT{SQL_ROW_NOROW});
     const SQLRETURN result = SQLFetch(statement_);
     if (result == SQL_ERROR) {
@@ -252,9 +260,10 @@ void ResultReader::AppendBlock(RecordsetBuilder& rows, std::size_t count) {
   }
 }
 
-void ResultReader::ReadRowByRow(RecordsetBuilder& rows, std::size_t bound) {
+void ResultReader::ReadRowByRow(RecordsetBuilder& rows, std::size_t bound, BatchSink& sink) {
   const auto* const row = reinterpret_cast<const std::uint8_t*>(buffer_.get());
   while (check_(SQLFetch(statement_)) != SQL_NO_DATA) {
+    HandOverPart(rows, sink);
     in_row_ = true;
     rows.BeginRow();
     for (std::size_t i = 0; i < bound; ++i) AppendBound(rows, columns_[i], row + columns_[i].offset);

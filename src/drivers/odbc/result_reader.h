@@ -10,6 +10,7 @@
 
 #include "drivers/odbc/odbc_handle.h"
 #include "platform/recordset_builder.h"
+#include "tessarlorn/connection.h"
 #include "tessarlorn/recordset.h"
 
 namespace tessarlorn::odbc {
@@ -25,11 +26,11 @@ class ResultReader {
   ResultReader(const ResultReader&) = delete;
   ResultReader& operator=(const ResultReader&) = delete;
 
-  /// Puts all rows of the current result into `rows`. Raises what `check` raises, and 0x80040E57 for a value that is
-  /// longer than its column says; `rows` then has what came before, or is nullptr. An ODBC driver that looks ahead
-  /// raises the error of the next statement here already.
+  /// Puts the rows of the current result into `rows`, those before the last ones into the sink when it takes parts.
+  /// Raises what `check` raises, and 0x80040E57 for a value that is longer than its column says; `rows` then has what
+  /// came before, or is nullptr. An ODBC driver that looks ahead raises the error of the next statement here already.
   /// @param one_by_one every row on its own, so that no message behind the rows is lost in a block
-  void Read(SQLSMALLINT columns, bool one_by_one, RecordsetPtr& rows);
+  void Read(SQLSMALLINT columns, bool one_by_one, BatchSink& sink, RecordsetPtr& rows);
 
  private:
   /// What a column's value comes as, and what becomes of it.
@@ -57,9 +58,9 @@ class ResultReader {
   Column Describe(SQLUSMALLINT number);
   [[nodiscard]] bool IsMoney(SQLUSMALLINT number);
   void Bind(std::size_t bound, bool one_by_one);
-  void ReadBlocks(RecordsetBuilder& rows);
+  void ReadBlocks(RecordsetBuilder& rows, BatchSink& sink);
   void AppendBlock(RecordsetBuilder& rows, std::size_t count);
-  void ReadRowByRow(RecordsetBuilder& rows, std::size_t bound);
+  void ReadRowByRow(RecordsetBuilder& rows, std::size_t bound, BatchSink& sink);
   void AppendBound(RecordsetBuilder& rows, const Column& column, const std::uint8_t* cell);
   void AppendLong(RecordsetBuilder& rows, SQLUSMALLINT number);
   /// @param size in bytes

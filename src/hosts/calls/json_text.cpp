@@ -1,71 +1,103 @@
 #include "hosts/calls/json_text.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <set>
 
+#include "platform/text/text.h"
 #include "tessarlorn/collections.h"
 
 namespace tessarlorn {
 namespace {
 
-std::string TextJson(const std::string& text) {
-  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+/// Whether it stands between quotes as it is.
+bool IsPlain(std::string_view text) {
+  const bool plain = std::all_of(text.begin(), text.end(),
+                                 [](char c) { return static_cast<unsigned char>(c) >= ' ' && c != '"' && c != '\\'; });
+  return plain && IsValidUtf8(text);
 }
 
-/// "[…]" or "{…}" around items with commas between them.
-template <typename Items, typename Write>
-std::string Joined(char open, const Items& items, char close, const Write& write) {
-  std::string text(1, open);
-  for (const auto& item : items) {
-    if (text.size() > 1) text += ',';
-    text += write(item);
-  }
-  return text + close;
-}
-
-std::string RowsJson(const RecordsetPtr& rows) {
-  const ResultRows shown = SelectColumns(rows, {});
+void AppendRows(std::string& json, Recordset& rows, const ResultRows& shown) {
   const JsonRows objects(shown);
-  std::string text = "[";
-  for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) text += (text.size() > 1 ? "," : "") + objects.Object();
-  return text + "]";
+  json += '[';
+  for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) {
+    if (json.back() != '[') json += ',';
+    objects.AppendObject(json, rows);
+  }
+  json += ']';
 }
 
 }  // namespace
 
-std::string JsonText(const Variant& value, FieldType type) {
-  if (value.is_null() || value.is_empty() || value.type_name() == "Nothing") return "null";
-  if (const std::shared_ptr<Dictionary> dictionary = value.ToDictionary()) {
-    return Joined('{', *dictionary, '}',
-                  [](const auto& entry) { return TextJson(entry.first) + ":" + JsonText(entry.second); });
+void AppendJsonText(std::string& json, std::string_view text) {
+  if (IsPlain(text)) {
+    json.append(1, '"').append(text).append(1, '"');
+  } else {
+    json += nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
   }
-  if (const std::shared_ptr<Vector> items = value.ToVector()) {
-    return Joined('[', *items, ']', [](const Variant& item) { return JsonText(item); });
-  }
-  if (const RecordsetPtr rows = value.ToRecordset()) return RowsJson(rows);
-  if (value.is_object()) return TextJson("(" + std::string(value.type_name()) + ")");
-  const std::string text = CellText(value, type, CellStyle::kData);
-  return value.is_number() ? text : TextJson(text);
 }
 
-JsonRows::JsonRows(const ResultRows& shown) : shown_(shown) {
+void AppendJson(std::string& json, const Variant& value, FieldType type) {
+  if (value.is_null() || value.is_empty() || value.type_name() == "Nothing") {
+    json += "null";
+  } else if (const auto* text = value.get_if<std::string>()) {
+    AppendJsonText(json, *text);
+  } else if (const std::shared_ptr<Dictionary> dictionary = value.ToDictionary()) {
+    json += '{';
+    for (const auto& [key, entry] : *dictionary) {
+      if (json.back() != '{') json += ',';
+      AppendJsonText(json, key);
+      json += ':';
+      AppendJson(json, entry);
+    }
+    json += '}';
+  } else if (const std::shared_ptr<Vector> items = value.ToVector()) {
+    json += '[';
+    for (const Variant& item : *items) {
+      if (json.back() != '[') json += ',';
+      AppendJson(json, item);
+    }
+    json += ']';
+  } else if (const RecordsetPtr rows = value.ToRecordset()) {
+    AppendRows(json, *rows, SelectColumns(rows, {}));
+  } else if (value.is_object()) {
+    AppendJsonText(json, "(" + std::string(value.type_name()) + ")");
+  } else if (value.is_number()) {
+    json += CellText(value, type, CellStyle::kData);
+  } else {
+    AppendJsonText(json, CellText(value, type, CellStyle::kData));
+  }
+}
+
+std::string JsonText(const Variant& value, FieldType type) {
+  std::string json;
+  AppendJson(json, value, type);
+  return json;
+}
+
+JsonRows::JsonRows(const ResultRows& shown) : fields_(shown.fields) {
   std::set<std::string> taken;
   for (const std::string& head : shown.heads) {
     std::string key = head;
     for (int number = 2; !taken.insert(key).second; ++number) key = head + "_" + std::to_string(number);
-    keys_.push_back(TextJson(key) + ":");
+    std::string lead(1, leads_.empty() ? '{' : ',');
+    AppendJsonText(lead, key);
+    leads_.push_back(lead + ":");
+    keys_.push_back(std::move(key));
   }
 }
 
-std::string JsonRows::Object() const {
-  const Recordset& rows = *shown_.rows;
-  std::string text = "{";
-  for (std::size_t i = 0; i < keys_.size(); ++i) {
-    const std::size_t field = shown_.fields[i];
-    if (i > 0) text += ',';
-    text.append(keys_[i]).append(JsonText(rows.Get(field), rows.fields()[field].type));
+void JsonRows::AppendObject(std::string& json, const Recordset& rows) const {
+  for (std::size_t i = 0; i < leads_.size(); ++i) {
+    json += leads_[i];
+    if (const std::optional<std::string_view> text = rows.FindText(fields_[i])) {
+      AppendJsonText(json, *text);
+    } else {
+      AppendJson(json, rows.Get(fields_[i]), rows.fields()[fields_[i]].type);
+    }
   }
-  return text + "}";
+  json += leads_.empty() ? "{}" : "}";
 }
 
 }  // namespace tessarlorn

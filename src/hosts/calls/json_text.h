@@ -1,7 +1,9 @@
-// Values and rows as JSON. All JSON that the command prints is made here.
+// Values and rows as JSON. All JSON of results is made here.
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "hosts/calls/result_rows.h"
@@ -12,18 +14,24 @@ namespace tessarlorn {
 /// recordset as an array of objects. Malformed UTF-8 becomes U+FFFD.
 std::string JsonText(const Variant& value, FieldType type = FieldType::kNVarChar);
 
+/// A text as JSON, in quotes.
+void AppendJsonText(std::string& json, std::string_view text);
+void AppendJson(std::string& json, const Variant& value, FieldType type = FieldType::kNVarChar);
+
 /// Rows as objects. Of fields with the same head the later ones get "_2" and so on behind it.
 class JsonRows {
  public:
-  /// `shown` must outlive it.
   explicit JsonRows(const ResultRows& shown);
-  /// The recordset's current row.
-  [[nodiscard]] std::string Object() const;
+  /// Appends the current row of a recordset with the same fields.
+  void AppendObject(std::string& json, const Recordset& rows) const;
+  /// The keys of the objects.
+  [[nodiscard]] const std::vector<std::string>& keys() const noexcept { return keys_; }
 
  private:
-  const ResultRows& shown_;
-  /// With quotes and colon.
+  std::vector<std::size_t> fields_;
   std::vector<std::string> keys_;
+  /// In front of each value: the comma or brace, the key in quotes, and the colon.
+  std::vector<std::string> leads_;
 };
 
 }  // namespace tessarlorn

@@ -6,15 +6,19 @@
 
 namespace tessarlorn::tsql {
 
-void RowStatements::NoteIdentity(const Compiled& change) {
-  if (!change.identity_table.empty() && results_.row_count() > 0) transaction_.NoteIdentity(change.identity_table);
+void RowStatements::NoteChange(const Compiled& change) {
+  if (results_.row_count() == 0) return;
+  if (!change.identity_table.empty()) transaction_.NoteIdentity(change.identity_table);
+  BatchWatcher* const watcher = WatcherOfThread();
+  if (watcher == nullptr || change.changed_table.empty() || change.changed_table[0] == '#') return;
+  watcher->Changed(change.changed_table, results_.row_count());
 }
 
 void RowStatements::Run(Compiled& change, const Activation& activation) {
   binder_.Bind(change, activation);
   const SqliteStatement::Use use(change.statement);
   results_.Change(change);
-  NoteIdentity(change);
+  NoteChange(change);
 }
 
 void RowStatements::Select(const Statement& statement, const Activation& activation) {
@@ -92,7 +96,7 @@ bool RowStatements::RunCompiled(const Statement& statement, const Activation& ac
   binder_.Bind(compiled, activation);
   const SqliteStatement::Use use(compiled.statement);
   results_.Read(compiled);
-  NoteIdentity(compiled);
+  NoteChange(compiled);
   return true;
 }
 

@@ -39,7 +39,8 @@ class RowStatements {
   bool RunCompiled(const Statement& statement, const Activation& activation);
   /// Binds and runs a change to its end.
   void Run(Compiled& change, const Activation& activation);
-  void NoteIdentity(const Compiled& change);
+  /// Notes what the change that ran did: to the identity, and for who watches.
+  void NoteChange(const Compiled& change);
   /// UPDATE by way of other rows, for when it failed because keys pass through the place of other rows' keys.
   void MoveRows(const UpdateStatement& update, std::uint32_t line, const Activation& activation);
   void InsertOne(const InsertStatement& insert, const TakenRows& taken, const Activation& activation);

@@ -222,6 +222,7 @@ Compiled UpdateTranslator::Translate(bool collect) {
         FinishChange(translation_, rows.output, *clauses_.target.table, "inserted", indirect ? Indirect() : Direct());
   }
   compiled.verb = "UPDATE";
+  if (!sets_.empty()) compiled.changed_table = clauses_.target.table->name;
   return compiled;
 }
 
@@ -247,6 +248,7 @@ Compiled CompileDelete(Translation& translation, const DeleteStatement& statemen
   }
   Compiled compiled = FinishChange(translation, rows.output, *clauses.target.table, "deleted", std::move(sql));
   compiled.verb = "DELETE";
+  compiled.changed_table = clauses.target.table->name;
   return compiled;
 }
 

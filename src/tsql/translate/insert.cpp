@@ -198,6 +198,7 @@ Compiled InsertTranslator::Translate(bool identity_insert) {
   defaults_ = Defaults(positions_);
   Compiled compiled = FinishChange(translation_, insert_.output, *table_, "inserted", with + Text());
   compiled.verb = "INSERT";
+  compiled.changed_table = table_->name;
   if (table_->identity_column() >= 0) compiled.identity_table = table_->name;
   return compiled;
 }
@@ -218,6 +219,7 @@ Compiled CompileInsertInto(Translation& translation, const CatalogObject& table,
   Compiled compiled =
       translation.parameters.Finish("INSERT INTO " + TableSql(table) + " (" + columns + ") " + rows.sql);
   compiled.verb = "INSERT";
+  compiled.changed_table = table.name;
   if (table.identity_column() >= 0) compiled.identity_table = table.name;
   return compiled;
 }

@@ -25,8 +25,11 @@ class JsonWriter final : public ResultWriter {
     const JsonRows objects(shown);
     out_ << '[';
     bool first = true;
+    std::string line;
     ForEachRow(*shown.rows, [&] {
-      out_ << (first ? "\n  " : ",\n  ") << objects.Object();
+      line = first ? "\n  " : ",\n  ";
+      objects.AppendObject(line, *shown.rows);
+      out_ << line;
       first = false;
     });
     out_ << (first ? "]\n" : "\n]\n");

@@ -47,9 +47,6 @@ void AppendCell(RecordsetBuilder& rows, const SqliteStatement& row, int column, 
   }
 }
 
-/// Bytes after which a result is handed over in parts, when it may be.
-constexpr std::size_t kPartSize = 65536;
-
 }  // namespace
 
 void SetVariable(Variable& variable, const Datum& value, const SqlType& type, DateOrder order) {
@@ -118,7 +115,7 @@ void Results::Read(Compiled& query) {
   while (query.statement.Step(query.verb)) {
     ++row_count_;
     if (!keep) continue;
-    if (in_parts && rows->bytes() >= kPartSize) {
+    if (in_parts && rows->bytes() >= BatchSink::kPartSize) {
       sink_->PartOfRows(rows->rows());
       rows->Clear();
     }

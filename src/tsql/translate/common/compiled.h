@@ -57,6 +57,8 @@ struct Compiled {
   std::string_view verb = "INSERT";
   /// The table that gives identity values, "" for none.
   std::string identity_table;
+  /// The table whose rows it changes, "" for none.
+  std::string changed_table;
 
   SqliteStatement statement;  // prepared on first use
 };

@@ -61,8 +61,8 @@ class CommandTest : public testing::Test {
 
 TEST_F(CommandTest, HelpsAtEveryLevel) {
   const std::string page = Run("man").out;
-  for (const std::string command :
-       {"", "init", "seed", "ops", "call", "sql", "check", "backup", "restore", "serve", "man", "completion"}) {
+  for (const std::string command : {"", "init", "seed", "ops", "call", "sql", "check", "backup", "restore", "serve",
+                                    "user", "user set", "token add", "role", "man", "completion"}) {
     EXPECT_THAT(page, HasSubstr(command.empty() ? ".SH EXIT STATUS\n" : ".SS tessarlorn " + command)) << command;
     const Told help = Run(command + " --help");
     EXPECT_EQ(help.status, 0) << command;
@@ -83,6 +83,8 @@ TEST_F(CommandTest, IsCompletedByBash) {
         {"call GetList", "GetListData GetListBySQL"},
         {"call --csv ConfirmBill dctPara.FPick", "dctPara.FPickManNumber= dctPara.FPickRem="},
         {"call clsGetData.GetWeightByFID --columns F", "FID FWeight"},
+        {"user re", "remove"},
+        {"token revoke --us", "--user"},
         {"sql --file che", ""}}) {
     EXPECT_EQ(RunLine("bash -c '. \"" + script + "\"; COMP_LINE=\"tessarlorn " + line +
                       "\"; COMP_POINT=${#COMP_LINE}; _tessarlorn; echo ${COMPREPLY[@]}'")
@@ -129,6 +131,9 @@ TEST_F(CommandTest, NamesWhatIsWrongWithACallAndDoesNothing) {
            Case{"call Delivery --args nowhere.json", "cannot read nowhere.json: No such file or directory"},
            Case{"call Delivery --json --csv", "--json excludes --csv"},
            Case{"seed --orders many", "--orders"},
+           Case{"token lst", "tessarlorn token: unknown command lst; did you mean list?"},
+           Case{"user add ann --erp-user 7 --role picer",
+                "tessarlorn user add: unknown role picer; did you mean picker?"},
            Case{"sql", "tessarlorn sql: give the text to run"},
            Case{"call GetListData --dsn ''", "--dsn: the connection string is empty"},
            Case{"--dsn '' sql 'select 1 A'", "--dsn: the connection string is empty"},

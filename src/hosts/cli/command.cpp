@@ -84,12 +84,14 @@ std::string FooterText() {
 /// The chosen command, or the application itself.
 const CLI::App& Chosen(const CLI::App& app) {
   const std::vector<CLI::App*> chosen = app.get_subcommands();
-  return chosen.empty() ? app : *chosen.front();
+  return chosen.empty() ? app : Chosen(*chosen.front());
 }
 
 void ReportUsage(const CLI::App& app, std::string_view fault, std::string_view help_command = {}) {
-  const CLI::App& chosen = Chosen(app);
-  const std::string words = &chosen == &app ? "tessarlorn" : "tessarlorn " + chosen.get_name();
+  std::string words;
+  for (const CLI::App* command = &Chosen(app); command != nullptr; command = command->get_parent()) {
+    words.insert(0, command->get_name() + (words.empty() ? "" : " "));
+  }
   std::cerr << words << ": " << OnOneLine(fault) << "\n'";
   if (help_command.empty()) {
     std::cerr << words << " --help' explains the command.\n";
@@ -122,9 +124,9 @@ std::string DescribeExtra(const CLI::App& app) {
     for (const CLI::Option* option : chosen.get_options()) {
       for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
     }
-  } else if (&chosen == &app) {
+  } else if (!chosen.get_subcommands({}).empty()) {
     kind = "unknown command ";
-    for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
+    for (const CLI::App* command : chosen.get_subcommands({})) names.push_back(command->get_name());
   }
   return kind + word + DidYouMean(word.substr(0, word.find('=')), {names.begin(), names.end()});
 }
@@ -186,6 +188,9 @@ ExitStatus Run(Host& host, std::span<const std::string> words) {
   AddMaintenanceCommands(app, context);
 #ifdef TESSARLORN_HAS_SERVER
   AddServeCommand(app, context);
+  AddUserCommands(app, context);
+  AddTokenCommands(app, context);
+  AddRoleCommands(app, context);
 #endif
   AddShellCommands(app, context);
   AddVersionCommand(app, context);

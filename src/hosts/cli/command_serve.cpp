@@ -1,16 +1,14 @@
 #include <array>
 #include <atomic>
 #include <csignal>
-#include <cstdlib>
 #include <ctime>
 #include <iostream>
 #include <mutex>
 #include <string>
 #include <sys/resource.h>
-#include <termios.h>
-#include <unistd.h>
 
 #include "hosts/cli/commands.h"
+#include "hosts/cli/console/password.h"
 #include "hosts/cli/console/usage_error.h"
 #include "hosts/listening/listening.h"
 #include "hosts/tds/server.h"
@@ -54,54 +52,10 @@ struct ServeOptions {
   int send_seconds = 30;
 };
 
-termios shown_input{};
-
-extern "C" void ShowInputAndEnd(int signal) {
-  tcsetattr(STDIN_FILENO, TCSANOW, &shown_input);
-  std::_Exit(128 + signal);
-}
-
-/// While it lives, what is typed is not shown. Ctrl-C ends the process, and what is typed then is shown again.
-class HiddenInput {
- public:
-  HiddenInput() {
-    tcgetattr(STDIN_FILENO, &shown_input);
-    for (std::size_t i = 0; i < kSignals.size(); ++i) before_[i] = std::signal(kSignals[i], ShowInputAndEnd);
-    termios hidden = shown_input;
-    hidden.c_lflag &= ~static_cast<tcflag_t>(ECHO);
-    tcsetattr(STDIN_FILENO, TCSAFLUSH, &hidden);
-  }
-  HiddenInput(const HiddenInput&) = delete;
-  HiddenInput& operator=(const HiddenInput&) = delete;
-  ~HiddenInput() {
-    tcsetattr(STDIN_FILENO, TCSAFLUSH, &shown_input);
-    for (std::size_t i = 0; i < kSignals.size(); ++i) std::signal(kSignals[i], before_[i]);
-  }
-
- private:
-  static constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
-  std::array<void (*)(int), kSignals.size()> before_{};
-};
-
-/// Reads a line without showing it where it is typed.
-std::string ReadPassword(const std::string& user) {
-  std::string password;
-  if (isatty(STDIN_FILENO) == 1) {
-    const HiddenInput hidden;
-    std::cerr << "Password of " << user << ": " << std::flush;
-    std::getline(std::cin, password);
-    std::cerr << '\n';
-  } else {
-    std::getline(std::cin, password);
-  }
-  if (password.ends_with('\r')) password.pop_back();
-  return password;
-}
-
 ExitStatus AddUser(const ServeOptions& options) {
   if (options.users.empty()) throw UsageError("--add-user wants --users FILE, the file to which the user is added");
   try {
-    tds::AddUser(options.users, options.add_user, ReadPassword(options.add_user));
+    tds::AddUser(options.users, options.add_user, ReadNewPassword(options.add_user));
   } catch (const Error& error) {
     throw UsageError(error.what());
   }

@@ -57,6 +57,10 @@ void AddSqlCommand(CLI::App& app, CommandContext& context);
 /// check, backup and restore.
 void AddMaintenanceCommands(CLI::App& app, CommandContext& context);
 void AddServeCommand(CLI::App& app, CommandContext& context);
+// Commands of commands: who may call over HTTP.
+void AddUserCommands(CLI::App& app, CommandContext& context);
+void AddTokenCommands(CLI::App& app, CommandContext& context);
+void AddRoleCommands(CLI::App& app, CommandContext& context);
 /// man and completion, which describe `app`.
 void AddShellCommands(CLI::App& app, CommandContext& context);
 void AddVersionCommand(CLI::App& app, CommandContext& context);

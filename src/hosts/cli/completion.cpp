@@ -40,7 +40,7 @@ _tessarlorn_words() {
     case $command in
       '') case ' {commands} ' in *" $word "*) command=$word ;; esac ;;
       call | ops) case ' {operations} ' in *" ${word##*.} "*) operation=${word##*.} ;; esac ;;
-    esac
+{parts}    esac
   done
   case $previous in
     {file_options}) echo FILES ;;
@@ -54,7 +54,7 @@ _tessarlorn_words() {
         *:call:*) _tessarlorn_arguments "$operation" ;;
         *:completion:) echo bash zsh ;;
         *:backup: | *:restore:) echo FILES ;;
-      esac
+{part_words}      esac
       ;;
   esac
 }
@@ -110,12 +110,19 @@ std::vector<std::string> OptionNames(const CLI::App& command) {
   return names;
 }
 
+std::vector<const CLI::App*> WithParts(const CLI::App& command) {
+  std::vector<const CLI::App*> all = {&command};
+  for (const CLI::App* const part : command.get_subcommands({})) {
+    const std::vector<const CLI::App*> parts = WithParts(*part);
+    all.insert(all.end(), parts.begin(), parts.end());
+  }
+  return all;
+}
+
 /// "--file | --key": the options of all commands whose value is a file, or any other.
 std::string OptionsWithValue(const CLI::App& app, bool files) {
   std::vector<std::string> names;
-  std::vector<const CLI::App*> commands = app.get_subcommands({});
-  commands.push_back(&app);
-  for (const CLI::App* const command : commands) {
+  for (const CLI::App* const command : WithParts(app)) {
     for (const CLI::Option* const option : command->get_options()) {
       const bool takes_value = !option->get_positional() && option->get_items_expected_max() > 0;
       const std::string name = option->get_name();
@@ -128,10 +135,24 @@ std::string OptionsWithValue(const CLI::App& app, bool files) {
 
 std::string Script(const CLI::App& app, std::string_view head, std::string_view tail) {
   std::vector<std::string> commands;
+  // Commands of commands.
+  std::string parts;
+  std::string part_words;
   std::string options = Case("''", OptionNames(app));
   for (const CLI::App* const command : app.get_subcommands({})) {
     commands.push_back(command->get_name());
     options += Case(command->get_name(), OptionNames(*command));
+    const std::string& name = commands.back();
+    std::vector<std::string> names;
+    for (const CLI::App* const part : command->get_subcommands({})) {
+      names.push_back(part->get_name());
+      options += Case("'" + name + " " + part->get_name() + "'", OptionNames(*part));
+    }
+    if (names.empty()) continue;
+    const std::string list = Join(names, " ");
+    parts.append("      ").append(name).append(") case ' ").append(list).append(" ' in *\" $word \"*) command=\"");
+    parts.append(name).append(" $word\" ;; esac ;;\n");
+    part_words.append("        *:").append(name).append(":) echo '").append(list).append("' ;;\n");
   }
   std::vector<std::string> operations;
   std::string arguments;
@@ -154,6 +175,8 @@ std::string Script(const CLI::App& app, std::string_view head, std::string_view 
   std::string text = ReplaceAll(kCommon, "{options}", options);
   text = ReplaceAll(text, "{arguments}", arguments);
   text = ReplaceAll(text, "{columns}", columns);
+  text = ReplaceAll(text, "{parts}", parts);
+  text = ReplaceAll(text, "{part_words}", part_words);
   text = ReplaceAll(text, "{commands}", Join(commands, " "));
   text = ReplaceAll(text, "{operations}", Join(operations, " "));
   text = ReplaceAll(text, "{file_options}", OptionsWithValue(app, true));

@@ -66,8 +66,10 @@ void WriteFooter(std::ostream& page, const std::string& footer, std::string_view
   if (kept) page << ".fi\n";
 }
 
-void WriteCommand(std::ostream& page, const CLI::App& app, const CLI::App& command) {
-  page << ".SS tessarlorn " << command.get_name();
+/// @param words "tessarlorn" and the commands that it is a command of
+void WriteCommand(std::ostream& page, const CLI::App& app, const CLI::App& command, const std::string& words) {
+  const std::string own = words + " " + command.get_name();
+  page << ".SS " << own;
   for (const CLI::Option* const option : command.get_options()) {
     if (!option->get_positional()) continue;
     const std::string name = option->get_name(true);
@@ -79,8 +81,11 @@ void WriteCommand(std::ostream& page, const CLI::App& app, const CLI::App& comma
     const bool shared = !option->get_positional() && app.get_option_no_throw(option->get_name()) != nullptr;
     if (!shared) WriteOption(page, *option);
   }
-  // A command without one has that of the whole.
-  if (command.get_footer() != app.get_footer()) WriteFooter(page, command.get_footer(), ".PP\n.B ");
+  // A command without one has that of what it is a command of.
+  if (command.get_footer() != command.get_parent()->get_footer()) {
+    WriteFooter(page, command.get_footer(), ".PP\n.B ");
+  }
+  for (const CLI::App* const part : command.get_subcommands({})) WriteCommand(page, app, *part, own);
 }
 
 }  // namespace
@@ -90,7 +95,7 @@ std::string ManualPage(const CLI::App& app) {
   page << ".TH TESSARLORN 1 \"\" \"tessarlorn " << kVersion << "\"\n.SH NAME\ntessarlorn \\- "
        << Plain(app.get_description()) << "\n.SH SYNOPSIS\n.B tessarlorn\n[\\fIoptions\\fR] \\fIcommand\\fR "
        << "[\\fIwords\\fR]\n.SH COMMANDS\n";
-  for (const CLI::App* const command : app.get_subcommands({})) WriteCommand(page, app, *command);
+  for (const CLI::App* const command : app.get_subcommands({})) WriteCommand(page, app, *command, app.get_name());
   page << ".SH OPTIONS\nThey may stand behind a command that uses a database, too.\n";
   for (const CLI::Option* const option : app.get_options()) WriteOption(page, *option);
   WriteFooter(page, app.get_footer(), ".SH ");

@@ -49,7 +49,7 @@ enum class Standing : std::uint8_t {
   kNowhere,
   /// Between single quotes, as it is unless the connection string says Escape=Yes.
   kQuoted,
-  /// Between single quotes, which the operation takes out of it.
+  /// Between single quotes, which the operation takes out of it unless the connection string says Escape=Yes.
   kStripped,
   /// As a number: what reads it has converted it.
   kNumber,
@@ -66,6 +66,24 @@ enum class Standing : std::uint8_t {
 /// "between quotes", "as a number", …
 std::string_view StandingText(Standing stands);
 
+/// Which orders a value selects. What is stored with an order, as a new waybill number, selects none.
+enum class Names : std::uint8_t {
+  kNothing,
+  /// Those with the key (FID), or with the keys of a list.
+  kOrders,
+  /// Those that have the line (FEntryID), or the lines of a list; 0 is no line.
+  kOrderLines,
+  /// Those with the waybill number or, when it reads as one, the unique code.
+  kWaybill,
+  /// Those with the unique code. Of an argument of which every key counts, the keys.
+  kUniqueCode,
+  /// Those that the cost invoice covers, or the invoices of a list.
+  kCostInvoices,
+};
+
+/// "orders", "order lines", …; "" for kNothing.
+std::string_view NamesText(Names names);
+
 /// A key that an operation reads from a Dictionary.
 struct Key {
   std::string_view name;
@@ -78,6 +96,7 @@ struct Key {
   std::string_view help;
   /// The keys of the Dictionaries in it, for a Vector.
   std::span<const Key> item_keys = {};
+  Names names = Names::kNothing;
 
   /// Whether it holds the connection string.
   [[nodiscard]] constexpr bool is_connection() const noexcept {
@@ -114,6 +133,7 @@ struct ArgumentContract {
   bool any_key = false;
   /// A client may leave it out.
   bool optional = false;
+  Names names = Names::kNothing;
 
   /// Whether it is the connection string.
   [[nodiscard]] constexpr bool is_connection() const noexcept {
@@ -150,6 +170,8 @@ struct Contract {
   std::string_view errors = {};
   /// What it answers, in this order, where neither data nor settings decide that; else none.
   std::span<const Column> columns = {};
+  /// It works on orders that none of its values names.
+  bool reaches_any_order = false;
 
   /// The keys of its first Dictionary, none when it takes none.
   [[nodiscard]] constexpr std::span<const Key> keys() const noexcept {

@@ -32,6 +32,7 @@ struct Argument {
   bool any_key = false;
   Standing stands = Standing::kNowhere;
   Need need = Need::kOptional;
+  Names names = Names::kNothing;
   /// Whether it is the connection string.
   bool is_connection = false;
 };

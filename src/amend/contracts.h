@@ -35,7 +35,7 @@ inline constexpr Key kDeliveryRemark[] = {
 
 inline constexpr Key kAddress[] = {
     ConnectionKey("sDSN"),
-    Mandatory("FID", kLong, kBareNumber, "Order key"),
+    kOrderKey,
     Optional("FConsignee", kString, kQuoted, "", "Who receives the parcel"),
     Optional("FZipCode", kString, kQuoted, "", "Postal code"),
     Optional("FTelephone", kString, kQuoted, "", "Telephone number"),
@@ -138,8 +138,9 @@ template <>
 inline constexpr Contract kContract<&clsSaveData::UpdateAfterDeleteBill> = {
     .name = "UpdateAfterDeleteBill",
     .source = "TessarLornPickingAndDelivery.clsSaveData.UpdateAfterDeleteBill",
-    .arguments = {{.name = "sDsn", .need = Need::kMandatory},
-                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory}},
+    .arguments =
+        {{.name = "sDsn", .need = Need::kMandatory},
+         {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory, .names = Names::kCostInvoices}},
     .help =
         "Unlinks all orders from the cost invoices of the list sFID. False, with nothing done, without sDsn or sFID.",
 };
@@ -180,14 +181,15 @@ template <>
 inline constexpr Contract kContract<&clsGetData::GetWebFIDByCostInoviceID> = {
     .name = "GetWebFIDByCostInoviceID",
     .source = "TessarMWebOrder.TessarMWebOrderInfo.GetWebFIDByInoviceID",
-    .arguments = {{.name = "sDsn"}, {.name = "lInoviceID", .stands = Standing::kNumber}},
+    .arguments = {{.name = "sDsn"}, {.name = "lInoviceID", .stands = Standing::kNumber, .names = Names::kCostInvoices}},
     .help = "The key of the order that a cost invoice covers, -1 when it covers none or several.",
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetTotalPriceChange> = {
     .name = "GetTotalPriceChange",
     .source = "GetBatchNo",
-    .arguments = {{.name = "sDsn", .need = Need::kMandatory}, {.name = "sFIDs", .stands = Standing::kKeyList}},
+    .arguments = {{.name = "sDsn", .need = Need::kMandatory},
+                  {.name = "sFIDs", .stands = Standing::kKeyList, .names = Names::kOrders}},
     .help =
         "The sums of the price-difference lines of each order of the list sFIDs. Nothing without sDsn; no row "
         "for an order without such lines.",

@@ -191,6 +191,7 @@ consteval Operation Bind() {
                                   .any_key = argument.any_key,
                                   .stands = argument.stands,
                                   .need = argument.need,
+                                  .names = argument.names,
                                   .is_connection = argument.is_connection()};
   }
   operation.call = [](ServiceObject& object, std::span<Variant> values) {

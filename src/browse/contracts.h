@@ -48,11 +48,12 @@ inline constexpr Key kListFilter[] = {
     Optional("WebOrderMaxDisplayCount", kDouble, kNumber, "0", "Most rows; 0 = all"),
 };
 
-inline constexpr Key kEntry[] = {Given("FID", kLong, kBareNumber, "Order key")};
+inline constexpr Key kEntry[] = {Naming(Names::kOrders, Given("FID", kLong, kBareNumber, "Order key"))};
 
 inline constexpr Key kBuyers[] = {
     ConnectionKey("sDSN"),
-    Optional("FID", kString, kKeyList, "", "Order keys (FID), separated by commas; an error without any"),
+    Naming(Names::kOrders,
+           Optional("FID", kString, kKeyList, "", "Order keys (FID), separated by commas; an error without any")),
 };
 
 inline constexpr Column kTemplateColumns[] = {

@@ -21,7 +21,8 @@ inline constexpr Key kChoice[] = {
 
 inline constexpr Key kChoices[] = {
     ConnectionKey("sDSN"),
-    Optional("FID", kString, kKeyList, "", "Order keys: leaves carriers out that are known not to serve an address"),
+    Naming(Names::kOrders, Optional("FID", kString, kKeyList, "",
+                                    "Order keys: leaves carriers out that are known not to serve an address")),
 };
 
 inline constexpr Key kStarted[] = {
@@ -42,7 +43,8 @@ inline constexpr Key kAccount[] = {
 
 inline constexpr Key kParcel[] = {
     ConnectionKey("sDSN"),
-    Mandatory("FLogisticsOrder", kString, kQuoted, "Waybill number or, of up to 23 digits, the order's unique code"),
+    Naming(Names::kWaybill, Mandatory("FLogisticsOrder", kString, kQuoted,
+                                      "Waybill number or, of up to 23 digits, the order's unique code")),
 };
 
 inline constexpr Key kWaybillState[] = {
@@ -125,7 +127,7 @@ inline constexpr Contract kContract<&clsSaveData::UpdateAddressReachableState> =
     .name = "UpdateAddressReachableState",
     .source = "TessarLornPickingAndDelivery.clsSaveData.UpdateAddressReachableState",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
-                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory},
+                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory, .names = Names::kOrders},
                   {.name = "lType"}},
     .help =
         "Records that carriers serve the addresses of the orders of the list sFID, and remembers each complete "
@@ -145,7 +147,7 @@ inline constexpr Contract kContract<&clsGetData::GetNeedAddressReachableInfo> = 
     .name = "GetNeedAddressReachableInfo",
     .source = "GetNeedAddressReachableInfo",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
-                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory}},
+                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory, .names = Names::kOrders}},
     .help =
         "Those of the orders of the list sFID that have a carrier and an address to be checked, an order "
         "without extension row being one; empty texts when there is none. Nothing without sDsn or sFID.",
@@ -156,7 +158,7 @@ inline constexpr Contract kContract<&clsGetData::GetNoAddressReachableInfo> = {
     .name = "GetNoAddressReachableInfo",
     .source = "GetNoAddressReachableInfo",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
-                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory}},
+                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory, .names = Names::kOrders}},
     .help =
         "Those of the orders of the list sFID that have a carrier which does not serve their address. Nothing "
         "without sDsn or sFID.",

@@ -31,7 +31,7 @@ inline constexpr Key kNumberAndWeight[] = {
     Optional("FLogisticsOrder", kString, kQuoted, "", "Logistics number"),
     Optional("FWeight", kString, kNumber, "0", "Weight in kg; the number with which the text begins"),
     Optional("FLogisticsCost", kString, kNumber, "0", "Logistics cost; the number with which the text begins"),
-    Unchecked("FID", kLong, kBareNumber, "Order key"),
+    Naming(Names::kOrders, Unchecked("FID", kLong, kBareNumber, "Order key")),
 };
 
 inline constexpr Key kLogWeight[] = {
@@ -39,7 +39,7 @@ inline constexpr Key kLogWeight[] = {
     Unchecked("FLogisticsCost", kDouble, kBareNumber, "Logistics cost in the order's currency"),
     Unchecked("FWeighttingMan", kLong, kBareNumber, "Id of the user who weighed"),
     Unchecked("FWeighttingStatus", kLong, kBareNumber, "1 = weighed"),
-    Unchecked("FID", kLong, kBareNumber, "Order key"),
+    Naming(Names::kOrders, Unchecked("FID", kLong, kBareNumber, "Order key")),
 };
 
 inline constexpr Key kWeightStatus[] = {
@@ -147,7 +147,7 @@ template <>
 inline constexpr Contract kContract<&clsSaveData::UpdateDeliveryData> = {
     .name = "UpdateDeliveryData",
     .source = "TessarLornPickingAndDelivery.clsSaveData.UpdateDeliveryData",
-    .arguments = {{.name = "sDsn"}, {.name = "sFID", .stands = Standing::kNumber}},
+    .arguments = {{.name = "sDsn"}, {.name = "sFID", .stands = Standing::kNumber, .names = Names::kOrders}},
     .help =
         "Queues the creation of stock bills for the orders of the list sFID, in batches of 150; a queued order "
         "is reset to waiting. Batches before a failing one stay. True, also for an empty list.",
@@ -177,7 +177,7 @@ inline constexpr Contract kContract<&clsSaveData::SetUpLogisticsNumber> = {
     .name = "SetUpLogisticsNumber",
     .source = "Delivery",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
-                  {.name = "dctPara", .stands = Standing::kQuoted, .any_key = true}},
+                  {.name = "dctPara", .stands = Standing::kQuoted, .any_key = true, .names = Names::kUniqueCode}},
     .help =
         "Stores logistics numbers: each key is an order's unique code (FUniqueCode), its value the number. "
         "Nothing is logged. False, with nothing done, without sDsn or entries.",
@@ -246,7 +246,7 @@ template <>
 inline constexpr Contract kContract<&clsGetData::NewGetWeightByFID> = {
     .name = "NewGetWeightByFID",
     .source = "NewGetWeightByFID",
-    .arguments = {{.name = "sDsn"}, {.name = "sFID", .stands = Standing::kNumber}},
+    .arguments = {{.name = "sDsn"}, {.name = "sFID", .stands = Standing::kNumber, .names = Names::kOrders}},
     .help = "The order's weight computed from its lines, 0 when it has none.",
     .errors = "11 when a unit that has to be converted has the coefficient 0",
     .columns = delivery::kKilogramColumns,

@@ -29,6 +29,13 @@ std::string_view ColumnsTitle(ValueType result) {
   return result == ValueType::kDictionary ? "Keys of the answer" : "Columns of the answer";
 }
 
+std::string_view NamesText(Names names) {
+  constexpr auto kTexts = std::to_array<std::string_view>({"", "orders", "order lines", "orders of a waybill number",
+                                                           "orders of a unique code", "orders of a cost invoice"});
+  static_assert(kTexts.size() == static_cast<std::size_t>(Names::kCostInvoices) + 1);
+  return kTexts[static_cast<std::size_t>(names)];
+}
+
 std::string Key::Explanation() const {
   std::string text(help);
   if (need == Need::kUnchecked) text += "; the database refuses the statement without it";

@@ -21,7 +21,10 @@ template <>
 inline constexpr Contract kContract<&clsSaveData::WriteSaveOrderLog> = {
     .name = "WriteSaveOrderLog",
     .source = "",
-    .arguments = {{.name = "FID"}, {.name = "EntryID"}, {.name = "FieldName"}, {.name = "Value"}},
+    .arguments = {{.name = "FID", .names = Names::kOrders},
+                  {.name = "EntryID", .names = Names::kOrderLines},
+                  {.name = "FieldName"},
+                  {.name = "Value"}},
     .help =
         "Records a new field value of an order (EntryID 0) or of one of its lines (FID may be empty), on the "
         "session that an earlier operation of the same instance opened. Answers what the web-order component "
@@ -32,8 +35,11 @@ template <>
 inline constexpr Contract kContract<&clsSaveData::WriteOPLog> = {
     .name = "WriteOPLog",
     .source = "",
-    .arguments =
-        {{.name = "sFID"}, {.name = "OPCode"}, {.name = "ItemID"}, {.name = "FOldValue"}, {.name = "FNewValue"}},
+    .arguments = {{.name = "sFID", .names = Names::kOrders},
+                  {.name = "OPCode"},
+                  {.name = "ItemID"},
+                  {.name = "FOldValue"},
+                  {.name = "FNewValue"}},
     .help =
         "Records an operation on the orders of the list sFID, with acting user, client address and local time, "
         "on the session that an earlier operation of the same instance opened. ItemID is 0 for whole orders. "

@@ -23,6 +23,11 @@ constexpr Key Unchecked(std::string_view name, ValueType type, Standing stands, 
 constexpr Key Given(std::string_view name, ValueType type, Standing stands, std::string_view help) {
   return {.name = name, .type = type, .stands = stands, .need = Need::kGiven, .fallback = "", .help = help};
 }
+/// The same key, which selects orders.
+constexpr Key Naming(Names names, Key key) {
+  key.names = names;
+  return key;
+}
 /// @param name sDSN, sDsn or sProps, as the operation spells it
 constexpr Key ConnectionKey(std::string_view name) {
   return Mandatory(name, ValueType::kString, Standing::kNowhere, "Connection string, may name the caller as well");
@@ -36,9 +41,10 @@ consteval const Key& KeyNamed(std::string_view name, std::span<const Key> keys) 
   throw "no such key";  // does not compile
 }
 
-inline constexpr Key kOrdersKey =
-    Mandatory("FID", ValueType::kString, Standing::kKeyList, "Order keys (FID), separated by commas");
-inline constexpr Key kOrderKey = Mandatory("FID", ValueType::kLong, Standing::kBareNumber, "Order key");
+inline constexpr Key kOrdersKey = Naming(
+    Names::kOrders, Mandatory("FID", ValueType::kString, Standing::kKeyList, "Order keys (FID), separated by commas"));
+inline constexpr Key kOrderKey =
+    Naming(Names::kOrders, Mandatory("FID", ValueType::kLong, Standing::kBareNumber, "Order key"));
 
 inline constexpr Key kConnection[] = {ConnectionKey("sDSN")};
 inline constexpr Key kOrders[] = {ConnectionKey("sDSN"), kOrdersKey};

@@ -67,6 +67,10 @@ class EscapeTexts {
   bool before_;
 };
 
+/// The text without its single quotes; as it is while EscapeTexts doubles them, so that what is stored is what was
+/// given.
+std::string WithoutQuotes(std::string_view text);
+
 /// Append-only text. Values are spliced as they are: nothing is quoted or checked, and nothing is doubled but what
 /// EscapeTexts asks for.
 class TextBuilder {

@@ -22,8 +22,8 @@ inline constexpr Key kConfirmBill[] = {
 
 inline constexpr Key kPickingGoods[] = {
     ConnectionKey("sProps"),
-    Optional("FLogisticsOrder", kString, kQuoted, "",
-             "The parcel's logistics number or, all in digits, the order's unique code"),
+    Naming(Names::kWaybill, Optional("FLogisticsOrder", kString, kQuoted, "",
+                                     "The parcel's logistics number or, all in digits, the order's unique code")),
     Optional("FPickingGoodsStatus", kLong, kNumber, "0", "1 = check passed, 0 = not passed"),
     Unchecked("FPickingGoodMan", kLong, kBareNumber, "Id of the user who checked"),
     Optional("FPickingGoodsstatus", kLong, kNowhere, "", "With a small s: 1 stores the time of the check as well"),
@@ -36,10 +36,11 @@ inline constexpr Key kPickingMark[] = {
 };
 
 inline constexpr Key kBatch[] = {
-    Optional("FBatchNo", kString, kStripped, "", "Batch number; single quotes are removed, here and below"),
+    Optional("FBatchNo", kString, kStripped, "",
+             "Batch number; single quotes are removed without Escape=Yes, here and below"),
     Optional("FStockID", kLong, kStripped, "", "Warehouse; an absent one is stored as none, like all of these"),
     Optional("SPID", kLong, kStripped, "", "Stock place"),
-    Optional("FEntryID", kLong, kBareNumber, "0", "Line key"),
+    Naming(Names::kOrderLines, Optional("FEntryID", kLong, kBareNumber, "0", "Line key")),
 };
 
 inline constexpr Key kPickList[] = {
@@ -48,8 +49,8 @@ inline constexpr Key kPickList[] = {
     Optional("Mode", kLong, kNowhere, "0", "1 collects what all the orders need, any other number lists their lines"),
 };
 
-inline constexpr Key kPrinted[] = {
-    Optional("FID", kLong, kBareNumber, "", "Order key; the first value counts, whatever its name")};
+inline constexpr Key kPrinted[] = {Naming(
+    Names::kOrders, Unchecked("FID", kLong, kBareNumber, "Order key; the first value counts, whatever its name"))};
 
 inline constexpr Column kStockPlaceColumns[] = {
     {"FEntryID", kLong, "Line key"},

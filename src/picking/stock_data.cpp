@@ -3,7 +3,6 @@
 #include "frame/results.h"
 #include "frame/text_builder.h"
 #include "picking/contracts.h"
-#include "platform/text/text.h"
 #include "tessarlorn/clsGetData.h"
 #include "tessarlorn/clsSaveData.h"
 
@@ -17,7 +16,7 @@ bool clsSaveData::SaveBatchNo(std::string_view sDsn, const Vector* vctPara) {
     for (const Variant& item : *vctPara) {
       const std::shared_ptr<Dictionary> choice = ItemDictionary(item);
       const Parameters line(choice.get());
-      const auto unquoted = [&line](std::string_view key) { return ReplaceAll(line.Text(key), "'", ""); };
+      const auto unquoted = [&line](std::string_view key) { return WithoutQuotes(line.Text(key)); };
       const std::string batch = unquoted("FBatchNo");
       const std::string entry = line.TextOrDefault(KeyNamed("FEntryID", picking::kBatch));
       text.Append(

@@ -20,8 +20,9 @@ inline constexpr Key kUploadStatus[] = {
 };
 
 inline constexpr Key kFailure[] = {
-    Optional("FailureFID", kLong, kBareNumber, "0", "Order key"),
-    Optional("FailureInfo", kString, kStripped, "", "The web shop's reason; single quotes are removed"),
+    Naming(Names::kOrders, Optional("FailureFID", kLong, kBareNumber, "0", "Order key")),
+    Optional("FailureInfo", kString, kStripped, "",
+             "The web shop's reason; single quotes are removed without Escape=Yes"),
 };
 
 inline constexpr Key kUploadFailure[] = {
@@ -80,6 +81,7 @@ inline constexpr Contract kContract<&clsSaveData::UpLoadStatusForManualAndClosed
     .help =
         "Marks every manual order and every closed transaction, with its lines, as uploaded. True, also when there "
         "is none.",
+    .reaches_any_order = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::bExistUpLoadBill> = {
@@ -96,7 +98,7 @@ inline constexpr Contract kContract<&clsGetData::GetUploadDataByFID> = {
     .name = "GetUploadDataByFID",
     .source = "TessarLornPickingAndDelivery.clsGetData.GetUploadDataByFID",
     .arguments = {{.name = "strDSN", .need = Need::kMandatory},
-                  {.name = "strFids", .stands = Standing::kKeyList, .need = Need::kMandatory}},
+                  {.name = "strFids", .stands = Standing::kKeyList, .need = Need::kMandatory, .names = Names::kOrders}},
     .help =
         "What is to be reported to the web shops about the orders of the list strFids: one Dictionary for each "
         "marketplace order, taken from its first line, or for each of its lines when it was split. It was "
@@ -122,6 +124,7 @@ inline constexpr Contract kContract<&clsGetData::GetUploadDataByTab> = {
         "in the run's table; a page with an order of fstatus 1 is done. The page is joined as pageTable, so "
         "its name is that or is followed by that alias. True, with nothing done, for a page that is done; "
         "False without strDSN or pageTable.",
+    .reaches_any_order = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::isRunUploadOrder> = {
@@ -137,7 +140,7 @@ inline constexpr Contract kContract<&clsGetData::GetSplitChrildOrderIDs> = {
     .name = "GetSplitChrildOrderIDs",
     .source = "TessarMWebOrder.TessarMWebOrderInfo.GetSortRs",
     .arguments = {{.name = "strDSN", .need = Need::kMandatory},
-                  {.name = "FID", .stands = Standing::kNumber},
+                  {.name = "FID", .stands = Standing::kNumber, .names = Names::kOrders},
                   {.name = "SiteOrderID", .stands = Standing::kQuoted},
                   {.name = "ChildOrderIDs"}},
     .help =
@@ -149,7 +152,9 @@ template <>
 inline constexpr Contract kContract<&clsGetData::CheckWebShopTypeSameByOrders> = {
     .name = "CheckWebShopTypeSameByOrders",
     .source = "TessarLornPickingAndDelivery.clsGetData.CheckWebShopTypeSameByOrders",
-    .arguments = {{.name = "sDsn"}, {.name = "strIDs", .stands = Standing::kKeyList}, {.name = "WebShopType"}},
+    .arguments = {{.name = "sDsn"},
+                  {.name = "strIDs", .stands = Standing::kKeyList, .names = Names::kOrders},
+                  {.name = "WebShopType"}},
     .help =
         "Whether the orders of the list strIDs are all of web shops of one type, which WebShopType then is; "
         "True with 0 when none has a shop or strIDs is empty; on False it stays what it was. Orders of several "

@@ -2,7 +2,6 @@
 #include "frame/order_call.h"
 #include "frame/parameters.h"
 #include "frame/text_builder.h"
-#include "platform/text/text.h"
 #include "tessarlorn/clsGetData.h"
 #include "tessarlorn/clsSaveData.h"
 #include "tessarlorn/error.h"
@@ -41,7 +40,7 @@ bool clsSaveData::UploadStatusFailure(const Dictionary* dctPara) {
       const Parameters order(failure.get());
       const Key& key = KeyNamed("FailureFID", upload::kFailure);
       text.Append("UPDATE IC_Web2ERPOrders SET FUpLoadStatus =0,FReasonsForFailure = '{reason}' WHERE FID = {FID}\r\n",
-                  {{"reason", ReplaceAll(order.Text("FailureInfo"), "'", "")}, {"FID", order.TextOrDefault(key)}});
+                  {{"reason", WithoutQuotes(order.Text("FailureInfo"))}, {"FID", order.TextOrDefault(key)}});
     }
     if (!text.empty()) connection.Execute(text.GetText());
     return true;

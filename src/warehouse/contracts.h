@@ -43,7 +43,7 @@ inline constexpr Contract kContract<&clsSaveData::SubMitTplOrderTask> = {
     .name = "SubMitTplOrderTask",
     .source = "TessarLornPickingAndDelivery.clsSaveData.SubMitTplOrderTask",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
-                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory},
+                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory, .names = Names::kOrders},
                   {.name = "tplType", .stands = Standing::kNumber},
                   {.name = "sUserName", .stands = Standing::kQuoted},
                   {.name = "sWebTplID", .stands = Standing::kQuoted, .optional = true}},
@@ -120,7 +120,7 @@ inline constexpr Contract kContract<&clsGetData::GetTplOrderInfo> = {
     .name = "GetTplOrderInfo",
     .source = "TessarLornPickingAndDelivery.clsGetData.GetTplOrderInfo",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
-                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory},
+                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory, .names = Names::kOrders},
                   {.name = "dicWebToStorage", .keys = warehouse::kWebToStorage}},
     .help =
         "The keys, with commas between them, of those of the orders of the list sFID that have a line on a "
@@ -132,7 +132,7 @@ inline constexpr Contract kContract<&clsGetData::GetNotTplOrderInfo> = {
     .name = "GetNotTplOrderInfo",
     .source = "TessarLornPickingAndDelivery.clsGetData.GetTplOrderInfo",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
-                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory}},
+                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory, .names = Names::kOrders}},
     .help =
         "The keys, with commas between them, of those of the orders of the list sFID that have a line on a stock "
         "which no outside warehouse handles. An empty text without sDsn or sFID and when there is none.",
@@ -142,7 +142,7 @@ inline constexpr Contract kContract<&clsGetData::GetCancelTplOrderInfo> = {
     .name = "GetCancelTplOrderInfo",
     .source = "TessarLornPickingAndDelivery.clsGetData.GetCancelTplOrderInfo",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
-                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory},
+                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory, .names = Names::kOrders},
                   {.name = "tplType", .stands = Standing::kNumber},
                   {.name = "tplStockID", .stands = Standing::kQuoted}},
     .help =
@@ -156,7 +156,7 @@ inline constexpr Contract kContract<&clsGetData::GetCancelTplReturnOrderInfo> = 
     .name = "GetCancelTplReturnOrderInfo",
     .source = "TessarLornPickingAndDelivery.clsGetData.GetCancelTplOrderInfo",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
-                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory},
+                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory, .names = Names::kOrderLines},
                   {.name = "tplType", .stands = Standing::kNumber},
                   {.name = "tplStockID", .stands = Standing::kQuoted}},
     .help =
@@ -168,7 +168,7 @@ inline constexpr Contract kContract<&clsGetData::GetFiltrationTPLOrder> = {
     .name = "GetFiltrationTPLOrder",
     .source = "TessarLornPickingAndDelivery.clsGetData.GetFiltrationTPLOrder",
     .arguments = {{.name = "sDsn", .need = Need::kMandatory},
-                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory}},
+                  {.name = "sFID", .stands = Standing::kKeyList, .need = Need::kMandatory, .names = Names::kOrders}},
     .help =
         "The keys, with commas between them, of those of the orders of the list sFID that are at an outside "
         "warehouse (state 1 or 3) with every line. A warehouse of stock 0 stands for no stock; an order "

@@ -7,13 +7,14 @@
 namespace tessarlorn {
 namespace {
 
-constexpr const char* kText = "O'B \"x\" ]";
+constexpr const char* kText = "O'Brien \"x\" 王; drop table t --";
+constexpr const char* kLiteral = "N'O''Brien \"x\" 王; drop table t --'";
 
 /// Arguments and keys that are SQL, lists of keys or numbers, and whose text is therefore not free.
 constexpr std::string_view kFixed =
     " FID=1 sFID=1 sFIDs=1 strIDs=1 sInterFID=1 EntryID=0 OPCode=3008 ItemID=0 StrSql=SELECT(1) sFiter=1=1 "
     "lTranType=71 AdvancedFilter= FGoodsCount= FEntryCount= icboTpl= icboCainiao= OtherFilterOne= taskID= "
-    "FJzService= pageTable=pageTable strTempTable=Reports sFKey=1014301_O'B key=101 ";
+    "FJzService= pageTable=pageTable strTempTable=Reports FZipCode=O'B;-- sFKey=1014301_O'B key=101 ";
 
 Variant Sample(std::string_view name, ValueType type, Standing /*stands*/) {
   const std::size_t found = kFixed.find(" " + std::string(name) + "=");
@@ -39,27 +40,34 @@ class EscapeTest : public SampleTest {
 };
 
 TEST_F(EscapeTest, KeepsTextsWholeInEveryOperation) {
+  const std::string text = kLiteral;
   Run("INSERT INTO t_SystemProfile (FCategory, FKey, FValue) VALUES ('EC', 'TradeLog3003', '1'), "
       "('EC', 'TradeLog2001', '1'), ('EC', 'PickGoodsCount', '1') "
       "INSERT INTO IC_Web2ERPOrders (FID, FUniqueCode, FDeliveryProvince, FDeliveryCity, FDeliveryDistrict) "
       "VALUES (1, 101, 1, 1, 1), (2, 102, 1, 1, 1) "
       "INSERT INTO IC_Web2ERPOrdersEntry (FEntryID, FID, FSiteOrderID, FChildOrderID) "
-      "SELECT FID, FID, N'O''B \"x\" ]', N'O''B \"x\" ]' FROM IC_Web2ERPOrders "
-      "INSERT INTO IC_Trade (FID, FTID) VALUES (1, N'O''B \"x\" ]') "
-      "INSERT INTO IC_Logistics (FItemID, FNumber) VALUES (1, N'O''B \"x\" ]') "
+      "SELECT FID, FID, " +
+      text + ", " + text +
+      " FROM IC_Web2ERPOrders "
+      "INSERT INTO IC_Trade (FID, FTID) VALUES (1, " +
+      text +
+      ") "
+      "INSERT INTO IC_Logistics (FItemID, FNumber) VALUES (1, " +
+      text +
+      ") "
       "CREATE TABLE pageTable (fid int, fstatus int) INSERT INTO pageTable VALUES (1, 0) "
       "SELECT * INTO Reports FROM IC_UploadWebOrderIndicator");
-  // Where each text is found afterwards; two operations take single quotes out by themselves.
+  // Where each text is found afterwards.
   const std::string whole = std::string(kText) + "|";
   const std::map<std::string_view, std::pair<const char*, std::string>> stored = {
       {"WriteSaveOrderLog", {"FFieldName, FNewValue FROM IC_TradeFieldLog WHERE FFieldName LIKE 'O%'", whole + whole}},
       {"WriteOPLog", {"FOldValue, FNewValue FROM IC_TradeLog WHERE FOPCode=3008", whole + whole}},
       {"ConfirmBill", {"FPickMan, FPickRem FROM IC_Web2ERPOrders WHERE FID=1", whole + whole}},
       {"SavePickingGoods", {"FPickingGoodMan FROM IC_Web2ERPOrders WHERE FID=1", "1|"}},
-      {"SaveBatchNo", {"FBatchNo FROM IC_Web2ERPOrdersEntry WHERE FID=1", "OB \"x\" ]|"}},
+      {"SaveBatchNo", {"FBatchNo FROM IC_Web2ERPOrdersEntry WHERE FID=1", whole}},
       {"SetUpLogisticsNumberAndWeight", {"FLogisticsOrder FROM IC_Web2ERPOrders WHERE FID=1", whole}},
       {"SetUpLogisticsNumber", {"FLogisticsOrder FROM IC_Web2ERPOrders WHERE FID=1", whole}},
-      {"UploadStatusFailure", {"FReasonsForFailure FROM IC_Web2ERPOrders WHERE FID=1", "OB \"x\" ]|"}},
+      {"UploadStatusFailure", {"FReasonsForFailure FROM IC_Web2ERPOrders WHERE FID=1", whole}},
       {"UpdateAddressReachableState", {"FNumber FROM IC_SaveAddressReachableInfo", whole}},
       {"SubMitTplOrderTask", {"FUserName, FWebTplID FROM TPLTaskFlow WHERE FTaskType=130", whole + whole}},
       {"SubMitPorTask", {"FTaskId, FUserName, FWebTplID FROM TPLTaskFlow WHERE FTaskId<>''", whole + whole + whole}},
@@ -68,7 +76,7 @@ TEST_F(EscapeTest, KeepsTextsWholeInEveryOperation) {
       {"DeliveryRemark", {"FShippingRem FROM IC_Web2ERPOrders WHERE FID=1", "\\" + whole}},
       {"ChangeAddess",
        {"FConsignee, FZipCode, FTelephone, FMobile, FDeliveryAddress FROM IC_Web2ERPOrders WHERE FID=1",
-        whole + whole + whole + whole + whole}},
+        whole + "O'B;--|" + whole + whole + whole}},
       {"UpdateCostInvoiceStatus", {"FFeeBillNO FROM IC_Web2ERPOrders WHERE FID=1", whole}},
       {"UpdateEMSOrderStatus", {"FLogisticsOrder FROM IC_Web2ERPOrders WHERE FID=1", whole}},
       {"GetUploadDataByTab",
@@ -78,7 +86,7 @@ TEST_F(EscapeTest, KeepsTextsWholeInEveryOperation) {
   std::size_t found = 0;
   for (const Operation* operation : Operations()) {
     if (operation->property) continue;
-    Run("UPDATE IC_Web2ERPOrders SET FLogisticsID=1, FOrderID=N'O''B \"x\" ]', FLogisticsOrder=N'O''B \"x\" ]'");
+    Run("UPDATE IC_Web2ERPOrders SET FLogisticsID=1, FOrderID=" + text + ", FLogisticsOrder=" + text);
     ServiceObject object(host_, operation->service);
     // The operations of the log work on the session of another.
     if (operation->service == ServiceClass::kSaveData) Call(object, *FindOperation("DownloadWebTpls"));
@@ -94,6 +102,12 @@ TEST_F(EscapeTest, KeepsTextsWholeInEveryOperation) {
     EXPECT_EQ(Read(std::string("SELECT ") + place->second.first), place->second.second) << operation->name;
   }
   EXPECT_EQ(found, stored.size());
+  // The server joins a line that ends in a backslash with the next.
+  const std::string lines = "\r\na\\\r\n\r\nb\\\\\nc\\\n";
+  Run("UPDATE IC_Web2ERPOrders SET FSellerMessage = ''");
+  const Dictionary remark{{"sDSN", escaping_}, {"FID", "1"}, {"Mode", 1}, {"FSellerMessage", lines}};
+  save().OrderRemark(&remark);
+  EXPECT_EQ(Read("SELECT FSellerMessage FROM IC_Web2ERPOrders WHERE FID=1"), "\\" + lines + "|");
   EXPECT_EQ(get().GetPurchaseTaskInfo(escaping_, "", kText, "1", "1"), 0);
 }
 

@@ -32,6 +32,7 @@ Vector DescribeKeys(std::span<const Key> keys) {
                      {"stands", StandingText(key.stands)},
                      {"help", key.help},
                      {"connection", key.is_connection()}};
+    if (key.names != Names::kNothing) entry.SetValue("names", NamesText(key.names));
     if (!key.item_keys.empty()) entry.SetValue("keys", DescribeKeys(key.item_keys));
     list.Add(std::move(entry));
   }
@@ -59,6 +60,7 @@ Dictionary Describe(const Operation& operation) {
                      {"stands", StandingText(argument.stands)},
                      {"mandatory", argument.need != Need::kOptional},
                      {"connection", argument.is_connection}};
+    if (argument.names != Names::kNothing) entry.SetValue("names", NamesText(argument.names));
     if (!argument.keys.empty()) entry.SetValue("keys", DescribeKeys(argument.keys));
     arguments.Add(std::move(entry));
   }

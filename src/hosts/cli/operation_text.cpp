@@ -19,6 +19,7 @@ written `Argument.Key` here. `Argument[].Key` is a key of each Dictionary in a `
 | the column "in the statement" says | which means |
 |---|---|
 | between quotes | The value is a text of SQL. With `Escape=Yes` in the connection string its quotes are doubled. |
+| between quotes, its own quotes removed | The same. Without `Escape=Yes` its quotes are taken out. |
 | bare, as … | The value is a piece of the SQL. Never pass on what a stranger wrote. |
 | as a converted number | The value is a number, or the call fails. |
 | not in the statement | The value decides what is done, or is looked up. |

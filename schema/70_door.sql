@@ -64,7 +64,7 @@ CREATE TABLE DoorCall (
   FUserID int NOT NULL,                                    -- t_User
   FOperation nvarchar(80) NOT NULL,
   FOrders nvarchar(4000) NOT NULL DEFAULT '',
-  FKey nvarchar(255) NULL,
+  FKey binary(32) NULL,                                    -- SHA-256 of the caller's key
   FHash binary(32) NULL,                                   -- SHA-256 of the request
   FType nvarchar(80) NULL,
   FAnswer nvarchar(max) NULL);

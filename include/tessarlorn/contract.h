@@ -172,6 +172,8 @@ struct Contract {
   std::span<const Column> columns = {};
   /// It works on orders that none of its values names.
   bool reaches_any_order = false;
+  /// It must see what was written just before: a copy of the database that is a little behind does not do.
+  bool needs_latest = false;
 
   /// The keys of its first Dictionary, none when it takes none.
   [[nodiscard]] constexpr std::span<const Key> keys() const noexcept {

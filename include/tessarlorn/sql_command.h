@@ -50,4 +50,7 @@ struct SqlCommand {
 /// word. What stands behind the first numbers in parentheses is not read.
 Field FieldOfDeclaration(std::string_view declaration);
 
+/// The type's word in declarations, without arguments: "int", "nvarchar", "datetime".
+std::string_view TypeWordOf(FieldType type);
+
 }  // namespace tessarlorn

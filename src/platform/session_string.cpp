@@ -112,6 +112,8 @@ SessionString ParseSessionString(std::string_view text) {
       if (!value.empty()) session.language = value;
     } else if (name == "client") {
       session.client = value;
+    } else if (name == "replica") {
+      session.replica = Trim(value);
     } else if (name == "escape") {
       session.escape = ReadYesOrNo(key, value);
     } else {

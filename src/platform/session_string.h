@@ -20,6 +20,8 @@ struct SessionString {
   std::string language = "CHS";
   /// Address of the client machine, "" when none.
   std::string client;
+  /// The connection string of a copy of the database that takes reads, "" when none. Servers use it; sessions do not.
+  std::string replica;
   /// Whether single quotes are doubled in the texts that operations put between quotes.
   bool escape = false;
 };

@@ -89,4 +89,10 @@ Field FieldOfDeclaration(std::string_view declaration) {
   return field;
 }
 
+std::string_view TypeWordOf(FieldType type) {
+  return std::find_if(kTypeWords.begin(), kTypeWords.end(),
+                      [type](const TypeWord& known) { return known.type == type && known.size != kUnlimited; })
+      ->word;
+}
+
 }  // namespace tessarlorn

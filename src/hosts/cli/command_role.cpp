@@ -3,7 +3,7 @@
 #include "hosts/cli/commands.h"
 #include "hosts/cli/door_command.h"
 #include "hosts/calls/json_text.h"
-#include "hosts/cli/output/result_rows.h"
+#include "hosts/calls/result_rows.h"
 #include "hosts/http/access/roles.h"
 #include "tessarlorn/collections.h"
 

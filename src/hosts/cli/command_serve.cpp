@@ -1,56 +1,45 @@
 #include <array>
 #include <atomic>
 #include <csignal>
-#include <ctime>
 #include <iostream>
-#include <mutex>
 #include <string>
 #include <sys/resource.h>
+#include <thread>
+#include <vector>
 
 #include "hosts/cli/commands.h"
 #include "hosts/cli/console/password.h"
 #include "hosts/cli/console/usage_error.h"
-#include "hosts/listening/listening.h"
-#include "hosts/tds/server.h"
+#include "hosts/cli/serving/serving.h"
 #include "hosts/tds/users.h"
-#include "platform/session_string.h"
-#include "platform/text/text.h"
 
 namespace tessarlorn::cli {
 namespace {
 
 constexpr const char* kServeFooter =
-    R"(Serves the database over TDS 7.1 to 7.4, the protocol of SQL Server's clients, until Ctrl-C or SIGTERM. The first line
-of its output is "listening on ADDRESS:PORT"; port 0 is any free one. The log goes to standard error. Clients that are
-slow to read are cut off five seconds after Ctrl-C, or by a second one.
+    R"(Serves the database until Ctrl-C or SIGTERM: with --tds over TDS 7.1 to 7.4, the protocol of SQL Server's clients, and
+with --http as JSON over HTTP/1.1, or both. For each a line of its output says where: "listening on 127.0.0.1:1433",
+"listening on http://127.0.0.1:8080"; port 0 is any free one. The log goes to standard error, for HTTP a line of JSON for
+each request. At the end what is under way is answered first, in five seconds over TDS and twenty over HTTP, or until a
+second signal.
 
-Users stand in a file, with hashes of their passwords; --add-user reads a password from standard input and adds one.
+Over TDS the users stand in a file, with hashes of their passwords; --add-user reads a password from standard input and
+adds one. Over HTTP users, tokens and roles stand in the database: 'tessarlorn user', 'token' and 'role'. There the
+operations are called: POST /api/v1/clsGetData/GetListData. /api/v1/docs shows all of them, and lets them be tried.
+
 Only addresses of this machine are served unless --allow-remote is given, and then only with a certificate, or with
---allow-plain: without TLS passwords and data can be read on their way.
+--allow-plain: without TLS passwords and data can be read on their way. Behind a proxy that has TLS: --behind-proxy
+believes its X-Forwarded-For and X-Forwarded-Proto. --http systemd takes the socket that systemd hands over.
+
+A connection string with Replica={...} sends reads to that copy of the database.
 
 Exit status: 0 when it was ended, 2 when it was called in a wrong way, 3 when it could not serve.
 
 Examples:
+  tessarlorn serve --http 127.0.0.1:8080 --dsn Embedded=orders.db
   tessarlorn serve --add-user ann --users users.txt
   tessarlorn serve --tds 127.0.0.1:1433 --users users.txt --dsn Embedded=orders.db
-  tessarlorn serve --tds 0.0.0.0:1433 --allow-remote --certificate server.crt --key server.key --users users.txt)";
-
-struct ServeOptions {
-  std::string address;
-  std::string users;
-  std::string add_user;
-  std::string certificate;
-  std::string key;
-  bool allow_remote = false;
-  bool allow_plain = false;
-  bool verbose = false;
-  int connections = 200;
-  int message_megabytes = 64;
-  int memory_megabytes = 1024;
-  int login_seconds = 15;
-  int idle_seconds = 8 * 3600;
-  int send_seconds = 30;
-};
+  tessarlorn serve --http 0.0.0.0:443 --allow-remote --certificate server.crt --key server.key)";
 
 ExitStatus AddUser(const ServeOptions& options) {
   if (options.users.empty()) throw UsageError("--add-user wants --users FILE, the file to which the user is added");
@@ -63,78 +52,31 @@ ExitStatus AddUser(const ServeOptions& options) {
   return ExitStatus::kDone;
 }
 
-/// A line of the log, with the time.
-void WriteLog(const std::string& line) {
-  static std::mutex mutex;
-  const std::time_t now = std::time(nullptr);
-  std::tm parts{};
-  localtime_r(&now, &parts);
-  std::array<char, 32> stamp{};
-  const std::size_t size = std::strftime(stamp.data(), stamp.size(), "%Y-%m-%d %H:%M:%S ", &parts);
-  const std::scoped_lock lock(mutex);
-  std::cerr << std::string_view(stamp.data(), size) << line << '\n' << std::flush;
+std::array<std::atomic<ServedDoor*>, 2> running_doors{};
+static_assert(std::atomic<ServedDoor*>::is_always_lock_free);
+
+extern "C" void StopDoors(int /*signal*/) {
+  for (const std::atomic<ServedDoor*>& running : running_doors) {
+    if (ServedDoor* const door = running.load()) door->Stop();
+  }
 }
 
-std::atomic<tds::Server*> running_server{nullptr};
-static_assert(std::atomic<tds::Server*>::is_always_lock_free);
-
-extern "C" void StopServer(int /*signal*/) {
-  if (tds::Server* const server = running_server.load()) server->Stop();
-}
-
-/// While it lives, Ctrl-C and SIGTERM end the server.
+/// While it lives, Ctrl-C and SIGTERM end the servers.
 class EndedBySignals {
  public:
-  explicit EndedBySignals(tds::Server& server) {
-    running_server.store(&server);
-    std::signal(SIGINT, StopServer);
-    std::signal(SIGTERM, StopServer);
+  explicit EndedBySignals(const std::vector<std::unique_ptr<ServedDoor>>& doors) {
+    for (std::size_t i = 0; i < doors.size(); ++i) running_doors[i] = doors[i].get();
+    std::signal(SIGINT, StopDoors);
+    std::signal(SIGTERM, StopDoors);
   }
   EndedBySignals(const EndedBySignals&) = delete;
   EndedBySignals& operator=(const EndedBySignals&) = delete;
   ~EndedBySignals() {
     std::signal(SIGINT, SIG_DFL);
     std::signal(SIGTERM, SIG_DFL);
-    running_server.store(nullptr);
+    for (std::atomic<ServedDoor*>& running : running_doors) running = nullptr;
   }
 };
-
-/// What the words ask for, or what is wrong with them.
-tds::Service MakeService(const ServeOptions& options, const Address& address, const CommandContext& context) {
-  if (options.certificate.empty() != options.key.empty()) {
-    throw UsageError("--certificate and --key belong together");
-  }
-  tds::Service service(context.host);
-  if (!address.is_loopback()) {
-    if (!options.allow_remote) {
-      throw UsageError(options.address + " is reached from other machines: give --allow-remote if that is wanted");
-    }
-    service.tls_required = !options.allow_plain;
-    if (options.certificate.empty() && !options.allow_plain) {
-      throw UsageError("serving other machines wants --certificate and --key, or --allow-plain to do without TLS");
-    }
-  }
-  if (options.users.empty()) {
-    throw UsageError("no users: give --users FILE; 'tessarlorn serve --add-user NAME --users FILE' adds one to it");
-  }
-  service.database_string = ParseSessionString(context.RequireDsn()).database;
-  if (!EqualsIgnoreCase(service.host->DecidingKey(service.database_string), "Embedded")) {
-    throw UsageError("only an embedded database is served, as --dsn Embedded=orders.db");
-  }
-  service.database_string += ";MaxMemory=" + std::to_string(options.memory_megabytes);
-  service.users = tds::Users::Read(options.users);
-  if (!options.certificate.empty()) {
-    service.tls = std::make_shared<tds::TlsContext>(options.certificate, options.key);
-  }
-  service.limits.connections = static_cast<std::size_t>(options.connections);
-  service.limits.message = static_cast<std::size_t>(options.message_megabytes) << 20;
-  service.limits.login = std::chrono::seconds(options.login_seconds);
-  service.limits.idle = std::chrono::seconds(options.idle_seconds);
-  service.limits.send = std::chrono::seconds(options.send_seconds);
-  service.log = WriteLog;
-  service.verbose = options.verbose;
-  return service;
-}
 
 /// Takes as many open files as the system allows, and says when they are too few for all clients.
 void AllowOpenFiles(std::size_t clients) {
@@ -151,26 +93,35 @@ void AllowOpenFiles(std::size_t clients) {
            std::to_string(enough) + " clients");
 }
 
-ExitStatus RunServe(const ServeOptions& options, const CommandContext& context) {
-  if (!options.add_user.empty()) return AddUser(options);
-  if (options.address.empty()) throw UsageError("--tds ADDRESS:PORT is required, as --tds 127.0.0.1:1433");
-  Address address;
-  tds::Service service(context.host);
+std::vector<std::unique_ptr<ServedDoor>> MakeDoors(const ServeOptions& options, const CommandContext& context) {
+  std::vector<std::unique_ptr<ServedDoor>> doors;
   try {
-    address = ParseAddress(options.address);
-    service = MakeService(options, address, context);
+    if (!options.tds.empty()) doors.push_back(ServeTds(options, context));
+    if (!options.http.empty()) doors.push_back(ServeHttp(options, context));
   } catch (const Error& error) {
     if (error.number() != error_number::kInvalidArgument) throw;
     throw UsageError(error.what());
   }
-  // A database that cannot be opened is told now, not to the first client; one in memory lives as long as the server.
-  const std::unique_ptr<Connection> keeper = service.host->OpenConnection(service.database_string);
-  AllowOpenFiles(service.limits.connections);
-  tds::Server server(address, std::move(service));
-  const EndedBySignals ended(server);
-  std::cout << "listening on " << server.address().ToText() << '\n' << std::flush;
-  WriteLog("serving on " + server.address().ToText());
-  server.Run();
+  if (doors.empty()) {
+    throw UsageError("--tds ADDRESS:PORT or --http ADDRESS:PORT is required, as --http 127.0.0.1:8080");
+  }
+  return doors;
+}
+
+ExitStatus RunServe(const ServeOptions& options, const CommandContext& context) {
+  if (!options.add_user.empty()) return AddUser(options);
+  AllowOpenFiles(static_cast<std::size_t>((options.tds.empty() ? 0 : options.connections) +
+                                          (options.http.empty() ? 0 : options.http_connections / 3)));
+  const std::vector<std::unique_ptr<ServedDoor>> doors = MakeDoors(options, context);
+  const EndedBySignals ended(doors);
+  for (const std::unique_ptr<ServedDoor>& door : doors) {
+    std::cout << "listening on " << door->place() << '\n' << std::flush;
+    WriteLog("serving on " + door->place());
+  }
+  std::thread other;
+  if (doors.size() > 1) other = std::thread([&doors] { doors[1]->Run(); });
+  doors[0]->Run();
+  if (other.joinable()) other.join();
   WriteLog("ended");
   return ExitStatus::kDone;
 }
@@ -178,26 +129,42 @@ ExitStatus RunServe(const ServeOptions& options, const CommandContext& context) 
 }  // namespace
 
 void AddServeCommand(CLI::App& app, CommandContext& context) {
-  CLI::App* const command = app.add_subcommand("serve", "Serve the database to clients of SQL Server, over TDS");
+  CLI::App* const command = app.add_subcommand("serve", "Serve the operations over HTTP, and the database over TDS");
   const auto options = std::make_shared<ServeOptions>();
-  command->add_option("--tds", options->address, "Where to listen: a numeric address or localhost, and a port")
+  command->add_option("--tds", options->tds, "Where to serve TDS: a numeric address or localhost, and a port")
       ->type_name("ADDRESS:PORT");
-  command->add_option("--users", options->users, "The file of users and hashes of their passwords")->type_name("FILE");
+  command->add_option("--http", options->http, "Where to serve HTTP")->type_name("ADDRESS:PORT");
+  command->add_option("--users", options->users, "The file of the users of TDS, with hashes of their passwords")
+      ->type_name("FILE");
   command->add_option("--add-user", options->add_user, "Add a user to the file, or change its password, and end")
       ->type_name("NAME");
   command->add_option("--certificate", options->certificate, "Certificate for TLS, PEM")->type_name("FILE");
   command->add_option("--key", options->key, "The certificate's key, PEM")->type_name("FILE");
   command->add_flag("--allow-remote", options->allow_remote, "Serve an address that other machines reach");
   command->add_flag("--allow-plain", options->allow_plain, "Let other machines log in without TLS");
+  command->add_flag("--behind-proxy", options->behind_proxy,
+                    "Believe what a proxy in front tells of clients; HTTP only");
   const auto limit = [command](const char* name, int& value, int most, const char* help) {
     command->add_option(name, value, help)->check(CLI::Range(1, most))->capture_default_str()->type_name("N");
   };
-  limit("--max-connections", options->connections, 10'000, "Clients at once");
+  limit("--max-connections", options->connections, 10'000, "Clients of TDS at once");
   limit("--max-message", options->message_megabytes, 1024, "Megabytes of a batch, or of a call with its parameters");
   limit("--max-memory", options->memory_megabytes, 65'536, "Megabytes that a client's batch may take (16 at least)");
   limit("--login-timeout", options->login_seconds, 3600, "Seconds that a login may take");
   limit("--idle-timeout", options->idle_seconds, 7 * 86'400, "Seconds that a client may be silent");
   limit("--send-timeout", options->send_seconds, 3600, "Seconds that a client may take to read 64 KB of an answer");
+  limit("--max-http-connections", options->http_connections, 100'000, "Connections of HTTP at once");
+  limit("--max-body", options->body_megabytes, 1024, "Megabytes of a request's body");
+  limit("--max-header", options->header_kilobytes, 1024, "Kilobytes of a request's headers");
+  limit("--max-rows", options->rows, 1'000'000'000, "Rows of an answer over HTTP");
+  limit("--max-waiting", options->calls_waiting, 100'000, "Calls that wait for a thread; one more is answered 503");
+  limit("--max-calls", options->calls_per_user, 10'000, "Calls of a user at once; one more is answered 429");
+  limit("--call-timeout", options->call_seconds, 86'400, "Seconds that a call over HTTP may take");
+  limit("--readers", options->readers, 256, "Threads that read");
+  limit("--writers", options->writers, 256, "Threads that write; an embedded database has one");
+  limit("--session-idle", options->session_minutes, 7 * 1440, "Minutes after which a silent session of the page ends");
+  limit("--session-length", options->session_hours, 365 * 24, "Hours after which every session of the page ends");
+  limit("--replica-lag", options->replica_lag_seconds, 3600, "Seconds that a replica may be behind");
   command->add_flag("--verbose", options->verbose, "Log logins and statements, too");
   AddConnectionOptions(*command, context);
   command->footer(kServeFooter);

@@ -1,16 +1,11 @@
 #include <string_view>
 
+#include "hosts/calls/csv_text.h"
 #include "hosts/calls/result_rows.h"
 #include "hosts/cli/output/result_writer.h"
-#include "platform/text/text.h"
 
 namespace tessarlorn::cli {
 namespace {
-
-std::string Escaped(std::string_view text) {
-  if (!text.empty() && text.find_first_of(",\"\r\n") == std::string_view::npos) return std::string(text);
-  return Quoted(text, '"', '"');
-}
 
 class CsvWriter final : public ResultWriter {
  public:
@@ -23,28 +18,22 @@ class CsvWriter final : public ResultWriter {
         SelectColumns(RowsOf(result), result.ToRecordset() ? columns_ : std::vector<std::string>());
     if (written_) out_ << "\r\n";
     written_ = true;
-    for (std::size_t i = 0; i < shown.heads.size(); ++i) out_ << (i > 0 ? "," : "") << Escaped(shown.heads[i]);
-    out_ << "\r\n";
+    std::string line;
+    AppendCsvHeads(line, shown);
     if (scalar) {
-      WriteCell(result, FieldType::kNVarChar);
-      out_ << "\r\n";
+      if (!result.is_null()) line += EscapedCsv(CellText(result, FieldType::kNVarChar, CellStyle::kData));
+      out_ << line << "\r\n";
       return;
     }
-    Recordset& rows = *shown.rows;
-    ForEachRow(rows, [&] {
-      for (std::size_t i = 0; i < shown.fields.size(); ++i) {
-        if (i > 0) out_ << ',';
-        WriteCell(rows.Get(shown.fields[i]), rows.fields()[shown.fields[i]].type);
-      }
-      out_ << "\r\n";
+    out_ << line;
+    ForEachRow(*shown.rows, [&] {
+      line.clear();
+      AppendCsvRow(line, *shown.rows, shown);
+      out_ << line;
     });
   }
 
  private:
-  void WriteCell(const Variant& value, FieldType type) {
-    if (!value.is_null()) out_ << Escaped(CellText(value, type, CellStyle::kData));
-  }
-
   std::vector<std::string> columns_;
   std::ostream& out_;
   bool written_ = false;

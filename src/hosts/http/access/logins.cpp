@@ -16,7 +16,7 @@ using std::chrono::seconds;
 constexpr seconds kUseKept{60};
 
 std::int32_t Seconds(seconds time) {
-  constexpr std::int64_t kMost = 1000 * 86'400;
+  constexpr std::int64_t kMost = 86'400'000;  // a thousand days
   return static_cast<std::int32_t>(std::clamp<std::int64_t>(time.count(), 0, kMost));
 }
 

@@ -280,4 +280,17 @@ OrderAccess CutHiddenOrders(const Operation& operation, std::span<Variant> argum
   return access;
 }
 
+std::set<std::int32_t> HiddenOrders(std::span<const std::int32_t> orders, std::int32_t user, Connection& connection) {
+  if (orders.empty() || SeesEveryShop(connection, user)) return {};
+  std::set<std::int32_t> hidden(orders.begin(), orders.end());
+  std::set<Named> named;
+  for (const std::int32_t order : hidden) named.emplace(Names::kOrders, std::to_string(order));
+  Lookup lookup(connection, user);
+  lookup.Find(named);
+  for (const auto& [key, visible] : std::move(lookup).Answer()) {
+    for (const std::int32_t order : visible) hidden.erase(order);
+  }
+  return hidden;
+}
+
 }  // namespace tessarlorn::http

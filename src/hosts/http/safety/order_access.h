@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <set>
 #include <span>
 #include <string>
 #include <vector>
@@ -37,5 +38,8 @@ struct OrderAccess {
 /// @pre FindRefusedValue found nothing; a key that is no number is hidden nevertheless
 OrderAccess CutHiddenOrders(const Operation& operation, std::span<Variant> arguments, std::int32_t user,
                             Connection& connection);
+
+/// Those of the orders that the user may not see, or that do not exist. Raises what the connection raises.
+std::set<std::int32_t> HiddenOrders(std::span<const std::int32_t> orders, std::int32_t user, Connection& connection);
 
 }  // namespace tessarlorn::http

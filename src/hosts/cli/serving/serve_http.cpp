@@ -1,0 +1,102 @@
+#include <cstdlib>
+#include <string>
+#include <unistd.h>
+#include <utility>
+
+#include "hosts/cli/console/usage_error.h"
+#include "hosts/cli/serving/serving.h"
+#include "hosts/http/door.h"
+#include "hosts/http/transport/server.h"
+#include "platform/session_string.h"
+#include "platform/text/text.h"
+
+namespace tessarlorn::cli {
+namespace {
+
+constexpr std::string_view kSystemd = "systemd";
+/// The first descriptor that systemd hands over.
+constexpr int kFirstHanded = 3;
+
+/// The socket that systemd listens on for this process, by the rules of sd_listen_fds(3).
+Descriptor HandedSocket() {
+  const char* const process = std::getenv("LISTEN_PID");
+  const char* const count = std::getenv("LISTEN_FDS");
+  if (process == nullptr || count == nullptr || process != std::to_string(getpid()) || count != std::string_view("1")) {
+    throw UsageError("--http systemd wants one socket that systemd hands over (LISTEN_PID, LISTEN_FDS)");
+  }
+  return Descriptor(kFirstHanded);
+}
+
+http::DoorOptions MakeDoorOptions(const ServeOptions& options, const CommandContext& context) {
+  const SessionString session = ParseSessionString(context.RequireDsn());
+  http::DoorOptions door;
+  door.database = session.database;
+  door.replica = session.replica;
+  door.longest_lag = std::chrono::seconds(options.replica_lag_seconds);
+  door.readers = static_cast<unsigned>(options.readers);
+  // The embedded database has one writer, whose calls share commits.
+  const bool one_writer = EqualsIgnoreCase(context.host.DecidingKey(session.database), "Embedded");
+  door.writers = one_writer ? 1 : static_cast<unsigned>(options.writers);
+  door.waiting = static_cast<std::size_t>(options.calls_waiting);
+  door.calls_per_caller = static_cast<std::size_t>(options.calls_per_user);
+  door.rows = static_cast<std::size_t>(options.rows);
+  door.time = std::chrono::seconds(options.call_seconds);
+  door.sessions.idle = std::chrono::minutes(options.session_minutes);
+  door.sessions.whole = std::chrono::hours(options.session_hours);
+  door.log = WriteLogLine;
+  return door;
+}
+
+http::TransportOptions MakeTransportOptions(const ServeOptions& options) {
+  http::TransportOptions transport;
+  transport.limits.connections = static_cast<std::size_t>(options.http_connections);
+  transport.limits.body = static_cast<std::size_t>(options.body_megabytes) << 20;
+  transport.limits.header = static_cast<std::size_t>(options.header_kilobytes) << 10;
+  transport.certificate = options.certificate;
+  transport.key = options.key;
+  transport.behind_proxy = options.behind_proxy;
+  transport.refusal = http::Door::Refusal;
+  return transport;
+}
+
+class HttpDoor final : public ServedDoor {
+ public:
+  HttpDoor(std::string place, Descriptor listening, const ServeOptions& options, const CommandContext& context)
+      : place_(std::move(place)),
+        keeper_(context.host.OpenConnection(ParseSessionString(context.RequireDsn()).database)),
+        door_(context.host, MakeDoorOptions(options, context)),
+        server_(std::move(listening), MakeTransportOptions(options),
+                [this](std::unique_ptr<http::Exchange> exchange) { door_.Handle(std::move(exchange)); }) {
+    door_.set_connections([this] { return server_.connections(); });
+  }
+
+  [[nodiscard]] std::string place() const override { return place_; }
+  void Run() override {
+    server_.Run([this] { door_.Stop(); });
+  }
+  void Stop() noexcept override { server_.Stop(); }
+
+ private:
+  std::string place_;
+  /// One in memory lives as long as the server.
+  std::unique_ptr<Connection> keeper_;
+  http::Door door_;
+  http::Server server_;
+};
+
+}  // namespace
+
+std::unique_ptr<ServedDoor> ServeHttp(const ServeOptions& options, const CommandContext& context) {
+  const bool handed = EqualsIgnoreCase(options.http, kSystemd);
+  Address address;
+  if (!handed) {
+    address = ParseAddress(options.http);
+    CheckAddress(options, address, options.http);
+  }
+  Descriptor listening = handed ? HandedSocket() : Listen(address);
+  const std::string scheme = options.certificate.empty() ? "http://" : "https://";
+  return std::make_unique<HttpDoor>(handed ? std::string("systemd's socket") : scheme + address.ToText(),
+                                    std::move(listening), options, context);
+}
+
+}  // namespace tessarlorn::cli

@@ -1,0 +1,219 @@
+#include "hosts/http/answer.h"
+
+#include <array>
+#include <utility>
+
+#include "hosts/calls/csv_text.h"
+#include "hosts/calls/result_rows.h"
+#include "hosts/http/problem.h"
+#include "platform/text/text.h"
+#include "tessarlorn/sql_command.h"
+
+namespace tessarlorn::http {
+namespace {
+
+struct Format {
+  AnswerFormat format;
+  std::string_view type;
+  std::string_view sent;
+};
+
+constexpr std::array kFormats = {
+    Format{AnswerFormat::kJson, "application/json", "application/json"},
+    Format{AnswerFormat::kJsonLines, "application/x-ndjson", "application/x-ndjson"},
+    Format{AnswerFormat::kCsv, "text/csv", "text/csv; charset=utf-8"},
+};
+
+void AppendArray(std::string& json, const std::vector<std::string>& texts) {
+  json += '[';
+  for (const std::string& text : texts) {
+    if (json.back() != '[') json += ',';
+    AppendJsonText(json, text);
+  }
+  json += ']';
+}
+
+void AppendOutcomes(std::string& json, const std::vector<OrderOutcome>& outcomes) {
+  json += '[';
+  for (const OrderOutcome& outcome : outcomes) {
+    if (json.back() != '[') json += ',';
+    json += "{\"order\":";
+    AppendJsonText(json, outcome.order);
+    if (outcome.error) {
+      json += ",\"problem\":" + ProblemJson(ProblemOf(*outcome.error), "");
+    } else {
+      json += ",\"result\":";
+      AppendJson(json, outcome.result);
+    }
+    json += '}';
+  }
+  json += ']';
+}
+
+/// The members behind the result, with a comma in front of each.
+void AppendBeside(std::string& json, const Beside& beside) {
+  if (!beside.arguments.empty()) {
+    json += ",\"arguments\":";
+    AppendJson(json, std::make_shared<Dictionary>(beside.arguments));
+  }
+  if (!beside.not_found.empty()) {
+    json += ",\"notFound\":";
+    AppendArray(json, beside.not_found);
+  }
+  if (beside.dry_run) {
+    json += ",\"dryRun\":";
+    AppendJson(json, std::make_shared<Dictionary>(*beside.dry_run));
+  }
+}
+
+/// A value that is no recordset, as a whole body.
+std::string ValueText(AnswerFormat format, const Variant& result, const Beside& beside) {
+  std::string text;
+  if (format == AnswerFormat::kCsv) {
+    const RecordsetPtr rows = RowsOf(result);
+    const ResultRows shown = SelectColumns(rows, {});
+    AppendCsvHeads(text, shown);
+    for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) AppendCsvRow(text, *rows, shown);
+  } else if (format == AnswerFormat::kJsonLines) {
+    AppendJson(text, result);
+    text += '\n';
+  } else {
+    text = "{\"result\":";
+    AppendJson(text, result);
+    AppendBeside(text, beside);
+    text += '}';
+  }
+  return text;
+}
+
+/// The outcomes of a call order by order.
+std::string OutcomesText(AnswerFormat format, const Beside& beside) {
+  std::string text;
+  if (format == AnswerFormat::kJson) {
+    text = "{\"orders\":";
+    AppendOutcomes(text, *beside.orders);
+    AppendBeside(text, beside);
+    return text + "}";
+  }
+  if (format == AnswerFormat::kCsv) text = "order,result,problem\r\n";
+  for (const OrderOutcome& outcome : *beside.orders) {
+    if (format == AnswerFormat::kJsonLines) {
+      std::string line;
+      AppendOutcomes(line, {outcome});
+      text.append(line, 1, line.size() - 2).append("\n");
+      continue;
+    }
+    text += EscapedCsv(outcome.order) + ",";
+    if (outcome.error) {
+      text += "," + EscapedCsv(outcome.error->description());
+    } else {
+      text += EscapedCsv(CellText(outcome.result, FieldType::kNVarChar, CellStyle::kData)) + ",";
+    }
+    text += "\r\n";
+  }
+  return text;
+}
+
+}  // namespace
+
+std::optional<AnswerFormat> FormatFor(std::string_view accept) {
+  if (Trim(accept).empty()) return AnswerFormat::kJson;
+  for (const std::string_view part : Split(accept, ',')) {
+    const std::string_view type = Trim(part.substr(0, part.find(';')));
+    if (type == "*/*" || EqualsIgnoreCase(type, "application/*")) return AnswerFormat::kJson;
+    for (const Format& format : kFormats) {
+      if (EqualsIgnoreCase(type, format.type)) return format.format;
+    }
+  }
+  return std::nullopt;
+}
+
+std::string_view MediaType(AnswerFormat format) { return kFormats[static_cast<std::size_t>(format)].sent; }
+
+std::string AnswerText(AnswerFormat format, const std::vector<std::string>& columns, const Variant& result,
+                       const Beside& beside) {
+  if (beside.orders) return OutcomesText(format, beside);
+  const RecordsetPtr rows = result.ToRecordset();
+  if (!rows) return ValueText(format, result, beside);
+  const RowsText rows_text(format, rows, columns);
+  std::string text;
+  rows_text.AppendHead(text);
+  bool first = true;
+  for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) rows_text.AppendRow(text, *rows, std::exchange(first, false));
+  rows_text.AppendTail(text, beside);
+  return text;
+}
+
+RowsText::RowsText(AnswerFormat format, const RecordsetPtr& rows, const std::vector<std::string>& columns)
+    : format_(format), shown_(SelectColumns(rows, columns)), objects_(shown_) {}
+
+void RowsText::AppendHead(std::string& text) const {
+  if (format_ == AnswerFormat::kCsv) AppendCsvHeads(text, shown_);
+  if (format_ != AnswerFormat::kJson) return;
+  text += "{\"result\":{\"fields\":[";
+  for (std::size_t i = 0; i < shown_.fields.size(); ++i) {
+    text += i == 0 ? "{\"name\":" : ",{\"name\":";
+    AppendJsonText(text, objects_.keys()[i]);
+    text += ",\"type\":";
+    AppendJsonText(text, TypeWordOf(shown_.rows->fields()[shown_.fields[i]].type));
+    text += '}';
+  }
+  text += "],\"rows\":[";
+}
+
+void RowsText::AppendRow(std::string& text, const Recordset& rows, bool first) const {
+  if (format_ == AnswerFormat::kCsv) {
+    AppendCsvRow(text, rows, shown_);
+    return;
+  }
+  if (format_ == AnswerFormat::kJson && !first) text += ',';
+  objects_.AppendObject(text, rows);
+  if (format_ == AnswerFormat::kJsonLines) text += '\n';
+}
+
+void RowsText::AppendTail(std::string& text, const Beside& beside) const {
+  if (format_ != AnswerFormat::kJson) return;
+  text += "]}";
+  AppendBeside(text, beside);
+  text += '}';
+}
+
+void StreamedAnswer::CountRows(const Recordset& rows) {
+  if (rows.RecordCount() > left_) Refuse(422, "the answer has too many rows for this server; ask for fewer");
+  left_ -= rows.RecordCount();
+}
+
+void StreamedAnswer::AppendRows(Recordset& rows) {
+  for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) rows_text_->AppendRow(text_, rows, std::exchange(first_, false));
+}
+
+void StreamedAnswer::PartOfAnswer(Recordset& rows) {
+  CountRows(rows);
+  if (!rows_text_) {
+    // The part goes when this returns; its fields stay.
+    rows_text_.emplace(format_, std::make_shared<Recordset>(rows.fields()), columns_);
+    headers_.emplace_back("Content-Type", std::string(MediaType(format_)));
+    exchange_.Begin({.status = 200, .headers = std::exchange(headers_, {})});
+    rows_text_->AppendHead(text_);
+  }
+  AppendRows(rows);
+  exchange_.Write(text_);
+  text_.clear();
+}
+
+void StreamedAnswer::Finish(const Variant& result, const Beside& beside) {
+  const RecordsetPtr rows = result.ToRecordset();
+  if (rows) CountRows(*rows);
+  if (!rows_text_ || !rows) {
+    headers_.emplace_back("Content-Type", std::string(MediaType(format_)));
+    std::string body = AnswerText(format_, columns_, result, beside);
+    exchange_.Answer({.status = 200, .headers = std::move(headers_), .body = std::move(body)});
+    return;
+  }
+  AppendRows(*rows);
+  rows_text_->AppendTail(text_, beside);
+  exchange_.Write(text_);
+  exchange_.End();
+}
+
+}  // namespace tessarlorn::http

@@ -1,0 +1,253 @@
+#include "hosts/http/call.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "automation/order_list.h"
+#include "hosts/calls/call_arguments.h"
+#include "hosts/calls/json_arguments.h"
+#include "hosts/calls/wrong_call.h"
+#include "hosts/http/access/secrets.h"
+#include "hosts/http/problem.h"
+#include "hosts/http/safety/safe_values.h"
+#include "platform/text/text.h"
+#include "tessarlorn/collections.h"
+
+namespace tessarlorn::http {
+namespace {
+
+constexpr std::size_t kLongestKey = 255;
+/// Names of a query that say how to call; all others of a GET are arguments.
+constexpr std::array<std::string_view, 3> kOptions = {"columns", "dry-run", "each"};
+
+bool IsOption(std::string_view name) { return std::find(kOptions.begin(), kOptions.end(), name) != kOptions.end(); }
+
+std::string Braced(std::string_view text) { return Quoted(text, '{', '}'); }
+
+/// Whether the dictionary says what only the login may say.
+void RefuseConnection(const Operation& operation, const Dictionary& json) {
+  constexpr const char* kWhy = "the connection comes from the login; leave it out";
+  for (const auto& [name, value] : json) {
+    for (const Argument& argument : operation.arguments()) {
+      if (!EqualsIgnoreCase(argument.name, name)) continue;
+      if (argument.is_connection) Refuse(400, name + ": " + kWhy, name);
+      const std::shared_ptr<Dictionary> keys = value.ToDictionary();
+      if (!keys) continue;
+      for (const Key& key : argument.keys) {
+        const std::string path = name + "." + std::string(key.name);
+        if (key.is_connection() && keys->Exists(key.name)) Refuse(400, path + ": " + kWhy, path);
+      }
+    }
+  }
+}
+
+Variant ReadBody(const Request& request) {
+  if (request.body.empty()) return {};
+  const std::string_view type = request.Header("Content-Type");
+  if (!EqualsIgnoreCase(Trim(type.substr(0, type.find(';'))), "application/json")) {
+    Refuse(415, "the body is JSON: send it with Content-Type: application/json");
+  }
+  return ReadJson(request.body, "body");
+}
+
+/// The pairs of a query as the words of a call: "Filter.FOrderStatus=2".
+std::vector<std::string> WordsOf(const Operation& operation, const Target& target) {
+  std::vector<std::string> words;
+  for (const auto& [name, value] : target.query) {
+    if (IsOption(name)) continue;
+    for (const Argument& argument : operation.arguments()) {
+      const bool key = std::any_of(argument.keys.begin(), argument.keys.end(), [&](const Key& known) {
+        return known.is_connection() &&
+               EqualsIgnoreCase(name, std::string(argument.name) + "." + std::string(known.name));
+      });
+      if (key || (argument.is_connection && EqualsIgnoreCase(name, argument.name))) {
+        Refuse(400, name + ": the connection comes from the login; leave it out", name);
+      }
+    }
+    words.push_back(name + "=" + value);
+  }
+  return words;
+}
+
+std::vector<Variant> ReadArguments(const Request& request, const Target& target, const Operation& operation,
+                                   const std::string& session) {
+  try {
+    if (request.method != "POST") return ReadCallArguments(operation, {}, WordsOf(operation, target), session);
+    for (const auto& [name, value] : target.query) {
+      if (!IsOption(name))
+        Refuse(400, "there is no option " + name + DidYouMean(name, {kOptions.begin(), kOptions.end()}), name);
+    }
+    const Variant json = ReadBody(request);
+    if (const std::shared_ptr<Dictionary> given = json.ToDictionary()) RefuseConnection(operation, *given);
+    return ReadCallArguments(operation, json, {}, session);
+  } catch (const WrongCall& wrong) {
+    Refuse(400, wrong.what());
+  }
+}
+
+bool Flag(const Target& target, std::string_view name) {
+  const std::string* const value = target.Find(name);
+  if (value == nullptr || *value == "false") return false;
+  if (*value == "true") return true;
+  Refuse(400, std::string(name) + " is true or false, not " + *value, std::string(name));
+}
+
+std::string ReadKey(const Request& request) {
+  std::string key(request.Header("Idempotency-Key"));
+  if (key.size() > kLongestKey || !IsValidUtf8(key)) {
+    Refuse(400, "Idempotency-Key has more than 255 bytes, or is no text", "Idempotency-Key");
+  }
+  return key;
+}
+
+void RequireMethod(const Request& request, const Operation& operation) {
+  const bool reads =
+      operation.service == ServiceClass::kGetData && (request.method == "GET" || request.method == "HEAD");
+  if (request.method == "POST" || reads) return;
+  Refuse(405, std::string(operation.name) +
+                  (operation.service == ServiceClass::kGetData ? " takes GET and POST" : " takes POST"));
+}
+
+/// What is compared when a key comes again.
+Bytes HashOf(const Request& request) {
+  return Sha256(request.method + "\n" + request.target + "\n" + std::string(request.Header("Accept")) + "\n" +
+                request.body);
+}
+
+Dictionary WrittenBack(const Operation& operation, std::span<const Variant> arguments) {
+  Dictionary values;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const Argument& argument = operation.arguments()[i];
+    if (argument.in_out) values.SetValue(argument.name, arguments[i]);
+  }
+  return values;
+}
+
+void MakeOnce(Host& host, const Call& call, Variant& result, Beside& beside) {
+  std::vector<Variant> arguments = call.arguments;
+  result = ServiceObject(host, call.operation->service).Invoke(*call.operation, arguments);
+  beside.arguments = WrittenBack(*call.operation, arguments);
+}
+
+void MakeWrite(Host& host, const Call& call, Connection& connection, Variant& result, Beside& beside) {
+  if (!call.order_by_order) {
+    MakeOnce(host, call, result, beside);
+    return;
+  }
+  std::vector<std::string> orders;
+  std::vector<std::vector<Variant>> calls = SplitByOrder(*FindOrderList(*call.operation), call.arguments, orders);
+  beside.orders = CallOrderByOrder(host, connection, *call.operation, orders, std::move(calls));
+}
+
+/// Takes back what a dry run did.
+struct DryRunEnds : std::exception {};
+
+}  // namespace
+
+std::string SessionStringFor(std::string_view database, const Caller& caller, std::string_view client) {
+  return "Connect=" + Braced(database) + ";User=" + std::to_string(caller.user) +
+         ";Language=" + Braced(caller.language) + ";Client=" + Braced(client) + ";Escape=Yes";
+}
+
+const Operation& OperationOfPath(std::string_view path) {
+  const std::size_t slash = path.find('/');
+  const std::string_view class_name = path.substr(0, slash);
+  const std::string_view name = slash == std::string_view::npos ? "" : path.substr(slash + 1);
+  std::vector<std::string> names;
+  for (const Operation* const operation : Operations()) {
+    if (ClassName(operation->service) == class_name && operation->name == name) return *operation;
+    names.push_back(std::string(ClassName(operation->service)) + "/" + std::string(operation->name));
+  }
+  Refuse(404, "there is no operation " + std::string(path) + DidYouMean(path, {names.begin(), names.end()}));
+}
+
+Call ReadCall(const Request& request, const Target& target, const Operation& operation, const Caller& caller,
+              std::string_view database, std::string_view client) {
+  RequireMethod(request, operation);
+  if (!caller.role->Allows(operation)) {
+    Refuse(403, "the role " + caller.role->name() + " may not call " + std::string(operation.name));
+  }
+  Call call;
+  call.operation = &operation;
+  call.caller = caller;
+  call.session = SessionStringFor(database, caller, client);
+  const std::optional<AnswerFormat> format = FormatFor(request.Header("Accept"));
+  if (!format) Refuse(406, "answers are application/json, application/x-ndjson or text/csv");
+  call.format = *format;
+  if (const std::string* const columns = target.Find("columns")) {
+    if (operation.result != ValueType::kRecordset) {
+      Refuse(400,
+             "columns chooses columns of recordsets; " + std::string(operation.name) + " answers a " +
+                 std::string(TypeName(operation.result)),
+             "columns");
+    }
+    for (const std::string_view column : Split(*columns, ',')) call.columns.emplace_back(Trim(column));
+  }
+  call.dry_run = Flag(target, "dry-run");
+  if (const std::string* const each = target.Find("each")) {
+    if (*each != "order") Refuse(400, "each is order, not " + *each, "each");
+    if (!FindOrderList(operation)) Refuse(400, std::string(operation.name) + " takes no list of orders", "each");
+    call.order_by_order = true;
+  }
+  call.key = ReadKey(request);
+  call.hash = HashOf(request);
+  call.arguments = ReadArguments(request, target, operation, call.session);
+  if (const auto refused = FindRefusedValue(operation, call.arguments, caller.sql)) {
+    Refuse(refused->wants_sql ? 403 : 422, refused->path + " " + refused->why, refused->path);
+  }
+  return call;
+}
+
+void CutOrders(Call& call, Connection& connection) {
+  call.access = CutHiddenOrders(*call.operation, call.arguments, call.caller.user, connection);
+  if (call.access.unbounded) {
+    Refuse(403, std::string(call.operation->name) + " works on orders of every web shop, and not all are yours");
+  }
+  if (!call.access.single) return;
+  std::string list;
+  for (const std::string& hidden : call.access.hidden) list += (list.empty() ? "" : ", ") + hidden;
+  Refuse(404, "not found: " + list);
+}
+
+void ReplaceConnection(Call& call, const std::string& session) {
+  for (std::size_t i = 0; i < call.arguments.size(); ++i) {
+    const Argument& argument = call.operation->arguments()[i];
+    if (argument.is_connection) call.arguments[i] = session;
+    const std::shared_ptr<Dictionary> values = call.arguments[i].ToDictionary();
+    for (const Key& key : argument.keys) {
+      if (!key.is_connection() || !values) continue;
+      auto copy = std::make_shared<Dictionary>(*values);
+      copy->SetValue(key.name, session);
+      call.arguments[i] = copy;
+    }
+  }
+  call.session = session;
+}
+
+void MakeCall(Host& host, const Call& call, Connection* connection, Variant& result, Beside& beside) {
+  beside = {};
+  beside.not_found = call.access.hidden;
+  if (connection == nullptr) {
+    MakeOnce(host, call, result, beside);
+    return;
+  }
+  if (!call.dry_run) {
+    MakeWrite(host, call, *connection, result, beside);
+    return;
+  }
+  try {
+    BehindSavePoint(*connection, "dry_run", [&] {
+      DryRun run;
+      {
+        const WatchedBatches watched(run);
+        MakeWrite(host, call, *connection, result, beside);
+      }
+      beside.dry_run = run.Report();
+      throw DryRunEnds();
+    });
+  } catch (const DryRunEnds&) {
+    // As planned.
+  }
+}
+
+}  // namespace tessarlorn::http

@@ -1,0 +1,74 @@
+#include "hosts/http/call_record.h"
+
+#include <array>
+
+#include "hosts/http/access/secrets.h"
+#include "hosts/http/problem.h"
+#include "tessarlorn/sql_command.h"
+
+namespace tessarlorn::http {
+namespace {
+
+constexpr std::size_t kMostOrderText = 4000;
+
+/// Operation and orders as the record has them; a list that is too long ends with "…".
+std::string OrderText(const Call& call) {
+  std::string text;
+  for (const std::int32_t order : call.access.orders) {
+    const std::string number = std::to_string(order);
+    if (text.size() + number.size() + 2 > kMostOrderText) return text + "…";
+    if (!text.empty()) text += ',';
+    text += number;
+  }
+  return text;
+}
+
+SqlParameter Typed(std::string name, std::string type, Variant value) {
+  return {.name = std::move(name), .type = std::move(type), .value = std::move(value)};
+}
+
+}  // namespace
+
+std::optional<std::string> FindRecordedAnswer(Connection& connection, const Call& call) {
+  std::array parameters = {Typed("@caller", "nvarchar(64)", call.caller.name),
+                           Typed("@key", "binary(32)", Sha256(call.key))};
+  const RecordsetPtr found = connection.Query(
+      {"SELECT FHash, FAnswer FROM DoorCall WITH (UPDLOCK, HOLDLOCK) WHERE FCaller = @caller AND FKey = @key",
+       parameters});
+  if (found->eof()) return std::nullopt;
+  const Variant hash = found->Get("FHash");
+  const auto* const bytes = hash.get_if<Bytes>();
+  if (bytes == nullptr || *bytes != call.hash) {
+    Refuse(422, "the Idempotency-Key was used for another request", "Idempotency-Key");
+  }
+  return std::string(found->GetText(1));
+}
+
+void RecordCall(Connection& connection, const Call& call, const std::string& answer) {
+  const bool keyed = !call.key.empty();
+  const auto when_keyed = [keyed](Variant value) { return keyed ? std::move(value) : Variant(Null{}); };
+  std::array parameters = {Typed("@caller", "nvarchar(64)", call.caller.name),
+                           Typed("@user", "int", call.caller.user),
+                           Typed("@operation", "nvarchar(80)", std::string(call.operation->name)),
+                           Typed("@orders", "nvarchar(4000)", OrderText(call)),
+                           Typed("@key", "binary(32)", when_keyed(Sha256(call.key))),
+                           Typed("@hash", "binary(32)", when_keyed(call.hash)),
+                           Typed("@type", "nvarchar(80)", when_keyed(std::string(MediaType(call.format)))),
+                           Typed("@answer", "nvarchar(max)", when_keyed(answer))};
+  connection.Execute(
+      {"INSERT INTO DoorCall (FTime, FCaller, FUserID, FOperation, FOrders, FKey, FHash, FType, FAnswer) VALUES "
+       "(SYSUTCDATETIME(), @caller, @user, @operation, @orders, @key, @hash, @type, @answer)",
+       parameters});
+}
+
+void SweepRecords(Connection& connection) {
+  // A few at a time: a write that waits for the sweep does not wait long.
+  constexpr std::string_view kSweep =
+      "DELETE TOP (1000) FROM DoorCall WHERE FTime < DATEADD(hour, @hours, SYSUTCDATETIME()) SELECT @@ROWCOUNT AS Swept";
+  for (std::int32_t swept = 1; swept > 0;) {
+    std::array parameters = {Typed("@hours", "int", -kRecordHours)};
+    swept = connection.Query({kSweep, parameters})->Get(std::size_t{0}).ToInt32();
+  }
+}
+
+}  // namespace tessarlorn::http

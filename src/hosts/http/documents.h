@@ -1,0 +1,16 @@
+// What the door answers without asking anybody: the description of the operations, and the page that shows it.
+#pragma once
+
+#include <string_view>
+
+namespace tessarlorn::http {
+
+struct Document {
+  std::string_view type;
+  std::string_view text;
+};
+
+/// By path, as "/api/v1/openapi.json"; nullptr when there is none. The texts are made once.
+const Document* FindDocument(std::string_view path);
+
+}  // namespace tessarlorn::http

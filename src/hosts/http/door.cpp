@@ -1,0 +1,352 @@
+#include "hosts/http/door.h"
+
+#include <algorithm>
+#include <array>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <utility>
+
+#include "hosts/calls/json_arguments.h"
+#include "hosts/calls/save_point.h"
+#include "hosts/http/call_job.h"
+#include "hosts/http/call_record.h"
+#include "hosts/http/documents.h"
+#include "hosts/http/problem.h"
+#include "hosts/http/transport/signals.h"
+#include "platform/text/text.h"
+#include "tessarlorn/collections.h"
+
+namespace tessarlorn::http {
+namespace {
+
+constexpr std::string_view kApi = "/api/v1/";
+constexpr unsigned kSlowThreads = 2;
+constexpr std::size_t kSlowWaiting = 64;
+constexpr std::chrono::hours kSweepEvery{1};
+
+std::string HouseSession(const std::string& database) { return "Connect=" + Quoted(database, '{', '}'); }
+
+Response JsonResponse(std::string body) {
+  return {.status = 200,
+          .headers = {{"Content-Type", "application/json"}, {"Cache-Control", "no-store"}},
+          .body = std::move(body)};
+}
+
+Response CallerResponse(const Caller& caller) {
+  const nlohmann::ordered_json json = {{"user", caller.name},
+                                       {"erpUser", caller.user},
+                                       {"language", caller.language},
+                                       {"role", caller.role->name()},
+                                       {"sql", caller.sql}};
+  return JsonResponse(json.dump());
+}
+
+void RequireMethods(const Visit& visit, std::initializer_list<std::string_view> methods) {
+  if (std::find(methods.begin(), methods.end(), visit.request().method) != methods.end()) return;
+  std::string list;
+  for (const std::string_view method : methods) list.append(list.empty() ? "" : ", ").append(method);
+  Refuse(405, visit.target().path + " takes " + list);
+}
+
+/// A text of a JSON body. Raises Refusal 400.
+std::string TextMember(const Dictionary& body, std::string_view name) {
+  const Variant& value = body.GetValue(name);
+  if (const auto* const text = value.get_if<std::string>()) return *text;
+  Refuse(400, "the body wants the text " + std::string(name), std::string(name));
+}
+
+}  // namespace
+
+class Door::Place {
+ public:
+  /// Raises Refusal 429 and 409.
+  Place(Door& door, std::string caller, std::string key)
+      : door_(door), caller_(std::move(caller)), key_(std::move(key)) {
+    const std::scoped_lock lock(door_.mutex_);
+    if (door_.running_[caller_] >= door_.options_.calls_per_caller) {
+      throw http::Refusal({.status = 429,
+                           .detail = "more than " + std::to_string(door_.options_.calls_per_caller) +
+                                     " calls at once; wait for the answers",
+                           .retry_after = 1});
+    }
+    if (!key_.empty() && !door_.under_way_.emplace(caller_, key_).second) {
+      throw http::Refusal({.status = 409,
+                           .detail = "a call with this Idempotency-Key is still under way",
+                           .key = "Idempotency-Key",
+                           .retry_after = 1});
+    }
+    ++door_.running_[caller_];
+  }
+  Place(const Place&) = delete;
+  Place& operator=(const Place&) = delete;
+  ~Place() {
+    const std::scoped_lock lock(door_.mutex_);
+    if (--door_.running_[caller_] == 0) door_.running_.erase(caller_);
+    if (!key_.empty()) door_.under_way_.erase({caller_, key_});
+  }
+
+ private:
+  Door& door_;
+  std::string caller_;
+  std::string key_;
+};
+
+Door::Door(Host& host, DoorOptions options)
+    : host_(host),
+      options_(std::move(options)),
+      session_(HouseSession(options_.database)),
+      visit_log_{.metrics = &metrics_, .line = options_.log},
+      events_(host, session_),
+      writes_(host, dog_, {.dsn = session_, .threads = options_.writers, .most_waiting = options_.waiting}),
+      reads_(dog_, options_.readers, options_.waiting),
+      slow_(dog_, kSlowThreads, kSlowWaiting) {
+  {
+    TransactionConnection connection(host_, session_);
+    connection.get().Query("SELECT COUNT(*) AS Users FROM DoorUser");
+  }
+  if (!options_.replica.empty()) {
+    replica_ = std::make_unique<Replica>(host_, session_, HouseSession(options_.replica), options_.longest_lag);
+  }
+  sweeper_ = std::thread([this] { Sweep(); });
+}
+
+Door::~Door() {
+  Stop();
+  {
+    const std::scoped_lock lock(mutex_);
+    stopping_ = true;
+  }
+  stop_sweeping_.notify_all();
+  sweeper_.join();
+}
+
+void Door::Stop() { events_.Stop(); }
+
+Response Door::Refusal(int status, std::string_view why) {
+  Response response =
+      ProblemResponse({.status = status, .detail = std::string(why), .retry_after = status == 503 ? 1 : 0}, "");
+  AddSafetyHeaders(response.headers, false);
+  return response;
+}
+
+void Door::Handle(std::unique_ptr<Exchange> exchange) {
+  auto visit = std::make_unique<Visit>(std::move(exchange), visit_log_);
+  if (!visit->has_target()) {
+    visit->Fail({.status = 400, .detail = "the request's path or query has a bad escape or is no UTF-8"});
+    return;
+  }
+  Route(std::move(visit));
+}
+
+void Door::Route(VisitPtr visit) {
+  struct Path {
+    std::string_view path;
+    Handler handler;
+    bool slow;
+  };
+  static constexpr std::array kPaths = {
+      Path{"/api/v1/login", &Door::HandleLogin, true}, Path{"/api/v1/logout", &Door::HandleLogout, false},
+      Path{"/api/v1/me", &Door::HandleMe, false},      Path{"/api/v1/events", &Door::HandleEvents, true},
+      Path{"/metrics", &Door::HandleMetrics, false},   Path{"/readyz", &Door::HandleReady, false},
+  };
+  const std::string& path = visit->target().path;
+  for (const Path& known : kPaths) {
+    if (known.path != path) continue;
+    visit->set_operation(std::string(path.substr(path.rfind('/') + 1)));
+    Post(known.slow ? slow_ : reads_, std::move(visit), known.handler);
+    return;
+  }
+  const std::string& method = visit->request().method;
+  if (const Document* const document = FindDocument(path)) {
+    visit->set_operation("documents");
+    if (method != "GET" && method != "HEAD") {
+      visit->Fail({.status = 405, .detail = path + " takes GET"});
+      return;
+    }
+    visit->Answer({.status = 200,
+                   .headers = {{"Content-Type", std::string(document->type)}, {"Cache-Control", "no-cache"}},
+                   .body = std::string(document->text)});
+  } else if (path == "/healthz") {
+    visit->set_operation("healthz");
+    visit->Answer({.status = 200, .headers = {{"Content-Type", "text/plain"}}, .body = "alive\n"});
+  } else if (path.starts_with(kApi)) {
+    Post(reads_, std::move(visit), &Door::HandleCall);
+  } else {
+    visit->Fail({.status = 404, .detail = "there is nothing at " + path + "; the operations stand at /api/v1/docs"});
+  }
+}
+
+void Door::Post(Workers& workers, VisitPtr visit, Handler handler) {
+  // What is posted has to be copyable.
+  const auto held = std::make_shared<VisitPtr>(std::move(visit));
+  const auto task = [this, held, handler](Watchdog::Thread& self) {
+    self.Allow((*held)->begun() + options_.time);
+    try {
+      (this->*handler)(*held);
+    } catch (...) {
+      if (*held) (*held)->FailByException();
+    }
+    held->reset();
+  };
+  if (!workers.Post(task)) {
+    (*held)->Fail({.status = 503, .detail = "too many calls are waiting", .retry_after = 1});
+  }
+}
+
+Caller Door::FindCaller(Visit& visit) {
+  std::optional<TransactionConnection> connection;
+  Caller caller = callers_.Find(visit.request(), options_.sessions, [&]() -> Connection& {
+    connection.emplace(host_, session_);
+    return connection->get();
+  });
+  visit.set_user(caller.name);
+  return caller;
+}
+
+void Door::HandleCall(VisitPtr& visit) {
+  const WatchedBatches watched(*visit);
+  const Request& request = visit->request();
+  const Caller caller = FindCaller(*visit);
+  const Operation& operation = OperationOfPath(std::string_view(visit->target().path).substr(kApi.size()));
+  visit->set_operation(std::string(operation.name));
+  Call call = ReadCall(request, visit->target(), operation, caller, options_.database, request.peer);
+  auto place = std::make_shared<Place>(*this, caller.name, call.key);
+  {
+    TransactionConnection connection(host_, session_);
+    CutOrders(call, connection.get());
+  }
+  if (!call.writes()) {
+    Read(call, *visit);
+    return;
+  }
+  const Watchdog::Clock::time_point until = visit->begun() + options_.time;
+  std::unique_ptr<WriteJob> job = std::make_unique<CallJob>(host_, std::move(call), std::move(visit), until,
+                                                            [place = std::move(place)]() mutable { place.reset(); });
+  if (writes_.Post(job)) return;
+  static_cast<CallJob&>(*job).TakeVisit()->Fail(
+      {.status = 503, .detail = "too many writes are waiting", .retry_after = 1});
+}
+
+void Door::Read(Call& call, Visit& visit) {
+  const bool replica = replica_ && replica_->usable() && !call.operation->contract->needs_latest;
+  if (!replica) {
+    ReadFrom(call, visit);
+    return;
+  }
+  const std::string primary = call.session;
+  ReplaceConnection(call, SessionStringFor(options_.replica, call.caller, visit.request().peer));
+  try {
+    ReadFrom(call, visit);
+    return;
+  } catch (const Error& error) {
+    if (visit.exchange().begun()) throw;
+    // What it refuses is done on the database itself. One that cannot be reached gets no more reads for a while.
+    if (ProblemOf(error).status != 500) replica_->Doubt();
+  }
+  ReplaceConnection(call, primary);
+  ReadFrom(call, visit);
+}
+
+void Door::ReadFrom(const Call& call, Visit& visit) {
+  Headers headers = visit.CommonHeaders();
+  headers.emplace_back("Cache-Control", "no-store");
+  StreamedAnswer answer(visit.exchange(), call.format, call.columns, std::move(headers), options_.rows);
+  Variant result;
+  Beside beside;
+  {
+    const AnswerInParts parts(answer);
+    ContainerTransaction transaction(host_);
+    MakeCall(host_, call, nullptr, result, beside);
+    transaction.Commit();
+  }
+  answer.Finish(result, beside);
+}
+
+void Door::HandleLogin(VisitPtr& visit) {
+  RequireMethods(*visit, {"POST"});
+  RefuseForeignPage(visit->request(), false);
+  const Variant json = ReadJson(visit->request().body, "body");
+  const std::shared_ptr<Dictionary> body = json.ToDictionary();
+  if (!body) Refuse(400, "the body is an object with user and password");
+  const std::string user = TextMember(*body, "user");
+  const WatchedBatches watched(*visit);
+  TransactionConnection connection(host_, session_);
+  const Login login = LogIn(connection.get(), user, TextMember(*body, "password"), visit->request().peer);
+  if (login.wait.count() > 0) {
+    throw http::Refusal({.status = 429,
+                         .detail = "too many failed logins; wait " + std::to_string(login.wait.count()) + " seconds",
+                         .retry_after = static_cast<int>(login.wait.count())});
+  }
+  if (!login.caller) Refuse(401, "the name or the password is wrong");
+  visit->set_user(login.caller->name);
+  Response response = CallerResponse(*login.caller);
+  response.headers.emplace_back("Set-Cookie", SessionCookie(login.cookie, visit->request().secure));
+  visit->Answer(std::move(response));
+}
+
+void Door::HandleLogout(VisitPtr& visit) {
+  RequireMethods(*visit, {"POST"});
+  const Caller caller = FindCaller(*visit);
+  TransactionConnection connection(host_, session_);
+  if (visit->target().Find("everywhere") != nullptr) {
+    LogOutEverywhere(connection.get(), caller.name);
+  } else {
+    LogOut(connection.get(), CredentialsOf(visit->request()).cookie);
+  }
+  callers_.Forget();
+  visit->Answer({.status = 204, .headers = {{"Set-Cookie", SessionCookie("", visit->request().secure)}}});
+}
+
+void Door::HandleMe(VisitPtr& visit) {
+  RequireMethods(*visit, {"GET", "HEAD"});
+  visit->Answer(CallerResponse(FindCaller(*visit)));
+}
+
+void Door::HandleEvents(VisitPtr& visit) {
+  RequireMethods(*visit, {"GET"});
+  Caller caller = FindCaller(*visit);
+  events_.Listen(std::move(visit), std::move(caller));
+}
+
+void Door::HandleMetrics(VisitPtr& visit) {
+  RequireMethods(*visit, {"GET", "HEAD"});
+  if (!FindCaller(*visit).role->administrator()) Refuse(403, "only administrators may see the metrics");
+  Gauges gauges{.connections = connections_(),
+                .reads_waiting = reads_.waiting(),
+                .writes_waiting = writes_.waiting(),
+                .event_streams = events_.listeners()};
+  {
+    const std::scoped_lock lock(mutex_);
+    for (const auto& [caller, count] : running_) gauges.calls_running += count;
+  }
+  if (replica_) gauges.replica = replica_->usable() ? 1 : 0;
+  visit->Answer({.status = 200,
+                 .headers = {{"Content-Type", "text/plain; version=0.0.4; charset=utf-8"}},
+                 .body = metrics_.Text(gauges)});
+}
+
+void Door::HandleReady(VisitPtr& visit) {
+  RequireMethods(*visit, {"GET", "HEAD"});
+  TransactionConnection connection(host_, session_);
+  connection.get().Query("SELECT 1 AS Ready");
+  visit->Answer({.status = 200, .headers = {{"Content-Type", "text/plain"}}, .body = "ready\n"});
+}
+
+void Door::Sweep() {
+  BlockSignals();
+  std::unique_lock lock(mutex_);
+  while (!stopping_) {
+    lock.unlock();
+    try {
+      TransactionConnection connection(host_, session_);
+      SweepRecords(connection.get());
+      SweepAccess(connection.get(), options_.sessions);
+    } catch (const Error&) {
+      // The next sweep finds it.
+    }
+    lock.lock();
+    stop_sweeping_.wait_for(lock, kSweepEvery, [this] { return stopping_; });
+  }
+}
+
+}  // namespace tessarlorn::http

@@ -1,0 +1,115 @@
+#include "hosts/http/write_lane.h"
+
+#include <utility>
+
+#include "hosts/calls/save_point.h"
+#include "hosts/http/transport/signals.h"
+
+namespace tessarlorn::http {
+
+WriteLane::WriteLane(Host& host, Watchdog& dog, LaneOptions options) : host_(host), options_(std::move(options)) {
+  for (unsigned i = 0; i < options_.threads; ++i) threads_.emplace_back([this, &dog] { Run(dog); });
+}
+
+WriteLane::~WriteLane() {
+  {
+    const std::scoped_lock lock(mutex_);
+    stopping_ = true;
+    jobs_.clear();
+  }
+  wake_.notify_all();
+  for (std::thread& thread : threads_) thread.join();
+}
+
+bool WriteLane::Post(std::unique_ptr<WriteJob>& job) {
+  {
+    const std::scoped_lock lock(mutex_);
+    if (jobs_.size() >= options_.most_waiting || stopping_) return false;
+    jobs_.push_back(std::move(job));
+  }
+  wake_.notify_one();
+  return true;
+}
+
+std::size_t WriteLane::waiting() const {
+  const std::scoped_lock lock(mutex_);
+  return jobs_.size();
+}
+
+WriteLane::Job WriteLane::TakeOne() {
+  const std::scoped_lock lock(mutex_);
+  if (jobs_.empty()) return nullptr;
+  Job job = std::move(jobs_.front());
+  jobs_.pop_front();
+  return job;
+}
+
+void WriteLane::Run(Watchdog& dog) {
+  BlockSignals();
+  Watchdog::Thread self(dog);
+  for (;;) {
+    {
+      std::unique_lock lock(mutex_);
+      wake_.wait(lock, [this] { return stopping_ || !jobs_.empty(); });
+      if (stopping_) return;
+    }
+    Job first = TakeOne();
+    if (first == nullptr) continue;
+    if (options_.threads == 1) {
+      for (Job& job : RunGroup(std::move(first), self)) RunAlone(std::move(job), self);
+    } else {
+      RunAlone(std::move(first), self);
+    }
+    self.Allow(Watchdog::Clock::time_point::max());
+  }
+}
+
+std::vector<WriteLane::Job> WriteLane::RunGroup(Job first, Watchdog::Thread& self) {
+  const Watchdog::Clock::time_point closes = Watchdog::Clock::now() + options_.group_time;
+  std::vector<Job> done;
+  std::vector<Job> alone;
+  try {
+    ContainerTransaction transaction(host_);
+    TransactionConnection connection(host_, options_.dsn);
+    for (Job job = std::move(first); job != nullptr;) {
+      self.Allow(job->until());
+      try {
+        BehindSavePoint(connection.get(), "one_call", [&] { job->Run(connection.get()); });
+        done.push_back(std::move(job));
+      } catch (const TransactionLost&) {
+        alone.push_back(std::move(job));
+        throw;
+      } catch (const std::exception&) {
+        alone.push_back(std::move(job));
+      }
+      const bool open = done.size() + alone.size() < options_.group && Watchdog::Clock::now() < closes;
+      job = open ? TakeOne() : nullptr;
+    }
+    self.Allow(Watchdog::Clock::time_point::max());
+    transaction.Commit();
+  } catch (const std::exception&) {
+    // The transaction came to nothing, and so did what each did in it.
+    if (first != nullptr) alone.push_back(std::move(first));
+    for (Job& job : done) alone.push_back(std::move(job));
+    return alone;
+  }
+  for (const Job& job : done) job->Committed();
+  return alone;
+}
+
+void WriteLane::RunAlone(Job job, Watchdog::Thread& self) {
+  self.Allow(job->until());
+  try {
+    ContainerTransaction transaction(host_);
+    TransactionConnection connection(host_, options_.dsn);
+    job->Run(connection.get());
+    self.Allow(Watchdog::Clock::time_point::max());
+    transaction.Commit();
+  } catch (const std::exception&) {
+    job->Failed(std::current_exception());
+    return;
+  }
+  job->Committed();
+}
+
+}  // namespace tessarlorn::http

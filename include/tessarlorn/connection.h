@@ -108,10 +108,10 @@ class BatchWatcher {
   virtual void Ran(std::chrono::nanoseconds /*time*/) {}
 };
 
-/// While it lives, the watcher hears of the batches of the thread that made it.
+/// While it lives, the watcher hears of the batches of the thread that made it; for nullptr nobody does.
 class WatchedBatches {
  public:
-  explicit WatchedBatches(BatchWatcher& watcher) noexcept;
+  explicit WatchedBatches(BatchWatcher* watcher) noexcept;
   WatchedBatches(const WatchedBatches&) = delete;
   WatchedBatches& operator=(const WatchedBatches&) = delete;
   ~WatchedBatches();

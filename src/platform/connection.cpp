@@ -113,7 +113,7 @@ AnswerInParts::AnswerInParts(AnswerSink& sink) noexcept : before_(std::exchange(
 
 AnswerInParts::~AnswerInParts() { AnswerSinkOfThread() = before_; }
 
-WatchedBatches::WatchedBatches(BatchWatcher& watcher) noexcept : before_(std::exchange(WatcherSlot(), &watcher)) {}
+WatchedBatches::WatchedBatches(BatchWatcher* watcher) noexcept : before_(std::exchange(WatcherSlot(), watcher)) {}
 
 WatchedBatches::~WatchedBatches() { WatcherSlot() = before_; }
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "drivers/common/server_batches.h"
+#include "drivers/odbc/changed_tables.h"
 #include "drivers/odbc/odbc_error.h"
 
 namespace tessarlorn::odbc {
@@ -25,6 +26,7 @@ class NotingSink final : public BatchSink {
   }
   void RowCount(std::int64_t rows) override {
     answered = true;
+    counts.push_back(rows);
     sink_.RowCount(rows);
   }
   void Message(std::string_view text, const NativeError& about) override {
@@ -32,10 +34,20 @@ class NotingSink final : public BatchSink {
     sink_.Message(text, about);
   }
   bool answered = false;
+  std::vector<std::int64_t> counts;
 
  private:
   BatchSink& sink_;
 };
+
+/// Each count belongs to a statement, where as many came as change rows; else nobody knows to which.
+void TellChanges(BatchWatcher& watcher, const std::vector<std::string>& tables,
+                 const std::vector<std::int64_t>& counts) {
+  for (std::size_t i = 0; i < counts.size(); ++i) {
+    const std::string table = tables.size() == counts.size() ? tables[i] : "";
+    if (counts[i] > 0 && !table.starts_with('#')) watcher.Changed(table, counts[i]);
+  }
+}
 
 /// A call as a batch would write it, for what it may leave behind: of sp_executesql that is what its text does.
 std::string CallText(const SqlCommand& command) {
@@ -121,6 +133,9 @@ void OdbcConnection::Run(SqlCommand& command, bool first_only, BatchSink& sink) 
     WithNewLogin([this] { Send(kSignOfLife); }, false);
   }
   WithNewLogin([&] { RunOnLink(command, first_only, effects.prints, noting); }, noting.answered);
+  if (BatchWatcher* const watcher = WatcherOfThread(); watcher != nullptr && !effects.reads_only) {
+    TellChanges(*watcher, ChangedTables(command.text), noting.counts);
+  }
 }
 
 void OdbcConnection::RunOnLink(SqlCommand& command, bool first_only, bool prints, BatchSink& sink) {

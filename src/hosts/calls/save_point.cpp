@@ -6,7 +6,13 @@
 
 namespace tessarlorn {
 
+void SetSavePoint(Connection& connection, std::string_view name) {
+  const WatchedBatches unwatched(nullptr);
+  connection.Execute("SAVE TRANSACTION " + std::string(name));
+}
+
 void TakeBackTo(Connection& connection, std::string_view name, const Error& cause) {
+  const WatchedBatches unwatched(nullptr);
   std::int32_t state = 0;
   try {
     const RecordsetPtr rows = connection.Query("IF XACT_STATE() = 1 ROLLBACK TRANSACTION " + std::string(name) +

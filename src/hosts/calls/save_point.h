@@ -23,14 +23,18 @@ class TransactionLost : public std::runtime_error {
   Error cause_;
 };
 
-/// Takes back what was done behind the save point `name`. Raises TransactionLost with the cause when that cannot be.
+// No watcher of batches hears of these.
+
+/// Sets a save point in the connection's transaction. @param name of Transact-SQL
+void SetSavePoint(Connection& connection, std::string_view name);
+/// Takes back what was done behind it. Raises TransactionLost with the cause when that cannot be.
 void TakeBackTo(Connection& connection, std::string_view name, const Error& cause);
 
 /// Runs the body behind a save point of the connection's transaction. What it raises is raised here, and what it did is
 /// taken back first. @param name of Transact-SQL
 template <typename Body>
 void BehindSavePoint(Connection& connection, std::string_view name, const Body& body) {
-  connection.Execute("SAVE TRANSACTION " + std::string(name));
+  SetSavePoint(connection, name);
   try {
     body();
   } catch (const Error& error) {

@@ -239,7 +239,7 @@ void MakeCall(Host& host, const Call& call, Connection* connection, Variant& res
     BehindSavePoint(*connection, "dry_run", [&] {
       DryRun run;
       {
-        const WatchedBatches watched(run);
+        const WatchedBatches watched(&run);
         MakeWrite(host, call, *connection, result, beside);
       }
       beside.dry_run = run.Report();

@@ -27,7 +27,7 @@ void CallJob::Run(Connection& connection) {
   if (Watchdog::Clock::now() >= until_) {
     throw Refusal({.status = 503, .detail = "the call waited too long for its turn", .retry_after = 1});
   }
-  const WatchedBatches watched(*visit_);
+  const WatchedBatches watched(visit_.get());
   replayed_ = false;
   if (!call_.key.empty()) {
     if (std::optional<std::string> answer = FindRecordedAnswer(connection, call_)) {

@@ -150,6 +150,7 @@ inline constexpr Contract kContract<&clsGetData::bExistStock> = {
     .source = "ChangeAddess",
     .arguments = {{.name = "dctPara", .keys = kOrder}},
     .help = "Whether a line of the order has no warehouse. False without sDSN or FID.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::CheckInnerInvoice> = {
@@ -160,6 +161,7 @@ inline constexpr Contract kContract<&clsGetData::CheckInnerInvoice> = {
         "Those of the orders that are invoiced but not covered by an internal invoice. Nothing without sDSN or "
         "FID.",
     .columns = amend::kInnerInvoiceColumns,
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetIsMarkBilling> = {
@@ -176,6 +178,7 @@ inline constexpr Contract kContract<&clsGetData::bExistInvoice> = {
     .help =
         "Whether any of the orders has a sales invoice for goods that left by a stock bill of the order "
         "itself. False without sDSN or FID.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetWebFIDByCostInoviceID> = {
@@ -183,6 +186,7 @@ inline constexpr Contract kContract<&clsGetData::GetWebFIDByCostInoviceID> = {
     .source = "TessarMWebOrder.TessarMWebOrderInfo.GetWebFIDByInoviceID",
     .arguments = {{.name = "sDsn"}, {.name = "lInoviceID", .stands = Standing::kNumber, .names = Names::kCostInvoices}},
     .help = "The key of the order that a cost invoice covers, -1 when it covers none or several.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetTotalPriceChange> = {

@@ -171,6 +171,7 @@ inline constexpr Contract kContract<&clsGetData::ExecuteSQL> = {
     .help =
         "Runs SQL as it is and answers its first rows, detached from the connection; Nothing when it answers none. "
         "Errors come out as the database raised them; an empty connection string is one.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetWebShopData> = {
@@ -219,6 +220,7 @@ inline constexpr Contract kContract<&clsGetData::ExeP_WebBillTitleData> = {
     .help =
         "Has the database refresh the titles of the order states. PropsString is the connection string. False "
         "without it and on any error: it never raises.",
+    .needs_latest = true,
 };
 
 }  // namespace tessarlorn

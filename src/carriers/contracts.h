@@ -152,6 +152,7 @@ inline constexpr Contract kContract<&clsGetData::GetNeedAddressReachableInfo> = 
         "Those of the orders of the list sFID that have a carrier and an address to be checked, an order "
         "without extension row being one; empty texts when there is none. Nothing without sDsn or sFID.",
     .columns = carriers::kUncheckedColumns,
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetNoAddressReachableInfo> = {
@@ -163,6 +164,7 @@ inline constexpr Contract kContract<&clsGetData::GetNoAddressReachableInfo> = {
         "Those of the orders of the list sFID that have a carrier which does not serve their address. Nothing "
         "without sDsn or sFID.",
     .columns = kOrderNames,
+    .needs_latest = true,
 };
 
 template <>
@@ -281,6 +283,7 @@ inline constexpr Contract kContract<&clsGetData::GetOrderInfoByLogisticsOrder> =
         "The order of a parcel. Of several the one that is not delivered, then the latest. Nothing without sDSN or "
         "FLogisticsOrder, and when there is none.",
     .columns = carriers::kParcelColumns,
+    .needs_latest = true,
 };
 
 }  // namespace tessarlorn

@@ -220,6 +220,7 @@ inline constexpr Contract kContract<&clsGetData::GetPrintRecordsetForDelivery> =
         "The header and line data of delivery notes, one row a line, by order and line. Areas are named in "
         "Simplified Chinese for CHS, otherwise in Traditional. Nothing without sDSN or FID.",
     .columns = delivery::kPrintColumns,
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetOverMaxPrintCountBillInfo> = {
@@ -231,6 +232,7 @@ inline constexpr Contract kContract<&clsGetData::GetOverMaxPrintCountBillInfo> =
         "Dictionaries with FOrderID, FUniqueCode, FPrintMaxCount and the counter of the type, FPrintPickCount, "
         "FPrintSendCount, FPrintExpressCount or FPrintSendList. An empty Vector without sDSN or FID, for any "
         "other type, and for one that is not limited.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetWeightByFID> = {
@@ -241,6 +243,7 @@ inline constexpr Contract kContract<&clsGetData::GetWeightByFID> = {
         "The weight of an order, computed from its lines. Nothing without sDSN or FID; an empty recordset when "
         "the order has no lines.",
     .columns = delivery::kWeightColumns,
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::NewGetWeightByFID> = {
@@ -250,6 +253,7 @@ inline constexpr Contract kContract<&clsGetData::NewGetWeightByFID> = {
     .help = "The order's weight computed from its lines, 0 when it has none.",
     .errors = "11 when a unit that has to be converted has the coefficient 0",
     .columns = delivery::kKilogramColumns,
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetTotalLogisticsCosts> = {
@@ -259,6 +263,7 @@ inline constexpr Contract kContract<&clsGetData::GetTotalLogisticsCosts> = {
     .help =
         "The sum of the orders' logistics costs in the base currency. 0 without sDSN or FID and when no order "
         "matches.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::bIsWeightting> = {
@@ -278,6 +283,7 @@ inline constexpr Contract kContract<&clsGetData::CheckReturnBills> = {
         "has a refund asked for and not refused. None with the setting NotCheckRefundOnStatus. Nothing without sDSN or "
         "FID; an empty Vector when no order is in refund.",
     .columns = delivery::kReturnColumns,
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::CheckBillStatus> = {
@@ -291,6 +297,7 @@ inline constexpr Contract kContract<&clsGetData::CheckBillStatus> = {
         "Nothing without sDSN or FID.",
     .errors = "13 for an FOrderStatus that is no number",
     .columns = delivery::kBillStatusColumns,
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::CheckCloseBill> = {
@@ -301,6 +308,7 @@ inline constexpr Contract kContract<&clsGetData::CheckCloseBill> = {
         "Those of the orders that are closed or have a closed line; CheckBillStatus says what closed is. Nothing "
         "without sDSN or FID; an empty Vector when there is none.",
     .columns = delivery::kCloseColumns,
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::CheckCloseBillOnly> = {
@@ -311,6 +319,7 @@ inline constexpr Contract kContract<&clsGetData::CheckCloseBillOnly> = {
         "Those of the orders that are closed as a whole and not in refund as well. Nothing without sDSN or FID; an "
         "empty Vector when there is none.",
     .columns = delivery::kCloseColumns,
+    .needs_latest = true,
 };
 
 }  // namespace tessarlorn

@@ -209,6 +209,7 @@ inline constexpr Contract kContract<&clsGetData::bExistStockPositionManager> = {
         "price-difference goods are left out. Nothing without sDSN or FID; an empty Vector when no line "
         "matches.",
     .columns = picking::kStockPlaceColumns,
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::bExistBatchOrSerialManagerItem> = {
@@ -216,6 +217,7 @@ inline constexpr Contract kContract<&clsGetData::bExistBatchOrSerialManagerItem>
     .source = "ChangeAddess",
     .arguments = {{.name = "dctPara", .keys = kOrders}},
     .help = "Whether a line of the orders has an item with batch or serial numbers. False without sDSN or FID.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::bExistBatchEmpty> = {
@@ -223,6 +225,7 @@ inline constexpr Contract kContract<&clsGetData::bExistBatchEmpty> = {
     .source = "bExistBatchEmpty",
     .arguments = {{.name = "dctPara", .keys = kOrders}},
     .help = "Whether a line of the orders has an empty batch number; Null does not count. False without sDSN or FID.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetBatchNo> = {
@@ -233,6 +236,7 @@ inline constexpr Contract kContract<&clsGetData::GetBatchNo> = {
         "Item, batch number, warehouse and stock place of the lines of orders; one row with Nulls for an order "
         "without lines. Nothing without sDSN or FID.",
     .columns = picking::kBatchColumns,
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetPrintRecordsetForPick> = {
@@ -250,6 +254,7 @@ inline constexpr Contract kContract<&clsGetData::GetPrintRecordsetForPick> = {
         "FID.",
     .errors = "13 for a Mode that is no number",
     .columns = picking::kPickListColumns,
+    .needs_latest = true,
 };
 
 }  // namespace tessarlorn

@@ -92,6 +92,7 @@ inline constexpr Contract kContract<&clsGetData::bExistUpLoadBill> = {
         "Those of the orders that are marked as uploaded. Nothing without sDSN or FID; an empty recordset when "
         "none is.",
     .columns = upload::kUploadedColumns,
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetUploadDataByFID> = {
@@ -106,6 +107,7 @@ inline constexpr Contract kContract<&clsGetData::GetUploadDataByFID> = {
         "more child orders in the ERP than lines among these orders. Lines whose marketplace order is empty or "
         "unknown to IC_Trade are left out. An empty Vector without strDSN or strFids.",
     .columns = upload::kReportColumns,
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetUploadDataByTab> = {
@@ -125,6 +127,7 @@ inline constexpr Contract kContract<&clsGetData::GetUploadDataByTab> = {
         "its name is that or is followed by that alias. True, with nothing done, for a page that is done; "
         "False without strDSN or pageTable.",
     .reaches_any_order = true,
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::isRunUploadOrder> = {
@@ -134,6 +137,7 @@ inline constexpr Contract kContract<&clsGetData::isRunUploadOrder> = {
     .help =
         "Whether the acting user has an upload task that is not finished, asked on the alternate connection. "
         "False without sDsn.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetSplitChrildOrderIDs> = {
@@ -147,6 +151,7 @@ inline constexpr Contract kContract<&clsGetData::GetSplitChrildOrderIDs> = {
         "Whether other orders than FID have lines of the marketplace order SiteOrderID; if so, the child "
         "orders of FID's lines go behind what ChildOrderIDs holds, with commas between them; one comma at the "
         "end of the whole is dropped. False, with ChildOrderIDs as it was, without strDSN or with FID 0.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::CheckWebShopTypeSameByOrders> = {

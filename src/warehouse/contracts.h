@@ -126,6 +126,7 @@ inline constexpr Contract kContract<&clsGetData::GetTplOrderInfo> = {
         "The keys, with commas between them, of those of the orders of the list sFID that have a line on a "
         "warehouse's stock and are not submitted, or may be again. An empty text without sDsn or sFID and when there "
         "is none.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetNotTplOrderInfo> = {
@@ -136,6 +137,7 @@ inline constexpr Contract kContract<&clsGetData::GetNotTplOrderInfo> = {
     .help =
         "The keys, with commas between them, of those of the orders of the list sFID that have a line on a stock "
         "which no outside warehouse handles. An empty text without sDsn or sFID and when there is none.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetCancelTplOrderInfo> = {
@@ -150,6 +152,7 @@ inline constexpr Contract kContract<&clsGetData::GetCancelTplOrderInfo> = {
         "in state 1, without a waybill, with every line on a stock of the warehouse tplStockID of provider "
         "type tplType, or of any with type 0. An order without lines is one of them. An empty text without "
         "sDsn or sFID and when there is none.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetCancelTplReturnOrderInfo> = {
@@ -162,6 +165,7 @@ inline constexpr Contract kContract<&clsGetData::GetCancelTplReturnOrderInfo> = 
     .help =
         "The keys, with commas between them, of those of the order lines (FEntryID) of the list sFID that are "
         "on a stock of the warehouse. An empty text without sDsn or sFID and when there is none.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetFiltrationTPLOrder> = {
@@ -173,6 +177,7 @@ inline constexpr Contract kContract<&clsGetData::GetFiltrationTPLOrder> = {
         "The keys, with commas between them, of those of the orders of the list sFID that are at an outside "
         "warehouse (state 1 or 3) with every line. A warehouse of stock 0 stands for no stock; an order "
         "without lines is one of them. An empty text without sDsn or sFID and when there is none.",
+    .needs_latest = true,
 };
 template <>
 inline constexpr Contract kContract<&clsGetData::GetPurchaseTaskInfo> = {
@@ -186,6 +191,7 @@ inline constexpr Contract kContract<&clsGetData::GetPurchaseTaskInfo> = {
     .help =
         "-1 when a task has ended (state 2), otherwise 0: the task taskID or, when that is empty, the purchase "
         "task of the documents taskName at the warehouse. 0 without sDsn or either of the two.",
+    .needs_latest = true,
 };
 
 }  // namespace tessarlorn

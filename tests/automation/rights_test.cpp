@@ -23,8 +23,9 @@ std::string Read(const std::string& file) {
 
 /// "UPDATE IC_Web2ERPOrders" for everything that a text of statements does to named tables and procedures.
 void AddNeeds(const std::string& text, std::set<std::string>& needs) {
-  static const std::regex change(R"(\b(exec|delete|insert|update|truncate|merge)\s+(?:from\s+|into\s+)?([#<\w]+))",
-                                 std::regex::icase);
+  static const std::regex change(
+      R"(\b(exec|delete|insert|update|truncate|merge)\s+(?:top\s*\(\d+\)\s+)?(?:from\s+|into\s+)?([#<\w]+))",
+      std::regex::icase);
   for (std::sregex_iterator at(text.begin(), text.end(), change), end; at != end; ++at) {
     std::string table = (*at)[2];
     // UPDATE t1 … FROM table t1

@@ -204,7 +204,7 @@ Caller Door::FindCaller(Visit& visit) {
 }
 
 void Door::HandleCall(VisitPtr& visit) {
-  const WatchedBatches watched(*visit);
+  const WatchedBatches watched(visit.get());
   const Request& request = visit->request();
   const Caller caller = FindCaller(*visit);
   const Operation& operation = OperationOfPath(std::string_view(visit->target().path).substr(kApi.size()));
@@ -269,7 +269,7 @@ void Door::HandleLogin(VisitPtr& visit) {
   const std::shared_ptr<Dictionary> body = json.ToDictionary();
   if (!body) Refuse(400, "the body is an object with user and password");
   const std::string user = TextMember(*body, "user");
-  const WatchedBatches watched(*visit);
+  const WatchedBatches watched(visit.get());
   TransactionConnection connection(host_, session_);
   const Login login = LogIn(connection.get(), user, TextMember(*body, "password"), visit->request().peer);
   if (login.wait.count() > 0) {
@@ -327,8 +327,12 @@ void Door::HandleMetrics(VisitPtr& visit) {
 
 void Door::HandleReady(VisitPtr& visit) {
   RequireMethods(*visit, {"GET", "HEAD"});
-  TransactionConnection connection(host_, session_);
-  connection.get().Query("SELECT 1 AS Ready");
+  try {
+    TransactionConnection connection(host_, session_);
+    connection.get().Query("SELECT 1 AS Ready");
+  } catch (const Error& error) {
+    throw http::Refusal({.status = 503, .detail = "the database cannot be asked", .error = error, .retry_after = 2});
+  }
   visit->Answer({.status = 200, .headers = {{"Content-Type", "text/plain"}}, .body = "ready\n"});
 }
 

@@ -43,9 +43,9 @@ struct DoorOptions {
   std::size_t rows = 1'000'000;
   /// For one call, with its time of waiting.
   std::chrono::milliseconds time{60'000};
-  SessionTimes sessions;
+  SessionTimes sessions = {};
   /// Takes a line of JSON for each request; may be empty.
-  std::function<void(const std::string&)> log;
+  std::function<void(const std::string&)> log = {};
 };
 
 /// Used by several threads at once. Goes when the server that uses it has ended.

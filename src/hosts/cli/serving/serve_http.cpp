@@ -64,9 +64,9 @@ class HttpDoor final : public ServedDoor {
   HttpDoor(std::string place, Descriptor listening, const ServeOptions& options, const CommandContext& context)
       : place_(std::move(place)),
         keeper_(context.host.OpenConnection(ParseSessionString(context.RequireDsn()).database)),
-        door_(context.host, MakeDoorOptions(options, context)),
         server_(std::move(listening), MakeTransportOptions(options),
-                [this](std::unique_ptr<http::Exchange> exchange) { door_.Handle(std::move(exchange)); }) {
+                [this](std::unique_ptr<http::Exchange> exchange) { door_.Handle(std::move(exchange)); }),
+        door_(context.host, MakeDoorOptions(options, context)) {
     door_.set_connections([this] { return server_.connections(); });
   }
 
@@ -80,8 +80,9 @@ class HttpDoor final : public ServedDoor {
   std::string place_;
   /// One in memory lives as long as the server.
   std::unique_ptr<Connection> keeper_;
-  http::Door door_;
   http::Server server_;
+  /// Goes first: what it still has to answer needs the server.
+  http::Door door_;
 };
 
 }  // namespace

@@ -117,6 +117,7 @@ int main(int argc, char** argv) {
     bench::AddOrderBenchmarks();
     bench::AddDayBenchmarks();
     bench::AddServeBenchmarks();
+    bench::AddDoorBenchmarks();
     bench::AddOdbcBenchmarks();
     bench::Reporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);

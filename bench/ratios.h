@@ -25,6 +25,7 @@ void AddUploadBenchmarks();
 void AddOrderBenchmarks();
 void AddDayBenchmarks();
 void AddServeBenchmarks();
+void AddDoorBenchmarks();
 /// Nothing where there is no ODBC.
 void AddOdbcBenchmarks();
 

@@ -190,7 +190,7 @@ Call ReadCall(const Request& request, const Target& target, const Operation& ope
     call.order_by_order = true;
   }
   call.key = ReadKey(request);
-  call.hash = HashOf(request);
+  if (!call.key.empty()) call.hash = HashOf(request);
   call.arguments = ReadArguments(request, target, operation, call.session);
   if (const auto refused = FindRefusedValue(operation, call.arguments, caller.sql)) {
     Refuse(refused->wants_sql ? 403 : 422, refused->path + " " + refused->why, refused->path);

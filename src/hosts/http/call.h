@@ -26,7 +26,7 @@ struct Call {
   bool order_by_order = false;
   /// Idempotency-Key, "" for none.
   std::string key;
-  /// SHA-256 of what was asked for.
+  /// SHA-256 of what was asked for, of a call with a key.
   Bytes hash;
   OrderAccess access;
 

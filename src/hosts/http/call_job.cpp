@@ -21,7 +21,11 @@ CallJob::CallJob(Host& host, Call call, std::unique_ptr<Visit> visit, Watchdog::
                  std::function<void()> ended)
     : host_(host), call_(std::move(call)), visit_(std::move(visit)), until_(until), ended_(std::move(ended)) {}
 
-CallJob::~CallJob() { ended_(); }
+CallJob::~CallJob() { End(); }
+
+void CallJob::End() {
+  if (const std::function<void()> ended = std::exchange(ended_, {})) ended();
+}
 
 void CallJob::Run(Connection& connection) {
   if (Watchdog::Clock::now() >= until_) {
@@ -49,9 +53,14 @@ void CallJob::Committed() {
   response.headers.emplace_back("Cache-Control", "no-store");
   if (replayed_) response.headers.emplace_back("Idempotency-Replayed", "true");
   response.body = std::move(answer_);
+  // The client's next call may come at once, and wants the place.
+  End();
   visit_->Answer(std::move(response));
 }
 
-void CallJob::Failed(std::exception_ptr cause) { visit_->Fail(ProblemOfException(cause)); }
+void CallJob::Failed(std::exception_ptr cause) {
+  End();
+  visit_->Fail(ProblemOfException(cause));
+}
 
 }  // namespace tessarlorn::http

@@ -14,7 +14,7 @@ namespace tessarlorn::http {
 
 class CallJob final : public WriteJob {
  public:
-  /// @param ended called when it goes, on whichever thread
+  /// @param ended called once, before it answers or when it goes, on whichever thread
   CallJob(Host& host, Call call, std::unique_ptr<Visit> visit, Watchdog::Clock::time_point until,
           std::function<void()> ended);
   ~CallJob() override;
@@ -27,6 +27,8 @@ class CallJob final : public WriteJob {
   [[nodiscard]] std::unique_ptr<Visit> TakeVisit() { return std::move(visit_); }
 
  private:
+  void End();
+
   Host& host_;
   Call call_;
   std::unique_ptr<Visit> visit_;

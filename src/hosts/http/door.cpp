@@ -216,7 +216,7 @@ void Door::HandleCall(VisitPtr& visit) {
     CutOrders(call, connection.get());
   }
   if (!call.writes()) {
-    Read(call, *visit);
+    Read(call, *visit, place);
     return;
   }
   const Watchdog::Clock::time_point until = visit->begun() + options_.time;
@@ -227,16 +227,16 @@ void Door::HandleCall(VisitPtr& visit) {
       {.status = 503, .detail = "too many writes are waiting", .retry_after = 1});
 }
 
-void Door::Read(Call& call, Visit& visit) {
+void Door::Read(Call& call, Visit& visit, std::shared_ptr<Place>& place) {
   const bool replica = replica_ && replica_->usable() && !call.operation->contract->needs_latest;
   if (!replica) {
-    ReadFrom(call, visit);
+    ReadFrom(call, visit, place);
     return;
   }
   const std::string primary = call.session;
   ReplaceConnection(call, SessionStringFor(options_.replica, call.caller, visit.request().peer));
   try {
-    ReadFrom(call, visit);
+    ReadFrom(call, visit, place);
     return;
   } catch (const Error& error) {
     if (visit.exchange().begun()) throw;
@@ -244,10 +244,10 @@ void Door::Read(Call& call, Visit& visit) {
     if (ProblemOf(error).status != 500) replica_->Doubt();
   }
   ReplaceConnection(call, primary);
-  ReadFrom(call, visit);
+  ReadFrom(call, visit, place);
 }
 
-void Door::ReadFrom(const Call& call, Visit& visit) {
+void Door::ReadFrom(const Call& call, Visit& visit, std::shared_ptr<Place>& place) {
   Headers headers = visit.CommonHeaders();
   headers.emplace_back("Cache-Control", "no-store");
   StreamedAnswer answer(visit.exchange(), call.format, call.columns, std::move(headers), options_.rows);
@@ -259,6 +259,8 @@ void Door::ReadFrom(const Call& call, Visit& visit) {
     MakeCall(host_, call, nullptr, result, beside);
     transaction.Commit();
   }
+  // The client's next call may come at once, and wants the place.
+  if (!visit.exchange().begun()) place.reset();
   answer.Finish(result, beside);
 }
 

@@ -82,8 +82,8 @@ class Door {
   void HandleEvents(VisitPtr& visit);
   void HandleMetrics(VisitPtr& visit);
   void HandleReady(VisitPtr& visit);
-  void Read(Call& call, Visit& visit);
-  void ReadFrom(const Call& call, Visit& visit);
+  void Read(Call& call, Visit& visit, std::shared_ptr<Place>& place);
+  void ReadFrom(const Call& call, Visit& visit, std::shared_ptr<Place>& place);
   Caller FindCaller(Visit& visit);
   void Sweep();
 

@@ -27,7 +27,7 @@ constexpr int kReads = 1600;
 constexpr int kDayClients = 8;
 constexpr int kDayOrders = 200;
 constexpr const char* kTenColumns =
-    "FID,FOrderID,FOrderStatus,FSiteOrderID,FWebshopID,FSitePayDate,FBuyerNick,FConsignee,FLogisticsOrder,FWeight";
+    "FID,FOrderID,FWebshopName,FSiteOrderID,FWebshopID,FSitePayDate,FBuyerNick,FConsignee,FLogisticsOrder,FWeight";
 
 /// A server of HTTP on a thread of its own.
 class Running {

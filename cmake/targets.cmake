@@ -124,3 +124,21 @@ function(tessarlorn_executable name)
   endforeach()
   tessarlorn_warnings(${name})
 endfunction()
+
+# tessarlorn_embed(<name> <folder> <patterns> <header> <span> <function>): adds to the library of that name a source with
+# the function, which the header declares. It answers the files of the folder, each as its name and its text.
+function(tessarlorn_embed name folder patterns header span function)
+  list(TRANSFORM patterns PREPEND ${folder}/ OUTPUT_VARIABLE globs)
+  file(GLOB files CONFIGURE_DEPENDS ${globs})
+  set(script ${PROJECT_SOURCE_DIR}/cmake/embed_files.cmake)
+  set(output ${PROJECT_BINARY_DIR}/generated/${name}_texts.cpp)
+  string(REPLACE ";" "," list "${files}")
+  add_custom_command(
+    OUTPUT ${output}
+    COMMAND ${CMAKE_COMMAND} -D FILES=${list} -D HEADER=${header} -D SPAN=${span} -D FUNCTION=${function} -D
+            OUTPUT=${output} -P ${script}
+    DEPENDS ${files} ${script}
+    COMMENT "Embedding ${folder}"
+    VERBATIM)
+  target_sources(tessarlorn_${name} PRIVATE ${output})
+endfunction()

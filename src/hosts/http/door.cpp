@@ -107,6 +107,7 @@ Door::Door(Host& host, DoorOptions options)
   if (!options_.replica.empty()) {
     replica_ = std::make_unique<Replica>(host_, session_, HouseSession(options_.replica), options_.longest_lag);
   }
+  FindDocument({});  // makes the texts
   sweeper_ = std::thread([this] { Sweep(); });
 }
 

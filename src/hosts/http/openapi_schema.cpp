@@ -1,6 +1,7 @@
 #include "hosts/http/openapi_schema.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 
 #include "automation/order_list.h"
@@ -181,9 +182,12 @@ SchemaJson ColumnSchema(ValueType type, std::span<const Column> items) {
   return SchemaJson::object();
 }
 
-SchemaJson ResultSchema(const Operation& operation, const std::string& row_name) {
+/// @param bare a recordset stands without its fields, as among the outcomes of orders
+SchemaJson ResultSchema(const Operation& operation, const std::string& row_name, bool bare) {
   SchemaJson schema = ColumnSchema(operation.result, operation.contract->columns);
-  if (operation.result == ValueType::kRecordset) {
+  if (operation.result == ValueType::kRecordset && bare) {
+    schema["items"] = SchemaReference(row_name);
+  } else if (operation.result == ValueType::kRecordset) {
     schema = {{"type", "object"},
               {"properties",
                {{"fields", {{"type", "array"}, {"items", SchemaReference("Field")}}},
@@ -264,7 +268,7 @@ SchemaJson RowSchema(const Operation& operation) {
 
 SchemaJson AnswerSchema(const Operation& operation, const std::string& row_name) {
   const bool each = FindOrderList(operation).has_value();
-  SchemaJson properties = {{"result", ResultSchema(operation, row_name)}};
+  SchemaJson properties = {{"result", ResultSchema(operation, row_name, false)}};
   SchemaJson required = SchemaJson::array();
   if (each) {
     properties["result"]["description"] = "Not there with each=order";
@@ -274,7 +278,7 @@ SchemaJson AnswerSchema(const Operation& operation, const std::string& row_name)
                              {{"type", "object"},
                               {"properties",
                                {{"order", {{"type", "string"}}},
-                                {"result", ResultSchema(operation, row_name)},
+                                {"result", ResultSchema(operation, row_name, true)},
                                 {"problem", SchemaReference("Problem")}}},
                               {"required", {"order"}}}}};
   } else {

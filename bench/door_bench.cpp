@@ -94,8 +94,13 @@ class Served {
   std::unique_ptr<Running> server_;
 };
 
+const std::string& ManyOrdersFile() {
+  static const std::string file = SampleCopy(kManyOrders, "door");
+  return file;
+}
+
 const Served& ManyOrders() {
-  static const Served served(SampleCopy(kManyOrders, "door"));
+  static const Served served(ManyOrdersFile());
   return served;
 }
 
@@ -153,8 +158,7 @@ void ListOverHttp(benchmark::State& state) {
 
 template <int kMost>
 void ListInProcess(benchmark::State& state) {
-  ManyOrders();
-  const std::string dsn = Dsn(SampleCopy(kManyOrders, "door"));
+  const std::string dsn = Dsn(ManyOrdersFile());
   clsGetData get(TheHost());
   const Dictionary filter = ListFilter(kMost);
   for (auto _ : state) {

@@ -18,8 +18,16 @@ bool IsPlain(std::string_view text) {
   return plain && IsValidUtf8(text);
 }
 
-void AppendRows(std::string& json, Recordset& rows, const ResultRows& shown) {
-  const JsonRows objects(shown);
+bool IsLongNumber(const Variant& value) {
+  constexpr std::size_t kExactDigits = 15;
+  const auto* const decimal = value.get_if<Decimal>();
+  if (decimal == nullptr || decimal->scale() > 0) return false;
+  const std::string digits = decimal->ToString();
+  return digits.size() - (digits.starts_with('-') ? 1 : 0) > kExactDigits;
+}
+
+void AppendRows(std::string& json, Recordset& rows, const ResultRows& shown, LongNumbers long_numbers) {
+  const JsonRows objects(shown, long_numbers);
   json += '[';
   for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) {
     if (json.back() != '[') json += ',';
@@ -38,7 +46,7 @@ void AppendJsonText(std::string& json, std::string_view text) {
   }
 }
 
-void AppendJson(std::string& json, const Variant& value, FieldType type) {
+void AppendJson(std::string& json, const Variant& value, FieldType type, LongNumbers long_numbers) {
   if (value.is_null() || value.is_empty() || value.type_name() == "Nothing") {
     json += "null";
   } else if (const auto* text = value.get_if<std::string>()) {
@@ -49,21 +57,21 @@ void AppendJson(std::string& json, const Variant& value, FieldType type) {
       if (json.back() != '{') json += ',';
       AppendJsonText(json, key);
       json += ':';
-      AppendJson(json, entry);
+      AppendJson(json, entry, FieldType::kNVarChar, long_numbers);
     }
     json += '}';
   } else if (const std::shared_ptr<Vector> items = value.ToVector()) {
     json += '[';
     for (const Variant& item : *items) {
       if (json.back() != '[') json += ',';
-      AppendJson(json, item);
+      AppendJson(json, item, FieldType::kNVarChar, long_numbers);
     }
     json += ']';
   } else if (const RecordsetPtr rows = value.ToRecordset()) {
-    AppendRows(json, *rows, SelectColumns(rows, {}));
+    AppendRows(json, *rows, SelectColumns(rows, {}), long_numbers);
   } else if (value.is_object()) {
     AppendJsonText(json, "(" + std::string(value.type_name()) + ")");
-  } else if (value.is_number()) {
+  } else if (value.is_number() && (long_numbers == LongNumbers::kAsNumbers || !IsLongNumber(value))) {
     json += CellText(value, type, CellStyle::kData);
   } else {
     AppendJsonText(json, CellText(value, type, CellStyle::kData));
@@ -76,7 +84,8 @@ std::string JsonText(const Variant& value, FieldType type) {
   return json;
 }
 
-JsonRows::JsonRows(const ResultRows& shown) : fields_(shown.fields) {
+JsonRows::JsonRows(const ResultRows& shown, LongNumbers long_numbers)
+    : long_numbers_(long_numbers), fields_(shown.fields) {
   std::set<std::string> taken;
   for (const std::string& head : shown.heads) {
     std::string key = head;
@@ -94,7 +103,7 @@ void JsonRows::AppendObject(std::string& json, const Recordset& rows) const {
     if (const std::optional<std::string_view> text = rows.FindText(fields_[i])) {
       AppendJsonText(json, *text);
     } else {
-      AppendJson(json, rows.Get(fields_[i]), rows.fields()[fields_[i]].type);
+      AppendJson(json, rows.Get(fields_[i]), rows.fields()[fields_[i]].type, long_numbers_);
     }
   }
   json += leads_.empty() ? "{}" : "}";

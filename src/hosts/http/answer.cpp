@@ -33,28 +33,41 @@ void AppendArray(std::string& json, const std::vector<std::string>& texts) {
   json += ']';
 }
 
-void AppendOutcomes(std::string& json, const std::vector<OrderOutcome>& outcomes) {
-  json += '[';
-  for (const OrderOutcome& outcome : outcomes) {
-    if (json.back() != '[') json += ',';
-    json += "{\"order\":";
-    AppendJsonText(json, outcome.order);
-    if (outcome.error) {
-      json += ",\"problem\":" + ProblemJson(ProblemOf(*outcome.error), "");
-    } else {
-      json += ",\"result\":";
-      AppendJson(json, outcome.result);
-    }
-    json += '}';
+void AppendValue(std::string& json, const Variant& value) {
+  AppendJson(json, value, FieldType::kNVarChar, LongNumbers::kAsTexts);
+}
+
+/// A result as a member: a recordset is an object with fields and rows.
+void AppendResult(std::string& json, const Variant& result, const std::vector<std::string>& columns) {
+  const RecordsetPtr rows = result.ToRecordset();
+  if (!rows) {
+    AppendValue(json, result);
+    return;
   }
-  json += ']';
+  const RowsText text(AnswerFormat::kJson, rows, columns);
+  text.AppendFields(json);
+  bool first = true;
+  for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) text.AppendRow(json, *rows, std::exchange(first, false));
+  json += "]}";
+}
+
+void AppendOutcome(std::string& json, const OrderOutcome& outcome, const std::vector<std::string>& columns) {
+  json += "{\"order\":";
+  AppendJsonText(json, outcome.order);
+  if (outcome.error) {
+    json += ",\"problem\":" + ProblemJson(ProblemOf(*outcome.error), "");
+  } else {
+    json += ",\"result\":";
+    AppendResult(json, outcome.result, columns);
+  }
+  json += '}';
 }
 
 /// The members behind the result, with a comma in front of each.
 void AppendBeside(std::string& json, const Beside& beside) {
   if (!beside.arguments.empty()) {
     json += ",\"arguments\":";
-    AppendJson(json, std::make_shared<Dictionary>(beside.arguments));
+    AppendValue(json, std::make_shared<Dictionary>(beside.arguments));
   }
   if (!beside.not_found.empty()) {
     json += ",\"notFound\":";
@@ -62,7 +75,7 @@ void AppendBeside(std::string& json, const Beside& beside) {
   }
   if (beside.dry_run) {
     json += ",\"dryRun\":";
-    AppendJson(json, std::make_shared<Dictionary>(*beside.dry_run));
+    AppendValue(json, std::make_shared<Dictionary>(*beside.dry_run));
   }
 }
 
@@ -75,11 +88,11 @@ std::string ValueText(AnswerFormat format, const Variant& result, const Beside& 
     AppendCsvHeads(text, shown);
     for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) AppendCsvRow(text, *rows, shown);
   } else if (format == AnswerFormat::kJsonLines) {
-    AppendJson(text, result);
+    AppendValue(text, result);
     text += '\n';
   } else {
     text = "{\"result\":";
-    AppendJson(text, result);
+    AppendValue(text, result);
     AppendBeside(text, beside);
     text += '}';
   }
@@ -87,20 +100,14 @@ std::string ValueText(AnswerFormat format, const Variant& result, const Beside& 
 }
 
 /// The outcomes of a call order by order.
-std::string OutcomesText(AnswerFormat format, const Beside& beside) {
-  std::string text;
-  if (format == AnswerFormat::kJson) {
-    text = "{\"orders\":";
-    AppendOutcomes(text, *beside.orders);
-    AppendBeside(text, beside);
-    return text + "}";
-  }
+std::string OutcomesText(AnswerFormat format, const Beside& beside, const std::vector<std::string>& columns) {
+  std::string text = format == AnswerFormat::kJson ? "{\"orders\":[" : "";
   if (format == AnswerFormat::kCsv) text = "order,result,problem\r\n";
   for (const OrderOutcome& outcome : *beside.orders) {
-    if (format == AnswerFormat::kJsonLines) {
-      std::string line;
-      AppendOutcomes(line, {outcome});
-      text.append(line, 1, line.size() - 2).append("\n");
+    if (format != AnswerFormat::kCsv) {
+      if (format == AnswerFormat::kJson && text.back() != '[') text += ',';
+      AppendOutcome(text, outcome, columns);
+      if (format == AnswerFormat::kJsonLines) text += '\n';
       continue;
     }
     text += EscapedCsv(outcome.order) + ",";
@@ -111,7 +118,10 @@ std::string OutcomesText(AnswerFormat format, const Beside& beside) {
     }
     text += "\r\n";
   }
-  return text;
+  if (format != AnswerFormat::kJson) return text;
+  text += ']';
+  AppendBeside(text, beside);
+  return text + "}";
 }
 
 }  // namespace
@@ -132,7 +142,7 @@ std::string_view MediaType(AnswerFormat format) { return kFormats[static_cast<st
 
 std::string AnswerText(AnswerFormat format, const std::vector<std::string>& columns, const Variant& result,
                        const Beside& beside) {
-  if (beside.orders) return OutcomesText(format, beside);
+  if (beside.orders) return OutcomesText(format, beside, columns);
   const RecordsetPtr rows = result.ToRecordset();
   if (!rows) return ValueText(format, result, beside);
   const RowsText rows_text(format, rows, columns);
@@ -145,12 +155,17 @@ std::string AnswerText(AnswerFormat format, const std::vector<std::string>& colu
 }
 
 RowsText::RowsText(AnswerFormat format, const RecordsetPtr& rows, const std::vector<std::string>& columns)
-    : format_(format), shown_(SelectColumns(rows, columns)), objects_(shown_) {}
+    : format_(format), shown_(SelectColumns(rows, columns)), objects_(shown_, LongNumbers::kAsTexts) {}
 
 void RowsText::AppendHead(std::string& text) const {
   if (format_ == AnswerFormat::kCsv) AppendCsvHeads(text, shown_);
   if (format_ != AnswerFormat::kJson) return;
-  text += "{\"result\":{\"fields\":[";
+  text += "{\"result\":";
+  AppendFields(text);
+}
+
+void RowsText::AppendFields(std::string& text) const {
+  text += "{\"fields\":[";
   for (std::size_t i = 0; i < shown_.fields.size(); ++i) {
     text += i == 0 ? "{\"name\":" : ",{\"name\":";
     AppendJsonText(text, objects_.keys()[i]);

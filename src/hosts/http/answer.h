@@ -50,6 +50,8 @@ class RowsText {
   /// Raises WrongCall for a column that the recordset does not have.
   RowsText(AnswerFormat format, const RecordsetPtr& rows, const std::vector<std::string>& columns);
   void AppendHead(std::string& text) const;
+  /// Of JSON: what stands in front of the rows within their object.
+  void AppendFields(std::string& text) const;
   /// The recordset's current row, of this one or another with the same fields.
   void AppendRow(std::string& text, const Recordset& rows, bool first) const;
   void AppendTail(std::string& text, const Beside& beside) const;

@@ -17,6 +17,7 @@ namespace tessarlorn::http {
 namespace {
 
 constexpr std::size_t kLongestKey = 255;
+constexpr std::size_t kLongestHeader = 2000;
 /// Names of a query that say how to call; all others of a GET are arguments.
 constexpr std::array<std::string_view, 3> kOptions = {"columns", "dry-run", "each"};
 
@@ -184,6 +185,7 @@ Call ReadCall(const Request& request, const Target& target, const Operation& ope
     for (const std::string_view column : Split(*columns, ',')) call.columns.emplace_back(Trim(column));
   }
   call.dry_run = Flag(target, "dry-run");
+  if (call.dry_run && call.format != AnswerFormat::kJson) Refuse(406, "a dry run is answered as application/json");
   if (const std::string* const each = target.Find("each")) {
     if (*each != "order") Refuse(400, "each is order, not " + *each, "each");
     if (!FindOrderList(operation)) Refuse(400, std::string(operation.name) + " takes no list of orders", "each");
@@ -207,6 +209,22 @@ void CutOrders(Call& call, Connection& connection) {
   std::string list;
   for (const std::string& hidden : call.access.hidden) list += (list.empty() ? "" : ", ") + hidden;
   Refuse(404, "not found: " + list);
+}
+
+void AddNotFound(Headers& headers, const Call& call) {
+  if (call.format == AnswerFormat::kJson || call.access.hidden.empty()) return;
+  std::string list;
+  for (const std::string& hidden : call.access.hidden) {
+    if (list.size() + hidden.size() > kLongestHeader) {
+      list += ",...";
+      break;
+    }
+    list.append(list.empty() ? "" : ",").append(hidden);
+  }
+  // What callers send may not end a header.
+  std::replace_if(
+      list.begin(), list.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+  headers.emplace_back("X-Not-Found", list);
 }
 
 void ReplaceConnection(Call& call, const std::string& session) {

@@ -51,6 +51,9 @@ Call ReadCall(const Request& request, const Target& target, const Operation& ope
 /// Takes out the orders that the caller may not see. Raises Refusal 403 and 404, and what the database raises.
 void CutOrders(Call& call, Connection& connection);
 
+/// The header X-Not-Found with the orders that were taken out, for formats that have no place for them.
+void AddNotFound(Headers& headers, const Call& call);
+
 /// The session string of another database for the same call.
 void ReplaceConnection(Call& call, const std::string& session);
 

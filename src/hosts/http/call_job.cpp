@@ -51,6 +51,7 @@ void CallJob::Run(Connection& connection) {
 void CallJob::Committed() {
   Response response{.status = 200, .headers = {{"Content-Type", std::string(MediaType(call_.format))}}};
   response.headers.emplace_back("Cache-Control", "no-store");
+  AddNotFound(response.headers, call_);
   if (replayed_) response.headers.emplace_back("Idempotency-Replayed", "true");
   response.body = std::move(answer_);
   // The client's next call may come at once, and wants the place.

@@ -157,16 +157,9 @@ void Door::Route(VisitPtr visit) {
     Post(known.slow ? slow_ : reads_, std::move(visit), known.handler);
     return;
   }
-  const std::string& method = visit->request().method;
-  if (const Document* const document = FindDocument(path)) {
+  if (FindDocument(path) != nullptr) {
     visit->set_operation("documents");
-    if (method != "GET" && method != "HEAD") {
-      visit->Fail({.status = 405, .detail = path + " takes GET"});
-      return;
-    }
-    visit->Answer({.status = 200,
-                   .headers = {{"Content-Type", std::string(document->type)}, {"Cache-Control", "no-cache"}},
-                   .body = std::string(document->text)});
+    Post(reads_, std::move(visit), &Door::HandleDocument);
   } else if (path == "/healthz") {
     visit->set_operation("healthz");
     visit->Answer({.status = 200, .headers = {{"Content-Type", "text/plain"}}, .body = "alive\n"});
@@ -251,6 +244,7 @@ void Door::Read(Call& call, Visit& visit, std::shared_ptr<Place>& place) {
 void Door::ReadFrom(const Call& call, Visit& visit, std::shared_ptr<Place>& place) {
   Headers headers = visit.CommonHeaders();
   headers.emplace_back("Cache-Control", "no-store");
+  AddNotFound(headers, call);
   StreamedAnswer answer(visit.exchange(), call.format, call.columns, std::move(headers), options_.rows);
   Variant result;
   Beside beside;
@@ -291,7 +285,8 @@ void Door::HandleLogout(VisitPtr& visit) {
   RequireMethods(*visit, {"POST"});
   const Caller caller = FindCaller(*visit);
   TransactionConnection connection(host_, session_);
-  if (visit->target().Find("everywhere") != nullptr) {
+  const std::string* const everywhere = visit->target().Find("everywhere");
+  if (everywhere != nullptr && *everywhere != "false") {
     LogOutEverywhere(connection.get(), caller.name);
   } else {
     LogOut(connection.get(), CredentialsOf(visit->request()).cookie);
@@ -326,6 +321,14 @@ void Door::HandleMetrics(VisitPtr& visit) {
   visit->Answer({.status = 200,
                  .headers = {{"Content-Type", "text/plain; version=0.0.4; charset=utf-8"}},
                  .body = metrics_.Text(gauges)});
+}
+
+void Door::HandleDocument(VisitPtr& visit) {
+  RequireMethods(*visit, {"GET", "HEAD"});
+  const Document& document = *FindDocument(visit->target().path);
+  visit->Answer({.status = 200,
+                 .headers = {{"Content-Type", std::string(document.type)}, {"Cache-Control", "no-cache"}},
+                 .body = std::string(document.text)});
 }
 
 void Door::HandleReady(VisitPtr& visit) {

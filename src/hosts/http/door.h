@@ -81,6 +81,7 @@ class Door {
   void HandleMe(VisitPtr& visit);
   void HandleEvents(VisitPtr& visit);
   void HandleMetrics(VisitPtr& visit);
+  void HandleDocument(VisitPtr& visit);
   void HandleReady(VisitPtr& visit);
   void Read(Call& call, Visit& visit, std::shared_ptr<Place>& place);
   void ReadFrom(const Call& call, Visit& visit, std::shared_ptr<Place>& place);

@@ -129,12 +129,15 @@ std::vector<Event> Events::ReadNew(Connection& connection, Cursors& cursors) {
     cursors.calls.Settle(now);
     std::string data = "{";
     AppendValue(data, "key", *calls, "FID");
-    AppendValue(data, "orders", *calls, "FOrders");
+    const std::vector<std::int32_t> orders = OrdersOfText(calls->GetText(1));
+    data += ",\"orders\":[";
+    for (const std::int32_t order : orders) data += (data.back() == '[' ? "" : ",") + std::to_string(order);
+    data += ']';
     AppendValue(data, "operation", *calls, "FOperation");
     AppendValue(data, "user", *calls, "FUserID");
     AppendValue(data, "caller", *calls, "FCaller");
     AppendValue(data, "time", *calls, "FTime");
-    events.push_back({.text = EventText("call", id(), data + "}"), .orders = OrdersOfText(calls->GetText(1))});
+    events.push_back({.text = EventText("call", id(), data + "}"), .orders = orders});
   }
   cursors.calls.Settle(now);
   return events;

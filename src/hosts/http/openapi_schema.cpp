@@ -151,7 +151,10 @@ SchemaJson ColumnsSchema(std::span<const Column> columns) {
   SchemaJson properties = SchemaJson::object();
   for (const Column& column : columns) {
     SchemaJson schema = ColumnSchema(column.type, column.item_columns);
-    if (schema.contains("type")) schema["type"] = {schema["type"], "null"};
+    if (schema.contains("type")) {
+      if (!schema["type"].is_array()) schema["type"] = SchemaJson::array({schema["type"]});
+      schema["type"].push_back("null");
+    }
     schema["description"] = MarkdownText(column.help);
     properties[std::string(column.name)] = std::move(schema);
   }
@@ -168,8 +171,9 @@ SchemaJson ColumnSchema(ValueType type, std::span<const Column> items) {
     case ValueType::kLong:
     case ValueType::kInteger:
     case ValueType::kDouble:
-    case ValueType::kDecimal:
       return NumberSchema(type);
+    case ValueType::kDecimal:
+      return {{"type", {"number", "string"}}};
     case ValueType::kVector:
       return {{"type", "array"}, {"items", ColumnsSchema(items)}};
     case ValueType::kRecordset:
@@ -182,12 +186,9 @@ SchemaJson ColumnSchema(ValueType type, std::span<const Column> items) {
   return SchemaJson::object();
 }
 
-/// @param bare a recordset stands without its fields, as among the outcomes of orders
-SchemaJson ResultSchema(const Operation& operation, const std::string& row_name, bool bare) {
+SchemaJson ResultSchema(const Operation& operation, const std::string& row_name) {
   SchemaJson schema = ColumnSchema(operation.result, operation.contract->columns);
-  if (operation.result == ValueType::kRecordset && bare) {
-    schema["items"] = SchemaReference(row_name);
-  } else if (operation.result == ValueType::kRecordset) {
+  if (operation.result == ValueType::kRecordset) {
     schema = {{"type", "object"},
               {"properties",
                {{"fields", {{"type", "array"}, {"items", SchemaReference("Field")}}},
@@ -268,7 +269,7 @@ SchemaJson RowSchema(const Operation& operation) {
 
 SchemaJson AnswerSchema(const Operation& operation, const std::string& row_name) {
   const bool each = FindOrderList(operation).has_value();
-  SchemaJson properties = {{"result", ResultSchema(operation, row_name, false)}};
+  SchemaJson properties = {{"result", ResultSchema(operation, row_name)}};
   SchemaJson required = SchemaJson::array();
   if (each) {
     properties["result"]["description"] = "Not there with each=order";
@@ -278,7 +279,7 @@ SchemaJson AnswerSchema(const Operation& operation, const std::string& row_name)
                              {{"type", "object"},
                               {"properties",
                                {{"order", {{"type", "string"}}},
-                                {"result", ResultSchema(operation, row_name, true)},
+                                {"result", ResultSchema(operation, row_name)},
                                 {"problem", SchemaReference("Problem")}}},
                               {"required", {"order"}}}}};
   } else {

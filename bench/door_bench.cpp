@@ -85,6 +85,8 @@ class Served {
   ~Served() {
     server_->End();
     door_.reset();
+    // The next one may have another file of the same name.
+    TheHost().CloseIdle();
   }
   [[nodiscard]] int port() const { return server_->port(); }
   std::string token;

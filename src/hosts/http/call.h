@@ -1,6 +1,7 @@
 // One call as a client asks for it: read from the request, checked, and made.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -49,7 +50,8 @@ Call ReadCall(const Request& request, const Target& target, const Operation& ope
               std::string_view database, std::string_view client);
 
 /// Takes out the orders that the caller may not see. Raises Refusal 403 and 404, and what the database raises.
-void CutOrders(Call& call, Connection& connection);
+/// @param connect answers a connection outside of transactions, where one is needed
+void CutOrders(Call& call, const std::function<Connection&()>& connect);
 
 /// The header X-Not-Found with the orders that were taken out, for formats that have no place for them.
 void AddNotFound(Headers& headers, const Call& call);

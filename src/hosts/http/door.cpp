@@ -189,10 +189,8 @@ void Door::Post(Workers& workers, VisitPtr visit, Handler handler) {
 
 Caller Door::FindCaller(Visit& visit) {
   std::optional<TransactionConnection> connection;
-  Caller caller = callers_.Find(visit.request(), options_.sessions, [&]() -> Connection& {
-    connection.emplace(host_, session_);
-    return connection->get();
-  });
+  Caller caller = callers_.Find(visit.request(), options_.sessions,
+                                [&]() -> Connection& { return connection.emplace(host_, session_).get(); });
   visit.set_user(caller.name);
   return caller;
 }
@@ -206,8 +204,8 @@ void Door::HandleCall(VisitPtr& visit) {
   Call call = ReadCall(request, visit->target(), operation, caller, options_.database, request.peer);
   auto place = std::make_shared<Place>(*this, caller.name, call.key);
   {
-    TransactionConnection connection(host_, session_);
-    CutOrders(call, connection.get());
+    std::optional<TransactionConnection> connection;
+    CutOrders(call, [&]() -> Connection& { return connection.emplace(host_, session_).get(); });
   }
   if (!call.writes()) {
     Read(call, *visit, place);

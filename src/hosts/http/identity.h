@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "hosts/http/access/logins.h"
+#include "hosts/http/safety/order_access.h"
 #include "hosts/http/transport/message.h"
 
 namespace tessarlorn::http {
@@ -42,9 +43,11 @@ class Callers {
     RequireShown(request, shown);
     const std::string remembered = shown.token.empty() ? "c" + shown.cookie : "t" + shown.token;
     if (std::optional<Caller> caller = Remembered(remembered)) return *std::move(caller);
-    std::optional<Caller> caller = shown.token.empty() ? CallerOfSession(connection(), shown.cookie, times)
-                                                       : CallerOfToken(connection(), shown.token);
+    Connection& database = connection();
+    std::optional<Caller> caller =
+        shown.token.empty() ? CallerOfSession(database, shown.cookie, times) : CallerOfToken(database, shown.token);
     RequireKnown(caller);
+    caller->every_shop = SeesEveryShop(database, caller->user);
     Remember(remembered, *caller);
     return *std::move(caller);
   }

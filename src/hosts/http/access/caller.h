@@ -20,6 +20,8 @@ struct Caller {
   std::shared_ptr<const Role> role;
   /// May pass SQL. Then the role is administrator.
   bool sql = false;
+  /// Sees the orders of every web shop.
+  bool every_shop = false;
   /// The token's name, "" for a session of the page.
   std::string token;
 };

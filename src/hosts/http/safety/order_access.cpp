@@ -127,15 +127,6 @@ std::optional<Variant> Cut(const Argument& argument, const Variant& value, const
   return CutText(argument.type, argument.stands, argument.names, value, keep);
 }
 
-bool SeesEveryShop(Connection& connection, std::int32_t user) {
-  SqlParameter parameters[] = {{"@user", "int", user}};
-  const RecordsetPtr seen = connection.Query(
-      {"SELECT FValue FROM t_SystemProfile WHERE FCategory = 'EC' AND FKey = 'WebShopAccess' AND FValue = 0 "
-       "UNION SELECT 1 FROM t_Group WHERE FGroupID = 1 AND FUserID = @user",
-       parameters});
-  return !seen->eof();
-}
-
 /// The orders of what is named, as far as all of them may be seen.
 using VisibleOrders = std::map<Named, std::vector<std::int32_t>>;
 
@@ -226,45 +217,75 @@ void AddOnce(std::vector<std::int32_t>& orders, std::set<std::int32_t>& known, s
   if (known.insert(order).second) orders.push_back(order);
 }
 
+/// Lets `keep` hear of all values of a call that name orders, and takes out what it drops.
+void CutAll(const Operation& operation, std::span<Variant> arguments, const Keep& keep) {
+  const std::size_t count = std::min(arguments.size(), operation.argument_count);
+  for (std::size_t i = 0; i < count; ++i) {
+    if (std::optional<Variant> left = Cut(operation.arguments()[i], arguments[i], keep)) {
+      arguments[i] = *std::move(left);
+    }
+  }
+}
+
+/// What the values of a call name.
+struct FoundNames {
+  std::set<Named> named;
+  /// Keys of orders among them, each once.
+  std::vector<std::int32_t> orders;
+  /// There is a value that names something, though perhaps nothing that could be.
+  bool any = false;
+};
+
+FoundNames FindNamed(const Operation& operation, std::span<Variant> arguments) {
+  FoundNames found;
+  std::set<std::int32_t> known;
+  CutAll(operation, arguments, [&](Names names, std::string_view text, bool) {
+    found.any = true;
+    if (const std::optional<Named> one = NamedBy(names, text)) {
+      found.named.insert(*one);
+      if (names == Names::kOrders) AddOnce(found.orders, known, *WholeNumber<std::int32_t>(one->second));
+    }
+    return true;
+  });
+  return found;
+}
+
 }  // namespace
+
+bool SeesEveryShop(Connection& connection, std::int32_t user) {
+  SqlParameter parameters[] = {{"@user", "int", user}};
+  const RecordsetPtr seen = connection.Query(
+      {"SELECT FValue FROM t_SystemProfile WHERE FCategory = 'EC' AND FKey = 'WebShopAccess' AND FValue = 0 "
+       "UNION SELECT 1 FROM t_Group WHERE FGroupID = 1 AND FUserID = @user",
+       parameters});
+  return !seen->eof();
+}
+
+OrderAccess NamedOrders(const Operation& operation, std::span<Variant> arguments) {
+  OrderAccess access;
+  access.orders = FindNamed(operation, arguments).orders;
+  return access;
+}
 
 OrderAccess CutHiddenOrders(const Operation& operation, std::span<Variant> arguments, std::int32_t user,
                             Connection& connection) {
   OrderAccess access;
-  const std::size_t count = std::min(arguments.size(), operation.argument_count);
-  const auto cut_all = [&](const Keep& keep) {
-    for (std::size_t i = 0; i < count; ++i) {
-      if (std::optional<Variant> left = Cut(operation.arguments()[i], arguments[i], keep))
-        arguments[i] = *std::move(left);
-    }
-  };
-  std::set<Named> named;
-  std::set<std::int32_t> known;
-  bool names_any = false;
-  std::vector<std::int32_t> given;
-  cut_all([&](Names names, std::string_view text, bool) {
-    names_any = true;
-    if (const std::optional<Named> one = NamedBy(names, text)) {
-      named.insert(*one);
-      if (names == Names::kOrders) AddOnce(given, known, *WholeNumber<std::int32_t>(one->second));
-    }
-    return true;
-  });
-  if (!names_any && !operation.contract->reaches_any_order) return access;
+  FoundNames found_names = FindNamed(operation, arguments);
+  if (!found_names.any && !operation.contract->reaches_any_order) return access;
   if (SeesEveryShop(connection, user)) {
-    access.orders = std::move(given);
+    access.orders = std::move(found_names.orders);
     return access;
   }
   access.unbounded = operation.contract->reaches_any_order;
   if (access.unbounded) return access;
 
   Lookup lookup(connection, user);
-  lookup.Find(named);
+  lookup.Find(found_names.named);
   const VisibleOrders visible = std::move(lookup).Answer();
   std::set<std::string> hidden;
-  known.clear();
+  std::set<std::int32_t> known;
   bool some_left = false;
-  cut_all([&](Names names, std::string_view text, bool alone) {
+  CutAll(operation, arguments, [&](Names names, std::string_view text, bool alone) {
     const std::optional<Named> one = NamedBy(names, text);
     const auto found = one ? visible.find(*one) : visible.end();
     if (found != visible.end()) {

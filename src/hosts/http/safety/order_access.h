@@ -39,6 +39,12 @@ struct OrderAccess {
 OrderAccess CutHiddenOrders(const Operation& operation, std::span<Variant> arguments, std::int32_t user,
                             Connection& connection);
 
+/// The same for a user who sees every shop: nothing is hidden, and nobody is asked.
+OrderAccess NamedOrders(const Operation& operation, std::span<Variant> arguments);
+
+/// Whether the setting or the user's group lets him see every web shop. Raises what the connection raises.
+bool SeesEveryShop(Connection& connection, std::int32_t user);
+
 /// Those of the orders that the user may not see, or that do not exist. Raises what the connection raises.
 std::set<std::int32_t> HiddenOrders(std::span<const std::int32_t> orders, std::int32_t user, Connection& connection);
 

@@ -61,7 +61,7 @@ class Running {
 /// The door to a database file, with a token of an administrator.
 class Served {
  public:
-  explicit Served(const std::string& file, unsigned writers = 1) {
+  explicit Served(const std::string& file) {
     const std::unique_ptr<Connection> connection = TheHost().OpenConnection("Embedded=" + file);
     ApplySchema(*connection);
     connection->Execute("DELETE FROM DoorUser DELETE FROM DoorToken DELETE FROM DoorCall");
@@ -74,7 +74,7 @@ class Served {
     token = http::AddToken(*connection, "bench", "bench", std::nullopt);
     http::DoorOptions options;
     options.database = "Embedded=" + file;
-    options.writers = writers;
+    options.shares_commits = true;
     options.calls_per_caller = 64;
     door_ = std::make_unique<http::Door>(TheHost(), std::move(options));
     server_ = std::make_unique<Running>([this](std::unique_ptr<http::Exchange> e) { door_->Handle(std::move(e)); });

@@ -1,7 +1,9 @@
 // Embedded databases served over TDS: by a process of its own, and in this one.
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
@@ -80,10 +82,8 @@ class ServedDatabase {
     }
     close(output[1]);
     output_ = output[0];
-    std::string line;
-    for (char c = 0; read(output_, &c, 1) == 1 && c != '\n';) line += c;
-    if (!line.starts_with("listening on ")) throw std::runtime_error("the server said: " + line + Log());
-    port_ = std::stoi(line.substr(line.rfind(':') + 1));
+    port_ = ReadPort();
+    if (std::find(words.begin(), words.end(), "--http") != words.end()) http_port_ = ReadPort();
   }
   void Restart() {
     Stop();
@@ -101,6 +101,8 @@ class ServedDatabase {
   }
 
   [[nodiscard]] int port() const noexcept { return port_; }
+  /// With the option --http 127.0.0.1:0; another one after each start. From any thread.
+  [[nodiscard]] int http_port() const noexcept { return http_port_; }
   [[nodiscard]] pid_t process() const noexcept { return process_; }
   [[nodiscard]] std::string file(const std::string& name) const { return folder_.file(name); }
   /// For OpenConnection. @param more further pairs, as ";StatementTimeout=1"
@@ -111,10 +113,18 @@ class ServedDatabase {
   }
 
  private:
+  [[nodiscard]] int ReadPort() const {
+    std::string line;
+    for (char c = 0; read(output_, &c, 1) == 1 && c != '\n';) line += c;
+    if (!line.starts_with("listening on ")) throw std::runtime_error("the server said: " + line + Log());
+    return std::stoi(line.substr(line.rfind(':') + 1));
+  }
+
   TemporaryFolder folder_;
   std::vector<std::string> options_;
   std::string database_;
   int port_ = 0;
+  std::atomic<int> http_port_ = 0;
   pid_t process_ = 0;
   int output_ = -1;
 };

@@ -8,6 +8,7 @@
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 
+#include "support/process_state.h"
 #include "support/served_database.h"
 #include "tds/certificate.h"
 #include "tds/tds_support.h"
@@ -85,24 +86,9 @@ class Client {
   std::string arrived_;
 };
 
-/// Bytes of memory that the process holds.
-std::size_t ResidentMemory(pid_t process) {
-  std::ifstream in("/proc/" + std::to_string(process) + "/statm");
-  std::size_t total = 0;
-  std::size_t resident = 0;
-  in >> total >> resident;
-  return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-}
-
-/// How many descriptors ("fd") or threads ("task") the server has.
-std::size_t Entries(const ServedDatabase& server, const std::string& kind) {
-  const std::filesystem::directory_iterator entries("/proc/" + std::to_string(server.process()) + "/" + kind);
-  return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
-}
-
 /// Waits until those of the clients that left have ended.
 void WaitForThreads(const ServedDatabase& server, std::size_t threads) {
-  EXPECT_TRUE(WaitUntil([&] { return Entries(server, "task") == threads; }));
+  EXPECT_TRUE(WaitUntil([&] { return Entries(server.process(), "task") == threads; }));
 }
 
 std::size_t Count(std::string_view text, std::string_view part) {
@@ -141,7 +127,7 @@ TEST(ServerThreads, KeepsItsMemoryWhileClientsComeAndGo) {
   setenv("MALLOC_ARENA_MAX", "1", 1);
   const ServedDatabase server({"--max-connections", "1000"}, kOrders);
   unsetenv("MALLOC_ARENA_MAX");
-  const std::size_t threads = Entries(server, "task");
+  const std::size_t threads = Entries(server.process(), "task");
   std::mt19937 random(7);
   const auto come_and_go = [&] {
     ComeAndGo(server.port(), random);
@@ -149,7 +135,7 @@ TEST(ServerThreads, KeepsItsMemoryWhileClientsComeAndGo) {
   };
   for (int i = 0; i < 5; ++i) come_and_go();
   const std::size_t before = ResidentMemory(server.process());
-  const std::size_t descriptors = Entries(server, "fd");
+  const std::size_t descriptors = Entries(server.process(), "fd");
   const char* const seconds = std::getenv("TESSARLORN_SOAK_SECONDS");
   const auto until =
       std::chrono::steady_clock::now() + std::chrono::seconds(seconds == nullptr ? 0 : std::stoi(seconds));
@@ -158,24 +144,17 @@ TEST(ServerThreads, KeepsItsMemoryWhileClientsComeAndGo) {
     come_and_go();
   } while (++rounds < 3 || std::chrono::steady_clock::now() < until);
   const std::size_t after = ResidentMemory(server.process());
-  // The sanitizers keep what was freed.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  constexpr std::size_t kBound = std::size_t{1} << 30;
-#else
-  // On a busy machine more clients of a round are there at once than in the rounds before.
-  constexpr std::size_t kBound = std::size_t{32} << 20;
-#endif
-  EXPECT_LT(after, before + kBound) << "after " << rounds << " rounds, before " << before;
+  EXPECT_LT(after, before + kGrowth) << "after " << rounds << " rounds, before " << before;
   // The database keeps a descriptor of its file for each client that was there at once, and uses it again: a round may
   // have more of them at once than those before.
-  EXPECT_LE(Entries(server, "fd"), descriptors + 200);
+  EXPECT_LE(Entries(server.process(), "fd"), descriptors + 200);
   RecordProperty("rounds", rounds);
   RecordProperty("growth", std::to_string(after) + " of " + std::to_string(before));
 }
 
 TEST(ServerThreads, ADatabaseInMemoryLivesAsLongAsTheServer) {
   const ServedDatabase server({}, 0, "Embedded=:memory:kept");
-  const std::size_t threads = Entries(server, "task");
+  const std::size_t threads = Entries(server.process(), "task");
   for (const char* batch : {"create table T (n int) insert T values (7)", "select n from T"}) {
     std::string answer;
     {
@@ -284,9 +263,9 @@ TEST(ServerThreads, AClientThatDoesNotReadKeepsNoServer) {
   EXPECT_THAT(slow.Receive(), HasSubstr(kLoggedIn));
   // It writes until nothing more fits; the second signal ends that.
   EXPECT_TRUE(WaitUntil([&] { return slow.waiting() > 0; }));
-  const std::size_t descriptors = Entries(server, "fd");
+  const std::size_t descriptors = Entries(server.process(), "fd");
   kill(server.process(), SIGINT);
-  EXPECT_TRUE(WaitUntil([&] { return Entries(server, "fd") < descriptors; })) << "it listens no more";
+  EXPECT_TRUE(WaitUntil([&] { return Entries(server.process(), "fd") < descriptors; })) << "it listens no more";
   EXPECT_EQ(server.Stop(SIGINT), 0);
 }
 

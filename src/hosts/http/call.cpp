@@ -105,8 +105,7 @@ void RequireMethod(const Request& request, const Operation& operation) {
   const bool reads =
       operation.service == ServiceClass::kGetData && (request.method == "GET" || request.method == "HEAD");
   if (request.method == "POST" || reads) return;
-  Refuse(405, std::string(operation.name) +
-                  (operation.service == ServiceClass::kGetData ? " takes GET and POST" : " takes POST"));
+  RefuseMethod(std::string(operation.name), operation.service == ServiceClass::kGetData ? "GET, HEAD, POST" : "POST");
 }
 
 /// What is compared when a key comes again.

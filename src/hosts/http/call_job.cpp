@@ -17,6 +17,15 @@ bool DidNothing(const Variant& result, const Beside& beside) {
 
 }  // namespace
 
+Response ResponseOf(const Call& call, std::string answer, bool replayed) {
+  Response response{.status = 200,
+                    .headers = {{"Content-Type", std::string(MediaType(call.format))}, {"Cache-Control", "no-store"}},
+                    .body = std::move(answer)};
+  AddNotFound(response.headers, call);
+  if (replayed) response.headers.emplace_back("Idempotency-Replayed", "true");
+  return response;
+}
+
 CallJob::CallJob(Host& host, Call call, std::unique_ptr<Visit> visit, Watchdog::Clock::time_point until,
                  std::function<void()> ended)
     : host_(host), call_(std::move(call)), visit_(std::move(visit)), until_(until), ended_(std::move(ended)) {}
@@ -49,14 +58,8 @@ void CallJob::Run(Connection& connection) {
 }
 
 void CallJob::Committed() {
-  Response response{.status = 200, .headers = {{"Content-Type", std::string(MediaType(call_.format))}}};
-  response.headers.emplace_back("Cache-Control", "no-store");
-  AddNotFound(response.headers, call_);
-  if (replayed_) response.headers.emplace_back("Idempotency-Replayed", "true");
-  response.body = std::move(answer_);
-  // The client's next call may come at once, and wants the place.
   End();
-  visit_->Answer(std::move(response));
+  visit_->Answer(ResponseOf(call_, std::move(answer_), replayed_));
 }
 
 void CallJob::Failed(std::exception_ptr cause) {

@@ -12,9 +12,12 @@
 
 namespace tessarlorn::http {
 
+/// The answer to a call, or to one that was made before.
+Response ResponseOf(const Call& call, std::string answer, bool replayed);
+
 class CallJob final : public WriteJob {
  public:
-  /// @param ended called once, before it answers or when it goes, on whichever thread
+  /// @param ended called once, before it answers or when it goes: whoever has the answer may call again
   CallJob(Host& host, Call call, std::unique_ptr<Visit> visit, Watchdog::Clock::time_point until,
           std::function<void()> ended);
   ~CallJob() override;

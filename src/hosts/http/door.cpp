@@ -45,7 +45,7 @@ void RequireMethods(const Visit& visit, std::initializer_list<std::string_view> 
   if (std::find(methods.begin(), methods.end(), visit.request().method) != methods.end()) return;
   std::string list;
   for (const std::string_view method : methods) list.append(list.empty() ? "" : ", ").append(method);
-  Refuse(405, visit.target().path + " takes " + list);
+  RefuseMethod(visit.target().path, list);
 }
 
 /// A text of a JSON body. Raises Refusal 400.
@@ -97,7 +97,10 @@ Door::Door(Host& host, DoorOptions options)
       session_(HouseSession(options_.database)),
       visit_log_{.metrics = &metrics_, .line = options_.log},
       events_(host, session_),
-      writes_(host, dog_, {.dsn = session_, .threads = options_.writers, .most_waiting = options_.waiting}),
+      writes_(host, dog_, {.dsn = session_,
+               .threads = options_.writers,
+               .shares_commits = options_.shares_commits,
+               .most_waiting = options_.waiting}),
       reads_(dog_, options_.readers, options_.waiting),
       slow_(dog_, kSlowThreads, kSlowWaiting) {
   {
@@ -175,6 +178,7 @@ void Door::Post(Workers& workers, VisitPtr visit, Handler handler) {
   const auto held = std::make_shared<VisitPtr>(std::move(visit));
   const auto task = [this, held, handler](Watchdog::Thread& self) {
     self.Allow((*held)->begun() + options_.time);
+    (*held)->exchange().set_deadline((*held)->begun() + options_.time);
     try {
       (this->*handler)(*held);
     } catch (...) {
@@ -205,7 +209,20 @@ void Door::HandleCall(VisitPtr& visit) {
   auto place = std::make_shared<Place>(*this, caller.name, call.key);
   {
     std::optional<TransactionConnection> connection;
-    CutOrders(call, [&]() -> Connection& { return connection.emplace(host_, session_).get(); });
+    const auto connect = [&]() -> Connection& {
+      return (connection ? *connection : connection.emplace(host_, session_)).get();
+    };
+    try {
+      CutOrders(call, connect);
+    } catch (const http::Refusal&) {
+      // The call itself may have made it so: a repeated one gets the answer that it got.
+      std::optional<std::string> answer;
+      if (!call.key.empty()) answer = FindRecordedAnswer(connect(), call);
+      if (!answer) throw;
+      place.reset();
+      visit->Answer(ResponseOf(call, *std::move(answer), true));
+      return;
+    }
   }
   if (!call.writes()) {
     Read(call, *visit, place);
@@ -219,7 +236,7 @@ void Door::HandleCall(VisitPtr& visit) {
       {.status = 503, .detail = "too many writes are waiting", .retry_after = 1});
 }
 
-void Door::Read(Call& call, Visit& visit, std::shared_ptr<Place>& place) {
+void Door::Read(Call& call, Visit& visit, PlacePtr& place) {
   const bool replica = replica_ && replica_->usable() && !call.operation->contract->needs_latest;
   if (!replica) {
     ReadFrom(call, visit, place);
@@ -239,7 +256,7 @@ void Door::Read(Call& call, Visit& visit, std::shared_ptr<Place>& place) {
   ReadFrom(call, visit, place);
 }
 
-void Door::ReadFrom(const Call& call, Visit& visit, std::shared_ptr<Place>& place) {
+void Door::ReadFrom(const Call& call, Visit& visit, PlacePtr& place) {
   Headers headers = visit.CommonHeaders();
   headers.emplace_back("Cache-Control", "no-store");
   AddNotFound(headers, call);
@@ -252,8 +269,7 @@ void Door::ReadFrom(const Call& call, Visit& visit, std::shared_ptr<Place>& plac
     MakeCall(host_, call, nullptr, result, beside);
     transaction.Commit();
   }
-  // The client's next call may come at once, and wants the place.
-  if (!visit.exchange().begun()) place.reset();
+  place.reset();
   answer.Finish(result, beside);
 }
 

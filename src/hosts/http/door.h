@@ -26,15 +26,17 @@ namespace tessarlorn::http {
 
 struct DoorOptions {
   /// The connection string of the database.
-  std::string database;
+  std::string database = {};
   /// That of a copy of it which takes reads, "" for none.
-  std::string replica;
+  std::string replica = {};
   /// Of a replica that is further behind, reads go to the database.
   std::chrono::seconds longest_lag{5};
   /// Threads that make reads.
   unsigned readers = 4;
-  /// Threads that make writes: one where the database has one writer, whose calls then share commits.
+  /// Threads that make writes.
   unsigned writers = 1;
+  /// Whether writes share commits: for a database in this process with one writer, and one thread.
+  bool shares_commits = false;
   /// Calls that may wait for a thread, reads and writes each.
   std::size_t waiting = 256;
   /// Calls of one caller at once.
@@ -48,7 +50,7 @@ struct DoorOptions {
   std::function<void(const std::string&)> log = {};
 };
 
-/// Used by several threads at once. Goes when the server that uses it has ended.
+/// Used by several threads at once. Goes when the server that uses it has ended, and before that server goes.
 class Door {
  public:
   /// Raises what the database raises when it cannot be reached, and 0x80040E37 when it has no tables of the door.
@@ -83,8 +85,10 @@ class Door {
   void HandleMetrics(VisitPtr& visit);
   void HandleDocument(VisitPtr& visit);
   void HandleReady(VisitPtr& visit);
-  void Read(Call& call, Visit& visit, std::shared_ptr<Place>& place);
-  void ReadFrom(const Call& call, Visit& visit, std::shared_ptr<Place>& place);
+  using PlacePtr = std::shared_ptr<Place>;
+  /// The place is given up before the last of the answer: whoever has the answer may call again.
+  void Read(Call& call, Visit& visit, PlacePtr& place);
+  void ReadFrom(const Call& call, Visit& visit, PlacePtr& place);
   Caller FindCaller(Visit& visit);
   void Sweep();
 

@@ -71,6 +71,12 @@ void LogCursor::Settle(Clock::time_point now) {
   Settle(now);
 }
 
+void LogCursor::GiveUpGaps() {
+  if (!seen_.empty()) low_ = *seen_.rbegin();
+  seen_.clear();
+  gap_since_.reset();
+}
+
 Events::Events(Host& host, std::string session)
     : host_(host), session_(std::move(session)), thread_([this] { Run(); }) {}
 
@@ -115,17 +121,19 @@ std::vector<Event> Events::ReadNew(Connection& connection, Cursors& cursors) {
     AppendValue(data, "code", *log, "FOPCode");
     AppendValue(data, "user", *log, "FOPUserID");
     AppendValue(data, "time", *log, "FOPTime");
-    Event event{.text = EventText("log", id(), data + "}"), .orders = {}};
+    Event event{.text = EventText("log", id(), data + "}"), .key = key, .orders = {}};
     if (!log->IsNull(1)) event.orders.push_back(log->Get("FOrderFID").ToInt32());
     events.push_back(std::move(event));
   }
   cursors.log.Settle(now);
+  if (log->RecordCount() >= kMostRows) cursors.log.GiveUpGaps();
   const RecordsetPtr calls = ReadBehind(connection,
                                         "SELECT TOP (1000) FID, FOrders, FOperation, FUserID, FCaller, FTime FROM "
                                         "DoorCall WHERE FID > @after ORDER BY FID",
                                         cursors.calls.low());
   for (; !calls->eof(); calls->MoveNext()) {
-    if (!cursors.calls.Take(Key(*calls))) continue;
+    const std::int64_t key = Key(*calls);
+    if (!cursors.calls.Take(key)) continue;
     cursors.calls.Settle(now);
     std::string data = "{";
     AppendValue(data, "key", *calls, "FID");
@@ -137,23 +145,25 @@ std::vector<Event> Events::ReadNew(Connection& connection, Cursors& cursors) {
     AppendValue(data, "user", *calls, "FUserID");
     AppendValue(data, "caller", *calls, "FCaller");
     AppendValue(data, "time", *calls, "FTime");
-    events.push_back({.text = EventText("call", id(), data + "}"), .orders = orders});
+    events.push_back(
+        {.text = EventText("call", id(), data + "}"), .of_call = true, .key = key, .orders = orders});
   }
   cursors.calls.Settle(now);
+  if (calls->RecordCount() >= kMostRows) cursors.calls.GiveUpGaps();
   return events;
 }
 
-void Events::Send(Connection& connection, Listener& listener, const std::vector<Event>& events) const {
+std::string Events::TextFor(Connection& connection, const Caller& caller, const std::vector<Event>& events) {
   std::vector<std::int32_t> named;
   for (const Event& event : events) named.insert(named.end(), event.orders.begin(), event.orders.end());
-  const std::set<std::int32_t> hidden = HiddenOrders(named, listener.caller.user, connection);
+  const std::set<std::int32_t> hidden = HiddenOrders(named, caller.user, connection);
   std::string text;
   for (const Event& event : events) {
     const bool seen = std::none_of(event.orders.begin(), event.orders.end(),
                                    [&hidden](std::int32_t order) { return hidden.contains(order); });
     if (seen) text += event.text;
   }
-  if (!text.empty() && !listener.visit->exchange().Offer(text)) throw ClientGone();
+  return text;
 }
 
 void Events::Listen(std::unique_ptr<Visit> visit, Caller caller) {
@@ -166,22 +176,37 @@ void Events::Listen(std::unique_ptr<Visit> visit, Caller caller) {
   const auto last_log = WholeNumber<std::int64_t>(parts[0]);
   const auto last_call = parts.size() == 2 ? WholeNumber<std::int64_t>(parts[1]) : std::nullopt;
   if (last_log && last_call) from = {.log = LogCursor(*last_log), .calls = LogCursor(*last_call)};
+  Exchange& exchange = visit->exchange();
   Listener listener{.visit = std::move(visit), .caller = std::move(caller)};
-  listener.visit->exchange().Begin({.status = 200, .headers = std::move(headers)}, false);
+  exchange.Begin({.status = 200, .headers = std::move(headers)}, false);
   // Whoever was away a while waits for each part here; what is live must not wait for him.
-  listener.visit->exchange().Write("retry: 1000\n\n");
-  listener.visit->exchange().Flush();
+  exchange.Write("retry: 1000\n\n");
+  exchange.Flush();
   for (std::size_t read = kMostRows; read >= kMostRows;) {
     const std::vector<Event> missed = ReadNew(session.get(), from);
     read = missed.size();
-    Send(session.get(), listener, missed);
+    exchange.Write(TextFor(session.get(), listener.caller, missed));
+    exchange.Flush();
   }
   const std::scoped_lock lock(mutex_);
-  // Nothing is told to the others meanwhile. What they are told later and is sent here already has the same key.
-  Send(session.get(), listener, ReadNew(session.get(), from));
+  // Nothing is told to the others meanwhile.
+  const std::string rest = TextFor(session.get(), listener.caller, ReadNew(session.get(), from));
+  if (!rest.empty() && !exchange.Offer(rest)) throw ClientGone();
+  listener.told = from;
   if (!cursors_ || listeners_.empty()) cursors_ = std::move(from);
   listeners_.push_back(std::move(listener));
   wake_.notify_all();
+}
+
+void Events::Tell(Connection& connection, Listener& listener, const std::vector<Event>& events) {
+  std::vector<Event> news;
+  for (const Event& event : events) {
+    if ((event.of_call ? listener.told.calls : listener.told.log).Take(event.key)) news.push_back(event);
+  }
+  listener.told.log.Settle(LogCursor::Clock::now());
+  listener.told.calls.Settle(LogCursor::Clock::now());
+  const std::string text = news.empty() ? "" : TextFor(connection, listener.caller, news);
+  if (!text.empty() && !listener.visit->exchange().Offer(text)) throw ClientGone();
 }
 
 void Events::Run() {
@@ -199,7 +224,7 @@ void Events::Run() {
       for (auto listener = listeners_.begin(); listener != listeners_.end();) {
         const auto next = std::next(listener);
         try {
-          if (!events.empty()) Send(session.get(), *listener, events);
+          Tell(session.get(), *listener, events);
           if (Visit::Clock::now() - listener->visit->begun() > kLongest) {
             listener->visit->exchange().End();
             throw ClientGone();

@@ -29,13 +29,15 @@ class LogCursor {
  public:
   using Clock = std::chrono::steady_clock;
 
-  explicit LogCursor(std::int64_t after = 0) : low_(after) {}
+  explicit LogCursor(std::int64_t after) : low_(after) {}
   /// Every key up to here is told, or will never come.
   [[nodiscard]] std::int64_t low() const noexcept { return low_; }
   /// Whether the key is new.
   bool Take(std::int64_t key);
   /// To be called behind the keys of each look: gaps that are ten seconds old are given up.
   void Settle(Clock::time_point now);
+  /// Gives up all gaps: so much has come behind them that they are old.
+  void GiveUpGaps();
 
  private:
   std::int64_t low_;
@@ -45,6 +47,9 @@ class LogCursor {
 
 struct Event {
   std::string text;
+  /// In the log of calls, or in the operation log.
+  bool of_call = false;
+  std::int64_t key = 0;
   /// The orders that it tells of.
   std::vector<std::int32_t> orders;
 };
@@ -66,20 +71,24 @@ class Events {
   [[nodiscard]] std::size_t listeners() const;
 
  private:
+  struct Cursors {
+    LogCursor log{0};
+    LogCursor calls{0};
+  };
   struct Listener {
     std::unique_ptr<Visit> visit;
     Caller caller;
-  };
-  struct Cursors {
-    LogCursor log;
-    LogCursor calls;
+    /// What it was told when it joined the others.
+    Cursors told = {};
   };
 
   void Run();
   /// What is new behind the cursors, in the order of each log.
   static std::vector<Event> ReadNew(Connection& connection, Cursors& cursors);
   /// Those of the events that the user may see.
-  void Send(Connection& connection, Listener& listener, const std::vector<Event>& events) const;
+  static std::string TextFor(Connection& connection, const Caller& caller, const std::vector<Event>& events);
+  /// Those that the listener was not told yet. Raises ClientGone.
+  static void Tell(Connection& connection, Listener& listener, const std::vector<Event>& events);
   static Cursors Now(Connection& connection);
 
   Host& host_;

@@ -91,6 +91,7 @@ Response ProblemResponse(const Problem& problem, std::string_view request) {
                     .headers = {{"Content-Type", "application/problem+json"}, {"Cache-Control", "no-store"}},
                     .body = ProblemJson(problem, request)};
   if (problem.status == 401) response.headers.emplace_back("WWW-Authenticate", "Bearer");
+  if (!problem.allow.empty()) response.headers.emplace_back("Allow", problem.allow);
   if (problem.retry_after > 0) response.headers.emplace_back("Retry-After", std::to_string(problem.retry_after));
   return response;
 }

@@ -21,6 +21,8 @@ struct Problem {
   std::optional<Error> error = {};
   /// Seconds after which it may go better; 0 when that is not known.
   int retry_after = 0;
+  /// With 405, the methods that are taken.
+  std::string allow = {};
 };
 
 /// Raised where a request cannot be done; the door answers it.
@@ -36,6 +38,11 @@ class Refusal : public std::exception {
 
 [[noreturn]] inline void Refuse(int status, std::string detail, std::string key = {}) {
   throw Refusal({.status = status, .detail = std::move(detail), .key = std::move(key)});
+}
+
+/// @param what takes the methods, as "GET, HEAD"
+[[noreturn]] inline void RefuseMethod(const std::string& what, const std::string& methods) {
+  throw Refusal({.status = 405, .detail = what + " takes " + methods, .allow = methods});
 }
 
 /// The status of what an operation or the database raised: 504 for a time-out or a cancelled batch, 503 for a database

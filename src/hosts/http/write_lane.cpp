@@ -55,7 +55,7 @@ void WriteLane::Run(Watchdog& dog) {
     }
     Job first = TakeOne();
     if (first == nullptr) continue;
-    if (options_.threads == 1) {
+    if (options_.shares_commits) {
       for (Job& job : RunGroup(std::move(first), self)) RunAlone(std::move(job), self);
     } else {
       RunAlone(std::move(first), self);

@@ -39,8 +39,9 @@ class WriteJob {
 struct LaneOptions {
   /// The session string of the database, for a session of the lane's own.
   std::string dsn;
-  /// One for a database with one writer, whose jobs then share commits; more elsewhere, each job with its own.
   unsigned threads = 1;
+  /// Whether jobs share commits. Only where a commit that raises has surely not been made: its jobs are run again.
+  bool shares_commits = false;
   std::size_t most_waiting = 256;
   /// How many jobs share a commit at most, and for how long others are taken in.
   std::size_t group = 32;

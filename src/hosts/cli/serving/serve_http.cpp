@@ -36,6 +36,7 @@ http::DoorOptions MakeDoorOptions(const ServeOptions& options, const CommandCont
   door.readers = static_cast<unsigned>(options.readers);
   // The embedded database has one writer, whose calls share commits.
   const bool one_writer = EqualsIgnoreCase(context.host.DecidingKey(session.database), "Embedded");
+  door.shares_commits = one_writer;
   door.writers = one_writer ? 1 : static_cast<unsigned>(options.writers);
   door.waiting = static_cast<std::size_t>(options.calls_waiting);
   door.calls_per_caller = static_cast<std::size_t>(options.calls_per_user);
@@ -81,7 +82,7 @@ class HttpDoor final : public ServedDoor {
   /// One in memory lives as long as the server.
   std::unique_ptr<Connection> keeper_;
   http::Server server_;
-  /// Goes first: what it still has to answer needs the server.
+  /// Goes first: calls that are not answered yet have connections of the server.
   http::Door door_;
 };
 

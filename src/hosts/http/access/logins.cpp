@@ -35,12 +35,18 @@ Caller ReadCaller(const Recordset& row) {
   return caller;
 }
 
-/// Keeps the time of the use. Nothing is lost when others hold the table just then.
-void NoteUse(Connection& connection, const char* statement, std::span<SqlParameter> parameters) {
+/// Keeps the time of the use. Nothing is lost when others hold the table just then, and nobody waits for them: an
+/// embedded database has one writer, who may take long.
+void NoteUse(Connection& connection, std::string_view statement, std::span<SqlParameter> parameters) {
+  constexpr std::int32_t kLockTimeout = 1222;
+  const std::string batch = "SET LOCK_TIMEOUT 50\n" + std::string(statement) + "\nSET LOCK_TIMEOUT -1";
   try {
-    RunStatement(connection, {statement, parameters});
+    RunStatement(connection, {batch, parameters});
   } catch (const Error& error) {
-    if (error.number() != error_number::kTimeout && error.number() != error_number::kAbortedDeadlock) throw;
+    const bool held = error.number() == error_number::kTimeout || error.number() == error_number::kAbortedDeadlock ||
+                      error.native().number == kLockTimeout;
+    if (!held) throw;
+    connection.Execute("SET LOCK_TIMEOUT -1");
   }
 }
 

@@ -25,6 +25,8 @@ using TlsStream = asio::ssl::stream<Tcp::socket>;
 using Failure = beast::error_code;
 
 constexpr std::chrono::seconds kLinger{2};
+/// What is read at once beside the headers. Heads of chunks and what comes behind the last one fit in, too.
+constexpr std::size_t kReadAhead = 65536;
 
 /// For the header Date, made anew once a second on each thread.
 const std::string& DateNow() {
@@ -72,7 +74,9 @@ class StreamClient final : public Client, public AnswerWay, public std::enable_s
  public:
   template <typename... Arguments>
   StreamClient(ClientGroup& group, Arguments&&... arguments)
-      : group_(group), stream_(std::forward<Arguments>(arguments)...) {
+      : group_(group),
+        stream_(std::forward<Arguments>(arguments)...),
+        buffer_(group.options->limits.header + kReadAhead) {
     ++*group_.connections;
     Failure failure;
     const Tcp::endpoint peer = Socket().remote_endpoint(failure);
@@ -158,6 +162,7 @@ class StreamClient final : public Client, public AnswerWay, public std::enable_s
   }
   void Expect(Phase phase, std::chrono::milliseconds time) {
     phase_ = phase;
+    too_slow_ = false;
     deadline_ = Clock::now() + time;
   }
 
@@ -190,13 +195,27 @@ class StreamClient final : public Client, public AnswerWay, public std::enable_s
     });
   }
 
+  /// Takes the headers before the body: what stands behind its last chunk is none of them.
   void ReadBody() {
+    const auto& head = parser_->get();
+    version_ = head.version();
+    head_only_ = head.method() == beast::http::verb::head;
+    request_ = {};
+    request_.method = std::string(head.method_string());
+    request_.target = std::string(head.target());
+    for (const auto& field : head) {
+      request_.headers.emplace_back(std::string(field.name_string()), std::string(field.value()));
+    }
+    if (const char* const fault = FaultOfHeaders(request_.headers, version_ < 11)) {
+      Refuse(400, std::string("the request cannot be read: ") + fault);
+      return;
+    }
     if (parser_->is_done()) {
       Handle();
       return;
     }
     Expect(Phase::kBody, limits().body_time);
-    if (!beast::iequals(parser_->get()[beast::http::field::expect], "100-continue")) {
+    if (version_ < 11 || !EqualsIgnoreCase(request_.Header("Expect"), "100-continue")) {
       ReadRest();
       return;
     }
@@ -226,32 +245,28 @@ class StreamClient final : public Client, public AnswerWay, public std::enable_s
       Close();
       return true;
     }
-    last_ = true;
-    phase_ = Phase::kAnswering;
     version_ = 11;
     head_only_ = false;
-    Send(group_.options->refusal(status, slow ? "the request came too slowly" : WhyOf(status, failure, limits())));
+    Refuse(status, slow ? "the request came too slowly" : WhyOf(status, failure, limits()));
     return true;
+  }
+
+  /// The connection ends behind the answer: nobody knows where the next request would begin.
+  void Refuse(int status, const std::string& why) {
+    last_ = true;
+    phase_ = Phase::kAnswering;
+    Send(group_.options->refusal(status, why));
   }
 
   void Handle() {
     phase_ = Phase::kAnswering;
     deadline_ = Clock::time_point::max();
-    auto message = parser_->release();
-    version_ = message.version();
-    head_only_ = message.method() == beast::http::verb::head;
-    last_ = last_ || group_.draining || !message.keep_alive();
-    Request request;
-    request.method = std::string(message.method_string());
-    request.target = std::string(message.target());
-    for (const auto& field : message) {
-      request.headers.emplace_back(std::string(field.name_string()), std::string(field.value()));
-    }
-    request.body = std::move(message.body());
-    request.peer = peer_;
-    request.secure = std::is_same_v<Stream, TlsStream>;
-    if (group_.options->behind_proxy) BelieveProxy(request);
-    (*group_.handler)(std::make_unique<Exchange>(std::move(request), Self()));
+    last_ = last_ || group_.draining || !parser_->get().keep_alive();
+    request_.body = std::move(parser_->get().body());
+    request_.peer = peer_;
+    request_.secure = std::is_same_v<Stream, TlsStream>;
+    if (group_.options->behind_proxy) BelieveProxy(request_);
+    (*group_.handler)(std::make_unique<Exchange>(std::move(request_), Self()));
   }
 
   void Enqueue(Item item) {
@@ -390,6 +405,8 @@ class StreamClient final : public Client, public AnswerWay, public std::enable_s
   std::string peer_;
   beast::flat_buffer buffer_;
   std::optional<Parser> parser_;
+  /// Whose headers have been read.
+  Request request_;
   std::optional<beast::http::response<beast::http::string_body>> whole_;
   std::optional<beast::http::response<beast::http::empty_body>> head_;
   std::optional<beast::http::response_serializer<beast::http::empty_body>> head_writer_;

@@ -65,8 +65,9 @@ void Exchange::Hand(std::string part) {
   const std::size_t size = part.size();
   {
     std::unique_lock lock(flow_->mutex);
-    flow_->moved.wait(lock, [this] { return flow_->gone || flow_->unsent < kMostUnsent; });
-    if (flow_->gone) throw ClientGone();
+    const bool room =
+        flow_->moved.wait_until(lock, deadline_, [this] { return flow_->gone || flow_->unsent < kMostUnsent; });
+    if (!room || flow_->gone) throw ClientGone();
     flow_->unsent += size;
   }
   way_->SendPart(std::move(part), [flow = flow_, size](bool sent) {

@@ -1,6 +1,7 @@
 // One request and the way of its answer, from whichever thread makes it.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
@@ -59,9 +60,11 @@ class Exchange {
 
   /// The whole answer; compressed when the client takes that and it is worth it.
   void Answer(Response response);
+  /// Parts that the client has not taken by then are not waited for.
+  void set_deadline(std::chrono::steady_clock::time_point deadline) noexcept { deadline_ = deadline; }
   /// The head of an answer in parts. @param compress whether it may be compressed
   void Begin(Response head, bool compress = true);
-  /// A part; waits while the client has more than 256 KB to read yet. Raises ClientGone.
+  /// A part; waits while the client has more than 256 KB to read yet, until the deadline. Raises ClientGone.
   void Write(std::string_view part);
   /// What was written so far goes out now, also when it is little. Raises ClientGone.
   void Flush();
@@ -85,6 +88,7 @@ class Exchange {
   Request request_;
   std::shared_ptr<AnswerWay> way_;
   std::shared_ptr<Flow> flow_ = std::make_shared<Flow>();
+  std::chrono::steady_clock::time_point deadline_ = std::chrono::steady_clock::time_point::max();
   std::string buffer_;
   std::optional<Gzip> gzip_;
   bool begun_ = false;

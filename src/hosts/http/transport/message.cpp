@@ -33,6 +33,25 @@ std::string_view HeaderOf(const Headers& headers, std::string_view name) {
   return found == headers.end() ? std::string_view() : std::string_view(found->second);
 }
 
+const char* FaultOfHeaders(const Headers& headers, bool old) {
+  const auto count = [&headers](std::string_view name) {
+    return std::count_if(headers.begin(), headers.end(),
+                         [name](const auto& header) { return EqualsIgnoreCase(header.first, name); });
+  };
+  const auto lengths = count("Content-Length");
+  if (lengths > 1 || HeaderOf(headers, "Content-Length").find(',') != std::string_view::npos) {
+    return "it has two Content-Lengths";
+  }
+  if (const auto encodings = count("Transfer-Encoding"); encodings > 0) {
+    if (lengths > 0) return "it has Content-Length and Transfer-Encoding";
+    if (encodings > 1 || old || !EqualsIgnoreCase(HeaderOf(headers, "Transfer-Encoding"), "chunked")) {
+      return "its Transfer-Encoding is not chunked";
+    }
+  }
+  const auto hosts = count("Host");
+  return hosts > 1 || (hosts == 0 && !old) ? "it has no Host, or two" : nullptr;
+}
+
 const std::string* Target::Find(std::string_view name) const {
   const auto found = std::find_if(query.begin(), query.end(), [name](const auto& pair) { return pair.first == name; });
   return found == query.end() ? nullptr : &found->second;

@@ -13,6 +13,11 @@ using Headers = std::vector<std::pair<std::string, std::string>>;
 /// The value of the first header of that name without regard to case, "" when there is none.
 std::string_view HeaderOf(const Headers& headers, std::string_view name);
 
+/// What is wrong with the headers of a request, nullptr for nothing: where its body ends is said in one way only, and
+/// so is the host. Proxies in front may read anything else otherwise than this server.
+/// @param old whether it is a request of HTTP/1.0
+const char* FaultOfHeaders(const Headers& headers, bool old);
+
 struct Request {
   /// "GET", "POST", … as sent.
   std::string method;

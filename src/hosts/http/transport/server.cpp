@@ -30,9 +30,15 @@ constexpr std::chrono::milliseconds kPause{100};
 
 /// One thread with its clients.
 struct Lane {
+  Lane() = default;
+  Lane(const Lane&) = delete;
+  Lane& operator=(const Lane&) = delete;
+  ~Lane() { group.clients.clear(); }
+
+  /// Clients that wait in the context know their group.
+  ClientGroup group;
   asio::io_context context{1};
   asio::steady_timer ticker{context};
-  ClientGroup group;
 };
 
 asio::ssl::context MakeTls(const std::string& certificate, const std::string& key) {

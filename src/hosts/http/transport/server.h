@@ -33,13 +33,13 @@ struct TransportLimits {
 };
 
 struct TransportOptions {
-  TransportLimits limits;
+  TransportLimits limits = {};
   /// Files in PEM; without them there is no TLS.
-  std::string certificate;
-  std::string key;
+  std::string certificate = {};
+  std::string key = {};
   /// The answer to a request that cannot be read: 400, 408, 413, 431, 503.
-  std::function<Response(int status, std::string_view why)> refusal;
-  std::function<void(const std::string&)> log;
+  std::function<Response(int status, std::string_view why)> refusal = {};
+  std::function<void(const std::string&)> log = {};
   /// Whether the client's address and TLS are those that a proxy in front tells, by the last address of X-Forwarded-For
   /// and by X-Forwarded-Proto.
   bool behind_proxy = false;
@@ -52,7 +52,8 @@ class Server {
   /// Takes a request, on a thread that reads and writes: it must not wait.
   using Handler = std::function<void(std::unique_ptr<Exchange>)>;
 
-  /// Serves what comes to the listening socket. Raises Error 5 naming a certificate or key that cannot be used.
+  /// Serves what comes to the listening socket. It outlives the exchanges that it hands out. Raises Error 5 naming a
+  /// certificate or key that cannot be used.
   Server(Descriptor listening, TransportOptions options, Handler handler);
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;

@@ -33,9 +33,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static const int port = StartDoor();
   const auto begun = std::chrono::steady_clock::now();
   HttpClient client(port);
-  // What is left behind of a connection would use up the ports.
-  const linger none{1, 0};
-  setsockopt(client.socket_number(), SOL_SOCKET, SO_LINGER, &none, sizeof none);
+  client.FreePortAtEnd();
   client.Send({reinterpret_cast<const char*>(data), size});
   client.HangUp();
   while (client.Read().status != 0) continue;

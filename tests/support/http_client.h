@@ -3,7 +3,6 @@
 
 #include <arpa/inet.h>
 #include <array>
-#include <charconv>
 #include <netinet/in.h>
 #include <string>
 #include <string_view>
@@ -11,7 +10,6 @@
 #include <sys/time.h>
 
 #include "hosts/listening/listening.h"
-#include "platform/text/text.h"
 
 namespace tessarlorn {
 
@@ -19,8 +17,8 @@ struct HttpAnswer {
   /// 0 when the connection ended before the answer was whole, or nothing came for twenty seconds.
   int status = 0;
   /// The status line and the headers.
-  std::string head;
-  std::string body;
+  std::string head = {};
+  std::string body = {};
 
   /// "" for a header that is not there. @param name as the server writes it
   [[nodiscard]] std::string Header(const std::string& name) const {
@@ -37,27 +35,23 @@ class HttpClient {
   explicit HttpClient(int port) : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
     const timeval patience{20, 0};
     setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-    setsockopt(socket_.get(), SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(static_cast<std::uint16_t>(port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    connected_ = connect(socket_.get(), static_cast<sockaddr*>(static_cast<void*>(&address)), sizeof address) == 0;
+    (void)connect(socket_.get(), static_cast<sockaddr*>(static_cast<void*>(&address)), sizeof address);
   }
 
-  [[nodiscard]] int socket_number() const noexcept { return socket_.get(); }
-  /// What cannot be sent is dropped: servers answer before they have read everything.
-  void Send(std::string_view bytes) const {
-    while (connected_ && !bytes.empty()) {
-      const ssize_t sent = send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
-      if (sent <= 0) return;
-      bytes.remove_prefix(static_cast<std::size_t>(sent));
-    }
-  }
   /// Nothing more is sent.
   void HangUp() const { shutdown(socket_.get(), SHUT_WR); }
-
-  /// What has arrived up to the end of `text`, "" when it does not come.
+  /// Of thousands of connections the port is free at once when they end.
+  void FreePortAtEnd() const {
+    const linger none{1, 0};
+    setsockopt(socket_.get(), SOL_SOCKET, SO_LINGER, &none, sizeof none);
+  }
+  /// What cannot be sent is dropped: servers answer before they have read everything.
+  void Send(std::string_view bytes) const { (void)send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL); }
+  /// What arrives up to the end of `text`, "" when it does not come.
   std::string ReadUntil(std::string_view text) {
     std::size_t at = 0;
     while ((at = arrived_.find(text)) == std::string::npos) {
@@ -67,8 +61,7 @@ class HttpClient {
   }
   /// The next answer. @param bodiless whether it is one to HEAD
   HttpAnswer Read(bool bodiless = false) {
-    HttpAnswer answer;
-    answer.head = ReadUntil("\r\n\r\n");
+    HttpAnswer answer{.head = ReadUntil("\r\n\r\n")};
     if (answer.head.size() < 12) return {};
     const int status = std::stoi(answer.head.substr(9, 3));
     if (!bodiless && status >= 200 && status != 204 && !ReadBody(answer)) return {};
@@ -77,9 +70,9 @@ class HttpClient {
   }
   /// A request with these lines of headers, each with its end.
   static std::string Request(const std::string& line, const std::string& headers, const std::string& body = "") {
-    const std::string length = std::to_string(body.size());
-    return line + " HTTP/1.1\r\nHost: h\r\n" + headers +
-           (body.empty() ? "" : "Content-Type: application/json\r\nContent-Length: " + length + "\r\n") + "\r\n" + body;
+    const std::string about_body =
+        "Content-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) + "\r\n";
+    return line + " HTTP/1.1\r\nHost: h\r\n" + headers + (body.empty() ? "" : about_body) + "\r\n" + body;
   }
   HttpAnswer Ask(const std::string& line, const std::string& headers, const std::string& body = "") {
     Send(Request(line, headers, body));
@@ -89,7 +82,7 @@ class HttpClient {
  private:
   bool ReadMore() {
     std::array<char, 16384> bytes{};
-    const ssize_t size = connected_ ? recv(socket_.get(), bytes.data(), bytes.size(), 0) : 0;
+    const ssize_t size = recv(socket_.get(), bytes.data(), bytes.size(), 0);
     if (size > 0) arrived_.append(bytes.data(), static_cast<std::size_t>(size));
     return size > 0;
   }
@@ -106,27 +99,18 @@ class HttpClient {
     return true;
   }
   bool ReadBody(HttpAnswer& answer) {
-    if (const std::string length = answer.Header("Content-Length"); !length.empty()) {
-      return TakeBody(std::stoul(length), answer.body);
-    }
-    if (answer.Header("Transfer-Encoding") != "chunked") {
-      while (ReadMore()) continue;
-      answer.body = Take(arrived_.size());
-      return true;
-    }
+    const std::string length = answer.Header("Content-Length");
+    if (!length.empty()) return TakeBody(std::stoul(length), answer.body);
     for (std::size_t size = 1; size > 0;) {
       const std::string line = ReadUntil("\r\n");
+      size = line.empty() ? 0 : std::stoul(line, nullptr, 16);
       std::string end;
-      if (std::from_chars(line.data(), line.data() + line.size(), size, 16).ec != std::errc() ||
-          !TakeBody(size, answer.body) || !TakeBody(2, end)) {
-        return false;
-      }
+      if (line.empty() || !TakeBody(size, answer.body) || !TakeBody(2, end)) return false;
     }
     return true;
   }
 
   Descriptor socket_;
-  bool connected_ = false;
   std::string arrived_;
 };
 

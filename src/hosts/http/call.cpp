@@ -54,7 +54,8 @@ Variant ReadBody(const Request& request) {
 /// The pairs of a query as the words of a call: "Filter.FOrderStatus=2".
 std::vector<std::string> WordsOf(const Operation& operation, const Target& target) {
   std::vector<std::string> words;
-  for (const auto& [name, value] : target.query) {
+  for (const auto& pair : target.query) {
+    const std::string& name = pair.first;
     if (IsOption(name)) continue;
     for (const Argument& argument : operation.arguments()) {
       const bool key = std::any_of(argument.keys.begin(), argument.keys.end(), [&](const Key& known) {
@@ -65,7 +66,7 @@ std::vector<std::string> WordsOf(const Operation& operation, const Target& targe
         Refuse(400, name + ": the connection comes from the login; leave it out", name);
       }
     }
-    words.push_back(name + "=" + value);
+    words.push_back(name + "=" + pair.second);
   }
   return words;
 }

@@ -105,10 +105,11 @@ class Check {
     if (value.is_empty()) return false;
     const std::shared_ptr<Dictionary> values = value.ToDictionary();
     if (!values) return Refuse(path, "is no Dictionary");
-    for (const auto& [name, entry] : *values) {
+    for (const auto& pair : *values) {
+      const std::string& name = pair.first;
       const auto key = std::find_if(keys.begin(), keys.end(), [&](const Key& one) { return one.name == name; });
       if (key == keys.end()) return Refuse(path, "has no key " + Shown(name));
-      if (!key->is_connection() && RefusesValue(*key, path + "." + name, entry, false)) return true;
+      if (!key->is_connection() && RefusesValue(*key, path + "." + name, pair.second, false)) return true;
     }
     return false;
   }

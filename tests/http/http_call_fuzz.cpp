@@ -8,6 +8,7 @@
 #include "hosts/http/safety/safe_values.h"
 #include "hosts/http/visit.h"
 #include "support/sample_database.h"
+#include "support/temporary_folder.h"
 
 namespace {
 
@@ -24,9 +25,21 @@ void MakeDry(http::Call call) {
   (void)http::AnswerText(call.format, call.columns, result, beside);
 }
 
+/// In a file, where readers do not wait for the writer.
+const std::string& TheDatabase() {
+  static const TemporaryFolder folder;
+  static const std::string database = [] {
+    std::string string = "Embedded=" + folder.file("fuzz.db") + ";Synchronous=Off;Timeout=1";
+    const auto connection = OpenConnection(string);
+    ApplySchema(*connection);
+    cli::Seed(*connection, {.orders = 8}, {});
+    return string;
+  }();
+  return database;
+}
+
 /// @param way what the text is: a body, a query, or a line for each value
 void Try(const Operation& operation, int way, const std::string& text) {
-  static SampleDatabase database(8);
   static const http::Caller caller{
       .name = "ann", .user = 16395, .language = "CHS", .role = http::MakeRole("administrator", ""), .token = ""};
   const std::string target = way == 1 ? "/?" + text : "/";
@@ -37,10 +50,10 @@ void Try(const Operation& operation, int way, const std::string& text) {
   if (!http::ReadTarget(request.target, read)) return;
   http::Call call;
   if (way < 2) {
-    call = http::ReadCall(request, read, operation, caller, database.database(), "10.0.0.5");
+    call = http::ReadCall(request, read, operation, caller, TheDatabase(), "10.0.0.5");
   } else {
     call = {.operation = &operation, .caller = caller};
-    call.session = http::SessionStringFor(database.database(), caller, "10.0.0.5");
+    call.session = http::SessionStringFor(TheDatabase(), caller, "10.0.0.5");
     const std::vector<std::string_view> values = Split(text, '\n');
     std::size_t next = 0;
     call.arguments = SampleArguments(operation, call.session, [&](std::string_view, ValueType, Standing) {

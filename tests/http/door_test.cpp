@@ -245,10 +245,10 @@ TEST_F(DoorTest, EventsComeOnceEachInTheOrderOfTheirKeys) {
     while (!orders.ends_with(" " + order)) {
       const std::string event = client.ReadUntil("\n\n");
       if (event.empty()) return orders + " ended";
-      if (event.find("\"orders\":\"") == std::string::npos) continue;
+      if (event.find("\"orders\":[") == std::string::npos) continue;
       last = event.substr(event.find("id: ") + 4, event.find("\nevent") - event.find("id: ") - 4);
-      const std::size_t at = event.find("\"orders\":\"") + 10;
-      orders += " " + event.substr(at, event.find('"', at) - at);
+      const std::size_t at = event.find("\"orders\":[") + 10;
+      orders += " " + event.substr(at, event.find(']', at) - at);
     }
     return orders;
   };

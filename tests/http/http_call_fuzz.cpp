@@ -18,7 +18,7 @@ void MakeDry(http::Call call) {
   call.dry_run = true;
   ContainerTransaction transaction(TestHost());
   TransactionConnection connection(TestHost(), call.session);
-  http::CutOrders(call, connection.get());
+  http::CutOrders(call, [&]() -> Connection& { return connection.get(); });
   Variant result;
   http::Beside beside;
   http::MakeCall(TestHost(), call, &connection.get(), result, beside);

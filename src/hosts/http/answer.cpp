@@ -207,8 +207,8 @@ void StreamedAnswer::PartOfAnswer(Recordset& rows) {
   if (!rows_text_) {
     // The part goes when this returns; its fields stay.
     rows_text_.emplace(format_, std::make_shared<Recordset>(rows.fields()), columns_);
-    headers_.emplace_back("Content-Type", std::string(MediaType(format_)));
-    exchange_.Begin({.status = 200, .headers = std::exchange(headers_, {})});
+    head_.headers.emplace_back("Content-Type", std::string(MediaType(format_)));
+    exchange_.Begin(std::exchange(head_, {}));
     rows_text_->AppendHead(text_);
   }
   AppendRows(rows);
@@ -220,9 +220,9 @@ void StreamedAnswer::Finish(const Variant& result, const Beside& beside) {
   const RecordsetPtr rows = result.ToRecordset();
   if (rows) CountRows(*rows);
   if (!rows_text_ || !rows) {
-    headers_.emplace_back("Content-Type", std::string(MediaType(format_)));
-    std::string body = AnswerText(format_, columns_, result, beside);
-    exchange_.Answer({.status = 200, .headers = std::move(headers_), .body = std::move(body)});
+    head_.headers.emplace_back("Content-Type", std::string(MediaType(format_)));
+    head_.body = AnswerText(format_, columns_, result, beside);
+    exchange_.Answer(std::move(head_));
     return;
   }
   AppendRows(*rows);

@@ -65,11 +65,11 @@ class RowsText {
 /// Writes an answer to its client: at once when it is short, in parts while its rows come when it is long.
 class StreamedAnswer final : public AnswerSink {
  public:
-  /// @param headers of the answer, but for its type
+  /// @param head of the answer, but for its type
   /// @param most rows that an answer may have
-  StreamedAnswer(Exchange& exchange, AnswerFormat format, std::vector<std::string> columns, Headers headers,
+  StreamedAnswer(Exchange& exchange, AnswerFormat format, std::vector<std::string> columns, Response head,
                  std::size_t most)
-      : exchange_(exchange), format_(format), columns_(std::move(columns)), headers_(std::move(headers)), left_(most) {}
+      : exchange_(exchange), format_(format), columns_(std::move(columns)), head_(std::move(head)), left_(most) {}
 
   /// Raises WrongCall as AnswerText, Refusal 422 for too many rows, and ClientGone.
   void PartOfAnswer(Recordset& rows) override;
@@ -83,7 +83,7 @@ class StreamedAnswer final : public AnswerSink {
   Exchange& exchange_;
   AnswerFormat format_;
   std::vector<std::string> columns_;
-  Headers headers_;
+  Response head_;
   std::optional<RowsText> rows_text_;
   std::size_t left_;
   std::string text_;

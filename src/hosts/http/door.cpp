@@ -97,7 +97,8 @@ Door::Door(Host& host, DoorOptions options)
       session_(HouseSession(options_.database)),
       visit_log_{.metrics = &metrics_, .line = options_.log},
       events_(host, session_),
-      writes_(host, dog_, {.dsn = session_,
+      writes_(host, dog_,
+              {.dsn = session_,
                .threads = options_.writers,
                .shares_commits = options_.shares_commits,
                .most_waiting = options_.waiting}),
@@ -129,7 +130,7 @@ void Door::Stop() { events_.Stop(); }
 Response Door::Refusal(int status, std::string_view why) {
   Response response =
       ProblemResponse({.status = status, .detail = std::string(why), .retry_after = status == 503 ? 1 : 0}, "");
-  AddSafetyHeaders(response.headers, false);
+  response.common_headers = SafetyHeaders(false);
   return response;
 }
 
@@ -257,10 +258,9 @@ void Door::Read(Call& call, Visit& visit, PlacePtr& place) {
 }
 
 void Door::ReadFrom(const Call& call, Visit& visit, PlacePtr& place) {
-  Headers headers = visit.CommonHeaders();
-  headers.emplace_back("Cache-Control", "no-store");
+  Headers headers = {{"Cache-Control", "no-store"}};
   AddNotFound(headers, call);
-  StreamedAnswer answer(visit.exchange(), call.format, call.columns, std::move(headers), options_.rows);
+  StreamedAnswer answer(visit.exchange(), call.format, call.columns, visit.Head(std::move(headers)), options_.rows);
   Variant result;
   Beside beside;
   {

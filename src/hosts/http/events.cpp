@@ -145,8 +145,7 @@ std::vector<Event> Events::ReadNew(Connection& connection, Cursors& cursors) {
     AppendValue(data, "user", *calls, "FUserID");
     AppendValue(data, "caller", *calls, "FCaller");
     AppendValue(data, "time", *calls, "FTime");
-    events.push_back(
-        {.text = EventText("call", id(), data + "}"), .of_call = true, .key = key, .orders = orders});
+    events.push_back({.text = EventText("call", id(), data + "}"), .of_call = true, .key = key, .orders = orders});
   }
   cursors.calls.Settle(now);
   if (calls->RecordCount() >= kMostRows) cursors.calls.GiveUpGaps();
@@ -168,9 +167,7 @@ std::string Events::TextFor(Connection& connection, const Caller& caller, const 
 
 void Events::Listen(std::unique_ptr<Visit> visit, Caller caller) {
   TransactionConnection session(host_, session_);
-  Headers headers = visit->CommonHeaders();
-  headers.emplace_back("Content-Type", "text/event-stream");
-  headers.emplace_back("Cache-Control", "no-store");
+  Response head = visit->Head({{"Content-Type", "text/event-stream"}, {"Cache-Control", "no-store"}});
   Cursors from = Now(session.get());
   const std::vector<std::string_view> parts = Split(visit->request().Header("Last-Event-ID"), '-');
   const auto last_log = WholeNumber<std::int64_t>(parts[0]);
@@ -178,7 +175,7 @@ void Events::Listen(std::unique_ptr<Visit> visit, Caller caller) {
   if (last_log && last_call) from = {.log = LogCursor(*last_log), .calls = LogCursor(*last_call)};
   Exchange& exchange = visit->exchange();
   Listener listener{.visit = std::move(visit), .caller = std::move(caller)};
-  exchange.Begin({.status = 200, .headers = std::move(headers)}, false);
+  exchange.Begin(std::move(head), false);
   // Whoever was away a while waits for each part here; what is live must not wait for him.
   exchange.Write("retry: 1000\n\n");
   exchange.Flush();

@@ -96,15 +96,16 @@ Response ProblemResponse(const Problem& problem, std::string_view request) {
   return response;
 }
 
-void AddSafetyHeaders(Headers& headers, bool secure) {
-  headers.emplace_back("X-Content-Type-Options", "nosniff");
-  headers.emplace_back("Content-Security-Policy",
-                       "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; connect-src "
-                       "'self'; form-action 'self'; base-uri 'none'; frame-ancestors 'none'");
-  headers.emplace_back("X-Frame-Options", "DENY");
-  headers.emplace_back("Referrer-Policy", "no-referrer");
-  headers.emplace_back("Cross-Origin-Resource-Policy", "same-origin");
-  if (secure) headers.emplace_back("Strict-Transport-Security", "max-age=31536000");
+std::string_view SafetyHeaders(bool secure) {
+  static constexpr std::string_view kLines =
+      "Strict-Transport-Security: max-age=31536000\r\n"
+      "X-Content-Type-Options: nosniff\r\n"
+      "Content-Security-Policy: default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; "
+      "connect-src 'self'; form-action 'self'; base-uri 'none'; frame-ancestors 'none'\r\n"
+      "X-Frame-Options: DENY\r\n"
+      "Referrer-Policy: no-referrer\r\n"
+      "Cross-Origin-Resource-Policy: same-origin\r\n";
+  return secure ? kLines : kLines.substr(kLines.find('\n') + 1);
 }
 
 }  // namespace tessarlorn::http

@@ -56,7 +56,8 @@ std::string_view TitleOf(int status);
 std::string ProblemJson(const Problem& problem, std::string_view request);
 Response ProblemResponse(const Problem& problem, std::string_view request);
 
-/// Adds what keeps a browser safe: what the answer is, that it is nobody's frame, and where scripts may come from.
-void AddSafetyHeaders(Headers& headers, bool secure);
+/// Header lines that keep a browser safe, for every answer: what the answer is, that it is nobody's frame, and where
+/// scripts may come from.
+std::string_view SafetyHeaders(bool secure);
 
 }  // namespace tessarlorn::http

@@ -84,15 +84,16 @@ Visit::~Visit() {
   log_.line(line);
 }
 
-Headers Visit::CommonHeaders() const {
-  Headers headers = {{"X-Request-Id", id_}};
-  AddSafetyHeaders(headers, request().secure);
-  return headers;
+Response Visit::Head(Headers headers) const {
+  headers.emplace_back("X-Request-Id", id_);
+  return {.status = 200, .headers = std::move(headers), .common_headers = SafetyHeaders(request().secure)};
 }
 
 void Visit::Answer(Response response) {
-  for (auto& header : CommonHeaders()) response.headers.push_back(std::move(header));
-  exchange_->Answer(std::move(response));
+  Response whole = Head(std::move(response.headers));
+  whole.status = response.status;
+  whole.body = std::move(response.body);
+  exchange_->Answer(std::move(whole));
 }
 
 void Visit::Fail(const Problem& problem) {

@@ -40,9 +40,9 @@ class Visit final : public BatchWatcher {
   void set_operation(std::string name) { operation_ = std::move(name); }
   void set_user(std::string name) { user_ = std::move(name); }
 
-  /// What every answer has.
-  [[nodiscard]] Headers CommonHeaders() const;
-  /// Answers, with the common headers.
+  /// The head of a good answer, with these headers and those that every answer has.
+  [[nodiscard]] Response Head(Headers headers) const;
+  /// Answers, with the headers that every answer has.
   void Answer(Response response);
   /// Answers the problem; when the answer has begun already the connection ends.
   void Fail(const Problem& problem);

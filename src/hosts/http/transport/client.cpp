@@ -316,33 +316,38 @@ class StreamClient final : public Client, public AnswerWay, public std::enable_s
     return [self = Self(), whole](Failure failure, std::size_t) { self->Written(failure, whole); };
   }
 
-  template <typename Message>
-  void FillHead(Message& message, const Response& response) {
-    message.result(static_cast<unsigned>(response.status));
-    message.version(version_);
-    message.set(beast::http::field::date, DateNow());
-    for (const auto& [name, value] : response.headers) message.insert(name, value);
-    message.keep_alive(!last_);
+  /// The head of an answer. @param length of its body, nothing when that comes in parts or there is none
+  [[nodiscard]] std::string HeadText(const Response& response, std::optional<std::size_t> length) const {
+    std::string text = version_ >= 11 ? "HTTP/1.1 " : "HTTP/1.0 ";
+    text.append(std::to_string(response.status)).append(" ");
+    const auto reason =
+        beast::http::obsolete_reason(beast::http::int_to_status(static_cast<unsigned>(response.status)));
+    text.append(reason.data(), reason.size());
+    text.append("\r\nDate: ").append(DateNow()).append("\r\n");
+    for (const auto& [name, value] : response.headers) text.append(name).append(": ").append(value).append("\r\n");
+    text += response.common_headers;
+    if (length) text.append("Content-Length: ").append(std::to_string(*length)).append("\r\n");
+    if (in_chunks_) text += "Transfer-Encoding: chunked\r\n";
+    if (last_ && version_ >= 11) text += "Connection: close\r\n";
+    if (!last_ && version_ < 11) text += "Connection: keep-alive\r\n";
+    return text + "\r\n";
   }
 
-  void WriteWhole(Response& response) {
-    whole_.emplace();
-    FillHead(*whole_, response);
+  void WriteWhole(const Response& response) {
+    in_chunks_ = false;
     // 204 and 304 have no body, and no length of one.
     const bool bodiless = response.status == 204 || response.status == 304;
-    if (!bodiless) whole_->content_length(response.body.size());
-    if (!head_only_ && !bodiless) whole_->body() = std::move(response.body);
-    beast::http::async_write(stream_, *whole_, Done(true));
+    head_ = HeadText(response, bodiless ? std::nullopt : std::optional(response.body.size()));
+    const std::size_t size = head_only_ || bodiless ? 0 : response.body.size();
+    const std::array<asio::const_buffer, 2> buffers = {asio::buffer(head_), asio::buffer(response.body.data(), size)};
+    asio::async_write(stream_, buffers, Done(true));
   }
 
   void WriteHead(const Response& response) {
-    head_.emplace();
     in_chunks_ = version_ >= 11;
     if (!in_chunks_) last_ = true;
-    FillHead(*head_, response);
-    if (in_chunks_) head_->chunked(true);
-    head_writer_.emplace(*head_);
-    beast::http::async_write_header(stream_, *head_writer_, Done(false));
+    head_ = HeadText(response, std::nullopt);
+    asio::async_write(stream_, asio::buffer(head_), Done(false));
   }
 
   void WritePart(const std::string& part) {
@@ -407,9 +412,8 @@ class StreamClient final : public Client, public AnswerWay, public std::enable_s
   std::optional<Parser> parser_;
   /// Whose headers have been read.
   Request request_;
-  std::optional<beast::http::response<beast::http::string_body>> whole_;
-  std::optional<beast::http::response<beast::http::empty_body>> head_;
-  std::optional<beast::http::response_serializer<beast::http::empty_body>> head_writer_;
+  /// Of the answer that is being sent.
+  std::string head_;
   std::deque<Item> queue_;
   std::array<char, 4096> discarded_{};
   Phase phase_ = Phase::kIdle;

@@ -35,7 +35,10 @@ struct Request {
 
 struct Response {
   int status = 200;
+  /// Values are without line breaks: whoever makes them takes care of that.
   Headers headers = {};
+  /// Lines of headers that many answers have, each with its CR LF; a text that stays.
+  std::string_view common_headers = {};
   std::string body = {};
 };
 

@@ -106,7 +106,7 @@ struct Server::State {
     std::string text = "HTTP/1.1 503 Service Unavailable\r\nConnection: close\r\nContent-Length: " +
                        std::to_string(response.body.size()) + "\r\n";
     for (const auto& [name, value] : response.headers) text += name + ": " + value + "\r\n";
-    text += "\r\n" + response.body;
+    text.append(response.common_headers).append("\r\n").append(response.body);
     Failure ignored;
     socket.non_blocking(true, ignored);
     socket.write_some(asio::buffer(text), ignored);

@@ -214,7 +214,7 @@ void DayByClients(benchmark::State& state) {
 
 template <bool kKeyed>
 void Write(benchmark::State& state) {
-  static const Served served(SampleCopy(10'000, "door-write"));
+  static const Served served(SampleCopy(10'000, kKeyed ? "door-keyed" : "door-unkeyed"));
   static std::atomic<int> number{0};
   HttpClients client(served.port(), 1);
   for (auto _ : state) {

@@ -185,7 +185,7 @@ TEST(ServeCommand, RefusesToServeInAnUnsafeWay) {
   const std::string users = folder.file("users");
   AddUser(users, "ann", "s3cret", 10);
   for (const Case& item : {
-           Case{"", "--tds ADDRESS:PORT is required"},
+           Case{"", "--http ADDRESS:PORT is required"},
            Case{"--tds 127.0.0.1:0", "no users: give --users FILE; 'tessarlorn serve --add-user NAME --users FILE'"},
            Case{"--tds 127.0.0.1:0 --users " + users + " --dsn 'Driver=FreeTDS;Server=erp;UID=sa;PWD=s3cret'",
                 "only an embedded database is served"},

@@ -45,19 +45,25 @@ std::optional<std::string> FindRecordedAnswer(Connection& connection, const Call
 }
 
 void RecordCall(Connection& connection, const Call& call, const std::string& answer) {
-  const bool keyed = !call.key.empty();
-  const auto when_keyed = [keyed](Variant value) { return keyed ? std::move(value) : Variant(Null{}); };
   std::array parameters = {Typed("@caller", "nvarchar(64)", call.caller.name),
                            Typed("@user", "int", call.caller.user),
                            Typed("@operation", "nvarchar(80)", std::string(call.operation->name)),
                            Typed("@orders", "nvarchar(4000)", OrderText(call)),
-                           Typed("@key", "binary(32)", when_keyed(Sha256(call.key))),
-                           Typed("@hash", "binary(32)", when_keyed(call.hash)),
-                           Typed("@type", "nvarchar(80)", when_keyed(std::string(MediaType(call.format)))),
-                           Typed("@answer", "nvarchar(max)", when_keyed(answer))};
+                           Typed("@key", "binary(32)", call.key.empty() ? Bytes() : Sha256(call.key)),
+                           Typed("@hash", "binary(32)", call.hash),
+                           Typed("@type", "nvarchar(80)", std::string(MediaType(call.format))),
+                           Typed("@answer", "nvarchar(max)", answer)};
+  if (call.key.empty()) {
+    constexpr std::size_t kWithoutKey = 4;
+    connection.Execute(
+        {"INSERT INTO DoorCall (FCaller, FUserID, FOperation, FOrders) VALUES (@caller, @user, "
+         "@operation, @orders)",
+         std::span(parameters).first(kWithoutKey)});
+    return;
+  }
   connection.Execute(
-      {"INSERT INTO DoorCall (FTime, FCaller, FUserID, FOperation, FOrders, FKey, FHash, FType, FAnswer) VALUES "
-       "(SYSUTCDATETIME(), @caller, @user, @operation, @orders, @key, @hash, @type, @answer)",
+      {"INSERT INTO DoorCall (FCaller, FUserID, FOperation, FOrders, FKey, FHash, FType, FAnswer) VALUES (@caller, "
+       "@user, @operation, @orders, @key, @hash, @type, @answer)",
        parameters});
 }
 

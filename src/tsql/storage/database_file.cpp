@@ -37,6 +37,7 @@ constexpr const char* kSource = "TessarLorn embedded database";
 
 constexpr NumberOption kTimeout{"Timeout", 0, 3600, "seconds"};
 constexpr NumberOption kMaxMemory{"MaxMemory", 16, 65536, "megabytes"};
+constexpr NumberOption kCache{"Cache", 1, 65536, "megabytes"};
 
 constexpr const char* kMayNotBeWritten = "the file, its folder or a file beside it (-wal, -shm) may not be written.";
 constexpr const char* kAnothers =
@@ -95,6 +96,12 @@ DatabaseHandle Connect(const std::string& name, int flags, const std::string& sh
          "PRAGMA temp_store = FILE; PRAGMA foreign_keys = ON; PRAGMA cache_size = -65536; "
          "PRAGMA temp.cache_size = -32768");
   return database;
+}
+
+void LimitCache(sqlite3* database, int megabytes) {
+  const int pages = -1024 * megabytes;  // SQLite takes kilobytes as a negative number
+  RunSql(database,
+         "PRAGMA cache_size = " + std::to_string(pages) + "; PRAGMA temp.cache_size = " + std::to_string(pages / 2));
 }
 
 /// Looks at the file as it lies there, without locks and without files beside it, so that nothing of another program's
@@ -200,6 +207,8 @@ DatabaseOptions ParseDatabaseOptions(std::string_view text) {
       options.timeout = std::chrono::seconds(read(kTimeout, value));
     } else if (EqualsIgnoreCase(key, kMaxMemory.key)) {
       options.memory = static_cast<std::size_t>(read(kMaxMemory, value)) << 20;
+    } else if (EqualsIgnoreCase(key, kCache.key)) {
+      options.cache = read(kCache, value);
     } else if (EqualsIgnoreCase(key, "Synchronous")) {
       options.full = EqualsIgnoreCase(value, "Full");
       if (!options.full && !EqualsIgnoreCase(value, "Normal")) {
@@ -207,7 +216,7 @@ DatabaseOptions ParseDatabaseOptions(std::string_view text) {
       }
     } else {
       RaiseOption("The connection string has an unknown key '" + key +
-                  "'; known are Embedded, Timeout, Synchronous and MaxMemory.");
+                  "'; known are Embedded, Timeout, Synchronous, MaxMemory and Cache.");
     }
   }
   if (options.file.empty()) RaiseOption("Embedded= in the connection string names no file.");
@@ -237,7 +246,9 @@ OpenedDatabase OpenDatabase(const DatabaseOptions& options, MissingFile missing)
   if (!there && missing == MissingFile::kRefuse) RaiseCannotOpen(options.file, "there is no such file.");
   if (there) RefuseAnothers(options.file);
   try {
-    return OpenFile(options, missing);
+    OpenedDatabase opened = OpenFile(options, missing);
+    LimitCache(opened.handle.get(), options.cache);
+    return opened;
   } catch (const SqlError& error) {
     // Which of the rights is missing shows up in different places.
     if (error.number() == 3906 || error.number() == server_message::kCannotOpenDatabase)

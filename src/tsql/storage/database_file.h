@@ -18,6 +18,8 @@ struct DatabaseOptions {
   bool full = true;
   /// Bytes that a batch may take, see MemoryBudget.
   std::size_t memory = std::size_t{1} << 30;
+  /// Megabytes of the file's pages that a connection keeps in memory, and that a sort fills before it goes to a file.
+  int cache = 64;
 
   [[nodiscard]] bool in_memory() const { return file.starts_with(":memory:"); }
 };

@@ -37,6 +37,8 @@ http::DoorOptions MakeDoorOptions(const ServeOptions& options, const CommandCont
   // The embedded database has one writer, whose calls share commits.
   const bool one_writer = EqualsIgnoreCase(context.host.DecidingKey(session.database), "Embedded");
   door.shares_commits = one_writer;
+  // Many connections keep little each, unless the string says otherwise.
+  if (one_writer && FindIgnoreCase(door.database, "Cache") == std::string::npos) door.database += ";Cache=8";
   door.writers = one_writer ? 1 : static_cast<unsigned>(options.writers);
   door.waiting = static_cast<std::size_t>(options.calls_waiting);
   door.calls_per_caller = static_cast<std::size_t>(options.calls_per_user);

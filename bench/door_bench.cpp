@@ -37,7 +37,7 @@ class Running {
     Descriptor listening = Listen(address);
     port_ = address.port;
     http::TransportOptions options;
-    options.refusal = http::Door::Refusal;
+    options.refusal = [](int status, std::string_view) { return http::Response{.status = status}; };
     server_ = std::make_unique<http::Server>(std::move(listening), std::move(options), std::move(handler));
     thread_ = std::thread([this] { server_->Run([this] { stopped(); }); });
   }

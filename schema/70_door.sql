@@ -66,7 +66,6 @@ CREATE TABLE DoorCall (
   FOrders nvarchar(4000) NOT NULL DEFAULT '',
   FKey binary(32) NULL,                                    -- SHA-256 of the caller's key
   FHash binary(32) NULL,                                   -- SHA-256 of the request
-  FType nvarchar(80) NULL,
   FAnswer nvarchar(max) NULL);
 GO
 IF NOT EXISTS (SELECT 1 FROM sys.indexes

@@ -151,6 +151,7 @@ inline constexpr Contract kContract<&clsGetData::GetSplitChrildOrderIDs> = {
         "Whether other orders than FID have lines of the marketplace order SiteOrderID; if so, the child "
         "orders of FID's lines go behind what ChildOrderIDs holds, with commas between them; one comma at the "
         "end of the whole is dropped. False, with ChildOrderIDs as it was, without strDSN or with FID 0.",
+    .reaches_any_order = true,
     .needs_latest = true,
 };
 template <>

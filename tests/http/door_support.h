@@ -33,7 +33,8 @@ inline std::string AddCaller(Connection& connection, const std::string& name, in
 class RunningDoor {
  public:
   explicit RunningDoor(const std::string& database, DoorOptions options = {}, const TransportLimits& limits = {})
-      : server_(Listen(address_), {.limits = limits, .refusal = Door::Refusal},
+      : server_(Listen(address_),
+                {.limits = limits, .refusal = [this](int status, auto why) { return door_.Refused(status, why); }},
                 [this](std::unique_ptr<Exchange> exchange) { door_.Handle(std::move(exchange)); }),
         door_(TestHost(), WithDatabase(std::move(options), database)),
         thread_([this] { server_.Run([this] { door_.Stop(); }); }) {}

@@ -20,9 +20,10 @@ int StartDoor() {
   static Address address{"127.0.0.1", 0};
   static http::Server* server = nullptr;
   static http::Door door(TestHost(), {.database = database.database(), .readers = 1});
-  server =
-      new http::Server(Listen(address), {.limits = {.header = 4096, .body = 65536}, .refusal = http::Door::Refusal},
-                       [](std::unique_ptr<http::Exchange> exchange) { door.Handle(std::move(exchange)); });
+  server = new http::Server(Listen(address),
+                            {.limits = {.header = 4096, .body = 65536},
+                             .refusal = [](int status, auto why) { return door.Refused(status, why); }},
+                            [](std::unique_ptr<http::Exchange> exchange) { door.Handle(std::move(exchange)); });
   std::thread([] { server->Run(); }).detach();
   return address.port;
 }

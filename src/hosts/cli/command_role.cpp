@@ -1,9 +1,9 @@
 #include <iostream>
 
-#include "hosts/cli/commands.h"
-#include "hosts/cli/door_command.h"
 #include "hosts/calls/json_text.h"
 #include "hosts/calls/result_rows.h"
+#include "hosts/cli/commands.h"
+#include "hosts/cli/door_command.h"
 #include "hosts/http/access/roles.h"
 #include "tessarlorn/collections.h"
 

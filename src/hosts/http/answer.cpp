@@ -1,6 +1,7 @@
 #include "hosts/http/answer.h"
 
 #include <array>
+#include <cstdlib>
 #include <utility>
 
 #include "hosts/calls/csv_text.h"
@@ -86,6 +87,8 @@ std::string ValueText(AnswerFormat format, const Variant& result, const Beside& 
     const RecordsetPtr rows = RowsOf(result);
     const ResultRows shown = SelectColumns(rows, {});
     AppendCsvHeads(text, shown);
+    if (!result.is_object())
+      return text + EscapedCsv(CellText(result, FieldType::kNVarChar, CellStyle::kData)) + "\r\n";
     for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) AppendCsvRow(text, *rows, shown);
   } else if (format == AnswerFormat::kJsonLines) {
     AppendValue(text, result);
@@ -128,14 +131,22 @@ std::string OutcomesText(AnswerFormat format, const Beside& beside, const std::v
 
 std::optional<AnswerFormat> FormatFor(std::string_view accept) {
   if (Trim(accept).empty()) return AnswerFormat::kJson;
+  std::optional<AnswerFormat> best;
+  double best_weight = 0;
   for (const std::string_view part : Split(accept, ',')) {
     const std::string_view type = Trim(part.substr(0, part.find(';')));
-    if (type == "*/*" || EqualsIgnoreCase(type, "application/*")) return AnswerFormat::kJson;
+    const std::size_t weight_at = part.find("q=");
+    const double weight =
+        weight_at == std::string_view::npos ? 1 : std::strtod(std::string(part.substr(weight_at + 2)).c_str(), nullptr);
     for (const Format& format : kFormats) {
-      if (EqualsIgnoreCase(type, format.type)) return format.format;
+      const bool any =
+          type == "*/*" || EqualsIgnoreCase(type, std::string(format.type.substr(0, format.type.find('/'))) + "/*");
+      if ((!any && !EqualsIgnoreCase(type, format.type)) || weight <= best_weight) continue;
+      best = format.format;
+      best_weight = weight;
     }
   }
-  return std::nullopt;
+  return best;
 }
 
 std::string_view MediaType(AnswerFormat format) { return kFormats[static_cast<std::size_t>(format)].sent; }

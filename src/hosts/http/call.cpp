@@ -25,19 +25,19 @@ bool IsOption(std::string_view name) { return std::find(kOptions.begin(), kOptio
 
 std::string Braced(std::string_view text) { return Quoted(text, '{', '}'); }
 
-/// Whether the dictionary says what only the login may say.
-void RefuseConnection(const Operation& operation, const Dictionary& json) {
-  constexpr const char* kWhy = "the connection comes from the login; leave it out";
-  for (const auto& [name, value] : json) {
-    for (const Argument& argument : operation.arguments()) {
-      if (!EqualsIgnoreCase(argument.name, name)) continue;
-      if (argument.is_connection) Refuse(400, name + ": " + kWhy, name);
-      const std::shared_ptr<Dictionary> keys = value.ToDictionary();
-      if (!keys) continue;
-      for (const Key& key : argument.keys) {
-        const std::string path = name + "." + std::string(key.name);
-        if (key.is_connection() && keys->Exists(key.name)) Refuse(400, path + ": " + kWhy, path);
-      }
+/// Refuses a connection string that is not the login's own, however it was given.
+void RequireOwnConnection(const Operation& operation, std::span<const Variant> arguments, const std::string& session) {
+  const auto require = [&session](const Variant& value, const std::string& path) {
+    if (const auto* const text = value.get_if<std::string>(); text != nullptr && *text == session) return;
+    Refuse(400, path + ": the connection comes from the login; leave it out", path);
+  };
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const Argument& argument = operation.arguments()[i];
+    const std::string name(argument.name);
+    if (argument.is_connection) require(arguments[i], name);
+    const std::shared_ptr<Dictionary> values = arguments[i].ToDictionary();
+    for (const Key& key : argument.keys) {
+      if (key.is_connection() && values) require(values->GetValue(key.name), name + "." + std::string(key.name));
     }
   }
 }
@@ -52,20 +52,11 @@ Variant ReadBody(const Request& request) {
 }
 
 /// The pairs of a query as the words of a call: "Filter.FOrderStatus=2".
-std::vector<std::string> WordsOf(const Operation& operation, const Target& target) {
+std::vector<std::string> WordsOf(const Target& target) {
   std::vector<std::string> words;
   for (const auto& pair : target.query) {
     const std::string& name = pair.first;
     if (IsOption(name)) continue;
-    for (const Argument& argument : operation.arguments()) {
-      const bool key = std::any_of(argument.keys.begin(), argument.keys.end(), [&](const Key& known) {
-        return known.is_connection() &&
-               EqualsIgnoreCase(name, std::string(argument.name) + "." + std::string(known.name));
-      });
-      if (key || (argument.is_connection && EqualsIgnoreCase(name, argument.name))) {
-        Refuse(400, name + ": the connection comes from the login; leave it out", name);
-      }
-    }
     words.push_back(name + "=" + pair.second);
   }
   return words;
@@ -74,13 +65,12 @@ std::vector<std::string> WordsOf(const Operation& operation, const Target& targe
 std::vector<Variant> ReadArguments(const Request& request, const Target& target, const Operation& operation,
                                    const std::string& session) {
   try {
-    if (request.method != "POST") return ReadCallArguments(operation, {}, WordsOf(operation, target), session);
+    if (request.method != "POST") return ReadCallArguments(operation, {}, WordsOf(target), session);
     for (const auto& [name, value] : target.query) {
       if (!IsOption(name))
         Refuse(400, "there is no option " + name + DidYouMean(name, {kOptions.begin(), kOptions.end()}), name);
     }
     const Variant json = ReadBody(request);
-    if (const std::shared_ptr<Dictionary> given = json.ToDictionary()) RefuseConnection(operation, *given);
     return ReadCallArguments(operation, json, {}, session);
   } catch (const WrongCall& wrong) {
     Refuse(400, wrong.what());
@@ -194,8 +184,13 @@ Call ReadCall(const Request& request, const Target& target, const Operation& ope
   call.key = ReadKey(request);
   if (!call.key.empty()) call.hash = HashOf(request);
   call.arguments = ReadArguments(request, target, operation, call.session);
+  RequireOwnConnection(operation, call.arguments, call.session);
   if (const auto refused = FindRefusedValue(operation, call.arguments, caller.sql)) {
     Refuse(refused->wants_sql ? 403 : 422, refused->path + " " + refused->why, refused->path);
+  }
+  call.passes_sql = caller.sql && FindRefusedValue(operation, call.arguments, false).has_value();
+  if (call.passes_sql && (call.dry_run || call.order_by_order || !call.key.empty())) {
+    Refuse(400, "SQL of the caller's own may end its transaction: it goes without dry-run, each and Idempotency-Key");
   }
   return call;
 }
@@ -210,6 +205,7 @@ void CutOrders(Call& call, const std::function<Connection&()>& connect) {
     Refuse(403, std::string(call.operation->name) + " works on orders of every web shop, and not all are yours");
   }
   if (!call.access.single) return;
+  if (call.access.hidden == std::vector<std::string>{""}) Refuse(404, "not found: the call names no order");
   std::string list;
   for (const std::string& hidden : call.access.hidden) list += (list.empty() ? "" : ", ") + hidden;
   Refuse(404, "not found: " + list);

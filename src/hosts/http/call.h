@@ -25,6 +25,8 @@ struct Call {
   std::vector<std::string> columns;
   bool dry_run = false;
   bool order_by_order = false;
+  /// SQL of the caller's own goes into a statement.
+  bool passes_sql = false;
   /// Idempotency-Key, "" for none.
   std::string key;
   /// SHA-256 of what was asked for, of a call with a key.

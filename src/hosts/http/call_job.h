@@ -26,6 +26,7 @@ class CallJob final : public WriteJob {
   void Committed() override;
   void Failed(std::exception_ptr cause) override;
   [[nodiscard]] Watchdog::Clock::time_point until() const override { return until_; }
+  [[nodiscard]] bool alone() const override { return call_.passes_sql; }
   /// The visit, for an answer of somebody else's.
   [[nodiscard]] std::unique_ptr<Visit> TakeVisit() { return std::move(visit_); }
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kMostOrderText = 4000;
 
-/// Operation and orders as the record has them; a list that is too long ends with "…".
+/// The orders as the record has them; a list that is too long ends with "…".
 std::string OrderText(const Call& call) {
   std::string text;
   for (const std::int32_t order : call.access.orders) {
@@ -51,7 +51,6 @@ void RecordCall(Connection& connection, const Call& call, const std::string& ans
                            Typed("@orders", "nvarchar(4000)", OrderText(call)),
                            Typed("@key", "binary(32)", call.key.empty() ? Bytes() : Sha256(call.key)),
                            Typed("@hash", "binary(32)", call.hash),
-                           Typed("@type", "nvarchar(80)", std::string(MediaType(call.format))),
                            Typed("@answer", "nvarchar(max)", answer)};
   if (call.key.empty()) {
     constexpr std::size_t kWithoutKey = 4;
@@ -62,8 +61,8 @@ void RecordCall(Connection& connection, const Call& call, const std::string& ans
     return;
   }
   connection.Execute(
-      {"INSERT INTO DoorCall (FCaller, FUserID, FOperation, FOrders, FKey, FHash, FType, FAnswer) VALUES (@caller, "
-       "@user, @operation, @orders, @key, @hash, @type, @answer)",
+      {"INSERT INTO DoorCall (FCaller, FUserID, FOperation, FOrders, FKey, FHash, FAnswer) VALUES (@caller, "
+       "@user, @operation, @orders, @key, @hash, @answer)",
        parameters});
 }
 

@@ -22,6 +22,7 @@ namespace {
 constexpr std::string_view kApi = "/api/v1/";
 constexpr unsigned kSlowThreads = 2;
 constexpr std::size_t kSlowWaiting = 64;
+constexpr std::size_t kMostLoginBytes = 4096;
 constexpr std::chrono::hours kSweepEvery{1};
 
 std::string HouseSession(const std::string& database) { return "Connect=" + Quoted(database, '{', '}'); }
@@ -96,14 +97,15 @@ Door::Door(Host& host, DoorOptions options)
       options_(std::move(options)),
       session_(HouseSession(options_.database)),
       visit_log_{.metrics = &metrics_, .line = options_.log},
-      events_(host, session_),
+      events_(host, session_, [this](const Request& request) { return Knows(request); }),
       writes_(host, dog_,
               {.dsn = session_,
                .threads = options_.writers,
                .shares_commits = options_.shares_commits,
                .most_waiting = options_.waiting}),
       reads_(dog_, options_.readers, options_.waiting),
-      slow_(dog_, kSlowThreads, kSlowWaiting) {
+      logins_(dog_, kSlowThreads, kSlowWaiting),
+      streams_(dog_, kSlowThreads, kSlowWaiting) {
   {
     TransactionConnection connection(host_, session_);
     connection.get().Query("SELECT COUNT(*) AS Users FROM DoorUser");
@@ -127,11 +129,8 @@ Door::~Door() {
 
 void Door::Stop() { events_.Stop(); }
 
-Response Door::Refusal(int status, std::string_view why) {
-  Response response =
-      ProblemResponse({.status = status, .detail = std::string(why), .retry_after = status == 503 ? 1 : 0}, "");
-  response.common_headers = SafetyHeaders(false);
-  return response;
+Response Door::Refused(int status, std::string_view why) {
+  return RefusedVisit({.status = status, .detail = std::string(why), .retry_after = status == 503 ? 1 : 0}, visit_log_);
 }
 
 void Door::Handle(std::unique_ptr<Exchange> exchange) {
@@ -147,18 +146,21 @@ void Door::Route(VisitPtr visit) {
   struct Path {
     std::string_view path;
     Handler handler;
-    bool slow;
+    Workers Door::*workers = &Door::reads_;
   };
   static constexpr std::array kPaths = {
-      Path{"/api/v1/login", &Door::HandleLogin, true}, Path{"/api/v1/logout", &Door::HandleLogout, false},
-      Path{"/api/v1/me", &Door::HandleMe, false},      Path{"/api/v1/events", &Door::HandleEvents, true},
-      Path{"/metrics", &Door::HandleMetrics, false},   Path{"/readyz", &Door::HandleReady, false},
+      Path{"/api/v1/login", &Door::HandleLogin, &Door::logins_},
+      Path{"/api/v1/logout", &Door::HandleLogout},
+      Path{"/api/v1/me", &Door::HandleMe},
+      Path{"/api/v1/events", &Door::HandleEvents, &Door::streams_},
+      Path{"/metrics", &Door::HandleMetrics},
+      Path{"/readyz", &Door::HandleReady},
   };
   const std::string& path = visit->target().path;
   for (const Path& known : kPaths) {
     if (known.path != path) continue;
     visit->set_operation(std::string(path.substr(path.rfind('/') + 1)));
-    Post(known.slow ? slow_ : reads_, std::move(visit), known.handler);
+    Post(this->*known.workers, std::move(visit), known.handler);
     return;
   }
   if (FindDocument(path) != nullptr) {
@@ -189,6 +191,17 @@ void Door::Post(Workers& workers, VisitPtr visit, Handler handler) {
   };
   if (!workers.Post(task)) {
     (*held)->Fail({.status = 503, .detail = "too many calls are waiting", .retry_after = 1});
+  }
+}
+
+bool Door::Knows(const Request& request) {
+  std::optional<TransactionConnection> connection;
+  try {
+    callers_.Find(request, options_.sessions,
+                  [&]() -> Connection& { return connection.emplace(host_, session_).get(); });
+    return true;
+  } catch (const http::Refusal&) {
+    return false;
   }
 }
 
@@ -276,6 +289,7 @@ void Door::ReadFrom(const Call& call, Visit& visit, PlacePtr& place) {
 void Door::HandleLogin(VisitPtr& visit) {
   RequireMethods(*visit, {"POST"});
   RefuseForeignPage(visit->request(), false);
+  if (visit->request().body.size() > kMostLoginBytes) Refuse(413, "a login has a name and a password, and no more");
   const Variant json = ReadJson(visit->request().body, "body");
   const std::shared_ptr<Dictionary> body = json.ToDictionary();
   if (!body) Refuse(400, "the body is an object with user and password");

@@ -31,8 +31,8 @@ struct DoorOptions {
   std::string replica = {};
   /// Of a replica that is further behind, reads go to the database.
   std::chrono::seconds longest_lag{5};
-  /// Threads that make reads.
-  unsigned readers = 4;
+  /// Threads that make reads: more than calls of one caller, so that one with slow clients does not hold all.
+  unsigned readers = 24;
   /// Threads that make writes.
   unsigned writers = 1;
   /// Whether writes share commits: for a database in this process with one writer, and one thread.
@@ -61,8 +61,8 @@ class Door {
 
   /// Takes a request; does not wait.
   void Handle(std::unique_ptr<Exchange> exchange);
-  /// The answer to a request that cannot be read.
-  static Response Refusal(int status, std::string_view why);
+  /// The answer to a request that cannot be read, which is logged and counted here.
+  Response Refused(int status, std::string_view why);
   /// Ends what would not end by itself: the streams of events. The server is about to end.
   void Stop();
   /// Tells how many connections there are.
@@ -89,6 +89,7 @@ class Door {
   /// The place is given up before the last of the answer: whoever has the answer may call again.
   void Read(Call& call, Visit& visit, PlacePtr& place);
   void ReadFrom(const Call& call, Visit& visit, PlacePtr& place);
+  [[nodiscard]] bool Knows(const Request& request);
   Caller FindCaller(Visit& visit);
   void Sweep();
 
@@ -109,8 +110,9 @@ class Door {
   Events events_;
   WriteLane writes_;
   Workers reads_;
-  /// For logins, whose hashes take long, and for the beginnings of streams, whose clients may.
-  Workers slow_;
+  // Whose hashes take long, and whose clients may.
+  Workers logins_;
+  Workers streams_;
   std::thread sweeper_;
 };
 

@@ -57,8 +57,11 @@ struct Event {
 /// Reads both logs twice a second while somebody listens. Used by several threads at once.
 class Events {
  public:
-  /// @param session a session string without a user
-  Events(Host& host, std::string session);
+  /// Whether the sender of a request may still listen.
+  using Known = std::function<bool(const Request&)>;
+
+  /// @param session a session string without a user; @param known asked every few seconds for each listener
+  Events(Host& host, std::string session, Known known);
   Events(const Events&) = delete;
   Events& operator=(const Events&) = delete;
   /// Ends all streams.
@@ -78,6 +81,7 @@ class Events {
   struct Listener {
     std::unique_ptr<Visit> visit;
     Caller caller;
+    int looks = 0;
     /// What it was told when it joined the others.
     Cursors told = {};
   };
@@ -93,6 +97,7 @@ class Events {
 
   Host& host_;
   const std::string session_;
+  const Known known_;
   mutable std::mutex mutex_;
   std::condition_variable wake_;
   bool stopping_ = false;

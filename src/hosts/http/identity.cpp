@@ -44,7 +44,6 @@ std::string SessionCookie(const std::string& cookie, bool secure) {
 }
 
 void RefuseForeignPage(const Request& request, bool required) {
-  if (!Changes(request)) return;
   const std::string_view site = request.Header("Sec-Fetch-Site");
   if (!site.empty()) {
     if (site == "same-origin" || site == "none") return;
@@ -55,7 +54,7 @@ void RefuseForeignPage(const Request& request, bool required) {
   if (!origin.empty() && (slashes == std::string_view::npos || origin.substr(slashes + 3) != request.Header("Host"))) {
     Refuse(403, "the request comes from another site's page");
   }
-  if (origin.empty() && required) {
+  if (origin.empty() && required && Changes(request)) {
     Refuse(403, "a session's request tells where it comes from, by Sec-Fetch-Site or Origin; programs use tokens");
   }
 }

@@ -26,9 +26,9 @@ Credentials CredentialsOf(const Request& request);
 /// The header Set-Cookie for a session, or for its end when `cookie` is "".
 std::string SessionCookie(const std::string& cookie, bool secure);
 
-/// Raises Refusal 403 for a request that another site's page may have sent with the user's cookie: one that changes
-/// something and comes neither from a page of this server nor from the address line.
-/// @param required whether a request that does not tell where it comes from is refused
+/// Raises Refusal 403 for a request that another site's page may have sent with the user's cookie: one that comes
+/// neither from a page of this server nor from the address line.
+/// @param required whether one that changes something and does not tell where it comes from is refused
 void RefuseForeignPage(const Request& request, bool required);
 
 /// Remembers callers for a second, so that not every request asks the database. Used by several threads at once.

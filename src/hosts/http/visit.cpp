@@ -106,6 +106,21 @@ void Visit::Fail(const Problem& problem) {
 
 void Visit::FailByException() { Fail(ProblemOfException(std::current_exception())); }
 
+Response RefusedVisit(const Problem& problem, const VisitLog& log) {
+  const std::string id = NewId();
+  log.metrics->Count("-", problem.status, {}, {});
+  if (log.line) {
+    std::string line = "{\"time\":\"" + TimeNow() + "\",\"id\":\"" + id +
+                       "\",\"operation\":\"-\",\"status\":" + std::to_string(problem.status) + ",\"why\":";
+    AppendJsonText(line, problem.detail);
+    log.line(line + "}");
+  }
+  Response response = ProblemResponse(problem, id);
+  response.headers.emplace_back("X-Request-Id", id);
+  response.common_headers = SafetyHeaders(false);
+  return response;
+}
+
 Problem ProblemOfException(const std::exception_ptr& exception) {
   try {
     std::rethrow_exception(exception);

@@ -65,6 +65,9 @@ class Visit final : public BatchWatcher {
   std::chrono::nanoseconds database_{0};
 };
 
+/// Logs and counts a request that could not be read, and answers what it gets.
+Response RefusedVisit(const Problem& problem, const VisitLog& log);
+
 /// The problem that an exception stands for: of a Refusal, an Error, a WrongCall, a lost transaction, and 500 for
 /// others.
 Problem ProblemOfException(const std::exception_ptr& exception);

@@ -36,9 +36,9 @@ std::size_t WriteLane::waiting() const {
   return jobs_.size();
 }
 
-WriteLane::Job WriteLane::TakeOne() {
+WriteLane::Job WriteLane::TakeOne(bool to_join) {
   const std::scoped_lock lock(mutex_);
-  if (jobs_.empty()) return nullptr;
+  if (jobs_.empty() || (to_join && jobs_.front()->alone())) return nullptr;
   Job job = std::move(jobs_.front());
   jobs_.pop_front();
   return job;
@@ -53,9 +53,9 @@ void WriteLane::Run(Watchdog& dog) {
       wake_.wait(lock, [this] { return stopping_ || !jobs_.empty(); });
       if (stopping_) return;
     }
-    Job first = TakeOne();
+    Job first = TakeOne(false);
     if (first == nullptr) continue;
-    if (options_.shares_commits) {
+    if (options_.shares_commits && !first->alone()) {
       for (Job& job : RunGroup(std::move(first), self)) RunAlone(std::move(job), self);
     } else {
       RunAlone(std::move(first), self);
@@ -80,10 +80,15 @@ std::vector<WriteLane::Job> WriteLane::RunGroup(Job first, Watchdog::Thread& sel
         alone.push_back(std::move(job));
         throw;
       } catch (const std::exception&) {
-        alone.push_back(std::move(job));
+        // What others did before it may have been in its way, unless there were none.
+        if ((done.empty() && alone.empty()) || Watchdog::Clock::now() >= job->until()) {
+          job->Failed(std::current_exception());
+        } else {
+          alone.push_back(std::move(job));
+        }
       }
       const bool open = done.size() + alone.size() < options_.group && Watchdog::Clock::now() < closes;
-      job = open ? TakeOne() : nullptr;
+      job = open ? TakeOne(true) : nullptr;
     }
     self.Allow(Watchdog::Clock::time_point::max());
     transaction.Commit();

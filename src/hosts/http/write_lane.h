@@ -27,11 +27,13 @@ class WriteJob {
   virtual ~WriteJob() = default;
 
   /// Does its work in the transaction of the connection. What it raises ends it, and takes back what it did. Called
-  /// once more, alone in a transaction, when it raised beside others, or when their transaction came to nothing.
+  /// once more, alone in a transaction, when it raised behind others, or when their transaction came to nothing.
   virtual void Run(Connection& connection) = 0;
   /// What it did is committed.
   virtual void Committed() = 0;
   virtual void Failed(std::exception_ptr cause) = 0;
+  /// Whether it may end the transaction, and has to have its own.
+  [[nodiscard]] virtual bool alone() const = 0;
   /// When it may not wait any longer.
   [[nodiscard]] virtual Watchdog::Clock::time_point until() const = 0;
 };
@@ -65,8 +67,8 @@ class WriteLane {
   using Job = std::unique_ptr<WriteJob>;
 
   void Run(Watchdog& dog);
-  /// The next job, nothing when none waits.
-  Job TakeOne();
+  /// The next job, nothing when none waits. @param to_join only one that need not be alone
+  Job TakeOne(bool to_join);
   /// Runs jobs in one transaction. Answers those that have to run alone.
   std::vector<Job> RunGroup(Job first, Watchdog::Thread& self);
   void RunAlone(Job job, Watchdog::Thread& self);

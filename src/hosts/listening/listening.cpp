@@ -1,6 +1,7 @@
 #include "hosts/listening/listening.h"
 
 #include <arpa/inet.h>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <netinet/in.h>
@@ -91,6 +92,24 @@ Address ParseAddress(std::string_view text) {
   return address;
 }
 
+Address AddressOf(const Descriptor& listening) {
+  SystemAddress system;
+  socklen_t size = sizeof system.storage;
+  std::array<char, INET6_ADDRSTRLEN> text{};
+  if (getsockname(listening.get(), system.get(), &size) != 0) {
+    Raise(error_number::kDatabaseFailure, std::string("Cannot tell where the socket listens: ") + std::strerror(errno));
+  }
+  sockaddr_in v4{};
+  sockaddr_in6 v6{};
+  std::memcpy(&v4, &system.storage, sizeof v4);
+  std::memcpy(&v6, &system.storage, sizeof v6);
+  const bool is_v6 = system.storage.ss_family == AF_INET6;
+  const void* const number = is_v6 ? static_cast<const void*>(&v6.sin6_addr) : static_cast<const void*>(&v4.sin_addr);
+  inet_ntop(system.storage.ss_family, number, text.data(), text.size());
+  // The port stands at the same place of both kinds of address.
+  return {.host = text.data(), .port = ntohs(v4.sin_port)};
+}
+
 Descriptor Listen(Address& address) {
   SystemAddress system;
   if (!system.Read(address.host, address.port)) {
@@ -103,12 +122,7 @@ Descriptor Listen(Address& address) {
   if (bind(listening.get(), system.get(), system.size) != 0 || listen(listening.get(), SOMAXCONN) != 0) {
     RaiseListening(address);
   }
-  socklen_t size = sizeof system.storage;
-  if (getsockname(listening.get(), system.get(), &size) != 0) RaiseListening(address);
-  // The port stands at the same place of both kinds of address.
-  sockaddr_in v4{};
-  std::memcpy(&v4, &system.storage, sizeof v4);
-  address.port = ntohs(v4.sin_port);
+  address = AddressOf(listening);
   return listening;
 }
 

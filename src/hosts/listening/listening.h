@@ -36,6 +36,9 @@ struct Address {
 /// Reads `ADDRESS:PORT`; `localhost` is 127.0.0.1. Raises Error 5 naming what is wrong.
 Address ParseAddress(std::string_view text);
 
+/// Where a listening socket listens. Raises Error with the system's words.
+Address AddressOf(const Descriptor& listening);
+
 /// Listens there and answers the socket; `address` gets the port that was chosen. Raises Error with the system's words.
 Descriptor Listen(Address& address);
 

@@ -1,4 +1,5 @@
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <unistd.h>
 #include <utility>
@@ -7,6 +8,7 @@
 #include "hosts/cli/serving/serving.h"
 #include "hosts/http/door.h"
 #include "hosts/http/transport/server.h"
+#include "platform/file_path.h"
 #include "platform/session_string.h"
 #include "platform/text/text.h"
 
@@ -58,7 +60,6 @@ http::TransportOptions MakeTransportOptions(const ServeOptions& options) {
   transport.certificate = options.certificate;
   transport.key = options.key;
   transport.behind_proxy = options.behind_proxy;
-  transport.refusal = http::Door::Refusal;
   return transport;
 }
 
@@ -67,7 +68,7 @@ class HttpDoor final : public ServedDoor {
   HttpDoor(std::string place, Descriptor listening, const ServeOptions& options, const CommandContext& context)
       : place_(std::move(place)),
         keeper_(context.host.OpenConnection(ParseSessionString(context.RequireDsn()).database)),
-        server_(std::move(listening), MakeTransportOptions(options),
+        server_(std::move(listening), TransportOptionsFor(options),
                 [this](std::unique_ptr<http::Exchange> exchange) { door_.Handle(std::move(exchange)); }),
         door_(context.host, MakeDoorOptions(options, context)) {
     door_.set_connections([this] { return server_.connections(); });
@@ -80,6 +81,12 @@ class HttpDoor final : public ServedDoor {
   void Stop() noexcept override { server_.Stop(); }
 
  private:
+  http::TransportOptions TransportOptionsFor(const ServeOptions& options) {
+    http::TransportOptions transport = MakeTransportOptions(options);
+    transport.refusal = [this](int status, std::string_view why) { return door_.Refused(status, why); };
+    return transport;
+  }
+
   std::string place_;
   /// One in memory lives as long as the server.
   std::unique_ptr<Connection> keeper_;
@@ -92,15 +99,22 @@ class HttpDoor final : public ServedDoor {
 
 std::unique_ptr<ServedDoor> ServeHttp(const ServeOptions& options, const CommandContext& context) {
   const bool handed = EqualsIgnoreCase(options.http, kSystemd);
-  Address address;
-  if (!handed) {
-    address = ParseAddress(options.http);
-    CheckAddress(options, address, options.http);
+  Descriptor listening = handed ? HandedSocket() : Descriptor();
+  Address address = handed ? AddressOf(listening) : ParseAddress(options.http);
+  CheckAddress(options, address, address.ToText());
+  for (const std::string& file : {options.certificate, options.key}) {
+    if (!file.empty() && !std::filesystem::is_regular_file(ToPath(file))) {
+      throw UsageError("there is no file " + file);
+    }
   }
-  Descriptor listening = handed ? HandedSocket() : Listen(address);
+  if (!handed) listening = Listen(address);
   const std::string scheme = options.certificate.empty() ? "http://" : "https://";
-  return std::make_unique<HttpDoor>(handed ? std::string("systemd's socket") : scheme + address.ToText(),
-                                    std::move(listening), options, context);
+  try {
+    return std::make_unique<HttpDoor>(scheme + address.ToText(), std::move(listening), options, context);
+  } catch (const Error& error) {
+    if (error.number() != error_number::kNoSuchTable) throw;
+    throw UsageError("the database has no tables of users and calls: 'tessarlorn init' makes them");
+  }
 }
 
 }  // namespace tessarlorn::cli

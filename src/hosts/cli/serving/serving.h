@@ -34,7 +34,7 @@ struct ServeOptions {
   int calls_waiting = 256;
   int calls_per_user = 16;
   int rows = 1'000'000;
-  int readers = 4;
+  int readers = 24;
   int writers = 8;
   int session_minutes = 30;
   int session_hours = 12;

@@ -12,7 +12,7 @@ using Names = std::span<const std::string_view>;
 constexpr std::string_view kAdministrator = "administrator";
 
 /// They take SQL or names of tables. GetListData has filters of SQL beside its own ones, which callers are refused.
-constexpr std::array<std::string_view, 2> kTrusted = {"ExecuteSQL", "GetUploadDataByTab"};
+constexpr std::array<std::string_view, 3> kTrusted = {"ExecuteSQL", "GetUploadDataByTab", "SubMitPorTask"};
 /// Of clsSaveData, and changes nothing.
 constexpr std::array<std::string_view, 1> kOtherReads = {"GetUniqueCodeIndex"};
 
@@ -29,8 +29,8 @@ constexpr std::array<std::string_view, 7> kCarriers = {
     "WriteInsuredAmount",    "WriteJzservice",       "UpdateAddressReachableState"};
 constexpr std::array<std::string_view, 3> kUploads = {"UploadStatus", "UploadStatusFailure",
                                                       "UpLoadStatusForManualAndClosed"};
-constexpr std::array<std::string_view, 4> kOutsideWarehouses = {"SubMitTplOrderTask", "SubMitPorTask",
-                                                                "ClearTplFieldInfo", "DownloadWebTpls"};
+constexpr std::array<std::string_view, 3> kOutsideWarehouses = {"SubMitTplOrderTask", "ClearTplFieldInfo",
+                                                                "DownloadWebTpls"};
 constexpr std::array<std::string_view, 7> kAmending = {"OrderRemark",          "DeRemark",    "DeliveryRemark",
                                                        "ChangeAddess",         "ChangeStock", "UpdateCostInvoiceStatus",
                                                        "UpdateAfterDeleteBill"};

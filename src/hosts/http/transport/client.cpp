@@ -214,6 +214,13 @@ class StreamClient final : public Client, public AnswerWay, public std::enable_s
       Handle();
       return;
     }
+    if (request_.Header("Authorization").empty() && request_.Header("Cookie").empty()) {
+      parser_->body_limit(limits().nobodys_body);
+      if (parser_->content_length_remaining().value_or(0) > limits().nobodys_body) {
+        Refuse(413, "without a token or cookie a body has " + std::to_string(limits().nobodys_body) + " bytes at most");
+        return;
+      }
+    }
     Expect(Phase::kBody, limits().body_time);
     if (version_ < 11 || !EqualsIgnoreCase(request_.Header("Expect"), "100-continue")) {
       ReadRest();

@@ -58,6 +58,11 @@ const std::string* Target::Find(std::string_view name) const {
 }
 
 bool ReadTarget(std::string_view text, Target& target) {
+  // The absolute form names the host once more.
+  if (const std::size_t scheme = text.find("://"); !text.starts_with('/') && scheme != std::string_view::npos) {
+    const std::size_t path = text.find_first_of("/?", scheme + 3);
+    text = path == std::string_view::npos ? std::string_view("/") : text.substr(path);
+  }
   const std::size_t mark = text.find('?');
   const std::optional<std::string> path = Decoded(text.substr(0, mark), false);
   if (!path) return false;

@@ -18,6 +18,8 @@ struct TransportLimits {
   std::size_t connections = 1000;
   /// Bytes of a request's line and headers.
   std::size_t header = 16384;
+  /// Bytes of a body of a request that shows neither a token nor a cookie.
+  std::size_t nobodys_body = std::size_t{64} << 10;
   /// Bytes of a request's body.
   std::size_t body = std::size_t{8} << 20;
   /// From the first byte of a request to the end of its headers, and for the TLS handshake.
@@ -39,7 +41,6 @@ struct TransportOptions {
   std::string key = {};
   /// The answer to a request that cannot be read: 400, 408, 413, 431, 503.
   std::function<Response(int status, std::string_view why)> refusal = {};
-  std::function<void(const std::string&)> log = {};
   /// Whether the client's address and TLS are those that a proxy in front tells, by the last address of X-Forwarded-For
   /// and by X-Forwarded-Proto.
   bool behind_proxy = false;

@@ -28,15 +28,16 @@ struct RefusedValue {
 /// session that says Escape=Yes, what passes leaves every statement as it is meant. The connection strings are not
 /// looked at.
 ///
-/// | value | must be |
-/// |---|---|
-/// | bare, or as a number | plain digits with an optional minus: a Long of 32 bits, a Double with a point and up to 15
-/// digits before and behind it | | list of keys | numbers from 0 to 2147483647 with commas between them, no blanks: one
-/// operation stores the list as it is | | name of a table | letters of ASCII, digits and _, not first a digit; up to
-/// two # in front; the page's may have its alias behind it | | SQL | of a caller who may pass it; an empty key is none,
-/// as the operations take it for one that is not given | | Boolean | a Boolean, 0, 1, -1, or true or false | | Date | a
-/// date, or a text that begins with YYYY-MM-DD and may have a time behind it | | text | valid UTF-8 without NUL, up to
-/// kMostCharacters | | name of a key | a key of the contract; where every key counts, up to 23 digits |
+/// - Bare, or as a number: plain digits with an optional minus. A Long has 32 bits; a Double has a point and up to 15
+///   digits before and behind it.
+/// - List of keys: numbers from 0 to 2147483647 with commas between them and no blanks, as one operation stores it.
+/// - Name of a table: ASCII letters, digits and _, not first a digit, with up to two # in front. That of the page may
+///   have its alias behind it.
+/// - SQL: of a caller who may pass it. An empty key is none, as the operations take it for one that is not given.
+/// - Boolean: a Boolean, 0, 1, -1, or true or false.
+/// - Date: a date, or a text that begins with YYYY-MM-DD and may have a time behind it.
+/// - Text: valid UTF-8 without NUL, up to kMostCharacters.
+/// - Name of a key: a key of the contract. Where every key counts, up to 23 digits.
 ///
 /// An empty value passes where the operation takes it for one that is not given.
 /// @param arguments as they go to ServiceObject::Invoke, fewer than the operation has or all

@@ -87,8 +87,9 @@ std::string ValueText(AnswerFormat format, const Variant& result, const Beside& 
     const RecordsetPtr rows = RowsOf(result);
     const ResultRows shown = SelectColumns(rows, {});
     AppendCsvHeads(text, shown);
-    if (!result.is_object())
+    if (!result.is_object()) {
       return text + EscapedCsv(CellText(result, FieldType::kNVarChar, CellStyle::kData)) + "\r\n";
+    }
     for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) AppendCsvRow(text, *rows, shown);
   } else if (format == AnswerFormat::kJsonLines) {
     AppendValue(text, result);

@@ -194,11 +194,15 @@ void Door::Post(Workers& workers, VisitPtr visit, Handler handler) {
   }
 }
 
-bool Door::Knows(const Request& request) {
+Caller Door::CallerOf(const Request& request) {
   std::optional<TransactionConnection> connection;
+  return callers_.Find(request, options_.sessions,
+                       [&]() -> Connection& { return connection.emplace(host_, session_).get(); });
+}
+
+bool Door::Knows(const Request& request) {
   try {
-    callers_.Find(request, options_.sessions,
-                  [&]() -> Connection& { return connection.emplace(host_, session_).get(); });
+    CallerOf(request);
     return true;
   } catch (const http::Refusal&) {
     return false;
@@ -206,9 +210,7 @@ bool Door::Knows(const Request& request) {
 }
 
 Caller Door::FindCaller(Visit& visit) {
-  std::optional<TransactionConnection> connection;
-  Caller caller = callers_.Find(visit.request(), options_.sessions,
-                                [&]() -> Connection& { return connection.emplace(host_, session_).get(); });
+  Caller caller = CallerOf(visit.request());
   visit.set_user(caller.name);
   return caller;
 }

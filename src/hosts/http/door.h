@@ -89,7 +89,10 @@ class Door {
   /// The place is given up before the last of the answer: whoever has the answer may call again.
   void Read(Call& call, Visit& visit, PlacePtr& place);
   void ReadFrom(const Call& call, Visit& visit, PlacePtr& place);
+  /// Raises Refusal 401 and 403.
+  Caller CallerOf(const Request& request);
   [[nodiscard]] bool Knows(const Request& request);
+  /// The same as CallerOf, and notes who it is for the log.
   Caller FindCaller(Visit& visit);
   void Sweep();
 

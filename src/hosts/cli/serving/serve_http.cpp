@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -40,7 +41,9 @@ http::DoorOptions MakeDoorOptions(const ServeOptions& options, const CommandCont
   const bool one_writer = EqualsIgnoreCase(context.host.DecidingKey(session.database), "Embedded");
   door.shares_commits = one_writer;
   // Many connections keep little each, unless the string says otherwise.
-  if (one_writer && FindIgnoreCase(door.database, "Cache") == std::string::npos) door.database += ";Cache=8";
+  const auto is_cache = [](const auto& pair) { return EqualsIgnoreCase(pair.first, "Cache"); };
+  const Pairs pairs = one_writer ? ParsePairs(door.database) : Pairs();
+  if (one_writer && std::none_of(pairs.begin(), pairs.end(), is_cache)) door.database += ";Cache=8";
   door.writers = one_writer ? 1 : static_cast<unsigned>(options.writers);
   door.waiting = static_cast<std::size_t>(options.calls_waiting);
   door.calls_per_caller = static_cast<std::size_t>(options.calls_per_user);

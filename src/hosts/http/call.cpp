@@ -144,9 +144,11 @@ const Operation& OperationOfPath(std::string_view path) {
   const std::size_t slash = path.find('/');
   const std::string_view class_name = path.substr(0, slash);
   const std::string_view name = slash == std::string_view::npos ? "" : path.substr(slash + 1);
+  for (const Operation* const operation : Operations()) {
+    if (operation->name == name && ClassName(operation->service) == class_name) return *operation;
+  }
   std::vector<std::string> names;
   for (const Operation* const operation : Operations()) {
-    if (ClassName(operation->service) == class_name && operation->name == name) return *operation;
     names.push_back(std::string(ClassName(operation->service)) + "/" + std::string(operation->name));
   }
   Refuse(404, "there is no operation " + std::string(path) + DidYouMean(path, {names.begin(), names.end()}));

@@ -61,7 +61,7 @@ TEST(CallArgumentsTest, NamesWhatIsAtFault) {
            Case{"UpdateAddressReachableState",
                 {"sFID=1"},
                 "UpdateAddressReachableState wants the argument lType, a Long"},
-           Case{"UpdateDeliveryData", {}, "UpdateDeliveryData wants the argument sFID, a String, if only sFID="},
+           Case{"UpdateDeliveryData", {}, "UpdateDeliveryData wants the argument sFID, a String; it may be empty"},
            Case{"Deliver", {}, "unknown operation Deliver; did you mean Delivery?"},
            Case{"clsGetData.Delivery", {}, "unknown operation clsGetData.Delivery; did you mean Delivery?"},
            Case{"xyzzy", {}, "unknown operation xyzzy; 'tessarlorn ops' lists them"},

@@ -45,7 +45,8 @@ class ServedDatabase {
   /// @param database its string; "" for a file of its own
   explicit ServedDatabase(std::vector<std::string> options = {}, int orders = 0, const std::string& database = "")
       : options_(std::move(options)),
-        database_(database.empty() ? "Embedded=" + file("served.db") + ";Synchronous=Normal" : database) {
+        // A small cache: what a server holds shall not be hidden by what it remembers of a growing file.
+        database_(database.empty() ? "Embedded=" + file("served.db") + ";Synchronous=Normal;Cache=1" : database) {
     if (orders > 0) {
       const auto connection = OpenConnection(database_);
       ApplySchema(*connection);

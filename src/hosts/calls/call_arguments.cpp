@@ -35,11 +35,11 @@ bool Fits(const Variant& value, ValueType type) {
 
 void RequireFit(const Variant& value, ValueType type, const std::string& path) {
   if (Fits(value, type)) return;
-  throw WrongCall(path + " wants a " + std::string(TypeName(type)) + ", not " + std::string(value.type_name()));
+  throw WrongCall(path + " wants a " + std::string(TypeName(type)) + ", not " + std::string(value.type_name()), path);
 }
 
 [[noreturn]] void ThrowUnknownKey(const std::string& path, const std::string& name, std::span<const Key> keys) {
-  throw WrongCall(path + " has no key " + name + DidYouMean(name, Names(keys)));
+  throw WrongCall(path + " has no key " + name + DidYouMean(name, Names(keys)), path + "." + name);
 }
 
 /// Checks the keys of a Dictionary, or of the Dictionaries in a Vector.
@@ -72,7 +72,7 @@ class Reader {
   void TakeJson(const Dictionary& json) {
     for (const auto& [name, value] : json) {
       const std::size_t position = Position(name);
-      if (!values_[position].is_empty()) throw WrongCall("argument " + name + " is given twice");
+      if (!values_[position].is_empty()) throw WrongCall("argument " + name + " is given twice", name);
       values_[position] = value;
     }
   }
@@ -86,7 +86,7 @@ class Reader {
     const std::size_t dot = target.find('.');
     const std::string key_part = dot == std::string::npos ? "" : target.substr(dot);
     if (!seen_.insert(LowerCase(target.substr(0, dot)) + key_part).second) {
-      throw WrongCall(target + " is given twice");
+      throw WrongCall(target + " is given twice", target);
     }
     const std::size_t position = Position(target.substr(0, dot));
     const Argument& argument = operation_.arguments()[position];
@@ -96,7 +96,8 @@ class Reader {
     }
     if (argument.type != ValueType::kDictionary) {
       throw WrongCall(std::string(argument.name) + " is a " + std::string(TypeName(argument.type)) +
-                      " and has no keys" + (argument.type == ValueType::kVector ? "; give it as a JSON array" : ""));
+                          " and has no keys" + (argument.type == ValueType::kVector ? "; give it as a JSON array" : ""),
+                      target);
     }
     const std::string name = target.substr(dot + 1);
     const Key* const key = FindKey(argument.keys, name);
@@ -136,7 +137,7 @@ class Reader {
       if (argument.type != ValueType::kDictionary || FindKey(argument.keys, name) == nullptr) continue;
       hint = "; did you mean " + std::string(argument.name) + "." + std::string(name) + "?";
     }
-    throw WrongCall(std::string(operation_.name) + " has no argument " + std::string(name) + hint);
+    throw WrongCall(std::string(operation_.name) + " has no argument " + std::string(name) + hint, std::string(name));
   }
 
   static Variant FromText(const std::string& text, ValueType type, const std::string& path) {
@@ -144,7 +145,8 @@ class Reader {
     if (!text.starts_with(type == ValueType::kVector ? '[' : '{')) {
       throw WrongCall(
           path + " is a " + std::string(TypeName(type)) + ": give it as a JSON " +
-          (type == ValueType::kVector ? "array, [...]" : "object, {...}, or each key as " + path + ".Key=value"));
+              (type == ValueType::kVector ? "array, [...]" : "object, {...}, or each key as " + path + ".Key=value"),
+          path);
     }
     return ReadJson(text, path);
   }
@@ -162,8 +164,9 @@ class Reader {
   void RequireGiven(const Argument& argument) const {
     if (argument.optional || argument.in_out || IsCollection(argument.type)) return;
     throw WrongCall(std::string(operation_.name) + " wants the argument " + std::string(argument.name) + ", a " +
-                    std::string(TypeName(argument.type)) +
-                    (argument.type == ValueType::kString ? ", if only " + std::string(argument.name) + "=" : ""));
+                        std::string(TypeName(argument.type)) +
+                        (argument.type == ValueType::kString ? "; it may be empty" : ""),
+                    std::string(argument.name));
   }
 
   void Connect(std::size_t position, std::string_view dsn) {
@@ -196,8 +199,7 @@ const Operation& RequireOperation(std::string_view name) {
   for (const Operation* operation : Operations()) names.push_back(operation->name);
   const std::size_t dot = name.rfind('.');
   const std::string_view bare = dot == std::string_view::npos ? name : name.substr(dot + 1);
-  const std::string hint = DidYouMean(bare, names);
-  throw WrongCall("unknown operation " + std::string(name) + (hint.empty() ? "; 'tessarlorn ops' lists them" : hint));
+  throw WrongCall("unknown operation " + std::string(name) + DidYouMean(bare, names, "; 'tessarlorn ops' lists them"));
 }
 
 std::vector<Variant> ReadCallArguments(const Operation& operation, const Variant& json,

@@ -64,7 +64,7 @@ ResultRows SelectColumns(const RecordsetPtr& rows, const std::vector<std::string
       std::vector<std::string_view> names(fields.size());
       std::transform(fields.begin(), fields.end(), names.begin(),
                      [](const Field& field) { return std::string_view(field.name); });
-      throw WrongCall("the result has no column " + column + DidYouMean(column, names));
+      throw WrongCall("the result has no column " + column + DidYouMean(column, names), "columns");
     }
     result.fields.push_back(*found);
   }

@@ -3,18 +3,20 @@
 
 #include <stdexcept>
 #include <string>
-#include <string_view>
-#include <vector>
+#include <utility>
 
 namespace tessarlorn {
 
 /// `what()` names the thing at fault, as one sentence without an end. Nothing was done.
 class WrongCall : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
-};
+  explicit WrongCall(const std::string& what, std::string name = {})
+      : std::runtime_error(what), name_(std::move(name)) {}
+  /// The argument or key at fault, as "dctPara.FID"; "" when it is none of them.
+  [[nodiscard]] const std::string& name() const noexcept { return name_; }
 
-/// "; did you mean X?" with the candidate that is nearest to `name`, "" when none is near.
-std::string DidYouMean(std::string_view name, const std::vector<std::string_view>& candidates);
+ private:
+  std::string name_;
+};
 
 }  // namespace tessarlorn

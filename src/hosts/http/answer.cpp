@@ -47,8 +47,7 @@ void AppendResult(std::string& json, const Variant& result, const std::vector<st
   }
   const RowsText text(AnswerFormat::kJson, rows, columns);
   text.AppendFields(json);
-  bool first = true;
-  for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) text.AppendRow(json, *rows, std::exchange(first, false));
+  text.AppendRows(json, *rows);
   json += "]}";
 }
 
@@ -160,8 +159,7 @@ std::string AnswerText(AnswerFormat format, const std::vector<std::string>& colu
   const RowsText rows_text(format, rows, columns);
   std::string text;
   rows_text.AppendHead(text);
-  bool first = true;
-  for (rows->MoveFirst(); !rows->eof(); rows->MoveNext()) rows_text.AppendRow(text, *rows, std::exchange(first, false));
+  rows_text.AppendRows(text, *rows);
   rows_text.AppendTail(text, beside);
   return text;
 }
@@ -188,14 +186,16 @@ void RowsText::AppendFields(std::string& text) const {
   text += "],\"rows\":[";
 }
 
-void RowsText::AppendRow(std::string& text, const Recordset& rows, bool first) const {
-  if (format_ == AnswerFormat::kCsv) {
-    AppendCsvRow(text, rows, shown_);
-    return;
+void RowsText::AppendRows(std::string& text, Recordset& rows, bool first) const {
+  for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) {
+    if (format_ == AnswerFormat::kCsv) {
+      AppendCsvRow(text, rows, shown_);
+      continue;
+    }
+    if (format_ == AnswerFormat::kJson && !std::exchange(first, false)) text += ',';
+    objects_.AppendObject(text, rows);
+    if (format_ == AnswerFormat::kJsonLines) text += '\n';
   }
-  if (format_ == AnswerFormat::kJson && !first) text += ',';
-  objects_.AppendObject(text, rows);
-  if (format_ == AnswerFormat::kJsonLines) text += '\n';
 }
 
 void RowsText::AppendTail(std::string& text, const Beside& beside) const {
@@ -211,7 +211,8 @@ void StreamedAnswer::CountRows(const Recordset& rows) {
 }
 
 void StreamedAnswer::AppendRows(Recordset& rows) {
-  for (rows.MoveFirst(); !rows.eof(); rows.MoveNext()) rows_text_->AppendRow(text_, rows, std::exchange(first_, false));
+  rows_text_->AppendRows(text_, rows, first_);
+  first_ = first_ && rows.RecordCount() == 0;
 }
 
 void StreamedAnswer::PartOfAnswer(Recordset& rows) {

@@ -52,8 +52,8 @@ class RowsText {
   void AppendHead(std::string& text) const;
   /// Of JSON: what stands in front of the rows within their object.
   void AppendFields(std::string& text) const;
-  /// The recordset's current row, of this one or another with the same fields.
-  void AppendRow(std::string& text, const Recordset& rows, bool first) const;
+  /// All rows of a recordset, of this one or another with the same fields. @param first whether none stand before them
+  void AppendRows(std::string& text, Recordset& rows, bool first = true) const;
   void AppendTail(std::string& text, const Beside& beside) const;
 
  private:

@@ -73,7 +73,7 @@ std::vector<Variant> ReadArguments(const Request& request, const Target& target,
     const Variant json = ReadBody(request);
     return ReadCallArguments(operation, json, {}, session);
   } catch (const WrongCall& wrong) {
-    Refuse(400, wrong.what());
+    Refuse(400, wrong.what(), wrong.name());
   }
 }
 

@@ -127,7 +127,7 @@ Problem ProblemOfException(const std::exception_ptr& exception) {
   } catch (const Refusal& refusal) {
     return refusal.problem();
   } catch (const WrongCall& wrong) {
-    return {.status = 400, .detail = wrong.what()};
+    return {.status = 400, .detail = wrong.what(), .key = wrong.name()};
   } catch (const TransactionLost& lost) {
     return ProblemOf(lost.cause());
   } catch (const ClientGone&) {

@@ -1,6 +1,6 @@
 #include "hosts/http/workers.h"
 
-#include <utility>
+#include <optional>
 
 #include "hosts/http/transport/signals.h"
 
@@ -52,48 +52,22 @@ void Watchdog::Run() {
   }
 }
 
-Workers::Workers(Watchdog& dog, unsigned threads, std::size_t most_waiting) : most_waiting_(most_waiting) {
+Workers::Workers(Watchdog& dog, unsigned threads, std::size_t most_waiting) : tasks_(most_waiting) {
   for (unsigned i = 0; i < threads; ++i) threads_.emplace_back([this, &dog] { Run(dog); });
 }
 
 Workers::~Workers() {
-  {
-    const std::scoped_lock lock(mutex_);
-    stopping_ = true;
-    tasks_.clear();
-  }
-  wake_.notify_all();
+  tasks_.End();
   for (std::thread& thread : threads_) thread.join();
 }
 
-bool Workers::Post(Task task) {
-  {
-    const std::scoped_lock lock(mutex_);
-    if (tasks_.size() >= most_waiting_ || stopping_) return false;
-    tasks_.push_back(std::move(task));
-  }
-  wake_.notify_one();
-  return true;
-}
-
-std::size_t Workers::waiting() const {
-  const std::scoped_lock lock(mutex_);
-  return tasks_.size();
-}
+bool Workers::Post(Task task) { return tasks_.Post(task); }
 
 void Workers::Run(Watchdog& dog) {
   BlockSignals();
   Watchdog::Thread self(dog);
-  for (;;) {
-    Task task;
-    {
-      std::unique_lock lock(mutex_);
-      wake_.wait(lock, [this] { return stopping_ || !tasks_.empty(); });
-      if (stopping_) return;
-      task = std::move(tasks_.front());
-      tasks_.pop_front();
-    }
-    task(self);
+  while (const std::optional<Task> task = tasks_.Take()) {
+    (*task)(self);
     self.Allow(Watchdog::Clock::time_point::max());
   }
 }

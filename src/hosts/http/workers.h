@@ -5,13 +5,13 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
-#include <deque>
 #include <functional>
 #include <list>
 #include <mutex>
 #include <thread>
 #include <vector>
 
+#include "hosts/http/waiting_line.h"
 #include "tessarlorn/connection.h"
 
 namespace tessarlorn::http {
@@ -67,16 +67,12 @@ class Workers {
 
   /// False when too many wait.
   bool Post(Task task);
-  [[nodiscard]] std::size_t waiting() const;
+  [[nodiscard]] std::size_t waiting() const { return tasks_.size(); }
 
  private:
   void Run(Watchdog& dog);
 
-  const std::size_t most_waiting_;
-  mutable std::mutex mutex_;
-  std::condition_variable wake_;
-  bool stopping_ = false;
-  std::deque<Task> tasks_;
+  WaitingLine<Task> tasks_;
   std::vector<std::thread> threads_;
 };
 

@@ -1,5 +1,6 @@
 #include "hosts/http/write_lane.h"
 
+#include <optional>
 #include <utility>
 
 #include "hosts/calls/save_point.h"
@@ -7,58 +8,26 @@
 
 namespace tessarlorn::http {
 
-WriteLane::WriteLane(Host& host, Watchdog& dog, LaneOptions options) : host_(host), options_(std::move(options)) {
+WriteLane::WriteLane(Host& host, Watchdog& dog, LaneOptions options)
+    : host_(host), options_(std::move(options)), jobs_(options_.most_waiting) {
   for (unsigned i = 0; i < options_.threads; ++i) threads_.emplace_back([this, &dog] { Run(dog); });
 }
 
 WriteLane::~WriteLane() {
-  {
-    const std::scoped_lock lock(mutex_);
-    stopping_ = true;
-    jobs_.clear();
-  }
-  wake_.notify_all();
+  jobs_.End();
   for (std::thread& thread : threads_) thread.join();
 }
 
-bool WriteLane::Post(std::unique_ptr<WriteJob>& job) {
-  {
-    const std::scoped_lock lock(mutex_);
-    if (jobs_.size() >= options_.most_waiting || stopping_) return false;
-    jobs_.push_back(std::move(job));
-  }
-  wake_.notify_one();
-  return true;
-}
-
-std::size_t WriteLane::waiting() const {
-  const std::scoped_lock lock(mutex_);
-  return jobs_.size();
-}
-
-WriteLane::Job WriteLane::TakeOne(bool to_join) {
-  const std::scoped_lock lock(mutex_);
-  if (jobs_.empty() || (to_join && jobs_.front()->alone())) return nullptr;
-  Job job = std::move(jobs_.front());
-  jobs_.pop_front();
-  return job;
-}
+bool WriteLane::Post(Job& job) { return jobs_.Post(job); }
 
 void WriteLane::Run(Watchdog& dog) {
   BlockSignals();
   Watchdog::Thread self(dog);
-  for (;;) {
-    {
-      std::unique_lock lock(mutex_);
-      wake_.wait(lock, [this] { return stopping_ || !jobs_.empty(); });
-      if (stopping_) return;
-    }
-    Job first = TakeOne(false);
-    if (first == nullptr) continue;
-    if (options_.shares_commits && !first->alone()) {
-      for (Job& job : RunGroup(std::move(first), self)) RunAlone(std::move(job), self);
+  while (std::optional<Job> first = jobs_.Take()) {
+    if (options_.shares_commits && !(*first)->alone()) {
+      for (Job& job : RunGroup(*std::move(first), self)) RunAlone(std::move(job), self);
     } else {
-      RunAlone(std::move(first), self);
+      RunAlone(*std::move(first), self);
     }
     self.Allow(Watchdog::Clock::time_point::max());
   }
@@ -88,7 +57,9 @@ std::vector<WriteLane::Job> WriteLane::RunGroup(Job first, Watchdog::Thread& sel
         }
       }
       const bool open = done.size() + alone.size() < options_.group && Watchdog::Clock::now() < closes;
-      job = open ? TakeOne(true) : nullptr;
+      std::optional<Job> next;
+      if (open) next = jobs_.TakeIf([](const Job& waiting) { return !waiting->alone(); });
+      job = next ? *std::move(next) : nullptr;
     }
     self.Allow(Watchdog::Clock::time_point::max());
     transaction.Commit();

@@ -2,16 +2,14 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <cstddef>
-#include <deque>
 #include <exception>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "hosts/http/waiting_line.h"
 #include "hosts/http/workers.h"
 #include "tessarlorn/connection.h"
 #include "tessarlorn/host.h"
@@ -53,6 +51,8 @@ struct LaneOptions {
 /// Used by several threads at once.
 class WriteLane {
  public:
+  using Job = std::unique_ptr<WriteJob>;
+
   WriteLane(Host& host, Watchdog& dog, LaneOptions options);
   WriteLane(const WriteLane&) = delete;
   WriteLane& operator=(const WriteLane&) = delete;
@@ -60,25 +60,18 @@ class WriteLane {
   ~WriteLane();
 
   /// Takes the job; false, and leaves it, when too many wait.
-  bool Post(std::unique_ptr<WriteJob>& job);
-  [[nodiscard]] std::size_t waiting() const;
+  bool Post(Job& job);
+  [[nodiscard]] std::size_t waiting() const { return jobs_.size(); }
 
  private:
-  using Job = std::unique_ptr<WriteJob>;
-
   void Run(Watchdog& dog);
-  /// The next job, nothing when none waits. @param to_join only one that need not be alone
-  Job TakeOne(bool to_join);
   /// Runs jobs in one transaction. Answers those that have to run alone.
   std::vector<Job> RunGroup(Job first, Watchdog::Thread& self);
   void RunAlone(Job job, Watchdog::Thread& self);
 
   Host& host_;
   const LaneOptions options_;
-  mutable std::mutex mutex_;
-  std::condition_variable wake_;
-  bool stopping_ = false;
-  std::deque<Job> jobs_;
+  WaitingLine<Job> jobs_;
   std::vector<std::thread> threads_;
 };
 

@@ -256,4 +256,10 @@ std::string_view Nearest(std::string_view name, const std::vector<std::string_vi
   return nearest;
 }
 
+std::string DidYouMean(std::string_view name, const std::vector<std::string_view>& candidates,
+                       const std::string& otherwise) {
+  const std::string_view nearest = Nearest(name, candidates);
+  return nearest.empty() ? otherwise : "; did you mean " + std::string(nearest) + "?";
+}
+
 }  // namespace tessarlorn

@@ -76,4 +76,8 @@ std::optional<std::string> BytesOfHex(std::string_view digits);
 /// The name among `candidates` that is nearest to `name` by edits, or "" when none is near.
 std::string_view Nearest(std::string_view name, const std::vector<std::string_view>& candidates);
 
+/// "; did you mean X?" with the candidate that is nearest to `name`, `otherwise` when none is near.
+std::string DidYouMean(std::string_view name, const std::vector<std::string_view>& candidates,
+                       const std::string& otherwise = "");
+
 }  // namespace tessarlorn

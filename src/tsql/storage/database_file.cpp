@@ -75,17 +75,20 @@ std::string UriOf(const std::string& file, std::string_view query) {
   return "file:" + path + "?" + std::string(query);
 }
 
-/// What statements and save points may have to take back stays in memory up to so many bytes, then goes to a file. A
-/// write behind many save points would outgrow SQLite's own 64 KB at once.
-void LimitSavePoints() {
-  constexpr int kMostBytes = 4 << 20;
-  // It is a setting of the process, taken before SQLite is used for the first time, and refused later.
-  [[maybe_unused]] static const int status = sqlite3_config(SQLITE_CONFIG_STMTJRNL_SPILL, kMostBytes);
+/// Settings of the process, taken before SQLite is used for the first time, and refused later.
+void ConfigureSqlite() {
+  // What statements and save points may have to take back stays in memory up to so many bytes, then goes to a file. A
+  // write behind many save points would outgrow SQLite's own 64 KB at once.
+  constexpr int kMostSaved = 4 << 20;
+  // Nobody asks how much memory is in use, and the count makes threads wait for each other.
+  constexpr int kCountMemory = 0;
+  [[maybe_unused]] static const int status =
+      sqlite3_config(SQLITE_CONFIG_STMTJRNL_SPILL, kMostSaved) | sqlite3_config(SQLITE_CONFIG_MEMSTATUS, kCountMemory);
 }
 
 /// @param name a file or a URI
 DatabaseHandle Connect(const std::string& name, int flags, const std::string& shown, std::chrono::milliseconds wait) {
-  LimitSavePoints();
+  ConfigureSqlite();
   sqlite3* opened = nullptr;
   const int status = sqlite3_open_v2(name.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
   DatabaseHandle database(opened);
@@ -116,7 +119,7 @@ void LimitCache(sqlite3* database, int megabytes) {
 /// Looks at the file as it lies there, without locks and without files beside it, so that nothing of another program's
 /// changes. What is not told from that is told after opening.
 void RefuseAnothers(const std::string& file) {
-  LimitSavePoints();
+  ConfigureSqlite();
   sqlite3* opened = nullptr;
   const int status = sqlite3_open_v2(UriOf(file, "mode=ro&immutable=1").c_str(), &opened,
                                      SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX, nullptr);

@@ -20,18 +20,12 @@ bool IsName(std::string_view text) {
 
 void RequireName(std::string_view what, std::string_view text) {
   if (IsName(text)) return;
-  Refuse("'" + OnOneLine(text) + "' is no name of a " + std::string(what) +
-         ": it has 1 to 64 characters, no comma, and no blank at its ends");
+  RaiseInvalid("'" + OnOneLine(text) + "' is no name of a " + std::string(what) +
+               ": it has 1 to 64 characters, no comma, and no blank at its ends");
 }
 
 SqlParameter NameParameter(const char* parameter, std::string_view text) { return {parameter, "nvarchar(64)", text}; }
 
-std::string SuggestionFor(std::string_view name, const std::vector<std::string_view>& candidates,
-                          const std::string& otherwise) {
-  const std::string_view nearest = Nearest(name, candidates);
-  return nearest.empty() ? otherwise : "; did you mean " + std::string(nearest) + "?";
-}
-
-void Refuse(const std::string& why) { Raise(error_number::kInvalidArgument, why); }
+void RaiseInvalid(const std::string& why) { Raise(error_number::kInvalidArgument, why); }
 
 }  // namespace tessarlorn::http

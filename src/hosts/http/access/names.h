@@ -3,7 +3,6 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "tessarlorn/sql_command.h"
 
@@ -19,11 +18,7 @@ void RequireName(std::string_view what, std::string_view text);
 /// @pre IsName(text), or it is empty
 SqlParameter NameParameter(const char* parameter, std::string_view text);
 
-/// "; did you mean X?" with the candidate that is nearest, `otherwise` when none is near.
-std::string SuggestionFor(std::string_view name, const std::vector<std::string_view>& candidates,
-                          const std::string& otherwise = "");
-
 /// Raises 5.
-[[noreturn]] void Refuse(const std::string& why);
+[[noreturn]] void RaiseInvalid(const std::string& why);
 
 }  // namespace tessarlorn::http

@@ -58,12 +58,12 @@ std::string RequireRole(Connection& connection, std::string_view name) {
     names.emplace_back(role->name());
     list += (list.empty() ? "" : ", ") + role->name();
   }
-  Refuse("unknown role " + std::string(name) + SuggestionFor(name, names, "; the roles are " + list));
+  RaiseInvalid("unknown role " + std::string(name) + DidYouMean(name, names, "; the roles are " + list));
 }
 
 void AddRole(Connection& connection, std::string_view name, const std::vector<std::string>& operations) {
   RequireName("role", name);
-  if (FindRole(connection, name) != nullptr) Refuse("there is a role " + std::string(name) + " already");
+  if (FindRole(connection, name) != nullptr) RaiseInvalid("there is a role " + std::string(name) + " already");
   std::string list;
   std::set<const Operation*> seen;
   for (const std::string& word : operations) {
@@ -71,20 +71,22 @@ void AddRole(Connection& connection, std::string_view name, const std::vector<st
     if (operation == nullptr) {
       std::vector<std::string_view> names;
       for (const Operation* const known : Operations()) names.push_back(known->name);
-      Refuse("unknown operation " + word + SuggestionFor(word, names));
+      RaiseInvalid("unknown operation " + word + DidYouMean(word, names));
     }
     if (IsForAdministrators(*operation)) {
-      Refuse("only administrators may call " + std::string(operation->name) + ", which takes SQL or names of tables");
+      RaiseInvalid("only administrators may call " + std::string(operation->name) +
+                   ", which takes SQL or names of tables");
     }
     if (seen.insert(operation).second) list.append(list.empty() ? "" : ",").append(operation->name);
   }
-  if (list.empty()) Refuse("a role needs an operation");
+  if (list.empty()) RaiseInvalid("a role needs an operation");
   SqlParameter parameters[] = {NameParameter("@name", name), {"@operations", "nvarchar(max)", list}};
   RunStatement(connection, {"INSERT INTO DoorRole (FName,FOperations) VALUES (@name,@operations)", parameters});
 }
 
 void RemoveRole(Connection& connection, std::string_view name) {
-  if (FindBuiltIn(name) != nullptr) Refuse("the role " + std::string(name) + " is built in and cannot be removed");
+  if (FindBuiltIn(name) != nullptr)
+    RaiseInvalid("the role " + std::string(name) + " is built in and cannot be removed");
   const std::string own = RequireRole(connection, name);
   SqlParameter parameters[] = {NameParameter("@name", own)};
   const RecordsetPtr users = RunStatement(connection, {R"(
@@ -93,7 +95,7 @@ SELECT FName FROM DoorUser WHERE FRole=@name ORDER BY FName)",
                                                        parameters});
   std::string list;
   for (; !users->eof(); users->MoveNext()) list += (list.empty() ? "" : ", ") + users->Get("FName").ToText();
-  if (!list.empty()) Refuse("the role " + own + " is that of " + list + "; give them another one first");
+  if (!list.empty()) RaiseInvalid("the role " + own + " is that of " + list + "; give them another one first");
 }
 
 }  // namespace tessarlorn::http

@@ -22,7 +22,7 @@ SELECT u.FID,@name,@hash,DATEADD(day,@days,SYSUTCDATETIME()) FROM DoorUser u WIT
 SELECT @@ROWCOUNT AS FAdded)",
                                                      parameters});
   if (row->Get("FAdded").ToInt32() == 0) {
-    Refuse(owner + " has a token " + std::string(name) + " already; revoke it first, or choose another name");
+    RaiseInvalid(owner + " has a token " + std::string(name) + " already; revoke it first, or choose another name");
   }
   return token;
 }
@@ -39,8 +39,8 @@ SELECT @@ROWCOUNT AS FRevoked)",
   const RecordsetPtr tokens = ListTokens(connection, owner);
   std::vector<std::string> names;
   for (; !tokens->eof(); tokens->MoveNext()) names.push_back(tokens->Get("Token").ToText());
-  Refuse(owner + " has no token " + std::string(name) +
-         SuggestionFor(name, {names.begin(), names.end()}, "; 'tessarlorn token list' lists them"));
+  RaiseInvalid(owner + " has no token " + std::string(name) +
+               DidYouMean(name, {names.begin(), names.end()}, "; 'tessarlorn token list' lists them"));
 }
 
 RecordsetPtr ListTokens(Connection& connection, std::string_view user) {

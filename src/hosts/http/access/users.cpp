@@ -16,15 +16,16 @@ constexpr std::string_view kAdministratorRole = "administrator";
 void RequireLanguage(const std::string& language) {
   const auto letter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
   if (language.empty() || language.size() > 10 || !std::all_of(language.begin(), language.end(), letter)) {
-    Refuse("'" + language + "' is no language code, as CHS or CHT");
+    RaiseInvalid("'" + language + "' is no language code, as CHS or CHT");
   }
 }
 
 void CheckNewPassword(std::string_view password) {
   constexpr std::size_t kLeast = 8;
-  if (password.empty()) Refuse("the password is empty");
-  if (!IsValidUtf8(password)) Refuse("the password is not valid UTF-8");
-  if (Utf16Length(password) < kLeast) Refuse("the password has less than " + std::to_string(kLeast) + " characters");
+  if (password.empty()) RaiseInvalid("the password is empty");
+  if (!IsValidUtf8(password)) RaiseInvalid("the password is not valid UTF-8");
+  if (Utf16Length(password) < kLeast)
+    RaiseInvalid("the password has less than " + std::to_string(kLeast) + " characters");
 }
 
 /// The settings with the role's own name, once they are checked.
@@ -35,12 +36,12 @@ UserSettings Checked(Connection& connection, UserSettings settings) {
     settings.language = UpperCase(*settings.language);
   }
   if (settings.erp_user && *settings.erp_user <= 0) {
-    Refuse(std::to_string(*settings.erp_user) + " is no id of a user in the ERP");
+    RaiseInvalid(std::to_string(*settings.erp_user) + " is no id of a user in the ERP");
   }
   if (settings.password) CheckNewPassword(*settings.password);
   if (settings.role && *settings.role != kAdministratorRole) {
     if (settings.sql == true) {
-      Refuse("only the role " + std::string(kAdministratorRole) + " may be given SQL, not " + *settings.role);
+      RaiseInvalid("only the role " + std::string(kAdministratorRole) + " may be given SQL, not " + *settings.role);
     }
     settings.sql = false;
   }
@@ -56,7 +57,7 @@ std::optional<std::string> FindUser(Connection& connection, std::string_view nam
 }
 
 [[noreturn]] void RefuseTaken(std::string_view name) {
-  Refuse("there is a user " + std::string(name) + " already; 'tessarlorn user set' changes one");
+  RaiseInvalid("there is a user " + std::string(name) + " already; 'tessarlorn user set' changes one");
 }
 
 Variant OrNull(const auto& value) { return value ? Variant(*value) : Variant(Null{}); }
@@ -113,7 +114,8 @@ COMMIT TRANSACTION
 SELECT @changed AS FChanged)",
                                                      parameters});
   if (row->Get("FChanged").ToInt32() == 0) {
-    Refuse("only the role " + std::string(kAdministratorRole) + " may be given SQL, and " + own + " has another one");
+    RaiseInvalid("only the role " + std::string(kAdministratorRole) + " may be given SQL, and " + own +
+                 " has another one");
   }
 }
 
@@ -135,8 +137,8 @@ std::string RequireUser(Connection& connection, std::string_view name) {
   const RecordsetPtr rows = RunStatement(connection, {"SELECT FName FROM DoorUser ORDER BY FName"});
   std::vector<std::string> names;
   for (; !rows->eof(); rows->MoveNext()) names.push_back(rows->Get("FName").ToText());
-  Refuse("unknown user " + std::string(name) +
-         SuggestionFor(name, {names.begin(), names.end()}, "; 'tessarlorn user list' lists them"));
+  RaiseInvalid("unknown user " + std::string(name) +
+               DidYouMean(name, {names.begin(), names.end()}, "; 'tessarlorn user list' lists them"));
 }
 
 RecordsetPtr ListUsers(Connection& connection) {

@@ -61,7 +61,7 @@ function(tessarlorn_warnings target)
             # Interfaces of COM have no virtual destructor.
             $<$<NOT:$<BOOL:${WIN32}>>:-Wnon-virtual-dtor>
             # GCC 12 warns of copies inside std::string that cannot be.
-            $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
+            "$<$<CXX_COMPILER_ID:GNU>:-Wno-restrict;-Wno-array-bounds>"
             $<$<BOOL:${TESSARLORN_WARNINGS_AS_ERRORS}>:-Werror>)
 endfunction()
 

@@ -108,10 +108,7 @@ TEST(RowConditionTest, TakesLongListsAndRefusesDeepNesting) {
   std::string list = "FID = 5";
   for (int i = 0; i < 100'000; ++i) list += " OR FID = -7";
   EXPECT_EQ(Meeting(list), "5");
-  const auto nested = [](std::size_t depth) {
-    std::string text(depth, '(');
-    return text.append("FID = 1").append(depth, ')');
-  };
+  const auto nested = [](std::size_t depth) { return std::string(depth, '(') + "FID = 1" + std::string(depth, ')'); };
   EXPECT_EQ(Meeting(nested(100)), "1");
   EXPECT_EQ(Number([&] { Meeting(nested(1'000'000)); }), 3001);
 }

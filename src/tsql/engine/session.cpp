@@ -88,7 +88,7 @@ void Session::EndBatch(BatchSink& sink) {
 void Session::Reset() {
   database_.runtime().cancelled.store(false);
   transaction_.RollbackContainer();
-  database_.catalog().Refresh();
+  database_.catalog().RefreshTemporaries();
   interpreter_.DropTemporaryTables();
   transaction_.ForgetIdentity();
   options_.Reset();

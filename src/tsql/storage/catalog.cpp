@@ -96,14 +96,17 @@ void Catalog::Refresh() {
   LetGo();
 }
 
+void Catalog::RefreshTemporaries() {
+  if (!stale_) return;
+  std::erase_if(temporaries_, [this](const auto& entry) {
+    SqliteStatement table(database_, "SELECT 1 FROM sqlite_temp_schema WHERE type='table' AND lower(name)=?1");
+    table.BindText(1, entry.first);
+    return !table.Step();
+  });
+}
+
 void Catalog::RefreshTo(std::int64_t version) {
-  if (stale_) {
-    std::erase_if(temporaries_, [this](const auto& entry) {
-      SqliteStatement table(database_, "SELECT 1 FROM sqlite_temp_schema WHERE type='table' AND lower(name)=?1");
-      table.BindText(1, entry.first);
-      return !table.Step();
-    });
-  }
+  RefreshTemporaries();
   if (version == schema_version_ && !stale_) return;
   Load();
   schema_version_ = version;

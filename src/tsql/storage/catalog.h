@@ -75,6 +75,8 @@ class Catalog {
 
   /// Reads the catalog anew when another connection may have changed it. Raises what SQLite reports.
   void Refresh();
+  /// The same for this connection's temporary tables, which nobody else changes: no lock of others is waited for.
+  void RefreshTemporaries();
   /// Refreshes, and keeps what was read true until LetGo: SQLite shows the same commit to all statements between.
   void Hold();
   void LetGo() noexcept;

@@ -11,7 +11,7 @@ namespace {
 
 TEST(ClientsTest, TheDescriptionMakesATypedClient) {
   const TemporaryFolder folder;
-  std::ofstream(folder.file("openapi.json")) << FindDocument("/api/v1/openapi.json")->text;
+  std::ofstream(folder.file("openapi.json")) << Documents({}).Find("/api/v1/openapi.json")->text;
   const std::string script = TESSARLORN_SOURCE_ROOT "/tests/http/clients/run";
   const Outcome outcome = RunLine("'" + script + "' " TESSARLORN_COMMAND " " TESSARLORN_TEST_FOLDER "/http_clients '" +
                                   folder.file("") + "' 2>&1");

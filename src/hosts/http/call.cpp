@@ -42,15 +42,6 @@ void RequireOwnConnection(const Operation& operation, std::span<const Variant> a
   }
 }
 
-Variant ReadBody(const Request& request) {
-  if (request.body.empty()) return {};
-  const std::string_view type = request.Header("Content-Type");
-  if (!EqualsIgnoreCase(Trim(type.substr(0, type.find(';'))), "application/json")) {
-    Refuse(415, "the body is JSON: send it with Content-Type: application/json");
-  }
-  return ReadJson(request.body, "body");
-}
-
 /// The pairs of a query as the words of a call: "Filter.FOrderStatus=2".
 std::vector<std::string> WordsOf(const Target& target) {
   std::vector<std::string> words;
@@ -138,6 +129,15 @@ struct DryRunEnds : std::exception {};
 std::string SessionStringFor(std::string_view database, const Caller& caller, std::string_view client) {
   return "Connect=" + Braced(database) + ";User=" + std::to_string(caller.user) +
          ";Language=" + Braced(caller.language) + ";Client=" + Braced(client) + ";Escape=Yes";
+}
+
+Variant ReadBody(const Request& request) {
+  if (request.body.empty()) return {};
+  const std::string_view type = request.Header("Content-Type");
+  if (!EqualsIgnoreCase(Trim(type.substr(0, type.find(';'))), "application/json")) {
+    Refuse(415, "the body is JSON: send it with Content-Type: application/json");
+  }
+  return ReadJson(request.body, "body");
 }
 
 const Operation& OperationOfPath(std::string_view path) {

@@ -42,6 +42,9 @@ struct Call {
 /// `Connect={…};User=…;Language=…;Client=…;Escape=Yes`.
 std::string SessionStringFor(std::string_view database, const Caller& caller, std::string_view client);
 
+/// The body as JSON, Empty when there is none. Raises Refusal 415, and WrongCall for what is no JSON.
+Variant ReadBody(const Request& request);
+
 /// The operation that a path names behind "/api/v1/", as "clsGetData/GetListData". Raises Refusal 404 with the nearest
 /// one.
 const Operation& OperationOfPath(std::string_view path);

@@ -12,6 +12,7 @@
 #include "hosts/http/call_record.h"
 #include "hosts/http/documents.h"
 #include "hosts/http/problem.h"
+#include "hosts/http/questions.h"
 #include "hosts/http/transport/signals.h"
 #include "platform/text/text.h"
 #include "tessarlorn/collections.h"
@@ -20,6 +21,7 @@ namespace tessarlorn::http {
 namespace {
 
 constexpr std::string_view kApi = "/api/v1/";
+constexpr std::string_view kQuestions = "/api/v1/workbench/";
 constexpr unsigned kSlowThreads = 2;
 constexpr std::size_t kSlowWaiting = 64;
 constexpr std::size_t kMostLoginBytes = 4096;
@@ -96,6 +98,7 @@ Door::Door(Host& host, DoorOptions options)
     : host_(host),
       options_(std::move(options)),
       session_(HouseSession(options_.database)),
+      documents_(options_.page),
       visit_log_{.metrics = &metrics_, .line = options_.log},
       events_(host, session_, [this](const Request& request) { return Knows(request); }),
       writes_(host, dog_,
@@ -113,7 +116,6 @@ Door::Door(Host& host, DoorOptions options)
   if (!options_.replica.empty()) {
     replica_ = std::make_unique<Replica>(host_, session_, HouseSession(options_.replica), options_.longest_lag);
   }
-  FindDocument({});  // makes the texts
   sweeper_ = std::thread([this] { Sweep(); });
 }
 
@@ -163,12 +165,14 @@ void Door::Route(VisitPtr visit) {
     Post(this->*known.workers, std::move(visit), known.handler);
     return;
   }
-  if (FindDocument(path) != nullptr) {
+  if (documents_.Find(path) != nullptr) {
     visit->set_operation("documents");
     Post(reads_, std::move(visit), &Door::HandleDocument);
   } else if (path == "/healthz") {
     visit->set_operation("healthz");
     visit->Answer({.status = 200, .headers = {{"Content-Type", "text/plain"}}, .body = "alive\n"});
+  } else if (path.starts_with(kQuestions)) {
+    Post(reads_, std::move(visit), &Door::HandleQuestion);
   } else if (path.starts_with(kApi)) {
     Post(reads_, std::move(visit), &Door::HandleCall);
   } else {
@@ -288,6 +292,33 @@ void Door::ReadFrom(const Call& call, Visit& visit, PlacePtr& place) {
   answer.Finish(result, beside);
 }
 
+void Door::HandleQuestion(VisitPtr& visit) {
+  const WatchedBatches watched(visit.get());
+  const Request& request = visit->request();
+  const Caller caller = FindCaller(*visit);
+  const workbench::Question& question =
+      QuestionOfPath(std::string_view(visit->target().path).substr(kQuestions.size()));
+  visit->set_operation("workbench/" + std::string(question.name));
+  const Dictionary values = ReadQuestion(question, request);
+  auto place = std::make_shared<Place>(*this, caller.name, "");
+  if (question.call != nullptr) {
+    Call call = CallOf(question.call(values), caller, options_.database, request.peer);
+    Read(call, *visit, place);
+    return;
+  }
+  StreamedAnswer answer(visit->exchange(), AnswerFormat::kJson, {}, visit->Head({{"Cache-Control", "no-store"}}),
+                        options_.rows);
+  RecordsetPtr rows;
+  {
+    const AnswerInParts parts(answer);
+    TransactionConnection connection(host_, session_);
+    const workbench::Asker asker{.user = caller.user, .language = caller.language, .every_shop = caller.every_shop};
+    rows = question.ask(connection.get(), asker, values);
+  }
+  place.reset();
+  answer.Finish(rows, {});
+}
+
 void Door::HandleLogin(VisitPtr& visit) {
   RequireMethods(*visit, {"POST"});
   RefuseForeignPage(visit->request(), false);
@@ -355,10 +386,12 @@ void Door::HandleMetrics(VisitPtr& visit) {
 
 void Door::HandleDocument(VisitPtr& visit) {
   RequireMethods(*visit, {"GET", "HEAD"});
-  const Document& document = *FindDocument(visit->target().path);
+  const Document& document = *documents_.Find(visit->target().path);
+  const char* const keep = document.lasting ? "public, max-age=31536000, immutable" : "no-cache";
   visit->Answer({.status = 200,
-                 .headers = {{"Content-Type", std::string(document.type)}, {"Cache-Control", "no-cache"}},
-                 .body = std::string(document.text)});
+                 .headers = {{"Content-Type", std::string(document.type)}, {"Cache-Control", keep}},
+                 .body = std::string(document.text),
+                 .packed = document.packed});
 }
 
 void Door::HandleReady(VisitPtr& visit) {

@@ -9,11 +9,13 @@
 #include <memory>
 #include <mutex>
 #include <set>
+#include <span>
 #include <string>
 #include <utility>
 
 #include "hosts/http/access/logins.h"
 #include "hosts/http/call.h"
+#include "hosts/http/documents.h"
 #include "hosts/http/events.h"
 #include "hosts/http/identity.h"
 #include "hosts/http/metrics.h"
@@ -46,6 +48,8 @@ struct DoorOptions {
   /// For one call, with its time of waiting.
   std::chrono::milliseconds time{60'000};
   SessionTimes sessions = {};
+  /// The files of the workbench; may be none.
+  std::span<const PageFile> page = {};
   /// Takes a line of JSON for each request; may be empty.
   std::function<void(const std::string&)> log = {};
 };
@@ -78,6 +82,7 @@ class Door {
   void Route(VisitPtr visit);
   void Post(Workers& workers, VisitPtr visit, Handler handler);
   void HandleCall(VisitPtr& visit);
+  void HandleQuestion(VisitPtr& visit);
   void HandleLogin(VisitPtr& visit);
   void HandleLogout(VisitPtr& visit);
   void HandleMe(VisitPtr& visit);
@@ -99,6 +104,7 @@ class Door {
   Host& host_;
   const DoorOptions options_;
   const std::string session_;
+  const Documents documents_;
   Metrics metrics_;
   VisitLog visit_log_;
   std::function<std::size_t()> connections_ = [] { return std::size_t{0}; };

@@ -232,6 +232,31 @@ void AddOperation(SchemaJson& document, const Operation& operation) {
   path["get"] = std::move(get);
 }
 
+/// A question of the workbench. Its values stand in the body, its rows in the answer.
+void AddQuestion(SchemaJson& document, const workbench::Question& question) {
+  const std::string name(question.name);
+  std::string id = "Ask" + name;
+  id[3] = static_cast<char>(id[3] - 'a' + 'A');
+  SchemaJson& schemas = document["components"]["schemas"];
+  SchemaJson body = QuestionSchema(question);
+  const bool rows_are_fixed = !question.columns.empty();
+  if (rows_are_fixed) schemas[id + "Row"] = QuestionRowSchema(question);
+  schemas[id + "Answer"] = {{"type", "object"},
+                            {"required", {"result"}},
+                            {"properties", {{"result", RecordsetSchema(rows_are_fixed ? id + "Row" : "Row")}}}};
+  SchemaJson post = {{"tags", {"workbench"}},
+                     {"operationId", id},
+                     {"summary", FirstSentence(question.help)},
+                     {"description", MarkdownText(question.help)}};
+  post["requestBody"] = {{"required", body.contains("required")}, {"content", Json(SchemaReference(id + "Request"))}};
+  schemas[id + "Request"] = std::move(body);
+  post["responses"]["200"] = {{"description", "The rows"},
+                              {"headers", {{"X-Request-Id", {{"$ref", "#/components/headers/RequestId"}}}}},
+                              {"content", Json(SchemaReference(id + "Answer"))}};
+  AddProblems(post["responses"], {400, 401, 403, 413, 415, 422, 429, 500, 503, 504});
+  document["paths"]["/api/v1/workbench/" + name]["post"] = std::move(post);
+}
+
 struct Route {
   const char* path;
   const char* method;
@@ -304,11 +329,13 @@ std::string OpenApiText() {
       {"tags",
        {{{"name", "clsGetData"}, {"description", "Operations that read"}},
         {{"name", "clsSaveData"}, {"description", "Operations that change orders"}},
+        {{"name", "workbench"}, {"description", "What the workbench page asks beside the operations; it may change"}},
         {{"name", "access"}, {"description", "Logging in and out"}},
         {{"name", "server"}, {"description", "Events, health and metrics"}}}}};
   document["paths"] = SchemaJson::object();
   document["components"] = Components();
   for (const Operation* const operation : Operations()) AddOperation(document, *operation);
+  for (const workbench::Question& question : workbench::Questions()) AddQuestion(document, question);
   AddRoutes(document["paths"]);
   return document.dump();
 }

@@ -189,11 +189,7 @@ SchemaJson ColumnSchema(ValueType type, std::span<const Column> items) {
 SchemaJson ResultSchema(const Operation& operation, const std::string& row_name) {
   SchemaJson schema = ColumnSchema(operation.result, operation.contract->columns);
   if (operation.result == ValueType::kRecordset) {
-    schema = {{"type", "object"},
-              {"properties",
-               {{"fields", {{"type", "array"}, {"items", SchemaReference("Field")}}},
-                {"rows", {{"type", "array"}, {"items", SchemaReference(row_name)}}}}},
-              {"required", {"fields", "rows"}}};
+    schema = RecordsetSchema(row_name);
   } else if (operation.result == ValueType::kVector) {
     schema = {{"type", "array"}, {"items", ColumnsSchema(operation.contract->columns)}};
   }
@@ -265,6 +261,39 @@ SchemaJson QuerySchema(const Operation& operation) {
 SchemaJson RowSchema(const Operation& operation) {
   if (operation.result != ValueType::kRecordset || operation.contract->columns.empty()) return nullptr;
   return ColumnsSchema(operation.contract->columns);
+}
+
+SchemaJson QuestionRowSchema(const workbench::Question& question) {
+  SchemaJson schema = {{"type", "object"}, {"properties", SchemaJson::object()}, {"required", SchemaJson::array()}};
+  for (const Column& column : question.columns) {
+    SchemaJson value = ColumnSchema(column.type, {});
+    if (column.type == ValueType::kDate) value["type"] = {"string", "null"};
+    value["description"] = MarkdownText(column.help);
+    schema["properties"][std::string(column.name)] = std::move(value);
+    schema["required"].push_back(column.name);
+  }
+  return schema;
+}
+
+SchemaJson RecordsetSchema(const std::string& row_name) {
+  return {{"type", "object"},
+          {"properties",
+           {{"fields", {{"type", "array"}, {"items", SchemaReference("Field")}}},
+            {"rows", {{"type", "array"}, {"items", SchemaReference(row_name)}}}}},
+          {"required", {"fields", "rows"}}};
+}
+
+SchemaJson QuestionSchema(const workbench::Question& question) {
+  SchemaJson schema = ObjectSchema(question.keys);
+  for (const Key& key : question.keys) {
+    SchemaJson& property = schema["properties"][std::string(key.name)];
+    if (key.type == ValueType::kString) property["maxLength"] = workbench::kLongestText;
+    if (key.type != ValueType::kVector) continue;
+    property["items"] = NumberSchema(ValueType::kLong);
+    property["minItems"] = 1;
+    property["maxItems"] = workbench::kMostKeys;
+  }
+  return schema;
 }
 
 SchemaJson AnswerSchema(const Operation& operation, const std::string& row_name) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "tessarlorn/operations.h"
+#include "workbench/question.h"
 
 namespace tessarlorn::http {
 
@@ -26,6 +27,15 @@ SchemaJson QuerySchema(const Operation& operation);
 
 /// A row of the recordset that the operation answers; null when it answers none, or the columns are not fixed.
 SchemaJson RowSchema(const Operation& operation);
+
+/// A row that a question of the workbench answers.
+SchemaJson QuestionRowSchema(const workbench::Question& question);
+
+/// A recordset. @param row_name the schema of a row
+SchemaJson RecordsetSchema(const std::string& row_name);
+
+/// What a question of the workbench is asked with.
+SchemaJson QuestionSchema(const workbench::Question& question);
 
 /// The JSON that the operation answers. @param row_name the schema of a row
 SchemaJson AnswerSchema(const Operation& operation, const std::string& row_name);

@@ -10,6 +10,7 @@
 #include "hosts/calls/wrong_call.h"
 #include "platform/handled_error.h"
 #include "platform/text/text.h"
+#include "workbench/question.h"
 
 namespace tessarlorn::http {
 namespace {
@@ -93,6 +94,7 @@ void Visit::Answer(Response response) {
   Response whole = Head(std::move(response.headers));
   whole.status = response.status;
   whole.body = std::move(response.body);
+  whole.packed = response.packed;
   exchange_->Answer(std::move(whole));
 }
 
@@ -128,6 +130,8 @@ Problem ProblemOfException(const std::exception_ptr& exception) {
     return refusal.problem();
   } catch (const WrongCall& wrong) {
     return {.status = 400, .detail = wrong.what(), .key = wrong.name()};
+  } catch (const workbench::WrongValue& wrong) {
+    return {.status = 422, .detail = wrong.what(), .key = wrong.key()};
   } catch (const TransactionLost& lost) {
     return ProblemOf(lost.cause());
   } catch (const ClientGone&) {

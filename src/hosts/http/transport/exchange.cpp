@@ -39,10 +39,14 @@ void Exchange::Answer(Response response) {
   status_ = response.status;
   size_ = response.body.size();
   if (response.body.size() >= kLeastCompressed && TakesGzip(request_)) {
-    Gzip gzip;
-    std::string packed = gzip.Add(response.body);
-    packed += gzip.Finish();
-    response.body = std::move(packed);
+    if (response.packed.empty()) {
+      Gzip gzip;
+      std::string packed = gzip.Add(response.body);
+      packed += gzip.Finish();
+      response.body = std::move(packed);
+    } else {
+      response.body = response.packed;
+    }
     response.headers.emplace_back("Content-Encoding", "gzip");
     response.headers.emplace_back("Vary", "Accept-Encoding");
   }

@@ -40,6 +40,8 @@ struct Response {
   /// Lines of headers that many answers have, each with its CR LF; a text that stays.
   std::string_view common_headers = {};
   std::string body = {};
+  /// The body compressed by gzip, "" when it is not; a text that stays.
+  std::string_view packed = {};
 };
 
 /// A path without its query, decoded, and the pairs of the query in their order, decoded.

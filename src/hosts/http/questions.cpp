@@ -1,0 +1,122 @@
+#include "hosts/http/questions.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "hosts/calls/call_arguments.h"
+#include "hosts/calls/json_arguments.h"
+#include "hosts/http/problem.h"
+#include "platform/text/text.h"
+#include "tessarlorn/error.h"
+
+namespace tessarlorn::http {
+namespace {
+
+[[noreturn]] void RefuseValue(const Key& key, const std::string& wanted) {
+  Refuse(422, std::string(key.name) + " " + wanted, std::string(key.name));
+}
+
+std::int32_t WholeNumberOf(const Key& key, const Variant& value) {
+  const auto* const number = value.get_if<std::int32_t>();
+  if (number == nullptr) RefuseValue(key, "is a whole number of 32 bits");
+  return *number;
+}
+
+Variant TextOf(const Key& key, const Variant& value) {
+  const auto* const text = value.get_if<std::string>();
+  if (text == nullptr) RefuseValue(key, "is a text");
+  if (Utf16Length(*text) > workbench::kLongestText) {
+    RefuseValue(key, "has more than " + std::to_string(workbench::kLongestText) + " characters");
+  }
+  return *text;
+}
+
+Variant DateOf(const Key& key, const Variant& value) {
+  try {
+    if (value.get_if<std::string>() != nullptr) return value.ToDateTime();
+  } catch (const Error&) {
+    // Said below.
+  }
+  RefuseValue(key, "is a date, as 2026-11-22 or 2026-11-22T13:45:00");
+}
+
+Variant KeysOf(const Key& key, const Variant& value) {
+  const std::shared_ptr<Vector> given = value.ToVector();
+  if (!given || given->size() == 0 || given->size() > workbench::kMostKeys) {
+    RefuseValue(key, "is a list of 1 to " + std::to_string(workbench::kMostKeys) + " keys");
+  }
+  Vector keys;
+  for (const Variant& item : *given) keys.Add(WholeNumberOf(key, item));
+  return std::make_shared<Vector>(std::move(keys));
+}
+
+Variant ValueOf(const Key& key, const Variant& value) {
+  switch (key.type) {
+    case ValueType::kLong:
+      return WholeNumberOf(key, value);
+    case ValueType::kBoolean:
+      if (value.get_if<bool>() == nullptr) RefuseValue(key, "is true or false");
+      return value;
+    case ValueType::kDate:
+      return DateOf(key, value);
+    case ValueType::kVector:
+      return KeysOf(key, value);
+    default:
+      return TextOf(key, value);
+  }
+}
+
+const Key& RequireKey(const workbench::Question& question, const std::string& name) {
+  std::vector<std::string_view> names;
+  for (const Key& key : question.keys) {
+    if (key.name == name) return key;
+    names.push_back(key.name);
+  }
+  Refuse(400, std::string(question.name) + " has no key " + name + DidYouMean(name, names), name);
+}
+
+}  // namespace
+
+const workbench::Question& QuestionOfPath(std::string_view name) {
+  if (const workbench::Question* const question = workbench::FindQuestion(name)) return *question;
+  std::vector<std::string_view> names;
+  for (const workbench::Question& question : workbench::Questions()) names.push_back(question.name);
+  Refuse(404, "there is no question " + std::string(name) + DidYouMean(name, names));
+}
+
+Dictionary ReadQuestion(const workbench::Question& question, const Request& request) {
+  if (request.method != "POST") RefuseMethod(std::string(question.name), "POST");
+  const Variant json = ReadBody(request);
+  if (json.is_empty()) return {};
+  const std::shared_ptr<Dictionary> given = json.ToDictionary();
+  if (!given) Refuse(400, "the body is an object");
+  Dictionary values;
+  for (const auto& [name, value] : *given) values.SetValue(name, ValueOf(RequireKey(question, name), value));
+  for (const Key& key : question.keys) {
+    if (key.need != Need::kMandatory || values.Exists(key.name)) continue;
+    Refuse(400, std::string(question.name) + " wants the key " + std::string(key.name), std::string(key.name));
+  }
+  return values;
+}
+
+Call CallOf(const workbench::OperationCall& asked, const Caller& caller, std::string_view database,
+            std::string_view client) {
+  const Operation& operation = RequireOperation(asked.operation);
+  if (!caller.role->Allows(operation)) {
+    Refuse(403, "the role " + caller.role->name() + " may not call " + std::string(operation.name));
+  }
+  Call call;
+  call.operation = &operation;
+  call.caller = caller;
+  call.session = SessionStringFor(database, caller, client);
+  for (const Argument& argument : operation.arguments()) {
+    Variant value;
+    if (argument.is_connection) value = call.session;
+    if (argument.name == asked.argument) value = std::make_shared<Dictionary>(asked.values);
+    call.arguments.push_back(std::move(value));
+  }
+  return call;
+}
+
+}  // namespace tessarlorn::http

@@ -1,0 +1,194 @@
+#include "workbench/orders.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "platform/text/text.h"
+#include "workbench/statement.h"
+#include "workbench/tabs.h"
+
+namespace tessarlorn::workbench {
+namespace {
+
+/// A value that orders are compared with, by its key.
+struct Comparison {
+  std::string_view key;
+  /// Names the parameter of that name.
+  std::string_view condition;
+  std::string_view type;
+};
+
+constexpr std::array kComparisons = {
+    Comparison{"orderedFrom", "t1.FOrderDate >= @orderedFrom", "datetime"},
+    Comparison{"orderedTo", "t1.FOrderDate <= @orderedTo", "datetime"},
+    Comparison{"paidFrom", "t1.FSitePayDate >= @paidFrom", "datetime"},
+    Comparison{"paidTo", "t1.FSitePayDate <= @paidTo", "datetime"},
+    Comparison{"sentFrom", "t1.FSendDate >= @sentFrom", "datetime"},
+    Comparison{"sentTo", "t1.FSendDate <= @sentTo", "datetime"},
+    Comparison{"shop", "t1.FWebshopID = @shop", "int"},
+    Comparison{"carrier", "t1.FLogisticsID = @carrier", "int"},
+    Comparison{"warehouse",
+               "EXISTS (SELECT 1 FROM IC_Web2ERPOrdersEntry e with(nolock) WHERE e.FID = t1.FID AND e.FStockID = "
+               "@warehouse)",
+               "int"},
+    Comparison{"orderType", "t1.FOrderType = @orderType", "int"},
+    Comparison{"flag", "t1.FOrderFlag = @flag", "int"},
+    Comparison{"lot", "t22.FLotNumber = @lot", "nvarchar(50)"},
+    Comparison{"printedSlip", "ISNULL(t28.FIsPrintSend, 0) = @printedSlip", "int"},
+    Comparison{"printedWaybill", "ISNULL(t28.FIsPrintExpress, 0) = @printedWaybill", "int"},
+    Comparison{"checked", "t1.FPIckingGoodsStatus = @checked", "int"},
+    Comparison{"weighed", "t1.FWeighttingStatus = @weighed", "int"},
+};
+
+/// A text of which a part is enough.
+constexpr std::array kParts = {
+    Comparison{"buyer",
+               "(t1.FBuyerNick LIKE @buyer ESCAPE '\\' OR t1.FBuyerName LIKE @buyer ESCAPE '\\' OR t1.FConsignee LIKE "
+               "@buyer ESCAPE '\\')",
+               "nvarchar(400)"},
+    Comparison{"waybill", "t1.FLogisticsOrder LIKE @waybill ESCAPE '\\'", "nvarchar(400)"},
+    Comparison{
+        "text",
+        "(t1.FBuyerMessage LIKE @text ESCAPE '\\' OR t1.FSellerMessage LIKE @text ESCAPE '\\' OR t1.FDeliveryRemark "
+        "LIKE @text ESCAPE '\\' OR t1.FShippingRem LIKE @text ESCAPE '\\' OR t1.FPickRem LIKE @text ESCAPE '\\' OR "
+        "t22.FItemSummary LIKE @text ESCAPE '\\')",
+        "nvarchar(400)"},
+};
+
+constexpr std::array<std::string_view, 10> kSortable = {"FID",        "FOrderID",       "FOrderDate", "FSitePayDate",
+                                                        "FSendDate",  "FAmount",        "FWeight",    "FConsignee",
+                                                        "FBuyerNick", "FLogisticsOrder"};
+
+/// The text as LIKE takes it letter by letter.
+std::string Escaped(const std::string& text) {
+  std::string escaped;
+  for (const char letter : text) {
+    if (letter == '%' || letter == '_' || letter == '[' || letter == '\\') escaped += '\\';
+    escaped += letter;
+  }
+  return escaped;
+}
+
+std::string OrderBy(const Dictionary& values) {
+  const std::string sort = values.GetValue("sort", "FSitePayDate").ToText();
+  const std::string direction = values.GetValue("descending", false).ToBool() ? " DESC" : "";
+  // The place in a print run is a number, stored as a text.
+  if (sort == "FSerialNumber") return "TRY_CAST(t22.FSerialNumber AS int)" + direction + ", t1.FID" + direction;
+  if (std::find(kSortable.begin(), kSortable.end(), sort) == kSortable.end()) {
+    throw WrongValue("sort", "sort is no column that orders can be sorted by: " + OnOneLine(sort) +
+                                 DidYouMean(sort, {kSortable.begin(), kSortable.end()}));
+  }
+  const std::string second = sort == "FID" ? "" : ", t1.FID" + direction;
+  return "t1." + sort + direction + second;
+}
+
+const Tab& RequireTab(const std::string& name) {
+  if (const Tab* const tab = FindTab(name)) return *tab;
+  std::vector<std::string_view> names;
+  for (const Tab& tab : Tabs()) names.push_back(tab.name);
+  throw WrongValue("tab", "tab is none of the list's tabs: " + OnOneLine(name) + DidYouMean(name, names));
+}
+
+std::string NameColumn(const Asker& asker) { return asker.language == "CHS" ? "FName" : "FName_CHT"; }
+
+}  // namespace
+
+RecordsetPtr AskTabs(Connection& connection, const Asker& asker, const Dictionary&) {
+  Statement statement;
+  for (const Tab& tab : Tabs()) {
+    statement.Add(&tab == Tabs().data() ? "SELECT '" : " UNION ALL SELECT '")
+        .Add(tab.name)
+        .Add("' AS FTab, ")
+        .Add(ReplaceAll(tab.count, "{shops}", OfShops(asker)))
+        .Add(" AS FOrders");
+  }
+  return statement.SetShops(asker).Run(connection);
+}
+
+RecordsetPtr AskOrders(Connection& connection, const Asker& asker, const Dictionary& values) {
+  const std::int32_t most = values.GetValue("most", kMostOrders).ToInt32();
+  if (most < 1 || most > kMostOrders) {
+    throw WrongValue("most", "most is 1 to " + std::to_string(kMostOrders) + ", not " + std::to_string(most));
+  }
+  Statement statement(
+      "SELECT TOP (@most) t1.FID FROM IC_Web2ERPOrders t1 with(nolock) LEFT JOIN IC_Web2ERPOrdersEx t22 with(nolock) ON "
+      "t22.FID = t1.FID LEFT JOIN IC_StockBillOrdersStatus t23 with(nolock) ON t23.FID = t1.FID LEFT JOIN "
+      "IC_PrintOrderInfo t28 with(nolock) ON t28.FID = t1.FID WHERE 1 = 1");
+  statement.Set("@most", "int", most).SetShops(asker).Add(OfShops(asker));
+  if (const Variant* const tab = values.Find("tab")) statement.Add(" AND ").Add(RequireTab(tab->ToText()).condition);
+  const auto add = [&](const Comparison& comparison, Variant value) {
+    statement.Add(" AND ").Add(comparison.condition);
+    statement.Set("@" + std::string(comparison.key), std::string(comparison.type), std::move(value));
+  };
+  for (const Comparison& comparison : kComparisons) {
+    const Variant* const value = values.Find(comparison.key);
+    if (value == nullptr) continue;
+    add(comparison, value->get_if<bool>() != nullptr ? Variant(value->ToBool() ? 1 : 0) : *value);
+  }
+  for (const Comparison& part : kParts) {
+    const Variant* const value = values.Find(part.key);
+    if (value != nullptr) add(part, "%" + Escaped(value->ToText()) + "%");
+  }
+  return statement.Add(" ORDER BY ").Add(OrderBy(values)).Run(connection);
+}
+
+OperationCall CallForRows(const Dictionary& values) {
+  std::string list;
+  for (const Variant& key : *values.GetValue("keys").ToVector()) {
+    list.append(list.empty() ? "" : ",").append(std::to_string(key.ToInt32()));
+  }
+  const bool locked = values.GetValue("locked", false).ToBool();
+  return {.operation = "GetListData",
+          .argument = "Filter",
+          .values = {{"AdvancedFilter", " AND t1.FID IN (" + list + ")"}, {"IsLock", locked ? 1 : 0}}};
+}
+
+RecordsetPtr AskFind(Connection& connection, const Asker& asker, const Dictionary& values) {
+  const std::string text(Trim(values.GetValue("text").ToText()));
+  Statement statement(
+      "SELECT TOP (20) t1.FID, t1.FOrderID, t1.FSiteOrderID, t1.FLogisticsOrder, "
+      "ISNULL(CAST(t1.FUniqueCode AS nvarchar(30)), '') AS FUniqueCode, t1.FConsignee, t1.FOrderStatus FROM ("
+      "SELECT FID, MIN(FRank) AS FRank FROM (");
+  // Each number is looked for in its own index.
+  statement.Add("SELECT FID, 1 AS FRank FROM IC_Web2ERPOrders with(nolock) WHERE FID = @number")
+      .Add(" UNION ALL SELECT FID, 0 FROM IC_Web2ERPOrders with(nolock) WHERE FUniqueCode = @code")
+      .Add(
+          " UNION ALL SELECT FID, CASE WHEN FOrderID = @text THEN 0 ELSE 2 END FROM IC_Web2ERPOrders with(nolock) WHERE "
+          "FOrderID LIKE @start ESCAPE '\\'")
+      .Add(
+          " UNION ALL SELECT FID, CASE WHEN FLogisticsOrder = @text THEN 0 ELSE 2 END FROM IC_Web2ERPOrders "
+          "with(nolock) WHERE FLogisticsOrder LIKE @start ESCAPE '\\'")
+      .Add(" UNION ALL SELECT FID, 1 FROM IC_Web2ERPOrdersEntry with(nolock) WHERE FSiteOrderID = @text")
+      .Add(") t3 GROUP BY FID) t2 INNER JOIN IC_Web2ERPOrders t1 with(nolock) ON t1.FID = t2.FID WHERE 1 = 1")
+      .Add(OfShops(asker))
+      .Add(" ORDER BY t2.FRank, t1.FID DESC");
+  constexpr std::size_t kMostDigits = 23;
+  const bool digits =
+      !text.empty() && text.size() <= kMostDigits && text.find_first_not_of("0123456789") == std::string::npos;
+  const std::optional<std::int32_t> number = WholeNumber<std::int32_t>(text);
+  return statement.Set("@text", "nvarchar(255)", text)
+      .Set("@start", "nvarchar(600)", text.empty() ? "" : Escaped(text) + "%")
+      .Set("@number", "int", number ? Variant(*number) : Variant())
+      .Set("@code", "decimal(23,0)", digits ? Variant(text) : Variant())
+      .SetShops(asker)
+      .Run(connection);
+}
+
+RecordsetPtr AskChoices(Connection& connection, const Asker& asker, const Dictionary&) {
+  const std::string name = NameColumn(asker);
+  Statement statement(
+      "SELECT 'shop' AS FKind, t1.FWebShopID AS FID, '' AS FNumber, t1.FWebShopName AS FName FROM IC_WebshopToStorage t1 "
+      "with(nolock) WHERE 1 = 1");
+  statement.Add(OfShops(asker))
+      .Add(" UNION ALL SELECT 'carrier', FItemID, FNumber, " + name + " FROM IC_Logistics with(nolock)")
+      .Add(" UNION ALL SELECT 'warehouse', FItemID, FNumber, FName FROM t_Stock with(nolock)")
+      .Add(" UNION ALL SELECT 'employee', FItemID, FNumber, FName FROM t_Emp with(nolock)")
+      .Add(" UNION ALL SELECT 'orderType', FInterID, '', " +
+           (name == "FName" ? name : "CASE FName_CHT WHEN '' THEN FName ELSE FName_CHT END") +
+           " FROM t_SubMessage with(nolock) WHERE FTypeID = (SELECT FTypeID FROM t_SubMessage WHERE FInterID = 38112)")
+      .Add(" ORDER BY FKind, FNumber, FID");
+  return statement.SetShops(asker).Run(connection);
+}
+
+}  // namespace tessarlorn::workbench

@@ -1,6 +1,10 @@
 # Writes the C++ source that holds the texts of some files, see tessarlorn_embed in targets.cmake.
 # cmake -D FILES=<file>,... -D HEADER=<header> -D SPAN=<type> -D FUNCTION=<name> -D OUTPUT=<file> -P embed_files.cmake
+# With FOLDER in place of FILES all files of the folder; with neither, none.
 string(REPLACE "," ";" files "${FILES}")
+if(FOLDER)
+  file(GLOB files ${FOLDER}/*)
+endif()
 list(SORT files)
 set(items "")
 foreach(file IN LISTS files)
@@ -8,11 +12,9 @@ foreach(file IN LISTS files)
   get_filename_component(name ${file} NAME)
   string(APPEND items "      {\"${name}\", R\"embedded(${text})embedded\"},\n")
 endforeach()
-file(WRITE ${OUTPUT} "#include \"${HEADER}\"
-
-${SPAN} ${FUNCTION}() {
-  static constexpr ${SPAN}::value_type kFiles[] = {
-${items}  };
-  return kFiles;
-}
-")
+if(items STREQUAL "")
+  set(body "  return {};\n")
+else()
+  set(body "  static constexpr ${SPAN}::value_type kFiles[] = {\n${items}  };\n  return kFiles;\n")
+endif()
+file(WRITE ${OUTPUT} "#include \"${HEADER}\"\n\n${SPAN} ${FUNCTION}() {\n${body}}\n")

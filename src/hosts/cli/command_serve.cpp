@@ -10,6 +10,7 @@
 #include "hosts/cli/commands.h"
 #include "hosts/cli/console/password.h"
 #include "hosts/cli/console/usage_error.h"
+#include "hosts/cli/serving/demo.h"
 #include "hosts/cli/serving/serving.h"
 #include "hosts/tds/users.h"
 
@@ -25,7 +26,8 @@ second signal.
 
 Over TDS the users stand in a file, with hashes of their passwords; --add-user reads a password from standard input and
 adds one. Over HTTP users, tokens and roles stand in the database: 'tessarlorn user', 'token' and 'role'. There the
-operations are called: POST /api/v1/clsGetData/GetListData. /api/v1/docs shows all of them, and lets them be tried.
+operations are called: POST /api/v1/clsGetData/GetListData. /api/v1/docs shows all of them, and lets them be tried. The
+address itself is the workbench, the page on which people in the warehouse work; --demo shows it with sample orders.
 
 Only addresses of this machine are served unless --allow-remote is given, and then only with a certificate, or with
 --allow-plain: without TLS passwords and data can be read on their way. Behind a proxy that has TLS: --behind-proxy
@@ -36,6 +38,7 @@ A connection string with Replica={...} sends reads to that copy of the database.
 Exit status: 0 when it was ended, 2 when it was called in a wrong way, 3 when it could not serve.
 
 Examples:
+  tessarlorn serve --http 127.0.0.1:8080 --demo
   tessarlorn serve --http 127.0.0.1:8080 --dsn Embedded=orders.db
   tessarlorn serve --add-user ann --users users.txt
   tessarlorn serve --tds 127.0.0.1:1433 --users users.txt --dsn Embedded=orders.db
@@ -108,8 +111,12 @@ std::vector<std::unique_ptr<ServedDoor>> MakeDoors(const ServeOptions& options, 
   return doors;
 }
 
-ExitStatus RunServe(const ServeOptions& options, const CommandContext& context) {
+ExitStatus RunServe(const ServeOptions& options, CommandContext& context) {
   if (!options.add_user.empty()) return AddUser(options);
+  if (options.demo && (options.http.empty() || options.allow_remote)) {
+    throw UsageError("--demo goes with --http, and for this machine only: its password is shown");
+  }
+  const std::string demo_password = options.demo ? PrepareDemo(context) : "";
   AllowOpenFiles(static_cast<std::size_t>((options.tds.empty() ? 0 : options.connections) +
                                           (options.http.empty() ? 0 : options.http_connections / 3)));
   const std::vector<std::unique_ptr<ServedDoor>> doors = MakeDoors(options, context);
@@ -117,6 +124,11 @@ ExitStatus RunServe(const ServeOptions& options, const CommandContext& context) 
   for (const std::unique_ptr<ServedDoor>& door : doors) {
     std::cout << "listening on " << door->place() << '\n' << std::flush;
     WriteLog("serving on " + door->place());
+  }
+  if (options.demo) {
+    std::cout << "\nThe workbench is at " << doors.back()->place() << "\nLog in as demo with the password "
+              << demo_password << "\nCtrl-C ends it.\n"
+              << std::flush;
   }
   std::thread other;
   if (doors.size() > 1) other = std::thread([&doors] { doors[1]->Run(); });
@@ -165,6 +177,7 @@ void AddServeCommand(CLI::App& app, CommandContext& context) {
   limit("--session-idle", options->session_minutes, 7 * 1440, "Minutes after which a silent session of the page ends");
   limit("--session-length", options->session_hours, 365 * 24, "Hours after which every session of the page ends");
   limit("--replica-lag", options->replica_lag_seconds, 3600, "Seconds that a replica may be behind");
+  command->add_flag("--demo", options->demo, "Make sample orders where there are none, and show a login for the page");
   command->add_flag("--verbose", options->verbose, "Log logins and statements, too");
   AddConnectionOptions(*command, context);
   command->footer(kServeFooter);

@@ -52,6 +52,7 @@ http::DoorOptions MakeDoorOptions(const ServeOptions& options, const CommandCont
   door.sessions.idle = std::chrono::minutes(options.session_minutes);
   door.sessions.whole = std::chrono::hours(options.session_hours);
   door.log = WriteLogLine;
+  door.page = http::WorkbenchFiles();
   return door;
 }
 

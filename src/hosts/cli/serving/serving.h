@@ -21,6 +21,8 @@ struct ServeOptions {
   bool allow_plain = false;
   bool behind_proxy = false;
   bool verbose = false;
+  /// Whether it is for a newcomer to try.
+  bool demo = false;
   int connections = 200;
   int message_megabytes = 64;
   int memory_megabytes = 1024;

@@ -1,0 +1,107 @@
+// The filters as chips, and the dialog that changes them.
+import { useEffect, useRef } from 'preact/hooks';
+import { go } from '../shell/route.js';
+import { Dialog } from '../parts/dialog.js';
+import { common } from '../words/common.js';
+import { fill } from '../words/language.js';
+import { useChoices } from './choices.js';
+import { fields, flags, keysOf, saidOf, without, type Field } from './filter.js';
+import { words } from './words.js';
+
+export function FilterChips({ query, onChange }: { query: URLSearchParams; onChange: (field: Field) => void }) {
+  const choices = useChoices();
+  const said = fields.map((field) => ({ field, text: saidOf(field, query, choices) })).filter(({ text }) => text);
+  if (!said.length) return null;
+  return (
+    <ul class="chips" aria-label={words.filters}>
+      {said.map(({ field, text }) => {
+        const filter = `${words[field.name]}: ${text}`;
+        return (
+          <li key={field.name}>
+            <button type="button" aria-label={fill(words.changeFilter, { filter })} onClick={() => onChange(field)}>
+              {filter}
+            </button>
+            <button type="button" aria-label={fill(words.removeFilter, { filter })}
+              onClick={() => go('orders', without(query, keysOf(field)))}>×</button>
+          </li>
+        );
+      })}
+      <li>
+        <button type="button" onClick={() => go('orders', without(query, fields.flatMap(keysOf)))}>
+          {words.clear}
+        </button>
+      </li>
+    </ul>
+  );
+}
+
+interface DialogProps {
+  readonly query: URLSearchParams;
+  /** Where the focus begins. */
+  readonly first: string;
+  readonly onClose: () => void;
+}
+
+export function FilterDialog({ query, first, onClose }: DialogProps) {
+  const form = useRef<HTMLFormElement>(null);
+  useEffect(() => form.current?.querySelector<HTMLElement>(`[name="${first}"]`)?.focus(), []);
+  const submit = (event: SubmitEvent) => {
+    event.preventDefault();
+    const wanted = without(query, fields.flatMap(keysOf));
+    for (const [name, value] of new FormData(form.current!)) {
+      if (String(value).trim()) wanted.set(name, String(value).trim());
+    }
+    onClose();
+    go('orders', wanted);
+  };
+  return (
+    <Dialog title={words.filters} onClose={onClose} wide>
+      <form ref={form} class="filters" onSubmit={submit}>
+        <div class="fields">{fields.map((field) => <FilterField key={field.name} field={field} query={query} />)}</div>
+        <div class="row end">
+          <button type="button" onClick={onClose}>{common.cancel}</button>
+          <button class="main">{words.apply}</button>
+        </div>
+      </form>
+    </Dialog>
+  );
+}
+
+function FilterField({ field, query }: { field: Field; query: URLSearchParams }) {
+  const choices = useChoices();
+  const label = words[field.name];
+  if (field.kind === 'dates') {
+    const [from, to] = field.keys;
+    return (
+      <>
+        <label class="field">
+          {fill(words.from, { name: label })}
+          <input type="date" name={from} defaultValue={query.get(from) ?? ''} />
+        </label>
+        <label class="field">
+          {fill(words.to, { name: label })}
+          <input type="date" name={to} defaultValue={query.get(to) ?? ''} />
+        </label>
+      </>
+    );
+  }
+  const value = query.get(field.name) ?? '';
+  if (field.kind === 'text') {
+    return <label class="field">{label}<input name={field.name} defaultValue={value} autocomplete="off" /></label>;
+  }
+  const options = field.kind === 'choice'
+    ? choices.filter(({ FKind }) => FKind === field.from).map(({ FID, FName }) => [String(FID), FName] as const)
+    : field.kind === 'yesNo' ? [['true', common.yes], ['false', common.no]] as const
+      : flags.map((flag) => [flag, flag] as const);
+  return (
+    <label class="field">
+      {label}
+      <select name={field.name}>
+        <option value="">{common.all}</option>
+        {options.map(([option, text]) => (
+          <option key={option} value={option} selected={option === value}>{text}</option>
+        ))}
+      </select>
+    </label>
+  );
+}

@@ -1,0 +1,103 @@
+// What the prints show.
+import { answerOf, door, newKey, type Schemas } from '../api/door.js';
+import { ask } from '../api/workbench.js';
+import { rowsOf } from '../scan/data.js';
+import type { Row } from '../scan/jobs.js';
+import { fill } from '../words/language.js';
+import { words } from './words.js';
+
+export type PickRow = Schemas['GetPrintRecordsetForPickRow'] & { FOrders?: number; FSerialNumbers?: string };
+export type NoteRow = Schemas['GetPrintRecordsetForDeliveryRow'];
+
+export const kinds = ['pick', 'collected', 'note', 'list', 'label'] as const;
+export type Kind = (typeof kinds)[number];
+
+/** Types of print whose number is limited. Labels are not. */
+const limits: Partial<Record<Kind, number>> = { pick: 10143011, collected: 10143011, note: 10143012, list: 10143014 };
+
+/** Everything that one print shows; each kind fills what it needs. */
+export interface Material {
+  readonly keys: readonly number[];
+  /** Orders that were printed as often as allowed, in words. */
+  readonly leftOut: readonly string[];
+  readonly pick: readonly PickRow[];
+  readonly collected: readonly PickRow[];
+  readonly notes: readonly NoteRow[];
+  readonly totals: ReadonlyMap<number, number>;
+  readonly rows: readonly Row[];
+}
+
+async function overLimit(keys: readonly number[], kind: Kind): Promise<Map<string, string>> {
+  const type = limits[kind];
+  if (!type) return new Map();
+  const { result } = await answerOf(door.POST('/api/v1/clsGetData/GetOverMaxPrintCountBillInfo', {
+    body: { dctPara: { FID: keys.join(','), PrintID: type } },
+  }));
+  return new Map((result ?? []).map((found: Record<string, string | number>) => {
+    const times = Object.entries(found).find(([name]) => /^FPrint\w+/.test(name) && name !== 'FPrintMaxCount')?.[1];
+    const order = String(found['FOrderID']);
+    return [order, fill(words.timesOf, { order, times: String(times), most: String(found['FPrintMaxCount']) })];
+  }));
+}
+
+async function pickRows(keys: readonly number[], mode: 0 | 1): Promise<PickRow[]> {
+  const { result } = await answerOf(door.POST('/api/v1/clsGetData/GetPrintRecordsetForPick', {
+    body: { dctParam: { FID: keys.join(','), Mode: mode } },
+  }));
+  return result?.rows ?? [];
+}
+
+async function noteRows(keys: readonly number[]): Promise<NoteRow[]> {
+  const { result } = await answerOf(door.POST('/api/v1/clsGetData/GetPrintRecordsetForDelivery', {
+    body: { dctParam: { FID: keys.join(',') } },
+  }));
+  return result?.rows ?? [];
+}
+
+/** The totals come in no certain order, so each order is asked by itself. */
+async function totalsOf(keys: readonly number[]): Promise<Map<number, number>> {
+  const { orders } = await answerOf(door.POST('/api/v1/clsGetData/GetSumRecordsetDataForDelivery', {
+    params: { query: { each: 'order' } }, body: { dctParam: { FID: keys.join(',') } },
+  }));
+  const totals = (orders ?? []).map(({ order, result }) => [order, result?.rows[0]?.FTotalAmount ?? 0]);
+  return new Map(totals.map(([order, total]) => [Number(order), Number(total)]));
+}
+
+/** The orders that a link names, by keys or by lot. */
+export async function keysOf(query: URLSearchParams): Promise<number[]> {
+  const keys = (query.get('keys') ?? '').split(',').map(Number).filter(Boolean);
+  const lot = query.get('lot');
+  const ofLot = lot ? await ask('orders', { lot }) : [];
+  return [...new Set([...keys, ...ofLot.map(({ FID }) => FID)])];
+}
+
+export async function materialOf(asked: readonly number[], kind: Kind): Promise<Material> {
+  const nothing: Material = { keys: [], leftOut: [], pick: [], collected: [], notes: [], totals: new Map(), rows: [] };
+  if (!asked.length) return nothing;
+  const [over, all] = await Promise.all([overLimit(asked, kind), rowsOf(asked)]);
+  const rows = all.filter((row) => !over.has(String(row['FOrderID'])));
+  const keys = rows.map(({ FID }) => FID);
+  const found = { ...nothing, keys, rows, leftOut: [...over.values()] };
+  if (!keys.length) return found;
+  switch (kind) {
+    case 'pick':
+      return { ...found, pick: await pickRows(keys, 0) };
+    case 'collected':
+      return { ...found, collected: await pickRows(keys, 1) };
+    case 'note': {
+      const [notes, totals] = await Promise.all([noteRows(keys), totalsOf(keys)]);
+      return { ...found, notes, totals };
+    }
+    default:
+      return found;
+  }
+}
+
+/** Gives the orders a new lot, and serial numbers in the order of the keys. @return the lot */
+export async function giveNumbers(keys: readonly number[], key = newKey()): Promise<string> {
+  await answerOf(door.POST('/api/v1/clsSaveData/SavePrintSerialNumber', {
+    params: { header: { 'Idempotency-Key': key } }, body: { vctOrderInfo: keys.map((FID) => ({ FID })) },
+  }));
+  const [row] = await ask('rows', { keys: keys.slice(0, 1) });
+  return String(row?.['FLotNumber'] ?? '');
+}

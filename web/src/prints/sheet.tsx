@@ -1,0 +1,16 @@
+// Parts of all sheets.
+import { locale } from '../words/language.js';
+
+type Fact = readonly [name: string, value: string | number | null | undefined];
+
+export function Facts({ facts }: { facts: readonly Fact[] }) {
+  return (
+    <dl class="facts">
+      {facts.filter(([, value]) => value).map(([name, value]) => <div key={name}><dt>{name}</dt><dd>{value}</dd></div>)}
+    </dl>
+  );
+}
+
+export function today(): string {
+  return new Intl.DateTimeFormat(locale(), { dateStyle: 'medium' }).format();
+}

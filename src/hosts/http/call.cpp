@@ -154,9 +154,7 @@ const Operation& OperationOfPath(std::string_view path) {
   Refuse(404, "there is no operation " + std::string(path) + DidYouMean(path, {names.begin(), names.end()}));
 }
 
-Call ReadCall(const Request& request, const Target& target, const Operation& operation, const Caller& caller,
-              std::string_view database, std::string_view client) {
-  RequireMethod(request, operation);
+Call CallTo(const Operation& operation, const Caller& caller, std::string_view database, std::string_view client) {
   if (!caller.role->Allows(operation)) {
     Refuse(403, "the role " + caller.role->name() + " may not call " + std::string(operation.name));
   }
@@ -164,6 +162,13 @@ Call ReadCall(const Request& request, const Target& target, const Operation& ope
   call.operation = &operation;
   call.caller = caller;
   call.session = SessionStringFor(database, caller, client);
+  return call;
+}
+
+Call ReadCall(const Request& request, const Target& target, const Operation& operation, const Caller& caller,
+              std::string_view database, std::string_view client) {
+  RequireMethod(request, operation);
+  Call call = CallTo(operation, caller, database, client);
   const std::optional<AnswerFormat> format = FormatFor(request.Header("Accept"));
   if (!format) Refuse(406, "answers are application/json, application/x-ndjson or text/csv");
   call.format = *format;

@@ -49,6 +49,10 @@ Variant ReadBody(const Request& request);
 /// one.
 const Operation& OperationOfPath(std::string_view path);
 
+/// A call without its arguments. Raises Refusal 403 when the caller's role may not make it.
+/// @param client address of the client
+Call CallTo(const Operation& operation, const Caller& caller, std::string_view database, std::string_view client);
+
 /// Reads and checks a call, before anything of it reaches a database. Raises Refusal: 400, 403, 405, 406, 415, 422.
 /// @param client address of the client
 Call ReadCall(const Request& request, const Target& target, const Operation& operation, const Caller& caller,

@@ -103,13 +103,7 @@ Dictionary ReadQuestion(const workbench::Question& question, const Request& requ
 Call CallOf(const workbench::OperationCall& asked, const Caller& caller, std::string_view database,
             std::string_view client) {
   const Operation& operation = RequireOperation(asked.operation);
-  if (!caller.role->Allows(operation)) {
-    Refuse(403, "the role " + caller.role->name() + " may not call " + std::string(operation.name));
-  }
-  Call call;
-  call.operation = &operation;
-  call.caller = caller;
-  call.session = SessionStringFor(database, caller, client);
+  Call call = CallTo(operation, caller, database, client);
   for (const Argument& argument : operation.arguments()) {
     Variant value;
     if (argument.is_connection) value = call.session;

@@ -144,6 +144,9 @@ function parcels(count) {
 async function packersMorning() {
   const [first, second, third] = parcels(3);
   const page = await pageOf('ann');
+  await page.goto(`${served.url}/#/shelf`);
+  await page.getByRole('heading').first().waitFor();
+  await look(page, 'shelf');
   await page.goto(`${served.url}/#/desk`);
   await page.getByText('Ready. Scan a parcel.').waitFor();
   const pack = async ({ code, weight }) => {
@@ -191,6 +194,7 @@ async function prints() {
   execFileSync('pdftoppm', ['-r', '200', '-png', 'label.pdf', 'label']);
   const size = execFileSync('pdfinfo', ['label.pdf']).toString();
   assert.match(size, /Pages: +1\n/);
+  assert.match(size, /Page size: +28[23]\.\d+ x 425\.\d+ pts/, 'the label is 100 x 150 mm');
   const codes = execFileSync('zbarimg', ['-q', '--raw', 'label-1.png']).toString().trim().split('\n').sort();
   assert.deepEqual(codes, [parcel.Code, parcel.FLogisticsOrder].sort(), 'both codes of the label can be read');
   await page.context().close();

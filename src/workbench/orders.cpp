@@ -56,9 +56,9 @@ constexpr std::array kParts = {
         "nvarchar(400)"},
 };
 
-constexpr std::array<std::string_view, 10> kSortable = {"FID",        "FOrderID",       "FOrderDate", "FSitePayDate",
-                                                        "FSendDate",  "FAmount",        "FWeight",    "FConsignee",
-                                                        "FBuyerNick", "FLogisticsOrder"};
+constexpr std::array<std::string_view, 11> kSortable = {"FID",        "FOrderID",        "FOrderDate",   "FSitePayDate",
+                                                        "FSendDate",  "FAmount",         "FWeight",      "FConsignee",
+                                                        "FBuyerNick", "FLogisticsOrder", "FSerialNumber"};
 
 /// The text as LIKE takes it letter by letter.
 std::string Escaped(const std::string& text) {

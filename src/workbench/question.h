@@ -63,6 +63,8 @@ struct Question {
   RecordsetPtr (*ask)(Connection& connection, const Asker& asker, const Dictionary& values) = nullptr;
   /// In its place, for a question to an operation.
   OperationCall (*call)(const Dictionary& values) = nullptr;
+  /// The operation that whoever asks must be allowed to call: it shows as much.
+  std::string_view right = "GetListData";
 };
 
 /// In the order in which the description lists them.

@@ -1,6 +1,7 @@
 // The questions of the workbench: they agree with the list of orders, and show nobody more than it does.
 #include <nlohmann/json.hpp>
 
+#include "hosts/http/access/roles.h"
 #include "http/door_support.h"
 
 namespace tessarlorn::http {
@@ -86,6 +87,14 @@ TEST_F(WorkbenchTest, TakesTextsAsTheyAre) {
   EXPECT_EQ(history[0]["FNewValue"], hostile);
 }
 
+TEST_F(WorkbenchTest, IsForRolesThatMayCallTheList) {
+  AddRole(database_.connection(), "pickonly", {"ConfirmBill"});
+  const std::string caller = AddCaller(database_.connection(), "low", 16394, "pickonly");
+  for (const char* question : {"tabs", "orders", "choices"}) {
+    EXPECT_EQ(Answer(question, caller, Json::object()).status, 403) << question;
+  }
+}
+
 TEST_F(WorkbenchTest, NamesTheKeyAtFault) {
   struct Case {
     const char* question;
@@ -97,7 +106,10 @@ TEST_F(WorkbenchTest, NamesTheKeyAtFault) {
        {Case{"orders", {{"tba", "locked"}}, 400, "tba"}, Case{"orders", {{"tab", "open"}}, 422, "tab"},
         Case{"orders", {{"sort", "FID; drop table t"}}, 422, "sort"}, Case{"orders", {{"most", 0}}, 422, "most"},
         Case{"orders", {{"shop", "101"}}, 422, "shop"}, Case{"orders", {{"paidTo", "soon"}}, 422, "paidTo"},
-        Case{"rows", {{"keys", {"1) OR (1=1"}}}, 422, "keys"}, Case{"find", Json::object(), 400, "text"}}) {
+        Case{"rows", {{"keys", {"1) OR (1=1"}}}, 422, "keys"},
+        Case{"orders", {{"paidTo", "1600-01-01"}}, 422, "paidTo"},
+        Case{"orders", {{"paidTo", "5/6/2024"}}, 422, "paidTo"}, Case{"find", {{"text", " "}}, 422, "text"},
+        Case{"find", Json::object(), 400, "text"}}) {
     const HttpAnswer answer = Answer(question, ann_, values);
     EXPECT_EQ(answer.status, status) << answer.body;
     EXPECT_EQ(Json::parse(answer.body)["key"], key);

@@ -113,7 +113,7 @@ std::vector<std::unique_ptr<ServedDoor>> MakeDoors(const ServeOptions& options, 
 
 ExitStatus RunServe(const ServeOptions& options, CommandContext& context) {
   if (!options.add_user.empty()) return AddUser(options);
-  if (options.demo && (options.http.empty() || options.allow_remote)) {
+  if (options.demo && (options.http.empty() || options.allow_remote || options.behind_proxy)) {
     throw UsageError("--demo goes with --http, and for this machine only: its password is shown");
   }
   const std::string demo_password = options.demo ? PrepareDemo(context) : "";

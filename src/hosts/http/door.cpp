@@ -299,7 +299,7 @@ void Door::HandleQuestion(VisitPtr& visit) {
   const workbench::Question& question =
       QuestionOfPath(std::string_view(visit->target().path).substr(kQuestions.size()));
   visit->set_operation("workbench/" + std::string(question.name));
-  const Dictionary values = ReadQuestion(question, request);
+  const Dictionary values = ReadQuestion(question, request, visit->target(), caller);
   auto place = std::make_shared<Place>(*this, caller.name, "");
   if (question.call != nullptr) {
     Call call = CallOf(question.call(values), caller, options_.database, request.peer);

@@ -1,6 +1,7 @@
 #include "hosts/http/questions.h"
 
 #include <memory>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -26,19 +27,27 @@ std::int32_t WholeNumberOf(const Key& key, const Variant& value) {
 Variant TextOf(const Key& key, const Variant& value) {
   const auto* const text = value.get_if<std::string>();
   if (text == nullptr) RefuseValue(key, "is a text");
+  if (key.need == Need::kMandatory && Trim(*text).empty()) RefuseValue(key, "is empty");
   if (Utf16Length(*text) > workbench::kLongestText) {
     RefuseValue(key, "has more than " + std::to_string(workbench::kLongestText) + " characters");
   }
   return *text;
 }
 
+/// Whether the text is a date of the form that all read alike, in the years that the database's dates have.
+bool IsDateText(const std::string& text) {
+  static const std::regex form(R"((17[6-9]\d|1[89]\d\d|[2-9]\d{3})-\d\d-\d\d([ T]\d\d:\d\d(:\d\d)?)?)");
+  return std::regex_match(text, form);
+}
+
 Variant DateOf(const Key& key, const Variant& value) {
+  const auto* const text = value.get_if<std::string>();
   try {
-    if (value.get_if<std::string>() != nullptr) return value.ToDateTime();
+    if (text != nullptr && IsDateText(*text)) return value.ToDateTime();
   } catch (const Error&) {
     // Said below.
   }
-  RefuseValue(key, "is a date, as 2026-11-22 or 2026-11-22T13:45:00");
+  RefuseValue(key, "is a date from 1760 on, as 2026-11-22 or 2026-11-22T13:45:00");
 }
 
 Variant KeysOf(const Key& key, const Variant& value) {
@@ -85,8 +94,19 @@ const workbench::Question& QuestionOfPath(std::string_view name) {
   Refuse(404, "there is no question " + std::string(name) + DidYouMean(name, names));
 }
 
-Dictionary ReadQuestion(const workbench::Question& question, const Request& request) {
+Dictionary ReadQuestion(const workbench::Question& question, const Request& request, const Target& target,
+                        const Caller& caller) {
   if (request.method != "POST") RefuseMethod(std::string(question.name), "POST");
+  if (!caller.role->Allows(RequireOperation(question.right))) {
+    Refuse(403, "the role " + caller.role->name() + " may not call " + std::string(question.right) +
+                    ", and so not ask for " + std::string(question.name));
+  }
+  if (!target.query.empty()) {
+    Refuse(400, "questions take no options, not " + target.query.front().first, target.query.front().first);
+  }
+  if (FormatFor(request.Header("Accept")) != AnswerFormat::kJson) {
+    Refuse(406, "questions are answered as application/json");
+  }
   const Variant json = ReadBody(request);
   if (json.is_empty()) return {};
   const std::shared_ptr<Dictionary> given = json.ToDictionary();

@@ -12,9 +12,11 @@ namespace tessarlorn::http {
 /// The question of a path behind "/api/v1/workbench/". Raises Refusal 404 with the nearest one.
 const workbench::Question& QuestionOfPath(std::string_view name);
 
-/// What a question is asked with, in the types of its keys. Raises Refusal: 400 for what is no JSON object or has
-/// unknown or missing keys, 405, 415, 422 for a value that is not as its key wants it.
-Dictionary ReadQuestion(const workbench::Question& question, const Request& request);
+/// What a question is asked with, in the types of its keys. Raises Refusal: 400 for what is no JSON object, has unknown
+/// or missing keys or a query, 403 when the caller's role may not call the operation whose right it needs, 405, 406 for
+/// another format than JSON, 415, 422 for a value that is not as its key wants it.
+Dictionary ReadQuestion(const workbench::Question& question, const Request& request, const Target& target,
+                        const Caller& caller);
 
 /// The call of the operation that answers a question. Raises Refusal 403 when the caller's role may not call it.
 /// @param client address of the client

@@ -29,7 +29,9 @@ bool HasOrders(Connection& connection) {
 
 bool HasDemoUser(Connection& connection) {
   if (Count(connection, "SELECT CASE WHEN OBJECT_ID('DoorUser') IS NULL THEN 0 ELSE 1 END") == 0) return false;
-  return Count(connection, "SELECT COUNT(*) FROM DoorUser WHERE FName = 'demo'") == 1;
+  return Count(connection,
+               "SELECT COUNT(*) FROM DoorUser WHERE FName = 'demo' AND FErpUser = 16394 AND FRole = "
+               "'administrator' AND FDisabled = 0") == 1;
 }
 
 }  // namespace

@@ -117,8 +117,9 @@ ExitStatus RunServe(const ServeOptions& options, CommandContext& context) {
     throw UsageError("--demo goes with --http, and for this machine only: its password is shown");
   }
   const std::string demo_password = options.demo ? PrepareDemo(context) : "";
-  AllowOpenFiles(static_cast<std::size_t>((options.tds.empty() ? 0 : options.connections) +
-                                          (options.http.empty() ? 0 : options.http_connections / 3)));
+  const int tds_clients = options.tds.empty() ? 0 : options.connections;
+  const int http_clients = options.http.empty() ? 0 : options.http_connections / 3;
+  AllowOpenFiles(static_cast<std::size_t>(tds_clients) + static_cast<std::size_t>(http_clients));
   const std::vector<std::unique_ptr<ServedDoor>> doors = MakeDoors(options, context);
   const EndedBySignals ended(doors);
   for (const std::unique_ptr<ServedDoor>& door : doors) {

@@ -1,7 +1,7 @@
 // The filters as chips, and the dialog that changes them.
 import { useEffect, useRef } from 'preact/hooks';
 import { go } from '../shell/route.js';
-import { Dialog } from '../parts/dialog.js';
+import { Dialog, FormEnd } from '../parts/dialog.js';
 import { common } from '../words/common.js';
 import { fill } from '../words/language.js';
 import { useChoices } from './choices.js';
@@ -58,10 +58,7 @@ export function FilterDialog({ query, first, onClose }: DialogProps) {
     <Dialog title={words.filters} onClose={onClose} wide>
       <form ref={form} class="filters" onSubmit={submit}>
         <div class="fields">{fields.map((field) => <FilterField key={field.name} field={field} query={query} />)}</div>
-        <div class="row end">
-          <button type="button" onClick={onClose}>{common.cancel}</button>
-          <button class="main">{words.apply}</button>
-        </div>
+        <FormEnd main={words.apply} onClose={onClose} />
       </form>
     </Dialog>
   );

@@ -1,7 +1,7 @@
 // What is shown, kept under names.
 import { useState } from 'preact/hooks';
 import { linkTo } from '../shell/route.js';
-import { Dialog } from '../parts/dialog.js';
+import { Dialog, FormEnd } from '../parts/dialog.js';
 import { common } from '../words/common.js';
 import { fill } from '../words/language.js';
 import { keep, kept } from './kept.js';
@@ -41,10 +41,7 @@ export function ViewsDialog({ query, onClose }: { query: URLSearchParams; onClos
       <form class="stack" onSubmit={submit}>
         <h3>{words.saveView}</h3>
         <label class="field">{words.viewName}<input name="name" required maxLength={60} autocomplete="off" /></label>
-        <div class="row end">
-          <button type="button" onClick={onClose}>{common.close}</button>
-          <button class="main">{common.save}</button>
-        </div>
+        <FormEnd main={common.save} close={common.close} onClose={onClose} />
       </form>
     </Dialog>
   );

@@ -40,7 +40,7 @@ async function overLimit(keys: readonly number[], kind: Kind): Promise<Map<strin
   }));
 }
 
-async function pickRows(keys: readonly number[], mode: 0 | 1): Promise<PickRow[]> {
+export async function pickRows(keys: readonly number[], mode: 0 | 1): Promise<PickRow[]> {
   const { result } = await answerOf(door.POST('/api/v1/clsGetData/GetPrintRecordsetForPick', {
     body: { dctParam: { FID: keys.join(','), Mode: mode } },
   }));

@@ -1,5 +1,6 @@
 // A round at the shelves: the lines in walking order, what became of each, and what is complete at the end.
 import { answerOf, door, newKey, type Schemas } from '../api/door.js';
+import { pickRows } from '../prints/data.js';
 import { groupBy, rowsOf } from '../scan/data.js';
 import { keptSignal } from '../scan/kept.js';
 import { write } from '../scan/waiting.js';
@@ -56,13 +57,6 @@ export interface Round {
 export const round = keptSignal<Round | null>('tessarlorn.round', null);
 export const picker = keptSignal('tessarlorn.picker', '');
 
-async function printRows(orders: readonly number[]): Promise<PrintRow[]> {
-  const { result } = await answerOf(door.POST('/api/v1/clsGetData/GetPrintRecordsetForPick', {
-    body: { dctParam: { FID: orders.join(',') } },
-  }));
-  return result?.rows ?? [];
-}
-
 /** The stock places of the lines by their keys: saving a batch number stores them too. */
 async function placesOf(orders: readonly number[]): Promise<Map<number, number>> {
   const { result } = await answerOf(door.POST('/api/v1/clsGetData/GetBatchNo', {
@@ -110,7 +104,7 @@ function lineOf(from: readonly PrintRow[], places: ReadonlyMap<number, number>):
 
 /** @return whether there is anything to be picked */
 export async function beginRound(orders: readonly number[], collected: boolean): Promise<boolean> {
-  const [rows, places, heads] = await Promise.all([printRows(orders), placesOf(orders), rowsOf(orders)]);
+  const [rows, places, heads] = await Promise.all([pickRows(orders, 0), placesOf(orders), rowsOf(orders)]);
   const groups = collected ? [...groupBy(rows, sameItem).values()] : rows.map((row) => [row]);
   const lines = groups.map((group) => lineOf(group, places));
   if (!lines.length) return false;

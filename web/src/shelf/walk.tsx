@@ -1,6 +1,6 @@
 // One line of the round at a time, in large type, with buttons for one thumb.
 import { useEffect, useState } from 'preact/hooks';
-import { Dialog } from '../parts/dialog.js';
+import { Dialog, FormEnd } from '../parts/dialog.js';
 import { useScans } from '../scan/scanner.js';
 import { tell, told, ToldNote } from '../scan/told.js';
 import { WaitingNote } from '../scan/waiting_note.js';
@@ -25,10 +25,7 @@ function AskShort({ line, onClose }: { line: Line; onClose: () => void }) {
           <input name="found" type="number" inputMode="decimal" min="0" max={line.wanted} step="any" required autofocus
             value={line.found ?? 0} />
         </label>
-        <div class="row end">
-          <button type="button" onClick={onClose}>{common.cancel}</button>
-          <button class="main">{common.save}</button>
-        </div>
+        <FormEnd main={common.save} onClose={onClose} />
       </form>
     </Dialog>
   );
@@ -49,10 +46,7 @@ function AskBatch({ line, onClose }: { line: Line; onClose: () => void }) {
           {fill(words.batchOf, { article: line.name })}
           <input name="batch" defaultValue={line.batch} data-scans maxLength={50} autocomplete="off" autofocus />
         </label>
-        <div class="row end">
-          <button type="button" onClick={onClose}>{common.cancel}</button>
-          <button class="main">{common.save}</button>
-        </div>
+        <FormEnd main={common.save} onClose={onClose} />
       </form>
     </Dialog>
   );

@@ -1,6 +1,6 @@
 // The dialog of a step: what it asks for, which orders can take it, how far it is, and what became of each order.
 import { useEffect, useRef, useState } from 'preact/hooks';
-import { Dialog } from '../parts/dialog.js';
+import { Dialog, FormEnd } from '../parts/dialog.js';
 import { wordsOf } from '../parts/problem.js';
 import { say, sayError } from '../parts/toasts.js';
 import { common } from '../words/common.js';
@@ -103,10 +103,7 @@ export function StepDialog({ step, keys, onChanged, onClose }: Props) {
             <StepField key={field.name} field={field} values={values} onChange={setValues} />
           ))}
           {step.note && <p class="quiet">{words[step.note]}</p>}
-          <div class="row end">
-            <button type="button" onClick={onClose}>{common.cancel}</button>
-            <button class="main">{words.checkFirst}</button>
-          </div>
+          <FormEnd main={words.checkFirst} onClose={onClose} />
         </form>
       )}
       {phase === 'checking' && <Bar text={words.checking} done={outcomes.size} count={keys.length} />}

@@ -31,7 +31,11 @@ async function pageOf(user, options = {}) {
 }
 
 const tab = (page, name) => page.getByRole('link', { name: new RegExp(`^${name}`) });
-const countOf = async (page, name) => Number((await tab(page, name).innerText()).replace(/\D/g, ''));
+/** Counts come after the rows. */
+async function countOf(page, name) {
+  await tab(page, name).getByText(/\d/).first().waitFor();
+  return Number((await tab(page, name).innerText()).replace(/\D/g, ''));
+}
 
 /** What a scanner does: types fast, and ends with Enter. */
 async function scan(page, code) {

@@ -1,0 +1,1 @@
+export function LogScreen() { return null; }

@@ -13,6 +13,7 @@ const textOf = (value: unknown) => (
 
 export function AnswerView({ name, said }: { name: string; said: Said }) {
   const { answer, problem, text } = said;
+  const gone = answer?.notFound ?? [];
   return (
     <section class="answer stack">
       <h2>{words.answer}</h2>
@@ -22,7 +23,7 @@ export function AnswerView({ name, said }: { name: string; said: Said }) {
       </p>
       {said.replayed && <p class="note warn">{words.replayed}</p>}
       {problem && <ProblemView problem={problem} />}
-      {answer?.notFound?.length ? <p class="note warn">{fill(words.notFound, { orders: answer.notFound.join(', ') })}</p> : null}
+      {gone.length > 0 && <p class="note warn">{fill(words.notFound, { orders: gone.join(', ') })}</p>}
       {answer?.dryRun && <TriedView dryRun={answer.dryRun} />}
       {answer?.orders && <OrdersView orders={answer.orders} />}
       {answer && 'result' in answer && <ResultView name={name} result={answer.result} />}
@@ -62,7 +63,7 @@ function TriedView({ dryRun }: { dryRun: NonNullable<Answer['dryRun']> }) {
       <details>
         <summary>{fill(words.statements, { count: statements.length })}</summary>
         {statements.map((statement, index) => (
-          <pre key={index} tabIndex={0} role="region" aria-label={`${words.statements} ${index + 1}`}>{statement.trim()}</pre>
+          <pre key={index} tabIndex={0} role="region" aria-label={`SQL ${index + 1}`}>{statement.trim()}</pre>
         ))}
       </details>
     </>

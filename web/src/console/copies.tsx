@@ -23,7 +23,8 @@ export function Copies({ called }: { called: Called | undefined }) {
         ))}
         {called && <CopyButton text={text} />}
       </div>
-      {called ? <pre tabIndex={0} role="region" aria-label={names[chosen]}>{text}</pre> : <p class="quiet">{words.wrongJson}</p>}
+      {called && <pre tabIndex={0} role="region" aria-label={names[chosen]}>{text}</pre>}
+      {!called && <p class="quiet">{words.wrongJson}</p>}
       {chosen === 'script' && <p class="quiet">{words.scriptNote}</p>}
     </section>
   );

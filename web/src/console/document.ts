@@ -131,7 +131,11 @@ function operationOf(path: string, described: Described, { components }: Documen
 
 export async function askOperations(): Promise<Operation[]> {
   // The document is not among the paths that it describes.
-  const get = door.GET as unknown as (path: string) => Promise<{ data?: Document; error?: unknown; response: Response }>;
+  const get = door.GET as unknown as (path: string) => Promise<{
+    data?: Document;
+    error?: unknown;
+    response: Response;
+  }>;
   const document = await answerOf(get('/api/v1/openapi.json'));
   return Object.entries(document.paths).flatMap(([path, { post }]) => (
     post && path.startsWith(`${prefix}cls`) ? [operationOf(path.slice(prefix.length), post, document)] : []));

@@ -38,7 +38,9 @@ function OneField({ field, values, onChange, writtenBack }: Props & { field: Fie
   return (
     <div class="one">
       <label class="field">
-        <span><b>{path.split('.').pop()}</b>{needed && <span class="star" aria-hidden="true"> *</span>} <small>{about}</small></span>
+        <span>
+          <b>{path.split('.').pop()}</b>{needed && <span class="star" aria-hidden="true"> *</span>} <small>{about}</small>
+        </span>
         <Input field={field} value={value} wrong={wrong} onInput={set} />
       </label>
       {field.help && <p id={`help-${path}`} class="quiet" lang="en">{field.help}</p>}
@@ -60,7 +62,9 @@ function Input({ field, value, wrong, onInput }: {
   switch (kind) {
     case 'list':
     case 'entries':
-      return <textarea {...same} class="code" rows={6} spellcheck={false} aria-invalid={Boolean(wrong)} onInput={typed} />;
+      return (
+        <textarea {...same} class="code" rows={6} spellcheck={false} aria-invalid={Boolean(wrong)} onInput={typed} />
+      );
     case 'yesNo':
       return (
         <select {...same} onChange={typed}>

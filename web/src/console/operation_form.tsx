@@ -53,7 +53,9 @@ function useCalls(operation: Operation, values: Values, options: Options) {
 
 export function OperationForm({ operation }: { operation: Operation }) {
   const [values, setValues] = useState<Values>(() => valuesFrom(operation, route.value.query));
-  const [options, setOptions] = useState<Options>({ dryRun: operation.writes, each: false, columns: '', format: 'json' });
+  const [options, setOptions] = useState<Options>({
+    dryRun: operation.writes, each: false, columns: '', format: 'json',
+  });
   const [asking, setAsking] = useState(false);
   const { said, wrong, busy, run, kept, idempotencyKey, stop } = useCalls(operation, values, options);
   const right = allFields(operation).every((field) => !wrongIn(field, values[field.path]));
@@ -83,8 +85,11 @@ export function OperationForm({ operation }: { operation: Operation }) {
         ))}
         <OptionFields operation={operation} options={options} onChange={setOptions} idempotencyKey={idempotencyKey} />
         <div class="row">
-          <button class="main" disabled={busy}>{options.dryRun ? words.tryRun : kept ? words.runForGood : words.run}</button>
-          {busy && <><span role="status">{words.running}</span><button type="button" onClick={stop}>{words.stop}</button></>}
+          <button class="main" disabled={busy}>
+            {options.dryRun ? words.tryRun : kept ? words.runForGood : words.run}
+          </button>
+          <span role="status">{busy && words.running}</span>
+          {busy && <button type="button" onClick={stop}>{words.stop}</button>}
         </div>
       </form>
       {wrong && (

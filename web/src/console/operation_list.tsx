@@ -11,7 +11,8 @@ function matching(operations: readonly Operation[], text: string): Operation[] {
   const wanted = text.toLowerCase().split(/\s+/).filter(Boolean);
   const has = (whole: string) => wanted.every((word) => whole.toLowerCase().includes(word));
   const named = operations.filter(({ path }) => has(path));
-  return [...named, ...operations.filter((one) => !named.includes(one) && has(`${one.path} ${one.summary} ${one.help}`))];
+  const helped = operations.filter((one) => !named.includes(one) && has(`${one.path} ${one.summary} ${one.help}`));
+  return [...named, ...helped];
 }
 
 export function OperationList({ operations, here }: { operations: readonly Operation[]; here: string }) {
@@ -36,7 +37,7 @@ export function OperationList({ operations, here }: { operations: readonly Opera
         {shown.map(({ path, name, className, summary, writes }) => (
           <li key={path}>
             <a href={linkTo(`console/${path}`)} aria-current={path === here ? 'page' : undefined} title={className}>
-              <b>{name}</b> <span class="tag">{writes ? words.changes : words.reads}</span>
+              <b>{name}</b><small>{writes ? words.changes : words.reads}</small>
               <span class="quiet" lang="en">{summary}</span>
             </a>
           </li>

@@ -17,12 +17,14 @@ export function OptionFields({ operation, options, onChange, idempotencyKey }: P
     <fieldset>
       <legend>{words.options}</legend>
       <label class="row">
-        <input type="checkbox" checked={options.dryRun} onChange={(event) => change({ dryRun: event.currentTarget.checked })} />
+        <input type="checkbox" checked={options.dryRun}
+          onChange={(event) => change({ dryRun: event.currentTarget.checked })} />
         {words.dryRun}
       </label>
       {operation.each && (
         <label class="row">
-          <input type="checkbox" checked={options.each} onChange={(event) => change({ each: event.currentTarget.checked })} />
+          <input type="checkbox" checked={options.each}
+            onChange={(event) => change({ each: event.currentTarget.checked })} />
           {words.each}
         </label>
       )}

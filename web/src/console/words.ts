@@ -20,10 +20,14 @@ export const words = defineWords({
   kindYesNo: ['yes or no', '是或否', '是或否'],
   kindDate: ['date', '日期', '日期'],
   kindList: ['list of Dictionaries, as JSON', 'Dictionary 列表（JSON）', 'Dictionary 清單（JSON）'],
-  kindEntries: ['Dictionary with keys of any name, as JSON', '任意键名的 Dictionary（JSON）', '任意鍵名的 Dictionary（JSON）'],
+  kindEntries: ['Dictionary with any keys, as JSON', '任意键名的 Dictionary（JSON）', '任意鍵名的 Dictionary（JSON）'],
   fallback: ['{value} when not given', '默认为 {value}', '預設為 {value}'],
   noJson: ['This is no JSON.', '不是有效的 JSON。', '不是有效的 JSON。'],
-  noList: ['This has to be a list of Dictionaries: [{…}, {…}]', '应为 Dictionary 列表：[{…}, {…}]', '應為 Dictionary 清單：[{…}, {…}]'],
+  noList: [
+    'This has to be a list of Dictionaries: [{…}, {…}]',
+    '应为 Dictionary 列表：[{…}, {…}]',
+    '應為 Dictionary 清單：[{…}, {…}]',
+  ],
   noDictionary: ['This has to be a Dictionary: {…}', '应为 Dictionary：{…}', '應為 Dictionary：{…}'],
   example: ['Fill in an example', '填入示例', '填入範例'],
   empty: ['Empty the form', '清空表单', '清空表單'],
@@ -54,7 +58,11 @@ export const words = defineWords({
   answer: ['Answer', '结果', '結果'],
   took: ['Status {status}, {time} ms', '状态 {status}，{time} 毫秒', '狀態 {status}，{time} 毫秒'],
   rows: ['{count} rows', '{count} 行', '{count} 列'],
-  firstRows: ['These are the first {count}; the file has all.', '仅显示前 {count} 行，文件包含全部。', '僅顯示前 {count} 列，檔案包含全部。'],
+  firstRows: [
+    'These are the first {count}; the file has all.',
+    '仅显示前 {count} 行，文件包含全部。',
+    '僅顯示前 {count} 列，檔案包含全部。',
+  ],
   request: ['Request {request}', '请求 {request}', '請求 {request}'],
   replayed: [
     'This was answered before: nothing was done again.',
@@ -80,5 +88,9 @@ export const words = defineWords({
     '请填入连接字符串。自动化调用没有试运行和 Idempotency-Key。',
     '請填入連接字串。自動化呼叫沒有試執行和 Idempotency-Key。',
   ],
-  wrongJson: ['As long as JSON in the form is wrong there is nothing to copy.', '表单中的 JSON 有误，暂无可复制内容。', '表單中的 JSON 有誤，暫無可複製內容。'],
+  wrongJson: [
+    'As long as JSON in the form is wrong there is nothing to copy.',
+    '表单中的 JSON 有误，暂无可复制内容。',
+    '表單中的 JSON 有誤，暫無可複製內容。',
+  ],
 });

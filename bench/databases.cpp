@@ -51,7 +51,7 @@ std::string SampleFile(int orders) {
   const std::string making = file.string() + ".making";
   for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(making + suffix);
   {
-    const auto connection = TheHost().OpenConnection("Embedded=" + making + ";Synchronous=Normal");
+    const auto connection = TheHost().OpenConnection("Embedded=" + making + ";Synchronous=Normal;MaxMemory=8192");
     ApplySchema(*connection);
     cli::Seed(*connection, {orders, 1}, [](int, int) {});
   }

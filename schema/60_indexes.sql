@@ -189,3 +189,49 @@ IF NOT EXISTS (SELECT 1 FROM sys.indexes
                WHERE name = 'IX_ICSaleEntry_Source' AND object_id = OBJECT_ID('ICSaleEntry'))
 CREATE INDEX IX_ICSaleEntry_Source ON ICSaleEntry (FSourceInterId, FSourceEntryID);
 GO
+
+-- Who did what when: for each person one range an hour or a day. The shop says who may see the order.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_Picked' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_Picked ON IC_Web2ERPOrders (FPickMan, FPickDate, FWebshopID);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_Checked' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_Checked ON IC_Web2ERPOrders
+  (FPickingGoodMan, FPIckingGoodsStatus, FOrderPickingDate, FWebshopID);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_Sender' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_Sender ON IC_Web2ERPOrders (FShippingMan, FSendDate, FWebshopID);
+GO
+
+-- What carriers took in some days, without a look at the orders themselves.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_Sent' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_Sent ON IC_Web2ERPOrders
+  (FSendDate, FOrderStatus, FLogisticsID, FWeight, FLogisticsCost, FWebshopID);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_TradeLog_Work' AND object_id = OBJECT_ID('IC_TradeLog'))
+CREATE INDEX IX_TradeLog_Work ON IC_TradeLog (FOPCode, FOPUserID, FOPTime, FOrderFID);
+GO
+
+-- The logs, the latest first.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_TradeLog_Time' AND object_id = OBJECT_ID('IC_TradeLog'))
+CREATE INDEX IX_TradeLog_Time ON IC_TradeLog (FOPTime);
+GO
+
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_TradeFieldLog_Time' AND object_id = OBJECT_ID('IC_TradeFieldLog'))
+CREATE INDEX IX_TradeFieldLog_Time ON IC_TradeFieldLog (FOPTime);
+GO
+
+-- Why uploads failed: few orders have a reason.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_Failed' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_Failed ON IC_Web2ERPOrders (FUpLoadStatus) WHERE FReasonsForFailure <> '';
+GO

@@ -40,6 +40,15 @@ IF NOT EXISTS (SELECT 1 FROM sys.indexes
 CREATE INDEX IX_DoorSession_User ON DoorSession (FUserID);
 GO
 
+-- What users keep of the page, as columns and views.
+IF OBJECT_ID('DoorKept') IS NULL
+CREATE TABLE DoorKept (
+  FUserID int NOT NULL,                                    -- DoorUser
+  FName nvarchar(40) NOT NULL,
+  FValue nvarchar(max) NOT NULL,                           -- JSON
+  PRIMARY KEY (FUserID, FName));
+GO
+
 -- Roles beside the built-in ones.
 IF OBJECT_ID('DoorRole') IS NULL
 CREATE TABLE DoorRole (

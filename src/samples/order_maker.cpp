@@ -9,8 +9,6 @@ namespace {
 constexpr std::int64_t kMinute = 60'000;
 constexpr std::int64_t kHour = 60 * kMinute;
 constexpr std::int64_t kDay = 24 * kHour;
-constexpr std::int64_t kOpenDays = 10;
-constexpr std::int64_t kDeliveredDays = 355;
 
 constexpr std::array<std::string_view, 24> kSurnames = {"王", "李", "张", "刘", "陈", "杨", "黄", "赵",
                                                         "周", "吴", "徐", "孙", "马", "朱", "胡", "郭",
@@ -31,9 +29,6 @@ constexpr std::array<std::string_view, 3> kGiftCards = {"生日快乐，天天�
 constexpr std::array<int, 20> kLineCounts = {1, 1, 1, 1, 1, 1, 1, 1, 1, 2, 2, 2, 2, 2, 3, 3, 4, 5, 6, 8};
 
 DateTime After(DateTime time, std::int64_t milliseconds) { return DateTime(time.milliseconds() + milliseconds); }
-
-/// The end of the sample's last day.
-DateTime LastDay() { return *DateTime::FromCivil({.year = 2026, .month = 6, .day = 30, .hour = 18}); }
 
 /// The digits of `number`, zeros in front up to `width`.
 std::string Digits(std::int64_t number, std::size_t width) {
@@ -67,16 +62,20 @@ std::int64_t Order::discount() const {
   return sum;
 }
 
-OrderMaker::OrderMaker(const MasterData& master, std::uint64_t random_seed, int count)
-    : master_(master), random_(random_seed), count_(count), delivered_(static_cast<int>(count * std::int64_t{4} / 5)) {}
+OrderMaker::OrderMaker(const MasterData& master, const SeedOptions& options)
+    : master_(master),
+      random_(options.random_seed),
+      days_(options.days),
+      count_(options.orders),
+      delivered_(static_cast<int>(options.orders * std::int64_t{4} / 5)) {}
 
 DateTime OrderMaker::OrderTime() {
   const std::int64_t index = last_key_ - 1;
   if (index < delivered_) {
-    return After(LastDay(), -kOpenDays * kDay - kDeliveredDays * kDay / delivered_ * (delivered_ - index));
+    return After(days_.end, -days_.open * kDay - days_.delivered * kDay / delivered_ * (delivered_ - index));
   }
   const std::int64_t open = count_ - delivered_;
-  return After(LastDay(), -kOpenDays * kDay / open * (count_ - index));
+  return After(days_.end, -days_.open * kDay / open * (count_ - index));
 }
 
 Purchase OrderMaker::MakePurchase(int key) {
@@ -103,6 +102,11 @@ void OrderMaker::SetTimes(Order& order) {
   order.picked = After(order.checked, random_.Between(kHour, 12 * kHour));
   order.picking_checked = After(order.picked, random_.Between(10 * kMinute, 2 * kHour));
   order.sent = After(order.picking_checked, random_.Between(10 * kMinute, 5 * kHour));
+  if (!days_.until_end) return;
+  for (DateTime* const time :
+       {&order.ordered, &order.paid, &order.checked, &order.picked, &order.picking_checked, &order.sent}) {
+    if (time->milliseconds() > days_.end.milliseconds()) *time = days_.end;
+  }
 }
 
 OrderLine OrderMaker::NewLine(const Order& order) {

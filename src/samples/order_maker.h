@@ -11,6 +11,7 @@
 #include "samples/master_data.h"
 #include "samples/random.h"
 #include "samples/scenarios.h"
+#include "samples/seed.h"
 #include "tessarlorn/date_time.h"
 
 namespace tessarlorn::cli {
@@ -107,10 +108,9 @@ struct Order {
 
 class OrderMaker {
  public:
-  /// @param count how many orders will be made: the first four fifths are delivered ones of the past year, the others
-  /// are open and of the last days
+  /// The first four fifths of the orders are delivered, the others are open.
   /// @param master outlives this object
-  OrderMaker(const MasterData& master, std::uint64_t random_seed, int count);
+  OrderMaker(const MasterData& master, const SeedOptions& options);
 
   /// The next order; keys of orders and lines run from 1.
   Order Next();
@@ -132,6 +132,7 @@ class OrderMaker {
 
   const MasterData& master_;
   Random random_;
+  SampleDays days_;
   int count_;
   int delivered_;
   ScenarioDeck open_deck_{OpenScenarios()};

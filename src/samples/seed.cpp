@@ -58,7 +58,7 @@ void Seed(Connection& connection, const SeedOptions& options,
     CheckThatNoOrderIsThere(connection);
     WriteSettings(connection);
     const MasterData master = PrepareMasterData(connection);
-    OrderMaker maker(master, options.random_seed, options.orders);
+    OrderMaker maker(master, options);
     OrderWriter writer(connection, master.country);
     for (int done = 1; done <= options.orders; ++done) {
       writer.Write(maker.Next(), master);

@@ -26,6 +26,13 @@ constexpr std::array kComparisons = {
     Comparison{"paidTo", "t1.FSitePayDate <= @paidTo", "datetime"},
     Comparison{"sentFrom", "t1.FSendDate >= @sentFrom", "datetime"},
     Comparison{"sentTo", "t1.FSendDate <= @sentTo", "datetime"},
+    Comparison{"sentBy", "t1.FShippingMan = @sentBy", "int"},
+    Comparison{"pickedFrom", "t1.FPickDate >= @pickedFrom", "datetime"},
+    Comparison{"pickedTo", "t1.FPickDate <= @pickedTo", "datetime"},
+    Comparison{"pickedBy", "t1.FPickMan = @pickedBy", "nvarchar(50)"},
+    Comparison{"checkedFrom", "t1.FPIckingGoodsStatus = 1 AND t1.FOrderPickingDate >= @checkedFrom", "datetime"},
+    Comparison{"checkedTo", "t1.FPIckingGoodsStatus = 1 AND t1.FOrderPickingDate <= @checkedTo", "datetime"},
+    Comparison{"checkedBy", "t1.FPIckingGoodsStatus = 1 AND t1.FPickingGoodMan = @checkedBy", "int"},
     Comparison{"shop", "t1.FWebshopID = @shop", "int"},
     Comparison{"carrier", "t1.FLogisticsID = @carrier", "int"},
     Comparison{"warehouse",
@@ -39,6 +46,21 @@ constexpr std::array kComparisons = {
     Comparison{"printedWaybill", "ISNULL(t28.FIsPrintExpress, 0) = @printedWaybill", "int"},
     Comparison{"checked", "t1.FPIckingGoodsStatus = @checked", "int"},
     Comparison{"weighed", "t1.FWeighttingStatus = @weighed", "int"},
+    Comparison{"upload", "t1.FUpLoadStatus = @upload", "int"},
+    Comparison{"reason", "t1.FReasonsForFailure = @reason", "nvarchar(1000)"},
+    Comparison{
+        "outside",
+        "(t22.FTplStatus = CAST(@outside AS nvarchar(10)) OR (@outside = 0 AND ISNULL(t22.FTplStatus, '') = ''))",
+        "int"},
+    Comparison{"invoice", "t1.FFeeBillNO = CASE @invoice WHEN 0 THEN '' ELSE CAST(@invoice AS nvarchar(50)) END",
+               "int"},
+};
+
+/// What one weighing has to be.
+constexpr std::array kWeighings = {
+    Comparison{"weighedFrom", "FOPTime >= @weighedFrom", "datetime"},
+    Comparison{"weighedTo", "FOPTime <= @weighedTo", "datetime"},
+    Comparison{"weighedBy", "FOPUserID = @weighedBy", "int"},
 };
 
 /// A text of which a part is enough.
@@ -59,16 +81,6 @@ constexpr std::array kParts = {
 constexpr std::array<std::string_view, 11> kSortable = {"FID",        "FOrderID",        "FOrderDate",   "FSitePayDate",
                                                         "FSendDate",  "FAmount",         "FWeight",      "FConsignee",
                                                         "FBuyerNick", "FLogisticsOrder", "FSerialNumber"};
-
-/// The text as LIKE takes it letter by letter.
-std::string Escaped(const std::string& text) {
-  std::string escaped;
-  for (const char letter : text) {
-    if (letter == '%' || letter == '_' || letter == '[' || letter == '\\') escaped += '\\';
-    escaped += letter;
-  }
-  return escaped;
-}
 
 std::string OrderBy(const Dictionary& values) {
   const std::string sort = values.GetValue("sort", "FSitePayDate").ToText();
@@ -128,16 +140,24 @@ RecordsetPtr AskOrders(Connection& connection, const Asker& asker, const Diction
   }
   for (const Comparison& part : kParts) {
     const Variant* const value = values.Find(part.key);
-    if (value != nullptr) add(part, "%" + Escaped(value->ToText()) + "%");
+    if (value != nullptr) add(part, "%" + EscapedForLike(value->ToText()) + "%");
+  }
+  std::string weighing;
+  for (const Comparison& comparison : kWeighings) {
+    const Variant* const value = values.Find(comparison.key);
+    if (value == nullptr) continue;
+    weighing.append(" AND ").append(comparison.condition);
+    statement.Set("@" + std::string(comparison.key), std::string(comparison.type), *value);
+  }
+  if (!weighing.empty()) {
+    statement.Add(" AND t1.FID IN (SELECT FOrderFID FROM IC_TradeLog with(nolock) WHERE FOPCode = 3008" + weighing +
+                  ")");
   }
   return statement.Add(" ORDER BY ").Add(OrderBy(values)).Run(connection);
 }
 
 OperationCall CallForRows(const Dictionary& values) {
-  std::string list;
-  for (const Variant& key : *values.GetValue("keys").ToVector()) {
-    list.append(list.empty() ? "" : ",").append(std::to_string(key.ToInt32()));
-  }
+  const std::string list = KeyList(values);
   const bool locked = values.GetValue("locked", false).ToBool();
   return {.operation = "GetListData",
           .argument = "Filter",
@@ -163,14 +183,65 @@ RecordsetPtr AskFind(Connection& connection, const Asker& asker, const Dictionar
       .Add(") t3 GROUP BY FID) t2 INNER JOIN IC_Web2ERPOrders t1 with(nolock) ON t1.FID = t2.FID WHERE 1 = 1")
       .Add(OfShops(asker))
       .Add(" ORDER BY t2.FRank, t1.FID DESC");
-  constexpr std::size_t kMostDigits = 23;
-  const bool digits =
-      !text.empty() && text.size() <= kMostDigits && text.find_first_not_of("0123456789") == std::string::npos;
   const std::optional<std::int32_t> number = WholeNumber<std::int32_t>(text);
   return statement.Set("@text", "nvarchar(255)", text)
-      .Set("@start", "nvarchar(600)", text.empty() ? "" : Escaped(text) + "%")
+      .Set("@start", "nvarchar(600)", text.empty() ? "" : EscapedForLike(text) + "%")
       .Set("@number", "int", number ? Variant(*number) : Variant())
-      .Set("@code", "decimal(23,0)", digits ? Variant(text) : Variant())
+      .Set("@code", "decimal(23,0)", UniqueCodeOf(text))
+      .SetShops(asker)
+      .Run(connection);
+}
+
+RecordsetPtr AskParcels(Connection& connection, const Asker& asker, const Dictionary& values) {
+  const std::shared_ptr<Vector> numbers = values.GetValue("numbers").ToVector();
+  Statement statement;
+  std::string texts;
+  std::string codes;
+  std::string keys;
+  // A number is given once as what it is written as, and again as each number that it may be.
+  const auto add = [](std::string& rows, std::size_t i, const std::string& parameter) {
+    rows.append(rows.empty() ? "(" : ",(").append(std::to_string(i)).append(",").append(parameter).append(")");
+  };
+  for (std::size_t i = 0; i < numbers->size(); ++i) {
+    const std::string place = std::to_string(i);
+    const std::string text = numbers->At(i + 1).ToText();
+    add(texts, i, "@n" + place);
+    statement.Set("@n" + place, "nvarchar(255)", text);
+    if (const Variant code = UniqueCodeOf(text); !code.is_empty()) {
+      add(codes, i, "@c" + place);
+      statement.Set("@c" + place, "decimal(23,0)", code);
+    }
+    if (const std::optional<std::int32_t> key = WholeNumber<std::int32_t>(text)) {
+      add(keys, i, "@k" + place);
+      statement.Set("@k" + place, "int", *key);
+    }
+  }
+  const auto among = [](const std::string& rows) {
+    return " FROM (VALUES " + rows + ") n(FPlace, FValue) INNER JOIN ";
+  };
+  statement.Add(
+      "WITH n AS (SELECT FPlace, FValue FROM (VALUES " + texts +
+      ") v(FPlace, FValue)), f AS (SELECT FPlace, "
+      "FID, MIN(FRank) AS FRank FROM (SELECT n.FPlace, o.FID, 0 AS FRank FROM n INNER JOIN IC_Web2ERPOrders o "
+      "with(nolock) ON o.FOrderID = n.FValue UNION ALL SELECT n.FPlace, o.FID, 0 FROM n INNER JOIN "
+      "IC_Web2ERPOrders o with(nolock) ON o.FLogisticsOrder = n.FValue UNION ALL SELECT n.FPlace, o.FID, 0 "
+      "FROM n INNER JOIN IC_Web2ERPOrdersEntry o with(nolock) ON o.FSiteOrderID = n.FValue");
+  if (!codes.empty()) {
+    statement.Add(" UNION ALL SELECT n.FPlace, o.FID, 0" + among(codes) +
+                  "IC_Web2ERPOrders o with(nolock) ON o.FUniqueCode = n.FValue");
+  }
+  if (!keys.empty()) {
+    statement.Add(" UNION ALL SELECT n.FPlace, o.FID, 1" + among(keys) +
+                  "IC_Web2ERPOrders o with(nolock) ON o.FID = n.FValue");
+  }
+  return statement
+      .Add(
+          ") m GROUP BY FPlace, FID) SELECT n.FValue AS FNumber, t1.FID, t1.FOrderID, t1.FOrderStatus, "
+          "t1.FLogisticsOrder, t1.FWeight, t1.FLogisticsCost, t1.FConsignee FROM f INNER JOIN n ON n.FPlace = f.FPlace "
+          "INNER JOIN IC_Web2ERPOrders t1 with(nolock) ON t1.FID = f.FID WHERE f.FRank = (SELECT MIN(FRank) FROM f b "
+          "WHERE b.FPlace = f.FPlace)")
+      .Add(OfShops(asker))
+      .Add(" ORDER BY f.FPlace, t1.FID")
       .SetShops(asker)
       .Run(connection);
 }
@@ -184,6 +255,7 @@ RecordsetPtr AskChoices(Connection& connection, const Asker& asker, const Dictio
       .Add(" UNION ALL SELECT 'carrier', FItemID, FNumber, " + name + " FROM IC_Logistics with(nolock)")
       .Add(" UNION ALL SELECT 'warehouse', FItemID, FNumber, FName FROM t_Stock with(nolock)")
       .Add(" UNION ALL SELECT 'employee', FItemID, FNumber, FName FROM t_Emp with(nolock)")
+      .Add(" UNION ALL SELECT 'user', FUserID, '', FName FROM t_User with(nolock)")
       .Add(" UNION ALL SELECT 'orderType', FInterID, '', " +
            (name == "FName" ? name : "CASE FName_CHT WHEN '' THEN FName ELSE FName_CHT END") +
            " FROM t_SubMessage with(nolock) WHERE FTypeID = (SELECT FTypeID FROM t_SubMessage WHERE FInterID = 38112)")

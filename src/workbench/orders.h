@@ -9,6 +9,7 @@ RecordsetPtr AskTabs(Connection& connection, const Asker& asker, const Dictionar
 RecordsetPtr AskOrders(Connection& connection, const Asker& asker, const Dictionary& values);
 OperationCall CallForRows(const Dictionary& values);
 RecordsetPtr AskFind(Connection& connection, const Asker& asker, const Dictionary& values);
+RecordsetPtr AskParcels(Connection& connection, const Asker& asker, const Dictionary& values);
 RecordsetPtr AskChoices(Connection& connection, const Asker& asker, const Dictionary& values);
 
 }  // namespace tessarlorn::workbench

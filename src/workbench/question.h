@@ -1,4 +1,5 @@
-// What the workbench page asks beyond the operations. Each question only reads, with its values as parameters.
+// What the workbench page asks beyond the operations, with its values as parameters. Questions read; two change
+// something that no operation does, and say so.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +16,7 @@ namespace tessarlorn::workbench {
 
 /// Most keys of orders that a question answers.
 inline constexpr std::int32_t kMostOrders = 100'000;
-/// Most keys of orders that a question takes.
+/// Most keys of orders, or numbers, that a question takes.
 inline constexpr std::size_t kMostKeys = 500;
 
 /// Most characters (UTF-16 units) of a text.
@@ -53,8 +54,8 @@ struct Question {
   std::string_view name;
   /// One paragraph.
   std::string_view help;
-  /// What it is asked with. `type` is String, Long, Boolean, Date or Vector, which is one of whole numbers. No key but
-  /// a mandatory one has to be there.
+  /// What it is asked with. `type` is String, Long, Boolean, Date or Vector: of whole numbers where it stands as a list
+  /// of keys, else of texts. No key but a mandatory one has to be there.
   std::span<const Key> keys;
   /// Dates may be NULL. Empty where the operation decides.
   std::span<const Column> columns;
@@ -65,6 +66,8 @@ struct Question {
   OperationCall (*call)(const Dictionary& values) = nullptr;
   /// The operation that whoever asks must be allowed to call: it shows as much.
   std::string_view right = "GetListData";
+  /// It changes the orders whose keys it answers.
+  bool writes = false;
 };
 
 /// In the order in which the description lists them.

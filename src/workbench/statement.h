@@ -36,6 +36,15 @@ class Statement {
   std::vector<SqlParameter> parameters_;
 };
 
+/// The keys of orders that a question was asked with, with commas between them.
+std::string KeyList(const Dictionary& values);
+
+/// The text as LIKE … ESCAPE '\\' takes it letter by letter.
+std::string EscapedForLike(const std::string& text);
+
+/// The unique code that a number on a parcel may be; nothing for one that is none.
+Variant UniqueCodeOf(const std::string& text);
+
 /// The condition behind AND that leaves the orders t1 of web shops that the asker may see; it wants @user. "" for one
 /// who sees every shop.
 std::string_view OfShops(const Asker& asker);

@@ -12,9 +12,9 @@ namespace {
 constexpr std::size_t kMostOrderText = 4000;
 
 /// The orders as the record has them; a list that is too long ends with "…".
-std::string OrderText(const Call& call) {
+std::string OrderText(const std::vector<std::int32_t>& orders) {
   std::string text;
-  for (const std::int32_t order : call.access.orders) {
+  for (const std::int32_t order : orders) {
     const std::string number = std::to_string(order);
     if (text.size() + number.size() + 2 > kMostOrderText) return text + "…";
     if (!text.empty()) text += ',';
@@ -44,22 +44,28 @@ std::optional<std::string> FindRecordedAnswer(Connection& connection, const Call
   return std::string(found->GetText(1));
 }
 
+void RecordChange(Connection& connection, const Caller& caller, std::string_view what,
+                  const std::vector<std::int32_t>& orders) {
+  std::array parameters = {Typed("@caller", "nvarchar(64)", caller.name), Typed("@user", "int", caller.user),
+                           Typed("@operation", "nvarchar(80)", std::string(what)),
+                           Typed("@orders", "nvarchar(4000)", OrderText(orders))};
+  connection.Execute(
+      {"INSERT INTO DoorCall (FCaller, FUserID, FOperation, FOrders) VALUES (@caller, @user, @operation, @orders)",
+       parameters});
+}
+
 void RecordCall(Connection& connection, const Call& call, const std::string& answer) {
+  if (call.key.empty()) {
+    RecordChange(connection, call.caller, call.operation->name, call.access.orders);
+    return;
+  }
   std::array parameters = {Typed("@caller", "nvarchar(64)", call.caller.name),
                            Typed("@user", "int", call.caller.user),
                            Typed("@operation", "nvarchar(80)", std::string(call.operation->name)),
-                           Typed("@orders", "nvarchar(4000)", OrderText(call)),
-                           Typed("@key", "binary(32)", call.key.empty() ? Bytes() : Sha256(call.key)),
+                           Typed("@orders", "nvarchar(4000)", OrderText(call.access.orders)),
+                           Typed("@key", "binary(32)", Sha256(call.key)),
                            Typed("@hash", "binary(32)", call.hash),
                            Typed("@answer", "nvarchar(max)", answer)};
-  if (call.key.empty()) {
-    constexpr std::size_t kWithoutKey = 4;
-    connection.Execute(
-        {"INSERT INTO DoorCall (FCaller, FUserID, FOperation, FOrders) VALUES (@caller, @user, "
-         "@operation, @orders)",
-         std::span(parameters).first(kWithoutKey)});
-    return;
-  }
   connection.Execute(
       {"INSERT INTO DoorCall (FCaller, FUserID, FOperation, FOrders, FKey, FHash, FAnswer) VALUES (@caller, "
        "@user, @operation, @orders, @key, @hash, @answer)",

@@ -1,8 +1,11 @@
 // The record of calls that wrote something: what makes a repeated call the same call, and what events are made of.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "hosts/http/call.h"
 #include "tessarlorn/connection.h"
@@ -18,6 +21,10 @@ std::optional<std::string> FindRecordedAnswer(Connection& connection, const Call
 
 /// Notes a call in its own transaction. @param answer kept when the call has a key
 void RecordCall(Connection& connection, const Call& call, const std::string& answer);
+
+/// Notes a change of orders that no call of an operation made.
+void RecordChange(Connection& connection, const Caller& caller, std::string_view what,
+                  const std::vector<std::int32_t>& orders);
 
 /// Removes records that are older than kRecordHours.
 void SweepRecords(Connection& connection);

@@ -6,12 +6,14 @@
 #include <optional>
 #include <utility>
 
-#include "hosts/calls/json_arguments.h"
 #include "hosts/calls/save_point.h"
 #include "hosts/http/call_job.h"
 #include "hosts/http/call_record.h"
 #include "hosts/http/documents.h"
+#include "hosts/http/house/members.h"
+#include "hosts/http/house/resource.h"
 #include "hosts/http/problem.h"
+#include "hosts/http/question_job.h"
 #include "hosts/http/questions.h"
 #include "hosts/http/transport/signals.h"
 #include "platform/text/text.h"
@@ -29,12 +31,6 @@ constexpr std::chrono::hours kSweepEvery{1};
 
 std::string HouseSession(const std::string& database) { return "Connect=" + Quoted(database, '{', '}'); }
 
-Response JsonResponse(std::string body) {
-  return {.status = 200,
-          .headers = {{"Content-Type", "application/json"}, {"Cache-Control", "no-store"}},
-          .body = std::move(body)};
-}
-
 Response CallerResponse(const Caller& caller) {
   const nlohmann::ordered_json json = {{"user", caller.name},
                                        {"erpUser", caller.user},
@@ -49,13 +45,6 @@ void RequireMethods(const Visit& visit, std::initializer_list<std::string_view> 
   std::string list;
   for (const std::string_view method : methods) list.append(list.empty() ? "" : ", ").append(method);
   RefuseMethod(visit.target().path, list);
-}
-
-/// A text of a JSON body. Raises Refusal 400.
-std::string TextMember(const Dictionary& body, std::string_view name) {
-  const Variant& value = body.GetValue(name);
-  if (const auto* const text = value.get_if<std::string>()) return *text;
-  Refuse(400, "the body wants the text " + std::string(name), std::string(name));
 }
 
 }  // namespace
@@ -173,6 +162,9 @@ void Door::Route(VisitPtr visit) {
     visit->Answer({.status = 200, .headers = {{"Content-Type", "text/plain"}}, .body = "alive\n"});
   } else if (path.starts_with(kQuestions)) {
     Post(reads_, std::move(visit), &Door::HandleQuestion);
+  } else if (path.starts_with(kApi) && IsResource(std::string_view(path).substr(kApi.size()))) {
+    // Passwords are hashed here, too.
+    Post(logins_, std::move(visit), &Door::HandleResource);
   } else if (path.starts_with(kApi)) {
     Post(reads_, std::move(visit), &Door::HandleCall);
   } else {
@@ -249,11 +241,16 @@ void Door::HandleCall(VisitPtr& visit) {
     return;
   }
   const Watchdog::Clock::time_point until = visit->begun() + options_.time;
-  std::unique_ptr<WriteJob> job = std::make_unique<CallJob>(host_, std::move(call), std::move(visit), until,
-                                                            [place = std::move(place)]() mutable { place.reset(); });
-  if (writes_.Post(job)) return;
-  static_cast<CallJob&>(*job).TakeVisit()->Fail(
-      {.status = 503, .detail = "too many writes are waiting", .retry_after = 1});
+  PostWrite(std::make_unique<CallJob>(host_, std::move(call), std::move(visit), until,
+                                      [place = std::move(place)]() mutable { place.reset(); }));
+}
+
+template <typename Job>
+void Door::PostWrite(std::unique_ptr<Job> job) {
+  Job& posted = *job;
+  WriteLane::Job waiting = std::move(job);
+  if (writes_.Post(waiting)) return;
+  posted.TakeVisit()->Fail({.status = 503, .detail = "too many writes are waiting", .retry_after = 1});
 }
 
 void Door::Read(Call& call, Visit& visit, PlacePtr& place) {
@@ -306,30 +303,57 @@ void Door::HandleQuestion(VisitPtr& visit) {
     Read(call, *visit, place);
     return;
   }
+  if (question.writes) {
+    const Watchdog::Clock::time_point until = visit->begun() + options_.time;
+    PostWrite(std::make_unique<QuestionJob>(question, values, caller, std::move(visit), until,
+                                            [place = std::move(place)]() mutable { place.reset(); }));
+    return;
+  }
   StreamedAnswer answer(visit->exchange(), AnswerFormat::kJson, {}, visit->Head({{"Cache-Control", "no-store"}}),
                         options_.rows);
   RecordsetPtr rows;
   {
     const AnswerInParts parts(answer);
     TransactionConnection connection(host_, session_);
-    const workbench::Asker asker{.user = caller.user, .language = caller.language, .every_shop = caller.every_shop};
-    rows = question.ask(connection.get(), asker, values);
+    rows = question.ask(connection.get(), AskerOf(caller), values);
   }
   place.reset();
   answer.Finish(rows, {});
+}
+
+void Door::HandleResource(VisitPtr& visit) {
+  const WatchedBatches watched(visit.get());
+  const Request& request = visit->request();
+  const Caller caller = FindCaller(*visit);
+  Wish wish{.request = request, .caller = caller, .names = {}};
+  const Resource& resource =
+      ResourceOf(std::string_view(request.target).substr(kApi.size()), request.method, wish.names);
+  visit->set_operation(std::string(resource.name));
+  if (resource.for_administrators && !caller.role->administrator()) {
+    Refuse(403, "only administrators may see and change " + std::string(resource.name));
+  }
+  const PlacePtr place = std::make_shared<Place>(*this, caller.name, "");
+  Response response;
+  try {
+    TransactionConnection connection(host_, session_);
+    response = resource.answer(connection.get(), wish);
+  } catch (const Error& error) {
+    if (error.number() != error_number::kInvalidArgument) throw;
+    Refuse(422, error.description());
+  }
+  if (resource.method != "GET") callers_.Forget();
+  visit->Answer(std::move(response));
 }
 
 void Door::HandleLogin(VisitPtr& visit) {
   RequireMethods(*visit, {"POST"});
   RefuseForeignPage(visit->request(), false);
   if (visit->request().body.size() > kMostLoginBytes) Refuse(413, "a login has a name and a password, and no more");
-  const Variant json = ReadJson(visit->request().body, "body");
-  const std::shared_ptr<Dictionary> body = json.ToDictionary();
-  if (!body) Refuse(400, "the body is an object with user and password");
-  const std::string user = TextMember(*body, "user");
+  const Members members(visit->request(), {"user", "password"});
+  const std::string user = members.RequireText("user");
   const WatchedBatches watched(visit.get());
   TransactionConnection connection(host_, session_);
-  const Login login = LogIn(connection.get(), user, TextMember(*body, "password"), visit->request().peer);
+  const Login login = LogIn(connection.get(), user, members.RequireText("password"), visit->request().peer);
   if (login.wait.count() > 0) {
     throw http::Refusal({.status = 429,
                          .detail = "too many failed logins; wait " + std::to_string(login.wait.count()) + " seconds",

@@ -83,6 +83,7 @@ class Door {
   void Post(Workers& workers, VisitPtr visit, Handler handler);
   void HandleCall(VisitPtr& visit);
   void HandleQuestion(VisitPtr& visit);
+  void HandleResource(VisitPtr& visit);
   void HandleLogin(VisitPtr& visit);
   void HandleLogout(VisitPtr& visit);
   void HandleMe(VisitPtr& visit);
@@ -91,6 +92,8 @@ class Door {
   void HandleDocument(VisitPtr& visit);
   void HandleReady(VisitPtr& visit);
   using PlacePtr = std::shared_ptr<Place>;
+  template <typename Job>
+  void PostWrite(std::unique_ptr<Job> job);
   /// The place is given up before the last of the answer: whoever has the answer may call again.
   void Read(Call& call, Visit& visit, PlacePtr& place);
   void ReadFrom(const Call& call, Visit& visit, PlacePtr& place);

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "automation/order_list.h"
+#include "hosts/http/house/resource.h"
 #include "hosts/http/openapi_schema.h"
 #include "hosts/http/problem.h"
 
@@ -330,13 +331,14 @@ std::string OpenApiText() {
        {{{"name", "clsGetData"}, {"description", "Operations that read"}},
         {{"name", "clsSaveData"}, {"description", "Operations that change orders"}},
         {{"name", "workbench"}, {"description", "What the workbench page asks beside the operations; it may change"}},
-        {{"name", "access"}, {"description", "Logging in and out"}},
+        {{"name", "access"}, {"description", "Logging in and out; users, tokens and roles"}},
         {{"name", "server"}, {"description", "Events, health and metrics"}}}}};
   document["paths"] = SchemaJson::object();
   document["components"] = Components();
   for (const Operation* const operation : Operations()) AddOperation(document, *operation);
   for (const workbench::Question& question : workbench::Questions()) AddQuestion(document, question);
   AddRoutes(document["paths"]);
+  DescribeResources(document);
   return document.dump();
 }
 

@@ -289,7 +289,8 @@ SchemaJson QuestionSchema(const workbench::Question& question) {
     SchemaJson& property = schema["properties"][std::string(key.name)];
     if (key.type == ValueType::kString) property["maxLength"] = workbench::kLongestText;
     if (key.type != ValueType::kVector) continue;
-    property["items"] = NumberSchema(ValueType::kLong);
+    property["items"] =
+        key.stands == Standing::kKeyList ? NumberSchema(ValueType::kLong) : SchemaJson{{"type", "string"}};
     property["minItems"] = 1;
     property["maxItems"] = workbench::kMostKeys;
   }

@@ -36,7 +36,7 @@ Variant TextOf(const Key& key, const Variant& value) {
 
 /// Whether the text is a date of the form that all read alike, in the years that the database's dates have.
 bool IsDateText(const std::string& text) {
-  static const std::regex form(R"((17[6-9]\d|1[89]\d\d|[2-9]\d{3})-\d\d-\d\d([ T]\d\d:\d\d(:\d\d)?)?)");
+  static const std::regex form(R"((17[6-9]\d|1[89]\d\d|[2-9]\d{3})-\d\d-\d\d([ T]\d\d:\d\d(:\d\d(\.\d{1,7})?)?)?)");
   return std::regex_match(text, form);
 }
 
@@ -50,14 +50,15 @@ Variant DateOf(const Key& key, const Variant& value) {
   RefuseValue(key, "is a date from 1760 on, as 2026-11-22 or 2026-11-22T13:45:00");
 }
 
-Variant KeysOf(const Key& key, const Variant& value) {
+Variant ListOf(const Key& key, const Variant& value) {
+  const bool keys = key.stands == Standing::kKeyList;
   const std::shared_ptr<Vector> given = value.ToVector();
   if (!given || given->size() == 0 || given->size() > workbench::kMostKeys) {
-    RefuseValue(key, "is a list of 1 to " + std::to_string(workbench::kMostKeys) + " keys");
+    RefuseValue(key, "is a list of 1 to " + std::to_string(workbench::kMostKeys) + (keys ? " keys" : " texts"));
   }
-  Vector keys;
-  for (const Variant& item : *given) keys.Add(WholeNumberOf(key, item));
-  return std::make_shared<Vector>(std::move(keys));
+  Vector list;
+  for (const Variant& item : *given) list.Add(keys ? Variant(WholeNumberOf(key, item)) : TextOf(key, item));
+  return std::make_shared<Vector>(std::move(list));
 }
 
 Variant ValueOf(const Key& key, const Variant& value) {
@@ -70,7 +71,7 @@ Variant ValueOf(const Key& key, const Variant& value) {
     case ValueType::kDate:
       return DateOf(key, value);
     case ValueType::kVector:
-      return KeysOf(key, value);
+      return ListOf(key, value);
     default:
       return TextOf(key, value);
   }
@@ -118,6 +119,10 @@ Dictionary ReadQuestion(const workbench::Question& question, const Request& requ
     Refuse(400, std::string(question.name) + " wants the key " + std::string(key.name), std::string(key.name));
   }
   return values;
+}
+
+workbench::Asker AskerOf(const Caller& caller) {
+  return {.user = caller.user, .language = caller.language, .every_shop = caller.every_shop};
 }
 
 Call CallOf(const workbench::OperationCall& asked, const Caller& caller, std::string_view database,

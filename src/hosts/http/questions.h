@@ -18,6 +18,8 @@ const workbench::Question& QuestionOfPath(std::string_view name);
 Dictionary ReadQuestion(const workbench::Question& question, const Request& request, const Target& target,
                         const Caller& caller);
 
+workbench::Asker AskerOf(const Caller& caller);
+
 /// The call of the operation that answers a question. Raises Refusal 403 when the caller's role may not call it.
 /// @param client address of the client
 Call CallOf(const workbench::OperationCall& asked, const Caller& caller, std::string_view database,

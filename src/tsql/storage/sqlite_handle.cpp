@@ -1,7 +1,9 @@
 #include "tsql/storage/sqlite_handle.h"
 
 #include <cerrno>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 #include "platform/server_messages.h"
@@ -81,6 +83,17 @@ bool IsDiskFull(sqlite3* database, int status) {
   return false;
 }
 
+/// Whether the database's file could grow: then what is full is the space of a session, for temporary tables and for
+/// rows on their way.
+bool HasRoom(sqlite3* database) {
+  constexpr std::uintmax_t kRoom = 64 * 1024 * 1024;
+  const char* const file = database == nullptr ? nullptr : sqlite3_db_filename(database, "main");
+  if (file == nullptr) return false;
+  std::error_code failed;
+  const std::filesystem::space_info space = std::filesystem::space(std::filesystem::u8path(file), failed);
+  return !failed && space.available > kRoom;
+}
+
 [[noreturn]] void RaiseConstraint(sqlite3* database, int status, std::string_view message, std::string_view verb) {
   const std::string detail(Detail(message));
   switch (status) {
@@ -155,7 +168,7 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
     case SQLITE_LOCKED:
       throw SqlError(1222, "Lock request time out period exceeded: the database " + name + " is in use.");
     case SQLITE_FULL:
-      if (shown.in_memory) throw OutOfMemory();
+      if (shown.in_memory || ((status & 0xff) == SQLITE_FULL && HasRoom(database))) throw OutOfMemory();
       throw SqlError(1105, "Could not allocate space in the database " + name + ": the disk is full.", 17);
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:

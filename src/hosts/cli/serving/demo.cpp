@@ -16,7 +16,19 @@ constexpr const char* kUser = "demo";
 /// The administrator of the sample data.
 constexpr std::int32_t kErpUser = 16394;
 constexpr int kOrders = 2000;
+constexpr int kDeliveredDays = 30;
+constexpr int kOpenDays = 1;
 constexpr std::size_t kPasswordSize = 12;
+
+/// What the log would hold had people worked here: picking checks and weighings.
+constexpr const char* kLog = R"(
+INSERT INTO IC_TradeLog (FOrderFID, FOPUserID, FOPCode, FUserIP, FOPTime, FOldValue, FNewValue)
+SELECT FID, FPickingGoodMan, 3014, '10.0.0.21', FOrderPickingDate, '', '' FROM IC_Web2ERPOrders
+WHERE FPIckingGoodsStatus = 1 AND FPickingGoodMan > 0
+INSERT INTO IC_TradeLog (FOrderFID, FOPUserID, FOPCode, FUserIP, FOPTime, FOldValue, FNewValue)
+SELECT FID, FWeighttingMan, 3008, '10.0.0.22', DATEADD(minute, 6, FOrderPickingDate), '', '' FROM IC_Web2ERPOrders
+WHERE FWeighttingStatus = 1 AND FWeighttingMan > 0 AND FOrderPickingDate < DATEADD(minute, -6, GETDATE())
+)";
 
 std::int32_t Count(Connection& connection, const char* query) {
   return connection.Query(query)->Get(std::size_t{0}).ToInt32();
@@ -46,8 +58,11 @@ std::string PrepareDemo(CommandContext& context) {
   ApplySchema(*connection);
   if (!filled) {
     Progress progress("orders");
-    Seed(*connection, {.orders = kOrders}, [&progress](int done, int total) { progress.Show(done, total); });
+    const SampleDays days{.end = DateTime::Now(), .delivered = kDeliveredDays, .open = kOpenDays, .until_end = true};
+    Seed(*connection, {.orders = kOrders, .days = days},
+         [&progress](int done, int total) { progress.Show(done, total); });
   }
+  if (!filled) connection->Execute(kLog);
   http::UserSettings settings;
   settings.password = http::RandomText().substr(0, kPasswordSize);
   if (HasDemoUser(*connection)) {

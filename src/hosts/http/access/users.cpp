@@ -128,6 +128,7 @@ SELECT @id=FID FROM DoorUser WITH (UPDLOCK,HOLDLOCK) WHERE FName=@name
 DELETE FROM DoorUser WHERE FID=@id
 DELETE FROM DoorSession WHERE FUserID=@id
 DELETE FROM DoorToken WHERE FUserID=@id
+DELETE FROM DoorKept WHERE FUserID=@id
 COMMIT TRANSACTION)",
                             parameters});
 }

@@ -1,0 +1,138 @@
+#include "workbench/figures.h"
+
+#include <array>
+#include <string>
+
+#include "platform/text/text.h"
+#include "workbench/statement.h"
+#include "workbench/tabs.h"
+
+namespace tessarlorn::workbench {
+namespace {
+
+constexpr std::int32_t kMostDays = 31;
+constexpr int kHours = 24;
+
+/// What somebody does with an order, and where that is kept. Every count is one range of an index.
+struct Step {
+  std::string_view name;
+  /// FPersonID and FPersonName of everybody who may have done it.
+  std::string_view people;
+  /// Orders t1 of the person p.
+  std::string_view orders;
+  std::string_view time;
+};
+constexpr std::string_view kUsers =
+    "SELECT CAST(FUserID AS nvarchar(50)) AS FPersonID, FName AS FPersonName, FUserID FROM t_User";
+constexpr std::array kSteps = {
+    Step{"picked", "SELECT FNumber AS FPersonID, FName AS FPersonName, 0 AS FUserID FROM t_Emp",
+         "IC_Web2ERPOrders t1 with(nolock) WHERE t1.FPickMan = p.FPersonID", "t1.FPickDate"},
+    Step{"checked", kUsers,
+         "IC_Web2ERPOrders t1 with(nolock) WHERE t1.FPickingGoodMan = p.FUserID AND t1.FPIckingGoodsStatus = 1",
+         "t1.FOrderPickingDate"},
+    Step{"weighed", kUsers, "IC_TradeLog l with(nolock){logged} WHERE l.FOPCode = 3008 AND l.FOPUserID = p.FUserID",
+         "l.FOPTime"},
+    Step{"delivered", kUsers, "IC_Web2ERPOrders t1 with(nolock) WHERE t1.FShippingMan = p.FUserID", "t1.FSendDate"},
+};
+
+std::int32_t DaysOf(const Dictionary& values) {
+  const std::int32_t days = values.GetValue("days", 1).ToInt32();
+  if (days < 1 || days > kMostDays) {
+    throw WrongValue("days", "days is 1 to " + std::to_string(kMostDays) + ", not " + std::to_string(days));
+  }
+  return days;
+}
+
+/// (0),(1),… for each bucket
+std::string Numbers(int count) {
+  std::string text = "(0)";
+  for (int i = 1; i < count; ++i) text += ",(" + std::to_string(i) + ")";
+  return text;
+}
+
+/// Sets @from, the begin of the first day, and @to, that of the day behind the last.
+Statement& SetDays(Statement& statement, const Dictionary& values, std::int32_t days) {
+  return statement.Set("@day", "date", values.GetValue("day")).Set("@days", "int", days);
+}
+constexpr std::string_view kDays =
+    "DECLARE @from datetime = DATEADD(day, 1 - @days, @day), @to datetime = DATEADD(day, 1, @day);\r\n";
+
+/// A weighing is of the log: only where shops are hidden its order is looked at.
+std::string Logged(const Asker& asker) {
+  return asker.every_shop ? "" : " INNER JOIN IC_Web2ERPOrders t1 with(nolock) ON t1.FID = l.FOrderFID";
+}
+
+}  // namespace
+
+RecordsetPtr AskBacklog(Connection& connection, const Asker& asker, const Dictionary&) {
+  Statement statement(
+      "DECLARE @now datetime = DATEADD(minute, DATEDIFF(minute, 0, GETDATE()), 0);\r\n"
+      "SELECT x.FState, x.FAge, CASE x.FAge WHEN 5 THEN NULL ELSE x.FFrom END AS FFrom, x.FTo, x.FOrders FROM (");
+  for (const std::string_view name : {"toBePicked", "toBeDelivered"}) {
+    const Tab& tab = *FindTab(name);
+    const std::string in_age =
+        " AND t1.FSitePayDate >= b.FFrom AND t1.FSitePayDate < b.FTo" + std::string(OfShops(asker));
+    statement.Add(name == "toBePicked" ? "SELECT 2" : " UNION ALL SELECT 6")
+        .Add(" AS FState, b.FAge, b.FFrom, b.FTo, ")
+        .Add(ReplaceAll(tab.count, "{shops}", in_age))
+        .Add(
+            " AS FOrders FROM (SELECT FAge, DATEADD(hour, -FOldest, @now) AS FFrom, DATEADD(hour, -FYoungest, @now) AS "
+            "FTo FROM (VALUES (0, 4, -1), (1, 24, 4), (2, 48, 24), (3, 72, 48), (4, 168, 72), (5, 1000000, 168)) "
+            "v(FAge, FOldest, FYoungest)) b");
+  }
+  return statement.Add(") x ORDER BY x.FState, x.FAge").SetShops(asker).Run(connection);
+}
+
+RecordsetPtr AskWork(Connection& connection, const Asker& asker, const Dictionary& values) {
+  const std::int32_t days = DaysOf(values);
+  const std::string unit = days == 1 ? "hour" : "day";
+  const std::string buckets = "(SELECT DATEADD(" + unit + ", n, @from) AS FFrom, DATEADD(" + unit +
+                              ", n + 1, @from) AS FTo FROM (VALUES " + Numbers(days == 1 ? kHours : days) + ") v(n)) b";
+  Statement statement{std::string(kDays)};
+  statement.Add("SELECT x.FStep, x.FFrom, x.FTo, x.FPersonID, x.FPersonName, x.FOrders FROM (");
+  for (const Step& step : kSteps) {
+    const std::string time(step.time);
+    const std::string orders = ReplaceAll(step.orders, "{logged}", Logged(asker)) + std::string(OfShops(asker));
+    const std::string within = " AND " + time + " >= ";
+    statement.Add(&step == kSteps.data() ? "SELECT '" : " UNION ALL SELECT '")
+        .Add(step.name)
+        .Add("' AS FStep, b.FFrom, b.FTo, p.FPersonID, p.FPersonName, (SELECT COUNT(*) FROM ")
+        .Add(orders + within + "b.FFrom AND " + time + " < b.FTo) AS FOrders FROM (SELECT p.* FROM (")
+        .Add(step.people)
+        // Few of the ERP's users do any of this.
+        .Add(") p WHERE EXISTS (SELECT 1 FROM ")
+        .Add(orders + within + "@from AND " + time + " < @to)) p CROSS JOIN ")
+        .Add(buckets);
+  }
+  statement.Add(") x WHERE x.FOrders > 0 ORDER BY x.FStep, x.FFrom, x.FPersonName, x.FPersonID").SetShops(asker);
+  return SetDays(statement, values, days).Run(connection);
+}
+
+RecordsetPtr AskCarriers(Connection& connection, const Asker& asker, const Dictionary& values) {
+  const std::int32_t days = DaysOf(values);
+  Statement statement{std::string(kDays)};
+  statement
+      .Add("SELECT x.FCarrierID, ISNULL(c." + std::string(asker.language == "CHS" ? "FName" : "FName_CHT") +
+           ", '') AS FCarrier, x.FOrders, x.FWeight, x.FCost FROM (SELECT t1.FLogisticsID AS FCarrierID, COUNT(*) AS "
+           "FOrders, SUM(t1.FWeight) AS FWeight, SUM(t1.FLogisticsCost) AS FCost FROM IC_Web2ERPOrders t1 with(nolock) "
+           "WHERE t1.FSendDate >= @from AND t1.FSendDate < @to AND t1.FOrderStatus = 14")
+      .Add(OfShops(asker))
+      .Add(
+          " GROUP BY t1.FLogisticsID) x LEFT JOIN IC_Logistics c with(nolock) ON c.FItemID = x.FCarrierID ORDER BY "
+          "x.FOrders DESC, x.FCarrierID")
+      .SetShops(asker);
+  return SetDays(statement, values, days).Run(connection);
+}
+
+RecordsetPtr AskFailures(Connection& connection, const Asker& asker, const Dictionary&) {
+  Statement statement(
+      "SELECT TOP (200) t1.FReasonsForFailure AS FReason, t1.FUpLoadStatus AS FUpload, COUNT(*) AS FOrders FROM "
+      "IC_Web2ERPOrders t1 with(nolock) LEFT JOIN IC_Web2ERPOrdersEx t22 with(nolock) ON t22.FID = t1.FID WHERE "
+      "t1.FUpLoadStatus IN (0, 2) AND t1.FReasonsForFailure <> '' AND ISNULL(t22.FIsLock, 0) = 0");
+  return statement.Add(OfShops(asker))
+      .Add(" GROUP BY t1.FReasonsForFailure, t1.FUpLoadStatus ORDER BY FOrders DESC, FReason, FUpload")
+      .SetShops(asker)
+      .Run(connection);
+}
+
+}  // namespace tessarlorn::workbench

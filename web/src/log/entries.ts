@@ -1,5 +1,7 @@
 // The entries that the link asks for, a page after the other.
-import { askComing, type LogLine } from '../api/coming.js';
+import { ask, type Asked, type Row } from '../api/workbench.js';
+
+export type LogLine = Row<'log'>;
 
 export const page = 500;
 /** As many as one file gets. */
@@ -9,7 +11,7 @@ export const mostSaved = 20_000;
 export const filters = ['from', 'to', 'user', 'code', 'field', 'number'] as const;
 export type Filter = (typeof filters)[number];
 
-function askedFor(query: URLSearchParams): Record<string, unknown> {
+function askedFor(query: URLSearchParams): Asked<'log'> {
   const values = filters.flatMap((name): [string, unknown][] => {
     const text = query.get(name)?.trim();
     return text ? [[name, name === 'user' || name === 'code' ? Number(text) : text]] : [];
@@ -19,8 +21,8 @@ function askedFor(query: URLSearchParams): Record<string, unknown> {
 
 /** @param last the last entry that is there; the page behind it is asked for */
 export function askPage(query: URLSearchParams, last: LogLine | undefined, signal?: AbortSignal): Promise<LogLine[]> {
-  const before = last && { beforeTime: last.FTime, beforeKind: last.FKind, beforeKey: last.FKey };
-  return askComing('log', { ...askedFor(query), most: page, ...before }, signal);
+  const before = last && { beforeTime: last.FTime ?? '', beforeKind: last.FKind, beforeKey: last.FKey };
+  return ask('log', { ...askedFor(query), most: page, ...before }, signal);
 }
 
 /** All that match, up to as many as a file gets. What came before it was stopped is answered as well. */

@@ -9,14 +9,14 @@ import { words } from './words.js';
 
 export function FilterForm({ query }: { query: URLSearchParams }) {
   const [values, setValues] = useState(() => new URLSearchParams(query));
-  const users = useChoices().filter(({ FKind }) => (FKind as string) === 'user');
+  const users = useChoices().filter(({ FKind }) => FKind === 'user');
   const set = (name: Filter) => (event: { currentTarget: { value: string } }) => {
     const wanted = new URLSearchParams(values);
     if (event.currentTarget.value) wanted.set(name, event.currentTarget.value);
     else wanted.delete(name);
     setValues(wanted);
   };
-  const of = (name: Filter) => ({ 'value': values.get(name) ?? '', 'onInput': set(name), 'data-filter': name });
+  const of = (name: Filter) => ({ 'value': values.get(name) ?? '', 'onInput': set(name) });
   const user = values.get('user') ?? '';
   return (
     <form class="filter" onSubmit={(event) => {

@@ -1,11 +1,10 @@
 // The log: who did what with which order, the latest first.
 import { useEffect, useRef, useState } from 'preact/hooks';
-import type { LogLine } from '../api/coming.js';
 import { wordsOf } from '../parts/problem.js';
 import { linkTo, route } from '../shell/route.js';
 import { common } from '../words/common.js';
 import { fill, formatTime } from '../words/language.js';
-import { askPage, page } from './entries.js';
+import { askPage, page, type LogLine } from './entries.js';
 import { FilterForm } from './filter_form.js';
 import { nameOf } from './names.js';
 import { SaveLog } from './save.js';

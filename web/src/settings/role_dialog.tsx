@@ -31,9 +31,9 @@ export function RoleDialog({ roles, onDone, onClose }: Props) {
     return after;
   });
   return (
-    <FormDialog title={words.addRole} main={words.make} onClose={onClose} onSubmit={async (key) => {
+    <FormDialog title={words.addRole} main={words.make} onClose={onClose} onSubmit={async () => {
       if (picked.size === 0) throw new Error(words.pickSome);
-      await addRole(name.trim(), [...picked], key);
+      await addRole({ name: name.trim(), operations: [...picked] });
       onDone(words.saved);
     }}>
       <label class="field">

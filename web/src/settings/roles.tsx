@@ -38,8 +38,8 @@ export function Roles() {
       {adding && roles.value && <RoleDialog roles={roles.value} onDone={done} onClose={() => setAdding(false)} />}
       {removing && (
         <FormDialog title={fill(words.removeOf, { name: removing })} main={words.remove} onClose={() => setRemoving('')}
-          onSubmit={async (key) => {
-            await removeRole(removing, key);
+          onSubmit={async () => {
+            await removeRole(removing);
             done(words.removed);
           }}>
           <p>{words.removeRoleAsk}</p>

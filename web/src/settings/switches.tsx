@@ -1,7 +1,7 @@
 // The switches of the ERP that decide how orders are worked on.
 import { useState } from 'preact/hooks';
 import { answerOf, door } from '../api/door.js';
-import { askComing } from '../api/coming.js';
+import { ask } from '../api/workbench.js';
 import { LoadNote, useLoaded } from '../parts/loaded.js';
 import { say } from '../parts/toasts.js';
 import { operationWords } from '../log/names.js';
@@ -21,7 +21,7 @@ function helpOf(key: string): string {
 }
 
 export function Switches() {
-  const switches = useLoaded((signal) => askComing('switches', {}, signal), []);
+  const switches = useLoaded((signal) => ask('switches', {}, signal), []);
   const [value, setValue] = useState<string>();
   return (
     <>

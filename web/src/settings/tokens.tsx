@@ -38,8 +38,8 @@ export function Tokens() {
       )}
       {removing && (
         <FormDialog title={fill(words.removeOf, { name: removing.Token })} main={words.remove}
-          onClose={() => setRemoving(undefined)} onSubmit={async (key) => {
-            await removeToken(removing, key);
+          onClose={() => setRemoving(undefined)} onSubmit={async () => {
+            await removeToken(removing);
             setRemoving(undefined);
             say('good', words.removed);
             tokens.again();
@@ -89,8 +89,8 @@ function TokenDialog({ onMade, onClose }: { onMade: (token: string) => void; onC
   const [name, setName] = useState('');
   const [days, setDays] = useState('90');
   return (
-    <FormDialog title={words.addToken} main={words.make} onClose={onClose} onSubmit={async (key) => {
-      const { token } = await addToken({ user, name: name.trim(), ...(days ? { days: Number(days) } : {}) }, key);
+    <FormDialog title={words.addToken} main={words.make} onClose={onClose} onSubmit={async () => {
+      const { token } = await addToken({ user, name: name.trim(), ...(days ? { days: Number(days) } : {}) });
       onMade(token);
     }}>
       <LoadNote loaded={users} />
@@ -107,7 +107,7 @@ function TokenDialog({ onMade, onClose }: { onMade: (token: string) => void; onC
       </label>
       <label class="field">
         {words.days}
-        <input type="number" min={1} max={3650} step={1} value={days} onInput={(event) => setDays(event.currentTarget.value)} />
+        <input type="number" min={1} max={36500} step={1} value={days} onInput={(event) => setDays(event.currentTarget.value)} />
       </label>
     </FormDialog>
   );

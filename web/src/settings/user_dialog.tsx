@@ -26,10 +26,10 @@ export function UserDialog({ user, roles, onDone, onClose }: Props) {
   const [active, setActive] = useState(!isSet(user?.Disabled));
   const own = user?.Name === caller.value?.user;
   const names = [...new Set([...roles.map((known) => known.name), ...(user ? [user.Role] : [])])];
-  const submit = async (key: string) => {
+  const submit = async () => {
     const told = { erpUser: Number(erpUser), role, language, sql };
-    if (user) await changeUser(user.Name, own ? told : { ...told, disabled: !active }, key);
-    else await addUser({ ...told, name: name.trim(), password }, key);
+    if (user) await changeUser(user.Name, own ? told : { ...told, disabled: !active });
+    else await addUser({ ...told, name: name.trim(), password });
     onDone(words.saved);
   };
   return (

@@ -35,8 +35,8 @@ export function Users() {
       {open?.what === 'password' && <PasswordDialog user={open.user} onDone={done} onClose={close} />}
       {open?.what === 'disable' && (
         <FormDialog title={fill(words.disableOf, { name: open.user.Name })} main={words.disable} onClose={close}
-          onSubmit={async (key) => {
-            await changeUser(open.user.Name, { disabled: true }, key);
+          onSubmit={async () => {
+            await changeUser(open.user.Name, { disabled: true });
             done(words.saved);
           }}>
           <p>{words.disableAsk}</p>
@@ -44,8 +44,8 @@ export function Users() {
       )}
       {open?.what === 'remove' && (
         <FormDialog title={fill(words.removeOf, { name: open.user.Name })} main={words.remove} onClose={close}
-          onSubmit={async (key) => {
-            await removeUser(open.user.Name, key);
+          onSubmit={async () => {
+            await removeUser(open.user.Name);
             done(words.removed);
           }}>
           <p>{words.removeUserAsk}</p>
@@ -103,8 +103,8 @@ function PasswordDialog({ user, onDone, onClose }: {
   const [password, setPassword] = useState('');
   return (
     <FormDialog title={fill(words.passwordOf, { name: user.Name })} main={common.save} onClose={onClose}
-      onSubmit={async (key) => {
-        await changeUser(user.Name, { password }, key);
+      onSubmit={async () => {
+        await changeUser(user.Name, { password });
         onDone(words.saved);
       }}>
       <PasswordField value={password} onInput={setPassword} />

@@ -57,7 +57,7 @@ export const words = defineWords({
     'Copy the token now. It cannot be shown again.', '请立即复制令牌，之后无法再次显示。', '請立即複製權杖，之後無法再次顯示。',
   ],
   tokenName: ['Name, for which program it is', '名称（用于哪个程序）', '名稱（用於哪個程式）'],
-  days: ['Days until it expires; empty for the usual', '有效天数（留空为默认值）', '有效天數（留空為預設值）'],
+  days: ['Days until it expires; empty for never', '有效天数（留空为永不过期）', '有效天數（留空為永不過期）'],
   make: ['Make', '创建', '建立'],
   expires: ['Expires', '到期', '到期'],
   expired: ['expired', '已过期', '已過期'],

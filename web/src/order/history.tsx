@@ -1,15 +1,10 @@
 // What was done with an order, the history first.
 import type { HistoryLine } from '../api/workbench.js';
-import { columnWords } from '../orders/column_words.js';
+import { nameOf } from '../log/names.js';
 import { common } from '../words/common.js';
 import { fill, formatTime } from '../words/language.js';
 import type { Line } from './lines.js';
 import { words } from './words.js';
-
-function nameOf({ FKind, FName }: HistoryLine): string {
-  if (FKind === 'field') return columnWords[FName as keyof typeof columnWords] ?? FName;
-  return words[`op${FName}` as keyof typeof words] ?? fill(words.operation, { code: FName });
-}
 
 export function History({ history, lines }: { history: readonly HistoryLine[]; lines: readonly Line[] }) {
   const lineOf = (entry: number) => String(lines.find((line) => line['FEntryID'] === entry)?.['FIndex'] ?? entry);

@@ -33,12 +33,4 @@ export const words = defineWords({
   what: ['What', '内容', '內容'],
   change: ['Change', '更改', '變更'],
   lineOf: ['Line {line}', '分录 {line}', '明細 {line}'],
-  operation: ['Operation {code}', '操作 {code}', '操作 {code}'],
-  op2001: ['Warehouse changed', '更改仓库', '變更倉庫'],
-  op3003: ['Picking check', '配货检验', '配貨檢驗'],
-  op3005: ['Stepped back', '退回上一步', '退回上一步'],
-  op3007: ['Cost invoice', '费用发票', '費用發票'],
-  op3008: ['Weighed', '称重', '稱重'],
-  op3013: ['Picking check taken back', '取消配货检验', '取消配貨檢驗'],
-  op3014: ['Picking check passed', '配货检验通过', '配貨檢驗通過'],
 });

@@ -13,6 +13,10 @@ export const screens: Readonly<Record<string, Screen>> = {
   order: { title: () => '', load: async () => (await import('../order/screen.js')).OrderScreen },
   shelf: { title: () => common.shelf, load: async () => (await import('../shelf/screen.js')).ShelfScreen },
   desk: { title: () => common.desk, load: async () => (await import('../desk/screen.js')).DeskScreen },
+  figures: { title: () => common.figures, load: async () => (await import('../figures/screen.js')).FiguresScreen },
+  log: { title: () => common.log, load: async () => (await import('../log/screen.js')).LogScreen },
+  console: { title: () => common.console, load: async () => (await import('../console/screen.js')).ConsoleScreen },
+  settings: { title: () => common.settings, load: async () => (await import('../settings/screen.js')).SettingsScreen },
   print: { title: () => '', load: async () => (await import('../prints/screen.js')).PrintScreen },
 };
 

@@ -79,6 +79,19 @@ TEST(EmbeddedDriver, AFullDiskIsAnErrorThatLosesNothing) {
             "n;1");
 }
 
+TEST(EmbeddedDriver, AChangeOfManyPagesCanBeTakenBack) {
+  const TemporaryFolder folder;
+  const auto connection = OpenEmbedded(folder.file("large.db"));
+  connection->Execute(
+      "create table n (FKey int identity primary key, FText nvarchar(200)) insert n values (replicate('x', 200)) "
+      "declare @i int = 0 while @i < 15 begin set @i += 1 insert n select FText from n end");
+  EXPECT_EQ(
+      Answer(*connection,
+             "begin transaction save transaction s update n set FText = replicate('y', 200) rollback transaction s "
+             "update n set FText = 'z' where FKey % 2 = 0 commit select count(*) as n from n where FText like 'x%'"),
+      "n;16384");
+}
+
 TEST(EmbeddedDriver, SaysInOneWayThatItMayNotWrite) {
   const TemporaryFolder folder;
   const std::string file = folder.file("shown.db");

@@ -4,13 +4,14 @@ import { execFileSync, spawn } from 'node:child_process';
 export const password = 's3cret-pass';
 
 export class Served {
-  constructor(command) {
+  constructor(command, { file = 'orders.db', orders = 400, fresh = true } = {}) {
     this.command = command;
     this.address = '127.0.0.1:0';
-    const environment = { TESSARLORN_DSN: 'Embedded=orders.db;Synchronous=Normal' };
+    const environment = { TESSARLORN_DSN: `Embedded=${file};Synchronous=Normal` };
     this.options = { env: { ...process.env, ...environment }, stdio: ['pipe', 'pipe', 'ignore'] };
+    if (!fresh) return;
     this.make('init');
-    this.make('seed', '--orders', '400', '--random-seed', '5');
+    this.make('seed', '--orders', String(orders), '--random-seed', '5');
     for (const user of ['ann', 'bob']) {
       const words = ['user', 'add', user, '--erp-user', '16394', '--role', 'administrator', '--language', 'EN'];
       execFileSync(command, words, { ...this.options, input: password });

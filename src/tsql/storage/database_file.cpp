@@ -77,13 +77,9 @@ std::string UriOf(const std::string& file, std::string_view query) {
 
 /// Settings of the process, taken before SQLite is used for the first time, and refused later.
 void ConfigureSqlite() {
-  // What statements and save points may have to take back stays in memory up to so many bytes, then goes to a file. A
-  // write behind many save points would outgrow SQLite's own 64 KB at once.
-  constexpr int kMostSaved = 4 << 20;
   // Nobody asks how much memory is in use, and the count makes threads wait for each other.
   constexpr int kCountMemory = 0;
-  [[maybe_unused]] static const int status =
-      sqlite3_config(SQLITE_CONFIG_STMTJRNL_SPILL, kMostSaved) | sqlite3_config(SQLITE_CONFIG_MEMSTATUS, kCountMemory);
+  [[maybe_unused]] static const int status = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, kCountMemory);
 }
 
 /// @param name a file or a URI

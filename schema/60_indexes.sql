@@ -230,8 +230,8 @@ IF NOT EXISTS (SELECT 1 FROM sys.indexes
 CREATE INDEX IX_TradeFieldLog_Time ON IC_TradeFieldLog (FOPTime);
 GO
 
--- Why uploads failed: few orders have a reason.
+-- What is delivered and not reported yet.
 IF NOT EXISTS (SELECT 1 FROM sys.indexes
-               WHERE name = 'IX_Web2ERPOrders_Failed' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
-CREATE INDEX IX_Web2ERPOrders_Failed ON IC_Web2ERPOrders (FUpLoadStatus) WHERE FReasonsForFailure <> '';
+               WHERE name = 'IX_Web2ERPOrders_Report' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_Report ON IC_Web2ERPOrders (FUpLoadStatus, FOrderStatus);
 GO

@@ -6,6 +6,7 @@
 #include <optional>
 #include <utility>
 
+#include "hosts/calls/json_arguments.h"
 #include "hosts/calls/save_point.h"
 #include "hosts/http/call_job.h"
 #include "hosts/http/call_record.h"
@@ -349,7 +350,7 @@ void Door::HandleLogin(VisitPtr& visit) {
   RequireMethods(*visit, {"POST"});
   RefuseForeignPage(visit->request(), false);
   if (visit->request().body.size() > kMostLoginBytes) Refuse(413, "a login has a name and a password, and no more");
-  const Members members(visit->request(), {"user", "password"});
+  const Members members(ReadJson(visit->request().body, "body"), {"user", "password"});
   const std::string user = members.RequireText("user");
   const WatchedBatches watched(visit.get());
   TransactionConnection connection(host_, session_);

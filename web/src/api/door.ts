@@ -26,10 +26,15 @@ export const reachable = signal(true);
 /** Who is logged in; null when nobody is, undefined before that is known. */
 export const caller = signal<Schemas['Caller'] | null | undefined>(undefined);
 
+/** Whether the login of whoever works here has ended. What he typed stays. */
+export const lapsed = signal(false);
+
 const watch: Middleware = {
   onResponse({ response }) {
     reachable.value = true;
-    if (response.status === 401) caller.value = null;
+    if (response.status !== 401) return;
+    if (caller.value) lapsed.value = true;
+    else caller.value = null;
   },
   onError() {
     reachable.value = false;

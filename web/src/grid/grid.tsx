@@ -46,6 +46,13 @@ export interface GridProps<Row> {
 const rowHeight = 32;
 const headHeight = 36;
 const markWidth = 40;
+/** Rows drawn above and below what is in view. */
+const beyond = 6;
+
+/** How many rows are drawn at most, but for the one with the focus. */
+function drawnRows(height: number): number {
+  return Math.ceil(height / rowHeight) + 1 + 2 * beyond;
+}
 
 function withIndex(range: Range, index: number): number[] {
   const indexes = defaultRangeExtractor(range);
@@ -69,7 +76,7 @@ export function Grid<Row>(props: GridProps<Row>) {
   const left = fits ? pinnedWidth : markWidth;
 
   const rows = useVirtualizer({
-    count: keys.length, getScrollElement: () => scroller.current, estimateSize: () => rowHeight, overscan: 6,
+    count: keys.length, getScrollElement: () => scroller.current, estimateSize: () => rowHeight, overscan: beyond,
     scrollPaddingEnd: headHeight, paddingEnd: headHeight, rangeExtractor: (range) => withIndex(range, active),
   });
   const across = useVirtualizer({
@@ -140,6 +147,8 @@ export function Grid<Row>(props: GridProps<Row>) {
   const pins = pinned.map((column, index) => ({
     column, index, left: pinned.slice(0, index).reduce((sum, other) => sum + other.width, markWidth),
   }));
+  // Rows that leave the view become those that enter it; the one with the focus stays itself.
+  const slots = drawnRows(scroller.current?.clientHeight ?? innerHeight);
   const all = keys.length > 0 && selection.keys.size === keys.length;
   return (
     <div class="grid" ref={scroller} role="grid" aria-label={props.label} aria-describedby="grid-help"
@@ -153,7 +162,7 @@ export function Grid<Row>(props: GridProps<Row>) {
           const row = props.rowOf(key);
           const chosen = selection.keys.has(key);
           return (
-            <div key={key} class="grid-row" role="row" aria-rowindex={index + 2} aria-selected={chosen} data-row={index}
+            <div key={index === active ? 'active' : index % slots} class="grid-row" role="row" aria-rowindex={index + 2} aria-selected={chosen} data-row={index}
               tabIndex={index === active ? 0 : -1} style={{ transform: `translateY(${start}px)`, width }}
               onClick={(event) => onClick(event, index)} onDblClick={() => props.onOpen(key)}
               onFocus={() => setAt(index)}>

@@ -1,6 +1,7 @@
 // The list of orders: tabs, filters, the grid, and the steps that the selection can take.
 import { useEffect, useMemo, useRef, useState } from 'preact/hooks';
 import { useChanges } from '../api/events.js';
+import { keep, kept } from '../api/kept.js';
 import { ask, type Tab } from '../api/workbench.js';
 import { ColumnsDialog } from '../grid/columns_dialog.js';
 import { Grid } from '../grid/grid.js';
@@ -17,7 +18,6 @@ import { fill } from '../words/language.js';
 import { askColumns, captionOf, columnsOf, firstPlaces, type Described } from './columns.js';
 import { filterOf, tabOf } from './filter.js';
 import { FilterChips, FilterDialog } from './filters.js';
-import { keep, kept } from './kept.js';
 import { lastList } from './list.js';
 import { delivered, isBare, stateOf, toBeDelivered, toBePicked } from './row.js';
 import { Rows } from './rows.js';
@@ -28,27 +28,42 @@ import './orders.css';
 
 /** As many keys as the server hands out. */
 const most = 100_000;
+/** More than a screen shows. */
+const firstKeys = 200;
+const firstRows = 60;
 const viewPause = 60;
 const usualSort = 'FSitePayDate';
 const tabStates: Partial<Record<Tab, number>> = { toBePicked, toBeDelivered, delivered };
 
 /** The keys that the link asks for; undefined while they come for the first time. */
-function useKeys(query: URLSearchParams) {
+function useKeys(query: URLSearchParams, rows: Rows) {
   const [keys, setKeys] = useState<readonly number[]>();
   const [wrong, setWrong] = useState('');
   const [busy, setBusy] = useState(false);
   const [times, setTimes] = useState(0);
   const asked = query.toString();
+  const shownFor = useRef('');
   useEffect(() => {
     const asking = new AbortController();
-    setBusy(true);
-    ask('orders', filterOf(query), asking.signal).then((rows) => {
-      const found = rows.map(({ FID }) => FID);
+    const show = (found: readonly number[]) => {
       lastList.value = { keys: found, link: linkTo('orders', query) };
       setKeys(found);
       setWrong('');
-      setBusy(false);
-    }, (error: unknown) => {
+      shownFor.current = asked;
+    };
+    const load = async () => {
+      const filter = filterOf(query);
+      // The first orders can be read while the keys of all are still on their way. A list that stands is not cut.
+      if (shownFor.current !== asked) {
+        const begin = (await ask('orders', { ...filter, most: firstKeys }, asking.signal)).map(({ FID }) => FID);
+        rows.need(begin, 0, firstRows);
+        show(begin);
+        if (begin.length < firstKeys) return;
+      }
+      show((await ask('orders', filter, asking.signal)).map(({ FID }) => FID));
+    };
+    setBusy(true);
+    load().then(() => setBusy(false), (error: unknown) => {
       if (asking.signal.aborted) return;
       setWrong(wordsOf(error));
       setBusy(false);
@@ -90,10 +105,10 @@ function useColumns() {
 
 export function OrdersScreen() {
   const { query } = route.value;
-  const { keys, wrong, busy, again } = useKeys(query);
+  const rows = useMemo(() => new Rows(), []);
+  const { keys, wrong, busy, again } = useKeys(query, rows);
   const { counts, count } = useCounts();
   const { described, places, put, reset } = useColumns();
-  const rows = useMemo(() => new Rows(), []);
   const [selection, setSelection] = useState(nothingSelected);
   const [open, setOpen] = useState<'columns' | 'views' | 'filters'>();
   const [first, setFirst] = useState('orderedFrom');
@@ -153,7 +168,7 @@ export function OrdersScreen() {
           setOpen('filters');
         }} />
         <span class="said quiet" role="status">
-          {busy && !keys ? common.loading : keys && fill(words.orders, { count: keys.length })}
+          {!keys || (busy && keys.length === firstKeys) ? common.loading : fill(words.orders, { count: keys.length })}
           {selection.keys.size > 0 && ` · ${fill(words.selected, { count: selection.keys.size })}`}
         </span>
         <button type="button" onClick={() => setOpen('views')}>{words.views}</button>

@@ -1,10 +1,9 @@
 // What is shown, kept under names.
-import { useState } from 'preact/hooks';
+import { keep, kept } from '../api/kept.js';
 import { linkTo } from '../shell/route.js';
 import { Dialog, FormEnd } from '../parts/dialog.js';
 import { common } from '../words/common.js';
 import { fill } from '../words/language.js';
-import { keep, kept } from './kept.js';
 import { words } from './words.js';
 
 interface View {
@@ -13,11 +12,8 @@ interface View {
 }
 
 export function ViewsDialog({ query, onClose }: { query: URLSearchParams; onClose: () => void }) {
-  const [views, setViews] = useState(() => kept<View[]>('views') ?? []);
-  const store = (wanted: View[]) => {
-    keep('views', wanted);
-    setViews(wanted);
-  };
+  const views = kept<View[]>('views') ?? [];
+  const store = (wanted: View[]) => keep('views', wanted);
   const submit = (event: SubmitEvent) => {
     event.preventDefault();
     const form = event.currentTarget as HTMLFormElement;

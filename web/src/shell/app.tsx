@@ -1,7 +1,7 @@
 // The frame around the screens: who works, where one is, and what is wrong with the connection.
 import type { ComponentType } from 'preact';
 import { useEffect, useState } from 'preact/hooks';
-import { caller, reachable } from '../api/door.js';
+import { caller, lapsed, reachable } from '../api/door.js';
 import { findCaller, logOut } from '../api/session.js';
 import { sayError, Toasts } from '../parts/toasts.js';
 import { common } from '../words/common.js';
@@ -9,8 +9,9 @@ import { language } from '../words/language.js';
 import { Choices } from './choices.js';
 import { FindOrder } from './find_order.js';
 import { KeyList } from './key_list.js';
-import { Login } from './login.js';
-import { linkTo, route } from './route.js';
+import { Login, LoginAgain } from './login.js';
+import { Menu } from './menu.js';
+import { route } from './route.js';
 import { firstScreen, screens } from './screens.js';
 import { words } from './words.js';
 
@@ -41,16 +42,12 @@ export function App() {
   if (caller.value === null) return <Login />;
   const here = route.value.path[0] ?? firstScreen;
   return (
-    <div class="shell">
+    <div class="shell" key={caller.value.user}>
       <a class="skip" href="#work" onClick={(event) => { event.preventDefault(); document.getElementById('work')?.focus(); }}>
         {words.skip}
       </a>
       <header>
-        <nav aria-label={words.main}>
-          {Object.entries(screens).filter(([, screen]) => screen.title()).map(([name, screen]) => (
-            <a key={name} href={linkTo(name)} aria-current={name === here ? 'page' : undefined}>{screen.title()}</a>
-          ))}
-        </nav>
+        <Menu here={here} />
         <FindOrder />
         <div class="own">
           <Choices />
@@ -62,6 +59,7 @@ export function App() {
       <Banner />
       <main id="work" tabIndex={-1}><Shown name={here} /></main>
       <Toasts />
+      {lapsed.value && <LoginAgain user={caller.value.user} />}
     </div>
   );
 }

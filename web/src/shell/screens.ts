@@ -2,22 +2,27 @@
 import type { ComponentType } from 'preact';
 import { common } from '../words/common.js';
 
+/** Where a screen stands in the list of screens; one that is reached from others only stands nowhere. */
+export type Place = 'main' | 'more' | 'nowhere';
+
 export interface Screen {
-  /** In the list of screens; "" for one that is reached from others only. */
   readonly title: () => string;
+  readonly place: Place;
   readonly load: () => Promise<ComponentType>;
 }
 
+const screen = (place: Place, title: () => string, load: Screen['load']): Screen => ({ place, title, load });
+
 export const screens: Readonly<Record<string, Screen>> = {
-  orders: { title: () => common.orders, load: async () => (await import('../orders/screen.js')).OrdersScreen },
-  order: { title: () => '', load: async () => (await import('../order/screen.js')).OrderScreen },
-  shelf: { title: () => common.shelf, load: async () => (await import('../shelf/screen.js')).ShelfScreen },
-  desk: { title: () => common.desk, load: async () => (await import('../desk/screen.js')).DeskScreen },
-  figures: { title: () => common.figures, load: async () => (await import('../figures/screen.js')).FiguresScreen },
-  log: { title: () => common.log, load: async () => (await import('../log/screen.js')).LogScreen },
-  console: { title: () => common.console, load: async () => (await import('../console/screen.js')).ConsoleScreen },
-  settings: { title: () => common.settings, load: async () => (await import('../settings/screen.js')).SettingsScreen },
-  print: { title: () => '', load: async () => (await import('../prints/screen.js')).PrintScreen },
+  orders: screen('main', () => common.orders, async () => (await import('../orders/screen.js')).OrdersScreen),
+  shelf: screen('main', () => common.shelf, async () => (await import('../shelf/screen.js')).ShelfScreen),
+  desk: screen('main', () => common.desk, async () => (await import('../desk/screen.js')).DeskScreen),
+  figures: screen('main', () => common.figures, async () => (await import('../figures/screen.js')).FiguresScreen),
+  log: screen('more', () => common.log, async () => (await import('../log/screen.js')).LogScreen),
+  settings: screen('more', () => common.settings, async () => (await import('../settings/screen.js')).SettingsScreen),
+  console: screen('more', () => common.console, async () => (await import('../console/screen.js')).ConsoleScreen),
+  order: screen('nowhere', () => '', async () => (await import('../order/screen.js')).OrderScreen),
+  print: screen('nowhere', () => '', async () => (await import('../prints/screen.js')).PrintScreen),
 };
 
 export const firstScreen = 'orders';

@@ -1,6 +1,7 @@
 import { defineWords } from '../words/language.js';
 
 export const words = defineWords({
+  more: ['More', '更多', '更多'],
   title: ['TessarLorn', 'TessarLorn', 'TessarLorn'],
   main: ['Main', '主导航', '主導覽'],
   skip: ['Skip to the work', '跳到正文', '跳到正文'],

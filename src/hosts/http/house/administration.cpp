@@ -6,6 +6,7 @@
 #include "hosts/http/access/tokens.h"
 #include "hosts/http/access/users.h"
 #include "hosts/http/answer.h"
+#include "hosts/http/call.h"
 #include "hosts/http/house/members.h"
 #include "hosts/http/house/resource.h"
 #include "hosts/http/problem.h"
@@ -33,7 +34,7 @@ UserSettings ReadSettings(const Members& members) {
 Response GetUsers(Connection& connection, const Wish&) { return RowsResponse(ListUsers(connection)); }
 
 Response PostUser(Connection& connection, const Wish& wish) {
-  const Members members(wish.request, {"name", "password", "erpUser", "role", "language", "sql"});
+  const Members members(ReadBody(wish.request), {"name", "password", "erpUser", "role", "language", "sql"});
   UserSettings settings = ReadSettings(members);
   settings.password = members.RequireText("password");
   settings.erp_user = members.RequireNumber("erpUser");
@@ -48,7 +49,7 @@ void RefuseSelf(const Wish& wish, const std::string& user, const char* what) {
 }
 
 Response PatchUser(Connection& connection, const Wish& wish) {
-  const Members members(wish.request, {"password", "erpUser", "role", "language", "sql", "disabled"});
+  const Members members(ReadBody(wish.request), {"password", "erpUser", "role", "language", "sql", "disabled"});
   const std::string user = RequireUser(connection, wish.names.front());
   const UserSettings settings = ReadSettings(members);
   if (settings.disabled.value_or(false)) RefuseSelf(wish, user, "disable");
@@ -67,7 +68,7 @@ Response DeleteUser(Connection& connection, const Wish& wish) {
 Response GetTokens(Connection& connection, const Wish&) { return RowsResponse(ListTokens(connection, "")); }
 
 Response PostToken(Connection& connection, const Wish& wish) {
-  const Members members(wish.request, {"user", "name", "days"});
+  const Members members(ReadBody(wish.request), {"user", "name", "days"});
   const std::optional<std::int32_t> days = members.FindNumber("days");
   constexpr std::int32_t kMostDays = 36'500;
   if (days && (*days < 1 || *days > kMostDays)) Refuse(422, "days is 1 to 36500", "days");
@@ -99,7 +100,7 @@ Response GetRoles(Connection& connection, const Wish&) {
 }
 
 Response PostRole(Connection& connection, const Wish& wish) {
-  const Members members(wish.request, {"name", "operations"});
+  const Members members(ReadBody(wish.request), {"name", "operations"});
   AddRole(connection, members.RequireText("name"), members.RequireTexts("operations"));
   return Made();
 }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <memory>
 
-#include "hosts/http/call.h"
 #include "hosts/http/problem.h"
 #include "platform/text/text.h"
 
@@ -20,8 +19,7 @@ namespace {
 
 }  // namespace
 
-Members::Members(const Request& request, std::initializer_list<std::string_view> known) {
-  const Variant json = ReadBody(request);
+Members::Members(const Variant& json, std::initializer_list<std::string_view> known) {
   const std::shared_ptr<Dictionary> body = json.is_empty() ? nullptr : json.ToDictionary();
   if (!body) Refuse(400, "the body is an object");
   for (const auto& [name, value] : *body) {

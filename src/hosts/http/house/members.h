@@ -8,7 +8,6 @@
 #include <string_view>
 #include <vector>
 
-#include "hosts/http/transport/message.h"
 #include "tessarlorn/collections.h"
 
 namespace tessarlorn::http {
@@ -17,7 +16,7 @@ namespace tessarlorn::http {
 class Members {
  public:
   /// @param known the names that there are
-  Members(const Request& request, std::initializer_list<std::string_view> known);
+  Members(const Variant& json, std::initializer_list<std::string_view> known);
 
   [[nodiscard]] std::string RequireText(std::string_view name) const;
   [[nodiscard]] std::optional<std::string> FindText(std::string_view name) const;

@@ -127,7 +127,7 @@ export function scriptOf({ operation, body }: Called): string {
   return [
     'Option Explicit',
     `Dim ${names.join(', ')}`,
-    ...(session ? [] : ['Const dsn = "Connect={Embedded=C:\\shop\\orders.db};User=16394;Language=CHS"']),
+    ...(session ? [] : ['Const dsn = "Connect={Embedded=C:\\shop\\orders.db};User=16394;Language=CHS;Escape=Yes"']),
     `Set component = CreateObject("TessarLornPickingAndDelivery.${className}")`,
     ...lines,
     ...(answersObject ? [`Set answer = ${call}`] : [`answer = ${call}`, 'WScript.Echo answer']),

@@ -25,6 +25,7 @@ export function Copies({ called }: { called: Called | undefined }) {
       </div>
       {called && <pre tabIndex={0} role="region" aria-label={names[chosen]}>{text}</pre>}
       {!called && <p class="quiet">{words.wrongJson}</p>}
+      {chosen === 'command' && <p class="quiet">{words.commandNote}</p>}
       {chosen === 'script' && <p class="quiet">{words.scriptNote}</p>}
     </section>
   );

@@ -8,7 +8,7 @@ export const words = defineWords({
   noOperation: ['There is no such operation.', '没有此操作。', '沒有此操作。'],
   reads: ['reads', '读取', '讀取'],
   changes: ['changes', '更改', '變更'],
-  administrators: ['Only for administrators', '仅限管理员', '僅限管理員'],
+  administrators: ['Of the built-in roles, only administrators', '内置角色中仅限管理员', '內建角色中僅限管理員'],
   noArguments: ['It takes no arguments.', '无需参数。', '無需參數。'],
   needed: ['needed', '必填', '必填'],
   writtenBack: ['written back after the call', '调用后写回', '呼叫後寫回'],
@@ -83,6 +83,11 @@ export const words = defineWords({
   problem: ['It was not done', '未完成', '未完成'],
   elsewhere: ['The same call from elsewhere', '从其他程序调用', '從其他程式呼叫'],
   command: ['Command', '命令行', '命令列'],
+  commandNote: [
+    'TESSARLORN_DSN has to name the database, with Escape=Yes for texts that hold quotes.',
+    '请用 TESSARLORN_DSN 指定数据库；文本含引号时须加 Escape=Yes。',
+    '請用 TESSARLORN_DSN 指定資料庫；文字含引號時須加 Escape=Yes。',
+  ],
   scriptNote: [
     'The connection string has to be put in. Automation knows no dry run and no Idempotency-Key.',
     '请填入连接字符串。自动化调用没有试运行和 Idempotency-Key。',

@@ -4,7 +4,7 @@ import { toBePicked } from '../orders/row.js';
 import { words as orderWords } from '../orders/words.js';
 import { linkTo } from '../shell/route.js';
 import { formatNumber, formatTime, locale } from '../words/language.js';
-import { before, today, type Range } from './range.js';
+import { before, timeText, today, type Range } from './range.js';
 import { words } from './words.js';
 
 export interface Bar {
@@ -98,12 +98,11 @@ function bucketsOf({ work, range }: Figures): { from: string; to: string }[] {
   const known = [...ends.keys()].sort();
   const buckets: { from: string; to: string }[] = [];
   const last = known[known.length - 1];
-  const local = (time: Date) => before(new Date(time.getTime() + 3).toString()).slice(0, 19);
   for (let time = known[0] ? new Date(known[0]) : undefined; time && last && time <= new Date(last);) {
     const next = new Date(time);
     if (range.days > 1) next.setDate(next.getDate() + 1);
     else next.setHours(next.getHours() + 1);
-    buckets.push({ from: local(time), to: local(next) });
+    buckets.push({ from: timeText(time), to: timeText(next) });
     time = next;
   }
   return buckets;

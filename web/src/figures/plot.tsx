@@ -86,7 +86,10 @@ function Bars(props: Props) {
   const shownTheme = theme.value;
   useEffect(() => {
     const made = chart.current = makeChart(canvas.current!, props);
-    return () => made.destroy();
+    return () => {
+      made.destroy();
+      chart.current = undefined;
+    };
   }, [drawn, shownTheme, systemDark]);
 
   /** All bars that are not empty, label by label. */

@@ -27,10 +27,12 @@ export function rangeOf(query: URLSearchParams): Range {
   return { day, days, from: `${dayText(first)}T00:00:00`, to: `${day}T23:59:59.997` };
 }
 
+/** As the database writes it: 2026-11-22T13:45:01. */
+export function timeText(time: Date): string {
+  return `${dayText(time)}T${[time.getHours(), time.getMinutes(), time.getSeconds()].map(two).join(':')}`;
+}
+
 /** The last moment before an end, as lists of orders take it. */
 export function before(end: string): string {
-  const time = new Date(end);
-  time.setMilliseconds(time.getMilliseconds() - 3);
-  const clock = [time.getHours(), time.getMinutes(), time.getSeconds()].map(two).join(':');
-  return `${dayText(time)}T${clock}.${String(time.getMilliseconds()).padStart(3, '0')}`;
+  return `${timeText(new Date(new Date(end).getTime() - 1))}.997`;
 }

@@ -13,6 +13,10 @@ export const screens: Readonly<Record<string, Screen>> = {
   order: { title: () => '', load: async () => (await import('../order/screen.js')).OrderScreen },
   shelf: { title: () => common.shelf, load: async () => (await import('../shelf/screen.js')).ShelfScreen },
   desk: { title: () => common.desk, load: async () => (await import('../desk/screen.js')).DeskScreen },
+  ramp: { title: () => common.ramp, load: async () => (await import('../ramp/screen.js')).RampScreen },
+  outside: { title: () => common.outside, load: async () => (await import('../outside/screen.js')).OutsideScreen },
+  invoices: { title: () => common.invoices, load: async () => (await import('../invoices/screen.js')).InvoicesScreen },
+  uploads: { title: () => common.uploads, load: async () => (await import('../uploads/screen.js')).UploadsScreen },
   print: { title: () => '', load: async () => (await import('../prints/screen.js')).PrintScreen },
 };
 

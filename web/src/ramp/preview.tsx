@@ -39,7 +39,7 @@ export function ColumnChoices({ example, columns, onChange }: Choosing) {
 }
 
 export function outcomeText(line: Judged, outcomes: Outcomes): string {
-  const outcome = line.parcel && outcomes.get(line.parcel.FID);
+  const outcome = canBeDone(line) ? outcomes.get(line.parcel.FID) : undefined;
   return outcome === undefined ? '' : outcome || workWords.done;
 }
 
@@ -85,8 +85,8 @@ export function Preview({ lines, outcomes }: { lines: readonly Judged[]; outcome
         <table>
           <thead>
             <tr>
-              <th class="number">{words.line}</th><th>{words.number}</th><th>{words.order}</th><th>{words.consignee}</th>
-              <th>{words.state}</th><th>{words.waybill}</th>
+              <th class="number">{words.line}</th><th>{words.number}</th><th>{words.order}</th>
+              <th>{words.consignee}</th><th>{words.state}</th><th>{words.waybill}</th>
               <th class="number">{words.weight}</th><th class="number">{words.cost}</th>
               <th>{outcomes.size ? words.outcome : words.notes}</th>
             </tr>

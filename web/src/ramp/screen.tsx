@@ -80,7 +80,7 @@ export function RampScreen() {
     pasted.value = withLine(pasted.value, scannedLine(code, columns, pasted.value));
     setScanned(code);
   });
-  const undone = judged.filter((line) => !line.parcel || outcomes.get(line.parcel.FID) !== '');
+  const undone = judged.filter((line) => !canBeDone(line) || outcomes.get(line.parcel.FID) !== '');
   const able = undone.filter(canBeDone);
   const errors = undone.filter((line) => line.errors.length);
   const checkAgain = () => {

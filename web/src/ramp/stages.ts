@@ -11,11 +11,11 @@ type Able = Judged & { readonly parcel: Parcel };
 
 const deliver = steps.find(({ name }) => name === 'deliver')!;
 
-/** Number, weight and cost are stored together, so what a line does not say is what the order has. */
+/** All three are stored together, so what a line does not say is what the order has. */
 function entryOf({ parcel, texts, weight, cost }: Able) {
   return {
-    FID: parcel.FID, FLogisticsOrder: texts.waybill || parcel.FLogisticsOrder, FWeight: weight ?? Number(parcel.FWeight),
-    FLogisticsCost: cost ?? Number(parcel.FLogisticsCost),
+    FID: parcel.FID, FLogisticsOrder: texts.waybill || parcel.FLogisticsOrder,
+    FWeight: weight ?? Number(parcel.FWeight), FLogisticsCost: cost ?? Number(parcel.FLogisticsCost),
   };
 }
 

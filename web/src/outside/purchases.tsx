@@ -77,7 +77,8 @@ export function Purchases() {
             </thead>
             <tbody>
               {purchases.data.map((purchase) => (
-                <PurchaseRow key={purchase.FInterID} purchase={purchase} onClear={() => setClearing(purchase.FBillNo)} />
+                <PurchaseRow key={purchase.FInterID} purchase={purchase}
+                  onClear={() => setClearing(purchase.FBillNo)} />
               ))}
             </tbody>
           </table>

@@ -13,11 +13,14 @@ export const words = defineWords({
   submit: ['Submit', '提交', '提交'],
   resubmit: ['Submit again', '重新提交', '重新提交'],
   counted: ['{step}: {count} orders…', '{step}：{count} 个订单…', '{step}：{count} 筆訂單…'],
-  title: ['{step} · {warehouse} · {count} orders', '{step} · {warehouse} · {count} 个订单', '{step} · {warehouse} · {count} 筆訂單'],
+  title: [
+    '{step} · {warehouse} · {count} orders', '{step} · {warehouse} · {count} 个订单',
+    '{step} · {warehouse} · {count} 筆訂單',
+  ],
   backNote: [
-    'These orders are at the warehouse and have no waybill yet. The program of the provider takes them back, not this page.',
-    '这些订单已在外仓且尚无物流单号。撤回由服务商的程序完成，不在此页面进行。',
-    '這些訂單已在外倉且尚無物流單號。撤回由服務商的程式完成，不在此頁面進行。',
+    'These orders are at the warehouse and have no waybill yet. The program of the provider takes them back.',
+    '这些订单已在外仓且尚无物流单号。撤回由服务商的程序完成。',
+    '這些訂單已在外倉且尚無物流單號。撤回由服務商的程式完成。',
   ],
   backReason: ['At the warehouse, without a waybill', '已在外仓，无物流单号', '已在外倉，無物流單號'],
   reason: ['Reason', '原因', '原因'],

@@ -99,9 +99,9 @@ export function UploadsScreen() {
     setOpen(undefined);
     names(some).then((nameOfOrder) => setWork(make(nameOfOrder)), sayError);
   };
-  const button = (step: string, run: () => void) => (
-    <button type="button" disabled={!meant.length} onClick={run}>
-      {fill(words.ofSelected, { step, count: meant.length })}
+  const button = (step: string, keysOfStep: readonly number[], run: () => void) => (
+    <button type="button" disabled={!keysOfStep.length} onClick={run}>
+      {fill(words.ofSelected, { step, count: keysOfStep.length })}
     </button>
   );
   const groups: Group<string>[] = queue.data ? [
@@ -129,9 +129,9 @@ export function UploadsScreen() {
             <>
               <p class="quiet">{words.hint} {words.showHint}</p>
               <div class="row">
-                {said !== 'waiting' && button(words.retry, () => begin(meant, (of) => retryWork(meant, of)))}
-                {button(words.markUploaded, () => setOpen({ what: 'uploaded', keys: meant }))}
-                {button(words.markFailed, () => setOpen({ what: 'failed', keys: meant }))}
+                {said !== 'waiting' && button(words.retry, meant, () => begin(meant, (of) => retryWork(meant, of)))}
+                {button(words.markUploaded, chosen, () => setOpen({ what: 'uploaded', keys: chosen }))}
+                {button(words.markFailed, chosen, () => setOpen({ what: 'failed', keys: chosen }))}
                 <button type="button" disabled={chosen.length !== 1}
                   onClick={() => setOpen({ what: 'report', keys: chosen })}>{words.show}</button>
                 <button type="button" onClick={() => {

@@ -23,9 +23,9 @@ export const words = defineWords({
   title: ['{step} · {count} orders', '{step} · {count} 个订单', '{step} · {count} 筆訂單'],
   ofSelected: ['{step}: {count} orders…', '{step}：{count} 个订单…', '{step}：{count} 筆訂單…'],
   hint: [
-    'Without a selection the steps are for all orders of the group.',
-    '未选择时，操作针对本分组全部订单。',
-    '未選擇時，操作針對本分組全部訂單。',
+    'Without a selection all orders of the group are uploaded again or saved.',
+    '未选择时，重新上传和保存针对本分组全部订单。',
+    '未選擇時，重新上傳和儲存針對本分組全部訂單。',
   ],
   saveList: ['Save as CSV', '保存为 CSV', '儲存為 CSV'],
   show: ['What is reported', '上传内容', '上傳內容'],

@@ -21,7 +21,7 @@ const pause = 3000;
 const refreshed = 60_000;
 
 function useFigures(query: URLSearchParams) {
-  const figures = useLoaded((signal) => askFigures(rangeOf(query), signal), [query.toString()]);
+  const figures = useLoaded(query.toString(), (stop) => askFigures(rangeOf(query), stop));
   const timer = useRef(0);
   const again = useRef(figures.again);
   again.current = figures.again;
@@ -47,10 +47,10 @@ export function FiguresScreen() {
   return (
     <div class="figures">
       <h1 class="hidden">{common.figures}</h1>
-      <LoadNote loaded={figures} />
-      {figures.value && <Numbers figures={figures.value} />}
+      <LoadNote of={figures} />
+      {figures.data && <Numbers figures={figures.data} />}
       <RangeFields range={rangeOf(query)} query={query} />
-      {figures.value && <Plots figures={figures.value} />}
+      {figures.data && <Plots figures={figures.data} />}
     </div>
   );
 }

@@ -16,7 +16,7 @@ export function operationsOf(roles: readonly Role[]): string[] {
 }
 
 export function Roles() {
-  const roles = useLoaded(askRoles, []);
+  const roles = useLoaded('', askRoles);
   const [text, setText] = useState('');
   const [adding, setAdding] = useState(false);
   const [removing, setRemoving] = useState('');
@@ -29,13 +29,13 @@ export function Roles() {
   return (
     <>
       <div class="row">
-        <button type="button" class="main" disabled={!roles.value} onClick={() => setAdding(true)}>{words.addRole}</button>
+        <button type="button" class="main" disabled={!roles.data} onClick={() => setAdding(true)}>{words.addRole}</button>
         <input type="search" aria-label={words.findOperation} placeholder={words.findOperation} value={text}
           onInput={(event) => setText(event.currentTarget.value)} />
       </div>
-      <LoadNote loaded={roles} />
-      {roles.value && <RoleTable roles={roles.value} text={text} onRemove={setRemoving} />}
-      {adding && roles.value && <RoleDialog roles={roles.value} onDone={done} onClose={() => setAdding(false)} />}
+      <LoadNote of={roles} />
+      {roles.data && <RoleTable roles={roles.data} text={text} onRemove={setRemoving} />}
+      {adding && roles.data && <RoleDialog roles={roles.data} onDone={done} onClose={() => setAdding(false)} />}
       {removing && (
         <FormDialog title={fill(words.removeOf, { name: removing })} main={words.remove} onClose={() => setRemoving('')}
           onSubmit={async () => {

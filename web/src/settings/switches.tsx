@@ -21,21 +21,21 @@ function helpOf(key: string): string {
 }
 
 export function Switches() {
-  const switches = useLoaded((signal) => ask('switches', {}, signal), []);
+  const switches = useLoaded('', (stop) => ask('switches', {}, stop));
   const [value, setValue] = useState<string>();
   return (
     <>
       <p class="quiet">{words.switchesNote}</p>
-      <LoadNote loaded={switches} />
-      {switches.value?.length === 0 && <p class="quiet">{common.nothing}</p>}
-      {switches.value && switches.value.length > 0 && (
+      <LoadNote of={switches} />
+      {switches.data?.length === 0 && <p class="quiet">{common.nothing}</p>}
+      {switches.data && switches.data.length > 0 && (
         <div class="scrolls" tabIndex={0} role="region" aria-label={words.switches}>
           <table>
             <thead>
               <tr><th>{words.switchName}</th><th>{words.value}</th><th>{words.meaning}</th><th>{words.erpText}</th></tr>
             </thead>
             <tbody>
-              {switches.value.map(({ FCategory, FKey, FValue, FDescription }) => (
+              {switches.data.map(({ FCategory, FKey, FValue, FDescription }) => (
                 <tr key={`${FCategory}/${FKey}`}>
                   <td><b>{FKey}</b> <span class="quiet">{FCategory}</span></td>
                   <td>

@@ -11,16 +11,16 @@ import { FormDialog } from './form_dialog.js';
 import { words } from './words.js';
 
 export function Tokens() {
-  const tokens = useLoaded(askTokens, []);
+  const tokens = useLoaded('', askTokens);
   const [adding, setAdding] = useState(false);
   const [made, setMade] = useState('');
   const [removing, setRemoving] = useState<Token>();
   return (
     <>
       <div class="row"><button type="button" class="main" onClick={() => setAdding(true)}>{words.addToken}</button></div>
-      <LoadNote loaded={tokens} />
-      {tokens.value?.length === 0 && <p class="quiet">{words.noTokens}</p>}
-      {tokens.value && tokens.value.length > 0 && <TokenTable tokens={tokens.value} onRemove={setRemoving} />}
+      <LoadNote of={tokens} />
+      {tokens.data?.length === 0 && <p class="quiet">{words.noTokens}</p>}
+      {tokens.data && tokens.data.length > 0 && <TokenTable tokens={tokens.data} onRemove={setRemoving} />}
       {adding && <TokenDialog onClose={() => setAdding(false)} onMade={(token) => {
         setAdding(false);
         setMade(token);
@@ -84,7 +84,7 @@ function TokenTable({ tokens, onRemove }: { tokens: readonly Token[]; onRemove: 
 }
 
 function TokenDialog({ onMade, onClose }: { onMade: (token: string) => void; onClose: () => void }) {
-  const users = useLoaded(askUsers, []);
+  const users = useLoaded('', askUsers);
   const [user, setUser] = useState('');
   const [name, setName] = useState('');
   const [days, setDays] = useState('90');
@@ -93,12 +93,12 @@ function TokenDialog({ onMade, onClose }: { onMade: (token: string) => void; onC
       const { token } = await addToken({ user, name: name.trim(), ...(days ? { days: Number(days) } : {}) });
       onMade(token);
     }}>
-      <LoadNote loaded={users} />
+      <LoadNote of={users} />
       <label class="field">
         {words.user}
         <select required value={user} onChange={(event) => setUser(event.currentTarget.value)}>
           <option value="" />
-          {users.value?.map(({ Name }) => <option key={Name} value={Name}>{Name}</option>)}
+          {users.data?.map(({ Name }) => <option key={Name} value={Name}>{Name}</option>)}
         </select>
       </label>
       <label class="field">

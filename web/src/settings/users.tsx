@@ -13,8 +13,8 @@ import { words } from './words.js';
 type Open = { readonly what: 'change' | 'password' | 'disable' | 'remove'; readonly user: User } | { readonly what: 'add' };
 
 export function Users() {
-  const users = useLoaded(askUsers, []);
-  const roles = useLoaded(askRoles, []);
+  const users = useLoaded('', askUsers);
+  const roles = useLoaded('', askRoles);
   const [open, setOpen] = useState<Open>();
   const close = () => setOpen(undefined);
   const done = (text: string) => {
@@ -25,11 +25,11 @@ export function Users() {
   return (
     <>
       <div class="row"><button type="button" class="main" onClick={() => setOpen({ what: 'add' })}>{words.addUser}</button></div>
-      <LoadNote loaded={users} />
-      {users.value?.length === 0 && <p class="quiet">{common.nothing}</p>}
-      {users.value && users.value.length > 0 && <UserTable users={users.value} onOpen={setOpen} />}
+      <LoadNote of={users} />
+      {users.data?.length === 0 && <p class="quiet">{common.nothing}</p>}
+      {users.data && users.data.length > 0 && <UserTable users={users.data} onOpen={setOpen} />}
       {(open?.what === 'add' || open?.what === 'change') && (
-        <UserDialog user={open.what === 'change' ? open.user : undefined} roles={roles.value ?? []} onDone={done}
+        <UserDialog user={open.what === 'change' ? open.user : undefined} roles={roles.data ?? []} onDone={done}
           onClose={close} />
       )}
       {open?.what === 'password' && <PasswordDialog user={open.user} onDone={done} onClose={close} />}

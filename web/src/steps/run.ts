@@ -110,7 +110,9 @@ export class Run {
   readonly outcomes = new Map<number, string>();
   private readonly blocks: { keys: number[]; idempotencyKey: string }[];
 
-  constructor(private readonly step: Step, private readonly values: Values, readonly keys: readonly number[]) {
+  constructor(
+    private readonly step: Pick<Step, 'call'>, private readonly values: Values, readonly keys: readonly number[],
+  ) {
     this.blocks = blocksOf(keys).map((keysOfBlock) => ({ keys: keysOfBlock, idempotencyKey: newKey() }));
   }
 

@@ -66,6 +66,12 @@ IF NOT EXISTS (SELECT 1 FROM sys.indexes
 CREATE INDEX IX_Web2ERPOrdersEntry_Upload ON IC_Web2ERPOrdersEntry (FUpLoadStatus, FID);
 GO
 
+-- Lines that their shop closed.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrdersEntry_Status' AND object_id = OBJECT_ID('IC_Web2ERPOrdersEntry'))
+CREATE INDEX IX_Web2ERPOrdersEntry_Status ON IC_Web2ERPOrdersEntry (FStatus, FID);
+GO
+
 -- The list of locked orders.
 IF NOT EXISTS (SELECT 1 FROM sys.indexes
                WHERE name = 'IX_Web2ERPOrdersEx_Lock' AND object_id = OBJECT_ID('IC_Web2ERPOrdersEx'))
@@ -133,7 +139,8 @@ GO
 -- The orders of a cost invoice.
 IF NOT EXISTS (SELECT 1 FROM sys.indexes
                WHERE name = 'IX_Web2ERPOrders_FeeBill' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
-CREATE INDEX IX_Web2ERPOrders_FeeBill ON IC_Web2ERPOrders (FFeeBillNO);
+CREATE INDEX IX_Web2ERPOrders_FeeBill ON IC_Web2ERPOrders (FFeeBillNO)
+  INCLUDE (FLogisticsCost, FWebshopID);
 GO
 
 IF NOT EXISTS (SELECT 1 FROM sys.indexes
@@ -193,30 +200,30 @@ GO
 -- Who did what when: for each person one range an hour or a day. The shop says who may see the order.
 IF NOT EXISTS (SELECT 1 FROM sys.indexes
                WHERE name = 'IX_Web2ERPOrders_Picked' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
-CREATE INDEX IX_Web2ERPOrders_Picked ON IC_Web2ERPOrders (FPickMan, FPickDate, FWebshopID);
+CREATE INDEX IX_Web2ERPOrders_Picked ON IC_Web2ERPOrders (FPickMan, FPickDate) INCLUDE (FWebshopID);
 GO
 
 IF NOT EXISTS (SELECT 1 FROM sys.indexes
                WHERE name = 'IX_Web2ERPOrders_Checked' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
 CREATE INDEX IX_Web2ERPOrders_Checked ON IC_Web2ERPOrders
-  (FPickingGoodMan, FPIckingGoodsStatus, FOrderPickingDate, FWebshopID);
+  (FPickingGoodMan, FPIckingGoodsStatus, FOrderPickingDate) INCLUDE (FWebshopID);
 GO
 
 IF NOT EXISTS (SELECT 1 FROM sys.indexes
                WHERE name = 'IX_Web2ERPOrders_Sender' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
-CREATE INDEX IX_Web2ERPOrders_Sender ON IC_Web2ERPOrders (FShippingMan, FSendDate, FWebshopID);
+CREATE INDEX IX_Web2ERPOrders_Sender ON IC_Web2ERPOrders (FShippingMan, FSendDate) INCLUDE (FWebshopID);
 GO
 
 -- What carriers took in some days, without a look at the orders themselves.
 IF NOT EXISTS (SELECT 1 FROM sys.indexes
                WHERE name = 'IX_Web2ERPOrders_Sent' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
 CREATE INDEX IX_Web2ERPOrders_Sent ON IC_Web2ERPOrders
-  (FSendDate, FOrderStatus, FLogisticsID, FWeight, FLogisticsCost, FWebshopID);
+  (FOrderStatus, FSendDate) INCLUDE (FLogisticsID, FWeight, FLogisticsCost, FWebshopID);
 GO
 
 IF NOT EXISTS (SELECT 1 FROM sys.indexes
                WHERE name = 'IX_TradeLog_Work' AND object_id = OBJECT_ID('IC_TradeLog'))
-CREATE INDEX IX_TradeLog_Work ON IC_TradeLog (FOPCode, FOPUserID, FOPTime, FOrderFID);
+CREATE INDEX IX_TradeLog_Work ON IC_TradeLog (FOPCode, FOPUserID, FOPTime) INCLUDE (FOrderFID);
 GO
 
 -- The logs, the latest first.
@@ -233,5 +240,6 @@ GO
 -- What is delivered and not reported yet.
 IF NOT EXISTS (SELECT 1 FROM sys.indexes
                WHERE name = 'IX_Web2ERPOrders_Report' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
-CREATE INDEX IX_Web2ERPOrders_Report ON IC_Web2ERPOrders (FUpLoadStatus, FOrderStatus);
+CREATE INDEX IX_Web2ERPOrders_Report ON IC_Web2ERPOrders (FUpLoadStatus, FOrderStatus)
+  INCLUDE (FReasonsForFailure, FWebshopID);
 GO

@@ -5,7 +5,6 @@
 
 #include "platform/text/text.h"
 #include "workbench/statement.h"
-#include "workbench/tabs.h"
 
 namespace tessarlorn::workbench {
 namespace {
@@ -43,6 +42,11 @@ std::int32_t DaysOf(const Dictionary& values) {
   return days;
 }
 
+/// Keys of orders that do not wait in their state: locked ones, and those whose stock bill is queued.
+constexpr std::string_view kNotWaiting =
+    "(SELECT FID FROM IC_Web2ERPOrdersEx with(nolock) WHERE FIsLock > 0 OR FIsLock < 0 UNION SELECT FID FROM "
+    "IC_StockBillOrdersStatus with(nolock) WHERE FStockBillStatus = 1)";
+
 /// (0),(1),… for each bucket
 std::string Numbers(int count) {
   std::string text = "(0)";
@@ -65,22 +69,27 @@ std::string Logged(const Asker& asker) {
 }  // namespace
 
 RecordsetPtr AskBacklog(Connection& connection, const Asker& asker, const Dictionary&) {
+  const std::string shops(OfShops(asker));
+  // All orders in a state are a range of an index. Few of them are locked or on their way out; those are counted once.
   Statement statement(
       "DECLARE @now datetime = DATEADD(minute, DATEDIFF(minute, 0, GETDATE()), 0);\r\n"
-      "SELECT x.FState, x.FAge, CASE x.FAge WHEN 5 THEN NULL ELSE x.FFrom END AS FFrom, x.FTo, x.FOrders FROM (");
-  for (const std::string_view name : {"toBePicked", "toBeDelivered"}) {
-    const Tab& tab = *FindTab(name);
-    const std::string in_age =
-        " AND t1.FSitePayDate >= b.FFrom AND t1.FSitePayDate < b.FTo" + std::string(OfShops(asker));
-    statement.Add(name == "toBePicked" ? "SELECT 2" : " UNION ALL SELECT 6")
-        .Add(" AS FState, b.FAge, b.FFrom, b.FTo, ")
-        .Add(ReplaceAll(tab.count, "{shops}", in_age))
-        .Add(
-            " AS FOrders FROM (SELECT FAge, DATEADD(hour, -FOldest, @now) AS FFrom, DATEADD(hour, -FYoungest, @now) AS "
-            "FTo FROM (VALUES (0, 4, -1), (1, 24, 4), (2, 48, 24), (3, 72, 48), (4, 168, 72), (5, 1000000, 168)) "
-            "v(FAge, FOldest, FYoungest)) b");
-  }
-  return statement.Add(") x ORDER BY x.FState, x.FAge").SetShops(asker).Run(connection);
+      "WITH b AS (SELECT FState, FAge, DATEADD(hour, -FOldest, @now) AS FFrom, DATEADD(hour, -FYoungest, @now) AS FTo "
+      "FROM (VALUES (0, 4, -1), (1, 24, 4), (2, 48, 24), (3, 72, 48), (4, 168, 72), (5, 1000000, 168)) v(FAge, FOldest, "
+      "FYoungest) CROSS JOIN (VALUES (2), (6)) s(FState)), x AS (SELECT b.FState, b.FAge, COUNT(*) AS FOrders FROM ");
+  statement.Add(kNotWaiting)
+      .Add(
+          " n INNER JOIN IC_Web2ERPOrders t1 with(nolock) ON t1.FID = n.FID INNER JOIN b ON b.FState = t1.FOrderStatus "
+          "AND t1.FSitePayDate >= b.FFrom AND t1.FSitePayDate < b.FTo WHERE t1.FOrderStatus IN (2, 6)")
+      .Add(shops)
+      .Add(
+          " GROUP BY b.FState, b.FAge) SELECT b.FState, b.FAge, CASE b.FAge WHEN 5 THEN NULL ELSE b.FFrom END AS FFrom, "
+          "b.FTo, (SELECT COUNT(*) FROM IC_Web2ERPOrders t1 with(nolock) WHERE t1.FOrderStatus = b.FState AND "
+          "t1.FSitePayDate >= b.FFrom AND t1.FSitePayDate < b.FTo")
+      .Add(shops)
+      .Add(
+          ") - ISNULL(x.FOrders, 0) AS FOrders FROM b LEFT JOIN x ON x.FState = b.FState AND x.FAge = b.FAge ORDER BY "
+          "b.FState, b.FAge");
+  return statement.SetShops(asker).Run(connection);
 }
 
 RecordsetPtr AskWork(Connection& connection, const Asker& asker, const Dictionary& values) {

@@ -69,6 +69,11 @@ void Definitions::CreateIndex(const CreateIndexStatement& statement, std::uint32
     key.push_back(column.name);
     columns += (columns.empty() ? "" : ", ") + QuoteName(column.name) + (column.descending ? " DESC" : "");
   }
+  // What is included is read without a look at the table, but orders and constrains nothing.
+  RequireColumns(*table, statement.included);
+  if (!statement.unique) {
+    for (const std::string& name : statement.included) columns += ", " + QuoteName(name);
+  }
   std::string sql = std::string(statement.unique ? "CREATE UNIQUE INDEX " : "CREATE INDEX ") +
                     IndexSql(*table, statement.name) + " ON " + QuoteName(table->name) + " (" + columns + ")";
   const std::string condition =

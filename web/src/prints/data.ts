@@ -12,8 +12,11 @@ export type NoteRow = Schemas['GetPrintRecordsetForDeliveryRow'];
 export const kinds = ['pick', 'collected', 'note', 'list', 'label'] as const;
 export type Kind = (typeof kinds)[number];
 
-/** Types of print whose number is limited. Labels are not. */
-const limits: Partial<Record<Kind, number>> = { pick: 10143011, collected: 10143011, note: 10143012, list: 10143014 };
+/** Documents whose prints are counted and may be limited. Labels are not. */
+export const documents: Partial<Record<Kind, number>> = { pick: 10143011, collected: 10143011, note: 10143012, list: 10143014 };
+
+/** As many keys as the server takes at once. */
+const mostKeys = 500;
 
 /** Everything that one print shows; each kind fills what it needs. */
 export interface Material {
@@ -28,7 +31,7 @@ export interface Material {
 }
 
 async function overLimit(keys: readonly number[], kind: Kind): Promise<Map<string, string>> {
-  const type = limits[kind];
+  const type = documents[kind];
   if (!type) return new Map();
   const { result } = await answerOf(door.POST('/api/v1/clsGetData/GetOverMaxPrintCountBillInfo', {
     body: { dctPara: { FID: keys.join(','), PrintID: type } },
@@ -91,6 +94,16 @@ export async function materialOf(asked: readonly number[], kind: Kind): Promise<
     default:
       return found;
   }
+}
+
+/** Counts a print of each of the orders. @return how many were counted */
+export async function countPrints(kind: Kind, keys: readonly number[]): Promise<number> {
+  const document = documents[kind];
+  let counted = 0;
+  for (let start = 0; document && start < keys.length; start += mostKeys) {
+    counted += (await ask('countPrints', { document, keys: keys.slice(start, start + mostKeys) })).length;
+  }
+  return counted;
 }
 
 /** Gives the orders a new lot, and serial numbers in the order of the keys. @return the lot */

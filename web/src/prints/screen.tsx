@@ -8,6 +8,7 @@ import { say, sayError } from '../parts/toasts.js';
 import { linkTo, route } from '../shell/route.js';
 import { common } from '../words/common.js';
 import { fill } from '../words/language.js';
+import { PrintButton } from './counted.js';
 import { giveNumbers, keysOf, kinds, materialOf, type Kind, type Material } from './data.js';
 import { DeliveryLists, DeliveryNotes } from './delivery.js';
 import { Labels } from './label.js';
@@ -18,6 +19,8 @@ import { words } from './words.js';
 const bodies: Record<Kind, ComponentType<{ material: Material }>> = {
   pick: PickLists, collected: CollectedList, note: DeliveryNotes, list: DeliveryLists, label: Labels,
 };
+
+const noKeys: readonly number[] = [];
 
 function useMaterial(kind: Kind, query: string) {
   const [turn, setTurn] = useState(0);
@@ -86,9 +89,7 @@ export function PrintScreen() {
           ))}
         </nav>
         <div class="row">
-          <button type="button" class="main" disabled={!material || empty} onClick={() => print()}>
-            {common.print}
-          </button>
+          <PrintButton kind={kind} keys={material?.keys ?? noKeys} onCounted={again} />
           {material && !empty && ['pick', 'collected'].includes(kind) && (
             <GiveNumbers key={query.toString()} material={material} onDone={again} />
           )}

@@ -15,6 +15,14 @@ export const words = defineWords({
   ],
   timesOf: ['{order} ({times} of {most})', '{order}（{times} / {most}）', '{order}（{times} / {most}）'],
   empty: ['Nothing is left to be printed.', '没有可打印的内容。', '沒有可列印的內容。'],
+  wasPrinted: ['Was it printed?', '已打印完成吗？', '已列印完成嗎？'],
+  countAsk: [
+    'Then one more print is counted for each of the {count} orders.',
+    '是则为这 {count} 个订单各增加一次打印次数。',
+    '是則為這 {count} 筆訂單各增加一次列印次數。',
+  ],
+  countNow: ['Yes, count it', '是，计入次数', '是，計入次數'],
+  counted: ['{count} prints counted.', '已计入 {count} 次打印。', '已計入 {count} 次列印。'],
   number: ['Give a lot and serial numbers', '分配批次和序号', '分配批次和序號'],
   numberAsk: [
     'Some of these orders have a lot already. They get new numbers, and lists printed before no longer fit.',

@@ -1,0 +1,55 @@
+// The button that prints, and what is counted behind it. A browser does not tell whether its print was cancelled.
+import { useEffect, useState } from 'preact/hooks';
+import { Dialog } from '../parts/dialog.js';
+import { wordsOf } from '../parts/problem.js';
+import { say } from '../parts/toasts.js';
+import { common } from '../words/common.js';
+import { fill } from '../words/language.js';
+import { countPrints, documents, type Kind } from './data.js';
+import { words } from './words.js';
+
+interface Props {
+  readonly kind: Kind;
+  readonly keys: readonly number[];
+  readonly onCounted: () => void;
+}
+
+export function PrintButton({ kind, keys, onCounted }: Props) {
+  const [asking, setAsking] = useState(false);
+  const [busy, setBusy] = useState(false);
+  const [wrong, setWrong] = useState('');
+  useEffect(() => {
+    const ask = () => setAsking(keys.length > 0 && documents[kind] !== undefined);
+    addEventListener('afterprint', ask);
+    return () => removeEventListener('afterprint', ask);
+  }, [kind, keys]);
+  const count = async () => {
+    setBusy(true);
+    setWrong('');
+    try {
+      say('good', fill(words.counted, { count: await countPrints(kind, keys) }));
+      setAsking(false);
+      onCounted();
+    } catch (error) {
+      setWrong(wordsOf(error));
+    }
+    setBusy(false);
+  };
+  return (
+    <>
+      <button type="button" class="main" disabled={!keys.length} onClick={() => print()}>{common.print}</button>
+      {asking && (
+        <Dialog title={words.wasPrinted} onClose={() => setAsking(false)}>
+          <p>{fill(words.countAsk, { count: keys.length })}</p>
+          {wrong && <div class="note bad" role="alert">{wrong}</div>}
+          <div class="row end">
+            <button type="button" onClick={() => setAsking(false)}>{common.no}</button>
+            <button type="button" class="main" autofocus disabled={busy} onClick={() => void count()}>
+              {wrong ? common.retry : words.countNow}
+            </button>
+          </div>
+        </Dialog>
+      )}
+    </>
+  );
+}

@@ -46,6 +46,9 @@ constexpr std::array kOrdersKeys = {
     Optional("outside", ValueType::kLong,
              "State at the outside warehouse: 0 not submitted, 1 may be taken back, 2 refused, 3 submitted"),
     Optional("invoice", ValueType::kLong, "Key of the cost invoice that covers it, 0 = none covers it"),
+    Optional("fields", ValueType::kVector,
+             "Conditions on fields of the order grid, as FWeight>=1.5 or FGiftCardText~birthday: the key of a field, = "
+             "~ >= or <=, and a value; ~ finds a part of a text"),
     Optional("sort", ValueType::kString,
              "FID, FOrderID, FOrderDate, FSitePayDate, FSendDate, FAmount, FWeight, FConsignee, FBuyerNick, "
              "FLogisticsOrder or FSerialNumber; none = FSitePayDate"),

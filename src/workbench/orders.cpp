@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/text/text.h"
+#include "workbench/fields.h"
 #include "workbench/statement.h"
 #include "workbench/tabs.h"
 
@@ -141,6 +142,14 @@ RecordsetPtr AskOrders(Connection& connection, const Asker& asker, const Diction
   for (const Comparison& part : kParts) {
     const Variant* const value = values.Find(part.key);
     if (value != nullptr) add(part, "%" + EscapedForLike(value->ToText()) + "%");
+  }
+  if (const Variant* const fields = values.Find("fields")) {
+    constexpr std::size_t kMostFields = 20;
+    if (fields->ToVector()->size() > kMostFields) throw WrongValue("fields", "fields has more than 20 conditions");
+    std::size_t place = 0;
+    for (const Variant& field : *fields->ToVector()) {
+      AddFieldCondition(statement, connection, field.ToText(), place++);
+    }
   }
   std::string weighing;
   for (const Comparison& comparison : kWeighings) {

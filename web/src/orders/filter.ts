@@ -4,7 +4,7 @@ import { common } from '../words/common.js';
 import { formatTime } from '../words/language.js';
 import { words } from './words.js';
 
-type Key = Exclude<keyof OrderFilter, 'tab' | 'sort' | 'descending'>;
+type Key = Exclude<keyof OrderFilter, 'tab' | 'sort' | 'descending' | 'fields'>;
 type Name = keyof typeof words;
 
 /** One thing to filter by. */
@@ -41,6 +41,9 @@ export const fields: readonly Field[] = [
   { kind: 'yesNo', name: 'weighed' },
 ];
 
+/** Conditions on fields of the template stand in the link as often as there are some: fields=FWeight>=1.5 */
+export const fieldsKey = 'fields';
+
 export const flags = ['0', '1', '2', '3', '4', '5'] as const;
 export const sortable: readonly NonNullable<OrderFilter['sort']>[] = [
   'FID', 'FOrderID', 'FOrderDate', 'FSitePayDate', 'FSendDate', 'FAmount', 'FWeight', 'FConsignee', 'FBuyerNick',
@@ -75,10 +78,11 @@ export function filterOf(query: URLSearchParams): OrderFilter {
       else filter[key] = key.endsWith('To') ? endOf(value) : value;
     }
   }
+  const conditions = query.getAll(fieldsKey);
   const tab = tabOf(query);
   const sort = sortable.find((name) => name === query.get('sort'));
   return {
-    ...filter, ...(tab ? { tab } : {}), ...(sort ? { sort } : {}),
+    ...filter, ...(conditions.length ? { fields: conditions } : {}), ...(tab ? { tab } : {}), ...(sort ? { sort } : {}),
     ...(query.get('descending') ? { descending: true } : {}),
   };
 }

@@ -1,17 +1,26 @@
 // The filters as chips, and the dialog that changes them.
-import { useEffect, useRef } from 'preact/hooks';
+import { useEffect, useRef, useState } from 'preact/hooks';
 import { go } from '../shell/route.js';
 import { Dialog, FormEnd } from '../parts/dialog.js';
 import { common } from '../words/common.js';
 import { fill } from '../words/language.js';
 import { useChoices } from './choices.js';
-import { fields, flags, keysOf, saidOf, without, type Field } from './filter.js';
+import { FieldFilters, readCondition, textOfCondition, useTemplateFields } from './field_filters.js';
+import { fields, fieldsKey, flags, keysOf, saidOf, without, type Field } from './filter.js';
 import { words } from './words.js';
+
+function withoutCondition(query: URLSearchParams, condition: string): URLSearchParams {
+  const rest = without(query, [fieldsKey]);
+  query.getAll(fieldsKey).filter((other) => other !== condition).forEach((other) => rest.append(fieldsKey, other));
+  return rest;
+}
 
 export function FilterChips({ query, onChange }: { query: URLSearchParams; onChange: (field: Field) => void }) {
   const choices = useChoices();
   const said = fields.map((field) => ({ field, text: saidOf(field, query, choices) })).filter(({ text }) => text);
-  if (!said.length) return null;
+  const conditions = query.getAll(fieldsKey);
+  const templateFields = useTemplateFields();
+  if (!said.length && !conditions.length) return null;
   return (
     <ul class="chips" aria-label={words.filters}>
       {said.map(({ field, text }) => {
@@ -26,8 +35,18 @@ export function FilterChips({ query, onChange }: { query: URLSearchParams; onCha
           </li>
         );
       })}
+      {conditions.map((condition) => {
+        const { field, comparison, value } = readCondition(condition);
+        const filter = `${templateFields.find(({ key }) => key === field)?.caption ?? field} ${comparison} ${value}`;
+        return (
+          <li key={condition}>
+            <button type="button" aria-label={fill(words.removeFilter, { filter })}
+              onClick={() => go('orders', withoutCondition(query, condition))}>{filter} ×</button>
+          </li>
+        );
+      })}
       <li>
-        <button type="button" onClick={() => go('orders', without(query, fields.flatMap(keysOf)))}>
+        <button type="button" onClick={() => go('orders', without(query, [...fields.flatMap(keysOf), fieldsKey]))}>
           {words.clear}
         </button>
       </li>
@@ -44,10 +63,12 @@ interface DialogProps {
 
 export function FilterDialog({ query, first, onClose }: DialogProps) {
   const form = useRef<HTMLFormElement>(null);
+  const [conditions, setConditions] = useState(() => query.getAll(fieldsKey).map(readCondition));
   useEffect(() => form.current?.querySelector<HTMLElement>(`[name="${first}"]`)?.focus(), []);
   const submit = (event: SubmitEvent) => {
     event.preventDefault();
-    const wanted = without(query, fields.flatMap(keysOf));
+    const wanted = without(query, [...fields.flatMap(keysOf), fieldsKey]);
+    conditions.filter(({ field }) => field).forEach((condition) => wanted.append(fieldsKey, textOfCondition(condition)));
     for (const [name, value] of new FormData(form.current!)) {
       if (String(value).trim()) wanted.set(name, String(value).trim());
     }
@@ -58,6 +79,7 @@ export function FilterDialog({ query, first, onClose }: DialogProps) {
     <Dialog title={words.filters} onClose={onClose} wide>
       <form ref={form} class="filters" onSubmit={submit}>
         <div class="fields">{fields.map((field) => <FilterField key={field.name} field={field} query={query} />)}</div>
+        <FieldFilters conditions={conditions} onChange={setConditions} />
         <FormEnd main={words.apply} onClose={onClose} />
       </form>
     </Dialog>

@@ -42,6 +42,7 @@ void AddNeeds(const std::string& text, std::set<std::string>& needs) {
 TEST(Rights, OfTheDocumentAreThoseThatTheOperationsNeed) {
   std::set<std::string> needs;
   AddNeeds(Read("src/siblings/web_order_log.cpp"), needs);
+  AddNeeds(Read("src/workbench/actions.cpp"), needs);
   const std::string statements = Read("tests/automation/statements.txt");
   for (std::size_t begin = 0; begin < statements.size();) {
     const std::size_t end = std::min(statements.find("\n== ", begin + 1), statements.size());

@@ -60,7 +60,7 @@ RecordsetPtr CountPrints(Connection& connection, const Asker& asker, const Dicti
   if (document.mark.empty()) return held;
   const std::string mark(document.mark);
   connection.Execute("UPDATE IC_PrintOrderInfo SET " + mark + " = 1 WHERE FID IN (" + keys +
-                     ")\r\nINSERT INTO IC_PrintOrderInfo (FID, " + mark +
+                     ") INSERT INTO IC_PrintOrderInfo (FID, " + mark +
                      ") SELECT FID, 1 FROM IC_Web2ERPOrders o WHERE FID IN (" + keys +
                      ") AND NOT EXISTS (SELECT 1 FROM IC_PrintOrderInfo p WHERE p.FID = o.FID)");
   return held;
@@ -72,7 +72,7 @@ RecordsetPtr RetryUploads(Connection& connection, const Asker& asker, const Dict
   const std::string keys = KeysOf(*held);
   if (keys.empty()) return held;
   connection.Execute("UPDATE IC_Web2ERPOrders SET FUpLoadStatus = 0, FReasonsForFailure = '' WHERE FID IN (" + keys +
-                     ")\r\nUPDATE IC_Web2ERPOrdersEntry SET FUpLoadStatus = 0 WHERE FUpLoadStatus = 2 AND FID IN (" +
+                     ") UPDATE IC_Web2ERPOrdersEntry SET FUpLoadStatus = 0 WHERE FUpLoadStatus = 2 AND FID IN (" +
                      keys + ")");
   return held;
 }

@@ -132,6 +132,7 @@ async function bulkStep() {
   }, [keys, remark]);
   const step = async (remark) => {
     await page.goto(`${served.url}/#/orders?tab=toBePicked`);
+    await page.reload();
     await page.locator('.grid-row a').first().waitFor();
     await page.waitForTimeout(1500);
     await page.locator('.grid-row[data-row="0"]').click();

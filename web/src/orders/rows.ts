@@ -5,7 +5,7 @@ import { askRows } from '../api/workbench.js';
 import { sayError } from '../parts/toasts.js';
 import type { Row } from './row.js';
 
-const page = 100;
+const page = 50;
 const retryAfter = 3000;
 
 export class Rows {

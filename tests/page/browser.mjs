@@ -36,6 +36,26 @@ export async function countOf(page, name) {
   return Number((await tab(page, name).innerText()).replace(/\D/g, ''));
 }
 
+export const show = (page, path) => page.goto(`${served.url}/#/${path}`);
+
+/** The file that a button has the browser save. */
+export async function saved(page, button) {
+  const [file] = await Promise.all([page.waitForEvent('download'), page.getByRole('button', { name: button }).click()]);
+  return readFileSync(await file.path(), 'utf8');
+}
+
+/** Keys of orders that may be sent: neither locked nor refunded, nor under way. */
+export function sendable(count, more = '1 = 1') {
+  const found = served.query(`SELECT FID, FOrderID FROM IC_Web2ERPOrders o WHERE FOrderStatus = 6 AND FUniqueCode > 0
+    AND ${more} AND FTransactionStatus <> 38195 AND FCheckStatus = 1
+    AND NOT EXISTS (SELECT 1 FROM IC_Web2ERPOrdersEx x WHERE x.FID = o.FID AND x.FIsLock <> 0)
+    AND NOT EXISTS (SELECT 1 FROM IC_StockBillOrdersStatus s WHERE s.FID = o.FID)
+    AND NOT EXISTS (SELECT 1 FROM IC_Web2ERPOrdersEntry e WHERE e.FID = o.FID AND (e.FRefundStatus = 1 OR e.FRowClosed = 1
+      OR e.FStatus LIKE 'TRADE_CLOSED%'))`).slice(0, count);
+  if (found.length < count) throw new Error(`the sample data have ${found.length} of ${count} orders`);
+  return found;
+}
+
 /** What a scanner does: types fast, and ends with Enter. */
 export async function scan(page, code) {
   await page.keyboard.type(String(code));

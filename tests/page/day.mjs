@@ -1,11 +1,12 @@
 // People at work on sample orders, at one server: node day.mjs COMMAND [PART].
 import assert from 'node:assert/strict';
 import { browser, served, wrongs } from './browser.mjs';
+import { figures, invoices, log, operations, outside, ramp, settings, uploads } from './office.mjs';
 import { packersMorning } from './packer.mjs';
 import { prints } from './prints.mjs';
 import { supervisorsDay } from './supervisor.mjs';
 
-const parts = [supervisorsDay, packersMorning, prints];
+const parts = [supervisorsDay, packersMorning, prints, ramp, outside, invoices, uploads, figures, log, settings, operations];
 const wanted = process.argv[3];
 
 try {

@@ -1,16 +1,10 @@
 // A packer's morning, with a server that goes away, and a round at the shelves.
 import assert from 'node:assert/strict';
-import { look, pageOf, scan, served } from './browser.mjs';
+import { look, pageOf, scan, sendable, served } from './browser.mjs';
 
-/** Orders that may be packed: checked neither, locked nor refunded. */
+/** Orders that may be packed, and are not checked yet. */
 function parcels(count) {
-  const free = served.query(`SELECT FID FROM IC_Web2ERPOrders o WHERE FOrderStatus = 6 AND FPIckingGoodsStatus = 0 AND FUniqueCode > 0
-    AND FTransactionStatus <> 38195 AND FCheckStatus = 1
-    AND NOT EXISTS (SELECT 1 FROM IC_Web2ERPOrdersEx x WHERE x.FID = o.FID AND x.FIsLock <> 0)
-    AND NOT EXISTS (SELECT 1 FROM IC_StockBillOrdersStatus s WHERE s.FID = o.FID)
-    AND NOT EXISTS (SELECT 1 FROM IC_Web2ERPOrdersEntry e WHERE e.FID = o.FID AND (e.FRefundStatus = 1 OR e.FRowClosed = 1
-      OR e.FStatus LIKE 'TRADE_CLOSED%'))`).slice(0, count).map(({ FID }) => FID);
-  assert.equal(free.length, count, 'the sample data have enough parcels');
+  const free = sendable(count, 'FPIckingGoodsStatus = 0').map(({ FID }) => FID);
   return free.map((key) => {
     const code = served.query(`SELECT CAST(FUniqueCode AS nvarchar(30)) AS Code FROM IC_Web2ERPOrders WHERE FID = ${key}`)[0].Code;
     const weight = Number(JSON.parse(served.make('call', 'NewGetWeightByFID', `sFID=${key}`, '--json')).FWeight);

@@ -1,12 +1,17 @@
 // People at work on sample orders, at one server: node day.mjs COMMAND [PART].
 import assert from 'node:assert/strict';
 import { browser, served, wrongs } from './browser.mjs';
+import { chinese, keys, words } from './everybody.mjs';
 import { figures, invoices, log, operations, outside, ramp, settings, uploads } from './office.mjs';
-import { packersMorning } from './packer.mjs';
-import { prints } from './prints.mjs';
+import { packersMorning, shelfRound } from './packer.mjs';
+import { labels, papers } from './prints.mjs';
 import { supervisorsDay } from './supervisor.mjs';
+import { conflict, failures, lapsedLogin } from './trouble.mjs';
 
-const parts = [supervisorsDay, packersMorning, prints, ramp, outside, invoices, uploads, figures, log, settings, operations];
+const parts = [
+  supervisorsDay, packersMorning, shelfRound, labels, papers, ramp, outside, invoices, uploads, figures, log, settings, operations,
+  words, chinese, keys, conflict, lapsedLogin, failures,
+];
 const wanted = process.argv[3];
 
 try {

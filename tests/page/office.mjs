@@ -116,7 +116,8 @@ async function listed(page) {
 
 export async function figures() {
   const page = await pageOf('ann');
-  served.make('call', 'Delivery', `dctPara.FID=${sendable(1)[0].FID}`);
+  served.make('sql', `UPDATE IC_Web2ERPOrders SET FSendDate = GETDATE(), FShippingMan = 16394
+    WHERE FID = (SELECT MAX(FID) FROM IC_Web2ERPOrders WHERE FOrderStatus = 14)`);
   const last = one('SELECT CONVERT(char(10), MAX(FOrderPickingDate), 120) AS N FROM IC_Web2ERPOrders WHERE FOrderStatus = 14');
   const path = `figures?day=${last}&days=30`;
   await show(page, path);
@@ -219,7 +220,8 @@ export async function operations() {
   await page.getByRole('button', { name: 'Dry run' }).click();
   await page.getByText('Nothing of this was kept.').waitFor();
   await page.getByText(/statements sent/).click();
-  console.log(await page.getByRole('region', { name: /^SQL/ }).allInnerTexts());
+  const statements = await page.getByRole('region', { name: /^SQL/ }).allInnerTexts();
+  assert.match(statements.join(), /Update IC_Web2ERPOrders\s.*O''Neil/s);
   assert.equal(wish(), before, 'a dry run changes nothing');
   await look(page, 'console');
   await page.getByLabel(/^Dry run/).uncheck();

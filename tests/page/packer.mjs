@@ -53,3 +53,43 @@ export async function packersMorning() {
   await page.getByText(/Stop\. Order/).first().waitFor();
   await page.context().close();
 }
+
+/** A round over a lot at the shelves: one line is short, one gets a batch number, the complete orders are confirmed. */
+export async function shelfRound() {
+  const lot = served.query(`SELECT TOP 4 o.FID, FOrderID FROM IC_Web2ERPOrders o INNER JOIN IC_Web2ERPOrdersEx x ON x.FID = o.FID
+    WHERE FOrderStatus = 2 AND FIsLock = 0 AND FCheckStatus = 1 ORDER BY o.FID DESC`);
+  const keys = lot.map(({ FID }) => FID);
+  served.make('sql', `UPDATE IC_Web2ERPOrdersEx SET FLotNumber = 'L77' WHERE FID IN (${keys})`);
+  const page = await pageOf('ann', { viewport: { width: 400, height: 760 } });
+  await page.goto(`${served.url}/#/shelf`);
+  await page.getByRole('button', { name: 'L77: 4 orders' }).click();
+  await page.getByLabel('Picker').selectOption({ index: 2 });
+  await page.getByRole('button', { name: 'Begin' }).click();
+  const { lines } = await page.evaluate(() => JSON.parse(localStorage.getItem('tessarlorn.round')));
+  const walked = lines.map(({ stockName, place }) => `${stockName} ${place}`);
+  assert.deepEqual([...new Set(walked)], walked.filter((place, at) => place !== walked[at - 1]), 'no place is walked to twice');
+  await look(page, 'shelf-line');
+  const [{ needs: [batched], number }, short] = [lines[0], lines.at(-1)];
+  await page.getByRole('button', { name: 'Batch' }).click();
+  await page.getByRole('dialog').getByRole('textbox').fill('B-2026-11');
+  await page.getByRole('dialog').getByRole('button', { name: 'Save' }).click();
+  await page.getByText('Batch B-2026-11 for').waitFor();
+  await scan(page, `${number}x`);
+  await page.getByText('is wrong here').waitFor();
+  for (const [at, line] of lines.entries()) {
+    await page.getByText(`${at + 1} of ${lines.length}`, { exact: true }).waitFor();
+    if (line !== short) await scan(page, line.number);
+  }
+  await page.getByRole('button', { name: 'Short' }).click();
+  await page.getByRole('dialog').getByRole('button', { name: 'Save' }).click();
+  const left = lot.find(({ FID }) => FID === short.needs[0].order);
+  await page.getByRole('listitem').getByText(left.FOrderID).waitFor();
+  await look(page, 'shelf-end');
+  await page.getByRole('button', { name: 'Confirm 3 orders' }).click();
+  const picked = () => served.query(`SELECT FID FROM IC_Web2ERPOrders WHERE FOrderStatus = 6 AND FID IN (${keys})`);
+  for (let tries = 0; picked().length < 3 && tries < 20; ++tries) await page.waitForTimeout(250);
+  assert.deepEqual(picked().map(({ FID }) => FID).sort(), keys.filter((key) => key !== left.FID).sort());
+  const batch = served.query(`SELECT FBatchNo FROM IC_Web2ERPOrdersEntry WHERE FEntryID = ${batched.entry}`);
+  assert.deepEqual(batch, [{ FBatchNo: 'B-2026-11' }]);
+  await page.context().close();
+}

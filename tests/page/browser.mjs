@@ -44,9 +44,9 @@ export async function saved(page, button) {
   return readFileSync(await file.path(), 'utf8');
 }
 
-/** Keys of orders that may be sent: neither locked nor refunded, nor under way. */
-export function sendable(count, more = '1 = 1') {
-  const found = served.query(`SELECT FID, FOrderID FROM IC_Web2ERPOrders o WHERE FOrderStatus = 6 AND FUniqueCode > 0
+/** Orders to be picked (2) or to be delivered (6) that nothing holds back: neither locked nor refunded, nor under way. */
+export function sendable(count, more = '1 = 1', state = 6) {
+  const found = served.query(`SELECT FID, FOrderID FROM IC_Web2ERPOrders o WHERE FOrderStatus = ${state} AND FUniqueCode > 0
     AND ${more} AND FTransactionStatus <> 38195 AND FCheckStatus = 1
     AND NOT EXISTS (SELECT 1 FROM IC_Web2ERPOrdersEx x WHERE x.FID = o.FID AND x.FIsLock <> 0)
     AND NOT EXISTS (SELECT 1 FROM IC_StockBillOrdersStatus s WHERE s.FID = o.FID)

@@ -56,8 +56,7 @@ export async function packersMorning() {
 
 /** A round over a lot at the shelves: one line is short, one gets a batch number, the complete orders are confirmed. */
 export async function shelfRound() {
-  const lot = served.query(`SELECT TOP 4 o.FID, FOrderID FROM IC_Web2ERPOrders o INNER JOIN IC_Web2ERPOrdersEx x ON x.FID = o.FID
-    WHERE FOrderStatus = 2 AND FIsLock = 0 AND FCheckStatus = 1 ORDER BY o.FID DESC`);
+  const lot = sendable(4, "o.FPickRem = ''", 2);
   const keys = lot.map(({ FID }) => FID);
   served.make('sql', `UPDATE IC_Web2ERPOrdersEx SET FLotNumber = 'L77' WHERE FID IN (${keys})`);
   const page = await pageOf('ann', { viewport: { width: 400, height: 760 } });

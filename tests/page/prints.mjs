@@ -2,7 +2,7 @@
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
 import { writeFileSync } from 'node:fs';
-import { look, pageOf, served, show } from './browser.mjs';
+import { look, pageOf, sendable, served, show } from './browser.mjs';
 
 /** The page of a print as PDF: its size, how many sheets it has, and its text as one reads it. */
 async function paper(page, name, path) {
@@ -21,18 +21,11 @@ function codesOf(name) {
   return read.toString().trim().split('\n').sort();
 }
 
-/** Orders that may still be printed, and the names of their articles. */
-function printable(count) {
-  const orders = served.query(`SELECT FID, FOrderID FROM IC_Web2ERPOrders WHERE FPrintPickCount < 2 AND FPrintSendCount < 2
-    AND FOrderStatus IN (2, 6) AND FUniqueCode > 0 ORDER BY FID DESC`).slice(0, count);
-  assert.equal(orders.length, count);
-  return { orders, keys: orders.map(({ FID }) => FID) };
-}
-
 export async function papers() {
   const page = await pageOf('ann');
-  const { orders, keys } = printable(30);
-  for (const [kind, sheets] of [['pick', 30], ['collected', 2], ['note', 30], ['list', 2]]) {
+  const orders = sendable(20, 'FPrintPickCount < 2 AND FPrintSendCount < 2', 2);
+  const keys = orders.map(({ FID }) => FID);
+  for (const [kind, sheets] of [['pick', 20], ['collected', 2], ['note', 20], ['list', 2]]) {
     const { told, sheets: made, text } = await paper(page, kind, `${kind}?keys=${keys}`);
     assert.match(told, /Page size: +59[45](\.\d+)? x 84[12](\.\d+)? pts/, `${kind} is A4`);
     assert.ok(made >= sheets, `${kind} has ${made} sheets`);

@@ -9,8 +9,8 @@ import { supervisorsDay } from './supervisor.mjs';
 import { conflict, failures, lapsedLogin } from './trouble.mjs';
 
 const parts = [
-  supervisorsDay, packersMorning, shelfRound, labels, papers, ramp, outside, invoices, uploads, figures, log, settings, operations,
-  words, chinese, keys, conflict, lapsedLogin, failures,
+  supervisorsDay, packersMorning, shelfRound, labels, papers, ramp, outside, invoices, uploads, figures, log, settings,
+  operations, words, chinese, keys, conflict, lapsedLogin, failures,
 ];
 const wanted = process.argv[3];
 
@@ -18,6 +18,7 @@ try {
   for (const part of parts.filter(({ name }) => !wanted || name === wanted)) {
     const began = Date.now();
     await part();
+    for (const context of browser.contexts()) await context.close();
     console.log(`${part.name}: done in ${((Date.now() - began) / 1000).toFixed(0)} s`);
   }
   assert.deepEqual(wrongs, [], 'nothing went wrong on the way');

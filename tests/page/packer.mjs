@@ -51,7 +51,6 @@ export async function packersMorning() {
   const [refused] = served.query('SELECT TOP 1 CAST(o.FUniqueCode AS nvarchar(30)) AS Code FROM IC_Web2ERPOrders o WHERE FOrderStatus = 2 AND FUniqueCode > 0');
   await scan(page, refused.Code);
   await page.getByText(/Stop\. Order/).first().waitFor();
-  await page.context().close();
 }
 
 /** A round over a lot at the shelves: one line is short, one gets a batch number, the complete orders are confirmed. */
@@ -90,5 +89,4 @@ export async function shelfRound() {
   assert.deepEqual(picked().map(({ FID }) => FID).sort(), keys.filter((key) => key !== left.FID).sort());
   const batch = served.query(`SELECT FBatchNo FROM IC_Web2ERPOrdersEntry WHERE FEntryID = ${batched.entry}`);
   assert.deepEqual(batch, [{ FBatchNo: 'B-2026-11' }]);
-  await page.context().close();
 }

@@ -48,6 +48,4 @@ export async function supervisorsDay() {
   await ann.keyboard.type(number);
   await ann.keyboard.press('Enter');
   await ann.waitForURL(/order\/75$/);
-  await ann.context().close();
-  await bob.context().close();
 }

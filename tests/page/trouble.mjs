@@ -32,8 +32,6 @@ export async function conflict() {
   await dialog.getByText('2 orders done.').waitFor();
   assert.equal(ordersWith("FOrderStatus = 6 AND FPickRem = 'by ann'").length, 2);
   assert.equal(ordersWith("FOrderStatus = 6 AND FPickRem = 'by bob'")[0].FOrderID, number, 'the first pick stands');
-  await ann.context().close();
-  await bob.context().close();
 }
 
 export async function lapsedLogin() {
@@ -53,7 +51,6 @@ export async function lapsedLogin() {
   await dialog.getByRole('button', { name: 'Delivery remark: 1' }).click();
   await dialog.getByText('1 orders done.').waitFor();
   assert.equal(ordersWith("FID = 75 AND FShippingRem = 'typed before the login ended'").length, 1);
-  await page.context().close();
 }
 
 export async function failures() {
@@ -69,7 +66,7 @@ export async function failures() {
   await page.getByRole('grid').getByText(/^XS/).first().waitFor();
   await page.unrouteAll({ behavior: 'wait' });
 
-  const problem = { status: 500, contentType: 'application/problem+json', json: { status: 500, title: 'x', detail: 'It broke' } };
+  const problem = { status: 500, contentType: 'application/problem+json', json: { detail: 'It broke' } };
   await page.route('**/workbench/orders', (route) => route.fulfill(problem), { times: 1 });
   await show(page, 'orders?tab=delivered');
   await page.getByRole('alert').getByText('It broke').waitFor();
@@ -90,5 +87,4 @@ export async function failures() {
   await dialog.getByRole('button', { name: 'Try again' }).click();
   await dialog.getByText('1 orders done.').waitFor();
   assert.equal(ordersWith('FID = 75 AND FLogisticsCost = 7.25').length, 1);
-  await page.context().close();
 }

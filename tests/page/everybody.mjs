@@ -29,7 +29,7 @@ export async function words() {
 
 /** Runs in the page: English words that are the page's own, not data's, and names that no language has. */
 function english() {
-  const names = /^(English|Dictionary|Idempotency|JSON|curl|Page|Down|Home|Shift|Ctrl|Enter|.*[a-z][A-Z].*|F[A-Z]\w+)$/;
+  const names = /^(English|Dictionary|Idempotency|JSON|VBScript|curl|Page|Down|Home|Shift|Ctrl|Enter|.*[a-z][A-Z].*|F[A-Z]\w+)$/;
   const said = 'button, label, legend, summary, h1, h2, h3, th, a, p, dt, option';
   const data = '[lang=en], pre, td, figcaption, th[scope=row], th[scope=col], .operations b, .path, .own > span';
   const all = (what) => [...document.querySelectorAll(what)].filter((one) => one.checkVisibility() && !one.closest(data));

@@ -12,9 +12,9 @@ const screens = [
 
 /** Each text is there in three languages, with the same places to be filled in. */
 export async function words() {
-  const files = readdirSync(process.env.WEB_SOURCES, { recursive: true }).filter((file) => /words\.ts$|common\.ts$/.test(file));
+  const all = readdirSync(process.env.WEB_SOURCES, { recursive: true });
   let count = 0;
-  for (const file of files) {
+  for (const file of all.filter((name) => /(words|common)\.ts$/.test(name))) {
     const source = readFileSync(join(process.env.WEB_SOURCES, file), 'utf8');
     const [, texts] = source.match(/defineWords\((\{.*?\n\})\)/s) ?? [];
     for (const [name, text] of Object.entries(texts ? new Function(`return ${texts}`)() : {})) {
@@ -29,14 +29,13 @@ export async function words() {
 
 /** Runs in the page: English words that are the page's own, not data's, and names that no language has. */
 function english() {
-  const names = /^(TessarLorn|English|Dictionary|Idempotency|JSON|HTTP|VBScript|curl|Page|Down|Home|Shift|Ctrl|Enter|administrator|.*[a-z][A-Z].*)$/;
+  const names = /^(English|Dictionary|Idempotency|JSON|VBScript|curl|Page|Down|Home|Shift|Ctrl|Enter|.*[a-z][A-Z].*|F[A-Z]\w+)$/;
   const said = 'button, label, legend, summary, h1, h2, h3, th, a, p, dt, option';
   const data = '[lang=en], pre, td, figcaption, th[scope=row], th[scope=col], .operations b, .path, .own > span';
-  const found = [...document.querySelectorAll(said)].filter((element) => element.checkVisibility() && !element.closest(data))
-    .flatMap((element) => [...element.childNodes].filter(({ nodeType }) => nodeType === Node.TEXT_NODE).map(({ data }) => data));
-  const hidden = [...document.querySelectorAll('[aria-label], [placeholder], [title]')].filter((one) => !one.closest(data))
-    .flatMap((one) => ['aria-label', 'placeholder'].map((name) => one.getAttribute(name) ?? ''));
-  return [...found, ...hidden].filter((text) => (text.match(/[A-Za-z]{4,}\w*/g) ?? []).some((word) => !names.test(word)));
+  const all = (what) => [...document.querySelectorAll(what)].filter((one) => one.checkVisibility() && !one.closest(data));
+  const shown = all(said).flatMap(({ childNodes }) => [...childNodes].map((node) => node.nodeType === 3 ? node.data : ''));
+  const told = ['aria-label', 'placeholder'].flatMap((name) => all(`[${name}]`).map((one) => one.getAttribute(name)));
+  return [...shown, ...told].filter((text) => (text.match(/[A-Za-z]{4,}\w*/g) ?? []).some((word) => !names.test(word)));
 }
 
 /** Runs in the page: elements that move. */
@@ -56,8 +55,8 @@ export async function chinese() {
   for (const screen of screens) {
     await show(page, screen);
     await page.locator('main h1').first().waitFor({ state: 'attached' });
-    await page.getByText('正在加载').waitFor({ state: 'hidden' });
     await page.waitForTimeout(150);
+    await page.waitForFunction(() => !document.body.innerText.includes('正在加载'));
     for (const text of new Set(await page.evaluate(english))) wrongs.push(`${screen}: not in Chinese: ${text}`);
     for (const element of new Set(await page.evaluate(moving))) wrongs.push(`${screen}: moves: ${element}`);
     for (const [width, height] of [[640, 400], [360, 740], [1280, 800]]) {

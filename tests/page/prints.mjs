@@ -56,6 +56,7 @@ export async function papers() {
   await page.keyboard.type(code, { delay: 40 });
   await page.keyboard.press('Enter');
   await page.waitForURL(new RegExp(`order/${first.FID}$`));
+  await page.getByRole('heading', { name: orders[0].FOrderID }).waitFor();
 
   // Orders that were printed as often as is allowed are left out, and named.
   served.make('sql', `UPDATE IC_Web2ERPOrders SET FPrintPickCount = 0 WHERE FID = ${keys[1]}`);

@@ -59,6 +59,7 @@ constexpr std::array kRowsKeys = {
     kOrderKeys,
     Optional("locked", ValueType::kBoolean, "Answers the locked ones of them, in place of the others"),
 };
+constexpr std::array kStateKeys = {kOrderKeys};
 constexpr std::array kFindKeys = {
     Mandatory("text", ValueType::kString,
               "A key, order number, web-shop order number, waybill number or unique code; of order and waybill numbers "
@@ -77,6 +78,10 @@ constexpr std::array kPrintKeys = {
 constexpr std::array kRetryKeys = {kOrderKeys};
 
 constexpr std::array kKeyColumn = {Column{"FID", ValueType::kLong, "Key of an order"}};
+constexpr std::array kStateColumns = {
+    Column{"FID", ValueType::kLong, "Key of an order"},
+    Column{"FOrderStatus", ValueType::kLong, "2 to be picked, 6 to be delivered, 14 delivered"},
+};
 constexpr std::array kTabColumns = {Column{"FTab", ValueType::kString, "The tab"},
                                     Column{"FOrders", ValueType::kLong, "How many orders stand in it"}};
 constexpr std::array kFoundColumns = {
@@ -133,6 +138,11 @@ constexpr std::array kOrderQuestions = {
              .keys = kRowsKeys,
              .columns = {},
              .call = CallForRows},
+    Question{.name = "states",
+             .help = "Where some orders stand. Those that are not there, or not for the asker, are left out.",
+             .keys = kStateKeys,
+             .columns = kStateColumns,
+             .ask = AskStates},
     Question{.name = "find",
              .help = "The orders that have a number, the exact ones first, then the latest; at most 20.",
              .keys = kFindKeys,

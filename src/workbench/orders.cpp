@@ -173,6 +173,12 @@ OperationCall CallForRows(const Dictionary& values) {
           .values = {{"AdvancedFilter", " AND t1.FID IN (" + list + ")"}, {"IsLock", locked ? 1 : 0}}};
 }
 
+RecordsetPtr AskStates(Connection& connection, const Asker& asker, const Dictionary& values) {
+  Statement statement("SELECT t1.FID, t1.FOrderStatus FROM IC_Web2ERPOrders t1 WHERE t1.FID IN (" + KeyList(values) +
+                      ")");
+  return statement.Add(OfShops(asker)).SetShops(asker).Run(connection);
+}
+
 RecordsetPtr AskFind(Connection& connection, const Asker& asker, const Dictionary& values) {
   const std::string text(Trim(values.GetValue("text").ToText()));
   Statement statement(

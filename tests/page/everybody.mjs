@@ -94,5 +94,6 @@ export async function keys() {
     assert.ok(inside, `${name}: the dialog has the focus`);
     await page.keyboard.press('Escape');
     await page.getByRole('dialog').waitFor({ state: 'detached' });
+    assert.ok(await button.evaluate((one) => one === document.activeElement), `${name}: the focus is back`);
   }
 }

@@ -1,5 +1,5 @@
 // Work on many orders: one or more stages one after the other, each in blocks, each order by itself.
-import { Run, type Outcomes } from '../steps/run.js';
+import { Run, type Outcomes, type Runnable } from '../steps/run.js';
 import type { Step } from '../steps/steps.js';
 import { fill } from '../words/language.js';
 import { workWords as words } from './work_words.js';
@@ -7,9 +7,8 @@ import { workWords as words } from './work_words.js';
 export type Call = Step['call'];
 type Answer = Awaited<ReturnType<Call>>;
 
-export interface Stage {
+export interface Stage extends Runnable {
   readonly name: string;
-  readonly call: Call;
 }
 
 export interface Work {

@@ -5,14 +5,22 @@ import { common } from '../words/common.js';
 
 export function Dialog(props: { title: string; onClose: () => void; children: ComponentChildren; wide?: boolean }) {
   const dialog = useRef<HTMLDialogElement>(null);
+  const gone = useRef(false);
   useEffect(() => {
     const before = document.activeElement;
-    dialog.current?.showModal();
-    return () => (before instanceof HTMLElement ? before.focus() : undefined);
+    const shown = dialog.current;
+    shown?.showModal();
+    return () => {
+      gone.current = true;
+      // What is behind it takes no focus as long as it stands.
+      shown?.close();
+      if (before instanceof HTMLElement) before.focus();
+    };
   }, []);
+  const close = () => gone.current || props.onClose();
   return (
     <dialog ref={dialog} aria-label={props.title} class={props.wide ? 'wide' : ''}
-      onClose={props.onClose} onCancel={props.onClose}>
+      onClose={close}>
       <div>
         <h2>{props.title}</h2>
         {props.children}

@@ -43,8 +43,9 @@ export function PrintButton({ kind, keys, onCounted }: Props) {
           <p>{fill(words.countAsk, { count: keys.length })}</p>
           {wrong && <div class="note bad" role="alert">{wrong}</div>}
           <div class="row end">
+            {/* First, so that a scan that ends with Enter counts nothing. */}
             <button type="button" onClick={() => setAsking(false)}>{common.no}</button>
-            <button type="button" class="main" autofocus disabled={busy} onClick={() => void count()}>
+            <button type="button" class="main" disabled={busy} onClick={() => void count()}>
               {wrong ? common.retry : words.countNow}
             </button>
           </div>

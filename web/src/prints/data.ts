@@ -23,6 +23,8 @@ export interface Material {
   readonly keys: readonly number[];
   /** Orders that were printed as often as allowed, in words. */
   readonly leftOut: readonly string[];
+  /** Orders of which nothing is picked, by number. */
+  readonly nothingToPick: readonly string[];
   readonly pick: readonly PickRow[];
   readonly collected: readonly PickRow[];
   readonly notes: readonly NoteRow[];
@@ -75,7 +77,7 @@ export async function keysOf(query: URLSearchParams): Promise<number[]> {
 }
 
 export async function materialOf(asked: readonly number[], kind: Kind): Promise<Material> {
-  const nothing: Material = { keys: [], leftOut: [], pick: [], collected: [], notes: [], totals: new Map(), rows: [] };
+  const nothing: Material = { keys: [], leftOut: [], nothingToPick: [], pick: [], collected: [], notes: [], totals: new Map(), rows: [] };
   if (!asked.length) return nothing;
   const [over, all] = await Promise.all([overLimit(asked, kind), rowsOf(asked)]);
   const rows = all.filter((row) => !over.has(String(row['FOrderID'])));
@@ -83,8 +85,12 @@ export async function materialOf(asked: readonly number[], kind: Kind): Promise<
   const found = { ...nothing, keys, rows, leftOut: [...over.values()] };
   if (!keys.length) return found;
   switch (kind) {
-    case 'pick':
-      return { ...found, pick: await pickRows(keys, 0) };
+    case 'pick': {
+      const pick = await pickRows(keys, 0);
+      const picked = new Set(pick.map(({ FID }) => FID));
+      const nothingToPick = rows.filter(({ FID }) => !picked.has(FID)).map((row) => String(row['FOrderID']));
+      return { ...found, pick, nothingToPick, keys: keys.filter((key) => picked.has(key)) };
+    }
     case 'collected':
       return { ...found, collected: await pickRows(keys, 1) };
     case 'note': {

@@ -99,6 +99,9 @@ export function PrintScreen() {
           {material && material.leftOut.length > 0 && (
             <p class="note warn">{fill(words.leftOut, { orders: material.leftOut.join(', ') })}</p>
           )}
+          {material && material.nothingToPick.length > 0 && (
+            <p class="note warn">{fill(words.nothingToPick, { orders: material.nothingToPick.join(', ') })}</p>
+          )}
           {empty && <p class="note">{material.leftOut.length ? words.empty : words.none}</p>}
         </div>
         {wrong && (

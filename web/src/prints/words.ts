@@ -13,6 +13,9 @@ export const words = defineWords({
     '已达打印次数上限，未包含：{orders}',
     '已達列印次數上限，未包含：{orders}',
   ],
+  nothingToPick: [
+    'Nothing of these orders is picked: {orders}', '以下订单没有需拣的商品：{orders}', '以下訂單沒有需揀的商品：{orders}',
+  ],
   timesOf: ['{order} ({times} of {most})', '{order}（{times} / {most}）', '{order}（{times} / {most}）'],
   empty: ['Nothing is left to be printed.', '没有可打印的内容。', '沒有可列印的內容。'],
   wasPrinted: ['Was it printed?', '已打印完成吗？', '已列印完成嗎？'],

@@ -33,7 +33,9 @@ export function workOf(able: readonly Able[], names: readonly StageName[]): Work
   const lines = new Map(able.map((line) => [line.parcel.FID, line]));
   const keys = [...lines.keys()];
   const calls: Record<StageName, Call> = { setNumber: setNumber(lines), markWeighed, deliver: deliver.call };
-  const stages = names.map((name): Stage => ({ name: words[name], call: calls[name] }));
+  const stages = names.map((name): Stage => ({
+    name: words[name], call: calls[name], ...(name === 'deliver' ? { states: deliver.states } : {}),
+  }));
   return {
     title: fill(words.workTitle, { count: keys.length }), stages, keys,
     nameOf: (key) => lines.get(key)?.parcel.FOrderID ?? String(key),

@@ -24,7 +24,11 @@ function Banner() {
 function Shown({ name }: { name: string }) {
   const [screen, setScreen] = useState<{ name: string; Body: ComponentType }>();
   useEffect(() => {
-    screens[name]?.load().then((Body) => setScreen({ name, Body }), sayError);
+    let left = false;
+    screens[name]?.load().then((Body) => left || setScreen({ name, Body }), sayError);
+    return () => {
+      left = true;
+    };
   }, [name]);
   if (!screens[name]) return <p class="note bad">{words.noSuchScreen}</p>;
   return screen?.name === name ? <screen.Body /> : null;

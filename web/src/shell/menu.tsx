@@ -42,7 +42,7 @@ export function Menu({ here }: { here: string }) {
     <nav class="menu" aria-label={words.main}>
       <Links place="main" here={here} />
       <details ref={more}>
-        <summary class={inMore ? 'here' : ''}>{inMore ? screens[here]?.title() : words.more}</summary>
+        <summary class={inMore ? 'here' : ''}>{words.more}</summary>
         <div><Links place="more" here={here} /></div>
       </details>
     </nav>

@@ -1,6 +1,6 @@
 // Makes a step for many orders, in blocks, and tells order by order what became of it.
 import { answerOf, door, DoorError, newKey } from '../api/door.js';
-import { askRows } from '../api/workbench.js';
+import { ask, askRows } from '../api/workbench.js';
 import { stateOf, textOf, toBeDelivered, type Row } from '../orders/row.js';
 import { wordsOf } from '../parts/problem.js';
 import { fill } from '../words/language.js';
@@ -105,14 +105,22 @@ export async function tryStep(
   }
 }
 
+/** What a run needs of a step. */
+export type Runnable = Pick<Step, 'call'> & Partial<Pick<Step, 'states'>>;
+
+interface Block {
+  readonly keys: number[];
+  readonly idempotencyKey: string;
+  /** Those that could still take the step when it was sent. */
+  able?: number[];
+}
+
 /** A run of a step; a block that failed is tried again with its own key, so that nothing is made twice. */
 export class Run {
   readonly outcomes = new Map<number, string>();
-  private readonly blocks: { keys: number[]; idempotencyKey: string }[];
+  private readonly blocks: Block[];
 
-  constructor(
-    private readonly step: Pick<Step, 'call'>, private readonly values: Values, readonly keys: readonly number[],
-  ) {
+  constructor(private readonly step: Runnable, private readonly values: Values, readonly keys: readonly number[]) {
     this.blocks = blocksOf(keys).map((keysOfBlock) => ({ keys: keysOfBlock, idempotencyKey: newKey() }));
   }
 
@@ -122,13 +130,29 @@ export class Run {
 
   async go(stop: AbortSignal, onBlock: () => void): Promise<void> {
     for (let next = this.blocks[0]; next && !stop.aborted; next = this.blocks[0]) {
-      const { keys, idempotencyKey } = next;
-      const how: How = { params: { query: { each: 'order' }, header: { 'Idempotency-Key': idempotencyKey } } };
-      const answer = await persist(() => answerOf(this.step.call(keys.join(), this.values, how)), stop);
-      readOutcomes(answer, keys, this.outcomes);
+      // Once: a block that is sent again may have been done, and the orders are elsewhere by it.
+      const able = next.able ??= await this.stillAble(next.keys, stop);
+      const how: How = { params: { query: { each: 'order' }, header: { 'Idempotency-Key': next.idempotencyKey } } };
+      if (able.length) {
+        const answer = await persist(() => answerOf(this.step.call(able.join(), this.values, how)), stop);
+        readOutcomes(answer, able, this.outcomes);
+      }
       this.blocks.shift();
       onBlock();
     }
+  }
+
+  /** Leaves out the orders that others took elsewhere meanwhile, and says so of them. */
+  private async stillAble(keys: number[], stop: AbortSignal): Promise<number[]> {
+    const { states } = this.step;
+    if (!states) return keys;
+    const found = new Map((await persist(() => ask('states', { keys }, stop), stop)).map((row) => [row.FID, row]));
+    return keys.filter((key) => {
+      const state = found.get(key)?.FOrderStatus;
+      if (state !== undefined && states.includes(state)) return true;
+      this.outcomes.set(key, state === undefined ? words.gone : fill(words.wrongState, { state: stateWords(state) }));
+      return false;
+    });
   }
 }
 

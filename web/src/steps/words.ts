@@ -51,7 +51,7 @@ export const words = defineWords({
   copy: ['Copy the list', '复制列表', '複製清單'],
   copied: ['Copied', '已复制', '已複製'],
   progress: ['{done} of {count}', '{done} / {count}', '{done} / {count}'],
-  wrongState: ['It is {state}', '状态为“{state}”', '狀態為「{state}」'],
+  wrongState: ['It is “{state}”', '状态为“{state}”', '狀態為「{state}」'],
   gone: ['Not there, or not for you', '不存在或无权查看', '不存在或無權檢視'],
   closed: ['The transaction is closed', '交易已关闭', '交易已關閉'],
   refund: ['In refund', '退款中', '退款中'],

@@ -218,7 +218,7 @@ GO
 IF NOT EXISTS (SELECT 1 FROM sys.indexes
                WHERE name = 'IX_Web2ERPOrders_Sent' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
 CREATE INDEX IX_Web2ERPOrders_Sent ON IC_Web2ERPOrders
-  (FOrderStatus, FSendDate) INCLUDE (FLogisticsID, FWeight, FLogisticsCost, FWebshopID);
+  (FSendDate) INCLUDE (FLogisticsID, FWeight, FLogisticsCost, FWebshopID);
 GO
 
 IF NOT EXISTS (SELECT 1 FROM sys.indexes

@@ -67,8 +67,10 @@ RecordsetPtr CountPrints(Connection& connection, const Asker& asker, const Dicti
 }
 
 RecordsetPtr RetryUploads(Connection& connection, const Asker& asker, const Dictionary& values) {
-  RecordsetPtr held = Hold(connection, asker, KeyList(values),
-                           "(t1.FUpLoadStatus = 2 OR (t1.FUpLoadStatus = 0 AND t1.FReasonsForFailure <> ''))");
+  RecordsetPtr held =
+      Hold(connection, asker, KeyList(values),
+           "(t1.FUpLoadStatus = 2 OR (t1.FUpLoadStatus = 0 AND t1.FReasonsForFailure <> '')) AND NOT EXISTS "
+           "(SELECT 1 FROM IC_Web2ERPOrdersEx x WHERE x.FID = t1.FID AND x.FIsLock <> 0)");
   const std::string keys = KeysOf(*held);
   if (keys.empty()) return held;
   connection.Execute("UPDATE IC_Web2ERPOrders SET FUpLoadStatus = 0, FReasonsForFailure = '' WHERE FID IN (" + keys +

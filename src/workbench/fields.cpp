@@ -64,13 +64,20 @@ SqlParameter Value(const Condition& condition, Control control, std::string name
   try {
     const Variant text(condition.value);
     if (control == Control::kNumber || control == Control::kMark) {
-      static_cast<void>(text.ToDouble());
+      constexpr double kLargest = 1e17;
+      const double number = text.ToDouble();
+      if (number > kLargest || number < -kLargest) throw WrongValue(kKey, condition.field + " is compared with less");
       return {.name = std::move(name), .type = "decimal(28,10)", .value = text};
     }
-    if (control == Control::kDate) return {.name = std::move(name), .type = "datetime", .value = text.ToDateTime()};
+    if (control == Control::kDate) {
+      constexpr int kFirstYear = 1760;
+      const DateTime time = text.ToDateTime();
+      if (time.ToCivil().year < kFirstYear) throw WrongValue(kKey, condition.field + " is compared with later dates");
+      return {.name = std::move(name), .type = "datetime", .value = time};
+    }
     const std::string value =
         condition.comparison == "~" ? "%" + EscapedForLike(condition.value) + "%" : condition.value;
-    return {.name = std::move(name), .type = "nvarchar(600)", .value = value};
+    return {.name = std::move(name), .type = "nvarchar(4000)", .value = value};
   } catch (const Error&) {
     throw WrongValue(kKey, condition.field + " is not compared with " + OnOneLine(condition.value) +
                                (control == Control::kDate ? ": it is a date" : ": it is a number"));

@@ -20,6 +20,7 @@ struct Step {
   /// Orders t1 of the person p.
   std::string_view orders;
   std::string_view time;
+  std::string_view count = "COUNT(*)";
 };
 constexpr std::string_view kUsers =
     "SELECT CAST(FUserID AS nvarchar(50)) AS FPersonID, FName AS FPersonName, FUserID FROM t_User";
@@ -30,7 +31,7 @@ constexpr std::array kSteps = {
          "IC_Web2ERPOrders t1 with(nolock) WHERE t1.FPickingGoodMan = p.FUserID AND t1.FPIckingGoodsStatus = 1",
          "t1.FOrderPickingDate"},
     Step{"weighed", kUsers, "IC_TradeLog l with(nolock){logged} WHERE l.FOPCode = 3008 AND l.FOPUserID = p.FUserID",
-         "l.FOPTime"},
+         "l.FOPTime", "COUNT(DISTINCT l.FOrderFID)"},
     Step{"delivered", kUsers, "IC_Web2ERPOrders t1 with(nolock) WHERE t1.FShippingMan = p.FUserID", "t1.FSendDate"},
 };
 
@@ -105,7 +106,9 @@ RecordsetPtr AskWork(Connection& connection, const Asker& asker, const Dictionar
     const std::string within = " AND " + time + " >= ";
     statement.Add(&step == kSteps.data() ? "SELECT '" : " UNION ALL SELECT '")
         .Add(step.name)
-        .Add("' AS FStep, b.FFrom, b.FTo, p.FPersonID, p.FPersonName, (SELECT COUNT(*) FROM ")
+        .Add("' AS FStep, b.FFrom, b.FTo, p.FPersonID, p.FPersonName, (SELECT ")
+        .Add(step.count)
+        .Add(" FROM ")
         .Add(orders + within + "b.FFrom AND " + time + " < b.FTo) AS FOrders FROM (SELECT p.* FROM (")
         .Add(step.people)
         // Few of the ERP's users do any of this.
@@ -124,7 +127,7 @@ RecordsetPtr AskCarriers(Connection& connection, const Asker& asker, const Dicti
       .Add("SELECT x.FCarrierID, ISNULL(c." + std::string(asker.language == "CHS" ? "FName" : "FName_CHT") +
            ", '') AS FCarrier, x.FOrders, x.FWeight, x.FCost FROM (SELECT t1.FLogisticsID AS FCarrierID, COUNT(*) AS "
            "FOrders, SUM(t1.FWeight) AS FWeight, SUM(t1.FLogisticsCost) AS FCost FROM IC_Web2ERPOrders t1 with(nolock) "
-           "WHERE t1.FSendDate >= @from AND t1.FSendDate < @to AND t1.FOrderStatus = 14")
+           "WHERE t1.FSendDate >= @from AND t1.FSendDate < @to")
       .Add(OfShops(asker))
       .Add(
           " GROUP BY t1.FLogisticsID) x LEFT JOIN IC_Logistics c with(nolock) ON c.FItemID = x.FCarrierID ORDER BY "

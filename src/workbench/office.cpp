@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/text/text.h"
 #include "workbench/statement.h"
 
 namespace tessarlorn::workbench {
@@ -87,7 +88,7 @@ RecordsetPtr AskLog(Connection& connection, const Asker& asker, const Dictionary
       .Set("@from", "datetime", values.GetValue("from"))
       .Set("@to", "datetime", values.GetValue("to"))
       .Set("@user_asked", "int", values.GetValue("user"))
-      .Set("@number", "nvarchar(255)", values.GetValue("number"))
+      .Set("@number", "nvarchar(1000)", values.GetValue("number"))
       .Set("@code", "int", values.GetValue("code"))
       .Set("@field", "nvarchar(64)", values.GetValue("field"))
       .Set("@before", "datetime", values.GetValue("beforeTime"))
@@ -103,17 +104,30 @@ RecordsetPtr AskInvoices(Connection& connection, const Asker& asker, const Dicti
       std::string(OfShops(asker)) + ")";
   Statement statement("SELECT TOP (200) e.FinterID AS FInterID, e.FBillNo, e.FDate, e.FAmount, (SELECT COUNT(*) ");
   statement.Add(orders).Add(" AS FOrders, (SELECT ISNULL(SUM(t1.FLogisticsCost), 0) ").Add(orders);
-  statement.Add(" AS FCosts FROM ICExpenses e with(nolock)");
-  if (values.Exists("text")) statement.Add(" WHERE e.FBillNo LIKE @text ESCAPE '\\'");
+  statement.Add(" AS FCosts FROM ICExpenses e with(nolock) WHERE 1 = 1");
+  if (!asker.every_shop) {
+    // An invoice with hidden orders would be told with wrong costs.
+    statement
+        .Add(
+            " AND NOT EXISTS (SELECT 1 FROM IC_Web2ERPOrders t1 with(nolock) WHERE t1.FFeeBillNO = CAST(e.FinterID AS "
+            "nvarchar(50))")
+        .Add(ReplaceAll(OfShops(asker), " AND EXISTS", " AND NOT EXISTS"))
+        .Add(")");
+  }
+  if (values.Exists("text")) statement.Add(" AND e.FBillNo LIKE @text ESCAPE '\\'");
   return statement.Add(" ORDER BY e.FDate DESC, e.FinterID DESC")
-      .Set("@text", "nvarchar(600)", "%" + EscapedForLike(values.GetValue("text").ToText()) + "%")
+      .Set("@text", "nvarchar(4000)", "%" + EscapedForLike(values.GetValue("text").ToText()) + "%")
       .SetShops(asker)
       .Run(connection);
 }
 
-RecordsetPtr AskTasks(Connection& connection, const Asker&, const Dictionary&) {
+RecordsetPtr AskTasks(Connection& connection, const Asker& asker, const Dictionary&) {
+  // The documents of a web-shop task are orders, some of hidden shops perhaps.
+  const std::string documents =
+      asker.every_shop ? "t.FTaskName" : "CASE t.FTaskType WHEN 130 THEN '' ELSE t.FTaskName END AS FTaskName";
   return Statement(
-             "SELECT TOP (200) t.FRowID, t.FTaskId, t.FTaskType, t.FTaskName, t.FWebTplType, ISNULL(f.FWebTplName, '') AS "
+             "SELECT TOP (200) t.FRowID, t.FTaskId, t.FTaskType, " + documents +
+             ", t.FWebTplType, ISNULL(f.FWebTplName, '') AS "
              "FProvider, t.FWebTplID, ISNULL(w.FWebtplName, '') AS FWarehouse, t.FProgressPer, t.FUserName, "
              "t.FRefreshTime, t.FStatus FROM TPLTaskFlow t with(nolock) LEFT JOIN IC_WebtplFlat f with(nolock) ON "
              "f.FWebTplType = t.FWebTplType LEFT JOIN IC_WebtplToStorage w with(nolock) ON w.FWebtplID = t.FWebTplID AND "

@@ -69,14 +69,14 @@ constexpr std::array kParts = {
     Comparison{"buyer",
                "(t1.FBuyerNick LIKE @buyer ESCAPE '\\' OR t1.FBuyerName LIKE @buyer ESCAPE '\\' OR t1.FConsignee LIKE "
                "@buyer ESCAPE '\\')",
-               "nvarchar(400)"},
-    Comparison{"waybill", "t1.FLogisticsOrder LIKE @waybill ESCAPE '\\'", "nvarchar(400)"},
+               "nvarchar(4000)"},
+    Comparison{"waybill", "t1.FLogisticsOrder LIKE @waybill ESCAPE '\\'", "nvarchar(4000)"},
     Comparison{
         "text",
         "(t1.FBuyerMessage LIKE @text ESCAPE '\\' OR t1.FSellerMessage LIKE @text ESCAPE '\\' OR t1.FDeliveryRemark "
         "LIKE @text ESCAPE '\\' OR t1.FShippingRem LIKE @text ESCAPE '\\' OR t1.FPickRem LIKE @text ESCAPE '\\' OR "
         "t22.FItemSummary LIKE @text ESCAPE '\\')",
-        "nvarchar(400)"},
+        "nvarchar(4000)"},
 };
 
 constexpr std::array<std::string_view, 11> kSortable = {"FID",        "FOrderID",        "FOrderDate",   "FSitePayDate",
@@ -199,8 +199,8 @@ RecordsetPtr AskFind(Connection& connection, const Asker& asker, const Dictionar
       .Add(OfShops(asker))
       .Add(" ORDER BY t2.FRank, t1.FID DESC");
   const std::optional<std::int32_t> number = WholeNumber<std::int32_t>(text);
-  return statement.Set("@text", "nvarchar(255)", text)
-      .Set("@start", "nvarchar(600)", text.empty() ? "" : EscapedForLike(text) + "%")
+  return statement.Set("@text", "nvarchar(1000)", text)
+      .Set("@start", "nvarchar(4000)", text.empty() ? "" : EscapedForLike(text) + "%")
       .Set("@number", "int", number ? Variant(*number) : Variant())
       .Set("@code", "decimal(23,0)", UniqueCodeOf(text))
       .SetShops(asker)
@@ -221,7 +221,7 @@ RecordsetPtr AskParcels(Connection& connection, const Asker& asker, const Dictio
     const std::string place = std::to_string(i);
     const std::string text = numbers->At(i + 1).ToText();
     add(texts, i, "@n" + place);
-    statement.Set("@n" + place, "nvarchar(255)", text);
+    statement.Set("@n" + place, "nvarchar(1000)", text);
     if (const Variant code = UniqueCodeOf(text); !code.is_empty()) {
       add(codes, i, "@c" + place);
       statement.Set("@c" + place, "decimal(23,0)", code);

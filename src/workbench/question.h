@@ -20,7 +20,7 @@ inline constexpr std::int32_t kMostOrders = 100'000;
 inline constexpr std::size_t kMostKeys = 500;
 
 /// Most characters (UTF-16 units) of a text.
-inline constexpr std::size_t kLongestText = 255;
+inline constexpr std::size_t kLongestText = 1000;
 
 /// Who asks.
 struct Asker {

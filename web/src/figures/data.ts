@@ -148,7 +148,7 @@ export function carriersPlot({ carriers, range }: Figures, measure: Measure): Pl
   const all = sum(carriers);
   const barOf = (row: Row<'carriers'>): Bar => ({
     value: measure === 'share' ? row.FOrders : Number(measure === 'weight' ? row.FWeight : row.FCost),
-    link: ordersLink({ tab: 'delivered', carrier: String(row.FCarrierID), sentFrom: range.from, sentTo: range.to }),
+    link: ordersLink({ tab: 'all', carrier: String(row.FCarrierID), sentFrom: range.from, sentTo: range.to }),
   });
   const labelOf = ({ FCarrier, FOrders }: Row<'carriers'>) => (
     `${FCarrier || words.noCarrier} · ${formatNumber(all ? (FOrders / all) * 100 : 0, 0)} %`);
@@ -163,7 +163,7 @@ export function carriersPlot({ carriers, range }: Figures, measure: Measure): Pl
 export function failuresPlot({ failures }: Figures): PlotData {
   const reasons = [...new Set(failures.map(({ FReason }) => FReason))];
   const bars = reasons.map((reason) => ({
-    value: sum(failures.filter(({ FReason }) => FReason === reason)), link: ordersLink({ tab: 'all', reason }),
+    value: sum(failures.filter(({ FReason }) => FReason === reason)), link: reason ? ordersLink({ tab: 'all', reason }) : ordersLink({ tab: 'failedUploads' }),
   }));
   return {
     head: words.reason, labels: reasons.map((reason) => reason || words.noReason),

@@ -67,6 +67,11 @@ function endOf(day: string): string {
   return /^\d{4}-\d\d-\d\d$/.test(day) ? `${day}T23:59:59` : day;
 }
 
+/** A condition up to a day, to the day's end. */
+function toEndOfDay(condition: string): string {
+  return condition.replace(/(<=)(\d{4}-\d\d-\d\d)$/, (_, comparison: string, day: string) => comparison + endOf(day));
+}
+
 export function filterOf(query: URLSearchParams): OrderFilter {
   const filter: Record<string, string | number | boolean> = {};
   for (const field of fields) {
@@ -82,10 +87,12 @@ export function filterOf(query: URLSearchParams): OrderFilter {
   const tab = tabOf(query);
   const sort = sortable.find((name) => name === query.get('sort'));
   return {
-    ...filter, ...(conditions.length ? { fields: conditions } : {}), ...(tab ? { tab } : {}), ...(sort ? { sort } : {}),
+    ...filter, ...(conditions.length ? { fields: conditions.map(toEndOfDay) } : {}), ...(tab ? { tab } : {}), ...(sort ? { sort } : {}),
     ...(query.get('descending') ? { descending: true } : {}),
   };
 }
+
+const timeText = (value: string) => formatTime(value, value.includes('T') ? 'both' : 'date');
 
 /** What a field filters by, in words; "" when it does not. */
 export function saidOf(field: Field, query: URLSearchParams, choices: readonly Choice[]): string {
@@ -93,7 +100,7 @@ export function saidOf(field: Field, query: URLSearchParams, choices: readonly C
   if (!values.some(Boolean)) return '';
   const [value = '', to = ''] = values;
   switch (field.kind) {
-    case 'dates': return `${formatTime(value, 'date')} – ${formatTime(to, 'date')}`;
+    case 'dates': return `${timeText(value)} – ${timeText(to)}`;
     case 'choice':
       return choices.find(({ FKind, FID }) => FKind === field.from && FID === Number(value))?.FName ?? value;
     case 'yesNo': return value === 'true' ? common.yes : common.no;

@@ -70,7 +70,10 @@ export function FilterDialog({ query, first, onClose }: DialogProps) {
     const wanted = without(query, [...fields.flatMap(keysOf), fieldsKey]);
     conditions.filter(({ field }) => field).forEach((condition) => wanted.append(fieldsKey, textOfCondition(condition)));
     for (const [name, value] of new FormData(form.current!)) {
-      if (String(value).trim()) wanted.set(name, String(value).trim());
+      const text = String(value).trim();
+      const before = query.get(name);
+      // A day field shows no time: a link's time stays until another day is chosen.
+      if (text) wanted.set(name, before?.startsWith(`${text}T`) ? before : text);
     }
     onClose();
     go('orders', wanted);
@@ -86,6 +89,8 @@ export function FilterDialog({ query, first, onClose }: DialogProps) {
   );
 }
 
+const dayOf = (value: string | null) => value?.slice(0, 10) ?? '';
+
 function FilterField({ field, query }: { field: Field; query: URLSearchParams }) {
   const choices = useChoices();
   const label = words[field.name];
@@ -95,11 +100,11 @@ function FilterField({ field, query }: { field: Field; query: URLSearchParams })
       <>
         <label class="field">
           {fill(words.from, { name: label })}
-          <input type="date" name={from} defaultValue={query.get(from) ?? ''} />
+          <input type="date" name={from} defaultValue={dayOf(query.get(from))} />
         </label>
         <label class="field">
           {fill(words.to, { name: label })}
-          <input type="date" name={to} defaultValue={query.get(to) ?? ''} />
+          <input type="date" name={to} defaultValue={dayOf(query.get(to))} />
         </label>
       </>
     );

@@ -1,5 +1,5 @@
 // The button that prints, and what is counted behind it. A browser does not tell whether its print was cancelled.
-import { useEffect, useState } from 'preact/hooks';
+import { useEffect, useRef, useState } from 'preact/hooks';
 import { Dialog } from '../parts/dialog.js';
 import { wordsOf } from '../parts/problem.js';
 import { say } from '../parts/toasts.js';
@@ -18,7 +18,9 @@ export function PrintButton({ kind, keys, onCounted }: Props) {
   const [asking, setAsking] = useState(false);
   const [busy, setBusy] = useState(false);
   const [wrong, setWrong] = useState('');
+  const counting = useRef({ through: 0, counted: 0 });
   useEffect(() => {
+    counting.current = { through: 0, counted: 0 };
     const ask = () => setAsking(keys.length > 0 && documents[kind] !== undefined);
     addEventListener('afterprint', ask);
     return () => removeEventListener('afterprint', ask);
@@ -27,7 +29,8 @@ export function PrintButton({ kind, keys, onCounted }: Props) {
     setBusy(true);
     setWrong('');
     try {
-      say('good', fill(words.counted, { count: await countPrints(kind, keys) }));
+      say('good', fill(words.counted, { count: await countPrints(kind, keys, counting.current) }));
+      counting.current = { through: 0, counted: 0 };
       setAsking(false);
       onCounted();
     } catch (error) {

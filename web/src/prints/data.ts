@@ -25,6 +25,8 @@ export interface Material {
   readonly leftOut: readonly string[];
   /** Orders of which nothing is picked, by number. */
   readonly nothingToPick: readonly string[];
+  /** Orders that are locked, not there, or not for this user. */
+  readonly missing: readonly number[];
   readonly pick: readonly PickRow[];
   readonly collected: readonly PickRow[];
   readonly notes: readonly NoteRow[];
@@ -77,12 +79,15 @@ export async function keysOf(query: URLSearchParams): Promise<number[]> {
 }
 
 export async function materialOf(asked: readonly number[], kind: Kind): Promise<Material> {
-  const nothing: Material = { keys: [], leftOut: [], nothingToPick: [], pick: [], collected: [], notes: [], totals: new Map(), rows: [] };
+  const nothing: Material = { keys: [], leftOut: [], nothingToPick: [], missing: [], pick: [], collected: [], notes: [], totals: new Map(), rows: [] };
   if (!asked.length) return nothing;
+  // Locked orders are not in the list either.
   const [over, all] = await Promise.all([overLimit(asked, kind), rowsOf(asked)]);
   const rows = all.filter((row) => !over.has(String(row['FOrderID'])));
   const keys = rows.map(({ FID }) => FID);
-  const found = { ...nothing, keys, rows, leftOut: [...over.values()] };
+  const known = new Set(all.map(({ FID }) => FID));
+  const missing = asked.filter((key) => !known.has(key));
+  const found = { ...nothing, keys, rows, missing, leftOut: [...over.values()] };
   if (!keys.length) return found;
   switch (kind) {
     case 'pick': {
@@ -102,14 +107,20 @@ export async function materialOf(asked: readonly number[], kind: Kind): Promise<
   }
 }
 
+/** How far a count is, so that another try goes on there. */
+export interface Counting {
+  through: number;
+  counted: number;
+}
+
 /** Counts a print of each of the orders. @return how many were counted */
-export async function countPrints(kind: Kind, keys: readonly number[]): Promise<number> {
+export async function countPrints(kind: Kind, keys: readonly number[], counting: Counting): Promise<number> {
   const document = documents[kind];
-  let counted = 0;
-  for (let start = 0; document && start < keys.length; start += mostKeys) {
-    counted += (await ask('countPrints', { document, keys: keys.slice(start, start + mostKeys) })).length;
+  for (let start = counting.through; document && start < keys.length; start += mostKeys) {
+    counting.counted += (await ask('countPrints', { document, keys: keys.slice(start, start + mostKeys) })).length;
+    counting.through = start + mostKeys;
   }
-  return counted;
+  return counting.counted;
 }
 
 /** Gives the orders a new lot, and serial numbers in the order of the keys. @return the lot */

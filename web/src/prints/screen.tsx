@@ -99,10 +99,13 @@ export function PrintScreen() {
           {material && material.leftOut.length > 0 && (
             <p class="note warn">{fill(words.leftOut, { orders: material.leftOut.join(', ') })}</p>
           )}
+          {material && material.missing.length > 0 && (
+            <p class="note warn">{fill(words.missing, { keys: material.missing.join(', ') })}</p>
+          )}
           {material && material.nothingToPick.length > 0 && (
             <p class="note warn">{fill(words.nothingToPick, { orders: material.nothingToPick.join(', ') })}</p>
           )}
-          {empty && <p class="note">{material.leftOut.length ? words.empty : words.none}</p>}
+          {empty && <p class="note">{material.leftOut.length || material.missing.length ? words.empty : words.none}</p>}
         </div>
         {wrong && (
           <p class="note bad row" role="alert">

@@ -13,6 +13,11 @@ export const words = defineWords({
     '已达打印次数上限，未包含：{orders}',
     '已達列印次數上限，未包含：{orders}',
   ],
+  missing: [
+    'Locked, not there, or not for you; left out by key: {keys}',
+    '已锁定、不存在或无权查看，未包含（键）：{keys}',
+    '已鎖定、不存在或無權檢視，未包含（鍵）：{keys}',
+  ],
   nothingToPick: [
     'Nothing of these orders is picked: {orders}', '以下订单没有需拣的商品：{orders}', '以下訂單沒有需揀的商品：{orders}',
   ],

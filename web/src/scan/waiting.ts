@@ -47,10 +47,11 @@ async function sendAll(): Promise<void> {
   sending = true;
   clearTimeout(timer);
   try {
-    for (let next = readAll()[0]; next; next = readAll()[0]) {
+    // Those of others who worked at this machine wait for their own login.
+    const own = () => readAll().find(([, item]) => item.by === caller.value?.user);
+    for (let next = own(); next; next = own()) {
       const [name, item] = next;
-      const who = caller.value;
-      if (!who || who.user !== item.by) break;
+      const who = caller.value!;
       const keep = (job: Job) => localStorage.setItem(name, JSON.stringify({ ...item, job }));
       try {
         await send(item.job, { user: who.erpUser, key: item.key, keep });

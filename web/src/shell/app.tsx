@@ -11,6 +11,7 @@ import { FindOrder } from './find_order.js';
 import { KeyList } from './key_list.js';
 import { Login, LoginAgain } from './login.js';
 import { Menu } from './menu.js';
+import { Pull } from './pull.js';
 import { route } from './route.js';
 import { firstScreen, screens } from './screens.js';
 import { words } from './words.js';
@@ -54,10 +55,11 @@ export function App() {
         <Menu here={here} />
         <FindOrder />
         <div class="own">
-          <Choices />
           <KeyList />
-          <span class="quiet">{caller.value.user}</span>
-          <button type="button" onClick={() => logOut().catch(sayError)}>{words.logOut}</button>
+          <Pull title={caller.value.user}>
+            <Choices />
+            <button type="button" onClick={() => logOut().catch(sayError)}>{words.logOut}</button>
+          </Pull>
         </div>
       </header>
       <Banner />

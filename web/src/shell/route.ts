@@ -7,9 +7,18 @@ export interface Route {
   readonly query: URLSearchParams;
 }
 
+/** A part of a link that somebody broke stands for itself. */
+function decoded(part: string): string {
+  try {
+    return decodeURIComponent(part);
+  } catch {
+    return part;
+  }
+}
+
 function read(): Route {
   const [path = '', query = ''] = location.hash.replace(/^#\/?/, '').split('?', 2);
-  return { path: path.split('/').filter(Boolean).map(decodeURIComponent), query: new URLSearchParams(query) };
+  return { path: path.split('/').filter(Boolean).map(decoded), query: new URLSearchParams(query) };
 }
 
 export const route = signal<Route>(read());

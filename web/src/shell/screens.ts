@@ -9,6 +9,7 @@ export interface Screen {
   readonly title: () => string;
   readonly place: Place;
   readonly load: () => Promise<ComponentType>;
+  readonly forAdministrators?: boolean;
 }
 
 const screen = (place: Place, title: () => string, load: Screen['load']): Screen => ({ place, title, load });
@@ -23,7 +24,10 @@ export const screens: Readonly<Record<string, Screen>> = {
   outside: screen('more', () => common.outside, async () => (await import('../outside/screen.js')).OutsideScreen),
   invoices: screen('more', () => common.invoices, async () => (await import('../invoices/screen.js')).InvoicesScreen),
   log: screen('more', () => common.log, async () => (await import('../log/screen.js')).LogScreen),
-  settings: screen('more', () => common.settings, async () => (await import('../settings/screen.js')).SettingsScreen),
+  settings: {
+    ...screen('more', () => common.settings, async () => (await import('../settings/screen.js')).SettingsScreen),
+    forAdministrators: true,
+  },
   console: screen('more', () => common.console, async () => (await import('../console/screen.js')).ConsoleScreen),
   order: screen('nowhere', () => '', async () => (await import('../order/screen.js')).OrderScreen),
   print: screen('nowhere', () => '', async () => (await import('../prints/screen.js')).PrintScreen),

@@ -53,7 +53,9 @@ function textOfFailure({ FUpload, FReason }: Failure): string {
 function useGroup(here: string, queue: Awaited<ReturnType<typeof askQueue>> | undefined) {
   const failure = queue?.failures.find((known) => nameOf(known) === here);
   const ofReason = useLoaded(here, async () => (
-    failure ? keysIn(await ask('orders', { upload: failure.FUpload, reason: failure.FReason })) : []
+    failure ? keysIn(await ask('orders', {
+      upload: failure.FUpload, reason: failure.FReason, tab: failure.FUpload === failed ? 'failedUploads' : 'delivered',
+    })) : []
   ));
   useEffect(() => ofReason.again(), [queue]);
   const keys = here === 'underWay' ? queue?.underWay : failure ? ofReason.data : queue?.waiting;

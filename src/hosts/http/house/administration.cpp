@@ -33,12 +33,25 @@ UserSettings ReadSettings(const Members& members) {
 
 Response GetUsers(Connection& connection, const Wish&) { return RowsResponse(ListUsers(connection)); }
 
+/// SQL reaches every table. So only who has it gives it, and changes those who have it.
+void RequireSql(Connection& connection, const Wish& wish, const std::string& user, bool given) {
+  if (wish.caller.sql) return;
+  if (given) Refuse(403, "only those who may pass SQL can allow it to others", "sql");
+  const RecordsetPtr users = ListUsers(connection);
+  for (; !users->eof(); users->MoveNext()) {
+    if (users->Get("Name").ToText() != user || !users->Get("SQL").ToBool()) continue;
+    Refuse(403, user + " may pass SQL: only those who may as well can change this user, and make tokens for it",
+           "name");
+  }
+}
+
 Response PostUser(Connection& connection, const Wish& wish) {
   const Members members(ReadBody(wish.request), {"name", "password", "erpUser", "role", "language", "sql"});
   UserSettings settings = ReadSettings(members);
   settings.password = members.RequireText("password");
   settings.erp_user = members.RequireNumber("erpUser");
   settings.role = members.RequireText("role");
+  RequireSql(connection, wish, "", settings.sql.value_or(false));
   AddUser(connection, members.RequireText("name"), settings);
   return Made();
 }
@@ -52,6 +65,7 @@ Response PatchUser(Connection& connection, const Wish& wish) {
   const Members members(ReadBody(wish.request), {"password", "erpUser", "role", "language", "sql", "disabled"});
   const std::string user = RequireUser(connection, wish.names.front());
   const UserSettings settings = ReadSettings(members);
+  RequireSql(connection, wish, user, settings.sql.value_or(false));
   if (settings.disabled.value_or(false)) RefuseSelf(wish, user, "disable");
   if (settings.role && *settings.role != wish.caller.role->name()) RefuseSelf(wish, user, "take the role from");
   ChangeUser(connection, user, settings);
@@ -61,6 +75,7 @@ Response PatchUser(Connection& connection, const Wish& wish) {
 Response DeleteUser(Connection& connection, const Wish& wish) {
   const std::string user = RequireUser(connection, wish.names.front());
   RefuseSelf(wish, user, "remove");
+  RequireSql(connection, wish, user, false);
   RemoveUser(connection, user);
   return Done();
 }
@@ -72,7 +87,9 @@ Response PostToken(Connection& connection, const Wish& wish) {
   const std::optional<std::int32_t> days = members.FindNumber("days");
   constexpr std::int32_t kMostDays = 36'500;
   if (days && (*days < 1 || *days > kMostDays)) Refuse(422, "days is 1 to 36500", "days");
-  const std::string token = AddToken(connection, members.RequireText("name"), members.RequireText("user"), days);
+  const std::string user = RequireUser(connection, members.RequireText("user"));
+  RequireSql(connection, wish, user, false);
+  const std::string token = AddToken(connection, members.RequireText("name"), user, days);
   return JsonResponse(Json{{"token", token}}.dump(), 201);
 }
 

@@ -118,6 +118,7 @@ int main(int argc, char** argv) {
     bench::AddDayBenchmarks();
     bench::AddServeBenchmarks();
     bench::AddDoorBenchmarks();
+    bench::AddFigureBenchmarks();
     bench::AddOdbcBenchmarks();
     bench::Reporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);

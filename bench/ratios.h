@@ -26,6 +26,7 @@ void AddOrderBenchmarks();
 void AddDayBenchmarks();
 void AddServeBenchmarks();
 void AddDoorBenchmarks();
+void AddFigureBenchmarks();
 /// Nothing where there is no ODBC.
 void AddOdbcBenchmarks();
 

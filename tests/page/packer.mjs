@@ -63,7 +63,8 @@ export async function shelfRound() {
   await page.getByRole('button', { name: 'L77: 4 orders' }).click();
   await page.getByLabel('Picker').selectOption({ index: 2 });
   await page.getByRole('button', { name: 'Begin' }).click();
-  const { lines } = await page.evaluate(() => JSON.parse(localStorage.getItem('tessarlorn.round')));
+  const round = await page.waitForFunction(() => JSON.parse(localStorage.getItem('tessarlorn.round')));
+  const { lines } = await round.jsonValue();
   const walked = lines.map(({ stockName, place }) => `${stockName} ${place}`);
   assert.deepEqual([...new Set(walked)], walked.filter((place, at) => place !== walked[at - 1]), 'no place is walked to twice');
   await look(page, 'shelf-line');

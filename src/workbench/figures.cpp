@@ -101,20 +101,21 @@ RecordsetPtr AskWork(Connection& connection, const Asker& asker, const Dictionar
   Statement statement{std::string(kDays)};
   statement.Add("SELECT x.FStep, x.FFrom, x.FTo, x.FPersonID, x.FPersonName, x.FOrders FROM (");
   for (const Step& step : kSteps) {
-    const std::string time(step.time);
     const std::string orders = ReplaceAll(step.orders, "{logged}", Logged(asker)) + std::string(OfShops(asker));
-    const std::string within = " AND " + time + " >= ";
+    const auto add_orders = [&](std::string_view from, std::string_view to) {
+      statement.Add(orders).Add(" AND ").Add(step.time).Add(" >= ").Add(from).Add(" AND ").Add(step.time);
+      statement.Add(" < ").Add(to);
+    };
     statement.Add(&step == kSteps.data() ? "SELECT '" : " UNION ALL SELECT '")
         .Add(step.name)
         .Add("' AS FStep, b.FFrom, b.FTo, p.FPersonID, p.FPersonName, (SELECT ")
         .Add(step.count)
-        .Add(" FROM ")
-        .Add(orders + within + "b.FFrom AND " + time + " < b.FTo) AS FOrders FROM (SELECT p.* FROM (")
-        .Add(step.people)
-        // Few of the ERP's users do any of this.
-        .Add(") p WHERE EXISTS (SELECT 1 FROM ")
-        .Add(orders + within + "@from AND " + time + " < @to)) p CROSS JOIN ")
-        .Add(buckets);
+        .Add(" FROM ");
+    add_orders("b.FFrom", "b.FTo");
+    // Few of the ERP's users do any of this.
+    statement.Add(") AS FOrders FROM (SELECT p.* FROM (").Add(step.people).Add(") p WHERE EXISTS (SELECT 1 FROM ");
+    add_orders("@from", "@to");
+    statement.Add(")) p CROSS JOIN ").Add(buckets);
   }
   statement.Add(") x WHERE x.FOrders > 0 ORDER BY x.FStep, x.FFrom, x.FPersonName, x.FPersonID").SetShops(asker);
   return SetDays(statement, values, days).Run(connection);

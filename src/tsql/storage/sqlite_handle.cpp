@@ -86,7 +86,7 @@ bool IsDiskFull(sqlite3* database, int status) {
 /// Whether the database's file could grow: then what is full is the space of a session, for temporary tables and for
 /// rows on their way.
 bool HasRoom(sqlite3* database) {
-  constexpr std::uintmax_t kRoom = 64 * 1024 * 1024;
+  constexpr std::uintmax_t kRoom = std::uintmax_t{64} << 20;
   const char* const file = database == nullptr ? nullptr : sqlite3_db_filename(database, "main");
   if (file == nullptr) return false;
   std::error_code failed;

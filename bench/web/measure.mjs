@@ -138,6 +138,7 @@ async function bulkStep() {
     await page.locator('.grid-row[data-row="0"]').click();
     await page.evaluate(() => { document.querySelector('.grid').scrollTop = 999 * 32; });
     await page.locator('.grid-row[data-row="999"]').click({ modifiers: ['Shift'] });
+    await page.getByText('1,000 selected').waitFor();
     await page.getByRole('toolbar').getByRole('button', { name: 'Delivery wishes' }).click();
     const dialog = page.getByRole('dialog');
     await dialog.getByRole('textbox').fill(remark);
@@ -148,7 +149,7 @@ async function bulkStep() {
       const begun = performance.now();
       button.click();
       const look = () => {
-        if (/orders done/.test(document.querySelector('dialog').textContent)) done(performance.now() - begun);
+        if (/1,000 orders done/.test(document.querySelector('dialog').textContent)) done(performance.now() - begun);
         else requestAnimationFrame(look);
       };
       look();

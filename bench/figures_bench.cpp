@@ -15,44 +15,31 @@ const Dictionary& LastDays() {
   return days;
 }
 
-void Ask(benchmark::State& state, const char* name, int orders) {
-  const auto connection = TheHost().OpenConnection("Embedded=" + SampleFile(orders));
-  const workbench::Question& question = *workbench::FindQuestion(name);
+constexpr char kTabs[] = "tabs";
+constexpr char kBacklog[] = "backlog";
+constexpr char kWork[] = "work";
+constexpr char kCarriers[] = "carriers";
+constexpr char kFailures[] = "failures";
+
+template <const char* kName, int kOrders>
+void Ask(benchmark::State& state) {
+  const auto connection = TheHost().OpenConnection("Embedded=" + SampleFile(kOrders));
+  const workbench::Question& question = *workbench::FindQuestion(kName);
   const workbench::Asker asker{.user = 16394, .language = "CHS", .every_shop = true};
   const Dictionary values = question.keys.empty() ? Dictionary() : LastDays();
   for (auto _ : state) benchmark::DoNotOptimize(question.ask(*connection, asker, values)->RecordCount());
-}
-
-template <int kOrders>
-void AskTabs(benchmark::State& state) {
-  Ask(state, "tabs", kOrders);
-}
-template <int kOrders>
-void AskBacklog(benchmark::State& state) {
-  Ask(state, "backlog", kOrders);
-}
-template <int kOrders>
-void AskWork(benchmark::State& state) {
-  Ask(state, "work", kOrders);
-}
-template <int kOrders>
-void AskCarriers(benchmark::State& state) {
-  Ask(state, "carriers", kOrders);
-}
-template <int kOrders>
-void AskFailures(benchmark::State& state) {
-  Ask(state, "failures", kOrders);
 }
 
 }  // namespace
 
 void AddFigureBenchmarks() {
   constexpr const char* kWanted = "<= 100 ms at a million";
-  AddRatio("tabs, 1,000,000 orders : 100,000", kWanted, AskTabs<kMillion>, AskTabs<kTenth>);
-  AddRatio("backlog, 1,000,000 orders : 100,000", kWanted, AskBacklog<kMillion>, AskBacklog<kTenth>);
-  AddRatio("work of thirty days, 1,000,000 orders : 100,000", kWanted, AskWork<kMillion>, AskWork<kTenth>);
-  AddRatio("carriers of thirty days, 1,000,000 orders : 100,000", kWanted, AskCarriers<kMillion>, AskCarriers<kTenth>);
-  AddRatio("failures, 1,000,000 orders : 100,000", kWanted, AskFailures<kMillion>, AskFailures<kTenth>);
+  AddRatio("tabs, 1,000,000 orders : 100,000", kWanted, Ask<kTabs, kMillion>, Ask<kTabs, kTenth>);
+  AddRatio("backlog, 1,000,000 orders : 100,000", kWanted, Ask<kBacklog, kMillion>, Ask<kBacklog, kTenth>);
+  AddRatio("work of thirty days, 1,000,000 orders : 100,000", kWanted, Ask<kWork, kMillion>, Ask<kWork, kTenth>);
+  AddRatio("carriers of thirty days, 1,000,000 orders : 100,000", kWanted, Ask<kCarriers, kMillion>,
+           Ask<kCarriers, kTenth>);
+  AddRatio("failures, 1,000,000 orders : 100,000", kWanted, Ask<kFailures, kMillion>, Ask<kFailures, kTenth>);
 }
 
 }  // namespace tessarlorn::bench

@@ -60,8 +60,8 @@ function(tessarlorn_warnings target)
     PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wold-style-cast -Wimplicit-fallthrough
             # Interfaces of COM have no virtual destructor.
             $<$<NOT:$<BOOL:${WIN32}>>:-Wnon-virtual-dtor>
-            # GCC 12 warns of copies inside std::string that cannot be.
-            "$<$<CXX_COMPILER_ID:GNU>:-Wno-restrict;-Wno-array-bounds>"
+            # GCC 12 warns of copies inside std::string, and of temporaries, that cannot be.
+            "$<$<CXX_COMPILER_ID:GNU>:-Wno-restrict;-Wno-array-bounds;-Wno-stringop-overflow;-Wno-dangling-pointer>"
             $<$<BOOL:${TESSARLORN_WARNINGS_AS_ERRORS}>:-Werror>)
 endfunction()
 

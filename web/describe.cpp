@@ -2,7 +2,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "hosts/http/openapi.h"
+#include "hosts/http/description/openapi.h"
 
 int main(int argc, char** argv) {
   std::ofstream file(argc == 2 ? argv[1] : "");

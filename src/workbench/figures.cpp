@@ -140,10 +140,10 @@ RecordsetPtr AskCarriers(Connection& connection, const Asker& asker, const Dicti
 RecordsetPtr AskFailures(Connection& connection, const Asker& asker, const Dictionary&) {
   Statement statement(
       "SELECT TOP (200) t1.FReasonsForFailure AS FReason, t1.FUpLoadStatus AS FUpload, COUNT(*) AS FOrders FROM "
-      "IC_Web2ERPOrders t1 with(nolock) LEFT JOIN IC_Web2ERPOrdersEx t22 with(nolock) ON t22.FID = t1.FID WHERE "
-      "(t1.FUpLoadStatus = 2 OR (t1.FUpLoadStatus = 0 AND t1.FOrderStatus = 14 AND t1.FReasonsForFailure <> '')) AND "
-      "ISNULL(t22.FIsLock, 0) = 0");
-  return statement.Add(OfShops(asker))
+      "IC_Web2ERPOrders t1 with(nolock) WHERE (t1.FUpLoadStatus = 2 OR (t1.FUpLoadStatus = 0 AND t1.FOrderStatus = 14 "
+      "AND t1.FReasonsForFailure <> '')) AND ");
+  return statement.Add(kNotLocked)
+      .Add(OfShops(asker))
       .Add(" GROUP BY t1.FReasonsForFailure, t1.FUpLoadStatus ORDER BY FOrders DESC, FReason, FUpload")
       .SetShops(asker)
       .Run(connection);

@@ -75,6 +75,10 @@ constexpr std::array kSwitchColumns = {
     Column{"FDescription", ValueType::kString, "What the ERP says of it"},
 };
 
+constexpr std::array<std::string_view, 1> kInvoiceRight = {"UpdateCostInvoiceStatus"};
+constexpr std::array<std::string_view, 1> kTaskRight = {"SubMitTplOrderTask"};
+constexpr std::array<std::string_view, 1> kPurchaseRight = {"ClearTplFieldInfo"};
+
 constexpr std::array kOfficeQuestions = {
     Question{.name = "log",
              .help = "What was done to orders, the latest first; with the last entry that is known those behind it.",
@@ -88,19 +92,19 @@ constexpr std::array kOfficeQuestions = {
         .keys = kInvoiceKeys,
         .columns = kInvoiceColumns,
         .ask = AskInvoices,
-        .right = "UpdateCostInvoiceStatus"},
+        .rights = kInvoiceRight},
     Question{.name = "tasks",
              .help = "Tasks for outside warehouses, the latest first; at most 200.",
              .keys = {},
              .columns = kTaskColumns,
              .ask = AskTasks,
-             .right = "SubMitTplOrderTask"},
+             .rights = kTaskRight},
     Question{.name = "purchases",
              .help = "Purchase orders and what of them is at outside warehouses, the latest first; at most 200.",
              .keys = {},
              .columns = kPurchaseColumns,
              .ask = AskPurchases,
-             .right = "ClearTplFieldInfo"},
+             .rights = kPurchaseRight},
     Question{.name = "switches",
              .help = "The ERP's settings that decide what the operations do.",
              .keys = {},

@@ -81,6 +81,7 @@ constexpr std::array kKeyColumn = {Column{"FID", ValueType::kLong, "Key of an or
 constexpr std::array kStateColumns = {
     Column{"FID", ValueType::kLong, "Key of an order"},
     Column{"FOrderStatus", ValueType::kLong, "2 to be picked, 6 to be delivered, 14 delivered"},
+    Column{"FOrderID", ValueType::kString, "Order number"},
 };
 constexpr std::array kTabColumns = {Column{"FTab", ValueType::kString, "The tab"},
                                     Column{"FOrders", ValueType::kLong, "How many orders stand in it"}};
@@ -119,6 +120,10 @@ constexpr std::array kChoiceColumns = {
     Column{"FNumber", ValueType::kString, "Its code, \"\" for none"},
     Column{"FName", ValueType::kString, "Its name in the asker's language"},
 };
+
+/// Whoever picks, packs or delivers prints.
+constexpr std::array<std::string_view, 3> kPrintRights = {"SavePrintSerialNumber", "SaveLogWeight", "Delivery"};
+constexpr std::array<std::string_view, 1> kUploadRight = {"UploadStatus"};
 
 constexpr std::array kOrderQuestions = {
     Question{.name = "tabs",
@@ -172,7 +177,7 @@ constexpr std::array kOrderQuestions = {
         .keys = kPrintKeys,
         .columns = kKeyColumn,
         .ask = CountPrints,
-        .right = "GetPrintRecordsetForDelivery",
+        .rights = kPrintRights,
         .writes = true},
     Question{.name = "retryUploads",
              .help =
@@ -181,7 +186,7 @@ constexpr std::array kOrderQuestions = {
              .keys = kRetryKeys,
              .columns = kKeyColumn,
              .ask = RetryUploads,
-             .right = "UploadStatus",
+             .rights = kUploadRight,
              .writes = true},
 };
 

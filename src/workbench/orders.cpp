@@ -108,15 +108,7 @@ std::string NameColumn(const Asker& asker) { return asker.language == "CHS" ? "F
 }  // namespace
 
 RecordsetPtr AskTabs(Connection& connection, const Asker& asker, const Dictionary&) {
-  Statement statement;
-  for (const Tab& tab : Tabs()) {
-    statement.Add(&tab == Tabs().data() ? "SELECT '" : " UNION ALL SELECT '")
-        .Add(tab.name)
-        .Add("' AS FTab, ")
-        .Add(ReplaceAll(tab.count, "{shops}", OfShops(asker)))
-        .Add(" AS FOrders");
-  }
-  return statement.SetShops(asker).Run(connection);
+  return Statement(TabsStatement(OfShops(asker))).SetShops(asker).Run(connection);
 }
 
 RecordsetPtr AskOrders(Connection& connection, const Asker& asker, const Dictionary& values) {
@@ -174,8 +166,8 @@ OperationCall CallForRows(const Dictionary& values) {
 }
 
 RecordsetPtr AskStates(Connection& connection, const Asker& asker, const Dictionary& values) {
-  Statement statement("SELECT t1.FID, t1.FOrderStatus FROM IC_Web2ERPOrders t1 WHERE t1.FID IN (" + KeyList(values) +
-                      ")");
+  Statement statement("SELECT t1.FID, t1.FOrderStatus, t1.FOrderID FROM IC_Web2ERPOrders t1 WHERE t1.FID IN (" +
+                      KeyList(values) + ")");
   return statement.Add(OfShops(asker)).SetShops(asker).Run(connection);
 }
 

@@ -2,6 +2,7 @@
 // something that no operation does, and say so.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <stdexcept>
@@ -50,6 +51,8 @@ struct OperationCall {
   Dictionary values;
 };
 
+inline constexpr std::array<std::string_view, 1> kListRight = {"GetListData"};
+
 struct Question {
   std::string_view name;
   /// One paragraph.
@@ -64,8 +67,8 @@ struct Question {
   RecordsetPtr (*ask)(Connection& connection, const Asker& asker, const Dictionary& values) = nullptr;
   /// In its place, for a question to an operation.
   OperationCall (*call)(const Dictionary& values) = nullptr;
-  /// The operation that whoever asks must be allowed to call: it shows as much.
-  std::string_view right = "GetListData";
+  /// Operations of which whoever asks must be allowed to call one: it shows or does as much.
+  std::span<const std::string_view> rights = kListRight;
   /// It changes the orders whose keys it answers.
   bool writes = false;
 };

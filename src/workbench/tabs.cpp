@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/text/text.h"
+#include "workbench/statement.h"
+
 namespace tessarlorn::workbench {
 namespace {
 
 const std::string kUnlocked = "ISNULL(t22.FIsLock, 0) = 0";
 const std::string kOrders = "IC_Web2ERPOrders t1 with(nolock)";
-const std::string kWithExtension = " LEFT JOIN IC_Web2ERPOrdersEx t22 with(nolock) ON t22.FID = t1.FID";
 const std::string kOfExtension = "IC_Web2ERPOrdersEx t22 with(nolock) INNER JOIN " + kOrders + " ON t1.FID = t22.FID";
 const std::string kLocked = "t1.FCheckStatus = 1 AND t1.FOrderStatus > 1 AND t22.FIsLock = 1 AND t22.FLockStatus = 2";
 /// Keys of orders that are refunded or have a closed line.
@@ -21,23 +23,16 @@ std::string Count(const std::string& from, const std::string& condition) {
   return "(SELECT COUNT(*) FROM " + from + " WHERE " + condition + "{shops})";
 }
 
-/// The unlocked orders in a state.
-std::string InState(const std::string& state) {
-  const std::string in_state = "t1.FOrderStatus = " + state;
-  return Count(kOrders, in_state) + " - " + Count(kOfExtension, "(t22.FIsLock > 0 OR t22.FIsLock < 0) AND " + in_state);
-}
+/// All orders in a state are a range of an index.
+std::string InState(const std::string& state) { return Count(kOrders, "t1.FOrderStatus = " + state); }
 
-/// Those of them whose stock bill is queued: they count as delivered.
-std::string QueuedInState(const std::string& state) {
-  const std::string from =
-      "IC_StockBillOrdersStatus t23 with(nolock) INNER JOIN " + kOrders + " ON t1.FID = t23.FID" + kWithExtension;
-  return Count(from, "t23.FStockBillStatus = 1 AND t1.FOrderStatus = " + state + " AND " + kUnlocked);
-}
+/// How many of the rows fulfil a condition.
+std::string Those(const std::string& condition) { return "COUNT(CASE WHEN " + condition + " THEN 1 END)"; }
 
 Tab Waiting(std::string_view name, const std::string& state) {
   return {.name = name,
           .condition = "t1.FOrderStatus = " + state + " AND ISNULL(t23.FStockBillStatus, 0) <> 1 AND " + kUnlocked,
-          .count = InState(state) + " - " + QueuedInState(state)};
+          .count = InState(state) + " - @locked" + state + " - @queued" + state};
 }
 
 }  // namespace
@@ -52,17 +47,34 @@ std::span<const Tab> Tabs() {
               "CASE WHEN t1.FOrderStatus = 14 OR (t1.FOrderStatus = 6 AND t23.FStockBillStatus = 1) THEN 1 ELSE "
               "0 END = 1 AND " +
               kUnlocked,
-          .count = InState("14") + " + " + QueuedInState("6")},
+          .count = InState("14") + " - @locked14 + @queued6"},
       Tab{.name = "failedUploads",
           .condition = "t1.FUpLoadStatus = 2 AND " + kUnlocked,
-          .count = Count(kOrders + kWithExtension, "t1.FUpLoadStatus = 2 AND " + kUnlocked)},
+          .count = Count(kOrders, "t1.FUpLoadStatus = 2 AND " + std::string(kNotLocked))},
       Tab{.name = "refunds",
           .condition = "t1.FOrderStatus > 1 AND t1.FID IN " + kRefunded + " AND " + kUnlocked,
-          .count = Count(kRefunded + " r INNER JOIN " + kOrders + " ON t1.FID = r.FID" + kWithExtension,
-                         "t1.FOrderStatus > 1 AND " + kUnlocked)},
-      Tab{.name = "locked", .condition = kLocked, .count = Count(kOfExtension, kLocked)},
+          .count = Count(kRefunded + " r INNER JOIN " + kOrders + " ON t1.FID = r.FID",
+                         "t1.FOrderStatus > 1 AND " + std::string(kNotLocked))},
+      Tab{.name = "locked", .condition = kLocked, .count = "@locked"},
   };
   return kTabs;
+}
+
+std::string TabsStatement(std::string_view shops) {
+  const auto in_state = [](const char* state) { return Those(std::string("t1.FOrderStatus = ") + state); };
+  std::string text =
+      "DECLARE @locked int, @locked2 int, @locked6 int, @locked14 int, @queued2 int, @queued6 int;\r\nSELECT @locked = " +
+      Those(kLocked) + ", @locked2 = " + in_state("2") + ", @locked6 = " + in_state("6") +
+      ", @locked14 = " + in_state("14") + " FROM " + kOfExtension +
+      " WHERE (t22.FIsLock > 0 OR t22.FIsLock < 0){shops};\r\nSELECT @queued2 = " + in_state("2") +
+      ", @queued6 = " + in_state("6") + " FROM IC_StockBillOrdersStatus t23 with(nolock) INNER JOIN " + kOrders +
+      " ON t1.FID = t23.FID WHERE t23.FStockBillStatus = 1 AND t1.FOrderStatus IN (2, 6) AND " +
+      std::string(kNotLocked) + "{shops};\r\n";
+  for (const Tab& tab : Tabs()) {
+    text.append(&tab == Tabs().data() ? "SELECT '" : " UNION ALL SELECT '").append(tab.name);
+    text.append("' AS FTab, ").append(tab.count).append(" AS FOrders");
+  }
+  return ReplaceAll(text, "{shops}", shops);
 }
 
 const Tab* FindTab(std::string_view name) {

@@ -12,12 +12,15 @@ struct Tab {
   std::string_view name;
   /// On the header t1, its extension t22 and its stock bill t23.
   std::string condition;
-  /// How many there are, as a scalar expression; "{shops}" stands where the condition of web shops on t1 goes. Large
-  /// states are counted in an index, less the few orders that do not belong to them.
+  /// How many there are, as an expression of TabsStatement.
   std::string count;
 };
 
 std::span<const Tab> Tabs();
+
+/// Counts the orders of each tab: FTab and FOrders. The few that are locked or queued are looked at once, and taken
+/// from the counts of the large states. @param shops the condition of web shops on t1, behind AND; "" for none
+std::string TabsStatement(std::string_view shops);
 
 /// nullptr when there is none.
 const Tab* FindTab(std::string_view name);

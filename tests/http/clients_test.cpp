@@ -2,7 +2,7 @@
 #include <fstream>
 #include <gtest/gtest.h>
 
-#include "hosts/http/documents.h"
+#include "hosts/http/answers/documents.h"
 #include "support/shell.h"
 #include "support/temporary_folder.h"
 

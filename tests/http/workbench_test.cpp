@@ -127,7 +127,10 @@ TEST_F(WorkbenchTest, CountsPrintsUpToTheirLimitAndTellsOthers) {
       "DELETE FROM ICPrintMaxCount INSERT INTO ICPrintMaxCount (FID, FPrintControlOrNo, FPrintMaxCount) VALUES (10143011, "
       "1, 2) UPDATE IC_Web2ERPOrders SET FPrintPickCount = FID DELETE FROM IC_PrintOrderInfo");
   const Json values = {{"document", 10143011}, {"keys", {1, 2, 3}}};
-  EXPECT_EQ(Rows("countPrints", ann_, values), Json::parse(R"([{"FID":1}])"));
+  const std::string again = ann_ + "Idempotency-Key: p1\r\n";
+  for (int time = 0; time < 2; ++time) {
+    EXPECT_EQ(Rows("countPrints", again, values), Json::parse(R"([{"FID":1}])")) << "counted once";
+  }
   EXPECT_EQ(Rows("countPrints", ann_, values), Json::array());
   EXPECT_EQ(
       Read("SELECT o.FPrintPickCount, p.FIsPrintPick FROM IC_Web2ERPOrders o INNER JOIN IC_PrintOrderInfo p ON p.FID "
@@ -202,6 +205,8 @@ TEST_F(WorkbenchTest, IsForRolesThatMayCallTheList) {
   for (const char* question : {"tabs", "orders", "choices"}) {
     EXPECT_EQ(Answer(question, caller, Json::object()).status, 403) << question;
   }
+  const std::string reader = AddCaller(database_.connection(), "rea", 16394, "reader");
+  EXPECT_EQ(Answer("countPrints", reader, {{"document", 10143011}, {"keys", {1}}}).status, 403);
 }
 
 TEST_F(WorkbenchTest, NamesTheKeyAtFault) {

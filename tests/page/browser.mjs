@@ -92,8 +92,8 @@ export async function step(page, name, fillIn = async () => {}) {
   const dialog = page.getByRole('dialog');
   await fillIn(dialog);
   await dialog.getByRole('button', { name: new RegExp(`^${name}: `) }).click();
-  await dialog.getByText(/orders done/).waitFor();
-  const said = await dialog.getByText(/orders done/).innerText();
+  await dialog.getByText(/orders? done/).waitFor();
+  const said = await dialog.getByText(/orders? done/).innerText();
   await dialog.getByRole('button', { name: 'Close' }).click();
   return said;
 }

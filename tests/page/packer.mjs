@@ -14,11 +14,14 @@ function parcels(count) {
 
 export async function packersMorning() {
   const [first, second, third] = parcels(3);
-  const page = await pageOf('ann');
-  await page.goto(`${served.url}/#/shelf`);
-  await page.getByRole('heading').first().waitFor();
-  await look(page, 'shelf');
-  await page.goto(`${served.url}/#/desk`);
+  const page = await pageOf('pia');
+  // A packer finds the desk, and no uploads; of the steps those of the desk.
+  assert.equal(await page.getByRole('navigation').getByRole('link', { name: 'Uploads', exact: true }).count(), 0);
+  await page.goto(`${served.url}/#/orders?tab=toBeDelivered`);
+  await page.locator('.grid-row').first().click();
+  await page.getByRole('toolbar').getByRole('button', { name: 'Picking checked', exact: true }).waitFor();
+  assert.equal(await page.getByRole('toolbar').getByRole('button', { name: 'Deliver', exact: true }).count(), 0);
+  await page.getByRole('link', { name: 'Packing desk' }).click();
   await page.getByText('Ready. Scan a parcel.').waitFor();
   const pack = async ({ code, weight }) => {
     await scan(page, code);
@@ -60,6 +63,8 @@ export async function shelfRound() {
   served.make('sql', `UPDATE IC_Web2ERPOrdersEx SET FLotNumber = 'L77' WHERE FID IN (${keys})`);
   const page = await pageOf('ann', { viewport: { width: 400, height: 760 } });
   await page.goto(`${served.url}/#/shelf`);
+  await page.getByRole('button', { name: 'L77: 4 orders' }).waitFor();
+  await look(page, 'shelf');
   await page.getByRole('button', { name: 'L77: 4 orders' }).click();
   await page.getByLabel('Picker').selectOption({ index: 2 });
   await page.getByRole('button', { name: 'Begin' }).click();

@@ -2,6 +2,7 @@
 import { execFileSync, spawn } from 'node:child_process';
 
 export const password = 's3cret-pass';
+const users = { ann: 'administrator', bob: 'administrator', sue: 'supervisor', pia: 'packer', dan: 'dispatcher' };
 
 export class Served {
   constructor(command, { file = 'orders.db', orders = 400, fresh = true } = {}) {
@@ -12,8 +13,9 @@ export class Served {
     if (!fresh) return;
     this.make('init');
     this.make('seed', '--orders', String(orders), '--random-seed', '5');
-    for (const user of ['ann', 'bob']) {
-      const words = ['user', 'add', user, '--erp-user', '16394', '--role', 'administrator', '--language', 'EN'];
+    this.make('sql', 'UPDATE IC_WebShopAccessData SET FIsAccess = 1 WHERE FUserID = 16394');
+    for (const [user, role] of Object.entries(users)) {
+      const words = ['user', 'add', user, '--erp-user', '16394', '--role', role, '--language', 'EN'];
       execFileSync(command, words, { ...this.options, input: password });
     }
   }

@@ -51,7 +51,7 @@ export async function lapsedLogin() {
   await again.waitFor({ state: 'detached' });
   await dialog.getByRole('button', { name: 'Try again' }).click();
   await dialog.getByRole('button', { name: 'Delivery remark: 1' }).click();
-  await dialog.getByText('1 orders done.').waitFor();
+  await dialog.getByText('1 order done.').waitFor();
   assert.equal(ordersWith("FID = 75 AND FShippingRem = 'typed before the login ended'").length, 1);
 }
 
@@ -62,7 +62,7 @@ export async function failures() {
     await route.continue();
   });
   await show(page, 'orders?tab=toBeDelivered');
-  await page.getByRole('grid').locator('.wait').first().waitFor();
+  await page.getByRole('status').getByText('Loading…').waitFor();
   await page.screenshot({ path: 'slow.png' });
   assert.equal(await page.getByRole('alert').count(), 0, 'slow is no error');
   await page.getByRole('grid').getByText(/^XS/).first().waitFor();
@@ -82,11 +82,11 @@ export async function failures() {
   const dialog = page.getByRole('dialog');
   await dialog.getByLabel('Logistics cost').fill('7.25');
   await dialog.getByRole('button', { name: 'Check' }).click();
-  await dialog.getByText('1 orders will change.').waitFor();
+  await dialog.getByText('1 order will change.').waitFor();
   await page.route('**/ModifyCost?*', (route) => route.fulfill(problem), { times: 1 });
   await dialog.getByRole('button', { name: 'Logistics cost: 1' }).click();
   await dialog.getByRole('alert').getByText('It broke').waitFor();
   await dialog.getByRole('button', { name: 'Try again' }).click();
-  await dialog.getByText('1 orders done.').waitFor();
+  await dialog.getByText('1 order done.').waitFor();
   assert.equal(ordersWith('FID = 75 AND FLogisticsCost = 7.25').length, 1);
 }

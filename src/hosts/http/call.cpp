@@ -8,7 +8,7 @@
 #include "hosts/calls/json_arguments.h"
 #include "hosts/calls/wrong_call.h"
 #include "hosts/http/access/secrets.h"
-#include "hosts/http/problem.h"
+#include "hosts/http/answers/problem.h"
 #include "hosts/http/safety/safe_values.h"
 #include "platform/text/text.h"
 #include "tessarlorn/collections.h"
@@ -75,25 +75,11 @@ bool Flag(const Target& target, std::string_view name) {
   Refuse(400, std::string(name) + " is true or false, not " + *value, std::string(name));
 }
 
-std::string ReadKey(const Request& request) {
-  std::string key(request.Header("Idempotency-Key"));
-  if (key.size() > kLongestKey || !IsValidUtf8(key)) {
-    Refuse(400, "Idempotency-Key has more than 255 bytes, or is no text", "Idempotency-Key");
-  }
-  return key;
-}
-
 void RequireMethod(const Request& request, const Operation& operation) {
   const bool reads =
       operation.service == ServiceClass::kGetData && (request.method == "GET" || request.method == "HEAD");
   if (request.method == "POST" || reads) return;
   RefuseMethod(std::string(operation.name), operation.service == ServiceClass::kGetData ? "GET, HEAD, POST" : "POST");
-}
-
-/// What is compared when a key comes again.
-Bytes HashOf(const Request& request) {
-  return Sha256(request.method + "\n" + request.target + "\n" + std::string(request.Header("Accept")) + "\n" +
-                request.body);
 }
 
 Dictionary WrittenBack(const Operation& operation, std::span<const Variant> arguments) {
@@ -188,8 +174,7 @@ Call ReadCall(const Request& request, const Target& target, const Operation& ope
     if (!FindOrderList(operation)) Refuse(400, std::string(operation.name) + " takes no list of orders", "each");
     call.order_by_order = true;
   }
-  call.key = ReadKey(request);
-  if (!call.key.empty()) call.hash = HashOf(request);
+  call.key = KeyOf(request);
   call.arguments = ReadArguments(request, target, operation, call.session);
   RequireOwnConnection(operation, call.arguments, call.session);
   if (const auto refused = FindRefusedValue(operation, call.arguments, caller.sql)) {
@@ -200,6 +185,18 @@ Call ReadCall(const Request& request, const Target& target, const Operation& ope
     Refuse(400, "SQL of the caller's own may end its transaction: it goes without dry-run, each and Idempotency-Key");
   }
   return call;
+}
+
+RequestKey KeyOf(const Request& request) {
+  RequestKey key{.text = std::string(request.Header("Idempotency-Key")), .hash = {}};
+  if (key.text.size() > kLongestKey || !IsValidUtf8(key.text)) {
+    Refuse(400, "Idempotency-Key has more than 255 bytes, or is no text", "Idempotency-Key");
+  }
+  if (!key.empty()) {
+    key.hash = Sha256(request.method + "\n" + request.target + "\n" + std::string(request.Header("Accept")) + "\n" +
+                      request.body);
+  }
+  return key;
 }
 
 void CutOrders(Call& call, const std::function<Connection&()>& connect) {

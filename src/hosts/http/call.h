@@ -8,12 +8,25 @@
 #include <vector>
 
 #include "hosts/http/access/caller.h"
-#include "hosts/http/answer.h"
+#include "hosts/http/answers/answer.h"
 #include "hosts/http/safety/order_access.h"
 #include "hosts/http/transport/message.h"
 #include "tessarlorn/operations.h"
 
 namespace tessarlorn::http {
+
+/// What makes a repeated request the same request.
+struct RequestKey {
+  /// Idempotency-Key, "" for none.
+  std::string text;
+  /// SHA-256 of what was asked for, where there is a key.
+  Bytes hash;
+
+  [[nodiscard]] bool empty() const noexcept { return text.empty(); }
+};
+
+/// Raises Refusal 400 for a key that is none.
+RequestKey KeyOf(const Request& request);
 
 struct Call {
   const Operation* operation = nullptr;
@@ -27,10 +40,7 @@ struct Call {
   bool order_by_order = false;
   /// SQL of the caller's own goes into a statement.
   bool passes_sql = false;
-  /// Idempotency-Key, "" for none.
-  std::string key;
-  /// SHA-256 of what was asked for, of a call with a key.
-  Bytes hash;
+  RequestKey key;
   OrderAccess access;
 
   /// Whether it is made where writes are made.

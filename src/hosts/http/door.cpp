@@ -8,15 +8,15 @@
 
 #include "hosts/calls/json_arguments.h"
 #include "hosts/calls/save_point.h"
-#include "hosts/http/call_job.h"
-#include "hosts/http/call_record.h"
-#include "hosts/http/documents.h"
+#include "hosts/http/answers/answer.h"
+#include "hosts/http/answers/documents.h"
+#include "hosts/http/answers/problem.h"
 #include "hosts/http/house/members.h"
 #include "hosts/http/house/resource.h"
-#include "hosts/http/problem.h"
-#include "hosts/http/question_job.h"
 #include "hosts/http/questions.h"
 #include "hosts/http/transport/signals.h"
+#include "hosts/http/writes/call_job.h"
+#include "hosts/http/writes/question_job.h"
 #include "platform/text/text.h"
 #include "tessarlorn/collections.h"
 
@@ -33,11 +33,14 @@ constexpr std::chrono::hours kSweepEvery{1};
 std::string HouseSession(const std::string& database) { return "Connect=" + Quoted(database, '{', '}'); }
 
 Response CallerResponse(const Caller& caller) {
-  const nlohmann::ordered_json json = {{"user", caller.name},
-                                       {"erpUser", caller.user},
-                                       {"language", caller.language},
-                                       {"role", caller.role->name()},
-                                       {"sql", caller.sql}};
+  // One name stands in both classes.
+  std::set<std::string_view> operations;
+  for (const Operation* const operation : Operations()) {
+    if (caller.role->Allows(*operation)) operations.insert(operation->name);
+  }
+  const nlohmann::ordered_json json = {{"user", caller.name},         {"erpUser", caller.user},
+                                       {"language", caller.language}, {"role", caller.role->name()},
+                                       {"sql", caller.sql},           {"operations", operations}};
   return JsonResponse(json.dump());
 }
 
@@ -219,7 +222,7 @@ void Door::HandleCall(VisitPtr& visit) {
   const Operation& operation = OperationOfPath(std::string_view(visit->target().path).substr(kApi.size()));
   visit->set_operation(std::string(operation.name));
   Call call = ReadCall(request, visit->target(), operation, caller, options_.database, request.peer);
-  auto place = std::make_shared<Place>(*this, caller.name, call.key);
+  auto place = std::make_shared<Place>(*this, caller.name, call.key.text);
   {
     std::optional<TransactionConnection> connection;
     const auto connect = [&]() -> Connection& {
@@ -230,10 +233,12 @@ void Door::HandleCall(VisitPtr& visit) {
     } catch (const http::Refusal&) {
       // The call itself may have made it so: a repeated one gets the answer that it got.
       std::optional<std::string> answer;
-      if (!call.key.empty()) answer = FindRecordedAnswer(connect(), call);
+      if (!call.key.empty()) answer = FindRecordedAnswer(connect(), caller, call.key);
       if (!answer) throw;
       place.reset();
-      visit->Answer(ResponseOf(call, *std::move(answer), true));
+      Response response = ResponseTo(call, *std::move(answer));
+      MarkReplayed(response);
+      visit->Answer(std::move(response));
       return;
     }
   }
@@ -241,14 +246,21 @@ void Door::HandleCall(VisitPtr& visit) {
     Read(call, *visit, place);
     return;
   }
-  const Watchdog::Clock::time_point until = visit->begun() + options_.time;
-  PostWrite(std::make_unique<CallJob>(host_, std::move(call), std::move(visit), until,
-                                      [place = std::move(place)]() mutable { place.reset(); }));
+  JobOrder order = OrderFor(caller, call.key, visit, place);
+  PostWrite(std::make_unique<CallJob>(host_, std::move(call), std::move(order)));
 }
 
-template <typename Job>
-void Door::PostWrite(std::unique_ptr<Job> job) {
-  Job& posted = *job;
+JobOrder Door::OrderFor(const Caller& caller, const RequestKey& key, VisitPtr& visit, PlacePtr& place) const {
+  const Watchdog::Clock::time_point until = visit->begun() + options_.time;
+  return {.caller = caller,
+          .key = key,
+          .visit = std::move(visit),
+          .until = until,
+          .ended = [place = std::move(place)]() mutable { place.reset(); }};
+}
+
+void Door::PostWrite(std::unique_ptr<RecordedJob> job) {
+  RecordedJob& posted = *job;
   WriteLane::Job waiting = std::move(job);
   if (writes_.Post(waiting)) return;
   posted.TakeVisit()->Fail({.status = 503, .detail = "too many writes are waiting", .retry_after = 1});
@@ -298,16 +310,15 @@ void Door::HandleQuestion(VisitPtr& visit) {
       QuestionOfPath(std::string_view(visit->target().path).substr(kQuestions.size()));
   visit->set_operation("workbench/" + std::string(question.name));
   const Dictionary values = ReadQuestion(question, request, visit->target(), caller);
-  auto place = std::make_shared<Place>(*this, caller.name, "");
+  const RequestKey key = question.writes ? KeyOf(request) : RequestKey();
+  auto place = std::make_shared<Place>(*this, caller.name, key.text);
   if (question.call != nullptr) {
     Call call = CallOf(question.call(values), caller, options_.database, request.peer);
     Read(call, *visit, place);
     return;
   }
   if (question.writes) {
-    const Watchdog::Clock::time_point until = visit->begun() + options_.time;
-    PostWrite(std::make_unique<QuestionJob>(question, values, caller, std::move(visit), until,
-                                            [place = std::move(place)]() mutable { place.reset(); }));
+    PostWrite(std::make_unique<QuestionJob>(question, values, OrderFor(caller, key, visit, place)));
     return;
   }
   StreamedAnswer answer(visit->exchange(), AnswerFormat::kJson, {}, visit->Head({{"Cache-Control", "no-store"}}),

@@ -14,15 +14,16 @@
 #include <utility>
 
 #include "hosts/http/access/logins.h"
+#include "hosts/http/answers/documents.h"
 #include "hosts/http/call.h"
-#include "hosts/http/documents.h"
 #include "hosts/http/events.h"
 #include "hosts/http/identity.h"
 #include "hosts/http/metrics.h"
 #include "hosts/http/replica.h"
 #include "hosts/http/visit.h"
 #include "hosts/http/workers.h"
-#include "hosts/http/write_lane.h"
+#include "hosts/http/writes/recorded_job.h"
+#include "hosts/http/writes/write_lane.h"
 
 namespace tessarlorn::http {
 
@@ -92,8 +93,9 @@ class Door {
   void HandleDocument(VisitPtr& visit);
   void HandleReady(VisitPtr& visit);
   using PlacePtr = std::shared_ptr<Place>;
-  template <typename Job>
-  void PostWrite(std::unique_ptr<Job> job);
+  /// Takes the visit and the place.
+  JobOrder OrderFor(const Caller& caller, const RequestKey& key, VisitPtr& visit, PlacePtr& place) const;
+  void PostWrite(std::unique_ptr<RecordedJob> job);
   /// The place is given up before the last of the answer: whoever has the answer may call again.
   void Read(Call& call, Visit& visit, PlacePtr& place);
   void ReadFrom(const Call& call, Visit& visit, PlacePtr& place);

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "hosts/http/problem.h"
+#include "hosts/http/answers/problem.h"
 #include "platform/text/text.h"
 
 namespace tessarlorn::http {

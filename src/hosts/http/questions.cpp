@@ -1,5 +1,6 @@
 #include "hosts/http/questions.h"
 
+#include <algorithm>
 #include <memory>
 #include <regex>
 #include <string>
@@ -7,7 +8,7 @@
 
 #include "hosts/calls/call_arguments.h"
 #include "hosts/calls/json_arguments.h"
-#include "hosts/http/problem.h"
+#include "hosts/http/answers/problem.h"
 #include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
@@ -98,9 +99,12 @@ const workbench::Question& QuestionOfPath(std::string_view name) {
 Dictionary ReadQuestion(const workbench::Question& question, const Request& request, const Target& target,
                         const Caller& caller) {
   if (request.method != "POST") RefuseMethod(std::string(question.name), "POST");
-  if (!caller.role->Allows(RequireOperation(question.right))) {
-    Refuse(403, "the role " + caller.role->name() + " may not call " + std::string(question.right) +
-                    ", and so not ask for " + std::string(question.name));
+  const auto allowed = [&](std::string_view right) { return caller.role->Allows(RequireOperation(right)); };
+  if (std::none_of(question.rights.begin(), question.rights.end(), allowed)) {
+    std::string rights;
+    for (const std::string_view right : question.rights) rights.append(rights.empty() ? "" : " or ").append(right);
+    Refuse(403, "the role " + caller.role->name() + " may not call " + rights + ", and so not ask for " +
+                    std::string(question.name));
   }
   if (!target.query.empty()) {
     Refuse(400, "questions take no options, not " + target.query.front().first, target.query.front().first);

@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "hosts/http/answers/problem.h"
 #include "hosts/http/metrics.h"
-#include "hosts/http/problem.h"
 #include "hosts/http/transport/exchange.h"
 #include "tessarlorn/connection.h"
 

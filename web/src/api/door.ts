@@ -26,6 +26,15 @@ export const reachable = signal(true);
 /** Who is logged in; null when nobody is, undefined before that is known. */
 export const caller = signal<Schemas['Caller'] | null | undefined>(undefined);
 
+type Called = Extract<keyof paths, `/api/v1/cls${string}`>;
+/** The names of the operations. */
+export type OperationName = Called extends `/api/v1/${string}/${infer Name}` ? Name : never;
+
+/** Whether whoever works here may call an operation. */
+export function may(operation: OperationName): boolean {
+  return caller.value?.operations.includes(operation) ?? false;
+}
+
 /** Whether the login of whoever works here has ended. What he typed stays. */
 export const lapsed = signal(false);
 

@@ -27,14 +27,17 @@ export async function ask<Name extends Question>(
   name: Name,
   asked: Asked<Name>,
   signal?: AbortSignal,
+  /** For a question that changes orders: the same one with the same key is asked once. */
+  key?: string,
 ): Promise<Row<Name>[]> {
+  const headers = key ? { 'Idempotency-Key': key } : {};
   // The client's types cannot follow a name that is not known yet.
   const post = door.POST as (path: string, init: unknown) => Promise<{
     data?: { result: { rows: Row<Name>[] } };
     error?: unknown;
     response: Response;
   }>;
-  const { result } = await answerOf(post(`/api/v1/workbench/${name}`, { body: asked, signal }));
+  const { result } = await answerOf(post(`/api/v1/workbench/${name}`, { body: asked, signal, headers }));
   return result.rows;
 }
 

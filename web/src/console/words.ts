@@ -3,7 +3,7 @@ import { defineWords } from '../words/language.js';
 export const words = defineWords({
   operations: ['Operations', '操作', '操作'],
   find: ['Find an operation', '查找操作', '查找操作'],
-  found: ['{count} operations', '{count} 个操作', '{count} 個操作'],
+  found: ['{count} {count|operation|operations}', '{count} 个操作', '{count} 個操作'],
   choose: ['Choose an operation from the list.', '请从列表中选择操作。', '請從清單中選擇操作。'],
   noOperation: ['There is no such operation.', '没有此操作。', '沒有此操作。'],
   reads: ['reads', '读取', '讀取'],
@@ -57,7 +57,7 @@ export const words = defineWords({
   stop: ['Stop waiting', '停止等待', '停止等待'],
   answer: ['Answer', '结果', '結果'],
   took: ['Status {status}, {time} ms', '状态 {status}，{time} 毫秒', '狀態 {status}，{time} 毫秒'],
-  rows: ['{count} rows', '{count} 行', '{count} 列'],
+  rows: ['{count} {count|row|rows}', '{count} 行', '{count} 列'],
   firstRows: [
     'These are the first {count}; the file has all.',
     '仅显示前 {count} 行，文件包含全部。',
@@ -79,7 +79,7 @@ export const words = defineWords({
   table: ['Table', '表', '資料表'],
   changedRows: ['Rows changed', '更改行数', '變更列數'],
   noChanges: ['It would change nothing.', '不会更改任何数据。', '不會變更任何資料。'],
-  statements: ['{count} statements sent', '已发送 {count} 条语句', '已傳送 {count} 條陳述式'],
+  statements: ['{count} {count|statement|statements} sent', '已发送 {count} 条语句', '已傳送 {count} 條陳述式'],
   problem: ['It was not done', '未完成', '未完成'],
   elsewhere: ['The same call from elsewhere', '从其他程序调用', '從其他程式呼叫'],
   command: ['Command', '命令行', '命令列'],

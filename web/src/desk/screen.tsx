@@ -25,7 +25,7 @@ function useHeldFocus() {
       if (document.activeElement === document.body && !document.querySelector('dialog[open]')) field.current?.focus();
     };
     const later = () => setTimeout(hold);
-    hold();
+    if (!document.querySelector('dialog[open]')) field.current?.focus();
     addEventListener('focusout', later);
     addEventListener('focus', later);
     return () => {
@@ -44,7 +44,10 @@ function Settings() {
         <label class="row">
           {words.tolerance}
           <input type="number" min="0" max="1000" value={tolerance.value}
-            onChange={(event) => { tolerance.value = Math.max(0, event.currentTarget.valueAsNumber || 0); }} />
+            onChange={({ currentTarget: field }) => {
+              if (field.checkValidity() && field.value) tolerance.value = field.valueAsNumber;
+              else field.value = String(tolerance.value);
+            }} />
         </label>
         <label class="row">
           <input type="checkbox" checked={sounds.value} onChange={(event) => setSounds(event.currentTarget.checked)} />
@@ -83,7 +86,8 @@ export function DeskScreen() {
   });
   const submit = (event: SubmitEvent) => {
     event.preventDefault();
-    if (text.trim()) onScan(text.trim());
+    const typed = field.current?.value.trim();
+    if (typed) onScan(typed);
     else complete();
     setText('');
   };

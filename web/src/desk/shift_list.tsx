@@ -5,7 +5,7 @@ import { dropOld, shift, type Done } from '../scan/shift.js';
 import { waiting } from '../scan/waiting.js';
 import { linkTo } from '../shell/route.js';
 import { common } from '../words/common.js';
-import { fill, locale } from '../words/language.js';
+import { dateForm, fill } from '../words/language.js';
 import { kilograms, undo } from './parcel.js';
 import { words } from './words.js';
 
@@ -22,7 +22,7 @@ function stateOf({ key, undone, refused }: Done): string {
 
 function DoneRow({ done }: { done: Done }) {
   const order = done.name ?? done.number;
-  const time = new Intl.DateTimeFormat(locale(), { timeStyle: 'short' }).format(done.at);
+  const time = dateForm({ timeStyle: 'short' }).format(done.at);
   return (
     <tr>
       <td>{time}</td>

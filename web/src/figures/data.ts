@@ -3,7 +3,7 @@ import { ask, type Row } from '../api/workbench.js';
 import { toBePicked } from '../orders/row.js';
 import { words as orderWords } from '../orders/words.js';
 import { linkTo } from '../shell/route.js';
-import { formatNumber, formatTime, locale } from '../words/language.js';
+import { dateForm, formatNumber, formatTime } from '../words/language.js';
 import { before, timeText, today, type Range } from './range.js';
 import { words } from './words.js';
 
@@ -88,7 +88,7 @@ const steps = [
 ] as const;
 
 function bucketLabel(from: string, days: number): string {
-  if (days > 1) return new Intl.DateTimeFormat(locale(), { day: 'numeric', month: 'numeric' }).format(new Date(from));
+  if (days > 1) return dateForm({ day: 'numeric', month: 'numeric' }).format(new Date(from));
   return from.slice(11, 13);
 }
 

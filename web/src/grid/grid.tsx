@@ -49,9 +49,14 @@ const markWidth = 40;
 /** Rows drawn above and below what is in view. */
 const beyond = 6;
 
-/** How many rows are drawn at most, but for the one with the focus. */
-function drawnRows(height: number): number {
-  return Math.ceil(height / rowHeight) + 1 + 2 * beyond;
+/** The number of the element that shows a row. A row keeps it as long as it is drawn; then another row gets it. */
+function useElements(indexes: readonly number[]): ReadonlyMap<number, number> {
+  const before = useRef<ReadonlyMap<number, number>>(new Map());
+  const drawn = new Set(indexes);
+  const free = [...before.current].flatMap(([index, element]) => drawn.has(index) ? [] : [element]);
+  let next = 1 + Math.max(-1, ...before.current.values());
+  before.current = new Map(indexes.map((index) => [index, before.current.get(index) ?? free.pop() ?? next++]));
+  return before.current;
 }
 
 function withIndex(range: Range, index: number): number[] {
@@ -88,11 +93,18 @@ export function Grid<Row>(props: GridProps<Row>) {
   useLayoutEffect(() => across.measure(), [widths]);
 
   useEffect(() => {
+    // The row with the focus may be none of the new list.
+    if (scroller.current?.querySelector('.grid-body')?.contains(document.activeElement)) focusNext.current = true;
     setAt(0);
     rows.scrollToOffset(0);
   }, [props.list]);
 
   const shown = rows.getVirtualItems();
+  const elements = useElements(shown.map(({ index }) => index));
+  // An element that is moved in the document loses the focus, and a click that has begun. So elements stay where they are.
+  // Screen readers are told the order of the rows by aria-owns.
+  const still = [...shown].sort((a, b) => elements.get(a.index)! - elements.get(b.index)!);
+  const order = shown.map(({ index }) => `row-${elements.get(index)!}`).join(' ');
   const first = rows.range?.startIndex ?? 0;
   const last = rows.range?.endIndex ?? 0;
   useEffect(() => props.onView(first, last), [first, last, keys]);
@@ -147,8 +159,6 @@ export function Grid<Row>(props: GridProps<Row>) {
   const pins = pinned.map((column, index) => ({
     column, index, left: pinned.slice(0, index).reduce((sum, other) => sum + other.width, markWidth),
   }));
-  // Rows that leave the view become those that enter it; the one with the focus stays itself.
-  const slots = drawnRows(scroller.current?.clientHeight ?? innerHeight);
   const all = keys.length > 0 && selection.keys.size === keys.length;
   return (
     <div class="grid" ref={scroller} role="grid" aria-label={props.label} aria-describedby="grid-help"
@@ -156,16 +166,16 @@ export function Grid<Row>(props: GridProps<Row>) {
       <GridHead {...props} cells={cells} pins={pins} width={width} all={all} at={head} onAt={setHead}
         onAll={() => onSelect(all ? nothingSelected : everything(keys))}
         onShow={(index) => index >= pinned.length && across.scrollToIndex(index - pinned.length)} />
-      <div class="grid-body" role="rowgroup" style={{ height, width }} onKeyDown={onKey}>
-        {shown.map(({ index, start }) => {
+      <div class="grid-body" role="rowgroup" aria-owns={order} style={{ height, width }} onKeyDown={onKey}>
+        {still.map(({ index, start }) => {
           const key = keys[index]!;
           const row = props.rowOf(key);
           const chosen = selection.keys.has(key);
           return (
-            <div key={index === active ? 'active' : index % slots} class="grid-row" role="row" aria-rowindex={index + 2} aria-selected={chosen} data-row={index}
+            <div key={elements.get(index)} id={`row-${elements.get(index)!}`} class="grid-row" role="row"
+              aria-rowindex={index + 2} aria-selected={chosen} data-row={index}
               tabIndex={index === active ? 0 : -1} style={{ transform: `translateY(${start}px)`, width }}
-              onClick={(event) => onClick(event, index)} onDblClick={() => props.onOpen(key)}
-              onFocus={() => setAt(index)}>
+              onClick={(event) => onClick(event, index)} onDblClick={() => props.onOpen(key)}>
               <div class="mark" role="gridcell" aria-colindex={1}>
                 <span class={chosen ? 'box on' : 'box'} />
               </div>

@@ -18,3 +18,8 @@ export function useChoices(): readonly Choice[] {
   }, []);
   return choices.value;
 }
+
+/** What a choice is asked for by: employees by their code, others by their id. */
+export function codeOf({ FKind, FID, FNumber }: Choice): string {
+  return FKind === 'employee' ? FNumber : String(FID);
+}

@@ -2,6 +2,7 @@
 import { tabs, type Choice, type OrderFilter, type Tab } from '../api/workbench.js';
 import { common } from '../words/common.js';
 import { formatTime } from '../words/language.js';
+import { codeOf } from './choices.js';
 import { words } from './words.js';
 
 type Key = Exclude<keyof OrderFilter, 'tab' | 'sort' | 'descending' | 'fields'>;
@@ -21,7 +22,7 @@ export const fields: readonly Field[] = [
   { kind: 'dates', name: 'pickedTime', keys: ['pickedFrom', 'pickedTo'] },
   { kind: 'dates', name: 'checkedTime', keys: ['checkedFrom', 'checkedTo'] },
   { kind: 'dates', name: 'weighedTime', keys: ['weighedFrom', 'weighedTo'] },
-  { kind: 'text', name: 'pickedBy' },
+  { kind: 'choice', name: 'pickedBy', from: 'employee' },
   { kind: 'choice', name: 'checkedBy', from: 'user' },
   { kind: 'choice', name: 'weighedBy', from: 'user' },
   { kind: 'choice', name: 'sentBy', from: 'user' },
@@ -78,7 +79,7 @@ export function filterOf(query: URLSearchParams): OrderFilter {
     for (const key of keysOf(field)) {
       const value = query.get(key);
       if (!value) continue;
-      if (field.kind === 'choice') filter[key] = Number(value);
+      if (field.kind === 'choice' && field.from !== 'employee') filter[key] = Number(value);
       else if (field.kind === 'yesNo') filter[key] = value === 'true';
       else filter[key] = key.endsWith('To') ? endOf(value) : value;
     }
@@ -102,7 +103,7 @@ export function saidOf(field: Field, query: URLSearchParams, choices: readonly C
   switch (field.kind) {
     case 'dates': return `${timeText(value)} – ${timeText(to)}`;
     case 'choice':
-      return choices.find(({ FKind, FID }) => FKind === field.from && FID === Number(value))?.FName ?? value;
+      return choices.find((choice) => choice.FKind === field.from && codeOf(choice) === value)?.FName ?? value;
     case 'yesNo': return value === 'true' ? common.yes : common.no;
     default: return value;
   }

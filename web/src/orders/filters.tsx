@@ -4,7 +4,7 @@ import { go } from '../shell/route.js';
 import { Dialog, FormEnd } from '../parts/dialog.js';
 import { common } from '../words/common.js';
 import { fill } from '../words/language.js';
-import { useChoices } from './choices.js';
+import { codeOf, useChoices } from './choices.js';
 import { FieldFilters, readCondition, textOfCondition, useTemplateFields } from './field_filters.js';
 import { fields, fieldsKey, flags, keysOf, saidOf, without, type Field } from './filter.js';
 import { words } from './words.js';
@@ -114,7 +114,7 @@ function FilterField({ field, query }: { field: Field; query: URLSearchParams })
     return <label class="field">{label}<input name={field.name} defaultValue={value} autocomplete="off" /></label>;
   }
   const options = field.kind === 'choice'
-    ? choices.filter(({ FKind }) => FKind === field.from).map(({ FID, FName }) => [String(FID), FName] as const)
+    ? choices.filter(({ FKind }) => FKind === field.from).map((choice) => [codeOf(choice), choice.FName] as const)
     : field.kind === 'yesNo' ? [['true', common.yes], ['false', common.no]] as const
       : flags.map((flag) => [flag, flag] as const);
   return (

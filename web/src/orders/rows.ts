@@ -18,12 +18,14 @@ export class Rows {
     return this.rows.get(key);
   }
 
-  /** Asks for the pages from one place of the list to another. */
-  need(keys: readonly number[], first: number, last: number): void {
+  /** Asks for the pages from one place of the list to another. Done when the answers to this are here. */
+  async need(keys: readonly number[], first: number, last: number): Promise<void> {
+    const loads: Promise<void>[] = [];
     for (let start = first - (first % page); start <= last && start < keys.length; start += page) {
       const missing = keys.slice(start, start + page).filter((key) => !this.rows.has(key) && !this.asked.has(key));
-      if (missing.length) void this.load(missing);
+      if (missing.length) loads.push(this.load(missing));
     }
+    await Promise.all(loads);
   }
 
   /** Asks again for those of the orders that are known. */

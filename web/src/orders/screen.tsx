@@ -1,5 +1,5 @@
 // The list of orders: tabs, filters, the grid, and the steps that the selection can take.
-import { useEffect, useMemo, useRef, useState } from 'preact/hooks';
+import { useEffect, useLayoutEffect, useMemo, useRef, useState } from 'preact/hooks';
 import { useChanges } from '../api/events.js';
 import { keep, kept } from '../api/kept.js';
 import { ask, type Tab } from '../api/workbench.js';
@@ -30,8 +30,11 @@ import './orders.css';
 const most = 100_000;
 /** More than a screen shows. */
 const firstKeys = 200;
-const firstRows = 60;
+const firstRows = 50;
 const viewPause = 60;
+const changesPause = 400;
+/** For rows: then the list is shown without them. */
+const longestWait = 250;
 const usualSort = 'FSitePayDate';
 const tabStates: Partial<Record<Tab, number>> = { toBePicked, toBeDelivered, delivered };
 
@@ -43,7 +46,8 @@ function useKeys(query: URLSearchParams, rows: Rows) {
   const [times, setTimes] = useState(0);
   const asked = query.toString();
   const shownFor = useRef('');
-  useEffect(() => {
+  // Before the page is drawn, so that the server is asked at once.
+  useLayoutEffect(() => {
     const asking = new AbortController();
     const show = (found: readonly number[]) => {
       lastList.value = { keys: found, link: linkTo('orders', query) };
@@ -56,7 +60,9 @@ function useKeys(query: URLSearchParams, rows: Rows) {
       // The first orders can be read while the keys of all are still on their way. A list that stands is not cut.
       if (shownFor.current !== asked) {
         const begin = (await ask('orders', { ...filter, most: firstKeys }, asking.signal)).map(({ FID }) => FID);
-        rows.need(begin, 0, firstRows);
+        // One drawing with the rows is sooner done than one without and one with them.
+        await Promise.race([rows.need(begin, 0, firstRows - 1), new Promise((done) => setTimeout(done, longestWait))]);
+        if (asking.signal.aborted) return;
         show(begin);
         if (begin.length < firstKeys) return;
       }
@@ -70,7 +76,8 @@ function useKeys(query: URLSearchParams, rows: Rows) {
     });
     return () => asking.abort();
   }, [asked, times]);
-  return { keys, wrong, busy, again: () => setTimes((before) => before + 1) };
+  const coming = busy && (shownFor.current !== asked || keys?.length === firstKeys);
+  return { keys, wrong, coming, again: () => setTimes((before) => before + 1) };
 }
 
 function useCounts() {
@@ -106,7 +113,7 @@ function useColumns() {
 export function OrdersScreen() {
   const { query } = route.value;
   const rows = useMemo(() => new Rows(), []);
-  const { keys, wrong, busy, again } = useKeys(query, rows);
+  const { keys, wrong, coming, again } = useKeys(query, rows);
   const { counts, count } = useCounts();
   const { described, places, put, reset } = useColumns();
   const [selection, setSelection] = useState(nothingSelected);
@@ -115,6 +122,8 @@ export function OrdersScreen() {
   const [stale, setStale] = useState(false);
   const timer = useRef(0);
   const stepped = useRef(false);
+  const changed = useRef(new Set<number>());
+  const soon = useRef(0);
   useShortcut('f', words.filterKey, () => setOpen('filters'));
 
   useEffect(() => setSelection(nothingSelected), [tabOf(query)]);
@@ -130,13 +139,20 @@ export function OrdersScreen() {
     stepped.current = false;
   }, [keys]);
   useChanges((orders, mine) => {
-    count();
-    rows.refresh(orders);
+    orders.forEach((order) => changed.current.add(order));
     if (!mine) setStale(true);
+    // A step for many orders tells of each block; they are asked for together.
+    soon.current ||= window.setTimeout(() => {
+      soon.current = 0;
+      count();
+      rows.refresh([...changed.current]);
+      changed.current.clear();
+    }, changesPause);
   });
-  const refresh = (changed: readonly number[]) => {
+  useEffect(() => () => clearTimeout(soon.current), []);
+  const refresh = (orders: readonly number[]) => {
     stepped.current = true;
-    rows.refresh(changed);
+    rows.refresh(orders);
     count();
     again();
   };
@@ -168,7 +184,7 @@ export function OrdersScreen() {
           setOpen('filters');
         }} />
         <span class="said quiet" role="status">
-          {!keys || (busy && keys.length === firstKeys) ? common.loading : fill(words.orders, { count: keys.length })}
+          {!keys || coming ? common.loading : fill(words.orders, { count: keys.length })}
           {selection.keys.size > 0 && ` · ${fill(words.selected, { count: selection.keys.size })}`}
         </span>
         <button type="button" onClick={() => setOpen('views')}>{words.views}</button>
@@ -188,7 +204,7 @@ export function OrdersScreen() {
         <Grid label={common.orders} list={query.toString()} keys={keys} columns={columns} rowOf={(key) => rows.of(key)}
           onView={(from, to) => {
             clearTimeout(timer.current);
-            timer.current = window.setTimeout(() => rows.need(keys, from, to), viewPause);
+            timer.current = window.setTimeout(() => void rows.need(keys, from, to), viewPause);
           }}
           selection={selection} onSelect={setSelection} onOpen={(key) => go(`order/${key}`)}
           sort={sort} onSort={sortBy}

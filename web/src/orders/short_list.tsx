@@ -32,7 +32,7 @@ export function ShortList({ label, keys, columns, selected, onSelect }: Props) {
   const [shown, setShown] = useState(page);
   useEffect(() => {
     rows.refresh(keys.slice(0, shown));
-    rows.need(keys, 0, shown - 1);
+    void rows.need(keys, 0, shown - 1);
   }, [keys, shown]);
   // Reading the version draws the list again when rows have come.
   const seen = rows.version.value >= 0 ? keys.slice(0, shown) : [];

@@ -37,7 +37,7 @@ export const words = defineWords({
   pickedTime: ['Picked', '配货时间', '配貨時間'],
   checkedTime: ['Picking check', '配货检验时间', '配貨檢驗時間'],
   weighedTime: ['Weighed', '称重时间', '秤重時間'],
-  pickedBy: ['Picker, its code', '配货人代码', '配貨人代碼'],
+  pickedBy: ['Picker', '配货人', '配貨人'],
   checkedBy: ['Picking checked by', '配货检验人', '配貨檢驗人'],
   weighedBy: ['Weighed by', '称重人', '秤重人'],
   sentBy: ['Delivered by', '发货人', '發貨人'],
@@ -55,7 +55,7 @@ export const words = defineWords({
   printedWaybill: ['Waybill printed', '已打快递单', '已印快遞單'],
   checked: ['Picking checked', '已配货检验', '已配貨檢驗'],
   weighed: ['Weighed', '已称重', '已稱重'],
-  orders: ['{count} orders', '{count} 个订单', '{count} 筆訂單'],
+  orders: ['{count} {count|order|orders}', '{count} 个订单', '{count} 筆訂單'],
   selected: ['{count} selected', '已选 {count} 个', '已選 {count} 筆'],
   more: [
     'More orders match; these are the first {count}. Filter to see others.',

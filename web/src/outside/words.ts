@@ -12,9 +12,9 @@ export const words = defineWords({
   none: ['No orders in this group.', '此分组没有订单。', '此分組沒有訂單。'],
   submit: ['Submit', '提交', '提交'],
   resubmit: ['Submit again', '重新提交', '重新提交'],
-  counted: ['{step}: {count} orders…', '{step}：{count} 个订单…', '{step}：{count} 筆訂單…'],
+  counted: ['{step}: {count} {count|order|orders}…', '{step}：{count} 个订单…', '{step}：{count} 筆訂單…'],
   title: [
-    '{step} · {warehouse} · {count} orders', '{step} · {warehouse} · {count} 个订单',
+    '{step} · {warehouse} · {count} {count|order|orders}', '{step} · {warehouse} · {count} 个订单',
     '{step} · {warehouse} · {count} 筆訂單',
   ],
   backNote: [

@@ -1,12 +1,16 @@
 // The button that prints, and what is counted behind it. A browser does not tell whether its print was cancelled.
 import { useEffect, useRef, useState } from 'preact/hooks';
+import { may } from '../api/door.js';
 import { Dialog } from '../parts/dialog.js';
 import { wordsOf } from '../parts/problem.js';
 import { say } from '../parts/toasts.js';
 import { common } from '../words/common.js';
 import { fill } from '../words/language.js';
-import { countPrints, documents, type Kind } from './data.js';
+import { countPrints, documents, newCounting, type Kind } from './data.js';
 import { words } from './words.js';
+
+/** Whoever may call one of these may count prints: the server asks the same. */
+const printers = ['SavePrintSerialNumber', 'SaveLogWeight', 'Delivery'] as const;
 
 interface Props {
   readonly kind: Kind;
@@ -18,10 +22,10 @@ export function PrintButton({ kind, keys, onCounted }: Props) {
   const [asking, setAsking] = useState(false);
   const [busy, setBusy] = useState(false);
   const [wrong, setWrong] = useState('');
-  const counting = useRef({ through: 0, counted: 0 });
+  const counting = useRef(newCounting());
   useEffect(() => {
-    counting.current = { through: 0, counted: 0 };
-    const ask = () => setAsking(keys.length > 0 && documents[kind] !== undefined);
+    counting.current = newCounting();
+    const ask = () => setAsking(keys.length > 0 && documents[kind] !== undefined && printers.some(may));
     addEventListener('afterprint', ask);
     return () => removeEventListener('afterprint', ask);
   }, [kind, keys]);
@@ -30,7 +34,7 @@ export function PrintButton({ kind, keys, onCounted }: Props) {
     setWrong('');
     try {
       say('good', fill(words.counted, { count: await countPrints(kind, keys, counting.current) }));
-      counting.current = { through: 0, counted: 0 };
+      counting.current = newCounting();
       setAsking(false);
       onCounted();
     } catch (error) {

@@ -25,13 +25,21 @@ export interface Material {
   readonly leftOut: readonly string[];
   /** Orders of which nothing is picked, by number. */
   readonly nothingToPick: readonly string[];
-  /** Orders that are locked, not there, or not for this user. */
-  readonly missing: readonly number[];
+  /** Orders that are locked, not there, or not for this user, by number where there is one. */
+  readonly missing: readonly string[];
   readonly pick: readonly PickRow[];
   readonly collected: readonly PickRow[];
   readonly notes: readonly NoteRow[];
   readonly totals: ReadonlyMap<number, number>;
   readonly rows: readonly Row[];
+}
+
+/** The orders' numbers, where they can be seen; else their keys. */
+async function namesOf(keys: readonly number[]): Promise<string[]> {
+  if (!keys.length) return [];
+  const found = await ask('states', { keys: keys.slice(0, mostKeys) });
+  const names = new Map(found.map(({ FID, FOrderID }) => [FID, FOrderID]));
+  return keys.map((key) => names.get(key) ?? String(key));
 }
 
 async function overLimit(keys: readonly number[], kind: Kind): Promise<Map<string, string>> {
@@ -86,7 +94,7 @@ export async function materialOf(asked: readonly number[], kind: Kind): Promise<
   const rows = all.filter((row) => !over.has(String(row['FOrderID'])));
   const keys = rows.map(({ FID }) => FID);
   const known = new Set(all.map(({ FID }) => FID));
-  const missing = asked.filter((key) => !known.has(key));
+  const missing = await namesOf(asked.filter((key) => !known.has(key)));
   const found = { ...nothing, keys, rows, missing, leftOut: [...over.values()] };
   if (!keys.length) return found;
   switch (kind) {
@@ -107,18 +115,26 @@ export async function materialOf(asked: readonly number[], kind: Kind): Promise<
   }
 }
 
-/** How far a count is, so that another try goes on there. */
+/** How far a count is, so that another try goes on there, with the same key where an answer was lost. */
 export interface Counting {
   through: number;
   counted: number;
+  key: string;
+}
+
+export function newCounting(): Counting {
+  return { through: 0, counted: 0, key: newKey() };
 }
 
 /** Counts a print of each of the orders. @return how many were counted */
 export async function countPrints(kind: Kind, keys: readonly number[], counting: Counting): Promise<number> {
   const document = documents[kind];
   for (let start = counting.through; document && start < keys.length; start += mostKeys) {
-    counting.counted += (await ask('countPrints', { document, keys: keys.slice(start, start + mostKeys) })).length;
+    const asked = { document, keys: keys.slice(start, start + mostKeys) };
+    const counted = await ask('countPrints', asked, undefined, counting.key);
+    counting.counted += counted.length;
     counting.through = start + mostKeys;
+    counting.key = newKey();
   }
   return counting.counted;
 }

@@ -100,7 +100,7 @@ export function PrintScreen() {
             <p class="note warn">{fill(words.leftOut, { orders: material.leftOut.join(', ') })}</p>
           )}
           {material && material.missing.length > 0 && (
-            <p class="note warn">{fill(words.missing, { keys: material.missing.join(', ') })}</p>
+            <p class="note warn">{fill(words.missing, { orders: material.missing.join(', ') })}</p>
           )}
           {material && material.nothingToPick.length > 0 && (
             <p class="note warn">{fill(words.nothingToPick, { orders: material.nothingToPick.join(', ') })}</p>

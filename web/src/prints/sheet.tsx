@@ -1,5 +1,5 @@
 // Parts of all sheets.
-import { locale } from '../words/language.js';
+import { dateForm } from '../words/language.js';
 
 type Fact = readonly [name: string, value: string | number | null | undefined];
 
@@ -12,5 +12,5 @@ export function Facts({ facts }: { facts: readonly Fact[] }) {
 }
 
 export function today(): string {
-  return new Intl.DateTimeFormat(locale(), { dateStyle: 'medium' }).format();
+  return dateForm({ dateStyle: 'medium' }).format();
 }

@@ -14,9 +14,9 @@ export const words = defineWords({
     '已達列印次數上限，未包含：{orders}',
   ],
   missing: [
-    'Locked, not there, or not for you; left out by key: {keys}',
-    '已锁定、不存在或无权查看，未包含（键）：{keys}',
-    '已鎖定、不存在或無權檢視，未包含（鍵）：{keys}',
+    'Locked, not there, or not for you; left out: {orders}',
+    '已锁定、不存在或无权查看，未包含：{orders}',
+    '已鎖定、不存在或無權檢視，未包含：{orders}',
   ],
   nothingToPick: [
     'Nothing of these orders is picked: {orders}', '以下订单没有需拣的商品：{orders}', '以下訂單沒有需揀的商品：{orders}',
@@ -25,12 +25,12 @@ export const words = defineWords({
   empty: ['Nothing is left to be printed.', '没有可打印的内容。', '沒有可列印的內容。'],
   wasPrinted: ['Was it printed?', '已打印完成吗？', '已列印完成嗎？'],
   countAsk: [
-    'Then one more print is counted for each of the {count} orders.',
+    'Then one more print is counted for each of the {count} {count|order|orders}.',
     '是则为这 {count} 个订单各增加一次打印次数。',
     '是則為這 {count} 筆訂單各增加一次列印次數。',
   ],
   countNow: ['Yes, count it', '是，计入次数', '是，計入次數'],
-  counted: ['{count} prints counted.', '已计入 {count} 次打印。', '已計入 {count} 次列印。'],
+  counted: ['{count} {count|print|prints} counted.', '已计入 {count} 次打印。', '已計入 {count} 次列印。'],
   number: ['Give a lot and serial numbers', '分配批次和序号', '分配批次和序號'],
   numberAsk: [
     'Some of these orders have a lot already. They get new numbers, and lists printed before no longer fit.',

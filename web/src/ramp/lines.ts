@@ -1,4 +1,5 @@
 // The lines of a pasted table, and what is wrong with each.
+import type { OperationName } from '../api/door.js';
 import type { Row } from '../api/workbench.js';
 import { delivered, toBeDelivered } from '../orders/row.js';
 import { deviation } from '../scan/jobs.js';
@@ -12,6 +13,9 @@ export type Parcel = Row<'parcels'>;
 
 export const stageNames = ['setNumber', 'markWeighed', 'deliver'] as const;
 export type StageName = (typeof stageNames)[number];
+export const operations: Readonly<Record<StageName, OperationName>> = {
+  setNumber: 'SetUpLogisticsNumberAndWeight', markWeighed: 'UpdateLogisticsWeightStatus', deliver: 'Delivery',
+};
 
 export interface Line {
   /** Its place in the table, from 1. */

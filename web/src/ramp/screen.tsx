@@ -1,6 +1,7 @@
 // The ramp: many parcels are numbered, weighed and delivered at once, from a table or by scans.
 import { signal } from '@preact/signals';
 import { useMemo, useState } from 'preact/hooks';
+import { may } from '../api/door.js';
 import { Bar, WorkDialog } from '../orders/work_dialog.js';
 import type { Work } from '../orders/work.js';
 import { readTable, saveTable } from '../parts/csv.js';
@@ -10,7 +11,7 @@ import type { Outcomes } from '../steps/run.js';
 import { common } from '../words/common.js';
 import { fill, language } from '../words/language.js';
 import { guess, type Columns } from './columns.js';
-import { canBeDone, judgeAll, linesOf, stageNames, type Judged, type StageName } from './lines.js';
+import { canBeDone, judgeAll, linesOf, operations, stageNames, type Judged, type StageName } from './lines.js';
 import { useKnown } from './look_up.js';
 import { ColumnChoices, outcomeText, Preview } from './preview.js';
 import { workOf } from './stages.js';
@@ -58,7 +59,7 @@ function StageChoices() {
   return (
     <fieldset class="row">
       <legend>{words.what}</legend>
-      {stageNames.map((name) => (
+      {stageNames.filter((name) => may(operations[name])).map((name) => (
         <label key={name} class="row">
           <input type="checkbox" checked={wanted.value.includes(name)} onChange={() => toggle(name)} /> {words[name]}
         </label>

@@ -26,7 +26,7 @@ export const words = defineWords({
   lookingUp: ['Looking up parcels…', '正在查找包裹…', '正在查找包裹…'],
   progress: ['{text} {done} of {count}', '{text} {done} / {count}', '{text} {done} / {count}'],
   summary: [
-    '{count} lines: {able} can be done, {wrong} have errors, {warned} have warnings.',
+    '{count} {count|line|lines}: {able} can be done, {wrong} have errors, {warned} have warnings.',
     '共 {count} 行：{able} 行可执行，{wrong} 行有错误，{warned} 行有提示。',
     '共 {count} 行：{able} 行可執行，{wrong} 行有錯誤，{warned} 行有提示。',
   ],
@@ -40,8 +40,8 @@ export const words = defineWords({
   setNumber: ['Number and weigh', '填写单号和重量', '填寫單號和重量'],
   markWeighed: ['Mark as weighed', '标记为已称重', '標記為已秤重'],
   deliver: ['Deliver', '发货', '發貨'],
-  start: ['{count} parcels…', '{count} 个包裹…', '{count} 個包裹…'],
-  workTitle: ['Ramp · {count} parcels', '出库台 · {count} 个包裹', '出庫台 · {count} 個包裹'],
+  start: ['{count} {count|parcel|parcels}…', '{count} 个包裹…', '{count} 個包裹…'],
+  workTitle: ['Ramp · {count} {count|parcel|parcels}', '出库台 · {count} 个包裹', '出庫台 · {count} 個包裹'],
   keptNote: [
     'Where a line has no waybill, weight or cost, the order keeps what it has.',
     '未填的物流单号、重量或成本保留订单原值。',

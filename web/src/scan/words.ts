@@ -4,7 +4,7 @@ export const words = defineWords({
   right: ['Right', '正确', '正確'],
   wrong: ['Look here', '注意', '注意'],
   sounds: ['Sounds', '声音', '聲音'],
-  waiting: ['{count} writes wait for the server.', '{count} 条记录等待发送到服务器。', '{count} 筆紀錄等待傳送至伺服器。'],
+  waiting: ['{count} {count|write waits|writes wait} for the server.', '{count} 条记录等待发送到服务器。', '{count} 筆紀錄等待傳送至伺服器。'],
   ofAnother: [
     'They are of {user} and go when {user} logs in here.',
     '它们属于 {user}，在 {user} 于此登录后发送。',

@@ -73,7 +73,7 @@ export const words = defineWords({
   findOperation: ['Find an operation', '查找操作', '查找操作'],
   addRole: ['Make a role', '创建角色', '建立角色'],
   startFrom: ['Start from', '基于', '基於'],
-  pickedCount: ['{count} operations picked', '已选 {count} 个操作', '已選 {count} 個操作'],
+  pickedCount: ['{count} {count|operation|operations} picked', '已选 {count} 个操作', '已選 {count} 個操作'],
   pickSome: ['Pick an operation at least.', '请至少选择一个操作。', '請至少選擇一個操作。'],
   removeRoleAsk: [
     'A role that users have is not removed; give them another one first.',

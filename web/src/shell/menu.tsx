@@ -1,5 +1,5 @@
 // The list of screens: what the warehouse works on, then what the office does from time to time.
-import { caller } from '../api/door.js';
+import { caller, may } from '../api/door.js';
 import { Pull } from './pull.js';
 import { linkTo } from './route.js';
 import { screens, type Place } from './screens.js';
@@ -10,6 +10,7 @@ const administrator = 'administrator';
 function Links({ place, here }: { place: Place; here: string }) {
   const shown = Object.entries(screens).filter(([, screen]) => (
     screen.place === place && (!screen.forAdministrators || caller.value?.role === administrator)
+    && (!screen.operations || screen.operations.every(may))
   ));
   return (
     <>

@@ -1,5 +1,6 @@
 // What the selected orders can take.
 import { useState } from 'preact/hooks';
+import { may } from '../api/door.js';
 import { fill } from '../words/language.js';
 import { StepDialog } from './dialog.js';
 import { steps, type Step } from './steps.js';
@@ -16,10 +17,14 @@ interface Props {
 export function StepsBar({ keys, stateOf, onChanged }: Props) {
   const [open, setOpen] = useState<{ step: Step; keys: readonly number[] }>();
   const states = new Set(keys.map(stateOf));
-  const fits = (step: Step) => !step.states || states.has(undefined) || step.states.some((state) => states.has(state));
+  const fits = ({ operation, states: wanted }: Step) => (
+    may(operation) && (!wanted || states.has(undefined) || wanted.some((state) => states.has(state)))
+  );
+  const fitting = steps.filter(fits);
+  if (!fitting.length) return null;
   return (
     <div class="steps" role="toolbar" aria-label={fill(words.stepsOf, { count: keys.length })}>
-      {steps.filter(fits).map((step) => (
+      {fitting.map((step) => (
         <button key={step.name} type="button" onClick={() => setOpen({ step, keys })}>{words[step.name]}</button>
       ))}
       {open && <StepDialog {...open} onChanged={onChanged} onClose={() => setOpen(undefined)} />}

@@ -1,5 +1,6 @@
 // The dialog of a step: what it asks for, which orders can take it, how far it is, and what became of each order.
 import { useEffect, useRef, useState } from 'preact/hooks';
+import { may } from '../api/door.js';
 import { Dialog, FormEnd } from '../parts/dialog.js';
 import { wordsOf } from '../parts/problem.js';
 import { say, sayError } from '../parts/toasts.js';
@@ -85,10 +86,10 @@ export function StepDialog({ step, keys, onChanged, onClose }: Props) {
   const going = run.current;
   const able = keys.filter((key) => outcomes.get(key) === '');
   const unable = keys.filter((key) => outcomes.get(key));
+  const undos = phase === 'ended' ? step.undo?.(going?.done.flatMap((key) => rows.get(key) ?? []) ?? []) ?? [] : [];
   const undo = () => {
-    const changed = going?.done.flatMap((key) => rows.get(key) ?? []) ?? [];
     setPhase('undoing');
-    undoAll(step.undo?.(changed) ?? [], onChanged, setUndone).catch(sayError).finally(onClose);
+    undoAll(undos, onChanged, setUndone).catch(sayError).finally(onClose);
   };
   return (
     <Dialog title={fill(words.title, { step: words[step.name], count: keys.length })} onClose={onClose}
@@ -140,7 +141,7 @@ export function StepDialog({ step, keys, onChanged, onClose }: Props) {
           {phase === 'checked' && step.fields.length > 0 && (
             <button type="button" onClick={() => setPhase('asking')}>{words.back}</button>
           )}
-          {phase === 'ended' && step.undo && going && going.done.length > 0 && (
+          {undos.length > 0 && undos.every(({ step: { operation } }) => may(operation)) && (
             <button type="button" onClick={undo}>{common.undo}</button>
           )}
           {phase !== 'running' && phase !== 'undoing' && (

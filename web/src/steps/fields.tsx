@@ -1,5 +1,5 @@
 // What a step asks for.
-import { useChoices } from '../orders/choices.js';
+import { codeOf, useChoices } from '../orders/choices.js';
 import type { Field, Values } from './steps.js';
 import { words } from './words.js';
 
@@ -51,9 +51,9 @@ export function StepField({ field, values, onChange }: Props) {
           <select value={value} required onChange={(event) => set(event.currentTarget.value)}>
             <option value="">{words.choose}</option>
             {field.kind === 'carrier' && <option value="0">{words.noCarrier}</option>}
-            {choices.filter(({ FKind }) => FKind === field.kind).map(({ FID, FNumber, FName }) => (
-              <option key={FID} value={field.kind === 'employee' ? FNumber : String(FID)}>
-                {FNumber ? `${FNumber} ${FName}` : FName}
+            {choices.filter(({ FKind }) => FKind === field.kind).map((choice) => (
+              <option key={choice.FID} value={codeOf(choice)}>
+                {choice.FNumber ? `${choice.FNumber} ${choice.FName}` : choice.FName}
               </option>
             ))}
           </select>

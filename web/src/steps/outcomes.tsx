@@ -4,7 +4,7 @@ import type { Row } from '../orders/row.js';
 import { words } from './words.js';
 
 /** More lines than people read; a copy of the list has all. */
-const mostShown = 200;
+const mostShown = 100;
 
 interface Props {
   readonly title: string;

@@ -111,8 +111,8 @@ export type Runnable = Pick<Step, 'call'> & Partial<Pick<Step, 'states'>>;
 interface Block {
   readonly keys: number[];
   readonly idempotencyKey: string;
-  /** Those that could still take the step when it was sent. */
-  able?: number[];
+  /** Those that it was sent with, if it was. */
+  sent?: number[];
 }
 
 /** A run of a step; a block that failed is tried again with its own key, so that nothing is made twice. */
@@ -129,9 +129,13 @@ export class Run {
   }
 
   async go(stop: AbortSignal, onBlock: () => void): Promise<void> {
+    let ahead: Promise<Outcomes> | undefined;
     for (let next = this.blocks[0]; next && !stop.aborted; next = this.blocks[0]) {
-      // Once: a block that is sent again may have been done, and the orders are elsewhere by it.
-      const able = next.able ??= await this.stillAble(next.keys, stop);
+      // Asked once: a block that is sent again may have been done, and the orders are elsewhere by it.
+      const able = next.sent ??= this.leaveOut(next.keys, await (ahead ?? this.whyNot(next.keys, stop)));
+      // Asked while the server is busy with this block, and of use in this run only.
+      ahead = this.blocks[1] && this.whyNot(this.blocks[1].keys, stop);
+      ahead?.catch(() => undefined);
       const how: How = { params: { query: { each: 'order' }, header: { 'Idempotency-Key': next.idempotencyKey } } };
       if (able.length) {
         const answer = await persist(() => answerOf(this.step.call(able.join(), this.values, how)), stop);
@@ -142,17 +146,21 @@ export class Run {
     }
   }
 
-  /** Leaves out the orders that others took elsewhere meanwhile, and says so of them. */
-  private async stillAble(keys: number[], stop: AbortSignal): Promise<number[]> {
+  /** Which of the orders others took elsewhere meanwhile. */
+  private async whyNot(keys: readonly number[], stop: AbortSignal): Promise<Outcomes> {
     const { states } = this.step;
-    if (!states) return keys;
-    const found = new Map((await persist(() => ask('states', { keys }, stop), stop)).map((row) => [row.FID, row]));
-    return keys.filter((key) => {
+    if (!states) return new Map();
+    const found = new Map((await persist(() => ask('states', { keys: [...keys] }, stop), stop)).map((row) => [row.FID, row]));
+    return new Map(keys.flatMap((key): [number, string][] => {
       const state = found.get(key)?.FOrderStatus;
-      if (state !== undefined && states.includes(state)) return true;
-      this.outcomes.set(key, state === undefined ? words.gone : fill(words.wrongState, { state: stateWords(state) }));
-      return false;
-    });
+      if (state !== undefined && states.includes(state)) return [];
+      return [[key, state === undefined ? words.gone : fill(words.wrongState, { state: stateWords(state) })]];
+    }));
+  }
+
+  private leaveOut(keys: readonly number[], why: Outcomes): number[] {
+    why.forEach((text, key) => this.outcomes.set(key, text));
+    return keys.filter((key) => !why.has(key));
   }
 }
 

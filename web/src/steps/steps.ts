@@ -1,5 +1,5 @@
 // The steps that orders can take: in which states, what they ask for, the operation, and what takes them back.
-import { caller, door, type Problem } from '../api/door.js';
+import { caller, door, type OperationName, type Problem } from '../api/door.js';
 import { delivered, isUploaded, textOf, toBeDelivered, toBePicked, type Row } from '../orders/row.js';
 import { words } from './words.js';
 
@@ -36,6 +36,7 @@ export interface Undo {
 
 export interface Step {
   readonly name: Name;
+  readonly operation: OperationName;
   /** FOrderStatus; any when not given. */
   readonly states?: readonly number[];
   readonly fields: readonly Field[];
@@ -69,6 +70,7 @@ const isChecked = (row: Row) => row['FPIckingGoodsStatus'] === 'Y';
 
 const pick: Step = {
   name: 'pick',
+  operation: 'ConfirmBill',
   states: [toBePicked],
   fields: [{ kind: 'employee', name: 'picker' }, { kind: 'text', name: 'remark', optional: true }],
   call: (FID, { picker = '', remark = '' }, how) => door.POST('/api/v1/clsSaveData/ConfirmBill', {
@@ -79,6 +81,7 @@ const pick: Step = {
 
 const check: Step = {
   name: 'check',
+  operation: 'MarkPickingGoodsStatus',
   states: [toBeDelivered],
   fields: [],
   idle: (row) => (isChecked(row) ? words.alreadyChecked : undefined),
@@ -90,6 +93,7 @@ const check: Step = {
 
 const clearCheck: Step = {
   name: 'clearCheck',
+  operation: 'ClearPickingGoodsStatus',
   states: [toBeDelivered],
   fields: [],
   idle: (row) => (isChecked(row) ? undefined : words.notChecked),
@@ -101,6 +105,7 @@ const clearCheck: Step = {
 
 const deliver: Step = {
   name: 'deliver',
+  operation: 'Delivery',
   states: [toBeDelivered],
   fields: [],
   checksBill: true,
@@ -110,6 +115,7 @@ const deliver: Step = {
 
 const backToPicking: Step = {
   name: 'backToPicking',
+  operation: 'BackToThePreviousStep',
   states: [toBeDelivered],
   fields: [],
   call: (FID, _, how) => door.POST('/api/v1/clsSaveData/BackToThePreviousStep', {
@@ -120,6 +126,7 @@ const backToPicking: Step = {
 
 const backToDelivery: Step = {
   name: 'backToDelivery',
+  operation: 'BackToThePreviousStep',
   states: [delivered],
   fields: [],
   call: (FID, _, how) => door.POST('/api/v1/clsSaveData/BackToThePreviousStep', {
@@ -129,6 +136,7 @@ const backToDelivery: Step = {
 
 const upload: Step = {
   name: 'upload',
+  operation: 'UploadStatus',
   states: [delivered],
   fields: [{ kind: 'mark', name: 'offline', optional: true }],
   idle: (row) => (isUploaded(row) ? words.alreadyUploaded : undefined),
@@ -139,6 +147,7 @@ const upload: Step = {
 
 const carrier: Step = {
   name: 'carrier',
+  operation: 'SetUpLogisticsCompany',
   states: [toBePicked, toBeDelivered],
   fields: [{ kind: 'carrier', name: 'carrier' }],
   note: 'carrierNote',
@@ -149,6 +158,7 @@ const carrier: Step = {
 
 const warehouse: Step = {
   name: 'warehouse',
+  operation: 'ChangeStock',
   fields: [{ kind: 'warehouse', name: 'warehouse' }],
   note: 'warehouseNote',
   call: (FID, values, how) => door.POST('/api/v1/clsSaveData/ChangeStock', {
@@ -158,6 +168,7 @@ const warehouse: Step = {
 
 const cost: Step = {
   name: 'cost',
+  operation: 'ModifyCost',
   fields: [{ kind: 'amount', name: 'cost' }],
   call: (FID, values, how) => door.POST('/api/v1/clsSaveData/ModifyCost', {
     ...how, body: { dctPara: { FID, LogisticsCosts: Number(values['cost']) } },
@@ -172,6 +183,7 @@ const remarkFields: readonly Field[] = [
 
 const sellerRemark: Step = {
   name: 'sellerRemark',
+  operation: 'OrderRemark',
   fields: remarkFields,
   call: (FID, { remark = '', addBehind }, how) => door.POST('/api/v1/clsSaveData/OrderRemark', {
     ...how, body: { dctPara: { FID, FSellerMessage: remark, Mode: addBehind ? 1 : 0 } },
@@ -180,6 +192,7 @@ const sellerRemark: Step = {
 
 const wishes: Step = {
   name: 'wishes',
+  operation: 'DeRemark',
   fields: [{ kind: 'long', name: 'remark' }],
   call: (FID, { remark = '' }, how) => door.POST('/api/v1/clsSaveData/DeRemark', {
     ...how, body: { dctPara: { FID, FDeliveryRemark: remark } },
@@ -188,6 +201,7 @@ const wishes: Step = {
 
 const deliveryRemark: Step = {
   name: 'deliveryRemark',
+  operation: 'DeliveryRemark',
   fields: remarkFields,
   call: (FID, { remark = '', addBehind }, how) => door.POST('/api/v1/clsSaveData/DeliveryRemark', {
     ...how, body: { dctPara: { FID, FShippingRem: remark, Mode: addBehind ? 1 : 0 } },

@@ -1,7 +1,7 @@
 import { defineWords } from '../words/language.js';
 
 export const words = defineWords({
-  stepsOf: ['Steps of {count} orders', '对 {count} 个订单的操作', '對 {count} 筆訂單的操作'],
+  stepsOf: ['Steps of {count} {count|order|orders}', '对 {count} 个订单的操作', '對 {count} 筆訂單的操作'],
   pick: ['Pick', '配货', '配貨'],
   check: ['Picking checked', '配货检验通过', '配貨檢驗通過'],
   clearCheck: ['Take picking check back', '取消配货检验', '取消配貨檢驗'],
@@ -35,15 +35,15 @@ export const words = defineWords({
   back: ['Back', '返回', '返回'],
   checking: ['Checking…', '正在检查…', '正在檢查…'],
   running: ['Under way…', '正在执行…', '正在執行…'],
-  will: ['{count} orders will change.', '将更改 {count} 个订单。', '將變更 {count} 筆訂單。'],
+  will: ['{count} {count|order|orders} will change.', '将更改 {count} 个订单。', '將變更 {count} 筆訂單。'],
   cannot: ['{count} cannot:', '{count} 个无法更改：', '{count} 筆無法變更：'],
-  run: ['{step}: {count} orders', '{step}：{count} 个订单', '{step}：{count} 筆訂單'],
+  run: ['{step}: {count} {count|order|orders}', '{step}：{count} 个订单', '{step}：{count} 筆訂單'],
   stop: ['Stop', '停止', '停止'],
-  stopped: ['Stopped. {count} orders were not reached.', '已停止，{count} 个订单未处理。', '已停止，{count} 筆訂單未處理。'],
-  wasDone: ['{count} orders done.', '已完成 {count} 个订单。', '已完成 {count} 筆訂單。'],
+  stopped: ['Stopped. {count} {count|order was|orders were} not reached.', '已停止，{count} 个订单未处理。', '已停止，{count} 筆訂單未處理。'],
+  wasDone: ['{count} {count|order|orders} done.', '已完成 {count} 个订单。', '已完成 {count} 筆訂單。'],
   wasNot: ['{count} not:', '{count} 个未完成：', '{count} 筆未完成：'],
   order: ['Order', '订单', '訂單'],
-  title: ['{step} · {count} orders', '{step} · {count} 个订单', '{step} · {count} 筆訂單'],
+  title: ['{step} · {count} {count|order|orders}', '{step} · {count} 个订单', '{step} · {count} 筆訂單'],
   reason: ['Reason', '原因', '原因'],
   outcome: ['What became of it', '结果', '結果'],
   done: ['Done', '已完成', '已完成'],
@@ -62,6 +62,6 @@ export const words = defineWords({
   alreadyUploaded: ['Uploaded already', '已上传', '已上傳'],
   nothingDone: ['Nothing was done', '未作更改', '未作變更'],
   undoing: ['Undoing…', '正在撤销…', '正在復原…'],
-  undone: ['{count} orders are as before.', '{count} 个订单已恢复。', '{count} 筆訂單已恢復。'],
-  notUndone: ['{count} orders could not be set back: {why}', '{count} 个订单无法恢复：{why}', '{count} 筆訂單無法恢復：{why}'],
+  undone: ['{count} {count|order is|orders are} as before.', '{count} 个订单已恢复。', '{count} 筆訂單已恢復。'],
+  notUndone: ['{count} {count|order|orders} could not be set back: {why}', '{count} 个订单无法恢复：{why}', '{count} 筆訂單無法恢復：{why}'],
 });

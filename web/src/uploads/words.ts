@@ -20,8 +20,8 @@ export const words = defineWords({
   markUploaded: ['Mark as uploaded', '标记为已上传', '標記為已上傳'],
   markFailed: ['Mark as failed', '标记为上传失败', '標記為上傳失敗'],
   reason: ['Reason', '原因', '原因'],
-  title: ['{step} · {count} orders', '{step} · {count} 个订单', '{step} · {count} 筆訂單'],
-  ofSelected: ['{step}: {count} orders…', '{step}：{count} 个订单…', '{step}：{count} 筆訂單…'],
+  title: ['{step} · {count} {count|order|orders}', '{step} · {count} 个订单', '{step} · {count} 筆訂單'],
+  ofSelected: ['{step}: {count} {count|order|orders}…', '{step}：{count} 个订单…', '{step}：{count} 筆訂單…'],
   hint: [
     'Without a selection all orders of the group are uploaded again or saved.',
     '未选择时，重新上传和保存针对本分组全部订单。',

@@ -6,8 +6,10 @@ import { fill } from '../words/language.js';
 import { words } from './words.js';
 
 /** Orders are set back, so that the program that uploads takes them again. */
-const retry: Call = async (keys) => {
-  const back = new Set((await ask('retryUploads', { keys: keysOf(keys) })).map(({ FID }) => FID));
+const retry: Call = async (keys, _, { params }) => {
+  const key = params.header?.['Idempotency-Key'];
+  const rows = await ask('retryUploads', { keys: keysOf(keys) }, undefined, key);
+  const back = new Set(rows.map(({ FID }) => FID));
   const orders = keysOf(keys).map((key) => ({ order: String(key), result: back.has(key) }));
   return { data: { orders }, response: new Response() };
 };

@@ -47,11 +47,12 @@ export function defineWords<T extends Record<string, Text>>(texts: T): { readonl
   }) as unknown as { readonly [Name in keyof T]: string };
 }
 
-/** `fill(words.left, { count: 7 })`: "{count} left" is "7 left". */
+/** `fill(words.left, { count: 7 })`: "{count} {count|order|orders} left" is "7 orders left". */
 export function fill(text: string, values: Record<string, string | number>): string {
-  return text.replace(/\{(\w+)\}/g, (whole, name: string) => {
+  return text.replace(/\{(\w+)(?:\|([^|}]*)\|([^}]*))?\}/g, (whole, name: string, one?: string, many?: string) => {
     const value = values[name];
     if (value === undefined) return whole;
+    if (one !== undefined && many !== undefined) return value === 1 ? one : many;
     return typeof value === 'number' ? formatNumber(value) : value;
   });
 }
@@ -61,9 +62,24 @@ export function locale(): string {
   return navigator.languages.find((known) => known.split('-')[0] === language.value.split('-')[0]) ?? language.value;
 }
 
+/** Kept, as it takes longer to make one than to write a hundred values with it. */
+function remembered<Options, Form>(make: (place: string, options: Options) => Form): (options: Options) => Form {
+  const made = new Map<string, Form>();
+  return (options) => {
+    const place = locale();
+    const key = place + JSON.stringify(options);
+    const form = made.get(key) ?? make(place, options);
+    made.set(key, form);
+    return form;
+  };
+}
+const numberForm = remembered((place, options: Intl.NumberFormatOptions) => new Intl.NumberFormat(place, options));
+export const dateForm = remembered(
+  (place, options: Intl.DateTimeFormatOptions) => new Intl.DateTimeFormat(place, options));
+
 export function formatNumber(value: number, digits?: number): string {
-  const options = digits === undefined ? {} : { minimumFractionDigits: digits, maximumFractionDigits: digits };
-  return new Intl.NumberFormat(locale(), options).format(value);
+  return numberForm(digits === undefined ? {} : { minimumFractionDigits: digits, maximumFractionDigits: digits })
+    .format(value);
 }
 
 /** A date of the database, as "2026-11-22T13:45:01", as people here write it. "" for none. */
@@ -71,8 +87,5 @@ export function formatTime(value: string | null | undefined, style: 'date' | 'bo
   if (!value) return '';
   const time = new Date(value.includes('T') ? value : value.replace(' ', 'T'));
   if (Number.isNaN(time.getTime())) return value;
-  return new Intl.DateTimeFormat(locale(), {
-    dateStyle: 'short',
-    ...(style === 'both' ? { timeStyle: 'short' } : {}),
-  }).format(time);
+  return dateForm(style === 'both' ? { dateStyle: 'short', timeStyle: 'short' } : { dateStyle: 'short' }).format(time);
 }

@@ -16,9 +16,9 @@ constexpr std::array<std::string_view, 3> kTrusted = {"ExecuteSQL", "GetUploadDa
 /// Of clsSaveData, and changes nothing.
 constexpr std::array<std::string_view, 1> kOtherReads = {"GetUniqueCodeIndex"};
 
-constexpr std::array<std::string_view, 6> kPicking = {
-    "ConfirmBill", "SavePickingGoods",     "MarkPickingGoodsStatus", "ClearPickingGoodsStatus",
-    "SaveBatchNo", "SavePrintSerialNumber"};
+constexpr std::array<std::string_view, 4> kPicking = {"ConfirmBill", "SavePickingGoods", "SaveBatchNo",
+                                                      "SavePrintSerialNumber"};
+constexpr std::array<std::string_view, 2> kChecking = {"MarkPickingGoodsStatus", "ClearPickingGoodsStatus"};
 constexpr std::array<std::string_view, 6> kPacking = {
     "SaveLogWeight",        "SetUpLogisticsNumber", "SetUpLogisticsNumberAndWeight", "UpdateLogisticsWeightStatus",
     "UpdateEMSOrderStatus", "SetSFPackageQuantity"};
@@ -41,15 +41,15 @@ constexpr std::array<std::string_view, 4> kReports = {"Delivery", "UpdateDeliver
 /// What a role may change; all roles may read.
 struct RoleRow {
   std::string_view name;
-  std::array<Names, 7> changes;
+  std::array<Names, 8> changes;
 };
 
 const std::array<RoleRow, 6> kRoles = {{
     {"reader", {}},
-    {"picker", {kPicking}},
-    {"packer", {kPacking}},
-    {"dispatcher", {kDelivering, kCarriers, kUploads, kOutsideWarehouses}},
-    {"supervisor", {kPicking, kPacking, kDelivering, kCarriers, kUploads, kOutsideWarehouses, kAmending}},
+    {"picker", {kPicking, kChecking}},
+    {"packer", {kChecking, kPacking}},
+    {"dispatcher", {kPacking, kDelivering, kCarriers, kUploads, kOutsideWarehouses}},
+    {"supervisor", {kPicking, kChecking, kPacking, kDelivering, kCarriers, kUploads, kOutsideWarehouses, kAmending}},
     {"integrator", {kReports, kCarriers, kUploads, kOutsideWarehouses}},
 }};
 

@@ -5,11 +5,11 @@
 #include "hosts/http/access/roles.h"
 #include "hosts/http/access/tokens.h"
 #include "hosts/http/access/users.h"
-#include "hosts/http/answer.h"
+#include "hosts/http/answers/answer.h"
+#include "hosts/http/answers/problem.h"
 #include "hosts/http/call.h"
 #include "hosts/http/house/members.h"
 #include "hosts/http/house/resource.h"
-#include "hosts/http/problem.h"
 
 namespace tessarlorn::http {
 namespace {

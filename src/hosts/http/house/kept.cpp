@@ -5,9 +5,10 @@
 
 #include "hosts/http/access/names.h"
 #include "hosts/http/access/statements.h"
+#include "hosts/http/answers/answer.h"
+#include "hosts/http/answers/problem.h"
 #include "hosts/http/call.h"
 #include "hosts/http/house/resource.h"
-#include "hosts/http/problem.h"
 
 namespace tessarlorn::http {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "hosts/http/problem.h"
+#include "hosts/http/answers/problem.h"
 #include "platform/text/text.h"
 
 namespace tessarlorn::http {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "hosts/http/problem.h"
+#include "hosts/http/answers/problem.h"
 #include "platform/text/text.h"
 
 namespace tessarlorn::http {
@@ -43,12 +43,6 @@ const Resource& ResourceOf(std::string_view path, std::string_view method, std::
   }
   if (methods.empty()) Refuse(404, "there is nothing at /api/v1/" + std::string(path));
   RefuseMethod("/api/v1/" + std::string(path), methods);
-}
-
-Response JsonResponse(std::string body, int status) {
-  return {.status = status,
-          .headers = {{"Content-Type", "application/json"}, {"Cache-Control", "no-store"}},
-          .body = std::move(body)};
 }
 
 }  // namespace tessarlorn::http

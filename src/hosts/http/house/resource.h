@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "hosts/http/access/caller.h"
-#include "hosts/http/openapi_schema.h"
+#include "hosts/http/description/openapi_schema.h"
 #include "hosts/http/transport/message.h"
 #include "tessarlorn/connection.h"
 
@@ -44,7 +44,5 @@ const Resource& ResourceOf(std::string_view path, std::string_view method, std::
 
 /// The schemas and paths of all resources, put into the description of the operations.
 void DescribeResources(SchemaJson& document);
-
-Response JsonResponse(std::string body, int status = 200);
 
 }  // namespace tessarlorn::http

@@ -17,14 +17,19 @@ inline constexpr int kRecordHours = 48;
 
 /// The answer to an earlier call with the same key, nothing when there is none. Holds off others with the key until the
 /// transaction ends. Raises Refusal 422 when that call asked for something else.
-std::optional<std::string> FindRecordedAnswer(Connection& connection, const Call& call);
+std::optional<std::string> FindRecordedAnswer(Connection& connection, const Caller& caller, const RequestKey& key);
 
-/// Notes a call in its own transaction. @param answer kept when the call has a key
-void RecordCall(Connection& connection, const Call& call, const std::string& answer);
+/// A call that changed something, or one with a key.
+struct CallRecord {
+  /// Name of the operation or question.
+  std::string_view name;
+  /// The orders that it changed.
+  std::vector<std::int32_t> orders;
+  std::string answer;
+};
 
-/// Notes a change of orders that no call of an operation made.
-void RecordChange(Connection& connection, const Caller& caller, std::string_view what,
-                  const std::vector<std::int32_t>& orders);
+/// Notes a call in its own transaction. The answer is kept when there is a key.
+void RecordCall(Connection& connection, const Caller& caller, const RequestKey& key, const CallRecord& record);
 
 /// Removes records that are older than kRecordHours.
 void SweepRecords(Connection& connection);

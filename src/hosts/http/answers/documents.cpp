@@ -1,8 +1,8 @@
-#include "hosts/http/documents.h"
+#include "hosts/http/answers/documents.h"
 
 #include <utility>
 
-#include "hosts/http/openapi.h"
+#include "hosts/http/description/openapi.h"
 #include "hosts/http/transport/gzip.h"
 
 namespace tessarlorn::http {

@@ -1,4 +1,4 @@
-#include "hosts/http/write_lane.h"
+#include "hosts/http/writes/write_lane.h"
 
 #include <optional>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "hosts/http/openapi_schema.h"
+#include "hosts/http/description/openapi_schema.h"
 
 #include <algorithm>
 #include <cstdint>

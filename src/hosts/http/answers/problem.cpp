@@ -1,4 +1,4 @@
-#include "hosts/http/problem.h"
+#include "hosts/http/answers/problem.h"
 
 #include <algorithm>
 #include <array>

@@ -1,13 +1,13 @@
-#include "hosts/http/openapi.h"
+#include "hosts/http/description/openapi.h"
 
 #include <algorithm>
 #include <array>
 #include <string_view>
 
 #include "automation/order_list.h"
+#include "hosts/http/answers/problem.h"
+#include "hosts/http/description/openapi_schema.h"
 #include "hosts/http/house/resource.h"
-#include "hosts/http/openapi_schema.h"
-#include "hosts/http/problem.h"
 
 namespace tessarlorn::http {
 namespace {
@@ -77,8 +77,12 @@ SchemaJson Schemas() {
           {"erpUser", {{"type", "integer"}, {"description", "Id of the user in the ERP"}}},
           {"language", Text("CHS, CHT or EN")},
           {"role", Text("Role, which says what may be called")},
-          {"sql", {{"type", "boolean"}, {"description", "Whether SQL may be passed"}}}}},
-        {"required", {"user", "erpUser", "language", "role", "sql"}}}},
+          {"sql", {{"type", "boolean"}, {"description", "Whether SQL may be passed"}}},
+          {"operations",
+           {{"type", "array"},
+            {"items", {{"type", "string"}}},
+            {"description", "Names of operations that may be called"}}}}},
+        {"required", {"user", "erpUser", "language", "role", "sql", "operations"}}}},
       {"Login",
        {{"type", "object"},
         {"properties", {{"user", {{"type", "string"}}}, {"password", {{"type", "string"}, {"format", "password"}}}}},
@@ -204,6 +208,13 @@ SchemaJson MethodOf(const Operation& operation, const std::string& operation_id)
   return method;
 }
 
+/// The call may be made again under its key.
+void AllowKey(SchemaJson& post) {
+  post["parameters"].push_back(ParameterReference("IdempotencyKey"));
+  post["responses"]["200"]["headers"]["Idempotency-Replayed"] = {{"$ref", "#/components/headers/IdempotencyReplayed"}};
+  AddProblems(post["responses"], {409});
+}
+
 void AddOperation(SchemaJson& document, const Operation& operation) {
   const std::string id = IdOf(operation);
   SchemaJson& schemas = document["components"]["schemas"];
@@ -212,7 +223,6 @@ void AddOperation(SchemaJson& document, const Operation& operation) {
   if (!row.is_null()) schemas[row_name] = std::move(row);
   schemas[id + "Answer"] = AnswerSchema(operation, row_name);
   SchemaJson post = MethodOf(operation, id);
-  post["parameters"].push_back(ParameterReference("IdempotencyKey"));
   SchemaJson body = RequestSchema(operation);
   if (!body["properties"].empty()) {
     SchemaJson content = {{"content", Json(SchemaReference(id + "Request"))}};
@@ -220,8 +230,8 @@ void AddOperation(SchemaJson& document, const Operation& operation) {
     post["requestBody"] = std::move(content);
     schemas[id + "Request"] = std::move(body);
   }
-  post["responses"]["200"]["headers"]["Idempotency-Replayed"] = {{"$ref", "#/components/headers/IdempotencyReplayed"}};
-  AddProblems(post["responses"], {409, 413, 415});
+  AllowKey(post);
+  AddProblems(post["responses"], {413, 415});
   SchemaJson& path =
       document["paths"]["/api/v1/" + std::string(ClassName(operation.service)) + "/" + std::string(operation.name)];
   path["post"] = std::move(post);
@@ -255,6 +265,7 @@ void AddQuestion(SchemaJson& document, const workbench::Question& question) {
                               {"headers", {{"X-Request-Id", {{"$ref", "#/components/headers/RequestId"}}}}},
                               {"content", Json(SchemaReference(id + "Answer"))}};
   AddProblems(post["responses"], {400, 401, 403, 413, 415, 422, 429, 500, 503, 504});
+  if (question.writes) AllowKey(post);
   document["paths"]["/api/v1/workbench/" + name]["post"] = std::move(post);
 }
 

@@ -44,6 +44,9 @@ struct Beside {
 std::string AnswerText(AnswerFormat format, const std::vector<std::string>& columns, const Variant& result,
                        const Beside& beside);
 
+/// An answer of the door's own. @param body JSON
+Response JsonResponse(std::string body, int status = 200);
+
 /// How the rows of a recordset stand in a body, and what stands around them.
 class RowsText {
  public:

@@ -1,4 +1,4 @@
-#include "hosts/http/answer.h"
+#include "hosts/http/answers/answer.h"
 
 #include <array>
 #include <cstdlib>
@@ -6,7 +6,7 @@
 
 #include "hosts/calls/csv_text.h"
 #include "hosts/calls/result_rows.h"
-#include "hosts/http/problem.h"
+#include "hosts/http/answers/problem.h"
 #include "platform/text/text.h"
 #include "tessarlorn/sql_command.h"
 
@@ -162,6 +162,12 @@ std::string AnswerText(AnswerFormat format, const std::vector<std::string>& colu
   rows_text.AppendRows(text, *rows);
   rows_text.AppendTail(text, beside);
   return text;
+}
+
+Response JsonResponse(std::string body, int status) {
+  return {.status = status,
+          .headers = {{"Content-Type", "application/json"}, {"Cache-Control", "no-store"}},
+          .body = std::move(body)};
 }
 
 RowsText::RowsText(AnswerFormat format, const RecordsetPtr& rows, const std::vector<std::string>& columns)

@@ -1,9 +1,9 @@
-#include "hosts/http/call_record.h"
+#include "hosts/http/writes/call_record.h"
 
 #include <array>
 
 #include "hosts/http/access/secrets.h"
-#include "hosts/http/problem.h"
+#include "hosts/http/answers/problem.h"
 #include "tessarlorn/sql_command.h"
 
 namespace tessarlorn::http {
@@ -29,43 +29,34 @@ SqlParameter Typed(std::string name, std::string type, Variant value) {
 
 }  // namespace
 
-std::optional<std::string> FindRecordedAnswer(Connection& connection, const Call& call) {
-  std::array parameters = {Typed("@caller", "nvarchar(64)", call.caller.name),
-                           Typed("@key", "binary(32)", Sha256(call.key))};
+std::optional<std::string> FindRecordedAnswer(Connection& connection, const Caller& caller, const RequestKey& key) {
+  std::array parameters = {Typed("@caller", "nvarchar(64)", caller.name),
+                           Typed("@key", "binary(32)", Sha256(key.text))};
   const RecordsetPtr found = connection.Query(
       {"SELECT FHash, FAnswer FROM DoorCall WITH (UPDLOCK, HOLDLOCK) WHERE FCaller = @caller AND FKey = @key",
        parameters});
   if (found->eof()) return std::nullopt;
   const Variant hash = found->Get("FHash");
   const auto* const bytes = hash.get_if<Bytes>();
-  if (bytes == nullptr || *bytes != call.hash) {
+  if (bytes == nullptr || *bytes != key.hash) {
     Refuse(422, "the Idempotency-Key was used for another request", "Idempotency-Key");
   }
   return std::string(found->GetText(1));
 }
 
-void RecordChange(Connection& connection, const Caller& caller, std::string_view what,
-                  const std::vector<std::int32_t>& orders) {
-  std::array parameters = {Typed("@caller", "nvarchar(64)", caller.name), Typed("@user", "int", caller.user),
-                           Typed("@operation", "nvarchar(80)", std::string(what)),
-                           Typed("@orders", "nvarchar(4000)", OrderText(orders))};
-  connection.Execute(
-      {"INSERT INTO DoorCall (FCaller, FUserID, FOperation, FOrders) VALUES (@caller, @user, @operation, @orders)",
-       parameters});
-}
-
-void RecordCall(Connection& connection, const Call& call, const std::string& answer) {
-  if (call.key.empty()) {
-    RecordChange(connection, call.caller, call.operation->name, call.access.orders);
+void RecordCall(Connection& connection, const Caller& caller, const RequestKey& key, const CallRecord& record) {
+  std::vector parameters = {Typed("@caller", "nvarchar(64)", caller.name), Typed("@user", "int", caller.user),
+                            Typed("@operation", "nvarchar(80)", std::string(record.name)),
+                            Typed("@orders", "nvarchar(4000)", OrderText(record.orders))};
+  if (key.empty()) {
+    connection.Execute(
+        {"INSERT INTO DoorCall (FCaller, FUserID, FOperation, FOrders) VALUES (@caller, @user, @operation, @orders)",
+         parameters});
     return;
   }
-  std::array parameters = {Typed("@caller", "nvarchar(64)", call.caller.name),
-                           Typed("@user", "int", call.caller.user),
-                           Typed("@operation", "nvarchar(80)", std::string(call.operation->name)),
-                           Typed("@orders", "nvarchar(4000)", OrderText(call.access.orders)),
-                           Typed("@key", "binary(32)", Sha256(call.key)),
-                           Typed("@hash", "binary(32)", call.hash),
-                           Typed("@answer", "nvarchar(max)", answer)};
+  parameters.push_back(Typed("@key", "binary(32)", Sha256(key.text)));
+  parameters.push_back(Typed("@hash", "binary(32)", key.hash));
+  parameters.push_back(Typed("@answer", "nvarchar(max)", record.answer));
   connection.Execute(
       {"INSERT INTO DoorCall (FCaller, FUserID, FOperation, FOrders, FKey, FHash, FAnswer) VALUES (@caller, "
        "@user, @operation, @orders, @key, @hash, @answer)",

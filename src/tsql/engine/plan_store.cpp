@@ -115,7 +115,7 @@ Compiled& PlanStore::OfStatement(const Statement& statement, const Activation& a
       return translator.CompileUpdate(*update, statement.line);
     }
     if (const auto* removal = As<DeleteStatement>(statement)) {
-      return translator.CompileDelete(*removal, statement.line);
+      return translator.CompileDelete(*removal);
     }
     return translator.CompileQuery(*std::get<SelectStatement>(statement.node).query);
   });

@@ -120,7 +120,7 @@ void RowStatements::Change(const Statement& statement, const Activation& activat
 }
 
 void RowStatements::MoveRows(const UpdateStatement& update, std::uint32_t line, const Activation& activation) {
-  const CatalogObjectPtr table = plans_.MakeTranslator(activation).ChangedTable(update.rows, line);
+  const CatalogObjectPtr table = plans_.MakeTranslator(activation).ChangedTable(update.rows);
   std::string columns;
   std::string names;
   bool numbered = false;

@@ -7,31 +7,12 @@
 #include <vector>
 
 #include "platform/unicode/collation.h"
+#include "tsql/functions/aggregate_state.h"
 #include "tsql/functions/functions.h"
 #include "tsql/functions/sqlite_value.h"
 
 namespace tessarlorn::tsql {
 namespace {
-
-Runtime& RuntimeOf(sqlite3_context* context) { return *static_cast<Runtime*>(sqlite3_user_data(context)); }
-
-/// SQLite hands out zeroed bytes for an aggregate's state; the state proper is made in them on the first row.
-template <typename State>
-State* StateOf(sqlite3_context* context, bool make) {
-  auto** slot = static_cast<State**>(sqlite3_aggregate_context(context, make ? sizeof(State*) : 0));
-  if (slot == nullptr) return nullptr;
-  if (*slot == nullptr && make) *slot = std::make_unique<State>().release();
-  return *slot;
-}
-
-template <typename State>
-std::unique_ptr<State> TakeState(sqlite3_context* context) {
-  auto** slot = static_cast<State**>(sqlite3_aggregate_context(context, 0));
-  if (slot == nullptr) return nullptr;
-  std::unique_ptr<State> state(*slot);
-  *slot = nullptr;
-  return state;
-}
 
 struct Single {
   Datum value;

@@ -242,7 +242,7 @@ const Node* As(const Expression& expression) {
 
 struct TableSource;
 using TableSourcePtr = std::unique_ptr<TableSource>;
-enum class JoinKind : std::uint8_t { kInner, kLeft, kRight, kFull, kCross };
+enum class JoinKind : std::uint8_t { kInner, kLeft, kRight, kFull, kCross, kCrossApply, kOuterApply };
 
 /// A table or view. Hints are parsed, checked against the known ones and dropped.
 struct NamedTable {
@@ -259,17 +259,25 @@ struct DerivedTable {
   std::vector<std::string> column_aliases;
 };
 
+/// STRING_SPLIT(text, separator) AS t(a)
+struct TableFunction {
+  std::string name;  // in lower case
+  std::vector<ExpressionPtr> arguments;
+  std::string alias;  // its name when none is given
+  std::vector<std::string> column_aliases;
+};
+
 struct Join {
   JoinKind kind = JoinKind::kInner;
   TableSourcePtr left;
   TableSourcePtr right;
-  ExpressionPtr on;  // null for kCross
+  ExpressionPtr on;  // null for kCross and the two of APPLY
 };
 
 /// One source of FROM.
 struct TableSource {
   std::uint32_t line = 1;
-  std::variant<NamedTable, DerivedTable, Join> node;
+  std::variant<NamedTable, DerivedTable, TableFunction, Join> node;
 };
 
 struct SelectItem {

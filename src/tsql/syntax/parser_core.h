@@ -159,6 +159,7 @@ class Parser {
   TableSourcePtr ParseSourcePrimary();
   TableSourcePtr ParseNamedTable();
   bool AcceptJoin(JoinKind& join);
+  TableSourcePtr ParseTableFunction(std::uint32_t line, const std::string& name);
   void AcceptTableHints();
   void AcceptHintList();
   void AcceptQueryOptions();

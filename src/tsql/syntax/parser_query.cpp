@@ -20,6 +20,8 @@ constexpr std::array kTableHints = std::to_array<std::string_view>({
     "ignore_triggers",
 });
 
+constexpr std::array kTableFunctions = std::to_array<std::string_view>({"string_split"});
+
 // Advice to the planner, by first word.
 constexpr std::array kQueryOptions = std::to_array<std::string_view>({
     "maxdop",
@@ -305,7 +307,7 @@ TableSourcePtr Parser::ParseJoins(TableSourcePtr left) {
     chain.AddLink();
     const std::uint32_t line = left->line;
     Join both{join, std::move(left), ParseSourcePrimary(), nullptr};
-    if (join != JoinKind::kCross) {
+    if (join < JoinKind::kCross) {
       // a JOIN b JOIN c ON … ON …: the first ON belongs to the join of b and c.
       if (!At("on"_kw)) both.right = ParseJoins(std::move(both.right));
       Expect("on"_kw);
@@ -317,10 +319,16 @@ TableSourcePtr Parser::ParseJoins(TableSourcePtr left) {
 }
 
 bool Parser::AcceptJoin(JoinKind& join) {
-  if (At("cross"_kw) && At("apply"_kw, 1)) Refuse("CROSS APPLY");
-  if (At("outer"_kw) && At("apply"_kw, 1)) Refuse("OUTER APPLY");
   if (AcceptBoth("cross"_kw, "join"_kw)) {
     join = JoinKind::kCross;
+    return true;
+  }
+  if (AcceptBoth("cross"_kw, "apply"_kw)) {
+    join = JoinKind::kCrossApply;
+    return true;
+  }
+  if (AcceptBoth("outer"_kw, "apply"_kw)) {
+    join = JoinKind::kOuterApply;
     return true;
   }
   join = JoinKind::kInner;
@@ -365,7 +373,10 @@ TableSourcePtr Parser::ParseNamedTable() {
   NamedTable table;
   table.name = ParseObjectName();
   if (At(Op::kLeftParen) && !Contains(kTableHints, Peek(1).text)) {
-    Refuse("The table-valued function " + table.name.name);
+    if (!table.name.qualifier.empty() || !Contains(kTableFunctions, table.name.name)) {
+      Refuse("The table-valued function " + table.name.name);
+    }
+    return ParseTableFunction(line, table.name.name);
   }
   if (At("for"_kw) && At("system_time"_kw, 1)) Refuse("FOR SYSTEM_TIME");
   AcceptTableHints();
@@ -373,6 +384,18 @@ TableSourcePtr Parser::ParseNamedTable() {
   if (At("tablesample"_kw)) Refuse("TABLESAMPLE");
   AcceptTableHints();
   return MakeSource(line, std::move(table));
+}
+
+TableSourcePtr Parser::ParseTableFunction(std::uint32_t line, const std::string& name) {
+  TableFunction function;
+  function.name = LowerCase(name);
+  Expect(Op::kLeftParen);
+  function.arguments = ParseValues();
+  Expect(Op::kRightParen);
+  function.alias = AcceptAlias();
+  if (!function.alias.empty() && At(Op::kLeftParen)) function.column_aliases = ParseNameList();
+  if (function.alias.empty()) function.alias = name;
+  return MakeSource(line, std::move(function));
 }
 
 void Parser::AcceptTableHints() {

@@ -43,9 +43,10 @@ struct Target {
   CatalogObjectPtr table;
   std::string alias;
   bool joined = false;  // FROM names more than the target
+  bool named = true;    // FROM, where there is one, names the target
 };
 
-Target TargetOf(Translation& translation, const ChangedRows& rows, std::uint32_t line) {
+Target TargetOf(Translation& translation, const ChangedRows& rows) {
   Target target;
   if (const NamedTable* found = FindTarget(rows.from, rows.table.name)) {
     target.table = translation.Lookup(found->name);
@@ -54,9 +55,8 @@ Target TargetOf(Translation& translation, const ChangedRows& rows, std::uint32_t
   } else {
     target.table = translation.Lookup(rows.table);
     target.alias = rows.table.name;
-    if (!rows.from.empty()) {
-      RaiseUnsupported("A FROM clause that does not name the table '" + rows.table.name + "'", line);
-    }
+    target.named = rows.from.empty();
+    target.joined = !rows.from.empty();
   }
   RequireTable(*target.table);
   return target;
@@ -72,10 +72,12 @@ struct Clauses {
   std::string limit;
 };
 
-/// The FROM clause, of the target alone where none is written.
-std::string FromOf(Translation& translation, const ChangedRows& rows, Scope& scope) {
-  if (!rows.from.empty()) return TranslateFrom(translation, rows.from, scope);
-  return " FROM " + TranslateTable(translation, {rows.table, ""}, scope);
+/// The FROM clause, with the target where it does not name it.
+std::string FromOf(Translation& translation, const ChangedRows& rows, const Target& target, Scope& scope) {
+  std::string from = TranslateFrom(translation, rows.from, scope);
+  if (!rows.from.empty() && target.named) return from;
+  from += from.empty() ? " FROM " : ", ";
+  return from + TranslateTable(translation, {rows.table, ""}, scope);
 }
 
 void TranslateRowsOf(Translation& translation, const ChangedRows& rows, Clauses& clauses) {
@@ -200,11 +202,11 @@ bool IsDeleted(const Expression& expression) {
 Compiled UpdateTranslator::Translate(bool collect) {
   const ChangedRows& rows = update_.rows;
   clauses_.with = TranslateWith(translation_, rows.with, nullptr);
-  clauses_.target = TargetOf(translation_, rows, line_);
+  clauses_.target = TargetOf(translation_, rows);
   for (const Assignment& assignment : update_.assignments) {
     if (!assignment.variable.empty()) parameters_.Assign(assignment.variable);
   }
-  clauses_.from = FromOf(translation_, rows, clauses_.scope);
+  clauses_.from = FromOf(translation_, rows, clauses_.target, clauses_.scope);
   for (const Assignment& assignment : update_.assignments) AddAssignment(assignment);
   TranslateRowsOf(translation_, rows, clauses_);
   if (!sets_.empty() && !variables_.empty()) sets_[0].second = "ts_setvar(" + sets_[0].second + variables_ + ")";
@@ -232,12 +234,12 @@ Compiled CompileUpdate(Translation& translation, const UpdateStatement& update, 
   return UpdateTranslator(translation, update, line).Translate(collect);
 }
 
-Compiled CompileDelete(Translation& translation, const DeleteStatement& statement, std::uint32_t line) {
+Compiled CompileDelete(Translation& translation, const DeleteStatement& statement) {
   const ChangedRows& rows = statement.rows;
   Clauses clauses;
   clauses.with = TranslateWith(translation, rows.with, nullptr);
-  clauses.target = TargetOf(translation, rows, line);
-  clauses.from = FromOf(translation, rows, clauses.scope);
+  clauses.target = TargetOf(translation, rows);
+  clauses.from = FromOf(translation, rows, clauses.target, clauses.scope);
   TranslateRowsOf(translation, rows, clauses);
   const std::string alias = QuoteName(clauses.target.alias);
   std::string sql = clauses.with + "DELETE FROM " + TableSql(*clauses.target.table);
@@ -252,8 +254,8 @@ Compiled CompileDelete(Translation& translation, const DeleteStatement& statemen
   return compiled;
 }
 
-CatalogObjectPtr ChangedTable(Translation& translation, const ChangedRows& rows, std::uint32_t line) {
-  return TargetOf(translation, rows, line).table;
+CatalogObjectPtr ChangedTable(Translation& translation, const ChangedRows& rows) {
+  return TargetOf(translation, rows).table;
 }
 
 Compiled FinishChange(Translation& translation, const std::vector<SelectItem>& output, const CatalogObject& table,

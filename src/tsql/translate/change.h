@@ -11,9 +11,9 @@ namespace tessarlorn::tsql {
 
 /// @param collect the rows are not changed but put into temp."$moved", whole and with the row's number in front
 Compiled CompileUpdate(Translation& translation, const UpdateStatement& update, std::uint32_t line, bool collect);
-Compiled CompileDelete(Translation& translation, const DeleteStatement& statement, std::uint32_t line);
+Compiled CompileDelete(Translation& translation, const DeleteStatement& statement);
 /// The table that UPDATE or DELETE changes.
-CatalogObjectPtr ChangedTable(Translation& translation, const ChangedRows& rows, std::uint32_t line);
+CatalogObjectPtr ChangedTable(Translation& translation, const ChangedRows& rows);
 
 /// Finishes a change: adds what its OUTPUT clause gives back. @param rows "inserted" or "deleted"
 Compiled FinishChange(Translation& translation, const std::vector<SelectItem>& output, const CatalogObject& table,

@@ -101,13 +101,9 @@ Compiled Translator::CompileUpdate(const UpdateStatement& update, std::uint32_t 
   return tsql::CompileUpdate(*this, update, line, collect);
 }
 
-Compiled Translator::CompileDelete(const DeleteStatement& statement, std::uint32_t line) {
-  return tsql::CompileDelete(*this, statement, line);
-}
+Compiled Translator::CompileDelete(const DeleteStatement& statement) { return tsql::CompileDelete(*this, statement); }
 
-CatalogObjectPtr Translator::ChangedTable(const ChangedRows& rows, std::uint32_t line) {
-  return tsql::ChangedTable(*this, rows, line);
-}
+CatalogObjectPtr Translator::ChangedTable(const ChangedRows& rows) { return tsql::ChangedTable(*this, rows); }
 
 std::string Translator::TranslateCheck(const CatalogObject& table, const Expression& condition) {
   Scope scope;

@@ -31,9 +31,9 @@ class Translator final : private Translation {
   Compiled CompileInsertInto(const CatalogObject& table, const Query& query);
   /// @param collect the rows are not changed but put into temp."$moved", whole and with the row's number in front
   Compiled CompileUpdate(const UpdateStatement& update, std::uint32_t line, bool collect = false);
-  Compiled CompileDelete(const DeleteStatement& statement, std::uint32_t line);
+  Compiled CompileDelete(const DeleteStatement& statement);
   /// The table that UPDATE or DELETE changes.
-  CatalogObjectPtr ChangedTable(const ChangedRows& rows, std::uint32_t line);
+  CatalogObjectPtr ChangedTable(const ChangedRows& rows);
   /// The columns that a query gives, as a new table or a view has them.
   /// @param may_order it is no view: ORDER BY needs no TOP
   std::vector<ResultColumn> DescribeQuery(const Query& query, bool may_order);

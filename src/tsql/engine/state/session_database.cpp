@@ -5,6 +5,7 @@
 #include "tsql/engine/state/catalog_functions.h"
 #include "tsql/functions/functions.h"
 #include "tsql/functions/list_table.h"
+#include "tsql/functions/row_table.h"
 
 namespace tessarlorn::tsql {
 
@@ -22,6 +23,7 @@ SessionDatabase::SessionDatabase(DatabaseHandle database, std::size_t memory_lim
       &runtime_);
   RegisterFunctions(handle(), runtime_);
   RegisterListTable(handle());
+  RegisterRowTable(handle(), runtime_);
   RegisterCatalogFunctions(handle(), catalog_);
 }
 

@@ -140,6 +140,7 @@ class Finder {
 
   void Visit(const TableSourcePtr& source) {
     if (const auto* derived = std::get_if<DerivedTable>(&source->node)) Visit(derived->query);
+    if (const auto* function = std::get_if<TableFunction>(&source->node)) VisitAll(function->arguments);
     const auto* join = std::get_if<Join>(&source->node);
     if (join == nullptr) return;
     Visit(join->left);

@@ -12,7 +12,7 @@
 namespace tessarlorn::tsql {
 namespace {
 
-constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+constexpr std::size_t kNone = OrderKey::kNoColumn;
 
 /// The column that a number stands for.
 std::size_t NumberedColumn(const Literal& number, std::size_t columns) {
@@ -64,12 +64,13 @@ bool Selects(Parameters& parameters, const Select& select, const std::vector<Typ
 
 }  // namespace
 
-std::string TranslateOrder(Translation& translation, const Query& query, const Select& select, Scope& scope,
-                           const std::vector<ResultColumn>& columns, const std::vector<Typed>& values) {
-  return Keys(query.order_by, [&](const Expression& key) {
+std::vector<OrderKey> OrderKeys(Translation& translation, const Query& query, const Select& select, Scope& scope,
+                                const std::vector<ResultColumn>& columns, const std::vector<Typed>& values) {
+  const auto key_of = [&](const Expression& key) -> OrderKey {
+    const auto of_column = [&](std::size_t i) { return OrderKey{i, "", CollationOf(columns[i].type)}; };
     if (const auto* literal = As<Literal>(key)) {
       translation.parameters.Pin(*literal);
-      return Position(columns, NumberedColumn(*literal, columns.size()));
+      return of_column(NumberedColumn(*literal, columns.size()));
     }
     const auto* column = As<ColumnReference>(key);
     if (column != nullptr && column->parts.size() == 1) {
@@ -77,15 +78,32 @@ std::string TranslateOrder(Translation& translation, const Query& query, const S
       const std::size_t named = NamedColumn(columns, column->name(), [&](std::size_t i) {
         return i >= select.items.size() || !select.items[i].alias.empty();
       });
-      if (named != kNone) return Position(columns, named);
+      if (named != kNone) return of_column(named);
     }
     scope.clause = "ORDER BY clause";
     const Typed value = translation.Value(key, scope);
     if (select.distinct && !Selects(translation.parameters, select, values, key, value.sql)) {
       throw SqlError(145, "ORDER BY items must appear in the select list if SELECT DISTINCT is specified.", 15);
     }
-    return value.sql + CollationOf(value.type);
-  });
+    return {OrderKey::kNoColumn, value.sql, CollationOf(value.type)};
+  };
+  std::vector<OrderKey> keys;
+  for (const OrderItem& item : query.order_by) {
+    keys.push_back(key_of(*item.expression));
+    keys.back().descending = item.descending;
+  }
+  return keys;
+}
+
+std::string TranslateOrder(Translation& translation, const Query& query, const Select& select, Scope& scope,
+                           const std::vector<ResultColumn>& columns, const std::vector<Typed>& values) {
+  std::string sql;
+  for (const OrderKey& key : OrderKeys(translation, query, select, scope, columns, values)) {
+    sql += sql.empty() ? " ORDER BY " : ", ";
+    sql += key.column == OrderKey::kNoColumn ? key.sql : std::to_string(key.column + 1);
+    sql += key.collation + (key.descending ? " DESC" : "");
+  }
+  return sql;
 }
 
 std::string TranslateOrderOfSet(Translation& translation, const Query& query,
@@ -116,8 +134,6 @@ std::string TranslateOrderOfSet(Translation& translation, const Query& query,
 }
 
 std::string TranslateTop(Translation& translation, const Select& select, Scope& scope) {
-  if (select.top_percent) RaiseUnsupported("TOP … PERCENT", select.line);
-  if (select.top_with_ties) RaiseUnsupported("TOP … WITH TIES", select.line);
   if (const auto* literal = As<Literal>(*select.top)) translation.parameters.Pin(*literal);
   return " LIMIT " + IntArgument(translation, *select.top, scope);
 }

@@ -12,6 +12,15 @@ bool StoresAlike(const SqlType& a, const SqlType& b) {
   return a.storage() == b.storage() && (!a.is_exact() || a.scale == b.scale);
 }
 
+void Rename(std::vector<ResultColumn>& columns, const std::vector<std::string>& names, const std::string& owner) {
+  const bool more = columns.size() > names.size();
+  if (names.size() != columns.size()) {
+    throw SqlError(more ? 8158 : 8159, "'" + owner + "' has " + (more ? "more" : "fewer") +
+                                           " columns than were specified in the column list.");
+  }
+  for (std::size_t i = 0; i < names.size(); ++i) columns[i].name = names[i];
+}
+
 void CheckNames(const std::vector<ResultColumn>& columns, const std::string& owner) {
   std::set<std::string> seen;
   for (std::size_t i = 0; i < columns.size(); ++i) {

@@ -22,6 +22,8 @@ TranslatedQuery TranslateSet(Translation& translation, const Query& query, const
 TranslatedQuery TranslateRows(Translation& translation, const ValueRows& values, const Scope* parent,
                               const SelectOptions& options);
 
+/// Gives the columns other names. Raises 8158 and 8159 for another number of them.
+void Rename(std::vector<ResultColumn>& columns, const std::vector<std::string>& names, const std::string& owner);
 /// Raises 8155 and 8156 for columns without a name of their own.
 void CheckNames(const std::vector<ResultColumn>& columns, const std::string& owner);
 /// Whether values of both types are kept alike in SQLite.

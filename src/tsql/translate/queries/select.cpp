@@ -8,6 +8,7 @@
 #include "tsql/translate/queries/key_list.h"
 #include "tsql/translate/queries/order.h"
 #include "tsql/translate/queries/query.h"
+#include "tsql/translate/queries/ranked_top.h"
 #include "tsql/translate/queries/source.h"
 #include "tsql/values/sql_error.h"
 
@@ -55,9 +56,11 @@ class SelectTranslator {
   void AddIdentity(const SelectItem& item, const IdentityCall& call);
   /// Whether the column counts in a table that is made of the one that it is of.
   [[nodiscard]] bool KeepsIdentity(const Expression& expression) const;
-  void NameColumns();
   [[nodiscard]] std::string List(bool distinct) const;
+  std::string Having();
   std::string Limit();
+  /// @param rest from FROM to GROUP BY
+  std::string RankedTop(const std::string& rest);
 
   Translation& translation_;
   const Query& query_;
@@ -138,17 +141,6 @@ bool SelectTranslator::KeepsIdentity(const Expression& expression) const {
   return counts >= 0 && counts == table->FindColumn(column->name());
 }
 
-void SelectTranslator::NameColumns() {
-  if (options_.names == nullptr) return;
-  const std::vector<std::string>& names = *options_.names;
-  const bool more = result_.columns.size() > names.size();
-  if (names.size() != result_.columns.size()) {
-    throw SqlError(more ? 8158 : 8159, "'" + options_.owner + "' has " + (more ? "more" : "fewer") +
-                                           " columns than were specified in the column list.");
-  }
-  for (std::size_t i = 0; i < names.size(); ++i) result_.columns[i].name = names[i];
-}
-
 std::string SelectTranslator::List(bool distinct) const {
   const bool named = options_.named || options_.names != nullptr;
   const bool collate = options_.collate_items || select_.distinct;
@@ -160,6 +152,23 @@ std::string SelectTranslator::List(bool distinct) const {
   }
   if (values_.empty()) throw SqlError(263, "Must specify table to select from.");
   return sql;
+}
+
+std::string SelectTranslator::Having() {
+  if (select_.having == nullptr) return {};
+  scope_.clause = "HAVING clause";
+  return " HAVING " + translation_.Condition(*select_.having, scope_);
+}
+
+std::string SelectTranslator::RankedTop(const std::string& rest) {
+  const std::string having = Having();
+  return TranslateRankedTop(translation_,
+                            {.select = select_,
+                             .values = values_,
+                             .columns = result_.columns,
+                             .keys = OrderKeys(translation_, query_, select_, scope_, result_.columns, values_),
+                             .rest = rest + having},
+                            scope_);
 }
 
 std::string SelectTranslator::Limit() {
@@ -181,8 +190,14 @@ TranslatedQuery SelectTranslator::Translate() {
   const bool of_condition = options_.names != nullptr && options_.names->size() == 1 && !options_.named &&
                             (*options_.names)[0] == "c" && result_.columns.size() != 1;
   if (of_condition) return std::move(result_);
-  NameColumns();
+  if (options_.names != nullptr) Rename(result_.columns, *options_.names, options_.owner);
   if (options_.named) CheckNames(result_.columns, options_.owner);
+  if (NeedsRanks(select_)) {
+    if (assigns) RaiseUnsupported("TOP … WITH TIES or PERCENT of an assignment", select_.line);
+    result_.sql = RankedTop(from + where + group);
+    translation_.aggregate_depth = outer_depth;
+    return std::move(result_);
+  }
   // SQLite can only unfold an outer-joined view outside DISTINCT.
   const bool unfold = select_.distinct && scope_.optional_view && query_.order_by.empty() && select_.top == nullptr;
   std::string sql = List(select_.distinct && !unfold);
@@ -191,11 +206,7 @@ TranslatedQuery SelectTranslator::Translate() {
     const std::string order = TranslateOrder(translation_, query_, select_, scope_, {}, values_);
     result_.sql = SortedAssignment(captured, sql, from + where + order + Limit());
   } else {
-    sql += from + where + group;
-    if (select_.having != nullptr) {
-      scope_.clause = "HAVING clause";
-      sql += " HAVING " + translation_.Condition(*select_.having, scope_);
-    }
+    sql += from + where + group + Having();
     sql += TranslateOrder(translation_, query_, select_, scope_, result_.columns, values_);
     const std::string limit = Limit();
     result_.sql = unfold ? "SELECT DISTINCT * FROM (" + sql + " LIMIT -1)" : sql + limit;

@@ -5,8 +5,10 @@
 #include <utility>
 
 #include "platform/text/text.h"
+#include "tsql/functions/row_table.h"
 #include "tsql/storage/system_views.h"
 #include "tsql/syntax/parser.h"
+#include "tsql/translate/queries/table_function.h"
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {
@@ -28,9 +30,19 @@ class Sources {
 
   std::string operator()(const NamedTable& named) const;
   std::string operator()(const DerivedTable& derived) const;
+  std::string operator()(const TableFunction& function) const;
   std::string operator()(const Join& join) const;
 
  private:
+  [[nodiscard]] TranslatedQuery QueryOf(const DerivedTable& derived, const Scope* around) const;
+  /// CROSS APPLY and OUTER APPLY. SQLite's own sources do not see those beside them, but the arguments of its
+  /// table-valued functions do: the rows of the right side come packed in one.
+  [[nodiscard]] std::string Apply(const Join& join) const;
+  /// @param kept a row of NULLs stands for no rows
+  [[nodiscard]] std::string Function(const TableFunction& function, bool kept) const;
+  /// Adds the columns of packed rows, and names them.
+  [[nodiscard]] std::string AddPacked(const std::string& packed, const std::string& alias,
+                                      const std::vector<ResultColumn>& columns, bool kept) const;
   /// Adds a source with these columns.
   template <typename Columns>
   void Add(const std::string& alias, const Columns& columns, CatalogObjectPtr table = nullptr) const {
@@ -99,17 +111,63 @@ TranslatedQuery Sources::ViewText(const CatalogObject& view) const {
   return query;
 }
 
-std::string Sources::operator()(const DerivedTable& derived) const {
+TranslatedQuery Sources::QueryOf(const DerivedTable& derived, const Scope* around) const {
   SelectOptions options;
   options.named = true;
   options.owner = derived.alias;
   if (!derived.column_aliases.empty()) options.names = &derived.column_aliases;
-  const TranslatedQuery query = translation_.QueryText(*derived.query, scope_.parent, options);
+  return translation_.QueryText(*derived.query, around, options);
+}
+
+std::string Sources::operator()(const DerivedTable& derived) const {
+  const TranslatedQuery query = QueryOf(derived, scope_.parent);
   Add(derived.alias, query.columns);
   return "(" + query.sql + ") AS " + QuoteName(derived.alias);
 }
 
+std::string Sources::AddPacked(const std::string& packed, const std::string& alias,
+                               const std::vector<ResultColumn>& columns, bool kept) const {
+  if (columns.size() > kMostPackedColumns) {
+    RaiseUnsupported("APPLY of more than " + std::to_string(kMostPackedColumns) + " columns");
+  }
+  Source source;
+  source.alias = alias;
+  for (const ResultColumn& column : columns) {
+    const std::string name = "c" + std::to_string(source.columns.size());
+    source.columns.push_back(
+        {column.name, column.type, optional_ || kept || column.nullable, QuoteName(alias) + "." + name});
+  }
+  AddSource(scope_, std::move(source));
+  return "ts_rows(" + packed + (kept ? ", 1" : "") + ") AS " + QuoteName(alias);
+}
+
+std::string Sources::Function(const TableFunction& function, bool kept) const {
+  const TranslatedTable table = TranslateTableFunction(translation_, function, scope_);
+  return AddPacked(table.packed, function.alias, table.columns, kept);
+}
+
+std::string Sources::operator()(const TableFunction& function) const { return Function(function, false); }
+
+std::string Sources::Apply(const Join& join) const {
+  const bool kept = join.kind == JoinKind::kOuterApply;
+  const std::string left = std::visit(Sources(translation_, scope_, optional_), join.left->node);
+  if (const auto* function = std::get_if<TableFunction>(&join.right->node)) {
+    return left + " CROSS JOIN " + Function(*function, kept);
+  }
+  if (const auto* derived = std::get_if<DerivedTable>(&join.right->node)) {
+    const TranslatedQuery query = QueryOf(*derived, &scope_);
+    std::string values;
+    for (const ResultColumn& column : query.columns) values += (values.empty() ? "" : ", ") + QuoteName(column.name);
+    const std::string packed = "(SELECT ts_pack(" + values + ") FROM (" + query.sql + "))";
+    return left + " CROSS JOIN " + AddPacked(packed, derived->alias, query.columns, kept);
+  }
+  // A table sees nothing beside it anyway.
+  const std::string right = std::visit(Sources(translation_, scope_, optional_ || kept), join.right->node);
+  return left + (kept ? " LEFT JOIN " + right + " ON 1" : " CROSS JOIN " + right);
+}
+
 std::string Sources::operator()(const Join& join) const {
+  if (join.kind > JoinKind::kCross) return Apply(join);
   constexpr std::array<std::string_view, 5> kJoins = {" INNER JOIN ", " LEFT JOIN ", " RIGHT JOIN ", " FULL JOIN ",
                                                       " CROSS JOIN "};
   const bool left_optional = join.kind == JoinKind::kRight || join.kind == JoinKind::kFull;

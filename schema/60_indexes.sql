@@ -72,6 +72,13 @@ IF NOT EXISTS (SELECT 1 FROM sys.indexes
 CREATE INDEX IX_Web2ERPOrdersEntry_Status ON IC_Web2ERPOrdersEntry (FStatus, FID);
 GO
 
+-- Where an order stands, for counts over many keys.
+IF NOT EXISTS (SELECT 1 FROM sys.indexes
+               WHERE name = 'IX_Web2ERPOrders_State' AND object_id = OBJECT_ID('IC_Web2ERPOrders'))
+CREATE INDEX IX_Web2ERPOrders_State ON IC_Web2ERPOrders (FID)
+  INCLUDE (FOrderStatus, FCheckStatus, FUpLoadStatus, FWebshopID);
+GO
+
 -- The list of locked orders.
 IF NOT EXISTS (SELECT 1 FROM sys.indexes
                WHERE name = 'IX_Web2ERPOrdersEx_Lock' AND object_id = OBJECT_ID('IC_Web2ERPOrdersEx'))

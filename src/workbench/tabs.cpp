@@ -15,7 +15,7 @@ const std::string kOfExtension = "IC_Web2ERPOrdersEx t22 with(nolock) INNER JOIN
 const std::string kLocked = "t1.FCheckStatus = 1 AND t1.FOrderStatus > 1 AND t22.FIsLock = 1 AND t22.FLockStatus = 2";
 /// Keys of orders that are refunded or have a closed line.
 const std::string kRefunded =
-    "(SELECT FID FROM IC_Web2ERPOrdersRefund with(nolock) WHERE FRefundStatus = 1 AND FIsShowWaitVerifyTemp = 0 UNION "
+    "(SELECT FID FROM IC_Web2ERPOrdersRefund with(nolock) WHERE FRefundStatus = 1 AND FIsShowWaitVerifyTemp = 0 UNION ALL "
     "SELECT FID FROM IC_Web2ERPOrdersEntry with(nolock) WHERE FStatus IN ('TRADE_CLOSED', 'TRADE_AUTOMATIC_CLOSED', "
     "'TRADE_MANUAL_CLOSED'))";
 
@@ -50,11 +50,11 @@ std::span<const Tab> Tabs() {
           .count = InState("14") + " - @locked14 + @queued6"},
       Tab{.name = "failedUploads",
           .condition = "t1.FUpLoadStatus = 2 AND " + kUnlocked,
-          .count = Count(kOrders, "t1.FUpLoadStatus = 2 AND " + std::string(kNotLocked))},
+          .count = Count(kOrders, "t1.FUpLoadStatus = 2") + " - @lockedFailed"},
       Tab{.name = "refunds",
           .condition = "t1.FOrderStatus > 1 AND t1.FID IN " + kRefunded + " AND " + kUnlocked,
-          .count = Count(kRefunded + " r INNER JOIN " + kOrders + " ON t1.FID = r.FID",
-                         "t1.FOrderStatus > 1 AND " + std::string(kNotLocked))},
+          .count =
+              Count(kOrders, "t1.FID IN " + kRefunded + " AND t1.FOrderStatus > 1 AND " + std::string(kNotLocked))},
       Tab{.name = "locked", .condition = kLocked, .count = "@locked"},
   };
   return kTabs;
@@ -63,12 +63,13 @@ std::span<const Tab> Tabs() {
 std::string TabsStatement(std::string_view shops) {
   const auto in_state = [](const char* state) { return Those(std::string("t1.FOrderStatus = ") + state); };
   std::string text =
-      "DECLARE @locked int, @locked2 int, @locked6 int, @locked14 int, @queued2 int, @queued6 int;\r\nSELECT @locked = " +
+      "DECLARE @locked int, @locked2 int, @locked6 int, @locked14 int, @lockedFailed int, @queued2 int, @queued6 "
+      "int;\r\nSELECT @locked = " +
       Those(kLocked) + ", @locked2 = " + in_state("2") + ", @locked6 = " + in_state("6") +
-      ", @locked14 = " + in_state("14") + " FROM " + kOfExtension +
-      " WHERE (t22.FIsLock > 0 OR t22.FIsLock < 0){shops};\r\nSELECT @queued2 = " + in_state("2") +
+      ", @locked14 = " + in_state("14") + ", @lockedFailed = " + Those("t1.FUpLoadStatus = 2") + " FROM " +
+      kOfExtension + " WHERE (t22.FIsLock > 0 OR t22.FIsLock < 0){shops};\r\nSELECT @queued2 = " + in_state("2") +
       ", @queued6 = " + in_state("6") + " FROM IC_StockBillOrdersStatus t23 with(nolock) INNER JOIN " + kOrders +
-      " ON t1.FID = t23.FID WHERE t23.FStockBillStatus = 1 AND t1.FOrderStatus IN (2, 6) AND " +
+      " ON t1.FID = t23.FID WHERE t23.FStockBillStatus = 1 AND (t1.FOrderStatus = 2 OR t1.FOrderStatus = 6) AND " +
       std::string(kNotLocked) + "{shops};\r\n";
   for (const Tab& tab : Tabs()) {
     text.append(&tab == Tabs().data() ? "SELECT '" : " UNION ALL SELECT '").append(tab.name);

@@ -93,7 +93,7 @@ TEST_F(DoorTest, WhoeverIsSilentOrWantsTooMuchDoesNotHoldOthers) {
   };
   EXPECT_EQ(StatusesOf(door.port(), sql("SELECT FID FROM IC_Web2ERPOrders")), "422") << "these are 60 rows";
 
-  const RunningDoor wide(database_.database(), {.readers = 1, .time = milliseconds(1500)}, limits);
+  const RunningDoor wide(database_.database(), {.readers = 1, .time = milliseconds(4000)}, limits);
   database_.connection().Execute(
       "WITH N AS (SELECT 1 AS n UNION ALL SELECT n + 1 FROM N WHERE n < 9000) INSERT DoorCall (FCaller, FUserID, "
       "FOperation, FOrders) SELECT 'x', 1, 'x', REPLICATE('x', 3500) FROM N OPTION (MAXRECURSION 0)");

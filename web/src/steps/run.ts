@@ -12,13 +12,17 @@ import { words } from './words.js';
 export type Outcomes = ReadonlyMap<number, string>;
 
 const block = 200;
+/** Later blocks of a run are as large as this time, in milliseconds, allows. */
+const blockTime = 500;
+const smallestBlock = 20;
+const largestBlock = 1000;
 const tries = 4;
 const firstPause = 1000;
 const underWay = 409;
 
-function blocksOf(keys: readonly number[]): number[][] {
+function blocksOf(keys: readonly number[], size: number): number[][] {
   const blocks: number[][] = [];
-  for (let start = 0; start < keys.length; start += block) blocks.push(keys.slice(start, start + block));
+  for (let start = 0; start < keys.length; start += size) blocks.push(keys.slice(start, start + size));
   return blocks;
 }
 
@@ -81,7 +85,7 @@ export async function tryStep(
 ): Promise<void> {
   const { rows, outcomes } = progress;
   const how: How = { params: { query: { each: 'order', 'dry-run': true } } };
-  for (const keysOfBlock of blocksOf(keys.filter((key) => !outcomes.has(key)))) {
+  for (const keysOfBlock of blocksOf(keys.filter((key) => !outcomes.has(key)), block)) {
     if (stop.aborted) return;
     const found = await persist(() => askRows(keysOfBlock, stop), stop);
     const why = new Map<number, string>(keysOfBlock.map((key) => [key, words.gone]));
@@ -109,19 +113,23 @@ export async function tryStep(
 export type Runnable = Pick<Step, 'call'> & Partial<Pick<Step, 'states'>>;
 
 interface Block {
-  readonly keys: number[];
+  readonly keys: readonly number[];
   readonly idempotencyKey: string;
-  /** Those that it was sent with, if it was. */
-  sent?: number[];
 }
 
 /** A run of a step; a block that failed is tried again with its own key, so that nothing is made twice. */
 export class Run {
   readonly outcomes = new Map<number, string>();
-  private readonly blocks: Block[];
+  /** The orders whose states were not asked yet. A few come first, so that people soon see how fast it goes. */
+  private readonly windows: (readonly number[])[];
+  /** Those of the last window that can take the step and were not sent yet. */
+  private able: readonly number[] = [];
+  /** What was sent and not answered. */
+  private sent: Block | undefined;
+  private size = block;
 
   constructor(private readonly step: Runnable, private readonly values: Values, readonly keys: readonly number[]) {
-    this.blocks = blocksOf(keys).map((keysOfBlock) => ({ keys: keysOfBlock, idempotencyKey: newKey() }));
+    this.windows = [keys.slice(0, block), ...blocksOf(keys.slice(block), largestBlock)];
   }
 
   get done(): number[] {
@@ -130,20 +138,33 @@ export class Run {
 
   async go(stop: AbortSignal, onBlock: () => void): Promise<void> {
     let ahead: Promise<Outcomes> | undefined;
-    for (let next = this.blocks[0]; next && !stop.aborted; next = this.blocks[0]) {
-      // Asked once: a block that is sent again may have been done, and the orders are elsewhere by it.
-      const able = next.sent ??= this.leaveOut(next.keys, await (ahead ?? this.whyNot(next.keys, stop)));
-      // Asked while the server is busy with this block, and of use in this run only.
-      ahead = this.blocks[1] && this.whyNot(this.blocks[1].keys, stop);
-      ahead?.catch(() => undefined);
-      const how: How = { params: { query: { each: 'order' }, header: { 'Idempotency-Key': next.idempotencyKey } } };
-      if (able.length) {
-        const answer = await persist(() => answerOf(this.step.call(able.join(), this.values, how)), stop);
-        readOutcomes(answer, able, this.outcomes);
+    while (!stop.aborted && (this.sent || this.able.length || this.windows[0])) {
+      const window = this.windows[0];
+      if (!this.sent && !this.able.length && window) {
+        this.able = this.leaveOut(window, await (ahead ?? this.whyNot(window, stop)));
+        this.windows.shift();
+        ahead = undefined;
       }
-      this.blocks.shift();
+      if (!this.sent && this.able.length) {
+        this.sent = { keys: this.able.slice(0, this.size), idempotencyKey: newKey() };
+        this.able = this.able.slice(this.size);
+      }
+      // Asked while the server is busy with this block, and of use in this run only.
+      ahead ??= this.windows[0] && this.whyNot(this.windows[0], stop);
+      ahead?.catch(() => undefined);
+      if (this.sent) await this.send(this.sent, stop);
       onBlock();
     }
+  }
+
+  private async send({ keys, idempotencyKey }: Block, stop: AbortSignal): Promise<void> {
+    const how: How = { params: { query: { each: 'order' }, header: { 'Idempotency-Key': idempotencyKey } } };
+    const begun = performance.now();
+    const answer = await persist(() => answerOf(this.step.call(keys.join(), this.values, how)), stop);
+    const pace = keys.length / (performance.now() - begun);
+    this.size = Math.max(smallestBlock, Math.min(largestBlock, Math.round(pace * blockTime)));
+    readOutcomes(answer, keys, this.outcomes);
+    this.sent = undefined;
   }
 
   /** Which of the orders others took elsewhere meanwhile. */

@@ -89,6 +89,34 @@ TEST(Language, RowsForEachRow) {
   });
 }
 
+TEST(Language, TableVariables) {
+  Check({
+      {"declare @t table (k int primary key, n nvarchar(10) default 'x', i int identity) insert @t (k) values (1),(2) insert into "
+       "@t (k, n) select 3, N'货' update t set n = n + '!' from @t t where k > 1 delete from @t where k = 1 select * from @t",
+       "k|n|i;2|x!|2;3|货!|3"},
+      {"select * from @t", "error 1087: Must declare the table variable \"@t\"."},
+      {"declare @t table (k int, i int identity) insert @t values (1) begin tran insert @t values (2) update o set FState = 9 save "
+       "tran s insert @t values (3) rollback tran s rollback insert @t values (4) select k, i, FState from @t, o where FID = 1",
+       "k|i|FState;1|1|2;2|2|2;3|3|2;4|4|2"},
+      {"declare @i int = 0 while @i < 3 begin declare @t table (a int) insert @t values (@i) set @i += 1 end select count(*) as n "
+       "from @t",
+       "n;3"},
+      {"declare @t table (a int) insert @t values (1) exec('select * from @t')",
+       "error 1087: Must declare the table variable \"@t\"."},
+      {"create procedure deeper @n int as begin declare @t table (n int) insert @t values (@n) declare @m int = @n + 1 if @n < 3 "
+       "exec deeper @m insert #all select n from @t end",
+       ""},
+      {"create table #all (n int) exec deeper 1 select n from #all", "n;3;2;1"},
+      {"declare @t table (a varchar(3) unique) insert @t values ('a'),('a')",
+       "error 2627: Violation of UNIQUE KEY constraint on '@t.a'. Cannot insert duplicate key in object 'dbo.@t'."},
+      {"select FID from o with (index(no))",
+       "error 308: Index 'no' on table 'o' (specified in the FROM clause) does not exist."},
+      {"create index ix on o (FState) select FID from o with (nolock, index(ix)) where FState > 6 union all select FID from o t with "
+       "(index = ix, index(1)) where FID = 1",
+       "FID;3;1"},
+  });
+}
+
 TEST(Language, TopWithTiesAndPercent) {
   Check({
       {"select top 1 with ties FID, FEntryID from e order by FID", "FID|FEntryID;1|11;1|12"},
@@ -476,7 +504,6 @@ TEST(Language, FaultsOfSyntax) {
            {"select * from t pivot (sum(a) for b in (1,2)) p", "PIVOT"},
            {"select * from f(1) x", "The table-valued function f"},
            {"select 1 group by rollup (a)", "ROLLUP"},
-           {"declare @t table (a int)", "A table variable"},
            {"declare c cursor for select 1", "A cursor"},
            {"merge t using u on 1=1", "MERGE"},
            {"delete t output deleted.a into u", "OUTPUT … INTO"},

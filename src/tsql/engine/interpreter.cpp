@@ -6,6 +6,7 @@
 
 #include "platform/server_messages.h"
 #include "tsql/engine/state/effect.h"
+#include "tsql/engine/state/table_variables.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -51,6 +52,7 @@ Interpreter::Interpreter(SessionDatabase& database, SessionOptions& options, Res
 void Interpreter::RunBatch(std::string_view text, Frame& frame) {
   PlanStore::OpenBatch batch(plans_);
   const FrameInUse in_use(database_.runtime(), frame);
+  const TableVariableScope variables(database_);
   database_.catalog().Refresh();
   plans_.Open(text, batch, frame);
   for (const BatchStatement& entry : batch.statements()) {
@@ -64,6 +66,7 @@ void Interpreter::RunBatch(std::string_view text, Frame& frame) {
 
 void Interpreter::RunBody(const std::vector<StatementPtr>& body, Activation& activation) {
   const FrameInUse in_use(database_.runtime(), *activation.frame);
+  const TableVariableScope variables(database_);
   Body(body, activation);
 }
 
@@ -129,7 +132,14 @@ class Interpreter::Runner {
   }
 
   // Variables and options
-  Flow operator()(const DeclareStatement& node) const { return of_.Declare(node, activation_); }
+  Flow operator()(const DeclareStatement& node) const {
+    for (const CreateTableStatement& table : node.tables) {
+      // In a loop it stands, with its rows.
+      if (of_.database_.catalog().Find(table.table.name) != nullptr) continue;
+      of_.definitions_.CreateTable(table, line_, activation_);
+    }
+    return of_.Declare(node, activation_);
+  }
   Flow operator()(const SetStatement& node) const { return of_.Set(node, activation_); }
   Flow operator()(const SetSwitchStatement& node) const {
     of_.results_.set_row_count(0);

@@ -189,7 +189,9 @@ void Classify(const Statement& statement, Plan& plan) {
   plan.defines = plan.defines || effect == Effect::kDefines || calls || allows;
   // An alias may hide a temporary table; taking the lock for it does no harm.
   plan.writes = plan.writes || (effect != Effect::kNone && !IsOnTemporaryTables(statement));
-  plan.declares = plan.declares || As<DeclareStatement>(statement) != nullptr;
+  const auto* declare = As<DeclareStatement>(statement);
+  plan.declares = plan.declares || declare != nullptr;
+  plan.defines = plan.defines || (declare != nullptr && !declare->tables.empty());
   ForEachChild(statement, [&](const Statement& child) { Classify(child, plan); });
 }
 
@@ -197,7 +199,8 @@ void Classify(const Statement& statement, Plan& plan) {
 bool KeepsText(const Statement& statement) {
   return As<CreateViewStatement>(statement) != nullptr || As<CreateProcedureStatement>(statement) != nullptr ||
          As<CreateTableStatement>(statement) != nullptr || As<CreateIndexStatement>(statement) != nullptr ||
-         As<AlterTableStatement>(statement) != nullptr;
+         As<AlterTableStatement>(statement) != nullptr ||
+         (As<DeclareStatement>(statement) != nullptr && !As<DeclareStatement>(statement)->tables.empty());
 }
 
 }  // namespace

@@ -133,6 +133,9 @@ void Definitions::CreateTable(const CreateTableStatement& statement, std::uint32
   NewTable made;
   made.table.name = statement.table.name;
   made.table.temporary = statement.table.temporary();
+  if (statement.table.variable()) {
+    made.table.stored_name = made.table.name + "$" + std::to_string(database_.catalog().scope_depth());
+  }
   const TableElements& elements = statement.elements;
   for (const ColumnDefinition& definition : elements.columns) AddColumnDefinition(made, definition, line);
   for (const TableConstraint& constraint : elements.constraints) AddKey(made, constraint);
@@ -158,7 +161,7 @@ void Definitions::CreateTable(const CreateTableStatement& statement, std::uint32
     for (const ColumnDefinition& definition : elements.columns) {
       if (!definition.identity || definition.identity_seed == 1) continue;
       database_.Run(std::string("INSERT INTO ") + (table->temporary ? "temp" : "main") + ".sqlite_sequence VALUES (" +
-                    QuoteText(table->name) + ", " + std::to_string(definition.identity_seed - 1) + ")");
+                    QuoteText(table->table_name()) + ", " + std::to_string(definition.identity_seed - 1) + ")");
     }
   });
 }

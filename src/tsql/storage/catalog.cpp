@@ -41,7 +41,13 @@ void RequireLocal(const ObjectName& name) {
   const std::string_view database = parts.size() > 1 ? parts[parts.size() - 2] : std::string_view{};
   const bool here = database.empty() || EqualsIgnoreCase(database, name.temporary() ? "tempdb" : "main");
   if (here && parts.size() <= 2 && (schema.empty() || EqualsIgnoreCase(schema, "dbo"))) return;
-  throw SqlError(208, "Invalid object name '" + name.qualifier + "." + name.name + "'.");
+  RaiseNoObject(name);
+}
+
+void RaiseNoObject(const ObjectName& name) {
+  if (name.variable()) throw SqlError(1087, "Must declare the table variable \"" + name.name + "\".", 15, 2);
+  throw SqlError(208,
+                 "Invalid object name '" + (name.qualifier.empty() ? "" : name.qualifier + ".") + name.name + "'.");
 }
 
 int CatalogObject::FindColumn(std::string_view column) const {
@@ -59,7 +65,7 @@ int CatalogObject::identity_column() const {
 }
 
 void CatalogObject::Seal() {
-  signature_ = std::string(kKindNames[static_cast<std::size_t>(kind)]) + "\n" + definition;
+  signature_ = std::string(kKindNames[static_cast<std::size_t>(kind)]) + "\n" + stored_name + "\n" + definition;
   for (const Column& column : columns) {
     signature_ += "\n" + column.name + " " + TypeText(column.type) + (column.nullable ? " null " : " not null ") +
                   (column.identity  ? "identity "
@@ -153,7 +159,7 @@ void Catalog::Load() {
 }
 
 CatalogObjectPtr Catalog::Find(std::string_view name) const {
-  const auto& objects = !name.empty() && name[0] == '#' ? temporaries_ : objects_;
+  const Objects& objects = ObjectsLike(*this, name);
   const auto found = objects.find(LowerCase(name));
   return found == objects.end() ? nullptr : found->second;
 }
@@ -161,7 +167,7 @@ CatalogObjectPtr Catalog::Find(std::string_view name) const {
 CatalogObjectPtr Catalog::Get(std::string_view name) const {
   CatalogObjectPtr object = Find(name);
   if (object == nullptr || object->kind == CatalogKind::kProcedure) {
-    throw SqlError(208, "Invalid object name '" + std::string(name) + "'.");
+    RaiseNoObject({"", std::string(name)});
   }
   return object;
 }
@@ -179,7 +185,7 @@ void Catalog::Replace(CatalogObject object) {
   const std::string key = LowerCase(object.name);
   if (object.temporary) {
     object.id = next_temporary_id_--;
-    temporaries_[key] = std::make_shared<const CatalogObject>(std::move(object));
+    ObjectsLike(*this, key)[key] = std::make_shared<const CatalogObject>(std::move(object));
     return;
   }
   Remove(object.name);
@@ -219,8 +225,8 @@ void Catalog::CountUp() {
 void Catalog::Remove(std::string_view name) {
   ++generation_;
   const std::string key = LowerCase(name);
-  if (!key.empty() && key[0] == '#') {
-    temporaries_.erase(key);
+  if (IsTemporaryName(key)) {
+    ObjectsLike(*this, key).erase(key);
     return;
   }
   const auto found = objects_.find(key);
@@ -238,6 +244,28 @@ std::vector<std::string> Catalog::TemporaryTables() const {
   std::vector<std::string> names;
   for (const auto& [key, object] : temporaries_) names.push_back(object->name);
   return names;
+}
+
+void Catalog::EnterScope() {
+  // A statement that was compiled for the caller's variables is another one here.
+  if (!scopes_.back().empty()) ++generation_;
+  scopes_.emplace_back();
+}
+
+std::vector<CatalogObjectPtr> Catalog::LeaveScope() {
+  std::vector<CatalogObjectPtr> tables;
+  for (auto& [key, table] : scopes_.back()) tables.push_back(std::move(table));
+  scopes_.pop_back();
+  if (!tables.empty() || !scopes_.back().empty()) ++generation_;
+  return tables;
+}
+
+std::vector<CatalogObjectPtr> Catalog::TableVariables() const {
+  std::vector<CatalogObjectPtr> tables;
+  for (const Objects& scope : scopes_) {
+    for (const auto& [key, table] : scope) tables.push_back(table);
+  }
+  return tables;
 }
 
 }  // namespace tessarlorn::tsql

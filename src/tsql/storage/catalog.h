@@ -32,6 +32,8 @@ enum class CatalogKind : std::uint8_t { kTable, kView, kProcedure };
 struct CatalogObject {
   CatalogKind kind = CatalogKind::kTable;
   std::string name;
+  /// Of a table variable, which others of its name may stand beside: the name of SQLite's table. "" when it is `name`.
+  std::string stored_name;
   bool temporary = false;
   /// Of a table; of a procedure its parameters, whose default_text is "output" when they give a value back.
   std::vector<Column> columns;
@@ -39,6 +41,8 @@ struct CatalogObject {
   std::string definition;
   std::int64_t id = 0;
 
+  /// What SQLite's table is called.
+  [[nodiscard]] const std::string& table_name() const { return stored_name.empty() ? name : stored_name; }
   [[nodiscard]] int FindColumn(std::string_view column) const;
   [[nodiscard]] int identity_column() const;
   /// Two definitions with the same signature can serve the same compiled statements.
@@ -65,6 +69,8 @@ std::string QuoteText(std::string_view text);
 void RequireThisDatabase(std::string_view database);
 /// Raises 208 for the name of an object of another database, or of a schema that is not dbo.
 void RequireLocal(const ObjectName& name);
+/// Raises 208, or 1087 for a table variable.
+[[noreturn]] void RaiseNoObject(const ObjectName& name);
 
 class Catalog {
  public:
@@ -83,9 +89,10 @@ class Catalog {
   /// What was read may be wrong, as after a rollback: the next Refresh reads all of it anew.
   void Invalidate() noexcept { stale_ = true; }
 
-  /// The object of that name without regard to case, or nullptr. `#name` is a temporary table of this connection.
+  /// The object of that name without regard to case, or nullptr. `#name` is a temporary table of this connection,
+  /// `@name` a table variable of the innermost scope.
   [[nodiscard]] CatalogObjectPtr Find(std::string_view name) const;
-  /// The object of that kind. Raises 208 for a missing table or view, 2812 for a procedure.
+  /// The table or view. Raises 208, or 1087 for a table variable, when there is none.
   [[nodiscard]] CatalogObjectPtr Get(std::string_view name) const;
 
   /// Writes a definition; the SQLite table itself is the caller's business. Raises 2714 when the name is taken.
@@ -95,6 +102,15 @@ class Catalog {
   void Remove(std::string_view name);
 
   [[nodiscard]] std::vector<std::string> TemporaryTables() const;
+
+  /// A batch or procedure body begins: it sees none of its caller's table variables.
+  void EnterScope();
+  /// The scope ends. @return its table variables, which are no objects any longer
+  std::vector<CatalogObjectPtr> LeaveScope();
+  /// How many scopes there are, one around the other.
+  [[nodiscard]] std::size_t scope_depth() const { return scopes_.size(); }
+  /// Those of all scopes.
+  [[nodiscard]] std::vector<CatalogObjectPtr> TableVariables() const;
   /// Grows whenever a definition changes.
   [[nodiscard]] std::uint64_t generation() const noexcept { return generation_; }
 
@@ -103,14 +119,22 @@ class Catalog {
   /// Makes the schema's version another one, for what is no object of SQLite's.
   void CountUp();
   void RefreshTo(std::int64_t version);
+  using Objects = std::unordered_map<std::string, CatalogObjectPtr>;  // by lower-case name
+  /// Those among which an object of such a name stands.
+  template <typename Self>
+  static auto& ObjectsLike(Self& self, std::string_view name) {
+    if (!IsTemporaryName(name)) return self.objects_;
+    return name[0] == '#' ? self.temporaries_ : self.scopes_.back();
+  }
   std::int64_t SchemaVersion();
   void Write(const CatalogObject& object);
 
   sqlite3* database_;
   SqliteStatement version_statement_;
   int holds_ = 0;
-  std::unordered_map<std::string, CatalogObjectPtr> objects_;  // by lower-case name
-  std::unordered_map<std::string, CatalogObjectPtr> temporaries_;
+  Objects objects_;
+  Objects temporaries_;
+  std::vector<Objects> scopes_ = std::vector<Objects>(1);  // of table variables
   std::int64_t schema_version_ = -1;
   bool stale_ = false;
   std::uint64_t generation_ = 0;

@@ -18,6 +18,8 @@ std::string JsonText(std::string_view text) {
   return json + "\"";
 }
 
+std::string NameText(const std::string& name) { return ",\"name\":" + JsonText(name); }
+
 std::string JsonList(const std::vector<std::string>& texts) {
   std::string json = "[";
   for (const std::string& text : texts) json += (json.size() == 1 ? "" : ",") + JsonText(text);
@@ -39,8 +41,6 @@ class Writer {
   }
 
  private:
-  static std::string NameText(const std::string& name) { return ",\"name\":" + JsonText(name); }
-
   /// PK_table, UQ_table_column.
   [[nodiscard]] std::string FreeName(std::string_view kind, const std::vector<std::string>& columns) const {
     std::string name = kind == "F" ? "FK" : kind == "C" ? "CK" : kind == "D" ? "DF" : std::string(kind);
@@ -104,6 +104,10 @@ void AddConstraints(std::string& definition, const std::string& table, const Tab
     writer.Add("D", DefaultName(elements.constraints, column.name), {column.name},
                TextMember("(" + column.default_text + ")"));
   }
+}
+
+bool HasConstraint(const std::string& definition, const std::string& name) {
+  return FindIgnoreCase(definition, NameText(name)) != std::string::npos;
 }
 
 }  // namespace tessarlorn::tsql

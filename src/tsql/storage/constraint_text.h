@@ -12,4 +12,7 @@ namespace tessarlorn::tsql {
 /// columns, and text, to and referenced, or seed. What has no name gets one that the table has not yet.
 void AddConstraints(std::string& definition, const std::string& table, const TableElements& elements);
 
+/// Whether a constraint of that name is among them, without regard to case.
+bool HasConstraint(const std::string& definition, const std::string& name);
+
 }  // namespace tessarlorn::tsql

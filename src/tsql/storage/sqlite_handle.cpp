@@ -28,6 +28,17 @@ std::string_view ColumnPart(std::string_view column) {
   return dot == std::string_view::npos ? column : column.substr(dot + 1);
 }
 
+/// Columns with their tables, a table variable by the name that it was declared with: @t for "@t$2".
+std::string Shown(std::string_view columns) {
+  std::string shown;
+  bool hidden = false;
+  for (const char c : columns) {
+    hidden = columns[0] == '@' && (c == '$' || (hidden && c >= '0' && c <= '9'));
+    if (!hidden) shown += c;
+  }
+  return shown;
+}
+
 /// The index, with its table's name before a point, whose columns are "t.a, t.b"; "" for those of constraints.
 std::string IndexOf(sqlite3* database, const std::string& columns) {
   const std::string table(TablePart(columns));
@@ -45,14 +56,14 @@ std::string IndexOf(sqlite3* database, const std::string& columns) {
   std::string index = detail.starts_with(kNamed) ? detail.substr(kNamed.size(), detail.size() - kNamed.size() - 1)
                                                  : IndexOf(database, detail);
   if (index.ends_with(kNullKeySuffix)) index.resize(index.size() - kNullKeySuffix.size());
-  const std::string table(TablePart(index.empty() ? detail : index));
+  const std::string table = Shown(TablePart(index.empty() ? detail : index));
   const std::string name(ColumnPart(index));
   if (!index.empty() && !name.starts_with(kUniqueKeyPrefix)) {
     throw SqlError(
         2601, "Cannot insert duplicate key row in object 'dbo." + table + "' with unique index '" + name + "'.", 14);
   }
   throw SqlError(2627,
-                 "Violation of UNIQUE KEY constraint" + (index.empty() ? " on '" + detail + "'" : "") +
+                 "Violation of UNIQUE KEY constraint" + (index.empty() ? " on '" + Shown(detail) + "'" : "") +
                      ". Cannot insert duplicate key in object 'dbo." + table + "'.",
                  14);
 }
@@ -96,16 +107,17 @@ bool HasRoom(sqlite3* database) {
 
 [[noreturn]] void RaiseConstraint(sqlite3* database, int status, std::string_view message, std::string_view verb) {
   const std::string detail(Detail(message));
+  const std::string table = Shown(TablePart(detail));
   switch (status) {
     case SQLITE_CONSTRAINT_NOTNULL:
       throw SqlError(515, "Cannot insert the value NULL into column '" + std::string(ColumnPart(detail)) +
-                              "', table 'dbo." + std::string(TablePart(detail)) + "'; column does not allow nulls. " +
-                              std::string(verb) + " fails.");
+                              "', table 'dbo." + table + "'; column does not allow nulls. " + std::string(verb) +
+                              " fails.");
     case SQLITE_CONSTRAINT_PRIMARYKEY:
     case SQLITE_CONSTRAINT_ROWID:
       throw SqlError(2627,
-                     "Violation of PRIMARY KEY constraint 'PK_" + std::string(TablePart(detail)) +
-                         "'. Cannot insert duplicate key in object 'dbo." + std::string(TablePart(detail)) + "'.",
+                     "Violation of PRIMARY KEY constraint 'PK_" + table +
+                         "'. Cannot insert duplicate key in object 'dbo." + table + "'.",
                      14);
     case SQLITE_CONSTRAINT_UNIQUE:
       RaiseDuplicate(database, detail);
@@ -144,6 +156,19 @@ struct ShownDatabase {
 [[noreturn]] void RaiseOther(const std::string& message) {
   if (message == "integer overflow")
     throw SqlError(8115, "Arithmetic overflow error converting expression to data type bigint.");
+  if (message == "no query solution") {
+    throw SqlError(
+        8622,
+        "Query processor could not produce a query plan because of the hints defined in this query. Resubmit "
+        "the query without specifying any hints and without using SET FORCEPLAN.");
+  }
+  constexpr std::string_view kNoIndex = "no such index: ";
+  if (message.starts_with(kNoIndex)) {
+    const std::string_view index = std::string_view(message).substr(kNoIndex.size());
+    const std::size_t dot = index.find('.');
+    throw SqlError(308, "Index '" + std::string(index.substr(dot + 1)) + "' on table '" +
+                            std::string(index.substr(0, dot)) + "' (specified in the FROM clause) does not exist.");
+  }
   throw SqlError(server_message::kInternalError, "The embedded database could not run the statement: " + message + ".");
 }
 

@@ -21,11 +21,16 @@ struct Overloaded : Cases... {
 template <typename... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
 
-/// A name of up to three parts as written: [database.][schema.]object. Database and schema are kept for messages only.
+/// Whether a table of that name is a temporary one (#t) or a table variable (@t).
+inline bool IsTemporaryName(std::string_view name) { return !name.empty() && (name[0] == '#' || name[0] == '@'); }
+
+/// A name of up to three parts as written: [database.][schema.]object, or @t for a table variable. Database and schema
+/// are kept for messages only.
 struct ObjectName {
   std::string qualifier;  // "dbo", "tempdb.." …, "" when none
   std::string name;
-  [[nodiscard]] bool temporary() const { return !name.empty() && name[0] == '#'; }
+  [[nodiscard]] bool temporary() const { return IsTemporaryName(name); }
+  [[nodiscard]] bool variable() const { return !name.empty() && name[0] == '@'; }
 };
 
 struct Expression;
@@ -244,10 +249,11 @@ struct TableSource;
 using TableSourcePtr = std::unique_ptr<TableSource>;
 enum class JoinKind : std::uint8_t { kInner, kLeft, kRight, kFull, kCross, kCrossApply, kOuterApply };
 
-/// A table or view. Hints are parsed, checked against the known ones and dropped.
+/// A table or view. Hints are parsed and checked against the known ones; INDEX alone is heeded.
 struct NamedTable {
   ObjectName name;
   std::string alias;  // "" when none
+  std::string index;  // the one to read by; "" when none, or several, are named
   /// The name that columns are qualified with.
   [[nodiscard]] const std::string& shown_name() const { return alias.empty() ? name.name : alias; }
 };

@@ -160,8 +160,11 @@ class Parser {
   TableSourcePtr ParseNamedTable();
   bool AcceptJoin(JoinKind& join);
   TableSourcePtr ParseTableFunction(std::uint32_t line, const std::string& name);
-  void AcceptTableHints();
-  void AcceptHintList();
+  /// @return the name of the one index that the hints ask for, else ""
+  std::string AcceptTableHints();
+  std::string AcceptHintList();
+  /// (name) or = name, as it may stand behind a hint. @return the name, "" for several or a number
+  std::string AcceptHintValue();
   void AcceptQueryOptions();
 
   // parser_statement.cpp
@@ -223,6 +226,8 @@ class Parser {
   // parser_table.cpp
   StatementPtr ParseCreateTable();
   StatementPtr ParseAlterTable();
+  /// ( … ) of CREATE TABLE
+  TableElements ParseTableElements();
   void ParseTableElement(TableElements& elements);
   ColumnDefinition ParseColumnDefinition(std::vector<TableConstraint>& constraints);
   bool AcceptColumnProperty(ColumnDefinition& column);

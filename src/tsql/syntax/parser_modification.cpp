@@ -6,8 +6,9 @@
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {
+
 ObjectName Parser::ParseTarget() {
-  if (Peek().kind == TokenKind::kVariable) Refuse("A table variable");
+  if (Peek().kind == TokenKind::kVariable) return {"", ParseVariableName()};
   if (At("openquery"_kw) || At("openrowset"_kw)) Refuse(UpperCase(Peek().text));
   return ParseObjectName();
 }
@@ -88,7 +89,7 @@ void Parser::ParseModificationTail(ChangedRows& rows) {
 StatementPtr Parser::ParseTruncate() {
   const std::uint32_t line = Take().line;
   Expect("table"_kw);
-  return MakeStatement(line, TruncateStatement{ParseTarget()});
+  return MakeStatement(line, TruncateStatement{ParseObjectName()});
 }
 
 // @v = value, @v = column = value, [alias.]column = value, each with = or a compound operator.

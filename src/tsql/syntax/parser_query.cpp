@@ -366,12 +366,12 @@ TableSourcePtr Parser::ParseSourcePrimary() {
 
 TableSourcePtr Parser::ParseNamedTable() {
   const std::uint32_t line = Peek().line;
-  if (Peek().kind == TokenKind::kVariable) Refuse("A table variable");
+  if (Peek().kind == TokenKind::kVariable && At(Op::kDot, 1)) Refuse("A method of xml");
   constexpr std::array kRowsets = {"openquery"_kw,      "openrowset"_kw,    "openxml"_kw,
                                    "opendatasource"_kw, "containstable"_kw, "freetexttable"_kw};
   if (AtAny(kRowsets)) Refuse(UpperCase(Peek().text));
   NamedTable table;
-  table.name = ParseObjectName();
+  table.name = ParseTarget();
   if (At(Op::kLeftParen) && !Contains(kTableHints, Peek(1).text)) {
     if (!table.name.qualifier.empty() || !Contains(kTableFunctions, table.name.name)) {
       Refuse("The table-valued function " + table.name.name);
@@ -379,10 +379,10 @@ TableSourcePtr Parser::ParseNamedTable() {
     return ParseTableFunction(line, table.name.name);
   }
   if (At("for"_kw) && At("system_time"_kw, 1)) Refuse("FOR SYSTEM_TIME");
-  AcceptTableHints();
+  table.index = AcceptTableHints();
   table.alias = AcceptAlias();
   if (At("tablesample"_kw)) Refuse("TABLESAMPLE");
-  AcceptTableHints();
+  if (std::string index = AcceptTableHints(); !index.empty()) table.index = std::move(index);
   return MakeSource(line, std::move(table));
 }
 
@@ -398,12 +398,13 @@ TableSourcePtr Parser::ParseTableFunction(std::uint32_t line, const std::string&
   return MakeSource(line, std::move(function));
 }
 
-void Parser::AcceptTableHints() {
+std::string Parser::AcceptTableHints() {
   if (At("with"_kw) && At(Op::kLeftParen, 1)) Take();
-  if (At(Op::kLeftParen)) AcceptHintList();
+  return At(Op::kLeftParen) ? AcceptHintList() : std::string{};
 }
 
-void Parser::AcceptHintList() {
+std::string Parser::AcceptHintList() {
+  std::string index;
   Expect(Op::kLeftParen);
   do {
     if (!Contains(kTableHints, Peek().text)) {
@@ -412,15 +413,34 @@ void Parser::AcceptHintList() {
                        "function or to the CHANGETABLE function, ensure that your database compatibility mode is set "
                        "to 90.");
     }
+    const bool names_index = At("index"_kw);
     Take();
-    if (At(Op::kLeftParen)) {
-      SkipParens();
-    } else if (Accept(Op::kEqual)) {
-      Take();
-    }
+    std::string value = AcceptHintValue();
+    if (names_index) index = std::move(value);
     Accept(Op::kComma);
   } while (!At(Op::kRightParen));
   Take();
+  return index;
+}
+
+std::string Parser::AcceptHintValue() {
+  std::string name;
+  const auto take = [&] {
+    if (Peek().kind == TokenKind::kInteger) {
+      Take();
+    } else {
+      name = ParseName();
+    }
+  };
+  if (Accept(Op::kEqual)) {
+    take();
+  } else if (At(Op::kLeftParen)) {
+    if (!At(Op::kRightParen, 2)) return SkipParens(), std::string{};
+    Take();
+    take();
+    Take();
+  }
+  return name;
 }
 
 void Parser::AcceptQueryOptions() {

@@ -163,7 +163,11 @@ StatementPtr Parser::ParseDeclare() {
     VariableDeclaration& variable = declare.variables.emplace_back();
     variable.name = ParseVariableName();
     Accept("as"_kw);
-    if (At("table"_kw)) Refuse("A table variable");
+    if (Accept("table"_kw)) {
+      declare.tables.push_back({{"", std::move(variable.name)}, ParseTableElements()});
+      declare.variables.pop_back();
+      continue;
+    }
     if (At("cursor"_kw)) Refuse("A cursor");
     variable.type = ParseType();
     if (Accept(Op::kEqual)) variable.initial = ParseValue();

@@ -12,14 +12,20 @@ StatementPtr Parser::ParseCreateTable() {
   const std::uint32_t line = Take().line;
   CreateTableStatement create;
   create.table = ParseObjectName();
-  Expect(Op::kLeftParen);
-  do {
-    if (At(Op::kRightParen) && !create.elements.columns.empty()) break;  // a comma behind the last column
-    ParseTableElement(create.elements);
-  } while (Accept(Op::kComma));
-  Expect(Op::kRightParen);
+  create.elements = ParseTableElements();
   AcceptIndexOptions();
   return MakeStatement(line, std::move(create));
+}
+
+TableElements Parser::ParseTableElements() {
+  TableElements elements;
+  Expect(Op::kLeftParen);
+  do {
+    if (At(Op::kRightParen) && !elements.columns.empty()) break;  // a comma behind the last column
+    ParseTableElement(elements);
+  } while (Accept(Op::kComma));
+  Expect(Op::kRightParen);
+  return elements;
 }
 
 StatementPtr Parser::ParseAlterTable() {

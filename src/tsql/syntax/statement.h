@@ -69,6 +69,68 @@ struct TruncateStatement {
   ObjectName table;
 };
 
+// Tables.
+
+struct ColumnDefinition {
+  std::string name;
+  TypeName type;
+  std::optional<bool> nullable;  // not given: nullable
+  std::string collation;         // "" when none is given
+  bool identity = false;
+  std::int64_t identity_seed = 1;
+  std::int64_t identity_increment = 1;
+  ExpressionPtr default_value;
+  std::string default_text;  // the default as written, for the catalog
+  bool primary_key = false;
+  bool unique = false;
+  ExpressionPtr computed;  // column AS expression
+  ExpressionPtr check;
+  std::string check_text;
+};
+
+struct PrimaryKeyRule {
+  std::vector<std::string> columns;
+};
+
+struct UniqueRule {
+  std::vector<std::string> columns;
+};
+
+struct CheckRule {
+  ExpressionPtr condition;
+  std::string text;
+};
+
+struct ForeignKeyRule {
+  std::vector<std::string> columns;
+  ObjectName references;
+  std::vector<std::string> referenced_columns;
+};
+
+struct DefaultRule {
+  std::string column;
+  ExpressionPtr value;  // null when it stands at the column
+  std::string text;
+};
+
+/// A constraint of a table, or one of a column that is named or refers to another table. A named DEFAULT of a column in
+/// its definition stands in both: the value at the column, the name here.
+struct TableConstraint {
+  std::string name;  // "" when none is given
+  std::variant<PrimaryKeyRule, UniqueRule, CheckRule, ForeignKeyRule, DefaultRule> rule;
+};
+
+/// What stands between the parentheses of CREATE TABLE, and behind ALTER TABLE … ADD.
+struct TableElements {
+  std::vector<ColumnDefinition> columns;
+  std::vector<TableConstraint> constraints;
+};
+
+struct CreateTableStatement {
+  ObjectName table;
+  TableElements elements;
+};
+
 // Variables and options.
 
 struct VariableDeclaration {
@@ -79,6 +141,7 @@ struct VariableDeclaration {
 
 struct DeclareStatement {
   std::vector<VariableDeclaration> variables;
+  std::vector<CreateTableStatement> tables;  // DECLARE @t TABLE (…)
 };
 
 /// SET @v = value
@@ -203,66 +266,6 @@ struct ExecuteTextStatement {
 };
 
 // Definitions.
-
-struct ColumnDefinition {
-  std::string name;
-  TypeName type;
-  std::optional<bool> nullable;  // not given: nullable
-  std::string collation;         // "" when none is given
-  bool identity = false;
-  std::int64_t identity_seed = 1;
-  std::int64_t identity_increment = 1;
-  ExpressionPtr default_value;
-  std::string default_text;  // the default as written, for the catalog
-  bool primary_key = false;
-  bool unique = false;
-  ExpressionPtr computed;  // column AS expression
-  ExpressionPtr check;
-  std::string check_text;
-};
-
-struct PrimaryKeyRule {
-  std::vector<std::string> columns;
-};
-
-struct UniqueRule {
-  std::vector<std::string> columns;
-};
-
-struct CheckRule {
-  ExpressionPtr condition;
-  std::string text;
-};
-
-struct ForeignKeyRule {
-  std::vector<std::string> columns;
-  ObjectName references;
-  std::vector<std::string> referenced_columns;
-};
-
-struct DefaultRule {
-  std::string column;
-  ExpressionPtr value;  // null when it stands at the column
-  std::string text;
-};
-
-/// A constraint of a table, or one of a column that is named or refers to another table. A named DEFAULT of a column in
-/// its definition stands in both: the value at the column, the name here.
-struct TableConstraint {
-  std::string name;  // "" when none is given
-  std::variant<PrimaryKeyRule, UniqueRule, CheckRule, ForeignKeyRule, DefaultRule> rule;
-};
-
-/// What stands between the parentheses of CREATE TABLE, and behind ALTER TABLE … ADD.
-struct TableElements {
-  std::vector<ColumnDefinition> columns;
-  std::vector<TableConstraint> constraints;
-};
-
-struct CreateTableStatement {
-  ObjectName table;
-  TableElements elements;
-};
 
 struct AlterTableStatement {
   struct AddColumns {

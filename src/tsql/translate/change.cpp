@@ -77,7 +77,7 @@ std::string FromOf(Translation& translation, const ChangedRows& rows, const Targ
   std::string from = TranslateFrom(translation, rows.from, scope);
   if (!rows.from.empty() && target.named) return from;
   from += from.empty() ? " FROM " : ", ";
-  return from + TranslateTable(translation, {rows.table, ""}, scope);
+  return from + TranslateTable(translation, {rows.table, "", ""}, scope);
 }
 
 void TranslateRowsOf(Translation& translation, const ChangedRows& rows, Clauses& clauses) {

@@ -199,7 +199,7 @@ Compiled InsertTranslator::Translate(bool identity_insert) {
   Compiled compiled = FinishChange(translation_, insert_.output, *table_, "inserted", with + Text());
   compiled.verb = "INSERT";
   compiled.changed_table = table_->name;
-  if (table_->identity_column() >= 0) compiled.identity_table = table_->name;
+  if (table_->identity_column() >= 0) compiled.identity_table = table_->table_name();
   return compiled;
 }
 
@@ -220,7 +220,7 @@ Compiled CompileInsertInto(Translation& translation, const CatalogObject& table,
       translation.parameters.Finish("INSERT INTO " + TableSql(table) + " (" + columns + ") " + rows.sql);
   compiled.verb = "INSERT";
   compiled.changed_table = table.name;
-  if (table.identity_column() >= 0) compiled.identity_table = table.name;
+  if (table.identity_column() >= 0) compiled.identity_table = table.table_name();
   return compiled;
 }
 

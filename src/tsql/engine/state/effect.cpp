@@ -53,6 +53,14 @@ struct IsOnTemporary {
 
 Effect EffectOf(const Statement& statement) { return std::visit(EffectOfNode{}, statement.node); }
 
+bool IsOnTableVariable(const Statement& statement) {
+  const auto* insert = As<InsertStatement>(statement);
+  const auto* update = As<UpdateStatement>(statement);
+  const auto* removal = As<DeleteStatement>(statement);
+  return (insert != nullptr && insert->table.variable()) || (update != nullptr && update->rows.table.variable()) ||
+         (removal != nullptr && removal->rows.table.variable());
+}
+
 bool IsOnTemporaryTables(const Statement& statement) { return std::visit(IsOnTemporary{}, statement.node); }
 
 }  // namespace tessarlorn::tsql

@@ -7,6 +7,7 @@
 #include "platform/server_messages.h"
 #include "platform/text/text.h"
 #include "tsql/engine/state/effect.h"
+#include "tsql/engine/state/table_variables.h"
 #include "tsql/storage/database_file.h"
 
 namespace tessarlorn::tsql {
@@ -42,7 +43,7 @@ int Transaction::WaitForLock(void* transaction, int times) {
 }
 
 void Transaction::LockFor(const Statement& statement) {
-  if ((writing_ && !doomed_) || EffectOf(statement) == Effect::kNone) return;
+  if ((writing_ && !doomed_) || EffectOf(statement) == Effect::kNone || IsOnTableVariable(statement)) return;
   // A transaction takes back what it did to temporary tables, too.
   if (depth_ > 0 || !IsOnTemporaryTables(statement)) EnsureWrite();
 }
@@ -83,7 +84,11 @@ void Transaction::CommitWrite() {
 }
 
 void Transaction::RollbackWrite() noexcept {
-  if (!database_.idle()) database_.RunQuietly("ROLLBACK");
+  if (!database_.idle()) {
+    TableVariableCopies variables(database_);
+    database_.RunQuietly("ROLLBACK");
+    variables.PutBack();
+  }
   writing_ = false;
   save_points_.clear();
   database_.catalog().Invalidate();
@@ -103,8 +108,8 @@ void Transaction::KeepIdentities() noexcept {
       "UPDATE {schema}.sqlite_sequence SET seq = {last} WHERE name = {name} AND seq < {last}";
   for (const auto& [table, last] : given_identities_) {
     // Where that fails the values are given again, as they would be after a crash.
-    const std::string numbered =
-        ReplaceAll(ReplaceAll(kKeep, "{schema}", table[0] == '#' ? "temp" : "main"), "{last}", std::to_string(last));
+    const std::string numbered = ReplaceAll(ReplaceAll(kKeep, "{schema}", IsTemporaryName(table) ? "temp" : "main"),
+                                            "{last}", std::to_string(last));
     database_.RunQuietly(ReplaceAll(numbered, "{name}", QuoteText(table)));
   }
   if (database_.idle()) given_identities_.clear();
@@ -184,7 +189,9 @@ void Transaction::Rollback(const RollbackStatement& statement) {
   if (depth_ == 0) throw SqlError(3903, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION.");
   for (std::size_t i = save_points_.size(); !statement.name.empty() && i-- > 0;) {
     if (save_points_[i] != LowerCase(statement.name)) continue;
+    TableVariableCopies variables(database_);
     database_.Run("ROLLBACK TO " + QuoteName("save " + save_points_[i]));
+    variables.PutBack();
     database_.catalog().Invalidate();
     database_.catalog().Refresh();
     KeepIdentities();

@@ -13,14 +13,13 @@ CatalogObjectPtr Translation::Lookup(const ObjectName& name) {
                                  [&](const Dependencies::Object& entry) { return entry.name == name.name; });
   if (!known) dependencies.objects.push_back({name.name, object == nullptr ? "" : object->signature()});
   if (object == nullptr || object->kind == CatalogKind::kProcedure) {
-    throw SqlError(208,
-                   "Invalid object name '" + (name.qualifier.empty() ? "" : name.qualifier + ".") + name.name + "'.");
+    RaiseNoObject(name);
   }
   return object;
 }
 
 std::string TableSql(const CatalogObject& table) {
-  return (table.temporary ? "temp." : "main.") + QuoteName(table.name);
+  return (table.temporary ? "temp." : "main.") + QuoteName(table.table_name());
 }
 
 }  // namespace tessarlorn::tsql

@@ -6,6 +6,7 @@
 
 #include "platform/text/text.h"
 #include "tsql/functions/row_table.h"
+#include "tsql/storage/constraint_text.h"
 #include "tsql/storage/system_views.h"
 #include "tsql/syntax/parser.h"
 #include "tsql/translate/queries/table_function.h"
@@ -20,6 +21,12 @@ const CommonTableColumns* FindCommonTable(const Translation& translation, const 
     if (EqualsIgnoreCase(translation.common_tables[i].name, name.name)) return &translation.common_tables[i];
   }
   return nullptr;
+}
+
+/// A key is read by its constraint's name, too; SQLite finds it by itself.
+std::string HintSql(const CatalogObject& table, const std::string& index) {
+  if (index.empty() || HasConstraint(table.definition, index)) return {};
+  return " INDEXED BY " + QuoteName(table.name + "." + index);
 }
 
 /// One function a kind of source. `optional`: it is the inner side of an outer join, its columns may be NULL.
@@ -77,7 +84,7 @@ std::string Sources::operator()(const NamedTable& named) const {
   const CatalogObjectPtr object = translation_.Lookup(named.name);
   if (object->kind == CatalogKind::kTable) {
     Add(shown, object->columns, object);
-    return TableSql(*object) + alias;
+    return TableSql(*object) + alias + HintSql(*object, named.index);
   }
   const TranslatedQuery query = ViewText(*object);
   // Views of views of views grow fast.

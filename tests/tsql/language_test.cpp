@@ -117,6 +117,34 @@ TEST(Language, TableVariables) {
   });
 }
 
+TEST(Language, ChangesThroughQueries) {
+  Check({
+      {"insert e values (13,1,1,'A1') with d as (select *, row_number() over (partition by FCode order by FEntryID) as n from e) delete "
+       "d where n > 1 select FEntryID from e order by 1",
+       "FEntryID;11;21"},
+      {"with t as (select top 1 FState s, FName from o where FState < 10 order by FID desc) update t set s += 1, FName = FName + '!' "
+       "select FID, FName, FState from o where FID = 2",
+       "FID|FName|FState;2|Bob!|7"},
+      {"update j set q = j.FAmount from (select e.FQty q, o.FAmount, e.FID from e join o on o.FID = e.FID) j where j.FID = 2 select "
+       "FQty from e where FID = 2",
+       "FQty;20.0000"},
+      {"delete j from (select e.FQty, o.FID from e join o on o.FID = e.FID) j",
+       "error 4405: View or function 'j' is not updatable because the modification affects multiple base tables."},
+      {"with a as (select FID, FState from o), b as (select FID k, FState + 0 x, FState y from a) update b set y = 3 where k = 3 "
+       "select FState from o where FID = 3",
+       "FState;3"},
+      {"with b as (select FState + 0 x from o) update b set x = 3",
+       "error 4406: Update or insert of view or function 'b' failed because it contains a derived or constant field."},
+      {"with b as (select FState x from o group by FState) delete b",
+       "error 4403: Cannot update the view or function 'b' because it contains aggregates, or a DISTINCT or GROUP BY clause, or "
+       "PIVOT or UNPIVOT operator."},
+      {"create view v as select FID, FName from o where FState < 6", ""},
+      {"update v set FName = 'v' where FName like N'张%' select FName from o where FID = 1", "FName;v"},
+      {"with k as (select FID from o) update k set FID = FID + 1 select min(FID) a, max(FID) b from o", "a|b;2|4"},
+      {"delete from v select count(*) n from o", "n;1"},
+  });
+}
+
 TEST(Language, TopWithTiesAndPercent) {
   Check({
       {"select top 1 with ties FID, FEntryID from e order by FID", "FID|FEntryID;1|11;1|12"},

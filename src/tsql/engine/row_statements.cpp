@@ -114,13 +114,13 @@ void RowStatements::Change(const Statement& statement, const Activation& activat
     if (update == nullptr || !key || !update->rows.output.empty()) throw;
     // SQLite compares keys row by row, the server when all rows stand.
     if (before) *activation.frame = *before;
-    MoveRows(*update, statement.line, activation);
+    MoveRows(statement, activation);
   }
   if (!answered) results_.TellRowCount();
 }
 
-void RowStatements::MoveRows(const UpdateStatement& update, std::uint32_t line, const Activation& activation) {
-  const CatalogObjectPtr table = plans_.MakeTranslator(activation).ChangedTable(update.rows);
+void RowStatements::MoveRows(const Statement& statement, const Activation& activation) {
+  const CatalogObjectPtr table = database_.catalog().Get(plans_.OfStatement(statement, activation).changed_table);
   std::string columns;
   std::string names;
   bool numbered = false;
@@ -138,7 +138,8 @@ void RowStatements::MoveRows(const UpdateStatement& update, std::uint32_t line, 
     database_.Run("PRAGMA defer_foreign_keys = ON; CREATE TEMP TABLE \"$moved\" (r INTEGER PRIMARY KEY" + columns +
                   ")");
     {
-      Compiled compiled = plans_.MakeTranslator(activation).CompileUpdate(update, line, true);
+      Compiled compiled = plans_.MakeTranslator(activation)
+                              .CompileUpdate(std::get<UpdateStatement>(statement.node), statement.line, true);
       Run(compiled, activation);
     }
     const std::int64_t moved = results_.row_count();

@@ -42,7 +42,7 @@ class RowStatements {
   /// Notes what the change that ran did: to the identity, and for who watches.
   void NoteChange(const Compiled& change);
   /// UPDATE by way of other rows, for when it failed because keys pass through the place of other rows' keys.
-  void MoveRows(const UpdateStatement& update, std::uint32_t line, const Activation& activation);
+  void MoveRows(const Statement& statement, const Activation& activation);
   void InsertOne(const InsertStatement& insert, const TakenRows& taken, const Activation& activation);
 
   SessionDatabase& database_;

@@ -103,8 +103,6 @@ Compiled Translator::CompileUpdate(const UpdateStatement& update, std::uint32_t 
 
 Compiled Translator::CompileDelete(const DeleteStatement& statement) { return tsql::CompileDelete(*this, statement); }
 
-CatalogObjectPtr Translator::ChangedTable(const ChangedRows& rows) { return tsql::ChangedTable(*this, rows); }
-
 std::string Translator::TranslateCheck(const CatalogObject& table, const Expression& condition) {
   Scope scope;
   scope.sources.push_back(BareSource(table.name, table));

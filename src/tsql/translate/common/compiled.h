@@ -40,6 +40,9 @@ struct ResultColumn {
   SqlType type;
   bool nullable = true;
   bool identity = false;
+  /// Of a query that a change goes through: which of its rows the value is of, -1 for a computed one, and the column.
+  int row = -1;
+  std::string base = {};
 };
 
 struct Compiled {

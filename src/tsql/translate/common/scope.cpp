@@ -80,6 +80,21 @@ Typed FindColumn(const ColumnReference& column, const Scope& scope, bool in_aggr
   throw SqlError(207, "Invalid column name '" + name + "'.");
 }
 
+std::vector<std::pair<std::size_t, const SourceColumn*>> ColumnsOf(const Expression& item, const Scope& scope) {
+  std::vector<std::pair<std::size_t, const SourceColumn*>> columns;
+  const auto* star = As<Star>(item);
+  const auto* name = As<ColumnReference>(item);
+  if (star == nullptr && name == nullptr) return columns;
+  const std::string alias = star != nullptr ? star->table : name->qualifier();
+  for (std::size_t i = 0; i < scope.sources.size(); ++i) {
+    if (!alias.empty() && !EqualsIgnoreCase(scope.sources[i].alias, alias)) continue;
+    for (const SourceColumn& column : scope.sources[i].columns) {
+      if (star != nullptr || EqualsIgnoreCase(column.name, name->name())) columns.emplace_back(i, &column);
+    }
+  }
+  return columns;
+}
+
 void ExpandStar(const Star& star, const Scope& scope, std::vector<Typed>& values, std::vector<ResultColumn>& columns) {
   bool any = false;
   for (const Source& source : scope.sources) {

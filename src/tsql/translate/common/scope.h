@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tsql/storage/catalog.h"
@@ -17,12 +18,15 @@ struct SourceColumn {
   SqlType type;
   bool nullable = true;
   std::string sql;
+  int row = -1;           // as of ResultColumn
+  std::string base = {};  // likewise
 };
 
 struct Source {
   std::string alias;
   std::vector<SourceColumn> columns;
-  CatalogObjectPtr table;  // a base table, else null
+  CatalogObjectPtr table;     // a base table, else null
+  std::vector<BaseRow> rows;  // of a change through a query: what its columns come from
 };
 
 struct Scope {
@@ -48,6 +52,9 @@ void AddSource(Scope& scope, Source source);
 Source BareSource(std::string alias, const CatalogObject& table);
 /// What a name means. Raises 207, 209, 4104, and 8120 for a column that is not grouped.
 Typed FindColumn(const ColumnReference& column, const Scope& scope, bool in_aggregate);
+/// The columns of one level that a select item is made of, in its order, each with the index of its source: one for a
+/// name, all for `*`, none for what is computed.
+std::vector<std::pair<std::size_t, const SourceColumn*>> ColumnsOf(const Expression& item, const Scope& scope);
 /// Adds the columns that `*` or `t.*` stands for. Raises 107, 263 and 8120.
 void ExpandStar(const Star& star, const Scope& scope, std::vector<Typed>& values, std::vector<ResultColumn>& columns);
 

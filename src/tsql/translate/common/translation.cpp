@@ -18,6 +18,8 @@ CatalogObjectPtr Translation::Lookup(const ObjectName& name) {
   return object;
 }
 
+std::string RowColumn(std::size_t row) { return "\"$row" + std::to_string(row) + "\""; }
+
 std::string TableSql(const CatalogObject& table) {
   return (table.temporary ? "temp." : "main.") + QuoteName(table.table_name());
 }

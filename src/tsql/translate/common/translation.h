@@ -29,6 +29,7 @@ struct SelectOptions {
 struct CommonTableColumns {
   std::string name;
   std::vector<ResultColumn> columns;
+  std::vector<BaseRow> rows = {};  // as of TranslatedQuery
 };
 
 /// What a statement is translated with.
@@ -69,6 +70,8 @@ class Translation {
   const MemoryBudget& memory;
   Parameters parameters;
   std::vector<CommonTableColumns> common_tables;  // innermost last
+  /// A change goes through a query: queries bring the numbers of their base rows along.
+  bool exposes_rows = false;
   int next_alias = 0;
   int aggregate_depth = 0;
 

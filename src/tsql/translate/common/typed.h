@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "tsql/storage/catalog.h"
 #include "tsql/translate/common/compiled.h"
 #include "tsql/values/types.h"
 
@@ -20,10 +21,21 @@ struct Typed {
   std::string number = {};
 };
 
+/// A table whose rows stand behind those of a source, and their numbers in SQLite's words.
+struct BaseRow {
+  CatalogObjectPtr table;
+  std::string number;
+};
+
 /// A query in SQLite's words, and its columns.
 struct TranslatedQuery {
   std::string sql;
   std::vector<ResultColumn> columns;
+  /// Of a query that a change goes through: the number of row i is the column RowColumn(i) behind the others.
+  std::vector<BaseRow> rows = {};
 };
+
+/// The name of a column that holds the numbers of base rows.
+std::string RowColumn(std::size_t row);
 
 }  // namespace tessarlorn::tsql

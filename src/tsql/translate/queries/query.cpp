@@ -84,9 +84,10 @@ std::string TranslateWith(Translation& translation, const std::vector<CommonTabl
     }
     const TranslatedQuery body = translation.QueryText(*table.query, parent, options);
     if (may_recurse) translation.common_tables.pop_back();
-    translation.common_tables.push_back({table.name, body.columns});
+    translation.common_tables.push_back({table.name, body.columns, body.rows});
     sql += (sql.empty() ? "WITH " : ", ") + QuoteName(table.name) + "(";
     for (std::size_t i = 0; i < body.columns.size(); ++i) sql += (i == 0 ? "" : ", ") + QuoteName(body.columns[i].name);
+    for (std::size_t i = 0; i < body.rows.size(); ++i) sql += ", " + RowColumn(i);
     sql += ") AS (" + body.sql + ")";
   }
   return sql.empty() ? sql : sql + " ";

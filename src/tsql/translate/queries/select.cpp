@@ -56,6 +56,8 @@ class SelectTranslator {
   void AddIdentity(const SelectItem& item, const IdentityCall& call);
   /// Whether the column counts in a table that is made of the one that it is of.
   [[nodiscard]] bool KeepsIdentity(const Expression& expression) const;
+  /// Lets the base rows go along, for a change through this query.
+  void ExposeRows();
   [[nodiscard]] std::string List(bool distinct) const;
   std::string Having();
   std::string Limit();
@@ -141,6 +143,26 @@ bool SelectTranslator::KeepsIdentity(const Expression& expression) const {
   return counts >= 0 && counts == table->FindColumn(column->name());
 }
 
+void SelectTranslator::ExposeRows() {
+  const bool one_to_one = !select_.distinct && !scope_.check_grouping && !NeedsRanks(select_);
+  if (!translation_.exposes_rows || !options_.named || !one_to_one) return;
+  std::vector<int> first;
+  for (const Source& source : scope_.sources) {
+    first.push_back(static_cast<int>(result_.rows.size()));
+    result_.rows.insert(result_.rows.end(), source.rows.begin(), source.rows.end());
+  }
+  std::size_t position = 0;
+  for (const SelectItem& item : select_.items) {
+    const auto columns = ColumnsOf(*item.expression, scope_);
+    for (const auto& [source, column] : columns) {
+      ResultColumn& result = result_.columns.at(position++);
+      if (column->row >= 0) result.row = first[source] + column->row;
+      result.base = column->base;
+    }
+    if (columns.empty()) ++position;
+  }
+}
+
 std::string SelectTranslator::List(bool distinct) const {
   const bool named = options_.named || options_.names != nullptr;
   const bool collate = options_.collate_items || select_.distinct;
@@ -150,6 +172,7 @@ std::string SelectTranslator::List(bool distinct) const {
     sql += collate ? Collated(values_[i]) : values_[i].sql;
     if (named) sql += " AS " + QuoteName(result_.columns[i].name);
   }
+  for (std::size_t i = 0; i < result_.rows.size(); ++i) sql += ", " + result_.rows[i].number + " AS " + RowColumn(i);
   if (values_.empty()) throw SqlError(263, "Must specify table to select from.");
   return sql;
 }
@@ -186,6 +209,7 @@ TranslatedQuery SelectTranslator::Translate() {
   std::vector<std::string> captured;
   if (sorted) scope_.captured = &captured;
   AddItems();
+  ExposeRows();
   // The subquery of a condition has one column, named c: another number of them is an error of the condition.
   const bool of_condition = options_.names != nullptr && options_.names->size() == 1 && !options_.named &&
                             (*options_.names)[0] == "c" && result_.columns.size() != 1;

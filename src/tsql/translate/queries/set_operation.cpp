@@ -1,6 +1,7 @@
 // UNION, UNION ALL, EXCEPT and INTERSECT.
 #include <array>
 #include <string_view>
+#include <utility>
 
 #include "tsql/translate/common/conversion.h"
 #include "tsql/translate/queries/order.h"
@@ -56,6 +57,8 @@ std::string Wrapped(Translation& translation, const TranslatedQuery& part, const
 
 TranslatedQuery TranslateSet(Translation& translation, const Query& query, const SetOperation& set, const Scope* parent,
                              const SelectOptions& options) {
+  // Its rows are no table's.
+  const bool exposes = std::exchange(translation.exposes_rows, false);
   SelectOptions right_options;
   right_options.collate_items = set.op != SetOperator::kUnionAll;
   SelectOptions left_options = right_options;
@@ -64,6 +67,7 @@ TranslatedQuery TranslateSet(Translation& translation, const Query& query, const
   left_options.owner = options.owner;
   const TranslatedQuery left = translation.QueryText(*set.left, parent, left_options);
   const TranslatedQuery right = translation.QueryText(*set.right, parent, right_options);
+  translation.exposes_rows = exposes;
   TranslatedQuery result;
   result.columns = CommonColumns(left, right);
   const auto side = [&](const TranslatedQuery& part, const Query& tree, bool first) {

@@ -50,18 +50,25 @@ class Sources {
   /// Adds the columns of packed rows, and names them.
   [[nodiscard]] std::string AddPacked(const std::string& packed, const std::string& alias,
                                       const std::vector<ResultColumn>& columns, bool kept) const;
-  /// Adds a source with these columns.
+  /// A source with these columns.
   template <typename Columns>
-  void Add(const std::string& alias, const Columns& columns, CatalogObjectPtr table = nullptr) const {
+  [[nodiscard]] Source Make(const std::string& alias, const Columns& columns) const {
     Source source;
     source.alias = alias;
-    source.table = std::move(table);
     for (const auto& column : columns) {
       source.columns.push_back(
           {column.name, column.type, optional_ || column.nullable, QuoteName(alias) + "." + QuoteName(column.name)});
     }
-    AddSource(scope_, std::move(source));
+    return source;
   }
+  template <typename Columns>
+  void Add(const std::string& alias, const Columns& columns) const {
+    AddSource(scope_, Make(alias, columns));
+  }
+  void AddTable(const std::string& alias, CatalogObjectPtr table) const;
+  /// Adds a query, whose base rows it brings along when they are wanted.
+  void AddQuery(const std::string& alias, const std::vector<ResultColumn>& columns,
+                const std::vector<BaseRow>& rows) const;
   [[nodiscard]] TranslatedQuery ViewText(const CatalogObject& view) const;
 
   Translation& translation_;
@@ -74,7 +81,7 @@ std::string Sources::operator()(const NamedTable& named) const {
   const std::string alias = " AS " + QuoteName(shown);
   if (const CommonTableColumns* common = FindCommonTable(translation_, named.name)) {
     const std::string name = common->name;
-    Add(shown, common->columns);
+    AddQuery(shown, common->columns, common->rows);
     return QuoteName(name) + alias;
   }
   if (const SystemView* view = FindSystemView(named.name.qualifier, named.name.name)) {
@@ -83,15 +90,41 @@ std::string Sources::operator()(const NamedTable& named) const {
   }
   const CatalogObjectPtr object = translation_.Lookup(named.name);
   if (object->kind == CatalogKind::kTable) {
-    Add(shown, object->columns, object);
+    AddTable(shown, object);
     return TableSql(*object) + alias + HintSql(*object, named.index);
   }
   const TranslatedQuery query = ViewText(*object);
   // Views of views of views grow fast.
   translation_.memory.Require(query.sql.size() * 20);
   scope_.optional_view = scope_.optional_view || optional_;
-  Add(shown, query.columns);
+  AddQuery(shown, query.columns, query.rows);
   return "(" + query.sql + ")" + alias;
+}
+
+void Sources::AddTable(const std::string& alias, CatalogObjectPtr table) const {
+  Source source = Make(alias, table->columns);
+  if (translation_.exposes_rows) {
+    source.rows.push_back({table, QuoteName(alias) + "._rowid_"});
+    for (SourceColumn& column : source.columns) {
+      column.row = 0;
+      column.base = column.name;
+    }
+  }
+  source.table = std::move(table);
+  AddSource(scope_, std::move(source));
+}
+
+void Sources::AddQuery(const std::string& alias, const std::vector<ResultColumn>& columns,
+                       const std::vector<BaseRow>& rows) const {
+  Source source = Make(alias, columns);
+  for (const BaseRow& row : rows) {
+    source.rows.push_back({row.table, QuoteName(alias) + "." + RowColumn(source.rows.size())});
+  }
+  for (std::size_t i = 0; i < columns.size() && !rows.empty(); ++i) {
+    source.columns[i].row = columns[i].row;
+    source.columns[i].base = columns[i].base;
+  }
+  AddSource(scope_, std::move(source));
 }
 
 TranslatedQuery Sources::ViewText(const CatalogObject& view) const {
@@ -128,7 +161,7 @@ TranslatedQuery Sources::QueryOf(const DerivedTable& derived, const Scope* aroun
 
 std::string Sources::operator()(const DerivedTable& derived) const {
   const TranslatedQuery query = QueryOf(derived, scope_.parent);
-  Add(derived.alias, query.columns);
+  AddQuery(derived.alias, query.columns, query.rows);
   return "(" + query.sql + ") AS " + QuoteName(derived.alias);
 }
 

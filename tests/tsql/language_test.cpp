@@ -145,6 +145,52 @@ TEST(Language, ChangesThroughQueries) {
   });
 }
 
+TEST(Language, OutputOfMoreThanTheRow) {
+  Check({
+      {"update o set FState = FState + 1 output inserted.FID, deleted.FState a, inserted.FState b, N'新' + inserted.FName c where FID < 3",
+       "FID|a|b|c;1|2|3|新张三;2|6|7|新Bob"},
+      {"update t set FID = t.FID + 10 output deleted.FID a, inserted.FID b, s.FCode from o t join e s on s.FID = t.FID and s.FCode = "
+       "'A1' and s.FEntryID = 11",
+       "a|b|FCode;1|11|A1"},
+      {"delete e output deleted.*, o.FName from e join o on o.FID = e.FID where o.FID = 2",
+       "FEntryID|FID|FQty|FCode|FName;21|2|3.0000|NULL|Bob"},
+      {"declare @l table (i int identity, k int, old int) update o set FState = default output inserted.FID, deleted.FState into @l (k, "
+       "old) where FID = 3 select l.*, FState from @l l join o on FID = k",
+       "i|k|old|FState;1|3|14|NULL"},
+      {"create table c (id int identity, t int) insert c (t) output inserted.id, inserted.t * 2 as d into e (FEntryID, FID) values (50),"
+       "(60) select FEntryID, FID from e where FEntryID < 3",
+       "FEntryID|FID;1|100;2|120"},
+      {"update c set t = 1 output inserted.t into e (FID) select count(*) n from c where t = 1",
+       "error 515: Cannot insert the value NULL into column 'FEntryID', table 'dbo.e'; column does not allow nulls. INSERT fails."},
+      {"select t from c", "t;50;60"},
+  });
+}
+
+TEST(Language, Merge) {
+  Check({
+      {"create table m (id int identity, k int unique, q int not null default 5, s varchar(9) default 'new') insert m (k, q) values "
+       "(1,10),(2,20),(3,30)",
+       ""},
+      {"merge into m as t using (values (1,1),(2,20),(4,4),(5,null)) s(k, q) on t.k = s.k when matched and t.q <= s.q then delete when "
+       "matched then update set q -= s.q, s = 'less' when not matched and s.q is null then insert (k) values (s.k) when not matched "
+       "then insert (k, q, s) values (s.k, s.q, default) when not matched by source then update set s = 'left' output $action as a, "
+       "deleted.k, inserted.id, inserted.q, s.k as src;",
+       "a|k|id|q|src;DELETE|2|NULL|NULL|2;UPDATE|1|1|9|1;INSERT|NULL|4|5|5;INSERT|NULL|5|4|4;UPDATE|3|3|30|NULL"},
+      {"select id, k, q, s from m order by k", "id|k|q|s;1|1|9|less;3|3|30|left;5|4|4|new;4|5|5|new"},
+      {"with s as (select 1 as k union all select 1) merge m using s on m.k = s.k when matched then update set q = 0;",
+       "error 8672: The MERGE statement attempted to UPDATE or DELETE the same row more than once. This happens when a target row "
+       "matches more than one source row. A MERGE statement cannot UPDATE/DELETE the same row of the target table multiple times. "
+       "Refine the ON clause to ensure a target row matches at most one source row, or use the GROUP BY clause to group the source "
+       "rows."},
+      {"merge m using o on o.FID = m.k when not matched then insert values (o.FID)",
+       "error 10713: A MERGE statement must be terminated by a semi-colon (;)."},
+      {"merge m using o on o.FID = m.k when not matched then insert (k, q) values (o.FID, o.FState) when not matched by source then "
+       "delete; select @@rowcount as n",
+       "n;3"},
+      {"select k, q from m order by k", "k|q;1|9;2|6;3|30"},
+  });
+}
+
 TEST(Language, TopWithTiesAndPercent) {
   Check({
       {"select top 1 with ties FID, FEntryID from e order by FID", "FID|FEntryID;1|11;1|12"},
@@ -533,8 +579,6 @@ TEST(Language, FaultsOfSyntax) {
            {"select * from f(1) x", "The table-valued function f"},
            {"select 1 group by rollup (a)", "ROLLUP"},
            {"declare c cursor for select 1", "A cursor"},
-           {"merge t using u on 1=1", "MERGE"},
-           {"delete t output deleted.a into u", "OUTPUT … INTO"},
            {"create trigger x on t", "CREATE TRIGGER"},
            {"create table t (a int references u(a) on delete cascade)", "ON DELETE CASCADE"},
        }) {

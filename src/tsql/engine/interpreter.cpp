@@ -126,6 +126,7 @@ class Interpreter::Runner {
   }
   Flow operator()(const UpdateStatement& /*node*/) const { return Change(); }
   Flow operator()(const DeleteStatement& /*node*/) const { return Change(); }
+  Flow operator()(const MergeStatement& /*node*/) const { return Change(); }
   Flow operator()(const TruncateStatement& node) const {
     of_.rows_.Truncate(node);
     return of_.Done();

@@ -117,6 +117,9 @@ Compiled& PlanStore::OfStatement(const Statement& statement, const Activation& a
     if (const auto* removal = As<DeleteStatement>(statement)) {
       return translator.CompileDelete(*removal);
     }
+    if (const auto* merge = As<MergeStatement>(statement)) {
+      return translator.CompileMerge(*merge, options_.AllowsIdentityOf(merge->target.name.name));
+    }
     return translator.CompileQuery(*std::get<SelectStatement>(statement.node).query);
   });
 }
@@ -152,6 +155,7 @@ void PlanStore::CompileNode(const Statement& statement, const Activation& activa
                  [&](const SelectStatement& node) { as_statement(node); },
                  [&](const UpdateStatement& node) { as_statement(node); },
                  [&](const DeleteStatement& node) { as_statement(node); },
+                 [&](const MergeStatement& node) { as_statement(node); },
                  [&](const InsertStatement& node) {
                    if (node.execute() == nullptr) as_statement(node);
                  },

@@ -53,7 +53,7 @@ class PlanStore {
   void Trim();
 
   // Compiled once for each node and plan.
-  /// SELECT, INSERT, UPDATE or DELETE.
+  /// SELECT, INSERT, UPDATE, DELETE or MERGE.
   Compiled& OfStatement(const Statement& statement, const Activation& activation);
   Compiled& OfCondition(const Expression& condition, const Activation& activation);
   Compiled& OfValue(const Expression& value, const SqlType& type, const Activation& activation);

@@ -89,6 +89,10 @@ void RowStatements::Truncate(const TruncateStatement& statement) {
 bool RowStatements::RunCompiled(const Statement& statement, const Activation& activation) {
   const Transaction::Snapshot snapshot(transaction_, database_.catalog());
   Compiled& compiled = plans_.OfStatement(statement, activation);
+  if (!compiled.stages.empty()) {
+    RunStages(compiled, activation);
+    return !compiled.columns.empty();
+  }
   if (compiled.columns.empty()) {
     Run(compiled, activation);
     return false;
@@ -100,7 +104,108 @@ bool RowStatements::RunCompiled(const Statement& statement, const Activation& ac
   return true;
 }
 
+void RowStatements::Collect(const Compiled& change, const ChangeStage& stage, const Activation& activation) {
+  Compiled& collect = *stage.collect;
+  binder_.Bind(collect, activation);
+  const SqliteStatement::Use use(collect.statement);
+  try {
+    results_.Change(collect);
+  } catch (const SqlError& error) {
+    if (!change.rows_once || error.number() != 2627) throw;
+    throw SqlError(
+        8672,
+        "The MERGE statement attempted to UPDATE or DELETE the same row more than once. This happens when a "
+        "target row matches more than one source row. A MERGE statement cannot UPDATE/DELETE the same row of "
+        "the target table multiple times. Refine the ON clause to ensure a target row matches at most one "
+        "source row, or use the GROUP BY clause to group the source rows.");
+  }
+}
+
+std::int64_t RowStatements::Apply(const ChangeStage& stage) {
+  if (!stage.gives_numbers) {
+    SqliteStatement change = database_.Prepare(stage.apply);
+    change.Step(stage.verb);
+    return change.changes();
+  }
+  const std::string rows = "temp." + QuoteName(stage.table);
+  SqliteStatement row = database_.Prepare(stage.apply + " AND _rowid_ = ?1");
+  SqliteStatement note = database_.Prepare("UPDATE " + rows + " SET r = ?2 WHERE _rowid_ = ?1");
+  SqliteStatement count = database_.Prepare("SELECT count(*) FROM " + rows);
+  count.Step();
+  const std::int64_t last = count.Integer(0);
+  for (std::int64_t number = 1; number <= last; ++number) {
+    const SqliteStatement::Use use_row(row);
+    const SqliteStatement::Use use_note(note);
+    row.BindInteger(1, number);
+    row.Step(stage.verb);
+    note.BindInteger(1, number);
+    note.BindInteger(2, sqlite3_last_insert_rowid(database_.handle()));
+    note.Step();
+  }
+  return last;
+}
+
+void RowStatements::RunStages(Compiled& change, const Activation& activation) {
+  std::int64_t changed = 0;
+  database_.Atomically([&] {
+    for (const ChangeStage& stage : change.stages) {
+      database_.Run("CREATE TEMP TABLE " + QuoteName(stage.table) + " (" + stage.columns + ")");
+    }
+    for (const ChangeStage& stage : change.stages) Collect(change, stage, activation);
+    for (const ChangeStage& stage : change.stages) {
+      const std::int64_t rows = Apply(stage);
+      changed += rows;
+      if (rows > 0 && !stage.identity_table.empty()) transaction_.NoteIdentity(stage.identity_table);
+    }
+    if (!change.columns.empty()) {
+      binder_.Bind(change, activation);
+      const SqliteStatement::Use use(change.statement);
+      results_.Read(change);
+    }
+    for (const ChangeStage& stage : change.stages) database_.Run("DROP TABLE temp." + QuoteName(stage.table));
+  });
+  results_.set_row_count(changed);
+  NoteChange(change);
+}
+
+namespace {
+
+const Output* OutputOf(const Statement& statement) {
+  if (const auto* insert = As<InsertStatement>(statement)) return &insert->output;
+  if (const auto* update = As<UpdateStatement>(statement)) return &update->rows.output;
+  if (const auto* removal = As<DeleteStatement>(statement)) return &removal->rows.output;
+  if (const auto* merge = As<MergeStatement>(statement)) return &merge->output;
+  return nullptr;
+}
+
+}  // namespace
+
+void RowStatements::ChangeInto(const Statement& statement, const Output& output, const Activation& activation) {
+  MemoryBudget& memory = database_.runtime().memory;
+  const std::size_t used = memory.used();
+  database_.Atomically([&] {
+    std::vector<TakenRows> taken;
+    {
+      const Results::Taking taking(results_, taken);
+      RunCompiled(statement, activation);
+    }
+    const std::int64_t changed = results_.row_count();
+    InsertStatement into;
+    into.table = output.into;
+    into.columns = output.columns;
+    InsertTaken(into, taken, activation);
+    results_.set_row_count(changed);
+  });
+  memory.ReleaseTo(used);
+  results_.TellRowCount();
+}
+
 void RowStatements::Change(const Statement& statement, const Activation& activation) {
+  const Output* const output = OutputOf(statement);
+  if (output != nullptr && !output->into.name.empty()) {
+    ChangeInto(statement, *output, activation);
+    return;
+  }
   const auto* update = As<UpdateStatement>(statement);
   const bool assigns =
       update != nullptr && std::any_of(update->assignments.begin(), update->assignments.end(),
@@ -111,7 +216,7 @@ void RowStatements::Change(const Statement& statement, const Activation& activat
     answered = RunCompiled(statement, activation);
   } catch (const SqlError& error) {
     const bool key = error.number() == 2601 || error.number() == 2627;
-    if (update == nullptr || !key || !update->rows.output.empty()) throw;
+    if (update == nullptr || !key || !update->rows.output.items.empty()) throw;
     // SQLite compares keys row by row, the server when all rows stand.
     if (before) *activation.frame = *before;
     MoveRows(statement, activation);

@@ -39,6 +39,13 @@ class RowStatements {
   bool RunCompiled(const Statement& statement, const Activation& activation);
   /// Binds and runs a change to its end.
   void Run(Compiled& change, const Activation& activation);
+  void RunStages(Compiled& change, const Activation& activation);
+  /// Notes the rows of a stage. Raises 8672.
+  void Collect(const Compiled& change, const ChangeStage& stage, const Activation& activation);
+  /// Changes what a stage noted. @return how many rows
+  std::int64_t Apply(const ChangeStage& stage);
+  /// A change with OUTPUT … INTO.
+  void ChangeInto(const Statement& statement, const Output& output, const Activation& activation);
   /// Notes what the change that ran did: to the identity, and for who watches.
   void NoteChange(const Compiled& change);
   /// UPDATE by way of other rows, for when it failed because keys pass through the place of other rows' keys.

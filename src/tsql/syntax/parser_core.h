@@ -210,7 +210,10 @@ class Parser {
   Assignment ParseAssignment();
   bool AcceptAssignmentOp(std::optional<BinaryOp>& compound);
   [[nodiscard]] bool AtAssignedColumn() const;
-  std::vector<SelectItem> AcceptOutput();
+  StatementPtr ParseMerge(std::vector<CommonTable> with);
+  MergeStatement::Branch ParseMergeBranch();
+  MergeStatement::Insert ParseMergeInsert();
+  Output AcceptOutput();
 
   // parser_definition.cpp
   StatementPtr ParseCreate();

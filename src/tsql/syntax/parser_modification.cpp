@@ -13,14 +13,18 @@ ObjectName Parser::ParseTarget() {
   return ParseObjectName();
 }
 
-std::vector<SelectItem> Parser::AcceptOutput() {
-  std::vector<SelectItem> items;
-  if (!Accept("output"_kw)) return items;
+Output Parser::AcceptOutput() {
+  Output output;
+  if (!Accept("output"_kw)) return output;
   do {
-    items.push_back(ParseSelectItem());
+    output.items.push_back(ParseSelectItem());
   } while (Accept(Op::kComma));
-  if (At("into"_kw)) Refuse("OUTPUT … INTO");
-  return items;
+  if (Accept("into"_kw)) {
+    output.into = ParseTarget();
+    if (At(Op::kLeftParen)) output.columns = ParseNameList();
+  }
+  if (At("output"_kw)) Refuse("A second OUTPUT");
+  return output;
 }
 
 StatementPtr Parser::ParseInsert(std::vector<CommonTable> with) {
@@ -36,7 +40,7 @@ StatementPtr Parser::ParseInsert(std::vector<CommonTable> with) {
   if (AcceptBoth("default"_kw, "values"_kw)) {
     insert.source = DefaultValues{};
   } else if (At("exec"_kw) || At("execute"_kw)) {
-    if (!insert.output.empty()) Refuse("OUTPUT with INSERT … EXEC");
+    if (!insert.output.items.empty()) Refuse("OUTPUT with INSERT … EXEC");
     insert.source = ParseExecute(false);
   } else if (At("values"_kw)) {
     insert.source = ParseRows(true);
@@ -76,6 +80,73 @@ StatementPtr Parser::ParseDelete(std::vector<CommonTable> with) {
   return MakeStatement(line, DeleteStatement{std::move(rows)});
 }
 
+StatementPtr Parser::ParseMerge(std::vector<CommonTable> with) {
+  const std::uint32_t line = Take().line;
+  MergeStatement merge;
+  merge.with = std::move(with);
+  if (At("top"_kw)) Refuse("MERGE TOP");
+  Accept("into"_kw);
+  merge.target.name = ParseTarget();
+  AcceptTableHints();
+  // It is no reserved word.
+  if (!At("using"_kw)) merge.target.alias = AcceptAlias();
+  Expect("using"_kw);
+  merge.source = ParseSourcePrimary();
+  Expect("on"_kw);
+  merge.on = ParseCondition();
+  do {
+    merge.branches.push_back(ParseMergeBranch());
+  } while (At("when"_kw));
+  merge.output = AcceptOutput();
+  AcceptQueryOptions();
+  if (!At(Op::kSemicolon)) RaiseAt(10713, "A MERGE statement must be terminated by a semi-colon (;).");
+  return MakeStatement(line, std::move(merge));
+}
+
+// WHEN [NOT] MATCHED [BY TARGET|SOURCE] [AND …] THEN …
+MergeStatement::Branch Parser::ParseMergeBranch() {
+  using Match = MergeStatement::Match;
+  MergeStatement::Branch branch;
+  Expect("when"_kw);
+  if (Accept("not"_kw)) branch.match = Match::kNotMatched;
+  Expect("matched"_kw);
+  if (branch.match == Match::kNotMatched && Accept("by"_kw)) {
+    if (Accept("source"_kw)) {
+      branch.match = Match::kNotMatchedBySource;
+    } else {
+      Expect("target"_kw);
+    }
+  }
+  if (Accept("and"_kw)) branch.condition = ParseCondition();
+  Expect("then"_kw);
+  if (branch.match == Match::kNotMatched) {
+    branch.action = ParseMergeInsert();
+  } else if (Accept("delete"_kw)) {
+    branch.action = MergeStatement::Delete{};
+  } else {
+    Expect("update"_kw);
+    Expect("set"_kw);
+    MergeStatement::Update update;
+    do {
+      update.assignments.push_back(ParseAssignment());
+    } while (Accept(Op::kComma));
+    branch.action = std::move(update);
+  }
+  return branch;
+}
+
+MergeStatement::Insert Parser::ParseMergeInsert() {
+  MergeStatement::Insert insert;
+  Expect("insert"_kw);
+  if (At(Op::kLeftParen)) insert.columns = ParseNameList();
+  if (AcceptBoth("default"_kw, "values"_kw)) return insert;
+  const QueryPtr rows = ParseRows(true);
+  auto& values = std::get<ValueRows>(rows->body).rows;
+  if (values.size() > 1) Fail();
+  insert.values = std::move(values[0]);
+  return insert;
+}
+
 // [FROM …] [WHERE …] [OPTION …] of UPDATE and DELETE.
 void Parser::ParseModificationTail(ChangedRows& rows) {
   if (Accept("from"_kw)) rows.from = ParseFrom();
@@ -113,7 +184,8 @@ Assignment Parser::ParseAssignment() {
   while (Accept(Op::kDot)) assignment.column.push_back(ParseName());
   if (At(Op::kLeftParen)) Refuse("The method " + assignment.column.back());
   if (!AcceptAssignmentOp(assignment.compound)) Fail();
-  assignment.value = ParseValue();
+  const bool is_default = !assignment.compound && At("default"_kw);
+  assignment.value = is_default ? MakeExpression(Take().line, DefaultValue{}) : ParseValue();
   return assignment;
 }
 

@@ -43,6 +43,7 @@ StatementPtr Parser::ParseKeywordStatement() {
       {"insert"_kw, [](Parser& p) { return p.ParseInsert({}); }},
       {"update"_kw, [](Parser& p) { return p.ParseUpdate({}); }},
       {"delete"_kw, [](Parser& p) { return p.ParseDelete({}); }},
+      {"merge"_kw, [](Parser& p) { return p.ParseMerge({}); }},
       {"truncate"_kw, [](Parser& p) { return p.ParseTruncate(); }},
       {"with"_kw, [](Parser& p) { return p.ParseWithStatement(); }},
       {"declare"_kw, [](Parser& p) { return p.ParseDeclare(); }},
@@ -75,9 +76,9 @@ StatementPtr Parser::ParseKeywordStatement() {
 
 // What the server knows and the embedded database does not is refused by name.
 void Parser::RefuseStatement() const {
-  constexpr std::array kWords = {"merge"_kw,      "grant"_kw,       "revoke"_kw,   "deny"_kw,  "goto"_kw,
-                                 "backup"_kw,     "restore"_kw,     "bulk"_kw,     "dbcc"_kw,  "kill"_kw,
-                                 "checkpoint"_kw, "reconfigure"_kw, "shutdown"_kw, "revert"_kw};
+  constexpr std::array kWords = {"grant"_kw,       "revoke"_kw,   "deny"_kw,  "goto"_kw, "backup"_kw,
+                                 "restore"_kw,     "bulk"_kw,     "dbcc"_kw,  "kill"_kw, "checkpoint"_kw,
+                                 "reconfigure"_kw, "shutdown"_kw, "revert"_kw};
   constexpr std::array kCursorWords = {"open"_kw, "fetch"_kw, "close"_kw, "deallocate"_kw};
   if (AtAny(kWords)) Refuse(UpperCase(Peek().text));
   if (AtAny(kCursorWords)) Refuse("A cursor");
@@ -89,7 +90,7 @@ StatementPtr Parser::ParseWithStatement() {
   if (At("insert"_kw)) return ParseInsert(std::move(with));
   if (At("update"_kw)) return ParseUpdate(std::move(with));
   if (At("delete"_kw)) return ParseDelete(std::move(with));
-  if (At("merge"_kw)) RefuseStatement();
+  if (At("merge"_kw)) return ParseMerge(std::move(with));
   const std::uint32_t line = Peek().line;
   QueryPtr query = ParseStatementQuery();
   query->with = std::move(with);

@@ -24,11 +24,18 @@ struct SelectStatement {
 /// DEFAULT VALUES
 struct DefaultValues {};
 
+/// OUTPUT items [INTO table [(columns)]]
+struct Output {
+  std::vector<SelectItem> items;
+  ObjectName into;  // name "" when the rows go to the client
+  std::vector<std::string> columns;
+};
+
 struct InsertStatement {
   std::vector<CommonTable> with;
   ObjectName table;
   std::vector<std::string> columns;
-  std::vector<SelectItem> output;
+  Output output;
   /// A query or VALUES; DEFAULT VALUES; an EXEC.
   std::variant<QueryPtr, DefaultValues, StatementPtr> source;
   /// The EXEC of INSERT … EXEC, else nullptr.
@@ -51,7 +58,7 @@ struct ChangedRows {
   std::vector<CommonTable> with;
   ObjectName table;  // as written: a name or an alias
   ExpressionPtr top;
-  std::vector<SelectItem> output;
+  Output output;
   std::vector<TableSourcePtr> from;
   ExpressionPtr where;
 };
@@ -63,6 +70,31 @@ struct UpdateStatement {
 
 struct DeleteStatement {
   ChangedRows rows;
+};
+
+struct MergeStatement {
+  enum class Match : std::uint8_t { kMatched, kNotMatched, kNotMatchedBySource };
+  struct Update {
+    std::vector<Assignment> assignments;
+  };
+  struct Delete {};
+  struct Insert {
+    std::vector<std::string> columns;
+    std::vector<ExpressionPtr> values;  // none for DEFAULT VALUES
+  };
+  /// WHEN … THEN …
+  struct Branch {
+    Match match = Match::kMatched;
+    ExpressionPtr condition;  // null when none
+    std::variant<Update, Delete, Insert> action;
+  };
+
+  std::vector<CommonTable> with;
+  NamedTable target;
+  TableSourcePtr source;
+  ExpressionPtr on;
+  std::vector<Branch> branches;
+  Output output;
 };
 
 struct TruncateStatement {
@@ -340,12 +372,12 @@ struct CreateProcedureStatement {
 };
 
 using StatementNode =
-    std::variant<EmptyStatement, SelectStatement, InsertStatement, UpdateStatement, DeleteStatement, TruncateStatement,
-                 DeclareStatement, SetStatement, SetSwitchStatement, SetValueStatement, SetIdentityInsertStatement,
-                 SetIsolationStatement, IfStatement, WhileStatement, BlockStatement, BreakStatement, ContinueStatement,
-                 ReturnStatement, TryCatchStatement, WaitForStatement, UseStatement, PrintStatement,
-                 RaiseErrorStatement, ThrowStatement, BeginTransactionStatement, CommitStatement, RollbackStatement,
-                 SaveTransactionStatement, CallStatement, ExecuteTextStatement, CreateTableStatement,
+    std::variant<EmptyStatement, SelectStatement, InsertStatement, UpdateStatement, DeleteStatement, MergeStatement,
+                 TruncateStatement, DeclareStatement, SetStatement, SetSwitchStatement, SetValueStatement,
+                 SetIdentityInsertStatement, SetIsolationStatement, IfStatement, WhileStatement, BlockStatement,
+                 BreakStatement, ContinueStatement, ReturnStatement, TryCatchStatement, WaitForStatement, UseStatement,
+                 PrintStatement, RaiseErrorStatement, ThrowStatement, BeginTransactionStatement, CommitStatement,
+                 RollbackStatement, SaveTransactionStatement, CallStatement, ExecuteTextStatement, CreateTableStatement,
                  AlterTableStatement, DropStatement, CreateIndexStatement, DropIndexStatement, CreateViewStatement,
                  CreateProcedureStatement>;
 

@@ -132,7 +132,7 @@ class Lexer {
     if ((c == 'N' || c == 'n') && At(1) == '\'') {
       ++position_;
       out_.tokens.push_back(Delimited(TokenKind::kNString, '\''));
-    } else if (BeginsWord(c)) {
+    } else if (BeginsWord(c) || (c == '$' && BeginsWord(At(1)))) {
       SkipWord();
       Token& token = Push(TokenKind::kWord, begin);
       token.id = names_.Intern(token.text);

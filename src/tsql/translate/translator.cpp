@@ -2,11 +2,12 @@
 
 #include <utility>
 
-#include "tsql/translate/change.h"
+#include "tsql/translate/changes/change.h"
+#include "tsql/translate/changes/insert.h"
+#include "tsql/translate/changes/merge.h"
 #include "tsql/translate/common/conversion.h"
 #include "tsql/translate/common/operators.h"
 #include "tsql/translate/condition.h"
-#include "tsql/translate/insert.h"
 #include "tsql/translate/queries/query.h"
 #include "tsql/translate/value.h"
 #include "tsql/values/sql_error.h"
@@ -102,6 +103,10 @@ Compiled Translator::CompileUpdate(const UpdateStatement& update, std::uint32_t 
 }
 
 Compiled Translator::CompileDelete(const DeleteStatement& statement) { return tsql::CompileDelete(*this, statement); }
+
+Compiled Translator::CompileMerge(const MergeStatement& merge, bool identity_insert) {
+  return tsql::CompileMerge(*this, merge, identity_insert);
+}
 
 std::string Translator::TranslateCheck(const CatalogObject& table, const Expression& condition) {
   Scope scope;

@@ -32,6 +32,7 @@ class Translator final : private Translation {
   /// @param collect the rows are not changed but put into temp."$moved", whole and with the row's number in front
   Compiled CompileUpdate(const UpdateStatement& update, std::uint32_t line, bool collect = false);
   Compiled CompileDelete(const DeleteStatement& statement);
+  Compiled CompileMerge(const MergeStatement& merge, bool identity_insert);
   /// The columns that a query gives, as a new table or a view has them.
   /// @param may_order it is no view: ORDER BY needs no TOP
   std::vector<ResultColumn> DescribeQuery(const Query& query, bool may_order);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -45,6 +46,19 @@ struct ResultColumn {
   std::string base = {};
 };
 
+struct Compiled;
+
+/// A part of a change in stages: it notes rows in a temporary table, and changes them when all parts have done so.
+struct ChangeStage {
+  std::string table;    // the temporary one, in SQLite's words without quotes
+  std::string columns;  // as CREATE TABLE takes them: r is the number of a row
+  std::unique_ptr<Compiled> collect;
+  std::string apply;           // without parameters
+  std::string_view verb;       // as of Compiled
+  bool gives_numbers = false;  // it inserts row by row, and notes the numbers that they get
+  std::string identity_table;  // as of Compiled
+};
+
 struct Compiled {
   std::string sql;
   std::vector<BoundParameter> parameters;
@@ -62,6 +76,11 @@ struct Compiled {
   std::string identity_table;
   /// The table whose rows it changes, "" for none.
   std::string changed_table;
+
+  /// A change in stages: `sql` gives back what its OUTPUT asks for, behind them.
+  std::vector<ChangeStage> stages;
+  /// A row that stages take twice is error 8672.
+  bool rows_once = false;
 
   SqliteStatement statement;  // prepared on first use
 };

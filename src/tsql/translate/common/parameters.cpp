@@ -131,6 +131,12 @@ void Parameters::PinAll(const Expression& expression) {
 }
 
 Compiled Parameters::Finish(const std::string& sql) {
+  Compiled compiled = Part(sql);
+  parameters_.clear();
+  return compiled;
+}
+
+Compiled Parameters::Part(const std::string& sql) const {
   // SQLite looks for a numbered parameter among all others, so each gets its number from its place instead.
   Compiled compiled;
   compiled.sql.reserve(sql.size());
@@ -150,7 +156,6 @@ Compiled Parameters::Finish(const std::string& sql) {
       compiled.parameters.push_back(parameters_.at(number - 1));
     }
   }
-  parameters_.clear();
   return compiled;
 }
 

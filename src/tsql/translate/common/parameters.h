@@ -58,6 +58,8 @@ class Parameters {
 
   /// The finished SQL with its parameters.
   Compiled Finish(const std::string& sql);
+  /// The same of one SQL of several.
+  [[nodiscard]] Compiled Part(const std::string& sql) const;
   /// The finished SQL for a definition: constants are written where their parameters stand.
   std::string FinishDefinition(std::string sql);
 

@@ -233,6 +233,10 @@ std::string TranslateFrom(Translation& translation, const std::vector<TableSourc
   return sql;
 }
 
+std::string TranslateSource(Translation& translation, const TableSource& source, Scope& scope) {
+  return std::visit(Sources(translation, scope, false), source.node);
+}
+
 std::string TranslateTable(Translation& translation, const NamedTable& table, Scope& scope) {
   return Sources(translation, scope, false)(table);
 }

@@ -10,7 +10,9 @@ namespace tessarlorn::tsql {
 
 /// The FROM clause, "" for no sources. Their columns are added to the scope.
 std::string TranslateFrom(Translation& translation, const std::vector<TableSourcePtr>& sources, Scope& scope);
-/// A table or view of that name alone as a source, without FROM.
+/// One source alone, without FROM.
+std::string TranslateSource(Translation& translation, const TableSource& source, Scope& scope);
+/// A table or view of that name alone, without FROM.
 std::string TranslateTable(Translation& translation, const NamedTable& table, Scope& scope);
 
 }  // namespace tessarlorn::tsql

@@ -1,10 +1,10 @@
-#include "tsql/translate/insert.h"
+#include "tsql/translate/changes/insert.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "tsql/syntax/parser.h"
-#include "tsql/translate/change.h"
+#include "tsql/translate/changes/assignments.h"
+#include "tsql/translate/changes/output.h"
 #include "tsql/translate/common/conversion.h"
 #include "tsql/translate/queries/query.h"
 #include "tsql/values/sql_error.h"
@@ -50,6 +50,10 @@ class InsertTranslator {
       : translation_(translation), insert_(insert), given_(given) {}
 
   Compiled Translate(bool identity_insert);
+  /// One row of values for the table.
+  std::vector<std::pair<std::string, std::string>> Row(const CatalogObjectPtr& table,
+                                                       const std::vector<ExpressionPtr>& values, bool identity_insert,
+                                                       Scope& scope);
 
  private:
   [[nodiscard]] const Column& ColumnAt(int position) const {
@@ -63,6 +67,7 @@ class InsertTranslator {
   /// The defaults of the columns that are not among `given`.
   std::vector<Default> Defaults(const std::vector<int>& given);
   std::string DefaultOf(int position);
+  std::string Given(const Expression& value, int position, Scope& scope);
   [[nodiscard]] std::string Head() const;
   void CheckCount(std::size_t count, bool of_select) const;
   std::string InsertDefaults();
@@ -106,10 +111,7 @@ std::vector<Default> InsertTranslator::Defaults(const std::vector<int>& given) {
       if (column.row_key) defaults.push_back({column.name, Required("NULL", column, ShownName(*table_))});
       continue;
     }
-    Scope scope;
-    const ExpressionPtr expression = ParseExpressionText(column.default_text, translation_.names);
-    const Parameters::InDefinition in_definition(translation_.parameters);
-    defaults.push_back({column.name, Value(translation_.Value(*expression, scope), column)});
+    defaults.push_back({column.name, DefaultSql(translation_, *table_, column)});
   }
   return defaults;
 }
@@ -122,6 +124,26 @@ std::string InsertTranslator::DefaultOf(int position) {
   }
   const std::vector<Default> own = Defaults(others);
   return own.empty() ? "NULL" : own[0].sql;
+}
+
+std::string InsertTranslator::Given(const Expression& value, int position, Scope& scope) {
+  if (As<DefaultValue>(value) != nullptr) return DefaultOf(position);
+  return Value(translation_.Value(value, scope), ColumnAt(position));
+}
+
+std::vector<std::pair<std::string, std::string>> InsertTranslator::Row(const CatalogObjectPtr& table,
+                                                                       const std::vector<ExpressionPtr>& values,
+                                                                       bool identity_insert, Scope& scope) {
+  table_ = table;
+  FindPositions(identity_insert);
+  if (values.empty()) positions_.clear();
+  CheckCount(values.size(), false);
+  std::vector<std::pair<std::string, std::string>> row;
+  for (std::size_t i = 0; i < positions_.size(); ++i) {
+    row.emplace_back(ColumnAt(positions_[i]).name, Given(*values[i], positions_[i], scope));
+  }
+  for (const Default& value : Defaults(positions_)) row.emplace_back(value.column, value.sql);
+  return row;
 }
 
 std::string InsertTranslator::Head() const {
@@ -153,10 +175,7 @@ std::string InsertTranslator::InsertValues(const ValueRows& values) {
     CheckCount(values.rows[r].size(), false);
     std::string row;
     for (std::size_t i = 0; i < positions_.size(); ++i) {
-      const Expression& value = *values.rows[r][i];
-      const bool is_default = As<DefaultValue>(value) != nullptr;
-      row += (i == 0 ? "" : ", ") +
-             (is_default ? DefaultOf(positions_[i]) : Value(translation_.Value(value, scope), ColumnAt(positions_[i])));
+      row += (i == 0 ? "" : ", ") + Given(*values.rows[r][i], positions_[i], scope);
     }
     // Each row takes the parameters of the first row's defaults.
     for (const Default& value : defaults_) row += (row.empty() ? "" : ", ") + value.sql;
@@ -208,6 +227,15 @@ Compiled InsertTranslator::Translate(bool identity_insert) {
 Compiled CompileInsert(Translation& translation, const InsertStatement& insert, bool identity_insert,
                        const TranslatedQuery* given) {
   return InsertTranslator(translation, insert, given).Translate(identity_insert);
+}
+
+std::vector<std::pair<std::string, std::string>> InsertedValues(Translation& translation, const CatalogObjectPtr& table,
+                                                                const std::vector<std::string>& columns,
+                                                                const std::vector<ExpressionPtr>& values,
+                                                                bool identity_insert, Scope& scope) {
+  InsertStatement insert;
+  insert.columns = columns;
+  return InsertTranslator(translation, insert, nullptr).Row(table, values, identity_insert, scope);
 }
 
 Compiled CompileInsertInto(Translation& translation, const CatalogObject& table, const Query& query) {

@@ -191,6 +191,52 @@ TEST(Language, Merge) {
   });
 }
 
+TEST(Language, Cursors) {
+  Check({
+      {"declare @k int, @n nvarchar(20), @all nvarchar(99) = N'' declare c cursor local fast_forward for select FID, FName from o where "
+       "FState < 10 order by FID desc open c fetch next from c into @k, @n while @@fetch_status = 0 begin set @all += ltrim(str(@k)) + "
+       "@n fetch c into @k, @n end close c deallocate c select @all as a, @k as k",
+       "a|k;2Bob1张三|1"},
+      {"open c", "error 16916: A cursor with the name 'c' does not exist."},
+      {"declare @low int = 2 declare @t table (k int) declare g cursor static for select k from @t where k >= @low set @low = 9 insert @t "
+       "values (1),(2),(3) open g insert @t values (4) fetch last from g",
+       "k;3"},
+      {"fetch prior from g", "k;2"},
+      {"fetch absolute 9 from g", "k"},
+      {"declare @a int fetch relative -1 from g into @a select @a as a, @@fetch_status as s, @@cursor_rows as n",
+       "a|s|n;3|0|2"},
+      {"declare g cursor for select 1", "error 16915: A cursor with the name 'g' already exists."},
+      {"close g fetch g", "error 16917: Cursor is not open."},
+      {"deallocate g declare @c cursor set @c = cursor for select FID from o open @c fetch first from @c",
+       "error 16911: fetch: The fetch type first cannot be used with forward only cursors."},
+  });
+}
+
+TEST(Language, RowsAsText) {
+  Check({
+      {"select o.FID, stuff((select ',' + FCode from e where e.FID = o.FID order by FEntryID desc for xml path('')), 1, 1, '') as c from "
+       "o order by FID",
+       "FID|c;1|a1 ,A1;2|NULL;3|NULL"},
+      {"select (select '<' + FName + '&' from o where FID < 3 order by FID for xml path(''), type).value('.', 'nvarchar(99)') as v, "
+       "(select '<' + FName + '&' from o where FID = 2 for xml path('')) as x",
+       "v|x;<张三&<Bob&|&lt;Bob&amp;"},
+      {"select (select FID as [@id], FAmount as 'money/amount', FDate as 'money/day', FState as 'state' from o where FID <> 2 order by FID "
+       "for xml path('order'), root('orders')) as x",
+       "x;<orders><order id=\"1\"><money><amount>10.5000</amount><day>2026-11-01T08:00:00</day></money><state>2</state></order><order "
+       "id=\"3\"><money><day>2026-10-31T23:59:59.997</day></money><state>14</state></order></orders>"},
+      {"select (select FID as [data()] from o order by FID for xml path('')) as l, (select FID, FCode from e where FID = 2 for xml raw) "
+       "as r",
+       "l|r;1 2 3|<row FID=\"2\"/>"},
+      {"select (select FID id, FName as 'buyer.name', FAmount as 'buyer.sum', cast(1 as bit) ok, (select FCode c from e where e.FID = "
+       "o.FID for json path) lines from o where FID <> 2 order by FID for json path) as j",
+       "j;[{\"id\":1,\"buyer\":{\"name\":\"张三\",\"sum\":10.5000},\"ok\":true,\"lines\":[{\"c\":\"A1\"},{\"c\":\"a1 "
+       "\"}]},{\"id\":3,\"buyer\":{\"name\":\"bob \"},\"ok\":true}]"},
+      {"select (select FCode as c from e where FEntryID = 21 for json path, include_null_values, without_array_wrapper) as j, (select 1 a "
+       "from o where 1 = 0 for json path) as n",
+       "j|n;{\"c\":null}|NULL"},
+  });
+}
+
 TEST(Language, TopWithTiesAndPercent) {
   Check({
       {"select top 1 with ties FID, FEntryID from e order by FID", "FID|FEntryID;1|11;1|12"},
@@ -444,7 +490,7 @@ TEST(Language, ErrorsNameWhatIsWrong) {
       {"select 1e308 * 10 as x", "error 8115: Arithmetic overflow error converting expression to data type float."},
       {"select format(1, 'N') as x", "error 40000: The function FORMAT is not supported by the embedded database."},
       {"select nothing(1)", "error 195: 'nothing' is not a recognized built-in function name."},
-      {"select FID from o for xml auto", "error 40000: FOR XML is not supported by the embedded database."},
+      {"select FID from o for xml auto", "error 40000: FOR XML AUTO is not supported by the embedded database."},
       {"set ansi_nulls off", "error 40000: SET ANSI_NULLS OFF is not supported by the embedded database."},
       {"create table o (a int)", "error 2714: There is already an object named 'o' in the database."},
       {"drop table gone",
@@ -574,11 +620,11 @@ TEST(Language, FaultsOfSyntax) {
   });
   const auto connection = OpenEmbedded();
   for (const auto& [batch, feature] : {
-           std::pair{"select 1 as a for xml path", "FOR XML"},
+           std::pair{"select 1 as a for xml explicit", "FOR XML EXPLICIT"},
            {"select * from t pivot (sum(a) for b in (1,2)) p", "PIVOT"},
            {"select * from f(1) x", "The table-valued function f"},
            {"select 1 group by rollup (a)", "ROLLUP"},
-           {"declare c cursor for select 1", "A cursor"},
+           {"declare c cursor for select 1 for update", "A cursor FOR UPDATE"},
            {"create trigger x on t", "CREATE TRIGGER"},
            {"create table t (a int references u(a) on delete cascade)", "ON DELETE CASCADE"},
        }) {

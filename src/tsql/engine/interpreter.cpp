@@ -33,7 +33,7 @@ bool IsOption(const Statement& statement) {
 }  // namespace
 
 Interpreter::Interpreter(SessionDatabase& database, SessionOptions& options, Results& results, ErrorState& errors,
-                         Transaction& transaction, PlanStore& plans, Binder& binder)
+                         Transaction& transaction, PlanStore& plans, Binder& binder, CursorState& cursors)
     : database_(database),
       options_(options),
       results_(results),
@@ -47,12 +47,19 @@ Interpreter::Interpreter(SessionDatabase& database, SessionOptions& options, Res
       procedures_(
           database, options, errors, transaction, plans, evaluator_, definitions_,
           {[this](std::string_view text, Frame& frame) { RunBatch(text, frame); },
-           [this](const std::vector<StatementPtr>& body, Activation& activation) { RunBody(body, activation); }}) {}
+           [this](const std::vector<StatementPtr>& body, Activation& activation) { RunBody(body, activation); }}),
+      cursors_(database, results, evaluator_, cursors,
+               [this](std::string_view query, Frame& frame) { RunText(query, frame); }) {}
 
 void Interpreter::RunBatch(std::string_view text, Frame& frame) {
+  const TableVariableScope variables(database_);
+  const CursorScope cursors(cursors_);
+  RunText(text, frame);
+}
+
+void Interpreter::RunText(std::string_view text, Frame& frame) {
   PlanStore::OpenBatch batch(plans_);
   const FrameInUse in_use(database_.runtime(), frame);
-  const TableVariableScope variables(database_);
   database_.catalog().Refresh();
   plans_.Open(text, batch, frame);
   for (const BatchStatement& entry : batch.statements()) {
@@ -67,6 +74,7 @@ void Interpreter::RunBatch(std::string_view text, Frame& frame) {
 void Interpreter::RunBody(const std::vector<StatementPtr>& body, Activation& activation) {
   const FrameInUse in_use(database_.runtime(), *activation.frame);
   const TableVariableScope variables(database_);
+  const CursorScope cursors(cursors_);
   Body(body, activation);
 }
 
@@ -161,6 +169,20 @@ class Interpreter::Runner {
     // No level changes a result here.
     of_.results_.set_row_count(0);
     return Flow::kNormal;
+  }
+
+  // Cursors
+  Flow operator()(const DeclareCursorStatement& node) const {
+    of_.cursors_.Declare(node, activation_);
+    return of_.Done();
+  }
+  Flow operator()(const CursorStatement& node) const {
+    of_.cursors_.Execute(node);
+    return of_.Done();
+  }
+  Flow operator()(const FetchStatement& node) const {
+    of_.cursors_.Fetch(node, activation_);
+    return of_.Done();
   }
 
   // Control flow

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tsql/engine/cursors.h"
 #include "tsql/engine/definitions.h"
 #include "tsql/engine/evaluate.h"
 #include "tsql/engine/messages.h"
@@ -17,7 +18,7 @@ namespace tessarlorn::tsql {
 class Interpreter {
  public:
   Interpreter(SessionDatabase& database, SessionOptions& options, Results& results, ErrorState& errors,
-              Transaction& transaction, PlanStore& plans, Binder& binder);
+              Transaction& transaction, PlanStore& plans, Binder& binder, CursorState& cursors);
   Interpreter(const Interpreter&) = delete;
   Interpreter& operator=(const Interpreter&) = delete;
 
@@ -31,6 +32,8 @@ class Interpreter {
   enum class Flow : std::uint8_t { kNormal, kBreak, kContinue, kReturn };
   class Runner;
 
+  /// Runs a text among the table variables and cursors of the batch or procedure body that is running.
+  void RunText(std::string_view text, Frame& frame);
   /// Runs the body of a procedure, whose variables stand in the activation's frame.
   void RunBody(const std::vector<StatementPtr>& body, Activation& activation);
   Flow Body(const std::vector<StatementPtr>& body, Activation& activation);
@@ -61,6 +64,7 @@ class Interpreter {
   RowStatements rows_;
   Messages messages_;
   Procedures procedures_;
+  Cursors cursors_;
 };
 
 }  // namespace tessarlorn::tsql

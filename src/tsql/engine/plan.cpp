@@ -199,7 +199,7 @@ void Classify(const Statement& statement, Plan& plan) {
 bool KeepsText(const Statement& statement) {
   return As<CreateViewStatement>(statement) != nullptr || As<CreateProcedureStatement>(statement) != nullptr ||
          As<CreateTableStatement>(statement) != nullptr || As<CreateIndexStatement>(statement) != nullptr ||
-         As<AlterTableStatement>(statement) != nullptr ||
+         As<AlterTableStatement>(statement) != nullptr || As<DeclareCursorStatement>(statement) != nullptr ||
          (As<DeclareStatement>(statement) != nullptr && !As<DeclareStatement>(statement)->tables.empty());
 }
 

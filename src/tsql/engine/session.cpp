@@ -12,10 +12,10 @@ Session::Session(DatabaseHandle database, std::chrono::milliseconds lock_timeout
       options_(database_.runtime()),
       results_(database_.runtime(), options_),
       transaction_(database_, options_, results_, lock_timeout),
-      system_(results_, transaction_, errors_, std::move(clock)),
+      system_(results_, transaction_, errors_, cursors_, std::move(clock)),
       binder_(database_, system_),
       plans_(database_, options_, errors_),
-      interpreter_(database_, options_, results_, errors_, transaction_, plans_, binder_) {}
+      interpreter_(database_, options_, results_, errors_, transaction_, plans_, binder_, cursors_) {}
 
 void Session::Run(SqlCommand& command, bool first_only, BatchSink& sink) {
   BeginBatch(command, first_only, sink);

@@ -57,6 +57,7 @@ class Session {
   SessionOptions options_;
   ErrorState errors_;
   Results results_;
+  CursorState cursors_;
   Transaction transaction_;
   SystemValues system_;
   Binder binder_;

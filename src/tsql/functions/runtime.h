@@ -25,6 +25,15 @@ struct Variable {
 /// The variables of one batch or procedure call. Few are searched one by one; of many there is an index.
 class Frame {
  public:
+  Frame() = default;
+  Frame(const Frame& other) : variables_(other.variables_) { MakeIndex(); }
+  Frame& operator=(const Frame& other) {
+    variables_ = other.variables_;
+    MakeIndex();
+    return *this;
+  }
+  ~Frame() = default;
+
   Variable* Find(std::string_view name) {
     if (variables_.size() > kFew) {
       const auto found = index_.find(name);
@@ -53,13 +62,19 @@ class Frame {
     }
     variables_.push_back({name, type, {}});
     if (variables_.size() == kFew + 1) {
-      for (Variable& variable : variables_) index_.emplace(variable.name, &variable);
+      MakeIndex();
     } else if (variables_.size() > kFew) {
       index_.emplace(variables_.back().name, &variables_.back());
     }
   }
 
  private:
+  void MakeIndex() {
+    index_.clear();
+    if (variables_.size() <= kFew) return;
+    for (Variable& variable : variables_) index_.emplace(variable.name, &variable);
+  }
+
   static constexpr std::size_t kFew = 16;
   /// Their addresses stay.
   std::deque<Variable> variables_;

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -325,6 +326,17 @@ struct CommonTable {
   QueryPtr query;
 };
 
+/// FOR XML PATH, FOR XML RAW, FOR JSON PATH or FOR JSON AUTO: all rows become one text.
+struct ForClause {
+  enum class Form : std::uint8_t { kXmlPath, kXmlRaw, kJson };
+  Form form = Form::kXmlPath;
+  std::string row = "row";      // the element of a row, "" for none
+  std::string root;             // "" for none
+  bool as_value = false;        // .value('.', …): the text between the tags
+  bool includes_nulls = false;  // INCLUDE_NULL_VALUES
+  bool array = true;            // no WITHOUT_ARRAY_WRAPPER
+};
+
 /// A query expression.
 struct Query {
   std::vector<CommonTable> with;
@@ -332,6 +344,7 @@ struct Query {
   std::vector<OrderItem> order_by;
   ExpressionPtr offset;
   ExpressionPtr fetch;
+  std::optional<ForClause> for_clause;
 
   /// The body when it is one SELECT, else nullptr.
   [[nodiscard]] const Select* select() const { return std::get_if<Select>(&body); }

@@ -1,6 +1,8 @@
 // The parser's inside: what its source files, one a topic of the grammar, share.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -10,12 +12,19 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/text/text.h"
 #include "tsql/syntax/keywords.h"
 #include "tsql/syntax/statement.h"
 #include "tsql/syntax/token.h"
 #include "tsql/values/memory_budget.h"
 
 namespace tessarlorn::tsql {
+
+/// Whether a word is one of those, without regard to case.
+template <std::size_t kSize>
+bool IsAmong(const std::array<std::string_view, kSize>& words, std::string_view word) {
+  return std::any_of(words.begin(), words.end(), [&](std::string_view known) { return EqualsIgnoreCase(known, word); });
+}
 
 /// Recursive descent over the tokens of a batch, beginning at a top-level statement. Its methods raise SqlError.
 /// Names: Parse… reads a construct that must stand here, Accept… one that may, Expect… a token that must.
@@ -210,6 +219,21 @@ class Parser {
   Assignment ParseAssignment();
   bool AcceptAssignmentOp(std::optional<BinaryOp>& compound);
   [[nodiscard]] bool AtAssignedColumn() const;
+  // parser_for.cpp
+  ForClause ParseForClause();
+  ForClause ParseForXml();
+  ForClause ParseForJson();
+  ExpressionPtr ParseXmlValue(std::uint32_t line, QueryPtr query);
+  std::string ParseTextInParens();
+  /// A type that stands in a text.
+  static TypeName ParseTypeOf(const std::string& text);
+
+  // parser_cursor.cpp
+  StatementPtr ParseDeclareCursor(std::uint32_t line, std::string name);
+  StatementPtr ParseCursorAction(CursorStatement::Action action);
+  StatementPtr ParseFetch();
+  std::string ParseCursorName();
+
   StatementPtr ParseMerge(std::vector<CommonTable> with);
   MergeStatement::Branch ParseMergeBranch();
   MergeStatement::Insert ParseMergeInsert();

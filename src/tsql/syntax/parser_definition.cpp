@@ -164,7 +164,7 @@ Parameter Parser::ParseParameter() {
   Parameter parameter;
   parameter.name = ParseVariableName();
   Accept("as"_kw);
-  if (At("cursor"_kw)) Refuse("A cursor");
+  if (At("cursor"_kw)) Refuse("A parameter that is a cursor");
   parameter.type = ParseType();
   if (!Accept("null"_kw)) AcceptBoth("not"_kw, "null"_kw);
   if (Accept(Op::kEqual)) {

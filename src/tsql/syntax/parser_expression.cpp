@@ -350,7 +350,11 @@ ExpressionPtr Parser::ParseLiteral() {
 
 ExpressionPtr Parser::ParseParens() {
   const std::uint32_t line = Peek().line;
-  if (AtQueryInParens()) return MakeExpression(line, ScalarSubquery{ParseQueryInParens()});
+  if (AtQueryInParens()) {
+    QueryPtr query = ParseQueryInParens();
+    if (At(Op::kDot)) return ParseXmlValue(line, std::move(query));
+    return MakeExpression(line, ScalarSubquery{std::move(query)});
+  }
   Expect(Op::kLeftParen);
   ExpressionPtr inner = ParseAny();
   Expect(Op::kRightParen);

@@ -59,14 +59,6 @@ TableSourcePtr MakeSource(std::uint32_t line, decltype(TableSource::node) node) 
   return source;
 }
 
-template <std::size_t kSize>
-bool Contains(const std::array<std::string_view, kSize>& words, std::string_view word) {
-  for (const std::string_view known : words) {
-    if (EqualsIgnoreCase(known, word)) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 QueryPtr Parser::ParseStatementQuery() {
@@ -90,10 +82,8 @@ QueryPtr Parser::ParseQuery() {
   query->with = std::move(with);
   ParseOrderBy(*query);
   if (At("for"_kw)) {
-    if (At("xml"_kw, 1)) Refuse("FOR XML");
-    if (At("json"_kw, 1)) Refuse("FOR JSON");
     if (At("browse"_kw, 1)) Refuse("FOR BROWSE");
-    Fail();
+    if (At("xml"_kw, 1) || At("json"_kw, 1)) query->for_clause = ParseForClause();
   }
   return query;
 }
@@ -372,8 +362,8 @@ TableSourcePtr Parser::ParseNamedTable() {
   if (AtAny(kRowsets)) Refuse(UpperCase(Peek().text));
   NamedTable table;
   table.name = ParseTarget();
-  if (At(Op::kLeftParen) && !Contains(kTableHints, Peek(1).text)) {
-    if (!table.name.qualifier.empty() || !Contains(kTableFunctions, table.name.name)) {
+  if (At(Op::kLeftParen) && !IsAmong(kTableHints, Peek(1).text)) {
+    if (!table.name.qualifier.empty() || !IsAmong(kTableFunctions, table.name.name)) {
       Refuse("The table-valued function " + table.name.name);
     }
     return ParseTableFunction(line, table.name.name);
@@ -407,7 +397,7 @@ std::string Parser::AcceptHintList() {
   std::string index;
   Expect(Op::kLeftParen);
   do {
-    if (!Contains(kTableHints, Peek().text)) {
+    if (!IsAmong(kTableHints, Peek().text)) {
       RaiseAt(321, "\"" + std::string(Peek().text) +
                        "\" is not a recognized table hints option. If it is intended as a parameter to a table-valued "
                        "function or to the CHANGETABLE function, ensure that your database compatibility mode is set "
@@ -449,7 +439,7 @@ void Parser::AcceptQueryOptions() {
   const std::size_t close = MatchingParen(position_);
   do {
     Take();
-    if (Peek().kind != TokenKind::kWord || !Contains(kQueryOptions, Peek().text)) Fail();
+    if (Peek().kind != TokenKind::kWord || !IsAmong(kQueryOptions, Peek().text)) Fail();
     while (position_ < close && !At(Op::kComma)) {
       if (At(Op::kLeftParen)) {
         SkipParens();

@@ -49,14 +49,6 @@ constexpr std::array kSettings = std::to_array<std::string_view>({
     "textsize",
 });
 
-template <std::size_t kSize>
-bool Contains(const std::array<std::string_view, kSize>& words, std::string_view word) {
-  for (const std::string_view known : words) {
-    if (known == word) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 StatementPtr Parser::ParseSet() {
@@ -65,7 +57,7 @@ StatementPtr Parser::ParseSet() {
   Assignment assignment;
   assignment.variable = ParseVariableName();
   if (!AcceptAssignmentOp(assignment.compound)) Fail();
-  if (At("cursor"_kw)) Refuse("A cursor");
+  if (At("cursor"_kw)) return ParseDeclareCursor(line, std::move(assignment.variable));
   assignment.value = ParseValue();
   return MakeStatement(line, SetStatement{std::move(assignment)});
 }
@@ -104,8 +96,8 @@ StatementPtr Parser::ParseSetWords(std::uint32_t line) {
   std::vector<std::string> options;
   do {
     options.push_back(LowerCase(Peek().text));
-    const bool takes_value = Contains(kSettings, options.back());
-    if (!takes_value && !Contains(kSwitches, options.back())) {
+    const bool takes_value = IsAmong(kSettings, options.back());
+    if (!takes_value && !IsAmong(kSwitches, options.back())) {
       RaiseAt(195, "'" + std::string(Peek().text) + "' is not a recognized SET option.");
     }
     Take();

@@ -62,6 +62,10 @@ StatementPtr Parser::ParseKeywordStatement() {
       {"save"_kw, [](Parser& p) { return p.ParseSaveTransaction(); }},
       {"exec"_kw, [](Parser& p) { return p.ParseExecute(false); }},
       {"execute"_kw, [](Parser& p) { return p.ParseExecute(false); }},
+      {"open"_kw, [](Parser& p) { return p.ParseCursorAction(CursorStatement::Action::kOpen); }},
+      {"close"_kw, [](Parser& p) { return p.ParseCursorAction(CursorStatement::Action::kClose); }},
+      {"deallocate"_kw, [](Parser& p) { return p.ParseCursorAction(CursorStatement::Action::kDeallocate); }},
+      {"fetch"_kw, [](Parser& p) { return p.ParseFetch(); }},
       {"waitfor"_kw, [](Parser& p) { return p.ParseWaitFor(); }},
       {"create"_kw, [](Parser& p) { return p.ParseCreate(); }},
       {"alter"_kw, [](Parser& p) { return p.ParseAlter(); }},
@@ -79,9 +83,7 @@ void Parser::RefuseStatement() const {
   constexpr std::array kWords = {"grant"_kw,       "revoke"_kw,   "deny"_kw,  "goto"_kw, "backup"_kw,
                                  "restore"_kw,     "bulk"_kw,     "dbcc"_kw,  "kill"_kw, "checkpoint"_kw,
                                  "reconfigure"_kw, "shutdown"_kw, "revert"_kw};
-  constexpr std::array kCursorWords = {"open"_kw, "fetch"_kw, "close"_kw, "deallocate"_kw};
   if (AtAny(kWords)) Refuse(UpperCase(Peek().text));
-  if (AtAny(kCursorWords)) Refuse("A cursor");
   Fail();
 }
 
@@ -159,7 +161,7 @@ std::vector<StatementPtr> Parser::ParseStatementsUntilEnd() {
 StatementPtr Parser::ParseDeclare() {
   const std::uint32_t line = Take().line;
   DeclareStatement declare;
-  if (AtName()) Refuse("A cursor");
+  if (AtName()) return ParseDeclareCursor(line, LowerCase(ParseName()));
   do {
     VariableDeclaration& variable = declare.variables.emplace_back();
     variable.name = ParseVariableName();
@@ -169,7 +171,11 @@ StatementPtr Parser::ParseDeclare() {
       declare.variables.pop_back();
       continue;
     }
-    if (At("cursor"_kw)) Refuse("A cursor");
+    // It stands when it is set.
+    if (Accept("cursor"_kw)) {
+      declare.variables.pop_back();
+      continue;
+    }
     variable.type = ParseType();
     if (Accept(Op::kEqual)) variable.initial = ParseValue();
   } while (Accept(Op::kComma));

@@ -204,6 +204,31 @@ struct SetIsolationStatement {
   std::string level;  // "read committed" …
 };
 
+// Cursors. Their names are in lower case; that of a cursor variable begins with @.
+
+/// DECLARE c CURSOR FOR query, SET @c = CURSOR FOR query
+struct DeclareCursorStatement {
+  std::string name;
+  bool local = false;
+  bool scrolls = false;
+  std::string query;  // as written
+};
+
+/// OPEN, CLOSE and DEALLOCATE
+struct CursorStatement {
+  enum class Action : std::uint8_t { kOpen, kClose, kDeallocate };
+  Action action = Action::kOpen;
+  std::string name;
+};
+
+struct FetchStatement {
+  enum class From : std::uint8_t { kNext, kPrior, kFirst, kLast, kAbsolute, kRelative };
+  From from = From::kNext;
+  ExpressionPtr number;  // of kAbsolute and kRelative
+  std::string cursor;
+  std::vector<std::string> into;  // variables; none: the row is an answer
+};
+
 // Control flow.
 
 struct IfStatement {
@@ -374,10 +399,11 @@ struct CreateProcedureStatement {
 using StatementNode =
     std::variant<EmptyStatement, SelectStatement, InsertStatement, UpdateStatement, DeleteStatement, MergeStatement,
                  TruncateStatement, DeclareStatement, SetStatement, SetSwitchStatement, SetValueStatement,
-                 SetIdentityInsertStatement, SetIsolationStatement, IfStatement, WhileStatement, BlockStatement,
-                 BreakStatement, ContinueStatement, ReturnStatement, TryCatchStatement, WaitForStatement, UseStatement,
-                 PrintStatement, RaiseErrorStatement, ThrowStatement, BeginTransactionStatement, CommitStatement,
-                 RollbackStatement, SaveTransactionStatement, CallStatement, ExecuteTextStatement, CreateTableStatement,
+                 SetIdentityInsertStatement, SetIsolationStatement, DeclareCursorStatement, CursorStatement,
+                 FetchStatement, IfStatement, WhileStatement, BlockStatement, BreakStatement, ContinueStatement,
+                 ReturnStatement, TryCatchStatement, WaitForStatement, UseStatement, PrintStatement,
+                 RaiseErrorStatement, ThrowStatement, BeginTransactionStatement, CommitStatement, RollbackStatement,
+                 SaveTransactionStatement, CallStatement, ExecuteTextStatement, CreateTableStatement,
                  AlterTableStatement, DropStatement, CreateIndexStatement, DropIndexStatement, CreateViewStatement,
                  CreateProcedureStatement>;
 

@@ -45,6 +45,8 @@ Datum SystemValues::Get(const std::string& name, SqlType& type) const {
   if (name == "@@rowcount") return Whole(results_.row_count(), type);
   if (name == "@@error") return Whole(std::int64_t{errors_.last_number}, type);
   if (name == "@@trancount") return Whole(std::int64_t{transaction_.depth()}, type);
+  if (name == "@@fetch_status") return Whole(std::int64_t{cursors_.fetch_status}, type);
+  if (name == "@@cursor_rows") return Whole(cursors_.rows, type);
   if (name == "@@spid") return Whole(std::int64_t{1}, type);
   if (name == "xact_state") {
     return Whole(std::int64_t{transaction_.doomed() ? -1 : transaction_.depth() > 0 ? 1 : 0}, type);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "tessarlorn/date_time.h"
+#include "tsql/engine/state/cursor_state.h"
 #include "tsql/engine/state/error_state.h"
 #include "tsql/engine/state/results.h"
 #include "tsql/engine/state/transaction.h"
@@ -18,8 +19,9 @@ using Clock = std::function<DateTime()>;
 
 class SystemValues {
  public:
-  SystemValues(const Results& results, const Transaction& transaction, const ErrorState& errors, Clock clock)
-      : results_(results), transaction_(transaction), errors_(errors), clock_(std::move(clock)) {}
+  SystemValues(const Results& results, const Transaction& transaction, const ErrorState& errors,
+               const CursorState& cursors, Clock clock)
+      : results_(results), transaction_(transaction), errors_(errors), cursors_(cursors), clock_(std::move(clock)) {}
 
   /// @param type what the value is; changed where it is a whole number of another size
   [[nodiscard]] Datum Get(const std::string& name, SqlType& type) const;
@@ -30,6 +32,7 @@ class SystemValues {
   const Results& results_;
   const Transaction& transaction_;
   const ErrorState& errors_;
+  const CursorState& cursors_;
   Clock clock_;
 };
 

@@ -22,6 +22,8 @@ constexpr std::array kSystems = {
     System{"@@trancount", FieldType::kInt},
     System{"@@identity", FieldType::kDecimal},
     System{"@@spid", FieldType::kInt},
+    System{"@@fetch_status", FieldType::kInt},
+    System{"@@cursor_rows", FieldType::kInt},
     System{"@@version", FieldType::kNVarChar},
     System{"@@servername", FieldType::kNVarChar},
     System{"scope_identity", FieldType::kDecimal},

@@ -4,6 +4,7 @@
 
 #include "platform/text/text.h"
 #include "tsql/translate/common/conversion.h"
+#include "tsql/translate/queries/for_clause.h"
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {
@@ -95,7 +96,8 @@ std::string TranslateWith(Translation& translation, const std::vector<CommonTabl
 
 TranslatedQuery TranslateQuery(Translation& translation, const Query& query, const Scope* parent,
                                const SelectOptions& options) {
-  const bool limited = query.offset != nullptr || (query.select() != nullptr && query.select()->top != nullptr);
+  const bool limited =
+      query.offset != nullptr || (query.select() != nullptr && query.select()->top != nullptr) || query.for_clause;
   if (!options.may_order && !query.order_by.empty() && !limited) {
     throw SqlError(1033,
                    "The ORDER BY clause is invalid in views, inline functions, derived tables, subqueries, and common "
@@ -104,15 +106,23 @@ TranslatedQuery TranslateQuery(Translation& translation, const Query& query, con
   }
   const std::size_t outer_tables = translation.common_tables.size();
   const std::string with = TranslateWith(translation, query.with, parent);
+  SelectOptions own;
+  own.may_order = true;
+  // The columns of a text are those of its rows, under names that may be none.
+  const SelectOptions& wanted = query.for_clause ? own : options;
   TranslatedQuery result =
       std::visit(Overloaded{
-                     [&](const Select& select) { return TranslateSelect(translation, query, select, parent, options); },
-                     [&](const ValueRows& values) { return TranslateRows(translation, values, parent, options); },
-                     [&](const SetOperation& set) { return TranslateSet(translation, query, set, parent, options); },
+                     [&](const Select& select) { return TranslateSelect(translation, query, select, parent, wanted); },
+                     [&](const ValueRows& values) { return TranslateRows(translation, values, parent, wanted); },
+                     [&](const SetOperation& set) { return TranslateSet(translation, query, set, parent, wanted); },
                  },
                  query.body);
   result.sql = with + result.sql;
   translation.common_tables.resize(outer_tables);
+  if (query.for_clause) {
+    const bool renamed = options.names != nullptr && options.names->size() == 1;
+    result = TranslateForClause(translation, query, std::move(result), renamed ? options.names->front() : "");
+  }
   return result;
 }
 

@@ -633,6 +633,22 @@ TEST(Language, FaultsOfSyntax) {
   }
 }
 
+TEST(Language, LongChainsOfOperators) {
+  const auto chain = [](const std::string& link, const std::string& sign, int count) {
+    std::string text = link;
+    for (int i = 1; i < count; ++i) text.append(sign).append(link);
+    return text;
+  };
+  Check({
+      {("select " + chain("1.5", "+", 200) + " as s, " + chain("1", "+", 300) + " as i").c_str(), "s|i;300.0|300"},
+      {("select " + chain("FAmount * 2", "-", 60) + " as s from o order by FID").c_str(),
+       "s;-1218.0000;-2320.0000;NULL"},
+      {("select len(" + chain("N'货'", "+", 300) + ") as n").c_str(), "n;300"},
+      {("select " + chain("2147483647", "+", 13) + " as s").c_str(),
+       "error 8115: Arithmetic overflow error converting expression to data type int."},
+  });
+}
+
 TEST(Language, NestingHasALimit) {
   const auto repeat = [](std::string_view text, int count) {
     std::string all;

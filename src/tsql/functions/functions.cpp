@@ -92,6 +92,33 @@ void Arithmetic(sqlite3_context* context, Runtime&, Arguments arguments) {
                                      TypeArgument(arguments[5])));
 }
 
+Datum WholeStep(BinaryOp op, std::int64_t a, std::int64_t b, const SqlType& type) {
+  std::int64_t value = 0;
+  const bool overflows = op == BinaryOp::kAdd        ? __builtin_add_overflow(a, b, &value)
+                         : op == BinaryOp::kSubtract ? __builtin_sub_overflow(a, b, &value)
+                                                     : __builtin_mul_overflow(a, b, &value);
+  if (overflows) RaiseArithmeticOverflow(type);
+  return Convert(value, BigIntType(), type);
+}
+
+// ts_fold(value, its type, operator, value, its type, result's type, operator, …): one step after the other
+void Fold(sqlite3_context* context, Runtime&, Arguments arguments) {
+  if (IsNull(arguments[0])) return;
+  Datum value = ToDatum(arguments[0]);
+  SqlType type = TypeArgument(arguments[1]);
+  for (std::size_t i = 2; i + 3 < arguments.size(); i += 4) {
+    if (IsNull(arguments[i + 1])) return;
+    const auto op = static_cast<BinaryOp>(sqlite3_value_int(arguments[i]));
+    const SqlType other = TypeArgument(arguments[i + 2]);
+    const SqlType result = TypeArgument(arguments[i + 3]);
+    value = result.is_integer()
+                ? WholeStep(op, std::get<std::int64_t>(value), sqlite3_value_int64(arguments[i + 1]), result)
+                : ExactArithmetic(op, value, type, ToDatum(arguments[i + 1]), other, result);
+    type = result;
+  }
+  SetResult(context, value);
+}
+
 // ts_var(name): the variable's value now
 void ReadVariable(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
   SetResult(context, runtime.frame->Get(TextOf(arguments[0])).value);
@@ -165,6 +192,7 @@ void RegisterConversionFunctions(sqlite3* database, Runtime& runtime) {
   RegisterFunction(database, runtime, "ts_assign", 5, AssignValue);
   RegisterFunction(database, runtime, "ts_require", 3, RequireValue);
   RegisterFunction(database, runtime, "ts_arith", 6, Arithmetic);
+  RegisterFunction(database, runtime, "ts_fold", -1, Fold);
   RegisterFunction(database, runtime, "ts_var", 1, ReadVariable, false);
   RegisterFunction(database, runtime, "ts_setvar", -1, WriteVariables, false);
   RegisterFunction(database, runtime, "ts_like", 2, Like);

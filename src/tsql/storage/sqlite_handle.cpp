@@ -156,6 +156,19 @@ struct ShownDatabase {
 [[noreturn]] void RaiseOther(const std::string& message) {
   if (message == "integer overflow")
     throw SqlError(8115, "Arithmetic overflow error converting expression to data type bigint.");
+  if (message == "parser stack overflow" || message.starts_with("Expression tree is too large")) {
+    throw SqlError(8631,
+                   "Internal error: Server stack limit has been reached. Please look for potentially deep nesting in "
+                   "your query, and try to simplify it.",
+                   17);
+  }
+  if (message == "at most 64 tables in a join") {
+    throw SqlError(
+        8623,
+        "The query processor ran out of internal resources and could not produce a query plan. This is a rare "
+        "event and only expected for extremely complex queries or queries that reference a very large number "
+        "of tables or partitions. Please simplify the query.");
+  }
   if (message == "no query solution") {
     throw SqlError(
         8622,

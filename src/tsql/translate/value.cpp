@@ -50,6 +50,8 @@ class Values {
  private:
   [[nodiscard]] Typed Value(const Expression& expression) const { return translation_.Value(expression, scope_); }
   [[nodiscard]] Typed Cast(const Expression& written, const SqlType& type, int style, bool attempt) const;
+  static bool IsLongChain(const BinaryOperation& last);
+  [[nodiscard]] Typed LongChain(const BinaryOperation& last) const;
   /// Of a whole number that is written beside a decimal only its own digits count.
   void CountDigits(Typed& value, const Typed& other, const Expression& written) const;
 
@@ -71,7 +73,30 @@ Typed Values::operator()(const UnaryOperation& operation) const {
   }
 }
 
+Typed Values::LongChain(const BinaryOperation& last) const {
+  std::vector<const BinaryOperation*> steps;
+  for (const BinaryOperation* step = &last; step != nullptr; step = As<BinaryOperation>(*step->left)) {
+    steps.push_back(step);
+  }
+  ArithmeticChain chain(parameters_, Value(*steps.back()->left));
+  for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
+    Typed value = Value(*(*step)->right);
+    CountDigits(value, chain.value(), *(*step)->right);
+    chain.Add((*step)->op, std::move(value));
+  }
+  return chain.value();
+}
+
+bool Values::IsLongChain(const BinaryOperation& last) {
+  constexpr int kLong = 12;
+  int steps = 0;
+  const BinaryOperation* step = &last;
+  while (step != nullptr && ++steps < kLong) step = As<BinaryOperation>(*step->left);
+  return step != nullptr;
+}
+
 Typed Values::operator()(const BinaryOperation& operation) const {
+  if (IsLongChain(operation)) return LongChain(operation);
   Typed a = Value(*operation.left);
   Typed b = Value(*operation.right);
   CountDigits(a, b, *operation.left);

@@ -45,8 +45,12 @@ Typed Concatenation(Parameters& parameters, const Typed& a, const Typed& b, SqlT
   type.size = a.type.size == 0 || b.type.size == 0 ? 0 : std::min(most, a.type.size + b.type.size);
   SqlType whole = type;
   whole.size = 0;
-  return {"(" + Coerce(parameters, a, whole) + " || " + Coerce(parameters, b, whole) + ")", type,
-          a.nullable || b.nullable, -1};
+  std::string left = Coerce(parameters, a, whole);
+  // A long chain stays flat.
+  if (a.joined && left == a.sql) left = left.substr(1, left.size() - 2);
+  Typed joined{"(" + left + " || " + Coerce(parameters, b, whole) + ")", type, a.nullable || b.nullable, -1};
+  joined.joined = true;
+  return joined;
 }
 
 /// a + b of binaries.
@@ -164,6 +168,29 @@ Typed Arithmetic(Parameters& parameters, BinaryOp op, Typed a, Typed b) {
                     : type.is_integer() ? IntegerArithmetic(op, a, b, type)
                                         : DecimalArithmetic(parameters, op, a, b, type);
   return {std::move(sql), type, a.nullable || b.nullable, -1};
+}
+
+void ArithmeticChain::Add(BinaryOp op, Typed value) {
+  constexpr int kMostSteps = 30;
+  const auto is_exact = [](const Typed& operand) {
+    return !operand.type.untyped_null && (operand.type.is_integer() || operand.type.is_exact());
+  };
+  const bool moves = op == BinaryOp::kAdd || op == BinaryOp::kSubtract || op == BinaryOp::kMultiply;
+  if (!moves || !is_exact(value_) || !is_exact(value)) {
+    value_ = Arithmetic(parameters_, op, std::move(value_), std::move(value));
+    steps_ = 0;
+    return;
+  }
+  const SqlType type = ArithmeticType(op, value_.type, value.type);
+  if (steps_ == 0 || steps_ == kMostSteps) {
+    steps_ = 0;
+    value_.sql = "ts_fold(" + value_.sql + ", " + Packed(value_.type) + ")";
+  }
+  ++steps_;
+  value_.sql.pop_back();
+  value_.sql += ", " + std::to_string(static_cast<int>(op)) + ", " + value.sql + ", " + Packed(value.type) + ", " +
+                Packed(type) + ")";
+  value_ = {std::move(value_.sql), type, value_.nullable || value.nullable, -1};
 }
 
 Typed BitComplement(const Typed& value) {

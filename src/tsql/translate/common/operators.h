@@ -14,6 +14,20 @@ Typed Arithmetic(Parameters& parameters, BinaryOp op, Typed a, Typed b);
 /// -value. Raises 8117.
 Typed Negative(Typed value);
 /// ~value. Raises 8117.
+/// a + b - c …: SQLite reads calls within calls only so deep, a long chain is one call for many of its steps.
+class ArithmeticChain {
+ public:
+  ArithmeticChain(Parameters& parameters, Typed first) : parameters_(parameters), value_(std::move(first)) {}
+  /// As Arithmetic.
+  void Add(BinaryOp op, Typed value);
+  [[nodiscard]] const Typed& value() const { return value_; }
+
+ private:
+  Parameters& parameters_;
+  Typed value_;
+  int steps_ = 0;
+};
+
 Typed BitComplement(const Typed& value);
 /// a op b as a condition.
 std::string Compared(Parameters& parameters, CompareOp op, const Typed& a, const Typed& b);

@@ -19,6 +19,8 @@ struct Typed {
   int parameter = -1;
   /// For the text of a whole number, CAST(number AS varchar): the number, else "".
   std::string number = {};
+  /// It is texts joined within one pair of parentheses.
+  bool joined = false;
 };
 
 /// A table whose rows stand behind those of a source, and their numbers in SQLite's words.

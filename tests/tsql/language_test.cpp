@@ -621,9 +621,8 @@ TEST(Language, FaultsOfSyntax) {
   const auto connection = OpenEmbedded();
   for (const auto& [batch, feature] : {
            std::pair{"select 1 as a for xml explicit", "FOR XML EXPLICIT"},
-           {"select * from t pivot (sum(a) for b in (1,2)) p", "PIVOT"},
            {"select * from f(1) x", "The table-valued function f"},
-           {"select 1 group by rollup (a)", "ROLLUP"},
+           {"select 1 from t group by all a", "GROUP BY ALL"},
            {"declare c cursor for select 1 for update", "A cursor FOR UPDATE"},
            {"create trigger x on t", "CREATE TRIGGER"},
            {"create table t (a int references u(a) on delete cascade)", "ON DELETE CASCADE"},
@@ -631,6 +630,26 @@ TEST(Language, FaultsOfSyntax) {
     EXPECT_EQ(Answer(*connection, batch),
               "error 40000: " + std::string(feature) + " is not supported by the embedded database.");
   }
+}
+
+TEST(Language, GroupingSetsAndPivot) {
+  Check({
+      {"select FID, FCode, sum(FQty) q, grouping(FCode) g from e group by rollup (FID, FCode) order by grouping(FID), FID, g, FCode",
+       "FID|FCode|q|g;1|A1|3.0000|0;1|NULL|3.0000|1;2|NULL|3.0000|0;2|NULL|3.0000|1;NULL|NULL|6.0000|1"},
+      {"select FState, year(FDate) y, count(*) n, grouping_id(FState, year(FDate)) i from o group by cube (FState, year(FDate)) having "
+       "count(*) > 1",
+       "FState|y|n|i;NULL|2026|3|2;NULL|NULL|3|3"},
+      {"select top 2 FID, count(*) n from e group by grouping sets ((FID), ()) order by n desc", "FID|n;NULL|3;1|2"},
+      {"select FID, count(*) n from e group by FID with rollup", "FID|n;1|2;2|1;NULL|3"},
+      {"select FID, count(*) n from e where 1 = 0 group by FID with cube", "FID|n"},
+      {"select * from (select FID, FCode, FQty from e) s pivot (sum(FQty) for FCode in ([a1], [B])) p order by FID",
+       "FID|a1|B;1|3.0000|NULL;2|NULL|NULL"},
+      {"select FID, [2], [6] from (select FID, FState, FName from o) s pivot (count(FName) for FState in ([2], [6])) as p order by 1",
+       "FID|2|6;1|1|0;2|0|1;3|0|0"},
+      {"select u.FID, u.k, u.v from (select FID, FState, FID * 10 as x from o) s unpivot (v for k in (FState, x)) u where FID < 3 order by "
+       "FID, k desc",
+       "FID|k|v;1|x|10;1|FState|2;2|x|20;2|FState|6"},
+  });
 }
 
 TEST(Language, LongChainsOfOperators) {

@@ -92,12 +92,9 @@ void Arithmetic(sqlite3_context* context, Runtime&, Arguments arguments) {
                                      TypeArgument(arguments[5])));
 }
 
+/// Operands and results are of int at most: a step of them fits in 64 bits.
 Datum WholeStep(BinaryOp op, std::int64_t a, std::int64_t b, const SqlType& type) {
-  std::int64_t value = 0;
-  const bool overflows = op == BinaryOp::kAdd        ? __builtin_add_overflow(a, b, &value)
-                         : op == BinaryOp::kSubtract ? __builtin_sub_overflow(a, b, &value)
-                                                     : __builtin_mul_overflow(a, b, &value);
-  if (overflows) RaiseArithmeticOverflow(type);
+  const std::int64_t value = op == BinaryOp::kAdd ? a + b : op == BinaryOp::kSubtract ? a - b : a * b;
   return Convert(value, BigIntType(), type);
 }
 

@@ -2,6 +2,7 @@
 // statements in statement.h.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -274,6 +275,24 @@ struct TableFunction {
   std::vector<std::string> column_aliases;
 };
 
+/// source PIVOT (SUM(value) FOR name IN ([a], [b])) AS t
+struct PivotTable {
+  TableSourcePtr source;
+  ExpressionPtr aggregate;  // of one column
+  std::string name;
+  std::vector<std::string> columns;
+  std::string alias;
+};
+
+/// source UNPIVOT (value FOR name IN (a, b)) AS t
+struct UnpivotTable {
+  TableSourcePtr source;
+  std::string value;
+  std::string name;
+  std::vector<std::string> columns;
+  std::string alias;
+};
+
 struct Join {
   JoinKind kind = JoinKind::kInner;
   TableSourcePtr left;
@@ -284,7 +303,7 @@ struct Join {
 /// One source of FROM.
 struct TableSource {
   std::uint32_t line = 1;
-  std::variant<NamedTable, DerivedTable, TableFunction, Join> node;
+  std::variant<NamedTable, DerivedTable, TableFunction, PivotTable, UnpivotTable, Join> node;
 };
 
 struct SelectItem {
@@ -304,6 +323,8 @@ struct Select {
   std::vector<TableSourcePtr> from;  // comma-separated sources
   ExpressionPtr where;
   std::vector<ExpressionPtr> group_by;
+  /// ROLLUP, CUBE and GROUPING SETS: which of group_by each set has. None for a plain GROUP BY.
+  std::vector<std::vector<std::size_t>> grouping_sets;
   ExpressionPtr having;
 };
 

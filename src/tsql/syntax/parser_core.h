@@ -160,7 +160,16 @@ class Parser {
   [[nodiscard]] std::size_t StarAhead() const;
   void ParseTop(Select& select);
   ExpressionPtr AcceptStatementTop();
+  // parser_grouping.cpp
+  using GroupingSets = std::vector<std::vector<std::size_t>>;
   void ParseGroupBy(Select& select);
+  GroupingSets ParseGroupingItem(Select& select);
+  GroupingSets ParseGroupingSets(Select& select);
+  /// a, or (a, b)
+  std::vector<std::size_t> ParseGroupingSet(Select& select);
+  /// Whether a comma stands between the parentheses themselves.
+  [[nodiscard]] bool HoldsComma(std::size_t parenthesis) const;
+  TableSourcePtr AcceptPivot(TableSourcePtr source);
   void ParseOrderBy(Query& query);
   std::vector<TableSourcePtr> ParseFrom();
   TableSourcePtr ParseSource();

@@ -250,16 +250,6 @@ ExpressionPtr Parser::AcceptStatementTop() {
   return std::move(select.top);
 }
 
-void Parser::ParseGroupBy(Select& select) {
-  Expect("by"_kw);
-  if (At("all"_kw)) Refuse("GROUP BY ALL");
-  if (At("grouping"_kw) && At("sets"_kw, 1)) Refuse("GROUPING SETS");
-  if (At("rollup"_kw) && At(Op::kLeftParen, 1)) Refuse("ROLLUP");
-  if (At("cube"_kw) && At(Op::kLeftParen, 1)) Refuse("CUBE");
-  select.group_by = ParseValues();
-  if (At("with"_kw) && (At("rollup"_kw, 1) || At("cube"_kw, 1))) Refuse("GROUP BY … WITH " + UpperCase(Peek(1).text));
-}
-
 void Parser::ParseOrderBy(Query& query) {
   if (!Accept("order"_kw)) return;
   Expect("by"_kw);
@@ -282,12 +272,7 @@ std::vector<TableSourcePtr> Parser::ParseFrom() {
   return sources;
 }
 
-TableSourcePtr Parser::ParseSource() {
-  TableSourcePtr source = ParseJoins(ParseSourcePrimary());
-  if (At("pivot"_kw)) Refuse("PIVOT");
-  if (At("unpivot"_kw)) Refuse("UNPIVOT");
-  return source;
-}
+TableSourcePtr Parser::ParseSource() { return ParseJoins(ParseSourcePrimary()); }
 
 TableSourcePtr Parser::ParseJoins(TableSourcePtr left) {
   const Level level(*this);
@@ -305,7 +290,9 @@ TableSourcePtr Parser::ParseJoins(TableSourcePtr left) {
     }
     left = MakeSource(line, std::move(both));
   }
-  return left;
+  // It is of all that stands before it.
+  if (!At("pivot"_kw) && !At("unpivot"_kw)) return left;
+  return ParseJoins(AcceptPivot(std::move(left)));
 }
 
 bool Parser::AcceptJoin(JoinKind& join) {

@@ -34,7 +34,10 @@ class Values {
     return Cast(*cast.value, ResolveType(cast.type, true), 0, cast.attempt);
   }
   Typed operator()(const ConvertExpression& convert) const;
-  Typed operator()(const FunctionCall& call) const { return TranslateCall(Call(translation_, call, line_, scope_)); }
+  Typed operator()(const FunctionCall& call) const {
+    if (call.name == "grouping" || call.name == "grouping_id") return Grouping(call);
+    return TranslateCall(Call(translation_, call, line_, scope_));
+  }
   Typed operator()(const IdentityCall& /*call*/) const { RaiseUnknownFunction("identity", line_); }
   Typed operator()(const ScalarSubquery& subquery) const;
   Typed operator()(const CollateExpression& collate) const;
@@ -50,6 +53,8 @@ class Values {
  private:
   [[nodiscard]] Typed Value(const Expression& expression) const { return translation_.Value(expression, scope_); }
   [[nodiscard]] Typed Cast(const Expression& written, const SqlType& type, int style, bool attempt) const;
+  /// A bit for each argument: whether the grouping set has it not.
+  [[nodiscard]] Typed Grouping(const FunctionCall& call) const;
   static bool IsLongChain(const BinaryOperation& last);
   [[nodiscard]] Typed LongChain(const BinaryOperation& last) const;
   /// Of a whole number that is written beside a decimal only its own digits count.
@@ -71,6 +76,22 @@ Typed Values::operator()(const UnaryOperation& operation) const {
     default:
       return Negative(std::move(value));
   }
+}
+
+Typed Values::Grouping(const FunctionCall& call) const {
+  std::int64_t bits = 0;
+  for (const ExpressionPtr& argument : call.arguments) {
+    const bool grouped = scope_.check_grouping && scope_.group_expressions.contains(MeaningOf(*argument));
+    const auto* column = As<ColumnReference>(*argument);
+    if (!grouped && (column == nullptr || !scope_.group_columns.contains(FindColumn(*column, scope_, true).sql))) {
+      throw SqlError(8161, "Argument 1 of the " + UpperCase(call.name) +
+                               " function does not match any of the expressions in the GROUP BY clause.");
+    }
+    const Typed value = Value(*argument);
+    bits = bits * 2 + (value.sql == "NULL" ? 1 : 0);
+  }
+  return {std::to_string(bits), call.name == "grouping" ? SqlType{FieldType::kTinyInt, 0, 0, 0, false} : IntType(),
+          false, -1};
 }
 
 Typed Values::LongChain(const BinaryOperation& last) const {
@@ -199,9 +220,11 @@ Typed TranslateValue(Translation& translation, const Expression& expression, Sco
                        As<Literal>(expression) == nullptr && scope.group_expressions.contains(MeaningOf(expression));
   if (!grouped) return std::visit(Values(translation, scope, expression.line), expression.node);
   translation.parameters.PinAll(expression);
+  const bool absent = scope.absent.contains(MeaningOf(expression));
   scope.check_grouping = false;
   Typed value = TranslateValue(translation, expression, scope);
   scope.check_grouping = true;
+  if (absent) value = {"NULL", value.type, true, -1};
   return value;
 }
 

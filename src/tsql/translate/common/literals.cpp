@@ -141,6 +141,8 @@ class Finder {
   void Visit(const TableSourcePtr& source) {
     if (const auto* derived = std::get_if<DerivedTable>(&source->node)) Visit(derived->query);
     if (const auto* function = std::get_if<TableFunction>(&source->node)) VisitAll(function->arguments);
+    if (const auto* pivot = std::get_if<PivotTable>(&source->node)) Visit(pivot->source);
+    if (const auto* unpivot = std::get_if<UnpivotTable>(&source->node)) Visit(unpivot->source);
     const auto* join = std::get_if<Join>(&source->node);
     if (join == nullptr) return;
     Visit(join->left);

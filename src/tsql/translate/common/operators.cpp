@@ -173,7 +173,8 @@ Typed Arithmetic(Parameters& parameters, BinaryOp op, Typed a, Typed b) {
 void ArithmeticChain::Add(BinaryOp op, Typed value) {
   constexpr int kMostSteps = 30;
   const auto is_exact = [](const Typed& operand) {
-    return !operand.type.untyped_null && (operand.type.is_integer() || operand.type.is_exact());
+    const bool whole = operand.type.is_integer() && operand.type.kind != FieldType::kBigInt;
+    return !operand.type.untyped_null && (whole || operand.type.is_exact());
   };
   const bool moves = op == BinaryOp::kAdd || op == BinaryOp::kSubtract || op == BinaryOp::kMultiply;
   if (!moves || !is_exact(value_) || !is_exact(value)) {

@@ -68,6 +68,7 @@ Typed FindColumn(const ColumnReference& column, const Scope& scope, bool in_aggr
     if (level->check_grouping && !in_aggregate && !level->group_columns.contains(found.column->sql)) {
       RaiseNotGrouped(found.source->alias + "." + found.column->name, level->clause);
     }
+    if (!in_aggregate && level->absent.contains(found.column->sql)) return {"NULL", found.column->type, true, -1};
     if (level->captured != nullptr) {
       level->captured->push_back(found.column->sql);
       return {"\"$row\".c" + std::to_string(level->captured->size()), found.column->type, found.column->nullable, -1};

@@ -43,7 +43,9 @@ struct Scope {
   std::vector<std::string>* captured = nullptr;
   std::set<std::string> group_columns;      // resolved SQL
   std::set<std::string> group_expressions;  // as MeaningOf has them
-  bool optional_view = false;               // a view on the inner side of an outer join
+  /// Those of both that the grouping set has not: NULL outside aggregates.
+  std::set<std::string> absent;
+  bool optional_view = false;  // a view on the inner side of an outer join
 };
 
 /// Raises 1011 for an alias that is there already.

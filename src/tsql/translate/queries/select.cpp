@@ -1,5 +1,7 @@
 // One SELECT: its list, WHERE, GROUP BY and HAVING.
 #include <algorithm>
+#include <numeric>
+#include <set>
 #include <utility>
 
 #include "platform/text/text.h"
@@ -47,10 +49,13 @@ class SelectTranslator {
   }
 
   TranslatedQuery Translate();
+  /// The rows of one grouping set: the values are columns v0 …, the keys of ORDER BY behind them k0 ….
+  TranslatedQuery TranslateSet(const std::vector<std::size_t>& set, std::string& order);
 
  private:
   std::string Where();
   std::string GroupBy();
+  std::string GroupBy(const std::vector<std::size_t>& set);
   void AddItems();
   void AddItem(const SelectItem& item);
   void AddIdentity(const SelectItem& item, const IdentityCall& call);
@@ -82,18 +87,31 @@ std::string SelectTranslator::Where() {
 }
 
 std::string SelectTranslator::GroupBy() {
+  std::vector<std::size_t> all(select_.group_by.size());
+  std::iota(all.begin(), all.end(), std::size_t{0});
+  return GroupBy(all);
+}
+
+std::string SelectTranslator::GroupBy(const std::vector<std::size_t>& set) {
   std::string sql;
-  for (const ExpressionPtr& item : select_.group_by) {
-    const Expression& key = *item;
+  std::set<std::string> absent;
+  for (std::size_t i = 0; i < select_.group_by.size(); ++i) {
+    const Expression& key = *select_.group_by[i];
     if (!HasColumn(key)) {
       throw SqlError(164, "Each GROUP BY expression must contain at least one column that is not an outer reference.",
                      15);
     }
     const Typed value = translation_.Value(key, scope_);
-    sql += (sql.empty() ? " GROUP BY " : ", ") + Collated(value);
-    if (As<ColumnReference>(key) != nullptr) scope_.group_columns.insert(value.sql);
+    const bool is_column = As<ColumnReference>(key) != nullptr;
+    if (is_column) scope_.group_columns.insert(value.sql);
     scope_.group_expressions.insert(MeaningOf(key));
+    if (std::find(set.begin(), set.end(), i) != set.end()) {
+      sql += (sql.empty() ? " GROUP BY " : ", ") + Collated(value);
+    } else {
+      absent.insert(is_column ? value.sql : MeaningOf(key));
+    }
   }
+  scope_.absent = std::move(absent);
   const bool aggregates = std::any_of(select_.items.begin(), select_.items.end(),
                                       [](const SelectItem& item) { return HasAggregate(*item.expression); });
   scope_.check_grouping = !select_.group_by.empty() || aggregates || select_.having != nullptr;
@@ -239,10 +257,67 @@ TranslatedQuery SelectTranslator::Translate() {
   return std::move(result_);
 }
 
+TranslatedQuery SelectTranslator::TranslateSet(const std::vector<std::size_t>& set, std::string& order) {
+  const std::string from = TranslateFrom(translation_, select_.from, scope_);
+  const std::string where = Where();
+  const int outer_depth = std::exchange(translation_.aggregate_depth, 0);
+  const std::string group = GroupBy(set);
+  AddItems();
+  if (options_.names != nullptr) Rename(result_.columns, *options_.names, options_.owner);
+  if (options_.named) CheckNames(result_.columns, options_.owner);
+  std::string list;
+  for (std::size_t i = 0; i < values_.size(); ++i) {
+    list += (i == 0 ? "SELECT " : ", ") + values_[i].sql + " AS v" + std::to_string(i);
+  }
+  order.clear();
+  for (const OrderKey& key : OrderKeys(translation_, query_, select_, scope_, result_.columns, values_)) {
+    std::string name = "v" + std::to_string(key.column);
+    if (key.column == OrderKey::kNoColumn) {
+      name = "k" + std::to_string(order.size());
+      list += ", " + key.sql + " AS " + name;
+    }
+    order += (order.empty() ? " ORDER BY " : ", ") + name + key.collation + (key.descending ? " DESC" : "");
+  }
+  // Without rows there are no groups, not even that of all rows.
+  const std::string having = Having();
+  const std::string any = group.empty() ? (having.empty() ? " HAVING count(*) > 0" : " AND count(*) > 0") : "";
+  result_.sql = list + from + where + group + having + any;
+  translation_.aggregate_depth = outer_depth;
+  return std::move(result_);
+}
+
+TranslatedQuery TranslateGroupingSets(Translation& translation, const Query& query, const Select& select,
+                                      const Scope* parent, const SelectOptions& options) {
+  if (NeedsRanks(select)) RaiseUnsupported("TOP … WITH TIES or PERCENT of grouping sets", select.line);
+  TranslatedQuery result;
+  std::string rows;
+  std::string order;
+  for (const std::vector<std::size_t>& set : select.grouping_sets) {
+    TranslatedQuery part = SelectTranslator(translation, query, select, parent, options).TranslateSet(set, order);
+    rows += (rows.empty() ? "" : " UNION ALL ") + part.sql;
+    result.columns = std::move(part.columns);
+  }
+  std::string list;
+  for (std::size_t i = 0; i < result.columns.size(); ++i) {
+    // Each column is NULL in some set.
+    result.columns[i].nullable = true;
+    list += (i == 0 ? "v" : ", v") + std::to_string(i);
+    if (!result.columns[i].name.empty()) list += " AS " + QuoteName(result.columns[i].name);
+  }
+  Scope scope;
+  scope.parent = parent;
+  const std::string limit =
+      select.top != nullptr ? TranslateTop(translation, select, scope) : TranslateOffset(translation, query, scope);
+  result.sql =
+      std::string(select.distinct ? "SELECT DISTINCT " : "SELECT ") + list + " FROM (" + rows + ")" + order + limit;
+  return result;
+}
+
 }  // namespace
 
 TranslatedQuery TranslateSelect(Translation& translation, const Query& query, const Select& select, const Scope* parent,
                                 const SelectOptions& options) {
+  if (!select.grouping_sets.empty()) return TranslateGroupingSets(translation, query, select, parent, options);
   return SelectTranslator(translation, query, select, parent, options).Translate();
 }
 

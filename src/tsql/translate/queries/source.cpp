@@ -9,6 +9,7 @@
 #include "tsql/storage/constraint_text.h"
 #include "tsql/storage/system_views.h"
 #include "tsql/syntax/parser.h"
+#include "tsql/translate/queries/pivot.h"
 #include "tsql/translate/queries/table_function.h"
 #include "tsql/values/sql_error.h"
 
@@ -38,6 +39,8 @@ class Sources {
   std::string operator()(const NamedTable& named) const;
   std::string operator()(const DerivedTable& derived) const;
   std::string operator()(const TableFunction& function) const;
+  std::string operator()(const PivotTable& pivot) const;
+  std::string operator()(const UnpivotTable& unpivot) const;
   std::string operator()(const Join& join) const;
 
  private:
@@ -218,6 +221,18 @@ std::string Sources::operator()(const Join& join) const {
   sql += std::holds_alternative<Join>(join.right->node) ? "(" + right + ")" : right;
   if (join.on != nullptr) sql += " ON " + translation_.Condition(*join.on, scope_);
   return sql;
+}
+
+std::string Sources::operator()(const PivotTable& pivot) const {
+  const TranslatedQuery query = TranslatePivot(translation_, pivot, scope_.parent);
+  Add(pivot.alias, query.columns);
+  return "(" + query.sql + ") AS " + QuoteName(pivot.alias);
+}
+
+std::string Sources::operator()(const UnpivotTable& unpivot) const {
+  const TranslatedQuery query = TranslateUnpivot(translation_, unpivot, scope_.parent);
+  Add(unpivot.alias, query.columns);
+  return "(" + query.sql + ") AS " + QuoteName(unpivot.alias);
 }
 
 }  // namespace

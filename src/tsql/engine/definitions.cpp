@@ -131,8 +131,12 @@ void Definitions::CreateView(const CreateViewStatement& statement, const Activat
   view.kind = CatalogKind::kView;
   view.name = statement.view.name;
   view.definition = statement.source_text;
-  for (const std::string& column : statement.columns) view.columns.push_back({column, IntType(), true, false, ""});
-  plans_.MakeTranslator(activation).DescribeQuery(*statement.query, false);
+  for (const ResultColumn& column : plans_.MakeTranslator(activation).DescribeQuery(*statement.query, false)) {
+    const std::size_t position = view.columns.size();
+    const bool renamed = position < statement.columns.size();
+    view.columns.push_back(
+        {renamed ? statement.columns[position] : column.name, column.type, column.nullable, false, ""});
+  }
   AddObject(std::move(view), statement.replace);
 }
 

@@ -80,6 +80,18 @@ void ColumnLength(sqlite3_context* context, const Catalog& catalog, Arguments ar
   if (column >= 0) sqlite3_result_int(context, StorageBytes(object->columns[static_cast<std::size_t>(column)].type));
 }
 
+// ts_row_count(object): the rows of the table with that number
+void RowCount(sqlite3_context* context, const Catalog& catalog, Arguments arguments) {
+  sqlite3* const database = sqlite3_context_db_handle(context);
+  SqliteStatement name(database, R"(SELECT name FROM main."$objects" WHERE kind = 'table' AND id = ?1)");
+  name.BindInteger(1, sqlite3_value_int64(arguments[0]));
+  const CatalogObjectPtr table = name.Step() ? catalog.Find(name.Text(0)) : nullptr;
+  if (table == nullptr) return;
+  SqliteStatement rows(database, "SELECT count(*) FROM main." + QuoteName(table->table_name()));
+  rows.Step();
+  sqlite3_result_int64(context, rows.Integer(0));
+}
+
 using CatalogFunction = void (*)(sqlite3_context*, const Catalog&, Arguments);
 
 template <CatalogFunction F>
@@ -96,6 +108,7 @@ void RegisterCatalogFunctions(sqlite3* database, Catalog& catalog) {
   };
   add("ts_object_id", -1, CallCatalogFunction<ObjectId>);
   add("ts_ident_current", 1, CallCatalogFunction<IdentCurrent>);
+  add("ts_row_count", 1, CallCatalogFunction<RowCount>);
   add("ts_col_length", 2, CallCatalogFunction<ColumnLength>);
 }
 

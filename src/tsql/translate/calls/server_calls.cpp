@@ -66,28 +66,8 @@ constexpr std::array kLookUps = {
     LookUp{"type_id", "types", "user_type_id", {"name", ""}, true},
     LookUp{"schema_name", "schemas", "name", {"schema_id", ""}, false},
     LookUp{"schema_id", "schemas", "schema_id", {"name", ""}, true},
-    LookUp{"db_id", "databases", "database_id", {"name", ""}, true},
-};
-
-struct Property {
-  std::string_view name;
-  std::string_view value;
-};
-
-constexpr std::array kProperties = {
-    Property{"collation", "Chinese_PRC_CI_AS"},
-    Property{"edition", "Embedded"},
-    Property{"engineedition", "4"},
-    Property{"isclustered", "0"},
-    Property{"isintegratedsecurityonly", "0"},
-    Property{"machinename", "localhost"},
-    Property{"productlevel", "RTM"},
-    Property{"productmajorversion", "11"},
-    Property{"productversion", "11.0.7001.0"},
-    Property{"servername", "localhost"},
-    Property{"status", "ONLINE"},
-    Property{"updateability", "READ_WRITE"},
-    Property{"version", "706"},
+    LookUp{"object_schema_name", "objects", "'dbo'", {"object_id", ""}, false},
+    LookUp{"object_definition", "sql_modules", "definition", {"object_id", ""}, false},
 };
 
 Typed TextConstant(Parameters& parameters, std::string_view text) {
@@ -114,17 +94,34 @@ Typed LookedUp(const Call& call, const LookUp& item) {
            (item.text_key ? call.Text(i) + " COLLATE TSQL" : call.Int(i));
   }
   const SystemView& view = *FindSystemView("sys", item.view);
+  const auto column = std::find_if(view.columns.begin(), view.columns.end(),
+                                   [&](const SystemViewColumn& entry) { return entry.name == item.column; });
   return {"(SELECT " + std::string(item.column) + " FROM (" + view.sql + ")" + sql + ")",
-          item.column == "name" ? NVarCharType(128) : IntType(), true, -1};
+          column == view.columns.end() ? NVarCharType(128) : column->type, true, -1};
 }
 
-/// SERVERPROPERTY and DATABASEPROPERTYEX.
-Typed PropertyCall(const Call& call) {
-  std::string sql = "CASE lower(" + call.Text(call.count() - 1) + ")";
-  for (const Property& property : kProperties) {
-    sql += " WHEN '" + std::string(property.name) + "' THEN '" + std::string(property.value) + "'";
+/// What the one user of a database may do: everything.
+Typed Permission(const Call& call) {
+  const std::string& name = call.name();
+  std::string sql = "1";
+  if (name == "has_dbaccess") {
+    call.Require(1);
+    sql = "CASE WHEN " + call.Text(0) + " COLLATE TSQL IN ('main', 'tempdb') THEN 1 END";
+  } else if (name == "is_member" || name == "is_rolemember") {
+    call.Require(1, 2);
+    sql = "CASE WHEN " + call.Text(0) + " COLLATE TSQL IN ('db_owner', 'public') THEN 1 WHEN " + call.Text(0) +
+          " COLLATE TSQL LIKE 'db_%' THEN 0 END";
+  } else if (name == "is_srvrolemember") {
+    call.Require(1, 2);
+    sql = "CASE WHEN " + call.Text(0) + " COLLATE TSQL IN ('sysadmin', 'public') THEN 1 END";
+  } else if (name == "has_perms_by_name") {
+    call.Require(3, 5);
+    sql = "CASE WHEN upper(" + call.Text(1) + ") = 'OBJECT' AND ts_object_id(" + call.Text(0) +
+          ") IS NULL THEN NULL ELSE 1 END";
+  } else {
+    return {};
   }
-  return {sql + " END", NVarCharType(128), true, -1};
+  return {sql, IntType(), true, -1};
 }
 
 }  // namespace
@@ -138,6 +135,13 @@ Typed GlobalValue(Parameters& parameters, const std::string& name, std::uint32_t
 
 Typed SessionCall(const Call& call) {
   const std::string& name = call.name();
+  if (name == "db_name" && call.count() == 1) {
+    return {"CASE " + call.Int(0) + " WHEN 1 THEN 'main' WHEN 2 THEN 'tempdb' END", NVarCharType(128), true, -1};
+  }
+  if (name == "user_name" && call.count() == 1) {
+    return {"CASE " + call.Int(0) + " WHEN 0 THEN 'public' WHEN 1 THEN 'dbo' WHEN 2 THEN 'guest' END",
+            NVarCharType(128), true, -1};
+  }
   if (std::optional<Typed> value = SystemOf(call.parameters(), name)) return *std::move(value);
   if (name != "object_id" && name != "col_length" && name != "ident_current") return {};
   call.Require(1, 2);
@@ -158,9 +162,11 @@ Typed ServerCall(const Call& call) {
   const auto* const item =
       std::find_if(kLookUps.begin(), kLookUps.end(), [&](const LookUp& entry) { return entry.name == name; });
   if (item != kLookUps.end()) return LookedUp(call, *item);
-  const bool property =
-      (name == "serverproperty" && call.count() == 1) || (name == "databasepropertyex" && call.count() == 2);
-  return property ? PropertyCall(call) : Typed{};
+  if (name == "db_id") {
+    call.Require(1);
+    return {"CASE " + call.Text(0) + " COLLATE TSQL WHEN 'main' THEN 1 WHEN 'tempdb' THEN 2 END", IntType(), true, -1};
+  }
+  return Permission(call);
 }
 
 }  // namespace tessarlorn::tsql

@@ -6,12 +6,12 @@
 namespace tessarlorn {
 namespace {
 
-struct Row {
+struct CatalogCase {
   const char* batch;
   const char* answer;
 };
 
-void Check(std::initializer_list<Row> rows) {
+void CheckCatalog(std::initializer_list<CatalogCase> rows) {
   const auto connection = OpenEmbedded();
   ASSERT_EQ(
       Answer(
@@ -23,11 +23,11 @@ void Check(std::initializer_list<Row> rows) {
   ASSERT_EQ(Answer(*connection, "create view v (k, nn) as select a, n from t"), "");
   ASSERT_EQ(Answer(*connection, "create procedure p @i int, @o nvarchar(9) output as select * from t where a = @i"),
             "");
-  for (const Row& row : rows) EXPECT_EQ(Answer(*connection, row.batch), row.answer) << row.batch;
+  for (const CatalogCase& row : rows) EXPECT_EQ(Answer(*connection, row.batch), row.answer) << row.batch;
 }
 
 TEST(Catalog, OldNamesAndFunctions) {
-  Check({
+  CheckCatalog({
       {"select name, xtype, type from main..sysobjects where id > 1000000000 and parent_obj = object_id('t') order by name",
        "name|xtype|type;CK_t_d|C |C ;DF_d|D |D ;PK_t|PK|K ;UQ_n|UQ|K "},
       {"select name, length, prec, scale, isnullable, status, object_name(cdefault) as d from dbo.syscolumns where id = object_id('t') "

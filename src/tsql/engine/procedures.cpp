@@ -139,6 +139,10 @@ void Procedures::Call(const ObjectName& name, CallArguments& arguments) {
     ExecuteSql(arguments);
     return;
   }
+  if (EqualsIgnoreCase(name.name, kRenameProcedure)) {
+    Rename(arguments);
+    return;
+  }
   CatalogObjectPtr procedure = FindSystemProcedure(name.name);
   if (procedure == nullptr) {
     RequireLocal(name);
@@ -227,6 +231,16 @@ const std::vector<Procedures::Declared>& Procedures::DeclaredBy(const std::strin
     }
   }
   return found->second;
+}
+
+void Procedures::Rename(CallArguments& arguments) {
+  std::vector<std::string> texts;
+  for (std::size_t i = 0; i < 3; ++i) {
+    const Datum value = arguments.Value(i, NVarCharType(1035));
+    const auto* text = std::get_if<std::string>(&value);
+    texts.push_back(text == nullptr ? std::string() : *text);
+  }
+  definitions_.Rename(texts[0], texts[1], texts[2]);
 }
 
 void Procedures::ExecuteSql(CallArguments& arguments) {

@@ -150,7 +150,8 @@ SELECT DB_NAME() AS TABLE_QUALIFIER, CAST('dbo' AS nvarchar(128)) AS TABLE_OWNER
 FROM sys.tables t JOIN sys.indexes i ON i.object_id = t.object_id
   JOIN sys.index_columns k ON k.object_id = i.object_id AND k.index_id = i.index_id
   JOIN sys.columns c ON c.object_id = k.object_id AND c.column_id = k.column_id
-WHERE t.name = @table_name AND i.name LIKE @index_name AND (@is_unique <> 'Y' OR i.is_unique = 1)
+WHERE t.name = @table_name AND i.name LIKE @index_name AND k.key_ordinal > 0
+  AND (@is_unique <> 'Y' OR i.is_unique = 1)
 UNION ALL
 SELECT DB_NAME(), 'dbo', name, NULL, NULL, NULL, 0, NULL, NULL, NULL, NULL, NULL, NULL FROM sys.tables
 WHERE name = @table_name AND @is_unique <> 'Y'
@@ -206,6 +207,11 @@ ORDER BY PROCEDURE_NAME, ORDINAL_POSITION)";
 constexpr std::string_view kDatabases = R"(CREATE PROCEDURE sp_databases AS
 SELECT DB_NAME() AS DATABASE_NAME, CAST(NULL AS int) AS DATABASE_SIZE, CAST(NULL AS varchar(254)) AS REMARKS)";
 
+constexpr std::string_view kRename = R"(CREATE PROCEDURE sp_rename @objname nvarchar(1035), @newname nvarchar(128),
+  @objtype varchar(13) = NULL AS
+EXEC [sp_$rename] @objname, @newname, @objtype
+PRINT 'Caution: Changing any part of an object name could break scripts and stored procedures.')";
+
 CatalogObjectPtr MakeProcedure(std::string_view name, std::string_view definition) {
   auto procedure = std::make_shared<CatalogObject>();
   procedure->kind = CatalogKind::kProcedure;
@@ -229,6 +235,7 @@ CatalogObjectPtr FindSystemProcedure(std::string_view name) {
       MakeProcedure("sp_stored_procedures", kProcedures),
       MakeProcedure("sp_sproc_columns", ProcedureColumns()),
       MakeProcedure("sp_databases", kDatabases),
+      MakeProcedure("sp_rename", kRename),
   };
   // Clients ask by these names for what later versions of the server know of types.
   for (const std::string_view version : {"_90", "_100"}) {

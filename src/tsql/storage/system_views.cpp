@@ -52,16 +52,29 @@ std::string Indexes() {
          " kind = 'table' AND instr(definition, '\"kind\":\"PK\"') = 0";
 }
 
+/// Keys, then the columns that indexes order by, then those that they include. SQLite keeps the last with the others,
+/// or not at all where the index is unique.
 std::string IndexColumns() {
+  const std::string notes = "(SELECT object, json_extract(body, '$.index') AS name, body FROM (" +
+                            std::string(kConstraints) + ") WHERE kind = 'IX')";
+  const std::string with_columns = "(" + Indexes() + ") i JOIN main.\"$columns\" c ON c.object = i.object";
   return "SELECT k.object AS object_id, CASE k.kind WHEN 'PK' THEN 1 ELSE k.position + 2 END AS index_id,"
-         " k.ordinal AS index_column_id, k.column_id, k.ordinal AS key_ordinal, 0 AS is_descending_key,"
-         " 0 AS is_included_column FROM (" +
+         " k.ordinal AS index_column_id, k.column_id, k.ordinal AS key_ordinal, 0 AS partition_ordinal,"
+         " 0 AS is_descending_key, 0 AS is_included_column FROM (" +
          KeyColumns() +
          ") k WHERE k.kind IN ('PK', 'UQ') UNION ALL"
-         " SELECT i.object, i.index_id, x.seqno + 1, c.position, x.seqno + 1, x.\"desc\", 0 FROM (" +
-         Indexes() +
-         ") i JOIN pragma_index_xinfo(i.inner_name) x JOIN main.\"$columns\" c ON c.object = i.object"
-         " AND c.name = x.name COLLATE NOCASE WHERE i.kind = 'IX' AND x.key = 1";
+         " SELECT i.object, i.index_id, x.seqno + 1, c.position, x.seqno + 1, 0, x.\"desc\", 0 FROM " +
+         with_columns +
+         " JOIN pragma_index_xinfo(i.inner_name) x ON x.key = 1 AND x.name = c.name COLLATE NOCASE WHERE i.kind = 'IX' AND"
+         " NOT EXISTS (SELECT 1 FROM " +
+         notes +
+         " n, json_each(n.body, '$.columns') j WHERE n.object = i.object AND n.name = i.name COLLATE NOCASE AND j.value ="
+         " c.name COLLATE NOCASE) UNION ALL"
+         " SELECT i.object, i.index_id, (SELECT count(*) FROM pragma_index_xinfo(i.inner_name) WHERE key = 1) + j.key + 1 -"
+         " CASE WHEN i.is_unique THEN 0 ELSE json_array_length(n.body, '$.columns') END, c.position, 0, 0, 0, 1 FROM " +
+         with_columns + " JOIN " + notes +
+         " n ON n.object = i.object AND n.name = i.name COLLATE NOCASE JOIN json_each(n.body, '$.columns') j ON j.value ="
+         " c.name COLLATE NOCASE WHERE i.kind = 'IX'";
 }
 
 /// What all objects have in common in the views of sys, of a row that has name, id and a kind.
@@ -205,19 +218,24 @@ std::vector<SystemView> IndexViews() {
   return {
       {"sys",
        "indexes",
-       From("SELECT object AS object_id, name, index_id, type, CASE type WHEN 0 THEN 'HEAP' WHEN 1 THEN"
-            " 'CLUSTERED' ELSE 'NONCLUSTERED' END AS"
-            " type_desc, is_unique, kind = 'PK' AS is_primary_key, kind = 'UQ' AS is_unique_constraint, partial AS"
-            " has_filter, NULL AS filter_definition, 0 AS is_disabled",
-            Indexes()),
+       From(
+           "SELECT object AS object_id, name, index_id, type, CASE type WHEN 0 THEN 'HEAP' WHEN 1 THEN"
+           " 'CLUSTERED' ELSE 'NONCLUSTERED' END AS"
+           " type_desc, is_unique, kind = 'PK' AS is_primary_key, kind = 'UQ' AS is_unique_constraint, partial AS"
+           " has_filter, (SELECT json_extract(k.body, '$.text') FROM (" +
+               std::string(kConstraints) +
+               ") k WHERE k.object = i.object"
+               " AND k.kind = 'IX' AND json_extract(k.body, '$.index') = i.name COLLATE NOCASE AND partial) AS filter_definition,"
+               " 0 AS is_disabled, 1 AS data_space_id, 0 AS fill_factor, 1 AS allow_row_locks, 1 AS allow_page_locks",
+           Indexes(), " i"),
        {Int("object_id"), Name("name"), Int("index_id"), Int("type"), Code("type_desc"), Bit("is_unique"),
         Bit("is_primary_key"), Bit("is_unique_constraint"), Bit("has_filter"), Text("filter_definition"),
-        Bit("is_disabled")}},
+        Bit("is_disabled"), Int("data_space_id"), Int("fill_factor"), Bit("allow_row_locks"), Bit("allow_page_locks")}},
       {"sys",
        "index_columns",
        IndexColumns(),
        {Int("object_id"), Int("index_id"), Int("index_column_id"), Int("column_id"), Int("key_ordinal"),
-        Bit("is_descending_key"), Bit("is_included_column")}},
+        Int("partition_ordinal"), Bit("is_descending_key"), Bit("is_included_column")}},
       {"sys",
        "partitions",
        From("SELECT object * 10000 + index_id AS partition_id, object AS object_id, index_id, 1 AS partition_number,"

@@ -29,6 +29,9 @@ struct SystemView {
   std::vector<SystemViewColumn> columns;
 };
 
+/// The procedure of the engine that sp_rename calls.
+constexpr std::string_view kRenameProcedure = "sp_$rename";
+
 /// The procedure that every database has by that name, without regard to case, or nullptr.
 CatalogObjectPtr FindSystemProcedure(std::string_view name);
 /// The system view of that name without regard to case, or nullptr.

@@ -11,13 +11,7 @@ namespace tessarlorn::tsql {
 namespace {
 
 /// The object's own name of "tempdb..#t", "dbo.t", "[t]".
-std::string PlainName(std::string_view name) {
-  const std::size_t dot = name.rfind('.');
-  std::string_view plain = dot == std::string_view::npos ? name : name.substr(dot + 1);
-  plain = Trim(plain);
-  if (plain.size() > 1 && plain.front() == '[' && plain.back() == ']') plain = plain.substr(1, plain.size() - 2);
-  return std::string(plain);
-}
+std::string PlainName(std::string_view name) { return NameParts(name).back(); }
 
 int StorageBytes(const SqlType& type) {
   switch (type.kind) {

@@ -240,6 +240,7 @@ void Procedures::Rename(CallArguments& arguments) {
     const auto* text = std::get_if<std::string>(&value);
     texts.push_back(text == nullptr ? std::string() : *text);
   }
+  transaction_.EnsureWrite();
   definitions_.Rename(texts[0], texts[1], texts[2]);
 }
 

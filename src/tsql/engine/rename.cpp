@@ -31,6 +31,7 @@ void Definitions::Rename(const std::string& object, const std::string& new_name,
     throw RenameError(15249, "Error: Explicit @objtype '" + kind + "' is unrecognized.");
   }
   if (is_column || is_index) parts.pop_back();
+  database_.catalog().Refresh();
   const CatalogObjectPtr owner = parts.empty() ? nullptr : database_.catalog().Find(parts.back());
   const bool local = parts.size() < 2 || EqualsIgnoreCase(parts[parts.size() - 2], "dbo");
   const bool found = owner != nullptr && local && !owner->temporary;

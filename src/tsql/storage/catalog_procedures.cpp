@@ -1,12 +1,12 @@
 // The procedures by which clients list types, tables, columns, keys and procedures. ODBC's and JDBC's functions of the
 // catalog call them and read the columns by their places. Types and sizes are ODBC's.
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/text/text.h"
-#include "tsql/storage/system_views.h"
+#include "tsql/storage/system_view_parts.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -207,11 +207,6 @@ ORDER BY PROCEDURE_NAME, ORDINAL_POSITION)";
 constexpr std::string_view kDatabases = R"(CREATE PROCEDURE sp_databases AS
 SELECT DB_NAME() AS DATABASE_NAME, CAST(NULL AS int) AS DATABASE_SIZE, CAST(NULL AS varchar(254)) AS REMARKS)";
 
-constexpr std::string_view kRename = R"(CREATE PROCEDURE sp_rename @objname nvarchar(1035), @newname nvarchar(128),
-  @objtype varchar(13) = NULL AS
-EXEC [sp_$rename] @objname, @newname, @objtype
-PRINT 'Caution: Changing any part of an object name could break scripts and stored procedures.')";
-
 CatalogObjectPtr MakeProcedure(std::string_view name, std::string_view definition) {
   auto procedure = std::make_shared<CatalogObject>();
   procedure->kind = CatalogKind::kProcedure;
@@ -224,26 +219,29 @@ CatalogObjectPtr MakeProcedure(std::string_view name, std::string_view definitio
 }  // namespace
 
 CatalogObjectPtr FindSystemProcedure(std::string_view name) {
-  static const std::array procedures = {
-      MakeProcedure("sp_tables", kTables),
-      MakeProcedure("sp_columns", Columns()),
-      MakeProcedure("sp_datatype_info", kDataTypes),
-      MakeProcedure("sp_pkeys", kPrimaryKeys),
-      MakeProcedure("sp_fkeys", kForeignKeys),
-      MakeProcedure("sp_statistics", kStatistics),
-      MakeProcedure("sp_special_columns", SpecialColumns()),
-      MakeProcedure("sp_stored_procedures", kProcedures),
-      MakeProcedure("sp_sproc_columns", ProcedureColumns()),
-      MakeProcedure("sp_databases", kDatabases),
-      MakeProcedure("sp_rename", kRename),
-  };
+  static const std::vector<CatalogObjectPtr> procedures = [] {
+    std::vector<CatalogObjectPtr> all = {
+        MakeProcedure("sp_tables", kTables),
+        MakeProcedure("sp_columns", Columns()),
+        MakeProcedure("sp_datatype_info", kDataTypes),
+        MakeProcedure("sp_pkeys", kPrimaryKeys),
+        MakeProcedure("sp_fkeys", kForeignKeys),
+        MakeProcedure("sp_statistics", kStatistics),
+        MakeProcedure("sp_special_columns", SpecialColumns()),
+        MakeProcedure("sp_stored_procedures", kProcedures),
+        MakeProcedure("sp_sproc_columns", ProcedureColumns()),
+        MakeProcedure("sp_databases", kDatabases),
+    };
+    for (const ProcedureText& text : HelpProcedures()) all.push_back(MakeProcedure(text.name, text.definition));
+    return all;
+  }();
   // Clients ask by these names for what later versions of the server know of types.
   for (const std::string_view version : {"_90", "_100"}) {
     if (name.ends_with(version)) name.remove_suffix(version.size());
   }
-  const auto* const found =
-      std::find_if(procedures.begin(), procedures.end(),
-                   [name](const CatalogObjectPtr& procedure) { return EqualsIgnoreCase(procedure->name, name); });
+  const auto found = std::find_if(procedures.begin(), procedures.end(), [name](const CatalogObjectPtr& procedure) {
+    return EqualsIgnoreCase(procedure->name, name);
+  });
   return found == procedures.end() ? nullptr : *found;
 }
 

@@ -1,4 +1,4 @@
-// What the SQL of several system views is made of.
+// What the system views and procedures of several files are made of.
 #pragma once
 
 #include <string>
@@ -56,6 +56,13 @@ inline std::string From(std::string_view head, std::string_view source, std::str
   return std::string(head) + " FROM (" + std::string(source) + ")" + std::string(tail);
 }
 
+/// A procedure of the server's and the batch that would create it.
+struct ProcedureText {
+  std::string_view name;
+  std::string_view definition;
+};
+/// sp_help and its like.
+std::vector<ProcedureText> HelpProcedures();
 /// The views of INFORMATION_SCHEMA.
 std::vector<SystemView> InformationSchema();
 

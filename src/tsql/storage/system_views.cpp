@@ -141,13 +141,14 @@ std::vector<SystemView> ObjectViews() {
 std::vector<SystemView> ConstraintViews() {
   const std::string constraint_text = ", json_extract(body, '$.text') AS definition";
   const std::string of_column =
-      ", (SELECT c.position FROM main.\"$columns\" c WHERE c.object = k.object AND c.name = json_extract(k.body,"
-      " '$.columns[0]') COLLATE NOCASE) AS parent_column_id";
+      ", coalesce((SELECT c.position FROM main.\"$columns\" c WHERE c.object = k.object AND c.name = json_extract(k.body,"
+      " '$.columns[0]') COLLATE NOCASE), 0) AS parent_column_id";
   return {
       ConstraintsOfKind("key_constraints", "'PK', 'UQ'",
                         ", CASE kind WHEN 'PK' THEN 1 ELSE position + 2 END AS unique_index_id",
                         {Int("unique_index_id")}),
-      ConstraintsOfKind("check_constraints", "'C'", constraint_text, {Text("definition")}),
+      ConstraintsOfKind("check_constraints", "'C'", constraint_text + of_column,
+                        {Text("definition"), Int("parent_column_id")}),
       ConstraintsOfKind("default_constraints", "'D'", constraint_text + of_column,
                         {Text("definition"), Int("parent_column_id")}),
       Objects(

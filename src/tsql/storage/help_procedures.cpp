@@ -163,6 +163,21 @@ FROM (VALUES (1, 'DBMS_NAME', 'Microsoft SQL Server'), (2, 'DBMS_VER', @@VERSION
   (500, 'SYS_SPROC_VERSION', CAST(SERVERPROPERTY('ProductVersion') AS varchar(128)))) a (id, name, value)
 WHERE id = ISNULL(@attribute_id, id) ORDER BY id)";
 
+constexpr std::string_view kTablePrivileges = R"(CREATE PROCEDURE sp_table_privileges @table_name nvarchar(384),
+  @table_owner nvarchar(384) = NULL, @table_qualifier nvarchar(128) = NULL, @fUsePattern bit = 1 AS
+SELECT TABLE_CATALOG AS TABLE_QUALIFIER, TABLE_SCHEMA AS TABLE_OWNER, TABLE_NAME, GRANTOR, GRANTEE,
+  CAST(PRIVILEGE_TYPE AS varchar(32)) AS PRIVILEGE, IS_GRANTABLE
+FROM INFORMATION_SCHEMA.TABLE_PRIVILEGES
+WHERE TABLE_NAME LIKE @table_name AND TABLE_SCHEMA LIKE ISNULL(@table_owner, '%') ORDER BY 3, 6)";
+
+constexpr std::string_view kColumnPrivileges = R"(CREATE PROCEDURE sp_column_privileges @table_name nvarchar(384),
+  @table_owner nvarchar(384) = NULL, @table_qualifier nvarchar(128) = NULL, @column_name nvarchar(384) = NULL AS
+SELECT TABLE_CATALOG AS TABLE_QUALIFIER, TABLE_SCHEMA AS TABLE_OWNER, TABLE_NAME, COLUMN_NAME, GRANTOR, GRANTEE,
+  CAST(PRIVILEGE_TYPE AS varchar(32)) AS PRIVILEGE, IS_GRANTABLE
+FROM INFORMATION_SCHEMA.COLUMN_PRIVILEGES
+WHERE TABLE_NAME = @table_name AND TABLE_SCHEMA LIKE ISNULL(@table_owner, '%')
+  AND COLUMN_NAME LIKE ISNULL(@column_name, '%') ORDER BY 4, 7)";
+
 constexpr std::string_view kRename = R"(CREATE PROCEDURE sp_rename @objname nvarchar(1035), @newname nvarchar(128),
   @objtype varchar(13) = NULL AS
 EXEC [sp_$rename] @objname, @newname, @objtype
@@ -181,6 +196,8 @@ std::vector<ProcedureText> HelpProcedures() {
       {"sp_who", kWho},
       {"sp_who2", kWho2},
       {"sp_server_info", kServerInfo},
+      {"sp_table_privileges", kTablePrivileges},
+      {"sp_column_privileges", kColumnPrivileges},
       {"sp_rename", kRename},
   };
 }

@@ -22,7 +22,7 @@ void CheckCatalog(std::initializer_list<CatalogCase> rows) {
           "constraint DF_d default 1.5 check (d > 0)) create table f (x int, y varchar(10), t_id int constraint FK_t "
           "references t) create index ix on f (x desc) include (y) where x > 0 insert t (n) values ('a'), ('b')"),
       "");
-  ASSERT_EQ(Answer(*connection, "create view v (k, nn) as select a, n from t"), "");
+  ASSERT_EQ(Answer(*connection, "create view v (k, nn) as select max(a), n from t group by n"), "");
   ASSERT_EQ(Answer(*connection, "create procedure p @i int, @o nvarchar(9) output as select * from t where a = @i"),
             "");
   for (const CatalogCase& row : rows) EXPECT_EQ(Answer(*connection, row.batch), row.answer) << row.batch;
@@ -47,7 +47,7 @@ TEST(Catalog, OldNamesAndFunctions) {
        "a|b|c|d|e|f;1|0|1|0|NULL|20"},
       {"select db_name(1) a, db_id('x') b, user_name(1) c, has_perms_by_name('none', 'OBJECT', 'SELECT') d, "
        "object_definition(object_id('v')) e",
-       "a|b|c|d|e;main|NULL|dbo|NULL|create view v (k, nn) as select a, n from t"},
+       "a|b|c|d|e;main|NULL|dbo|NULL|create view v (k, nn) as select max(a), n from t group by n"},
   });
 }
 

@@ -136,11 +136,9 @@ void Definitions::CreateView(const CreateViewStatement& statement, const Activat
   view.kind = CatalogKind::kView;
   view.name = statement.view.name;
   view.definition = statement.source_text;
-  for (const ResultColumn& column : plans_.MakeTranslator(activation).DescribeQuery(*statement.query, false)) {
-    const std::size_t position = view.columns.size();
-    const bool renamed = position < statement.columns.size();
-    view.columns.push_back(
-        {renamed ? statement.columns[position] : column.name, column.type, column.nullable, false, ""});
+  Translator translator = plans_.MakeTranslator(activation);
+  for (const ResultColumn& column : translator.DescribeQuery(*statement.query, false, statement.columns)) {
+    view.columns.push_back({column.name, column.type, column.nullable, false, ""});
   }
   AddObject(std::move(view), statement.replace);
 }

@@ -70,6 +70,27 @@ constexpr std::array kLookUps = {
     LookUp{"object_definition", "sql_modules", "definition", {"object_id", ""}, false},
 };
 
+/// SQL in which {text} and {number} are the first argument, and {kind} is the second.
+struct Fixed {
+  std::string_view name;
+  std::size_t least;
+  std::size_t most;
+  std::string_view sql;
+  bool answers_name = false;
+};
+
+constexpr std::array kFixedAnswers = {
+    Fixed{"db_id", 1, 1, "CASE {text} COLLATE TSQL WHEN 'main' THEN 1 WHEN 'tempdb' THEN 2 END"},
+    Fixed{"db_name", 1, 1, "CASE {number} WHEN 1 THEN 'main' WHEN 2 THEN 'tempdb' END", true},
+    Fixed{"user_name", 1, 1, "CASE {number} WHEN 0 THEN 'public' WHEN 1 THEN 'dbo' WHEN 2 THEN 'guest' END", true},
+    Fixed{"has_dbaccess", 1, 1, "CASE {text} COLLATE TSQL WHEN 'main' THEN 1 WHEN 'tempdb' THEN 1 END"},
+    Fixed{"has_perms_by_name", 3, 5,
+          "CASE WHEN upper({kind}) = 'OBJECT' AND ts_object_id({text}) IS NULL THEN NULL ELSE 1 END"},
+    Fixed{"is_member", 1, 1, "CASE {text} COLLATE TSQL WHEN 'db_owner' THEN 1 WHEN 'public' THEN 1 END"},
+    Fixed{"is_rolemember", 1, 2, "CASE {text} COLLATE TSQL WHEN 'db_owner' THEN 1 WHEN 'public' THEN 1 END"},
+    Fixed{"is_srvrolemember", 1, 2, "CASE {text} COLLATE TSQL WHEN 'sysadmin' THEN 1 WHEN 'public' THEN 1 END"},
+};
+
 Typed TextConstant(Parameters& parameters, std::string_view text) {
   return parameters.Constant(std::string(text), NVarCharType(128));
 }
@@ -100,28 +121,17 @@ Typed LookedUp(const Call& call, const LookUp& item) {
           column == view.columns.end() ? NVarCharType(128) : column->type, true, -1};
 }
 
-/// What the one user of a database may do: everything.
-Typed Permission(const Call& call) {
-  const std::string& name = call.name();
-  std::string sql = "1";
-  if (name == "has_dbaccess") {
-    call.Require(1);
-    sql = "CASE WHEN " + call.Text(0) + " COLLATE TSQL IN ('main', 'tempdb') THEN 1 END";
-  } else if (name == "is_member" || name == "is_rolemember") {
-    call.Require(1, 2);
-    sql = "CASE WHEN " + call.Text(0) + " COLLATE TSQL IN ('db_owner', 'public') THEN 1 WHEN " + call.Text(0) +
-          " COLLATE TSQL LIKE 'db_%' THEN 0 END";
-  } else if (name == "is_srvrolemember") {
-    call.Require(1, 2);
-    sql = "CASE WHEN " + call.Text(0) + " COLLATE TSQL IN ('sysadmin', 'public') THEN 1 END";
-  } else if (name == "has_perms_by_name") {
-    call.Require(3, 5);
-    sql = "CASE WHEN upper(" + call.Text(1) + ") = 'OBJECT' AND ts_object_id(" + call.Text(0) +
-          ") IS NULL THEN NULL ELSE 1 END";
-  } else {
-    return {};
-  }
-  return {sql, IntType(), true, -1};
+/// A function of arguments alone: there are one database and one user, who may do everything.
+Typed FixedAnswer(const Call& call) {
+  const auto* const fixed = std::find_if(kFixedAnswers.begin(), kFixedAnswers.end(),
+                                         [&](const Fixed& entry) { return entry.name == call.name(); });
+  if (fixed == kFixedAnswers.end() || call.count() == 0) return {};
+  call.Require(fixed->least, fixed->most);
+  std::string sql(fixed->sql);
+  if (sql.find("{number}") != std::string::npos) sql = ReplaceAll(sql, "{number}", call.Int(0));
+  if (sql.find("{text}") != std::string::npos) sql = ReplaceAll(sql, "{text}", call.Text(0));
+  if (sql.find("{kind}") != std::string::npos) sql = ReplaceAll(sql, "{kind}", call.Text(1));
+  return {sql, fixed->answers_name ? NVarCharType(128) : IntType(), true, -1};
 }
 
 }  // namespace
@@ -135,13 +145,7 @@ Typed GlobalValue(Parameters& parameters, const std::string& name, std::uint32_t
 
 Typed SessionCall(const Call& call) {
   const std::string& name = call.name();
-  if (name == "db_name" && call.count() == 1) {
-    return {"CASE " + call.Int(0) + " WHEN 1 THEN 'main' WHEN 2 THEN 'tempdb' END", NVarCharType(128), true, -1};
-  }
-  if (name == "user_name" && call.count() == 1) {
-    return {"CASE " + call.Int(0) + " WHEN 0 THEN 'public' WHEN 1 THEN 'dbo' WHEN 2 THEN 'guest' END",
-            NVarCharType(128), true, -1};
-  }
+  if (Typed value = FixedAnswer(call); !value.sql.empty()) return value;
   if (std::optional<Typed> value = SystemOf(call.parameters(), name)) return *std::move(value);
   if (name != "object_id" && name != "col_length" && name != "ident_current") return {};
   call.Require(1, 2);
@@ -161,12 +165,7 @@ Typed ServerCall(const Call& call) {
   }
   const auto* const item =
       std::find_if(kLookUps.begin(), kLookUps.end(), [&](const LookUp& entry) { return entry.name == name; });
-  if (item != kLookUps.end()) return LookedUp(call, *item);
-  if (name == "db_id") {
-    call.Require(1);
-    return {"CASE " + call.Text(0) + " COLLATE TSQL WHEN 'main' THEN 1 WHEN 'tempdb' THEN 2 END", IntType(), true, -1};
-  }
-  return Permission(call);
+  return item == kLookUps.end() ? Typed{} : LookedUp(call, *item);
 }
 
 }  // namespace tessarlorn::tsql

@@ -40,6 +40,9 @@ TEST(Catalog, OldNamesAndFunctions) {
       {"select c.name, c.max_length as m from sys.all_columns c where object_id = object_id('v') order by column_id",
        "name|m;k|4;nn|40"},
       {"select name from master..sysdatabases union all select name from master.sys.databases", "name;main;main"},
+      {"create table #t (a int) if exists (select * from tempdb..sysobjects where id = object_id('tempdb..#t') and xtype = 'U') "
+       "drop table #t select count(*) as n from tempdb.sys.tables",
+       "n;0"},
       {"select name from master.sys.tables", "error 208: Invalid object name 'master.sys.tables'."},
       {"select objectproperty(object_id('t'), 'IsUserTable') a, objectproperty(object_id('f'), 'TableHasPrimaryKey') b, "
        "columnproperty(object_id('t'), 'a', 'IsIdentity') c, indexproperty(object_id('f'), 'IX', 'IsUnique') d, "

@@ -12,6 +12,7 @@ namespace tessarlorn::tsql {
 namespace {
 
 struct ViewText {
+  /// "sys" or "information_schema"; "tempdb" for the sys of that database.
   std::string_view schema;
   std::string name;
   std::string query;
@@ -48,6 +49,17 @@ std::vector<ViewText> OtherNames() {
     views.push_back({"sys", "all_" + name, "SELECT * FROM sys." + name});
   }
   return views;
+}
+
+/// Of the database tempdb: the session's temporary tables.
+std::vector<ViewText> TemporaryObjects() {
+  return {
+      {"tempdb", "objects", "SELECT * FROM sys.temporary_tables"},
+      {"tempdb", "tables", "SELECT * FROM sys.temporary_tables"},
+      {"tempdb", "sysobjects",
+       "SELECT name, object_id AS id, type AS xtype, CAST(1 AS smallint) AS uid, parent_object_id AS parent_obj,"
+       " create_date AS crdate, type FROM sys.temporary_tables"},
+  };
 }
 
 std::vector<ViewText> OldViewsOfObjects() {
@@ -208,6 +220,10 @@ std::vector<ViewText> ViewsOfServer() {
            " CAST(CASE id WHEN 0 THEN 1 WHEN 16384 THEN 1 ELSE 0 END AS bit) AS is_fixed_role FROM (VALUES (0, 'public'),"
            " (1, 'dbo'), (2, 'guest'), (3, 'INFORMATION_SCHEMA'), (4, 'sys'), (16384, 'db_owner')) p (id, name)"},
       {"sys", "database_role_members", "SELECT 16384 AS role_principal_id, 1 AS member_principal_id"},
+      {"sys", "dm_db_partition_stats",
+       "SELECT partition_id, object_id, index_id, partition_number, rows AS row_count" +
+           Constants("NULL", "bigint", "used_page_count reserved_page_count in_row_data_page_count") +
+           " FROM sys.partitions"},
       {"sys", "data_spaces",
        "SELECT CAST('PRIMARY' AS nvarchar(128)) AS name, 1 AS data_space_id, CAST('FG' AS char(2)) AS type,"
        " CAST('ROWS_FILEGROUP' AS nvarchar(60)) AS type_desc, CAST(1 AS bit) AS is_default, CAST(0 AS bit) AS is_system"},
@@ -269,8 +285,8 @@ struct CatalogView {
 const std::vector<CatalogView>& CatalogViews() {
   static const std::vector<CatalogView> views = [] {
     std::vector<CatalogView> all;
-    for (const auto group :
-         {OtherNames, OldViewsOfObjects, OldViewsOfKeys, ViewsOfServer, EmptyViews, InformationViews}) {
+    for (const auto group : {OtherNames, TemporaryObjects, OldViewsOfObjects, OldViewsOfKeys, ViewsOfServer, EmptyViews,
+                             InformationViews}) {
       for (const ViewText& text : group()) {
         auto view = std::make_shared<CatalogObject>();
         view->kind = CatalogKind::kView;
@@ -289,14 +305,17 @@ const std::vector<CatalogView>& CatalogViews() {
 
 CatalogObjectPtr FindCatalogView(std::string_view qualifier, std::string_view name) {
   const std::size_t dot = qualifier.rfind('.');
-  const bool in_master = dot != std::string_view::npos && EqualsIgnoreCase(qualifier.substr(0, dot), "master");
-  const std::string_view schema = in_master ? qualifier.substr(dot + 1) : SchemaHere(qualifier);
+  const std::string_view database = dot == std::string_view::npos ? std::string_view{} : qualifier.substr(0, dot);
+  const bool in_master = EqualsIgnoreCase(database, "master");
+  const bool in_tempdb = EqualsIgnoreCase(database, "tempdb");
+  const std::string_view schema = in_master || in_tempdb ? qualifier.substr(dot + 1) : SchemaHere(qualifier);
   const bool old_schema = schema.empty() || EqualsIgnoreCase(schema, "dbo");
   for (const CatalogView& entry : CatalogViews()) {
-    if (in_master && !entry.of_server) continue;
     if (!EqualsIgnoreCase(entry.view->name, name)) continue;
+    if ((in_master && !entry.of_server) || in_tempdb != (entry.schema == "tempdb")) continue;
     const bool old = entry.view->name.starts_with("sys");
-    if (EqualsIgnoreCase(entry.schema, schema) || (old && old_schema)) return entry.view;
+    const bool in_schema = EqualsIgnoreCase(in_tempdb ? "sys" : entry.schema, schema);
+    if (in_schema || (old && old_schema)) return entry.view;
   }
   return nullptr;
 }

@@ -132,6 +132,11 @@ std::vector<SystemView> ObjectViews() {
                              " main.\"$objects\" UNION ALL " +
                              constraints.sql),
       ObjectsOfKind("tables", "table", "U ", "USER_TABLE"),
+      // Read as tempdb.sys.objects and tempdb..sysobjects. Table variables begin with another sign.
+      Objects("temporary_tables",
+              From("SELECT " + ObjectColumns("'U '", "'USER_TABLE'") + ", 0 AS parent_object_id",
+                   "SELECT name, ts_object_id(name) AS id FROM temp.sqlite_schema WHERE type = 'table'"
+                   " AND name LIKE '#%'")),
       ObjectsOfKind("views", "view", "V ", "VIEW"),
       ObjectsOfKind("procedures", "procedure", "P ", "SQL_STORED_PROCEDURE"),
   };

@@ -85,9 +85,10 @@ void Definitions::RenameColumn(const CatalogObject& table, const std::string& co
 void Definitions::RenameIndex(const CatalogObject& table, const std::string& index, const std::string& new_name) {
   if (!IndexExists(table, index)) RaiseWrongKind("INDEX");
   if (IndexExists(table, new_name)) RaiseTaken(new_name, "INDEX");
-  for (const std::string& suffix : {std::string(), std::string(kNullKeySuffix)}) {
-    MoveIndexes(table.name + "." + index + suffix, table.name + "." + new_name + suffix, true);
-  }
+  const std::string from = table.name + "." + index;
+  const std::string to = table.name + "." + new_name;
+  MoveIndexes(from, to, true);
+  MoveIndexes(from + std::string(kNullKeySuffix), to + std::string(kNullKeySuffix), true);
   database_.catalog().RenameIndex(table, index, new_name);
 }
 

@@ -205,6 +205,11 @@ std::vector<ViewText> ViewsOfServer() {
        " is_advanced FROM (VALUES (518, 'show advanced options', 0), (1539, 'max degree of parallelism', 1),"
        " (1562, 'clr enabled', 0), (16388, 'Ole Automation Procedures', 0), (16390, 'xp_cmdshell', 0)) c (id, name, value)",
        true},
+  };
+}
+
+std::vector<ViewText> ViewsOfPrincipalsAndSpace() {
+  return {
       {"sys", "server_principals",
        "SELECT name, principal_id, sid, type, CAST('SQL_LOGIN' AS nvarchar(60)) AS type_desc, CAST(0 AS bit) AS"
        " is_disabled, create_date, modify_date, CAST(DB_NAME() AS nvarchar(128)) AS default_database_name,"
@@ -285,8 +290,8 @@ struct CatalogView {
 const std::vector<CatalogView>& CatalogViews() {
   static const std::vector<CatalogView> views = [] {
     std::vector<CatalogView> all;
-    for (const auto group : {OtherNames, TemporaryObjects, OldViewsOfObjects, OldViewsOfKeys, ViewsOfServer, EmptyViews,
-                             InformationViews}) {
+    for (const auto group : {OtherNames, TemporaryObjects, OldViewsOfObjects, OldViewsOfKeys, ViewsOfServer,
+                             ViewsOfPrincipalsAndSpace, EmptyViews, InformationViews}) {
       for (const ViewText& text : group()) {
         auto view = std::make_shared<CatalogObject>();
         view->kind = CatalogKind::kView;

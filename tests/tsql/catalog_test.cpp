@@ -89,6 +89,8 @@ TEST(Catalog, Renaming) {
        "error 15248: Either the parameter @objname is ambiguous or the claimed @objtype (COLUMN) is wrong."},
       {"exec sp_rename 'tt', 'ff'",
        "error 15335: Error: The new name 'ff' is already in use as a object name and would cause a duplicate that is not permitted."},
+      {"exec sp_rename 'tt', '#t'",
+       "error 15224: Error: The value for the @newname parameter contains invalid characters or violates a basic restriction (#t)."},
       {"exec sp_rename 't', 'x'",
        "error 15225: No item by the name of 't' could be found in the current database 'main', given that @itemtype was input as "
        "'(null)'."},

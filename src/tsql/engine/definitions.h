@@ -35,7 +35,8 @@ class Definitions {
   void CreateView(const CreateViewStatement& statement, const Activation& activation);
   void CreateProcedure(const CreateProcedureStatement& statement);
   void Drop(const DropStatement& statement);
-  /// sp_rename. @param kind "" or what it is: OBJECT, COLUMN or INDEX. Raises 15225, 15248, 15249, 15335 and 15336.
+  /// sp_rename. @param kind "" or what it is: OBJECT, COLUMN or INDEX. Raises 15224, 15225, 15248, 15249, 15335 and
+  /// 15336.
   void Rename(const std::string& object, const std::string& new_name, const std::string& kind);
   /// Drops the session's temporary tables. @param but the names of those that stay
   void DropTemporaryTables(const std::vector<std::string>& but = {});

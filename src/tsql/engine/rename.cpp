@@ -30,6 +30,12 @@ void Definitions::Rename(const std::string& object, const std::string& new_name,
   if (!is_column && !is_index && !kind.empty() && !EqualsIgnoreCase(kind, "OBJECT")) {
     throw RenameError(15249, "Error: Explicit @objtype '" + kind + "' is unrecognized.");
   }
+  if (new_name.empty() || (!is_column && !is_index && IsTemporaryName(new_name))) {
+    throw RenameError(15224,
+                      "Error: The value for the @newname parameter contains invalid characters or violates a basic "
+                      "restriction (" +
+                          new_name + ").");
+  }
   if (is_column || is_index) parts.pop_back();
   database_.catalog().Refresh();
   const CatalogObjectPtr owner = parts.empty() ? nullptr : database_.catalog().Find(parts.back());

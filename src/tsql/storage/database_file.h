@@ -41,8 +41,8 @@ struct OpenedDatabase {
 };
 
 /// Opens the database, and makes it when it is not there. Raises 0x80040E4D (native 4060) naming a file that is another
-/// program's, that may not be written, that cannot be there, or whose texts sort otherwise, and SqlError 824 for one that is damaged. A file that
-/// is refused stays as it is.
+/// program's, that may not be written, that cannot be there, or whose texts sort otherwise, and SqlError 824 for one
+/// that is damaged. A file that is refused stays as it is.
 OpenedDatabase OpenDatabase(const DatabaseOptions& options, MissingFile missing = MissingFile::kMake);
 
 /// Opens a file for reading. Nothing is written, not even beside it. Raises like OpenDatabase.

@@ -89,6 +89,7 @@ void Definitions::CreateIndex(const CreateIndexStatement& statement, std::uint32
   database_.Atomically([&] {
     database_.Run(sql);
     if (!nulls.empty()) database_.Run(nulls);
+    database_.catalog().NoteIndex(*table, statement.name, statement.included, statement.where_text);
     if (of_row_key) TellOneRow(*table, statement.name, statement.key.size() + statement.included.size());
   });
 }
@@ -114,8 +115,12 @@ void Definitions::DropIndex(const DropIndexStatement& statement) {
                        "', because it does not exist or you do not have permission.",
                    11);
   }
-  database_.Run("DROP INDEX " + IndexSql(*table, statement.name));
-  database_.Run("DROP INDEX IF EXISTS " + IndexSql(*table, statement.name + std::string(kNullKeySuffix)));
+  database_.Atomically([&] {
+    database_.Run("DROP INDEX " + IndexSql(*table, statement.name));
+    database_.Run("DROP INDEX IF EXISTS " + IndexSql(*table, statement.name + std::string(kNullKeySuffix)));
+    if (!table->temporary) database_.catalog().RenameIndex(*table, statement.name, "");
+    database_.catalog().Refresh();
+  });
 }
 
 void Definitions::AddObject(CatalogObject object, bool replace) {
@@ -131,8 +136,10 @@ void Definitions::CreateView(const CreateViewStatement& statement, const Activat
   view.kind = CatalogKind::kView;
   view.name = statement.view.name;
   view.definition = statement.source_text;
-  for (const std::string& column : statement.columns) view.columns.push_back({column, IntType(), true, false, ""});
-  plans_.MakeTranslator(activation).DescribeQuery(*statement.query, false);
+  Translator translator = plans_.MakeTranslator(activation);
+  for (const ResultColumn& column : translator.DescribeQuery(*statement.query, false, statement.columns)) {
+    view.columns.push_back({column.name, column.type, column.nullable, false, ""});
+  }
   AddObject(std::move(view), statement.replace);
 }
 

@@ -35,6 +35,9 @@ class Definitions {
   void CreateView(const CreateViewStatement& statement, const Activation& activation);
   void CreateProcedure(const CreateProcedureStatement& statement);
   void Drop(const DropStatement& statement);
+  /// sp_rename. @param kind "" or what it is: OBJECT, COLUMN or INDEX. Raises 15224, 15225, 15248, 15249, 15335 and
+  /// 15336.
+  void Rename(const std::string& object, const std::string& new_name, const std::string& kind);
   /// Drops the session's temporary tables. @param but the names of those that stay
   void DropTemporaryTables(const std::vector<std::string>& but = {});
   /// Raises the error when a foreign key of another table refers to the table.
@@ -53,6 +56,12 @@ class Definitions {
   /// A table, view or procedure.
   void DropObject(const CatalogObject& object);
   void AddObject(CatalogObject object, bool replace);
+  void RenameObject(const CatalogObject& object, const std::string& new_name);
+  void RenameColumn(const CatalogObject& table, const std::string& column, const std::string& new_name);
+  void RenameIndex(const CatalogObject& table, const std::string& index, const std::string& new_name);
+  /// Gives the indexes whose names in SQLite begin with `from` such as begin with `to`. @param whole the names are
+  /// `from`
+  void MoveIndexes(const std::string& from, const std::string& to, bool whole = false);
 
   SessionDatabase& database_;
   PlanStore& plans_;

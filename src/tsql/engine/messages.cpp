@@ -1,6 +1,7 @@
 #include "tsql/engine/messages.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,17 @@ bool IsMessageNumber(const Expression& message, const Activation& activation) {
   const auto* literal = As<Literal>(message);
   return literal != nullptr && literal->kind == LiteralKind::kInteger;
 }
+
+struct ServerMessage {
+  std::string_view number;
+  const char* format;
+};
+/// Those of the server's own messages that its procedures give.
+constexpr ServerMessage kServerMessages[] = {
+    {"15009", "The object '%s' does not exist in database '%s' or is invalid for this operation."},
+    {"15197", "There is no text for object '%s'."},
+    {"15477", "Caution: Changing any part of an object name could break scripts and stored procedures."},
+};
 
 [[noreturn]] void RaiseUnknownMessage(const std::string& number, int severity, int state) {
   throw SqlError(18054,
@@ -87,10 +99,18 @@ void Messages::RaiseError(const RaiseErrorStatement& statement, std::uint32_t li
       evaluator_.Text(*statement.message, NVarCharType(kLongestMessage), activation);
   const auto severity = static_cast<int>(evaluator_.Integer(*statement.severity, activation).value_or(0));
   const auto state = static_cast<int>(evaluator_.Integer(*statement.state, activation).value_or(0));
-  if (format && IsMessageNumber(*statement.message, activation)) RaiseUnknownMessage(*format, severity, state);
-  const std::string text = FormatMessage(format.value_or(""), arguments);
-  if (severity > 10) throw SqlError(50000, text, severity, state);
-  Say(line, text, 50000, severity, state);
+  std::int32_t number = 50000;
+  std::string wording = format.value_or("");
+  if (format && IsMessageNumber(*statement.message, activation)) {
+    const auto* const known = std::find_if(std::begin(kServerMessages), std::end(kServerMessages),
+                                           [&](const ServerMessage& entry) { return entry.number == *format; });
+    if (known == std::end(kServerMessages)) RaiseUnknownMessage(*format, severity, state);
+    number = std::stoi(*format);
+    wording = known->format;
+  }
+  const std::string text = FormatMessage(wording, arguments);
+  if (severity > 10) throw SqlError(number, text, severity, state);
+  Say(line, text, number, severity, state);
 }
 
 }  // namespace tessarlorn::tsql

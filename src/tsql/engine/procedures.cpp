@@ -14,6 +14,14 @@ namespace {
 /// The place of an argument that leaves its parameter to the default.
 constexpr auto kOwnDefault = static_cast<std::size_t>(-1);
 
+/// An argument as text, "" for NULL and for one that is not given.
+std::string TextOf(CallArguments& arguments, std::size_t argument) {
+  if (argument >= arguments.size() || arguments.is_default(argument)) return {};
+  Datum value = arguments.Value(argument, NVarCharType(0));
+  auto* text = std::get_if<std::string>(&value);
+  return text == nullptr ? std::string() : std::move(*text);
+}
+
 }  // namespace
 
 /// A procedure or text that runs inside a batch; what it changed of the session's options and the temporary tables
@@ -139,6 +147,10 @@ void Procedures::Call(const ObjectName& name, CallArguments& arguments) {
     ExecuteSql(arguments);
     return;
   }
+  if (EqualsIgnoreCase(name.name, kRenameProcedure)) {
+    Rename(arguments);
+    return;
+  }
   CatalogObjectPtr procedure = FindSystemProcedure(name.name);
   if (procedure == nullptr) {
     RequireLocal(name);
@@ -229,21 +241,20 @@ const std::vector<Procedures::Declared>& Procedures::DeclaredBy(const std::strin
   return found->second;
 }
 
+void Procedures::Rename(CallArguments& arguments) {
+  transaction_.EnsureWrite();
+  definitions_.Rename(TextOf(arguments, 0), TextOf(arguments, 1), TextOf(arguments, 2));
+}
+
 void Procedures::ExecuteSql(CallArguments& arguments) {
-  const auto text_of = [&](std::size_t argument) {
-    if (argument >= arguments.size() || arguments.is_default(argument)) return std::string();
-    Datum value = arguments.Value(argument, NVarCharType(0));
-    auto* text = std::get_if<std::string>(&value);
-    return text == nullptr ? std::string() : std::move(*text);
-  };
   if (arguments.size() == 0) {
     throw SqlError(214, "Procedure expects parameter '@statement' of type 'ntext/nchar/nvarchar'.");
   }
-  const std::string text = text_of(0);
+  const std::string text = TextOf(arguments, 0);
   Frame frame;
   // Until the text runs: it may call others, which forget what is kept.
   std::span<const Declared> declared;
-  if (arguments.size() > 1) declared = DeclaredBy(text_of(1));
+  if (arguments.size() > 1) declared = DeclaredBy(TextOf(arguments, 1));
   for (const Declared& parameter : declared) frame.Declare(parameter.name, parameter.type);
   constexpr std::size_t kFirst = 2;
   std::vector<std::string> names;

@@ -58,6 +58,8 @@ class Procedures {
   /// Gives their defaults to the parameters that no argument was for. Raises 201.
   void TakeDefaults(const CatalogObject& procedure, const std::vector<Parameter>& parameters,
                     const std::vector<std::size_t>& given, const Activation& inner);
+  /// What sp_rename calls, with its three arguments.
+  void Rename(CallArguments& arguments);
   /// sp_executesql
   void ExecuteSql(CallArguments& arguments);
   const std::vector<Declared>& DeclaredBy(const std::string& declarations);

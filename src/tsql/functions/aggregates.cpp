@@ -74,16 +74,16 @@ struct Joined {
 };
 
 /// As SQLite orders a column: NULL first.
-int CompareKeys(const Datum& a, const Datum& b) {
+int CompareKeys(TextOrder order, const Datum& a, const Datum& b) {
   if (a.index() != b.index()) return a.index() < b.index() ? -1 : 1;
   return std::visit(
-      [&b](const auto& left) {
+      [order, &b](const auto& left) {
         using T = std::decay_t<decltype(left)>;
         const auto& right = std::get<T>(b);
         if constexpr (std::is_same_v<T, std::monostate>) {
           return 0;
         } else if constexpr (std::is_same_v<T, std::string>) {
-          return CompareText(left, right);
+          return CompareTextIn(order, left, right);
         } else if constexpr (std::is_same_v<T, Blob>) {
           return left.bytes.compare(right.bytes);
         } else {
@@ -115,7 +115,7 @@ void EndJoined(sqlite3_context* context) {
   Guarded(context, RuntimeOf(context), [&] {
     std::stable_sort(state->texts.begin(), state->texts.end(), [&](const JoinedText& a, const JoinedText& b) {
       for (std::size_t i = 0; i < a.keys.size(); ++i) {
-        const int order = CompareKeys(a.keys[i], b.keys[i]);
+        const int order = CompareKeys(RuntimeOf(context).text_order, a.keys[i], b.keys[i]);
         if (order != 0) return (order < 0) == (state->directions[i] == 'a');
       }
       return false;

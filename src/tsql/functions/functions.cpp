@@ -25,9 +25,10 @@ void Dispatch(sqlite3_context* context, int count, sqlite3_value** values) {
 
 void DeleteRegistration(void* data) { const std::unique_ptr<Registration> owned(static_cast<Registration*>(data)); }
 
-int Collate(void*, int a_size, const void* a, int b_size, const void* b) {
-  return CompareText({static_cast<const char*>(a), static_cast<std::size_t>(a_size)},
-                     {static_cast<const char*>(b), static_cast<std::size_t>(b_size)});
+int Collate(void* runtime, int a_size, const void* a, int b_size, const void* b) {
+  return CompareTextIn(static_cast<const Runtime*>(runtime)->text_order,
+                       {static_cast<const char*>(a), static_cast<std::size_t>(a_size)},
+                       {static_cast<const char*>(b), static_cast<std::size_t>(b_size)});
 }
 
 int CollateMoments(void*, int a_size, const void* a, int b_size, const void* b) {
@@ -197,7 +198,7 @@ void RegisterConversionFunctions(sqlite3* database, Runtime& runtime) {
 }
 
 void RegisterFunctions(sqlite3* database, Runtime& runtime) {
-  sqlite3_create_collation_v2(database, "TSQL", SQLITE_UTF8, nullptr, Collate, nullptr);
+  sqlite3_create_collation_v2(database, "TSQL", SQLITE_UTF8, &runtime, Collate, nullptr);
   sqlite3_create_collation_v2(database, "MOMENT", SQLITE_UTF8, nullptr, CollateMoments, nullptr);
   RegisterConversionFunctions(database, runtime);
   RegisterTextFunctions(database, runtime);

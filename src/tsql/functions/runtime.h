@@ -9,6 +9,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "tsql/functions/text_order.h"
 #include "tsql/values/date_text.h"
 #include "tsql/values/datum.h"
 #include "tsql/values/memory_budget.h"
@@ -99,6 +100,8 @@ struct Runtime {
   void CheckCancelled() const {
     if (cancelled.load(std::memory_order_relaxed)) throw Cancelled();
   }
+  /// Of the database. Set before functions and collations are registered.
+  TextOrder text_order = TextOrder::kCodePoints;
   /// SET DATEFORMAT
   DateOrder date_order = DateOrder::kMdy;
 

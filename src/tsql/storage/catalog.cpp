@@ -29,6 +29,30 @@ std::string QuoteName(std::string_view name) { return Quoted(name, '"', '"'); }
 
 std::string QuoteText(std::string_view text) { return Quoted(text, '\'', '\''); }
 
+std::vector<std::string> NameParts(std::string_view name) {
+  std::vector<std::string> parts(1);
+  char closing = '\0';
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    const char c = name[i];
+    if (closing != '\0') {
+      if (c != closing) {
+        parts.back() += c;
+      } else if (i + 1 < name.size() && name[i + 1] == closing) {
+        parts.back() += name[++i];
+      } else {
+        closing = '\0';
+      }
+    } else if (c == '.') {
+      parts.emplace_back();
+    } else if (c == '[' || c == '"') {
+      closing = c == '[' ? ']' : '"';
+    } else if (c != ' ') {
+      parts.back() += c;
+    }
+  }
+  return parts;
+}
+
 void RequireThisDatabase(std::string_view database) {
   if (EqualsIgnoreCase(database, "main") || EqualsIgnoreCase(database, "tempdb")) return;
   throw SqlError(
@@ -188,6 +212,7 @@ void Catalog::Replace(CatalogObject object) {
     ObjectsLike(*this, key)[key] = std::make_shared<const CatalogObject>(std::move(object));
     return;
   }
+  if (const auto old = objects_.find(key); old != objects_.end()) object.id = old->second->id;
   Remove(object.name);
   Write(object);
   object.id = sqlite3_last_insert_rowid(database_);
@@ -207,10 +232,12 @@ void Catalog::Replace(CatalogObject object) {
 }
 
 void Catalog::Write(const CatalogObject& object) {
-  SqliteStatement insert(database_, R"(INSERT INTO "$objects" (name, kind, definition) VALUES (?1,?2,?3))");
+  SqliteStatement insert(database_, R"(INSERT INTO "$objects" (name, kind, definition, id)
+ VALUES (?1, ?2, ?3, nullif(?4, 0)))");
   insert.BindText(1, object.name);
   insert.BindText(2, kKindNames[static_cast<std::size_t>(object.kind)]);
   insert.BindText(3, object.definition);
+  insert.BindInteger(4, object.id);
   insert.Step();
   // Views and procedures are no SQLite objects: the version says to other connections that something changed.
   if (object.kind != CatalogKind::kTable) CountUp();

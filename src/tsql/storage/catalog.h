@@ -62,6 +62,8 @@ constexpr std::string_view kUniqueKeyPrefix = "$unique";
 
 /// `name` in double quotes, as SQLite reads it.
 std::string QuoteName(std::string_view name);
+/// The parts of "main.dbo.[a b]", without their brackets or quotes; at least one.
+std::vector<std::string> NameParts(std::string_view name);
 /// `text` in single quotes.
 std::string QuoteText(std::string_view text);
 
@@ -97,9 +99,20 @@ class Catalog {
 
   /// Writes a definition; the SQLite table itself is the caller's business. Raises 2714 when the name is taken.
   void Add(CatalogObject object);
-  /// Puts a definition in the place of the one of the same name.
+  /// Puts a definition in the place of the one of the same name, whose number it keeps.
   void Replace(CatalogObject object);
   void Remove(std::string_view name);
+
+  // catalog_changes.cpp
+  /// Keeps of an index what SQLite does not know: the columns of INCLUDE, and the condition as it was written.
+  void NoteIndex(const CatalogObject& table, const std::string& index, const std::vector<std::string>& included,
+                 const std::string& condition);
+  /// Changes the name in what is noted of an index. @param to "" forgets the index
+  void RenameIndex(const CatalogObject& table, std::string_view from, std::string_view to);
+  /// Changes names in the definitions of all objects that keep them apart from texts. The SQLite table itself is the
+  /// caller's business, and so is Refresh.
+  void RenameObject(const CatalogObject& object, std::string_view to);
+  void RenameColumn(const CatalogObject& table, std::string_view from, std::string_view to);
 
   [[nodiscard]] std::vector<std::string> TemporaryTables() const;
 
@@ -119,6 +132,11 @@ class Catalog {
   /// Makes the schema's version another one, for what is no object of SQLite's.
   void CountUp();
   void RefreshTo(std::int64_t version);
+  /// Runs a change of the catalog's own tables with the texts as ?1, ?2 and ?3.
+  void Update(const std::string& sql, std::string_view first, std::string_view second, std::string_view third = {});
+  /// Puts `changed` in the place of each constraint j of the tables that `which` holds for, both SQL.
+  void ChangeConstraints(const std::string& changed, const std::string& which, std::string_view first,
+                         std::string_view second, std::string_view third = {});
   using Objects = std::unordered_map<std::string, CatalogObjectPtr>;  // by lower-case name
   /// Those among which an object of such a name stands.
   template <typename Self>

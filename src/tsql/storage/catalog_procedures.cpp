@@ -1,12 +1,12 @@
 // The procedures by which clients list types, tables, columns, keys and procedures. ODBC's and JDBC's functions of the
 // catalog call them and read the columns by their places. Types and sizes are ODBC's.
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/text/text.h"
-#include "tsql/storage/system_views.h"
+#include "tsql/storage/system_view_parts.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -150,9 +150,10 @@ SELECT DB_NAME() AS TABLE_QUALIFIER, CAST('dbo' AS nvarchar(128)) AS TABLE_OWNER
 FROM sys.tables t JOIN sys.indexes i ON i.object_id = t.object_id
   JOIN sys.index_columns k ON k.object_id = i.object_id AND k.index_id = i.index_id
   JOIN sys.columns c ON c.object_id = k.object_id AND c.column_id = k.column_id
-WHERE t.name = @table_name AND i.name LIKE @index_name AND (@is_unique <> 'Y' OR i.is_unique = 1)
+WHERE t.name = @table_name AND i.name LIKE @index_name AND k.key_ordinal > 0
+  AND (@is_unique <> 'Y' OR i.is_unique = 1)
 UNION ALL
-SELECT DB_NAME(), 'dbo', name, NULL, NULL, NULL, 0, NULL, NULL, NULL, NULL, NULL, NULL FROM sys.tables
+SELECT DB_NAME(), CAST('dbo' AS nvarchar(128)), name, NULL, NULL, NULL, 0, NULL, NULL, NULL, NULL, NULL, NULL FROM sys.tables
 WHERE name = @table_name AND @is_unique <> 'Y'
 ORDER BY 4, 7, 6, 8)";
 
@@ -195,7 +196,8 @@ SELECT SPECIFIC_CATALOG AS PROCEDURE_QUALIFIER, SPECIFIC_SCHEMA AS PROCEDURE_OWN
 FROM (SELECT SPECIFIC_CATALOG, SPECIFIC_SCHEMA, SPECIFIC_NAME, PARAMETER_NAME, PARAMETER_MODE, DATA_TYPE,
     CHARACTER_MAXIMUM_LENGTH, CHARACTER_OCTET_LENGTH, NUMERIC_PRECISION, NUMERIC_SCALE, DATETIME_PRECISION,
     ORDINAL_POSITION FROM INFORMATION_SCHEMA.PARAMETERS
-  UNION ALL SELECT ROUTINE_CATALOG, ROUTINE_SCHEMA, ROUTINE_NAME, '@RETURN_VALUE', 'RETURN', 'int', NULL, NULL, 10, 0,
+  UNION ALL SELECT ROUTINE_CATALOG, ROUTINE_SCHEMA, ROUTINE_NAME, CAST('@RETURN_VALUE' AS nvarchar(128)),
+    CAST('RETURN' AS varchar(10)), CAST('int' AS nvarchar(128)), NULL, NULL, 10, 0,
     NULL, 0 FROM INFORMATION_SCHEMA.ROUTINES) p
 WHERE SPECIFIC_NAME LIKE CASE WHEN @procedure_name LIKE '%;1' THEN LEFT(@procedure_name, LEN(@procedure_name) - 2)
     ELSE ISNULL(@procedure_name, '%') END
@@ -218,25 +220,29 @@ CatalogObjectPtr MakeProcedure(std::string_view name, std::string_view definitio
 }  // namespace
 
 CatalogObjectPtr FindSystemProcedure(std::string_view name) {
-  static const std::array procedures = {
-      MakeProcedure("sp_tables", kTables),
-      MakeProcedure("sp_columns", Columns()),
-      MakeProcedure("sp_datatype_info", kDataTypes),
-      MakeProcedure("sp_pkeys", kPrimaryKeys),
-      MakeProcedure("sp_fkeys", kForeignKeys),
-      MakeProcedure("sp_statistics", kStatistics),
-      MakeProcedure("sp_special_columns", SpecialColumns()),
-      MakeProcedure("sp_stored_procedures", kProcedures),
-      MakeProcedure("sp_sproc_columns", ProcedureColumns()),
-      MakeProcedure("sp_databases", kDatabases),
-  };
+  static const std::vector<CatalogObjectPtr> procedures = [] {
+    std::vector<CatalogObjectPtr> all = {
+        MakeProcedure("sp_tables", kTables),
+        MakeProcedure("sp_columns", Columns()),
+        MakeProcedure("sp_datatype_info", kDataTypes),
+        MakeProcedure("sp_pkeys", kPrimaryKeys),
+        MakeProcedure("sp_fkeys", kForeignKeys),
+        MakeProcedure("sp_statistics", kStatistics),
+        MakeProcedure("sp_special_columns", SpecialColumns()),
+        MakeProcedure("sp_stored_procedures", kProcedures),
+        MakeProcedure("sp_sproc_columns", ProcedureColumns()),
+        MakeProcedure("sp_databases", kDatabases),
+    };
+    for (const ProcedureText& text : HelpProcedures()) all.push_back(MakeProcedure(text.name, text.definition));
+    return all;
+  }();
   // Clients ask by these names for what later versions of the server know of types.
   for (const std::string_view version : {"_90", "_100"}) {
     if (name.ends_with(version)) name.remove_suffix(version.size());
   }
-  const auto* const found =
-      std::find_if(procedures.begin(), procedures.end(),
-                   [name](const CatalogObjectPtr& procedure) { return EqualsIgnoreCase(procedure->name, name); });
+  const auto found = std::find_if(procedures.begin(), procedures.end(), [name](const CatalogObjectPtr& procedure) {
+    return EqualsIgnoreCase(procedure->name, name);
+  });
   return found == procedures.end() ? nullptr : *found;
 }
 

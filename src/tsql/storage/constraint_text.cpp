@@ -106,6 +106,15 @@ void AddConstraints(std::string& definition, const std::string& table, const Tab
   }
 }
 
+void AddIndexNote(std::string& definition, const std::string& index, const std::vector<std::string>& included,
+                  const std::string& condition) {
+  if (definition.empty()) definition = "[]";
+  definition.pop_back();
+  if (definition.size() > 1) definition += ",";
+  definition += R"({"kind":"IX","index":)" + JsonText(index) + ",\"columns\":" + JsonList(included) +
+                TextMember(condition.empty() ? "" : "(" + condition + ")") + "}]";
+}
+
 bool HasConstraint(const std::string& definition, const std::string& name) {
   return FindIgnoreCase(definition, NameText(name)) != std::string::npos;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "tsql/syntax/statement.h"
 
@@ -11,6 +12,11 @@ namespace tessarlorn::tsql {
 /// table: "" or a JSON array of objects with kind (PK, UQ, F, C, D as the server has them, I for an identity), name,
 /// columns, and text, to and referenced, or seed. What has no name gets one that the table has not yet.
 void AddConstraints(std::string& definition, const std::string& table, const TableElements& elements);
+
+/// Adds what the table has of an index: an object of kind IX with index, its name, columns, those of INCLUDE, and text,
+/// its condition or "".
+void AddIndexNote(std::string& definition, const std::string& index, const std::vector<std::string>& included,
+                  const std::string& condition);
 
 /// Whether a constraint of that name is among them, without regard to case.
 bool HasConstraint(const std::string& definition, const std::string& name);

@@ -35,6 +35,16 @@ constexpr const char* kSource = "TessarLorn embedded database";
 
 [[noreturn]] void RaiseOption(const std::string& why) { RaiseLogin(kSource, why, server_message::kCannotOpenDatabase); }
 
+TextOrder ReadTextOrder(const std::string& collation) {
+  const std::optional<TextOrder> order = FindTextOrder(collation);
+  if (!order) {
+    RaiseOption("Collation in the connection string is '" + collation +
+                "'; Chinese_PRC_CI_AS, Chinese_PRC_Stroke_CI_AS or Chinese_Taiwan_Stroke_CI_AS is wanted.");
+  }
+  if (!CanSort(*order)) RaiseOption("Collation in the connection string needs ICU, which this build is without.");
+  return *order;
+}
+
 constexpr NumberOption kTimeout{"Timeout", 0, 3600, "seconds"};
 constexpr NumberOption kMaxMemory{"MaxMemory", 16, 65536, "megabytes"};
 constexpr NumberOption kCache{"Cache", 1, 65536, "megabytes"};
@@ -155,9 +165,24 @@ bool MayNotBeWritten(const std::string& file) {
 #endif
 }
 
-void MakeCatalog(sqlite3* database) {
+/// Raises 4060 where texts sort otherwise than the connection string asks for, or as this build cannot.
+void RequireTextOrder(sqlite3* database, const DatabaseOptions& options) {
+  const TextOrder order = TextOrderOf(database);
+  const std::string name(TextOrderName(order));
+  if (options.text_order && *options.text_order != order) {
+    RaiseCannotOpen(options.file, "its texts are sorted by " + name + ", and Collation in the connection string is " +
+                                      std::string(TextOrderName(*options.text_order)) + ".");
+  }
+  if (!CanSort(order))
+    RaiseCannotOpen(options.file, "its texts are sorted by " + name + ", for which this build has no ICU.");
+}
+
+void MakeCatalog(sqlite3* database, const DatabaseOptions& options) {
   RunSql(database, "BEGIN IMMEDIATE");
   try {
+    if (options.text_order && OwnerOf(database) == Owner::kNobody) {
+      RunSql(database, "PRAGMA main.user_version = " + std::to_string(static_cast<int>(*options.text_order)));
+    }
     Catalog::Make(database);
     MarkAsOurs(database);
     RunSql(database, "COMMIT");
@@ -196,7 +221,8 @@ OpenedDatabase OpenFile(const DatabaseOptions& options, MissingFile missing) {
   if (owner == Owner::kNobody && missing == MissingFile::kRefuse) RaiseCannotOpen(options.file, kEmpty);
   if (!opened.reads_only) UseWriteAheadLog(database, wait);
   RunSql(database, options.full ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
-  if (owner == Owner::kNobody) MakeCatalog(database);
+  if (owner == Owner::kNobody) MakeCatalog(database, options);
+  RequireTextOrder(database, options);
   return opened;
 }
 
@@ -218,6 +244,8 @@ DatabaseOptions ParseDatabaseOptions(std::string_view text) {
       options.memory = static_cast<std::size_t>(read(kMaxMemory, value)) << 20;
     } else if (EqualsIgnoreCase(key, kCache.key)) {
       options.cache = read(kCache, value);
+    } else if (EqualsIgnoreCase(key, "Collation")) {
+      options.text_order = ReadTextOrder(value);
     } else if (EqualsIgnoreCase(key, "Synchronous")) {
       options.full = EqualsIgnoreCase(value, "Full");
       if (!options.full && !EqualsIgnoreCase(value, "Normal")) {
@@ -225,7 +253,7 @@ DatabaseOptions ParseDatabaseOptions(std::string_view text) {
       }
     } else {
       RaiseOption("The connection string has an unknown key '" + key +
-                  "'; known are Embedded, Timeout, Synchronous, MaxMemory and Cache.");
+                  "'; known are Embedded, Timeout, Synchronous, MaxMemory, Cache and Collation.");
     }
   }
   if (options.file.empty()) RaiseOption("Embedded= in the connection string names no file.");
@@ -238,7 +266,8 @@ OpenedDatabase OpenDatabase(const DatabaseOptions& options, MissingFile missing)
         "file:/tessarlorn-" + options.file.substr(std::string_view(":memory:").size()) + "?vfs=memdb";
     OpenedDatabase opened{
         Connect(name, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_URI, options.file, options.timeout)};
-    MakeCatalog(opened.handle.get());
+    MakeCatalog(opened.handle.get(), options);
+    RequireTextOrder(opened.handle.get(), options);
     // Its temporary tables lie in memory, too.
     constexpr std::size_t kPage = 4096;
     RunSql(opened.handle.get(), "PRAGMA temp.max_page_count = " + std::to_string(options.memory / kPage));
@@ -276,6 +305,13 @@ DatabaseHandle OpenForReading(const std::string& file) {
     RaiseCannotOpen(file, owner == Owner::kAnother ? kAnothers : kEmpty);
   }
   return database;
+}
+
+TextOrder TextOrderOf(sqlite3* database) {
+  const std::int64_t number = ReadNumber(database, "PRAGMA main.user_version");
+  constexpr auto kLast = static_cast<std::int64_t>(TextOrder::kTaiwanStroke);
+  if (number < 0 || number > kLast) RaiseOption("The database's texts sort in a way that only a later version knows.");
+  return static_cast<TextOrder>(number);
 }
 
 DatabaseHandle OpenCopy(const std::string& file) {

@@ -3,9 +3,11 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "tsql/functions/text_order.h"
 #include "tsql/storage/sqlite_handle.h"
 
 namespace tessarlorn::tsql {
@@ -20,6 +22,8 @@ struct DatabaseOptions {
   std::size_t memory = std::size_t{1} << 30;
   /// Megabytes of the file's pages that a connection keeps in memory, and that a sort fills before it goes to a file.
   int cache = 64;
+  /// How texts are to sort; none takes what the file has, code points in a new one.
+  std::optional<TextOrder> text_order;
 
   [[nodiscard]] bool in_memory() const { return file.starts_with(":memory:"); }
 };
@@ -37,12 +41,15 @@ struct OpenedDatabase {
 };
 
 /// Opens the database, and makes it when it is not there. Raises 0x80040E4D (native 4060) naming a file that is another
-/// program's, that may not be written or that cannot be there, and SqlError 824 for one that is damaged. A file that
-/// is refused stays as it is.
+/// program's, that may not be written, that cannot be there, or whose texts sort otherwise, and SqlError 824 for one
+/// that is damaged. A file that is refused stays as it is.
 OpenedDatabase OpenDatabase(const DatabaseOptions& options, MissingFile missing = MissingFile::kMake);
 
 /// Opens a file for reading. Nothing is written, not even beside it. Raises like OpenDatabase.
 DatabaseHandle OpenForReading(const std::string& file);
+
+/// How the texts of an opened database sort; it is one of ours.
+TextOrder TextOrderOf(sqlite3* database);
 
 /// Opens an empty file that is to become a copy. It is on the disk when its contents are committed.
 DatabaseHandle OpenCopy(const std::string& file);

@@ -60,6 +60,7 @@ std::vector<std::string> Texts(sqlite3* database, std::string_view sql) {
 std::vector<std::string> FaultsOf(sqlite3* database) {
   // Text is ordered by our collation, and indexes by our functions.
   tsql::Runtime runtime(tsql::MemoryBudget::kDefaultLimit);
+  runtime.text_order = tsql::TextOrderOf(database);
   RegisterFunctions(database, runtime);
   std::vector<std::string> faults;
   const auto add = [&](std::string_view sql) {
@@ -229,7 +230,7 @@ void BackUpEmbedded(std::string_view database_string, const std::string& file, c
 
 void RestoreEmbedded(std::string_view database_string, const std::string& file, const PagesCopied& progress) {
   Translated([&] {
-    const DatabaseOptions options = FileOptions(database_string);
+    DatabaseOptions options = FileOptions(database_string);
     std::error_code ignored;
     if (std::filesystem::equivalent(ToPath(file), ToPath(options.file), ignored)) {
       RaiseFile(kFileExists, file, "is the database itself.");
@@ -241,7 +242,17 @@ void RestoreEmbedded(std::string_view database_string, const std::string& file, 
     const DatabaseHandle source = tsql::OpenForReading(file);
     const std::vector<std::string> faults = FaultsOf(source.get());
     if (!faults.empty()) throw SqlError(824, "The database '" + file + "' is damaged: " + faults.front(), 24);
+    const tsql::TextOrder order = tsql::TextOrderOf(source.get());
+    if (!options.text_order && !std::filesystem::exists(ToPath(options.file), ignored)) options.text_order = order;
     const tsql::OpenedDatabase target = OpenTarget(options);
+    // Whoever has the target open goes on sorting as they do.
+    const tsql::TextOrder target_order = tsql::TextOrderOf(target.handle.get());
+    if (target_order != order) {
+      RaiseFile(error_number::kInvalidArgument, file,
+                "cannot be restored into '" + options.file + "': its texts are sorted by " +
+                    std::string(TextOrderName(order)) + ", those there by " + std::string(TextOrderName(target_order)) +
+                    ".");
+    }
     if (target.reads_only) throw SqlError(1105, "The disk of '" + options.file + "' is full.", 17);
     Copy(target.handle.get(), source.get(), progress);
   });

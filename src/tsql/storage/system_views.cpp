@@ -1,20 +1,13 @@
 #include "tsql/storage/system_views.h"
 
 #include <algorithm>
-#include <initializer_list>
 #include <utility>
 
 #include "platform/text/text.h"
+#include "tsql/storage/system_view_parts.h"
 
 namespace tessarlorn::tsql {
 namespace {
-
-// Columns of views, by their types.
-SystemViewColumn Bit(const char* name) { return {name, BitType(), true}; }
-SystemViewColumn Int(const char* name) { return {name, IntType(), true}; }
-SystemViewColumn Name(const char* name) { return {name, NVarCharType(128), true}; }
-SystemViewColumn Code(const char* name) { return {name, VarCharType(60), true}; }
-SystemViewColumn Text(const char* name) { return {name, NVarCharType(0), true}; }
 
 /// The types of the server: name, system_type_id, user_type_id, max_length, precision, scale.
 constexpr std::string_view kTypes = R"(SELECT column1 AS name, column2 AS id, column3 AS user_id,
@@ -27,14 +20,6 @@ constexpr std::string_view kTypes = R"(SELECT column1 AS name, column2 AS id, co
  ('bigint',127,127,8,19,0), ('varbinary',165,165,8000,0,0), ('varchar',167,167,8000,0,0), ('binary',173,173,8000,0,0),
  ('char',175,175,8000,0,0), ('nvarchar',231,231,8000,0,0), ('nchar',239,239,8000,0,0), ('sysname',231,256,256,0,0)))";
 
-/// Columns of tables and parameters of procedures, with the parts of their types: base, size (-1 for (max)), places.
-constexpr std::string_view kTyped = R"(SELECT *, CASE size_text WHEN 'max' THEN -1 ELSE CAST(size_text AS INTEGER) END
-  AS size, CAST(substr(size_text, instr(size_text, ',') + 1) AS INTEGER) AS places
- FROM (SELECT c.*, o.name AS owner, o.kind AS owner_kind,
-   CASE instr(c.type, '(') WHEN 0 THEN c.type ELSE substr(c.type, 1, instr(c.type, '(') - 1) END AS base,
-   CASE instr(c.type, '(') WHEN 0 THEN '' ELSE rtrim(substr(c.type, instr(c.type, '(') + 1), ')') END AS size_text
-  FROM main."$columns" c JOIN main."$objects" o ON o.id = c.object))";
-
 /// What a column's type takes and holds, out of kTyped as c and kTypes as t.
 constexpr std::string_view kMeasures = R"(t.id AS system_type_id, t.user_id AS user_type_id,
  CASE WHEN c.base LIKE 'n%char' AND c.size > 0 THEN c.size * 2 WHEN c.base LIKE '%char' OR c.base LIKE '%binary' THEN c.size
@@ -42,29 +27,6 @@ constexpr std::string_view kMeasures = R"(t.id AS system_type_id, t.user_id AS u
   ELSE t.max_length END AS max_length,
  CASE c.base WHEN 'decimal' THEN c.size ELSE t.precision END AS precision,
  CASE WHEN c.base IN ('time', 'datetime2', 'datetimeoffset') THEN c.size WHEN c.base = 'decimal' THEN c.places ELSE t.scale END AS scale)";
-
-/// The constraints of tables, as TableConstraints wrote them. Their numbers stand beyond those of objects.
-constexpr std::string_view kConstraints = R"(SELECT o.id AS object, o.name AS owner, j.key AS position,
- 1000000000 + o.id * 1000 + j.key AS id, json_extract(j.value, '$.kind') AS kind, json_extract(j.value, '$.name') AS name,
- j.value AS body FROM main."$objects" o, json_each(CASE o.definition WHEN '' THEN '[]' ELSE o.definition END) j
- WHERE o.kind = 'table')";
-
-std::string KeyColumns() {
-  return "SELECT k.id, k.object, k.owner, k.kind, k.name, k.position, j.key + 1 AS ordinal, c.position AS column_id,"
-         " c.name AS column_name FROM (" +
-         std::string(kConstraints) +
-         ") k, json_each(k.body, '$.columns') j"
-         " JOIN main.\"$columns\" c ON c.object = k.object AND c.name = j.value COLLATE NOCASE";
-}
-
-/// Foreign keys with the key that each refers to.
-std::string References() {
-  return "SELECT f.*, p.id AS referenced_id, coalesce(json_extract(f.body, '$.referenced'),"
-         " (SELECT json_extract(k.body, '$.columns') FROM (" +
-         std::string(kConstraints) + ") k WHERE k.object = p.id AND k.kind = 'PK')) AS referenced FROM (" +
-         std::string(kConstraints) +
-         ") f JOIN main.\"$objects\" p ON p.name = json_extract(f.body, '$.to') COLLATE NOCASE WHERE f.kind = 'F'";
-}
 
 /// The columns of foreign keys, each with the one that it refers to.
 std::string ReferenceColumns() {
@@ -86,29 +48,39 @@ std::string Indexes() {
          " SELECT o.id, o.name, s.rowid + 1000, substr(s.name, length(s.tbl_name) + 2), 2, l.\"unique\", 'IX', s.name,"
          " l.partial FROM main.sqlite_schema s JOIN main.\"$objects\" o ON o.name = s.tbl_name AND o.kind = 'table'"
          " JOIN pragma_index_list(s.tbl_name) l ON l.name = s.name WHERE s.type = 'index' AND l.origin = 'c'"
-         " AND s.name NOT LIKE '%$null'";
+         " AND s.name NOT LIKE '%$null' UNION ALL SELECT id, name, 0, NULL, 0, 0, 'H', NULL, 0 FROM main.\"$objects\" WHERE"
+         " kind = 'table' AND instr(definition, '\"kind\":\"PK\"') = 0";
 }
 
+/// Keys, then the columns that indexes order by, then those that they include. SQLite keeps the last with the others,
+/// or not at all where the index is unique.
 std::string IndexColumns() {
+  const std::string notes = "(SELECT object, json_extract(body, '$.index') AS name, body FROM (" +
+                            std::string(kConstraints) + ") WHERE kind = 'IX')";
+  const std::string with_columns = "(" + Indexes() + ") i JOIN main.\"$columns\" c ON c.object = i.object";
   return "SELECT k.object AS object_id, CASE k.kind WHEN 'PK' THEN 1 ELSE k.position + 2 END AS index_id,"
-         " k.ordinal AS index_column_id, k.column_id, k.ordinal AS key_ordinal, 0 AS is_descending_key,"
-         " 0 AS is_included_column FROM (" +
+         " k.ordinal AS index_column_id, k.column_id, k.ordinal AS key_ordinal, 0 AS partition_ordinal,"
+         " 0 AS is_descending_key, 0 AS is_included_column FROM (" +
          KeyColumns() +
          ") k WHERE k.kind IN ('PK', 'UQ') UNION ALL"
-         " SELECT i.object, i.index_id, x.seqno + 1, c.position, x.seqno + 1, x.\"desc\", 0 FROM (" +
-         Indexes() +
-         ") i JOIN pragma_index_xinfo(i.inner_name) x JOIN main.\"$columns\" c ON c.object = i.object"
-         " AND c.name = x.name COLLATE NOCASE WHERE i.kind = 'IX' AND x.key = 1";
-}
-
-std::string From(std::string_view head, std::string_view source, std::string_view tail = "") {
-  return std::string(head) + " FROM (" + std::string(source) + ")" + std::string(tail);
+         " SELECT i.object, i.index_id, x.seqno + 1, c.position, x.seqno + 1, 0, x.\"desc\", 0 FROM " +
+         with_columns +
+         " JOIN pragma_index_xinfo(i.inner_name) x ON x.key = 1 AND x.name = c.name COLLATE NOCASE WHERE i.kind = 'IX' AND"
+         " NOT EXISTS (SELECT 1 FROM " +
+         notes +
+         " n, json_each(n.body, '$.columns') j WHERE n.object = i.object AND n.name = i.name COLLATE NOCASE AND j.value ="
+         " c.name COLLATE NOCASE) UNION ALL"
+         " SELECT i.object, i.index_id, (SELECT count(*) FROM pragma_index_xinfo(i.inner_name) WHERE key = 1) + j.key + 1 -"
+         " CASE WHEN i.is_unique THEN 0 ELSE json_array_length(n.body, '$.columns') END, c.position, 0, 0, 0, 1 FROM " +
+         with_columns + " JOIN " + notes +
+         " n ON n.object = i.object AND n.name = i.name COLLATE NOCASE JOIN json_each(n.body, '$.columns') j ON j.value ="
+         " c.name COLLATE NOCASE WHERE i.kind = 'IX'";
 }
 
 /// What all objects have in common in the views of sys, of a row that has name, id and a kind.
 std::string ObjectColumns(const std::string& type, const std::string& description) {
   return "name, id AS object_id, NULL AS principal_id, 1 AS schema_id, " + type + " AS type, " + description +
-         " AS type_desc, 0 AS is_ms_shipped";
+         " AS type_desc, NULL AS create_date, NULL AS modify_date, 0 AS is_ms_shipped";
 }
 
 SystemView Objects(const char* name, std::string sql, const std::vector<SystemViewColumn>& more = {}) {
@@ -121,6 +93,8 @@ SystemView Objects(const char* name, std::string sql, const std::vector<SystemVi
                    Int("schema_id"),
                    {"type", VarCharType(2), false},
                    Code("type_desc"),
+                   Time("create_date"),
+                   Time("modify_date"),
                    Bit("is_ms_shipped"),
                    Int("parent_object_id")}};
   view.columns.insert(view.columns.end(), more.begin(), more.end());
@@ -158,6 +132,11 @@ std::vector<SystemView> ObjectViews() {
                              " main.\"$objects\" UNION ALL " +
                              constraints.sql),
       ObjectsOfKind("tables", "table", "U ", "USER_TABLE"),
+      // Read as tempdb.sys.objects and tempdb..sysobjects. Table variables begin with another sign.
+      Objects("temporary_tables",
+              From("SELECT " + ObjectColumns("'U '", "'USER_TABLE'") + ", 0 AS parent_object_id",
+                   "SELECT name, ts_object_id(name) AS id FROM temp.sqlite_schema WHERE type = 'table'"
+                   " AND name LIKE '#%'")),
       ObjectsOfKind("views", "view", "V ", "VIEW"),
       ObjectsOfKind("procedures", "procedure", "P ", "SQL_STORED_PROCEDURE"),
   };
@@ -167,13 +146,14 @@ std::vector<SystemView> ObjectViews() {
 std::vector<SystemView> ConstraintViews() {
   const std::string constraint_text = ", json_extract(body, '$.text') AS definition";
   const std::string of_column =
-      ", (SELECT c.position FROM main.\"$columns\" c WHERE c.object = k.object AND c.name = json_extract(k.body,"
-      " '$.columns[0]') COLLATE NOCASE) AS parent_column_id";
+      ", coalesce((SELECT c.position FROM main.\"$columns\" c WHERE c.object = k.object AND c.name = json_extract(k.body,"
+      " '$.columns[0]') COLLATE NOCASE), 0) AS parent_column_id";
   return {
       ConstraintsOfKind("key_constraints", "'PK', 'UQ'",
                         ", CASE kind WHEN 'PK' THEN 1 ELSE position + 2 END AS unique_index_id",
                         {Int("unique_index_id")}),
-      ConstraintsOfKind("check_constraints", "'C'", constraint_text, {Text("definition")}),
+      ConstraintsOfKind("check_constraints", "'C'", constraint_text + of_column,
+                        {Text("definition"), Int("parent_column_id")}),
       ConstraintsOfKind("default_constraints", "'D'", constraint_text + of_column,
                         {Text("definition"), Int("parent_column_id")}),
       Objects(
@@ -213,9 +193,13 @@ std::vector<SystemView> ColumnViews() {
                            ") k WHERE k.object = c.object AND k.kind = 'I'), 1)";
   const std::string columns =
       "SELECT c.object AS object_id, c.name, c.position AS column_id, " + std::string(kMeasures) +
-      ", CASE WHEN c.base LIKE '%char' THEN 'Chinese_PRC_CI_AS' END AS collation_name, c.nullable AS is_nullable,"
-      " c.identity = 1 AS is_identity, 0 AS is_computed, NULL AS definition, 0 AS is_persisted, 0 AS default_object_id,"
-      " " +
+      ", CASE WHEN c.base LIKE '%char' THEN " + std::string(kCollationName) +
+      " END AS collation_name, c.nullable AS is_nullable,"
+      " c.identity = 1 AS is_identity, 0 AS is_computed, NULL AS definition, 0 AS is_persisted,"
+      " coalesce((SELECT k.id FROM (" +
+      std::string(kConstraints) +
+      ") k WHERE k.object = c.object AND k.kind = 'D' AND json_extract(k.body, '$.columns[0]') = c.name COLLATE NOCASE),"
+      " 0) AS default_object_id, " +
       seed +
       " AS seed_value, 1 AS increment_value, (SELECT s.seq FROM main.sqlite_sequence s WHERE s.name = c.owner"
       " AND s.seq >= " +
@@ -241,18 +225,31 @@ std::vector<SystemView> IndexViews() {
       {"sys",
        "indexes",
        From(
-           "SELECT object AS object_id, name, index_id, type, CASE type WHEN 1 THEN 'CLUSTERED' ELSE 'NONCLUSTERED' END AS"
+           "SELECT object AS object_id, name, index_id, type, CASE type WHEN 0 THEN 'HEAP' WHEN 1 THEN"
+           " 'CLUSTERED' ELSE 'NONCLUSTERED' END AS"
            " type_desc, is_unique, kind = 'PK' AS is_primary_key, kind = 'UQ' AS is_unique_constraint, partial AS"
-           " has_filter, NULL AS filter_definition, 0 AS is_disabled",
-           Indexes()),
+           " has_filter, (SELECT json_extract(k.body, '$.text') FROM (" +
+               std::string(kConstraints) +
+               ") k WHERE k.object = i.object"
+               " AND k.kind = 'IX' AND json_extract(k.body, '$.index') = i.name COLLATE NOCASE AND partial) AS filter_definition,"
+               " 0 AS is_disabled, 1 AS data_space_id, 0 AS fill_factor, 1 AS allow_row_locks, 1 AS allow_page_locks",
+           Indexes(), " i"),
        {Int("object_id"), Name("name"), Int("index_id"), Int("type"), Code("type_desc"), Bit("is_unique"),
         Bit("is_primary_key"), Bit("is_unique_constraint"), Bit("has_filter"), Text("filter_definition"),
-        Bit("is_disabled")}},
+        Bit("is_disabled"), Int("data_space_id"), Int("fill_factor"), Bit("allow_row_locks"), Bit("allow_page_locks")}},
       {"sys",
        "index_columns",
        IndexColumns(),
        {Int("object_id"), Int("index_id"), Int("index_column_id"), Int("column_id"), Int("key_ordinal"),
-        Bit("is_descending_key"), Bit("is_included_column")}},
+        Int("partition_ordinal"), Bit("is_descending_key"), Bit("is_included_column")}},
+      {"sys",
+       "partitions",
+       From("SELECT object * 10000 + index_id AS partition_id, object AS object_id, index_id, 1 AS partition_number,"
+            " object * 10000 + index_id AS hobt_id, ts_row_count(object) AS rows, 0 AS data_compression, 'NONE' AS"
+            " data_compression_desc",
+            Indexes()),
+       {Long("partition_id"), Int("object_id"), Int("index_id"), Int("partition_number"), Long("hobt_id"), Long("rows"),
+        Int("data_compression"), Code("data_compression_desc")}},
   };
 }
 
@@ -265,14 +262,29 @@ std::vector<SystemView> ServerViews() {
        " ('INFORMATION_SCHEMA', 3), ('sys', 4))",
        {Name("name"), Int("schema_id"), Int("principal_id")}},
       {"sys",
-       "databases",
-       "SELECT 'main' AS name, 1 AS database_id, 'Chinese_PRC_CI_AS' AS collation_name, 0 AS state",
-       {Name("name"), Int("database_id"), Name("collation_name"), Int("state")}},
+       "database_files",
+       "SELECT 1 AS file_id, 0 AS type, 'ROWS' AS type_desc, 1 AS data_space_id, 'main' AS name, (SELECT file FROM"
+       " pragma_database_list WHERE name = 'main') AS physical_name, 0 AS state, 'ONLINE' AS state_desc,"
+       " (SELECT page_count FROM pragma_page_count) * (SELECT page_size FROM pragma_page_size) / 8192 AS size,"
+       " -1 AS max_size, 0 AS is_read_only",
+       {Int("file_id"),
+        Int("type"),
+        Code("type_desc"),
+        Int("data_space_id"),
+        Name("name"),
+        {"physical_name", NVarCharType(260), true},
+        Int("state"),
+        Code("state_desc"),
+        Int("size"),
+        Int("max_size"),
+        Bit("is_read_only")}},
       {"sys",
        "types",
        From("SELECT name, id AS system_type_id, user_id AS user_type_id, 4 AS schema_id, max_length, precision, scale,"
-            " CASE WHEN name LIKE '%char' OR name LIKE '%text' THEN 'Chinese_PRC_CI_AS' END AS collation_name,"
-            " 1 AS is_nullable, 0 AS is_user_defined, 0 AS is_table_type",
+            " CASE WHEN name LIKE '%char' OR name LIKE '%text' THEN " +
+                std::string(kCollationName) +
+                " END AS collation_name,"
+                " 1 AS is_nullable, 0 AS is_user_defined, 0 AS is_table_type",
             kTypes),
        {Name("name"), Int("system_type_id"), Int("user_type_id"), Int("schema_id"), Int("max_length"), Int("precision"),
         Int("scale"), Name("collation_name"), Bit("is_nullable"), Bit("is_user_defined"), Bit("is_table_type")}},
@@ -287,134 +299,55 @@ std::vector<SystemView> ServerViews() {
   };
 }
 
-/// What INFORMATION_SCHEMA says of a type, out of kTyped.
-constexpr std::string_view kSizes = R"(base AS DATA_TYPE,
- CASE WHEN base LIKE '%char' OR base LIKE '%binary' THEN size END AS CHARACTER_MAXIMUM_LENGTH,
- CASE WHEN base LIKE 'n%char' AND size > 0 THEN size * 2 WHEN base LIKE '%char' OR base LIKE '%binary' THEN size END
-  AS CHARACTER_OCTET_LENGTH,
- CASE base WHEN 'decimal' THEN size WHEN 'money' THEN 19 WHEN 'bigint' THEN 19 WHEN 'int' THEN 10
-  WHEN 'smallint' THEN 5 WHEN 'tinyint' THEN 3 WHEN 'float' THEN 53 WHEN 'real' THEN 24 WHEN 'smallmoney' THEN 10 END
-  AS NUMERIC_PRECISION,
- CASE base WHEN 'decimal' THEN places WHEN 'money' THEN 4 WHEN 'smallmoney' THEN 4
-  WHEN 'bigint' THEN 0 WHEN 'int' THEN 0 WHEN 'smallint' THEN 0 WHEN 'tinyint' THEN 0 END AS NUMERIC_SCALE,
- CASE base WHEN 'datetime' THEN 3 WHEN 'date' THEN 0 WHEN 'smalldatetime' THEN 0 WHEN 'time' THEN size
-  WHEN 'datetime2' THEN size WHEN 'datetimeoffset' THEN size END AS DATETIME_PRECISION,
- CASE WHEN base LIKE '%char' THEN 'Chinese_PRC_CI_AS' END AS COLLATION_NAME)";
+/// Columns of bits that are 0 in every row, by their view.
+struct Flags {
+  std::string_view view;
+  std::string_view names;
+};
+constexpr Flags kFlags[] = {
+    {"objects", "is_published is_schema_published"},
+    {"tables",
+     "is_published is_schema_published lock_on_bulk_load is_replicated has_replication_filter is_merge_published"
+     " is_sync_tran_subscribed has_unchecked_assembly_data large_value_types_out_of_row is_tracked_by_cdc is_filetable"},
+    {"views",
+     "is_published is_schema_published is_replicated has_replication_filter has_opaque_metadata"
+     " has_unchecked_assembly_data with_check_option is_date_correlation_view is_tracked_by_cdc"},
+    {"procedures",
+     "is_published is_schema_published is_auto_executed is_execution_replicated is_repl_serializable_only"
+     " skips_repl_constraints"},
+    {"columns",
+     "is_rowguidcol is_filestream is_replicated is_non_sql_subscribed is_merge_published is_dts_replicated"
+     " is_xml_document is_sparse is_column_set"},
+    {"parameters", "is_cursor_ref is_xml_document is_readonly"},
+    {"types", "is_assembly_type"},
+    {"indexes", "ignore_dup_key is_padded is_hypothetical"},
+    {"key_constraints", "is_published is_schema_published is_system_named"},
+    {"check_constraints", "is_disabled is_not_for_replication is_not_trusted is_system_named"},
+    {"default_constraints", "is_published is_schema_published is_system_named"},
+    {"foreign_keys", "is_not_for_replication is_system_named"},
+    {"sql_modules", "is_schema_bound uses_database_collation is_recompiled null_on_null_input"},
+};
 
-std::vector<SystemView> InformationOfObjects() {
-  return {
-      {"information_schema",
-       "schemata",
-       "SELECT 'main' AS CATALOG_NAME, 'dbo' AS SCHEMA_NAME, 'dbo' AS SCHEMA_OWNER",
-       {Name("CATALOG_NAME"), Name("SCHEMA_NAME"), Name("SCHEMA_OWNER")}},
-      {"information_schema",
-       "tables",
-       R"(SELECT 'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, name AS TABLE_NAME,
- CASE kind WHEN 'table' THEN 'BASE TABLE' ELSE 'VIEW' END AS TABLE_TYPE FROM main."$objects" WHERE kind <> 'procedure')",
-       {Name("TABLE_CATALOG"), Name("TABLE_SCHEMA"), Name("TABLE_NAME"), {"TABLE_TYPE", VarCharType(10), false}}},
-      {"information_schema",
-       "views",
-       R"(SELECT 'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, name AS TABLE_NAME, definition AS VIEW_DEFINITION,
- 'NONE' AS CHECK_OPTION, 'NO' AS IS_UPDATABLE FROM main."$objects" WHERE kind = 'view')",
-       {Name("TABLE_CATALOG"), Name("TABLE_SCHEMA"), Name("TABLE_NAME"), Text("VIEW_DEFINITION"), Code("CHECK_OPTION"),
-        Code("IS_UPDATABLE")}},
-      {"information_schema",
-       "routines",
-       R"(SELECT 'main' AS ROUTINE_CATALOG, 'dbo' AS ROUTINE_SCHEMA, name AS ROUTINE_NAME, 'PROCEDURE' AS ROUTINE_TYPE,
- definition AS ROUTINE_DEFINITION FROM main."$objects" WHERE kind = 'procedure')",
-       {Name("ROUTINE_CATALOG"), Name("ROUTINE_SCHEMA"), Name("ROUTINE_NAME"), Code("ROUTINE_TYPE"),
-        Text("ROUTINE_DEFINITION")}},
-      {"information_schema",
-       "sequences",
-       "SELECT '' AS SEQUENCE_CATALOG, '' AS SEQUENCE_SCHEMA, '' AS SEQUENCE_NAME WHERE 0",
-       {Name("SEQUENCE_CATALOG"), Name("SEQUENCE_SCHEMA"), Name("SEQUENCE_NAME")}},
-  };
-}
-
-std::vector<SystemView> InformationOfConstraints() {
-  const std::string here = "'main' AS CONSTRAINT_CATALOG, 'dbo' AS CONSTRAINT_SCHEMA, k.name AS CONSTRAINT_NAME";
-  const std::string table = "'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, k.owner AS TABLE_NAME";
-  const std::vector<SystemViewColumn> names = {Name("CONSTRAINT_CATALOG"), Name("CONSTRAINT_SCHEMA"),
-                                               Name("CONSTRAINT_NAME"),    Name("TABLE_CATALOG"),
-                                               Name("TABLE_SCHEMA"),       Name("TABLE_NAME")};
-  const auto with = [&](std::initializer_list<SystemViewColumn> more) {
-    std::vector<SystemViewColumn> columns = names;
-    columns.insert(columns.end(), more);
-    return columns;
-  };
-  const std::string key_columns = "SELECT " + here + ", " + table +
-                                  ", k.column_name AS COLUMN_NAME, k.ordinal AS ORDINAL_POSITION FROM (" +
-                                  KeyColumns() + ") k WHERE k.kind IN ('PK', 'UQ', 'F')";
-  return {
-      {"information_schema", "table_constraints",
-       From("SELECT " + here + ", " + table +
-                ", CASE k.kind WHEN 'PK' THEN 'PRIMARY KEY' WHEN 'UQ' THEN 'UNIQUE'"
-                " WHEN 'F' THEN 'FOREIGN KEY' ELSE 'CHECK' END AS CONSTRAINT_TYPE, 'NO' AS IS_DEFERRABLE,"
-                " 'NO' AS INITIALLY_DEFERRED",
-            kConstraints, " k WHERE k.kind IN ('PK', 'UQ', 'F', 'C')"),
-       with({Code("CONSTRAINT_TYPE"), Code("IS_DEFERRABLE"), Code("INITIALLY_DEFERRED")})},
-      {"information_schema", "key_column_usage", key_columns, with({Name("COLUMN_NAME"), Int("ORDINAL_POSITION")})},
-      {"information_schema", "constraint_column_usage", key_columns, with({Name("COLUMN_NAME")})},
-      {"information_schema",
-       "check_constraints",
-       From("SELECT " + here + ", json_extract(k.body, '$.text') AS CHECK_CLAUSE", kConstraints,
-            " k WHERE k.kind = 'C'"),
-       {Name("CONSTRAINT_CATALOG"), Name("CONSTRAINT_SCHEMA"), Name("CONSTRAINT_NAME"), Text("CHECK_CLAUSE")}},
-      {"information_schema",
-       "referential_constraints",
-       "SELECT " + here +
-           ", 'main' AS UNIQUE_CONSTRAINT_CATALOG, 'dbo' AS UNIQUE_CONSTRAINT_SCHEMA,"
-           " u.name AS UNIQUE_CONSTRAINT_NAME, 'SIMPLE' AS MATCH_OPTION, 'NO ACTION' AS UPDATE_RULE,"
-           " 'NO ACTION' AS DELETE_RULE FROM (" +
-           References() + ") k JOIN (" + std::string(kConstraints) +
-           ") u ON u.object = k.referenced_id AND u.kind IN ('PK', 'UQ')"
-           " AND lower(json_extract(u.body, '$.columns')) = lower(k.referenced)",
-       {Name("CONSTRAINT_CATALOG"), Name("CONSTRAINT_SCHEMA"), Name("CONSTRAINT_NAME"),
-        Name("UNIQUE_CONSTRAINT_CATALOG"), Name("UNIQUE_CONSTRAINT_SCHEMA"), Name("UNIQUE_CONSTRAINT_NAME"),
-        Code("MATCH_OPTION"), Code("UPDATE_RULE"), Code("DELETE_RULE")}},
-  };
-}
-
-std::vector<SystemView> InformationOfColumns() {
-  const auto with_sizes = [](std::vector<SystemViewColumn> columns) {
-    for (SystemViewColumn& column : std::vector{
-             Name("DATA_TYPE"), Int("CHARACTER_MAXIMUM_LENGTH"), Int("CHARACTER_OCTET_LENGTH"),
-             Int("NUMERIC_PRECISION"), Int("NUMERIC_SCALE"), Int("DATETIME_PRECISION"), Name("COLLATION_NAME")}) {
-      columns.push_back(std::move(column));
+void AddFlags(SystemView& view) {
+  for (const Flags& flags : kFlags) {
+    if (view.qualifier != "sys" || view.name != flags.view) continue;
+    std::string sql = "SELECT *";
+    for (const std::string_view name : Split(flags.names, ' ')) {
+      sql.append(", 0 AS ").append(name);
+      view.columns.push_back(Bit(std::string(name)));
     }
-    return columns;
-  };
-  return {
-      {"information_schema", "columns",
-       From(R"(SELECT 'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, owner AS TABLE_NAME, name AS COLUMN_NAME,
- position AS ORDINAL_POSITION, CASE default_text WHEN '' THEN NULL ELSE default_text END AS COLUMN_DEFAULT,
- CASE nullable WHEN 1 THEN 'YES' ELSE 'NO' END AS IS_NULLABLE, )" +
-                std::string(kSizes),
-            kTyped, " WHERE owner_kind <> 'procedure'"),
-       with_sizes({Name("TABLE_CATALOG"),
-                   Name("TABLE_SCHEMA"),
-                   Name("TABLE_NAME"),
-                   Name("COLUMN_NAME"),
-                   Int("ORDINAL_POSITION"),
-                   {"COLUMN_DEFAULT", NVarCharType(4000), true},
-                   {"IS_NULLABLE", VarCharType(3), false}})},
-      {"information_schema", "parameters",
-       From("SELECT 'main' AS SPECIFIC_CATALOG, 'dbo' AS SPECIFIC_SCHEMA, owner AS SPECIFIC_NAME, position AS"
-            " ORDINAL_POSITION, CASE default_text WHEN 'output' THEN 'INOUT' ELSE 'IN' END AS PARAMETER_MODE,"
-            " 'NO' AS IS_RESULT, name AS PARAMETER_NAME, " +
-                std::string(kSizes),
-            kTyped, " WHERE owner_kind = 'procedure'"),
-       with_sizes({Name("SPECIFIC_CATALOG"), Name("SPECIFIC_SCHEMA"), Name("SPECIFIC_NAME"), Int("ORDINAL_POSITION"),
-                   Code("PARAMETER_MODE"), Code("IS_RESULT"), Name("PARAMETER_NAME")})},
-  };
+    view.sql = From(sql, view.sql);
+  }
 }
 
 const std::vector<SystemView>& SystemViews() {
   static const std::vector<SystemView> views = [] {
     std::vector<SystemView> all;
-    for (const auto group : {ObjectViews, ConstraintViews, ColumnViews, IndexViews, ServerViews, InformationOfObjects,
-                             InformationOfConstraints, InformationOfColumns}) {
-      for (SystemView& view : group()) all.push_back(std::move(view));
+    for (const auto group : {ObjectViews, ConstraintViews, ColumnViews, IndexViews, ServerViews, InformationSchema}) {
+      for (SystemView& view : group()) {
+        AddFlags(view);
+        all.push_back(std::move(view));
+      }
     }
     return all;
   }();
@@ -423,9 +356,15 @@ const std::vector<SystemView>& SystemViews() {
 
 }  // namespace
 
+std::string_view SchemaHere(std::string_view qualifier) {
+  constexpr std::string_view kHere = "main.";
+  return EqualsIgnoreCase(qualifier.substr(0, kHere.size()), kHere) ? qualifier.substr(kHere.size()) : qualifier;
+}
+
 const SystemView* FindSystemView(std::string_view qualifier, std::string_view name) {
+  const std::string_view schema = SchemaHere(qualifier);
   for (const SystemView& view : SystemViews()) {
-    if (EqualsIgnoreCase(view.qualifier, qualifier) && EqualsIgnoreCase(view.name, name)) return &view;
+    if (EqualsIgnoreCase(view.qualifier, schema) && EqualsIgnoreCase(view.name, name)) return &view;
   }
   return nullptr;
 }

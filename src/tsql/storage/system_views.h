@@ -11,6 +11,11 @@
 
 namespace tessarlorn::tsql {
 
+/// SQL for the name of the file's collation, see TextOrder in text_order.h.
+constexpr std::string_view kCollationName =
+    "(SELECT CASE user_version WHEN 2 THEN 'Chinese_PRC_Stroke_CI_AS' WHEN 3 THEN 'Chinese_Taiwan_Stroke_CI_AS'"
+    " ELSE 'Chinese_PRC_CI_AS' END FROM pragma_user_version)";
+
 struct SystemViewColumn {
   std::string name;
   SqlType type;
@@ -24,9 +29,16 @@ struct SystemView {
   std::vector<SystemViewColumn> columns;
 };
 
+/// The procedure of the engine that sp_rename calls.
+constexpr std::string_view kRenameProcedure = "sp_$rename";
+
 /// The procedure that every database has by that name, without regard to case, or nullptr.
 CatalogObjectPtr FindSystemProcedure(std::string_view name);
 /// The system view of that name without regard to case, or nullptr.
 const SystemView* FindSystemView(std::string_view qualifier, std::string_view name);
+/// The same for those that are defined in Transact-SQL. The old names, as sysobjects, need no schema.
+CatalogObjectPtr FindCatalogView(std::string_view qualifier, std::string_view name);
+/// The schema of a qualifier that may name this database, too: "sys" of "main.sys".
+std::string_view SchemaHere(std::string_view qualifier);
 
 }  // namespace tessarlorn::tsql

@@ -152,9 +152,7 @@ ObjectName Parser::ParseObjectName() {
     // tempdb..#t: the schema may be left out.
     object.name = At(Op::kDot) ? std::string() : ParseName();
   }
-  if (!object.qualifier.empty() && object.qualifier.back() == '.' && !object.qualifier.ends_with("..")) {
-    object.qualifier.pop_back();
-  }
+  if (!object.qualifier.empty()) object.qualifier.pop_back();
   return object;
 }
 

@@ -96,7 +96,11 @@ StatementPtr Parser::ParseCreateIndex() {
   } while (Accept(Op::kComma));
   Expect(Op::kRightParen);
   if (Accept("include"_kw)) index.included = ParseNameList();
-  if (Accept("where"_kw)) index.where = ParseCondition();
+  if (Accept("where"_kw)) {
+    const std::size_t begin = position_;
+    index.where = ParseCondition();
+    index.where_text = TextBetween(begin, position_);
+  }
   AcceptIndexOptions();
   return MakeStatement(line, std::move(index));
 }

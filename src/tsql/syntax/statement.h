@@ -365,6 +365,7 @@ struct CreateIndexStatement {
   std::vector<KeyColumn> key;
   std::vector<std::string> included;
   ExpressionPtr where;
+  std::string where_text;
 };
 
 struct DropIndexStatement {

@@ -51,11 +51,13 @@ Compiled Translator::CompileQuery(const Query& query) {
   return compiled;
 }
 
-std::vector<ResultColumn> Translator::DescribeQuery(const Query& query, bool may_order) {
+std::vector<ResultColumn> Translator::DescribeQuery(const Query& query, bool may_order,
+                                                    const std::vector<std::string>& given) {
   SelectOptions options;
   options.may_order = may_order;
   options.named = true;
   options.owner = query.makes_table() ? query.select()->into.name : "query";
+  if (!given.empty()) options.names = &given;
   std::vector<ResultColumn> columns = QueryText(query, nullptr, options).columns;
   parameters.ShrinkTo(0);
   return columns;

@@ -329,7 +329,9 @@ SqlType CommonType(const SqlType& a, const SqlType& b) {
   SqlType high = Precedence(a) >= Precedence(b) ? a : b;
   const SqlType& low = Precedence(a) >= Precedence(b) ? b : a;
   if (high.is_text() && low.is_text()) {
+    constexpr int kMostNational = 4000;
     high.size = LargerSize(a.size, b.size);
+    if (high.is_national()) high.size = std::min(high.size, kMostNational);
     if (high.kind == FieldType::kChar && a.size != b.size) high.kind = FieldType::kVarChar;
     return high;
   }

@@ -11,13 +11,7 @@ namespace tessarlorn::tsql {
 namespace {
 
 /// The object's own name of "tempdb..#t", "dbo.t", "[t]".
-std::string PlainName(std::string_view name) {
-  const std::size_t dot = name.rfind('.');
-  std::string_view plain = dot == std::string_view::npos ? name : name.substr(dot + 1);
-  plain = Trim(plain);
-  if (plain.size() > 1 && plain.front() == '[' && plain.back() == ']') plain = plain.substr(1, plain.size() - 2);
-  return std::string(plain);
-}
+std::string PlainName(std::string_view name) { return NameParts(name).back(); }
 
 int StorageBytes(const SqlType& type) {
   switch (type.kind) {
@@ -80,6 +74,18 @@ void ColumnLength(sqlite3_context* context, const Catalog& catalog, Arguments ar
   if (column >= 0) sqlite3_result_int(context, StorageBytes(object->columns[static_cast<std::size_t>(column)].type));
 }
 
+// ts_row_count(object): the rows of the table with that number
+void RowCount(sqlite3_context* context, const Catalog& catalog, Arguments arguments) {
+  sqlite3* const database = sqlite3_context_db_handle(context);
+  SqliteStatement name(database, R"(SELECT name FROM main."$objects" WHERE kind = 'table' AND id = ?1)");
+  name.BindInteger(1, sqlite3_value_int64(arguments[0]));
+  const CatalogObjectPtr table = name.Step() ? catalog.Find(name.Text(0)) : nullptr;
+  if (table == nullptr) return;
+  SqliteStatement rows(database, "SELECT count(*) FROM main." + QuoteName(table->table_name()));
+  rows.Step();
+  sqlite3_result_int64(context, rows.Integer(0));
+}
+
 using CatalogFunction = void (*)(sqlite3_context*, const Catalog&, Arguments);
 
 template <CatalogFunction F>
@@ -96,6 +102,7 @@ void RegisterCatalogFunctions(sqlite3* database, Catalog& catalog) {
   };
   add("ts_object_id", -1, CallCatalogFunction<ObjectId>);
   add("ts_ident_current", 1, CallCatalogFunction<IdentCurrent>);
+  add("ts_row_count", 1, CallCatalogFunction<RowCount>);
   add("ts_col_length", 2, CallCatalogFunction<ColumnLength>);
 }
 

@@ -6,6 +6,7 @@
 #include "tsql/functions/functions.h"
 #include "tsql/functions/list_table.h"
 #include "tsql/functions/row_table.h"
+#include "tsql/storage/database_file.h"
 
 namespace tessarlorn::tsql {
 
@@ -21,6 +22,7 @@ SessionDatabase::SessionDatabase(DatabaseHandle database, std::size_t memory_lim
   sqlite3_progress_handler(
       handle(), kOperationsOfALook, [](void* runtime) { return static_cast<Runtime*>(runtime)->Interrupts() ? 1 : 0; },
       &runtime_);
+  runtime_.text_order = TextOrderOf(handle());
   RegisterFunctions(handle(), runtime_);
   RegisterListTable(handle());
   RegisterRowTable(handle(), runtime_);

@@ -26,15 +26,15 @@ void RaiseUnknownFunction(const std::string& name, std::uint32_t line) {
 Typed TranslateCall(const Call& call) {
   if (call.window() != nullptr) return WindowCall(call);
   if (IsAggregate(call.name())) return AggregateCall(call);
-  for (const auto topic : {PlainCall, ConditionalCall, DateCall, NumberCall, TextCall, SessionCall, ServerCall}) {
+  for (const auto topic :
+       {PlainCall, ConditionalCall, DateCall, NumberCall, TextCall, SessionCall, ServerCall, PropertyCall}) {
     Typed value = topic(call);
     if (!value.sql.empty()) return value;
   }
-  constexpr std::array<std::string_view, 22> kServerOnly = {
-      "format",    "stdev",   "stdevp",      "var",          "varp",      "checksum",     "degrees",
-      "radians",   "cot",     "object_name", "parsename",    "translate", "string_split", "json_value",
-      "hashbytes", "soundex", "difference",  "percent_rank", "cume_dist", "checksum_agg", "datetimefromparts",
-      "grouping"};
+  constexpr std::array<std::string_view, 21> kServerOnly = {
+      "format",  "stdev",      "stdevp",       "var",       "varp",         "checksum",          "degrees",
+      "radians", "cot",        "parsename",    "translate", "string_split", "json_value",        "hashbytes",
+      "soundex", "difference", "percent_rank", "cume_dist", "checksum_agg", "datetimefromparts", "grouping"};
   if (std::find(kServerOnly.begin(), kServerOnly.end(), call.name()) != kServerOnly.end()) {
     RaiseUnsupported("The function " + UpperCase(call.name()), call.line());
   }

@@ -29,6 +29,8 @@ Typed TextCall(const Call& call);
 /// Functions of the session and of the server; the variables @@NAME.
 Typed SessionCall(const Call& call);
 Typed ServerCall(const Call& call);
+/// SERVERPROPERTY, OBJECTPROPERTY and their like.
+Typed PropertyCall(const Call& call);
 Typed GlobalValue(Parameters& parameters, const std::string& name, std::uint32_t line);
 
 }  // namespace tessarlorn::tsql

@@ -68,28 +68,29 @@ constexpr std::array kLookUps = {
     LookUp{"type_id", "types", "user_type_id", {"name", ""}, true},
     LookUp{"schema_name", "schemas", "name", {"schema_id", ""}, false},
     LookUp{"schema_id", "schemas", "schema_id", {"name", ""}, true},
-    LookUp{"db_id", "databases", "database_id", {"name", ""}, true},
+    LookUp{"object_schema_name", "objects", "'dbo'", {"object_id", ""}, false},
+    LookUp{"object_definition", "sql_modules", "definition", {"object_id", ""}, false},
 };
 
-struct Property {
+/// SQL in which {text} and {number} are the first argument, and {kind} is the second.
+struct Fixed {
   std::string_view name;
-  std::string_view value;
+  std::size_t least;
+  std::size_t most;
+  std::string_view sql;
+  bool answers_name = false;
 };
 
-constexpr std::array kProperties = {
-    Property{"collation", "Chinese_PRC_CI_AS"},
-    Property{"edition", "Embedded"},
-    Property{"engineedition", "4"},
-    Property{"isclustered", "0"},
-    Property{"isintegratedsecurityonly", "0"},
-    Property{"machinename", "localhost"},
-    Property{"productlevel", "RTM"},
-    Property{"productmajorversion", "11"},
-    Property{"productversion", "11.0.7001.0"},
-    Property{"servername", "localhost"},
-    Property{"status", "ONLINE"},
-    Property{"updateability", "READ_WRITE"},
-    Property{"version", "706"},
+constexpr std::array kFixedAnswers = {
+    Fixed{"db_id", 1, 1, "CASE {text} COLLATE TSQL WHEN 'main' THEN 1 WHEN 'tempdb' THEN 2 END"},
+    Fixed{"db_name", 1, 1, "CASE {number} WHEN 1 THEN 'main' WHEN 2 THEN 'tempdb' END", true},
+    Fixed{"user_name", 1, 1, "CASE {number} WHEN 0 THEN 'public' WHEN 1 THEN 'dbo' WHEN 2 THEN 'guest' END", true},
+    Fixed{"has_dbaccess", 1, 1, "CASE {text} COLLATE TSQL WHEN 'main' THEN 1 WHEN 'tempdb' THEN 1 END"},
+    Fixed{"has_perms_by_name", 3, 5,
+          "CASE WHEN upper({kind}) = 'OBJECT' AND ts_object_id({text}) IS NULL THEN NULL ELSE 1 END"},
+    Fixed{"is_member", 1, 1, "CASE {text} COLLATE TSQL WHEN 'db_owner' THEN 1 WHEN 'public' THEN 1 END"},
+    Fixed{"is_rolemember", 1, 2, "CASE {text} COLLATE TSQL WHEN 'db_owner' THEN 1 WHEN 'public' THEN 1 END"},
+    Fixed{"is_srvrolemember", 1, 2, "CASE {text} COLLATE TSQL WHEN 'sysadmin' THEN 1 WHEN 'public' THEN 1 END"},
 };
 
 Typed TextConstant(Parameters& parameters, std::string_view text) {
@@ -116,17 +117,23 @@ Typed LookedUp(const Call& call, const LookUp& item) {
            (item.text_key ? call.Text(i) + " COLLATE TSQL" : call.Int(i));
   }
   const SystemView& view = *FindSystemView("sys", item.view);
+  const auto column = std::find_if(view.columns.begin(), view.columns.end(),
+                                   [&](const SystemViewColumn& entry) { return entry.name == item.column; });
   return {"(SELECT " + std::string(item.column) + " FROM (" + view.sql + ")" + sql + ")",
-          item.column == "name" ? NVarCharType(128) : IntType(), true, -1};
+          column == view.columns.end() ? NVarCharType(128) : column->type, true, -1};
 }
 
-/// SERVERPROPERTY and DATABASEPROPERTYEX.
-Typed PropertyCall(const Call& call) {
-  std::string sql = "CASE lower(" + call.Text(call.count() - 1) + ")";
-  for (const Property& property : kProperties) {
-    sql += " WHEN '" + std::string(property.name) + "' THEN '" + std::string(property.value) + "'";
-  }
-  return {sql + " END", NVarCharType(128), true, -1};
+/// A function of arguments alone: there are one database and one user, who may do everything.
+Typed FixedAnswer(const Call& call) {
+  const auto* const fixed = std::find_if(kFixedAnswers.begin(), kFixedAnswers.end(),
+                                         [&](const Fixed& entry) { return entry.name == call.name(); });
+  if (fixed == kFixedAnswers.end() || call.count() == 0) return {};
+  call.Require(fixed->least, fixed->most);
+  std::string sql(fixed->sql);
+  if (sql.find("{number}") != std::string::npos) sql = ReplaceAll(sql, "{number}", call.Int(0));
+  if (sql.find("{text}") != std::string::npos) sql = ReplaceAll(sql, "{text}", call.Text(0));
+  if (sql.find("{kind}") != std::string::npos) sql = ReplaceAll(sql, "{kind}", call.Text(1));
+  return {sql, fixed->answers_name ? NVarCharType(128) : IntType(), true, -1};
 }
 
 }  // namespace
@@ -140,6 +147,7 @@ Typed GlobalValue(Parameters& parameters, const std::string& name, std::uint32_t
 
 Typed SessionCall(const Call& call) {
   const std::string& name = call.name();
+  if (Typed value = FixedAnswer(call); !value.sql.empty()) return value;
   if (std::optional<Typed> value = SystemOf(call.parameters(), name)) return *std::move(value);
   if (name != "object_id" && name != "col_length" && name != "ident_current") return {};
   call.Require(1, 2);
@@ -159,10 +167,7 @@ Typed ServerCall(const Call& call) {
   }
   const auto* const item =
       std::find_if(kLookUps.begin(), kLookUps.end(), [&](const LookUp& entry) { return entry.name == name; });
-  if (item != kLookUps.end()) return LookedUp(call, *item);
-  const bool property =
-      (name == "serverproperty" && call.count() == 1) || (name == "databasepropertyex" && call.count() == 2);
-  return property ? PropertyCall(call) : Typed{};
+  return item == kLookUps.end() ? Typed{} : LookedUp(call, *item);
 }
 
 }  // namespace tessarlorn::tsql

@@ -91,7 +91,8 @@ std::string Sources::operator()(const NamedTable& named) const {
     Add(shown, view->columns);
     return "(" + view->sql + ")" + alias;
   }
-  const CatalogObjectPtr object = translation_.Lookup(named.name);
+  CatalogObjectPtr object = FindCatalogView(named.name.qualifier, named.name.name);
+  if (object == nullptr) object = translation_.Lookup(named.name);
   if (object->kind == CatalogKind::kTable) {
     AddTable(shown, object);
     return TableSql(*object) + alias + HintSql(*object, named.index);
@@ -145,10 +146,8 @@ TranslatedQuery Sources::ViewText(const CatalogObject& view) const {
   SelectOptions options;
   options.named = true;
   options.owner = view.name;
-  std::vector<std::string> names;
-  for (const Column& column : view.columns) names.push_back(column.name);
-  if (!names.empty()) options.names = &names;
   const auto& definition = std::get<CreateViewStatement>(statements.at(0)->node);
+  if (!definition.columns.empty()) options.names = &definition.columns;
   TranslatedQuery query = translation_.QueryText(*definition.query, nullptr, options);
   outer.swap(translation_.common_tables);
   return query;

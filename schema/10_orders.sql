@@ -83,12 +83,19 @@ GO
 
 -- How often an order was printed, and whether its address was changed here after the import.
 IF COL_LENGTH('IC_Web2ERPOrders', 'FPrintPickCount') IS NULL
-ALTER TABLE IC_Web2ERPOrders ADD
-  FPrintPickCount int NOT NULL DEFAULT 0,                  -- pick list
-  FPrintSendCount int NOT NULL DEFAULT 0,                  -- delivery note
-  FPrintExpressCount int NOT NULL DEFAULT 0,               -- waybill
-  FPrintSendList int NOT NULL DEFAULT 0,                   -- delivery list
-  fisLocalChangeAddr int NOT NULL DEFAULT 0;               -- 1 = changed
+ALTER TABLE IC_Web2ERPOrders ADD FPrintPickCount int NOT NULL DEFAULT 0;  -- pick list
+GO
+IF COL_LENGTH('IC_Web2ERPOrders', 'FPrintSendCount') IS NULL
+ALTER TABLE IC_Web2ERPOrders ADD FPrintSendCount int NOT NULL DEFAULT 0;  -- delivery note
+GO
+IF COL_LENGTH('IC_Web2ERPOrders', 'FPrintExpressCount') IS NULL
+ALTER TABLE IC_Web2ERPOrders ADD FPrintExpressCount int NOT NULL DEFAULT 0;  -- waybill
+GO
+IF COL_LENGTH('IC_Web2ERPOrders', 'FPrintSendList') IS NULL
+ALTER TABLE IC_Web2ERPOrders ADD FPrintSendList int NOT NULL DEFAULT 0;  -- delivery list
+GO
+IF COL_LENGTH('IC_Web2ERPOrders', 'fisLocalChangeAddr') IS NULL
+ALTER TABLE IC_Web2ERPOrders ADD fisLocalChangeAddr int NOT NULL DEFAULT 0;  -- 1 = changed
 GO
 
 -- t_User who printed the waybill last, 0 = none.
@@ -158,26 +165,41 @@ GO
 
 -- Columns that came with later versions.
 IF COL_LENGTH('IC_Web2ERPOrdersEx', 'FAddressReachable') IS NULL
-ALTER TABLE IC_Web2ERPOrdersEx ADD
-  FAddressReachable int NULL,                              -- 1 served, 4 or none to be checked, 5 exempt, other no
-  FLogisticsState int NULL,                                -- IC_LogisticsTraceState
-  FParcelQuantity int NULL,
-  FInsuredValue decimal(14,4) NULL,
-  FItemSummary nvarchar(1000) NULL;
+ALTER TABLE IC_Web2ERPOrdersEx ADD FAddressReachable int NULL;  -- 1 served, 4 or none to be checked, 5 exempt, other no
 GO
+IF COL_LENGTH('IC_Web2ERPOrdersEx', 'FLogisticsState') IS NULL
+ALTER TABLE IC_Web2ERPOrdersEx ADD FLogisticsState int NULL;  -- IC_LogisticsTraceState
+GO
+IF COL_LENGTH('IC_Web2ERPOrdersEx', 'FParcelQuantity') IS NULL
+ALTER TABLE IC_Web2ERPOrdersEx ADD FParcelQuantity int NULL;
+GO
+IF COL_LENGTH('IC_Web2ERPOrdersEx', 'FInsuredValue') IS NULL
+ALTER TABLE IC_Web2ERPOrdersEx ADD FInsuredValue decimal(14,4) NULL;
+GO
+IF COL_LENGTH('IC_Web2ERPOrdersEx', 'FItemSummary') IS NULL
+ALTER TABLE IC_Web2ERPOrdersEx ADD FItemSummary nvarchar(1000) NULL;
+GO
+-- Outside warehouse: '', '0' not submitted, '1' may be cancelled, '2' submitted again, '3' is submitted.
 IF COL_LENGTH('IC_Web2ERPOrdersEx', 'FTplStatus') IS NULL
-ALTER TABLE IC_Web2ERPOrdersEx ADD
-  FTplStatus nvarchar(10) NULL,                            -- outside warehouse: '', '0' not submitted, '1' may be
-                                                           -- cancelled, '2' submitted again, '3' is submitted
-  FTplFail nvarchar(1000) NULL,
-  FTplOrderID nvarchar(50) NULL,
-  FTpName nvarchar(100) NULL;
+ALTER TABLE IC_Web2ERPOrdersEx ADD FTplStatus nvarchar(10) NULL;
+GO
+IF COL_LENGTH('IC_Web2ERPOrdersEx', 'FTplFail') IS NULL
+ALTER TABLE IC_Web2ERPOrdersEx ADD FTplFail nvarchar(1000) NULL;
+GO
+IF COL_LENGTH('IC_Web2ERPOrdersEx', 'FTplOrderID') IS NULL
+ALTER TABLE IC_Web2ERPOrdersEx ADD FTplOrderID nvarchar(50) NULL;
+GO
+IF COL_LENGTH('IC_Web2ERPOrdersEx', 'FTpName') IS NULL
+ALTER TABLE IC_Web2ERPOrdersEx ADD FTpName nvarchar(100) NULL;
 GO
 IF COL_LENGTH('IC_Web2ERPOrdersEx', 'FIsLock') IS NULL
-ALTER TABLE IC_Web2ERPOrdersEx ADD
-  FIsLock int NULL,                                        -- 1 = locked; such orders have a list of their own
-  FLockStatus int NULL,                                    -- 1 lock asked for, 2 locked
-  FLockReason nvarchar(500) NULL;
+ALTER TABLE IC_Web2ERPOrdersEx ADD FIsLock int NULL;  -- 1 = locked; such orders have a list of their own
+GO
+IF COL_LENGTH('IC_Web2ERPOrdersEx', 'FLockStatus') IS NULL
+ALTER TABLE IC_Web2ERPOrdersEx ADD FLockStatus int NULL;  -- 1 lock asked for, 2 locked
+GO
+IF COL_LENGTH('IC_Web2ERPOrdersEx', 'FLockReason') IS NULL
+ALTER TABLE IC_Web2ERPOrdersEx ADD FLockReason nvarchar(500) NULL;
 GO
 
 -- Line extension.

@@ -1,9 +1,10 @@
 -- Electronic waybills: which carriers have them, the accounts with carriers, and the services that can be asked for.
 
 IF COL_LENGTH('IC_Logistics', 'FIsElectronic') IS NULL
-ALTER TABLE IC_Logistics ADD
-  FIsElectronic int NOT NULL DEFAULT 0,                    -- 1 = has electronic waybills
-  FIsDefault int NOT NULL DEFAULT 0;                       -- 1 = the usual one
+ALTER TABLE IC_Logistics ADD FIsElectronic int NOT NULL DEFAULT 0;  -- 1 = has electronic waybills
+GO
+IF COL_LENGTH('IC_Logistics', 'FIsDefault') IS NULL
+ALTER TABLE IC_Logistics ADD FIsDefault int NOT NULL DEFAULT 0;  -- 1 = the usual one
 GO
 
 -- The carrier that belongs to the shop's marketplace, 0 = none.

@@ -8,7 +8,9 @@ CREATE TABLE IC_WEBOrders_Status (
 GO
 
 -- Refreshes the titles, and adds the states that are missing.
-CREATE OR ALTER PROCEDURE p_WebBillTitleData AS
+IF OBJECT_ID('p_WebBillTitleData') IS NOT NULL DROP PROCEDURE p_WebBillTitleData
+GO
+CREATE PROCEDURE p_WebBillTitleData AS
 BEGIN
   SET NOCOUNT ON;
   INSERT INTO IC_WEBOrders_Status (FOrderStatus, FName)

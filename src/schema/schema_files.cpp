@@ -36,6 +36,15 @@ std::vector<std::string_view> SplitBatches(std::string_view script) {
   return batches;
 }
 
+std::string DateOrderWarning(Connection& connection) {
+  constexpr std::int32_t kFebruary = 2;
+  const RecordsetPtr row = connection.Execute("SELECT MONTH(CAST('2001-02-03 00:00:00' AS datetime)) AS FMonth");
+  if (row->Get("FMonth").ToInt32() == kFebruary) return {};
+  return "This login reads '2001-02-03' as year, day, month, by its language or DATEFORMAT. Dates in filters would mean "
+         "other days. Give it a language that reads year, month, day, such as us_english: ALTER LOGIN name WITH "
+         "DEFAULT_LANGUAGE = us_english.";
+}
+
 void ApplySchema(Connection& connection) {
   for (const SchemaFile& file : SchemaFiles()) {
     for (const std::string_view batch : SplitBatches(file.text)) connection.Execute(batch);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -25,5 +26,9 @@ std::vector<std::string_view> SplitBatches(std::string_view script);
 /// Makes what is missing of the schema; what is there stays, with its rows. Raises what the database raises; whether
 /// the batches before it then stay is up to the caller's transaction.
 void ApplySchema(Connection& connection);
+
+/// What is wrong with the order in which the login's session reads '2001-02-03 00:00:00', the form of the dates in the
+/// operations' statements; "" when it is year, month, day.
+std::string DateOrderWarning(Connection& connection);
 
 }  // namespace tessarlorn

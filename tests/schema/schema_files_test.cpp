@@ -77,6 +77,14 @@ TEST(SchemaTest, TitlesCountTheOrdersOfEachState) {
   EXPECT_EQ(titles(), "2|待配货(2)|待配货|6|待发货(1)|待发货|14|发完(0)|发完|") << "names that were changed stay";
 }
 
+TEST(SchemaTest, WarnsOfALoginThatReadsDatesOtherwise) {
+  SampleDatabase database;
+  EXPECT_EQ(DateOrderWarning(database.connection()), "");
+  database.connection().Execute("SET DATEFORMAT dmy");
+  EXPECT_EQ(DateOrderWarning(database.connection()).substr(0, 60),
+            "This login reads '2001-02-03' as year, day, month, by its la");
+}
+
 TEST(SchemaTest, TakesValuesAsWideAsTheLogsWriteThem) {
   SampleDatabase database;
   database.connection().Execute("INSERT INTO t_SystemProfile (FCategory,FKey,FValue) VALUES ('EC','TradeLog3005','1')");

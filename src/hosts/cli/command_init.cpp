@@ -21,6 +21,8 @@ ExitStatus Init(const CommandContext& context) {
     std::cout << batches.size() << (batches.size() == 1 ? " batch\n" : " batches\n") << std::flush;
   }
   std::cout << "The schema is complete.\n";
+  const std::string warning = DateOrderWarning(*connection);
+  if (!warning.empty()) std::cerr << "warning: " << warning << '\n';
   return ExitStatus::kDone;
 }
 

@@ -178,6 +178,7 @@ void RegisterFunctions(sqlite3* database, Runtime& runtime) {
   RegisterTextFunctions(database, runtime);
   RegisterNumberFunctions(database, runtime);
   RegisterDateFunctions(database, runtime);
+  RegisterFormatFunction(database, runtime);
   RegisterAggregates(database, runtime);
 }
 

@@ -18,6 +18,7 @@ void RegisterConversionFunctions(sqlite3* database, Runtime& runtime);
 void RegisterTextFunctions(sqlite3* database, Runtime& runtime);
 void RegisterNumberFunctions(sqlite3* database, Runtime& runtime);
 void RegisterDateFunctions(sqlite3* database, Runtime& runtime);
+void RegisterFormatFunction(sqlite3* database, Runtime& runtime);
 void RegisterAggregates(sqlite3* database, Runtime& runtime);
 
 using Arguments = std::span<sqlite3_value*>;

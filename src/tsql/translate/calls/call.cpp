@@ -30,11 +30,10 @@ Typed TranslateCall(const Call& call) {
     Typed value = topic(call);
     if (!value.sql.empty()) return value;
   }
-  constexpr std::array<std::string_view, 22> kServerOnly = {
-      "format",    "stdev",   "stdevp",      "var",          "varp",      "checksum",     "degrees",
-      "radians",   "cot",     "object_name", "parsename",    "translate", "string_split", "json_value",
-      "hashbytes", "soundex", "difference",  "percent_rank", "cume_dist", "checksum_agg", "datetimefromparts",
-      "grouping"};
+  constexpr std::array kServerOnly = std::to_array<std::string_view>(
+      {"stdev",   "stdevp",      "var",          "varp",      "checksum",     "degrees",           "radians",
+       "cot",     "object_name", "parsename",    "translate", "string_split", "json_value",        "hashbytes",
+       "soundex", "difference",  "percent_rank", "cume_dist", "checksum_agg", "datetimefromparts", "grouping"});
   if (std::find(kServerOnly.begin(), kServerOnly.end(), call.name()) != kServerOnly.end()) {
     RaiseUnsupported("The function " + UpperCase(call.name()), call.line());
   }

@@ -204,7 +204,8 @@ inline constexpr std::array kContextualWords = std::to_array<std::string_view>({
     "repeatable", "rollup",    "row",       "rows",        "sequence",      "serializable", "server",    "sets",
     "snapshot",   "sparse",    "synonym",   "system_time", "textimage_on",  "throw",        "ties",      "time",
     "try",        "try_cast",  "type",      "unbounded",   "uncommitted",   "varchar",      "work",      "xml",
-    "encryption", "precision", "login",     "role",        "schemabinding",
+    "encryption", "precision", "login",     "role",        "schemabinding", "at",           "datetrunc", "parse",
+    "try_parse",  "zone",
 });
 
 inline constexpr std::uint32_t kReservedCount = kReservedWords.size();

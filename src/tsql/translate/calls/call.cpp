@@ -5,6 +5,7 @@
 
 #include "platform/text/text.h"
 #include "tsql/translate/calls/call_topics.h"
+#include "tsql/translate/common/meaning.h"
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {
@@ -26,14 +27,13 @@ void RaiseUnknownFunction(const std::string& name, std::uint32_t line) {
 Typed TranslateCall(const Call& call) {
   if (call.window() != nullptr) return WindowCall(call);
   if (IsAggregate(call.name())) return AggregateCall(call);
-  for (const auto topic : {PlainCall, ConditionalCall, DateCall, NumberCall, TextCall, SessionCall, ServerCall}) {
+  for (const auto topic :
+       {PlainCall, ConditionalCall, DateCall, NumberCall, TextCall, DigestCall, JsonCall, SessionCall, ServerCall}) {
     Typed value = topic(call);
     if (!value.sql.empty()) return value;
   }
-  constexpr std::array kServerOnly = std::to_array<std::string_view>(
-      {"stdev",   "stdevp",      "var",          "varp",      "checksum",     "degrees",           "radians",
-       "cot",     "object_name", "parsename",    "translate", "string_split", "json_value",        "hashbytes",
-       "soundex", "difference",  "percent_rank", "cume_dist", "checksum_agg", "datetimefromparts", "grouping"});
+  constexpr auto kServerOnly = std::to_array<std::string_view>(
+      {"compress", "decompress", "formatmessage", "grouping", "grouping_id", "string_split"});
   if (std::find(kServerOnly.begin(), kServerOnly.end(), call.name()) != kServerOnly.end()) {
     RaiseUnsupported("The function " + UpperCase(call.name()), call.line());
   }

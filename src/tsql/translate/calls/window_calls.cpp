@@ -1,7 +1,9 @@
 // Functions with OVER: numbering, neighbours, and aggregates of a window.
 #include <algorithm>
+#include <array>
 
 #include "tsql/translate/calls/call_topics.h"
+#include "tsql/translate/common/meaning.h"
 #include "tsql/translate/common/operators.h"
 #include "tsql/values/sql_error.h"
 
@@ -30,7 +32,8 @@ Typed Numbering(const Call& call) {
     throw SqlError(4112, "The function '" + call.name() + "' must have an OVER clause with ORDER BY.", 15);
   }
   const std::string argument = call.name() == "ntile" ? call.Int(0, "") : "";
-  return {call.name() + "(" + argument + ")" + Over(call), BigIntType(), false, -1};
+  const bool share = call.name() == "percent_rank" || call.name() == "cume_dist";
+  return {call.name() + "(" + argument + ")" + Over(call), share ? FloatType() : BigIntType(), false, -1};
 }
 
 /// LAG, LEAD, FIRST_VALUE and LAST_VALUE.
@@ -66,7 +69,9 @@ Typed Total(const Call& call, const Typed& value, const std::string& over) {
 
 Typed WindowCall(const Call& call) {
   const std::string& name = call.name();
-  if (name == "row_number" || name == "rank" || name == "dense_rank" || name == "ntile") return Numbering(call);
+  constexpr std::array<std::string_view, 6> kNumberings = {"row_number", "rank",         "dense_rank",
+                                                           "ntile",      "percent_rank", "cume_dist"};
+  if (std::find(kNumberings.begin(), kNumberings.end(), name) != kNumberings.end()) return Numbering(call);
   if (name == "lag" || name == "lead" || name == "first_value" || name == "last_value") return Neighbour(call);
   if (!IsAggregate(name) || name == "string_agg" || call.distinct()) {
     RaiseUnsupported("The window function " + name, call.line());
@@ -77,6 +82,8 @@ Typed WindowCall(const Call& call) {
   }
   const Typed value = call.Value(0);
   const std::string over = Over(call);
+  Typed statistic = Statistic(call, value, over);
+  if (!statistic.sql.empty()) return statistic;
   if (name == "min" || name == "max") return {name + "(" + value.sql + ")" + over, value.type, true, -1};
   return Total(call, value, over);
 }

@@ -33,6 +33,9 @@ TEST(Functions, FormatsNumbersAndDates) {
        "from (select cast('2026-11-03 15:08:07.123' as datetime) d) t",
        "11/3/2026|2026-11-03 15:08:07.123|3:08 PM|2026年11月3日|NULL"},
       {"format(cast('07:35' as time), 'hh.mm'), format(cast('07:35' as time), 'hh\\:mm')", "NULL|07:35"},
+      {"format(cast(0.00001 as float),'G'), format(cast(1e20 as float),'G'), format(cast(10.5 as decimal(14,4)),'G'), "
+       "format(123,'G2')",
+       "1E-05|1E+20|10.5000|1.2E+02"},
       {"format(1,'N','xx-YY')",
        "error 9818: The culture parameter 'xx-YY' provided in the function call is not supported."},
   });
@@ -47,6 +50,10 @@ TEST(Functions, StatisticsOfGroupsAndWindows) {
        "1|NULL|0;2|0.5|0.5;3|2|1"},
       {"k, sum(sum(v)) over (order by k), rank() over (order by sum(v) desc) from (values (1,1),(1,2),(3,4)) t(k,v) group by k",
        "1|3|2;3|7|1"},
+      {"distinct k, percentile_cont(0.5) within group (order by v) over (partition by k), percentile_disc(0.5) within "
+       "group (order by v desc) over (partition by k) from (values (1,1),(1,4),(1,null),(2,7)) t(k,v) order by 1",
+       "1|2.5|4;2|7|7"},
+      {"rank()", "error 10753: The function 'rank' must have an OVER clause."},
       {"stdev('a')", "error 8117: Operand data type varchar is invalid for stdev operator."},
       {"hashbytes('MD5', replicate('a',200)), hashbytes('sha1',N'abc'), hashbytes('x','a')",
        "0x887F30B43B2867F4A9ACCCEEE7D16E6C|0x9F04F41A848514162050E3D68C1A7ABB441DC2B5|NULL"},

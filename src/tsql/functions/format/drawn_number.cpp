@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "tsql/values/sql_error.h"
+
 namespace tessarlorn::tsql {
 namespace {
 
@@ -22,7 +24,8 @@ struct Section {
   int fraction_places = 0;
   int least_fraction = 0;
   bool grouped = false;
-  /// Powers of ten: two for each percent sign, minus three for each comma behind the last digit.
+  /// Powers of ten: two for each percent sign, three for each per mille sign, minus three for each comma behind the
+  /// last digit.
   int shift = 0;
 };
 
@@ -66,8 +69,22 @@ class SectionReader {
         if (at_ < text_.size()) Copy(text_.substr(at_++, 1));
         return;
       default:
-        return Copy(text_.substr(at_ - 1, 1));
+        return TakeOther();
     }
+  }
+  void TakeOther() {
+    constexpr std::string_view kPerMille = "\u2030";
+    const std::string_view rest = text_.substr(at_ - 1);
+    if (rest.starts_with(kPerMille)) {
+      section_.shift += 3;
+      at_ += kPerMille.size() - 1;
+      return Copy(kPerMille);
+    }
+    const std::size_t digit = rest.size() > 1 && (rest[1] == '+' || rest[1] == '-') ? 2 : 1;
+    if ((rest[0] == 'E' || rest[0] == 'e') && rest.size() > digit && rest[digit] == '0') {
+      RaiseUnsupported("FORMAT with an exponent in its mask");
+    }
+    Copy(rest.substr(0, 1));
   }
   void Copy(std::string_view text) { section_.parts.push_back({MaskPart::Kind::kText, std::string(text)}); }
   void Place(bool zero) {

@@ -64,7 +64,7 @@ std::string General(const DigitText& value, int precision, char letter, const Cu
     shown = shown.Rounded(std::max(0, most - shown.point));
     while (!shown.Fraction().empty() && shown.digits.back() == '0') shown.digits.pop_back();
   }
-  constexpr int kLeastPoint = -4;
+  constexpr int kLeastPoint = -3;
   if (most > 0 && !value.is_zero() && (value.point > most || value.point < kLeastPoint)) {
     const auto significant = static_cast<int>(value.digits.find_last_not_of('0')) + 1;
     return Exponential(value, std::min(significant, most) - 1, 2, letter, culture);

@@ -32,6 +32,12 @@ Typed TranslateCall(const Call& call) {
     Typed value = topic(call);
     if (!value.sql.empty()) return value;
   }
+  constexpr auto kWindowOnly =
+      std::to_array<std::string_view>({"cume_dist", "dense_rank", "first_value", "lag", "last_value", "lead", "ntile",
+                                       "percent_rank", "percentile_cont", "percentile_disc", "rank", "row_number"});
+  if (std::find(kWindowOnly.begin(), kWindowOnly.end(), call.name()) != kWindowOnly.end()) {
+    throw SqlError(10753, "The function '" + call.name() + "' must have an OVER clause.", 15);
+  }
   constexpr auto kServerOnly = std::to_array<std::string_view>(
       {"compress", "decompress", "formatmessage", "grouping", "grouping_id", "string_split"});
   if (std::find(kServerOnly.begin(), kServerOnly.end(), call.name()) != kServerOnly.end()) {

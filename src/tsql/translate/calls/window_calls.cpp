@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/text/text.h"
 #include "tsql/translate/calls/call_topics.h"
 #include "tsql/translate/common/meaning.h"
 #include "tsql/translate/common/operators.h"
@@ -34,6 +35,26 @@ Typed Numbering(const Call& call) {
   const std::string argument = call.name() == "ntile" ? call.Int(0, "") : "";
   const bool share = call.name() == "percent_rank" || call.name() == "cume_dist";
   return {call.name() + "(" + argument + ")" + Over(call), share ? FloatType() : BigIntType(), false, -1};
+}
+
+/// PERCENTILE_CONT and PERCENTILE_DISC.
+Typed PercentileOf(const Call& call) {
+  call.Require(1);
+  if (call.within().size() != 1 || !call.window()->order.empty()) {
+    RaiseUnsupported(UpperCase(call.name()) + " without an order of one key in WITHIN GROUP alone", call.line());
+  }
+  const OrderItem& item = call.within()[0];
+  const Typed value = call.translation().Value(*item.expression, call.scope());
+  const bool continuous = call.name() == "percentile_cont";
+  if (continuous && !value.type.is_number()) {
+    throw SqlError(8117, "Operand data type " + std::string(TypeNameText(value.type)) + " is invalid for " +
+                             call.name() + " operator.");
+  }
+  if (value.type.has_offset()) RaiseUnsupported("WITHIN GROUP ordered by a datetimeoffset", call.line());
+  const SqlType type = continuous ? FloatType() : value.type;
+  return {"ts_percentile(" + call.Coerced(value, type) + ", " + call.Float(0) + (continuous ? ", 1" : ", 0") +
+              (item.descending ? ", 1)" : ", 0)") + Over(call),
+          type, true, -1};
 }
 
 /// LAG, LEAD, FIRST_VALUE and LAST_VALUE.
@@ -72,6 +93,7 @@ Typed WindowCall(const Call& call) {
   constexpr std::array<std::string_view, 6> kNumberings = {"row_number", "rank",         "dense_rank",
                                                            "ntile",      "percent_rank", "cume_dist"};
   if (std::find(kNumberings.begin(), kNumberings.end(), name) != kNumberings.end()) return Numbering(call);
+  if (name == "percentile_cont" || name == "percentile_disc") return PercentileOf(call);
   if (name == "lag" || name == "lead" || name == "first_value" || name == "last_value") return Neighbour(call);
   if (!IsAggregate(name) || name == "string_agg" || call.distinct()) {
     RaiseUnsupported("The window function " + name, call.line());

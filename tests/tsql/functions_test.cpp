@@ -88,6 +88,15 @@ TEST(Functions, DatesOfPartsAndZones) {
   });
 }
 
+TEST(Functions, WeeksBeginWithDateFirst) {
+  const auto connection = OpenEmbedded();
+  EXPECT_EQ(Answer(*connection,
+                   "set datefirst 1 select @@datefirst a, datepart(dw, d) b, datename(dw, d) c, datepart(wk, d) d "
+                   "from (select cast('2026-11-01' as date) d) t"),
+            "a|b|c|d;1|7|Sunday|44");
+  EXPECT_EQ(Answer(*connection, "set datefirst 9"), "error 2742: SET DATEFIRST 9 is out of range.");
+}
+
 TEST(Functions, LooksAtCharacters) {
   CheckValues({
       {"trim('x.' from '..Xabx.'), ltrim('货货a','货'), translate('2*[3+4]','[]','()'), difference('Smythe','Smith'), "

@@ -119,7 +119,8 @@ void Parser::ParseArguments(FunctionCall& call) {
 }
 
 std::vector<OrderItem> Parser::ParseWithinGroup(const std::string& function) {
-  if (function != "string_agg" && !function.starts_with("percentile_")) Refuse("WITHIN GROUP of " + UpperCase(function));
+  if (function != "string_agg" && !function.starts_with("percentile_"))
+    Refuse("WITHIN GROUP of " + UpperCase(function));
   Expect("group"_kw);
   Expect(Op::kLeftParen);
   Expect("order"_kw);

@@ -488,7 +488,7 @@ TEST(Language, ErrorsNameWhatIsWrong) {
       {"select max(sum(FID)) as m from o",
        "error 130: Cannot perform an aggregate function on an expression containing an aggregate or a subquery."},
       {"select 1e308 * 10 as x", "error 8115: Arithmetic overflow error converting expression to data type float."},
-      {"select format(1, 'N') as x", "error 40000: The function FORMAT is not supported by the embedded database."},
+      {"select compress('a') as x", "error 40000: The function COMPRESS is not supported by the embedded database."},
       {"select nothing(1)", "error 195: 'nothing' is not a recognized built-in function name."},
       {"select FID from o for xml auto", "error 40000: FOR XML AUTO is not supported by the embedded database."},
       {"set ansi_nulls off", "error 40000: SET ANSI_NULLS OFF is not supported by the embedded database."},

@@ -1,5 +1,7 @@
-// Aggregates that SQLite lacks: the only row of a scalar subquery, sums of long decimals, and texts joined in an order.
+// Aggregates that SQLite lacks: the only row of a scalar subquery, sums of long decimals, texts joined in an order,
+// and percentiles.
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <new>
 #include <string>
@@ -129,6 +131,72 @@ void EndJoined(sqlite3_context* context) {
   });
 }
 
+/// What the arguments of ts_percentile say but for the value.
+struct PercentileOptions {
+  double fraction = 0;
+  /// Between two values, not one of them.
+  bool continuous = false;
+  bool descending = false;
+};
+
+Datum PercentileOf(const std::vector<Datum>& sorted, const PercentileOptions& options) {
+  const auto count = static_cast<double>(sorted.size());
+  const auto at = [&](double place) {
+    const auto i = static_cast<std::size_t>(place);
+    return sorted[options.descending ? sorted.size() - 1 - i : i];
+  };
+  if (!options.continuous) return at(std::max(0.0, std::ceil(options.fraction * count) - 1));
+  const double place = options.fraction * (count - 1);
+  const double low = std::get<double>(at(std::floor(place)));
+  const double high = std::get<double>(at(std::ceil(place)));
+  return low + (high - low) * (place - std::floor(place));
+}
+
+struct Percentile {
+  PercentileOptions options;
+  std::vector<Datum> values;
+  bool sorted = false;
+};
+
+// ts_percentile(value, fraction, continuous, descending) OVER (PARTITION BY …)
+void StepPercentile(sqlite3_context* context, int, sqlite3_value** values) {
+  if (IsNull(values[0])) return;
+  Guarded(context, RuntimeOf(context), [&] {
+    auto* state = StateOf<Percentile>(context, true);
+    state->options = {sqlite3_value_double(values[1]), sqlite3_value_int(values[2]) != 0,
+                      sqlite3_value_int(values[3]) != 0};
+    if (!(state->options.fraction >= 0 && state->options.fraction <= 1)) {
+      RaiseUnsupported("A percentile outside of 0 to 1");
+    }
+    state->values.push_back(ToDatum(values[0]));
+    state->sorted = false;
+    RuntimeOf(context).memory.Charge(sizeof(Datum) + static_cast<std::size_t>(sqlite3_value_bytes(values[0])));
+  });
+}
+
+void GivePercentile(sqlite3_context* context) {
+  Guarded(context, RuntimeOf(context), [&] {
+    auto* state = StateOf<Percentile>(context, false);
+    if (state == nullptr || state->values.empty()) return;
+    if (!state->sorted) {
+      std::sort(state->values.begin(), state->values.end(),
+                [order = RuntimeOf(context).text_order](const Datum& a, const Datum& b) {
+                  return CompareKeys(order, a, b) < 0;
+                });
+    }
+    state->sorted = true;
+    SetResult(context, PercentileOf(state->values, state->options));
+  });
+}
+
+void EndPercentile(sqlite3_context* context) {
+  GivePercentile(context);
+  TakeState<Percentile>(context);
+}
+
+/// The window is always the whole partition: no row leaves it.
+void LeavePercentile(sqlite3_context*, int, sqlite3_value**) {}
+
 }  // namespace
 
 void RegisterAggregates(sqlite3* database, Runtime& runtime) {
@@ -136,6 +204,8 @@ void RegisterAggregates(sqlite3* database, Runtime& runtime) {
   sqlite3_create_function_v2(database, "ts_single", 1, kFlags, &runtime, nullptr, StepSingle, EndSingle, nullptr);
   sqlite3_create_function_v2(database, "ts_sum", 3, kFlags, &runtime, nullptr, StepSum, EndSum, nullptr);
   sqlite3_create_function_v2(database, "ts_string_agg", -1, kFlags, &runtime, nullptr, StepJoined, EndJoined, nullptr);
+  sqlite3_create_window_function(database, "ts_percentile", 4, kFlags, &runtime, StepPercentile, EndPercentile,
+                                 GivePercentile, LeavePercentile, nullptr);
 }
 
 }  // namespace tessarlorn::tsql

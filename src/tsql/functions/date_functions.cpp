@@ -41,11 +41,8 @@ std::int64_t AddMonths(std::int64_t time, std::int64_t months) {
   return FromCivil(civil);
 }
 
-/// Sunday is 0.
-std::int64_t WeekDay(std::int64_t time) {
-  const std::int64_t day = FloorDivide(time, kDay) + 1;  // 1900-01-01 was a Monday
-  return ((day % 7) + 7) % 7;
-}
+constexpr int kMonday = 1;
+constexpr int kSunday = 7;
 
 std::int64_t Unit(DatePart part) {
   switch (part) {
@@ -58,10 +55,16 @@ std::int64_t Unit(DatePart part) {
     case DatePart::kSecond:
       return kSecond;
     case DatePart::kMillisecond:
+    case DatePart::kMicrosecond:
+    case DatePart::kNanosecond:
       return 1;
     default:
       return kDay;
   }
+}
+
+std::int64_t PartsOfMillisecond(DatePart part) {
+  return part == DatePart::kMicrosecond ? 1000 : part == DatePart::kNanosecond ? 1'000'000 : 1;
 }
 
 // ts_datetime(milliseconds, type): the result of an addition
@@ -88,7 +91,7 @@ void DateAdd(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (part == DatePart::kYear || part == DatePart::kQuarter || part == DatePart::kMonth) {
     result = AddMonths(time, number * (part == DatePart::kYear ? 12 : part == DatePart::kQuarter ? 3 : 1));
   } else {
-    result = time + number * Unit(part);
+    result = time + number * Unit(part) / PartsOfMillisecond(part);
   }
   if (result < -kDay * 693595 || result >= kDay * 2958464) RaiseDateOverflow(type);
   try {
@@ -127,7 +130,7 @@ void DateDiff(sqlite3_context* context, Runtime&, Arguments arguments) {
       result = FloorDivide(to + kDay, 7 * kDay) - FloorDivide(from + kDay, 7 * kDay);
       break;
     default:
-      result = FloorDivide(to, Unit(part)) - FloorDivide(from, Unit(part));
+      result = (FloorDivide(to, Unit(part)) - FloorDivide(from, Unit(part))) * PartsOfMillisecond(part);
       break;
   }
   sqlite3_result_int64(context, result);
@@ -145,7 +148,14 @@ void CheckDifference(sqlite3_context* context, Runtime&, Arguments arguments) {
   sqlite3_result_int64(context, result);
 }
 
-std::int64_t PartOf(DatePart part, std::int64_t time) {
+/// The week that holds the Thursday of this one counts in the year of that day.
+std::int64_t IsoWeek(std::int64_t time) {
+  const std::int64_t thursday = time + (3 - DayOfWeek(time, kMonday)) * kDay;
+  return (FloorDivide(thursday, kDay) - DaysFromCivil(DateTime(thursday).ToCivil().year, 1, 1)) / 7 + 1;
+}
+
+/// @param first SET DATEFIRST
+std::int64_t PartOf(DatePart part, std::int64_t time, int first) {
   const CivilTime civil = DateTime(time).ToCivil();
   const auto first_of_year = DaysFromCivil(civil.year, 1, 1);
   const std::int64_t day_of_year = FloorDivide(time, kDay) - first_of_year + 1;
@@ -161,29 +171,35 @@ std::int64_t PartOf(DatePart part, std::int64_t time) {
     case DatePart::kDay:
       return civil.day;
     case DatePart::kWeek:
-      return (day_of_year + WeekDay(first_of_year * kDay) - 1) / 7 + 1;
+      return (day_of_year + DayOfWeek(first_of_year * kDay, first) - 1) / 7 + 1;
     case DatePart::kWeekDay:
-      return WeekDay(time) + 1;
+      return DayOfWeek(time, first) + 1;
+    case DatePart::kIsoWeek:
+      return IsoWeek(time);
     case DatePart::kHour:
       return civil.hour;
     case DatePart::kMinute:
       return civil.minute;
     case DatePart::kSecond:
       return civil.second;
+    case DatePart::kMicrosecond:
+      return std::int64_t{civil.millisecond} * 1000;
+    case DatePart::kNanosecond:
+      return std::int64_t{civil.millisecond} * 1'000'000;
     default:
       return civil.millisecond;
   }
 }
 
 // ts_datepart(part, date)
-void DatePartOf(sqlite3_context* context, Runtime&, Arguments arguments) {
+void DatePartOf(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
   if (AnyNull(arguments)) return;
-  sqlite3_result_int64(
-      context, PartOf(static_cast<DatePart>(sqlite3_value_int(arguments[0])), sqlite3_value_int64(arguments[1])));
+  sqlite3_result_int64(context, PartOf(static_cast<DatePart>(sqlite3_value_int(arguments[0])),
+                                       sqlite3_value_int64(arguments[1]), runtime.first_weekday));
 }
 
 // ts_datename(part, date)
-void DateName(sqlite3_context* context, Runtime&, Arguments arguments) {
+void DateName(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
   if (AnyNull(arguments)) return;
   constexpr std::array<const char*, 12> kMonths = {"January",   "February", "March",    "April",
                                                    "May",       "June",     "July",     "August",
@@ -191,7 +207,9 @@ void DateName(sqlite3_context* context, Runtime&, Arguments arguments) {
   constexpr std::array<const char*, 7> kDays = {"Sunday",   "Monday", "Tuesday", "Wednesday",
                                                 "Thursday", "Friday", "Saturday"};
   const auto part = static_cast<DatePart>(sqlite3_value_int(arguments[0]));
-  const auto value = PartOf(part, sqlite3_value_int64(arguments[1]));
+  // The days have their names whichever comes first.
+  const int first = part == DatePart::kWeekDay ? kSunday : runtime.first_weekday;
+  const auto value = PartOf(part, sqlite3_value_int64(arguments[1]), first);
   if (part == DatePart::kMonth) {
     SetText(context, kMonths[static_cast<std::size_t>(value - 1)]);
   } else if (part == DatePart::kWeekDay) {
@@ -208,20 +226,6 @@ void EndOfMonth(sqlite3_context* context, Runtime&, Arguments arguments) {
   civil.day = DaysInMonth(civil.year, civil.month);
   civil.hour = civil.minute = civil.second = civil.millisecond = 0;
   sqlite3_result_int64(context, FromCivil(civil));
-}
-
-// ts_datefromparts(year, month, day)
-void DateFromParts(sqlite3_context* context, Runtime&, Arguments arguments) {
-  if (AnyNull(arguments)) return;
-  CivilTime civil;
-  civil.year = IntOf(arguments[0]);
-  civil.month = IntOf(arguments[1]);
-  civil.day = IntOf(arguments[2]);
-  const std::optional<DateTime> time = DateTime::FromCivil(civil);
-  if (!time) {
-    throw SqlError(289, "Cannot construct data type date, some of the arguments have values which are not valid.");
-  }
-  sqlite3_result_int64(context, time->milliseconds());
 }
 
 /// The minutes that an offset's argument means: a text, or a whole number.
@@ -265,6 +269,11 @@ void IsDate(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
 
 }  // namespace
 
+std::int64_t DayOfWeek(std::int64_t time, int first) {
+  const std::int64_t since_monday = FloorDivide(time, kDay);  // 1900-01-01 was a Monday
+  return (((since_monday - (first - 1)) % 7) + 7) % 7;
+}
+
 std::optional<DatePart> FindDatePart(std::string_view name) {
   struct Named {
     std::string_view name;
@@ -286,7 +295,11 @@ std::optional<DatePart> FindDatePart(std::string_view name) {
       Named{"mi", DatePart::kMinute},       Named{"n", DatePart::kMinute},
       Named{"second", DatePart::kSecond},   Named{"ss", DatePart::kSecond},
       Named{"s", DatePart::kSecond},        Named{"millisecond", DatePart::kMillisecond},
-      Named{"ms", DatePart::kMillisecond},
+      Named{"ms", DatePart::kMillisecond},  Named{"microsecond", DatePart::kMicrosecond},
+      Named{"mcs", DatePart::kMicrosecond}, Named{"nanosecond", DatePart::kNanosecond},
+      Named{"ns", DatePart::kNanosecond},   Named{"iso_week", DatePart::kIsoWeek},
+      Named{"isowk", DatePart::kIsoWeek},   Named{"isoww", DatePart::kIsoWeek},
+      Named{"tzoffset", DatePart::kOffset}, Named{"tz", DatePart::kOffset},
   };
   for (const Named& part : kParts) {
     if (EqualsIgnoreCase(part.name, name)) return part.part;
@@ -302,7 +315,6 @@ void RegisterDateFunctions(sqlite3* database, Runtime& runtime) {
   RegisterFunction(database, runtime, "ts_datepart", 2, DatePartOf);
   RegisterFunction(database, runtime, "ts_datename", 2, DateName);
   RegisterFunction(database, runtime, "ts_eomonth", 2, EndOfMonth);
-  RegisterFunction(database, runtime, "ts_datefromparts", 3, DateFromParts);
   RegisterFunction(database, runtime, "ts_switchoffset", 3, SwitchOffset);
   RegisterFunction(database, runtime, "ts_todatetimeoffset", 3, ToDateTimeOffset);
   RegisterFunction(database, runtime, "ts_isdate", 1, IsDate);

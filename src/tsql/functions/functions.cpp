@@ -202,9 +202,16 @@ void RegisterFunctions(sqlite3* database, Runtime& runtime) {
   sqlite3_create_collation_v2(database, "MOMENT", SQLITE_UTF8, nullptr, CollateMoments, nullptr);
   RegisterConversionFunctions(database, runtime);
   RegisterTextFunctions(database, runtime);
+  RegisterWordFunctions(database, runtime);
   RegisterNumberFunctions(database, runtime);
   RegisterDateFunctions(database, runtime);
+  RegisterDateMaking(database, runtime);
+  RegisterTimeZones(database, runtime);
+  RegisterFormatFunction(database, runtime);
   RegisterAggregates(database, runtime);
+  RegisterStatistics(database, runtime);
+  RegisterDigestFunctions(database, runtime);
+  RegisterJsonFunctions(database, runtime);
 }
 
 }  // namespace tessarlorn::tsql

@@ -16,9 +16,16 @@ void RegisterFunctions(sqlite3* database, Runtime& runtime);
 // The topics; each registers its own.
 void RegisterConversionFunctions(sqlite3* database, Runtime& runtime);
 void RegisterTextFunctions(sqlite3* database, Runtime& runtime);
+void RegisterWordFunctions(sqlite3* database, Runtime& runtime);
 void RegisterNumberFunctions(sqlite3* database, Runtime& runtime);
 void RegisterDateFunctions(sqlite3* database, Runtime& runtime);
+void RegisterDateMaking(sqlite3* database, Runtime& runtime);
+void RegisterTimeZones(sqlite3* database, Runtime& runtime);
+void RegisterFormatFunction(sqlite3* database, Runtime& runtime);
 void RegisterAggregates(sqlite3* database, Runtime& runtime);
+void RegisterStatistics(sqlite3* database, Runtime& runtime);
+void RegisterDigestFunctions(sqlite3* database, Runtime& runtime);
+void RegisterJsonFunctions(sqlite3* database, Runtime& runtime);
 
 using Arguments = std::span<sqlite3_value*>;
 /// A type that the translator wrote into the call.
@@ -46,6 +53,8 @@ void Guarded(sqlite3_context* context, Runtime& runtime, Body&& body) noexcept {
   }
 }
 
+/// The text between the quotes of a JSON string.
+std::string EscapedForJson(std::string_view text);
 /// A whole number that has to fit in an int. Raises 8115.
 std::int32_t IntOf(sqlite3_value* value);
 inline bool IsNull(sqlite3_value* value) { return sqlite3_value_type(value) == SQLITE_NULL; }

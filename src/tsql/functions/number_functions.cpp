@@ -1,6 +1,7 @@
 // Number functions and checked arithmetic on whole numbers and floats.
 #include <cmath>
 #include <limits>
+#include <numbers>
 #include <random>
 
 #include "platform/text/guid_text.h"
@@ -134,6 +135,12 @@ void Logarithm(sqlite3_context* context, Runtime&, Arguments arguments) {
   sqlite3_result_double(context, value);
 }
 
+double Cotangent(double angle) { return 1 / std::tan(angle); }
+
+constexpr double kDegreesOfRadian = 180 / std::numbers::pi;
+double Degrees(double radians) { return radians * kDegreesOfRadian; }
+double Radians(double degrees) { return degrees / kDegreesOfRadian; }
+
 void ArcTangent2(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (AnyNull(arguments)) return;
   sqlite3_result_double(context, std::atan2(sqlite3_value_double(arguments[0]), sqlite3_value_double(arguments[1])));
@@ -176,6 +183,9 @@ void RegisterNumberFunctions(sqlite3* database, Runtime& runtime) {
   RegisterFunction(database, runtime, "ts_sin", 1, Math<std::sin>);
   RegisterFunction(database, runtime, "ts_cos", 1, Math<std::cos>);
   RegisterFunction(database, runtime, "ts_tan", 1, Math<std::tan>);
+  RegisterFunction(database, runtime, "ts_cot", 1, Math<Cotangent>);
+  RegisterFunction(database, runtime, "ts_degrees", 1, Math<Degrees>);
+  RegisterFunction(database, runtime, "ts_radians", 1, Math<Radians>);
   RegisterFunction(database, runtime, "ts_asin", 1, Math<std::asin>);
   RegisterFunction(database, runtime, "ts_acos", 1, Math<std::acos>);
   RegisterFunction(database, runtime, "ts_atan", 1, Math<std::atan>);

@@ -104,6 +104,8 @@ struct Runtime {
   TextOrder text_order = TextOrder::kCodePoints;
   /// SET DATEFORMAT
   DateOrder date_order = DateOrder::kMdy;
+  /// SET DATEFIRST: 1 for Monday to 7 for Sunday.
+  int first_weekday = 7;
 
  private:
   int looks_since_cancel_ = 0;

@@ -121,16 +121,6 @@ void Lower(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (!IsNull(arguments[0])) SetText(context, LowerCase(TextOf(arguments[0])));
 }
 
-// ts_trim(text, sides): 1 left, 2 right, 3 both
-void TrimSides(sqlite3_context* context, Runtime&, Arguments arguments) {
-  if (AnyNull(arguments)) return;
-  std::string_view text = TextOf(arguments[0]);
-  const int sides = sqlite3_value_int(arguments[1]);
-  while ((sides & 1) != 0 && !text.empty() && text.front() == ' ') text.remove_prefix(1);
-  while ((sides & 2) != 0 && !text.empty() && text.back() == ' ') text.remove_suffix(1);
-  SetText(context, text);
-}
-
 /// As much of the text as the type holds; the server cuts such results without a word.
 std::string Fitting(std::string text, const SqlType& type) {
   if (type.size > 0) text.resize(CutText(text, type.size, type.is_national()).size());
@@ -342,7 +332,6 @@ void RegisterTextFunctions(sqlite3* database, Runtime& runtime) {
   RegisterFunction(database, runtime, "ts_right", 2, Right);
   RegisterFunction(database, runtime, "ts_upper", 1, Upper);
   RegisterFunction(database, runtime, "ts_lower", 1, Lower);
-  RegisterFunction(database, runtime, "ts_trim", 2, TrimSides);
   RegisterFunction(database, runtime, "ts_replace", 4, Replace);
   RegisterFunction(database, runtime, "ts_charindex", -1, CharIndex);
   RegisterFunction(database, runtime, "ts_patindex", 2, PatIndex);

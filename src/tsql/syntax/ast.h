@@ -267,10 +267,19 @@ struct DerivedTable {
   std::vector<std::string> column_aliases;
 };
 
-/// STRING_SPLIT(text, separator) AS t(a)
+/// A column of OPENJSON … WITH: name type ['path'] [AS JSON]
+struct JsonColumnDefinition {
+  std::string name;
+  TypeName type;
+  ExpressionPtr path;  // a literal; null when none
+  bool as_json = false;
+};
+
+/// STRING_SPLIT(text, separator) AS t(a), OPENJSON(text, path) WITH (…) AS t
 struct TableFunction {
   std::string name;  // in lower case
   std::vector<ExpressionPtr> arguments;
+  std::vector<JsonColumnDefinition> json_columns;
   std::string alias;  // its name when none is given
   std::vector<std::string> column_aliases;
 };

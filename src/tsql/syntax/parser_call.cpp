@@ -80,6 +80,7 @@ ExpressionPtr Parser::ParseCall() {
     case "datediff_big"_kw:
     case "datepart"_kw:
     case "datename"_kw:
+    case "datetrunc"_kw:
       if (Peek().kind != TokenKind::kWord) RaiseAt(1023, "Invalid parameter 1 specified for " + call.name + ".");
       call.date_part = LowerCase(Take().text);
       Expect(Op::kComma);
@@ -104,18 +105,22 @@ void Parser::ParseArguments(FunctionCall& call) {
   } else {
     Accept("all"_kw);
   }
-  if (At(Op::kStar) && (call.name == "count" || call.name == "count_big")) {
+  const bool takes_star = call.name == "count" || call.name == "count_big" || call.name.ends_with("checksum");
+  if (At(Op::kStar) && takes_star) {
     call.arguments.push_back(MakeExpression(Take().line, Star{}));
   } else {
     do {
       call.arguments.push_back(ParseValue());
     } while (Accept(Op::kComma));
+    // TRIM(signs FROM text)
+    if (call.name == "trim" && Accept("from"_kw)) call.arguments.insert(call.arguments.begin(), ParseValue());
   }
   Expect(Op::kRightParen);
 }
 
 std::vector<OrderItem> Parser::ParseWithinGroup(const std::string& function) {
-  if (function != "string_agg") Refuse("WITHIN GROUP of " + UpperCase(function));
+  if (function != "string_agg" && !function.starts_with("percentile_"))
+    Refuse("WITHIN GROUP of " + UpperCase(function));
   Expect("group"_kw);
   Expect(Op::kLeftParen);
   Expect("order"_kw);

@@ -123,6 +123,10 @@ class Parser {
   ExpressionPtr ParseUnary();
   ExpressionPtr ParsePrimary();
   ExpressionPtr ParseKeywordPrimary();
+  /// A value without AT TIME ZONE behind it.
+  ExpressionPtr ParseOperand();
+  /// value AT TIME ZONE zone
+  ExpressionPtr ParseTimeZone(ExpressionPtr date);
   ExpressionPtr ParseLiteral();
   ExpressionPtr ParseParens();
   ExpressionPtr ParseColumn();
@@ -177,6 +181,7 @@ class Parser {
   TableSourcePtr ParseSourcePrimary();
   TableSourcePtr ParseNamedTable();
   bool AcceptJoin(JoinKind& join);
+  std::vector<JsonColumnDefinition> ParseJsonColumns();
   TableSourcePtr ParseTableFunction(std::uint32_t line, const std::string& name);
   /// @return the name of the one index that the hints ask for, else ""
   std::string AcceptTableHints();

@@ -265,6 +265,12 @@ ExpressionPtr Parser::ParseUnary() {
 }
 
 ExpressionPtr Parser::ParsePrimary() {
+  ExpressionPtr primary = ParseOperand();
+  while (At("at"_kw) && At("time"_kw, 1) && At("zone"_kw, 2)) primary = ParseTimeZone(std::move(primary));
+  return primary;
+}
+
+ExpressionPtr Parser::ParseOperand() {
   const Level level(*this);
   ExpressionPtr primary;
   const Token& token = Peek();
@@ -289,6 +295,19 @@ ExpressionPtr Parser::ParsePrimary() {
     primary = MakeExpression(line, CollateExpression{std::move(primary), ParseName()});
   }
   return primary;
+}
+
+ExpressionPtr Parser::ParseTimeZone(ExpressionPtr date) {
+  RequireValue(*date);
+  const std::uint32_t line = date->line;
+  Take();
+  Take();
+  Take();
+  FunctionCall call;
+  call.name = "at time zone";
+  call.arguments.push_back(std::move(date));
+  call.arguments.push_back(ParseOperand());
+  return MakeExpression(line, std::move(call));
 }
 
 // What begins with a word: the forms of their own, functions that are keywords, and else a column or a call.
@@ -329,6 +348,10 @@ ExpressionPtr Parser::ParseKeywordPrimary() {
     case "system_user"_kw:
     case "user"_kw:
       return ParseCallWithoutParens();
+    case "parse"_kw:
+    case "try_parse"_kw:
+      if (!call) return ParseColumn();
+      Refuse(UpperCase(token.text));
     case "contains"_kw:
     case "freetext"_kw:
       Refuse(UpperCase(token.text));

@@ -20,7 +20,7 @@ constexpr std::array kTableHints = std::to_array<std::string_view>({
     "ignore_triggers",
 });
 
-constexpr std::array kTableFunctions = std::to_array<std::string_view>({"string_split"});
+constexpr std::array kTableFunctions = std::to_array<std::string_view>({"openjson", "string_split"});
 
 // Advice to the planner, by first word.
 constexpr std::array kQueryOptions = std::to_array<std::string_view>({
@@ -369,10 +369,28 @@ TableSourcePtr Parser::ParseTableFunction(std::uint32_t line, const std::string&
   Expect(Op::kLeftParen);
   function.arguments = ParseValues();
   Expect(Op::kRightParen);
+  if (function.name == "openjson" && At("with"_kw) && At(Op::kLeftParen, 1)) {
+    Take();
+    function.json_columns = ParseJsonColumns();
+  }
   function.alias = AcceptAlias();
   if (!function.alias.empty() && At(Op::kLeftParen)) function.column_aliases = ParseNameList();
   if (function.alias.empty()) function.alias = name;
   return MakeSource(line, std::move(function));
+}
+
+std::vector<JsonColumnDefinition> Parser::ParseJsonColumns() {
+  std::vector<JsonColumnDefinition> columns;
+  Expect(Op::kLeftParen);
+  do {
+    JsonColumnDefinition& column = columns.emplace_back();
+    column.name = ParseName();
+    column.type = ParseType();
+    if (AtLiteral()) column.path = ParseLiteral();
+    column.as_json = AcceptBoth("as"_kw, "json"_kw);
+  } while (Accept(Op::kComma));
+  Expect(Op::kRightParen);
+  return columns;
 }
 
 std::string Parser::AcceptTableHints() {

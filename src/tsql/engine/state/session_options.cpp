@@ -32,6 +32,14 @@ DateOrder ParseDateOrder(const std::string& word) {
   return static_cast<DateOrder>(found - kOrders.begin());
 }
 
+int FirstWeekday(const std::int64_t* wanted) {
+  if (wanted == nullptr || *wanted < 1 || *wanted > 7) {
+    throw SqlError(2742,
+                   "SET DATEFIRST " + (wanted == nullptr ? "NULL" : std::to_string(*wanted)) + " is out of range.");
+  }
+  return static_cast<int>(*wanted);
+}
+
 }  // namespace
 
 void SessionOptions::Apply(const SetSwitchStatement& set, std::uint32_t line) {
@@ -65,7 +73,7 @@ void SessionOptions::Apply(const SetValueStatement& set, std::uint32_t line, con
   const Datum value = evaluate();
   const auto* wanted = std::get_if<std::int64_t>(&value);
   if (option == "rowcount" && (wanted == nullptr || *wanted != 0)) Refuse(option, "with a number", line);
-  if (option == "datefirst" && (wanted == nullptr || *wanted != 7)) Refuse(option, "other than 7", line);
+  if (option == "datefirst") runtime_.first_weekday = FirstWeekday(wanted);
   if (option == "lock_timeout") {
     options_.lock_timeout.reset();
     if (wanted != nullptr && *wanted >= 0) options_.lock_timeout = std::chrono::milliseconds(*wanted);
@@ -85,12 +93,14 @@ bool SessionOptions::AllowsIdentityOf(const std::string& table) const {
 CallOptions SessionOptions::OfCaller() const {
   CallOptions options = options_;
   options.date_order = runtime_.date_order;
+  options.first_weekday = runtime_.first_weekday;
   return options;
 }
 
 void SessionOptions::GiveBack(const CallOptions& options) {
   options_ = options;
   runtime_.date_order = options.date_order;
+  runtime_.first_weekday = options.first_weekday;
 }
 
 }  // namespace tessarlorn::tsql

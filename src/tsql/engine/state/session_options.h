@@ -20,6 +20,7 @@ struct CallOptions {
   bool format_only = false;
   std::optional<std::chrono::milliseconds> lock_timeout;
   DateOrder date_order = DateOrder::kMdy;
+  int first_weekday = 7;
 };
 
 class SessionOptions {
@@ -46,7 +47,7 @@ class SessionOptions {
   void GiveBack(const CallOptions& options);
 
  private:
-  Runtime& runtime_;  // row functions read the order of dates from it
+  Runtime& runtime_;  // row functions read the order of dates and the first day of weeks from it
   CallOptions options_;
   std::string identity_insert_;
 };

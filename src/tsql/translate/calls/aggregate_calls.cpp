@@ -1,5 +1,6 @@
-// COUNT, SUM, AVG, MIN, MAX and STRING_AGG over the rows of a group.
+// COUNT, SUM, AVG, MIN, MAX, STRING_AGG and the statistics over the rows of a group.
 #include <algorithm>
+#include <array>
 
 #include "tsql/translate/calls/call_topics.h"
 #include "tsql/translate/common/operators.h"
@@ -10,6 +11,11 @@ namespace {
 
 Typed CountOf(const Call& call, const std::string& counted) {
   return {"count(" + counted + ")", call.name() == "count" ? IntType() : BigIntType(), false, -1};
+}
+
+[[noreturn]] void RaiseOperandType(const Call& call, const Typed& value) {
+  throw SqlError(8117, "Operand data type " + std::string(TypeNameText(value.type)) + " is invalid for " + call.name() +
+                           " operator.");
 }
 
 /// SUM and AVG.
@@ -53,9 +59,23 @@ Typed Joined(const Call& call, const Typed& value, const std::string& separator)
 
 }  // namespace
 
-bool IsAggregate(std::string_view name) {
-  return name == "count" || name == "count_big" || name == "sum" || name == "avg" || name == "min" || name == "max" ||
-         name == "string_agg";
+Typed Statistic(const Call& call, const Typed& value, const std::string& over) {
+  struct Named {
+    std::string_view name;
+    std::string_view function;
+  };
+  constexpr std::array kStatistics = {Named{"stdev", "ts_stdev"}, Named{"stdevp", "ts_stdevp"},
+                                      Named{"var", "ts_variance"}, Named{"varp", "ts_variancep"},
+                                      Named{"checksum_agg", "ts_checksum_agg"}};
+  const auto* const found = std::find_if(kStatistics.begin(), kStatistics.end(),
+                                         [&](const Named& entry) { return entry.name == call.name(); });
+  if (found == kStatistics.end()) return {};
+  const SqlType type = call.name() == "checksum_agg" ? IntType() : FloatType();
+  const bool fits = type.is_float() ? value.type.is_number() : value.type.is_integer();
+  if (!fits || value.type.kind == FieldType::kBit) RaiseOperandType(call, value);
+  return {std::string(found->function) + "(" + (call.distinct() ? "DISTINCT " : "") + call.Coerced(value, type) + ")" +
+              over,
+          type, true, -1};
 }
 
 Typed AggregateCall(const Call& call) {
@@ -87,10 +107,9 @@ Typed AggregateCall(const Call& call) {
   if ((name == "min" || name == "max") && value.type.kind != FieldType::kBit) {
     return {name + "(" + Collated(value) + ")", value.type, true, -1};
   }
-  if (!value.type.is_number() || value.type.kind == FieldType::kBit) {
-    throw SqlError(
-        8117, "Operand data type " + std::string(TypeNameText(value.type)) + " is invalid for " + name + " operator.");
-  }
+  Typed statistic = Statistic(call, value, "");
+  if (!statistic.sql.empty()) return statistic;
+  if (!value.type.is_number() || value.type.kind == FieldType::kBit) RaiseOperandType(call, value);
   return Total(call, value);
 }
 

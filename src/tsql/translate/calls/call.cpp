@@ -5,6 +5,7 @@
 
 #include "platform/text/text.h"
 #include "tsql/translate/calls/call_topics.h"
+#include "tsql/translate/common/meaning.h"
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {
@@ -26,15 +27,19 @@ void RaiseUnknownFunction(const std::string& name, std::uint32_t line) {
 Typed TranslateCall(const Call& call) {
   if (call.window() != nullptr) return WindowCall(call);
   if (IsAggregate(call.name())) return AggregateCall(call);
-  for (const auto topic :
-       {PlainCall, ConditionalCall, DateCall, NumberCall, TextCall, SessionCall, ServerCall, PropertyCall}) {
+  for (const auto topic : {PlainCall, ConditionalCall, DateCall, NumberCall, TextCall, DigestCall, JsonCall,
+                           SessionCall, ServerCall, PropertyCall}) {
     Typed value = topic(call);
     if (!value.sql.empty()) return value;
   }
-  constexpr std::array<std::string_view, 21> kServerOnly = {
-      "format",  "stdev",      "stdevp",       "var",       "varp",         "checksum",          "degrees",
-      "radians", "cot",        "parsename",    "translate", "string_split", "json_value",        "hashbytes",
-      "soundex", "difference", "percent_rank", "cume_dist", "checksum_agg", "datetimefromparts", "grouping"};
+  constexpr auto kWindowOnly =
+      std::to_array<std::string_view>({"cume_dist", "dense_rank", "first_value", "lag", "last_value", "lead", "ntile",
+                                       "percent_rank", "percentile_cont", "percentile_disc", "rank", "row_number"});
+  if (std::find(kWindowOnly.begin(), kWindowOnly.end(), call.name()) != kWindowOnly.end()) {
+    throw SqlError(10753, "The function '" + call.name() + "' must have an OVER clause.", 15);
+  }
+  constexpr auto kServerOnly =
+      std::to_array<std::string_view>({"compress", "decompress", "formatmessage", "string_split"});
   if (std::find(kServerOnly.begin(), kServerOnly.end(), call.name()) != kServerOnly.end()) {
     RaiseUnsupported("The function " + UpperCase(call.name()), call.line());
   }

@@ -14,8 +14,9 @@ Typed TranslateCall(const Call& call);
 [[noreturn]] void RaiseUnknownFunction(const std::string& name, std::uint32_t line);
 
 // aggregate_calls.cpp, window_calls.cpp
-bool IsAggregate(std::string_view name);
 Typed AggregateCall(const Call& call);
+/// STDEV, VAR, their like and CHECKSUM_AGG, with `over` behind the call; no SQL for others. Raises 8117.
+Typed Statistic(const Call& call, const Typed& value, const std::string& over);
 Typed WindowCall(const Call& call);
 
 // plain_calls.cpp: functions that one row function answers, most of those on texts among them
@@ -24,6 +25,8 @@ Typed PlainCall(const Call& call);
 // The other topics, each in a file of its name
 Typed ConditionalCall(const Call& call);
 Typed DateCall(const Call& call);
+Typed DigestCall(const Call& call);
+Typed JsonCall(const Call& call);
 Typed NumberCall(const Call& call);
 Typed TextCall(const Call& call);
 /// Functions of the session and of the server; the variables @@NAME.

@@ -49,6 +49,13 @@ Typed Power(const Call& call, const Typed& value) {
   return {"ts_power(" + base + ", " + call.Float(1) + ", " + Packed(value.type) + ")", value.type, true, -1};
 }
 
+/// DEGREES and RADIANS, of the argument's kind: whole numbers stay whole.
+Typed Angle(const Call& call, const Typed& value) {
+  const SqlType type = value.type.kind == FieldType::kDecimal ? DecimalType(38, 18) : value.type;
+  const std::string angle = "ts_" + call.name() + "(" + call.Coerced(value, FloatType()) + ")";
+  return {call.Coerced({angle, FloatType(), value.nullable, -1}, type), type, value.nullable, -1};
+}
+
 /// The first argument as a number that the functions take.
 Typed NumberOf(const Call& call) {
   Typed value = call.Value(0);
@@ -76,10 +83,14 @@ Typed NumberCall(const Call& call) {
     call.Require(2);
     return Power(call, NumberOf(call));
   }
-  if (name != "abs" && name != "floor" && name != "ceiling" && name != "sign" && name != "square") return {};
+  if (name != "abs" && name != "floor" && name != "ceiling" && name != "sign" && name != "square" &&
+      name != "degrees" && name != "radians") {
+    return {};
+  }
   call.Require(1);
   const Typed value = NumberOf(call);
   if (name == "square") return Power(call, value);
+  if (name == "degrees" || name == "radians") return Angle(call, value);
   return name == "abs" || name == "sign" ? Magnitude(name, value) : Floor(call, value);
 }
 

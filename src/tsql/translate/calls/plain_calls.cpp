@@ -19,7 +19,8 @@ struct PlainFunction {
   std::string_view arguments;
   /// What stands behind the arguments in the call, "" for nothing.
   std::string_view tail;
-  /// t: text like the first argument, n: nvarchar(4000), v: varchar(8000), i: int, f: float; w: as wide as text can be
+  /// t: text like the first argument, n: nvarchar(4000), m: nvarchar(max), o: nvarchar(128), v: varchar(8000), s:
+  /// varchar(4), i: int, f: float; w: as wide as text can be
   /// that comes of its texts, which the row function gets as last argument.
   char result;
 };
@@ -31,9 +32,14 @@ constexpr std::array kPlainFunctions = {
     PlainFunction{"right", "ts_right", "ti", "", 't'},
     PlainFunction{"upper", "ts_upper", "t", "", 't'},
     PlainFunction{"lower", "ts_lower", "t", "", 't'},
-    PlainFunction{"ltrim", "ts_trim", "t", ", 1", 't'},
-    PlainFunction{"rtrim", "ts_trim", "t", ", 2", 't'},
-    PlainFunction{"trim", "ts_trim", "t", ", 3", 't'},
+    PlainFunction{"ltrim", "ts_ltrim", "tT", "", 't'},
+    PlainFunction{"rtrim", "ts_rtrim", "tT", "", 't'},
+    PlainFunction{"trim", "ts_trim", "tT", "", 't'},
+    PlainFunction{"translate", "ts_translate", "ttt", "", 't'},
+    PlainFunction{"soundex", "ts_soundex", "t", "", 's'},
+    PlainFunction{"difference", "ts_difference", "tt", "", 'i'},
+    PlainFunction{"parsename", "ts_parsename", "ti", "", 'o'},
+    PlainFunction{"string_escape", "ts_string_escape", "tt", "", 'm'},
     PlainFunction{"replace", "ts_replace", "ttt", "", 'w'},
     PlainFunction{"charindex", "ts_charindex", "ttI", "", 'i'},
     PlainFunction{"patindex", "ts_patindex", "tt", "", 'i'},
@@ -46,6 +52,8 @@ constexpr std::array kPlainFunctions = {
     PlainFunction{"ascii", "ts_unicode", "t", "", 'i'},
     PlainFunction{"unicode", "ts_unicode", "t", "", 'i'},
     PlainFunction{"quotename", "ts_quotename", "tT", "", 'n'},
+    PlainFunction{"isjson", "ts_isjson", "t", "", 'i'},
+    PlainFunction{"json_value", "ts_json_value", "tt", "", 'n'},
     PlainFunction{"isdate", "ts_isdate", "t", "", 'i'},
     PlainFunction{"isnumeric", "ts_isnumeric", "t", "", 'i'},
     PlainFunction{"sqrt", "ts_sqrt", "f", "", 'f'},
@@ -55,6 +63,7 @@ constexpr std::array kPlainFunctions = {
     PlainFunction{"sin", "ts_sin", "f", "", 'f'},
     PlainFunction{"cos", "ts_cos", "f", "", 'f'},
     PlainFunction{"tan", "ts_tan", "f", "", 'f'},
+    PlainFunction{"cot", "ts_cot", "f", "", 'f'},
     PlainFunction{"asin", "ts_asin", "f", "", 'f'},
     PlainFunction{"acos", "ts_acos", "f", "", 'f'},
     PlainFunction{"atan", "ts_atan", "f", "", 'f'},
@@ -94,6 +103,12 @@ SqlType ResultOf(const PlainFunction& plain, const TextTypes& types) {
     }
     case 'n':
       return NVarCharType(4000);
+    case 'm':
+      return NVarCharType(0);
+    case 'o':
+      return NVarCharType(128);
+    case 's':
+      return VarCharType(4);
     case 'v':
       return VarCharType(8000);
     case 'f':

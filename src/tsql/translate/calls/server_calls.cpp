@@ -140,6 +140,7 @@ Typed FixedAnswer(const Call& call) {
 
 Typed GlobalValue(Parameters& parameters, const std::string& name, std::uint32_t line) {
   if (std::optional<Typed> value = SystemOf(parameters, name)) return *std::move(value);
+  if (name == "@@datefirst") return {"ts_datefirst()", SqlType{FieldType::kTinyInt, 0, 0, 0, false}, false, -1};
   if (name == "@@language") return TextConstant(parameters, "us_english");
   if (name == "@@max_precision") return parameters.Constant(std::int64_t{Decimal::kMaxDigits}, IntType());
   RaiseUnsupported("The variable " + name, line);

@@ -1,7 +1,10 @@
 // Functions with OVER: numbering, neighbours, and aggregates of a window.
 #include <algorithm>
+#include <array>
 
+#include "platform/text/text.h"
 #include "tsql/translate/calls/call_topics.h"
+#include "tsql/translate/common/meaning.h"
 #include "tsql/translate/common/operators.h"
 #include "tsql/values/sql_error.h"
 
@@ -30,7 +33,28 @@ Typed Numbering(const Call& call) {
     throw SqlError(4112, "The function '" + call.name() + "' must have an OVER clause with ORDER BY.", 15);
   }
   const std::string argument = call.name() == "ntile" ? call.Int(0, "") : "";
-  return {call.name() + "(" + argument + ")" + Over(call), BigIntType(), false, -1};
+  const bool share = call.name() == "percent_rank" || call.name() == "cume_dist";
+  return {call.name() + "(" + argument + ")" + Over(call), share ? FloatType() : BigIntType(), false, -1};
+}
+
+/// PERCENTILE_CONT and PERCENTILE_DISC.
+Typed PercentileOf(const Call& call) {
+  call.Require(1);
+  if (call.within().size() != 1 || !call.window()->order.empty()) {
+    RaiseUnsupported(UpperCase(call.name()) + " without an order of one key in WITHIN GROUP alone", call.line());
+  }
+  const OrderItem& item = call.within()[0];
+  const Typed value = call.translation().Value(*item.expression, call.scope());
+  const bool continuous = call.name() == "percentile_cont";
+  if (continuous && !value.type.is_number()) {
+    throw SqlError(8117, "Operand data type " + std::string(TypeNameText(value.type)) + " is invalid for " +
+                             call.name() + " operator.");
+  }
+  if (value.type.has_offset()) RaiseUnsupported("WITHIN GROUP ordered by a datetimeoffset", call.line());
+  const SqlType type = continuous ? FloatType() : value.type;
+  return {"ts_percentile(" + call.Coerced(value, type) + ", " + call.Float(0) + (continuous ? ", 1" : ", 0") +
+              (item.descending ? ", 1)" : ", 0)") + Over(call),
+          type, true, -1};
 }
 
 /// LAG, LEAD, FIRST_VALUE and LAST_VALUE.
@@ -66,7 +90,10 @@ Typed Total(const Call& call, const Typed& value, const std::string& over) {
 
 Typed WindowCall(const Call& call) {
   const std::string& name = call.name();
-  if (name == "row_number" || name == "rank" || name == "dense_rank" || name == "ntile") return Numbering(call);
+  constexpr std::array<std::string_view, 6> kNumberings = {"row_number", "rank",         "dense_rank",
+                                                           "ntile",      "percent_rank", "cume_dist"};
+  if (std::find(kNumberings.begin(), kNumberings.end(), name) != kNumberings.end()) return Numbering(call);
+  if (name == "percentile_cont" || name == "percentile_disc") return PercentileOf(call);
   if (name == "lag" || name == "lead" || name == "first_value" || name == "last_value") return Neighbour(call);
   if (!IsAggregate(name) || name == "string_agg" || call.distinct()) {
     RaiseUnsupported("The window function " + name, call.line());
@@ -77,6 +104,8 @@ Typed WindowCall(const Call& call) {
   }
   const Typed value = call.Value(0);
   const std::string over = Over(call);
+  Typed statistic = Statistic(call, value, over);
+  if (!statistic.sql.empty()) return statistic;
   if (name == "min" || name == "max") return {name + "(" + value.sql + ")" + over, value.type, true, -1};
   return Total(call, value, over);
 }

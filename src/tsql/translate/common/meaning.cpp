@@ -63,6 +63,13 @@ struct OwnPart {
 
 }  // namespace
 
+bool IsAggregate(std::string_view name) {
+  constexpr auto kAggregates =
+      std::to_array<std::string_view>({"avg", "checksum_agg", "count", "count_big", "max", "min", "stdev", "stdevp",
+                                       "string_agg", "sum", "var", "varp"});
+  return std::find(kAggregates.begin(), kAggregates.end(), name) != kAggregates.end();
+}
+
 bool HasColumn(const Expression& expression) {
   return AnyOperand(expression, [](const Expression& operand) {
     return As<ColumnReference>(operand) != nullptr || As<ScalarSubquery>(operand) != nullptr;
@@ -70,12 +77,9 @@ bool HasColumn(const Expression& expression) {
 }
 
 bool HasAggregate(const Expression& expression) {
-  constexpr std::array<std::string_view, 8> kAggregates = {"count", "count_big", "sum",        "avg",
-                                                           "min",   "max",       "string_agg", "checksum_agg"};
-  return AnyOperand(expression, [&](const Expression& operand) {
+  return AnyOperand(expression, [](const Expression& operand) {
     const auto* call = As<FunctionCall>(operand);
-    return call != nullptr && call->window == nullptr &&
-           std::find(kAggregates.begin(), kAggregates.end(), call->name) != kAggregates.end();
+    return call != nullptr && call->window == nullptr && IsAggregate(call->name);
   });
 }
 

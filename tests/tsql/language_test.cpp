@@ -663,6 +663,7 @@ TEST(Language, LongChainsOfOperators) {
       {("select " + chain("FAmount * 2", "-", 60) + " as s from o order by FID").c_str(),
        "s;-1218.0000;-2320.0000;NULL"},
       {("select len(" + chain("N'货'", "+", 300) + ") as n").c_str(), "n;300"},
+      {"select $5.25 as a, -$3 as b, $.5 * 2 as c", "a|b|c;5.2500|-3.0000|1.0000"},
       {("select " + chain("2147483647", "+", 13) + " as s").c_str(),
        "error 8115: Arithmetic overflow error converting expression to data type int."},
   });

@@ -38,6 +38,8 @@ Datum LiteralValue(const Token& token, SqlType& type) {
     }
     case TokenKind::kFloat:
       return Convert(std::string(token.text), VarCharType(0), FloatType());
+    case TokenKind::kMoney:
+      return MoneyLiteral(token.text);
     case TokenKind::kBinary:
       return BinaryLiteral(token.text);
     case TokenKind::kString:

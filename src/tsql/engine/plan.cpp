@@ -17,7 +17,8 @@ constexpr std::size_t kBeginning = 24;
 
 bool IsLiteral(TokenKind kind) {
   return kind == TokenKind::kInteger || kind == TokenKind::kDecimal || kind == TokenKind::kFloat ||
-         kind == TokenKind::kBinary || kind == TokenKind::kString || kind == TokenKind::kNString;
+         kind == TokenKind::kMoney || kind == TokenKind::kBinary || kind == TokenKind::kString ||
+         kind == TokenKind::kNString;
 }
 
 /// What of a literal is part of the shape: whole numbers beyond an int, decimals, and long texts and binaries have
@@ -129,7 +130,7 @@ bool TakeLiteral(std::string_view text, std::size_t& position, const TextTemplat
     token.doubled = closing.doubled || HoldsContinuation(token.text);
     return LiteralClass(token) == wanted.literal_class;
   }
-  if (wanted.kind == TokenKind::kFloat) return false;
+  if (wanted.kind == TokenKind::kFloat || wanted.kind == TokenKind::kMoney) return false;
   bool point = false;
   while (position < text.size() &&
          ((text[position] >= '0' && text[position] <= '9') || (text[position] == '.' && !point))) {

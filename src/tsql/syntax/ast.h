@@ -40,7 +40,7 @@ struct Query;
 using ExpressionPtr = std::unique_ptr<Expression>;
 using QueryPtr = std::unique_ptr<Query>;
 
-enum class LiteralKind : std::uint8_t { kNull, kInteger, kDecimal, kFloat, kBinary, kString, kNString };
+enum class LiteralKind : std::uint8_t { kNull, kInteger, kDecimal, kFloat, kMoney, kBinary, kString, kNString };
 enum class UnaryOp : std::uint8_t { kPlus, kMinus, kBitNot };
 enum class CompareOp : std::uint8_t { kEqual, kNotEqual, kLess, kLessEqual, kGreater, kGreaterEqual };
 enum class Quantifier : std::uint8_t { kAny, kAll };

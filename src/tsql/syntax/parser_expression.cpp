@@ -49,6 +49,8 @@ LiteralKind LiteralKindOf(TokenKind kind) {
       return LiteralKind::kDecimal;
     case TokenKind::kFloat:
       return LiteralKind::kFloat;
+    case TokenKind::kMoney:
+      return LiteralKind::kMoney;
     case TokenKind::kBinary:
       return LiteralKind::kBinary;
     case TokenKind::kNString:

@@ -137,6 +137,10 @@ class Lexer {
       Token& token = Push(TokenKind::kWord, begin);
       token.id = names_.Intern(token.text);
       if (lists_ && token.id == static_cast<std::uint32_t>("in"_kw)) TakeList();
+    } else if (c == '$' && (IsDigit(At(1)) || (At(1) == '.' && IsDigit(At(2))))) {
+      ++position_;
+      SkipNumber();
+      Push(TokenKind::kMoney, begin);
     } else if (IsDigit(c) || (c == '.' && IsDigit(At(1)))) {
       Push(SkipNumber(), begin);
       out_.tokens.back().text = From(begin);

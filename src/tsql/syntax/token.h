@@ -17,6 +17,7 @@ enum class TokenKind : std::uint8_t {
   kInteger,   // digits only
   kDecimal,   // digits with a point
   kFloat,     // digits with an exponent
+  kMoney,     // $ and digits
   kBinary,    // 0x…
   kString,    // '…'
   kNString,   // N'…'

@@ -174,6 +174,8 @@ bool SqlType::is_date() const noexcept {
 
 SqlType IntType() { return {FieldType::kInt, 0, 0, 0, false}; }
 SqlType BigIntType() { return {FieldType::kBigInt, 0, 0, 0, false}; }
+SqlType MoneyType() { return ResolveType({"money", -2, -2}, false); }
+
 SqlType FloatType() { return {FieldType::kFloat, 0, 0, 0, false}; }
 SqlType DateTimeType() { return {FieldType::kDateTime, 0, 0, 0, false}; }
 SqlType DateTime2Type(int scale) {

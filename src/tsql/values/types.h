@@ -65,6 +65,7 @@ struct SqlType {
 SqlType IntType();
 SqlType BigIntType();
 SqlType FloatType();
+SqlType MoneyType();
 SqlType DateTimeType();
 SqlType DateTime2Type(int scale);
 SqlType DateTimeOffsetType(int scale);

@@ -177,6 +177,8 @@ bool IsLongLiteral(LiteralKind kind, std::string_view value) {
   }
 }
 
+Datum MoneyLiteral(std::string_view text) { return Convert(std::string(text.substr(1)), VarCharType(0), MoneyType()); }
+
 Blob BinaryLiteral(std::string_view text) {
   std::string digits(text.substr(2));
   if (digits.size() % 2 != 0) digits.insert(0, 1, '0');

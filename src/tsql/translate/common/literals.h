@@ -23,6 +23,8 @@ LiteralUse FindLiterals(const Statement& statement);
 /// Whether a text or binary literal is too long for varchar(8000), nvarchar(4000) or varbinary(8000): its type is
 /// (max). `value` is what stands between the quotes, undoubled; of a binary literal all of it, "0x…".
 bool IsLongLiteral(LiteralKind kind, std::string_view value);
+/// The amount of "$1.50".
+Datum MoneyLiteral(std::string_view text);
 /// The bytes of "0x…". An odd number of digits begins with half a byte: 0x123 is 0x0123.
 Blob BinaryLiteral(std::string_view text);
 

@@ -43,6 +43,8 @@ TypedDatum ValueOf(const Literal& literal) {
       return DecimalLiteral(literal.text);
     case LiteralKind::kFloat:
       return {FloatType(), Convert(literal.text, VarCharType(8000), FloatType())};
+    case LiteralKind::kMoney:
+      return {MoneyType(), MoneyLiteral(literal.text)};
     case LiteralKind::kBinary:
       return {{FieldType::kVarBinary, is_long ? 0 : 8000, 0, 0, false}, BinaryLiteral(literal.text)};
     case LiteralKind::kString:

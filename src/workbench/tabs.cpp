@@ -11,7 +11,9 @@ namespace {
 
 const std::string kUnlocked = "ISNULL(t22.FIsLock, 0) = 0";
 const std::string kOrders = "IC_Web2ERPOrders t1 with(nolock)";
-const std::string kOfExtension = "IC_Web2ERPOrdersEx t22 with(nolock) INNER JOIN " + kOrders + " ON t1.FID = t22.FID";
+/// For orders that are found by their keys: where they stand, without a look at the orders themselves.
+const std::string kStates = "IC_Web2ERPOrders t1 with(nolock, index(" + std::string(kStateIndex) + "))";
+const std::string kOfExtension = "IC_Web2ERPOrdersEx t22 with(nolock) INNER JOIN " + kStates + " ON t1.FID = t22.FID";
 const std::string kLocked = "t1.FCheckStatus = 1 AND t1.FOrderStatus > 1 AND t22.FIsLock = 1 AND t22.FLockStatus = 2";
 /// Keys of orders that are refunded or have a closed line.
 const std::string kRefunded =
@@ -54,7 +56,7 @@ std::span<const Tab> Tabs() {
       Tab{.name = "refunds",
           .condition = "t1.FOrderStatus > 1 AND t1.FID IN " + kRefunded + " AND " + kUnlocked,
           .count =
-              Count(kOrders, "t1.FID IN " + kRefunded + " AND t1.FOrderStatus > 1 AND " + std::string(kNotLocked))},
+              Count(kStates, "t1.FID IN " + kRefunded + " AND t1.FOrderStatus > 1 AND " + std::string(kNotLocked))},
       Tab{.name = "locked", .condition = kLocked, .count = "@locked"},
   };
   return kTabs;
@@ -68,7 +70,7 @@ std::string TabsStatement(std::string_view shops) {
       Those(kLocked) + ", @locked2 = " + in_state("2") + ", @locked6 = " + in_state("6") +
       ", @locked14 = " + in_state("14") + ", @lockedFailed = " + Those("t1.FUpLoadStatus = 2") + " FROM " +
       kOfExtension + " WHERE (t22.FIsLock > 0 OR t22.FIsLock < 0){shops};\r\nSELECT @queued2 = " + in_state("2") +
-      ", @queued6 = " + in_state("6") + " FROM IC_StockBillOrdersStatus t23 with(nolock) INNER JOIN " + kOrders +
+      ", @queued6 = " + in_state("6") + " FROM IC_StockBillOrdersStatus t23 with(nolock) INNER JOIN " + kStates +
       " ON t1.FID = t23.FID WHERE t23.FStockBillStatus = 1 AND (t1.FOrderStatus = 2 OR t1.FOrderStatus = 6) AND " +
       std::string(kNotLocked) + "{shops};\r\n";
   for (const Tab& tab : Tabs()) {

@@ -16,6 +16,9 @@ struct Tab {
   std::string count;
 };
 
+/// The index that the counts name: the database needs it.
+inline constexpr std::string_view kStateIndex = "IX_Web2ERPOrders_State";
+
 std::span<const Tab> Tabs();
 
 /// Counts the orders of each tab: FTab and FOrders. The few that are locked or queued are looked at once, and taken

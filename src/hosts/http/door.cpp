@@ -19,6 +19,7 @@
 #include "hosts/http/writes/question_job.h"
 #include "platform/text/text.h"
 #include "tessarlorn/collections.h"
+#include "workbench/tabs.h"
 
 namespace tessarlorn::http {
 namespace {
@@ -86,6 +87,12 @@ class Door::Place {
   std::string caller_;
   std::string key_;
 };
+
+bool HasItsIndexes(Connection& connection) {
+  const RecordsetPtr found =
+      connection.Query("SELECT COUNT(*) FROM sys.indexes WHERE name = '" + std::string(workbench::kStateIndex) + "'");
+  return found->Get(std::size_t{0}).ToInt32() > 0;
+}
 
 Door::Door(Host& host, DoorOptions options)
     : host_(host),

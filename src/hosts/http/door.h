@@ -55,6 +55,9 @@ struct DoorOptions {
   std::function<void(const std::string&)> log = {};
 };
 
+/// Whether the database has the indexes that the workbench's questions name. One that an earlier version made has not.
+bool HasItsIndexes(Connection& connection);
+
 /// Used by several threads at once. Goes when the server that uses it has ended, and before that server goes.
 class Door {
  public:

@@ -84,26 +84,11 @@ void Definitions::CreateIndex(const CreateIndexStatement& statement, std::uint32
                              "' already exists on table '" + table->name + "'.");
   }
   const std::string nulls = statement.unique ? NullKeySql(*table, statement.name, key, condition) : "";
-  const bool of_row_key =
-      table->columns[static_cast<std::size_t>(table->FindColumn(key.at(0)))].row_key && condition.empty();
   database_.Atomically([&] {
     database_.Run(sql);
     if (!nulls.empty()) database_.Run(nulls);
     database_.catalog().NoteIndex(*table, statement.name, statement.included, statement.where_text);
-    if (of_row_key) TellOneRow(*table, statement.name, statement.key.size() + statement.included.size());
   });
-}
-
-void Definitions::TellOneRow(const CatalogObject& table, const std::string& index, std::size_t columns) {
-  // As many rows as it takes a table for that nobody counted.
-  std::string rows = "1048576";
-  for (std::size_t i = 0; i < columns; ++i) rows += " 1";
-  const std::string schema(SchemaOf(table));
-  // The first makes the table of counts, the second reads it.
-  database_.Run("ANALYZE " + schema + ".sqlite_schema");
-  database_.Run("INSERT INTO " + schema + ".sqlite_stat1 VALUES (" + QuoteText(table.name) + ", " +
-                QuoteText(table.name + "." + index) + ", " + QuoteText(rows) + ")");
-  database_.Run("ANALYZE " + schema + ".sqlite_schema");
 }
 
 void Definitions::DropIndex(const DropIndexStatement& statement) {

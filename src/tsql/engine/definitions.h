@@ -50,9 +50,6 @@ class Definitions {
   void DropColumns(CatalogObject table, const std::vector<std::string>& columns);
   std::string CheckText(const CatalogObject& table, const std::string& text, const Activation& activation);
   bool IndexExists(const CatalogObject& table, const std::string& index);
-  /// Tells SQLite that the index, which begins with the row's own number, has one row a key. It would take each key for
-  /// ten rows, and read the wide table instead.
-  void TellOneRow(const CatalogObject& table, const std::string& index, std::size_t columns);
   /// A table, view or procedure.
   void DropObject(const CatalogObject& object);
   void AddObject(CatalogObject object, bool replace);

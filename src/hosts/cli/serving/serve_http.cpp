@@ -75,6 +75,9 @@ class HttpDoor final : public ServedDoor {
         server_(std::move(listening), TransportOptionsFor(options),
                 [this](std::unique_ptr<http::Exchange> exchange) { door_.Handle(std::move(exchange)); }),
         door_(context.host, MakeDoorOptions(options, context)) {
+    if (!http::HasItsIndexes(*keeper_)) {
+      throw UsageError("the database lacks indexes of this version: 'tessarlorn init' makes them");
+    }
     door_.set_connections([this] { return server_.connections(); });
   }
 

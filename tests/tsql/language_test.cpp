@@ -163,6 +163,15 @@ TEST(Language, OutputOfMoreThanTheRow) {
       {"update c set t = 1 output inserted.t into e (FID) select count(*) n from c where t = 1",
        "error 515: Cannot insert the value NULL into column 'FEntryID', table 'dbo.e'; column does not allow nulls. INSERT fails."},
       {"select t from c", "t;50;60"},
+      {"create table #t (id int primary key, a int) insert #t values (1,1) update #t set a = 2 output deleted.a, inserted.a as b",
+       "a|b;1|2"},
+      {"declare @t table (id int primary key, a int) merge @t t using (values (2,9)) s(i, v) on t.id = s.i when not matched then insert "
+       "values (i, v); select * from @t",
+       "id|a;2|9"},
+      {"create view w as select FID as k, FState as FAmount from o", ""},
+      {"update w set FAmount = 99 output deleted.FAmount as a, inserted.* where k = 3", "a|k|FAmount;NULL|3|99"},
+      {"declare @n int = -1 delete top (@n) from o", "error 127: A TOP N or FETCH rowcount value may not be negative."},
+      {"delete o from o x join o y on x.FID = y.FID", "error 8154: The table 'o' is ambiguous."},
   });
 }
 
@@ -188,6 +197,9 @@ TEST(Language, Merge) {
        "delete; select @@rowcount as n",
        "n;3"},
       {"select k, q from m order by k", "k|q;1|9;2|6;3|30"},
+      {"merge m using (e right join o on e.FQty = o.FID + 5) on m.k = o.FID when matched then update set q = o.FID; select k, q from m "
+       "order by k",
+       "k|q;1|1;2|2;3|3"},
   });
 }
 
@@ -231,6 +243,11 @@ TEST(Language, RowsAsText) {
        "o.FID for json path) lines from o where FID <> 2 order by FID for json path) as j",
        "j;[{\"id\":1,\"buyer\":{\"name\":\"张三\",\"sum\":10.5000},\"ok\":true,\"lines\":[{\"c\":\"A1\"},{\"c\":\"a1 "
        "\"}]},{\"id\":3,\"buyer\":{\"name\":\"bob \"},\"ok\":true}]"},
+      {"select (select cast(123456789.125 as float) f, 'a/b' t, (select 1 x for json path, without_array_wrapper) o for json path) as j",
+       "j;[{\"f\":1.234567891250000e+008,\"t\":\"a\\/b\",\"o\":\"{\\\"x\\\":1}\"}]"},
+      {"select 1 as a, 2 as [b.c], 3 as [a.d] for json path",
+       "error 13601: Property 'a.d' cannot be generated in JSON output due to a conflict with another column name or alias. Use "
+       "different names and aliases for each column in SELECT list."},
       {"select (select FCode as c from e where FEntryID = 21 for json path, include_null_values, without_array_wrapper) as j, (select 1 a "
        "from o where 1 = 0 for json path) as n",
        "j|n;{\"c\":null}|NULL"},
@@ -640,6 +657,10 @@ TEST(Language, GroupingSetsAndPivot) {
        "count(*) > 1",
        "FState|y|n|i;NULL|2026|3|2;NULL|NULL|3|3"},
       {"select top 2 FID, count(*) n from e group by grouping sets ((FID), ()) order by n desc", "FID|n;NULL|3;1|2"},
+      {"select FID, FCode, sum(FQty) q, grouping(e.FID) g from e where FID = 1 group by grouping sets((e.FID, e.FCode), (FID), ()) order "
+       "by g, FCode, FID",
+       "FID|FCode|q|g;1|NULL|3.0000|0;1|A1|3.0000|0;NULL|NULL|3.0000|1"},
+      {"select FID from e group by rollup (FID) order by 1", "FID;NULL;1;2"},
       {"select FID, count(*) n from e group by FID with rollup", "FID|n;1|2;2|1;NULL|3"},
       {"select FID, count(*) n from e where 1 = 0 group by FID with cube", "FID|n"},
       {"select * from (select FID, FCode, FQty from e) s pivot (sum(FQty) for FCode in ([a1], [B])) p order by FID",

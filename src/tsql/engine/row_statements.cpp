@@ -87,9 +87,11 @@ void RowStatements::Truncate(const TruncateStatement& statement) {
 }
 
 bool RowStatements::RunCompiled(const Statement& statement, const Activation& activation) {
-  const Transaction::Snapshot snapshot(transaction_, database_.catalog());
+  std::optional<Transaction::Snapshot> snapshot(std::in_place, transaction_, database_.catalog());
   Compiled& compiled = plans_.OfStatement(statement, activation);
   if (!compiled.stages.empty()) {
+    // SQLite drops no table while anything is read.
+    snapshot.reset();
     RunStages(compiled, activation);
     return !compiled.columns.empty();
   }
@@ -170,7 +172,7 @@ void RowStatements::RunStages(Compiled& change, const Activation& activation) {
 
 namespace {
 
-const Output* OutputOf(const Statement& statement) {
+const Output* OutputClauseOf(const Statement& statement) {
   if (const auto* insert = As<InsertStatement>(statement)) return &insert->output;
   if (const auto* update = As<UpdateStatement>(statement)) return &update->rows.output;
   if (const auto* removal = As<DeleteStatement>(statement)) return &removal->rows.output;
@@ -201,7 +203,7 @@ void RowStatements::ChangeInto(const Statement& statement, const Output& output,
 }
 
 void RowStatements::Change(const Statement& statement, const Activation& activation) {
-  const Output* const output = OutputOf(statement);
+  const Output* const output = OutputClauseOf(statement);
   if (output != nullptr && !output->into.name.empty()) {
     ChangeInto(statement, *output, activation);
     return;

@@ -13,6 +13,24 @@ namespace {
 
 [[noreturn]] void RaiseDivideByZero() { throw SqlError(8134, "Divide by zero error encountered."); }
 
+// ts_rows_wanted(number, 0 for TOP, 1 for OFFSET, 2 for FETCH)
+void CheckRowLimit(sqlite3_context* context, Runtime&, Arguments arguments) {
+  if (IsNull(arguments[0])) {
+    throw SqlError(
+        1060, "The number of rows provided for a TOP or FETCH clauses row count parameter must be an integer.", 15);
+  }
+  const std::int64_t rows = sqlite3_value_int64(arguments[0]);
+  const int clause = sqlite3_value_int(arguments[1]);
+  if (rows < 0 && clause == 0) throw SqlError(127, "A TOP N or FETCH rowcount value may not be negative.", 15);
+  if (rows < 0 && clause == 1) {
+    throw SqlError(10742, "The offset specified in a OFFSET clause may not be negative.", 15);
+  }
+  if (rows <= 0 && clause == 2) {
+    throw SqlError(10744, "The number of rows provided for a FETCH clause must be greater then zero.", 15);
+  }
+  sqlite3_result_int64(context, rows);
+}
+
 // ts_i32(value): a whole number that has to fit in an int
 void CheckInt(sqlite3_context* context, Runtime&, Arguments arguments) {
   if (IsNull(arguments[0])) return;
@@ -168,6 +186,7 @@ void NewId(sqlite3_context* context, Runtime&, Arguments) {
 
 void RegisterNumberFunctions(sqlite3* database, Runtime& runtime) {
   RegisterFunction(database, runtime, "ts_i32", 1, CheckInt);
+  RegisterFunction(database, runtime, "ts_rows_wanted", 2, CheckRowLimit);
   RegisterFunction(database, runtime, "ts_i64", 1, CheckBigInt);
   RegisterFunction(database, runtime, "ts_float", 1, CheckFloat);
   RegisterFunction(database, runtime, "ts_div", 2, Divide);

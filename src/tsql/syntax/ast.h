@@ -362,6 +362,8 @@ struct ForClause {
   Form form = Form::kXmlPath;
   std::string row = "row";      // the element of a row, "" for none
   std::string root;             // "" for none
+  bool automatic = false;       // AUTO
+  bool typed = false;           // TYPE
   bool as_value = false;        // .value('.', …): the text between the tags
   bool includes_nulls = false;  // INCLUDE_NULL_VALUES
   bool array = true;            // no WITHOUT_ARRAY_WRAPPER

@@ -28,7 +28,10 @@ ForClause Parser::ParseForXml() {
   }
   if (At(Op::kLeftParen)) clause.row = ParseTextInParens();
   while (Accept(Op::kComma)) {
-    if (Accept("type"_kw)) continue;
+    if (Accept("type"_kw)) {
+      clause.typed = true;
+      continue;
+    }
     if (!Accept("root"_kw)) Refuse("FOR XML …, " + UpperCase(Peek().text));
     clause.root = At(Op::kLeftParen) ? ParseTextInParens() : "root";
   }
@@ -38,7 +41,8 @@ ForClause Parser::ParseForXml() {
 ForClause Parser::ParseForJson() {
   ForClause clause;
   clause.form = ForClause::Form::kJson;
-  if (!Accept("path"_kw)) Expect("auto"_kw);
+  clause.automatic = Accept("auto"_kw);
+  if (!clause.automatic) Expect("path"_kw);
   while (Accept(Op::kComma)) {
     if (Accept("include_null_values"_kw)) {
       clause.includes_nulls = true;

@@ -101,8 +101,7 @@ std::vector<std::size_t> Parser::ParseGroupingSet(Select& select) {
   if (At(Op::kLeftParen) && At(Op::kRightParen, 1)) {
     Take();
     Take();
-  } else if (At(Op::kLeftParen) && !AtQueryInParens() && tokens_[MatchingParen(position_) + 1].op != Op::kNone &&
-             !At(Op::kDot, 2) && HoldsComma(position_)) {
+  } else if (At(Op::kLeftParen) && HoldsComma(position_)) {
     Take();
     for (ExpressionPtr& value : ParseValues()) select.group_by.push_back(std::move(value));
     Expect(Op::kRightParen);

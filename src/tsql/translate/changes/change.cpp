@@ -66,7 +66,7 @@ Compiled CompileUpdate(Translation& translation, const UpdateStatement& update, 
                                              clauses.from + clauses.where);
   } else if (collect) {
     compiled = translation.parameters.Finish(WholeRows(clauses, sets));
-  } else if (AsksForMore(rows.output, "inserted")) {
+  } else if (AsksForMore(rows.output, "inserted") || (clauses.target.through_query && !rows.output.items.empty())) {
     StagedChange change(translation, rows.output);
     change.Update(clauses, sets);
     compiled = change.Finish();
@@ -90,7 +90,7 @@ Compiled CompileDelete(Translation& translation, const DeleteStatement& statemen
   }
   TranslateRowsOf(translation, rows, clauses);
   Compiled compiled;
-  if (AsksForMore(rows.output, "deleted")) {
+  if (AsksForMore(rows.output, "deleted") || (clauses.target.through_query && !rows.output.items.empty())) {
     StagedChange change(translation, rows.output);
     change.Delete(clauses);
     compiled = change.Finish();

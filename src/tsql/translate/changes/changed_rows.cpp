@@ -21,19 +21,30 @@ const TableSource* FindSource(const TableSource& source, const IsTarget& is_targ
   return is_target(source) ? &source : nullptr;
 }
 
-/// The source that the target of UPDATE or DELETE names: by its alias, or else by its table's name.
+/// How often a table of that name stands in a source under whatever alias.
+int CountNamed(const TableSource& source, const std::string& name) {
+  if (const auto* join = std::get_if<Join>(&source.node)) {
+    return CountNamed(*join->left, name) + CountNamed(*join->right, name);
+  }
+  const auto* table = std::get_if<NamedTable>(&source.node);
+  return table != nullptr && EqualsIgnoreCase(table->name.name, name) ? 1 : 0;
+}
+
+/// The source that the target of UPDATE or DELETE names: by its alias, or else by its table's name. Raises 8154 for a
+/// name that stands twice.
 const TableSource* FindTarget(const std::vector<TableSourcePtr>& from, const std::string& name) {
   const auto by_alias = [&](const TableSource& source) {
     const auto* table = std::get_if<NamedTable>(&source.node);
     const auto* derived = std::get_if<DerivedTable>(&source.node);
     return EqualsIgnoreCase(table != nullptr ? table->shown_name() : derived != nullptr ? derived->alias : "", name);
   };
-  const auto by_name = [&](const TableSource& source) {
-    const auto* table = std::get_if<NamedTable>(&source.node);
-    return table != nullptr && EqualsIgnoreCase(table->name.name, name);
-  };
+  const auto by_name = [&](const TableSource& source) { return CountNamed(source, name) > 0; };
   const TableSource* found = nullptr;
   for (const TableSourcePtr& source : from) found = found != nullptr ? found : FindSource(*source, by_alias);
+  if (found != nullptr) return found;
+  int count = 0;
+  for (const TableSourcePtr& source : from) count += CountNamed(*source, name);
+  if (count > 1) throw SqlError(8154, "The table '" + name + "' is ambiguous.");
   for (const TableSourcePtr& source : from) found = found != nullptr ? found : FindSource(*source, by_name);
   return found;
 }
@@ -90,6 +101,7 @@ void ChooseRow(Clauses& clauses, std::size_t row) {
   const BaseRow& base = SourceOf(clauses).rows.at(row);
   clauses.target.table = base.table;
   clauses.target.row = base.number;
+  clauses.target.base_row = static_cast<int>(row);
 }
 
 void TranslateHead(Translation& translation, const ChangedRows& rows, Clauses& clauses) {
@@ -103,7 +115,8 @@ void TranslateHead(Translation& translation, const ChangedRows& rows, Clauses& c
 
 void TranslateRowsOf(Translation& translation, const ChangedRows& rows, Clauses& clauses) {
   if (rows.where != nullptr) clauses.where = " WHERE " + translation.Condition(*rows.where, clauses.scope);
-  if (rows.top != nullptr) clauses.limit = " LIMIT " + IntArgument(translation, *rows.top, clauses.scope);
+  if (rows.top != nullptr)
+    clauses.limit = " LIMIT " + RowLimitArgument(translation, *rows.top, clauses.scope, RowLimit::kTop);
 }
 
 std::string Clauses::Tail() const {

@@ -15,6 +15,7 @@ struct Target {
   std::string alias;
   std::string row;             // the number of the table's row, in SQL
   bool through_query = false;  // it is a view, a derived table or a common one
+  int base_row = -1;           // of that query: which of its base rows is changed
   bool joined = false;         // FROM names more than the table
   bool named = true;           // FROM, where there is one, names the target
 };

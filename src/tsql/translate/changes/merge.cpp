@@ -1,5 +1,8 @@
 #include "tsql/translate/changes/merge.h"
 
+#include <string_view>
+
+#include "platform/text/text.h"
 #include "tsql/translate/changes/assignments.h"
 #include "tsql/translate/changes/insert.h"
 #include "tsql/translate/changes/output.h"
@@ -47,19 +50,19 @@ Clauses MergeTranslator::ClausesOf(Match match) const {
   Clauses clauses;
   clauses.with = with_;
   clauses.target = target_;
-  const auto without = [&](const std::string& sql) {
-    return " WHERE NOT EXISTS (SELECT 1" + sql + " WHERE " + on_ + ")";
-  };
+  const bool joins = std::holds_alternative<Join>(merge_.source->node);
+  const std::string source = joins ? "(" + source_sql_ + ")" : source_sql_;
+  const std::string joined = " JOIN " + source + " ON " + on_;
   switch (match) {
     case Match::kMatched:
       clauses.scope.sources = both_.sources;
-      clauses.from = target_sql_ + " INNER JOIN" + source_sql_.substr(sizeof(" FROM") - 1);
-      clauses.where = " WHERE " + on_;
+      clauses.from = " FROM " + target_sql_ + " INNER" + joined;
+      clauses.where = " WHERE true";
       break;
     case Match::kNotMatched:
       clauses.scope.sources = source_scope_.sources;
-      clauses.from = source_sql_;
-      clauses.where = without(target_sql_);
+      clauses.from = " FROM " + source + " LEFT JOIN " + target_sql_ + " ON " + on_;
+      clauses.where = " WHERE " + target_.row + " IS NULL";
       break;
     case Match::kNotMatchedBySource:
       clauses.scope.sources = both_.sources;
@@ -67,8 +70,9 @@ Clauses MergeTranslator::ClausesOf(Match match) const {
       for (std::size_t i = target_scope_.sources.size(); i < both_.sources.size(); ++i) {
         for (SourceColumn& column : clauses.scope.sources[i].columns) column.sql = "NULL";
       }
-      clauses.from = target_sql_;
-      clauses.where = without(source_sql_);
+      clauses.from = " FROM " + target_sql_;
+      clauses.where =
+          " WHERE " + target_.row + " NOT IN (SELECT " + target_.row + " FROM " + target_sql_ + " INNER" + joined + ")";
   }
   clauses.where += taken_[static_cast<std::size_t>(match)];
   return clauses;
@@ -77,12 +81,19 @@ Clauses MergeTranslator::ClausesOf(Match match) const {
 void MergeTranslator::Add(const MergeStatement::Branch& branch) {
   Clauses clauses = ClausesOf(branch.match);
   std::string& taken = taken_[static_cast<std::size_t>(branch.match)];
+  constexpr std::string_view kAll = " AND false";
+  if (taken.ends_with(kAll)) {
+    throw SqlError(5324,
+                   "In a MERGE statement, a 'WHEN MATCHED' clause with a search condition cannot appear after a "
+                   "'WHEN MATCHED' clause with no search condition.",
+                   15);
+  }
   if (branch.condition != nullptr) {
     const std::string condition = "(" + translation_.Condition(*branch.condition, clauses.scope) + ")";
     clauses.where += " AND " + condition;
     taken += " AND " + condition + " IS NOT TRUE";
   } else {
-    taken += " AND false";
+    taken += kAll;
   }
   if (const auto* update = std::get_if<MergeStatement::Update>(&branch.action)) {
     Assignments assignments(translation_, clauses);
@@ -99,12 +110,15 @@ void MergeTranslator::Add(const MergeStatement::Branch& branch) {
 
 Compiled MergeTranslator::Translate() {
   with_ = TranslateWith(translation_, merge_.with, nullptr);
+  for (const CommonTable& table : merge_.with) {
+    if (EqualsIgnoreCase(table.name, merge_.target.name.name)) RaiseUnsupported("MERGE into a common table expression");
+  }
   target_.table = translation_.Lookup(merge_.target.name);
   RequireTable(*target_.table);
   target_.alias = merge_.target.shown_name();
   target_.row = QuoteName(target_.alias) + "._rowid_";
-  target_sql_ = " FROM " + TranslateTable(translation_, merge_.target, target_scope_);
-  source_sql_ = " FROM " + TranslateSource(translation_, *merge_.source, source_scope_);
+  target_sql_ = TranslateTable(translation_, merge_.target, target_scope_);
+  source_sql_ = TranslateSource(translation_, *merge_.source, source_scope_);
   both_ = target_scope_;
   for (const Source& source : source_scope_.sources) AddSource(both_, source);
   on_ = "(" + translation_.Condition(*merge_.on, both_) + ")";

@@ -35,13 +35,23 @@ void AddOutput(Translation& translation, const SelectItem& item, Scope& scope, s
   columns.push_back({named ? column->name() : item.alias, values.back().type, values.back().nullable});
 }
 
-/// The rows of a table that OUTPUT names. @param value a column in SQL
+/// The rows that OUTPUT names, with the columns of the target: those of the table, or of the query that stands for it.
+/// @param value a column of the table in SQL
 template <typename Value>
-Source RowsOf(const char* name, const CatalogObject& table, const Value& value) {
+Source RowsOf(const char* name, const Clauses& clauses, const Value& value) {
+  const CatalogObject& table = *clauses.target.table;
   Source source;
   source.alias = name;
-  for (const Column& column : table.columns) {
-    source.columns.push_back({column.name, column.type, true, value(column)});
+  if (!clauses.target.through_query) {
+    for (const Column& column : table.columns) {
+      source.columns.push_back({column.name, column.type, true, value(column)});
+    }
+    return source;
+  }
+  for (const SourceColumn& shown : SourceOf(clauses).columns) {
+    if (shown.row != clauses.target.base_row) continue;
+    const Column& column = table.columns[static_cast<std::size_t>(table.FindColumn(shown.base))];
+    source.columns.push_back({shown.name, column.type, true, value(column)});
   }
   return source;
 }
@@ -84,12 +94,12 @@ std::string StagedChange::OutputOf(Kind kind, const Clauses& clauses, const std:
   Scope after;
   after.parent = &before;
   if (kind == Kind::kInsert) {
-    after.sources.push_back(RowsOf("deleted", table, none));
+    after.sources.push_back(RowsOf("deleted", clauses, none));
   } else {
-    before.sources.push_back(RowsOf("deleted", table, [&](const Column& column) { return clauses.Old(column); }));
+    before.sources.push_back(RowsOf("deleted", clauses, [&](const Column& column) { return clauses.Old(column); }));
   }
   const auto now = [](const Column& column) { return "\"$new\"." + QuoteName(column.name); };
-  after.sources.push_back(kind == Kind::kDelete ? RowsOf("inserted", table, none) : RowsOf("inserted", table, now));
+  after.sources.push_back(kind == Kind::kDelete ? RowsOf("inserted", clauses, none) : RowsOf("inserted", clauses, now));
   std::vector<Typed> values;
   std::vector<ResultColumn> columns;
   for (const SelectItem& item : output_.items) {

@@ -15,6 +15,12 @@ std::string IntArgument(Translation& translation, const Expression& expression, 
   return Coerce(translation.parameters, translation.Value(expression, scope), BigIntType());
 }
 
+std::string RowLimitArgument(Translation& translation, const Expression& expression, Scope& scope, RowLimit limit) {
+  const std::string number = IntArgument(translation, expression, scope);
+  if (As<Literal>(expression) != nullptr) return number;
+  return "ts_rows_wanted(" + number + ", " + std::to_string(static_cast<int>(limit)) + ")";
+}
+
 std::string FloatArgument(Translation& translation, const Expression& expression, Scope& scope) {
   return Coerce(translation.parameters, translation.Value(expression, scope), FloatType());
 }

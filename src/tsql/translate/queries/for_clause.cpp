@@ -1,5 +1,7 @@
 #include "tsql/translate/queries/for_clause.h"
 
+#include <algorithm>
+#include <set>
 #include <span>
 #include <string>
 #include <utility>
@@ -18,10 +20,24 @@ struct Leaf {
   std::string sql;  // as it stands in the text; NULL where there is nothing
 };
 
-/// In the server's form: dates with a T between date and time.
+/// In the server's form: dates with a T between date and time, floats with all their digits.
 std::string TextOf(Translation& translation, const Typed& value) {
   constexpr int kIso = 126;
-  return Coerce(translation.parameters, value, NVarCharType(0), Fit::kCast, value.type.is_date() ? kIso : 0);
+  constexpr int kAllDigits = 2;
+  if (value.type.is_binary()) RaiseUnsupported("Binary data in FOR XML or FOR JSON");
+  const bool has_day = value.type.is_date() && value.type.kind != FieldType::kTime;
+  return Coerce(translation.parameters, value, NVarCharType(0), Fit::kCast,
+                has_day                 ? kIso
+                : value.type.is_float() ? kAllDigits
+                                        : 0);
+}
+
+/// The FOR clause of the query that a select item is, or nullptr.
+const ForClause* NestedClause(const Query& query, const std::vector<ResultColumn>& columns, std::size_t i) {
+  const Select* select = query.select();
+  if (select == nullptr || select->items.size() != columns.size()) return nullptr;
+  const auto* subquery = As<ScalarSubquery>(*select->items[i].expression);
+  return subquery != nullptr && subquery->query->for_clause ? &*subquery->query->for_clause : nullptr;
 }
 
 /// Members of the same name that stand side by side are one, whose members they are.
@@ -50,6 +66,27 @@ std::string Around(const std::string& before, const std::string& sql, const std:
   return "coalesce(" + QuoteText(before) + " || " + sql + " || " + QuoteText(after) + ", '')";
 }
 
+/// Raises 13601 for a member that another one is, or that another one's members stand in, or do so apart.
+void RequireApart(const std::vector<Leaf>& leaves) {
+  std::set<std::vector<std::string>> done;
+  std::vector<std::string> open;
+  for (const Leaf& leaf : leaves) {
+    std::vector<std::string> path;
+    for (std::size_t depth = 0; depth < leaf.path.size(); ++depth) {
+      path.push_back(leaf.path[depth]);
+      const bool is_open =
+          depth + 1 < leaf.path.size() && depth + 1 < open.size() && std::equal(path.begin(), path.end(), open.begin());
+      if (is_open || done.insert(path).second) continue;
+      std::string name;
+      for (const std::string& part : leaf.path) name += (name.empty() ? "" : ".") + part;
+      throw SqlError(13601, "Property '" + name +
+                                "' cannot be generated in JSON output due to a conflict with another column name or "
+                                "alias. Use different names and aliases for each column in SELECT list.");
+    }
+    open = leaf.path;
+  }
+}
+
 class ForTranslator {
  public:
   ForTranslator(Translation& translation, const Query& query, TranslatedQuery rows)
@@ -75,13 +112,11 @@ class ForTranslator {
 
 std::string ForTranslator::Xml(std::size_t i, bool attribute) {
   std::string sql = TextOf(translation_, Column(i));
-  const Select* select = query_.select();
-  const bool listed = select != nullptr && select->items.size() == rows_.columns.size();
-  const auto* subquery = listed ? As<ScalarSubquery>(*select->items[i].expression) : nullptr;
-  const bool is_xml = subquery != nullptr && subquery->query->for_clause;
-  if (clause_.as_value || is_xml) return sql;
+  const ForClause* nested = NestedClause(query_, rows_.columns, i);
+  if (clause_.as_value || (nested != nullptr && nested->typed)) return sql;
   std::vector<std::pair<const char*, const char*>> marks = {{"&", "&amp;"}, {"<", "&lt;"}, {">", "&gt;"}};
   if (attribute) marks.emplace_back("\"", "&quot;");
+  marks.emplace_back("\r", "&#x0D;");
   for (const auto& [mark, entity] : marks) {
     sql = std::string("replace(") + sql + ", '" + mark + "', '" + entity + "')";
   }
@@ -105,11 +140,17 @@ std::string ForTranslator::XmlRow() {
     if (!raw && is_text) {
       leaves.push_back({{""}, Xml(i, false)});
     } else if (raw || name[0] == '@') {
+      if (!raw && !leaves.empty()) {
+        throw SqlError(6852,
+                       "Attribute-centric column '" + name +
+                           "' must not come after a non-attribute-centric sibling in XML hierarchy in FOR XML PATH.");
+      }
       if (!raw) name.erase(0, 1);
       if (name.empty())
         throw SqlError(6809, "Unnamed tables cannot be used as XML identifiers as well as unnamed columns.");
       attributes += " || " + Around(" " + name + "=\"", Xml(i, true), "\"");
     } else {
+      if (name.find('@') != std::string::npos) RaiseUnsupported("An attribute of an element within the row's");
       Leaf& leaf = leaves.emplace_back();
       for (const std::string_view part : Split(name, '/')) leaf.path.emplace_back(part);
       leaf.sql = Xml(i, false);
@@ -137,17 +178,16 @@ std::string ForTranslator::XmlRow() {
 
 std::string ForTranslator::Json(std::size_t i) {
   const Typed value = Column(i);
+  const ForClause* nested = NestedClause(query_, rows_.columns, i);
   const Select* select = query_.select();
   const bool listed = select != nullptr && select->items.size() == rows_.columns.size();
-  const Expression* item = listed ? select->items[i].expression.get() : nullptr;
-  const auto* subquery = item == nullptr ? nullptr : As<ScalarSubquery>(*item);
-  const auto* call = item == nullptr ? nullptr : As<FunctionCall>(*item);
-  const bool is_json =
-      (subquery != nullptr && subquery->query->for_clause) || (call != nullptr && call->name == "json_query");
+  const auto* call = listed ? As<FunctionCall>(*select->items[i].expression) : nullptr;
+  const bool is_json = (nested != nullptr && nested->form == ForClause::Form::kJson && nested->array) ||
+                       (call != nullptr && call->name == "json_query");
   std::string sql = TextOf(translation_, value);
   if (value.type.kind == FieldType::kBit) sql = "CASE " + value.sql + " WHEN 1 THEN 'true' WHEN 0 THEN 'false' END";
   if (!is_json && !value.type.is_number())
-    sql = "CASE WHEN " + value.sql + " IS NOT NULL THEN json_quote(" + sql + ") END";
+    sql = "CASE WHEN " + value.sql + " IS NOT NULL THEN replace(json_quote(" + sql + "), '/', '\\/') END";
   return clause_.includes_nulls ? "coalesce(" + sql + ", 'null')" : sql;
 }
 
@@ -165,6 +205,7 @@ std::string ForTranslator::JsonRow() {
     for (const std::string_view part : Split(name, '.')) leaf.path.emplace_back(part);
     leaf.sql = Json(i);
   }
+  RequireApart(leaves);
   // Each member brings its comma along, the first one too many.
   const auto member = [](const std::string& name, const std::string& sql) {
     return Around(",\"" + ReplaceAll(ReplaceAll(name, "\\", "\\\\"), "\"", "\\\"") + "\":", sql, "");
@@ -176,6 +217,10 @@ std::string ForTranslator::JsonRow() {
 }
 
 TranslatedQuery ForTranslator::Translate(std::string name) {
+  const Select* select = query_.select();
+  const bool joins =
+      select != nullptr && (select->from.size() != 1 || std::holds_alternative<Join>(select->from[0]->node));
+  if (clause_.automatic && joins) RaiseUnsupported("FOR JSON AUTO of anything but one table");
   std::string names;
   for (std::size_t i = 0; i < rows_.columns.size(); ++i) names += (i == 0 ? "c" : ", c") + std::to_string(i);
   const std::string row = is_json() ? JsonRow() : XmlRow();

@@ -135,13 +135,14 @@ std::string TranslateOrderOfSet(Translation& translation, const Query& query,
 
 std::string TranslateTop(Translation& translation, const Select& select, Scope& scope) {
   if (const auto* literal = As<Literal>(*select.top)) translation.parameters.Pin(*literal);
-  return " LIMIT " + IntArgument(translation, *select.top, scope);
+  return " LIMIT " + RowLimitArgument(translation, *select.top, scope, RowLimit::kTop);
 }
 
 std::string TranslateOffset(Translation& translation, const Query& query, Scope& scope) {
   if (query.offset == nullptr) return "";
-  const std::string offset = IntArgument(translation, *query.offset, scope);
-  const std::string fetch = query.fetch == nullptr ? "-1" : IntArgument(translation, *query.fetch, scope);
+  const std::string offset = RowLimitArgument(translation, *query.offset, scope, RowLimit::kOffset);
+  const std::string fetch =
+      query.fetch == nullptr ? "-1" : RowLimitArgument(translation, *query.fetch, scope, RowLimit::kFetch);
   return " LIMIT " + fetch + " OFFSET " + offset;
 }
 

@@ -34,6 +34,29 @@ void CheckNames(const std::vector<ResultColumn>& columns, const std::string& own
   }
 }
 
+namespace {
+
+/// More rows than SQLite joins by UNION ALL.
+std::string ManyRows(Translation& translation, const std::vector<std::vector<Typed>>& rows,
+                     const std::vector<ResultColumn>& columns) {
+  std::string list;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    list += (i == 0 ? "column" : ", column") + std::to_string(i + 1);
+    if (!columns[i].name.empty()) list += " AS " + QuoteName(columns[i].name);
+  }
+  std::string sql = "SELECT " + list + " FROM (VALUES ";
+  for (std::size_t r = 0; r < rows.size(); ++r) {
+    sql += r == 0 ? "(" : ", (";
+    for (std::size_t i = 0; i < rows[r].size(); ++i) {
+      sql += (i == 0 ? "" : ", ") + Coerce(translation.parameters, rows[r][i], columns[i].type);
+    }
+    sql += ")";
+  }
+  return sql + ")";
+}
+
+}  // namespace
+
 TranslatedQuery TranslateRows(Translation& translation, const ValueRows& values, const Scope* parent,
                               const SelectOptions& options) {
   Scope scope;
@@ -56,6 +79,11 @@ TranslatedQuery TranslateRows(Translation& translation, const ValueRows& values,
     result.columns[i].name = options.names != nullptr && i < options.names->size() ? (*options.names)[i] : "";
   }
   if (options.named) CheckNames(result.columns, options.owner);
+  constexpr std::size_t kMostOfUnion = 500;
+  if (rows.size() > kMostOfUnion) {
+    result.sql = ManyRows(translation, rows, result.columns);
+    return result;
+  }
   for (std::size_t r = 0; r < rows.size(); ++r) {
     result.sql += r == 0 ? "SELECT " : " UNION ALL SELECT ";
     for (std::size_t i = 0; i < rows[r].size(); ++i) {

@@ -54,7 +54,7 @@ std::string TranslateRankedTop(Translation& translation, const CutSelect& cut, S
   sql += " FROM (SELECT *, " + Ranks(cut) + " AS r, COUNT(*) OVER () AS n FROM (" + Rows(cut) + ")) WHERE ";
   if (!select.top_percent) {
     if (const auto* literal = As<Literal>(*select.top)) translation.parameters.Pin(*literal);
-    return sql + "r <= " + IntArgument(translation, *select.top, scope) + " ORDER BY r";
+    return sql + "r <= " + RowLimitArgument(translation, *select.top, scope, RowLimit::kTop) + " ORDER BY r";
   }
   // A part of a row counts as a row.
   return sql + "(r - 1) * 100.0 < n * " + Percent(translation, select, scope) + " ORDER BY r";

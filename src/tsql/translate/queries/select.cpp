@@ -1,5 +1,6 @@
 // One SELECT: its list, WHERE, GROUP BY and HAVING.
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 #include <set>
 #include <utility>
@@ -94,7 +95,8 @@ std::string SelectTranslator::GroupBy() {
 
 std::string SelectTranslator::GroupBy(const std::vector<std::size_t>& set) {
   std::string sql;
-  std::set<std::string> absent;
+  std::set<std::string> all;
+  std::set<std::string> present;  // a set may name a column twice, or one that another names
   for (std::size_t i = 0; i < select_.group_by.size(); ++i) {
     const Expression& key = *select_.group_by[i];
     if (!HasColumn(key)) {
@@ -105,13 +107,12 @@ std::string SelectTranslator::GroupBy(const std::vector<std::size_t>& set) {
     const bool is_column = As<ColumnReference>(key) != nullptr;
     if (is_column) scope_.group_columns.insert(value.sql);
     scope_.group_expressions.insert(MeaningOf(key));
-    if (std::find(set.begin(), set.end(), i) != set.end()) {
-      sql += (sql.empty() ? " GROUP BY " : ", ") + Collated(value);
-    } else {
-      absent.insert(is_column ? value.sql : MeaningOf(key));
-    }
+    const std::string& name = *all.insert(is_column ? value.sql : MeaningOf(key)).first;
+    if (std::find(set.begin(), set.end(), i) == set.end() || !present.insert(name).second) continue;
+    sql += (sql.empty() ? " GROUP BY " : ", ") + Collated(value);
   }
-  scope_.absent = std::move(absent);
+  std::set_difference(all.begin(), all.end(), present.begin(), present.end(),
+                      std::inserter(scope_.absent, scope_.absent.end()));
   const bool aggregates = std::any_of(select_.items.begin(), select_.items.end(),
                                       [](const SelectItem& item) { return HasAggregate(*item.expression); });
   scope_.check_grouping = !select_.group_by.empty() || aggregates || select_.having != nullptr;
@@ -270,18 +271,17 @@ TranslatedQuery SelectTranslator::TranslateSet(const std::vector<std::size_t>& s
     list += (i == 0 ? "SELECT " : ", ") + values_[i].sql + " AS v" + std::to_string(i);
   }
   order.clear();
+  std::size_t own_keys = 0;
   for (const OrderKey& key : OrderKeys(translation_, query_, select_, scope_, result_.columns, values_)) {
     std::string name = "v" + std::to_string(key.column);
     if (key.column == OrderKey::kNoColumn) {
-      name = "k" + std::to_string(order.size());
+      name = "k" + std::to_string(own_keys++);
       list += ", " + key.sql + " AS " + name;
     }
     order += (order.empty() ? " ORDER BY " : ", ") + name + key.collation + (key.descending ? " DESC" : "");
   }
   // Without rows there are no groups, not even that of all rows.
-  const std::string having = Having();
-  const std::string any = group.empty() ? (having.empty() ? " HAVING count(*) > 0" : " AND count(*) > 0") : "";
-  result_.sql = list + from + where + group + having + any;
+  result_.sql = list + from + where + (group.empty() ? " GROUP BY NULL" : group) + Having();
   translation_.aggregate_depth = outer_depth;
   return std::move(result_);
 }

@@ -100,10 +100,11 @@ Typed Values::LongChain(const BinaryOperation& last) const {
     steps.push_back(step);
   }
   ArithmeticChain chain(parameters_, Value(*steps.back()->left));
-  for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
-    Typed value = Value(*(*step)->right);
-    CountDigits(value, chain.value(), *(*step)->right);
-    chain.Add((*step)->op, std::move(value));
+  std::reverse(steps.begin(), steps.end());
+  for (const BinaryOperation* step : steps) {
+    Typed value = Value(*step->right);
+    CountDigits(value, chain.value(), *step->right);
+    chain.Add(step->op, std::move(value));
   }
   return chain.value();
 }

@@ -156,7 +156,7 @@ DigitText DigitText::Rounded(int places) const {
     rounded.digits.insert(0, static_cast<std::size_t>(-rounded.point), '0');
     rounded.point = 0;
   }
-  const auto kept = static_cast<std::size_t>(rounded.point + places);
+  const std::size_t kept = static_cast<std::size_t>(rounded.point) + static_cast<std::size_t>(places);
   const bool up = rounded.digits.size() > kept && rounded.digits[kept] >= '5';
   rounded.digits.resize(kept, '0');
   if (!up) return rounded;

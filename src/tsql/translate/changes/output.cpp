@@ -138,7 +138,7 @@ std::string StagedChange::OutputOf(Kind kind, const Clauses& clauses, const std:
 }
 
 void StagedChange::Add(Kind kind, const Clauses& clauses, const std::string& row,
-                       const std::vector<std::pair<std::string, std::string>>& values, std::string apply) {
+                       const std::vector<std::pair<std::string, std::string>>& values, const std::string& apply) {
   ChangeStage& stage = compiled_.stages.emplace_back();
   stage.table = "$changed" + std::to_string(compiled_.stages.size());
   stage.verb = kActions[static_cast<std::size_t>(kind)];

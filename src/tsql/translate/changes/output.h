@@ -39,7 +39,7 @@ class StagedChange {
   /// What OUTPUT gives of one stage. Fills `captured` with the values that it needs from before the change.
   std::string OutputOf(Kind kind, const Clauses& clauses, const std::string& key, std::vector<std::string>& captured);
   void Add(Kind kind, const Clauses& clauses, const std::string& row,
-           const std::vector<std::pair<std::string, std::string>>& values, std::string apply);
+           const std::vector<std::pair<std::string, std::string>>& values, const std::string& apply);
 
   Translation& translation_;
   const Output& output_;

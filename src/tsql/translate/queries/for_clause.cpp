@@ -118,7 +118,7 @@ std::string ForTranslator::Xml(std::size_t i, bool attribute) {
   if (attribute) marks.emplace_back("\"", "&quot;");
   marks.emplace_back("\r", "&#x0D;");
   for (const auto& [mark, entity] : marks) {
-    sql = std::string("replace(") + sql + ", '" + mark + "', '" + entity + "')";
+    sql.insert(0, "replace(").append(", '").append(mark).append("', '").append(entity).append("')");
   }
   return sql;
 }
@@ -163,7 +163,7 @@ std::string ForTranslator::XmlRow() {
   const auto group = [&](const std::string& name, const std::string& sql) {
     return tags ? Around("<" + name + ">", "nullif(" + sql + ", '')", "</" + name + ">") : sql;
   };
-  const std::string content = Nested(leaves, 0, member, group);
+  std::string content = Nested(leaves, 0, member, group);
   if (!tags) return content;
   if (clause_.row.empty()) {
     if (attributes.empty()) return content;

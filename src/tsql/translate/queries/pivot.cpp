@@ -91,9 +91,10 @@ TranslatedQuery TranslateUnpivot(Translation& translation, const UnpivotTable& u
       throw SqlError(8167, "The type of column \"" + column +
                                "\" conflicts with the type of other columns specified in the UNPIVOT list.");
     }
-    query.sql += (query.sql.empty() ? "SELECT " : " UNION ALL SELECT ") + others + value.sql + " AS " +
-                 QuoteName(unpivot.value) + ", " + QuoteText(column) + " AS " + QuoteName(unpivot.name) + from +
-                 " WHERE " + value.sql + " IS NOT NULL";
+    query.sql.append(query.sql.empty() ? "SELECT " : " UNION ALL SELECT ").append(others).append(value.sql);
+    query.sql.append(" AS ").append(QuoteName(unpivot.value)).append(", ").append(QuoteText(column));
+    query.sql.append(" AS ").append(QuoteName(unpivot.name)).append(from);
+    query.sql.append(" WHERE ").append(value.sql).append(" IS NOT NULL");
   }
   query.columns.push_back({unpivot.value, type, false});
   query.columns.push_back({unpivot.name, NVarCharType(128), false});

@@ -8,24 +8,18 @@
 namespace tessarlorn {
 namespace {
 
-struct CatalogCase {
-  const char* batch;
-  const char* answer;
-};
+constexpr const char* kObjects = R"(
+create table t (a int identity primary key, n nvarchar(20) not null constraint UQ_n unique, d decimal(9,2)
+ constraint DF_d default 1.5 check (d > 0))
+create table f (x int, y varchar(10), t_id int constraint FK_t references t)
+create index ix on f (x desc) include (y) where x > 0
+insert t (n) values ('a'), ('b')
+)";
 
-void CheckCatalog(std::initializer_list<CatalogCase> rows) {
-  const auto connection = OpenEmbedded();
-  ASSERT_EQ(
-      Answer(
-          *connection,
-          "create table t (a int identity primary key, n nvarchar(20) not null constraint UQ_n unique, d decimal(9,2) "
-          "constraint DF_d default 1.5 check (d > 0)) create table f (x int, y varchar(10), t_id int constraint FK_t "
-          "references t) create index ix on f (x desc) include (y) where x > 0 insert t (n) values ('a'), ('b')"),
-      "");
-  ASSERT_EQ(Answer(*connection, "create view v (k, nn) as select max(a), n from t group by n"), "");
-  ASSERT_EQ(Answer(*connection, "create procedure p @i int, @o nvarchar(9) output as select * from t where a = @i"),
-            "");
-  for (const CatalogCase& row : rows) EXPECT_EQ(Answer(*connection, row.batch), row.answer) << row.batch;
+void CheckCatalog(std::initializer_list<BatchCase> rows) {
+  CheckBatches({kObjects, "create view v (k, nn) as select max(a), n from t group by n",
+                "create procedure p @i int, @o nvarchar(9) output as select * from t where a = @i"},
+               rows);
 }
 
 TEST(Catalog, OldNamesAndFunctions) {

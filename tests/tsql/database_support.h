@@ -1,6 +1,8 @@
 // A fresh embedded database for a test, and its answers as text.
 #pragma once
 
+#include <gtest/gtest.h>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -43,6 +45,18 @@ inline std::string Answer(Connection& connection, std::string_view batch) {
   } catch (const Error& error) {
     return "error " + std::to_string(error.native().number) + ": " + error.description();
   }
+}
+
+struct BatchCase {
+  const char* batch;
+  const char* answer;
+};
+
+/// Each batch has its answer, one after the other in a database in which `prepared` ran.
+inline void CheckBatches(std::initializer_list<const char*> prepared, std::initializer_list<BatchCase> cases) {
+  const auto connection = OpenEmbedded();
+  for (const char* batch : prepared) ASSERT_EQ(Answer(*connection, batch), "");
+  for (const BatchCase& row : cases) EXPECT_EQ(Answer(*connection, row.batch), row.answer) << row.batch;
 }
 
 }  // namespace tessarlorn

@@ -6,11 +6,6 @@
 namespace tessarlorn {
 namespace {
 
-struct Row {
-  const char* batch;
-  const char* answer;
-};
-
 constexpr const char* kTables = R"(
 create table o (FID int not null primary key, FName nvarchar(20), FDate datetime, FAmount decimal(14,4), FState int)
 insert o values (1,N'张三','2026-11-01 08:00:00',10.5,2),(2,'Bob','2026-11-02',20,6),(3,'bob ','2026-10-31 23:59:59.997',null,14)
@@ -18,11 +13,7 @@ create table e (FEntryID int not null primary key, FID int, FQty decimal(14,4), 
 insert e values (11,1,1,'A1'),(12,1,2,'a1 '),(21,2,3,null)
 )";
 
-void Check(std::initializer_list<Row> rows) {
-  const auto connection = OpenEmbedded();
-  ASSERT_EQ(Answer(*connection, kTables), "");
-  for (const Row& row : rows) EXPECT_EQ(Answer(*connection, row.batch), row.answer) << row.batch;
-}
+void Check(std::initializer_list<BatchCase> rows) { CheckBatches({kTables}, rows); }
 
 TEST(Language, QueriesOfManyShapes) {
   Check({
@@ -111,6 +102,9 @@ TEST(Language, TableVariables) {
        "error 2627: Violation of UNIQUE KEY constraint on '@t.a'. Cannot insert duplicate key in object 'dbo.@t'."},
       {"select FID from o with (index(no))",
        "error 308: Index 'no' on table 'o' (specified in the FROM clause) does not exist."},
+      {"create index high on o (FState) include (FName) where FState > 5 select FID from o with (index(high)) where FState = 2",
+       "error 8622: Query processor could not produce a query plan because of the hints defined in this query. Resubmit the query "
+       "without specifying any hints and without using SET FORCEPLAN."},
       {"create index ix on o (FState) select FID from o with (nolock, index(ix)) where FState > 6 union all select FID from o t with "
        "(index = ix, index(1)) where FID = 1",
        "FID;3;1"},

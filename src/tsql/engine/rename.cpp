@@ -108,21 +108,13 @@ void Definitions::MoveIndexes(const std::string& from, const std::string& to, bo
       part + ") = lower(" + QuoteText(from) + ")");
   while (found.Step("SELECT")) indexes.emplace_back(found.Text(0), found.Text(1));
   found.Reset();
-  const bool counted = database_.Prepare("SELECT 1 FROM main.sqlite_schema WHERE name = 'sqlite_stat1'").Step("SELECT");
   for (const auto& [name, sql] : indexes) {
     const std::string new_name = whole ? to : to + name.substr(from.size());
     std::string made = sql;
     made.replace(made.find(QuoteName(name)), QuoteName(name).size(), QuoteName(new_name));
     database_.Run(made.replace(made.find("INDEX "), 6, "INDEX main."));
-    if (counted) {
-      database_.Run(
-          "INSERT INTO main.sqlite_stat1 SELECT s.tbl_name, s.name, c.stat FROM main.sqlite_schema s, "
-          "main.sqlite_stat1 c WHERE s.name = " +
-          QuoteText(new_name) + " AND c.idx = " + QuoteText(name));
-    }
     database_.Run("DROP INDEX main." + QuoteName(name));
   }
-  if (counted) database_.Run("ANALYZE main.sqlite_schema");
 }
 
 }  // namespace tessarlorn::tsql

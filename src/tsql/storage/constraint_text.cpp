@@ -115,8 +115,11 @@ void AddIndexNote(std::string& definition, const std::string& index, const std::
                 TextMember(condition.empty() ? "" : "(" + condition + ")") + "}]";
 }
 
-bool HasConstraint(const std::string& definition, const std::string& name) {
-  return FindIgnoreCase(definition, NameText(name)) != std::string::npos;
+bool HasKey(const std::string& definition, const std::string& name) {
+  const auto has = [&](std::string_view kind) {
+    return FindIgnoreCase(definition, "\"kind\":" + JsonText(kind) + NameText(name)) != std::string::npos;
+  };
+  return has("PK") || has("UQ");
 }
 
 }  // namespace tessarlorn::tsql

@@ -18,7 +18,7 @@ void AddConstraints(std::string& definition, const std::string& table, const Tab
 void AddIndexNote(std::string& definition, const std::string& index, const std::vector<std::string>& included,
                   const std::string& condition);
 
-/// Whether a constraint of that name is among them, without regard to case.
-bool HasConstraint(const std::string& definition, const std::string& name);
+/// Whether a key of that name is among them, without regard to case.
+bool HasKey(const std::string& definition, const std::string& name);
 
 }  // namespace tessarlorn::tsql

@@ -26,7 +26,7 @@ const CommonTableColumns* FindCommonTable(const Translation& translation, const 
 
 /// A key is read by its constraint's name, too; SQLite finds it by itself.
 std::string HintSql(const CatalogObject& table, const std::string& index) {
-  if (index.empty() || HasConstraint(table.definition, index)) return {};
+  if (index.empty() || HasKey(table.definition, index)) return {};
   return " INDEXED BY " + QuoteName(table.name + "." + index);
 }
 

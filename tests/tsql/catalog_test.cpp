@@ -16,7 +16,7 @@ create index ix on f (x desc) include (y) where x > 0
 insert t (n) values ('a'), ('b')
 )";
 
-void CheckCatalog(std::initializer_list<BatchCase> rows) {
+void CheckCatalog(std::initializer_list<AnsweredBatch> rows) {
   CheckBatches({kObjects, "create view v (k, nn) as select max(a), n from t group by n",
                 "create procedure p @i int, @o nvarchar(9) output as select * from t where a = @i"},
                rows);

@@ -47,16 +47,16 @@ inline std::string Answer(Connection& connection, std::string_view batch) {
   }
 }
 
-struct BatchCase {
+struct AnsweredBatch {
   const char* batch;
   const char* answer;
 };
 
 /// Each batch has its answer, one after the other in a database in which `prepared` ran.
-inline void CheckBatches(std::initializer_list<const char*> prepared, std::initializer_list<BatchCase> cases) {
+inline void CheckBatches(std::initializer_list<const char*> prepared, std::initializer_list<AnsweredBatch> cases) {
   const auto connection = OpenEmbedded();
   for (const char* batch : prepared) ASSERT_EQ(Answer(*connection, batch), "");
-  for (const BatchCase& row : cases) EXPECT_EQ(Answer(*connection, row.batch), row.answer) << row.batch;
+  for (const AnsweredBatch& row : cases) EXPECT_EQ(Answer(*connection, row.batch), row.answer) << row.batch;
 }
 
 }  // namespace tessarlorn

@@ -13,7 +13,7 @@ create table e (FEntryID int not null primary key, FID int, FQty decimal(14,4), 
 insert e values (11,1,1,'A1'),(12,1,2,'a1 '),(21,2,3,null)
 )";
 
-void Check(std::initializer_list<BatchCase> rows) { CheckBatches({kTables}, rows); }
+void Check(std::initializer_list<AnsweredBatch> rows) { CheckBatches({kTables}, rows); }
 
 TEST(Language, QueriesOfManyShapes) {
   Check({

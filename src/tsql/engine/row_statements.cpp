@@ -5,6 +5,17 @@
 #include <utility>
 
 namespace tessarlorn::tsql {
+namespace {
+
+const Output* OutputClauseOf(const Statement& statement) {
+  if (const auto* insert = As<InsertStatement>(statement)) return &insert->output;
+  if (const auto* update = As<UpdateStatement>(statement)) return &update->rows.output;
+  if (const auto* removal = As<DeleteStatement>(statement)) return &removal->rows.output;
+  if (const auto* merge = As<MergeStatement>(statement)) return &merge->output;
+  return nullptr;
+}
+
+}  // namespace
 
 void RowStatements::NoteChange(const Compiled& change) {
   if (results_.row_count() == 0) return;
@@ -169,18 +180,6 @@ void RowStatements::RunStages(Compiled& change, const Activation& activation) {
   results_.set_row_count(changed);
   NoteChange(change);
 }
-
-namespace {
-
-const Output* OutputClauseOf(const Statement& statement) {
-  if (const auto* insert = As<InsertStatement>(statement)) return &insert->output;
-  if (const auto* update = As<UpdateStatement>(statement)) return &update->rows.output;
-  if (const auto* removal = As<DeleteStatement>(statement)) return &removal->rows.output;
-  if (const auto* merge = As<MergeStatement>(statement)) return &merge->output;
-  return nullptr;
-}
-
-}  // namespace
 
 void RowStatements::ChangeInto(const Statement& statement, const Output& output, const Activation& activation) {
   MemoryBudget& memory = database_.runtime().memory;

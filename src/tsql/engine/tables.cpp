@@ -178,7 +178,9 @@ void Definitions::AlterTable(const AlterTableStatement& statement, std::uint32_t
   } else if (const auto* drop = std::get_if<AlterTableStatement::DropColumns>(&statement.action)) {
     DropColumns(*table, drop->columns);
   } else {
-    RaiseUnsupported("This form of ALTER TABLE", line);
+    const bool column = std::holds_alternative<AlterTableStatement::AlterColumn>(statement.action);
+    const bool adds = std::holds_alternative<AlterTableStatement::AddConstraints>(statement.action);
+    RaiseUnsupported(column ? "ALTER COLUMN" : adds ? "ADD CONSTRAINT" : "DROP CONSTRAINT", line);
   }
 }
 

@@ -69,9 +69,10 @@ export async function failures() {
   await page.unrouteAll({ behavior: 'wait' });
 
   const problem = { status: 500, contentType: 'application/problem+json', json: { detail: 'It broke' } };
-  await page.route('**/workbench/orders', (route) => route.fulfill(problem), { times: 1 });
+  await page.route('**/workbench/orders', (route) => route.fulfill(problem));
   await show(page, 'orders?tab=delivered');
   await page.getByRole('alert').getByText('It broke').waitFor();
+  await page.unroute('**/workbench/orders');
   await page.getByRole('alert').getByRole('button', { name: 'Try again' }).click();
   await page.getByRole('grid').getByText(/^XS/).first().waitFor();
   await page.getByRole('alert').waitFor({ state: 'detached' });

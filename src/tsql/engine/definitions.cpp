@@ -1,9 +1,11 @@
 #include "tsql/engine/definitions.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "platform/text/text.h"
+#include "tsql/storage/trigger_rule.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -141,16 +143,66 @@ void Definitions::CreateProcedure(const CreateProcedureStatement& statement) {
   AddObject(std::move(procedure), statement.replace);
 }
 
+void Definitions::CreateTrigger(const CreateTriggerStatement& statement, std::uint32_t line) {
+  RequireLocal(statement.trigger);
+  RequireLocal(statement.table);
+  if (statement.table.temporary()) RaiseUnsupported("A trigger on a temporary table", line);
+  const CatalogObjectPtr table = database_.catalog().Find(statement.table.name);
+  if (table == nullptr || table->kind != CatalogKind::kTable) {
+    throw SqlError(8197, "The object '" + statement.table.name + "' does not exist or is invalid for this operation.");
+  }
+  CatalogObject trigger;
+  trigger.kind = CatalogKind::kTrigger;
+  trigger.name = statement.trigger.name;
+  trigger.definition = statement.source_text;
+  trigger.columns.push_back(ToColumn({table->name, statement.events, true}));
+  AddObject(std::move(trigger), statement.replace);
+}
+
+void Definitions::SwitchTriggers(const SwitchTriggersStatement& statement) {
+  RequireLocal(statement.table);
+  Catalog& catalog = database_.catalog();
+  const auto require = [](bool found, const std::string& name) {
+    if (found) return;
+    throw SqlError(1088,
+                   "Cannot find the object \"" + name + "\" because it does not exist or you do not have permissions.");
+  };
+  const CatalogObjectPtr table = catalog.Find(statement.table.name);
+  require(table != nullptr && table->kind == CatalogKind::kTable, statement.table.name);
+  std::vector<CatalogObjectPtr> chosen;
+  if (statement.triggers.empty()) chosen = catalog.TriggersOf(table->name);
+  for (const ObjectName& name : statement.triggers) {
+    RequireLocal(name);
+    const CatalogObjectPtr trigger = catalog.Find(name.name);
+    require(trigger != nullptr && trigger->kind == CatalogKind::kTrigger &&
+                EqualsIgnoreCase(RuleOf(*trigger).table, table->name),
+            name.name);
+    chosen.push_back(trigger);
+  }
+  database_.Atomically([&] {
+    for (const CatalogObjectPtr& trigger : chosen) {
+      TriggerRule rule = RuleOf(*trigger);
+      rule.on = statement.on;
+      CatalogObject changed = *trigger;
+      changed.columns = {ToColumn(rule)};
+      catalog.Replace(std::move(changed));
+    }
+  });
+}
+
 void Definitions::Drop(const DropStatement& statement) {
-  const CatalogKind kind = statement.kind == ObjectKind::kTable  ? CatalogKind::kTable
-                           : statement.kind == ObjectKind::kView ? CatalogKind::kView
-                                                                 : CatalogKind::kProcedure;
+  struct Kind {
+    CatalogKind kind;
+    const char* word;
+  };
+  constexpr std::array kKinds = {Kind{CatalogKind::kTable, "table"}, Kind{CatalogKind::kView, "view"},
+                                 Kind{CatalogKind::kProcedure, "procedure"}, Kind{CatalogKind::kTrigger, "trigger"}};
+  const auto [kind, word] = kKinds[static_cast<std::size_t>(statement.kind)];
   for (const ObjectName& name : statement.names) {
     RequireLocal(name);
     const CatalogObjectPtr object = database_.catalog().Find(name.name);
     if (object == nullptr || object->kind != kind) {
       if (statement.if_exists) continue;
-      const char* word = kind == CatalogKind::kTable ? "table" : kind == CatalogKind::kView ? "view" : "procedure";
       throw SqlError(3701,
                      std::string("Cannot drop the ") + word + " '" + name.name +
                          "', because it does not exist or you do not have permission.",
@@ -164,7 +216,12 @@ void Definitions::DropObject(const CatalogObject& object) {
   const std::string name = object.name;
   RequireUnreferenced(object, 3726,
                       "Could not drop object '" + name + "' because it is referenced by a FOREIGN KEY constraint.");
-  if (object.kind == CatalogKind::kTable) database_.Run("DROP TABLE " + TableSql(object));
+  if (object.kind == CatalogKind::kTable) {
+    for (const CatalogObjectPtr& trigger : database_.catalog().TriggersOf(name)) {
+      database_.catalog().Remove(trigger->name);
+    }
+    database_.Run("DROP TABLE " + TableSql(object));
+  }
   database_.catalog().Remove(name);
 }
 

@@ -34,6 +34,10 @@ class Definitions {
   void DropIndex(const DropIndexStatement& statement);
   void CreateView(const CreateViewStatement& statement, const Activation& activation);
   void CreateProcedure(const CreateProcedureStatement& statement);
+  /// Raises 8197.
+  void CreateTrigger(const CreateTriggerStatement& statement, std::uint32_t line);
+  /// Raises 1088.
+  void SwitchTriggers(const SwitchTriggersStatement& statement);
   void Drop(const DropStatement& statement);
   /// sp_rename. @param kind "" or what it is: OBJECT, COLUMN or INDEX. Raises 15224, 15225, 15248, 15249, 15335 and
   /// 15336.
@@ -50,7 +54,7 @@ class Definitions {
   void DropColumns(CatalogObject table, const std::vector<std::string>& columns);
   std::string CheckText(const CatalogObject& table, const std::string& text, const Activation& activation);
   bool IndexExists(const CatalogObject& table, const std::string& index);
-  /// A table, view or procedure.
+  /// A table goes with its triggers.
   void DropObject(const CatalogObject& object);
   void AddObject(CatalogObject object, bool replace);
   void RenameObject(const CatalogObject& object, const std::string& new_name);

@@ -33,7 +33,8 @@ bool IsOption(const Statement& statement) {
 }  // namespace
 
 Interpreter::Interpreter(SessionDatabase& database, SessionOptions& options, Results& results, ErrorState& errors,
-                         Transaction& transaction, PlanStore& plans, Binder& binder, CursorState& cursors)
+                         Transaction& transaction, PlanStore& plans, Binder& binder, CursorState& cursors,
+                         TriggerState& triggers)
     : database_(database),
       options_(options),
       results_(results),
@@ -42,7 +43,9 @@ Interpreter::Interpreter(SessionDatabase& database, SessionOptions& options, Res
       plans_(plans),
       evaluator_(database, transaction, plans, binder),
       definitions_(database, plans, evaluator_),
-      rows_(database, options, results, transaction, plans, binder, definitions_),
+      triggers_(database, results, transaction, triggers,
+                [this](const CatalogObject& trigger) { procedures_.Fire(trigger); }),
+      rows_(database, options, results, transaction, plans, binder, definitions_, triggers_),
       messages_(results, errors, evaluator_),
       procedures_(
           database, options, errors, transaction, plans, evaluator_, definitions_,
@@ -93,9 +96,10 @@ Interpreter::Flow Interpreter::Guarded(const Statement& statement, Activation& a
     error.set_line(statement.line, errors_.procedure);
     transaction_.NoteLost();
     errors_.last_number = error.number();
-    if (options_.xact_abort()) error.set_takes_transaction_back();
+    const bool aborts = options_.xact_abort() && As<RaiseErrorStatement>(statement) == nullptr;
+    if (aborts) error.set_takes_transaction_back();
     const bool called = error.misunderstood_at() > errors_.call_depth;  // only what was called is at its end
-    if (errors_.try_depth > 0 || options_.xact_abort() || !(error.ends_statement_only() || called)) throw;
+    if (errors_.try_depth > 0 || aborts || !(error.ends_statement_only() || called)) throw;
     if (results_.StatementFailed(error)) {
       if (EffectOf(statement) == Effect::kChangesRows) {
         constexpr server_message::Known kSaid = server_message::kStatementTerminated;
@@ -269,6 +273,14 @@ class Interpreter::Runner {
     of_.definitions_.CreateProcedure(node);
     return of_.Done();
   }
+  Flow operator()(const CreateTriggerStatement& node) const {
+    of_.definitions_.CreateTrigger(node, line_);
+    return of_.Done();
+  }
+  Flow operator()(const SwitchTriggersStatement& node) const {
+    of_.definitions_.SwitchTriggers(node);
+    return of_.Done();
+  }
 
  private:
   [[nodiscard]] Flow Change() const {
@@ -382,7 +394,7 @@ void Interpreter::InsertExecuted(const InsertStatement& insert, Activation& acti
       procedures_.Execute(std::get<ExecuteTextStatement>(execute.node), activation);
     }
   }
-  rows_.InsertTaken(insert, taken, activation);
+  rows_.InsertAnswers(insert, taken, activation);
   memory.ReleaseTo(used);
   results_.TellRowCount();
 }

@@ -12,13 +12,14 @@
 #include "tsql/engine/procedures.h"
 #include "tsql/engine/row_statements.h"
 #include "tsql/engine/state/error_state.h"
+#include "tsql/engine/triggers.h"
 
 namespace tessarlorn::tsql {
 
 class Interpreter {
  public:
   Interpreter(SessionDatabase& database, SessionOptions& options, Results& results, ErrorState& errors,
-              Transaction& transaction, PlanStore& plans, Binder& binder, CursorState& cursors);
+              Transaction& transaction, PlanStore& plans, Binder& binder, CursorState& cursors, TriggerState& triggers);
   Interpreter(const Interpreter&) = delete;
   Interpreter& operator=(const Interpreter&) = delete;
 
@@ -61,6 +62,7 @@ class Interpreter {
   PlanStore& plans_;
   Evaluator evaluator_;
   Definitions definitions_;
+  Triggers triggers_;
   RowStatements rows_;
   Messages messages_;
   Procedures procedures_;

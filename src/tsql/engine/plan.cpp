@@ -199,8 +199,9 @@ void Classify(const Statement& statement, Plan& plan) {
 /// Whether the catalog keeps a part of the statement's own text: it is another one with every text.
 bool KeepsText(const Statement& statement) {
   return As<CreateViewStatement>(statement) != nullptr || As<CreateProcedureStatement>(statement) != nullptr ||
-         As<CreateTableStatement>(statement) != nullptr || As<CreateIndexStatement>(statement) != nullptr ||
-         As<AlterTableStatement>(statement) != nullptr || As<DeclareCursorStatement>(statement) != nullptr ||
+         As<CreateTriggerStatement>(statement) != nullptr || As<CreateTableStatement>(statement) != nullptr ||
+         As<CreateIndexStatement>(statement) != nullptr || As<AlterTableStatement>(statement) != nullptr ||
+         As<DeclareCursorStatement>(statement) != nullptr ||
          (As<DeclareStatement>(statement) != nullptr && !As<DeclareStatement>(statement)->tables.empty());
 }
 

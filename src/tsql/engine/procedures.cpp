@@ -223,6 +223,17 @@ void Procedures::CallProcedure(const CatalogObject& procedure, CallArguments& ar
   arguments.TakeStatus(inner.return_value);
 }
 
+void Procedures::Fire(const CatalogObject& trigger) {
+  const std::shared_ptr<Plan> plan = plans_.OfProcedure(trigger);
+  Frame frame;
+  Activation inner{&frame, plan.get(), {}, {}, nullptr};
+  if (plan->checked_generation != database_.catalog().generation()) plans_.Revalidate(*plan, frame);
+  PlanStore::Declare(*plan->statement, frame);
+  const Nested nested(*this, trigger.name);
+  options_.AbortOnErrors();
+  runner_.run_body(std::get<CreateTriggerStatement>(plan->statement->node).body, inner);
+}
+
 const std::vector<Procedures::Declared>& Procedures::DeclaredBy(const std::string& declarations) {
   // A client calls the same few texts again and again.
   constexpr std::size_t kMostKept = 1000;

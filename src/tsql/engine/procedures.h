@@ -37,6 +37,8 @@ class Procedures {
 
   /// sp_executesql, a procedure of the server's or one of the database's. Raises 2812 for a name that is none.
   void Call(const ObjectName& name, CallArguments& arguments);
+  /// Runs the body of a trigger. Raises 217.
+  void Fire(const CatalogObject& trigger);
 
  private:
   class Nested;

@@ -198,31 +198,56 @@ void RowStatements::ChangeInto(const Statement& statement, const Output& output,
     results_.set_row_count(changed);
   });
   memory.ReleaseTo(used);
-  results_.TellRowCount();
+}
+
+void RowStatements::RequireNoTriggers(const std::string& table, const Output& output) const {
+  if (output.items.empty()) return;
+  const bool into = !output.into.name.empty();
+  if (into && triggers_.WatchOver(output.into.name)) {
+    throw SqlError(
+        331, "The target table '" + output.into.name + "' of the OUTPUT INTO clause cannot have any enabled triggers.");
+  }
+  if (!into && triggers_.WatchOver(table)) {
+    throw SqlError(334, "The target table '" + table +
+                            "' of the DML statement cannot have any enabled triggers if the statement contains an "
+                            "OUTPUT clause without INTO clause.");
+  }
 }
 
 void RowStatements::Change(const Statement& statement, const Activation& activation) {
+  bool answered = false;
+  const auto change = [&] { answered = ChangeRows(statement, activation); };
+  if (database_.catalog().has_triggers()) {
+    const std::string table = plans_.OfStatement(statement, activation).changed_table;
+    RequireNoTriggers(table, *OutputClauseOf(statement));
+    triggers_.Around(table, RowChangesOf(statement), change);
+  } else {
+    change();
+  }
+  if (!answered) results_.TellRowCount();
+}
+
+bool RowStatements::ChangeRows(const Statement& statement, const Activation& activation) {
   const Output* const output = OutputClauseOf(statement);
   if (output != nullptr && !output->into.name.empty()) {
     ChangeInto(statement, *output, activation);
-    return;
+    return false;
   }
   const auto* update = As<UpdateStatement>(statement);
   const bool assigns =
       update != nullptr && std::any_of(update->assignments.begin(), update->assignments.end(),
                                        [](const Assignment& assignment) { return !assignment.variable.empty(); });
   const std::optional<Frame> before = assigns ? std::optional<Frame>(*activation.frame) : std::nullopt;
-  bool answered = false;
   try {
-    answered = RunCompiled(statement, activation);
+    return RunCompiled(statement, activation);
   } catch (const SqlError& error) {
     const bool key = error.number() == 2601 || error.number() == 2627;
     if (update == nullptr || !key || !update->rows.output.items.empty()) throw;
     // SQLite compares keys row by row, the server when all rows stand.
     if (before) *activation.frame = *before;
     MoveRows(statement, activation);
+    return false;
   }
-  if (!answered) results_.TellRowCount();
 }
 
 void RowStatements::MoveRows(const Statement& statement, const Activation& activation) {
@@ -261,6 +286,11 @@ void RowStatements::MoveRows(const Statement& statement, const Activation& activ
     database_.Run("PRAGMA defer_foreign_keys = OFF; DROP TABLE temp.\"$moved\"");
     results_.set_row_count(moved);
   });
+}
+
+void RowStatements::InsertAnswers(const InsertStatement& insert, const std::vector<TakenRows>& taken,
+                                  const Activation& activation) {
+  triggers_.Around(insert.table.name, {{RowEvent::kInsert, {}}}, [&] { InsertTaken(insert, taken, activation); });
 }
 
 void RowStatements::InsertTaken(const InsertStatement& insert, const std::vector<TakenRows>& taken,

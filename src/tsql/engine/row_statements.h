@@ -9,33 +9,39 @@
 #include "tsql/engine/plan_store.h"
 #include "tsql/engine/state/results.h"
 #include "tsql/engine/state/transaction.h"
+#include "tsql/engine/triggers.h"
 
 namespace tessarlorn::tsql {
 
 class RowStatements {
  public:
   RowStatements(SessionDatabase& database, const SessionOptions& options, Results& results, Transaction& transaction,
-                PlanStore& plans, Binder& binder, Definitions& definitions)
+                PlanStore& plans, Binder& binder, Definitions& definitions, Triggers& triggers)
       : database_(database),
         options_(options),
         results_(results),
         transaction_(transaction),
         plans_(plans),
         binder_(binder),
-        definitions_(definitions) {}
+        definitions_(definitions),
+        triggers_(triggers) {}
 
   void Select(const Statement& statement, const Activation& activation);
   /// SET FMTONLY ON: the columns of a query, without a row.
   void Describe(const Statement& statement, const Activation& activation);
-  /// INSERT, UPDATE or DELETE, but for INSERT … EXEC.
+  /// INSERT, UPDATE, DELETE or MERGE, but for INSERT … EXEC, with what the table's triggers do then.
   void Change(const Statement& statement, const Activation& activation);
   void Truncate(const TruncateStatement& statement);
   /// INSERT … EXEC: inserts what the procedure answered.
-  void InsertTaken(const InsertStatement& insert, const std::vector<TakenRows>& taken, const Activation& activation);
+  void InsertAnswers(const InsertStatement& insert, const std::vector<TakenRows>& taken, const Activation& activation);
 
  private:
+  void InsertTaken(const InsertStatement& insert, const std::vector<TakenRows>& taken, const Activation& activation);
   void SelectInto(const Query& query, const Activation& activation);
+  /// Raises 331 and 334: rows of OUTPUT neither go to the client nor into a table where triggers would see them.
+  void RequireNoTriggers(const std::string& table, const Output& output) const;
   /// Whether it answered rows, by OUTPUT.
+  bool ChangeRows(const Statement& statement, const Activation& activation);
   bool RunCompiled(const Statement& statement, const Activation& activation);
   /// Binds and runs a change to its end.
   void Run(Compiled& change, const Activation& activation);
@@ -59,6 +65,7 @@ class RowStatements {
   PlanStore& plans_;
   Binder& binder_;
   Definitions& definitions_;
+  Triggers& triggers_;
 };
 
 }  // namespace tessarlorn::tsql

@@ -12,10 +12,10 @@ Session::Session(DatabaseHandle database, std::chrono::milliseconds lock_timeout
       options_(database_.runtime()),
       results_(database_.runtime(), options_),
       transaction_(database_, options_, results_, lock_timeout),
-      system_(results_, transaction_, errors_, cursors_, std::move(clock)),
+      system_(results_, transaction_, errors_, cursors_, triggers_, std::move(clock)),
       binder_(database_, system_),
       plans_(database_, options_, errors_),
-      interpreter_(database_, options_, results_, errors_, transaction_, plans_, binder_, cursors_) {}
+      interpreter_(database_, options_, results_, errors_, transaction_, plans_, binder_, cursors_, triggers_) {}
 
 void Session::Run(SqlCommand& command, bool first_only, BatchSink& sink) {
   BeginBatch(command, first_only, sink);
@@ -29,6 +29,8 @@ void Session::Run(SqlCommand& command, bool first_only, BatchSink& sink) {
     }
   } catch (...) {
     EndFailedBatch(takes_back, sink);
+    // Whoever hears of one error only hears of the first, as when a trigger says why it rolls back.
+    if (errors_.first && !database_.runtime().cancelled.load()) throw SqlError(*errors_.first);
     throw;
   }
   EndBatch(sink);

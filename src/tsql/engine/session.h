@@ -58,6 +58,7 @@ class Session {
   ErrorState errors_;
   Results results_;
   CursorState cursors_;
+  TriggerState triggers_;
   Transaction transaction_;
   SystemValues system_;
   Binder binder_;

@@ -1,5 +1,8 @@
 #include "tsql/storage/catalog.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "platform/text/text.h"
 #include "tsql/storage/sqlite_handle.h"
 #include "tsql/values/sql_error.h"
@@ -11,7 +14,7 @@ namespace {
 constexpr int kIdentity = 1;
 constexpr int kRowKey = 2;
 
-constexpr std::string_view kKindNames[] = {"table", "view", "procedure"};
+constexpr std::string_view kKindNames[] = {"table", "view", "procedure", "trigger"};
 
 constexpr const char* kCreateCatalog = R"(
 CREATE TABLE IF NOT EXISTS "$objects" (
@@ -22,6 +25,11 @@ CREATE TABLE IF NOT EXISTS "$columns" (
   nullable INTEGER NOT NULL, identity INTEGER NOT NULL, default_text TEXT NOT NULL, PRIMARY KEY (object, position)
 ) WITHOUT ROWID;
 )";
+
+CatalogKind KindOf(const std::string& name) {
+  const auto* const found = std::find(std::begin(kKindNames), std::end(kKindNames), name);
+  return static_cast<CatalogKind>(found == std::end(kKindNames) ? 0 : found - std::begin(kKindNames));
+}
 
 }  // namespace
 
@@ -147,6 +155,7 @@ void Catalog::Make(sqlite3* database) { RunSql(database, kCreateCatalog); }
 
 void Catalog::Load() {
   objects_.clear();
+  triggers_.clear();
   ++generation_;
   SqliteStatement objects(database_, R"(SELECT id, name, kind, definition FROM "$objects")");
   std::unordered_map<std::int64_t, CatalogObject> read;
@@ -155,9 +164,7 @@ void Catalog::Load() {
     object.id = objects.Integer(0);
     object.name = objects.Text(1);
     const std::string kind = objects.Text(2);
-    object.kind = kind == kKindNames[1]   ? CatalogKind::kView
-                  : kind == kKindNames[2] ? CatalogKind::kProcedure
-                                          : CatalogKind::kTable;
+    object.kind = KindOf(kind);
     object.definition = objects.Text(3);
     read.emplace(object.id, std::move(object));
   }
@@ -178,11 +185,23 @@ void Catalog::Load() {
   for (auto& [id, object] : read) {
     object.Seal();
     std::string key = LowerCase(object.name);
-    objects_.emplace(std::move(key), std::make_shared<const CatalogObject>(std::move(object)));
+    Keep(std::move(key), std::move(object));
   }
 }
 
+void Catalog::Keep(std::string key, CatalogObject object) {
+  auto kept = std::make_shared<const CatalogObject>(std::move(object));
+  if (kept->kind == CatalogKind::kTrigger) {
+    const auto place = std::upper_bound(
+        triggers_.begin(), triggers_.end(), kept,
+        [](const CatalogObjectPtr& one, const CatalogObjectPtr& other) { return one->id < other->id; });
+    triggers_.insert(place, kept);
+  }
+  objects_[std::move(key)] = std::move(kept);
+}
+
 CatalogObjectPtr Catalog::Find(std::string_view name) const {
+  if (CatalogObjectPtr rows = FindTriggerRows(name)) return rows;
   const Objects& objects = ObjectsLike(*this, name);
   const auto found = objects.find(LowerCase(name));
   return found == objects.end() ? nullptr : found->second;
@@ -190,7 +209,7 @@ CatalogObjectPtr Catalog::Find(std::string_view name) const {
 
 CatalogObjectPtr Catalog::Get(std::string_view name) const {
   CatalogObjectPtr object = Find(name);
-  if (object == nullptr || object->kind == CatalogKind::kProcedure) {
+  if (object == nullptr || !object->has_rows()) {
     RaiseNoObject({"", std::string(name)});
   }
   return object;
@@ -228,7 +247,7 @@ void Catalog::Replace(CatalogObject object) {
     insert.BindText(7, column.default_text);
     insert.Step();
   }
-  objects_[key] = std::make_shared<const CatalogObject>(std::move(object));
+  Keep(key, std::move(object));
 }
 
 void Catalog::Write(const CatalogObject& object) {
@@ -239,7 +258,7 @@ void Catalog::Write(const CatalogObject& object) {
   insert.BindText(3, object.definition);
   insert.BindInteger(4, object.id);
   insert.Step();
-  // Views and procedures are no SQLite objects: the version says to other connections that something changed.
+  // Views, procedures and triggers are no SQLite objects: the version says to other connections that something changed.
   if (object.kind != CatalogKind::kTable) CountUp();
 }
 
@@ -264,6 +283,7 @@ void Catalog::Remove(std::string_view name) {
     statement.Step();
   }
   if (found->second->kind != CatalogKind::kTable) CountUp();
+  std::erase(triggers_, found->second);
   objects_.erase(found);
 }
 
@@ -292,7 +312,36 @@ std::vector<CatalogObjectPtr> Catalog::TableVariables() const {
   for (const Objects& scope : scopes_) {
     for (const auto& [key, table] : scope) tables.push_back(table);
   }
+  for (const TriggerRows& rows : trigger_rows_) tables.insert(tables.end(), {rows.inserted, rows.deleted});
   return tables;
+}
+
+std::vector<CatalogObjectPtr> Catalog::TriggersOf(std::string_view table) const {
+  std::vector<CatalogObjectPtr> found;
+  for (const CatalogObjectPtr& trigger : triggers_) {
+    if (EqualsIgnoreCase(trigger->columns[0].name, table)) found.push_back(trigger);
+  }
+  return found;
+}
+
+void Catalog::EnterTrigger(CatalogObject inserted, CatalogObject deleted) {
+  inserted.Seal();
+  deleted.Seal();
+  ++generation_;
+  trigger_rows_.push_back({std::make_shared<const CatalogObject>(std::move(inserted)),
+                           std::make_shared<const CatalogObject>(std::move(deleted)), scopes_.size()});
+}
+
+void Catalog::LeaveTrigger() {
+  ++generation_;
+  trigger_rows_.pop_back();
+}
+
+CatalogObjectPtr Catalog::FindTriggerRows(std::string_view name) const {
+  if (trigger_rows_.empty() || scopes_.size() > trigger_rows_.back().scope + 1) return nullptr;
+  const TriggerRows& rows = trigger_rows_.back();
+  if (EqualsIgnoreCase(name, rows.inserted->name)) return rows.inserted;
+  return EqualsIgnoreCase(name, rows.deleted->name) ? rows.deleted : nullptr;
 }
 
 }  // namespace tessarlorn::tsql

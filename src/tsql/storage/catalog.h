@@ -26,21 +26,26 @@ struct Column {
   bool row_key = false;
 };
 
-enum class CatalogKind : std::uint8_t { kTable, kView, kProcedure };
+enum class CatalogKind : std::uint8_t { kTable, kView, kProcedure, kTrigger };
 
-/// A table, view or procedure. Not changed once it stands in the catalog: a new definition is a new object.
+/// A table, view, procedure or trigger. Not changed once it stands in the catalog: a new definition is a new object.
 struct CatalogObject {
   CatalogKind kind = CatalogKind::kTable;
   std::string name;
   /// Of a table variable, which others of its name may stand beside: the name of SQLite's table. "" when it is `name`.
   std::string stored_name;
   bool temporary = false;
-  /// Of a table; of a procedure its parameters, whose default_text is "output" when they give a value back.
+  /// Of a table; of a procedure its parameters, whose default_text is "output" when they give a value back; of a
+  /// trigger one with the table's name, see trigger_rule.h.
   std::vector<Column> columns;
-  /// Of a table its constraints (see constraint_text.h), of a view its query, of a procedure parameters and body.
+  /// Of a table its constraints (see constraint_text.h), of the others the text that creates them.
   std::string definition;
   std::int64_t id = 0;
 
+  /// It is `inserted` or `deleted`, which a trigger sees.
+  [[nodiscard]] bool shows_changes() const { return temporary && !IsTemporaryName(name); }
+  /// Rows can be read from it.
+  [[nodiscard]] bool has_rows() const { return kind == CatalogKind::kTable || kind == CatalogKind::kView; }
   /// What SQLite's table is called.
   [[nodiscard]] const std::string& table_name() const { return stored_name.empty() ? name : stored_name; }
   [[nodiscard]] int FindColumn(std::string_view column) const;
@@ -116,19 +121,36 @@ class Catalog {
 
   [[nodiscard]] std::vector<std::string> TemporaryTables() const;
 
+  [[nodiscard]] bool has_triggers() const { return !triggers_.empty(); }
+  /// Those of a table, the oldest first.
+  [[nodiscard]] std::vector<CatalogObjectPtr> TriggersOf(std::string_view table) const;
+  /// A trigger begins: until LeaveTrigger its body sees the tables `inserted` and `deleted`, and what it calls does
+  /// not.
+  void EnterTrigger(CatalogObject inserted, CatalogObject deleted);
+  void LeaveTrigger();
+
   /// A batch or procedure body begins: it sees none of its caller's table variables.
   void EnterScope();
   /// The scope ends. @return its table variables, which are no objects any longer
   std::vector<CatalogObjectPtr> LeaveScope();
   /// How many scopes there are, one around the other.
   [[nodiscard]] std::size_t scope_depth() const { return scopes_.size(); }
-  /// Those of all scopes.
+  /// Those of all scopes, and the rows of triggers.
   [[nodiscard]] std::vector<CatalogObjectPtr> TableVariables() const;
   /// Grows whenever a definition changes.
   [[nodiscard]] std::uint64_t generation() const noexcept { return generation_; }
 
  private:
+  /// The rows that a trigger sees.
+  struct TriggerRows {
+    CatalogObjectPtr inserted;
+    CatalogObjectPtr deleted;
+    std::size_t scope;  // around the trigger's own
+  };
+
   void Load();
+  /// Those rows when the name is that of one of the two tables, or nullptr.
+  [[nodiscard]] CatalogObjectPtr FindTriggerRows(std::string_view name) const;
   /// Makes the schema's version another one, for what is no object of SQLite's.
   void CountUp();
   void RefreshTo(std::int64_t version);
@@ -146,6 +168,8 @@ class Catalog {
   }
   std::int64_t SchemaVersion();
   void Write(const CatalogObject& object);
+  /// Puts an object that stands in the file among those that are known.
+  void Keep(std::string key, CatalogObject object);
 
   sqlite3* database_;
   SqliteStatement version_statement_;
@@ -153,6 +177,8 @@ class Catalog {
   Objects objects_;
   Objects temporaries_;
   std::vector<Objects> scopes_ = std::vector<Objects>(1);  // of table variables
+  std::vector<CatalogObjectPtr> triggers_;                 // by their numbers
+  std::vector<TriggerRows> trigger_rows_;                  // of the triggers that run, innermost last
   std::int64_t schema_version_ = -1;
   bool stale_ = false;
   std::uint64_t generation_ = 0;

@@ -52,6 +52,9 @@ void Catalog::RenameObject(const CatalogObject& object, std::string_view to) {
     ChangeConstraints(
         "CASE WHEN json_extract(j.value, '$.to') = ?1 COLLATE NOCASE THEN json_set(j.value, '$.to', ?2) ELSE j.value END",
         "instr(definition, '\"to\":') > 0", object.name, to);
+    Update(R"(UPDATE main."$columns" SET name = ?2 WHERE name = ?1 COLLATE NOCASE
+ AND object IN (SELECT id FROM main."$objects" WHERE kind = 'trigger'))",
+           object.name, to);
   } else {
     CountUp();
   }

@@ -241,10 +241,6 @@ std::vector<ViewText> EmptyViews() {
       "name nvarchar(128);object_id int;principal_id int;schema_id int;parent_object_id int;type char(2);"
       "type_desc nvarchar(60);create_date datetime;modify_date datetime;is_ms_shipped bit;";
   return {
-      {"sys", "triggers",
-       Empty("name nvarchar(128);object_id int;parent_class tinyint;parent_class_desc nvarchar(60);parent_id int;"
-             "type char(2);type_desc nvarchar(60);create_date datetime;modify_date datetime;is_ms_shipped bit;"
-             "is_disabled bit;is_not_for_replication bit;is_instead_of_trigger bit")},
       {"sys", "synonyms", Empty(object + "base_object_name nvarchar(1035)")},
       {"sys", "sequences",
        Empty(object + "start_value bigint;increment bigint;minimum_value bigint;maximum_value bigint;is_cycling bit;"

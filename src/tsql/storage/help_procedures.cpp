@@ -81,7 +81,7 @@ constexpr std::string_view kHelp = R"(CREATE PROCEDURE sp_help @objname nvarchar
 DECLARE @id int = OBJECT_ID(@objname), @database nvarchar(128) = DB_NAME(), @type char(2)
 IF @objname IS NULL BEGIN
   SELECT name AS Name, CAST('dbo' AS nvarchar(128)) AS Owner, CAST(CASE type WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view'
-      WHEN 'P' THEN 'stored procedure' WHEN 'PK' THEN 'primary key cns' WHEN 'UQ' THEN 'unique constraint'
+      WHEN 'P' THEN 'stored procedure' WHEN 'TR' THEN 'trigger' WHEN 'PK' THEN 'primary key cns' WHEN 'UQ' THEN 'unique constraint'
       WHEN 'F' THEN 'foreign key cns' WHEN 'C' THEN 'check cns' ELSE 'default (maybe cns)' END AS nvarchar(31)) AS Object_type
   FROM sys.objects ORDER BY Owner, Object_type DESC, Name
   RETURN 0
@@ -89,8 +89,9 @@ END
 IF @id IS NULL BEGIN RAISERROR(15009, 16, 1, @objname, @database) RETURN 1 END
 SELECT @type = type FROM sys.objects WHERE object_id = @id
 SELECT name AS Name, CAST('dbo' AS nvarchar(128)) AS Owner, CAST(CASE type WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view'
-    ELSE 'stored procedure' END AS nvarchar(31)) AS Type, create_date AS Created_datetime
+    WHEN 'TR' THEN 'trigger' ELSE 'stored procedure' END AS nvarchar(31)) AS Type, create_date AS Created_datetime
 FROM sys.objects WHERE object_id = @id
+IF @type = 'TR' RETURN 0
 IF @type = 'P' BEGIN
   IF EXISTS (SELECT 1 FROM sys.parameters WHERE object_id = @id)
     SELECT name AS Parameter_name, TYPE_NAME(user_type_id) AS Type, CAST(length AS smallint) AS Length,

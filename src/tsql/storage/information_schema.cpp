@@ -33,7 +33,7 @@ std::vector<SystemView> InformationOfObjects() {
       {"information_schema",
        "tables",
        R"(SELECT 'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, name AS TABLE_NAME,
- CASE kind WHEN 'table' THEN 'BASE TABLE' ELSE 'VIEW' END AS TABLE_TYPE FROM main."$objects" WHERE kind <> 'procedure')",
+ CASE kind WHEN 'table' THEN 'BASE TABLE' ELSE 'VIEW' END AS TABLE_TYPE FROM main."$objects" WHERE kind IN ('table', 'view'))",
        {Name("TABLE_CATALOG"), Name("TABLE_SCHEMA"), Name("TABLE_NAME"), {"TABLE_TYPE", VarCharType(10), false}}},
       {"information_schema",
        "views",
@@ -117,7 +117,7 @@ std::vector<SystemView> InformationOfColumns() {
  position AS ORDINAL_POSITION, CASE default_text WHEN '' THEN NULL ELSE default_text END AS COLUMN_DEFAULT,
  CASE nullable WHEN 1 THEN 'YES' ELSE 'NO' END AS IS_NULLABLE, )" +
                 kSizes,
-            kTyped, " WHERE owner_kind <> 'procedure'"),
+            kTyped, " WHERE owner_kind IN ('table', 'view')"),
        with_sizes({Name("TABLE_CATALOG"),
                    Name("TABLE_SCHEMA"),
                    Name("TABLE_NAME"),

@@ -52,6 +52,11 @@ inline std::string References() {
          ") f JOIN main.\"$objects\" p ON p.name = json_extract(f.body, '$.to') COLLATE NOCASE WHERE f.kind = 'F'";
 }
 
+/// The triggers with their tables and the words of their rules, see trigger_rule.h.
+inline constexpr std::string_view kTriggers = R"(SELECT o.id, o.name, p.id AS table_id, c.default_text AS words
+ FROM main."$objects" o JOIN main."$columns" c ON c.object = o.id
+ JOIN main."$objects" p ON p.name = c.name COLLATE NOCASE WHERE o.kind = 'trigger')";
+
 inline std::string From(std::string_view head, std::string_view source, std::string_view tail = "") {
   return std::string(head) + " FROM (" + std::string(source) + ")" + std::string(tail);
 }

@@ -122,15 +122,17 @@ SystemView ConstraintsOfKind(const char* name, const std::string& kinds, const s
 
 /// sys.objects, tables, views and procedures.
 std::vector<SystemView> ObjectViews() {
-  const std::string own_type = "CASE kind WHEN 'table' THEN 'U ' WHEN 'view' THEN 'V ' ELSE 'P ' END";
+  const std::string own_type =
+      "CASE kind WHEN 'table' THEN 'U ' WHEN 'view' THEN 'V ' WHEN 'trigger' THEN 'TR' ELSE 'P ' END";
   const std::string own_description =
-      "CASE kind WHEN 'table' THEN 'USER_TABLE' WHEN 'view' THEN 'VIEW' ELSE 'SQL_STORED_PROCEDURE' END";
+      "CASE kind WHEN 'table' THEN 'USER_TABLE' WHEN 'view' THEN 'VIEW' WHEN 'trigger' THEN 'SQL_TRIGGER' ELSE"
+      " 'SQL_STORED_PROCEDURE' END";
   const SystemView constraints = ConstraintsOfKind("constraints", "'PK', 'UQ', 'F', 'C', 'D'", "", {});
   return {
       Objects("objects", "SELECT " + ObjectColumns(own_type, own_description) +
-                             ", 0 AS parent_object_id FROM"
-                             " main.\"$objects\" UNION ALL " +
-                             constraints.sql),
+                             ", coalesce(table_id, 0) AS parent_object_id FROM (SELECT o.*, t.table_id FROM"
+                             " main.\"$objects\" o LEFT JOIN (" +
+                             std::string(kTriggers) + ") t ON t.id = o.id) UNION ALL " + constraints.sql),
       ObjectsOfKind("tables", "table", "U ", "USER_TABLE"),
       // Read as tempdb.sys.objects and tempdb..sysobjects. Table variables begin with another sign.
       Objects("temporary_tables",
@@ -139,6 +141,22 @@ std::vector<SystemView> ObjectViews() {
                    " AND name LIKE '#%'")),
       ObjectsOfKind("views", "view", "V ", "VIEW"),
       ObjectsOfKind("procedures", "procedure", "P ", "SQL_STORED_PROCEDURE"),
+      {"sys",
+       "triggers",
+       From("SELECT name, id AS object_id, 1 AS parent_class, 'OBJECT_OR_COLUMN' AS parent_class_desc, table_id AS"
+            " parent_id, 'TR' AS type, 'SQL_TRIGGER' AS type_desc, NULL AS create_date, NULL AS modify_date, 0 AS"
+            " is_ms_shipped, instr(words, ' off') > 0 AS is_disabled, 0 AS is_not_for_replication, 0 AS"
+            " is_instead_of_trigger",
+            kTriggers),
+       {Name("name"), Int("object_id"), Int("parent_class"), Code("parent_class_desc"), Int("parent_id"), Code("type"),
+        Code("type_desc"), Time("create_date"), Time("modify_date"), Bit("is_ms_shipped"), Bit("is_disabled"),
+        Bit("is_not_for_replication"), Bit("is_instead_of_trigger")}},
+      {"sys",
+       "trigger_events",
+       From("SELECT t.id AS object_id, e.column1 AS type, e.column2 AS type_desc, 0 AS is_first, 0 AS is_last",
+            kTriggers,
+            " t JOIN (VALUES (1, 'INSERT'), (2, 'UPDATE'), (3, 'DELETE')) e ON instr(t.words, lower(e.column2)) > 0"),
+       {Int("object_id"), Int("type"), Code("type_desc"), Bit("is_first"), Bit("is_last")}},
   };
 }
 
@@ -204,7 +222,7 @@ std::vector<SystemView> ColumnViews() {
       " AS seed_value, 1 AS increment_value, (SELECT s.seq FROM main.sqlite_sequence s WHERE s.name = c.owner"
       " AND s.seq >= " +
       seed + ") AS last_value FROM (" + std::string(kTyped) + ") c JOIN (" + std::string(kTypes) +
-      ") t ON t.name = c.base WHERE c.owner_kind <> 'procedure'";
+      ") t ON t.name = c.base WHERE c.owner_kind IN ('table', 'view')";
   return {
       {"sys", "columns", columns, column_columns},
       {"sys", "identity_columns", columns + " AND c.identity = 1",
@@ -290,7 +308,7 @@ std::vector<SystemView> ServerViews() {
         Int("scale"), Name("collation_name"), Bit("is_nullable"), Bit("is_user_defined"), Bit("is_table_type")}},
       {"sys",
        "sql_modules",
-       "SELECT id AS object_id, definition FROM main.\"$objects\" WHERE kind <> 'table'",
+       "SELECT id AS object_id, definition FROM main.\"$objects\" WHERE kind IN ('view', 'procedure', 'trigger')",
        {Int("object_id"), Text("definition")}},
       {"sys",
        "extended_properties",

@@ -227,11 +227,17 @@ struct ExistsCondition {
   QueryPtr query;
 };
 
+/// UPDATE(column), in a trigger
+struct UpdatedColumn {
+  std::string column;
+};
+
 using ExpressionNode =
     std::variant<Literal, VariableReference, GlobalReference, ColumnReference, Star, DefaultValue, UnaryOperation,
                  BinaryOperation, CaseExpression, CastExpression, ConvertExpression, FunctionCall, IdentityCall,
                  ScalarSubquery, CollateExpression, Comparison, QuantifiedComparison, Conjunction, Disjunction,
-                 Negation, NullTest, BetweenCondition, LikeCondition, InList, InLiteralList, InQuery, ExistsCondition>;
+                 Negation, NullTest, BetweenCondition, LikeCondition, InList, InLiteralList, InQuery, ExistsCondition,
+                 UpdatedColumn>;
 
 /// A value or a condition.
 struct Expression {

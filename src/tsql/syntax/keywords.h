@@ -196,10 +196,10 @@ inline constexpr std::array kReservedWords = std::to_array<std::string_view>({
 /// Words that mean something in some places only, and are names elsewhere.
 inline constexpr std::array kContextualWords = std::to_array<std::string_view>({
     // clang-format off
-    "absolute", "action", "apply", "at", "auto", "binary", "cast", "catch", "char", "character", "columnstore",
+    "absolute", "action", "after", "apply", "at", "auto", "binary", "cast", "catch", "char", "character", "columnstore",
     "committed", "cube", "cycle", "dateadd", "datediff", "datediff_big", "datename", "datepart", "datetrunc", "delay",
     "disable", "dynamic", "enable", "encryption", "fast_forward", "first", "following", "forward_only", "global",
-    "grouping", "hash", "iif", "include", "include_null_values", "insensitive", "isolation", "json", "keyset", "last",
+    "grouping", "hash", "iif", "include", "include_null_values", "insensitive", "instead", "isolation", "json", "keyset", "last",
     "level", "local", "log", "login", "loop", "matched", "max", "name", "nchar", "next", "no", "nowait", "nvarchar",
     "offset", "only", "optimistic", "out", "output", "parse", "partition", "path", "persisted", "preceding",
     "precision", "prior", "range", "raw", "read_only", "readonly", "recompile", "relative", "remote", "repeatable",

@@ -261,8 +261,16 @@ class Parser {
   StatementPtr ParseDropIndex(std::uint32_t line);
   StatementPtr ParseView(std::size_t begin, bool replace);
   StatementPtr ParseProcedure(std::size_t begin, bool replace);
+  /// The statements to the end of the batch; at least one.
+  std::vector<StatementPtr> ParseBody();
   Parameter ParseParameter();
   void RequireFirstInBatch(std::string_view what) const;
+
+  // parser_trigger.cpp
+  StatementPtr ParseTrigger(std::size_t begin, bool replace);
+  RowEvent ParseRowEvent();
+  StatementPtr ParseSwitchTriggers();
+  StatementPtr ParseSwitchTriggersOf(ObjectName table, std::uint32_t line);
 
   // parser_table.cpp
   StatementPtr ParseCreateTable();

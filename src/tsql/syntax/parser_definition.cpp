@@ -14,12 +14,14 @@ StatementPtr Parser::ParseCreate() {
     position_ += 3;
     if (At("view"_kw)) return ParseView(begin, true);
     if (At("proc"_kw) || At("procedure"_kw)) return ParseProcedure(begin, true);
+    if (At("trigger"_kw)) return ParseTrigger(begin, true);
     Refuse("CREATE OR ALTER " + UpperCase(Peek().text));
   }
   Take();
   if (At("table"_kw)) return ParseCreateTable();
   if (At("view"_kw)) return ParseView(begin, false);
   if (At("proc"_kw) || At("procedure"_kw)) return ParseProcedure(begin, false);
+  if (At("trigger"_kw)) return ParseTrigger(begin, false);
   constexpr std::array kIndexWords = {"unique"_kw, "clustered"_kw, "nonclustered"_kw, "index"_kw};
   if (AtAny(kIndexWords)) return ParseCreateIndex();
   if (Peek().kind != TokenKind::kWord) Fail();
@@ -32,6 +34,7 @@ StatementPtr Parser::ParseAlter() {
   if (At("table"_kw)) return ParseAlterTable();
   if (At("view"_kw)) return ParseView(begin, true);
   if (At("proc"_kw) || At("procedure"_kw)) return ParseProcedure(begin, true);
+  if (At("trigger"_kw)) return ParseTrigger(begin, true);
   if (Peek().kind != TokenKind::kWord) Fail();
   Refuse("ALTER " + UpperCase(Peek().text));
 }
@@ -44,6 +47,8 @@ StatementPtr Parser::ParseDrop() {
     drop.kind = ObjectKind::kView;
   } else if (Accept("proc"_kw) || Accept("procedure"_kw)) {
     drop.kind = ObjectKind::kProcedure;
+  } else if (Accept("trigger"_kw)) {
+    drop.kind = ObjectKind::kTrigger;
   } else if (!Accept("table"_kw)) {
     if (Peek().kind != TokenKind::kWord) Fail();
     Refuse("DROP " + UpperCase(Peek().text));
@@ -145,14 +150,20 @@ StatementPtr Parser::ParseProcedure(std::size_t begin, bool replace) {
     Take();
   }
   Expect("as"_kw);
+  create.body = ParseBody();
+  create.source_text = TextBetween(begin, position_);
+  return MakeStatement(line, std::move(create));
+}
+
+std::vector<StatementPtr> Parser::ParseBody() {
+  std::vector<StatementPtr> body;
   for (;;) {
     while (Accept(Op::kSemicolon)) continue;
     if (AtEnd()) break;
-    create.body.push_back(ParseStatement());
+    body.push_back(ParseStatement());
   }
-  if (create.body.empty()) Fail();
-  create.source_text = TextBetween(begin, position_);
-  return MakeStatement(line, std::move(create));
+  if (body.empty()) Fail();
+  return body;
 }
 
 std::vector<Parameter> Parser::ParseParameters() {

@@ -327,6 +327,14 @@ ExpressionPtr Parser::ParseKeywordPrimary() {
       condition_at_ = position_;
       Take();
       return MakeExpression(token.line, ExistsCondition{ParseQueryInParens()});
+    case "update"_kw: {
+      if (!call) Fail();
+      condition_at_ = position_;
+      position_ += 2;
+      UpdatedColumn updated{ParseName()};
+      Expect(Op::kRightParen);
+      return MakeExpression(token.line, std::move(updated));
+    }
     case "cast"_kw:
       return call ? ParseCast(false) : ParseColumn();
     case "try_cast"_kw:

@@ -26,6 +26,7 @@ StatementPtr Parser::ParseStatement() {
   const Level level(*this);
   const Token& token = Peek();
   if (At(Op::kLeftParen)) return ParseSelectStatement();
+  if ((At("enable"_kw) || At("disable"_kw)) && At("trigger"_kw, 1)) return ParseSwitchTriggers();
   if (AtName() && position_ == 0 && !At("throw"_kw) && !At(Op::kColon, 1)) return ParseExecute(true);
   if (token.kind != TokenKind::kWord) Fail();
   if (At(Op::kColon, 1)) Refuse("GOTO");

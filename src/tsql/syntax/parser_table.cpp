@@ -32,6 +32,9 @@ StatementPtr Parser::ParseAlterTable() {
   const std::uint32_t line = Take().line;
   AlterTableStatement alter;
   alter.table = ParseObjectName();
+  if ((At("enable"_kw) || At("disable"_kw)) && At("trigger"_kw, 1)) {
+    return ParseSwitchTriggersOf(std::move(alter.table), line);
+  }
   if (AcceptBoth("with"_kw, "nocheck"_kw)) Refuse("ALTER TABLE … WITH NOCHECK");
   AcceptBoth("with"_kw, "check"_kw);
   if (Accept("add"_kw)) {

@@ -345,7 +345,7 @@ struct AlterTableStatement {
   std::variant<AddColumns, AddConstraints, DropColumns, DropConstraints, AlterColumn> action;
 };
 
-enum class ObjectKind : std::uint8_t { kTable, kView, kProcedure };
+enum class ObjectKind : std::uint8_t { kTable, kView, kProcedure, kTrigger };
 
 struct DropStatement {
   ObjectKind kind = ObjectKind::kTable;
@@ -397,6 +397,26 @@ struct CreateProcedureStatement {
   bool replace = false;
 };
 
+/// What a trigger answers to.
+enum class RowEvent : std::uint8_t { kInsert, kUpdate, kDelete };
+
+/// CREATE TRIGGER … AFTER
+struct CreateTriggerStatement {
+  ObjectName trigger;
+  ObjectName table;
+  std::vector<RowEvent> events;
+  std::vector<StatementPtr> body;
+  std::string source_text;
+  bool replace = false;
+};
+
+/// ENABLE TRIGGER and DISABLE TRIGGER
+struct SwitchTriggersStatement {
+  std::vector<ObjectName> triggers;  // none: all of the table
+  ObjectName table;
+  bool on = false;
+};
+
 using StatementNode =
     std::variant<EmptyStatement, SelectStatement, InsertStatement, UpdateStatement, DeleteStatement, MergeStatement,
                  TruncateStatement, DeclareStatement, SetStatement, SetSwitchStatement, SetValueStatement,
@@ -406,7 +426,7 @@ using StatementNode =
                  RaiseErrorStatement, ThrowStatement, BeginTransactionStatement, CommitStatement, RollbackStatement,
                  SaveTransactionStatement, CallStatement, ExecuteTextStatement, CreateTableStatement,
                  AlterTableStatement, DropStatement, CreateIndexStatement, DropIndexStatement, CreateViewStatement,
-                 CreateProcedureStatement>;
+                 CreateProcedureStatement, CreateTriggerStatement, SwitchTriggersStatement>;
 
 struct Statement {
   std::uint32_t line = 1;

@@ -59,6 +59,9 @@ class Conditions {
   std::string operator()(const ExistsCondition& exists) const {
     return "EXISTS (" + translation_.QueryText(*exists.query, &scope_, {}).sql + ")";
   }
+  std::string operator()(const UpdatedColumn& updated) const {
+    return "(" + parameters_.System(std::string(kUpdatedColumn) + updated.column, IntType()).sql + " = 1)";
+  }
   std::string operator()(const QuantifiedComparison& comparison) const;
   // Whatever else there is, is a value.
   template <typename Other>

@@ -50,8 +50,8 @@ void ObjectId(sqlite3_context* context, const Catalog& catalog, Arguments argume
   if (object == nullptr) return;
   if (arguments.size() > 1) {
     const std::string kind = UpperCase(Trim(TextOf(arguments[1])));
-    const char* own = object->kind == CatalogKind::kTable ? "U" : object->kind == CatalogKind::kView ? "V" : "P";
-    if (kind != own) return;
+    constexpr std::string_view kTypes[] = {"U", "V", "P", "TR"};
+    if (kind != kTypes[static_cast<std::size_t>(object->kind)]) return;
   }
   sqlite3_result_int64(context, object->id);
 }

@@ -32,6 +32,8 @@ class SessionOptions {
   /// @param evaluate answers the option's value as a whole number, or NULL
   void Apply(const SetValueStatement& set, std::uint32_t line, const std::function<Datum()>& evaluate);
   void Apply(const SetIdentityInsertStatement& set) { identity_insert_ = set.on ? set.table.name : ""; }
+  /// SET XACT_ABORT ON, as a trigger begins with it.
+  void AbortOnErrors() { options_.xact_abort = true; }
   void Reset();
 
   [[nodiscard]] bool xact_abort() const { return options_.xact_abort; }

@@ -1,10 +1,13 @@
 #include "tsql/engine/state/system_values.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <optional>
 #include <sqlite3.h>
 
+#include "platform/text/text.h"
+#include "tsql/translate/common/parameters.h"
 #include "tsql/values/moment.h"
 
 namespace tessarlorn::tsql {
@@ -53,11 +56,24 @@ Datum SystemValues::Get(const std::string& name, SqlType& type) const {
   }
   if (name == "@@identity") return Whole(transaction_.identity(), type);
   if (name == "scope_identity") return Whole(transaction_.scope_identity, type);
+  if (name == "trigger_nestlevel") return Whole(static_cast<std::int64_t>(triggers_.firing.size()), type);
+  if (name.starts_with(kUpdatedColumn)) return Whole(IsUpdated(name.substr(kUpdatedColumn.size())), type);
   if (name == "@@version") return std::string(kVersionText) + sqlite3_libversion();
   if (name.starts_with("error_")) return OfError(name, type);
   if (name == "db_name") return std::string("main");
   if (name == "suser_sname" || name == "suser_name" || name == "user_name") return std::string("dbo");
   return std::string("localhost");
+}
+
+std::int64_t SystemValues::IsUpdated(std::string_view column) const {
+  if (triggers_.firing.empty()) throw SqlError(140, "Can only use IF UPDATE within a CREATE TRIGGER statement.", 15);
+  const TriggerState::Firing& firing = triggers_.firing.back();
+  if (firing.table->FindColumn(column) < 0) {
+    throw SqlError(207, "Invalid column name '" + std::string(column) + "'.");
+  }
+  if (firing.change->event != RowEvent::kUpdate) return firing.change->event == RowEvent::kInsert ? 1 : 0;
+  const std::vector<std::string>& set = firing.change->columns;
+  return std::any_of(set.begin(), set.end(), [&](const std::string& name) { return EqualsIgnoreCase(name, column); });
 }
 
 // Of the error whose CATCH block runs.

@@ -144,6 +144,15 @@ void Transaction::BeginFor(const Statement& statement) {
   results_.TellTransaction(TransactionEvent::kBegun);
 }
 
+bool Transaction::BeginStatement() {
+  if (depth_ > 0) return false;
+  // A rollback takes no earlier statement of the batch with it.
+  CommitWrite();
+  EnsureWrite();
+  depth_ = 1;
+  return true;
+}
+
 void Transaction::BeginContainer() {
   if (depth_ > 0) Raise(server_message::kTransactionOpen);
   depth_ = 1;

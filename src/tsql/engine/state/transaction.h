@@ -55,6 +55,10 @@ class Transaction {
   /// Under SET IMPLICIT_TRANSACTIONS: begins one where the statement needs it.
   void BeginFor(const Statement& statement);
 
+  /// A change that fires triggers is a transaction by itself where none is open. @return whether it is
+  bool BeginStatement();
+  void EndStatement() noexcept { depth_ = 0; }
+
   // The container's.
   void BeginContainer();
   void CommitContainer();

@@ -58,7 +58,7 @@ constexpr std::array kObjectProperties = {
     Property{"issystemtable", "0"},
     Property{"istable", "type = 'U '"},
     Property{"istablefunction", "0"},
-    Property{"istrigger", "0"},
+    Property{"istrigger", "type = 'TR'"},
     Property{"isuniquecnst", "type = 'UQ'"},
     Property{"isusertable", "type = 'U '"},
     Property{"isview", "type = 'V '"},

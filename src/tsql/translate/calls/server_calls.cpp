@@ -40,6 +40,7 @@ constexpr std::array kSystems = {
     System{"user_name", FieldType::kNVarChar},
     System{"app_name", FieldType::kNVarChar},
     System{"xact_state", FieldType::kInt},
+    System{"trigger_nestlevel", FieldType::kInt},
 };
 
 std::optional<Typed> SystemOf(Parameters& parameters, const std::string& name) {

@@ -66,6 +66,7 @@ Target TargetOf(Translation& translation, const ChangedRows& rows) {
   const ObjectName& name = named != nullptr ? named->name : rows.table;
   if (!derived && !IsCommonTable(rows, name)) target.table = translation.Lookup(name);
   if (target.table != nullptr && target.table->kind != CatalogKind::kTable) target.table = nullptr;
+  if (target.table != nullptr) RequireTable(*target.table);
   target.through_query = target.table == nullptr;
   target.row = QuoteName(target.alias) + "._rowid_";
   const bool alone = rows.from.empty() || (rows.from.size() == 1 && rows.from[0].get() == source);
@@ -131,6 +132,7 @@ std::string Clauses::Old(const Column& column) const {
 }
 
 void RequireTable(const CatalogObject& object) {
+  if (object.shows_changes()) throw SqlError(286, "The logical tables INSERTED and DELETED cannot be updated.");
   if (object.kind != CatalogKind::kTable) RaiseUnsupported("Inserting into the view '" + object.name + "'");
 }
 

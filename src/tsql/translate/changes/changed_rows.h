@@ -44,7 +44,7 @@ const Source& SourceOf(const Clauses& clauses);
 /// The change through a query is of that one of its base rows.
 void ChooseRow(Clauses& clauses, std::size_t row);
 
-/// Raises for a view, into which nothing is inserted here.
+/// Raises for a view, into which nothing is inserted here, and 286 for the rows that a trigger sees.
 void RequireTable(const CatalogObject& object);
 /// The place of a column. Raises 207.
 int RequireColumn(const CatalogObject& table, const std::string& name);

@@ -59,6 +59,7 @@ struct OwnPart {
   std::string operator()(const Disjunction& /*node*/) const { return {}; }
   std::string operator()(const Negation& /*node*/) const { return {}; }
   std::string operator()(const ExistsCondition& node) const { return Place(node.query); }
+  std::string operator()(const UpdatedColumn& node) const { return node.column; }
 };
 
 }  // namespace

@@ -12,6 +12,9 @@
 
 namespace tessarlorn::tsql {
 
+/// The system value of UPDATE(column) is called so, with the column's name behind it.
+inline constexpr std::string_view kUpdatedColumn = "updated:";
+
 /// A parameter stands in the SQL as ?n while it is put together. Finish gives the parameters their order.
 class Parameters {
  public:

@@ -12,7 +12,7 @@ CatalogObjectPtr Translation::Lookup(const ObjectName& name) {
   const bool known = std::any_of(dependencies.objects.begin(), dependencies.objects.end(),
                                  [&](const Dependencies::Object& entry) { return entry.name == name.name; });
   if (!known) dependencies.objects.push_back({name.name, object == nullptr ? "" : object->signature()});
-  if (object == nullptr || object->kind == CatalogKind::kProcedure) {
+  if (object == nullptr || !object->has_rows()) {
     RaiseNoObject(name);
   }
   return object;

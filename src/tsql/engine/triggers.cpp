@@ -1,0 +1,215 @@
+#include "tsql/engine/triggers.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "tsql/storage/trigger_rule.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+constexpr std::string_view kEventNames[] = {"INSERT", "UPDATE", "DELETE"};
+
+std::vector<std::string> ColumnsOf(const std::vector<Assignment>& assignments) {
+  std::vector<std::string> columns;
+  for (const Assignment& assignment : assignments) {
+    if (!assignment.column.empty()) columns.push_back(assignment.column.back());
+  }
+  return columns;
+}
+
+std::vector<RowChange> RowChangesOf(const MergeStatement& merge) {
+  std::vector<RowChange> changes;
+  const auto add = [&](RowEvent event, const std::vector<std::string>& columns) {
+    auto found = std::find_if(changes.begin(), changes.end(), [=](const RowChange& one) { return one.event == event; });
+    if (found == changes.end()) found = changes.insert(found, RowChange{event, {}});
+    found->columns.insert(found->columns.end(), columns.begin(), columns.end());
+  };
+  for (const MergeStatement::Branch& branch : merge.branches) {
+    std::visit(Overloaded{
+                   [&](const MergeStatement::Update& update) { add(RowEvent::kUpdate, ColumnsOf(update.assignments)); },
+                   [&](const MergeStatement::Delete&) { add(RowEvent::kDelete, {}); },
+                   [&](const MergeStatement::Insert&) { add(RowEvent::kInsert, {}); },
+               },
+               branch.action);
+  }
+  return changes;
+}
+
+}  // namespace
+
+std::vector<RowChange> RowChangesOf(const Statement& statement) {
+  if (const auto* merge = As<MergeStatement>(statement)) return RowChangesOf(*merge);
+  if (const auto* update = As<UpdateStatement>(statement)) {
+    return {{RowEvent::kUpdate, ColumnsOf(update->assignments)}};
+  }
+  return {{As<DeleteStatement>(statement) != nullptr ? RowEvent::kDelete : RowEvent::kInsert, {}}};
+}
+
+/// The rows that a change adds and takes away, in temporary tables of SQLite's. Its triggers, not ours, note them: they
+/// see every change, whichever way a statement goes about it.
+class Triggers::Rows {
+ public:
+  /// @param level how many triggers run around it
+  Rows(SessionDatabase& database, const CatalogObject& table, std::size_t level)
+      : database_(database), table_(table), level_(std::to_string(level)) {
+    for (const Column& column : table.columns) {
+      columns_ += ", " + QuoteName(column.name);
+      types_ += ", " + QuoteName(column.name) + " " + std::string(SqliteColumnType(column.type));
+    }
+  }
+  Rows(const Rows&) = delete;
+  Rows& operator=(const Rows&) = delete;
+  ~Rows() {
+    database_.RunQuietly("DROP TABLE IF EXISTS temp." + All());
+    Drop();
+  }
+
+  void Watch() {
+    database_.Run("CREATE TEMP TABLE " + All() + " (\"$event\", \"$added\"" + types_ + ")");
+    WatchFor(RowEvent::kInsert, {"NEW"});
+    WatchFor(RowEvent::kUpdate, {"OLD", "NEW"});
+    WatchFor(RowEvent::kDelete, {"OLD"});
+  }
+  void StopWatching() {
+    for (const std::string_view event : kEventNames) database_.Run("DROP TRIGGER temp." + Watcher(event));
+  }
+
+  /// Makes the tables that triggers see. @param event of which the rows are; nullptr for all of them
+  void Show(const RowEvent* event) {
+    for (const bool added : {true, false}) {
+      const std::string name = "temp." + QuoteName(Shown(added));
+      database_.Run("CREATE TABLE " + name + " (" + types_.substr(2) + ")");
+      database_.Run("INSERT INTO " + name + " SELECT " + columns_.substr(2) + " FROM temp." + All() +
+                    " WHERE \"$added\" = " + (added ? "1" : "0") +
+                    (event == nullptr ? "" : " AND \"$event\" = " + std::to_string(static_cast<int>(*event))) +
+                    " ORDER BY _rowid_");
+    }
+    database_.catalog().EnterTrigger(Definition(true), Definition(false));
+  }
+  void Hide() {
+    database_.catalog().LeaveTrigger();
+    Drop();
+  }
+
+ private:
+  [[nodiscard]] std::string All() const { return QuoteName("$changes " + level_); }
+  [[nodiscard]] std::string Shown(bool added) const { return (added ? "$inserted " : "$deleted ") + level_; }
+  [[nodiscard]] std::string Watcher(std::string_view event) const {
+    return QuoteName("$" + std::string(event) + " " + level_);
+  }
+
+  void WatchFor(RowEvent event, const std::vector<std::string_view>& rows) {
+    const auto number = static_cast<std::size_t>(event);
+    std::string sql = "CREATE TEMP TRIGGER " + Watcher(kEventNames[number]) + " AFTER " +
+                      std::string(kEventNames[number]) + " ON main." + QuoteName(table_.name) + " BEGIN ";
+    for (const std::string_view row : rows) {
+      sql += "INSERT INTO " + All() + " VALUES (" + std::to_string(number) + (row == "NEW" ? ", 1" : ", 0");
+      for (const Column& column : table_.columns) sql.append(", ").append(row).append(".") += QuoteName(column.name);
+      sql += "); ";
+    }
+    database_.Run(sql + "END");
+  }
+
+  [[nodiscard]] CatalogObject Definition(bool added) const {
+    CatalogObject rows;
+    rows.name = added ? "inserted" : "deleted";
+    rows.stored_name = Shown(added);
+    rows.temporary = true;
+    for (const Column& column : table_.columns) {
+      rows.columns.push_back({column.name, column.type, column.nullable, false, ""});
+    }
+    return rows;
+  }
+
+  void Drop() {
+    for (const bool added : {true, false}) {
+      database_.RunQuietly("DROP TABLE IF EXISTS temp." + QuoteName(Shown(added)));
+    }
+  }
+
+  SessionDatabase& database_;
+  const CatalogObject& table_;
+  std::string level_;
+  std::string columns_;
+  std::string types_;
+};
+
+bool Triggers::WatchOver(std::string_view table) const {
+  const std::vector<CatalogObjectPtr> triggers = database_.catalog().TriggersOf(table);
+  return std::any_of(triggers.begin(), triggers.end(),
+                     [](const CatalogObjectPtr& trigger) { return RuleOf(*trigger).on; });
+}
+
+std::vector<CatalogObjectPtr> Triggers::AnsweringTo(RowEvent event, std::string_view table) const {
+  std::vector<CatalogObjectPtr> answering = database_.catalog().TriggersOf(table);
+  std::erase_if(answering, [&](const CatalogObjectPtr& trigger) {
+    const bool itself = !state_.firing.empty() && state_.firing.back().trigger->id == trigger->id;
+    return itself || !RuleOf(*trigger).Answers(event);
+  });
+  return answering;
+}
+
+void Triggers::FireOne(const TriggerState::Firing& firing) {
+  const int depth = transaction_.depth();
+  state_.firing.push_back(firing);
+  try {
+    run_(*firing.trigger);
+  } catch (const SqlError& error) {
+    state_.firing.pop_back();
+    SqlError ending = error.EndingBatch();
+    ending.set_takes_transaction_back();
+    throw ending;
+  }
+  state_.firing.pop_back();
+  if (transaction_.depth() < depth) {
+    throw SqlError(3609, "The transaction ended in the trigger. The batch has been aborted.").EndingBatch();
+  }
+}
+
+void Triggers::Fire(const CatalogObjectPtr& table, const std::vector<RowChange>& changes, Rows& rows) {
+  const std::int64_t changed = results_.row_count();
+  for (const RowChange& change : changes) {
+    const std::vector<CatalogObjectPtr> triggers = AnsweringTo(change.event, table->name);
+    if (triggers.empty()) continue;
+    rows.Show(changes.size() > 1 ? &change.event : nullptr);
+    try {
+      for (const CatalogObjectPtr& trigger : triggers) {
+        results_.set_row_count(changed);
+        FireOne({trigger, table, &change});
+      }
+    } catch (...) {
+      rows.Hide();
+      throw;
+    }
+    rows.Hide();
+  }
+  results_.set_row_count(changed);
+}
+
+void Triggers::Around(const std::string& table, const std::vector<RowChange>& changes,
+                      const std::function<void()>& change) {
+  const bool fires = std::any_of(changes.begin(), changes.end(),
+                                 [&](const RowChange& one) { return !AnsweringTo(one.event, table).empty(); });
+  if (!fires) {
+    change();
+    return;
+  }
+  const CatalogObjectPtr definition = database_.catalog().Get(table);
+  const bool alone = transaction_.BeginStatement();
+  try {
+    Rows rows(database_, *definition, state_.firing.size());
+    database_.Atomically([&] {
+      rows.Watch();
+      change();
+      rows.StopWatching();
+    });
+    Fire(definition, changes, rows);
+  } catch (const SqlError&) {
+    if (alone && transaction_.depth() > 0) transaction_.End(false);
+    throw;
+  }
+  if (alone) transaction_.EndStatement();
+}
+
+}  // namespace tessarlorn::tsql

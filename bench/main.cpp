@@ -113,6 +113,7 @@ int main(int argc, char** argv) {
     bench::AddQueueBenchmarks();
     bench::AddListBenchmarks();
     bench::AddStateBenchmarks();
+    bench::AddStatementBenchmarks();
     bench::AddUploadBenchmarks();
     bench::AddOrderBenchmarks();
     bench::AddDayBenchmarks();

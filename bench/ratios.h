@@ -21,6 +21,7 @@ void AddQueueBenchmarks();
 void AddListBenchmarks();
 void AddFrameBenchmarks();
 void AddStateBenchmarks();
+void AddStatementBenchmarks();
 void AddUploadBenchmarks();
 void AddOrderBenchmarks();
 void AddDayBenchmarks();

@@ -192,9 +192,17 @@ std::string ReplaceAll(std::string_view text, std::string_view from, std::string
 }
 
 std::string Quoted(std::string_view text, char open, char close) {
-  std::string quoted(1, open);
-  for (const char c : text) quoted.append(c == close ? 2 : 1, c);
-  return quoted + close;
+  std::string quoted;
+  quoted.reserve(text.size() + 2);
+  quoted += open;
+  for (;;) {
+    const std::size_t end = text.find(close);
+    quoted += text.substr(0, end);
+    quoted += close;
+    if (end == std::string_view::npos) return quoted;
+    quoted += close;
+    text.remove_prefix(end + 1);
+  }
 }
 
 std::string OnOneLine(std::string_view text) {

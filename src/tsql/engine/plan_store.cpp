@@ -66,13 +66,21 @@ void PlanStore::Declare(const Statement& statement, Frame& frame) {
   ForEachChild(statement, [&](const Statement& child) { Declare(child, frame); });
 }
 
+namespace {
+
+/// Whether the definition is another one, should it have been read anew.
+bool IsSame(const CatalogObjectPtr& one, const CatalogObjectPtr& other) {
+  return one == other || (one != nullptr && other != nullptr && one->signature() == other->signature());
+}
+
+}  // namespace
+
 void PlanStore::Revalidate(Plan& plan, Frame& frame) {
   Catalog& catalog = database_.catalog();
   bool same = plan.identity_insert == options_.identity_insert();
   if (same && plan.checked_generation != catalog.generation()) {
     for (const Dependencies::Object& object : plan.dependencies.objects) {
-      const CatalogObjectPtr now = catalog.Find(object.name);
-      same = same && (now == nullptr ? std::string() : now->signature()) == object.signature;
+      same = same && IsSame(catalog.Find(object.name), object.object);
     }
   }
   for (const Dependencies::Variable& variable : plan.dependencies.variables) {

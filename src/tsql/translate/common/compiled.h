@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "tsql/storage/catalog.h"
 #include "tsql/storage/sqlite_handle.h"
 #include "tsql/values/datum.h"
 #include "tsql/values/types.h"
@@ -89,7 +90,7 @@ struct Compiled {
 struct Dependencies {
   struct Object {
     std::string name;
-    std::string signature;  // "" when there was no such object
+    CatalogObjectPtr object;  // null when there was none
   };
   struct Variable {
     std::string name;

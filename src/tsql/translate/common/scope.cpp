@@ -38,6 +38,10 @@ Found FindInLevel(const Scope& level, const std::string& qualifier, const std::s
 
 }  // namespace
 
+std::string SqlOf(const Source& source, const SourceColumn& column) {
+  return column.sql.empty() ? source.prefix + QuoteName(column.name) : column.sql;
+}
+
 void AddSource(Scope& scope, Source source) {
   for (const Source& other : scope.sources) {
     if (EqualsIgnoreCase(other.alias, source.alias)) {
@@ -52,7 +56,7 @@ Source BareSource(std::string alias, const CatalogObject& table) {
   Source source;
   source.alias = std::move(alias);
   for (const Column& column : table.columns) {
-    source.columns.push_back({column.name, column.type, column.nullable, QuoteName(column.name)});
+    source.columns.push_back({column.name, column.type, column.nullable});
   }
   return source;
 }
@@ -65,15 +69,17 @@ Typed FindColumn(const ColumnReference& column, const Scope& scope, bool in_aggr
     const Found found = FindInLevel(*level, qualifier, name);
     qualifier_known = found.qualifier_known;
     if (found.column == nullptr) continue;
-    if (level->check_grouping && !in_aggregate && !level->group_columns.contains(found.column->sql)) {
+    std::string sql = SqlOf(*found.source, *found.column);
+    const SqlType& type = found.column->type;
+    if (level->check_grouping && !in_aggregate && !level->group_columns.contains(sql)) {
       RaiseNotGrouped(found.source->alias + "." + found.column->name, level->clause);
     }
-    if (!in_aggregate && level->absent.contains(found.column->sql)) return {"NULL", found.column->type, true, -1};
+    if (!in_aggregate && level->absent.contains(sql)) return {"NULL", type, true, -1};
     if (level->captured != nullptr) {
-      level->captured->push_back(found.column->sql);
-      return {"\"$row\".c" + std::to_string(level->captured->size()), found.column->type, found.column->nullable, -1};
+      level->captured->push_back(std::move(sql));
+      return {"\"$row\".c" + std::to_string(level->captured->size()), type, found.column->nullable, -1};
     }
-    return {found.column->sql, found.column->type, found.column->nullable, -1};
+    return {std::move(sql), type, found.column->nullable, -1};
   }
   if (!qualifier.empty() && !qualifier_known) {
     throw SqlError(4104, "The multi-part identifier \"" + qualifier + "." + name + "\" could not be bound.");
@@ -102,10 +108,11 @@ void ExpandStar(const Star& star, const Scope& scope, std::vector<Typed>& values
     if (!star.table.empty() && !EqualsIgnoreCase(source.alias, star.table)) continue;
     any = true;
     for (const SourceColumn& column : source.columns) {
-      if (scope.check_grouping && !scope.group_columns.contains(column.sql)) {
+      std::string sql = SqlOf(source, column);
+      if (scope.check_grouping && !scope.group_columns.contains(sql)) {
         RaiseNotGrouped(source.alias + "." + column.name, "select list");
       }
-      values.push_back({column.sql, column.type, column.nullable, -1});
+      values.push_back({std::move(sql), column.type, column.nullable, -1});
       columns.push_back({column.name, column.type, column.nullable, false});
     }
   }

@@ -17,13 +17,14 @@ struct SourceColumn {
   std::string name;
   SqlType type;
   bool nullable = true;
-  std::string sql;
+  std::string sql = {};   // "" where SqlOf makes it of the name
   int row = -1;           // as of ResultColumn
   std::string base = {};  // likewise
 };
 
 struct Source {
   std::string alias;
+  std::string prefix = {};  // of the columns' names in SQL: "\"t\"."
   std::vector<SourceColumn> columns;
   CatalogObjectPtr table;     // a base table, else null
   std::vector<BaseRow> rows;  // of a change through a query: what its columns come from
@@ -48,6 +49,8 @@ struct Scope {
   bool optional_view = false;  // a view on the inner side of an outer join
 };
 
+/// What a column of the source is in SQL. Made when it is asked for: of a table's many columns a query names few.
+std::string SqlOf(const Source& source, const SourceColumn& column);
 /// Raises 1011 for an alias that is there already.
 void AddSource(Scope& scope, Source source);
 /// A table's own columns under that alias, without a qualifier in their SQL.

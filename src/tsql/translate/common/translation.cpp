@@ -11,7 +11,7 @@ CatalogObjectPtr Translation::Lookup(const ObjectName& name) {
   CatalogObjectPtr object = catalog.Find(name.name);
   const bool known = std::any_of(dependencies.objects.begin(), dependencies.objects.end(),
                                  [&](const Dependencies::Object& entry) { return entry.name == name.name; });
-  if (!known) dependencies.objects.push_back({name.name, object == nullptr ? "" : object->signature()});
+  if (!known) dependencies.objects.push_back({name.name, object});
   if (object == nullptr || !object->has_rows()) {
     RaiseNoObject(name);
   }

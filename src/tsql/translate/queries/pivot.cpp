@@ -24,7 +24,9 @@ std::vector<SourceColumn> Others(const Scope& scope, const std::vector<std::stri
   std::vector<SourceColumn> columns;
   for (const Source& source : scope.sources) {
     for (const SourceColumn& column : source.columns) {
-      if (!IsNamed(but, column.name)) columns.push_back(column);
+      if (IsNamed(but, column.name)) continue;
+      columns.push_back(column);
+      columns.back().sql = SqlOf(source, column);
     }
   }
   return columns;
@@ -61,7 +63,7 @@ TranslatedQuery TranslatePivot(Translation& translation, const PivotTable& pivot
     for (Source& source : its_rows.sources) {
       for (SourceColumn& column : source.columns) {
         if (!EqualsIgnoreCase(column.name, argument->name())) continue;
-        column.sql = "CASE WHEN " + is_wanted + " THEN " + column.sql + " END";
+        column.sql = "CASE WHEN " + is_wanted + " THEN " + SqlOf(source, column) + " END";
         column.nullable = true;
       }
     }

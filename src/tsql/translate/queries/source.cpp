@@ -58,9 +58,10 @@ class Sources {
   [[nodiscard]] Source Make(const std::string& alias, const Columns& columns) const {
     Source source;
     source.alias = alias;
+    source.prefix = QuoteName(alias) + ".";
+    source.columns.reserve(columns.size());
     for (const auto& column : columns) {
-      source.columns.push_back(
-          {column.name, column.type, optional_ || column.nullable, QuoteName(alias) + "." + QuoteName(column.name)});
+      source.columns.push_back({column.name, column.type, optional_ || column.nullable});
     }
     return source;
   }

@@ -103,6 +103,10 @@ TEST(Catalog, ChineseNamesByPinyin) {
     EXPECT_EQ(Answer(*connection, names), "n;1;b;阿;李;张三");
     EXPECT_EQ(
         Answer(*connection,
+               "select n from (values (N'张'),(N'一'),(N'阿')) t (n) order by n collate Chinese_PRC_Stroke_CI_AS"),
+        "n;一;张;阿");
+    EXPECT_EQ(
+        Answer(*connection,
                "select string_agg(n, '') within group (order by n desc) as s from p where n between 'B' and N'李'"),
         "s;李阿b");
     EXPECT_EQ(Answer(*connection, "insert p values (N'Ｂ ')"),

@@ -31,6 +31,17 @@ int Collate(void* runtime, int a_size, const void* a, int b_size, const void* b)
                        {static_cast<const char*>(b), static_cast<std::size_t>(b_size)});
 }
 
+/// SQLite's collation of the server's name, for ORDER BY … COLLATE.
+template <TextOrder order>
+void RegisterOrder(sqlite3* database) {
+  const auto compare = [](void*, int a_size, const void* a, int b_size, const void* b) {
+    return CompareTextIn(order, {static_cast<const char*>(a), static_cast<std::size_t>(a_size)},
+                         {static_cast<const char*>(b), static_cast<std::size_t>(b_size)});
+  };
+  sqlite3_create_collation_v2(database, std::string(TextOrderName(order)).c_str(), SQLITE_UTF8, nullptr, compare,
+                              nullptr);
+}
+
 int CollateMoments(void*, int a_size, const void* a, int b_size, const void* b) {
   return CompareStoredMoments({static_cast<const char*>(a), static_cast<std::size_t>(a_size)},
                               {static_cast<const char*>(b), static_cast<std::size_t>(b_size)});
@@ -199,6 +210,9 @@ void RegisterConversionFunctions(sqlite3* database, Runtime& runtime) {
 
 void RegisterFunctions(sqlite3* database, Runtime& runtime) {
   sqlite3_create_collation_v2(database, "TSQL", SQLITE_UTF8, &runtime, Collate, nullptr);
+  RegisterOrder<TextOrder::kPinyin>(database);
+  RegisterOrder<TextOrder::kStroke>(database);
+  RegisterOrder<TextOrder::kTaiwanStroke>(database);
   sqlite3_create_collation_v2(database, "MOMENT", SQLITE_UTF8, nullptr, CollateMoments, nullptr);
   RegisterConversionFunctions(database, runtime);
   RegisterTextFunctions(database, runtime);

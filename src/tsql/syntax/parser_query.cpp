@@ -154,6 +154,12 @@ QueryPtr Parser::ParseRows(bool inserted) {
     } while (Accept(Op::kComma));
     Expect(Op::kRightParen);
   } while (Accept(Op::kComma));
+  constexpr std::size_t kMostRows = 1000;
+  if (inserted && values.rows.size() > kMostRows) {
+    RaiseAt(10738,
+            "The number of row value expressions in the INSERT statement exceeds the maximum allowed number of 1000 row "
+            "values.");
+  }
   return MakeQuery(std::move(values));
 }
 

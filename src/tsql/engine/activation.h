@@ -17,6 +17,9 @@ struct Activation {
   std::span<const Token> lists;
   const std::vector<Token>* list_items = nullptr;
   int return_value = 0;
+  /// Of a scalar function: the type that it returns, and the value once there is one.
+  const SqlType* returns = nullptr;
+  Datum returned = {};
 };
 
 }  // namespace tessarlorn::tsql

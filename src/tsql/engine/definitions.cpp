@@ -1,9 +1,11 @@
 #include "tsql/engine/definitions.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "platform/text/text.h"
+#include "tsql/translate/common/function_text.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -12,6 +14,19 @@ namespace {
 std::string IndexSql(const CatalogObject& table, const std::string& index) {
   return (table.temporary ? "temp." : "main.") + QuoteName(table.table_name() + "." + index);
 }
+
+/// What each DROP drops, and its word for messages, in the order of ObjectKind.
+struct Dropped {
+  std::array<CatalogKind, 2> kinds;
+  const char* word;
+};
+constexpr std::array kDropped = {
+    Dropped{{CatalogKind::kTable, CatalogKind::kTable}, "table"},
+    Dropped{{CatalogKind::kView, CatalogKind::kView}, "view"},
+    Dropped{{CatalogKind::kProcedure, CatalogKind::kProcedure}, "procedure"},
+    Dropped{{CatalogKind::kFunction, CatalogKind::kTableFunction}, "function"},
+    Dropped{{CatalogKind::kSequence, CatalogKind::kSequence}, "sequence object"},
+};
 
 std::string_view SchemaOf(const CatalogObject& table) { return table.temporary ? "temp" : "main"; }
 
@@ -141,16 +156,47 @@ void Definitions::CreateProcedure(const CreateProcedureStatement& statement) {
   AddObject(std::move(procedure), statement.replace);
 }
 
+void Definitions::CreateFunction(const CreateFunctionStatement& statement, const Activation& activation) {
+  RequireLocal(statement.function);
+  CatalogObject function;
+  function.kind = statement.query == nullptr ? CatalogKind::kFunction : CatalogKind::kTableFunction;
+  function.name = statement.function.name;
+  function.definition = statement.source_text;
+  Frame frame;
+  std::vector<Column> parameters;
+  for (const Parameter& parameter : statement.parameters) {
+    parameters.push_back(
+        {parameter.name, ResolveType(parameter.type, false), true, false, std::string(kParameterMark)});
+    frame.Declare(parameter.name, parameters.back().type);
+  }
+  if (statement.query == nullptr) {
+    parameters.push_back({"", ResolveType(statement.returns, false), true, false, std::string(kReturnMark)});
+    PlanStore::Declare(*activation.plan->statement, frame);
+  } else {
+    Activation inner = activation;
+    inner.frame = &frame;
+    Translator translator = plans_.MakeTranslator(inner);
+    for (const ResultColumn& column : translator.DescribeQuery(*statement.query, false)) {
+      function.columns.push_back({column.name, column.type, column.nullable, false, ""});
+    }
+  }
+  function.columns.insert(function.columns.end(), parameters.begin(), parameters.end());
+  const CatalogObjectPtr old = database_.catalog().Find(function.name);
+  if (old == nullptr && statement.must_exist) RaiseNoObject(statement.function);
+  if (old != nullptr && statement.replace && old->kind != function.kind) {
+    throw SqlError(2010, "Cannot perform alter on '" + WrittenName(statement.function) +
+                             "' because it is an incompatible object type.");
+  }
+  AddObject(std::move(function), statement.replace);
+}
+
 void Definitions::Drop(const DropStatement& statement) {
-  const CatalogKind kind = statement.kind == ObjectKind::kTable  ? CatalogKind::kTable
-                           : statement.kind == ObjectKind::kView ? CatalogKind::kView
-                                                                 : CatalogKind::kProcedure;
+  const auto& [kinds, word] = kDropped[static_cast<std::size_t>(statement.kind)];
   for (const ObjectName& name : statement.names) {
     RequireLocal(name);
     const CatalogObjectPtr object = database_.catalog().Find(name.name);
-    if (object == nullptr || object->kind != kind) {
+    if (object == nullptr || std::find(kinds.begin(), kinds.end(), object->kind) == kinds.end()) {
       if (statement.if_exists) continue;
-      const char* word = kind == CatalogKind::kTable ? "table" : kind == CatalogKind::kView ? "view" : "procedure";
       throw SqlError(3701,
                      std::string("Cannot drop the ") + word + " '" + name.name +
                          "', because it does not exist or you do not have permission.",

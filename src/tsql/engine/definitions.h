@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tsql/engine/evaluate.h"
+#include "tsql/engine/state/sequence_numbers.h"
 
 namespace tessarlorn::tsql {
 
@@ -34,7 +35,11 @@ class Definitions {
   void DropIndex(const DropIndexStatement& statement);
   void CreateView(const CreateViewStatement& statement, const Activation& activation);
   void CreateProcedure(const CreateProcedureStatement& statement);
+  void CreateFunction(const CreateFunctionStatement& statement, const Activation& activation);
   void Drop(const DropStatement& statement);
+  // sequences.cpp
+  /// CREATE and ALTER SEQUENCE. @param numbers what the sequences gave so far
+  void DefineSequence(const SequenceStatement& statement, SequenceNumbers& numbers);
   /// sp_rename. @param kind "" or what it is: OBJECT, COLUMN or INDEX. Raises 15224, 15225, 15248, 15249, 15335 and
   /// 15336.
   void Rename(const std::string& object, const std::string& new_name, const std::string& kind);
@@ -50,7 +55,6 @@ class Definitions {
   void DropColumns(CatalogObject table, const std::vector<std::string>& columns);
   std::string CheckText(const CatalogObject& table, const std::string& text, const Activation& activation);
   bool IndexExists(const CatalogObject& table, const std::string& index);
-  /// A table, view or procedure.
   void DropObject(const CatalogObject& object);
   void AddObject(CatalogObject object, bool replace);
   void RenameObject(const CatalogObject& object, const std::string& new_name);

@@ -45,7 +45,7 @@ Interpreter::Interpreter(SessionDatabase& database, SessionOptions& options, Res
       rows_(database, options, results, transaction, plans, binder, definitions_),
       messages_(results, errors, evaluator_),
       procedures_(
-          database, options, errors, transaction, plans, evaluator_, definitions_,
+          database, options, results, errors, transaction, plans, evaluator_, definitions_,
           {[this](std::string_view text, Frame& frame) { RunBatch(text, frame); },
            [this](const std::vector<StatementPtr>& body, Activation& activation) { RunBody(body, activation); }}),
       cursors_(database, results, evaluator_, cursors,
@@ -269,6 +269,14 @@ class Interpreter::Runner {
     of_.definitions_.CreateProcedure(node);
     return of_.Done();
   }
+  Flow operator()(const CreateFunctionStatement& node) const {
+    of_.definitions_.CreateFunction(node, activation_);
+    return of_.Done();
+  }
+  Flow operator()(const SequenceStatement& node) const {
+    of_.definitions_.DefineSequence(node, of_.transaction_.numbers());
+    return of_.Done();
+  }
 
  private:
   [[nodiscard]] Flow Change() const {
@@ -329,7 +337,9 @@ Interpreter::Flow Interpreter::While(const WhileStatement& loop, Activation& act
 }
 
 Interpreter::Flow Interpreter::Return(const ReturnStatement& statement, Activation& activation) {
-  if (statement.value != nullptr) {
+  if (activation.returns != nullptr) {
+    activation.returned = evaluator_.Value(*statement.value, *activation.returns, activation);
+  } else if (statement.value != nullptr) {
     activation.return_value = static_cast<int>(evaluator_.Integer(*statement.value, activation).value_or(0));
   }
   return Flow::kReturn;

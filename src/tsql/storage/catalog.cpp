@@ -1,5 +1,8 @@
 #include "tsql/storage/catalog.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "platform/text/text.h"
 #include "tsql/storage/sqlite_handle.h"
 #include "tsql/values/sql_error.h"
@@ -11,7 +14,7 @@ namespace {
 constexpr int kIdentity = 1;
 constexpr int kRowKey = 2;
 
-constexpr std::string_view kKindNames[] = {"table", "view", "procedure"};
+constexpr std::string_view kKindNames[] = {"table", "view", "procedure", "function", "table function", "sequence"};
 
 constexpr const char* kCreateCatalog = R"(
 CREATE TABLE IF NOT EXISTS "$objects" (
@@ -154,10 +157,8 @@ void Catalog::Load() {
     CatalogObject object;
     object.id = objects.Integer(0);
     object.name = objects.Text(1);
-    const std::string kind = objects.Text(2);
-    object.kind = kind == kKindNames[1]   ? CatalogKind::kView
-                  : kind == kKindNames[2] ? CatalogKind::kProcedure
-                                          : CatalogKind::kTable;
+    const auto kind = std::find(std::begin(kKindNames), std::end(kKindNames), objects.Text(2));
+    if (kind != std::end(kKindNames)) object.kind = static_cast<CatalogKind>(kind - std::begin(kKindNames));
     object.definition = objects.Text(3);
     read.emplace(object.id, std::move(object));
   }
@@ -190,7 +191,7 @@ CatalogObjectPtr Catalog::Find(std::string_view name) const {
 
 CatalogObjectPtr Catalog::Get(std::string_view name) const {
   CatalogObjectPtr object = Find(name);
-  if (object == nullptr || object->kind == CatalogKind::kProcedure) {
+  if (object == nullptr || !object->has_rows()) {
     RaiseNoObject({"", std::string(name)});
   }
   return object;

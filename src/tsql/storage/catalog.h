@@ -26,23 +26,33 @@ struct Column {
   bool row_key = false;
 };
 
-enum class CatalogKind : std::uint8_t { kTable, kView, kProcedure };
+enum class CatalogKind : std::uint8_t { kTable, kView, kProcedure, kFunction, kTableFunction, kSequence };
 
-/// A table, view or procedure. Not changed once it stands in the catalog: a new definition is a new object.
+/// What default_text says of a column of a function that is a parameter, and of the value that it returns. The columns
+/// of its rows have "".
+constexpr std::string_view kParameterMark = "parameter";
+constexpr std::string_view kReturnMark = "return";
+
+/// A table, view, procedure, function or sequence. Not changed once it stands in the catalog: a new definition is a new
+/// object.
 struct CatalogObject {
   CatalogKind kind = CatalogKind::kTable;
   std::string name;
   /// Of a table variable, which others of its name may stand beside: the name of SQLite's table. "" when it is `name`.
   std::string stored_name;
   bool temporary = false;
-  /// Of a table; of a procedure its parameters, whose default_text is "output" when they give a value back.
+  /// Of a table; of a procedure its parameters, whose default_text is "output" when they give a value back. Of a
+  /// function those of its rows, its parameters and what it returns.
   std::vector<Column> columns;
-  /// Of a table its constraints (see constraint_text.h), of a view its query, of a procedure parameters and body.
+  /// Of a table its constraints (see constraint_text.h), of a view its query, of a procedure or function parameters and
+  /// body. Of a sequence a JSON object with type, start, increment, minimum, maximum, cycle and cache.
   std::string definition;
   std::int64_t id = 0;
 
   /// What SQLite's table is called.
   [[nodiscard]] const std::string& table_name() const { return stored_name.empty() ? name : stored_name; }
+  /// It is a table or a view.
+  [[nodiscard]] bool has_rows() const { return kind == CatalogKind::kTable || kind == CatalogKind::kView; }
   [[nodiscard]] int FindColumn(std::string_view column) const;
   [[nodiscard]] int identity_column() const;
   /// Two definitions with the same signature can serve the same compiled statements.

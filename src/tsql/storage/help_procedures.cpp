@@ -82,16 +82,19 @@ DECLARE @id int = OBJECT_ID(@objname), @database nvarchar(128) = DB_NAME(), @typ
 IF @objname IS NULL BEGIN
   SELECT name AS Name, CAST('dbo' AS nvarchar(128)) AS Owner, CAST(CASE type WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view'
       WHEN 'P' THEN 'stored procedure' WHEN 'PK' THEN 'primary key cns' WHEN 'UQ' THEN 'unique constraint'
-      WHEN 'F' THEN 'foreign key cns' WHEN 'C' THEN 'check cns' ELSE 'default (maybe cns)' END AS nvarchar(31)) AS Object_type
+      WHEN 'F' THEN 'foreign key cns' WHEN 'C' THEN 'check cns' WHEN 'FN' THEN 'scalar function'
+      WHEN 'IF' THEN 'inline function' WHEN 'SO' THEN 'sequence object' ELSE 'default (maybe cns)' END AS nvarchar(31)) AS Object_type
   FROM sys.objects ORDER BY Owner, Object_type DESC, Name
   RETURN 0
 END
 IF @id IS NULL BEGIN RAISERROR(15009, 16, 1, @objname, @database) RETURN 1 END
 SELECT @type = type FROM sys.objects WHERE object_id = @id
 SELECT name AS Name, CAST('dbo' AS nvarchar(128)) AS Owner, CAST(CASE type WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view'
+    WHEN 'FN' THEN 'scalar function' WHEN 'IF' THEN 'inline function' WHEN 'SO' THEN 'sequence object'
     ELSE 'stored procedure' END AS nvarchar(31)) AS Type, create_date AS Created_datetime
 FROM sys.objects WHERE object_id = @id
-IF @type = 'P' BEGIN
+IF @type = 'SO' RETURN 0
+IF @type IN ('P', 'FN') BEGIN
   IF EXISTS (SELECT 1 FROM sys.parameters WHERE object_id = @id)
     SELECT name AS Parameter_name, TYPE_NAME(user_type_id) AS Type, CAST(length AS smallint) AS Length,
       CAST(prec AS int) AS Prec, CAST(scale AS int) AS Scale, CAST(colid AS int) AS Param_order, collation AS Collation

@@ -345,7 +345,7 @@ struct AlterTableStatement {
   std::variant<AddColumns, AddConstraints, DropColumns, DropConstraints, AlterColumn> action;
 };
 
-enum class ObjectKind : std::uint8_t { kTable, kView, kProcedure };
+enum class ObjectKind : std::uint8_t { kTable, kView, kProcedure, kFunction, kSequence };
 
 struct DropStatement {
   ObjectKind kind = ObjectKind::kTable;
@@ -397,6 +397,39 @@ struct CreateProcedureStatement {
   bool replace = false;
 };
 
+/// RETURNS TABLE has a query, any other type a body.
+struct CreateFunctionStatement {
+  ObjectName function;
+  std::vector<Parameter> parameters;
+  TypeName returns;
+  QueryPtr query;  // null for a scalar function
+  std::vector<StatementPtr> body;
+  bool null_for_null = false;  // RETURNS NULL ON NULL INPUT
+  std::string source_text;
+  bool replace = false;
+  bool must_exist = false;  // ALTER
+};
+
+/// What CREATE and ALTER SEQUENCE may say.
+struct SequenceOptions {
+  std::optional<TypeName> type;
+  std::optional<std::int64_t> start;
+  std::optional<std::int64_t> increment;
+  // NO MINVALUE and its like: given, without a number.
+  std::optional<std::optional<std::int64_t>> minimum;
+  std::optional<std::optional<std::int64_t>> maximum;
+  std::optional<bool> cycles;
+  std::optional<std::int64_t> cache;  // 0 for NO CACHE
+  bool restarts = false;
+  std::optional<std::int64_t> restart;
+};
+
+struct SequenceStatement {
+  ObjectName sequence;
+  SequenceOptions options;
+  bool alter = false;
+};
+
 using StatementNode =
     std::variant<EmptyStatement, SelectStatement, InsertStatement, UpdateStatement, DeleteStatement, MergeStatement,
                  TruncateStatement, DeclareStatement, SetStatement, SetSwitchStatement, SetValueStatement,
@@ -406,10 +439,12 @@ using StatementNode =
                  RaiseErrorStatement, ThrowStatement, BeginTransactionStatement, CommitStatement, RollbackStatement,
                  SaveTransactionStatement, CallStatement, ExecuteTextStatement, CreateTableStatement,
                  AlterTableStatement, DropStatement, CreateIndexStatement, DropIndexStatement, CreateViewStatement,
-                 CreateProcedureStatement>;
+                 CreateProcedureStatement, CreateFunctionStatement, SequenceStatement>;
 
 struct Statement {
   std::uint32_t line = 1;
+  /// It takes numbers of sequences: NEXT VALUE FOR.
+  bool takes_numbers = false;
   StatementNode node;
 };
 

@@ -50,7 +50,8 @@ void ObjectId(sqlite3_context* context, const Catalog& catalog, Arguments argume
   if (object == nullptr) return;
   if (arguments.size() > 1) {
     const std::string kind = UpperCase(Trim(TextOf(arguments[1])));
-    const char* own = object->kind == CatalogKind::kTable ? "U" : object->kind == CatalogKind::kView ? "V" : "P";
+    constexpr const char* kTypes[] = {"U", "V", "P", "FN", "IF", "SO"};
+    const char* const own = kTypes[static_cast<std::size_t>(object->kind)];
     if (kind != own) return;
   }
   sqlite3_result_int64(context, object->id);

@@ -21,6 +21,8 @@ struct EffectOfNode {
   Effect operator()(const DropIndexStatement& /*node*/) const { return Effect::kDefines; }
   Effect operator()(const CreateViewStatement& /*node*/) const { return Effect::kDefines; }
   Effect operator()(const CreateProcedureStatement& /*node*/) const { return Effect::kDefines; }
+  Effect operator()(const CreateFunctionStatement& /*node*/) const { return Effect::kDefines; }
+  Effect operator()(const SequenceStatement& /*node*/) const { return Effect::kDefines; }
   template <typename Other>
   Effect operator()(const Other& /*node*/) const {
     return Effect::kNone;

@@ -1,0 +1,166 @@
+// CREATE and ALTER FUNCTION, and the arguments of calls.
+#include <array>
+#include <utility>
+
+#include "tsql/syntax/ast_walk.h"
+#include "tsql/syntax/parser_core.h"
+#include "tsql/values/sql_error.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+/// What a statement does that none within a function may do, in the server's words; "" for nothing.
+struct SideEffect {
+  std::string operator()(const SelectStatement& node) const { return node.query->makes_table() ? "SELECT INTO" : ""; }
+  std::string operator()(const InsertStatement& node) const { return node.table.variable() ? "" : "INSERT"; }
+  std::string operator()(const UpdateStatement& node) const { return node.rows.table.variable() ? "" : "UPDATE"; }
+  std::string operator()(const DeleteStatement& node) const { return node.rows.table.variable() ? "" : "DELETE"; }
+  std::string operator()(const MergeStatement& node) const { return node.target.name.variable() ? "" : "MERGE"; }
+  std::string operator()(const TruncateStatement& /*node*/) const { return "TRUNCATE TABLE"; }
+  std::string operator()(const SetSwitchStatement& /*node*/) const { return "SET ON/OFF"; }
+  std::string operator()(const SetValueStatement& /*node*/) const { return "SET COMMAND"; }
+  std::string operator()(const SetIdentityInsertStatement& /*node*/) const { return "SET IDENTITY_INSERT"; }
+  std::string operator()(const SetIsolationStatement& /*node*/) const { return "SET TRANSACTION ISOLATION LEVEL"; }
+  std::string operator()(const TryCatchStatement& /*node*/) const { return "BEGIN TRY"; }
+  std::string operator()(const WaitForStatement& /*node*/) const { return "WAITFOR"; }
+  std::string operator()(const PrintStatement& /*node*/) const { return "PRINT"; }
+  std::string operator()(const RaiseErrorStatement& /*node*/) const { return "RAISERROR"; }
+  std::string operator()(const ThrowStatement& /*node*/) const { return "THROW"; }
+  std::string operator()(const BeginTransactionStatement& /*node*/) const { return "BEGIN TRANSACTION"; }
+  std::string operator()(const CommitStatement& /*node*/) const { return "COMMIT TRANSACTION"; }
+  std::string operator()(const RollbackStatement& /*node*/) const { return "ROLLBACK TRANSACTION"; }
+  std::string operator()(const SaveTransactionStatement& /*node*/) const { return "SAVE TRANSACTION"; }
+  std::string operator()(const ExecuteTextStatement& /*node*/) const { return "EXECUTE STRING"; }
+  std::string operator()(const CreateTableStatement& /*node*/) const { return "CREATE TABLE"; }
+  std::string operator()(const AlterTableStatement& /*node*/) const { return "ALTER TABLE"; }
+  std::string operator()(const CreateIndexStatement& /*node*/) const { return "CREATE INDEX"; }
+  std::string operator()(const DropStatement& /*node*/) const { return "DROP OBJECT"; }
+  std::string operator()(const DropIndexStatement& /*node*/) const { return "DROP INDEX"; }
+  template <typename Other>
+  std::string operator()(const Other& /*node*/) const {
+    return {};
+  }
+};
+
+bool IsTemporaryTable(const Token& token) {
+  const bool name = token.kind == TokenKind::kWord || token.kind == TokenKind::kQuoted;
+  return name && token.text.starts_with('#');
+}
+
+bool AnswersRows(const Statement& statement) {
+  const auto* fetch = As<FetchStatement>(statement);
+  if (fetch != nullptr) return fetch->into.empty();
+  const auto* query = As<SelectStatement>(statement);
+  const Select* select = query == nullptr ? nullptr : query->query->select();
+  return query != nullptr && (select == nullptr || select->items[0].variable.empty());
+}
+
+/// Raises 443 and 444, and 11719 for NEXT VALUE FOR.
+void CheckFunctionStatement(const Statement& statement) {
+  const auto raise = [&](SqlError error) {
+    error.set_line(statement.line);
+    throw error;
+  };
+  if (const std::string effect = std::visit(SideEffect{}, statement.node); !effect.empty()) {
+    raise({443, "Invalid use of a side-effecting operator '" + effect + "' within a function."});
+  }
+  if (AnswersRows(statement)) {
+    raise({444, "Select statements included within a function cannot return data to a client."});
+  }
+  const auto* end = As<ReturnStatement>(statement);
+  if (end != nullptr && end->value == nullptr) {
+    RaiseUnsupported("RETURN without a value within a function", statement.line);
+  }
+  if (statement.takes_numbers) raise(NoNumbersHere());
+  const auto* declare = As<DeclareStatement>(statement);
+  if (declare != nullptr && !declare->tables.empty()) {
+    RaiseUnsupported("A table variable within a function", statement.line);
+  }
+  ForEachChild(statement, CheckFunctionStatement);
+}
+
+}  // namespace
+
+StatementPtr Parser::ParseFunction(std::size_t begin, bool replace) {
+  const bool alter = tokens_[begin].id == static_cast<std::uint32_t>("alter"_kw);
+  RequireFirstInBatch(alter ? "ALTER FUNCTION" : "CREATE FUNCTION");
+  const std::uint32_t line = Take().line;
+  CreateFunctionStatement create;
+  create.replace = replace;
+  create.must_exist = alter;
+  create.function = ParseObjectName();
+  Expect(Op::kLeftParen);
+  create.parameters = ParseParameters();
+  for (const Parameter& parameter : create.parameters) {
+    if (parameter.output) Fail();
+  }
+  Expect(Op::kRightParen);
+  Expect("returns"_kw);
+  if (Peek().kind == TokenKind::kVariable) Refuse("A table-valued function of several statements");
+  const bool inline_table = Accept("table"_kw);
+  if (!inline_table) create.returns = ParseType();
+  if (Accept("with"_kw)) ParseFunctionOptions(create);
+  Accept("as"_kw);
+  if (inline_table) {
+    create.query = ParseReturnedQuery();
+  } else {
+    create.body = ParseFunctionBody();
+  }
+  create.source_text = TextBetween(begin, position_);
+  const auto end = tokens_.begin() + static_cast<std::ptrdiff_t>(position_);
+  if (std::any_of(tokens_.begin() + static_cast<std::ptrdiff_t>(begin), end, IsTemporaryTable)) {
+    RaiseAt(2772, "Cannot access temporary tables from within a function.");
+  }
+  Accept(Op::kSemicolon);
+  if (!AtEnd()) Fail();
+  return MakeStatement(line, std::move(create));
+}
+
+void Parser::ParseFunctionOptions(CreateFunctionStatement& create) {
+  do {
+    if (Accept("schemabinding"_kw)) continue;
+    const bool null_for_null = AcceptBoth("returns"_kw, "null"_kw);
+    if (!null_for_null && !Accept("called"_kw)) Refuse("CREATE FUNCTION … WITH " + UpperCase(Peek().text));
+    Expect("on"_kw);
+    Expect("null"_kw);
+    Expect("input"_kw);
+    create.null_for_null = null_for_null;
+  } while (Accept(Op::kComma));
+}
+
+QueryPtr Parser::ParseReturnedQuery() {
+  Expect("return"_kw);
+  const std::size_t behind = At(Op::kLeftParen) ? MatchingParen(position_) + 1 : position_;
+  const Token& next = tokens_[std::min(behind, tokens_.size() - 1)];
+  const bool in_parens = behind > position_ && (next.kind == TokenKind::kEnd || next.op == Op::kSemicolon);
+  const int numbers = number_count_;
+  ++query_depth_;
+  QueryPtr query = in_parens ? ParseQueryInParens() : ParseQuery();
+  --query_depth_;
+  if (number_count_ > numbers) throw NoNumbersHere();
+  return query;
+}
+
+std::vector<StatementPtr> Parser::ParseFunctionBody() {
+  Expect("begin"_kw);
+  std::vector<StatementPtr> body = ParseStatementsUntilEnd();
+  for (const StatementPtr& statement : body) CheckFunctionStatement(*statement);
+  const auto* last = body.empty() ? nullptr : As<ReturnStatement>(*body.back());
+  if (last == nullptr) RaiseAt(455, "The last statement included within a function must be a return statement.");
+  Expect("end"_kw);
+  return body;
+}
+
+std::vector<ExpressionPtr> Parser::ParseFunctionArguments() {
+  std::vector<ExpressionPtr> arguments;
+  Expect(Op::kLeftParen);
+  if (Accept(Op::kRightParen)) return arguments;
+  do {
+    const bool is_default = At("default"_kw) && (At(Op::kComma, 1) || At(Op::kRightParen, 1));
+    arguments.push_back(is_default ? MakeExpression(Take().line, DefaultValue{}) : ParseValue());
+  } while (Accept(Op::kComma));
+  Expect(Op::kRightParen);
+  return arguments;
+}
+
+}  // namespace tessarlorn::tsql

@@ -58,7 +58,6 @@ void Apply(SequenceDefinition& definition, const SequenceOptions& options, const
   if (options.restart) definition.start = *options.restart;
   RequireIn(range, definition.minimum, "MINVALUE");
   RequireIn(range, definition.maximum, "MAXVALUE");
-  RequireIn(range, definition.increment, "INCREMENT BY");
   RequireIn(range, definition.start, options.restart ? "RESTART WITH" : "START WITH");
 }
 

@@ -59,6 +59,7 @@ std::vector<ResultColumn> Translator::DescribeQuery(const Query& query, bool may
   options.named = true;
   options.owner = query.makes_table() ? query.select()->into.name : "query";
   if (!given.empty()) options.names = &given;
+  if (query.makes_table()) numbers = NumberPlace::kItems;
   std::vector<ResultColumn> columns = QueryText(query, nullptr, options).columns;
   parameters.ShrinkTo(0);
   return columns;

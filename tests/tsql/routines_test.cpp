@@ -85,6 +85,40 @@ TEST(Routines, ScalarFunctions) {
       });
 }
 
+TEST(Routines, TableVariablesOfFunctions) {
+  CheckBatches(
+      {kTable,
+       "create function tv(@n int) returns nvarchar(99) as begin declare @t table (i int identity primary key, w nvarchar(9) unique) "
+       "insert @t (w) select n + cast(id as nvarchar(9)) from t where id <= @n delete @t where i = 1 declare @s nvarchar(99) = '' "
+       "select @s += w + cast(i as nvarchar(9)) from @t order by i return @s end",
+       "create function rec(@n int) returns int as begin declare @t table (i int) insert @t values (@n) if @n > 1 insert @t values "
+       "(dbo.rec(@n - 1)) return (select sum(i) from @t) end",
+       "create function ms(@n int, @w nvarchar(9) = 'q') returns @r table (id int not null primary key, w nvarchar(9) default 'd') as "
+       "begin declare @i int = 0 while @i < @n begin set @i += 1 insert @r values (@i, @w) end if @n > 2 return update @r set w = "
+       "default where id = 1 return end"},
+      {
+          {"select id, dbo.tv(id) s, dbo.rec(id) r from t", "id|s|r;1||1;2|b22|3;3|b22a33|6"},
+          {"declare @t table (x nvarchar(99)) insert @t select dbo.tv(id) from t update t set n = dbo.tv(2) where id = 3 insert t (id, "
+           "n) select q + 10, dbo.tv(2) from t where q = 10 select count(*) c, max(n) n, max(x) x from t, @t",
+           "c|n|x;12|b22|b22a33"},
+          {"begin tran update t set q = dbo.rec(4) where id = 1 rollback update t set q = q + dbo.rec(2) where id = 1 select q from t where "
+           "id = 1",
+           "q;13"},
+          {"select t.id, m.id i, m.w from t outer apply dbo.ms(t.id - 1, t.n) m where t.id < 4 order by 1, 2",
+           "id|i|w;1|NULL|NULL;2|1|d;3|1|d;3|2|b22"},
+          {"insert t (id, n) select id + 50, w from ms(3, default) delete t where id - 50 in (select id from ms(2, '')) select id, n from t "
+           "where id > 40",
+           "id|n;53|q"},
+          {"alter function ms() returns @r table (id int primary key) as begin insert @r values (1), (1) return end",
+           ""},
+          {"insert t (id) select id from ms()",
+           "error 2627: Violation of PRIMARY KEY constraint 'PK_@r'. Cannot insert duplicate key in object 'dbo.@r'."},
+          {"select name, type from sys.objects where type_desc = 'SQL_TABLE_VALUED_FUNCTION'", "name|type;ms|TF"},
+          {"create function x() returns @r table (id int) as begin return 1 end",
+           "error 178: A RETURN statement with a return value cannot be used in this context."},
+      });
+}
+
 TEST(Routines, Sequences) {
   CheckBatches(
       {"create sequence s as int start with 5 increment by 5 maxvalue 40",

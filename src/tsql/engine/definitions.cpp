@@ -17,16 +17,26 @@ std::string IndexSql(const CatalogObject& table, const std::string& index) {
 
 /// What each DROP drops, and its word for messages, in the order of ObjectKind.
 struct Dropped {
-  std::array<CatalogKind, 2> kinds;
+  std::array<CatalogKind, 3> kinds;
   const char* word;
 };
 constexpr std::array kDropped = {
-    Dropped{{CatalogKind::kTable, CatalogKind::kTable}, "table"},
-    Dropped{{CatalogKind::kView, CatalogKind::kView}, "view"},
-    Dropped{{CatalogKind::kProcedure, CatalogKind::kProcedure}, "procedure"},
-    Dropped{{CatalogKind::kFunction, CatalogKind::kTableFunction}, "function"},
-    Dropped{{CatalogKind::kSequence, CatalogKind::kSequence}, "sequence object"},
+    Dropped{{CatalogKind::kTable, CatalogKind::kTable, CatalogKind::kTable}, "table"},
+    Dropped{{CatalogKind::kView, CatalogKind::kView, CatalogKind::kView}, "view"},
+    Dropped{{CatalogKind::kProcedure, CatalogKind::kProcedure, CatalogKind::kProcedure}, "procedure"},
+    Dropped{{CatalogKind::kFunction, CatalogKind::kTableFunction, CatalogKind::kFilledFunction}, "function"},
+    Dropped{{CatalogKind::kSequence, CatalogKind::kSequence, CatalogKind::kSequence}, "sequence object"},
 };
+
+/// Those of a table that a function fills, as those of its rows.
+std::vector<Column> ColumnsOf(const CreateTableStatement& table) {
+  std::vector<Column> columns;
+  for (const ColumnDefinition& column : table.elements.columns) {
+    const bool nullable = column.nullable.value_or(!column.identity && !column.primary_key);
+    columns.push_back({column.name, ResolveType(column.type, false), nullable, false, ""});
+  }
+  return columns;
+}
 
 std::string_view SchemaOf(const CatalogObject& table) { return table.temporary ? "temp" : "main"; }
 
@@ -159,7 +169,9 @@ void Definitions::CreateProcedure(const CreateProcedureStatement& statement) {
 void Definitions::CreateFunction(const CreateFunctionStatement& statement, const Activation& activation) {
   RequireLocal(statement.function);
   CatalogObject function;
-  function.kind = statement.query == nullptr ? CatalogKind::kFunction : CatalogKind::kTableFunction;
+  function.kind = statement.query != nullptr         ? CatalogKind::kTableFunction
+                  : statement.returned_table.empty() ? CatalogKind::kFunction
+                                                     : CatalogKind::kFilledFunction;
   function.name = statement.function.name;
   function.definition = statement.source_text;
   Frame frame;
@@ -169,7 +181,10 @@ void Definitions::CreateFunction(const CreateFunctionStatement& statement, const
         {parameter.name, ResolveType(parameter.type, false), true, false, std::string(kParameterMark)});
     frame.Declare(parameter.name, parameters.back().type);
   }
-  if (statement.query == nullptr) {
+  if (function.kind == CatalogKind::kFilledFunction) {
+    PlanStore::Declare(*activation.plan->statement, frame);
+    function.columns = ColumnsOf(std::get<DeclareStatement>(statement.body[0]->node).tables[0]);
+  } else if (statement.query == nullptr) {
     parameters.push_back({"", ResolveType(statement.returns, false), true, false, std::string(kReturnMark)});
     PlanStore::Declare(*activation.plan->statement, frame);
   } else {

@@ -63,10 +63,12 @@ void Procedures::CallFunction(const CatalogObject& function, CallArguments& argu
   const InFunction in_function(*this);
   const PlanStore::FunctionPlan own(plans_, function);
   const auto& definition = std::get<CreateFunctionStatement>(own.plan().statement->node);
-  const SqlType type = ResolveType(definition.returns, false);
+  const bool scalar = definition.returned_table.empty();
+  const SqlType type = scalar ? ResolveType(definition.returns, false) : SqlType{FieldType::kVarBinary, 0, 0, 0, false};
   Frame frame;
   Activation inner{&frame, &own.plan(), {}, {}, nullptr};
   inner.returns = &type;
+  inner.returned_table = definition.returned_table;
   Begin(function, definition.parameters, arguments, inner);
   if (!definition.null_for_null || !AnyNull(definition.parameters, frame)) {
     const Nested nested(*this, function.name);
@@ -77,7 +79,9 @@ void Procedures::CallFunction(const CatalogObject& function, CallArguments& argu
 
 Datum Procedures::CallFunction(std::string_view name, std::vector<Datum> values) {
   const CatalogObjectPtr function = database_.catalog().Find(name);
-  if (function == nullptr || function->kind != CatalogKind::kFunction) RaiseNoObject({"dbo", std::string(name)});
+  if (function == nullptr ||
+      (function->kind != CatalogKind::kFunction && function->kind != CatalogKind::kFilledFunction))
+    RaiseNoObject({"dbo", std::string(name)});
   ConvertedArguments arguments(std::move(values));
   CallFunction(*function, arguments);
   return arguments.TakeResult();

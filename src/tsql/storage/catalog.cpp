@@ -14,7 +14,8 @@ namespace {
 constexpr int kIdentity = 1;
 constexpr int kRowKey = 2;
 
-constexpr std::string_view kKindNames[] = {"table", "view", "procedure", "function", "table function", "sequence"};
+constexpr std::string_view kKindNames[] = {
+    "table", "view", "procedure", "function", "table function", "sequence", "filled table function"};
 
 constexpr const char* kCreateCatalog = R"(
 CREATE TABLE IF NOT EXISTS "$objects" (

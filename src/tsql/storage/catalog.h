@@ -26,7 +26,15 @@ struct Column {
   bool row_key = false;
 };
 
-enum class CatalogKind : std::uint8_t { kTable, kView, kProcedure, kFunction, kTableFunction, kSequence };
+enum class CatalogKind : std::uint8_t {
+  kTable,
+  kView,
+  kProcedure,
+  kFunction,
+  kTableFunction,
+  kSequence,
+  kFilledFunction
+};
 
 /// What default_text says of a column of a function that is a parameter, and of the value that it returns. The columns
 /// of its rows have "".
@@ -53,6 +61,10 @@ struct CatalogObject {
   [[nodiscard]] const std::string& table_name() const { return stored_name.empty() ? name : stored_name; }
   /// It is a table or a view.
   [[nodiscard]] bool has_rows() const { return kind == CatalogKind::kTable || kind == CatalogKind::kView; }
+  /// It is a function that gives rows.
+  [[nodiscard]] bool gives_rows() const {
+    return kind == CatalogKind::kTableFunction || kind == CatalogKind::kFilledFunction;
+  }
   [[nodiscard]] int FindColumn(std::string_view column) const;
   [[nodiscard]] int identity_column() const;
   /// Two definitions with the same signature can serve the same compiled statements.

@@ -147,11 +147,11 @@ SystemView Sequences() {
 std::vector<SystemView> ObjectViews() {
   const std::string own_type =
       "CASE kind WHEN 'table' THEN 'U ' WHEN 'view' THEN 'V ' WHEN 'procedure' THEN 'P ' WHEN 'function' THEN 'FN'"
-      " WHEN 'table function' THEN 'IF' ELSE 'SO' END";
+      " WHEN 'table function' THEN 'IF' WHEN 'filled table function' THEN 'TF' ELSE 'SO' END";
   const std::string own_description =
       "CASE kind WHEN 'table' THEN 'USER_TABLE' WHEN 'view' THEN 'VIEW' WHEN 'procedure' THEN 'SQL_STORED_PROCEDURE'"
       " WHEN 'function' THEN 'SQL_SCALAR_FUNCTION' WHEN 'table function' THEN 'SQL_INLINE_TABLE_VALUED_FUNCTION'"
-      " ELSE 'SEQUENCE_OBJECT' END";
+      " WHEN 'filled table function' THEN 'SQL_TABLE_VALUED_FUNCTION' ELSE 'SEQUENCE_OBJECT' END";
   const SystemView constraints = ConstraintsOfKind("constraints", "'PK', 'UQ', 'F', 'C', 'D'", "", {});
   return {
       Objects("objects", "SELECT " + ObjectColumns(own_type, own_description) +

@@ -269,8 +269,10 @@ class Parser {
   void ParseFunctionOptions(CreateFunctionStatement& create);
   /// RETURN query
   QueryPtr ParseReturnedQuery();
-  /// BEGIN … RETURN value END
-  std::vector<StatementPtr> ParseFunctionBody();
+  /// @t TABLE (…), which the body declares first
+  void ParseReturnedTable(CreateFunctionStatement& create);
+  /// BEGIN … RETURN [value] END
+  void ParseFunctionBody(CreateFunctionStatement& create);
   /// Arguments between parentheses, each a value or DEFAULT.
   std::vector<ExpressionPtr> ParseFunctionArguments();
 

@@ -12,7 +12,10 @@ namespace {
 /// What a statement does that none within a function may do, in the server's words; "" for nothing.
 struct SideEffect {
   std::string operator()(const SelectStatement& node) const { return node.query->makes_table() ? "SELECT INTO" : ""; }
-  std::string operator()(const InsertStatement& node) const { return node.table.variable() ? "" : "INSERT"; }
+  std::string operator()(const InsertStatement& node) const {
+    if (node.execute() != nullptr) return "INSERT EXEC";
+    return node.table.variable() ? "" : "INSERT";
+  }
   std::string operator()(const UpdateStatement& node) const { return node.rows.table.variable() ? "" : "UPDATE"; }
   std::string operator()(const DeleteStatement& node) const { return node.rows.table.variable() ? "" : "DELETE"; }
   std::string operator()(const MergeStatement& node) const { return node.target.name.variable() ? "" : "MERGE"; }
@@ -55,8 +58,17 @@ bool AnswersRows(const Statement& statement) {
   return query != nullptr && (select == nullptr || select->items[0].variable.empty());
 }
 
+bool HasOutput(const Statement& statement) {
+  const auto* insert = As<InsertStatement>(statement);
+  const auto* update = As<UpdateStatement>(statement);
+  const auto* removal = As<DeleteStatement>(statement);
+  return (insert != nullptr && !insert->output.items.empty()) ||
+         (update != nullptr && !update->rows.output.items.empty()) ||
+         (removal != nullptr && !removal->rows.output.items.empty());
+}
+
 /// Raises 443 and 444, and 11719 for NEXT VALUE FOR.
-void CheckFunctionStatement(const Statement& statement) {
+void CheckFunctionStatement(const Statement& statement, bool scalar) {
   const auto raise = [&](SqlError error) {
     error.set_line(statement.line);
     throw error;
@@ -67,16 +79,18 @@ void CheckFunctionStatement(const Statement& statement) {
   if (AnswersRows(statement)) {
     raise({444, "Select statements included within a function cannot return data to a client."});
   }
-  const auto* end = As<ReturnStatement>(statement);
-  if (end != nullptr && end->value == nullptr) {
-    RaiseUnsupported("RETURN without a value within a function", statement.line);
-  }
   if (statement.takes_numbers) raise(NoNumbersHere());
-  const auto* declare = As<DeclareStatement>(statement);
-  if (declare != nullptr && !declare->tables.empty()) {
-    RaiseUnsupported("A table variable within a function", statement.line);
+  if (const auto* end = As<ReturnStatement>(statement)) {
+    if (scalar && end->value == nullptr) RaiseUnsupported("RETURN without a value within a function", statement.line);
+    if (!scalar && end->value != nullptr) {
+      raise({178, "A RETURN statement with a return value cannot be used in this context.", 15});
+    }
   }
-  ForEachChild(statement, CheckFunctionStatement);
+  // They need tables that SQLite does not drop while a statement runs.
+  if (As<MergeStatement>(statement) != nullptr || HasOutput(statement)) {
+    RaiseUnsupported("MERGE or OUTPUT within a function", statement.line);
+  }
+  ForEachChild(statement, [&](const Statement& child) { CheckFunctionStatement(child, scalar); });
 }
 
 }  // namespace
@@ -96,15 +110,18 @@ StatementPtr Parser::ParseFunction(std::size_t begin, bool replace) {
   }
   Expect(Op::kRightParen);
   Expect("returns"_kw);
-  if (Peek().kind == TokenKind::kVariable) Refuse("A table-valued function of several statements");
   const bool inline_table = Accept("table"_kw);
-  if (!inline_table) create.returns = ParseType();
+  if (Peek().kind == TokenKind::kVariable) {
+    ParseReturnedTable(create);
+  } else if (!inline_table) {
+    create.returns = ParseType();
+  }
   if (Accept("with"_kw)) ParseFunctionOptions(create);
   Accept("as"_kw);
   if (inline_table) {
     create.query = ParseReturnedQuery();
   } else {
-    create.body = ParseFunctionBody();
+    ParseFunctionBody(create);
   }
   create.source_text = TextBetween(begin, position_);
   const auto end = tokens_.begin() + static_cast<std::ptrdiff_t>(position_);
@@ -141,14 +158,24 @@ QueryPtr Parser::ParseReturnedQuery() {
   return query;
 }
 
-std::vector<StatementPtr> Parser::ParseFunctionBody() {
+void Parser::ParseReturnedTable(CreateFunctionStatement& create) {
+  const std::uint32_t line = Peek().line;
+  create.returned_table = ParseVariableName();
+  Expect("table"_kw);
+  DeclareStatement declare;
+  declare.tables.push_back({{"", create.returned_table}, ParseTableElements()});
+  create.body.push_back(MakeStatement(line, std::move(declare)));
+}
+
+void Parser::ParseFunctionBody(CreateFunctionStatement& create) {
   Expect("begin"_kw);
-  std::vector<StatementPtr> body = ParseStatementsUntilEnd();
-  for (const StatementPtr& statement : body) CheckFunctionStatement(*statement);
-  const auto* last = body.empty() ? nullptr : As<ReturnStatement>(*body.back());
-  if (last == nullptr) RaiseAt(455, "The last statement included within a function must be a return statement.");
+  for (StatementPtr& statement : ParseStatementsUntilEnd()) create.body.push_back(std::move(statement));
+  const bool scalar = create.returned_table.empty();
+  for (const StatementPtr& statement : create.body) CheckFunctionStatement(*statement, scalar);
+  if (create.body.empty() || As<ReturnStatement>(*create.body.back()) == nullptr) {
+    RaiseAt(455, "The last statement included within a function must be a return statement.");
+  }
   Expect("end"_kw);
-  return body;
 }
 
 std::vector<ExpressionPtr> Parser::ParseFunctionArguments() {

@@ -397,12 +397,13 @@ struct CreateProcedureStatement {
   bool replace = false;
 };
 
-/// RETURNS TABLE has a query, any other type a body.
+/// RETURNS TABLE has a query, any other type and RETURNS @t TABLE (…) a body.
 struct CreateFunctionStatement {
   ObjectName function;
   std::vector<Parameter> parameters;
   TypeName returns;
-  QueryPtr query;  // null for a scalar function
+  QueryPtr query;              // null for one with a body
+  std::string returned_table;  // @t, which the body fills; "" for the others
   std::vector<StatementPtr> body;
   bool null_for_null = false;  // RETURNS NULL ON NULL INPUT
   std::string source_text;

@@ -50,7 +50,7 @@ void ObjectId(sqlite3_context* context, const Catalog& catalog, Arguments argume
   if (object == nullptr) return;
   if (arguments.size() > 1) {
     const std::string kind = UpperCase(Trim(TextOf(arguments[1])));
-    constexpr const char* kTypes[] = {"U", "V", "P", "FN", "IF", "SO"};
+    constexpr const char* kTypes[] = {"U", "V", "P", "FN", "IF", "SO", "TF"};
     const char* const own = kTypes[static_cast<std::size_t>(object->kind)];
     if (kind != own) return;
   }

@@ -100,6 +100,7 @@ void Transaction::RollbackWrite() noexcept {
     TableVariableCopies variables(database_);
     database_.RunQuietly("ROLLBACK");
     variables.PutBack();
+    database_.DropLeft();
   }
   writing_ = false;
   save_points_.clear();
@@ -206,6 +207,7 @@ void Transaction::Rollback(const RollbackStatement& statement) {
     TableVariableCopies variables(database_);
     database_.Run("ROLLBACK TO " + QuoteName("save " + save_points_[i]));
     variables.PutBack();
+    database_.DropLeft();
     database_.catalog().Invalidate();
     database_.catalog().Refresh();
     KeepIdentities();

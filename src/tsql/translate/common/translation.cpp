@@ -20,7 +20,7 @@ CatalogObjectPtr Translation::Note(const ObjectName& name) {
 CatalogObjectPtr Translation::Lookup(const ObjectName& name) {
   CatalogObjectPtr object = Note(name);
   if (object != nullptr && object->has_rows()) return object;
-  if (object != nullptr && object->kind == CatalogKind::kTableFunction) {
+  if (object != nullptr && object->gives_rows()) {
     throw SqlError(216, "Parameters were not supplied for the function '" + name.name + "'.");
   }
   RaiseNoObject(name);

@@ -13,6 +13,7 @@
 #include "tsql/translate/common/function_text.h"
 #include "tsql/translate/common/meaning.h"
 #include "tsql/translate/queries/pivot.h"
+#include "tsql/translate/queries/query.h"
 #include "tsql/translate/queries/table_function.h"
 #include "tsql/values/sql_error.h"
 
@@ -99,6 +100,9 @@ class Sources {
                                                const Parameters::Arguments* arguments) const;
   /// Raises 208 and 215.
   [[nodiscard]] CatalogObjectPtr FunctionOf(const TableFunction& function) const;
+  /// One whose body fills a table.
+  [[nodiscard]] std::string Filled(const TableFunction& function, const CatalogObject& object,
+                                   const std::vector<Typed>& values, bool kept) const;
   /// A function of the database. @param around what its arguments may name @param kept as of Function
   [[nodiscard]] std::string Own(const TableFunction& function, Scope& around, bool kept) const;
 
@@ -184,12 +188,24 @@ TranslatedQuery Sources::DefinitionText(const std::string& owner, const Query& q
 CatalogObjectPtr Sources::FunctionOf(const TableFunction& function) const {
   CatalogObjectPtr object = translation_.Note(function.of_database);
   if (object == nullptr || object->kind == CatalogKind::kFunction) RaiseNoObject(function.of_database);
-  if (object->kind != CatalogKind::kTableFunction) {
+  if (!object->gives_rows()) {
     throw SqlError(215, "Parameters supplied for object '" + WrittenName(function.of_database) +
                             "' which is not a function. If the parameters are intended as a table hint, a WITH keyword "
                             "is required.");
   }
   return object;
+}
+
+std::string Sources::Filled(const TableFunction& function, const CatalogObject& object,
+                            const std::vector<Typed>& values, bool kept) const {
+  std::string call = "ts_call(" + QuoteText(object.name);
+  for (const Typed& value : values) call += ", " + value.sql;
+  std::vector<ResultColumn> columns;
+  for (const Column& column : object.columns) {
+    if (column.default_text != kParameterMark) columns.push_back({column.name, column.type, column.nullable});
+  }
+  if (!function.column_aliases.empty()) Rename(columns, function.column_aliases, function.alias);
+  return AddPacked(call + ")", function.alias, columns, kept);
 }
 
 std::string Sources::Own(const TableFunction& function, Scope& around, bool kept) const {
@@ -198,6 +214,7 @@ std::string Sources::Own(const TableFunction& function, Scope& around, bool kept
   const auto& definition = std::get<CreateFunctionStatement>(statement->node);
   std::vector<Typed> values = FunctionArguments(translation_, WrittenName(function.of_database), definition.parameters,
                                                 function.arguments, around);
+  if (definition.query == nullptr) return Filled(function, *object, values, kept);
   // Columns would mean others within the function's text: they come to it as those of a row with a name of its own.
   const bool plain = TakesNoColumns(function);
   const std::string row = QuoteName("$arguments" + std::to_string(translation_.next_alias++));

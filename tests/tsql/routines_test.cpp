@@ -71,6 +71,8 @@ TEST(Routines, ScalarFunctions) {
            "error 217: Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32)."},
           {"create function x() returns int as begin if 1 = 1 update t set q = 1 return 1 end",
            "error 443: Invalid use of a side-effecting operator 'UPDATE' within a function."},
+          {"create function x() returns float as begin return rand() end",
+           "error 443: Invalid use of a side-effecting operator 'rand' within a function."},
           {"create function x() returns int as begin select q from t return 1 end",
            "error 444: Select statements included within a function cannot return data to a client."},
           {"create function x() returns int as begin if 1 = 1 return 1 else return 2 end",
@@ -149,6 +151,10 @@ TEST(Routines, Sequences) {
            "sequence object."},
           {"alter sequence s restart select next value for s as v", "v;5"},
           {"select next value for t", "error 11726: Object 't' is not a sequence object."},
+          {"select next value for s as v into n from t where n > 1 select min(v) a, max(v) b from n", "a|b;10|30"},
+          {"begin tran create sequence u select next value for u as v rollback create sequence w as smallint start with 4 select 1",
+           "v;-9223372036854775808"},
+          {"select next value for w as v", "v;4"},
           {"drop sequence s select next value for s", "error 208: Invalid object name 's'."},
       });
 }

@@ -45,9 +45,20 @@ struct SideEffect {
   }
 };
 
-bool IsTemporaryTable(const Token& token) {
-  const bool name = token.kind == TokenKind::kWord || token.kind == TokenKind::kQuoted;
-  return name && token.text.starts_with('#');
+/// Raises 2772 for temporary tables, and 443 for what answers something else each time.
+void CheckFunctionWords(std::span<const Token> tokens) {
+  constexpr auto kChanging = std::to_array<std::string_view>({"newid", "newsequentialid", "rand"});
+  for (std::size_t i = 0; i + 1 < tokens.size(); ++i) {
+    const Token& token = tokens[i];
+    const bool call = token.kind == TokenKind::kWord && tokens[i + 1].op == Op::kLeftParen;
+    if ((token.kind == TokenKind::kWord || token.kind == TokenKind::kQuoted) && token.text.starts_with('#')) {
+      throw SqlError(2772, "Cannot access temporary tables from within a function.");
+    }
+    if (call && IsAmong(kChanging, token.text)) {
+      throw SqlError(443,
+                     "Invalid use of a side-effecting operator '" + LowerCase(token.text) + "' within a function.");
+    }
+  }
 }
 
 bool AnswersRows(const Statement& statement) {
@@ -124,10 +135,7 @@ StatementPtr Parser::ParseFunction(std::size_t begin, bool replace) {
     ParseFunctionBody(create);
   }
   create.source_text = TextBetween(begin, position_);
-  const auto end = tokens_.begin() + static_cast<std::ptrdiff_t>(position_);
-  if (std::any_of(tokens_.begin() + static_cast<std::ptrdiff_t>(begin), end, IsTemporaryTable)) {
-    RaiseAt(2772, "Cannot access temporary tables from within a function.");
-  }
+  CheckFunctionWords(std::span(tokens_).subspan(begin, position_ - begin));
   Accept(Op::kSemicolon);
   if (!AtEnd()) Fail();
   return MakeStatement(line, std::move(create));

@@ -223,7 +223,7 @@ std::string Sources::Own(const TableFunction& function, Scope& around, bool kept
   for (std::size_t i = 0; i < values.size(); ++i) {
     if (!plain) {
       const std::string name = "p" + std::to_string(i);
-      given += (i == 0 ? "" : ", ") + values[i].sql + " AS " + name;
+      given.append(i == 0 ? "" : ", ").append(values[i].sql).append(" AS ").append(name);
       values[i].sql = row + "." + name;
     }
     arguments.emplace(definition.parameters[i].name, std::move(values[i]));

@@ -224,7 +224,7 @@ std::string Sources::Own(const TableFunction& function, Scope& around, bool kept
     if (!plain) {
       const std::string name = "p" + std::to_string(i);
       given.append(i == 0 ? "" : ", ").append(values[i].sql).append(" AS ").append(name);
-      values[i].sql = row + "." + name;
+      values[i].sql = std::string(row).append(".").append(name);
     }
     arguments.emplace(definition.parameters[i].name, std::move(values[i]));
   }

@@ -400,7 +400,7 @@ TEST(Language, FaultsOfSyntax) {
   const auto connection = OpenEmbedded();
   for (const auto& [batch, feature] : {
            std::pair{"select 1 as a for xml explicit", "FOR XML EXPLICIT"},
-           {"select * from f(1) x", "The table-valued function f"},
+           {"select next value for s over (order by a) from t", "NEXT VALUE FOR … OVER"},
            {"select 1 from t group by all a", "GROUP BY ALL"},
            {"create table t (a int) alter table t alter column a bigint", "ALTER COLUMN"},
            {"declare c cursor for select 1 for update", "A cursor FOR UPDATE"},

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <vector>
 
 #include "tsql/engine/plan.h"
@@ -17,6 +18,11 @@ struct Activation {
   std::span<const Token> lists;
   const std::vector<Token>* list_items = nullptr;
   int return_value = 0;
+  /// Of a scalar function: the type that it returns, and the value once there is one.
+  const SqlType* returns = nullptr;
+  /// Of one that fills a table: its name. Its rows are packed into the value.
+  std::string returned_table = {};
+  Datum returned = {};
 };
 
 }  // namespace tessarlorn::tsql

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string>
 
 #include "tsql/values/datum.h"
@@ -25,7 +24,8 @@ class CallArguments {
   virtual Datum Value(std::size_t argument, const SqlType& type) = 0;
   /// What the call left in the parameter; it counts when the argument is an output.
   virtual void TakeBack(std::size_t argument, const Datum& value, const SqlType& type) = 0;
-  virtual void TakeStatus(std::int32_t status) = 0;
+  /// What a procedure or function returned.
+  virtual void TakeStatus(const Datum& status, const SqlType& type) = 0;
 };
 
 }  // namespace tessarlorn::tsql

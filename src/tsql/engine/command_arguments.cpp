@@ -26,6 +26,11 @@ void CommandArguments::TakeBack(std::size_t argument, const Datum& value, const 
   parameter.value = VariantOf(Convert(value, type, own, StyleFor(own, 0, order_)), own);
 }
 
+void CommandArguments::TakeStatus(const Datum& status, const SqlType& type) {
+  const Datum whole = Convert(status, type, IntType());
+  if (const auto* number = std::get_if<std::int64_t>(&whole)) command_.status = static_cast<std::int32_t>(*number);
+}
+
 void CommandArguments::DeclareIn(Frame& frame) {
   for (std::size_t i = 0; i < size(); ++i) {
     const SqlType type = TypeOf(command_.parameters[i]);

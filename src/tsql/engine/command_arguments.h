@@ -23,7 +23,7 @@ class CommandArguments final : public CallArguments {
   /// By way of the type that its caller gave it.
   Datum Value(std::size_t argument, const SqlType& type) override;
   void TakeBack(std::size_t argument, const Datum& value, const SqlType& type) override;
-  void TakeStatus(std::int32_t status) override { command_.status = status; }
+  void TakeStatus(const Datum& status, const SqlType& type) override;
 
   /// Declares the parameters as variables of a batch, with their values.
   void DeclareIn(Frame& frame);

@@ -6,6 +6,7 @@
 
 #include "platform/text/text.h"
 #include "tsql/storage/trigger_rule.h"
+#include "tsql/translate/common/function_text.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -13,6 +14,30 @@ namespace {
 /// Names are unique in SQLite's database, and on the server in their table.
 std::string IndexSql(const CatalogObject& table, const std::string& index) {
   return (table.temporary ? "temp." : "main.") + QuoteName(table.table_name() + "." + index);
+}
+
+/// What each DROP drops, and its word for messages, in the order of ObjectKind.
+struct Dropped {
+  std::array<CatalogKind, 3> kinds;
+  const char* word;
+};
+constexpr std::array kDropped = {
+    Dropped{{CatalogKind::kTable, CatalogKind::kTable, CatalogKind::kTable}, "table"},
+    Dropped{{CatalogKind::kView, CatalogKind::kView, CatalogKind::kView}, "view"},
+    Dropped{{CatalogKind::kProcedure, CatalogKind::kProcedure, CatalogKind::kProcedure}, "procedure"},
+    Dropped{{CatalogKind::kFunction, CatalogKind::kTableFunction, CatalogKind::kFilledFunction}, "function"},
+    Dropped{{CatalogKind::kSequence, CatalogKind::kSequence, CatalogKind::kSequence}, "sequence object"},
+    Dropped{{CatalogKind::kTrigger, CatalogKind::kTrigger, CatalogKind::kTrigger}, "trigger"},
+};
+
+/// Those of a table that a function fills, as those of its rows.
+std::vector<Column> ColumnsOf(const CreateTableStatement& table) {
+  std::vector<Column> columns;
+  for (const ColumnDefinition& column : table.elements.columns) {
+    const bool nullable = column.nullable.value_or(!column.identity && !column.primary_key);
+    columns.push_back({column.name, ResolveType(column.type, false), nullable, false, ""});
+  }
+  return columns;
 }
 
 std::string_view SchemaOf(const CatalogObject& table) { return table.temporary ? "temp" : "main"; }
@@ -190,18 +215,51 @@ void Definitions::SwitchTriggers(const SwitchTriggersStatement& statement) {
   });
 }
 
+void Definitions::CreateFunction(const CreateFunctionStatement& statement, const Activation& activation) {
+  RequireLocal(statement.function);
+  CatalogObject function;
+  function.kind = statement.query != nullptr         ? CatalogKind::kTableFunction
+                  : statement.returned_table.empty() ? CatalogKind::kFunction
+                                                     : CatalogKind::kFilledFunction;
+  function.name = statement.function.name;
+  function.definition = statement.source_text;
+  Frame frame;
+  std::vector<Column> parameters;
+  for (const Parameter& parameter : statement.parameters) {
+    parameters.push_back(
+        {parameter.name, ResolveType(parameter.type, false), true, false, std::string(kParameterMark)});
+    frame.Declare(parameter.name, parameters.back().type);
+  }
+  if (function.kind == CatalogKind::kFilledFunction) {
+    PlanStore::Declare(*activation.plan->statement, frame);
+    function.columns = ColumnsOf(std::get<DeclareStatement>(statement.body[0]->node).tables[0]);
+  } else if (statement.query == nullptr) {
+    parameters.push_back({"", ResolveType(statement.returns, false), true, false, std::string(kReturnMark)});
+    PlanStore::Declare(*activation.plan->statement, frame);
+  } else {
+    Activation inner = activation;
+    inner.frame = &frame;
+    Translator translator = plans_.MakeTranslator(inner);
+    for (const ResultColumn& column : translator.DescribeQuery(*statement.query, false)) {
+      function.columns.push_back({column.name, column.type, column.nullable, false, ""});
+    }
+  }
+  function.columns.insert(function.columns.end(), parameters.begin(), parameters.end());
+  const CatalogObjectPtr old = database_.catalog().Find(function.name);
+  if (old == nullptr && statement.must_exist) RaiseNoObject(statement.function);
+  if (old != nullptr && statement.replace && old->kind != function.kind) {
+    throw SqlError(2010, "Cannot perform alter on '" + WrittenName(statement.function) +
+                             "' because it is an incompatible object type.");
+  }
+  AddObject(std::move(function), statement.replace);
+}
+
 void Definitions::Drop(const DropStatement& statement) {
-  struct Kind {
-    CatalogKind kind;
-    const char* word;
-  };
-  constexpr std::array kKinds = {Kind{CatalogKind::kTable, "table"}, Kind{CatalogKind::kView, "view"},
-                                 Kind{CatalogKind::kProcedure, "procedure"}, Kind{CatalogKind::kTrigger, "trigger"}};
-  const auto [kind, word] = kKinds[static_cast<std::size_t>(statement.kind)];
+  const auto& [kinds, word] = kDropped[static_cast<std::size_t>(statement.kind)];
   for (const ObjectName& name : statement.names) {
     RequireLocal(name);
     const CatalogObjectPtr object = database_.catalog().Find(name.name);
-    if (object == nullptr || object->kind != kind) {
+    if (object == nullptr || std::find(kinds.begin(), kinds.end(), object->kind) == kinds.end()) {
       if (statement.if_exists) continue;
       throw SqlError(3701,
                      std::string("Cannot drop the ") + word + " '" + name.name +

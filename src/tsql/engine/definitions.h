@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "tsql/engine/evaluate.h"
+#include "tsql/engine/state/sequence_numbers.h"
 
 namespace tessarlorn::tsql {
 
@@ -27,6 +29,8 @@ class Definitions {
   void CreateTable(const CreateTableStatement& statement, std::uint32_t line, const Activation& activation);
   /// Makes a table. Raises 2714 when there is one of its name.
   void CreateTable(NewTable made);
+  /// Makes the table variable that a function could not make while a change called it. @return whether there is one
+  bool MakeWanted(const Activation& activation);
   void AlterTable(const AlterTableStatement& statement, std::uint32_t line, const Activation& activation);
 
   // definitions.cpp
@@ -38,7 +42,11 @@ class Definitions {
   void CreateTrigger(const CreateTriggerStatement& statement, std::uint32_t line);
   /// Raises 1088.
   void SwitchTriggers(const SwitchTriggersStatement& statement);
+  void CreateFunction(const CreateFunctionStatement& statement, const Activation& activation);
   void Drop(const DropStatement& statement);
+  // sequences.cpp
+  /// CREATE and ALTER SEQUENCE. @param numbers what the sequences gave so far
+  void DefineSequence(const SequenceStatement& statement, SequenceNumbers& numbers);
   /// sp_rename. @param kind "" or what it is: OBJECT, COLUMN or INDEX. Raises 15224, 15225, 15248, 15249, 15335 and
   /// 15336.
   void Rename(const std::string& object, const std::string& new_name, const std::string& kind);
@@ -64,9 +72,20 @@ class Definitions {
   /// `from`
   void MoveIndexes(const std::string& from, const std::string& to, bool whole = false);
 
+  /// The name in SQLite of a table variable.
+  std::string VariableName(const CreateTableStatement& statement, const Activation& activation);
+
+  /// A table variable of a function, by the statement that declares it.
+  struct Wanted {
+    const CreateTableStatement* statement = nullptr;
+    std::string stored_name;
+  };
+
   SessionDatabase& database_;
   PlanStore& plans_;
   Evaluator& evaluator_;
+  std::unordered_map<const CreateTableStatement*, std::size_t> declared_;  // numbers of those within functions
+  Wanted wanted_;
 };
 
 /// Raises 1911 for a column that the table has not.

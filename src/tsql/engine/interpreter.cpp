@@ -48,7 +48,7 @@ Interpreter::Interpreter(SessionDatabase& database, SessionOptions& options, Res
       rows_(database, options, results, transaction, plans, binder, definitions_, triggers_),
       messages_(results, errors, evaluator_),
       procedures_(
-          database, options, errors, transaction, plans, evaluator_, definitions_,
+          database, options, results, errors, transaction, plans, evaluator_, definitions_,
           {[this](std::string_view text, Frame& frame) { RunBatch(text, frame); },
            [this](const std::vector<StatementPtr>& body, Activation& activation) { RunBody(body, activation); }}),
       cursors_(database, results, evaluator_, cursors,
@@ -281,6 +281,14 @@ class Interpreter::Runner {
     of_.definitions_.SwitchTriggers(node);
     return of_.Done();
   }
+  Flow operator()(const CreateFunctionStatement& node) const {
+    of_.definitions_.CreateFunction(node, activation_);
+    return of_.Done();
+  }
+  Flow operator()(const SequenceStatement& node) const {
+    of_.definitions_.DefineSequence(node, of_.transaction_.numbers());
+    return of_.Done();
+  }
 
  private:
   [[nodiscard]] Flow Change() const {
@@ -301,7 +309,15 @@ Interpreter::Flow Interpreter::Execute(const Statement& statement, Activation& a
   }
   if (options_.implicit_transactions() && transaction_.depth() == 0) transaction_.BeginFor(statement);
   transaction_.LockFor(statement);
-  return std::visit(Runner(*this, statement, activation), statement.node);
+  constexpr int kMostTables = 1000;
+  for (int tables = 0;; ++tables) {
+    try {
+      return std::visit(Runner(*this, statement, activation), statement.node);
+    } catch (const SqlError&) {
+      // A function that a change calls wants a table variable: SQLite makes none while a change runs.
+      if (errors_.in_function || tables == kMostTables || !definitions_.MakeWanted(activation)) throw;
+    }
+  }
 }
 
 Interpreter::Flow Interpreter::Declare(const DeclareStatement& declare, Activation& activation) {
@@ -341,10 +357,23 @@ Interpreter::Flow Interpreter::While(const WhileStatement& loop, Activation& act
 }
 
 Interpreter::Flow Interpreter::Return(const ReturnStatement& statement, Activation& activation) {
-  if (statement.value != nullptr) {
+  if (!activation.returned_table.empty()) {
+    activation.returned = PackedRowsOf(activation.returned_table);
+  } else if (activation.returns != nullptr) {
+    activation.returned = evaluator_.Value(*statement.value, *activation.returns, activation);
+  } else if (statement.value != nullptr) {
     activation.return_value = static_cast<int>(evaluator_.Integer(*statement.value, activation).value_or(0));
   }
   return Flow::kReturn;
+}
+
+Datum Interpreter::PackedRowsOf(const std::string& table) {
+  const CatalogObjectPtr object = database_.catalog().Get(table);
+  std::string columns;
+  for (const Column& column : object->columns) columns += (columns.empty() ? "" : ", ") + QuoteName(column.name);
+  SqliteStatement rows = database_.Prepare("SELECT ts_pack(" + columns + ") FROM (SELECT * FROM " + TableSql(*object) +
+                                           " ORDER BY _rowid_)");
+  return rows.Step("SELECT") ? rows.Value(0) : Datum();
 }
 
 Interpreter::Flow Interpreter::Try(const TryCatchStatement& attempt, Activation& activation) {

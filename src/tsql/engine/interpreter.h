@@ -51,6 +51,8 @@ class Interpreter {
   Flow Declare(const DeclareStatement& declare, Activation& activation);
   Flow Set(const SetStatement& set, Activation& activation);
   void InsertExecuted(const InsertStatement& insert, Activation& activation);
+  /// The rows of a table variable as `ts_rows` takes them.
+  Datum PackedRowsOf(const std::string& table);
   /// The end of a statement that sets @@ERROR back.
   Flow Done();
 

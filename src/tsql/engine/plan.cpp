@@ -189,7 +189,7 @@ void Classify(const Statement& statement, Plan& plan) {
   const bool allows = As<SetIdentityInsertStatement>(statement) != nullptr;
   plan.defines = plan.defines || effect == Effect::kDefines || calls || allows;
   // An alias may hide a temporary table; taking the lock for it does no harm.
-  plan.writes = plan.writes || (effect != Effect::kNone && !IsOnTemporaryTables(statement));
+  plan.writes = plan.writes || statement.takes_numbers || (effect != Effect::kNone && !IsOnTemporaryTables(statement));
   const auto* declare = As<DeclareStatement>(statement);
   plan.declares = plan.declares || declare != nullptr;
   plan.defines = plan.defines || (declare != nullptr && !declare->tables.empty());
@@ -199,9 +199,9 @@ void Classify(const Statement& statement, Plan& plan) {
 /// Whether the catalog keeps a part of the statement's own text: it is another one with every text.
 bool KeepsText(const Statement& statement) {
   return As<CreateViewStatement>(statement) != nullptr || As<CreateProcedureStatement>(statement) != nullptr ||
-         As<CreateTriggerStatement>(statement) != nullptr || As<CreateTableStatement>(statement) != nullptr ||
-         As<CreateIndexStatement>(statement) != nullptr || As<AlterTableStatement>(statement) != nullptr ||
-         As<DeclareCursorStatement>(statement) != nullptr ||
+         As<CreateTriggerStatement>(statement) != nullptr || As<CreateFunctionStatement>(statement) != nullptr ||
+         As<CreateTableStatement>(statement) != nullptr || As<CreateIndexStatement>(statement) != nullptr ||
+         As<AlterTableStatement>(statement) != nullptr || As<DeclareCursorStatement>(statement) != nullptr ||
          (As<DeclareStatement>(statement) != nullptr && !As<DeclareStatement>(statement)->tables.empty());
 }
 

@@ -39,14 +39,29 @@ void PlanStore::Open(std::string_view text, OpenBatch& batch, Frame& frame) {
 
 std::shared_ptr<Plan> PlanStore::OfProcedure(const CatalogObject& procedure) {
   std::shared_ptr<Plan>& plan = procedures_[procedure.signature()];
-  if (plan == nullptr) {
-    Tokens tokens;
-    TokenizeDefinition(procedure.definition, database_.names(), tokens);
-    std::vector<StatementPtr> statements = ParseStatements(procedure.definition, tokens);
-    plan = std::make_shared<Plan>();
-    plan->statement = std::move(statements.at(0));
-  }
+  if (plan == nullptr) plan = PlanOf(procedure);
   return plan;
+}
+
+std::shared_ptr<Plan> PlanStore::PlanOf(const CatalogObject& object) {
+  Tokens tokens;
+  TokenizeDefinition(object.definition, database_.names(), tokens);
+  std::vector<StatementPtr> statements = ParseStatements(object.definition, tokens);
+  auto plan = std::make_shared<Plan>();
+  plan->statement = std::move(statements.at(0));
+  return plan;
+}
+
+PlanStore::FunctionPlan::FunctionPlan(PlanStore& plans, const CatalogObject& function)
+    : idle_(plans.functions_[function.signature()]) {
+  if (idle_.empty()) {
+    plan_ = plans.PlanOf(function);
+  } else {
+    plan_ = std::move(idle_.back());
+    idle_.pop_back();
+  }
+  // Giving it back takes no memory.
+  idle_.reserve(idle_.size() + 1);
 }
 
 void PlanStore::Trim() {

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "tsql/engine/activation.h"
@@ -45,6 +46,19 @@ class PlanStore {
   void Open(std::string_view text, OpenBatch& batch, Frame& frame);
   /// The plan of a procedure, whose statement is its definition.
   std::shared_ptr<Plan> OfProcedure(const CatalogObject& procedure);
+  /// A plan of a scalar function for one call: another call may run within it, and begins its statements anew.
+  class FunctionPlan {
+   public:
+    FunctionPlan(PlanStore& plans, const CatalogObject& function);
+    FunctionPlan(const FunctionPlan&) = delete;
+    FunctionPlan& operator=(const FunctionPlan&) = delete;
+    ~FunctionPlan() { idle_.push_back(std::move(plan_)); }
+    [[nodiscard]] Plan& plan() const { return *plan_; }
+
+   private:
+    std::vector<std::shared_ptr<Plan>>& idle_;
+    std::shared_ptr<Plan> plan_;
+  };
   /// Forgets what was compiled from definitions that are others now.
   void Revalidate(Plan& plan, Frame& frame);
   /// Declares the variables of a statement and of those within it.
@@ -63,6 +77,7 @@ class PlanStore {
   Translator MakeTranslator(const Activation& activation);
 
  private:
+  std::shared_ptr<Plan> PlanOf(const CatalogObject& object);
   template <typename Make>
   Compiled& CompiledFor(const void* node, const Activation& activation, const Make& make);
   void Precompile(const OpenBatch& batch, Frame& frame);
@@ -73,7 +88,8 @@ class PlanStore {
   const SessionOptions& options_;
   const ErrorState& errors_;
   PlanCache cache_;
-  std::unordered_map<std::string, std::shared_ptr<Plan>> procedures_;  // by signature
+  std::unordered_map<std::string, std::shared_ptr<Plan>> procedures_;              // by signature
+  std::unordered_map<std::string, std::vector<std::shared_ptr<Plan>>> functions_;  // those that no call uses
   std::vector<std::unique_ptr<PlanCache::Batch>> spare_batches_;
 };
 

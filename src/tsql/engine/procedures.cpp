@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/text/text.h"
+#include "tsql/engine/nested_call.h"
 #include "tsql/storage/system_views.h"
 
 namespace tessarlorn::tsql {
@@ -23,46 +24,6 @@ std::string TextOf(CallArguments& arguments, std::size_t argument) {
 }
 
 }  // namespace
-
-/// A procedure or text that runs inside a batch; what it changed of the session's options and the temporary tables
-/// that it made go with it.
-class Procedures::Nested {
- public:
-  /// Raises 217 when it is nested too deep. @param procedure its name, "" for a text; outlives this
-  Nested(Procedures& calls, std::string_view procedure)
-      : calls_(calls),
-        options_(calls.options_.OfCaller()),
-        temporary_tables_(calls.database_.catalog().TemporaryTables()) {
-    constexpr int kMostCalls = 32;
-    if (calls.errors_.call_depth >= kMostCalls) {
-      throw SqlError(217, "Maximum stored procedure, function, trigger, or view nesting level exceeded (limit 32).");
-    }
-    ++calls.errors_.call_depth;
-    procedure_ = std::exchange(calls.errors_.procedure, procedure);
-    identity_ = std::exchange(calls.transaction_.scope_identity, std::nullopt);
-  }
-  Nested(const Nested&) = delete;
-  Nested& operator=(const Nested&) = delete;
-  ~Nested() {
-    --calls_.errors_.call_depth;
-    calls_.options_.GiveBack(options_);
-    calls_.errors_.procedure = procedure_;
-    calls_.transaction_.scope_identity = identity_;
-    try {
-      calls_.definitions_.DropTemporaryTables(temporary_tables_);
-    } catch (const SqlError&) {
-      // They go with the session.
-      return;
-    }
-  }
-
- private:
-  Procedures& calls_;
-  CallOptions options_;
-  std::string_view procedure_;  // of the caller
-  std::optional<std::int64_t> identity_;
-  std::vector<std::string> temporary_tables_;  // of the caller
-};
 
 /// The arguments of an EXEC.
 class Procedures::WrittenArguments final : public CallArguments {
@@ -84,8 +45,8 @@ class Procedures::WrittenArguments final : public CallArguments {
     const auto* variable = As<VariableReference>(*call_.arguments[argument].value);
     if (call_.arguments[argument].output && variable != nullptr) Set(variable->name, value, type);
   }
-  void TakeStatus(std::int32_t status) override {
-    if (!call_.result_variable.empty()) Set(call_.result_variable, std::int64_t{status}, IntType());
+  void TakeStatus(const Datum& status, const SqlType& type) override {
+    if (!call_.result_variable.empty()) Set(call_.result_variable, status, type);
   }
 
  private:
@@ -98,16 +59,22 @@ class Procedures::WrittenArguments final : public CallArguments {
   const Activation& activation_;
 };
 
-Procedures::Procedures(SessionDatabase& database, SessionOptions& options, ErrorState& errors, Transaction& transaction,
-                       PlanStore& plans, Evaluator& evaluator, Definitions& definitions, CallRunner runner)
+Procedures::Procedures(SessionDatabase& database, SessionOptions& options, Results& results, ErrorState& errors,
+                       Transaction& transaction, PlanStore& plans, Evaluator& evaluator, Definitions& definitions,
+                       CallRunner runner)
     : database_(database),
       options_(options),
+      results_(results),
       errors_(errors),
       transaction_(transaction),
       plans_(plans),
       evaluator_(evaluator),
       definitions_(definitions),
-      runner_(std::move(runner)) {}
+      runner_(std::move(runner)) {
+  database.runtime().call_function = [this](std::string_view function, std::vector<Datum> arguments) {
+    return CallFunction(function, std::move(arguments));
+  };
+}
 
 template <typename Body>
 void Procedures::Balanced(const Body& body) {
@@ -157,6 +124,13 @@ void Procedures::Call(const ObjectName& name, CallArguments& arguments) {
     database_.catalog().Refresh();
     procedure = database_.catalog().Find(name.name);
   }
+  if (procedure != nullptr && procedure->kind == CatalogKind::kFunction) {
+    CallFunction(*procedure, arguments);
+    return;
+  }
+  if (errors_.in_function) {
+    throw SqlError(557, "Only functions and some extended stored procedures can be executed from within a function.");
+  }
   if (procedure == nullptr || procedure->kind != CatalogKind::kProcedure) {
     throw SqlError(2812, "Could not find stored procedure '" + name.name + "'.");
   }
@@ -202,17 +176,24 @@ void Procedures::TakeDefaults(const CatalogObject& procedure, const std::vector<
   }
 }
 
+std::vector<std::size_t> Procedures::Begin(const CatalogObject& object, const std::vector<Parameter>& parameters,
+                                           CallArguments& arguments, const Activation& inner) {
+  Frame& frame = *inner.frame;
+  for (const Parameter& parameter : parameters) frame.Declare(parameter.name, ResolveType(parameter.type, false));
+  std::vector<std::size_t> positions = TakeArguments(object, parameters, arguments, frame);
+  if (inner.plan->checked_generation != database_.catalog().generation()) plans_.Revalidate(*inner.plan, frame);
+  TakeDefaults(object, parameters, positions, inner);
+  PlanStore::Declare(*inner.plan->statement, frame);
+  return positions;
+}
+
 void Procedures::CallProcedure(const CatalogObject& procedure, CallArguments& arguments) {
   const std::shared_ptr<Plan> plan = plans_.OfProcedure(procedure);
   const auto& definition = std::get<CreateProcedureStatement>(plan->statement->node);
   const std::vector<Parameter>& parameters = definition.parameters;
   Frame frame;
-  for (const Parameter& parameter : parameters) frame.Declare(parameter.name, ResolveType(parameter.type, false));
-  const std::vector<std::size_t> positions = TakeArguments(procedure, parameters, arguments, frame);
   Activation inner{&frame, plan.get(), {}, {}, nullptr};
-  if (plan->checked_generation != database_.catalog().generation()) plans_.Revalidate(*plan, frame);
-  TakeDefaults(procedure, parameters, positions, inner);
-  PlanStore::Declare(*plan->statement, frame);
+  const std::vector<std::size_t> positions = Begin(procedure, parameters, arguments, inner);
   const Nested nested(*this, procedure.name);
   runner_.run_body(definition.body, inner);
   for (std::size_t i = 0; i < positions.size(); ++i) {
@@ -220,7 +201,7 @@ void Procedures::CallProcedure(const CatalogObject& procedure, CallArguments& ar
     const Variable& from = frame.Get(parameters[positions[i]].name);
     arguments.TakeBack(i, from.value, from.type);
   }
-  arguments.TakeStatus(inner.return_value);
+  arguments.TakeStatus(std::int64_t{inner.return_value}, IntType());
 }
 
 void Procedures::Fire(const CatalogObject& trigger) {

@@ -1,4 +1,4 @@
-// EXEC: stored procedures, texts, and sp_executesql.
+// EXEC: stored procedures, texts, and sp_executesql; and the scalar functions of the database.
 #pragma once
 
 #include <cstddef>
@@ -13,6 +13,7 @@
 #include "tsql/engine/evaluate.h"
 #include "tsql/engine/plan_store.h"
 #include "tsql/engine/state/error_state.h"
+#include "tsql/engine/state/results.h"
 #include "tsql/engine/state/session_options.h"
 #include "tsql/engine/state/transaction.h"
 
@@ -28,8 +29,12 @@ struct CallRunner {
 
 class Procedures {
  public:
-  Procedures(SessionDatabase& database, SessionOptions& options, ErrorState& errors, Transaction& transaction,
-             PlanStore& plans, Evaluator& evaluator, Definitions& definitions, CallRunner runner);
+  Procedures(SessionDatabase& database, SessionOptions& options, Results& results, ErrorState& errors,
+             Transaction& transaction, PlanStore& plans, Evaluator& evaluator, Definitions& definitions,
+             CallRunner runner);
+  Procedures(const Procedures&) = delete;
+  Procedures& operator=(const Procedures&) = delete;
+  ~Procedures() = default;
 
   // The statements.
   void Execute(const CallStatement& call, const Activation& activation);
@@ -42,6 +47,7 @@ class Procedures {
 
  private:
   class Nested;
+  class InFunction;
   class WrittenArguments;
   /// A parameter of sp_executesql.
   struct Declared {
@@ -53,6 +59,14 @@ class Procedures {
   template <typename Body>
   void Balanced(const Body& body);
   void CallProcedure(const CatalogObject& procedure, CallArguments& arguments);
+  /// Declares the parameters and variables of a body, and gives the former their values; answers the parameter of each
+  /// argument, but of DEFAULT.
+  std::vector<std::size_t> Begin(const CatalogObject& object, const std::vector<Parameter>& parameters,
+                                 CallArguments& arguments, const Activation& inner);
+  // functions.cpp
+  void CallFunction(const CatalogObject& function, CallArguments& arguments);
+  /// The call of a statement of SQLite's, for one row.
+  Datum CallFunction(std::string_view name, std::vector<Datum> values);
   /// Puts the arguments into the frame; answers the parameter of each, but of DEFAULT.
   static std::vector<std::size_t> TakeArguments(const CatalogObject& procedure,
                                                 const std::vector<Parameter>& parameters, CallArguments& arguments,
@@ -69,6 +83,7 @@ class Procedures {
 
   SessionDatabase& database_;
   SessionOptions& options_;
+  Results& results_;
   ErrorState& errors_;
   Transaction& transaction_;
   PlanStore& plans_;

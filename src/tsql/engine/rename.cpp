@@ -1,4 +1,4 @@
-// sp_rename: tables, views, procedures, columns and indexes.
+// sp_rename: objects, columns and indexes.
 #include <algorithm>
 
 #include "platform/text/text.h"

@@ -243,6 +243,7 @@ bool RowStatements::ChangeRows(const Statement& statement, const Activation& act
   } catch (const SqlError& error) {
     const bool key = error.number() == 2601 || error.number() == 2627;
     if (update == nullptr || !key || !update->rows.output.items.empty()) throw;
+    if (activation.returns != nullptr) RaiseUnsupported("An UPDATE of keys that others take within a function");
     // SQLite compares keys row by row, the server when all rows stand.
     if (before) *activation.frame = *before;
     MoveRows(statement, activation);

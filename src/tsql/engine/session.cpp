@@ -61,6 +61,7 @@ void Session::BeginBatch(const SqlCommand& command, bool first_only, BatchSink& 
 
 void Session::EndFailedBatch(bool takes_back, BatchSink& sink) {
   transaction_.NoteLost();
+  database_.DropLeft();
   results_.EndBatch();
   if ((transaction_.doomed() || takes_back) && transaction_.depth() > 0) {
     transaction_.End(false);
@@ -76,6 +77,7 @@ void Session::EndFailedBatch(bool takes_back, BatchSink& sink) {
 }
 
 void Session::EndBatch(BatchSink& sink) {
+  database_.DropLeft();
   results_.EndBatch();
   if (transaction_.doomed()) {
     transaction_.End(false);

@@ -118,7 +118,7 @@ void Definitions::CreateTable(NewTable made) {
     sql += (row_key >= 0 ? ", UNIQUE (" : ", PRIMARY KEY (") + NameList(made.primary_key) + ")";
   }
   for (const std::string& constraint : made.constraints) sql += ", " + constraint;
-  database_.Run(sql + ")");
+  if (!database_.TakeLeft(table.table_name())) database_.Run(sql + ")");
   database_.catalog().Add(std::move(table));
 }
 
@@ -134,7 +134,8 @@ void Definitions::CreateTable(const CreateTableStatement& statement, std::uint32
   made.table.name = statement.table.name;
   made.table.temporary = statement.table.temporary();
   if (statement.table.variable()) {
-    made.table.stored_name = made.table.name + "$" + std::to_string(database_.catalog().scope_depth());
+    made.table.stored_name =
+        wanted_.statement == &statement ? wanted_.stored_name : VariableName(statement, activation);
   }
   const TableElements& elements = statement.elements;
   for (const ColumnDefinition& definition : elements.columns) AddColumnDefinition(made, definition, line);
@@ -150,13 +151,14 @@ void Definitions::CreateTable(const CreateTableStatement& statement, std::uint32
   }
   for (const std::vector<std::string>& key : made.unique) made.constraints.push_back("UNIQUE (" + NameList(key) + ")");
   AddConstraints(made.table.definition, made.table.name, elements);
+  const bool is_left = database_.HasLeft(made.table.table_name());
   database_.Atomically([&] {
     CreateTable(made);
     const CatalogObjectPtr table = database_.catalog().Get(made.table.name);
     for (std::size_t i = 0; i < made.unique.size(); ++i) {
       const std::string sql =
           NullKeySql(*table, std::string(kUniqueKeyPrefix) + std::to_string(i + 1), made.unique[i], "");
-      if (!sql.empty()) database_.Run(sql);
+      if (!sql.empty() && !is_left) database_.Run(sql);
     }
     for (const ColumnDefinition& definition : elements.columns) {
       if (!definition.identity || definition.identity_seed == 1) continue;

@@ -2,6 +2,9 @@
 
 #include <memory>
 #include <new>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/text/text.h"
 #include "platform/unicode/collation.h"
@@ -141,6 +144,23 @@ void WriteVariables(sqlite3_context* context, Runtime& runtime, Arguments argume
   sqlite3_result_value(context, arguments[0]);
 }
 
+// ts_call(function, argument, …): a scalar function of the database
+void CallFunction(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
+  std::vector<Datum> values;
+  for (sqlite3_value* argument : arguments.subspan(1)) values.push_back(ToDatum(argument));
+  SetResult(context, runtime.call_function(std::string(TextOf(arguments[0])), std::move(values)));
+}
+
+// ts_next(sequence, place)
+void NextNumber(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
+  sqlite3_result_int64(context, runtime.next_number(TextOf(arguments[0]), sqlite3_value_int64(arguments[1])));
+}
+
+// ts_last(sequence's number)
+void LastNumber(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
+  SetResult(context, runtime.last_number(sqlite3_value_int64(arguments[0])));
+}
+
 // ts_like(text, pattern[, escape])
 void Like(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
   if (AnyNull(arguments)) return;
@@ -204,6 +224,9 @@ void RegisterConversionFunctions(sqlite3* database, Runtime& runtime) {
   RegisterFunction(database, runtime, "ts_fold", -1, Fold);
   RegisterFunction(database, runtime, "ts_var", 1, ReadVariable, false);
   RegisterFunction(database, runtime, "ts_setvar", -1, WriteVariables, false);
+  RegisterFunction(database, runtime, "ts_call", -1, CallFunction, false);
+  RegisterFunction(database, runtime, "ts_next", 2, NextNumber, false);
+  RegisterFunction(database, runtime, "ts_last", 1, LastNumber, false);
   RegisterFunction(database, runtime, "ts_like", 2, Like);
   RegisterFunction(database, runtime, "ts_like", 3, Like);
 }

@@ -3,11 +3,14 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdint>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "tsql/functions/text_order.h"
 #include "tsql/values/date_text.h"
@@ -22,6 +25,11 @@ struct Variable {
   SqlType type;
   Datum value;
 };
+
+/// Raises 137.
+[[noreturn]] inline void RaiseNoVariable(std::string_view name) {
+  throw SqlError(137, "Must declare the scalar variable \"" + std::string(name) + "\".", 15);
+}
 
 /// The variables of one batch or procedure call. Few are searched one by one; of many there is an index.
 class Frame {
@@ -47,9 +55,7 @@ class Frame {
   /// The variable, or error 137.
   Variable& Get(std::string_view name) {
     Variable* variable = Find(name);
-    if (variable == nullptr) {
-      throw SqlError(137, "Must declare the scalar variable \"" + std::string(name) + "\".", 15);
-    }
+    if (variable == nullptr) RaiseNoVariable(name);
     return *variable;
   }
   /// Raises 134 when the name is there already.
@@ -91,6 +97,12 @@ struct Runtime {
   /// Raised inside a row function; taken by whoever sees SQLite fail.
   std::optional<SqlError> error;
   Frame* frame = nullptr;
+  /// Calls a scalar function of the database.
+  std::function<Datum(std::string_view function, std::vector<Datum> arguments)> call_function;
+  /// The next number of a sequence, for one of the places of a row that take it.
+  std::function<std::int64_t(std::string_view sequence, std::int64_t place)> next_number;
+  /// The number that a sequence, by its own number, gave last; NULL for none.
+  std::function<Datum(std::int64_t sequence)> last_number;
   /// For SQLite, after each so many of its operations: whether the statement is to end now. One that ends by itself
   /// within the next operations is left to do so: SQLite takes back all of an open transaction when it breaks off a
   /// statement that writes.

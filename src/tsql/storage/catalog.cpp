@@ -14,7 +14,8 @@ namespace {
 constexpr int kIdentity = 1;
 constexpr int kRowKey = 2;
 
-constexpr std::string_view kKindNames[] = {"table", "view", "procedure", "trigger"};
+constexpr std::string_view kKindNames[] = {
+    "table", "view", "procedure", "function", "table function", "sequence", "filled table function", "trigger"};
 
 constexpr const char* kCreateCatalog = R"(
 CREATE TABLE IF NOT EXISTS "$objects" (
@@ -25,11 +26,6 @@ CREATE TABLE IF NOT EXISTS "$columns" (
   nullable INTEGER NOT NULL, identity INTEGER NOT NULL, default_text TEXT NOT NULL, PRIMARY KEY (object, position)
 ) WITHOUT ROWID;
 )";
-
-CatalogKind KindOf(const std::string& name) {
-  const auto* const found = std::find(std::begin(kKindNames), std::end(kKindNames), name);
-  return static_cast<CatalogKind>(found == std::end(kKindNames) ? 0 : found - std::begin(kKindNames));
-}
 
 }  // namespace
 
@@ -163,8 +159,8 @@ void Catalog::Load() {
     CatalogObject object;
     object.id = objects.Integer(0);
     object.name = objects.Text(1);
-    const std::string kind = objects.Text(2);
-    object.kind = KindOf(kind);
+    const auto kind = std::find(std::begin(kKindNames), std::end(kKindNames), objects.Text(2));
+    if (kind != std::end(kKindNames)) object.kind = static_cast<CatalogKind>(kind - std::begin(kKindNames));
     object.definition = objects.Text(3);
     read.emplace(object.id, std::move(object));
   }

@@ -26,28 +26,49 @@ struct Column {
   bool row_key = false;
 };
 
-enum class CatalogKind : std::uint8_t { kTable, kView, kProcedure, kTrigger };
+enum class CatalogKind : std::uint8_t {
+  kTable,
+  kView,
+  kProcedure,
+  kFunction,
+  kTableFunction,
+  kSequence,
+  kFilledFunction,
+  kTrigger
+};
 
-/// A table, view, procedure or trigger. Not changed once it stands in the catalog: a new definition is a new object.
+/// What default_text says of a column of a function that is a parameter, and of the value that it returns. The columns
+/// of its rows have "".
+constexpr std::string_view kParameterMark = "parameter";
+constexpr std::string_view kReturnMark = "return";
+
+/// A table, view, procedure, function, sequence or trigger. Not changed once it stands in the catalog: a new definition
+/// is a new object.
 struct CatalogObject {
   CatalogKind kind = CatalogKind::kTable;
   std::string name;
   /// Of a table variable, which others of its name may stand beside: the name of SQLite's table. "" when it is `name`.
   std::string stored_name;
   bool temporary = false;
-  /// Of a table; of a procedure its parameters, whose default_text is "output" when they give a value back; of a
-  /// trigger one with the table's name, see trigger_rule.h.
+  /// Of a table; of a procedure its parameters, whose default_text is "output" when they give a value back. Of a
+  /// function those of its rows, its parameters and what it returns. Of a trigger one with the table's name, see
+  /// trigger_rule.h.
   std::vector<Column> columns;
-  /// Of a table its constraints (see constraint_text.h), of the others the text that creates them.
+  /// Of a table its constraints (see constraint_text.h), of a sequence a JSON object with type, start, increment,
+  /// minimum, maximum, cycle and cache, of the others the text that creates them.
   std::string definition;
   std::int64_t id = 0;
 
   /// It is `inserted` or `deleted`, which a trigger sees.
   [[nodiscard]] bool shows_changes() const { return temporary && !IsTemporaryName(name); }
-  /// Rows can be read from it.
-  [[nodiscard]] bool has_rows() const { return kind == CatalogKind::kTable || kind == CatalogKind::kView; }
   /// What SQLite's table is called.
   [[nodiscard]] const std::string& table_name() const { return stored_name.empty() ? name : stored_name; }
+  /// It is a table or a view.
+  [[nodiscard]] bool has_rows() const { return kind == CatalogKind::kTable || kind == CatalogKind::kView; }
+  /// It is a function that gives rows.
+  [[nodiscard]] bool gives_rows() const {
+    return kind == CatalogKind::kTableFunction || kind == CatalogKind::kFilledFunction;
+  }
   [[nodiscard]] int FindColumn(std::string_view column) const;
   [[nodiscard]] int identity_column() const;
   /// Two definitions with the same signature can serve the same compiled statements.

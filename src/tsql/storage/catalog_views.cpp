@@ -242,10 +242,6 @@ std::vector<ViewText> EmptyViews() {
       "type_desc nvarchar(60);create_date datetime;modify_date datetime;is_ms_shipped bit;";
   return {
       {"sys", "synonyms", Empty(object + "base_object_name nvarchar(1035)")},
-      {"sys", "sequences",
-       Empty(object + "start_value bigint;increment bigint;minimum_value bigint;maximum_value bigint;is_cycling bit;"
-                      "is_cached bit;cache_size int;system_type_id tinyint;user_type_id int;precision tinyint;"
-                      "scale tinyint;current_value bigint;is_exhausted bit")},
       {"sys", "table_types",
        Empty("name nvarchar(128);system_type_id tinyint;user_type_id int;schema_id int;type_table_object_id int")},
       {"sys", "database_permissions",

@@ -82,23 +82,25 @@ DECLARE @id int = OBJECT_ID(@objname), @database nvarchar(128) = DB_NAME(), @typ
 IF @objname IS NULL BEGIN
   SELECT name AS Name, CAST('dbo' AS nvarchar(128)) AS Owner, CAST(CASE type WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view'
       WHEN 'P' THEN 'stored procedure' WHEN 'TR' THEN 'trigger' WHEN 'PK' THEN 'primary key cns' WHEN 'UQ' THEN 'unique constraint'
-      WHEN 'F' THEN 'foreign key cns' WHEN 'C' THEN 'check cns' ELSE 'default (maybe cns)' END AS nvarchar(31)) AS Object_type
+      WHEN 'F' THEN 'foreign key cns' WHEN 'C' THEN 'check cns' WHEN 'FN' THEN 'scalar function'
+      WHEN 'IF' THEN 'inline function' WHEN 'TF' THEN 'table function' WHEN 'SO' THEN 'sequence object' ELSE 'default (maybe cns)' END AS nvarchar(31)) AS Object_type
   FROM sys.objects ORDER BY Owner, Object_type DESC, Name
   RETURN 0
 END
 IF @id IS NULL BEGIN RAISERROR(15009, 16, 1, @objname, @database) RETURN 1 END
 SELECT @type = type FROM sys.objects WHERE object_id = @id
 SELECT name AS Name, CAST('dbo' AS nvarchar(128)) AS Owner, CAST(CASE type WHEN 'U' THEN 'user table' WHEN 'V' THEN 'view'
+    WHEN 'FN' THEN 'scalar function' WHEN 'IF' THEN 'inline function' WHEN 'TF' THEN 'table function' WHEN 'SO' THEN 'sequence object'
     WHEN 'TR' THEN 'trigger' ELSE 'stored procedure' END AS nvarchar(31)) AS Type, create_date AS Created_datetime
 FROM sys.objects WHERE object_id = @id
-IF @type = 'TR' RETURN 0
-IF @type = 'P' BEGIN
+IF @type IN ('SO', 'TR') RETURN 0
+IF @type IN ('P', 'FN', 'IF', 'TF') BEGIN
   IF EXISTS (SELECT 1 FROM sys.parameters WHERE object_id = @id)
     SELECT name AS Parameter_name, TYPE_NAME(user_type_id) AS Type, CAST(length AS smallint) AS Length,
       CAST(prec AS int) AS Prec, CAST(scale AS int) AS Scale, CAST(colid AS int) AS Param_order, collation AS Collation
     FROM (SELECT c.name, c.xusertype AS user_type_id, c.length, c.prec, c.scale, c.colid, c.collation
-      FROM sys.syscolumns c WHERE c.id = @id) p ORDER BY colid
-  RETURN 0
+      FROM sys.syscolumns c WHERE c.id = @id AND (@type NOT IN ('IF', 'TF') OR c.name LIKE '@%')) p ORDER BY colid
+  IF @type NOT IN ('IF', 'TF') RETURN 0
 END
 SELECT name AS Column_name, TYPE_NAME(xusertype) AS Type, CAST('no' AS varchar(35)) AS Computed, CAST(length AS int) AS Length,
   CAST(CASE WHEN xprec > 0 THEN CAST(prec AS varchar(5)) ELSE '     ' END AS char(5)) AS Prec,
@@ -107,7 +109,7 @@ SELECT name AS Column_name, TYPE_NAME(xusertype) AS Type, CAST('no' AS varchar(3
   CAST(CASE WHEN xtype IN (165, 167, 173, 175) THEN 'no' ELSE '(n/a)' END AS varchar(35)) AS TrimTrailingBlanks,
   CAST(CASE WHEN xtype IN (165, 167, 173, 175) THEN CASE isnullable WHEN 1 THEN 'yes' ELSE 'no' END ELSE '(n/a)' END
     AS varchar(35)) AS FixedLenNullInSource, collation AS Collation
-FROM sys.syscolumns WHERE id = @id ORDER BY colid
+FROM sys.syscolumns WHERE id = @id AND (@type NOT IN ('IF', 'TF') OR name NOT LIKE '@%') ORDER BY colid
 IF EXISTS (SELECT 1 FROM sys.identity_columns WHERE object_id = @id)
   SELECT name AS [Identity], seed_value AS Seed, increment_value AS Increment, 0 AS [Not For Replication]
   FROM sys.identity_columns WHERE object_id = @id

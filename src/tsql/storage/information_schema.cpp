@@ -33,7 +33,8 @@ std::vector<SystemView> InformationOfObjects() {
       {"information_schema",
        "tables",
        R"(SELECT 'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, name AS TABLE_NAME,
- CASE kind WHEN 'table' THEN 'BASE TABLE' ELSE 'VIEW' END AS TABLE_TYPE FROM main."$objects" WHERE kind IN ('table', 'view'))",
+ CASE kind WHEN 'table' THEN 'BASE TABLE' ELSE 'VIEW' END AS TABLE_TYPE FROM main."$objects"
+ WHERE kind IN ('table', 'view'))",
        {Name("TABLE_CATALOG"), Name("TABLE_SCHEMA"), Name("TABLE_NAME"), {"TABLE_TYPE", VarCharType(10), false}}},
       {"information_schema",
        "views",
@@ -43,16 +44,18 @@ std::vector<SystemView> InformationOfObjects() {
         Code("IS_UPDATABLE")}},
       {"information_schema",
        "routines",
-       R"(SELECT 'main' AS SPECIFIC_CATALOG, 'dbo' AS SPECIFIC_SCHEMA, name AS SPECIFIC_NAME, 'main' AS ROUTINE_CATALOG, 'dbo' AS ROUTINE_SCHEMA, name AS ROUTINE_NAME, 'PROCEDURE' AS ROUTINE_TYPE,
- 'SQL' AS ROUTINE_BODY, definition AS ROUTINE_DEFINITION, 'NO' AS IS_DETERMINISTIC, 'MODIFIES' AS SQL_DATA_ACCESS,
- NULL AS CREATED, NULL AS LAST_ALTERED FROM main."$objects" WHERE kind = 'procedure')",
+       R"(SELECT 'main' AS SPECIFIC_CATALOG, 'dbo' AS SPECIFIC_SCHEMA, name AS SPECIFIC_NAME, 'main' AS ROUTINE_CATALOG, 'dbo' AS ROUTINE_SCHEMA, name AS ROUTINE_NAME, CASE kind WHEN 'procedure' THEN 'PROCEDURE' ELSE 'FUNCTION' END AS ROUTINE_TYPE,
+ 'SQL' AS ROUTINE_BODY, definition AS ROUTINE_DEFINITION, 'NO' AS IS_DETERMINISTIC, CASE kind WHEN 'procedure' THEN 'MODIFIES' ELSE 'READS' END AS SQL_DATA_ACCESS,
+ NULL AS CREATED, NULL AS LAST_ALTERED FROM main."$objects" WHERE kind IN ('procedure', 'function', 'table function',
+ 'filled table function'))",
        {Name("SPECIFIC_CATALOG"), Name("SPECIFIC_SCHEMA"), Name("SPECIFIC_NAME"), Name("ROUTINE_CATALOG"),
         Name("ROUTINE_SCHEMA"), Name("ROUTINE_NAME"), Code("ROUTINE_TYPE"), Code("ROUTINE_BODY"),
         Text("ROUTINE_DEFINITION"), Code("IS_DETERMINISTIC"), Code("SQL_DATA_ACCESS"), Time("CREATED"),
         Time("LAST_ALTERED")}},
       {"information_schema",
        "sequences",
-       "SELECT '' AS SEQUENCE_CATALOG, '' AS SEQUENCE_SCHEMA, '' AS SEQUENCE_NAME WHERE 0",
+       "SELECT 'main' AS SEQUENCE_CATALOG, 'dbo' AS SEQUENCE_SCHEMA, name AS SEQUENCE_NAME FROM main.\"$objects\""
+       " WHERE kind = 'sequence'",
        {Name("SEQUENCE_CATALOG"), Name("SEQUENCE_SCHEMA"), Name("SEQUENCE_NAME")}},
   };
 }
@@ -117,7 +120,7 @@ std::vector<SystemView> InformationOfColumns() {
  position AS ORDINAL_POSITION, CASE default_text WHEN '' THEN NULL ELSE default_text END AS COLUMN_DEFAULT,
  CASE nullable WHEN 1 THEN 'YES' ELSE 'NO' END AS IS_NULLABLE, )" +
                 kSizes,
-            kTyped, " WHERE owner_kind IN ('table', 'view')"),
+            kTyped, " WHERE of_call = 0 AND owner_kind IN ('table', 'view')"),
        with_sizes({Name("TABLE_CATALOG"),
                    Name("TABLE_SCHEMA"),
                    Name("TABLE_NAME"),
@@ -126,11 +129,12 @@ std::vector<SystemView> InformationOfColumns() {
                    {"COLUMN_DEFAULT", NVarCharType(4000), true},
                    {"IS_NULLABLE", VarCharType(3), false}})},
       {"information_schema", "parameters",
-       From("SELECT 'main' AS SPECIFIC_CATALOG, 'dbo' AS SPECIFIC_SCHEMA, owner AS SPECIFIC_NAME, position AS"
-            " ORDINAL_POSITION, CASE default_text WHEN 'output' THEN 'INOUT' ELSE 'IN' END AS PARAMETER_MODE,"
-            " 'NO' AS IS_RESULT, name AS PARAMETER_NAME, " +
-                kSizes,
-            kTyped, " WHERE owner_kind = 'procedure'"),
+       From(
+           "SELECT 'main' AS SPECIFIC_CATALOG, 'dbo' AS SPECIFIC_SCHEMA, owner AS SPECIFIC_NAME, parameter_position AS"
+           " ORDINAL_POSITION, CASE default_text WHEN 'output' THEN 'INOUT' WHEN 'return' THEN 'OUT' ELSE 'IN' END AS"
+           " PARAMETER_MODE, CASE default_text WHEN 'return' THEN 'YES' ELSE 'NO' END AS IS_RESULT, name AS PARAMETER_NAME, " +
+               kSizes,
+           kTyped, " WHERE of_call = 1"),
        with_sizes({Name("SPECIFIC_CATALOG"), Name("SPECIFIC_SCHEMA"), Name("SPECIFIC_NAME"), Int("ORDINAL_POSITION"),
                    Code("PARAMETER_MODE"), Code("IS_RESULT"), Name("PARAMETER_NAME")})},
   };

@@ -20,8 +20,13 @@ inline SystemViewColumn Code(const char* name) { return {name, VarCharType(60), 
 inline SystemViewColumn Text(const char* name) { return {name, NVarCharType(0), true}; }
 
 /// Columns of tables and parameters of procedures, with the parts of their types: base, size (-1 for (max)), places.
+/// Whether they are of a call: 1 for parameters and what a function returns, 0 for columns.
 inline constexpr std::string_view kTyped =
-    R"(SELECT *, CASE size_text WHEN 'max' THEN -1 ELSE CAST(size_text AS INTEGER) END
+    R"(SELECT *, CASE owner_kind WHEN 'procedure' THEN 1 WHEN 'function' THEN 1 WHEN 'sequence' THEN -1
+   WHEN 'table function' THEN default_text = 'parameter'
+   WHEN 'filled table function' THEN default_text = 'parameter' ELSE 0 END AS of_call,
+  CASE default_text WHEN 'return' THEN 0 ELSE row_number() OVER (PARTITION BY object, default_text = '' ORDER BY position)
+   END AS parameter_position, CASE size_text WHEN 'max' THEN -1 ELSE CAST(size_text AS INTEGER) END
   AS size, CAST(substr(size_text, instr(size_text, ',') + 1) AS INTEGER) AS places
  FROM (SELECT c.*, o.name AS owner, o.kind AS owner_kind,
    CASE instr(c.type, '(') WHEN 0 THEN c.type ELSE substr(c.type, 1, instr(c.type, '(') - 1) END AS base,

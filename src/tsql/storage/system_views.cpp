@@ -120,13 +120,39 @@ SystemView ConstraintsOfKind(const char* name, const std::string& kinds, const s
                  more);
 }
 
+SystemView Sequences() {
+  const std::string last = "ts_last(o.id)";
+  const std::string at_end = "CASE WHEN o.definition ->> 'increment' > 0 THEN " + last +
+                             " > (o.definition ->> 'maximum') - (o.definition ->> 'increment') ELSE " + last +
+                             " < (o.definition ->> 'minimum') - (o.definition ->> 'increment') END";
+  return Objects(
+      "sequences",
+      "SELECT o.name, o.id AS object_id, NULL AS principal_id, 1 AS schema_id, 'SO' AS type, 'SEQUENCE_OBJECT' AS"
+      " type_desc, NULL AS create_date, NULL AS modify_date, 0 AS is_ms_shipped, 0 AS parent_object_id,"
+      " o.definition ->> 'start' AS start_value, o.definition ->> 'increment' AS increment, o.definition ->> 'minimum'"
+      " AS minimum_value, o.definition ->> 'maximum' AS maximum_value, o.definition ->> 'cycle' AS is_cycling,"
+      " (o.definition ->> 'cache') > 0 AS is_cached, CASE o.definition ->> 'cache' WHEN 50 THEN NULL WHEN 0 THEN NULL"
+      " ELSE o.definition ->> 'cache' END AS cache_size, c.system_type_id, c.user_type_id, c.precision, c.scale,"
+      " coalesce(" +
+          last + ", o.definition ->> 'start') AS current_value, coalesce(" + at_end +
+          " AND NOT o.definition ->> 'cycle', 0) AS is_exhausted FROM main.\"$objects\" o JOIN (SELECT c.object, " +
+          std::string(kMeasures) + " FROM (" + std::string(kTyped) + ") c JOIN (" + std::string(kTypes) +
+          ") t ON t.name = c.base) c ON c.object = o.id WHERE o.kind = 'sequence'",
+      {Long("start_value"), Long("increment"), Long("minimum_value"), Long("maximum_value"), Bit("is_cycling"),
+       Bit("is_cached"), Int("cache_size"), Int("system_type_id"), Int("user_type_id"), Int("precision"), Int("scale"),
+       Long("current_value"), Bit("is_exhausted")});
+}
+
 /// sys.objects, tables, views and procedures.
 std::vector<SystemView> ObjectViews() {
   const std::string own_type =
-      "CASE kind WHEN 'table' THEN 'U ' WHEN 'view' THEN 'V ' WHEN 'trigger' THEN 'TR' ELSE 'P ' END";
+      "CASE kind WHEN 'table' THEN 'U ' WHEN 'view' THEN 'V ' WHEN 'procedure' THEN 'P ' WHEN 'function' THEN 'FN'"
+      " WHEN 'table function' THEN 'IF' WHEN 'filled table function' THEN 'TF' WHEN 'trigger' THEN 'TR' ELSE 'SO' END";
   const std::string own_description =
-      "CASE kind WHEN 'table' THEN 'USER_TABLE' WHEN 'view' THEN 'VIEW' WHEN 'trigger' THEN 'SQL_TRIGGER' ELSE"
-      " 'SQL_STORED_PROCEDURE' END";
+      "CASE kind WHEN 'table' THEN 'USER_TABLE' WHEN 'view' THEN 'VIEW' WHEN 'procedure' THEN 'SQL_STORED_PROCEDURE'"
+      " WHEN 'function' THEN 'SQL_SCALAR_FUNCTION' WHEN 'table function' THEN 'SQL_INLINE_TABLE_VALUED_FUNCTION'"
+      " WHEN 'filled table function' THEN 'SQL_TABLE_VALUED_FUNCTION' WHEN 'trigger' THEN 'SQL_TRIGGER' ELSE"
+      " 'SEQUENCE_OBJECT' END";
   const SystemView constraints = ConstraintsOfKind("constraints", "'PK', 'UQ', 'F', 'C', 'D'", "", {});
   return {
       Objects("objects", "SELECT " + ObjectColumns(own_type, own_description) +
@@ -157,6 +183,7 @@ std::vector<SystemView> ObjectViews() {
             kTriggers,
             " t JOIN (VALUES (1, 'INSERT'), (2, 'UPDATE'), (3, 'DELETE')) e ON instr(t.words, lower(e.column2)) > 0"),
        {Int("object_id"), Int("type"), Code("type_desc"), Bit("is_first"), Bit("is_last")}},
+      Sequences(),
   };
 }
 
@@ -222,7 +249,7 @@ std::vector<SystemView> ColumnViews() {
       " AS seed_value, 1 AS increment_value, (SELECT s.seq FROM main.sqlite_sequence s WHERE s.name = c.owner"
       " AND s.seq >= " +
       seed + ") AS last_value FROM (" + std::string(kTyped) + ") c JOIN (" + std::string(kTypes) +
-      ") t ON t.name = c.base WHERE c.owner_kind IN ('table', 'view')";
+      ") t ON t.name = c.base WHERE c.of_call = 0 AND c.owner_kind <> 'trigger'";
   return {
       {"sys", "columns", columns, column_columns},
       {"sys", "identity_columns", columns + " AND c.identity = 1",
@@ -230,9 +257,9 @@ std::vector<SystemView> ColumnViews() {
       {"sys", "computed_columns", columns + " AND 0", with(column_columns, {Text("definition"), Bit("is_persisted")})},
       {"sys",
        "parameters",
-       "SELECT c.object AS object_id, c.name, c.position AS parameter_id, " + std::string(kMeasures) +
-           ", c.default_text = 'output' AS is_output, 0 AS has_default_value FROM (" + std::string(kTyped) +
-           ") c JOIN (" + std::string(kTypes) + ") t ON t.name = c.base WHERE c.owner_kind = 'procedure'",
+       "SELECT c.object AS object_id, c.name, c.parameter_position AS parameter_id, " + std::string(kMeasures) +
+           ", c.default_text IN ('output', 'return') AS is_output, 0 AS has_default_value FROM (" +
+           std::string(kTyped) + ") c JOIN (" + std::string(kTypes) + ") t ON t.name = c.base WHERE c.of_call = 1",
        {Int("object_id"), Name("name"), Int("parameter_id"), Int("system_type_id"), Int("user_type_id"),
         Int("max_length"), Int("precision"), Int("scale"), Bit("is_output"), Bit("has_default_value")}},
   };
@@ -308,7 +335,7 @@ std::vector<SystemView> ServerViews() {
         Int("scale"), Name("collation_name"), Bit("is_nullable"), Bit("is_user_defined"), Bit("is_table_type")}},
       {"sys",
        "sql_modules",
-       "SELECT id AS object_id, definition FROM main.\"$objects\" WHERE kind IN ('view', 'procedure', 'trigger')",
+       "SELECT id AS object_id, definition FROM main.\"$objects\" WHERE kind NOT IN ('table', 'sequence')",
        {Int("object_id"), Text("definition")}},
       {"sys",
        "extended_properties",

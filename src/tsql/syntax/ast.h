@@ -129,7 +129,8 @@ struct Window {
 };
 
 struct FunctionCall {
-  std::string name;                      // in lower case
+  std::string name;                      // in lower case; as written when it is one of the database
+  std::string qualifier;                 // what stands before the name of one of the database, else ""
   std::vector<ExpressionPtr> arguments;  // the first one of IIF is a condition
   bool distinct = false;                 // of an aggregate
   std::string date_part;                 // of DATEADD and its like, in lower case
@@ -141,6 +142,11 @@ struct FunctionCall {
 struct IdentityCall {
   TypeName type;
   std::vector<ExpressionPtr> arguments;
+};
+
+/// NEXT VALUE FOR sequence
+struct NextValue {
+  ObjectName sequence;
 };
 
 struct ScalarSubquery {
@@ -235,9 +241,9 @@ struct UpdatedColumn {
 using ExpressionNode =
     std::variant<Literal, VariableReference, GlobalReference, ColumnReference, Star, DefaultValue, UnaryOperation,
                  BinaryOperation, CaseExpression, CastExpression, ConvertExpression, FunctionCall, IdentityCall,
-                 ScalarSubquery, CollateExpression, Comparison, QuantifiedComparison, Conjunction, Disjunction,
-                 Negation, NullTest, BetweenCondition, LikeCondition, InList, InLiteralList, InQuery, ExistsCondition,
-                 UpdatedColumn>;
+                 NextValue, ScalarSubquery, CollateExpression, Comparison, QuantifiedComparison, Conjunction,
+                 Disjunction, Negation, NullTest, BetweenCondition, LikeCondition, InList, InLiteralList, InQuery,
+                 ExistsCondition, UpdatedColumn>;
 
 /// A value or a condition.
 struct Expression {
@@ -281,9 +287,10 @@ struct JsonColumnDefinition {
   bool as_json = false;
 };
 
-/// STRING_SPLIT(text, separator) AS t(a), OPENJSON(text, path) WITH (…) AS t
+/// STRING_SPLIT(text, separator) AS t(a), OPENJSON(text, path) WITH (…) AS t, dbo.f(1, DEFAULT) AS t
 struct TableFunction {
-  std::string name;  // in lower case
+  std::string name;        // in lower case
+  ObjectName of_database;  // the whole name of one of the database; name "" for one of the server
   std::vector<ExpressionPtr> arguments;
   std::vector<JsonColumnDefinition> json_columns;
   std::string alias;  // its name when none is given

@@ -15,8 +15,8 @@ class Operands {
  public:
   explicit Operands(const VisitExpression& visit) : visit_(visit) {}
 
-  template <OneOf<Literal, VariableReference, GlobalReference, ColumnReference, Star, DefaultValue, ScalarSubquery,
-                  ExistsCondition, UpdatedColumn>
+  template <OneOf<Literal, VariableReference, GlobalReference, ColumnReference, Star, DefaultValue, NextValue,
+                  ScalarSubquery, ExistsCondition, UpdatedColumn>
                 Leaf>
   void operator()(const Leaf& /*node*/) const {}
   void operator()(const UnaryOperation& node) const { Take(node.operand); }
@@ -100,6 +100,8 @@ void ForEachChild(const Statement& statement, const std::function<void(const Sta
     all(procedure->body);
   } else if (const auto* trigger = As<CreateTriggerStatement>(statement)) {
     all(trigger->body);
+  } else if (const auto* function = As<CreateFunctionStatement>(statement)) {
+    all(function->body);
   } else if (const auto* insert = As<InsertStatement>(statement)) {
     if (insert->execute() != nullptr) visit(*insert->execute());
   }

@@ -196,17 +196,18 @@ inline constexpr std::array kReservedWords = std::to_array<std::string_view>({
 /// Words that mean something in some places only, and are names elsewhere.
 inline constexpr std::array kContextualWords = std::to_array<std::string_view>({
     // clang-format off
-    "absolute", "action", "after", "apply", "at", "auto", "binary", "cast", "catch", "char", "character", "columnstore",
-    "committed", "cube", "cycle", "dateadd", "datediff", "datediff_big", "datename", "datepart", "datetrunc", "delay",
-    "disable", "dynamic", "enable", "encryption", "fast_forward", "first", "following", "forward_only", "global",
-    "grouping", "hash", "iif", "include", "include_null_values", "insensitive", "instead", "isolation", "json", "keyset", "last",
-    "level", "local", "log", "login", "loop", "matched", "max", "name", "nchar", "next", "no", "nowait", "nvarchar",
-    "offset", "only", "optimistic", "out", "output", "parse", "partition", "path", "persisted", "preceding",
-    "precision", "prior", "range", "raw", "read_only", "readonly", "recompile", "relative", "remote", "repeatable",
+    "absolute", "action", "after", "apply", "at", "auto", "binary", "cache", "called", "cast", "catch", "char",
+    "character", "columnstore", "committed", "cube", "cycle", "dateadd", "datediff", "datediff_big", "datename",
+    "datepart", "datetrunc", "delay", "disable", "dynamic", "enable", "encryption", "fast_forward", "first",
+    "following", "forward_only", "global", "grouping", "hash", "iif", "include", "include_null_values", "increment",
+    "input", "insensitive", "instead", "isolation", "json", "keyset", "last", "level", "local", "log", "login", "loop",
+    "matched", "max", "maxvalue", "minvalue", "name", "nchar", "next", "no", "nowait", "nvarchar", "offset", "only",
+    "optimistic", "out", "output", "parse", "partition", "path", "persisted", "preceding", "precision", "prior",
+    "range", "raw", "read_only", "readonly", "recompile", "relative", "remote", "repeatable", "restart", "returns",
     "role", "rollup", "root", "row", "rows", "schemabinding", "scroll", "scroll_locks", "sequence", "serializable",
-    "server", "sets", "snapshot", "source", "sparse", "static", "synonym", "system_time", "target", "textimage_on",
-    "throw", "ties", "time", "try", "try_cast", "try_parse", "type", "type_warning", "unbounded", "uncommitted",
-    "using", "value", "varchar", "without_array_wrapper", "work", "xml", "zone",
+    "server", "sets", "snapshot", "source", "sparse", "start", "static", "synonym", "system_time", "target",
+    "textimage_on", "throw", "ties", "time", "try", "try_cast", "try_parse", "type", "type_warning", "unbounded",
+    "uncommitted", "using", "value", "varchar", "without_array_wrapper", "work", "xml", "zone",
     // clang-format on
 });
 

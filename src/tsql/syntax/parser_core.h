@@ -182,7 +182,7 @@ class Parser {
   TableSourcePtr ParseNamedTable();
   bool AcceptJoin(JoinKind& join);
   std::vector<JsonColumnDefinition> ParseJsonColumns();
-  TableSourcePtr ParseTableFunction(std::uint32_t line, const std::string& name);
+  TableSourcePtr ParseTableFunction(std::uint32_t line, ObjectName name);
   /// @return the name of the one index that the hints ask for, else ""
   std::string AcceptTableHints();
   std::string AcceptHintList();
@@ -272,6 +272,24 @@ class Parser {
   StatementPtr ParseSwitchTriggers();
   StatementPtr ParseSwitchTriggersOf(ObjectName table, std::uint32_t line);
 
+  // parser_function.cpp
+  StatementPtr ParseFunction(std::size_t begin, bool replace);
+  void ParseFunctionOptions(CreateFunctionStatement& create);
+  /// RETURN query
+  QueryPtr ParseReturnedQuery();
+  /// @t TABLE (…), which the body declares first
+  void ParseReturnedTable(CreateFunctionStatement& create);
+  /// BEGIN … RETURN [value] END
+  void ParseFunctionBody(CreateFunctionStatement& create);
+  /// Arguments between parentheses, each a value or DEFAULT.
+  std::vector<ExpressionPtr> ParseFunctionArguments();
+
+  // parser_sequence.cpp
+  StatementPtr ParseSequence(bool alter);
+  bool AcceptSequenceOption(SequenceOptions& options, bool alter);
+  std::int64_t ParseSequenceNumber();
+  ExpressionPtr ParseNextValue();
+
   // parser_table.cpp
   StatementPtr ParseCreateTable();
   StatementPtr ParseAlterTable();
@@ -302,6 +320,8 @@ class Parser {
   int query_depth_ = 0;
   int literal_count_ = 0;
   int list_count_ = 0;
+  /// How often NEXT VALUE FOR stood so far.
+  int number_count_ = 0;
   /// Where the operator of the last condition stands, to point at when a value was expected.
   std::size_t condition_at_ = 0;
 };

@@ -15,6 +15,7 @@ StatementPtr Parser::ParseCreate() {
     if (At("view"_kw)) return ParseView(begin, true);
     if (At("proc"_kw) || At("procedure"_kw)) return ParseProcedure(begin, true);
     if (At("trigger"_kw)) return ParseTrigger(begin, true);
+    if (At("function"_kw)) return ParseFunction(begin, true);
     Refuse("CREATE OR ALTER " + UpperCase(Peek().text));
   }
   Take();
@@ -22,6 +23,8 @@ StatementPtr Parser::ParseCreate() {
   if (At("view"_kw)) return ParseView(begin, false);
   if (At("proc"_kw) || At("procedure"_kw)) return ParseProcedure(begin, false);
   if (At("trigger"_kw)) return ParseTrigger(begin, false);
+  if (At("function"_kw)) return ParseFunction(begin, false);
+  if (At("sequence"_kw)) return ParseSequence(false);
   constexpr std::array kIndexWords = {"unique"_kw, "clustered"_kw, "nonclustered"_kw, "index"_kw};
   if (AtAny(kIndexWords)) return ParseCreateIndex();
   if (Peek().kind != TokenKind::kWord) Fail();
@@ -35,6 +38,8 @@ StatementPtr Parser::ParseAlter() {
   if (At("view"_kw)) return ParseView(begin, true);
   if (At("proc"_kw) || At("procedure"_kw)) return ParseProcedure(begin, true);
   if (At("trigger"_kw)) return ParseTrigger(begin, true);
+  if (At("function"_kw)) return ParseFunction(begin, true);
+  if (At("sequence"_kw)) return ParseSequence(true);
   if (Peek().kind != TokenKind::kWord) Fail();
   Refuse("ALTER " + UpperCase(Peek().text));
 }
@@ -49,6 +54,10 @@ StatementPtr Parser::ParseDrop() {
     drop.kind = ObjectKind::kProcedure;
   } else if (Accept("trigger"_kw)) {
     drop.kind = ObjectKind::kTrigger;
+  } else if (Accept("function"_kw)) {
+    drop.kind = ObjectKind::kFunction;
+  } else if (Accept("sequence"_kw)) {
+    drop.kind = ObjectKind::kSequence;
   } else if (!Accept("table"_kw)) {
     if (Peek().kind != TokenKind::kWord) Fail();
     Refuse("DROP " + UpperCase(Peek().text));

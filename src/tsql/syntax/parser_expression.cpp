@@ -368,8 +368,7 @@ ExpressionPtr Parser::ParseKeywordPrimary() {
     case "default"_kw:
       Refuse("DEFAULT as a value");
     case "next"_kw:
-      if (At("for"_kw, 2)) Refuse("NEXT VALUE FOR");
-      return ParseColumn();
+      return At("value"_kw, 1) && At("for"_kw, 2) ? ParseNextValue() : ParseColumn();
     default:
       return ParseColumn();
   }
@@ -403,7 +402,14 @@ ExpressionPtr Parser::ParseColumn() {
     // db..table.column: the schema may be left out, and what stands before the table tells nothing here.
     if (!At(Op::kDot)) column.parts.push_back(ParseName());
   }
-  if (At(Op::kLeftParen)) Refuse("The function " + column.parts[0] + "." + column.parts.back());
+  if (At(Op::kLeftParen)) {
+    FunctionCall call;
+    call.name = std::move(column.parts.back());
+    column.parts.pop_back();
+    for (const std::string& part : column.parts) call.qualifier += (call.qualifier.empty() ? "" : ".") + part;
+    call.arguments = ParseFunctionArguments();
+    return MakeExpression(line, std::move(call));
+  }
   if (column.parts.size() > 4) Fail();
   if (column.parts.size() == 4) column.parts.erase(column.parts.begin());
   return MakeExpression(line, std::move(column));

@@ -156,9 +156,10 @@ QueryPtr Parser::ParseRows(bool inserted) {
   } while (Accept(Op::kComma));
   constexpr std::size_t kMostRows = 1000;
   if (inserted && values.rows.size() > kMostRows) {
-    RaiseAt(10738,
-            "The number of row value expressions in the INSERT statement exceeds the maximum allowed number of 1000 row "
-            "values.");
+    RaiseAt(
+        10738,
+        "The number of row value expressions in the INSERT statement exceeds the maximum allowed number of 1000 row "
+        "values.");
   }
   return MakeQuery(std::move(values));
 }
@@ -356,10 +357,7 @@ TableSourcePtr Parser::ParseNamedTable() {
   NamedTable table;
   table.name = ParseTarget();
   if (At(Op::kLeftParen) && !IsAmong(kTableHints, Peek(1).text)) {
-    if (!table.name.qualifier.empty() || !IsAmong(kTableFunctions, table.name.name)) {
-      Refuse("The table-valued function " + table.name.name);
-    }
-    return ParseTableFunction(line, table.name.name);
+    return ParseTableFunction(line, std::move(table.name));
   }
   if (At("for"_kw) && At("system_time"_kw, 1)) Refuse("FOR SYSTEM_TIME");
   table.index = AcceptTableHints();
@@ -369,19 +367,18 @@ TableSourcePtr Parser::ParseNamedTable() {
   return MakeSource(line, std::move(table));
 }
 
-TableSourcePtr Parser::ParseTableFunction(std::uint32_t line, const std::string& name) {
+TableSourcePtr Parser::ParseTableFunction(std::uint32_t line, ObjectName name) {
   TableFunction function;
-  function.name = LowerCase(name);
-  Expect(Op::kLeftParen);
-  function.arguments = ParseValues();
-  Expect(Op::kRightParen);
+  function.name = LowerCase(name.name);
+  function.arguments = ParseFunctionArguments();
   if (function.name == "openjson" && At("with"_kw) && At(Op::kLeftParen, 1)) {
     Take();
     function.json_columns = ParseJsonColumns();
   }
   function.alias = AcceptAlias();
   if (!function.alias.empty() && At(Op::kLeftParen)) function.column_aliases = ParseNameList();
-  if (function.alias.empty()) function.alias = name;
+  if (function.alias.empty()) function.alias = name.name;
+  if (!name.qualifier.empty() || !IsAmong(kTableFunctions, name.name)) function.of_database = std::move(name);
   return MakeSource(line, std::move(function));
 }
 

@@ -31,7 +31,10 @@ StatementPtr Parser::ParseStatement() {
   if (token.kind != TokenKind::kWord) Fail();
   if (At(Op::kColon, 1)) Refuse("GOTO");
   if (token.id >= kKeywordCount) Fail();
-  return ParseKeywordStatement();
+  const int numbers = number_count_;
+  StatementPtr statement = ParseKeywordStatement();
+  statement->takes_numbers = number_count_ > numbers;
+  return statement;
 }
 
 StatementPtr Parser::ParseKeywordStatement() {

@@ -345,7 +345,7 @@ struct AlterTableStatement {
   std::variant<AddColumns, AddConstraints, DropColumns, DropConstraints, AlterColumn> action;
 };
 
-enum class ObjectKind : std::uint8_t { kTable, kView, kProcedure, kTrigger };
+enum class ObjectKind : std::uint8_t { kTable, kView, kProcedure, kFunction, kSequence, kTrigger };
 
 struct DropStatement {
   ObjectKind kind = ObjectKind::kTable;
@@ -417,6 +417,40 @@ struct SwitchTriggersStatement {
   bool on = false;
 };
 
+/// RETURNS TABLE has a query, any other type and RETURNS @t TABLE (…) a body.
+struct CreateFunctionStatement {
+  ObjectName function;
+  std::vector<Parameter> parameters;
+  TypeName returns;
+  QueryPtr query;              // null for one with a body
+  std::string returned_table;  // @t, which the body fills; "" for the others
+  std::vector<StatementPtr> body;
+  bool null_for_null = false;  // RETURNS NULL ON NULL INPUT
+  std::string source_text;
+  bool replace = false;
+  bool must_exist = false;  // ALTER
+};
+
+/// What CREATE and ALTER SEQUENCE may say.
+struct SequenceOptions {
+  std::optional<TypeName> type;
+  std::optional<std::int64_t> start;
+  std::optional<std::int64_t> increment;
+  // NO MINVALUE and its like: given, without a number.
+  std::optional<std::optional<std::int64_t>> minimum;
+  std::optional<std::optional<std::int64_t>> maximum;
+  std::optional<bool> cycles;
+  std::optional<std::int64_t> cache;  // 0 for NO CACHE
+  bool restarts = false;
+  std::optional<std::int64_t> restart;
+};
+
+struct SequenceStatement {
+  ObjectName sequence;
+  SequenceOptions options;
+  bool alter = false;
+};
+
 using StatementNode =
     std::variant<EmptyStatement, SelectStatement, InsertStatement, UpdateStatement, DeleteStatement, MergeStatement,
                  TruncateStatement, DeclareStatement, SetStatement, SetSwitchStatement, SetValueStatement,
@@ -426,10 +460,13 @@ using StatementNode =
                  RaiseErrorStatement, ThrowStatement, BeginTransactionStatement, CommitStatement, RollbackStatement,
                  SaveTransactionStatement, CallStatement, ExecuteTextStatement, CreateTableStatement,
                  AlterTableStatement, DropStatement, CreateIndexStatement, DropIndexStatement, CreateViewStatement,
-                 CreateProcedureStatement, CreateTriggerStatement, SwitchTriggersStatement>;
+                 CreateProcedureStatement, CreateTriggerStatement, SwitchTriggersStatement, CreateFunctionStatement,
+                 SequenceStatement>;
 
 struct Statement {
   std::uint32_t line = 1;
+  /// It takes numbers of sequences: NEXT VALUE FOR.
+  bool takes_numbers = false;
   StatementNode node;
 };
 

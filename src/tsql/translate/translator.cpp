@@ -41,6 +41,7 @@ Compiled Translator::CompileQuery(const Query& query) {
   }
   SelectOptions options;
   options.may_order = true;
+  numbers = NumberPlace::kItems;
   TranslatedQuery text = QueryText(query, nullptr, options);
   Compiled compiled = parameters.Finish(text.sql);
   compiled.columns = std::move(text.columns);
@@ -58,6 +59,7 @@ std::vector<ResultColumn> Translator::DescribeQuery(const Query& query, bool may
   options.named = true;
   options.owner = query.makes_table() ? query.select()->into.name : "query";
   if (!given.empty()) options.names = &given;
+  if (query.makes_table()) numbers = NumberPlace::kItems;
   std::vector<ResultColumn> columns = QueryText(query, nullptr, options).columns;
   parameters.ShrinkTo(0);
   return columns;
@@ -77,6 +79,7 @@ Compiled Translator::CompileCondition(const Expression& condition) {
 
 Compiled Translator::CompileValue(const Expression& value, const SqlType& type) {
   Scope scope;
+  numbers = NumberPlace::kHere;
   const Typed typed = Value(value, scope);
   RequireImplicit(typed.type, type);
   Compiled compiled = FinishValue(Coerce(parameters, typed, type), type);
@@ -113,6 +116,7 @@ Compiled Translator::CompileMerge(const MergeStatement& merge, bool identity_ins
 std::string Translator::TranslateCheck(const CatalogObject& table, const Expression& condition) {
   Scope scope;
   scope.sources.push_back(BareSource(table.name, table));
+  for_table = true;
   return parameters.FinishDefinition(Condition(condition, scope));
 }
 

@@ -1,6 +1,8 @@
 #include "tsql/translate/value.h"
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 #include <utility>
 
 #include "platform/text/text.h"
@@ -35,10 +37,12 @@ class Values {
   }
   Typed operator()(const ConvertExpression& convert) const;
   Typed operator()(const FunctionCall& call) const {
-    if (call.name == "grouping" || call.name == "grouping_id") return Grouping(call);
+    if (call.qualifier.empty() && (call.name == "grouping" || call.name == "grouping_id")) return Grouping(call);
+    const NumbersAt numbers(translation_, MayLeaveOut(call) ? Optional() : translation_.numbers);
     return TranslateCall(Call(translation_, call, line_, scope_));
   }
   Typed operator()(const IdentityCall& /*call*/) const { RaiseUnknownFunction("identity", line_); }
+  Typed operator()(const NextValue& next) const { return NextValueOf(translation_, next); }
   Typed operator()(const ScalarSubquery& subquery) const;
   Typed operator()(const CollateExpression& collate) const;
   Typed operator()(const Star& /*star*/) const { throw SqlError(102, "Incorrect syntax near '*'.", 15); }
@@ -51,6 +55,14 @@ class Values {
   }
 
  private:
+  /// Whether the call computes some of its arguments only.
+  static bool MayLeaveOut(const FunctionCall& call) {
+    constexpr auto kNames = std::to_array<std::string_view>({"choose", "coalesce", "iif", "isnull", "nullif"});
+    return call.qualifier.empty() && std::find(kNames.begin(), kNames.end(), call.name) != kNames.end();
+  }
+  [[nodiscard]] NumberPlace Optional() const {
+    return translation_.numbers == NumberPlace::kHere ? NumberPlace::kOptional : translation_.numbers;
+  }
   [[nodiscard]] Typed Value(const Expression& expression) const { return translation_.Value(expression, scope_); }
   [[nodiscard]] Typed Cast(const Expression& written, const SqlType& type, int style, bool attempt) const;
   /// A bit for each argument: whether the grouping set has it not.
@@ -137,6 +149,7 @@ void Values::CountDigits(Typed& value, const Typed& other, const Expression& wri
 }
 
 Typed Values::operator()(const CaseExpression& choice) const {
+  const NumbersAt numbers(translation_, Optional());
   std::vector<std::string> conditions;
   std::vector<Typed> values;
   for (const CaseBranch& branch : choice.branches) {

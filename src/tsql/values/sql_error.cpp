@@ -68,6 +68,14 @@ SqlError InnerError() {
   return {server_message::kInternalError, "Internal error: the embedded database could not run the statement.", 16};
 }
 
+SqlError NoNumbersHere() {
+  return {11719,
+          "NEXT VALUE FOR function is not allowed in check constraints, default objects, computed columns, views, "
+          "user-defined functions, user-defined aggregates, user-defined table types, sub-queries, common table "
+          "expressions, derived tables or return statements.",
+          15};
+}
+
 SqlError Cancelled() { return {3617, "The statement was cancelled.", 11}; }
 
 SqlError OutOfMemory(std::size_t megabytes) {

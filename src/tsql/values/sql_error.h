@@ -65,6 +65,8 @@ Error ToError(const SqlError& error);
 
 /// For what should never happen: a fault of the engine's own. The statement fails, the session goes on.
 SqlError InnerError();
+/// 11719: NEXT VALUE FOR where only the rows of a statement's own query have a place.
+SqlError NoNumbersHere();
 /// 3617
 SqlError Cancelled();
 /// 701. @param megabytes how many were allowed, 0 where the machine has no more

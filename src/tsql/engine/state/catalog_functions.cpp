@@ -50,7 +50,7 @@ void ObjectId(sqlite3_context* context, const Catalog& catalog, Arguments argume
   if (object == nullptr) return;
   if (arguments.size() > 1) {
     const std::string kind = UpperCase(Trim(TextOf(arguments[1])));
-    constexpr std::string_view kTypes[] = {"U", "V", "P", "TR"};
+    constexpr std::string_view kTypes[] = {"U", "V", "P", "FN", "IF", "SO", "TF", "TR"};
     if (kind != kTypes[static_cast<std::size_t>(object->kind)]) return;
   }
   sqlite3_result_int64(context, object->id);

@@ -23,6 +23,8 @@ struct EffectOfNode {
   Effect operator()(const CreateProcedureStatement& /*node*/) const { return Effect::kDefines; }
   Effect operator()(const CreateTriggerStatement& /*node*/) const { return Effect::kDefines; }
   Effect operator()(const SwitchTriggersStatement& /*node*/) const { return Effect::kDefines; }
+  Effect operator()(const CreateFunctionStatement& /*node*/) const { return Effect::kDefines; }
+  Effect operator()(const SequenceStatement& /*node*/) const { return Effect::kDefines; }
   template <typename Other>
   Effect operator()(const Other& /*node*/) const {
     return Effect::kNone;

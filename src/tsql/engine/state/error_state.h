@@ -17,12 +17,14 @@ struct ErrorState {
   int try_depth = 0;
   int call_depth = 0;
   std::string_view procedure;  // whose body runs, "" in a batch
+  bool in_function = false;
 
   void BeginBatch() {
     first.reset();
     caught.clear();
     try_depth = 0;
     call_depth = 0;
+    in_function = false;
   }
 
   /// Runs what parses or translates: its errors end the batch or procedure at hand, TRY or not.

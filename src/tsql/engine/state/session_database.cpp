@@ -33,7 +33,30 @@ void SessionDatabase::RunQuietly(const std::string& sql) noexcept {
   sqlite3_exec(handle(), sql.c_str(), nullptr, nullptr, nullptr);
 }
 
+bool SessionDatabase::changing() const {
+  for (sqlite3_stmt* statement = sqlite3_next_stmt(handle(), nullptr); statement != nullptr;
+       statement = sqlite3_next_stmt(handle(), statement)) {
+    if (sqlite3_stmt_busy(statement) != 0 && sqlite3_stmt_readonly(statement) == 0) return true;
+  }
+  return false;
+}
+
+bool SessionDatabase::TakeLeft(const std::string& table) {
+  if (left_.erase(table) == 0) return false;
+  Run("DELETE FROM temp." + QuoteName(table));
+  // There is no such table before the first identity.
+  RunQuietly("DELETE FROM temp.sqlite_sequence WHERE name = " + QuoteText(table));
+  return true;
+}
+
+void SessionDatabase::DropLeft() noexcept {
+  for (const std::string& table : left_) RunQuietly("DROP TABLE IF EXISTS temp." + QuoteName(table));
+  left_.clear();
+}
+
 void SessionDatabase::Atomically(const std::function<void()>& body) {
+  // Within a change it is all or nothing by that.
+  if (changing()) return body();
   Run("SAVEPOINT definition");
   try {
     body();

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -31,6 +32,16 @@ class SessionDatabase {
   /// All that `body` does to SQLite and the catalog, or nothing.
   void Atomically(const std::function<void()>& body);
 
+  /// Whether a statement of SQLite's that changes something runs.
+  [[nodiscard]] bool changing() const;
+  // Temporary tables that are left to the next who makes them: SQLite drops none while a statement runs.
+  void Leave(const std::string& table) { left_.insert(table); }
+  [[nodiscard]] bool HasLeft(const std::string& table) const { return left_.contains(table); }
+  /// Empties the table when it is left. @return whether it is
+  bool TakeLeft(const std::string& table);
+  /// Drops them, when nothing runs.
+  void DropLeft() noexcept;
+
   [[nodiscard]] Runtime& runtime() { return runtime_; }
   [[nodiscard]] NameTable& names() { return names_; }
   [[nodiscard]] Catalog& catalog() { return catalog_; }
@@ -40,6 +51,7 @@ class SessionDatabase {
   DatabaseHandle handle_;
   NameTable names_;
   Catalog catalog_;
+  std::set<std::string> left_;
 };
 
 }  // namespace tessarlorn::tsql

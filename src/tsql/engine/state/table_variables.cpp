@@ -4,7 +4,9 @@ namespace tessarlorn::tsql {
 
 TableVariableScope::~TableVariableScope() {
   for (const CatalogObjectPtr& table : database_.catalog().LeaveScope()) {
-    database_.RunQuietly("DROP TABLE IF EXISTS temp." + QuoteName(table->table_name()));
+    const std::string& name = table->table_name();
+    const std::string drop = "DROP TABLE IF EXISTS temp." + QuoteName(name);
+    if (sqlite3_exec(database_.handle(), drop.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) database_.Leave(name);
   }
 }
 

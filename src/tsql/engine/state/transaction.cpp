@@ -19,8 +19,16 @@ namespace {
 
 Transaction::Transaction(SessionDatabase& database, const SessionOptions& options, Results& results,
                          std::chrono::milliseconds longest_wait)
-    : database_(database), options_(options), results_(results), longest_wait_(longest_wait) {
+    : database_(database), options_(options), results_(results), longest_wait_(longest_wait), numbers_(database) {
   sqlite3_busy_handler(database_.handle(), WaitForLock, this);
+  database.runtime().next_number = [this](std::string_view sequence, std::int64_t place) {
+    if (!writing_) RaiseUnsupported("NEXT VALUE FOR as a default of a temporary table");
+    return numbers_.Next(sequence, place);
+  };
+  database.runtime().last_number = [this](std::int64_t sequence) {
+    const std::optional<std::int64_t> last = numbers_.Last(sequence);
+    return last ? Datum(*last) : Datum();
+  };
 }
 
 Transaction::~Transaction() { sqlite3_busy_handler(database_.handle(), nullptr, nullptr); }
@@ -43,6 +51,8 @@ int Transaction::WaitForLock(void* transaction, int times) {
 }
 
 void Transaction::LockFor(const Statement& statement) {
+  numbers_.BeginStatement();
+  if (statement.takes_numbers) EnsureWrite();
   if ((writing_ && !doomed_) || EffectOf(statement) == Effect::kNone || IsOnTableVariable(statement)) return;
   // A transaction takes back what it did to temporary tables, too.
   if (depth_ > 0 || !IsOnTemporaryTables(statement)) EnsureWrite();
@@ -72,6 +82,7 @@ void Transaction::CommitWrite() {
   if (!writing_) return;
   try {
     if (!marked_) MarkAsOurs(database_.handle());
+    numbers_.Note();
     database_.Run("COMMIT");
     marked_ = true;
   } catch (const SqlError&) {
@@ -81,6 +92,7 @@ void Transaction::CommitWrite() {
   writing_ = false;
   save_points_.clear();
   given_identities_.clear();
+  numbers_.Forget();
 }
 
 void Transaction::RollbackWrite() noexcept {
@@ -88,11 +100,13 @@ void Transaction::RollbackWrite() noexcept {
     TableVariableCopies variables(database_);
     database_.RunQuietly("ROLLBACK");
     variables.PutBack();
+    database_.DropLeft();
   }
   writing_ = false;
   save_points_.clear();
   database_.catalog().Invalidate();
   KeepIdentities();
+  numbers_.NoteAfterRollback();
 }
 
 void Transaction::NoteIdentity(const std::string& table) {
@@ -119,6 +133,7 @@ void Transaction::NoteLost() {
   // A full disk or a failing file makes SQLite roll back by itself.
   if (!writing_ || !database_.idle()) return;
   writing_ = false;
+  numbers_.Forget();
   if (std::exchange(depth_, 0) > 0) results_.TellTransaction(TransactionEvent::kRolledBack);
   save_points_.clear();
   database_.catalog().Invalidate();
@@ -201,6 +216,7 @@ void Transaction::Rollback(const RollbackStatement& statement) {
     TableVariableCopies variables(database_);
     database_.Run("ROLLBACK TO " + QuoteName("save " + save_points_[i]));
     variables.PutBack();
+    database_.DropLeft();
     database_.catalog().Invalidate();
     database_.catalog().Refresh();
     KeepIdentities();

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tsql/engine/state/results.h"
+#include "tsql/engine/state/sequence_numbers.h"
 #include "tsql/engine/state/session_database.h"
 #include "tsql/engine/state/session_options.h"
 #include "tsql/syntax/statement.h"
@@ -77,6 +78,7 @@ class Transaction {
   void NoteIdentity(const std::string& table);
   [[nodiscard]] std::optional<std::int64_t> identity() const { return identity_; }  // @@IDENTITY
   void ForgetIdentity() { identity_.reset(); }
+  [[nodiscard]] SequenceNumbers& numbers() { return numbers_; }
   /// Of the batch, text or procedure that runs: SCOPE_IDENTITY().
   std::optional<std::int64_t> scope_identity;
 
@@ -97,6 +99,7 @@ class Transaction {
   const std::chrono::milliseconds longest_wait_;
   bool taking_write_lock_ = false;
   std::chrono::steady_clock::time_point waiting_since_;
+  SequenceNumbers numbers_;
   std::optional<std::int64_t> identity_;
   std::unordered_map<std::string, std::int64_t> given_identities_;  // by table, in the open transaction
 };

@@ -25,6 +25,7 @@ void RaiseUnknownFunction(const std::string& name, std::uint32_t line) {
 }
 
 Typed TranslateCall(const Call& call) {
+  if (!call.qualifier().empty()) return OwnCall(call);
   if (call.window() != nullptr) return WindowCall(call);
   if (IsAggregate(call.name())) return AggregateCall(call);
   for (const auto topic : {PlainCall, ConditionalCall, DateCall, NumberCall, TextCall, DigestCall, JsonCall,

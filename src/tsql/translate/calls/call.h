@@ -17,6 +17,8 @@ class Call {
       : translation_(translation), written_(written), line_(line), scope_(scope) {}
 
   [[nodiscard]] const std::string& name() const { return written_.name; }
+  [[nodiscard]] const std::string& qualifier() const { return written_.qualifier; }
+  [[nodiscard]] const std::vector<ExpressionPtr>& arguments() const { return written_.arguments; }
   [[nodiscard]] std::size_t count() const { return written_.arguments.size(); }
   [[nodiscard]] const std::string& date_part() const { return written_.date_part; }
   [[nodiscard]] bool distinct() const { return written_.distinct; }

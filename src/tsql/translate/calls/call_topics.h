@@ -34,6 +34,10 @@ Typed SessionCall(const Call& call);
 Typed ServerCall(const Call& call);
 /// SERVERPROPERTY, OBJECTPROPERTY and their like.
 Typed PropertyCall(const Call& call);
+/// A scalar function of the database. Raises 4121.
+Typed OwnCall(const Call& call);
+/// Raises 208, 11726, and where it may not stand 11719 and its like.
+Typed NextValueOf(Translation& translation, const NextValue& next);
 Typed GlobalValue(Parameters& parameters, const std::string& name, std::uint32_t line);
 
 }  // namespace tessarlorn::tsql

@@ -56,6 +56,7 @@ void Assignments::AddColumn(const Assignment& assignment, const Column& column, 
   if (As<DefaultValue>(value) != nullptr) {
     sets_.emplace_back(column.name, DefaultSql(translation_, table, column));
   } else {
+    const NumbersAt numbers(translation_, NumberPlace::kHere);
     Typed typed = translation_.Value(value, clauses_.scope);
     if (assignment.compound) {
       typed = Arithmetic(parameters_, *assignment.compound, {clauses_.Old(column), column.type, column.nullable, -1},
@@ -86,6 +87,7 @@ std::string DefaultSql(Translation& translation, const CatalogObject& table, con
   Scope scope;
   const ExpressionPtr expression = ParseExpressionText(column.default_text, translation.names);
   const Parameters::InDefinition in_definition(translation.parameters);
+  const NumbersAt numbers(translation, NumberPlace::kHere);
   return Assigned(translation.parameters, translation.Value(*expression, scope), column, ShownName(table));
 }
 

@@ -127,6 +127,7 @@ std::string InsertTranslator::DefaultOf(int position) {
 }
 
 std::string InsertTranslator::Given(const Expression& value, int position, Scope& scope) {
+  const NumbersAt numbers(translation_, NumberPlace::kHere);
   if (As<DefaultValue>(value) != nullptr) return DefaultOf(position);
   return Value(translation_.Value(value, scope), ColumnAt(position));
 }
@@ -171,8 +172,11 @@ std::string InsertTranslator::InsertDefaults() {
 std::string InsertTranslator::InsertValues(const ValueRows& values) {
   Scope scope;
   std::string sql = Head() + "VALUES ";
+  const int places = translation_.number_places;
   for (std::size_t r = 0; r < values.rows.size(); ++r) {
     CheckCount(values.rows[r].size(), false);
+    // Each row has the places of the first for numbers of sequences.
+    translation_.number_places = places;
     std::string row;
     for (std::size_t i = 0; i < positions_.size(); ++i) {
       row += (i == 0 ? "" : ", ") + Given(*values.rows[r][i], positions_[i], scope);
@@ -205,6 +209,7 @@ std::string InsertTranslator::Text() {
   if (const ValueRows* values = (*query)->rows()) return InsertValues(*values);
   SelectOptions options;
   options.may_order = true;
+  const NumbersAt numbers(translation_, NumberPlace::kItems);
   return InsertRows(translation_.QueryText(**query, nullptr, options), (*query)->select() != nullptr);
 }
 
@@ -243,6 +248,7 @@ Compiled CompileInsertInto(Translation& translation, const CatalogObject& table,
   for (const Column& column : table.columns) columns += (columns.empty() ? "" : ", ") + QuoteName(column.name);
   SelectOptions options;
   options.may_order = true;
+  const NumbersAt numbers(translation, NumberPlace::kItems);
   const TranslatedQuery rows = translation.QueryText(query, nullptr, options);
   Compiled compiled =
       translation.parameters.Finish("INSERT INTO " + TableSql(table) + " (" + columns + ") " + rows.sql);

@@ -38,10 +38,11 @@ struct OwnPart {
   std::string operator()(const CastExpression& node) const { return TypeOf(node.type, node.attempt); }
   std::string operator()(const ConvertExpression& node) const { return TypeOf(node.type, node.attempt); }
   std::string operator()(const FunctionCall& node) const {
-    std::string text = node.name + (node.distinct ? ":d:" : "::") + node.date_part;
+    std::string text = LowerCase(node.qualifier + "." + node.name) + (node.distinct ? ":d:" : "::") + node.date_part;
     for (const OrderItem& item : node.within) text += item.descending ? ":d" : ":a";
     return text;
   }
+  std::string operator()(const NextValue& node) const { return LowerCase(node.sequence.name); }
   std::string operator()(const IdentityCall& node) const { return TypeOf(node.type, false); }
   std::string operator()(const CollateExpression& node) const { return LowerCase(node.collation); }
   std::string operator()(const Comparison& node) const { return Number(node.op); }
@@ -80,7 +81,7 @@ bool HasColumn(const Expression& expression) {
 bool HasAggregate(const Expression& expression) {
   return AnyOperand(expression, [](const Expression& operand) {
     const auto* call = As<FunctionCall>(operand);
-    return call != nullptr && call->window == nullptr && IsAggregate(call->name);
+    return call != nullptr && call->window == nullptr && call->qualifier.empty() && IsAggregate(call->name);
   });
 }
 

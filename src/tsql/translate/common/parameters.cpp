@@ -88,6 +88,11 @@ Typed Parameters::System(const std::string& name, const SqlType& type) {
 }
 
 Typed Parameters::Variable(const std::string& name) {
+  if (arguments_ != nullptr) {
+    const auto argument = arguments_->find(name);
+    if (argument == arguments_->end()) RaiseNoVariable(name);
+    return argument->second;
+  }
   const SqlType type = VariableType(name);
   const auto known = std::find_if(dependencies_.variables.begin(), dependencies_.variables.end(),
                                   [&](const Dependencies::Variable& entry) { return entry.name == name; });

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <set>
 #include <string>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "tsql/functions/runtime.h"
@@ -18,16 +20,27 @@ inline constexpr std::string_view kUpdatedColumn = "updated:";
 /// A parameter stands in the SQL as ?n while it is put together. Finish gives the parameters their order.
 class Parameters {
  public:
-  /// While it lives, a view's or a default's text is translated: its literals are not the statement's.
+  /// What the parameters of a function stand for in its text, by name.
+  using Arguments = std::unordered_map<std::string, Typed>;
+
+  /// While it lives, a view's, a function's or a default's text is translated: its literals are not the statement's.
   class InDefinition {
    public:
-    explicit InDefinition(Parameters& parameters) : parameters_(parameters) { ++parameters_.definition_depth_; }
+    /// @param arguments of a function; outlives this
+    explicit InDefinition(Parameters& parameters, const Arguments* arguments = nullptr)
+        : parameters_(parameters), outer_(std::exchange(parameters.arguments_, arguments)) {
+      ++parameters_.definition_depth_;
+    }
     InDefinition(const InDefinition&) = delete;
     InDefinition& operator=(const InDefinition&) = delete;
-    ~InDefinition() { --parameters_.definition_depth_; }
+    ~InDefinition() {
+      --parameters_.definition_depth_;
+      parameters_.arguments_ = outer_;
+    }
 
    private:
     Parameters& parameters_;
+    const Arguments* outer_;
   };
 
   /// @param lift_literals literals become parameters that are bound from the batch's tokens; otherwise their values
@@ -77,6 +90,7 @@ class Parameters {
   std::vector<BoundParameter> parameters_;
   std::set<std::string> assigned_;
   int definition_depth_ = 0;
+  const Arguments* arguments_ = nullptr;
 };
 
 }  // namespace tessarlorn::tsql

@@ -2,20 +2,33 @@
 
 #include <algorithm>
 
+#include "platform/text/text.h"
+#include "tsql/storage/system_views.h"
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {
 
-CatalogObjectPtr Translation::Lookup(const ObjectName& name) {
+CatalogObjectPtr Translation::Note(const ObjectName& name) {
   RequireLocal(name);
   CatalogObjectPtr object = catalog.Find(name.name);
   const bool known = std::any_of(dependencies.objects.begin(), dependencies.objects.end(),
                                  [&](const Dependencies::Object& entry) { return entry.name == name.name; });
   if (!known) dependencies.objects.push_back({name.name, object});
-  if (object == nullptr || !object->has_rows()) {
-    RaiseNoObject(name);
-  }
   return object;
+}
+
+CatalogObjectPtr Translation::Lookup(const ObjectName& name) {
+  CatalogObjectPtr object = Note(name);
+  if (object != nullptr && object->has_rows()) return object;
+  if (object != nullptr && object->gives_rows()) {
+    throw SqlError(216, "Parameters were not supplied for the function '" + name.name + "'.");
+  }
+  RaiseNoObject(name);
+}
+
+CatalogObjectPtr Translation::FindFunction(const ObjectName& name) {
+  CatalogObjectPtr object = EqualsIgnoreCase(SchemaHere(name.qualifier), "dbo") ? Note({"dbo", name.name}) : nullptr;
+  return object != nullptr && object->kind == CatalogKind::kFunction ? object : nullptr;
 }
 
 std::string RowColumn(std::size_t row) { return "\"$row" + std::to_string(row) + "\""; }

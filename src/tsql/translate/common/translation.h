@@ -1,8 +1,10 @@
 // What the parts of the translator share, and the way in which they call each other.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tsql/functions/runtime.h"
@@ -44,6 +46,18 @@ struct Surroundings {
   const MemoryBudget& memory;
 };
 
+/// Whether NEXT VALUE FOR may stand at the place under translation, and else why not.
+enum class NumberPlace : std::uint8_t {
+  kNowhere,  // 11719
+  kItems,    // in the select list of the query that comes
+  kHere,
+  kClause,    // 11720
+  kSet,       // 11721: DISTINCT and set operators
+  kOrdered,   // 11723
+  kTop,       // 11739
+  kOptional,  // 11741: CASE and its like
+};
+
 /// One statement under translation. Values hold queries, queries hold conditions, and conditions hold values: each part
 /// reaches the others through the three functions here.
 class Translation {
@@ -61,8 +75,12 @@ class Translation {
   virtual std::string Condition(const Expression& expression, Scope& scope) = 0;
   virtual TranslatedQuery QueryText(const Query& query, const Scope* parent, const SelectOptions& options) = 0;
 
-  /// The table or view of that name, noted among the dependencies. Raises 208.
+  /// The object of that name or nullptr, noted among the dependencies. Raises 208 for one of another database.
+  CatalogObjectPtr Note(const ObjectName& name);
+  /// The table or view of that name, noted among the dependencies. Raises 208, and 216 for a function.
   CatalogObjectPtr Lookup(const ObjectName& name);
+  /// The scalar function of that name or nullptr, noted among the dependencies.
+  CatalogObjectPtr FindFunction(const ObjectName& name);
 
   const Catalog& catalog;
   NameTable& names;
@@ -72,11 +90,30 @@ class Translation {
   std::vector<CommonTableColumns> common_tables;  // innermost last
   /// A change goes through a query: queries bring the numbers of their base rows along.
   bool exposes_rows = false;
+  NumberPlace numbers = NumberPlace::kNowhere;
+  /// How many places of the row at hand take a number of a sequence.
+  int number_places = 0;
+  /// What is translated is kept in SQLite's definition of a table.
+  bool for_table = false;
   int next_alias = 0;
   int aggregate_depth = 0;
 
  protected:
   ~Translation() = default;
+};
+
+/// While it lives, NEXT VALUE FOR may stand in such a place.
+class NumbersAt {
+ public:
+  NumbersAt(Translation& translation, NumberPlace place)
+      : translation_(translation), outer_(std::exchange(translation.numbers, place)) {}
+  NumbersAt(const NumbersAt&) = delete;
+  NumbersAt& operator=(const NumbersAt&) = delete;
+  ~NumbersAt() { translation_.numbers = outer_; }
+
+ private:
+  Translation& translation_;
+  NumberPlace outer_;
 };
 
 /// The name of a table as it stands in SQL: temporary tables carry their schema.

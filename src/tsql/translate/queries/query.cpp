@@ -97,6 +97,7 @@ TranslatedQuery TranslateRows(Translation& translation, const ValueRows& values,
 
 std::string TranslateWith(Translation& translation, const std::vector<CommonTable>& tables, const Scope* parent) {
   std::string sql;
+  const NumbersAt numbers(translation, NumberPlace::kNowhere);
   for (const CommonTable& table : tables) {
     SelectOptions options;
     options.named = true;

@@ -54,6 +54,8 @@ class SelectTranslator {
   TranslatedQuery TranslateSet(const std::vector<std::size_t>& set, std::string& order);
 
  private:
+  /// Where NEXT VALUE FOR stands in the select list.
+  [[nodiscard]] NumberPlace NumbersOfItems() const;
   std::string Where();
   std::string GroupBy();
   std::string GroupBy(const std::vector<std::size_t>& set);
@@ -77,6 +79,7 @@ class SelectTranslator {
   Scope scope_;
   std::vector<Typed> values_;
   TranslatedQuery result_;
+  NumberPlace numbers_of_items_ = NumberPlace::kNowhere;
 };
 
 std::string SelectTranslator::Where() {
@@ -120,6 +123,8 @@ std::string SelectTranslator::GroupBy(const std::vector<std::size_t>& set) {
 }
 
 void SelectTranslator::AddItems() {
+  const bool grouped = scope_.check_grouping && numbers_of_items_ == NumberPlace::kHere;
+  const NumbersAt numbers(translation_, grouped ? NumberPlace::kClause : numbers_of_items_);
   for (const SelectItem& item : select_.items) {
     if (const auto* star = As<Star>(*item.expression)) {
       ExpandStar(*star, scope_, values_, result_.columns);
@@ -218,7 +223,19 @@ std::string SelectTranslator::Limit() {
   return TranslateOffset(translation_, query_, scope_);
 }
 
+NumberPlace SelectTranslator::NumbersOfItems() const {
+  const NumberPlace place = translation_.numbers;
+  if (place == NumberPlace::kSet) return place;
+  if (place != NumberPlace::kItems) return NumberPlace::kNowhere;
+  if (select_.distinct) return NumberPlace::kSet;
+  if (!query_.order_by.empty()) return NumberPlace::kOrdered;
+  if (select_.top != nullptr || query_.offset != nullptr) return NumberPlace::kTop;
+  return NumberPlace::kHere;
+}
+
 TranslatedQuery SelectTranslator::Translate() {
+  numbers_of_items_ = NumbersOfItems();
+  const NumbersAt clauses(translation_, NumberPlace::kClause);
   const std::string from = TranslateFrom(translation_, select_.from, scope_);
   const std::string where = Where();
   const int outer_depth = std::exchange(translation_.aggregate_depth, 0);

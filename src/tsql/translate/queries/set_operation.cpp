@@ -65,6 +65,8 @@ TranslatedQuery TranslateSet(Translation& translation, const Query& query, const
   left_options.names = options.names;
   left_options.named = options.named;
   left_options.owner = options.owner;
+  const bool items = translation.numbers == NumberPlace::kItems || translation.numbers == NumberPlace::kSet;
+  const NumbersAt numbers(translation, items ? NumberPlace::kSet : NumberPlace::kNowhere);
   const TranslatedQuery left = translation.QueryText(*set.left, parent, left_options);
   const TranslatedQuery right = translation.QueryText(*set.right, parent, right_options);
   translation.exposes_rows = exposes;

@@ -1,5 +1,6 @@
 #include "tsql/translate/queries/source.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
@@ -8,8 +9,11 @@
 #include "tsql/functions/row_table.h"
 #include "tsql/storage/constraint_text.h"
 #include "tsql/storage/system_views.h"
-#include "tsql/syntax/parser.h"
+#include "tsql/syntax/ast_walk.h"
+#include "tsql/translate/common/function_text.h"
+#include "tsql/translate/common/meaning.h"
 #include "tsql/translate/queries/pivot.h"
+#include "tsql/translate/queries/query.h"
 #include "tsql/translate/queries/table_function.h"
 #include "tsql/values/sql_error.h"
 
@@ -28,6 +32,23 @@ const CommonTableColumns* FindCommonTable(const Translation& translation, const 
 std::string HintSql(const CatalogObject& table, const std::string& index) {
   if (index.empty() || HasKey(table.definition, index)) return {};
   return " INDEXED BY " + QuoteName(table.name + "." + index);
+}
+
+/// Whether no argument names a column, and none holds a query.
+bool TakesNoColumns(const TableFunction& function) {
+  const auto names_column = [](const Expression& operand) {
+    return HasColumn(operand) || As<ExistsCondition>(operand) != nullptr || As<InQuery>(operand) != nullptr ||
+           As<QuantifiedComparison>(operand) != nullptr;
+  };
+  return std::none_of(function.arguments.begin(), function.arguments.end(),
+                      [&](const ExpressionPtr& argument) { return AnyOperand(*argument, names_column); });
+}
+
+/// The rows of a query as `ts_rows` takes them.
+std::string PackedRowsOf(const TranslatedQuery& query) {
+  std::string values;
+  for (const ResultColumn& column : query.columns) values += (values.empty() ? "" : ", ") + QuoteName(column.name);
+  return "(SELECT ts_pack(" + values + ") FROM (" + query.sql + "))";
 }
 
 /// One function a kind of source. `optional`: it is the inner side of an outer join, its columns may be NULL.
@@ -74,6 +95,17 @@ class Sources {
   void AddQuery(const std::string& alias, const std::vector<ResultColumn>& columns,
                 const std::vector<BaseRow>& rows) const;
   [[nodiscard]] TranslatedQuery ViewText(const CatalogObject& view) const;
+  /// The query of a view or of a function with these arguments. @param columns their names, none for its own
+  [[nodiscard]] TranslatedQuery DefinitionText(const std::string& owner, const Query& query,
+                                               const std::vector<std::string>& columns,
+                                               const Parameters::Arguments* arguments) const;
+  /// Raises 208 and 215.
+  [[nodiscard]] CatalogObjectPtr FunctionOf(const TableFunction& function) const;
+  /// One whose body fills a table.
+  [[nodiscard]] std::string Filled(const TableFunction& function, const CatalogObject& object,
+                                   const std::vector<Typed>& values, bool kept) const;
+  /// A function of the database. @param around what its arguments may name @param kept as of Function
+  [[nodiscard]] std::string Own(const TableFunction& function, Scope& around, bool kept) const;
 
   Translation& translation_;
   Scope& scope_;
@@ -99,8 +131,6 @@ std::string Sources::operator()(const NamedTable& named) const {
     return TableSql(*object) + alias + HintSql(*object, named.index);
   }
   const TranslatedQuery query = ViewText(*object);
-  // Views of views of views grow fast.
-  translation_.memory.Require(query.sql.size() * 20);
   scope_.optional_view = scope_.optional_view || optional_;
   AddQuery(shown, query.columns, query.rows);
   return "(" + query.sql + ")" + alias;
@@ -133,25 +163,80 @@ void Sources::AddQuery(const std::string& alias, const std::vector<ResultColumn>
 }
 
 TranslatedQuery Sources::ViewText(const CatalogObject& view) const {
-  constexpr int kMostLevels = 32;
-  if (translation_.parameters.definition_depth() >= kMostLevels) {
-    throw SqlError(217, "Maximum view nesting level exceeded (limit 32).");
-  }
-  Tokens tokens;
-  TokenizeDefinition(view.definition, translation_.names, tokens);
-  const std::vector<StatementPtr> statements = ParseStatements(view.definition, tokens);
-  // A view knows nothing of where it is used: no outer names, no common tables, no lifted literals.
+  const StatementPtr statement = ParsedDefinition(translation_, view);
+  const auto& definition = std::get<CreateViewStatement>(statement->node);
+  return DefinitionText(view.name, *definition.query, definition.columns, nullptr);
+}
+
+TranslatedQuery Sources::DefinitionText(const std::string& owner, const Query& query,
+                                        const std::vector<std::string>& columns,
+                                        const Parameters::Arguments* arguments) const {
+  // A view or function knows nothing of where it is used: no outer names, no common tables, no lifted literals.
   std::vector<CommonTableColumns> outer;
   outer.swap(translation_.common_tables);
-  const Parameters::InDefinition in_definition(translation_.parameters);
+  const Parameters::InDefinition in_definition(translation_.parameters, arguments);
   SelectOptions options;
   options.named = true;
-  options.owner = view.name;
-  const auto& definition = std::get<CreateViewStatement>(statements.at(0)->node);
-  if (!definition.columns.empty()) options.names = &definition.columns;
-  TranslatedQuery query = translation_.QueryText(*definition.query, nullptr, options);
+  options.owner = owner;
+  if (!columns.empty()) options.names = &columns;
+  TranslatedQuery text = translation_.QueryText(query, nullptr, options);
   outer.swap(translation_.common_tables);
-  return query;
+  // Views of views of views grow fast.
+  translation_.memory.Require(text.sql.size() * 20);
+  return text;
+}
+
+CatalogObjectPtr Sources::FunctionOf(const TableFunction& function) const {
+  CatalogObjectPtr object = translation_.Note(function.of_database);
+  if (object == nullptr || object->kind == CatalogKind::kFunction) RaiseNoObject(function.of_database);
+  if (!object->gives_rows()) {
+    throw SqlError(215, "Parameters supplied for object '" + WrittenName(function.of_database) +
+                            "' which is not a function. If the parameters are intended as a table hint, a WITH keyword "
+                            "is required.");
+  }
+  return object;
+}
+
+std::string Sources::Filled(const TableFunction& function, const CatalogObject& object,
+                            const std::vector<Typed>& values, bool kept) const {
+  std::string call = "ts_call(" + QuoteText(object.name);
+  for (const Typed& value : values) call += ", " + value.sql;
+  std::vector<ResultColumn> columns;
+  for (const Column& column : object.columns) {
+    if (column.default_text != kParameterMark) columns.push_back({column.name, column.type, column.nullable});
+  }
+  if (!function.column_aliases.empty()) Rename(columns, function.column_aliases, function.alias);
+  return AddPacked(call + ")", function.alias, columns, kept);
+}
+
+std::string Sources::Own(const TableFunction& function, Scope& around, bool kept) const {
+  const CatalogObjectPtr object = FunctionOf(function);
+  const StatementPtr statement = ParsedDefinition(translation_, *object);
+  const auto& definition = std::get<CreateFunctionStatement>(statement->node);
+  std::vector<Typed> values = FunctionArguments(translation_, WrittenName(function.of_database), definition.parameters,
+                                                function.arguments, around);
+  if (definition.query == nullptr) return Filled(function, *object, values, kept);
+  // Columns would mean others within the function's text: they come to it as those of a row with a name of its own.
+  const bool plain = TakesNoColumns(function);
+  const std::string row = QuoteName("$arguments" + std::to_string(translation_.next_alias++));
+  std::string given;
+  Parameters::Arguments arguments;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (!plain) {
+      const std::string name = "p" + std::to_string(i);
+      given.append(i == 0 ? "" : ", ").append(values[i].sql).append(" AS ").append(name);
+      values[i].sql = std::string(row).append(".").append(name);
+    }
+    arguments.emplace(definition.parameters[i].name, std::move(values[i]));
+  }
+  const TranslatedQuery query = DefinitionText(object->name, *definition.query, function.column_aliases, &arguments);
+  if (plain) {
+    scope_.optional_view = scope_.optional_view || optional_;
+    AddQuery(function.alias, query.columns, {});
+    return "(" + query.sql + ") AS " + QuoteName(function.alias);
+  }
+  return AddPacked("(SELECT " + PackedRowsOf(query) + " FROM (SELECT " + given + ") AS " + row + ")", function.alias,
+                   query.columns, kept);
 }
 
 TranslatedQuery Sources::QueryOf(const DerivedTable& derived, const Scope* around) const {
@@ -189,20 +274,24 @@ std::string Sources::Function(const TableFunction& function, bool kept) const {
   return AddPacked(table.packed, function.alias, table.columns, kept);
 }
 
-std::string Sources::operator()(const TableFunction& function) const { return Function(function, false); }
+std::string Sources::operator()(const TableFunction& function) const {
+  if (function.of_database.name.empty()) return Function(function, false);
+  Scope around;
+  around.parent = scope_.parent;
+  return Own(function, around, false);
+}
 
 std::string Sources::Apply(const Join& join) const {
   const bool kept = join.kind == JoinKind::kOuterApply;
   const std::string left = std::visit(Sources(translation_, scope_, optional_), join.left->node);
-  if (const auto* function = std::get_if<TableFunction>(&join.right->node)) {
-    return left + " CROSS JOIN " + Function(*function, kept);
+  const auto* function = std::get_if<TableFunction>(&join.right->node);
+  const bool own = function != nullptr && !function->of_database.name.empty();
+  if (function != nullptr && !(own && TakesNoColumns(*function))) {
+    return left + " CROSS JOIN " + (own ? Own(*function, scope_, kept) : Function(*function, kept));
   }
   if (const auto* derived = std::get_if<DerivedTable>(&join.right->node)) {
     const TranslatedQuery query = QueryOf(*derived, &scope_);
-    std::string values;
-    for (const ResultColumn& column : query.columns) values += (values.empty() ? "" : ", ") + QuoteName(column.name);
-    const std::string packed = "(SELECT ts_pack(" + values + ") FROM (" + query.sql + "))";
-    return left + " CROSS JOIN " + AddPacked(packed, derived->alias, query.columns, kept);
+    return left + " CROSS JOIN " + AddPacked(PackedRowsOf(query), derived->alias, query.columns, kept);
   }
   // A table sees nothing beside it anyway.
   const std::string right = std::visit(Sources(translation_, scope_, optional_ || kept), join.right->node);

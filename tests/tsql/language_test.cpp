@@ -363,7 +363,7 @@ TEST(Language, StatementsOfManyShapes) {
        "constraint df default 0 check (c>=0), d int references o, constraint u unique (c, b)) insert t default values select * from t",
        "a|b|c|d;5|x'|0|NULL"},
       {"insert t (c) values (-1)",
-       "error 547: The INSERT statement conflicted with the CHECK constraint \"(\"c\" >= 0)\"."},
+       "error 547: The INSERT statement conflicted with the CHECK constraint \"CK_t_c\"."},
       {"insert t (b, d) values ('y', 9)",
        "error 547: The INSERT statement conflicted with the FOREIGN KEY constraint."},
       {"begin tran save tran s insert t (b) values ('1') rollback tran s insert t (b) values ('2') commit select max(a) as a from t",

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/text/text.h"
+#include "tsql/engine/table_maker.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -12,8 +13,6 @@ namespace {
 std::string IndexSql(const CatalogObject& table, const std::string& index) {
   return (table.temporary ? "temp." : "main.") + QuoteName(table.table_name() + "." + index);
 }
-
-std::string_view SchemaOf(const CatalogObject& table) { return table.temporary ? "temp" : "main"; }
 
 }  // namespace
 

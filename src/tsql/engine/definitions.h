@@ -10,14 +10,6 @@
 
 namespace tessarlorn::tsql {
 
-/// A new table, and what stands behind its columns.
-struct NewTable {
-  CatalogObject table;
-  std::vector<std::string> primary_key;
-  std::vector<std::vector<std::string>> unique;
-  std::vector<std::string> constraints;  // as SQLite reads them
-};
-
 class Definitions {
  public:
   Definitions(SessionDatabase& database, PlanStore& plans, Evaluator& evaluator)
@@ -26,7 +18,7 @@ class Definitions {
   // tables.cpp
   void CreateTable(const CreateTableStatement& statement, std::uint32_t line, const Activation& activation);
   /// Makes a table. Raises 2714 when there is one of its name.
-  void CreateTable(NewTable made);
+  void CreateTable(CatalogObject table, const Activation& activation);
   void AlterTable(const AlterTableStatement& statement, std::uint32_t line, const Activation& activation);
 
   // definitions.cpp
@@ -48,7 +40,6 @@ class Definitions {
   Column AddColumn(const CatalogObject& table, const ColumnDefinition& definition, std::uint32_t line,
                    const Activation& activation);
   void DropColumns(CatalogObject table, const std::vector<std::string>& columns);
-  std::string CheckText(const CatalogObject& table, const std::string& text, const Activation& activation);
   bool IndexExists(const CatalogObject& table, const std::string& index);
   /// A table, view or procedure.
   void DropObject(const CatalogObject& object);

@@ -4,6 +4,8 @@
 #include <optional>
 #include <utility>
 
+#include "tsql/storage/constraint_text.h"
+
 namespace tessarlorn::tsql {
 namespace {
 
@@ -68,16 +70,19 @@ void RowStatements::Describe(const Statement& statement, const Activation& activ
 void RowStatements::SelectInto(const Query& query, const Activation& activation) {
   const Transaction::Snapshot snapshot(transaction_, database_.catalog());
   const ObjectName& into = query.select()->into;
-  NewTable made;
-  made.table.name = into.name;
-  made.table.temporary = into.temporary();
+  CatalogObject made;
+  made.name = into.name;
+  made.temporary = into.temporary();
+  Constraints constraints;
   for (const ResultColumn& column : plans_.MakeTranslator(activation).DescribeQuery(query, true)) {
     SqlType type = column.type.untyped_null ? IntType() : column.type;
     if (type.is_integer()) type.precision = 0;
-    made.table.columns.push_back({column.name, type, column.nullable, column.identity, ""});
+    made.columns.push_back({column.name, type, column.nullable, column.identity, ""});
+    if (column.identity) constraints.push_back({"I", "I_" + made.name + "_" + column.name, {column.name}});
   }
+  made.definition = WriteConstraints(constraints);
   database_.Atomically([&] {
-    definitions_.CreateTable(std::move(made));
+    definitions_.CreateTable(std::move(made), activation);
     const CatalogObjectPtr table = database_.catalog().Get(into.name);
     Compiled compiled = plans_.MakeTranslator(activation).CompileInsertInto(*table, query);
     Run(compiled, activation);

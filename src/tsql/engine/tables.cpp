@@ -1,43 +1,19 @@
 // CREATE TABLE and ALTER TABLE.
-#include <algorithm>
 #include <utility>
 
 #include "platform/text/text.h"
 #include "tsql/engine/definitions.h"
-#include "tsql/storage/constraint_text.h"
-#include "tsql/syntax/parser.h"
+#include "tsql/engine/table_maker.h"
 
 namespace tessarlorn::tsql {
 namespace {
-
-std::string NameList(const std::vector<std::string>& names) {
-  std::string sql;
-  for (const std::string& name : names) sql += (sql.empty() ? "" : ", ") + QuoteName(name);
-  return sql;
-}
-
-bool Contains(const std::vector<std::string>& names, const std::string& wanted) {
-  return std::any_of(names.begin(), names.end(),
-                     [&](const std::string& name) { return EqualsIgnoreCase(name, wanted); });
-}
 
 [[noreturn]] void RaiseColumnTwice(const CatalogObject& table, const std::string& column) {
   throw SqlError(2705, "Column names in each table must be unique. Column name '" + column + "' in table '" +
                            table.name + "' is specified more than once.");
 }
 
-/// The column that is the row's own number in SQLite, or -1: the identity, or else a primary key of one whole number.
-int RowKey(const CatalogObject& table, const std::vector<std::string>& primary_key) {
-  const int identity = table.identity_column();
-  if (identity >= 0 || primary_key.size() != 1) return identity;
-  const int key = table.FindColumn(primary_key[0]);
-  const FieldType kind = table.columns[static_cast<std::size_t>(key)].type.kind;
-  const bool whole = kind == FieldType::kInt || kind == FieldType::kBigInt || kind == FieldType::kSmallInt;
-  return whole ? key : -1;
-}
-
-void AddColumnDefinition(NewTable& made, const ColumnDefinition& definition, std::uint32_t line) {
-  CatalogObject& table = made.table;
+void AddColumnDefinition(CatalogObject& table, const ColumnDefinition& definition, std::uint32_t line) {
   if (definition.computed != nullptr) RaiseUnsupported("The computed column '" + definition.name + "'", line);
   if (table.FindColumn(definition.name) >= 0) RaiseColumnTwice(table, definition.name);
   Column column{definition.name, ResolveType(definition.type, false),
@@ -47,41 +23,6 @@ void AddColumnDefinition(NewTable& made, const ColumnDefinition& definition, std
     RaiseUnsupported("An identity that does not count by ones from a number above 0", line);
   }
   table.columns.push_back(std::move(column));
-  if (definition.primary_key) made.primary_key.push_back(definition.name);
-  if (definition.unique) made.unique.push_back({definition.name});
-}
-
-/// Keys of the table; its checks are added when all of its columns stand.
-void AddKey(NewTable& made, const TableConstraint& constraint) {
-  std::visit(Overloaded{
-                 [&](const PrimaryKeyRule& key) {
-                   RequireColumns(made.table, key.columns);
-                   if (!made.primary_key.empty()) {
-                     throw SqlError(8110,
-                                    "Cannot add multiple PRIMARY KEY constraints to table '" + made.table.name + "'.");
-                   }
-                   made.primary_key = key.columns;
-                 },
-                 [&](const UniqueRule& key) {
-                   RequireColumns(made.table, key.columns);
-                   made.unique.push_back(key.columns);
-                 },
-                 [&](const ForeignKeyRule& key) {
-                   made.constraints.push_back(
-                       "FOREIGN KEY (" + NameList(key.columns) + ") REFERENCES " + QuoteName(key.references.name) +
-                       (key.referenced_columns.empty() ? "" : " (" + NameList(key.referenced_columns) + ")"));
-                 },
-                 [](const CheckRule&) {},
-                 [](const DefaultRule&) {},
-             },
-             constraint.rule);
-}
-
-/// The text of a table's CHECK. DEFAULT … FOR, which only ALTER TABLE takes, fails as the condition that it is not.
-const std::string* CheckOf(const TableConstraint& constraint) {
-  if (const auto* check = std::get_if<CheckRule>(&constraint.rule)) return &check->text;
-  const auto* rule = std::get_if<DefaultRule>(&constraint.rule);
-  return rule == nullptr || rule->value == nullptr ? nullptr : &rule->text;
 }
 
 std::string ConstantText(const Datum& value) {
@@ -93,77 +34,23 @@ std::string ConstantText(const Datum& value) {
 
 }  // namespace
 
-void Definitions::CreateTable(NewTable made) {
-  CatalogObject& table = made.table;
-  if (database_.catalog().Find(table.name) != nullptr) {
-    throw SqlError(2714, "There is already an object named '" + table.name + "' in the database.");
-  }
-  const bool counts = table.identity_column() >= 0;
-  const int row_key = RowKey(table, made.primary_key);
-  std::string sql = "CREATE TABLE " + TableSql(table) + " (";
-  for (std::size_t i = 0; i < table.columns.size(); ++i) {
-    Column& column = table.columns[i];
-    if (Contains(made.primary_key, column.name)) column.nullable = false;
-    sql += (i == 0 ? "" : ", ") + QuoteName(column.name) + " ";
-    if (static_cast<int>(i) == row_key) {
-      sql += counts ? "INTEGER PRIMARY KEY AUTOINCREMENT" : "INTEGER PRIMARY KEY NOT NULL";
-      column.row_key = !counts;
-      continue;
-    }
-    sql += std::string(SqliteColumnType(column.type)) + (column.nullable ? "" : " NOT NULL");
-  }
-  const bool key_stands = row_key >= 0 && made.primary_key.size() == 1 &&
-                          EqualsIgnoreCase(made.primary_key[0], table.columns[static_cast<std::size_t>(row_key)].name);
-  if (!made.primary_key.empty() && !key_stands) {
-    sql += (row_key >= 0 ? ", UNIQUE (" : ", PRIMARY KEY (") + NameList(made.primary_key) + ")";
-  }
-  for (const std::string& constraint : made.constraints) sql += ", " + constraint;
-  database_.Run(sql + ")");
-  database_.catalog().Add(std::move(table));
-}
-
-std::string Definitions::CheckText(const CatalogObject& table, const std::string& text, const Activation& activation) {
-  // Read anew by itself: in the batch a list of literals is one token, whose items are not the definition's.
-  const ExpressionPtr condition = ParseExpressionText(text, database_.names());
-  return "CHECK (" + plans_.MakeTranslator(activation).TranslateCheck(table, *condition) + ")";
+void Definitions::CreateTable(CatalogObject table, const Activation& activation) {
+  TableMaker(database_, plans_, activation).Make(std::move(table));
 }
 
 void Definitions::CreateTable(const CreateTableStatement& statement, std::uint32_t line, const Activation& activation) {
   RequireLocal(statement.table);
-  NewTable made;
-  made.table.name = statement.table.name;
-  made.table.temporary = statement.table.temporary();
+  CatalogObject table;
+  table.name = statement.table.name;
+  table.temporary = statement.table.temporary();
   if (statement.table.variable()) {
-    made.table.stored_name = made.table.name + "$" + std::to_string(database_.catalog().scope_depth());
+    table.stored_name = table.name + "$" + std::to_string(database_.catalog().scope_depth());
   }
-  const TableElements& elements = statement.elements;
-  for (const ColumnDefinition& definition : elements.columns) AddColumnDefinition(made, definition, line);
-  for (const TableConstraint& constraint : elements.constraints) AddKey(made, constraint);
-  for (const ColumnDefinition& definition : elements.columns) {
-    if (definition.check != nullptr) {
-      made.constraints.push_back(CheckText(made.table, definition.check_text, activation));
-    }
-  }
-  for (const TableConstraint& constraint : elements.constraints) {
-    const std::string* check = CheckOf(constraint);
-    if (check != nullptr) made.constraints.push_back(CheckText(made.table, *check, activation));
-  }
-  for (const std::vector<std::string>& key : made.unique) made.constraints.push_back("UNIQUE (" + NameList(key) + ")");
-  AddConstraints(made.table.definition, made.table.name, elements);
-  database_.Atomically([&] {
-    CreateTable(made);
-    const CatalogObjectPtr table = database_.catalog().Get(made.table.name);
-    for (std::size_t i = 0; i < made.unique.size(); ++i) {
-      const std::string sql =
-          NullKeySql(*table, std::string(kUniqueKeyPrefix) + std::to_string(i + 1), made.unique[i], "");
-      if (!sql.empty()) database_.Run(sql);
-    }
-    for (const ColumnDefinition& definition : elements.columns) {
-      if (!definition.identity || definition.identity_seed == 1) continue;
-      database_.Run(std::string("INSERT INTO ") + (table->temporary ? "temp" : "main") + ".sqlite_sequence VALUES (" +
-                    QuoteText(table->table_name()) + ", " + std::to_string(definition.identity_seed - 1) + ")");
-    }
-  });
+  for (const ColumnDefinition& definition : statement.elements.columns) AddColumnDefinition(table, definition, line);
+  Constraints constraints;
+  AddConstraints(constraints, table.name, statement.elements);
+  table.definition = WriteConstraints(constraints);
+  CreateTable(std::move(table), activation);
 }
 
 void Definitions::AlterTable(const AlterTableStatement& statement, std::uint32_t line, const Activation& activation) {
@@ -190,7 +77,9 @@ void Definitions::AddColumns(CatalogObject table, const TableElements& elements,
     for (const ColumnDefinition& definition : elements.columns) {
       table.columns.push_back(AddColumn(table, definition, line, activation));
     }
-    AddConstraints(table.definition, table.name, elements);
+    Constraints constraints = ReadConstraints(table.definition);
+    AddConstraints(constraints, table.name, elements);
+    table.definition = WriteConstraints(constraints);
     database_.catalog().Replace(table);
   });
 }

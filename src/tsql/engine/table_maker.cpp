@@ -1,0 +1,120 @@
+#include "tsql/engine/table_maker.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/text/text.h"
+#include "tsql/engine/definitions.h"
+#include "tsql/syntax/parser.h"
+
+namespace tessarlorn::tsql {
+namespace {
+
+/// The column that is the row's own number in SQLite, or -1: the identity, or else a primary key of one whole number.
+int RowKey(const CatalogObject& table, const Constraint* primary) {
+  const int identity = table.identity_column();
+  if (identity >= 0 || primary == nullptr || primary->columns.size() != 1) return identity;
+  const int key = table.FindColumn(primary->columns[0]);
+  const FieldType kind = table.columns[static_cast<std::size_t>(key)].type.kind;
+  const bool whole = kind == FieldType::kInt || kind == FieldType::kBigInt || kind == FieldType::kSmallInt;
+  return whole ? key : -1;
+}
+
+/// Raises 8110, and 1911 for a key of a column that the table has not.
+void RequireKeys(const CatalogObject& table, const Constraints& constraints) {
+  const Constraint* primary = FindKind(constraints, "PK");
+  for (const Constraint& constraint : constraints) {
+    if (!constraint.is_key()) continue;
+    RequireColumns(table, constraint.columns);
+    if (constraint.kind == "PK" && &constraint != primary) {
+      throw SqlError(8110, "Cannot add multiple PRIMARY KEY constraints to table '" + table.name + "'.");
+    }
+  }
+}
+
+}  // namespace
+
+std::string NameList(const std::vector<std::string>& names) {
+  std::string sql;
+  for (const std::string& name : names) sql += (sql.empty() ? "" : ", ") + QuoteName(name);
+  return sql;
+}
+
+std::string_view SchemaOf(const CatalogObject& table) { return table.temporary ? "temp" : "main"; }
+
+std::string TableMaker::CheckSql(const CatalogObject& table, const Constraint& check) {
+  // Read anew by itself: in the batch a list of literals is one token, whose items are not the definition's.
+  const ExpressionPtr condition = ParseExpressionText(check.text, database_.names());
+  return plans_.MakeTranslator(activation_).TranslateCheck(table, *condition);
+}
+
+std::string TableMaker::ConstraintSql(const CatalogObject& table, const Constraint& constraint) {
+  if (constraint.kind == "C") {
+    return ", CONSTRAINT " + QuoteName(constraint.name) + " CHECK (" + CheckSql(table, constraint) + ")";
+  }
+  if (constraint.kind == "UQ") return ", UNIQUE (" + NameList(constraint.columns) + ")";
+  if (constraint.kind != "F") return {};
+  return ", FOREIGN KEY (" + NameList(constraint.columns) + ") REFERENCES " + QuoteName(constraint.to) +
+         (constraint.referenced.empty() ? "" : " (" + NameList(constraint.referenced) + ")");
+}
+
+std::string TableMaker::Definition(CatalogObject& table, const std::string& name) {
+  const Constraints constraints = ReadConstraints(table.definition);
+  RequireKeys(table, constraints);
+  const Constraint* primary = FindKind(constraints, "PK");
+  const bool counts = table.identity_column() >= 0;
+  const int row_key = RowKey(table, primary);
+  std::string sql = "CREATE TABLE " + std::string(SchemaOf(table)) + "." + QuoteName(name) + " (";
+  for (std::size_t i = 0; i < table.columns.size(); ++i) {
+    Column& column = table.columns[i];
+    if (primary != nullptr && primary->HasColumn(column.name)) column.nullable = false;
+    column.row_key = static_cast<int>(i) == row_key && !counts;
+    sql += (i == 0 ? "" : ", ") + QuoteName(column.name) + " ";
+    if (static_cast<int>(i) == row_key) {
+      sql += counts ? "INTEGER PRIMARY KEY AUTOINCREMENT" : "INTEGER PRIMARY KEY NOT NULL";
+    } else {
+      sql += std::string(SqliteColumnType(column.type)) + (column.nullable ? "" : " NOT NULL");
+    }
+  }
+  const bool key_stands = primary != nullptr && row_key >= 0 && primary->columns.size() == 1 &&
+                          primary->HasColumn(table.columns[static_cast<std::size_t>(row_key)].name);
+  if (primary != nullptr && !key_stands) {
+    sql += (row_key >= 0 ? ", UNIQUE (" : ", PRIMARY KEY (") + NameList(primary->columns) + ")";
+  }
+  for (const Constraint& constraint : constraints) sql += ConstraintSql(table, constraint);
+  return sql + ")";
+}
+
+void TableMaker::MakeKeyIndexes(const CatalogObject& table) {
+  int number = 0;
+  for (const Constraint& constraint : ReadConstraints(table.definition)) {
+    if (constraint.kind != "UQ") continue;
+    const std::string index = std::string(kUniqueKeyPrefix) + std::to_string(++number);
+    const std::string sql = NullKeySql(table, index, constraint.columns, "");
+    if (!sql.empty()) database_.Run(sql);
+  }
+}
+
+void TableMaker::SetLastIdentity(const CatalogObject& table, std::int64_t last) {
+  const std::string sequence = std::string(SchemaOf(table)) + ".sqlite_sequence";
+  const std::string name = QuoteText(table.table_name());
+  database_.Run("DELETE FROM " + sequence + " WHERE name = " + name + "; INSERT INTO " + sequence + " VALUES (" + name +
+                ", " + std::to_string(last) + ")");
+}
+
+void TableMaker::Make(CatalogObject table) {
+  Catalog& catalog = database_.catalog();
+  if (catalog.Find(table.name) != nullptr) {
+    throw SqlError(2714, "There is already an object named '" + table.name + "' in the database.");
+  }
+  database_.Atomically([&] {
+    database_.Run(Definition(table, table.table_name()));
+    catalog.Add(table);
+    MakeKeyIndexes(table);
+    const Constraints constraints = ReadConstraints(table.definition);
+    const Constraint* identity = FindKind(constraints, "I");
+    if (identity != nullptr && identity->seed != 1) SetLastIdentity(table, identity->seed - 1);
+  });
+}
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,42 @@
+// Makes SQLite's tables as the catalog defines them.
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tsql/engine/plan_store.h"
+#include "tsql/storage/constraint_text.h"
+
+namespace tessarlorn::tsql {
+
+class TableMaker {
+ public:
+  TableMaker(SessionDatabase& database, PlanStore& plans, const Activation& activation)
+      : database_(database), plans_(plans), activation_(activation) {}
+
+  /// Makes a table with the constraints of its definition, and puts it into the catalog. Raises 2714, 8110 and 1911.
+  void Make(CatalogObject table);
+
+ private:
+  /// The CREATE TABLE of SQLite's, which also settles what the table's columns are to SQLite.
+  /// @param name what SQLite is to call the table
+  std::string Definition(CatalogObject& table, const std::string& name);
+  std::string ConstraintSql(const CatalogObject& table, const Constraint& constraint);
+  /// The text of a CHECK in SQLite's words.
+  std::string CheckSql(const CatalogObject& table, const Constraint& check);
+  /// The indexes beside the UNIQUE constraints.
+  void MakeKeyIndexes(const CatalogObject& table);
+  void SetLastIdentity(const CatalogObject& table, std::int64_t last);
+
+  SessionDatabase& database_;
+  PlanStore& plans_;
+  const Activation& activation_;
+};
+
+/// Names of columns as SQLite reads them, with commas between.
+std::string NameList(const std::vector<std::string>& names);
+std::string_view SchemaOf(const CatalogObject& table);
+
+}  // namespace tessarlorn::tsql

@@ -402,7 +402,6 @@ TEST(Language, FaultsOfSyntax) {
            std::pair{"select 1 as a for xml explicit", "FOR XML EXPLICIT"},
            {"select * from f(1) x", "The table-valued function f"},
            {"select 1 from t group by all a", "GROUP BY ALL"},
-           {"create table t (a int) alter table t alter column a bigint", "ALTER COLUMN"},
            {"declare c cursor for select 1 for update", "A cursor FOR UPDATE"},
            {"create trigger x on t", "CREATE TRIGGER"},
            {"create table t (a int references u(a) on delete cascade)", "ON DELETE CASCADE"},

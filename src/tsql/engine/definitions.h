@@ -36,10 +36,6 @@ class Definitions {
   void RequireUnreferenced(const CatalogObject& table, std::int32_t number, const std::string& message);
 
  private:
-  void AddColumns(CatalogObject table, const TableElements& elements, std::uint32_t line, const Activation& activation);
-  Column AddColumn(const CatalogObject& table, const ColumnDefinition& definition, std::uint32_t line,
-                   const Activation& activation);
-  void DropColumns(CatalogObject table, const std::vector<std::string>& columns);
   bool IndexExists(const CatalogObject& table, const std::string& index);
   /// A table, view or procedure.
   void DropObject(const CatalogObject& object);

@@ -1,9 +1,7 @@
 // sp_rename: tables, views, procedures, columns and indexes.
-#include <algorithm>
-
 #include "platform/text/text.h"
 #include "tsql/engine/definitions.h"
-#include "tsql/syntax/token.h"
+#include "tsql/engine/table_dependents.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -74,11 +72,7 @@ void Definitions::RenameColumn(const CatalogObject& table, const std::string& co
                                             QuoteText(table.definition.empty() ? "[]" : table.definition) +
                                             ") WHERE value ->> '$.kind' IN ('C', 'IX') AND value ->> '$.text' <> ''");
   while (texts.Step("SELECT")) {
-    const std::string text = texts.Text(0);
-    Tokens tokens;
-    TokenizeDefinition(text, database_.names(), tokens);
-    const auto names_column = [&](const Token& token) { return EqualsIgnoreCase(token.text, column); };
-    if (std::any_of(tokens.tokens.begin(), tokens.tokens.end(), names_column)) {
+    if (NamesColumn(database_, texts.Text(0), column)) {
       throw RenameError(15336, "Object '" + table.name + "." + column +
                                    "' cannot be renamed because the object participates in enforced dependencies.");
     }

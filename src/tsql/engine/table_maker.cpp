@@ -32,6 +32,22 @@ void RequireKeys(const CatalogObject& table, const Constraints& constraints) {
   }
 }
 
+/// What the new table is called until the old one is gone.
+constexpr const char* kNewTable = "$new";
+
+/// While it lives, SQLite drops tables that others refer to. Its PRAGMA is without effect in a transaction.
+class WithoutForeignKeys {
+ public:
+  explicit WithoutForeignKeys(sqlite3* database) : database_(database) { Set(0); }
+  WithoutForeignKeys(const WithoutForeignKeys&) = delete;
+  WithoutForeignKeys& operator=(const WithoutForeignKeys&) = delete;
+  ~WithoutForeignKeys() { Set(1); }
+
+ private:
+  void Set(int on) { sqlite3_db_config(database_, SQLITE_DBCONFIG_ENABLE_FKEY, on, nullptr); }
+  sqlite3* database_;
+};
+
 }  // namespace
 
 std::string NameList(const std::vector<std::string>& names) {
@@ -114,6 +130,87 @@ void TableMaker::Make(CatalogObject table) {
     const Constraints constraints = ReadConstraints(table.definition);
     const Constraint* identity = FindKind(constraints, "I");
     if (identity != nullptr && identity->seed != 1) SetLastIdentity(table, identity->seed - 1);
+  });
+}
+
+std::string TableMaker::FirstText(const std::string& sql) {
+  SqliteStatement statement = database_.Prepare(sql);
+  return statement.Step("SELECT") ? statement.Text(0) : std::string();
+}
+
+void TableMaker::RequireNoted(const CatalogObject& table) {
+  const Constraints constraints = ReadConstraints(table.definition);
+  const std::string of_table =
+      "(" + QuoteText(table.table_name()) + ", " + QuoteText(std::string(SchemaOf(table))) + ")";
+  const auto lacks = [&](std::string_view kind, const std::string& found) {
+    return FindKind(constraints, kind) == nullptr && !FirstText("SELECT 1 FROM " + found + " LIMIT 1").empty();
+  };
+  const bool has_row_key =
+      std::any_of(table.columns.begin(), table.columns.end(), [](const Column& column) { return column.row_key; });
+  const bool unnoted = (has_row_key && FindKind(constraints, "PK") == nullptr) ||
+                       (table.identity_column() >= 0 && FindKind(constraints, "I") == nullptr) ||
+                       (FindKind(constraints, "PK") == nullptr &&
+                        lacks("UQ", "pragma_index_list" + of_table + " WHERE origin <> 'c'")) ||
+                       lacks("F", "pragma_foreign_key_list" + of_table) ||
+                       lacks("C", std::string(SchemaOf(table)) + ".sqlite_schema WHERE type = 'table' AND name = " +
+                                      QuoteText(table.table_name()) + " AND instr(sql, 'CHECK (') > 0");
+  if (unnoted)
+    RaiseUnsupported("Changing the table '" + table.name + "', whose constraints an earlier version did not note,");
+}
+
+void TableMaker::CopyRows(const CatalogObject& table, const CatalogObject& changed,
+                          const std::map<std::string, std::string>& values) {
+  std::string columns;
+  std::string list;
+  bool numbered = false;
+  for (const Column& column : changed.columns) {
+    numbered = numbered || column.identity || column.row_key;
+    const auto given = values.find(column.name);
+    const int old = table.FindColumn(column.name);
+    if (given == values.end() && old < 0) continue;
+    columns += ", " + QuoteName(column.name);
+    list +=
+        ", " + (given != values.end() ? given->second : QuoteName(table.columns[static_cast<std::size_t>(old)].name));
+  }
+  // A column that is the row's number brings it along.
+  if (!numbered) {
+    columns += ", _rowid_";
+    list += ", _rowid_";
+  }
+  database_.Run("INSERT INTO " + std::string(SchemaOf(table)) + "." + QuoteName(kNewTable) + " (" + columns.substr(2) +
+                ") SELECT " + list.substr(2) + " FROM " + TableSql(table) + " ORDER BY _rowid_");
+}
+
+void TableMaker::Rebuild(const CatalogObject& table, CatalogObject changed,
+                         const std::map<std::string, std::string>& values) {
+  const WithoutForeignKeys without(database_.handle());
+  database_.Atomically([&] {
+    const std::string schema(SchemaOf(table));
+    const std::string name = QuoteText(table.table_name());
+    std::vector<std::string> indexes;
+    {
+      SqliteStatement found = database_.Prepare("SELECT sql FROM " + schema +
+                                                ".sqlite_schema WHERE type = 'index' AND"
+                                                " tbl_name = " +
+                                                name +
+                                                " AND sql IS NOT NULL AND substr(name, length(tbl_name)"
+                                                " + 2) NOT LIKE '$unique%'");
+      while (found.Step("SELECT")) indexes.push_back(found.Text(0));
+    }
+    const bool counted = table.identity_column() >= 0;
+    const std::string sequence = schema + ".sqlite_sequence WHERE name = " + name;
+    const std::string last = counted ? FirstText("SELECT seq FROM " + sequence) : "";
+    database_.Run(Definition(changed, kNewTable));
+    CopyRows(table, changed, values);
+    database_.Run("DROP TABLE " + TableSql(table));
+    database_.Run("ALTER TABLE " + schema + "." + QuoteName(kNewTable) + " RENAME TO " + QuoteName(table.table_name()));
+    for (std::string sql : indexes) database_.Run(sql.insert(sql.find("INDEX ") + 6, schema + "."));
+    MakeKeyIndexes(changed);
+    if (counted && changed.identity_column() >= 0) {
+      database_.Run("DELETE FROM " + sequence);
+      if (!last.empty()) SetLastIdentity(changed, std::stoll(last));
+    }
+    database_.catalog().Replace(std::move(changed));
   });
 }
 

@@ -1,6 +1,7 @@
 // Makes SQLite's tables as the catalog defines them.
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
@@ -19,16 +20,27 @@ class TableMaker {
   /// Makes a table with the constraints of its definition, and puts it into the catalog. Raises 2714, 8110 and 1911.
   void Make(CatalogObject table);
 
+  /// Puts a table of another definition in the place of one, with its rows, indexes and last identity value.
+  /// @param values what the columns get, in SQLite's words over the old table; those that are not there keep theirs
+  void Rebuild(const CatalogObject& table, CatalogObject changed, const std::map<std::string, std::string>& values);
+
+  /// The text of a CHECK in SQLite's words.
+  std::string CheckSql(const CatalogObject& table, const Constraint& check);
+  /// Raises where SQLite's table has constraints that the catalog does not tell of: an earlier version made it.
+  void RequireNoted(const CatalogObject& table);
+
  private:
   /// The CREATE TABLE of SQLite's, which also settles what the table's columns are to SQLite.
   /// @param name what SQLite is to call the table
   std::string Definition(CatalogObject& table, const std::string& name);
   std::string ConstraintSql(const CatalogObject& table, const Constraint& constraint);
-  /// The text of a CHECK in SQLite's words.
-  std::string CheckSql(const CatalogObject& table, const Constraint& check);
   /// The indexes beside the UNIQUE constraints.
   void MakeKeyIndexes(const CatalogObject& table);
   void SetLastIdentity(const CatalogObject& table, std::int64_t last);
+  void CopyRows(const CatalogObject& table, const CatalogObject& changed,
+                const std::map<std::string, std::string>& values);
+  /// One value of the first row, "" for NULL and for no row.
+  std::string FirstText(const std::string& sql);
 
   SessionDatabase& database_;
   PlanStore& plans_;

@@ -23,6 +23,12 @@ CREATE TABLE IF NOT EXISTS "$columns" (
 ) WITHOUT ROWID;
 )";
 
+std::int64_t TemporaryVersion(sqlite3* database) {
+  SqliteStatement version(database, "PRAGMA temp.schema_version");
+  version.Step();
+  return version.Integer(0);
+}
+
 }  // namespace
 
 std::string QuoteName(std::string_view name) { return Quoted(name, '"', '"'); }
@@ -127,12 +133,37 @@ void Catalog::Refresh() {
 }
 
 void Catalog::RefreshTemporaries() {
-  if (!stale_) return;
-  std::erase_if(temporaries_, [this](const auto& entry) {
-    SqliteStatement table(database_, "SELECT 1 FROM sqlite_temp_schema WHERE type='table' AND lower(name)=?1");
-    table.BindText(1, entry.first);
-    return !table.Step();
-  });
+  if (!stale_) {
+    if (!pasts_.empty() && sqlite3_get_autocommit(database_) != 0) pasts_.clear();
+    return;
+  }
+  const std::int64_t version = TemporaryVersion(database_);
+  for (auto& [key, past] : pasts_) {
+    while (past.size() > 1 && past.back().version > version) past.pop_back();
+    if (past.back().object == nullptr) {
+      temporaries_.erase(key);
+    } else {
+      temporaries_[key] = past.back().object;
+    }
+  }
+}
+
+void Catalog::ChangeTemporary(const std::string& key, CatalogObjectPtr object) {
+  Objects& objects = ObjectsLike(*this, key);
+  const auto old = objects.find(key);
+  if (key[0] == '#') {
+    std::vector<Past>& past = pasts_[key];
+    if (past.empty()) past.push_back({0, old == objects.end() ? nullptr : old->second});
+    // A change of the definition alone makes no other version by itself.
+    const std::int64_t version = TemporaryVersion(database_) + 1;
+    RunSql(database_, "PRAGMA temp.schema_version = " + std::to_string(version));
+    past.push_back({version, object});
+  }
+  if (object == nullptr) {
+    objects.erase(key);
+  } else {
+    objects[key] = std::move(object);
+  }
 }
 
 void Catalog::RefreshTo(std::int64_t version) {
@@ -209,7 +240,7 @@ void Catalog::Replace(CatalogObject object) {
   const std::string key = LowerCase(object.name);
   if (object.temporary) {
     object.id = next_temporary_id_--;
-    ObjectsLike(*this, key)[key] = std::make_shared<const CatalogObject>(std::move(object));
+    ChangeTemporary(key, std::make_shared<const CatalogObject>(std::move(object)));
     return;
   }
   if (const auto old = objects_.find(key); old != objects_.end()) object.id = old->second->id;
@@ -239,8 +270,8 @@ void Catalog::Write(const CatalogObject& object) {
   insert.BindText(3, object.definition);
   insert.BindInteger(4, object.id);
   insert.Step();
-  // Views and procedures are no SQLite objects: the version says to other connections that something changed.
-  if (object.kind != CatalogKind::kTable) CountUp();
+  // Where no SQLite object changes, the version says to other connections that something did.
+  if (object.kind != CatalogKind::kTable || object.id != 0) CountUp();
 }
 
 void Catalog::CountUp() {
@@ -253,7 +284,7 @@ void Catalog::Remove(std::string_view name) {
   ++generation_;
   const std::string key = LowerCase(name);
   if (IsTemporaryName(key)) {
-    ObjectsLike(*this, key).erase(key);
+    ChangeTemporary(key, nullptr);
     return;
   }
   const auto found = objects_.find(key);

@@ -145,6 +145,8 @@ class Catalog {
     return name[0] == '#' ? self.temporaries_ : self.scopes_.back();
   }
   std::int64_t SchemaVersion();
+  /// Puts a temporary table in the place of its former definition; null for none.
+  void ChangeTemporary(const std::string& key, CatalogObjectPtr object);
   void Write(const CatalogObject& object);
 
   sqlite3* database_;
@@ -152,6 +154,13 @@ class Catalog {
   int holds_ = 0;
   Objects objects_;
   Objects temporaries_;
+  /// What a temporary table was from a version of SQLite's temporary schema on; null where it was dropped.
+  struct Past {
+    std::int64_t version = 0;
+    CatalogObjectPtr object;
+  };
+  /// A rollback makes a temporary table what it was. By lower-case name, as long as a transaction is open.
+  std::unordered_map<std::string, std::vector<Past>> pasts_;
   std::vector<Objects> scopes_ = std::vector<Objects>(1);  // of table variables
   std::int64_t schema_version_ = -1;
   bool stale_ = false;

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "tsql/translate/changes/change.h"
+#include "tsql/translate/changes/changed_rows.h"
 #include "tsql/translate/changes/insert.h"
 #include "tsql/translate/changes/merge.h"
 #include "tsql/translate/common/conversion.h"
@@ -114,6 +115,10 @@ std::string Translator::TranslateCheck(const CatalogObject& table, const Express
   Scope scope;
   scope.sources.push_back(BareSource(table.name, table));
   return parameters.FinishDefinition(Condition(condition, scope));
+}
+
+std::string Translator::TranslateAssigned(const CatalogObject& table, const Column& from, const Column& to) {
+  return Assigned(parameters, {QuoteName(from.name), from.type, from.nullable, -1}, to, ShownName(table));
 }
 
 }  // namespace tessarlorn::tsql

@@ -12,6 +12,9 @@
 
 namespace tessarlorn::tsql {
 
+/// A value in SQLite's words.
+std::string ConstantSql(const Datum& value);
+
 /// A parameter stands in the SQL as ?n while it is put together. Finish gives the parameters their order.
 class Parameters {
  public:

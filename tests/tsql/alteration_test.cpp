@@ -1,0 +1,84 @@
+// Tables that change: constraints and columns that come, go and become others, with the rows that stand.
+#include <gtest/gtest.h>
+
+#include "tsql/database_support.h"
+
+namespace tessarlorn {
+namespace {
+
+void CheckAlterations(std::initializer_list<AnsweredBatch> cases) {
+  CheckBatches({"create table p (id int not null, n varchar(10), k int) create table f (a int identity(3,1), pid int) "
+                "insert p values (1, 'a', 1), (2, 'b', null), (3, 'c', 3) insert f (pid) values (1), (2)"},
+               cases);
+}
+
+TEST(Alteration, ConstraintsComeAndGo) {
+  CheckAlterations({
+      {"insert p values (2, 'd', 4) alter table p add constraint pk primary key (id)",
+       "error 1505: The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name 'dbo.p' and the "
+       "index name 'pk'. The duplicate key value is (2)."},
+      {"delete p where n = 'd' alter table p add constraint pk primary key (id), constraint uk unique (k), check (id < 10) "
+       "alter table f add constraint fk foreign key (pid) references p, x int not null default 7, constraint dk default 3 for pid "
+       "insert f default values select * from f",
+       "a|pid|x;3|1|7;4|2|7;5|3|7"},
+      {"select name, type from sys.objects where parent_object_id = object_id('p')", "name|type;pk|PK;uk|UQ;CK_p|C "},
+      {"insert p values (4, 'x', null)",
+       "error 2627: Violation of UNIQUE KEY constraint. Cannot insert duplicate key in object 'dbo.p'."},
+      {"insert f (pid) values (9)", "error 547: The INSERT statement conflicted with the FOREIGN KEY constraint."},
+      {"alter table p drop pk",
+       "error 3725: The constraint 'pk' is being referenced by table 'f', foreign key constraint 'fk'."},
+      {"begin tran alter table p drop uk, CK_p, column k rollback delete p where id = 1",
+       "error 547: The DELETE statement conflicted with the FOREIGN KEY constraint."},
+      {"insert p values (14, 'x', 8)",
+       "error 547: The INSERT statement conflicted with the CHECK constraint \"CK_p\"."},
+      {"alter table f drop constraint if exists none, fk, dk, DF_f_x, column x insert f default values insert p values (9, 'x', 2) "
+       "select * from f where a > 4",
+       "a|pid;5|3;6|NULL"},
+      {"alter table f drop fk", "error 3728: 'fk' is not a constraint."},
+      {"alter table f add constraint fk foreign key (a) references p (id)",
+       "error 547: The ALTER TABLE statement conflicted with the FOREIGN KEY constraint \"fk\". The conflict occurred in database "
+       "\"main\", table \"dbo.p\", column 'id'."},
+      {"alter table f add constraint c check (pid > 1)",
+       "error 547: The ALTER TABLE statement conflicted with the CHECK constraint \"c\". The conflict occurred in database \"main\", "
+       "table \"dbo.f\"."},
+      {"alter table f add constraint uk unique (a)",
+       "error 2714: There is already an object named 'uk' in the database."},
+      {"alter table p add primary key (id)", "error 1779: Table 'p' already has a primary key defined on it."},
+      {"alter table f add primary key (pid)",
+       "error 8111: Cannot define PRIMARY KEY constraint on nullable column in table 'f'."},
+      {"alter table f add constraint d default 1 for pid alter table f add default 2 for pid",
+       "error 1781: Column already has a DEFAULT bound to it."},
+      {"create table #t (a varchar(3)) insert #t values ('x'), ('y') alter table #t add id int identity(10,1) primary key, b int "
+       "default 1 with values check (b > 0), c int unique insert #t (a, c) values ('z', 2)",
+       "error 1505: The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name 'dbo.#t' and the "
+       "index name 'UQ_#t_c'. The duplicate key value is (<NULL>)."},
+      {"alter table #t add id int identity(10,1) primary key, b int default 1 with values insert #t (a) values ('z') select * from #t",
+       "a|id|b;x|10|1;y|11|1;z|12|1"},
+  });
+}
+
+TEST(Alteration, ColumnsBecomeOthers) {
+  CheckAlterations({
+      {"create unique index ix on p (n) include (k) where k is not null alter table p alter column n varchar(20) "
+       "alter table p alter column n varchar(9)",
+       "error 5074: The index 'ix' is dependent on column 'n'."},
+      {"alter table p alter column k bigint", "error 5074: The index 'ix' is dependent on column 'k'."},
+      {"drop index ix on p alter table p alter column n int",
+       "error 245: Conversion failed when converting the varchar value 'a' to data type int."},
+      {"alter table p alter column k int not null",
+       "error 515: Cannot insert the value NULL into column 'k', table 'dbo.p'; column does not allow nulls. UPDATE fails."},
+      {"update p set n = 'long' alter table p alter column n varchar(3)",
+       "error 2628: String or binary data would be truncated in table 'dbo.p', column 'n'. Truncated value: 'long'."},
+      {"alter table p alter column k decimal(9,2) alter table p alter column id varchar(4) not null select id + 'x' i, k from p",
+       "i|k;1x|1.00;2x|NULL;3x|3.00"},
+      {"insert p (id) values (null)",
+       "error 515: Cannot insert the value NULL into column 'id', table 'dbo.p'; column does not allow nulls. INSERT fails."},
+      {"alter table f alter column a bigint insert f (pid) values (5) select max(a) m, ident_current('f') i from f",
+       "m|i;5|5"},
+      {"alter table p alter column none int",
+       "error 4924: ALTER TABLE ALTER COLUMN failed because column 'none' does not exist in table 'p'."},
+  });
+}
+
+}  // namespace
+}  // namespace tessarlorn

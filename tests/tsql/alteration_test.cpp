@@ -80,5 +80,39 @@ TEST(Alteration, ColumnsBecomeOthers) {
   });
 }
 
+TEST(Alteration, ComputedColumns) {
+  CheckAlterations({
+      {"create table t (c as a * b, a int, b decimal(9,2), u as upper(n) + '!' persisted not null, n varchar(9)) "
+       "insert t values (2, 1.5, 'x') insert t (a, b, n) output inserted.c, inserted.u values (3, 2, 'y')",
+       "c|u;6.00|Y!"},
+      {"alter table t add d as a + 1, e as a * 2 persisted select * from t where c > 3",
+       "c|a|b|u|n|d|e;6.00|3|2.00|Y!|y|4|6"},
+      {"merge t using (select 2 a, 'q' n) s on t.a = s.a when matched then update set n = s.n output inserted.u;",
+       "u;Q!"},
+      {"insert t (a, c) values (1, 2)",
+       "error 271: The column \"c\" cannot be modified because it is either a computed column or is the result of a UNION operator."},
+      {"create unique index iu on t (u) insert t values (9, 9, 'Q')",
+       "error 2601: Cannot insert duplicate key row in object 'dbo.t' with unique index 'iu'."},
+      {"alter table t add f as c + 1",
+       "error 1759: Computed column 'c' in table 't' is not allowed to be used in another computed-column definition."},
+      {"alter table t alter column a bigint", "error 5074: The column 'c' is dependent on column 'a'."},
+      {"exec sp_rename 't.n', 'm', 'COLUMN'",
+       "error 15336: Object 't.n' cannot be renamed because the object participates in enforced dependencies."},
+      {"select name, definition, is_persisted from sys.computed_columns where name < 'd' or is_persisted = 1 order by 1",
+       "name|definition|is_persisted;c|(a * b)|0;e|(a * 2)|1;u|(upper(n) + '!')|1"},
+      {"create table k (a int primary key, b as a * 1e-9) insert k values (1), (2) update k set a = a + 1 select * into l from k "
+       "update l set b = 1 where a = 2 select b from l",
+       "b;1;0.000000003"},
+      {"declare @v table (a int, b as a + 1) insert @v values (4) begin tran insert @v values (5) rollback select * from @v",
+       "a|b;4|5;5|6"},
+      {"create table #q (a int) begin tran alter table #q add b int rollback begin tran drop table #q rollback insert #q values (1) "
+       "select * from #q",
+       "a;1"},
+      {"create table g (a int, b as getdate())",
+       "error 40000: A CHECK constraint or computed column that is not made of columns and constants is not supported by the embedded "
+       "database."},
+  });
+}
+
 }  // namespace
 }  // namespace tessarlorn

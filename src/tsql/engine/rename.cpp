@@ -18,6 +18,11 @@ SqlError RenameError(std::int32_t number, const std::string& text) { return {num
                                ") is wrong.");
 }
 
+[[noreturn]] void RaiseInUse(const CatalogObject& table, const std::string& column) {
+  throw RenameError(15336, "Object '" + table.name + "." + column +
+                               "' cannot be renamed because the object participates in enforced dependencies.");
+}
+
 }  // namespace
 
 void Definitions::Rename(const std::string& object, const std::string& new_name, const std::string& kind) {
@@ -73,9 +78,11 @@ void Definitions::RenameColumn(const CatalogObject& table, const std::string& co
                                             ") WHERE value ->> '$.kind' IN ('C', 'IX') AND value ->> '$.text' <> ''");
   while (texts.Step("SELECT")) {
     if (NamesColumn(database_, texts.Text(0), column)) {
-      throw RenameError(15336, "Object '" + table.name + "." + column +
-                                   "' cannot be renamed because the object participates in enforced dependencies.");
+      RaiseInUse(table, column);
     }
+  }
+  for (const Column& other : table.columns) {
+    if (other.computed() && NamesColumn(database_, other.computed_text, column)) RaiseInUse(table, column);
   }
   database_.Run("ALTER TABLE " + TableSql(table) + " RENAME COLUMN " + QuoteName(column) + " TO " +
                 QuoteName(new_name));

@@ -237,6 +237,7 @@ void RowStatements::MoveRows(const Statement& statement, const Activation& activ
   bool numbered = false;
   for (std::size_t i = 0; i < table->columns.size(); ++i) {
     const Column& column = table->columns[i];
+    if (column.computed()) continue;
     columns += ", c" + std::to_string(i);
     names += ", " + QuoteName(column.name);
     numbered = numbered || column.identity || column.row_key;

@@ -80,6 +80,10 @@ void TableAlteration::AddColumn(const ColumnDefinition& definition, bool in_key)
   Column column = ColumnOf(table_, definition, line_);
   if (in_key && !definition.nullable) column.nullable = false;
   table_.columns.push_back(column);
+  if (column.computed()) {
+    AddComputed(before);
+    return;
+  }
   if (column.identity) {
     const std::string number = std::to_string(definition.identity_seed - 1) + " + row_number() OVER (ORDER BY _rowid_)";
     Rebuild(before, {{column.name, number}});
@@ -99,10 +103,20 @@ void TableAlteration::AddColumn(const ColumnDefinition& definition, bool in_key)
     Rebuild(before);
     return;
   }
-  std::string sql = "ALTER TABLE " + TableSql(table_) + " ADD COLUMN " + QuoteName(column.name) + " " +
-                    std::string(SqliteColumnType(column.type)) + (column.nullable ? "" : " NOT NULL");
+  std::string sql = "ALTER TABLE " + TableSql(table_) + " ADD COLUMN " + maker_.ColumnSql(table_, column);
   if (filled) sql += " DEFAULT " + ConstantSql(evaluator_.Value(*definition.default_value, column.type, activation_));
   database_.Run(sql);
+}
+
+void TableAlteration::AddComputed(const CatalogObject& before) {
+  maker_.SettleComputed(table_);
+  const Column& column = table_.columns.back();
+  // What is stored has to be computed for the rows that stand, which SQLite does not do by itself.
+  if (column.persisted) {
+    Rebuild(before);
+  } else {
+    database_.Run("ALTER TABLE " + TableSql(table_) + " ADD COLUMN " + maker_.ColumnSql(table_, column));
+  }
 }
 
 void TableAlteration::RequireAllowed(const Constraint& constraint) {
@@ -130,6 +144,10 @@ void TableAlteration::AddDefault(const Constraint& constraint) {
                                    [&](const Constraint& other) { return other.kind == "D" && other.HasColumn(name); });
   if (bound > 1 || (!column.default_text.empty() && column.default_text != text)) {
     throw SqlError(1781, "Column already has a DEFAULT bound to it.");
+  }
+  if (column.computed()) {
+    throw SqlError(
+        1752, "Column '" + name + "' in table '" + table_.name + "' is invalid for creating a default constraint.");
   }
   if (column.identity) {
     throw SqlError(1754, "Defaults cannot be created on columns with an IDENTITY attribute. Table '" + table_.name +
@@ -333,6 +351,11 @@ void TableAlteration::RequireFree(const Column& column, const Column* to) {
                                   [&](const std::string& name) { return EqualsIgnoreCase(name, column.name); });
     if (uses && turns) RaiseDependent("object", reference.name, column.name);
   }
+  for (const Column& other : table_.columns) {
+    if (turns && other.computed() && NamesColumn(database_, other.computed_text, column.name)) {
+      RaiseDependent("column", other.name, column.name);
+    }
+  }
   const bool grows = to != nullptr && OnlyGrows(column.type, to->type) && column.nullable == to->nullable;
   if (grows) return;
   const std::vector<std::string> indexes = IndexesOn(database_, table_, column.name);
@@ -342,6 +365,7 @@ void TableAlteration::RequireFree(const Column& column, const Column* to) {
 void TableAlteration::AlterColumn(const ColumnDefinition& definition) {
   if (table_.FindColumn(definition.name) < 0) RaiseNoSuchColumn("ALTER", definition.name, table_.name);
   const Column from = ColumnNamed(definition.name);
+  if (from.computed()) throw SqlError(4928, "Cannot alter column '" + from.name + "' because it is 'COMPUTED'.");
   Column to = from;
   to.type = ResolveType(definition.type, false);
   const Constraint* primary = FindKind(constraints_, "PK");

@@ -32,6 +32,8 @@ class TableAlteration {
 
  private:
   void AddColumn(const ColumnDefinition& definition, bool in_key);
+  /// Adds the last column of the table, which is computed.
+  void AddComputed(const CatalogObject& before);
   /// Gives a column that stands its default. Raises 1752, 1754 and 1781.
   void AddDefault(const Constraint& constraint);
   /// Raises the error of a new constraint that the table, or its rows, do not allow.

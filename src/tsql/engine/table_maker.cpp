@@ -5,6 +5,8 @@
 
 #include "platform/text/text.h"
 #include "tsql/engine/definitions.h"
+#include "tsql/engine/table_dependents.h"
+#include "tsql/syntax/ast_walk.h"
 #include "tsql/syntax/parser.h"
 
 namespace tessarlorn::tsql {
@@ -20,12 +22,24 @@ int RowKey(const CatalogObject& table, const Constraint* primary) {
   return whole ? key : -1;
 }
 
+bool HasQuery(const Expression& expression) {
+  bool has = As<ScalarSubquery>(expression) != nullptr || As<InQuery>(expression) != nullptr ||
+             As<ExistsCondition>(expression) != nullptr || As<QuantifiedComparison>(expression) != nullptr;
+  ForEachOperand(expression, [&](const Expression& operand) { has = has || HasQuery(operand); });
+  return has;
+}
+
 /// Raises 8110, and 1911 for a key of a column that the table has not.
 void RequireKeys(const CatalogObject& table, const Constraints& constraints) {
   const Constraint* primary = FindKind(constraints, "PK");
   for (const Constraint& constraint : constraints) {
     if (!constraint.is_key()) continue;
     RequireColumns(table, constraint.columns);
+    for (const std::string& name : constraint.columns) {
+      if (constraint.kind == "PK" && table.columns[static_cast<std::size_t>(table.FindColumn(name))].computed()) {
+        RaiseUnsupported("A PRIMARY KEY with a computed column");
+      }
+    }
     if (constraint.kind == "PK" && &constraint != primary) {
       throw SqlError(8110, "Cannot add multiple PRIMARY KEY constraints to table '" + table.name + "'.");
     }
@@ -74,6 +88,34 @@ std::string TableMaker::ConstraintSql(const CatalogObject& table, const Constrai
          (constraint.referenced.empty() ? "" : " (" + NameList(constraint.referenced) + ")");
 }
 
+Typed TableMaker::Computed(const CatalogObject& table, const Column& column) {
+  const ExpressionPtr value = ParseExpressionText(column.computed_text, database_.names());
+  if (HasQuery(*value)) {
+    throw SqlError(1046, "Subqueries are not allowed in this context. Only scalar expressions are allowed.", 15);
+  }
+  return plans_.MakeTranslator(activation_).TranslateComputed(table, *value);
+}
+
+void TableMaker::SettleComputed(CatalogObject& table) {
+  for (Column& column : table.columns) {
+    if (!column.computed()) continue;
+    for (const Column& other : table.columns) {
+      if (!other.computed() || !NamesColumn(database_, column.computed_text, other.name)) continue;
+      throw SqlError(1759, "Computed column '" + other.name + "' in table '" + table.name +
+                               "' is not allowed to be used in another computed-column definition.");
+    }
+    column.type = Computed(table, column).type;
+  }
+}
+
+std::string TableMaker::ColumnSql(const CatalogObject& table, const Column& column) {
+  std::string sql = QuoteName(column.name) + " " + std::string(SqliteColumnType(column.type));
+  if (column.computed()) {
+    sql += " GENERATED ALWAYS AS (" + Computed(table, column).sql + (column.persisted ? ") STORED" : ") VIRTUAL");
+  }
+  return sql + (column.nullable ? "" : " NOT NULL");
+}
+
 std::string TableMaker::Definition(CatalogObject& table, const std::string& name) {
   const Constraints constraints = ReadConstraints(table.definition);
   RequireKeys(table, constraints);
@@ -85,11 +127,11 @@ std::string TableMaker::Definition(CatalogObject& table, const std::string& name
     Column& column = table.columns[i];
     if (primary != nullptr && primary->HasColumn(column.name)) column.nullable = false;
     column.row_key = static_cast<int>(i) == row_key && !counts;
-    sql += (i == 0 ? "" : ", ") + QuoteName(column.name) + " ";
+    sql += i == 0 ? "" : ", ";
     if (static_cast<int>(i) == row_key) {
-      sql += counts ? "INTEGER PRIMARY KEY AUTOINCREMENT" : "INTEGER PRIMARY KEY NOT NULL";
+      sql += QuoteName(column.name) + (counts ? " INTEGER PRIMARY KEY AUTOINCREMENT" : " INTEGER PRIMARY KEY NOT NULL");
     } else {
-      sql += std::string(SqliteColumnType(column.type)) + (column.nullable ? "" : " NOT NULL");
+      sql += ColumnSql(table, column);
     }
   }
   const bool key_stands = primary != nullptr && row_key >= 0 && primary->columns.size() == 1 &&
@@ -120,6 +162,7 @@ void TableMaker::SetLastIdentity(const CatalogObject& table, std::int64_t last) 
 
 void TableMaker::Make(CatalogObject table) {
   Catalog& catalog = database_.catalog();
+  SettleComputed(table);
   if (catalog.Find(table.name) != nullptr) {
     throw SqlError(2714, "There is already an object named '" + table.name + "' in the database.");
   }
@@ -167,7 +210,7 @@ void TableMaker::CopyRows(const CatalogObject& table, const CatalogObject& chang
     numbered = numbered || column.identity || column.row_key;
     const auto given = values.find(column.name);
     const int old = table.FindColumn(column.name);
-    if (given == values.end() && old < 0) continue;
+    if (column.computed() || (given == values.end() && old < 0)) continue;
     columns += ", " + QuoteName(column.name);
     list +=
         ", " + (given != values.end() ? given->second : QuoteName(table.columns[static_cast<std::size_t>(old)].name));

@@ -20,6 +20,10 @@ class TableMaker {
   /// Makes a table with the constraints of its definition, and puts it into the catalog. Raises 2714, 8110 and 1911.
   void Make(CatalogObject table);
 
+  /// Gives computed columns the types of their expressions. Raises 1046 and 1759.
+  void SettleComputed(CatalogObject& table);
+  /// A column in SQLite's words, with its name.
+  std::string ColumnSql(const CatalogObject& table, const Column& column);
   /// Puts a table of another definition in the place of one, with its rows, indexes and last identity value.
   /// @param values what the columns get, in SQLite's words over the old table; those that are not there keep theirs
   void Rebuild(const CatalogObject& table, CatalogObject changed, const std::map<std::string, std::string>& values);
@@ -33,6 +37,7 @@ class TableMaker {
   /// The CREATE TABLE of SQLite's, which also settles what the table's columns are to SQLite.
   /// @param name what SQLite is to call the table
   std::string Definition(CatalogObject& table, const std::string& name);
+  Typed Computed(const CatalogObject& table, const Column& column);
   std::string ConstraintSql(const CatalogObject& table, const Constraint& constraint);
   /// The indexes beside the UNIQUE constraints.
   void MakeKeyIndexes(const CatalogObject& table);

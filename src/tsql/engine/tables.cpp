@@ -15,7 +15,6 @@ namespace {
 }  // namespace
 
 Column ColumnOf(const CatalogObject& table, const ColumnDefinition& definition, std::uint32_t line) {
-  if (definition.computed != nullptr) RaiseUnsupported("The computed column '" + definition.name + "'", line);
   if (table.FindColumn(definition.name) >= 0) RaiseColumnTwice(table, definition.name);
   if (definition.identity && table.identity_column() >= 0) {
     throw SqlError(2744, "Multiple identity columns specified for table '" + table.name +
@@ -23,6 +22,17 @@ Column ColumnOf(const CatalogObject& table, const ColumnDefinition& definition, 
   }
   if (definition.identity && (definition.identity_increment != 1 || definition.identity_seed < 0)) {
     RaiseUnsupported("An identity that does not count by ones from a number above 0", line);
+  }
+  if (definition.computed != nullptr) {
+    Column column{definition.name, IntType(), definition.nullable.value_or(true), false, ""};
+    column.computed_text = definition.computed_text;
+    column.persisted = definition.persisted;
+    if (!column.nullable && !column.persisted) {
+      throw SqlError(8183,
+                     "Only UNIQUE or PRIMARY KEY constraints can be created on computed columns, while CHECK, FOREIGN "
+                     "KEY, and NOT NULL constraints require that computed columns be persisted.");
+    }
+    return column;
   }
   return {definition.name, ResolveType(definition.type, false), definition.nullable.value_or(!definition.identity),
           definition.identity, definition.default_text};

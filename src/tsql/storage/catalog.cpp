@@ -10,6 +10,13 @@ namespace {
 // What "$columns".identity holds.
 constexpr int kIdentity = 1;
 constexpr int kRowKey = 2;
+constexpr int kComputed = 3;
+constexpr int kPersisted = 4;
+
+std::int64_t CodeOf(const Column& column) {
+  if (column.computed()) return column.persisted ? kPersisted : kComputed;
+  return column.identity ? kIdentity : column.row_key ? kRowKey : 0;
+}
 
 constexpr std::string_view kKindNames[] = {"table", "view", "procedure"};
 
@@ -101,7 +108,11 @@ void CatalogObject::Seal() {
                   (column.identity  ? "identity "
                    : column.row_key ? "key "
                                     : "") +
-                  column.default_text;
+                  column.default_text +
+                  (column.persisted    ? " persisted as "
+                   : column.computed() ? " as "
+                                       : "") +
+                  column.computed_text;
   }
 }
 
@@ -202,7 +213,9 @@ void Catalog::Load() {
     column.nullable = columns.Integer(3) != 0;
     column.identity = columns.Integer(4) == kIdentity;
     column.row_key = columns.Integer(4) == kRowKey;
-    column.default_text = columns.Text(5);
+    column.persisted = columns.Integer(4) == kPersisted;
+    const bool computed = column.persisted || columns.Integer(4) == kComputed;
+    (computed ? column.computed_text : column.default_text) = columns.Text(5);
     const auto owner = read.find(columns.Integer(0));
     if (owner != read.end()) owner->second.columns.push_back(std::move(column));
   }
@@ -255,8 +268,8 @@ void Catalog::Replace(CatalogObject object) {
     insert.BindText(3, column.name);
     insert.BindText(4, TypeText(column.type));
     insert.BindInteger(5, std::int64_t{column.nullable ? 1 : 0});
-    insert.BindInteger(6, std::int64_t{column.identity ? kIdentity : column.row_key ? kRowKey : 0});
-    insert.BindText(7, column.default_text);
+    insert.BindInteger(6, CodeOf(column));
+    insert.BindText(7, column.computed() ? column.computed_text : column.default_text);
     insert.Step();
   }
   objects_[key] = std::make_shared<const CatalogObject>(std::move(object));

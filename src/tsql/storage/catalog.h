@@ -24,6 +24,11 @@ struct Column {
   std::string default_text;
   /// It is SQLite's own row number, which takes no NULL but makes a number of it.
   bool row_key = false;
+  /// The expression of a computed column as written, "" of any other.
+  std::string computed_text = {};
+  /// A computed column that is stored with the row.
+  bool persisted = false;
+  [[nodiscard]] bool computed() const { return !computed_text.empty(); }
 };
 
 enum class CatalogKind : std::uint8_t { kTable, kView, kProcedure };

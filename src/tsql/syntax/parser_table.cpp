@@ -86,8 +86,8 @@ ColumnDefinition Parser::ParseColumnDefinition(std::vector<TableConstraint>& con
   ColumnDefinition column;
   column.name = ParseName();
   if (Accept("as"_kw)) {
-    column.computed = ParseValue();
-    Accept("persisted"_kw);
+    ParseDefault(column.computed, column.computed_text);
+    column.persisted = Accept("persisted"_kw);
   } else {
     column.type = ParseType();
   }

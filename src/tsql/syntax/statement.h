@@ -117,6 +117,8 @@ struct ColumnDefinition {
   bool primary_key = false;
   bool unique = false;
   ExpressionPtr computed;  // column AS expression
+  std::string computed_text;
+  bool persisted = false;
   ExpressionPtr check;
   std::string check_text;
 };

@@ -117,6 +117,16 @@ std::string Translator::TranslateCheck(const CatalogObject& table, const Express
   return parameters.FinishDefinition(Condition(condition, scope));
 }
 
+Typed Translator::TranslateComputed(const CatalogObject& table, const Expression& value) {
+  Scope scope;
+  scope.sources.push_back(BareSource(table.name, table));
+  Typed typed = Value(value, scope);
+  typed.sql = parameters.FinishDefinition(typed.sql);
+  if (typed.type.untyped_null) typed.type = IntType();
+  if (typed.type.is_integer()) typed.type.precision = 0;
+  return typed;
+}
+
 std::string Translator::TranslateAssigned(const CatalogObject& table, const Column& from, const Column& to) {
   return Assigned(parameters, {QuoteName(from.name), from.type, from.nullable, -1}, to, ShownName(table));
 }

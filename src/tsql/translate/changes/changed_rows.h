@@ -45,6 +45,8 @@ const Source& SourceOf(const Clauses& clauses);
 void ChooseRow(Clauses& clauses, std::size_t row);
 
 /// Raises for a view, into which nothing is inserted here.
+/// Raises 271 for a computed column.
+void RequireChangeable(const Column& column);
 void RequireTable(const CatalogObject& object);
 /// The place of a column. Raises 207.
 int RequireColumn(const CatalogObject& table, const std::string& name);

@@ -87,12 +87,13 @@ void InsertTranslator::FindPositions(bool identity_insert) {
   const int identity = table_->identity_column();
   for (const std::string& name : insert_.columns) {
     const int position = RequireColumn(*table_, name);
+    RequireChangeable(ColumnAt(position));
     if (std::find(positions_.begin(), positions_.end(), position) != positions_.end()) RaiseColumnTwice(name);
     positions_.push_back(position);
   }
   if (insert_.columns.empty()) {
     for (int i = 0; i < static_cast<int>(table_->columns.size()); ++i) {
-      if (i != identity || identity_insert) positions_.push_back(i);
+      if ((i != identity || identity_insert) && !ColumnAt(i).computed()) positions_.push_back(i);
     }
   }
   const bool names_identity = std::find(positions_.begin(), positions_.end(), identity) != positions_.end();
@@ -106,7 +107,7 @@ std::vector<Default> InsertTranslator::Defaults(const std::vector<int>& given) {
   std::vector<Default> defaults;
   for (int i = 0; i < static_cast<int>(table_->columns.size()); ++i) {
     const Column& column = ColumnAt(i);
-    if (std::find(given.begin(), given.end(), i) != given.end()) continue;
+    if (column.computed() || std::find(given.begin(), given.end(), i) != given.end()) continue;
     if (column.default_text.empty()) {
       if (column.row_key) defaults.push_back({column.name, Required("NULL", column, ShownName(*table_))});
       continue;

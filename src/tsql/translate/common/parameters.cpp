@@ -61,7 +61,7 @@ TypedDatum ValueOf(const Literal& literal) {
 /// SQLite's words for a constant in a definition.
 std::string ConstantText(const BoundParameter& parameter) {
   if (parameter.source != BoundParameter::Source::kConstant)
-    RaiseUnsupported("A CHECK constraint that is not made of columns and constants");
+    RaiseUnsupported("A CHECK constraint or computed column that is not made of columns and constants");
   return ConstantSql(Convert(parameter.constant, parameter.from, parameter.to, parameter.style, parameter.fit));
 }
 

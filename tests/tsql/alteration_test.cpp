@@ -1,7 +1,9 @@
 // Tables that change: constraints and columns that come, go and become others, with the rows that stand.
+#include <cstdio>
 #include <gtest/gtest.h>
 
 #include "tsql/database_support.h"
+#include "tsql/storage/maintenance.h"
 
 namespace tessarlorn {
 namespace {
@@ -112,6 +114,49 @@ TEST(Alteration, ComputedColumns) {
        "error 40000: A CHECK constraint or computed column that is not made of columns and constants is not supported by the embedded "
        "database."},
   });
+}
+
+TEST(Alteration, IdentitiesCountByAnyNumber) {
+  CheckAlterations({
+      {"create table t (id int identity(10, -5) primary key, n varchar(5)) select ident_seed('t') s, ident_incr('t') i, "
+       "ident_current('t') c insert t values ('a'), ('b')",
+       "s|i|c;10|-5|10"},
+      {"begin tran insert t values ('r') rollback insert t output inserted.id values ('c')", "id;-5"},
+      {"set identity_insert t on insert t (id, n) values (100, 'e') insert t (id, n) values (-100, 'f') set identity_insert t off "
+       "insert t values ('g') select scope_identity() s, @@identity i",
+       "s|i;-105|-105"},
+      {"merge t using (values ('a'), ('y'), ('z')) s (n) on t.n = s.n when not matched then insert (n) values (s.n) output inserted.id;",
+       "id;-110;-115"},
+      {"alter table t add x int not null default 1, check (id < 200) exec sp_rename 't', 'tt' insert tt (n) values ('q') "
+       "select min(id) m from tt",
+       "m;-120"},
+      {"truncate table tt insert tt (n) values ('a') select seed_value, increment_value, last_value from sys.identity_columns where "
+       "object_id = object_id('tt')",
+       "seed_value|increment_value|last_value;10|-5|10"},
+      {"create table u (id tinyint identity(250, 3), n int) insert u values (1), (2) insert u values (3)",
+       "error 8115: Arithmetic overflow error converting IDENTITY to data type tinyint."},
+      {"create table w (n int) insert w values (7), (8) alter table w add id int identity(0,1) insert w values (9) select * from w",
+       "n|id;7|0;8|1;9|2"},
+      {"create table y (id int identity(5,1), n int) insert y values (1) truncate table y insert y values (1) select id from y",
+       "id;5"},
+  });
+}
+
+TEST(Alteration, IsSeenByOthersAndKept) {
+  const std::string file = std::string(TESSARLORN_TEST_FOLDER) + "/alteration.db";
+  for (const char* end : {"", "-wal", "-shm"}) std::remove((file + end).c_str());
+  {
+    const auto one = OpenEmbedded(file);
+    const auto other = OpenEmbedded(file);
+    Answer(*one,
+           "create table t (a varchar(9), b int, c as b + 1, id int identity(1,2)) insert t values ('1', 1), ('2', 2)");
+    EXPECT_EQ(Answer(*other, "select * from t where a = '2'"), "a|b|c|id;2|2|3|3");
+    EXPECT_EQ(Answer(*one, "alter table t alter column a int alter table t add constraint d default 7 for b"), "");
+    EXPECT_EQ(Answer(*other, "insert t (a) values (3) select * from t where a >= 2"), "a|b|c|id;2|2|3|3;3|7|8|5");
+  }
+  EXPECT_EQ(Answer(*OpenEmbedded(file), "alter table t drop d insert t (a) values (4) select * from t where a > 2"),
+            "a|b|c|id;3|7|8|5;4|NULL|NULL|7");
+  EXPECT_TRUE(CheckEmbedded("Embedded=" + file).faults.empty());
 }
 
 }  // namespace

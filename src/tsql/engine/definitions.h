@@ -16,10 +16,12 @@ class Definitions {
       : database_(database), plans_(plans), evaluator_(evaluator) {}
 
   // tables.cpp
-  void CreateTable(const CreateTableStatement& statement, std::uint32_t line, const Activation& activation);
+  void CreateTable(const CreateTableStatement& statement, const Activation& activation);
   /// Makes a table. Raises 2714 when there is one of its name.
   void CreateTable(CatalogObject table, const Activation& activation);
-  void AlterTable(const AlterTableStatement& statement, std::uint32_t line, const Activation& activation);
+  /// The identity of a table that was emptied begins with its seed.
+  void RestartIdentity(const CatalogObject& table, const Activation& activation);
+  void AlterTable(const AlterTableStatement& statement, const Activation& activation);
 
   // definitions.cpp
   void CreateIndex(const CreateIndexStatement& statement, std::uint32_t line, const Activation& activation);

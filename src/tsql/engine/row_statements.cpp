@@ -90,16 +90,14 @@ void RowStatements::SelectInto(const Query& query, const Activation& activation)
   results_.TellRowCount();
 }
 
-void RowStatements::Truncate(const TruncateStatement& statement) {
+void RowStatements::Truncate(const TruncateStatement& statement, const Activation& activation) {
   RequireLocal(statement.table);
   const CatalogObjectPtr table = database_.catalog().Get(statement.table.name);
   definitions_.RequireUnreferenced(
       *table, 4712,
       "Cannot truncate table '" + table->name + "' because it is being referenced by a FOREIGN KEY constraint.");
   database_.Run("DELETE FROM " + TableSql(*table));
-  if (table->identity_column() < 0) return;
-  database_.Run(std::string("DELETE FROM ") + (table->temporary ? "temp" : "main") +
-                ".sqlite_sequence WHERE name = " + QuoteText(table->name));
+  if (table->identity_column() >= 0) definitions_.RestartIdentity(*table, activation);
 }
 
 bool RowStatements::RunCompiled(const Statement& statement, const Activation& activation) {

@@ -29,7 +29,7 @@ class RowStatements {
   void Describe(const Statement& statement, const Activation& activation);
   /// INSERT, UPDATE or DELETE, but for INSERT … EXEC.
   void Change(const Statement& statement, const Activation& activation);
-  void Truncate(const TruncateStatement& statement);
+  void Truncate(const TruncateStatement& statement, const Activation& activation);
   /// INSERT … EXEC: inserts what the procedure answered.
   void InsertTaken(const InsertStatement& insert, const std::vector<TakenRows>& taken, const Activation& activation);
 

@@ -77,7 +77,7 @@ void TableAlteration::Add(const TableElements& elements) {
 
 void TableAlteration::AddColumn(const ColumnDefinition& definition, bool in_key) {
   const CatalogObject before = table_;
-  Column column = ColumnOf(table_, definition, line_);
+  Column column = ColumnOf(table_, definition);
   if (in_key && !definition.nullable) column.nullable = false;
   table_.columns.push_back(column);
   if (column.computed()) {
@@ -85,8 +85,14 @@ void TableAlteration::AddColumn(const ColumnDefinition& definition, bool in_key)
     return;
   }
   if (column.identity) {
-    const std::string number = std::to_string(definition.identity_seed - 1) + " + row_number() OVER (ORDER BY _rowid_)";
-    Rebuild(before, {{column.name, number}});
+    Constraint identity;
+    identity.seed = definition.identity_seed;
+    identity.increment = column.increment;
+    Rebuild(before, {{column.name, std::to_string(identity.seed) + " + (row_number() OVER (ORDER BY _rowid_) - 1) * " +
+                                       std::to_string(definition.identity_increment)}});
+    SqliteStatement rows = database_.Prepare("SELECT count(*) FROM " + TableSql(table_));
+    rows.Step("SELECT");
+    maker_.RestartIdentity(table_, identity, rows.Integer(0));
     return;
   }
   const bool filled = definition.default_value != nullptr && (!column.nullable || definition.with_values);

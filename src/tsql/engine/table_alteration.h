@@ -15,7 +15,7 @@ namespace tessarlorn::tsql {
 class TableAlteration {
  public:
   TableAlteration(SessionDatabase& database, PlanStore& plans, Evaluator& evaluator, const Activation& activation,
-                  CatalogObject table, std::uint32_t line)
+                  CatalogObject table)
       : database_(database),
         plans_(plans),
         evaluator_(evaluator),
@@ -23,8 +23,7 @@ class TableAlteration {
         maker_(database, plans, activation),
         original_(table),
         table_(std::move(table)),
-        constraints_(ReadConstraints(table_.definition)),
-        line_(line) {}
+        constraints_(ReadConstraints(table_.definition)) {}
 
   void Add(const TableElements& elements);
   void Drop(const std::vector<AlterTableStatement::Dropped>& items);
@@ -66,10 +65,9 @@ class TableAlteration {
   const CatalogObject original_;
   CatalogObject table_;
   Constraints constraints_;
-  std::uint32_t line_;
 };
 
 /// The column of a definition. Raises 2705 for one that the table has already.
-Column ColumnOf(const CatalogObject& table, const ColumnDefinition& definition, std::uint32_t line);
+Column ColumnOf(const CatalogObject& table, const ColumnDefinition& definition);
 
 }  // namespace tessarlorn::tsql

@@ -46,6 +46,11 @@ void RequireKeys(const CatalogObject& table, const Constraints& constraints) {
   }
 }
 
+/// Where SQLite notes the last identity value of a table.
+std::string SequenceOf(const CatalogObject& table) {
+  return std::string(SchemaOf(table)) + ".sqlite_sequence WHERE name = " + QuoteText(table.table_name());
+}
+
 /// What the new table is called until the old one is gone.
 constexpr const char* kNewTable = "$new";
 
@@ -120,13 +125,15 @@ std::string TableMaker::Definition(CatalogObject& table, const std::string& name
   const Constraints constraints = ReadConstraints(table.definition);
   RequireKeys(table, constraints);
   const Constraint* primary = FindKind(constraints, "PK");
-  const bool counts = table.identity_column() >= 0;
+  const int identity = table.identity_column();
   const int row_key = RowKey(table, primary);
+  const bool counts = identity >= 0 && table.columns[static_cast<std::size_t>(identity)].increment == 0;
+  if (identity >= 0 && !counts) MakeSequences(table);
   std::string sql = "CREATE TABLE " + std::string(SchemaOf(table)) + "." + QuoteName(name) + " (";
   for (std::size_t i = 0; i < table.columns.size(); ++i) {
     Column& column = table.columns[i];
     if (primary != nullptr && primary->HasColumn(column.name)) column.nullable = false;
-    column.row_key = static_cast<int>(i) == row_key && !counts;
+    column.row_key = static_cast<int>(i) == row_key && !column.identity;
     sql += i == 0 ? "" : ", ";
     if (static_cast<int>(i) == row_key) {
       sql += QuoteName(column.name) + (counts ? " INTEGER PRIMARY KEY AUTOINCREMENT" : " INTEGER PRIMARY KEY NOT NULL");
@@ -153,11 +160,20 @@ void TableMaker::MakeKeyIndexes(const CatalogObject& table) {
   }
 }
 
-void TableMaker::SetLastIdentity(const CatalogObject& table, std::int64_t last) {
-  const std::string sequence = std::string(SchemaOf(table)) + ".sqlite_sequence";
-  const std::string name = QuoteText(table.table_name());
-  database_.Run("DELETE FROM " + sequence + " WHERE name = " + name + "; INSERT INTO " + sequence + " VALUES (" + name +
-                ", " + std::to_string(last) + ")");
+void TableMaker::MakeSequences(const CatalogObject& table) {
+  const std::string schema(SchemaOf(table));
+  if (!FirstText("SELECT 1 FROM " + schema + ".sqlite_schema WHERE name = 'sqlite_sequence'").empty()) return;
+  database_.Run("CREATE TABLE " + schema + ".\"$counted\" (n INTEGER PRIMARY KEY AUTOINCREMENT); DROP TABLE " + schema +
+                ".\"$counted\"");
+}
+
+void TableMaker::RestartIdentity(const CatalogObject& table, const Constraint& identity, std::int64_t rows) {
+  database_.Run("DELETE FROM " + SequenceOf(table));
+  const std::int64_t increment = identity.increment == 0 ? 1 : identity.increment;
+  // SQLite counts on from what stands there; what counts otherwise begins with its seed where nothing stands.
+  if (rows == 0 && (identity.increment != 0 || identity.seed == 1)) return;
+  database_.Run("INSERT INTO " + std::string(SchemaOf(table)) + ".sqlite_sequence VALUES (" +
+                QuoteText(table.table_name()) + ", " + std::to_string(identity.seed + (rows - 1) * increment) + ")");
 }
 
 void TableMaker::Make(CatalogObject table) {
@@ -171,8 +187,7 @@ void TableMaker::Make(CatalogObject table) {
     catalog.Add(table);
     MakeKeyIndexes(table);
     const Constraints constraints = ReadConstraints(table.definition);
-    const Constraint* identity = FindKind(constraints, "I");
-    if (identity != nullptr && identity->seed != 1) SetLastIdentity(table, identity->seed - 1);
+    if (const Constraint* identity = FindKind(constraints, "I")) RestartIdentity(table, *identity);
   });
 }
 
@@ -241,8 +256,8 @@ void TableMaker::Rebuild(const CatalogObject& table, CatalogObject changed,
       while (found.Step("SELECT")) indexes.push_back(found.Text(0));
     }
     const bool counted = table.identity_column() >= 0;
-    const std::string sequence = schema + ".sqlite_sequence WHERE name = " + name;
-    const std::string last = counted ? FirstText("SELECT seq FROM " + sequence) : "";
+    const std::string last = counted ? FirstText("SELECT seq FROM " + SequenceOf(table)) : "";
+    if (counted) database_.Run("DELETE FROM " + SequenceOf(table));
     database_.Run(Definition(changed, kNewTable));
     CopyRows(table, changed, values);
     database_.Run("DROP TABLE " + TableSql(table));
@@ -250,8 +265,10 @@ void TableMaker::Rebuild(const CatalogObject& table, CatalogObject changed,
     for (std::string sql : indexes) database_.Run(sql.insert(sql.find("INDEX ") + 6, schema + "."));
     MakeKeyIndexes(changed);
     if (counted && changed.identity_column() >= 0) {
-      database_.Run("DELETE FROM " + sequence);
-      if (!last.empty()) SetLastIdentity(changed, std::stoll(last));
+      database_.Run("DELETE FROM " + SequenceOf(table));
+      if (!last.empty()) {
+        database_.Run("INSERT INTO " + schema + ".sqlite_sequence VALUES (" + name + ", " + last + ")");
+      }
     }
     database_.catalog().Replace(std::move(changed));
   });

@@ -30,6 +30,8 @@ class TableMaker {
 
   /// The text of a CHECK in SQLite's words.
   std::string CheckSql(const CatalogObject& table, const Constraint& check);
+  /// Lets the identity of a table count anew. @param rows how many values it gave
+  void RestartIdentity(const CatalogObject& table, const Constraint& identity, std::int64_t rows = 0);
   /// Raises where SQLite's table has constraints that the catalog does not tell of: an earlier version made it.
   void RequireNoted(const CatalogObject& table);
 
@@ -41,7 +43,8 @@ class TableMaker {
   std::string ConstraintSql(const CatalogObject& table, const Constraint& constraint);
   /// The indexes beside the UNIQUE constraints.
   void MakeKeyIndexes(const CatalogObject& table);
-  void SetLastIdentity(const CatalogObject& table, std::int64_t last);
+  /// Makes the table in which SQLite notes the last identity values. It does so by itself where it counts.
+  void MakeSequences(const CatalogObject& table);
   void CopyRows(const CatalogObject& table, const CatalogObject& changed,
                 const std::map<std::string, std::string>& values);
   /// One value of the first row, "" for NULL and for no row.

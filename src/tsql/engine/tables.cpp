@@ -14,14 +14,14 @@ namespace {
 
 }  // namespace
 
-Column ColumnOf(const CatalogObject& table, const ColumnDefinition& definition, std::uint32_t line) {
+Column ColumnOf(const CatalogObject& table, const ColumnDefinition& definition) {
   if (table.FindColumn(definition.name) >= 0) RaiseColumnTwice(table, definition.name);
   if (definition.identity && table.identity_column() >= 0) {
     throw SqlError(2744, "Multiple identity columns specified for table '" + table.name +
                              "'. Only one identity column per table is allowed.");
   }
-  if (definition.identity && (definition.identity_increment != 1 || definition.identity_seed < 0)) {
-    RaiseUnsupported("An identity that does not count by ones from a number above 0", line);
+  if (definition.identity && definition.identity_increment == 0) {
+    throw SqlError(2753, "Identity column '" + definition.name + "' contains invalid INCREMENT.");
   }
   if (definition.computed != nullptr) {
     Column column{definition.name, IntType(), definition.nullable.value_or(true), false, ""};
@@ -34,15 +34,17 @@ Column ColumnOf(const CatalogObject& table, const ColumnDefinition& definition, 
     }
     return column;
   }
-  return {definition.name, ResolveType(definition.type, false), definition.nullable.value_or(!definition.identity),
-          definition.identity, definition.default_text};
+  Column column{definition.name, ResolveType(definition.type, false),
+                definition.nullable.value_or(!definition.identity), definition.identity, definition.default_text};
+  if (column.identity) column.increment = IncrementOf(definition);
+  return column;
 }
 
 void Definitions::CreateTable(CatalogObject table, const Activation& activation) {
   TableMaker(database_, plans_, activation).Make(std::move(table));
 }
 
-void Definitions::CreateTable(const CreateTableStatement& statement, std::uint32_t line, const Activation& activation) {
+void Definitions::CreateTable(const CreateTableStatement& statement, const Activation& activation) {
   RequireLocal(statement.table);
   CatalogObject table;
   table.name = statement.table.name;
@@ -51,7 +53,7 @@ void Definitions::CreateTable(const CreateTableStatement& statement, std::uint32
     table.stored_name = table.name + "$" + std::to_string(database_.catalog().scope_depth());
   }
   for (const ColumnDefinition& definition : statement.elements.columns) {
-    table.columns.push_back(ColumnOf(table, definition, line));
+    table.columns.push_back(ColumnOf(table, definition));
   }
   Constraints constraints;
   AddConstraints(constraints, table.name, statement.elements);
@@ -59,14 +61,20 @@ void Definitions::CreateTable(const CreateTableStatement& statement, std::uint32
   CreateTable(std::move(table), activation);
 }
 
-void Definitions::AlterTable(const AlterTableStatement& statement, std::uint32_t line, const Activation& activation) {
+void Definitions::RestartIdentity(const CatalogObject& table, const Activation& activation) {
+  const Constraints constraints = ReadConstraints(table.definition);
+  const Constraint* identity = FindKind(constraints, "I");
+  TableMaker(database_, plans_, activation).RestartIdentity(table, identity == nullptr ? Constraint{} : *identity);
+}
+
+void Definitions::AlterTable(const AlterTableStatement& statement, const Activation& activation) {
   RequireLocal(statement.table);
   const CatalogObjectPtr table = database_.catalog().Find(statement.table.name);
   if (table == nullptr || table->kind != CatalogKind::kTable) {
     throw SqlError(4902, "Cannot find the object \"" + statement.table.name +
                              "\" because it does not exist or you do not have permissions.");
   }
-  TableAlteration alteration(database_, plans_, evaluator_, activation, *table, line);
+  TableAlteration alteration(database_, plans_, evaluator_, activation, *table);
   if (const auto* add = std::get_if<AlterTableStatement::Add>(&statement.action)) {
     alteration.Add(add->elements);
   } else if (const auto* drop = std::get_if<AlterTableStatement::Drop>(&statement.action)) {

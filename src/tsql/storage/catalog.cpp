@@ -1,6 +1,7 @@
 #include "tsql/storage/catalog.h"
 
 #include "platform/text/text.h"
+#include "tsql/storage/constraint_text.h"
 #include "tsql/storage/sqlite_handle.h"
 #include "tsql/values/sql_error.h"
 
@@ -29,6 +30,15 @@ CREATE TABLE IF NOT EXISTS "$columns" (
   nullable INTEGER NOT NULL, identity INTEGER NOT NULL, default_text TEXT NOT NULL, PRIMARY KEY (object, position)
 ) WITHOUT ROWID;
 )";
+
+void ReadIncrement(CatalogObject& object) {
+  const int identity = object.identity_column();
+  if (identity < 0 || object.definition.find("\"increment\":") == std::string::npos) return;
+  const Constraints constraints = ReadConstraints(object.definition);
+  if (const Constraint* noted = FindKind(constraints, "I")) {
+    object.columns[static_cast<std::size_t>(identity)].increment = noted->increment;
+  }
+}
 
 std::int64_t TemporaryVersion(sqlite3* database) {
   SqliteStatement version(database, "PRAGMA temp.schema_version");
@@ -220,6 +230,7 @@ void Catalog::Load() {
     if (owner != read.end()) owner->second.columns.push_back(std::move(column));
   }
   for (auto& [id, object] : read) {
+    ReadIncrement(object);
     object.Seal();
     std::string key = LowerCase(object.name);
     objects_.emplace(std::move(key), std::make_shared<const CatalogObject>(std::move(object)));

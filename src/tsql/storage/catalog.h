@@ -24,6 +24,8 @@ struct Column {
   std::string default_text;
   /// It is SQLite's own row number, which takes no NULL but makes a number of it.
   bool row_key = false;
+  /// Of an identity that SQLite does not count by itself what it counts by, else 0.
+  std::int64_t increment = 0;
   /// The expression of a computed column as written, "" of any other.
   std::string computed_text = {};
   /// A computed column that is stored with the row.

@@ -43,6 +43,7 @@ std::string JsonOf(const Constraint& constraint) {
   add("to", constraint.to);
   if (!constraint.referenced.empty()) json += ",\"referenced\":" + JsonList(constraint.referenced);
   if (constraint.kind == "I") json += ",\"seed\":" + std::to_string(constraint.seed);
+  if (constraint.increment != 0) json += ",\"increment\":" + std::to_string(constraint.increment);
   return json + "}";
 }
 
@@ -63,6 +64,7 @@ Constraint ConstraintOf(const JsonNode& node) {
     if (member.key == "to") constraint.to = value.Scalar();
     if (member.key == "referenced") constraint.referenced = TextsOf(value);
     if (member.key == "seed") constraint.seed = std::stoll(value.Scalar());
+    if (member.key == "increment") constraint.increment = std::stoll(value.Scalar());
     if (member.key == "index") constraint.index = value.Scalar();
   }
   return constraint;
@@ -174,11 +176,16 @@ void AddConstraints(Constraints& constraints, const std::string& table, const Ta
     if (column.identity) {
       Constraint identity = MakeConstraint("I", "", {column.name});
       identity.seed = column.identity_seed;
+      identity.increment = IncrementOf(column);
       adder.Add(std::move(identity));
     }
     if (column.default_text.empty()) continue;
     adder.Add(MakeConstraint("D", DefaultName(elements.constraints, column.name), {column.name}, column.default_text));
   }
+}
+
+std::int64_t IncrementOf(const ColumnDefinition& column) {
+  return column.identity_increment == 1 && column.identity_seed > 0 ? 0 : column.identity_increment;
 }
 
 bool HasKey(const std::string& definition, const std::string& name) {

@@ -22,6 +22,7 @@ struct Constraint {
   std::string to = {};                       // of F: the other table
   std::vector<std::string> referenced = {};  // of F: none for the primary key
   std::int64_t seed = 1;                     // of I
+  std::int64_t increment = 0;                // of I: 0 where SQLite counts by itself
   std::string index = {};                    // of IX: its name
 
   /// Whether the column is one of its columns.
@@ -40,6 +41,9 @@ const Constraint* FindKind(const Constraints& constraints, std::string_view kind
 /// Adds the constraints of a CREATE TABLE or an ALTER TABLE … ADD. What has no name gets one that the table has not
 /// yet.
 void AddConstraints(Constraints& constraints, const std::string& table, const TableElements& elements);
+
+/// What the identity of a definition counts by, 0 where SQLite counts by itself: by ones from a number above 0.
+std::int64_t IncrementOf(const ColumnDefinition& column);
 
 /// Whether a key of that name is among them, without regard to case.
 bool HasKey(const std::string& definition, const std::string& name);

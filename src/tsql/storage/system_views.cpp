@@ -191,6 +191,7 @@ std::vector<SystemView> ColumnViews() {
   };
   const std::string seed = "coalesce((SELECT json_extract(k.body, '$.seed') FROM (" + std::string(kConstraints) +
                            ") k WHERE k.object = c.object AND k.kind = 'I'), 1)";
+  const std::string increment = ReplaceAll(seed, "$.seed", "$.increment");
   const std::string columns =
       "SELECT c.object AS object_id, c.name, c.position AS column_id, " + std::string(kMeasures) +
       ", CASE WHEN c.base LIKE '%char' THEN " + std::string(kCollationName) +
@@ -201,11 +202,10 @@ std::vector<SystemView> ColumnViews() {
       std::string(kConstraints) +
       ") k WHERE k.object = c.object AND k.kind = 'D' AND json_extract(k.body, '$.columns[0]') = c.name COLLATE NOCASE),"
       " 0) AS default_object_id, " +
-      seed +
-      " AS seed_value, 1 AS increment_value, (SELECT s.seq FROM main.sqlite_sequence s WHERE s.name = c.owner"
-      " AND s.seq >= " +
-      seed + ") AS last_value FROM (" + std::string(kTyped) + ") c JOIN (" + std::string(kTypes) +
-      ") t ON t.name = c.base WHERE c.owner_kind <> 'procedure'";
+      seed + " AS seed_value, " + increment +
+      " AS increment_value, (SELECT s.seq FROM main.sqlite_sequence s WHERE s.name = c.owner AND (" + increment +
+      " < 0 OR s.seq >= " + seed + ")) AS last_value FROM (" + std::string(kTyped) + ") c JOIN (" +
+      std::string(kTypes) + ") t ON t.name = c.base WHERE c.owner_kind <> 'procedure'";
   return {
       {"sys", "columns", columns, column_columns},
       {"sys", "identity_columns", columns + " AND c.identity = 1",

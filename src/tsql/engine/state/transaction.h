@@ -94,7 +94,11 @@ class Transaction {
   bool taking_write_lock_ = false;
   std::chrono::steady_clock::time_point waiting_since_;
   std::optional<std::int64_t> identity_;
-  std::unordered_map<std::string, std::int64_t> given_identities_;  // by table, in the open transaction
+  struct GivenIdentity {
+    std::int64_t farthest = 0;
+    bool counts_down = false;
+  };
+  std::unordered_map<std::string, GivenIdentity> given_identities_;  // by table, in the open transaction
 };
 
 }  // namespace tessarlorn::tsql

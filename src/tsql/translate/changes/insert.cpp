@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "tsql/storage/constraint_text.h"
 #include "tsql/translate/changes/assignments.h"
 #include "tsql/translate/changes/output.h"
 #include "tsql/translate/common/conversion.h"
@@ -60,8 +61,11 @@ class InsertTranslator {
     return table_->columns[static_cast<std::size_t>(position)];
   }
   [[nodiscard]] std::string Value(const Typed& value, const Column& column) const {
-    return Assigned(translation_.parameters, value, column, ShownName(*table_));
+    const std::string sql = Assigned(translation_.parameters, value, column, ShownName(*table_));
+    return column.increment == 0 ? sql : Counted(column, sql);
   }
+  /// The value of an identity that SQLite does not count, "NULL" for the next one.
+  [[nodiscard]] std::string Counted(const Column& column, const std::string& value) const;
   /// Finds the columns that get values. Raises 264 and 544.
   void FindPositions(bool identity_insert);
   /// The defaults of the columns that are not among `given`.
@@ -103,16 +107,26 @@ void InsertTranslator::FindPositions(bool identity_insert) {
   }
 }
 
+std::string InsertTranslator::Counted(const Column& column, const std::string& value) const {
+  const Constraints constraints = ReadConstraints(table_->definition);
+  const Constraint* identity = FindKind(constraints, "I");
+  return std::string("ts_identity('") + (table_->temporary ? "temp" : "main") + ".sqlite_sequence', " +
+         QuoteText(table_->table_name()) + ", " + std::to_string(identity == nullptr ? 1 : identity->seed) + ", " +
+         std::to_string(column.increment) + ", " + Packed(column.type) + ", " + value + ")";
+}
+
 std::vector<Default> InsertTranslator::Defaults(const std::vector<int>& given) {
   std::vector<Default> defaults;
   for (int i = 0; i < static_cast<int>(table_->columns.size()); ++i) {
     const Column& column = ColumnAt(i);
     if (column.computed() || std::find(given.begin(), given.end(), i) != given.end()) continue;
-    if (column.default_text.empty()) {
+    if (column.increment != 0) {
+      defaults.push_back({column.name, Counted(column, "NULL")});
+    } else if (column.default_text.empty()) {
       if (column.row_key) defaults.push_back({column.name, Required("NULL", column, ShownName(*table_))});
-      continue;
+    } else {
+      defaults.push_back({column.name, DefaultSql(translation_, *table_, column)});
     }
-    defaults.push_back({column.name, DefaultSql(translation_, *table_, column)});
   }
   return defaults;
 }

@@ -1,6 +1,7 @@
 // Tables that change: constraints and columns that come, go and become others, with the rows that stand.
 #include <cstdio>
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include "tsql/database_support.h"
 #include "tsql/storage/maintenance.h"
@@ -157,6 +158,18 @@ TEST(Alteration, IsSeenByOthersAndKept) {
   EXPECT_EQ(Answer(*OpenEmbedded(file), "alter table t drop d insert t (a) values (4) select * from t where a > 2"),
             "a|b|c|id;3|7|8|5;4|NULL|NULL|7");
   EXPECT_TRUE(CheckEmbedded("Embedded=" + file).faults.empty());
+  // An earlier version noted no constraints: they are not lost.
+  Answer(*OpenEmbedded(file), "create table o (a int, b varchar(9) unique) insert o values (1, 'x')");
+  sqlite3* tool = nullptr;
+  ASSERT_EQ(sqlite3_open(file.c_str(), &tool), SQLITE_OK);
+  sqlite3_exec(tool, "UPDATE \"$objects\" SET definition = ''", nullptr, nullptr, nullptr);
+  sqlite3_close(tool);
+  EXPECT_EQ(
+      Answer(*OpenEmbedded(file), "alter table o add c int alter table o alter column a varchar(5)"),
+      "error 40000: Changing the table 'o', whose constraints an earlier version did not note, is not supported by "
+      "the embedded database.");
+  EXPECT_EQ(Answer(*OpenEmbedded(file), "insert o (b) values ('x')"),
+            "error 2627: Violation of UNIQUE KEY constraint on 'o.b'. Cannot insert duplicate key in object 'dbo.o'.");
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "platform/text/text.h"
 #include "tsql/engine/definitions.h"
 #include "tsql/engine/table_dependents.h"
+#include "tsql/translate/value.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -369,6 +370,7 @@ void TableAlteration::RequireFree(const Column& column, const Column* to) {
 }
 
 void TableAlteration::AlterColumn(const ColumnDefinition& definition) {
+  RequireCollation(definition.collation, 0);
   if (table_.FindColumn(definition.name) < 0) RaiseNoSuchColumn("ALTER", definition.name, table_.name);
   const Column from = ColumnNamed(definition.name);
   if (from.computed()) throw SqlError(4928, "Cannot alter column '" + from.name + "' because it is 'COMPUTED'.");

@@ -3,6 +3,7 @@
 
 #include "tsql/engine/definitions.h"
 #include "tsql/engine/table_alteration.h"
+#include "tsql/translate/value.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -23,6 +24,7 @@ Column ColumnOf(const CatalogObject& table, const ColumnDefinition& definition) 
   if (definition.identity && definition.identity_increment == 0) {
     throw SqlError(2753, "Identity column '" + definition.name + "' contains invalid INCREMENT.");
   }
+  RequireCollation(definition.collation, 0);
   if (definition.computed != nullptr) {
     Column column{definition.name, IntType(), definition.nullable.value_or(true), false, ""};
     column.computed_text = definition.computed_text;

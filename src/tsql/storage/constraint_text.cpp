@@ -100,7 +100,8 @@ class Adder {
   const std::string& table_;
 };
 
-Constraint MakeConstraint(const char* kind, std::string name, std::vector<std::string> columns, std::string text = "") {
+Constraint MakeConstraint(const char* kind, std::string name, std::vector<std::string> columns,
+                          const std::string& text = "") {
   Constraint constraint;
   constraint.kind = kind;
   constraint.name = std::move(name);

@@ -44,10 +44,9 @@ TEST(SchemaTest, CompletesAnOlderDatabase) {
   const std::string shape = Shape(database.connection());
   database.connection().Execute(
       "DROP INDEX IX_Web2ERPOrdersEx_Lock ON IC_Web2ERPOrdersEx\n"
-      "ALTER TABLE IC_Web2ERPOrdersEx DROP COLUMN FIsLock, FLockStatus, FLockReason, FJzService\n"
-      "ALTER TABLE IC_Web2ERPOrders DROP COLUMN FPrintPickCount, FPrintSendCount, FPrintExpressCount, FPrintSendList, "
-      "fisLocalChangeAddr, FPrintExpressUserID, FEMSStatus\n"
-      "ALTER TABLE t_MeasureUnit DROP COLUMN FItemID\n"
+      "ALTER TABLE IC_Web2ERPOrdersEx DROP CONSTRAINT IF EXISTS DF_IC_Web2ERPOrdersEx_FIsLock, DF_IC_Web2ERPOrdersEx_FLockStatus, DF_IC_Web2ERPOrdersEx_FLockReason, DF_IC_Web2ERPOrdersEx_FJzService, COLUMN FIsLock, FLockStatus, FLockReason, FJzService\n"
+      "ALTER TABLE IC_Web2ERPOrders DROP CONSTRAINT IF EXISTS DF_IC_Web2ERPOrders_FPrintPickCount, DF_IC_Web2ERPOrders_FPrintSendCount, DF_IC_Web2ERPOrders_FPrintExpressCount, DF_IC_Web2ERPOrders_FPrintSendList, DF_IC_Web2ERPOrders_fisLocalChangeAddr, DF_IC_Web2ERPOrders_FPrintExpressUserID, DF_IC_Web2ERPOrders_FEMSStatus, COLUMN FPrintPickCount, FPrintSendCount, FPrintExpressCount, FPrintSendList, fisLocalChangeAddr, FPrintExpressUserID, FEMSStatus\n"
+      "ALTER TABLE t_MeasureUnit DROP CONSTRAINT IF EXISTS DF_t_MeasureUnit_FItemID, COLUMN FItemID\n"
       "INSERT INTO t_MeasureUnit (FMeasureUnitID) VALUES (21)\n"
       "INSERT INTO IC_Web2ERPOrders (FID) VALUES (1)\n"
       "DROP VIEW vw_TplWeb2ERPOrders\n"

@@ -362,8 +362,7 @@ TEST(Language, StatementsOfManyShapes) {
       {"create table t (a int identity(5,1) not null primary key clustered, b varchar(9) default ('x''') null unique, c int "
        "constraint df default 0 check (c>=0), d int references o, constraint u unique (c, b)) insert t default values select * from t",
        "a|b|c|d;5|x'|0|NULL"},
-      {"insert t (c) values (-1)",
-       "error 547: The INSERT statement conflicted with the CHECK constraint \"(\"c\" >= 0)\"."},
+      {"insert t (c) values (-1)", "error 547: The INSERT statement conflicted with the CHECK constraint \"CK_t_c\"."},
       {"insert t (b, d) values ('y', 9)",
        "error 547: The INSERT statement conflicted with the FOREIGN KEY constraint."},
       {"begin tran save tran s insert t (b) values ('1') rollback tran s insert t (b) values ('2') commit select max(a) as a from t",
@@ -402,7 +401,6 @@ TEST(Language, FaultsOfSyntax) {
            std::pair{"select 1 as a for xml explicit", "FOR XML EXPLICIT"},
            {"select next value for s over (order by a) from t", "NEXT VALUE FOR … OVER"},
            {"select 1 from t group by all a", "GROUP BY ALL"},
-           {"create table t (a int) alter table t alter column a bigint", "ALTER COLUMN"},
            {"declare c cursor for select 1 for update", "A cursor FOR UPDATE"},
            {"create trigger x on t instead of insert as return", "INSTEAD OF"},
            {"create table t (a int references u(a) on delete cascade)", "ON DELETE CASCADE"},

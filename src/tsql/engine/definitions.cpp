@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/text/text.h"
+#include "tsql/engine/table_maker.h"
 #include "tsql/storage/trigger_rule.h"
 #include "tsql/translate/common/function_text.h"
 
@@ -39,8 +40,6 @@ std::vector<Column> ColumnsOf(const CreateTableStatement& table) {
   }
   return columns;
 }
-
-std::string_view SchemaOf(const CatalogObject& table) { return table.temporary ? "temp" : "main"; }
 
 }  // namespace
 

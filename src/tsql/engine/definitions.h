@@ -12,26 +12,20 @@
 
 namespace tessarlorn::tsql {
 
-/// A new table, and what stands behind its columns.
-struct NewTable {
-  CatalogObject table;
-  std::vector<std::string> primary_key;
-  std::vector<std::vector<std::string>> unique;
-  std::vector<std::string> constraints;  // as SQLite reads them
-};
-
 class Definitions {
  public:
   Definitions(SessionDatabase& database, PlanStore& plans, Evaluator& evaluator)
       : database_(database), plans_(plans), evaluator_(evaluator) {}
 
   // tables.cpp
-  void CreateTable(const CreateTableStatement& statement, std::uint32_t line, const Activation& activation);
+  void CreateTable(const CreateTableStatement& statement, const Activation& activation);
   /// Makes a table. Raises 2714 when there is one of its name.
-  void CreateTable(NewTable made);
+  void CreateTable(CatalogObject table, const Activation& activation);
   /// Makes the table variable that a function could not make while a change called it. @return whether there is one
   bool MakeWanted(const Activation& activation);
-  void AlterTable(const AlterTableStatement& statement, std::uint32_t line, const Activation& activation);
+  /// The identity of a table that was emptied begins with its seed.
+  void RestartIdentity(const CatalogObject& table, const Activation& activation);
+  void AlterTable(const AlterTableStatement& statement, const Activation& activation);
 
   // definitions.cpp
   void CreateIndex(const CreateIndexStatement& statement, std::uint32_t line, const Activation& activation);
@@ -56,11 +50,6 @@ class Definitions {
   void RequireUnreferenced(const CatalogObject& table, std::int32_t number, const std::string& message);
 
  private:
-  void AddColumns(CatalogObject table, const TableElements& elements, std::uint32_t line, const Activation& activation);
-  Column AddColumn(const CatalogObject& table, const ColumnDefinition& definition, std::uint32_t line,
-                   const Activation& activation);
-  void DropColumns(CatalogObject table, const std::vector<std::string>& columns);
-  std::string CheckText(const CatalogObject& table, const std::string& text, const Activation& activation);
   bool IndexExists(const CatalogObject& table, const std::string& index);
   /// A table goes with its triggers.
   void DropObject(const CatalogObject& object);

@@ -140,7 +140,7 @@ class Interpreter::Runner {
   Flow operator()(const DeleteStatement& /*node*/) const { return Change(); }
   Flow operator()(const MergeStatement& /*node*/) const { return Change(); }
   Flow operator()(const TruncateStatement& node) const {
-    of_.rows_.Truncate(node);
+    of_.rows_.Truncate(node, activation_);
     return of_.Done();
   }
 
@@ -149,7 +149,7 @@ class Interpreter::Runner {
     for (const CreateTableStatement& table : node.tables) {
       // In a loop it stands, with its rows.
       if (of_.database_.catalog().Find(table.table.name) != nullptr) continue;
-      of_.definitions_.CreateTable(table, line_, activation_);
+      of_.definitions_.CreateTable(table, activation_);
     }
     return of_.Declare(node, activation_);
   }
@@ -246,11 +246,11 @@ class Interpreter::Runner {
 
   // Definitions
   Flow operator()(const CreateTableStatement& node) const {
-    of_.definitions_.CreateTable(node, line_, activation_);
+    of_.definitions_.CreateTable(node, activation_);
     return of_.Done();
   }
   Flow operator()(const AlterTableStatement& node) const {
-    of_.definitions_.AlterTable(node, line_, activation_);
+    of_.definitions_.AlterTable(node, activation_);
     return of_.Done();
   }
   Flow operator()(const DropStatement& node) const {

@@ -3,7 +3,7 @@
 
 #include "platform/text/text.h"
 #include "tsql/engine/definitions.h"
-#include "tsql/syntax/token.h"
+#include "tsql/engine/table_dependents.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -18,6 +18,11 @@ SqlError RenameError(std::int32_t number, const std::string& text) { return {num
 [[noreturn]] void RaiseWrongKind(const char* kind) {
   throw RenameError(15248, std::string("Either the parameter @objname is ambiguous or the claimed @objtype (") + kind +
                                ") is wrong.");
+}
+
+[[noreturn]] void RaiseInUse(const CatalogObject& table, const std::string& column) {
+  throw RenameError(15336, "Object '" + table.name + "." + column +
+                               "' cannot be renamed because the object participates in enforced dependencies.");
 }
 
 }  // namespace
@@ -74,14 +79,12 @@ void Definitions::RenameColumn(const CatalogObject& table, const std::string& co
                                             QuoteText(table.definition.empty() ? "[]" : table.definition) +
                                             ") WHERE value ->> '$.kind' IN ('C', 'IX') AND value ->> '$.text' <> ''");
   while (texts.Step("SELECT")) {
-    const std::string text = texts.Text(0);
-    Tokens tokens;
-    TokenizeDefinition(text, database_.names(), tokens);
-    const auto names_column = [&](const Token& token) { return EqualsIgnoreCase(token.text, column); };
-    if (std::any_of(tokens.tokens.begin(), tokens.tokens.end(), names_column)) {
-      throw RenameError(15336, "Object '" + table.name + "." + column +
-                                   "' cannot be renamed because the object participates in enforced dependencies.");
+    if (NamesColumn(database_, texts.Text(0), column)) {
+      RaiseInUse(table, column);
     }
+  }
+  for (const Column& other : table.columns) {
+    if (other.computed() && NamesColumn(database_, other.computed_text, column)) RaiseInUse(table, column);
   }
   database_.Run("ALTER TABLE " + TableSql(table) + " RENAME COLUMN " + QuoteName(column) + " TO " +
                 QuoteName(new_name));

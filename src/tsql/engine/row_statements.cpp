@@ -4,6 +4,8 @@
 #include <optional>
 #include <utility>
 
+#include "tsql/storage/constraint_text.h"
+
 namespace tessarlorn::tsql {
 namespace {
 
@@ -68,16 +70,19 @@ void RowStatements::Describe(const Statement& statement, const Activation& activ
 void RowStatements::SelectInto(const Query& query, const Activation& activation) {
   const Transaction::Snapshot snapshot(transaction_, database_.catalog());
   const ObjectName& into = query.select()->into;
-  NewTable made;
-  made.table.name = into.name;
-  made.table.temporary = into.temporary();
+  CatalogObject made;
+  made.name = into.name;
+  made.temporary = into.temporary();
+  Constraints constraints;
   for (const ResultColumn& column : plans_.MakeTranslator(activation).DescribeQuery(query, true)) {
     SqlType type = column.type.untyped_null ? IntType() : column.type;
     if (type.is_integer()) type.precision = 0;
-    made.table.columns.push_back({column.name, type, column.nullable, column.identity, ""});
+    made.columns.push_back({column.name, type, column.nullable, column.identity, ""});
+    if (column.identity) constraints.push_back({"I", "I_" + made.name + "_" + column.name, {column.name}});
   }
+  made.definition = WriteConstraints(constraints);
   database_.Atomically([&] {
-    definitions_.CreateTable(std::move(made));
+    definitions_.CreateTable(std::move(made), activation);
     const CatalogObjectPtr table = database_.catalog().Get(into.name);
     Compiled compiled = plans_.MakeTranslator(activation).CompileInsertInto(*table, query);
     Run(compiled, activation);
@@ -85,16 +90,14 @@ void RowStatements::SelectInto(const Query& query, const Activation& activation)
   results_.TellRowCount();
 }
 
-void RowStatements::Truncate(const TruncateStatement& statement) {
+void RowStatements::Truncate(const TruncateStatement& statement, const Activation& activation) {
   RequireLocal(statement.table);
   const CatalogObjectPtr table = database_.catalog().Get(statement.table.name);
   definitions_.RequireUnreferenced(
       *table, 4712,
       "Cannot truncate table '" + table->name + "' because it is being referenced by a FOREIGN KEY constraint.");
   database_.Run("DELETE FROM " + TableSql(*table));
-  if (table->identity_column() < 0) return;
-  database_.Run(std::string("DELETE FROM ") + (table->temporary ? "temp" : "main") +
-                ".sqlite_sequence WHERE name = " + QuoteText(table->name));
+  if (table->identity_column() >= 0) definitions_.RestartIdentity(*table, activation);
 }
 
 bool RowStatements::RunCompiled(const Statement& statement, const Activation& activation) {
@@ -258,6 +261,7 @@ void RowStatements::MoveRows(const Statement& statement, const Activation& activ
   bool numbered = false;
   for (std::size_t i = 0; i < table->columns.size(); ++i) {
     const Column& column = table->columns[i];
+    if (column.computed()) continue;
     columns += ", c" + std::to_string(i);
     names += ", " + QuoteName(column.name);
     numbered = numbered || column.identity || column.row_key;

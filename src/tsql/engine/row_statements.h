@@ -31,7 +31,7 @@ class RowStatements {
   void Describe(const Statement& statement, const Activation& activation);
   /// INSERT, UPDATE, DELETE or MERGE, but for INSERT … EXEC, with what the table's triggers do then.
   void Change(const Statement& statement, const Activation& activation);
-  void Truncate(const TruncateStatement& statement);
+  void Truncate(const TruncateStatement& statement, const Activation& activation);
   /// INSERT … EXEC: inserts what the procedure answered.
   void InsertAnswers(const InsertStatement& insert, const std::vector<TakenRows>& taken, const Activation& activation);
 

@@ -22,7 +22,7 @@ bool Definitions::MakeWanted(const Activation& activation) {
   Catalog& catalog = database_.catalog();
   catalog.EnterScope();
   try {
-    CreateTable(*wanted.statement, 0, activation);
+    CreateTable(*wanted.statement, activation);
   } catch (...) {
     catalog.LeaveScope();
     throw;

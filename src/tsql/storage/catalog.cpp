@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "platform/text/text.h"
+#include "tsql/storage/constraint_text.h"
 #include "tsql/storage/sqlite_handle.h"
 #include "tsql/values/sql_error.h"
 
@@ -13,6 +14,13 @@ namespace {
 // What "$columns".identity holds.
 constexpr int kIdentity = 1;
 constexpr int kRowKey = 2;
+constexpr int kComputed = 3;
+constexpr int kPersisted = 4;
+
+std::int64_t CodeOf(const Column& column) {
+  if (column.computed()) return column.persisted ? kPersisted : kComputed;
+  return column.identity ? kIdentity : column.row_key ? kRowKey : 0;
+}
 
 constexpr std::string_view kKindNames[] = {
     "table", "view", "procedure", "function", "table function", "sequence", "filled table function", "trigger"};
@@ -26,6 +34,21 @@ CREATE TABLE IF NOT EXISTS "$columns" (
   nullable INTEGER NOT NULL, identity INTEGER NOT NULL, default_text TEXT NOT NULL, PRIMARY KEY (object, position)
 ) WITHOUT ROWID;
 )";
+
+void ReadIncrement(CatalogObject& object) {
+  const int identity = object.identity_column();
+  if (identity < 0 || object.definition.find("\"increment\":") == std::string::npos) return;
+  const Constraints constraints = ReadConstraints(object.definition);
+  if (const Constraint* noted = FindKind(constraints, "I")) {
+    object.columns[static_cast<std::size_t>(identity)].increment = noted->increment;
+  }
+}
+
+std::int64_t TemporaryVersion(sqlite3* database) {
+  SqliteStatement version(database, "PRAGMA temp.schema_version");
+  version.Step();
+  return version.Integer(0);
+}
 
 }  // namespace
 
@@ -99,7 +122,11 @@ void CatalogObject::Seal() {
                   (column.identity  ? "identity "
                    : column.row_key ? "key "
                                     : "") +
-                  column.default_text;
+                  column.default_text +
+                  (column.persisted    ? " persisted as "
+                   : column.computed() ? " as "
+                                       : "") +
+                  column.computed_text;
   }
 }
 
@@ -131,12 +158,37 @@ void Catalog::Refresh() {
 }
 
 void Catalog::RefreshTemporaries() {
-  if (!stale_) return;
-  std::erase_if(temporaries_, [this](const auto& entry) {
-    SqliteStatement table(database_, "SELECT 1 FROM sqlite_temp_schema WHERE type='table' AND lower(name)=?1");
-    table.BindText(1, entry.first);
-    return !table.Step();
-  });
+  if (!stale_) {
+    if (!pasts_.empty() && sqlite3_get_autocommit(database_) != 0) pasts_.clear();
+    return;
+  }
+  const std::int64_t version = TemporaryVersion(database_);
+  for (auto& [key, past] : pasts_) {
+    while (past.size() > 1 && past.back().version > version) past.pop_back();
+    if (past.back().object == nullptr) {
+      temporaries_.erase(key);
+    } else {
+      temporaries_[key] = past.back().object;
+    }
+  }
+}
+
+void Catalog::ChangeTemporary(const std::string& key, CatalogObjectPtr object) {
+  Objects& objects = ObjectsLike(*this, key);
+  const auto old = objects.find(key);
+  if (key[0] == '#') {
+    std::vector<Past>& past = pasts_[key];
+    if (past.empty()) past.push_back({0, old == objects.end() ? nullptr : old->second});
+    // A change of the definition alone makes no other version by itself.
+    const std::int64_t version = TemporaryVersion(database_) + 1;
+    RunSql(database_, "PRAGMA temp.schema_version = " + std::to_string(version));
+    past.push_back({version, object});
+  }
+  if (object == nullptr) {
+    objects.erase(key);
+  } else {
+    objects[key] = std::move(object);
+  }
 }
 
 void Catalog::RefreshTo(std::int64_t version) {
@@ -174,11 +226,14 @@ void Catalog::Load() {
     column.nullable = columns.Integer(3) != 0;
     column.identity = columns.Integer(4) == kIdentity;
     column.row_key = columns.Integer(4) == kRowKey;
-    column.default_text = columns.Text(5);
+    column.persisted = columns.Integer(4) == kPersisted;
+    const bool computed = column.persisted || columns.Integer(4) == kComputed;
+    (computed ? column.computed_text : column.default_text) = columns.Text(5);
     const auto owner = read.find(columns.Integer(0));
     if (owner != read.end()) owner->second.columns.push_back(std::move(column));
   }
   for (auto& [id, object] : read) {
+    ReadIncrement(object);
     object.Seal();
     std::string key = LowerCase(object.name);
     Keep(std::move(key), std::move(object));
@@ -224,7 +279,7 @@ void Catalog::Replace(CatalogObject object) {
   const std::string key = LowerCase(object.name);
   if (object.temporary) {
     object.id = next_temporary_id_--;
-    ObjectsLike(*this, key)[key] = std::make_shared<const CatalogObject>(std::move(object));
+    ChangeTemporary(key, std::make_shared<const CatalogObject>(std::move(object)));
     return;
   }
   if (const auto old = objects_.find(key); old != objects_.end()) object.id = old->second->id;
@@ -239,8 +294,8 @@ void Catalog::Replace(CatalogObject object) {
     insert.BindText(3, column.name);
     insert.BindText(4, TypeText(column.type));
     insert.BindInteger(5, std::int64_t{column.nullable ? 1 : 0});
-    insert.BindInteger(6, std::int64_t{column.identity ? kIdentity : column.row_key ? kRowKey : 0});
-    insert.BindText(7, column.default_text);
+    insert.BindInteger(6, CodeOf(column));
+    insert.BindText(7, column.computed() ? column.computed_text : column.default_text);
     insert.Step();
   }
   Keep(key, std::move(object));
@@ -254,8 +309,8 @@ void Catalog::Write(const CatalogObject& object) {
   insert.BindText(3, object.definition);
   insert.BindInteger(4, object.id);
   insert.Step();
-  // Views, procedures and triggers are no SQLite objects: the version says to other connections that something changed.
-  if (object.kind != CatalogKind::kTable) CountUp();
+  // Where no SQLite object changes, the version says to other connections that something did.
+  if (object.kind != CatalogKind::kTable || object.id != 0) CountUp();
 }
 
 void Catalog::CountUp() {
@@ -268,7 +323,7 @@ void Catalog::Remove(std::string_view name) {
   ++generation_;
   const std::string key = LowerCase(name);
   if (IsTemporaryName(key)) {
-    ObjectsLike(*this, key).erase(key);
+    ChangeTemporary(key, nullptr);
     return;
   }
   const auto found = objects_.find(key);

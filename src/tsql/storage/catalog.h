@@ -24,6 +24,13 @@ struct Column {
   std::string default_text;
   /// It is SQLite's own row number, which takes no NULL but makes a number of it.
   bool row_key = false;
+  /// Of an identity that SQLite does not count by itself what it counts by, else 0.
+  std::int64_t increment = 0;
+  /// The expression of a computed column as written, "" of any other.
+  std::string computed_text = {};
+  /// A computed column that is stored with the row.
+  bool persisted = false;
+  [[nodiscard]] bool computed() const { return !computed_text.empty(); }
 };
 
 enum class CatalogKind : std::uint8_t {
@@ -188,6 +195,8 @@ class Catalog {
     return name[0] == '#' ? self.temporaries_ : self.scopes_.back();
   }
   std::int64_t SchemaVersion();
+  /// Puts a temporary table in the place of its former definition; null for none.
+  void ChangeTemporary(const std::string& key, CatalogObjectPtr object);
   void Write(const CatalogObject& object);
   /// Puts an object that stands in the file among those that are known.
   void Keep(std::string key, CatalogObject object);
@@ -197,6 +206,13 @@ class Catalog {
   int holds_ = 0;
   Objects objects_;
   Objects temporaries_;
+  /// What a temporary table was from a version of SQLite's temporary schema on; null where it was dropped.
+  struct Past {
+    std::int64_t version = 0;
+    CatalogObjectPtr object;
+  };
+  /// A rollback makes a temporary table what it was. By lower-case name, as long as a transaction is open.
+  std::unordered_map<std::string, std::vector<Past>> pasts_;
   std::vector<Objects> scopes_ = std::vector<Objects>(1);  // of table variables
   std::vector<CatalogObjectPtr> triggers_;                 // by their numbers
   std::vector<TriggerRows> trigger_rows_;                  // of the triggers that run, innermost last

@@ -34,8 +34,15 @@ void Catalog::ChangeConstraints(const std::string& changed, const std::string& w
 void Catalog::NoteIndex(const CatalogObject& table, const std::string& index, const std::vector<std::string>& included,
                         const std::string& condition) {
   if (table.temporary || (included.empty() && condition.empty())) return;
+  Constraint note;
+  note.kind = "IX";
+  note.index = index;
+  note.columns = included;
+  note.text = condition.empty() ? "" : "(" + condition + ")";
+  Constraints constraints = ReadConstraints(table.definition);
+  constraints.push_back(std::move(note));
   CatalogObject changed = table;
-  AddIndexNote(changed.definition, index, included, condition);
+  changed.definition = WriteConstraints(constraints);
   Replace(std::move(changed));
 }
 

@@ -1,6 +1,10 @@
 #include "tsql/storage/constraint_text.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "platform/text/text.h"
+#include "tsql/functions/json/json.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -26,52 +30,101 @@ std::string JsonList(const std::vector<std::string>& texts) {
   return json + "]";
 }
 
-/// Writes the constraints of one table.
-class Writer {
- public:
-  Writer(std::string& definition, const std::string& table) : definition_(definition), table_(table) {}
+std::string JsonOf(const Constraint& constraint) {
+  std::string json = "{\"kind\":" + JsonText(constraint.kind);
+  if (constraint.kind.empty()) return json + "}";
+  const auto add = [&](const char* key, const std::string& text) {
+    if (!text.empty()) json.append(",\"").append(key).append("\":").append(JsonText(text));
+  };
+  add("name", constraint.name);
+  add("index", constraint.index);
+  json += ",\"columns\":" + JsonList(constraint.columns);
+  add("text", constraint.text);
+  add("to", constraint.to);
+  if (!constraint.referenced.empty()) json += ",\"referenced\":" + JsonList(constraint.referenced);
+  if (constraint.kind == "I") json += ",\"seed\":" + std::to_string(constraint.seed);
+  if (constraint.increment != 0) json += ",\"increment\":" + std::to_string(constraint.increment);
+  return json + "}";
+}
 
-  void Add(std::string_view kind, std::string name, const std::vector<std::string>& columns,
-           const std::string& more = "") {
-    if (name.empty()) name = FreeName(kind, columns);
-    if (definition_.empty()) definition_ = "[]";
-    definition_.pop_back();
-    if (definition_.size() > 1) definition_ += ",";
-    definition_ += "{\"kind\":" + JsonText(kind) + NameText(name) + ",\"columns\":" + JsonList(columns) + more + "}]";
+std::vector<std::string> TextsOf(const JsonNode& list) {
+  std::vector<std::string> texts;
+  for (const JsonMember& member : list.members) texts.push_back(member.value.Scalar());
+  return texts;
+}
+
+Constraint ConstraintOf(const JsonNode& node) {
+  Constraint constraint;
+  for (const JsonMember& member : node.members) {
+    const JsonNode& value = member.value;
+    if (member.key == "kind") constraint.kind = value.Scalar();
+    if (member.key == "name") constraint.name = value.Scalar();
+    if (member.key == "columns") constraint.columns = TextsOf(value);
+    if (member.key == "text") constraint.text = value.Scalar();
+    if (member.key == "to") constraint.to = value.Scalar();
+    if (member.key == "referenced") constraint.referenced = TextsOf(value);
+    if (member.key == "seed") constraint.seed = std::stoll(value.Scalar());
+    if (member.key == "increment") constraint.increment = std::stoll(value.Scalar());
+    if (member.key == "index") constraint.index = value.Scalar();
+  }
+  return constraint;
+}
+
+/// Adds constraints to those of one table, and names them.
+class Adder {
+ public:
+  Adder(Constraints& constraints, const std::string& table) : constraints_(constraints), table_(table) {}
+
+  void Add(Constraint constraint) {
+    if (constraint.name.empty()) constraint.name = FreeName(constraint);
+    constraints_.push_back(std::move(constraint));
   }
 
  private:
   /// PK_table, UQ_table_column.
-  [[nodiscard]] std::string FreeName(std::string_view kind, const std::vector<std::string>& columns) const {
-    std::string name = kind == "F" ? "FK" : kind == "C" ? "CK" : kind == "D" ? "DF" : std::string(kind);
-    name += "_" + table_;
+  [[nodiscard]] std::string FreeName(const Constraint& constraint) const {
+    const std::string& kind = constraint.kind;
+    std::string name = (kind == "F" ? "FK" : kind == "C" ? "CK" : kind == "D" ? "DF" : kind) + "_" + table_;
     if (kind != "PK") {
-      for (const std::string& column : columns) name += "_" + column;
+      for (const std::string& column : constraint.columns) name += "_" + column;
     }
     std::string free = name;
-    for (int i = 2; definition_.find(NameText(free)) != std::string::npos; ++i) free = name + "_" + std::to_string(i);
+    const auto has_it = [&](const Constraint& other) { return EqualsIgnoreCase(other.name, free); };
+    for (int i = 2; std::any_of(constraints_.begin(), constraints_.end(), has_it); ++i) {
+      free = name + "_" + std::to_string(i);
+    }
     return free;
   }
 
-  std::string& definition_;
+  Constraints& constraints_;
   const std::string& table_;
 };
 
-std::string TextMember(std::string_view text) { return ",\"text\":" + JsonText(text); }
+Constraint MakeConstraint(const char* kind, std::string name, std::vector<std::string> columns,
+                          const std::string& text = "") {
+  Constraint constraint;
+  constraint.kind = kind;
+  constraint.name = std::move(name);
+  constraint.columns = std::move(columns);
+  constraint.text = text.empty() ? "" : "(" + text + ")";
+  return constraint;
+}
 
-void AddConstraint(Writer& writer, const TableConstraint& constraint) {
+void AddConstraint(Adder& adder, const TableConstraint& constraint) {
   const std::string& name = constraint.name;
   std::visit(Overloaded{
-                 [&](const PrimaryKeyRule& key) { writer.Add("PK", name, key.columns); },
-                 [&](const UniqueRule& key) { writer.Add("UQ", name, key.columns); },
+                 [&](const PrimaryKeyRule& key) { adder.Add(MakeConstraint("PK", name, key.columns)); },
+                 [&](const UniqueRule& key) { adder.Add(MakeConstraint("UQ", name, key.columns)); },
                  [&](const ForeignKeyRule& key) {
-                   const std::string columns = key.referenced_columns.empty()
-                                                   ? std::string()
-                                                   : ",\"referenced\":" + JsonList(key.referenced_columns);
-                   writer.Add("F", name, key.columns, ",\"to\":" + JsonText(key.references.name) + columns);
+                   Constraint reference = MakeConstraint("F", name, key.columns);
+                   reference.to = key.references.name;
+                   reference.referenced = key.referenced_columns;
+                   adder.Add(std::move(reference));
                  },
-                 [&](const CheckRule& check) { writer.Add("C", name, {}, TextMember("(" + check.text + ")")); },
-                 [](const DefaultRule&) {},
+                 [&](const CheckRule& check) { adder.Add(MakeConstraint("C", name, {}, check.text)); },
+                 [&](const DefaultRule& rule) {
+                   if (rule.value != nullptr) adder.Add(MakeConstraint("D", name, {rule.column}, rule.text));
+                 },
              },
              constraint.rule);
 }
@@ -88,31 +141,52 @@ std::string DefaultName(const std::vector<TableConstraint>& constraints, const s
 
 }  // namespace
 
-void AddConstraints(std::string& definition, const std::string& table, const TableElements& elements) {
-  Writer writer(definition, table);
-  std::vector<std::string> primary_key;
+bool Constraint::HasColumn(std::string_view column) const {
+  return std::any_of(columns.begin(), columns.end(),
+                     [&](const std::string& own) { return EqualsIgnoreCase(own, column); });
+}
+
+Constraints ReadConstraints(const std::string& definition) {
+  Constraints constraints;
+  if (definition.empty()) return constraints;
+  for (const JsonMember& member : ParseJson(definition).members) constraints.push_back(ConstraintOf(member.value));
+  return constraints;
+}
+
+std::string WriteConstraints(const Constraints& constraints) {
+  std::string json;
+  for (const Constraint& constraint : constraints) json += (json.empty() ? "[" : ",") + JsonOf(constraint);
+  return json.empty() ? json : json + "]";
+}
+
+const Constraint* FindKind(const Constraints& constraints, std::string_view kind) {
+  const auto found = std::find_if(constraints.begin(), constraints.end(),
+                                  [&](const Constraint& constraint) { return constraint.kind == kind; });
+  return found == constraints.end() ? nullptr : &*found;
+}
+
+void AddConstraints(Constraints& constraints, const std::string& table, const TableElements& elements) {
+  Adder adder(constraints, table);
   for (const ColumnDefinition& column : elements.columns) {
-    if (column.primary_key) primary_key.push_back(column.name);
+    if (column.primary_key) adder.Add(MakeConstraint("PK", "", {column.name}));
   }
-  if (!primary_key.empty()) writer.Add("PK", "", primary_key);
-  for (const TableConstraint& constraint : elements.constraints) AddConstraint(writer, constraint);
+  for (const TableConstraint& constraint : elements.constraints) AddConstraint(adder, constraint);
   for (const ColumnDefinition& column : elements.columns) {
-    if (column.unique) writer.Add("UQ", "", {column.name});
-    if (column.check != nullptr) writer.Add("C", "", {column.name}, TextMember("(" + column.check_text + ")"));
-    if (column.identity) writer.Add("I", "", {column.name}, ",\"seed\":" + std::to_string(column.identity_seed));
+    if (column.unique) adder.Add(MakeConstraint("UQ", "", {column.name}));
+    if (column.check != nullptr) adder.Add(MakeConstraint("C", "", {column.name}, column.check_text));
+    if (column.identity) {
+      Constraint identity = MakeConstraint("I", "", {column.name});
+      identity.seed = column.identity_seed;
+      identity.increment = IncrementOf(column);
+      adder.Add(std::move(identity));
+    }
     if (column.default_text.empty()) continue;
-    writer.Add("D", DefaultName(elements.constraints, column.name), {column.name},
-               TextMember("(" + column.default_text + ")"));
+    adder.Add(MakeConstraint("D", DefaultName(elements.constraints, column.name), {column.name}, column.default_text));
   }
 }
 
-void AddIndexNote(std::string& definition, const std::string& index, const std::vector<std::string>& included,
-                  const std::string& condition) {
-  if (definition.empty()) definition = "[]";
-  definition.pop_back();
-  if (definition.size() > 1) definition += ",";
-  definition += R"({"kind":"IX","index":)" + JsonText(index) + ",\"columns\":" + JsonList(included) +
-                TextMember(condition.empty() ? "" : "(" + condition + ")") + "}]";
+std::int64_t IncrementOf(const ColumnDefinition& column) {
+  return column.identity_increment == 1 && column.identity_seed > 0 ? 0 : column.identity_increment;
 }
 
 bool HasKey(const std::string& definition, const std::string& name) {

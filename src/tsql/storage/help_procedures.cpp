@@ -102,7 +102,7 @@ IF @type IN ('P', 'FN', 'IF', 'TF') BEGIN
       FROM sys.syscolumns c WHERE c.id = @id AND (@type NOT IN ('IF', 'TF') OR c.name LIKE '@%')) p ORDER BY colid
   IF @type NOT IN ('IF', 'TF') RETURN 0
 END
-SELECT name AS Column_name, TYPE_NAME(xusertype) AS Type, CAST('no' AS varchar(35)) AS Computed, CAST(length AS int) AS Length,
+SELECT name AS Column_name, TYPE_NAME(xusertype) AS Type, CAST(CASE iscomputed WHEN 1 THEN 'yes' ELSE 'no' END AS varchar(35)) AS Computed, CAST(length AS int) AS Length,
   CAST(CASE WHEN xprec > 0 THEN CAST(prec AS varchar(5)) ELSE '     ' END AS char(5)) AS Prec,
   CAST(CASE WHEN xprec > 0 THEN CAST(scale AS varchar(5)) ELSE '     ' END AS char(5)) AS Scale,
   CAST(CASE isnullable WHEN 1 THEN 'yes' ELSE 'no' END AS varchar(35)) AS Nullable,

@@ -117,7 +117,7 @@ std::vector<SystemView> InformationOfColumns() {
   return {
       {"information_schema", "columns",
        From(R"(SELECT 'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, owner AS TABLE_NAME, name AS COLUMN_NAME,
- position AS ORDINAL_POSITION, CASE default_text WHEN '' THEN NULL ELSE default_text END AS COLUMN_DEFAULT,
+ position AS ORDINAL_POSITION, CASE WHEN identity < 3 THEN nullif(default_text, '') END AS COLUMN_DEFAULT,
  CASE nullable WHEN 1 THEN 'YES' ELSE 'NO' END AS IS_NULLABLE, )" +
                 kSizes,
             kTyped, " WHERE of_call = 0 AND owner_kind IN ('table', 'view')"),

@@ -79,7 +79,7 @@ FROM pragma_foreign_key_check)");
  (SELECT 1 FROM "$objects" o WHERE o.name = s.name COLLATE NOCASE))");
     add(R"(SELECT 'column ' || o.name || '.' || c.name || ' is defined and not there' FROM "$columns" c
  JOIN "$objects" o ON o.id = c.object WHERE o.kind = 'table' AND NOT EXISTS
- (SELECT 1 FROM pragma_table_info(o.name) i WHERE i.name = c.name COLLATE NOCASE))");
+ (SELECT 1 FROM pragma_table_xinfo(o.name) i WHERE i.name = c.name COLLATE NOCASE))");
   } catch (const SqlError& error) {
     // Reading ended at the damage.
     if (error.number() != 823 && error.number() != 824) throw;

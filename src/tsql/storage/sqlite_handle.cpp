@@ -169,6 +169,9 @@ struct ShownDatabase {
         "event and only expected for extremely complex queries or queries that reference a very large number "
         "of tables or partitions. Please simplify the query.");
   }
+  if (message.starts_with("non-deterministic")) {
+    RaiseUnsupported("A computed column, a CHECK constraint or an index of what is not deterministic");
+  }
   if (message == "no query solution") {
     throw SqlError(
         8622,

@@ -236,25 +236,27 @@ std::vector<SystemView> ColumnViews() {
   };
   const std::string seed = "coalesce((SELECT json_extract(k.body, '$.seed') FROM (" + std::string(kConstraints) +
                            ") k WHERE k.object = c.object AND k.kind = 'I'), 1)";
+  const std::string increment = ReplaceAll(seed, "$.seed", "$.increment");
   const std::string columns =
       "SELECT c.object AS object_id, c.name, c.position AS column_id, " + std::string(kMeasures) +
       ", CASE WHEN c.base LIKE '%char' THEN " + std::string(kCollationName) +
       " END AS collation_name, c.nullable AS is_nullable,"
-      " c.identity = 1 AS is_identity, 0 AS is_computed, NULL AS definition, 0 AS is_persisted,"
+      " c.identity = 1 AS is_identity, c.identity >= 3 AS is_computed, '(' || c.default_text || ')' AS definition,"
+      " c.identity = 4 AS is_persisted,"
       " coalesce((SELECT k.id FROM (" +
       std::string(kConstraints) +
       ") k WHERE k.object = c.object AND k.kind = 'D' AND json_extract(k.body, '$.columns[0]') = c.name COLLATE NOCASE),"
       " 0) AS default_object_id, " +
-      seed +
-      " AS seed_value, 1 AS increment_value, (SELECT s.seq FROM main.sqlite_sequence s WHERE s.name = c.owner"
-      " AND s.seq >= " +
-      seed + ") AS last_value FROM (" + std::string(kTyped) + ") c JOIN (" + std::string(kTypes) +
-      ") t ON t.name = c.base WHERE c.of_call = 0 AND c.owner_kind <> 'trigger'";
+      seed + " AS seed_value, " + increment +
+      " AS increment_value, (SELECT s.seq FROM main.sqlite_sequence s WHERE s.name = c.owner AND (" + increment +
+      " < 0 OR s.seq >= " + seed + ")) AS last_value FROM (" + std::string(kTyped) + ") c JOIN (" +
+      std::string(kTypes) + ") t ON t.name = c.base WHERE c.of_call = 0 AND c.owner_kind <> 'trigger'";
   return {
       {"sys", "columns", columns, column_columns},
       {"sys", "identity_columns", columns + " AND c.identity = 1",
        with(column_columns, {Int("seed_value"), Int("increment_value"), Int("last_value")})},
-      {"sys", "computed_columns", columns + " AND 0", with(column_columns, {Text("definition"), Bit("is_persisted")})},
+      {"sys", "computed_columns", columns + " AND c.identity >= 3",
+       with(column_columns, {Text("definition"), Bit("is_persisted")})},
       {"sys",
        "parameters",
        "SELECT c.object AS object_id, c.name, c.parameter_position AS parameter_id, " + std::string(kMeasures) +

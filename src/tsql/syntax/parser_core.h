@@ -293,6 +293,7 @@ class Parser {
   // parser_table.cpp
   StatementPtr ParseCreateTable();
   StatementPtr ParseAlterTable();
+  AlterTableStatement::Drop ParseDroppedElements();
   /// ( … ) of CREATE TABLE
   TableElements ParseTableElements();
   void ParseTableElement(TableElements& elements);

@@ -38,36 +38,40 @@ StatementPtr Parser::ParseAlterTable() {
   if (AcceptBoth("with"_kw, "nocheck"_kw)) Refuse("ALTER TABLE … WITH NOCHECK");
   AcceptBoth("with"_kw, "check"_kw);
   if (Accept("add"_kw)) {
-    TableElements elements;
+    AlterTableStatement::Add add;
     do {
-      ParseTableElement(elements);
+      ParseTableElement(add.elements);
     } while (Accept(Op::kComma));
-    if (elements.columns.empty()) {
-      alter.action = AlterTableStatement::AddConstraints{std::move(elements.constraints)};
-    } else {
-      alter.action = AlterTableStatement::AddColumns{std::move(elements)};
-    }
+    alter.action = std::move(add);
   } else if (Accept("drop"_kw)) {
-    const bool columns = Accept("column"_kw);
-    if (!columns) Accept("constraint"_kw);
-    AcceptBoth("if"_kw, "exists"_kw);
-    std::vector<std::string> names;
-    do {
-      names.push_back(ParseName());
-    } while (Accept(Op::kComma));
-    if (columns) {
-      alter.action = AlterTableStatement::DropColumns{std::move(names)};
-    } else {
-      alter.action = AlterTableStatement::DropConstraints{std::move(names)};
-    }
+    alter.action = ParseDroppedElements();
   } else if (AcceptBoth("alter"_kw, "column"_kw)) {
-    std::vector<TableConstraint> constraints;
-    alter.action = AlterTableStatement::AlterColumn{ParseColumnDefinition(constraints)};
+    AlterTableStatement::AlterColumn change;
+    change.column.name = ParseName();
+    change.column.type = ParseType();
+    while (AcceptColumnProperty(change.column)) continue;
+    if (change.column.identity) Fail();
+    alter.action = std::move(change);
   } else {
     if (Peek().kind != TokenKind::kWord) Fail();
     Refuse("ALTER TABLE … " + UpperCase(Peek().text));
   }
   return MakeStatement(line, std::move(alter));
+}
+
+AlterTableStatement::Drop Parser::ParseDroppedElements() {
+  AlterTableStatement::Drop drop;
+  AlterTableStatement::Dropped item;
+  do {
+    const bool column = Accept("column"_kw);
+    if (column || Accept("constraint"_kw) || drop.items.empty()) {
+      item.column = column;
+      item.if_exists = AcceptBoth("if"_kw, "exists"_kw);
+    }
+    item.name = ParseName();
+    drop.items.push_back(item);
+  } while (Accept(Op::kComma));
+  return drop;
 }
 
 void Parser::ParseTableElement(TableElements& elements) {
@@ -85,8 +89,8 @@ ColumnDefinition Parser::ParseColumnDefinition(std::vector<TableConstraint>& con
   ColumnDefinition column;
   column.name = ParseName();
   if (Accept("as"_kw)) {
-    column.computed = ParseValue();
-    Accept("persisted"_kw);
+    ParseDefault(column.computed, column.computed_text);
+    column.persisted = Accept("persisted"_kw);
   } else {
     column.type = ParseType();
   }
@@ -131,6 +135,7 @@ bool Parser::AcceptColumnConstraint(ColumnDefinition& column, std::vector<TableC
   if (named) constraint.name = ParseName();
   if (Accept("default"_kw)) {
     ParseDefault(column.default_value, column.default_text);
+    column.with_values = AcceptBoth("with"_kw, "values"_kw);
     constraint.rule = DefaultRule{column.name, nullptr, {}};
   } else if (Accept("primary"_kw)) {
     Expect("key"_kw);
@@ -190,6 +195,7 @@ TableConstraint Parser::ParseTableConstraint() {
     ParseDefault(rule.value, rule.text);
     Expect("for"_kw);
     rule.column = ParseName();
+    AcceptBoth("with"_kw, "values"_kw);
     constraint.rule = std::move(rule);
   } else {
     Expect("foreign"_kw);

@@ -113,9 +113,12 @@ struct ColumnDefinition {
   std::int64_t identity_increment = 1;
   ExpressionPtr default_value;
   std::string default_text;  // the default as written, for the catalog
+  bool with_values = false;  // rows that stand already get the default
   bool primary_key = false;
   bool unique = false;
   ExpressionPtr computed;  // column AS expression
+  std::string computed_text;
+  bool persisted = false;
   ExpressionPtr check;
   std::string check_text;
 };
@@ -325,24 +328,23 @@ struct ExecuteTextStatement {
 // Definitions.
 
 struct AlterTableStatement {
-  struct AddColumns {
+  struct Add {
     TableElements elements;
   };
-  struct AddConstraints {
-    std::vector<TableConstraint> constraints;
+  struct Dropped {
+    std::string name;
+    bool column = false;  // else a constraint
+    bool if_exists = false;
   };
-  struct DropColumns {
-    std::vector<std::string> columns;
-  };
-  struct DropConstraints {
-    std::vector<std::string> names;
+  struct Drop {
+    std::vector<Dropped> items;
   };
   struct AlterColumn {
     ColumnDefinition column;
   };
 
   ObjectName table;
-  std::variant<AddColumns, AddConstraints, DropColumns, DropConstraints, AlterColumn> action;
+  std::variant<Add, Drop, AlterColumn> action;
 };
 
 enum class ObjectKind : std::uint8_t { kTable, kView, kProcedure, kFunction, kSequence, kTrigger };

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "tsql/translate/changes/change.h"
+#include "tsql/translate/changes/changed_rows.h"
 #include "tsql/translate/changes/insert.h"
 #include "tsql/translate/changes/merge.h"
 #include "tsql/translate/common/conversion.h"
@@ -118,6 +119,20 @@ std::string Translator::TranslateCheck(const CatalogObject& table, const Express
   scope.sources.push_back(BareSource(table.name, table));
   for_table = true;
   return parameters.FinishDefinition(Condition(condition, scope));
+}
+
+Typed Translator::TranslateComputed(const CatalogObject& table, const Expression& value) {
+  Scope scope;
+  scope.sources.push_back(BareSource(table.name, table));
+  Typed typed = Value(value, scope);
+  typed.sql = parameters.FinishDefinition(typed.sql);
+  if (typed.type.untyped_null) typed.type = IntType();
+  if (typed.type.is_integer()) typed.type.precision = 0;
+  return typed;
+}
+
+std::string Translator::TranslateAssigned(const CatalogObject& table, const Column& from, const Column& to) {
+  return Assigned(parameters, {QuoteName(from.name), from.type, from.nullable, -1}, to, ShownName(table));
 }
 
 }  // namespace tessarlorn::tsql

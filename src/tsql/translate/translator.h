@@ -40,6 +40,10 @@ class Translator final : private Translation {
                                           const std::vector<std::string>& given = {});
   /// A condition over the columns of a table that is being made, without parameters, for a CHECK constraint.
   std::string TranslateCheck(const CatalogObject& table, const Expression& condition);
+  /// A value of the same kind, for a computed column.
+  Typed TranslateComputed(const CatalogObject& table, const Expression& value);
+  /// What stands in a column, as the column would take it once it is changed.
+  std::string TranslateAssigned(const CatalogObject& table, const Column& from, const Column& to);
 
  private:
   Typed Value(const Expression& expression, Scope& scope) override;

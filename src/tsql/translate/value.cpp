@@ -220,14 +220,18 @@ Typed Values::operator()(const ScalarSubquery& subquery) const {
 }
 
 Typed Values::operator()(const CollateExpression& collate) const {
-  if (!EqualsIgnoreCase(collate.collation, "database_default") &&
-      FindIgnoreCase(collate.collation, "_CI_AS") == std::string_view::npos) {
-    RaiseUnsupported("The collation " + collate.collation, line_);
-  }
+  RequireCollation(collate.collation, line_);
   return Value(*collate.value);
 }
 
 }  // namespace
+
+void RequireCollation(const std::string& name, std::uint32_t line) {
+  if (name.empty() || EqualsIgnoreCase(name, "database_default") ||
+      FindIgnoreCase(name, "_CI_AS") != std::string_view::npos)
+    return;
+  RaiseUnsupported("The collation " + name, line);
+}
 
 Typed TranslateValue(Translation& translation, const Expression& expression, Scope& scope) {
   const bool grouped = scope.check_grouping && translation.aggregate_depth == 0 && !scope.group_expressions.empty() &&

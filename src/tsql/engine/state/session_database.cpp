@@ -26,7 +26,7 @@ SessionDatabase::SessionDatabase(DatabaseHandle database, std::size_t memory_lim
   RegisterFunctions(handle(), runtime_);
   RegisterListTable(handle());
   RegisterRowTable(handle(), runtime_);
-  RegisterCatalogFunctions(handle(), catalog_);
+  RegisterCatalogFunctions(handle(), catalog_, runtime_);
 }
 
 void SessionDatabase::RunQuietly(const std::string& sql) noexcept {

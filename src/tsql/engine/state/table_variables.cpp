@@ -19,15 +19,20 @@ TableVariableCopies::TableVariableCopies(SessionDatabase& database) noexcept : d
 }
 
 TableVariableCopies::Copy TableVariableCopies::CopyOf(const CatalogObject& table) {
-  Copy copy{table.table_name(), {}, {}, {}};
+  Copy copy{table.table_name(), {}, {}, {}, {}};
   const std::string name = QuoteText(copy.table);
   SqliteStatement definitions = database_.Prepare("SELECT sql FROM sqlite_temp_schema WHERE tbl_name = " + name +
                                                   " AND sql IS NOT NULL ORDER BY type DESC");
   while (definitions.Step()) copy.definitions.push_back(definitions.Text(0));
-  SqliteStatement rows = database_.Prepare("SELECT * FROM temp." + QuoteName(copy.table) + " ORDER BY _rowid_");
+  int count = 0;
+  for (const Column& column : table.columns) {
+    if (!column.computed()) copy.columns += (count++ == 0 ? "" : ", ") + QuoteName(column.name);
+  }
+  SqliteStatement rows =
+      database_.Prepare("SELECT " + copy.columns + " FROM temp." + QuoteName(copy.table) + " ORDER BY _rowid_");
   while (rows.Step()) {
     std::vector<Datum>& row = copy.rows.emplace_back();
-    for (std::size_t i = 0; i < table.columns.size(); ++i) row.push_back(rows.Value(static_cast<int>(i)));
+    for (int i = 0; i < count; ++i) row.push_back(rows.Value(i));
   }
   if (table.identity_column() < 0) return copy;
   SqliteStatement last = database_.Prepare("SELECT seq FROM temp.sqlite_sequence WHERE name = " + name);
@@ -46,7 +51,8 @@ void TableVariableCopies::PutBack(const Copy& copy) {
   if (!copy.rows.empty()) {
     std::string marks;
     for (std::size_t i = 0; i < copy.rows[0].size(); ++i) marks += i == 0 ? "?" : ", ?";
-    SqliteStatement insert = database_.Prepare("INSERT INTO " + table + " VALUES (" + marks + ")");
+    SqliteStatement insert =
+        database_.Prepare("INSERT INTO " + table + " (" + copy.columns + ") VALUES (" + marks + ")");
     for (const std::vector<Datum>& row : copy.rows) {
       for (std::size_t i = 0; i < row.size(); ++i) insert.BindValue(static_cast<int>(i) + 1, row[i]);
       const SqliteStatement::Use use(insert);

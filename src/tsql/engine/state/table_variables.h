@@ -33,6 +33,7 @@ class TableVariableCopies {
     std::vector<std::string> definitions;  // of the table and its indexes
     std::vector<std::vector<Datum>> rows;
     std::string last_identity;
+    std::string columns;  // but for the computed ones
   };
   Copy CopyOf(const CatalogObject& table);
   void PutBack(const Copy& copy);

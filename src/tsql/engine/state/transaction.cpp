@@ -111,20 +111,27 @@ void Transaction::RollbackWrite() noexcept {
 
 void Transaction::NoteIdentity(const std::string& table) {
   identity_ = scope_identity = sqlite3_last_insert_rowid(database_.handle());
-  std::int64_t& most = given_identities_[table];
-  most = std::max(most, *identity_);
+  const auto [entry, first] = given_identities_.try_emplace(table);
+  GivenIdentity& given = entry->second;
+  if (first) {
+    const CatalogObjectPtr object = database_.catalog().Find(table);
+    const int column = object == nullptr ? -1 : object->identity_column();
+    given = {*identity_, column >= 0 && object->columns[static_cast<std::size_t>(column)].increment < 0};
+  }
+  given.farthest = given.counts_down ? std::min(given.farthest, *identity_) : std::max(given.farthest, *identity_);
 }
 
 void Transaction::KeepIdentities() noexcept {
   constexpr std::string_view kKeep =
-      "INSERT INTO {schema}.sqlite_sequence SELECT {name}, 0 WHERE EXISTS (SELECT 1 FROM {schema}.sqlite_schema WHERE "
+      "INSERT INTO {schema}.sqlite_sequence SELECT {name}, {last} WHERE EXISTS (SELECT 1 FROM {schema}.sqlite_schema WHERE "
       "type = 'table' AND name = {name}) AND NOT EXISTS (SELECT 1 FROM {schema}.sqlite_sequence WHERE name = {name}); "
-      "UPDATE {schema}.sqlite_sequence SET seq = {last} WHERE name = {name} AND seq < {last}";
-  for (const auto& [table, last] : given_identities_) {
+      "UPDATE {schema}.sqlite_sequence SET seq = {last} WHERE name = {name} AND seq {before} {last}";
+  for (const auto& [table, given] : given_identities_) {
     // Where that fails the values are given again, as they would be after a crash.
     const std::string numbered = ReplaceAll(ReplaceAll(kKeep, "{schema}", IsTemporaryName(table) ? "temp" : "main"),
-                                            "{last}", std::to_string(last));
-    database_.RunQuietly(ReplaceAll(numbered, "{name}", QuoteText(table)));
+                                            "{last}", std::to_string(given.farthest));
+    const std::string compared = ReplaceAll(numbered, "{before}", given.counts_down ? ">" : "<");
+    database_.RunQuietly(ReplaceAll(compared, "{name}", QuoteText(table)));
   }
   if (database_.idle()) given_identities_.clear();
 }

@@ -101,7 +101,11 @@ class Transaction {
   std::chrono::steady_clock::time_point waiting_since_;
   SequenceNumbers numbers_;
   std::optional<std::int64_t> identity_;
-  std::unordered_map<std::string, std::int64_t> given_identities_;  // by table, in the open transaction
+  struct GivenIdentity {
+    std::int64_t farthest = 0;
+    bool counts_down = false;
+  };
+  std::unordered_map<std::string, GivenIdentity> given_identities_;  // by table, in the open transaction
 };
 
 }  // namespace tessarlorn::tsql

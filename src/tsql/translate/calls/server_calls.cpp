@@ -151,12 +151,13 @@ Typed SessionCall(const Call& call) {
   const std::string& name = call.name();
   if (Typed value = FixedAnswer(call); !value.sql.empty()) return value;
   if (std::optional<Typed> value = SystemOf(call.parameters(), name)) return *std::move(value);
-  if (name != "object_id" && name != "col_length" && name != "ident_current") return {};
+  const bool of_identity = name == "ident_current" || name == "ident_seed" || name == "ident_incr";
+  if (name != "object_id" && name != "col_length" && !of_identity) return {};
   call.Require(1, 2);
   // Answered when the statement runs: the objects are the database's, not the statement's.
   std::string sql = "ts_" + name + "(" + call.Text(0);
   if (call.count() > 1) sql += ", " + call.Text(1);
-  if (name != "ident_current") return {sql + ")", IntType(), true, -1};
+  if (!of_identity) return {sql + ")", IntType(), true, -1};
   const SqlType type = DecimalType(38, 0);
   return {call.Coerced({sql + ")", BigIntType(), true, -1}, type), type, true, -1};
 }

@@ -48,6 +48,7 @@ const Column& Assignments::ColumnOf(const Assignment& assignment) {
 }
 
 void Assignments::AddColumn(const Assignment& assignment, const Column& column, const Expression& value) {
+  RequireChangeable(column);
   if (column.identity) throw SqlError(8102, "Cannot update identity column '" + column.name + "'.");
   for (const auto& [name, sql] : sets_) {
     if (EqualsIgnoreCase(name, column.name)) RaiseColumnTwice(column.name);

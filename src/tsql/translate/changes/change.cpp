@@ -14,6 +14,7 @@ using Sets = std::vector<std::pair<std::string, std::string>>;
 std::string WholeRows(const Clauses& clauses, const Sets& sets) {
   std::string row = clauses.target.row;
   for (const Column& column : clauses.target.table->columns) {
+    if (column.computed()) continue;
     const auto set =
         std::find_if(sets.begin(), sets.end(), [&](const auto& entry) { return entry.first == column.name; });
     row += ", " + (set != sets.end() ? set->second : clauses.Old(column));

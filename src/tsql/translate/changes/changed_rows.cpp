@@ -136,6 +136,13 @@ void RequireTable(const CatalogObject& object) {
   if (object.kind != CatalogKind::kTable) RaiseUnsupported("Inserting into the view '" + object.name + "'");
 }
 
+void RequireChangeable(const Column& column) {
+  if (!column.computed()) return;
+  throw SqlError(
+      271, "The column \"" + column.name +
+               "\" cannot be modified because it is either a computed column or is the result of a UNION operator.");
+}
+
 int RequireColumn(const CatalogObject& table, const std::string& name) {
   const int position = table.FindColumn(name);
   if (position < 0) RaiseNoColumn(name);

@@ -44,6 +44,8 @@ const Source& SourceOf(const Clauses& clauses);
 /// The change through a query is of that one of its base rows.
 void ChooseRow(Clauses& clauses, std::size_t row);
 
+/// Raises 271 for a computed column.
+void RequireChangeable(const Column& column);
 /// Raises for a view, into which nothing is inserted here, and 286 for the rows that a trigger sees.
 void RequireTable(const CatalogObject& object);
 /// The place of a column. Raises 207.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "tsql/storage/constraint_text.h"
 #include "tsql/translate/changes/assignments.h"
 #include "tsql/translate/changes/output.h"
 #include "tsql/translate/common/conversion.h"
@@ -60,8 +61,11 @@ class InsertTranslator {
     return table_->columns[static_cast<std::size_t>(position)];
   }
   [[nodiscard]] std::string Value(const Typed& value, const Column& column) const {
-    return Assigned(translation_.parameters, value, column, ShownName(*table_));
+    const std::string sql = Assigned(translation_.parameters, value, column, ShownName(*table_));
+    return column.increment == 0 ? sql : Counted(column, sql);
   }
+  /// The value of an identity that SQLite does not count, "NULL" for the next one.
+  [[nodiscard]] std::string Counted(const Column& column, const std::string& value) const;
   /// Finds the columns that get values. Raises 264 and 544.
   void FindPositions(bool identity_insert);
   /// The defaults of the columns that are not among `given`.
@@ -87,12 +91,13 @@ void InsertTranslator::FindPositions(bool identity_insert) {
   const int identity = table_->identity_column();
   for (const std::string& name : insert_.columns) {
     const int position = RequireColumn(*table_, name);
+    RequireChangeable(ColumnAt(position));
     if (std::find(positions_.begin(), positions_.end(), position) != positions_.end()) RaiseColumnTwice(name);
     positions_.push_back(position);
   }
   if (insert_.columns.empty()) {
     for (int i = 0; i < static_cast<int>(table_->columns.size()); ++i) {
-      if (i != identity || identity_insert) positions_.push_back(i);
+      if ((i != identity || identity_insert) && !ColumnAt(i).computed()) positions_.push_back(i);
     }
   }
   const bool names_identity = std::find(positions_.begin(), positions_.end(), identity) != positions_.end();
@@ -102,16 +107,26 @@ void InsertTranslator::FindPositions(bool identity_insert) {
   }
 }
 
+std::string InsertTranslator::Counted(const Column& column, const std::string& value) const {
+  const Constraints constraints = ReadConstraints(table_->definition);
+  const Constraint* identity = FindKind(constraints, "I");
+  return std::string("ts_identity('") + (table_->temporary ? "temp" : "main") + ".sqlite_sequence', " +
+         QuoteText(table_->table_name()) + ", " + std::to_string(identity == nullptr ? 1 : identity->seed) + ", " +
+         std::to_string(column.increment) + ", " + Packed(column.type) + ", " + value + ")";
+}
+
 std::vector<Default> InsertTranslator::Defaults(const std::vector<int>& given) {
   std::vector<Default> defaults;
   for (int i = 0; i < static_cast<int>(table_->columns.size()); ++i) {
     const Column& column = ColumnAt(i);
-    if (std::find(given.begin(), given.end(), i) != given.end()) continue;
-    if (column.default_text.empty()) {
+    if (column.computed() || std::find(given.begin(), given.end(), i) != given.end()) continue;
+    if (column.increment != 0) {
+      defaults.push_back({column.name, Counted(column, "NULL")});
+    } else if (column.default_text.empty()) {
       if (column.row_key) defaults.push_back({column.name, Required("NULL", column, ShownName(*table_))});
-      continue;
+    } else {
+      defaults.push_back({column.name, DefaultSql(translation_, *table_, column)});
     }
-    defaults.push_back({column.name, DefaultSql(translation_, *table_, column)});
   }
   return defaults;
 }

@@ -1,6 +1,8 @@
 #include "tsql/translate/common/parameters.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -59,16 +61,25 @@ TypedDatum ValueOf(const Literal& literal) {
 /// SQLite's words for a constant in a definition.
 std::string ConstantText(const BoundParameter& parameter) {
   if (parameter.source != BoundParameter::Source::kConstant)
-    RaiseUnsupported("A CHECK constraint that is not made of columns and constants");
-  const Datum value = Convert(parameter.constant, parameter.from, parameter.to, parameter.style, parameter.fit);
-  if (const auto* integer = std::get_if<std::int64_t>(&value)) return std::to_string(*integer);
-  if (const auto* real = std::get_if<double>(&value)) return std::to_string(*real);
-  if (const auto* words = std::get_if<std::string>(&value)) return QuoteText(*words);
-  if (std::holds_alternative<Blob>(value)) RaiseUnsupported("A CHECK constraint on a long decimal");
-  return "NULL";
+    RaiseUnsupported("A CHECK constraint or computed column that is not made of columns and constants");
+  return ConstantSql(Convert(parameter.constant, parameter.from, parameter.to, parameter.style, parameter.fit));
 }
 
 }  // namespace
+
+std::string ConstantSql(const Datum& value) {
+  if (const auto* integer = std::get_if<std::int64_t>(&value)) return std::to_string(*integer);
+  if (const auto* words = std::get_if<std::string>(&value)) return QuoteText(*words);
+  if (const auto* blob = std::get_if<Blob>(&value)) {
+    return "X'" + HexText(blob->bytes.data(), blob->bytes.size()) + "'";
+  }
+  const auto* real = std::get_if<double>(&value);
+  if (real == nullptr) return "NULL";
+  std::array<char, 32> digits{};
+  const auto end =
+      std::to_chars(digits.data(), digits.data() + digits.size(), *real, std::chars_format::scientific, 16);
+  return {digits.data(), end.ptr};
+}
 
 Typed Parameters::Constant(Datum value, const SqlType& type) {
   BoundParameter parameter;

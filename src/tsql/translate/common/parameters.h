@@ -16,6 +16,8 @@ namespace tessarlorn::tsql {
 
 /// The system value of UPDATE(column) is called so, with the column's name behind it.
 inline constexpr std::string_view kUpdatedColumn = "updated:";
+/// A value in SQLite's words.
+std::string ConstantSql(const Datum& value);
 
 /// A parameter stands in the SQL as ?n while it is put together. Finish gives the parameters their order.
 class Parameters {

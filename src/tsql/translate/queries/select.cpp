@@ -164,7 +164,12 @@ bool SelectTranslator::KeepsIdentity(const Expression& expression) const {
                      !select_.distinct && select_.group_by.empty() && !select_.into.name.empty();
   const CatalogObjectPtr table = plain ? scope_.sources[0].table : nullptr;
   const int counts = table == nullptr ? -1 : table->identity_column();
-  return counts >= 0 && counts == table->FindColumn(column->name());
+  if (counts < 0 || counts != table->FindColumn(column->name())) return false;
+  if (table->columns[static_cast<std::size_t>(counts)].increment != 0) {
+    RaiseUnsupported("SELECT … INTO with an identity that does not count by ones from a number above 0",
+                     expression.line);
+  }
+  return true;
 }
 
 void SelectTranslator::ExposeRows() {

@@ -1,0 +1,71 @@
+#include "tsql/engine/table_dependents.h"
+
+#include <algorithm>
+
+#include "platform/text/text.h"
+#include "tsql/engine/table_maker.h"
+#include "tsql/functions/json/json.h"
+#include "tsql/storage/system_view_parts.h"
+#include "tsql/syntax/token.h"
+
+namespace tessarlorn::tsql {
+
+bool NamesColumn(SessionDatabase& database, const std::string& text, const std::string& column) {
+  Tokens tokens;
+  TokenizeDefinition(text, database.names(), tokens);
+  return std::any_of(tokens.tokens.begin(), tokens.tokens.end(),
+                     [&](const Token& token) { return EqualsIgnoreCase(token.text, column); });
+}
+
+std::vector<std::string> IndexesOn(SessionDatabase& database, const CatalogObject& table, const std::string& column) {
+  constexpr const char* kIndexes = R"(SELECT substr(s.name, length(s.tbl_name) + 2) FROM {schema}.sqlite_schema s
+ WHERE s.type = 'index' AND s.tbl_name = {table} AND s.sql IS NOT NULL AND s.name NOT LIKE '%$null'
+ AND substr(s.name, length(s.tbl_name) + 2) NOT LIKE '$unique%'
+ AND (EXISTS (SELECT 1 FROM pragma_index_xinfo(s.name, '{schema}') x WHERE x.name = {column} COLLATE NOCASE)
+  OR (instr(s.sql, ' WHERE ') > 0 AND instr(lower(substr(s.sql, instr(s.sql, ' WHERE '))), lower({quoted})) > 0)))";
+  std::string sql = ReplaceAll(kIndexes, "{schema}", SchemaOf(table));
+  sql = ReplaceAll(ReplaceAll(sql, "{table}", QuoteText(table.table_name())), "{column}", QuoteText(column));
+  SqliteStatement found = database.Prepare(ReplaceAll(sql, "{quoted}", QuoteText(QuoteName(column))));
+  std::vector<std::string> indexes;
+  while (found.Step("SELECT")) indexes.push_back(found.Text(0));
+  // A unique index has what it includes in its note alone.
+  for (const Constraint& note : ReadConstraints(table.definition)) {
+    if (note.kind != "IX" || !note.HasColumn(column)) continue;
+    if (std::find(indexes.begin(), indexes.end(), note.index) == indexes.end()) indexes.push_back(note.index);
+  }
+  return indexes;
+}
+
+std::vector<IncomingReference> ReferencesTo(SessionDatabase& database, const CatalogObject& table) {
+  std::vector<IncomingReference> references;
+  if (table.temporary) return references;
+  SqliteStatement found = database.Prepare("SELECT f.owner, f.name, f.referenced FROM (" + References() +
+                                           ") f WHERE f.referenced_id = " + std::to_string(table.id));
+  while (found.Step("SELECT")) {
+    IncomingReference& reference = references.emplace_back();
+    reference.table = found.Text(0);
+    reference.name = found.Text(1);
+    const std::string columns = found.Text(2);
+    if (columns.empty()) continue;
+    for (const JsonMember& member : ParseJson(columns).members) reference.referenced.push_back(member.value.Scalar());
+  }
+  return references;
+}
+
+bool IsNameTaken(SessionDatabase& database, const std::string& name) {
+  if (database.catalog().Find(name) != nullptr) return true;
+  SqliteStatement found =
+      database.Prepare("SELECT 1 FROM (" + std::string(kConstraints) +
+                       ") WHERE kind IN ('PK', 'UQ', 'F', 'C', 'D') AND lower(name) = lower(" + QuoteText(name) + ")");
+  return found.Step("SELECT");
+}
+
+bool AreSameColumns(const std::vector<std::string>& some, const std::vector<std::string>& others) {
+  const auto among_others = [&](const std::string& name) {
+    return std::any_of(others.begin(), others.end(),
+                       [&](const std::string& other) { return EqualsIgnoreCase(name, other); });
+  };
+  return some.size() == others.size() && std::all_of(some.begin(), some.end(), among_others);
+}
+
+}  // namespace tessarlorn::tsql

@@ -1,0 +1,33 @@
+// What depends on the columns and keys of a table.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "tsql/engine/state/session_database.h"
+#include "tsql/storage/constraint_text.h"
+
+namespace tessarlorn::tsql {
+
+/// Whether a condition or value, as it was written, has the column's name in it.
+bool NamesColumn(SessionDatabase& database, const std::string& text, const std::string& column);
+
+/// The indexes, but for those of constraints, that have the column in any place.
+std::vector<std::string> IndexesOn(SessionDatabase& database, const CatalogObject& table, const std::string& column);
+
+/// A foreign key that refers to a table.
+struct IncomingReference {
+  std::string table;
+  std::string name;
+  std::vector<std::string> referenced;
+};
+
+std::vector<IncomingReference> ReferencesTo(SessionDatabase& database, const CatalogObject& table);
+
+/// Whether a constraint of any table has the name, or an object.
+bool IsNameTaken(SessionDatabase& database, const std::string& name);
+
+/// Whether two lists have the same names, in whatever order.
+bool AreSameColumns(const std::vector<std::string>& some, const std::vector<std::string>& others);
+
+}  // namespace tessarlorn::tsql

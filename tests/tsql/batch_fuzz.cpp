@@ -41,7 +41,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   running = connection.get();
   alarm(1);
   try {
-    connection->ExecuteAll({reinterpret_cast<const char*>(data), size}, [](const tessarlorn::RecordsetPtr&) {});
+    const std::string_view batch(reinterpret_cast<const char*>(data), size);
+    connection->ExecuteAll(batch, [](const tessarlorn::RecordsetPtr&) {});
   } catch (const tessarlorn::Error&) {
     // A refusal is an answer.
   }

@@ -42,10 +42,12 @@ class Procedures::InFunction {
         number_(calls.errors_.last_number),
         outer_(std::exchange(calls.errors_.in_function, true)) {
     ++calls.errors_.try_depth;
+    ++calls.database_.runtime().function_depth;
   }
   InFunction(const InFunction&) = delete;
   InFunction& operator=(const InFunction&) = delete;
   ~InFunction() {
+    --calls_.database_.runtime().function_depth;
     --calls_.errors_.try_depth;
     calls_.results_.set_row_count(rows_);
     calls_.errors_.last_number = number_;

@@ -97,6 +97,8 @@ struct Runtime {
   /// Raised inside a row function; taken by whoever sees SQLite fail.
   std::optional<SqlError> error;
   Frame* frame = nullptr;
+  /// How many functions of the database run, one within the other.
+  int function_depth = 0;
   /// Calls a scalar function of the database.
   std::function<Datum(std::string_view function, std::vector<Datum> arguments)> call_function;
   /// The next number of a sequence, for one of the places of a row that take it.

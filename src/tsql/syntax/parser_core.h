@@ -264,7 +264,8 @@ class Parser {
   /// The statements to the end of the batch; at least one.
   std::vector<StatementPtr> ParseBody();
   Parameter ParseParameter();
-  void RequireFirstInBatch(std::string_view what) const;
+  /// CREATE or ALTER of what is defined alone in its batch. Raises 111 where it is not. @return whether it is ALTER
+  bool BeginsWithAlter(std::size_t begin, std::string_view kind) const;
 
   // parser_trigger.cpp
   StatementPtr ParseTrigger(std::size_t begin, bool replace);

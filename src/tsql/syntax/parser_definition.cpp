@@ -119,16 +119,18 @@ StatementPtr Parser::ParseCreateIndex() {
   return MakeStatement(line, std::move(index));
 }
 
-void Parser::RequireFirstInBatch(std::string_view what) const {
+bool Parser::BeginsWithAlter(std::size_t begin, std::string_view kind) const {
+  const bool alter = tokens_[begin].id == static_cast<std::uint32_t>("alter"_kw);
   for (std::size_t i = 0; i < begin_; ++i) {
     if (tokens_[i].op == Op::kSemicolon) continue;
-    RaiseAt(111, "'" + std::string(what) + "' must be the first statement in a query batch.");
+    RaiseAt(111, std::string(alter ? "'ALTER " : "'CREATE ").append(kind) +
+                     "' must be the first statement in a query batch.");
   }
+  return alter;
 }
 
 StatementPtr Parser::ParseView(std::size_t begin, bool replace) {
-  const bool alter = tokens_[begin].id == static_cast<std::uint32_t>("alter"_kw);
-  RequireFirstInBatch(alter ? "ALTER VIEW" : "CREATE VIEW");
+  BeginsWithAlter(begin, "VIEW");
   const std::uint32_t line = Take().line;
   CreateViewStatement create;
   create.replace = replace;
@@ -145,8 +147,7 @@ StatementPtr Parser::ParseView(std::size_t begin, bool replace) {
 }
 
 StatementPtr Parser::ParseProcedure(std::size_t begin, bool replace) {
-  const bool alter = tokens_[begin].id == static_cast<std::uint32_t>("alter"_kw);
-  RequireFirstInBatch(alter ? "ALTER PROCEDURE" : "CREATE PROCEDURE");
+  BeginsWithAlter(begin, "PROCEDURE");
   const std::uint32_t line = Take().line;
   CreateProcedureStatement create;
   create.replace = replace;

@@ -107,8 +107,7 @@ void CheckFunctionStatement(const Statement& statement, bool scalar) {
 }  // namespace
 
 StatementPtr Parser::ParseFunction(std::size_t begin, bool replace) {
-  const bool alter = tokens_[begin].id == static_cast<std::uint32_t>("alter"_kw);
-  RequireFirstInBatch(alter ? "ALTER FUNCTION" : "CREATE FUNCTION");
+  const bool alter = BeginsWithAlter(begin, "FUNCTION");
   const std::uint32_t line = Take().line;
   CreateFunctionStatement create;
   create.replace = replace;

@@ -16,8 +16,7 @@ RowEvent Parser::ParseRowEvent() {
 }
 
 StatementPtr Parser::ParseTrigger(std::size_t begin, bool replace) {
-  const bool alter = tokens_[begin].id == static_cast<std::uint32_t>("alter"_kw);
-  RequireFirstInBatch(alter ? "ALTER TRIGGER" : "CREATE TRIGGER");
+  BeginsWithAlter(begin, "TRIGGER");
   const std::uint32_t line = Take().line;
   CreateTriggerStatement create;
   create.replace = replace;

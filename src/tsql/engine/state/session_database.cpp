@@ -34,6 +34,7 @@ void SessionDatabase::RunQuietly(const std::string& sql) noexcept {
 }
 
 bool SessionDatabase::changing() const {
+  if (runtime_.function_depth == 0) return false;
   for (sqlite3_stmt* statement = sqlite3_next_stmt(handle(), nullptr); statement != nullptr;
        statement = sqlite3_next_stmt(handle(), statement)) {
     if (sqlite3_stmt_busy(statement) != 0 && sqlite3_stmt_readonly(statement) == 0) return true;

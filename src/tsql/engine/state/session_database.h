@@ -32,7 +32,7 @@ class SessionDatabase {
   /// All that `body` does to SQLite and the catalog, or nothing.
   void Atomically(const std::function<void()>& body);
 
-  /// Whether a statement of SQLite's that changes something runs.
+  /// Whether a statement of SQLite's that changes something runs, and calls the function that is running.
   [[nodiscard]] bool changing() const;
   // Temporary tables that are left to the next who makes them: SQLite drops none while a statement runs.
   void Leave(const std::string& table) { left_.insert(table); }

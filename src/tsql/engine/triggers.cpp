@@ -47,56 +47,78 @@ std::vector<RowChange> RowChangesOf(const Statement& statement) {
 }
 
 /// The rows that a change adds and takes away, in temporary tables of SQLite's. Its triggers, not ours, note them: they
-/// see every change, whichever way a statement goes about it.
+/// see every change, whichever way a statement goes about it. The tables stay for the next change.
 class Triggers::Rows {
  public:
+  /// @param made the columns of the tables that stand already, "" for none
   /// @param level how many triggers run around it
-  Rows(SessionDatabase& database, const CatalogObject& table, std::size_t level)
+  Rows(SessionDatabase& database, const CatalogObject& table, std::size_t level, std::string& made)
       : database_(database), table_(table), level_(std::to_string(level)) {
+    std::string types;
     for (const Column& column : table.columns) {
       columns_ += ", " + QuoteName(column.name);
-      types_ += ", " + QuoteName(column.name) + " " + std::string(SqliteColumnType(column.type));
+      types += ", " + QuoteName(column.name) + " " + std::string(SqliteColumnType(column.type));
     }
+    if (made == types && Stand()) return;
+    for (const std::string& name : {All(), Shown(true), Shown(false)}) {
+      database_.Run("DROP TABLE IF EXISTS temp." + QuoteName(name));
+    }
+    database_.Run("CREATE TEMP TABLE " + QuoteName(All()) + " (\"$event\", \"$added\"" + types + ")");
+    for (const bool added : {true, false}) {
+      database_.Run("CREATE TEMP TABLE " + QuoteName(Shown(added)) + " (" + types.substr(2) + ")");
+    }
+    made = types;
   }
   Rows(const Rows&) = delete;
   Rows& operator=(const Rows&) = delete;
   ~Rows() {
-    database_.RunQuietly("DROP TABLE IF EXISTS temp." + All());
-    Drop();
+    for (const std::string& name : {All(), Shown(true), Shown(false)}) {
+      database_.RunQuietly("DELETE FROM temp." + QuoteName(name));
+    }
   }
 
-  void Watch() {
-    database_.Run("CREATE TEMP TABLE " + All() + " (\"$event\", \"$added\"" + types_ + ")");
-    WatchFor(RowEvent::kInsert, {"NEW"});
-    WatchFor(RowEvent::kUpdate, {"OLD", "NEW"});
-    WatchFor(RowEvent::kDelete, {"OLD"});
+  void Watch(const std::vector<RowChange>& changes) {
+    const auto is = [&](RowEvent event) {
+      return std::any_of(changes.begin(), changes.end(),
+                         [=](const RowChange& change) { return change.event == event; });
+    };
+    // Rows that get each other's keys are taken away and put back.
+    const bool update = is(RowEvent::kUpdate);
+    if (update) WatchFor(RowEvent::kUpdate, {"OLD", "NEW"});
+    if (update || is(RowEvent::kInsert)) WatchFor(RowEvent::kInsert, {"NEW"});
+    if (update || is(RowEvent::kDelete)) WatchFor(RowEvent::kDelete, {"OLD"});
   }
   void StopWatching() {
-    for (const std::string_view event : kEventNames) database_.Run("DROP TRIGGER temp." + Watcher(event));
+    for (const std::string_view event : kEventNames) database_.Run("DROP TRIGGER IF EXISTS temp." + Watcher(event));
   }
 
-  /// Makes the tables that triggers see. @param event of which the rows are; nullptr for all of them
+  /// Fills the tables that triggers see. @param event of which the rows are; nullptr for all of them
   void Show(const RowEvent* event) {
+    const std::string of_event =
+        event == nullptr ? "" : " AND \"$event\" = " + std::to_string(static_cast<int>(*event));
     for (const bool added : {true, false}) {
       const std::string name = "temp." + QuoteName(Shown(added));
-      database_.Run("CREATE TABLE " + name + " (" + types_.substr(2) + ")");
-      database_.Run("INSERT INTO " + name + " SELECT " + columns_.substr(2) + " FROM temp." + All() +
-                    " WHERE \"$added\" = " + (added ? "1" : "0") +
-                    (event == nullptr ? "" : " AND \"$event\" = " + std::to_string(static_cast<int>(*event))) +
-                    " ORDER BY _rowid_");
+      database_.Run("DELETE FROM " + name + "; INSERT INTO " + name + " SELECT " + columns_.substr(2) + " FROM temp." +
+                    QuoteName(All()) + " WHERE \"$added\" = " + (added ? "1" : "0") + of_event + " ORDER BY _rowid_");
     }
     database_.catalog().EnterTrigger(Definition(true), Definition(false));
   }
-  void Hide() {
-    database_.catalog().LeaveTrigger();
-    Drop();
-  }
+  void Hide() { database_.catalog().LeaveTrigger(); }
 
  private:
-  [[nodiscard]] std::string All() const { return QuoteName("$changes " + level_); }
+  [[nodiscard]] std::string All() const { return "$changes " + level_; }
   [[nodiscard]] std::string Shown(bool added) const { return (added ? "$inserted " : "$deleted ") + level_; }
   [[nodiscard]] std::string Watcher(std::string_view event) const {
     return QuoteName("$" + std::string(event) + " " + level_);
+  }
+
+  /// Whether no rollback took the tables away.
+  [[nodiscard]] bool Stand() {
+    SqliteStatement tables = database_.Prepare("SELECT count(*) FROM temp.sqlite_schema WHERE name IN (?1, ?2, ?3)");
+    int parameter = 0;
+    for (const std::string& name : {All(), Shown(true), Shown(false)}) tables.BindText(++parameter, name);
+    tables.Step();
+    return tables.Integer(0) == parameter;
   }
 
   void WatchFor(RowEvent event, const std::vector<std::string_view>& rows) {
@@ -104,7 +126,7 @@ class Triggers::Rows {
     std::string sql = "CREATE TEMP TRIGGER " + Watcher(kEventNames[number]) + " AFTER " +
                       std::string(kEventNames[number]) + " ON main." + QuoteName(table_.name) + " BEGIN ";
     for (const std::string_view row : rows) {
-      sql += "INSERT INTO " + All() + " VALUES (" + std::to_string(number) + (row == "NEW" ? ", 1" : ", 0");
+      sql += "INSERT INTO " + QuoteName(All()) + " VALUES (" + std::to_string(number) + (row == "NEW" ? ", 1" : ", 0");
       for (const Column& column : table_.columns) sql.append(", ").append(row).append(".") += QuoteName(column.name);
       sql += "); ";
     }
@@ -122,17 +144,10 @@ class Triggers::Rows {
     return rows;
   }
 
-  void Drop() {
-    for (const bool added : {true, false}) {
-      database_.RunQuietly("DROP TABLE IF EXISTS temp." + QuoteName(Shown(added)));
-    }
-  }
-
   SessionDatabase& database_;
   const CatalogObject& table_;
   std::string level_;
   std::string columns_;
-  std::string types_;
 };
 
 bool Triggers::WatchOver(std::string_view table) const {
@@ -198,9 +213,11 @@ void Triggers::Around(const std::string& table, const std::vector<RowChange>& ch
   const CatalogObjectPtr definition = database_.catalog().Get(table);
   const bool alone = transaction_.BeginStatement();
   try {
-    Rows rows(database_, *definition, state_.firing.size());
+    const std::size_t level = state_.firing.size();
+    made_.resize(std::max(made_.size(), level + 1));
+    Rows rows(database_, *definition, level, made_[level]);
     database_.Atomically([&] {
-      rows.Watch();
+      rows.Watch(changes);
       change();
       rows.StopWatching();
     });

@@ -50,24 +50,23 @@ std::vector<RowChange> RowChangesOf(const Statement& statement) {
 /// see every change, whichever way a statement goes about it. The tables stay for the next change.
 class Triggers::Rows {
  public:
-  /// @param made the columns of the tables that stand already, "" for none
   /// @param level how many triggers run around it
-  Rows(SessionDatabase& database, const CatalogObject& table, std::size_t level, std::string& made)
+  Rows(SessionDatabase& database, const CatalogObject& table, std::size_t level)
       : database_(database), table_(table), level_(std::to_string(level)) {
     std::string types;
     for (const Column& column : table.columns) {
       columns_ += ", " + QuoteName(column.name);
       types += ", " + QuoteName(column.name) + " " + std::string(SqliteColumnType(column.type));
     }
-    if (made == types && Stand()) return;
+    types.erase(0, 2);
+    if (Stand(types)) return;
     for (const std::string& name : {All(), Shown(true), Shown(false)}) {
       database_.Run("DROP TABLE IF EXISTS temp." + QuoteName(name));
     }
-    database_.Run("CREATE TEMP TABLE " + QuoteName(All()) + " (\"$event\", \"$added\"" + types + ")");
+    database_.Run("CREATE TEMP TABLE " + QuoteName(All()) + " (\"$event\", \"$added\", " + types + ")");
     for (const bool added : {true, false}) {
-      database_.Run("CREATE TEMP TABLE " + QuoteName(Shown(added)) + " (" + types.substr(2) + ")");
+      database_.Run("CREATE TEMP TABLE " + QuoteName(Shown(added)) + " (" + types + ")");
     }
-    made = types;
   }
   Rows(const Rows&) = delete;
   Rows& operator=(const Rows&) = delete;
@@ -112,11 +111,13 @@ class Triggers::Rows {
     return QuoteName("$" + std::string(event) + " " + level_);
   }
 
-  /// Whether no rollback took the tables away.
-  [[nodiscard]] bool Stand() {
-    SqliteStatement tables = database_.Prepare("SELECT count(*) FROM temp.sqlite_schema WHERE name IN (?1, ?2, ?3)");
+  /// Whether the tables are there with these columns, made for an earlier change.
+  [[nodiscard]] bool Stand(const std::string& types) {
+    SqliteStatement tables =
+        database_.Prepare("SELECT count(*) FROM temp.sqlite_schema WHERE name IN (?1, ?2, ?3) AND instr(sql, ?4) > 0");
     int parameter = 0;
     for (const std::string& name : {All(), Shown(true), Shown(false)}) tables.BindText(++parameter, name);
+    tables.BindText(4, types);
     tables.Step();
     return tables.Integer(0) == parameter;
   }
@@ -213,9 +214,7 @@ void Triggers::Around(const std::string& table, const std::vector<RowChange>& ch
   const CatalogObjectPtr definition = database_.catalog().Get(table);
   const bool alone = transaction_.BeginStatement();
   try {
-    const std::size_t level = state_.firing.size();
-    made_.resize(std::max(made_.size(), level + 1));
-    Rows rows(database_, *definition, level, made_[level]);
+    Rows rows(database_, *definition, state_.firing.size());
     database_.Atomically([&] {
       rows.Watch(changes);
       change();

@@ -42,7 +42,6 @@ class Triggers {
   Transaction& transaction_;
   TriggerState& state_;
   RunTrigger run_;
-  std::vector<std::string> made_;  // the columns of the tables for rows, by level
 };
 
 }  // namespace tessarlorn::tsql

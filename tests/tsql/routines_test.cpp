@@ -142,6 +142,13 @@ TEST(Routines, Sequences) {
           {"select case when 1 = 1 then next value for s end",
            "error 11741: NEXT VALUE FOR function cannot be used within CASE, CHOOSE, COALESCE, IIF, ISNULL and NULLIF."},
           {"insert t (n) values (1) insert t (n) values (2) select max(id) i from t", "i;40"},
+          {"create sequence z start with 1 select next value for z begin tran save tran p alter sequence z restart with 500 select next value "
+           "for z rollback tran p commit create table zs (n bigint) insert zs values (next value for z) select n from zs",
+           ";1"},
+          {"select n from zs", "n;2"},
+          {"merge zs using (values (1)) q (n) on q.n = zs.n when not matched then insert values (next value for z);",
+           "error 11742: NEXT VALUE FOR function can only be used with MERGE if it is defined within a default constraint on the "
+           "target table for insert actions."},
           {"insert t (n) values (3)",
            "error 11728: The sequence object 's' has reached its minimum or maximum value. Restart the sequence object to allow new "
            "values to be generated."},

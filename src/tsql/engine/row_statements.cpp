@@ -77,6 +77,7 @@ void RowStatements::SelectInto(const Query& query, const Activation& activation)
   for (const ResultColumn& column : plans_.MakeTranslator(activation).DescribeQuery(query, true)) {
     SqlType type = column.type.untyped_null ? IntType() : column.type;
     if (type.is_integer()) type.precision = 0;
+    type.order = TextOrder::kCodePoints;
     made.columns.push_back({column.name, type, column.nullable, column.identity, ""});
     if (column.identity) constraints.push_back({"I", "I_" + made.name + "_" + column.name, {column.name}});
   }

@@ -141,7 +141,8 @@ void TableAlteration::RequireAllowed(const Constraint& constraint) {
 
 void TableAlteration::AddDefault(const Constraint& constraint) {
   const std::string& name = constraint.columns[0];
-  if (table_.FindColumn(name) < 0) {
+  const int place = table_.FindColumn(name);
+  if (place < 0 || table_.columns[static_cast<std::size_t>(place)].computed()) {
     throw SqlError(
         1752, "Column '" + name + "' in table '" + table_.name + "' is invalid for creating a default constraint.");
   }
@@ -151,10 +152,6 @@ void TableAlteration::AddDefault(const Constraint& constraint) {
                                    [&](const Constraint& other) { return other.kind == "D" && other.HasColumn(name); });
   if (bound > 1 || (!column.default_text.empty() && column.default_text != text)) {
     throw SqlError(1781, "Column already has a DEFAULT bound to it.");
-  }
-  if (column.computed()) {
-    throw SqlError(
-        1752, "Column '" + name + "' in table '" + table_.name + "' is invalid for creating a default constraint.");
   }
   if (column.identity) {
     throw SqlError(1754, "Defaults cannot be created on columns with an IDENTITY attribute. Table '" + table_.name +

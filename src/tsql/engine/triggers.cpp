@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "tsql/engine/table_maker.h"
+#include "tsql/storage/constraint_text.h"
 #include "tsql/storage/trigger_rule.h"
 
 namespace tessarlorn::tsql {
@@ -36,6 +38,13 @@ std::vector<RowChange> RowChangesOf(const MergeStatement& merge) {
   return changes;
 }
 
+/// The columns of a table's primary key as SQLite reads them, "" for none.
+std::string KeyOf(const CatalogObject& table) {
+  const Constraints constraints = ReadConstraints(table.definition);
+  const Constraint* primary = FindKind(constraints, "PK");
+  return primary == nullptr ? std::string() : NameList(primary->columns);
+}
+
 }  // namespace
 
 std::vector<RowChange> RowChangesOf(const Statement& statement) {
@@ -46,8 +55,8 @@ std::vector<RowChange> RowChangesOf(const Statement& statement) {
   return {{As<DeleteStatement>(statement) != nullptr ? RowEvent::kDelete : RowEvent::kInsert, {}}};
 }
 
-/// The rows that a change adds and takes away, in temporary tables of SQLite's. Its triggers, not ours, note them: they
-/// see every change, whichever way a statement goes about it. The tables stay for the next change.
+/// The rows that a change adds and takes away, in temporary tables. Triggers of SQLite's own note them: these see every
+/// change, whichever way a statement goes about it. The tables stay for the next change.
 class Triggers::Rows {
  public:
   /// @param level how many triggers run around it
@@ -60,12 +69,18 @@ class Triggers::Rows {
     }
     types.erase(0, 2);
     if (Stand(types)) return;
+    const std::string key = KeyOf(table);
     for (const std::string& name : {All(), Shown(true), Shown(false)}) {
       database_.Run("DROP TABLE IF EXISTS temp." + QuoteName(name));
     }
     database_.Run("CREATE TEMP TABLE " + QuoteName(All()) + " (\"$event\", \"$added\", " + types + ")");
     for (const bool added : {true, false}) {
       database_.Run("CREATE TEMP TABLE " + QuoteName(Shown(added)) + " (" + types + ")");
+      // A body joins the two by the table's key.
+      const std::string index = QuoteName("$key of " + Shown(added));
+      if (!key.empty()) {
+        database_.Run("CREATE INDEX temp." + index + " ON " + QuoteName(Shown(added)) + " (" + key + ")");
+      }
     }
   }
   Rows(const Rows&) = delete;
@@ -178,6 +193,14 @@ void Triggers::FireOne(const TriggerState::Firing& firing) {
     throw ending;
   }
   state_.firing.pop_back();
+  if (transaction_.doomed()) {
+    SqlError ending = SqlError(3616,
+                               "An error was raised during trigger execution. The batch has been aborted and the user "
+                               "transaction, if any, has been rolled back.")
+                          .EndingBatch();
+    ending.set_takes_transaction_back();
+    throw ending;
+  }
   if (transaction_.depth() < depth) {
     throw SqlError(3609, "The transaction ended in the trigger. The batch has been aborted.").EndingBatch();
   }

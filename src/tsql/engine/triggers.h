@@ -32,7 +32,7 @@ class Triggers {
  private:
   class Rows;
 
-  /// Those that answer to a change. A trigger does not fire itself.
+  /// Those that answer to a change. A trigger does not fire itself; another that it fires may.
   [[nodiscard]] std::vector<CatalogObjectPtr> AnsweringTo(RowEvent event, std::string_view table) const;
   void Fire(const CatalogObjectPtr& table, const std::vector<RowChange>& changes, Rows& rows);
   void FireOne(const TriggerState::Firing& firing);

@@ -12,11 +12,11 @@
 #include <unordered_map>
 #include <vector>
 
-#include "tsql/functions/text_order.h"
 #include "tsql/values/date_text.h"
 #include "tsql/values/datum.h"
 #include "tsql/values/memory_budget.h"
 #include "tsql/values/sql_error.h"
+#include "tsql/values/text_order.h"
 
 namespace tessarlorn::tsql {
 

@@ -253,6 +253,14 @@ void Catalog::Keep(std::string key, CatalogObject object) {
 
 CatalogObjectPtr Catalog::Find(std::string_view name) const {
   if (CatalogObjectPtr rows = FindTriggerRows(name)) return rows;
+  return FindStored(name);
+}
+
+CatalogObjectPtr Catalog::Find(const ObjectName& name) const {
+  return name.qualifier.empty() ? Find(std::string_view(name.name)) : FindStored(name.name);
+}
+
+CatalogObjectPtr Catalog::FindStored(std::string_view name) const {
   const Objects& objects = ObjectsLike(*this, name);
   const auto found = objects.find(LowerCase(name));
   return found == objects.end() ? nullptr : found->second;

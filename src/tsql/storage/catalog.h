@@ -127,6 +127,8 @@ class Catalog {
   /// The object of that name without regard to case, or nullptr. `#name` is a temporary table of this connection,
   /// `@name` a table variable of the innermost scope.
   [[nodiscard]] CatalogObjectPtr Find(std::string_view name) const;
+  /// The same of a name that may be qualified: only one that is not can mean the rows of a trigger.
+  [[nodiscard]] CatalogObjectPtr Find(const ObjectName& name) const;
   /// The table or view. Raises 208, or 1087 for a table variable, when there is none.
   [[nodiscard]] CatalogObjectPtr Get(std::string_view name) const;
 
@@ -177,6 +179,7 @@ class Catalog {
   };
 
   void Load();
+  [[nodiscard]] CatalogObjectPtr FindStored(std::string_view name) const;
   /// Those rows when the name is that of one of the two tables, or nullptr.
   [[nodiscard]] CatalogObjectPtr FindTriggerRows(std::string_view name) const;
   /// Makes the schema's version another one, for what is no object of SQLite's.

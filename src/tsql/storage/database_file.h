@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "tsql/functions/text_order.h"
 #include "tsql/storage/sqlite_handle.h"
+#include "tsql/values/text_order.h"
 
 namespace tessarlorn::tsql {
 

@@ -122,6 +122,19 @@ IF @type = 'U' BEGIN
   EXEC sp_helpconstraint @objname, 'nomsg'
 END)";
 
+constexpr std::string_view kHelpTrigger =
+    R"(CREATE PROCEDURE sp_helptrigger @tabname nvarchar(776), @triggertype char(6) = NULL AS
+DECLARE @id int = OBJECT_ID(@tabname), @database nvarchar(128) = DB_NAME()
+IF @id IS NULL BEGIN RAISERROR(15009, 16, 1, @tabname, @database) RETURN 1 END
+SELECT * FROM (SELECT t.name AS trigger_name, CAST('dbo' AS nvarchar(128)) AS trigger_owner,
+    (SELECT COUNT(*) FROM sys.trigger_events e WHERE e.object_id = t.object_id AND e.type = 2) AS isupdate,
+    (SELECT COUNT(*) FROM sys.trigger_events e WHERE e.object_id = t.object_id AND e.type = 3) AS isdelete,
+    (SELECT COUNT(*) FROM sys.trigger_events e WHERE e.object_id = t.object_id AND e.type = 1) AS isinsert,
+    1 AS isafter, 0 AS isinsteadof, CAST('dbo' AS nvarchar(128)) AS trigger_schema
+  FROM sys.triggers t WHERE t.parent_id = @id) h
+WHERE @triggertype IS NULL OR CASE @triggertype WHEN 'UPDATE' THEN isupdate WHEN 'DELETE' THEN isdelete ELSE isinsert END = 1
+ORDER BY trigger_name)";
+
 constexpr std::string_view kSpaceUsed = R"(CREATE PROCEDURE sp_spaceused @objname nvarchar(776) = NULL,
   @updateusage varchar(5) = 'false' AS
 DECLARE @id int = OBJECT_ID(@objname), @database nvarchar(128) = DB_NAME()
@@ -195,6 +208,7 @@ std::vector<ProcedureText> HelpProcedures() {
       {"sp_helpindex", kHelpIndex},
       {"sp_helpconstraint", kHelpConstraint},
       {"sp_helpdb", kHelpDatabase},
+      {"sp_helptrigger", kHelpTrigger},
       {"sp_spaceused", kSpaceUsed},
       {"sp_who", kWho},
       {"sp_who2", kWho2},

@@ -169,7 +169,7 @@ struct ShownDatabase {
         "event and only expected for extremely complex queries or queries that reference a very large number "
         "of tables or partitions. Please simplify the query.");
   }
-  if (message.starts_with("non-deterministic")) {
+  if (message.find("non-deterministic") != std::string::npos) {
     RaiseUnsupported("A computed column, a CHECK constraint or an index of what is not deterministic");
   }
   if (message == "no query solution") {

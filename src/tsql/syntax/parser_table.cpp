@@ -48,6 +48,7 @@ StatementPtr Parser::ParseAlterTable() {
   } else if (AcceptBoth("alter"_kw, "column"_kw)) {
     AlterTableStatement::AlterColumn change;
     change.column.name = ParseName();
+    if (At("add"_kw) || At("drop"_kw)) Refuse("ALTER COLUMN … " + UpperCase(Peek().text));
     change.column.type = ParseType();
     while (AcceptColumnProperty(change.column)) continue;
     if (change.column.identity) Fail();

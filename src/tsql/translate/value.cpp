@@ -221,7 +221,12 @@ Typed Values::operator()(const ScalarSubquery& subquery) const {
 
 Typed Values::operator()(const CollateExpression& collate) const {
   RequireCollation(collate.collation, line_);
-  return Value(*collate.value);
+  Typed value = Value(*collate.value);
+  const std::optional<TextOrder> order = FindTextOrder(collate.collation);
+  if (!order || !value.type.is_text()) return value;
+  if (!CanSort(*order)) RaiseUnsupported("The collation " + collate.collation, line_);
+  value.type.order = *order;
+  return value;
 }
 
 }  // namespace

@@ -301,7 +301,9 @@ std::string_view SqliteColumnType(const SqlType& type) {
 }
 
 std::string CollationOf(const SqlType& type) {
-  return type.is_text() ? " COLLATE TSQL" : type.has_offset() ? " COLLATE MOMENT" : "";
+  if (!type.is_text()) return type.has_offset() ? " COLLATE MOMENT" : "";
+  if (type.order == TextOrder::kCodePoints) return " COLLATE TSQL";
+  return " COLLATE \"" + std::string(TextOrderName(type.order)) + "\"";
 }
 
 std::int64_t PackType(const SqlType& type) {
@@ -331,6 +333,7 @@ SqlType CommonType(const SqlType& a, const SqlType& b) {
   SqlType high = Precedence(a) >= Precedence(b) ? a : b;
   const SqlType& low = Precedence(a) >= Precedence(b) ? b : a;
   if (high.is_text() && low.is_text()) {
+    if (high.order == TextOrder::kCodePoints) high.order = low.order;
     constexpr int kMostNational = 4000;
     high.size = LargerSize(a.size, b.size);
     if (high.is_national()) high.size = std::min(high.size, kMostNational);

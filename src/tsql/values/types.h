@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tessarlorn/recordset.h"
+#include "tsql/values/text_order.h"
 #include "tsql/values/type_name.h"
 
 namespace tessarlorn::tsql {
@@ -36,6 +37,8 @@ struct SqlType {
   int scale = 0;
   /// The type of NULL itself, which takes any other's place.
   bool untyped_null = false;
+  /// Of text: how COLLATE wants it sorted; kCodePoints for as the database does.
+  TextOrder order = TextOrder::kCodePoints;
 
   [[nodiscard]] Storage storage() const noexcept;
   [[nodiscard]] bool is_text() const noexcept;

@@ -19,19 +19,32 @@ std::string NoteSql(std::int64_t sequence, std::int64_t last, const std::string&
 
 }  // namespace
 
-SequenceNumbers::Given& SequenceNumbers::Of(const CatalogObject& sequence) {
-  const auto [found, is_new] = given_.try_emplace(sequence.id);
+SequenceNumbers::Given& SequenceNumbers::Of(const CatalogObjectPtr& sequence) {
+  const auto [found, is_new] = given_.try_emplace(sequence->id);
   if (is_new) {
-    found->second.definition = ReadSequence(database_.handle(), sequence);
-    found->second.last = LastNumberOf(database_.handle(), sequence.id);
+    found->second.sequence = sequence;
+    found->second.definition = ReadSequence(database_.handle(), *sequence);
+    found->second.last = LastNumberOf(database_.handle(), sequence->id);
   }
   return found->second;
+}
+
+bool SequenceNumbers::Stands(const Given& given) const {
+  const CatalogObjectPtr now = database_.catalog().Find(given.sequence->name);
+  return now != nullptr && now->id == given.sequence->id && now->signature() == given.sequence->signature();
+}
+
+void SequenceNumbers::RollbackToSavePoint() {
+  std::erase_if(given_, [this](const auto& entry) { return !Stands(entry.second); });
+  for (auto& [id, given] : redefined_) {
+    if (Stands(given)) given_.try_emplace(id, given);
+  }
 }
 
 std::int64_t SequenceNumbers::Next(std::string_view sequence, std::int64_t place) {
   const CatalogObjectPtr object = database_.catalog().Find(sequence);
   if (object == nullptr) RaiseNoObject({"", std::string(sequence)});
-  Given& given = Of(*object);
+  Given& given = Of(object);
   if (given.places.empty() || given.places.contains(place)) {
     Advance(given, sequence);
     given.places.clear();

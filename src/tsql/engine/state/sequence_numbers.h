@@ -29,18 +29,23 @@ class SequenceNumbers {
 
   /// Notes what was given in the open transaction.
   void Note();
-  /// The same behind a rollback; and forgets it.
+  /// Behind a rollback to a save point: what was defined since then is not so any longer.
+  void RollbackToSavePoint();
+  /// Notes what was given behind a rollback of all; and forgets it.
   void NoteAfterRollback() noexcept;
   /// The lock is given back.
   void Forget();
 
  private:
   struct Given {
+    CatalogObjectPtr sequence;
     SequenceDefinition definition;
     std::optional<std::int64_t> last;
     std::set<std::int64_t> places;  // those of the row at hand that have their number
   };
-  Given& Of(const CatalogObject& sequence);
+  Given& Of(const CatalogObjectPtr& sequence);
+  /// Whether the sequence stands in the catalog as it did then.
+  [[nodiscard]] bool Stands(const Given& given) const;
   static void Advance(Given& given, std::string_view sequence);
 
   SessionDatabase& database_;

@@ -226,6 +226,7 @@ void Transaction::Rollback(const RollbackStatement& statement) {
     database_.DropLeft();
     database_.catalog().Invalidate();
     database_.catalog().Refresh();
+    numbers_.RollbackToSavePoint();
     KeepIdentities();
     return;
   }

@@ -51,6 +51,7 @@ Typed Joined(const Call& call, const Typed& value, const std::string& separator)
   for (const OrderItem& item : call.within()) {
     const Typed key = call.translation().Value(*item.expression, call.scope());
     if (key.type.has_offset()) RaiseUnsupported("WITHIN GROUP ordered by a datetimeoffset", call.line());
+    if (key.type.order != TextOrder::kCodePoints) RaiseUnsupported("WITHIN GROUP ordered by COLLATE", call.line());
     directions += item.descending ? 'd' : 'a';
     keys += ", " + key.sql;
   }

@@ -39,8 +39,8 @@ Typed TranslateCall(const Call& call) {
   if (std::find(kWindowOnly.begin(), kWindowOnly.end(), call.name()) != kWindowOnly.end()) {
     throw SqlError(10753, "The function '" + call.name() + "' must have an OVER clause.", 15);
   }
-  constexpr auto kServerOnly =
-      std::to_array<std::string_view>({"compress", "decompress", "formatmessage", "string_split"});
+  constexpr auto kServerOnly = std::to_array<std::string_view>(
+      {"columns_updated", "compress", "cursor_status", "decompress", "formatmessage", "string_split"});
   if (std::find(kServerOnly.begin(), kServerOnly.end(), call.name()) != kServerOnly.end()) {
     RaiseUnsupported("The function " + UpperCase(call.name()), call.line());
   }

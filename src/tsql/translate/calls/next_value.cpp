@@ -30,6 +30,11 @@ namespace {
     case NumberPlace::kOptional:
       raise(11741, "cannot be used within CASE, CHOOSE, COALESCE, IIF, ISNULL and NULLIF.");
       break;
+    case NumberPlace::kMerge:
+      raise(11742,
+            "can only be used with MERGE if it is defined within a default constraint on the target table for insert "
+            "actions.");
+      break;
     default:
       break;
   }
@@ -39,6 +44,7 @@ namespace {
 }  // namespace
 
 Typed NextValueOf(Translation& translation, const NextValue& next) {
+  if (translation.merges && translation.parameters.definition_depth() == 0) RaiseMisplaced(NumberPlace::kMerge);
   if (translation.numbers != NumberPlace::kHere) RaiseMisplaced(translation.numbers);
   const CatalogObjectPtr sequence = translation.Note(next.sequence);
   if (sequence == nullptr) RaiseNoObject(next.sequence);

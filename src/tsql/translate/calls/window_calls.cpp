@@ -13,19 +13,15 @@ namespace {
 
 std::string Over(const Call& call) {
   const Window& window = *call.window();
-  const auto value = [&](const Expression& key) { return call.translation().Value(key, call.scope()); };
-  const auto ordered = [&](const Expression& key) {
-    const Typed typed = value(key);
-    return typed.sql + OrderCollation(key, typed.type);
-  };
+  const auto value = [&](const Expression& key) { return Collated(call.translation().Value(key, call.scope())); };
   std::string sql = " OVER (";
   for (std::size_t i = 0; i < window.partition.size(); ++i) {
-    sql += (i == 0 ? "PARTITION BY " : ", ") + Collated(value(*window.partition[i]));
+    sql += (i == 0 ? "PARTITION BY " : ", ") + value(*window.partition[i]);
   }
   for (std::size_t i = 0; i < window.order.size(); ++i) {
     const Expression& key = *window.order[i].expression;
     // ORDER BY (SELECT NULL) is how an order that does not matter is written.
-    sql += (i == 0 ? " ORDER BY " : ", ") + (As<ScalarSubquery>(key) != nullptr ? "NULL" : ordered(key)) +
+    sql += (i == 0 ? " ORDER BY " : ", ") + (As<ScalarSubquery>(key) != nullptr ? "NULL" : value(key)) +
            (window.order[i].descending ? " DESC" : "");
   }
   if (!window.frame.empty()) sql += " " + window.frame;

@@ -36,6 +36,10 @@ const TableSource* FindTarget(const std::vector<TableSourcePtr>& from, const std
   const auto by_alias = [&](const TableSource& source) {
     const auto* table = std::get_if<NamedTable>(&source.node);
     const auto* derived = std::get_if<DerivedTable>(&source.node);
+    const auto* function = std::get_if<TableFunction>(&source.node);
+    if (function != nullptr && EqualsIgnoreCase(function->alias, name)) {
+      RaiseUnsupported("A change through the function '" + name + "'");
+    }
     return EqualsIgnoreCase(table != nullptr ? table->shown_name() : derived != nullptr ? derived->alias : "", name);
   };
   const auto by_name = [&](const TableSource& source) { return CountNamed(source, name) > 0; };

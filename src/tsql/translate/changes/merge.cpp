@@ -109,11 +109,13 @@ void MergeTranslator::Add(const MergeStatement::Branch& branch) {
 }
 
 Compiled MergeTranslator::Translate() {
+  translation_.merges = true;
   with_ = TranslateWith(translation_, merge_.with, nullptr);
   for (const CommonTable& table : merge_.with) {
     if (EqualsIgnoreCase(table.name, merge_.target.name.name)) RaiseUnsupported("MERGE into a common table expression");
   }
   target_.table = translation_.Lookup(merge_.target.name);
+  if (target_.table->kind == CatalogKind::kView) RaiseUnsupported("MERGE into the view '" + target_.table->name + "'");
   RequireTable(*target_.table);
   target_.alias = merge_.target.shown_name();
   target_.row = QuoteName(target_.alias) + "._rowid_";

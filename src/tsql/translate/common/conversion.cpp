@@ -1,8 +1,5 @@
 #include "tsql/translate/common/conversion.h"
 
-#include <optional>
-
-#include "tsql/functions/text_order.h"
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {
@@ -130,14 +127,6 @@ std::string Required(const std::string& sql, const Column& column, const std::st
 std::string Collated(const Typed& value) {
   const std::string collation = CollationOf(value.type);
   return collation.empty() ? value.sql : "(" + value.sql + collation + ")";
-}
-
-std::string OrderCollation(const Expression& key, const SqlType& type) {
-  const auto* collate = As<CollateExpression>(key);
-  const std::optional<TextOrder> order = collate == nullptr ? std::nullopt : FindTextOrder(collate->collation);
-  if (!order) return CollationOf(type);
-  if (!CanSort(*order)) RaiseUnsupported("The collation " + collate->collation, key.line);
-  return " COLLATE " + QuoteName(TextOrderName(*order));
 }
 
 std::string Packed(const SqlType& type) { return std::to_string(PackType(type)); }

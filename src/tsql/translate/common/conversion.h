@@ -4,7 +4,6 @@
 #include <string>
 
 #include "tsql/storage/catalog.h"
-#include "tsql/syntax/ast.h"
 #include "tsql/translate/common/parameters.h"
 #include "tsql/translate/common/typed.h"
 
@@ -25,8 +24,6 @@ std::string Assigned(Parameters& parameters, const Typed& value, const Column& c
 /// The value, or error 515 for NULL.
 std::string Required(const std::string& sql, const Column& column, const std::string& table);
 
-/// How ORDER BY compares a key: by the collation that it names with COLLATE, or as its type does.
-std::string OrderCollation(const Expression& key, const SqlType& type);
 /// The value with the collation of its type, where it needs one.
 std::string Collated(const Typed& value);
 /// A type as a row function reads it.

@@ -10,7 +10,7 @@ namespace tessarlorn::tsql {
 
 CatalogObjectPtr Translation::Note(const ObjectName& name) {
   RequireLocal(name);
-  CatalogObjectPtr object = catalog.Find(name.name);
+  CatalogObjectPtr object = catalog.Find(name);
   const bool known = std::any_of(dependencies.objects.begin(), dependencies.objects.end(),
                                  [&](const Dependencies::Object& entry) { return entry.name == name.name; });
   if (!known) dependencies.objects.push_back({name.name, object});

@@ -56,6 +56,7 @@ enum class NumberPlace : std::uint8_t {
   kOrdered,   // 11723
   kTop,       // 11739
   kOptional,  // 11741: CASE and its like
+  kMerge,     // 11742
 };
 
 /// One statement under translation. Values hold queries, queries hold conditions, and conditions hold values: each part
@@ -91,6 +92,8 @@ class Translation {
   /// A change goes through a query: queries bring the numbers of their base rows along.
   bool exposes_rows = false;
   NumberPlace numbers = NumberPlace::kNowhere;
+  /// In MERGE only the defaults of columns take numbers.
+  bool merges = false;
   /// How many places of the row at hand take a number of a sequence.
   int number_places = 0;
   /// What is translated is kept in SQLite's definition of a table.

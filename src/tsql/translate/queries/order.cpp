@@ -85,7 +85,7 @@ std::vector<OrderKey> OrderKeys(Translation& translation, const Query& query, co
     if (select.distinct && !Selects(translation.parameters, select, values, key, value.sql)) {
       throw SqlError(145, "ORDER BY items must appear in the select list if SELECT DISTINCT is specified.", 15);
     }
-    return {OrderKey::kNoColumn, value.sql, OrderCollation(key, value.type)};
+    return {OrderKey::kNoColumn, value.sql, CollationOf(value.type)};
   };
   std::vector<OrderKey> keys;
   for (const OrderItem& item : query.order_by) {

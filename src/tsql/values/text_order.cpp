@@ -1,4 +1,4 @@
-#include "tsql/functions/text_order.h"
+#include "tsql/values/text_order.h"
 
 #include <algorithm>
 #include <array>

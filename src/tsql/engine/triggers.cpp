@@ -77,10 +77,9 @@ class Triggers::Rows {
     for (const bool added : {true, false}) {
       database_.Run("CREATE TEMP TABLE " + QuoteName(Shown(added)) + " (" + types + ")");
       // A body joins the two by the table's key.
-      const std::string index = QuoteName("$key of " + Shown(added));
-      if (!key.empty()) {
-        database_.Run("CREATE INDEX temp." + index + " ON " + QuoteName(Shown(added)) + " (" + key + ")");
-      }
+      std::string index = "CREATE INDEX temp." + QuoteName("$key of " + Shown(added));
+      index.append(" ON ").append(QuoteName(Shown(added))).append(" (").append(key).append(")");
+      if (!key.empty()) database_.Run(index);
     }
   }
   Rows(const Rows&) = delete;
@@ -112,8 +111,12 @@ class Triggers::Rows {
         event == nullptr ? "" : " AND \"$event\" = " + std::to_string(static_cast<int>(*event));
     for (const bool added : {true, false}) {
       const std::string name = "temp." + QuoteName(Shown(added));
-      database_.Run("DELETE FROM " + name + "; INSERT INTO " + name + " SELECT " + columns_.substr(2) + " FROM temp." +
-                    QuoteName(All()) + " WHERE \"$added\" = " + (added ? "1" : "0") + of_event + " ORDER BY _rowid_");
+      std::string fill = "DELETE FROM " + name;
+      fill.append("; INSERT INTO ").append(name).append(" SELECT ").append(columns_, 2);
+      fill.append(" FROM temp.")
+          .append(QuoteName(All()))
+          .append(added ? " WHERE \"$added\" = 1" : " WHERE \"$added\" = 0");
+      database_.Run(fill.append(of_event).append(" ORDER BY _rowid_"));
     }
     database_.catalog().EnterTrigger(Definition(true), Definition(false));
   }

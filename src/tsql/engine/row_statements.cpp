@@ -70,8 +70,7 @@ void RowStatements::Describe(const Statement& statement, const Activation& activ
 void RowStatements::SelectInto(const Query& query, const Activation& activation) {
   const Transaction::Snapshot snapshot(transaction_, database_.catalog());
   const ObjectName& into = query.select()->into;
-  CatalogObject made;
-  made.name = into.name;
+  CatalogObject made = definitions_.NewObject(CatalogKind::kTable, into);
   made.temporary = into.temporary();
   Constraints constraints;
   for (const ResultColumn& column : plans_.MakeTranslator(activation).DescribeQuery(query, true)) {

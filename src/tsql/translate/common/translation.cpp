@@ -27,7 +27,9 @@ CatalogObjectPtr Translation::Lookup(const ObjectName& name) {
 }
 
 CatalogObjectPtr Translation::FindFunction(const ObjectName& name) {
-  CatalogObjectPtr object = EqualsIgnoreCase(SchemaHere(name.qualifier), "dbo") ? Note({"dbo", name.name}) : nullptr;
+  const bool of_dbo = name.schema.empty() && EqualsIgnoreCase(SchemaHere(name.qualifier), "dbo");
+  if (!of_dbo && name.schema.empty()) return nullptr;
+  CatalogObjectPtr object = Note(of_dbo ? ObjectName{"dbo", name.name} : name);
   return object != nullptr && object->kind == CatalogKind::kFunction ? object : nullptr;
 }
 

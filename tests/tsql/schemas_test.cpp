@@ -59,6 +59,27 @@ TEST(Schemas, NamesWithTheirSchema) {
   });
 }
 
+TEST(Schemas, ObjectsLookIntoTheirOwnSchemaFirst) {
+  CheckSchemas({
+      {"create view s.own as select t.c from t", ""},
+      {"create function s.rows () returns table as return select c from t union all select c from only_dbo",
+       "error 208: Invalid object name 'only_dbo'."},
+      {"create procedure s.inner_one as select sum(c) as c from t", ""},
+      {"create procedure s.outer_one as exec inner_one", ""},
+      {"create procedure dbo.inner_one as select sum(c) as other from t", ""},
+      {"exec inner_one", "other;100"},
+      {"exec s.outer_one", "c;3"},
+      {"alter schema dbo transfer s.t", "error 15530: The object with name \"t\" already exists."},
+      {"exec sp_rename 's.t', 'u' exec s.outer_one", "c;100"},
+      {"exec sp_rename 's.u', 't' exec s.outer_one", "c;3"},
+      {"select sum(c) as c from s.own union all select sum(c) from t", "c;3;100"},
+      {"create procedure s.clear as truncate table t insert t (c) exec ('select 8')", ""},
+      {"create trigger s.tr on s.t after insert as select c as new from inserted where c in (select c from t)", ""},
+      {"exec s.clear", "new;8"},
+      {"select c from t", "c;100"},
+  });
+}
+
 TEST(Schemas, Errors) {
   CheckSchemas({
       {"select 1 as a create schema u", "error 111: 'CREATE SCHEMA' must be the first statement in a query batch."},

@@ -144,7 +144,7 @@ void Definitions::AddObject(CatalogObject object, bool replace) {
 void Definitions::CreateView(const CreateViewStatement& statement, const Activation& activation) {
   CatalogObject view = NewObject(CatalogKind::kView, statement.view);
   view.definition = statement.source_text;
-  Translator translator = plans_.MakeTranslator(activation);
+  Translator translator = plans_.MakeTranslator(activation, view.schema);
   for (const ResultColumn& column : translator.DescribeQuery(*statement.query, false, statement.columns)) {
     view.columns.push_back({column.name, column.type, column.nullable, false, ""});
   }
@@ -235,7 +235,7 @@ void Definitions::CreateFunction(const CreateFunctionStatement& statement, const
   } else {
     Activation inner = activation;
     inner.frame = &frame;
-    Translator translator = plans_.MakeTranslator(inner);
+    Translator translator = plans_.MakeTranslator(inner, function.schema);
     for (const ResultColumn& column : translator.DescribeQuery(*statement.query, false)) {
       function.columns.push_back({column.name, column.type, column.nullable, false, ""});
     }

@@ -105,11 +105,11 @@ void Procedures::Execute(const ExecuteTextStatement& statement, const Activation
 void Procedures::Execute(const CallStatement& call, const Activation& activation) {
   Balanced([&] {
     WrittenArguments arguments(*this, call, activation);
-    Call(call.procedure, arguments);
+    Call(call.procedure, arguments, activation.plan->schema);
   });
 }
 
-void Procedures::Call(const ObjectName& name, CallArguments& arguments) {
+void Procedures::Call(const ObjectName& name, CallArguments& arguments, const std::string& schema) {
   if (EqualsIgnoreCase(name.name, "sp_executesql")) {
     ExecuteSql(arguments);
     return;
@@ -122,7 +122,7 @@ void Procedures::Call(const ObjectName& name, CallArguments& arguments) {
   if (procedure == nullptr) {
     RequireLocal(name);
     database_.catalog().Refresh();
-    procedure = database_.catalog().Find(name.name);
+    procedure = database_.catalog().Find(database_.catalog().Meant(name, schema));
   }
   if (procedure != nullptr && procedure->kind == CatalogKind::kFunction) {
     CallFunction(*procedure, arguments);

@@ -127,7 +127,8 @@ int CatalogObject::identity_column() const {
 }
 
 void CatalogObject::Seal() {
-  signature_ = std::string(kKindNames[static_cast<std::size_t>(kind)]) + "\n" + stored_name + "\n" + definition;
+  signature_ =
+      std::string(kKindNames[static_cast<std::size_t>(kind)]) + "\n" + schema + "\n" + stored_name + "\n" + definition;
   for (const Column& column : columns) {
     signature_ += "\n" + column.name + " " + TypeText(column.type) + (column.nullable ? " null " : " not null ") +
                   (column.identity  ? "identity "

@@ -166,6 +166,9 @@ class Catalog {
   void AddSchema(const std::string& name);
   /// Raises 15150 and 15151, and 3729 while something stands in it.
   void RemoveSchema(const std::string& name);
+  /// What the text of an object means by a name without a schema: what its own schema has, or else dbo.
+  /// @param schema the object's, "" for dbo and for a batch
+  [[nodiscard]] std::string Meant(const ObjectName& name, const std::string& schema) const;
   /// The name that a schema was created with, or nullptr. None of the server's is found.
   [[nodiscard]] const std::string* FindSchema(std::string_view name) const;
 

@@ -15,6 +15,12 @@ const std::string* Catalog::FindSchema(std::string_view name) const {
   return found == schemas_.end() ? nullptr : &found->second;
 }
 
+std::string Catalog::Meant(const ObjectName& name, const std::string& schema) const {
+  const bool open = !schema.empty() && name.qualifier.empty() && name.schema.empty() && !name.temporary();
+  std::string own = schema + "." + name.name;
+  return open && Find(own) != nullptr ? own : name.name;
+}
+
 void Catalog::FindSchemaOf(CatalogObject& object) const {
   const std::size_t dot = object.name.find('.');
   if (dot == std::string::npos) return;

@@ -8,13 +8,20 @@
 
 namespace tessarlorn::tsql {
 
+CatalogObjectPtr Translation::Noted(const std::string& name) {
+  CatalogObjectPtr object = catalog.Find(name);
+  const bool known = std::any_of(dependencies.objects.begin(), dependencies.objects.end(),
+                                 [&](const Dependencies::Object& entry) { return entry.name == name; });
+  if (!known) dependencies.objects.push_back({name, object});
+  return object;
+}
+
 CatalogObjectPtr Translation::Note(const ObjectName& name) {
   RequireLocal(name);
-  CatalogObjectPtr object = catalog.Find(name.name);
-  const bool known = std::any_of(dependencies.objects.begin(), dependencies.objects.end(),
-                                 [&](const Dependencies::Object& entry) { return entry.name == name.name; });
-  if (!known) dependencies.objects.push_back({name.name, object});
-  return object;
+  // Made later, what stands in its own schema is meant from then on.
+  const bool open = !schema.empty() && name.qualifier.empty() && name.schema.empty() && !name.temporary();
+  if (open) Noted(schema + "." + name.name);
+  return Noted(catalog.Meant(name, schema));
 }
 
 CatalogObjectPtr Translation::Lookup(const ObjectName& name) {

@@ -101,7 +101,7 @@ class Sources {
                 const std::vector<BaseRow>& rows) const;
   [[nodiscard]] TranslatedQuery ViewText(const CatalogObject& view) const;
   /// The query of a view or of a function with these arguments. @param columns their names, none for its own
-  [[nodiscard]] TranslatedQuery DefinitionText(const std::string& owner, const Query& query,
+  [[nodiscard]] TranslatedQuery DefinitionText(const CatalogObject& object, const Query& query,
                                                const std::vector<std::string>& columns,
                                                const Parameters::Arguments* arguments) const;
   /// Raises 208 and 215.
@@ -170,19 +170,20 @@ void Sources::AddQuery(const std::string& alias, const std::vector<ResultColumn>
 TranslatedQuery Sources::ViewText(const CatalogObject& view) const {
   const StatementPtr statement = ParsedDefinition(translation_, view);
   const auto& definition = std::get<CreateViewStatement>(statement->node);
-  return DefinitionText(view.own_name(), *definition.query, definition.columns, nullptr);
+  return DefinitionText(view, *definition.query, definition.columns, nullptr);
 }
 
-TranslatedQuery Sources::DefinitionText(const std::string& owner, const Query& query,
+TranslatedQuery Sources::DefinitionText(const CatalogObject& object, const Query& query,
                                         const std::vector<std::string>& columns,
                                         const Parameters::Arguments* arguments) const {
   // A view or function knows nothing of where it is used: no outer names, no common tables, no lifted literals.
   std::vector<CommonTableColumns> outer;
   outer.swap(translation_.common_tables);
   const Parameters::InDefinition in_definition(translation_.parameters, arguments);
+  const InSchema in_schema(translation_, object.schema);
   SelectOptions options;
   options.named = true;
-  options.owner = owner;
+  options.owner = object.own_name();
   if (!columns.empty()) options.names = &columns;
   TranslatedQuery text = translation_.QueryText(query, nullptr, options);
   outer.swap(translation_.common_tables);
@@ -234,8 +235,7 @@ std::string Sources::Own(const TableFunction& function, Scope& around, bool kept
     }
     arguments.emplace(definition.parameters[i].name, std::move(values[i]));
   }
-  const TranslatedQuery query =
-      DefinitionText(object->own_name(), *definition.query, function.column_aliases, &arguments);
+  const TranslatedQuery query = DefinitionText(*object, *definition.query, function.column_aliases, &arguments);
   if (plain) {
     scope_.optional_view = scope_.optional_view || optional_;
     AddQuery(function.alias, query.columns, {});

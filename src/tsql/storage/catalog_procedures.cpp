@@ -50,11 +50,13 @@ constexpr std::string_view kTables = R"(CREATE PROCEDURE sp_tables @table_name n
 IF ISNULL(@table_name, '') = '' AND (@table_qualifier = '%' AND ISNULL(@table_owner, '') = ''
     OR @table_owner = '%' AND ISNULL(@table_qualifier, '') = '' OR @table_type = '%' AND ISNULL(@table_owner, '') = '')
   SELECT CASE @table_qualifier WHEN '%' THEN DB_NAME() END AS TABLE_QUALIFIER,
-    CAST(CASE WHEN @table_owner = '%' AND n = 1 THEN 'dbo' END AS nvarchar(128)) AS TABLE_OWNER,
+    CASE @table_owner WHEN '%' THEN owner END AS TABLE_OWNER,
     CAST(NULL AS nvarchar(128)) AS TABLE_NAME,
     CAST(CASE @table_type WHEN '%' THEN CASE n WHEN 1 THEN 'TABLE' ELSE 'VIEW' END END AS varchar(32)) AS TABLE_TYPE,
     CAST(NULL AS varchar(254)) AS REMARKS
-  FROM (VALUES (1), (2)) AS rows (n) WHERE n = 1 OR @table_type = '%'
+  FROM (SELECT CASE SCHEMA_NAME WHEN 'dbo' THEN 1 ELSE 3 END AS n, SCHEMA_NAME AS owner FROM INFORMATION_SCHEMA.SCHEMATA
+    UNION ALL SELECT 2, NULL) rows
+  WHERE n = 1 OR n = 2 AND @table_type = '%' OR n = 3 AND @table_owner = '%'
 ELSE
 SELECT DB_NAME() AS TABLE_QUALIFIER, TABLE_SCHEMA AS TABLE_OWNER, TABLE_NAME,
   CAST(CASE TABLE_TYPE WHEN 'VIEW' THEN 'VIEW' ELSE 'TABLE' END AS varchar(32)) AS TABLE_TYPE,

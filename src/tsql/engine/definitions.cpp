@@ -142,12 +142,9 @@ void Definitions::AddObject(CatalogObject object, bool replace) {
 }
 
 void Definitions::CreateView(const CreateViewStatement& statement, const Activation& activation) {
-  RequireLocal(statement.view);
-  CatalogObject view;
-  view.kind = CatalogKind::kView;
-  view.name = statement.view.name;
+  CatalogObject view = NewObject(CatalogKind::kView, statement.view);
   view.definition = statement.source_text;
-  Translator translator = plans_.MakeTranslator(activation);
+  Translator translator = plans_.MakeTranslator(activation, view.schema);
   for (const ResultColumn& column : translator.DescribeQuery(*statement.query, false, statement.columns)) {
     view.columns.push_back({column.name, column.type, column.nullable, false, ""});
   }
@@ -155,10 +152,7 @@ void Definitions::CreateView(const CreateViewStatement& statement, const Activat
 }
 
 void Definitions::CreateProcedure(const CreateProcedureStatement& statement) {
-  RequireLocal(statement.procedure);
-  CatalogObject procedure;
-  procedure.kind = CatalogKind::kProcedure;
-  procedure.name = statement.procedure.name;
+  CatalogObject procedure = NewObject(CatalogKind::kProcedure, statement.procedure);
   procedure.definition = statement.source_text;
   for (const Parameter& parameter : statement.parameters) {
     procedure.columns.push_back(
@@ -168,16 +162,21 @@ void Definitions::CreateProcedure(const CreateProcedureStatement& statement) {
 }
 
 void Definitions::CreateTrigger(const CreateTriggerStatement& statement, std::uint32_t line) {
-  RequireLocal(statement.trigger);
   RequireLocal(statement.table);
   if (statement.table.temporary()) RaiseUnsupported("A trigger on a temporary table", line);
   const CatalogObjectPtr table = database_.catalog().Find(statement.table.name);
   if (table == nullptr || table->kind != CatalogKind::kTable) {
     throw SqlError(8197, "The object '" + statement.table.name + "' does not exist or is invalid for this operation.");
   }
-  CatalogObject trigger;
-  trigger.kind = CatalogKind::kTrigger;
-  trigger.name = statement.trigger.name;
+  const ObjectName& name = statement.trigger;
+  const bool unqualified = name.schema.empty() && name.qualifier.empty();
+  CatalogObject trigger =
+      NewObject(CatalogKind::kTrigger, unqualified ? MakeObjectName(statement.table.schema, name.name) : name);
+  if (trigger.schema != table->schema) {
+    throw SqlError(2103, std::string("Cannot ") + (statement.replace ? "alter" : "create") + " trigger '" +
+                             WrittenName(name) +
+                             "' because its schema is different from the schema of the target table or view.");
+  }
   trigger.definition = statement.source_text;
   trigger.columns.push_back(ToColumn({table->name, statement.events, true}));
   AddObject(std::move(trigger), statement.replace);
@@ -215,12 +214,10 @@ void Definitions::SwitchTriggers(const SwitchTriggersStatement& statement) {
 }
 
 void Definitions::CreateFunction(const CreateFunctionStatement& statement, const Activation& activation) {
-  RequireLocal(statement.function);
-  CatalogObject function;
-  function.kind = statement.query != nullptr         ? CatalogKind::kTableFunction
-                  : statement.returned_table.empty() ? CatalogKind::kFunction
-                                                     : CatalogKind::kFilledFunction;
-  function.name = statement.function.name;
+  CatalogObject function = NewObject(statement.query != nullptr         ? CatalogKind::kTableFunction
+                                     : statement.returned_table.empty() ? CatalogKind::kFunction
+                                                                        : CatalogKind::kFilledFunction,
+                                     statement.function);
   function.definition = statement.source_text;
   Frame frame;
   std::vector<Column> parameters;
@@ -238,7 +235,7 @@ void Definitions::CreateFunction(const CreateFunctionStatement& statement, const
   } else {
     Activation inner = activation;
     inner.frame = &frame;
-    Translator translator = plans_.MakeTranslator(inner);
+    Translator translator = plans_.MakeTranslator(inner, function.schema);
     for (const ResultColumn& column : translator.DescribeQuery(*statement.query, false)) {
       function.columns.push_back({column.name, column.type, column.nullable, false, ""});
     }

@@ -38,6 +38,13 @@ class Definitions {
   void SwitchTriggers(const SwitchTriggersStatement& statement);
   void CreateFunction(const CreateFunctionStatement& statement, const Activation& activation);
   void Drop(const DropStatement& statement);
+  // schemas.cpp
+  void CreateSchema(const CreateSchemaStatement& statement);
+  void DropSchema(const DropSchemaStatement& statement);
+  /// Raises 15151 and 15530.
+  void Transfer(const TransferStatement& statement);
+  /// An object of that name that is to be made. Raises 208 for one of another database, and 2760.
+  CatalogObject NewObject(CatalogKind kind, const ObjectName& name);
   // sequences.cpp
   /// CREATE and ALTER SEQUENCE. @param numbers what the sequences gave so far
   void DefineSequence(const SequenceStatement& statement, SequenceNumbers& numbers);
@@ -54,12 +61,15 @@ class Definitions {
   /// A table goes with its triggers.
   void DropObject(const CatalogObject& object);
   void AddObject(CatalogObject object, bool replace);
-  void RenameObject(const CatalogObject& object, const std::string& new_name);
+  /// Gives an object another name, "t" or "s.t".
+  void Move(const CatalogObject& object, const std::string& new_name);
+  /// Refuses a name of dbo's that would be one in a schema. @param schema "" for dbo
+  void RequireOwnName(const std::string& schema, const std::string& name);
   void RenameColumn(const CatalogObject& table, const std::string& column, const std::string& new_name);
   void RenameIndex(const CatalogObject& table, const std::string& index, const std::string& new_name);
-  /// Gives the indexes whose names in SQLite begin with `from` such as begin with `to`. @param whole the names are
-  /// `from`
-  void MoveIndexes(const std::string& from, const std::string& to, bool whole = false);
+  /// Gives the indexes of SQLite's table whose names begin with `from` such as begin with `to`. @param whole the names
+  /// are `from`
+  void MoveIndexes(const std::string& table, const std::string& from, const std::string& to, bool whole = false);
 
   /// The name in SQLite of a table variable.
   std::string VariableName(const CreateTableStatement& statement, const Activation& activation);

@@ -73,7 +73,8 @@ void Procedures::CallFunction(const CatalogObject& function, CallArguments& argu
   inner.returned_table = definition.returned_table;
   Begin(function, definition.parameters, arguments, inner);
   if (!definition.null_for_null || !AnyNull(definition.parameters, frame)) {
-    const Nested nested(*this, function.name);
+    const std::string name = function.own_name();
+    const Nested nested(*this, name);
     runner_.run_body(definition.body, inner);
   }
   arguments.TakeStatus(inner.returned, type);

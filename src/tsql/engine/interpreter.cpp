@@ -289,6 +289,18 @@ class Interpreter::Runner {
     of_.definitions_.DefineSequence(node, of_.transaction_.numbers());
     return of_.Done();
   }
+  Flow operator()(const CreateSchemaStatement& node) const {
+    of_.definitions_.CreateSchema(node);
+    return of_.Done();
+  }
+  Flow operator()(const DropSchemaStatement& node) const {
+    of_.definitions_.DropSchema(node);
+    return of_.Done();
+  }
+  Flow operator()(const TransferStatement& node) const {
+    of_.definitions_.Transfer(node);
+    return of_.Done();
+  }
 
  private:
   [[nodiscard]] Flow Change() const {

@@ -31,6 +31,8 @@ struct TextTemplate {
 /// A top-level statement, parsed, with what was compiled of it so far.
 struct Plan {
   StatementPtr statement;
+  /// That of the object whose text it is, "" for dbo and for a batch.
+  std::string schema;
   /// No segments when the text cannot be told by its beginning (lists, binary literals).
   TextTemplate text;
   /// The statement that followed the last time.

@@ -49,6 +49,7 @@ std::shared_ptr<Plan> PlanStore::PlanOf(const CatalogObject& object) {
   std::vector<StatementPtr> statements = ParseStatements(object.definition, tokens);
   auto plan = std::make_shared<Plan>();
   plan->statement = std::move(statements.at(0));
+  plan->schema = object.schema;
   return plan;
 }
 
@@ -111,8 +112,12 @@ void PlanStore::Revalidate(Plan& plan, Frame& frame) {
 }
 
 Translator PlanStore::MakeTranslator(const Activation& activation) {
+  return MakeTranslator(activation, activation.plan->schema);
+}
+
+Translator PlanStore::MakeTranslator(const Activation& activation, const std::string& schema) {
   return Translator({database_.catalog(), *activation.frame, database_.names(), activation.plan->lifted,
-                     activation.plan->dependencies, database_.runtime().memory});
+                     activation.plan->dependencies, database_.runtime().memory, schema});
 }
 
 template <typename Make>

@@ -75,6 +75,8 @@ class PlanStore {
 
   /// For what is compiled anew each time.
   Translator MakeTranslator(const Activation& activation);
+  /// The same, of the text of an object in that schema.
+  Translator MakeTranslator(const Activation& activation, const std::string& schema);
 
  private:
   std::shared_ptr<Plan> PlanOf(const CatalogObject& object);

@@ -105,11 +105,11 @@ void Procedures::Execute(const ExecuteTextStatement& statement, const Activation
 void Procedures::Execute(const CallStatement& call, const Activation& activation) {
   Balanced([&] {
     WrittenArguments arguments(*this, call, activation);
-    Call(call.procedure, arguments);
+    Call(call.procedure, arguments, activation.plan->schema);
   });
 }
 
-void Procedures::Call(const ObjectName& name, CallArguments& arguments) {
+void Procedures::Call(const ObjectName& name, CallArguments& arguments, const std::string& schema) {
   if (EqualsIgnoreCase(name.name, "sp_executesql")) {
     ExecuteSql(arguments);
     return;
@@ -122,7 +122,7 @@ void Procedures::Call(const ObjectName& name, CallArguments& arguments) {
   if (procedure == nullptr) {
     RequireLocal(name);
     database_.catalog().Refresh();
-    procedure = database_.catalog().Find(name.name);
+    procedure = database_.catalog().Find(database_.catalog().Meant(name, schema));
   }
   if (procedure != nullptr && procedure->kind == CatalogKind::kFunction) {
     CallFunction(*procedure, arguments);
@@ -152,8 +152,8 @@ std::vector<std::size_t> Procedures::TakeArguments(const CatalogObject& procedur
     }
     if (position >= parameters.size()) {
       if (name.empty())
-        throw SqlError(8144, "Procedure or function " + procedure.name + " has too many arguments specified.");
-      throw SqlError(8145, name + " is not a parameter for procedure " + procedure.name + ".");
+        throw SqlError(8144, "Procedure or function " + procedure.own_name() + " has too many arguments specified.");
+      throw SqlError(8145, name + " is not a parameter for procedure " + procedure.own_name() + ".");
     }
     positions.push_back(arguments.is_default(i) ? kOwnDefault : position);
     Variable& parameter = frame.Get(parameters[position].name);
@@ -168,7 +168,7 @@ void Procedures::TakeDefaults(const CatalogObject& procedure, const std::vector<
     if (std::find(given.begin(), given.end(), i) != given.end()) continue;
     const Parameter& parameter = parameters[i];
     if (parameter.default_value == nullptr) {
-      throw SqlError(201, "Procedure or function '" + procedure.name + "' expects parameter '" + parameter.name +
+      throw SqlError(201, "Procedure or function '" + procedure.own_name() + "' expects parameter '" + parameter.name +
                               "', which was not supplied.");
     }
     Variable& variable = inner.frame->Get(parameter.name);
@@ -194,7 +194,8 @@ void Procedures::CallProcedure(const CatalogObject& procedure, CallArguments& ar
   Frame frame;
   Activation inner{&frame, plan.get(), {}, {}, nullptr};
   const std::vector<std::size_t> positions = Begin(procedure, parameters, arguments, inner);
-  const Nested nested(*this, procedure.name);
+  const std::string name = procedure.own_name();
+  const Nested nested(*this, name);
   runner_.run_body(definition.body, inner);
   for (std::size_t i = 0; i < positions.size(); ++i) {
     if (arguments.is_default(i)) continue;
@@ -210,7 +211,8 @@ void Procedures::Fire(const CatalogObject& trigger) {
   Activation inner{&frame, plan.get(), {}, {}, nullptr};
   if (plan->checked_generation != database_.catalog().generation()) plans_.Revalidate(*plan, frame);
   PlanStore::Declare(*plan->statement, frame);
-  const Nested nested(*this, trigger.name);
+  const std::string name = trigger.own_name();
+  const Nested nested(*this, name);
   options_.AbortOnErrors();
   runner_.run_body(std::get<CreateTriggerStatement>(plan->statement->node).body, inner);
 }

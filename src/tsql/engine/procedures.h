@@ -41,7 +41,8 @@ class Procedures {
   void Execute(const ExecuteTextStatement& statement, const Activation& activation);
 
   /// sp_executesql, a procedure of the server's or one of the database's. Raises 2812 for a name that is none.
-  void Call(const ObjectName& name, CallArguments& arguments);
+  /// @param schema that of the object whose text calls it, "" for dbo and for a batch
+  void Call(const ObjectName& name, CallArguments& arguments, const std::string& schema = {});
   /// Runs the body of a trigger. Raises 217.
   void Fire(const CatalogObject& trigger);
 

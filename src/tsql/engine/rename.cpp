@@ -43,9 +43,9 @@ void Definitions::Rename(const std::string& object, const std::string& new_name,
   }
   if (is_column || is_index) parts.pop_back();
   database_.catalog().Refresh();
-  const CatalogObjectPtr owner = parts.empty() ? nullptr : database_.catalog().Find(parts.back());
-  const bool local = parts.size() < 2 || EqualsIgnoreCase(parts[parts.size() - 2], "dbo");
-  const bool found = owner != nullptr && local && !owner->temporary;
+  const ObjectName name = NameOf(std::move(parts));
+  const CatalogObjectPtr owner = database_.catalog().Find(name.name);
+  const bool found = owner != nullptr && IsLocal(name) && !owner->temporary;
   database_.Atomically([&] {
     if (is_column || is_index) {
       if (!found || owner->kind != CatalogKind::kTable) RaiseWrongKind(is_column ? "COLUMN" : "INDEX");
@@ -56,17 +56,19 @@ void Definitions::Rename(const std::string& object, const std::string& new_name,
                                      "' could be found in the current database 'main', " +
                                      "given that @itemtype was input as '" + (kind.empty() ? "(null)" : kind) + "'.");
       }
-      RenameObject(*owner, new_name);
+      const std::string moved = (owner->schema.empty() ? "" : owner->schema + ".") + new_name;
+      if (database_.catalog().Find(moved) != nullptr) RaiseTaken(new_name, "object");
+      RequireOwnName(owner->schema, moved);
+      Move(*owner, moved);
     }
     database_.catalog().Refresh();
   });
 }
 
-void Definitions::RenameObject(const CatalogObject& object, const std::string& new_name) {
-  if (database_.catalog().Find(new_name) != nullptr) RaiseTaken(new_name, "object");
+void Definitions::Move(const CatalogObject& object, const std::string& new_name) {
   if (object.kind == CatalogKind::kTable) {
     database_.Run("ALTER TABLE " + TableSql(object) + " RENAME TO " + QuoteName(new_name));
-    MoveIndexes(object.name + ".", new_name + ".");
+    MoveIndexes(new_name, object.name + ".", new_name + ".");
   }
   database_.catalog().RenameObject(object, new_name);
 }
@@ -96,19 +98,18 @@ void Definitions::RenameIndex(const CatalogObject& table, const std::string& ind
   if (IndexExists(table, new_name)) RaiseTaken(new_name, "INDEX");
   const std::string from = table.name + "." + index;
   const std::string to = table.name + "." + new_name;
-  MoveIndexes(from, to, true);
-  MoveIndexes(from + std::string(kNullKeySuffix), to + std::string(kNullKeySuffix), true);
+  MoveIndexes(table.name, from, to, true);
+  MoveIndexes(table.name, from + std::string(kNullKeySuffix), to + std::string(kNullKeySuffix), true);
   database_.catalog().RenameIndex(table, index, new_name);
 }
 
-void Definitions::MoveIndexes(const std::string& from, const std::string& to, bool whole) {
+void Definitions::MoveIndexes(const std::string& table, const std::string& from, const std::string& to, bool whole) {
   // SQLite renames no index: each is made once more.
   std::vector<std::pair<std::string, std::string>> indexes;
   const std::string part = whole ? "name" : "substr(name, 1, length(" + QuoteText(from) + "))";
   SqliteStatement found = database_.Prepare(
-      "SELECT name, sql FROM main.sqlite_schema WHERE type = 'index' AND sql IS NOT"
-      " NULL AND lower(" +
-      part + ") = lower(" + QuoteText(from) + ")");
+      "SELECT name, sql FROM main.sqlite_schema WHERE type = 'index' AND sql IS NOT NULL AND tbl_name = " +
+      QuoteText(table) + " COLLATE NOCASE AND lower(" + part + ") = lower(" + QuoteText(from) + ")");
   while (found.Step("SELECT")) indexes.emplace_back(found.Text(0), found.Text(1));
   found.Reset();
   for (const auto& [name, sql] : indexes) {

@@ -70,8 +70,7 @@ void RowStatements::Describe(const Statement& statement, const Activation& activ
 void RowStatements::SelectInto(const Query& query, const Activation& activation) {
   const Transaction::Snapshot snapshot(transaction_, database_.catalog());
   const ObjectName& into = query.select()->into;
-  CatalogObject made;
-  made.name = into.name;
+  CatalogObject made = definitions_.NewObject(CatalogKind::kTable, into);
   made.temporary = into.temporary();
   Constraints constraints;
   for (const ResultColumn& column : plans_.MakeTranslator(activation).DescribeQuery(query, true)) {
@@ -93,7 +92,8 @@ void RowStatements::SelectInto(const Query& query, const Activation& activation)
 
 void RowStatements::Truncate(const TruncateStatement& statement, const Activation& activation) {
   RequireLocal(statement.table);
-  const CatalogObjectPtr table = database_.catalog().Get(statement.table.name);
+  Catalog& catalog = database_.catalog();
+  const CatalogObjectPtr table = catalog.Get(catalog.Meant(statement.table, activation.plan->schema));
   definitions_.RequireUnreferenced(
       *table, 4712,
       "Cannot truncate table '" + table->name + "' because it is being referenced by a FOREIGN KEY constraint.");
@@ -204,10 +204,10 @@ void RowStatements::ChangeInto(const Statement& statement, const Output& output,
   memory.ReleaseTo(used);
 }
 
-void RowStatements::RequireNoTriggers(const std::string& table, const Output& output) const {
+void RowStatements::RequireNoTriggers(const std::string& table, const Output& output, const std::string& schema) {
   if (output.items.empty()) return;
   const bool into = !output.into.name.empty();
-  if (into && triggers_.WatchOver(output.into.name)) {
+  if (into && triggers_.WatchOver(database_.catalog().Meant(output.into, schema))) {
     throw SqlError(
         331, "The target table '" + output.into.name + "' of the OUTPUT INTO clause cannot have any enabled triggers.");
   }
@@ -223,7 +223,7 @@ void RowStatements::Change(const Statement& statement, const Activation& activat
   const auto change = [&] { answered = ChangeRows(statement, activation); };
   if (database_.catalog().has_triggers()) {
     const std::string table = plans_.OfStatement(statement, activation).changed_table;
-    RequireNoTriggers(table, *OutputClauseOf(statement));
+    RequireNoTriggers(table, *OutputClauseOf(statement), activation.plan->schema);
     triggers_.Around(table, RowChangesOf(statement), change);
   } else {
     change();
@@ -296,7 +296,8 @@ void RowStatements::MoveRows(const Statement& statement, const Activation& activ
 
 void RowStatements::InsertAnswers(const InsertStatement& insert, const std::vector<TakenRows>& taken,
                                   const Activation& activation) {
-  triggers_.Around(insert.table.name, {{RowEvent::kInsert, {}}}, [&] { InsertTaken(insert, taken, activation); });
+  const std::string table = database_.catalog().Meant(insert.table, activation.plan->schema);
+  triggers_.Around(table, {{RowEvent::kInsert, {}}}, [&] { InsertTaken(insert, taken, activation); });
 }
 
 void RowStatements::InsertTaken(const InsertStatement& insert, const std::vector<TakenRows>& taken,

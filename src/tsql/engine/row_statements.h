@@ -39,7 +39,7 @@ class RowStatements {
   void InsertTaken(const InsertStatement& insert, const std::vector<TakenRows>& taken, const Activation& activation);
   void SelectInto(const Query& query, const Activation& activation);
   /// Raises 331 and 334: rows of OUTPUT neither go to the client nor into a table where triggers would see them.
-  void RequireNoTriggers(const std::string& table, const Output& output) const;
+  void RequireNoTriggers(const std::string& table, const Output& output, const std::string& schema);
   /// Whether it answered rows, by OUTPUT.
   bool ChangeRows(const Statement& statement, const Activation& activation);
   bool RunCompiled(const Statement& statement, const Activation& activation);

@@ -91,9 +91,7 @@ void Definitions::DefineSequence(const SequenceStatement& statement, SequenceNum
   if (statement.alter && (old == nullptr || old->kind != CatalogKind::kSequence)) RaiseNoObject(statement.sequence);
   const std::string name = WrittenName(statement.sequence);
   const SequenceOptions& options = statement.options;
-  CatalogObject sequence;
-  sequence.kind = CatalogKind::kSequence;
-  sequence.name = old == nullptr ? statement.sequence.name : old->name;
+  CatalogObject sequence = NewObject(CatalogKind::kSequence, statement.sequence);
   SqlType type = old == nullptr ? BigIntType() : old->columns[0].type;
   if (options.type) type = ResolveType(*options.type, false);
   sequence.columns.push_back({"", type, false, false, ""});

@@ -65,7 +65,7 @@ void TableAlteration::Add(const TableElements& elements) {
     }
     const std::size_t old = constraints_.size();
     const CatalogObject before = table_;
-    AddConstraints(constraints_, table_.name, elements);
+    AddConstraints(constraints_, table_.own_name(), elements);
     bool rebuilds = false;
     for (std::size_t i = old; i < constraints_.size(); ++i) {
       const Constraint& constraint = constraints_[i];
@@ -104,7 +104,7 @@ void TableAlteration::AddColumn(const ColumnDefinition& definition, bool in_key)
                      "specified, or the column being added is an identity or timestamp column, or alternatively if "
                      "none of the previous conditions are satisfied the table must be empty to allow addition of this "
                      "column. Column '" +
-                         column.name + "' cannot be added to non-empty table '" + table_.name +
+                         column.name + "' cannot be added to non-empty table '" + table_.own_name() +
                          "' because it does not satisfy these conditions.");
     }
     Rebuild(before);
@@ -130,7 +130,7 @@ void TableAlteration::RequireAllowed(const Constraint& constraint) {
   if (constraint.kind == "I") return;
   const auto of_name = [&](const Constraint& other) { return EqualsIgnoreCase(other.name, constraint.name); };
   if (std::count_if(constraints_.begin(), constraints_.end(), of_name) > 1 ||
-      (!table_.temporary && IsNameTaken(database_, constraint.name))) {
+      (!table_.temporary && IsNameTaken(database_, table_.schema, constraint.name))) {
     throw SqlError(2714, "There is already an object named '" + constraint.name + "' in the database.");
   }
   if (constraint.is_key()) RequireKey(constraint);
@@ -143,8 +143,8 @@ void TableAlteration::AddDefault(const Constraint& constraint) {
   const std::string& name = constraint.columns[0];
   const int place = table_.FindColumn(name);
   if (place < 0 || table_.columns[static_cast<std::size_t>(place)].computed()) {
-    throw SqlError(
-        1752, "Column '" + name + "' in table '" + table_.name + "' is invalid for creating a default constraint.");
+    throw SqlError(1752, "Column '" + name + "' in table '" + table_.own_name() +
+                             "' is invalid for creating a default constraint.");
   }
   Column& column = ColumnNamed(name);
   const std::string text = Unwrapped(constraint.text);
@@ -154,8 +154,8 @@ void TableAlteration::AddDefault(const Constraint& constraint) {
     throw SqlError(1781, "Column already has a DEFAULT bound to it.");
   }
   if (column.identity) {
-    throw SqlError(1754, "Defaults cannot be created on columns with an IDENTITY attribute. Table '" + table_.name +
-                             "', column '" + column.name + "'.");
+    throw SqlError(1754, "Defaults cannot be created on columns with an IDENTITY attribute. Table '" +
+                             table_.own_name() + "', column '" + column.name + "'.");
   }
   column.default_text = text;
 }
@@ -164,11 +164,12 @@ void TableAlteration::RequireKey(const Constraint& key) {
   RequireColumns(table_, key.columns);
   if (key.kind == "PK") {
     if (FindKind(constraints_, "PK") != &key) {
-      throw SqlError(1779, "Table '" + table_.name + "' already has a primary key defined on it.");
+      throw SqlError(1779, "Table '" + table_.own_name() + "' already has a primary key defined on it.");
     }
     for (const std::string& name : key.columns) {
       if (!ColumnNamed(name).nullable) continue;
-      throw SqlError(8111, "Cannot define PRIMARY KEY constraint on nullable column in table '" + table_.name + "'.");
+      throw SqlError(8111,
+                     "Cannot define PRIMARY KEY constraint on nullable column in table '" + table_.own_name() + "'.");
     }
   }
   const std::string columns = NameList(key.columns);
@@ -183,15 +184,15 @@ void TableAlteration::RequireKey(const Constraint& key) {
   }
   throw SqlError(1505,
                  "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name "
-                 "'dbo." +
-                     table_.name + "' and the index name '" + key.name + "'. The duplicate key value is (" + value +
-                     ").");
+                 "'" +
+                     table_.full_name() + "' and the index name '" + key.name + "'. The duplicate key value is (" +
+                     value + ").");
 }
 
 void TableAlteration::RequireChecked(const Constraint& check) {
   if (!HasRow(TableSql(table_) + " WHERE NOT (" + maker_.CheckSql(table_, check) + ")")) return;
   throw SqlError(547, "The ALTER TABLE statement conflicted with the CHECK constraint \"" + check.name +
-                          "\". The conflict occurred in database \"main\", table \"dbo." + table_.name + "\"" +
+                          "\". The conflict occurred in database \"main\", table \"" + table_.full_name() + "\"" +
                           (check.columns.size() == 1 ? ", column '" + check.columns[0] + "'." : "."));
 }
 
@@ -206,7 +207,7 @@ void TableAlteration::RequireReference(const Constraint& reference) {
   for (const std::string& name : reference.columns) {
     if (table_.FindColumn(name) >= 0) continue;
     throw SqlError(1769, "Foreign key '" + reference.name + "' references invalid column '" + name +
-                             "' in referencing table '" + table_.name + "'.");
+                             "' in referencing table '" + table_.own_name() + "'.");
   }
   for (const std::string& name : reference.referenced) {
     if (target.FindColumn(name) >= 0) continue;
@@ -250,7 +251,7 @@ void TableAlteration::RequireReferred(const Constraint& reference, const Catalog
     return;
   }
   throw SqlError(547, "The ALTER TABLE statement conflicted with the FOREIGN KEY constraint \"" + reference.name +
-                          "\". The conflict occurred in database \"main\", table \"dbo." + other.name + "\"" +
+                          "\". The conflict occurred in database \"main\", table \"" + other.full_name() + "\"" +
                           (referenced.size() == 1 ? ", column '" + referenced[0] + "'." : "."));
 }
 
@@ -307,13 +308,13 @@ void TableAlteration::DropColumn(const AlterTableStatement::Dropped& item) {
   const int position = table_.FindColumn(item.name);
   if (position < 0) {
     if (item.if_exists) return;
-    RaiseNoSuchColumn("DROP", item.name, table_.name);
+    RaiseNoSuchColumn("DROP", item.name, table_.own_name());
   }
   const Column column = ColumnNamed(item.name);
   RequireFree(column, nullptr);
   if (table_.columns.size() == 1) {
     throw SqlError(4923, "ALTER TABLE DROP COLUMN failed because '" + column.name +
-                             "' is the only data column in table '" + table_.name +
+                             "' is the only data column in table '" + table_.own_name() +
                              "'. A table must have at least one data column.");
   }
   const CatalogObject before = table_;
@@ -368,7 +369,7 @@ void TableAlteration::RequireFree(const Column& column, const Column* to) {
 
 void TableAlteration::AlterColumn(const ColumnDefinition& definition) {
   RequireCollation(definition.collation, 0);
-  if (table_.FindColumn(definition.name) < 0) RaiseNoSuchColumn("ALTER", definition.name, table_.name);
+  if (table_.FindColumn(definition.name) < 0) RaiseNoSuchColumn("ALTER", definition.name, table_.own_name());
   const Column from = ColumnNamed(definition.name);
   if (from.computed()) throw SqlError(4928, "Cannot alter column '" + from.name + "' because it is 'COMPUTED'.");
   Column to = from;
@@ -385,7 +386,7 @@ void TableAlteration::AlterColumn(const ColumnDefinition& definition) {
   if (from.type == to.type && from.nullable == to.nullable) return;
   RequireFree(from, &to);
   if (from.nullable && !to.nullable && HasRow(TableSql(table_) + " WHERE " + QuoteName(from.name) + " IS NULL")) {
-    throw SqlError(515, "Cannot insert the value NULL into column '" + from.name + "', table 'dbo." + table_.name +
+    throw SqlError(515, "Cannot insert the value NULL into column '" + from.name + "', table '" + table_.full_name() +
                             "'; column does not allow nulls. UPDATE fails.");
   }
   const CatalogObject before = table_;

@@ -52,11 +52,12 @@ std::vector<IncomingReference> ReferencesTo(SessionDatabase& database, const Cat
   return references;
 }
 
-bool IsNameTaken(SessionDatabase& database, const std::string& name) {
-  if (database.catalog().Find(name) != nullptr) return true;
+bool IsNameTaken(SessionDatabase& database, const std::string& schema, const std::string& name) {
+  if (database.catalog().Find(MakeObjectName(schema, name).name) != nullptr) return true;
   SqliteStatement found =
       database.Prepare("SELECT 1 FROM (" + std::string(kConstraints) +
-                       ") WHERE kind IN ('PK', 'UQ', 'F', 'C', 'D') AND lower(name) = lower(" + QuoteText(name) + ")");
+                       ") WHERE kind IN ('PK', 'UQ', 'F', 'C', 'D') AND lower(name) = lower(" + QuoteText(name) +
+                       ") AND schema_name = " + QuoteText(schema.empty() ? "dbo" : schema));
   return found.Step("SELECT");
 }
 

@@ -24,8 +24,8 @@ struct IncomingReference {
 
 std::vector<IncomingReference> ReferencesTo(SessionDatabase& database, const CatalogObject& table);
 
-/// Whether a constraint of any table has the name, or an object.
-bool IsNameTaken(SessionDatabase& database, const std::string& name);
+/// Whether a constraint or an object of the schema has the name. @param schema "" for dbo
+bool IsNameTaken(SessionDatabase& database, const std::string& schema, const std::string& name);
 
 /// Whether two lists have the same names, in whatever order.
 bool AreSameColumns(const std::vector<std::string>& some, const std::vector<std::string>& others);

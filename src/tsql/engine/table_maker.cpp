@@ -41,7 +41,7 @@ void RequireKeys(const CatalogObject& table, const Constraints& constraints) {
       }
     }
     if (constraint.kind == "PK" && &constraint != primary) {
-      throw SqlError(8110, "Cannot add multiple PRIMARY KEY constraints to table '" + table.name + "'.");
+      throw SqlError(8110, "Cannot add multiple PRIMARY KEY constraints to table '" + table.own_name() + "'.");
     }
   }
 }
@@ -106,7 +106,7 @@ void TableMaker::SettleComputed(CatalogObject& table) {
     if (!column.computed()) continue;
     for (const Column& other : table.columns) {
       if (!other.computed() || !NamesColumn(database_, column.computed_text, other.name)) continue;
-      throw SqlError(1759, "Computed column '" + other.name + "' in table '" + table.name +
+      throw SqlError(1759, "Computed column '" + other.name + "' in table '" + table.own_name() +
                                "' is not allowed to be used in another computed-column definition.");
     }
     column.type = Computed(table, column).type;
@@ -180,7 +180,7 @@ void TableMaker::Make(CatalogObject table) {
   Catalog& catalog = database_.catalog();
   SettleComputed(table);
   if (catalog.Find(table.name) != nullptr) {
-    throw SqlError(2714, "There is already an object named '" + table.name + "' in the database.");
+    throw SqlError(2714, "There is already an object named '" + table.own_name() + "' in the database.");
   }
   const bool is_left = database_.HasLeft(table.table_name());
   database_.Atomically([&] {

@@ -10,7 +10,7 @@ namespace {
 
 [[noreturn]] void RaiseColumnTwice(const CatalogObject& table, const std::string& column) {
   throw SqlError(2705, "Column names in each table must be unique. Column name '" + column + "' in table '" +
-                           table.name + "' is specified more than once.");
+                           table.own_name() + "' is specified more than once.");
 }
 
 }  // namespace
@@ -18,7 +18,7 @@ namespace {
 Column ColumnOf(const CatalogObject& table, const ColumnDefinition& definition) {
   if (table.FindColumn(definition.name) >= 0) RaiseColumnTwice(table, definition.name);
   if (definition.identity && table.identity_column() >= 0) {
-    throw SqlError(2744, "Multiple identity columns specified for table '" + table.name +
+    throw SqlError(2744, "Multiple identity columns specified for table '" + table.own_name() +
                              "'. Only one identity column per table is allowed.");
   }
   if (definition.identity && definition.identity_increment == 0) {
@@ -47,9 +47,7 @@ void Definitions::CreateTable(CatalogObject table, const Activation& activation)
 }
 
 void Definitions::CreateTable(const CreateTableStatement& statement, const Activation& activation) {
-  RequireLocal(statement.table);
-  CatalogObject table;
-  table.name = statement.table.name;
+  CatalogObject table = NewObject(CatalogKind::kTable, statement.table);
   table.temporary = statement.table.temporary();
   if (statement.table.variable()) {
     table.stored_name = wanted_.statement == &statement ? wanted_.stored_name : VariableName(statement, activation);
@@ -58,7 +56,7 @@ void Definitions::CreateTable(const CreateTableStatement& statement, const Activ
     table.columns.push_back(ColumnOf(table, definition));
   }
   Constraints constraints;
-  AddConstraints(constraints, table.name, statement.elements);
+  AddConstraints(constraints, table.own_name(), statement.elements);
   table.definition = WriteConstraints(constraints);
   CreateTable(std::move(table), activation);
 }

@@ -80,19 +80,30 @@ std::vector<std::string> NameParts(std::string_view name) {
   return parts;
 }
 
+ObjectName NameOf(std::vector<std::string> parts) {
+  if (parts.empty()) return {};
+  std::string qualifier;
+  for (std::size_t i = 0; i + 1 < parts.size(); ++i) qualifier += (i == 0 ? "" : ".") + parts[i];
+  return MakeObjectName(std::move(qualifier), std::move(parts.back()));
+}
+
 void RequireThisDatabase(std::string_view database) {
   if (EqualsIgnoreCase(database, "main") || EqualsIgnoreCase(database, "tempdb")) return;
   throw SqlError(
       911, "Database '" + std::string(database) + "' does not exist. Make sure that the name is entered correctly.");
 }
 
-void RequireLocal(const ObjectName& name) {
+bool IsLocal(const ObjectName& name) {
+  if (!name.schema.empty()) return true;
   const std::vector<std::string_view> parts = Split(name.qualifier, '.');
   const std::string_view schema = parts.back();
   const std::string_view database = parts.size() > 1 ? parts[parts.size() - 2] : std::string_view{};
   const bool here = database.empty() || EqualsIgnoreCase(database, name.temporary() ? "tempdb" : "main");
-  if (here && parts.size() <= 2 && (schema.empty() || EqualsIgnoreCase(schema, "dbo"))) return;
-  RaiseNoObject(name);
+  return here && parts.size() <= 2 && (schema.empty() || EqualsIgnoreCase(schema, "dbo"));
+}
+
+void RequireLocal(const ObjectName& name) {
+  if (!IsLocal(name)) RaiseNoObject(name);
 }
 
 void RaiseNoObject(const ObjectName& name) {
@@ -116,7 +127,8 @@ int CatalogObject::identity_column() const {
 }
 
 void CatalogObject::Seal() {
-  signature_ = std::string(kKindNames[static_cast<std::size_t>(kind)]) + "\n" + stored_name + "\n" + definition;
+  signature_ =
+      std::string(kKindNames[static_cast<std::size_t>(kind)]) + "\n" + schema + "\n" + stored_name + "\n" + definition;
   for (const Column& column : columns) {
     signature_ += "\n" + column.name + " " + TypeText(column.type) + (column.nullable ? " null " : " not null ") +
                   (column.identity  ? "identity "
@@ -203,6 +215,7 @@ void Catalog::Make(sqlite3* database) { RunSql(database, kCreateCatalog); }
 
 void Catalog::Load() {
   objects_.clear();
+  schemas_.clear();
   triggers_.clear();
   ++generation_;
   SqliteStatement objects(database_, R"(SELECT id, name, kind, definition FROM "$objects")");
@@ -211,6 +224,11 @@ void Catalog::Load() {
     CatalogObject object;
     object.id = objects.Integer(0);
     object.name = objects.Text(1);
+    if (objects.Text(2) == kSchemaKind) {
+      object.name.pop_back();
+      schemas_[LowerCase(object.name)] = object.name;
+      continue;
+    }
     const auto kind = std::find(std::begin(kKindNames), std::end(kKindNames), objects.Text(2));
     if (kind != std::end(kKindNames)) object.kind = static_cast<CatalogKind>(kind - std::begin(kKindNames));
     object.definition = objects.Text(3);
@@ -234,6 +252,7 @@ void Catalog::Load() {
   }
   for (auto& [id, object] : read) {
     ReadIncrement(object);
+    FindSchemaOf(object);
     object.Seal();
     std::string key = LowerCase(object.name);
     Keep(std::move(key), std::move(object));
@@ -276,7 +295,7 @@ CatalogObjectPtr Catalog::Get(std::string_view name) const {
 
 void Catalog::Add(CatalogObject object) {
   if (Find(object.name) != nullptr) {
-    throw SqlError(2714, "There is already an object named '" + object.name + "' in the database.");
+    throw SqlError(2714, "There is already an object named '" + object.own_name() + "' in the database.");
   }
   Replace(std::move(object));
 }

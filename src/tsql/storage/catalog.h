@@ -53,7 +53,10 @@ constexpr std::string_view kReturnMark = "return";
 /// is a new object.
 struct CatalogObject {
   CatalogKind kind = CatalogKind::kTable;
+  /// "t", or "s.t" in a schema that is not dbo.
   std::string name;
+  /// That schema, "" for dbo.
+  std::string schema;
   /// Of a table variable, which others of its name may stand beside: the name of SQLite's table. "" when it is `name`.
   std::string stored_name;
   bool temporary = false;
@@ -68,6 +71,10 @@ struct CatalogObject {
 
   /// It is `inserted` or `deleted`, which a trigger sees.
   [[nodiscard]] bool shows_changes() const { return temporary && !IsTemporaryName(name); }
+  /// Its name without the schema.
+  [[nodiscard]] std::string own_name() const { return schema.empty() ? name : name.substr(schema.size() + 1); }
+  /// "dbo.t" or "s.t".
+  [[nodiscard]] std::string full_name() const { return schema.empty() ? "dbo." + name : name; }
   /// What SQLite's table is called.
   [[nodiscard]] const std::string& table_name() const { return stored_name.empty() ? name : stored_name; }
   /// It is a table or a view.
@@ -88,6 +95,9 @@ struct CatalogObject {
 
 using CatalogObjectPtr = std::shared_ptr<const CatalogObject>;
 
+/// What stands as the kind of a schema. Its name has a point behind it: a table may have the same.
+constexpr std::string_view kSchemaKind = "schema";
+
 /// What the name of an index ends with that stands beside a unique one, for the keys with NULLs.
 constexpr std::string_view kNullKeySuffix = "$null";
 /// What its name begins with where it stands beside a UNIQUE constraint.
@@ -97,12 +107,16 @@ constexpr std::string_view kUniqueKeyPrefix = "$unique";
 std::string QuoteName(std::string_view name);
 /// The parts of "main.dbo.[a b]", without their brackets or quotes; at least one.
 std::vector<std::string> NameParts(std::string_view name);
+/// The name that such parts are of, "" for none.
+ObjectName NameOf(std::vector<std::string> parts);
 /// `text` in single quotes.
 std::string QuoteText(std::string_view text);
 
 /// There is one database, "main"; its temporary tables stand in "tempdb". Raises 911 for any other name.
 void RequireThisDatabase(std::string_view database);
-/// Raises 208 for the name of an object of another database, or of a schema that is not dbo.
+/// Whether no other database and none of the server's schemas is named.
+bool IsLocal(const ObjectName& name);
+/// Raises 208 for one that is not.
 void RequireLocal(const ObjectName& name);
 /// Raises 208, or 1087 for a table variable.
 [[noreturn]] void RaiseNoObject(const ObjectName& name);
@@ -149,6 +163,17 @@ class Catalog {
   void RenameObject(const CatalogObject& object, std::string_view to);
   void RenameColumn(const CatalogObject& table, std::string_view from, std::string_view to);
 
+  // catalog_schemas.cpp
+  /// Raises 2714 when there is one, or one of the server's, of that name.
+  void AddSchema(const std::string& name);
+  /// Raises 15150 and 15151, and 3729 while something stands in it.
+  void RemoveSchema(const std::string& name);
+  /// What the text of an object means by a name without a schema: what its own schema has, or else dbo.
+  /// @param schema the object's, "" for dbo and for a batch
+  [[nodiscard]] std::string Meant(const ObjectName& name, const std::string& schema) const;
+  /// The name that a schema was created with, or nullptr. None of the server's is found.
+  [[nodiscard]] const std::string* FindSchema(std::string_view name) const;
+
   [[nodiscard]] std::vector<std::string> TemporaryTables() const;
 
   [[nodiscard]] bool has_triggers() const { return !triggers_.empty(); }
@@ -180,6 +205,8 @@ class Catalog {
 
   void Load();
   [[nodiscard]] CatalogObjectPtr FindStored(std::string_view name) const;
+  /// Notes of which schema an object is.
+  void FindSchemaOf(CatalogObject& object) const;
   /// Those rows when the name is that of one of the two tables, or nullptr.
   [[nodiscard]] CatalogObjectPtr FindTriggerRows(std::string_view name) const;
   /// Makes the schema's version another one, for what is no object of SQLite's.
@@ -207,6 +234,7 @@ class Catalog {
   sqlite3* database_;
   SqliteStatement version_statement_;
   int holds_ = 0;
+  std::unordered_map<std::string, std::string> schemas_;  // names by lower-case names
   Objects objects_;
   Objects temporaries_;
   /// What a temporary table was from a version of SQLite's temporary schema on; null where it was dropped.

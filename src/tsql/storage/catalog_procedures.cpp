@@ -50,11 +50,13 @@ constexpr std::string_view kTables = R"(CREATE PROCEDURE sp_tables @table_name n
 IF ISNULL(@table_name, '') = '' AND (@table_qualifier = '%' AND ISNULL(@table_owner, '') = ''
     OR @table_owner = '%' AND ISNULL(@table_qualifier, '') = '' OR @table_type = '%' AND ISNULL(@table_owner, '') = '')
   SELECT CASE @table_qualifier WHEN '%' THEN DB_NAME() END AS TABLE_QUALIFIER,
-    CAST(CASE WHEN @table_owner = '%' AND n = 1 THEN 'dbo' END AS nvarchar(128)) AS TABLE_OWNER,
+    CASE @table_owner WHEN '%' THEN owner END AS TABLE_OWNER,
     CAST(NULL AS nvarchar(128)) AS TABLE_NAME,
     CAST(CASE @table_type WHEN '%' THEN CASE n WHEN 1 THEN 'TABLE' ELSE 'VIEW' END END AS varchar(32)) AS TABLE_TYPE,
     CAST(NULL AS varchar(254)) AS REMARKS
-  FROM (VALUES (1), (2)) AS rows (n) WHERE n = 1 OR @table_type = '%'
+  FROM (SELECT CASE SCHEMA_NAME WHEN 'dbo' THEN 1 ELSE 3 END AS n, SCHEMA_NAME AS owner FROM INFORMATION_SCHEMA.SCHEMATA
+    UNION ALL SELECT 2, NULL) rows
+  WHERE n = 1 OR n = 2 AND @table_type = '%' OR n = 3 AND @table_owner = '%'
 ELSE
 SELECT DB_NAME() AS TABLE_QUALIFIER, TABLE_SCHEMA AS TABLE_OWNER, TABLE_NAME,
   CAST(CASE TABLE_TYPE WHEN 'VIEW' THEN 'VIEW' ELSE 'TABLE' END AS varchar(32)) AS TABLE_TYPE,
@@ -119,15 +121,16 @@ constexpr std::string_view kPrimaryKeys = R"(CREATE PROCEDURE sp_pkeys @table_na
 SELECT k.TABLE_CATALOG AS TABLE_QUALIFIER, k.TABLE_SCHEMA AS TABLE_OWNER, k.TABLE_NAME, k.COLUMN_NAME,
   CAST(k.ORDINAL_POSITION AS smallint) AS KEY_SEQ, k.CONSTRAINT_NAME AS PK_NAME
 FROM INFORMATION_SCHEMA.KEY_COLUMN_USAGE k JOIN INFORMATION_SCHEMA.TABLE_CONSTRAINTS c
-  ON c.CONSTRAINT_NAME = k.CONSTRAINT_NAME AND c.TABLE_NAME = k.TABLE_NAME AND c.CONSTRAINT_TYPE = 'PRIMARY KEY'
+  ON c.CONSTRAINT_NAME = k.CONSTRAINT_NAME AND c.TABLE_NAME = k.TABLE_NAME AND c.TABLE_SCHEMA = k.TABLE_SCHEMA
+  AND c.CONSTRAINT_TYPE = 'PRIMARY KEY'
 WHERE k.TABLE_NAME = @table_name AND k.TABLE_SCHEMA LIKE ISNULL(@table_owner, '%')
 ORDER BY KEY_SEQ)";
 
 constexpr std::string_view kForeignKeys = R"(CREATE PROCEDURE sp_fkeys @pktable_name nvarchar(384) = NULL,
   @pktable_owner nvarchar(384) = NULL, @pktable_qualifier nvarchar(128) = NULL, @fktable_name nvarchar(384) = NULL,
   @fktable_owner nvarchar(384) = NULL, @fktable_qualifier nvarchar(128) = NULL AS
-SELECT DB_NAME() AS PKTABLE_QUALIFIER, CAST('dbo' AS nvarchar(128)) AS PKTABLE_OWNER, p.name AS PKTABLE_NAME,
-  pc.name AS PKCOLUMN_NAME, DB_NAME() AS FKTABLE_QUALIFIER, CAST('dbo' AS nvarchar(128)) AS FKTABLE_OWNER,
+SELECT DB_NAME() AS PKTABLE_QUALIFIER, SCHEMA_NAME(p.schema_id) AS PKTABLE_OWNER, p.name AS PKTABLE_NAME,
+  pc.name AS PKCOLUMN_NAME, DB_NAME() AS FKTABLE_QUALIFIER, SCHEMA_NAME(f.schema_id) AS FKTABLE_OWNER,
   f.name AS FKTABLE_NAME, fc.name AS FKCOLUMN_NAME, CAST(c.constraint_column_id AS smallint) AS KEY_SEQ,
   CAST(1 AS smallint) AS UPDATE_RULE, CAST(1 AS smallint) AS DELETE_RULE, k.name AS FK_NAME,
   (SELECT MIN(i.name) FROM sys.key_constraints i WHERE i.parent_object_id = p.object_id AND i.type = 'PK') AS PK_NAME,
@@ -137,12 +140,13 @@ FROM sys.foreign_keys k JOIN sys.foreign_key_columns c ON c.constraint_object_id
   JOIN sys.columns fc ON fc.object_id = c.parent_object_id AND fc.column_id = c.parent_column_id
   JOIN sys.columns pc ON pc.object_id = c.referenced_object_id AND pc.column_id = c.referenced_column_id
 WHERE p.name = ISNULL(@pktable_name, p.name) AND f.name = ISNULL(@fktable_name, f.name)
+  AND SCHEMA_NAME(p.schema_id) LIKE ISNULL(@pktable_owner, '%') AND SCHEMA_NAME(f.schema_id) LIKE ISNULL(@fktable_owner, '%')
 ORDER BY FKTABLE_NAME, FK_NAME, KEY_SEQ)";
 
 constexpr std::string_view kStatistics = R"(CREATE PROCEDURE sp_statistics @table_name nvarchar(384),
   @table_owner nvarchar(384) = NULL, @table_qualifier nvarchar(128) = NULL, @index_name nvarchar(384) = '%',
   @is_unique char(1) = 'N', @accuracy char(1) = 'Q' AS
-SELECT DB_NAME() AS TABLE_QUALIFIER, CAST('dbo' AS nvarchar(128)) AS TABLE_OWNER, t.name AS TABLE_NAME,
+SELECT DB_NAME() AS TABLE_QUALIFIER, SCHEMA_NAME(t.schema_id) AS TABLE_OWNER, t.name AS TABLE_NAME,
   CAST(1 - i.is_unique AS smallint) AS NON_UNIQUE, t.name AS INDEX_QUALIFIER, i.name AS INDEX_NAME,
   CAST(CASE i.type WHEN 1 THEN 1 ELSE 3 END AS smallint) AS TYPE, CAST(k.key_ordinal AS smallint) AS SEQ_IN_INDEX,
   c.name AS COLUMN_NAME, CAST(CASE k.is_descending_key WHEN 1 THEN 'D' ELSE 'A' END AS char(1)) AS COLLATION,
@@ -150,11 +154,11 @@ SELECT DB_NAME() AS TABLE_QUALIFIER, CAST('dbo' AS nvarchar(128)) AS TABLE_OWNER
 FROM sys.tables t JOIN sys.indexes i ON i.object_id = t.object_id
   JOIN sys.index_columns k ON k.object_id = i.object_id AND k.index_id = i.index_id
   JOIN sys.columns c ON c.object_id = k.object_id AND c.column_id = k.column_id
-WHERE t.name = @table_name AND i.name LIKE @index_name AND k.key_ordinal > 0
+WHERE t.name = @table_name AND SCHEMA_NAME(t.schema_id) LIKE ISNULL(@table_owner, '%') AND i.name LIKE @index_name AND k.key_ordinal > 0
   AND (@is_unique <> 'Y' OR i.is_unique = 1)
 UNION ALL
-SELECT DB_NAME(), CAST('dbo' AS nvarchar(128)), name, NULL, NULL, NULL, 0, NULL, NULL, NULL, NULL, NULL, NULL FROM sys.tables
-WHERE name = @table_name AND @is_unique <> 'Y'
+SELECT DB_NAME(), SCHEMA_NAME(schema_id), name, NULL, NULL, NULL, 0, NULL, NULL, NULL, NULL, NULL, NULL FROM sys.tables
+WHERE name = @table_name AND SCHEMA_NAME(schema_id) LIKE ISNULL(@table_owner, '%') AND @is_unique <> 'Y'
 ORDER BY 4, 7, 6, 8)";
 
 /// The columns that tell a row from all others: of the primary key, or else of the first unique index.
@@ -164,9 +168,9 @@ std::string SpecialColumns() {
   @ODBCVer int = 2 AS
 SELECT CAST(CASE @scope WHEN 'C' THEN 0 ELSE 1 END AS smallint) AS SCOPE, COLUMN_NAME, )" +
          std::string(kOdbcType) + R"(, CAST(1 AS smallint) AS PSEUDO_COLUMN
-FROM INFORMATION_SCHEMA.COLUMNS JOIN sys.tables t ON t.name = TABLE_NAME
+FROM INFORMATION_SCHEMA.COLUMNS JOIN sys.tables t ON t.name = TABLE_NAME AND SCHEMA_NAME(t.schema_id) = TABLE_SCHEMA
   JOIN sys.index_columns k ON k.object_id = t.object_id AND k.column_id = ORDINAL_POSITION
-WHERE @col_type = 'R' AND TABLE_NAME = @table_name AND k.index_id = (SELECT MIN(i.index_id) FROM sys.indexes i
+WHERE @col_type = 'R' AND TABLE_NAME = @table_name AND TABLE_SCHEMA LIKE ISNULL(@table_owner, '%') AND k.index_id = (SELECT MIN(i.index_id) FROM sys.indexes i
     WHERE i.object_id = t.object_id AND i.is_unique = 1 AND i.has_filter = 0)
 ORDER BY k.key_ordinal)";
 }

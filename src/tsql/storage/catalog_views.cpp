@@ -65,8 +65,8 @@ std::vector<ViewText> TemporaryObjects() {
 std::vector<ViewText> OldViewsOfObjects() {
   return {
       {"sys", "sysobjects",
-       "SELECT name, object_id AS id, type AS xtype, CAST(1 AS smallint) AS uid" + Constants("0", "smallint", "info") +
-           Constants("0", "int", "status base_schema_ver replinfo") +
+       "SELECT name, object_id AS id, type AS xtype, CAST(schema_id AS smallint) AS uid" +
+           Constants("0", "smallint", "info") + Constants("0", "int", "status base_schema_ver replinfo") +
            ", parent_object_id AS parent_obj, create_date AS crdate" + Constants("0", "smallint", "ftcatid") +
            Constants("0", "int", "schema_ver stats_schema_ver") +
            ", CAST(CASE WHEN type IN ('PK', 'UQ') THEN 'K ' ELSE type END AS char(2)) AS type" +

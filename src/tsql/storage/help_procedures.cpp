@@ -54,7 +54,8 @@ IF EXISTS (SELECT 1 FROM sys.objects WHERE parent_object_id = @id)
     SELECT 1 AS part, k.type, k.name, k.name AS sorted, CASE k.type WHEN 'PK' THEN 'PRIMARY KEY (clustered)'
         ELSE 'UNIQUE (non-clustered)' END AS kind,
       (SELECT STRING_AGG(COLUMN_NAME, ', ') WITHIN GROUP (ORDER BY ORDINAL_POSITION)
-        FROM INFORMATION_SCHEMA.KEY_COLUMN_USAGE u WHERE u.CONSTRAINT_NAME = k.name AND u.TABLE_NAME = OBJECT_NAME(@id)) AS keys
+        FROM INFORMATION_SCHEMA.KEY_COLUMN_USAGE u WHERE u.CONSTRAINT_NAME = k.name AND u.TABLE_NAME = OBJECT_NAME(@id)
+          AND u.TABLE_SCHEMA = OBJECT_SCHEMA_NAME(@id)) AS keys
     FROM sys.key_constraints k WHERE k.parent_object_id = @id
     UNION ALL SELECT 1, 'C', name, name, CASE parent_column_id WHEN 0 THEN 'CHECK Table Level '
         ELSE 'CHECK on column ' + COL_NAME(@id, parent_column_id) END, definition
@@ -64,7 +65,7 @@ IF EXISTS (SELECT 1 FROM sys.objects WHERE parent_object_id = @id)
     UNION ALL SELECT p.n, 'F', CASE p.n WHEN 1 THEN f.name ELSE ' ' END, f.name, CASE p.n WHEN 1 THEN 'FOREIGN KEY' ELSE ' ' END,
       (SELECT CASE p.n WHEN 1 THEN STRING_AGG(COL_NAME(c.parent_object_id, c.parent_column_id), ', ')
           WITHIN GROUP (ORDER BY c.constraint_column_id)
-        ELSE 'REFERENCES main.dbo.' + OBJECT_NAME(f.referenced_object_id) + ' (' +
+        ELSE 'REFERENCES main.' + OBJECT_SCHEMA_NAME(f.referenced_object_id) + '.' + OBJECT_NAME(f.referenced_object_id) + ' (' +
           STRING_AGG(COL_NAME(c.referenced_object_id, c.referenced_column_id), ', ')
           WITHIN GROUP (ORDER BY c.constraint_column_id) + ')' END
         FROM sys.foreign_key_columns c WHERE c.constraint_object_id = f.object_id)
@@ -72,7 +73,7 @@ IF EXISTS (SELECT 1 FROM sys.objects WHERE parent_object_id = @id)
   ORDER BY sorted, part
 ELSE PRINT 'No constraints are defined on object ''' + @objname + ''', or you do not have permissions.'
 IF EXISTS (SELECT 1 FROM sys.foreign_keys WHERE referenced_object_id = @id)
-  SELECT CAST('main.dbo.' + OBJECT_NAME(parent_object_id) + ': ' + name AS nvarchar(516))
+  SELECT CAST('main.' + OBJECT_SCHEMA_NAME(parent_object_id) + '.' + OBJECT_NAME(parent_object_id) + ': ' + name AS nvarchar(516))
     AS [Table is referenced by foreign key]
   FROM sys.foreign_keys WHERE referenced_object_id = @id ORDER BY 1
 ELSE PRINT 'No foreign keys reference table ''' + @objname + ''', or you do not have permissions on referencing tables.')";

@@ -28,41 +28,45 @@ std::vector<SystemView> InformationOfObjects() {
   return {
       {"information_schema",
        "schemata",
-       "SELECT 'main' AS CATALOG_NAME, 'dbo' AS SCHEMA_NAME, 'dbo' AS SCHEMA_OWNER",
+       From("SELECT 'main' AS CATALOG_NAME, name AS SCHEMA_NAME, 'dbo' AS SCHEMA_OWNER", kSchemas,
+            " WHERE schema_id NOT BETWEEN 2 AND 4"),
        {Name("CATALOG_NAME"), Name("SCHEMA_NAME"), Name("SCHEMA_OWNER")}},
       {"information_schema",
        "tables",
-       R"(SELECT 'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, name AS TABLE_NAME,
- CASE kind WHEN 'table' THEN 'BASE TABLE' ELSE 'VIEW' END AS TABLE_TYPE FROM main."$objects"
- WHERE kind IN ('table', 'view'))",
+       From("SELECT 'main' AS TABLE_CATALOG, schema_name AS TABLE_SCHEMA, name AS TABLE_NAME,"
+            " CASE kind WHEN 'table' THEN 'BASE TABLE' ELSE 'VIEW' END AS TABLE_TYPE",
+            kObjects, " WHERE kind IN ('table', 'view')"),
        {Name("TABLE_CATALOG"), Name("TABLE_SCHEMA"), Name("TABLE_NAME"), {"TABLE_TYPE", VarCharType(10), false}}},
       {"information_schema",
        "views",
-       R"(SELECT 'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, name AS TABLE_NAME, definition AS VIEW_DEFINITION,
- 'NONE' AS CHECK_OPTION, 'NO' AS IS_UPDATABLE FROM main."$objects" WHERE kind = 'view')",
+       From("SELECT 'main' AS TABLE_CATALOG, schema_name AS TABLE_SCHEMA, name AS TABLE_NAME, definition AS"
+            " VIEW_DEFINITION, 'NONE' AS CHECK_OPTION, 'NO' AS IS_UPDATABLE",
+            kObjects, " WHERE kind = 'view'"),
        {Name("TABLE_CATALOG"), Name("TABLE_SCHEMA"), Name("TABLE_NAME"), Text("VIEW_DEFINITION"), Code("CHECK_OPTION"),
         Code("IS_UPDATABLE")}},
       {"information_schema",
        "routines",
-       R"(SELECT 'main' AS SPECIFIC_CATALOG, 'dbo' AS SPECIFIC_SCHEMA, name AS SPECIFIC_NAME, 'main' AS ROUTINE_CATALOG, 'dbo' AS ROUTINE_SCHEMA, name AS ROUTINE_NAME, CASE kind WHEN 'procedure' THEN 'PROCEDURE' ELSE 'FUNCTION' END AS ROUTINE_TYPE,
+       From(
+           R"(SELECT 'main' AS SPECIFIC_CATALOG, schema_name AS SPECIFIC_SCHEMA, name AS SPECIFIC_NAME, 'main' AS ROUTINE_CATALOG, schema_name AS ROUTINE_SCHEMA, name AS ROUTINE_NAME, CASE kind WHEN 'procedure' THEN 'PROCEDURE' ELSE 'FUNCTION' END AS ROUTINE_TYPE,
  'SQL' AS ROUTINE_BODY, definition AS ROUTINE_DEFINITION, 'NO' AS IS_DETERMINISTIC, CASE kind WHEN 'procedure' THEN 'MODIFIES' ELSE 'READS' END AS SQL_DATA_ACCESS,
- NULL AS CREATED, NULL AS LAST_ALTERED FROM main."$objects" WHERE kind IN ('procedure', 'function', 'table function',
- 'filled table function'))",
+ NULL AS CREATED, NULL AS LAST_ALTERED)",
+           kObjects, " WHERE kind IN ('procedure', 'function', 'table function', 'filled table function')"),
        {Name("SPECIFIC_CATALOG"), Name("SPECIFIC_SCHEMA"), Name("SPECIFIC_NAME"), Name("ROUTINE_CATALOG"),
         Name("ROUTINE_SCHEMA"), Name("ROUTINE_NAME"), Code("ROUTINE_TYPE"), Code("ROUTINE_BODY"),
         Text("ROUTINE_DEFINITION"), Code("IS_DETERMINISTIC"), Code("SQL_DATA_ACCESS"), Time("CREATED"),
         Time("LAST_ALTERED")}},
       {"information_schema",
        "sequences",
-       "SELECT 'main' AS SEQUENCE_CATALOG, 'dbo' AS SEQUENCE_SCHEMA, name AS SEQUENCE_NAME FROM main.\"$objects\""
-       " WHERE kind = 'sequence'",
+       From("SELECT 'main' AS SEQUENCE_CATALOG, schema_name AS SEQUENCE_SCHEMA, name AS SEQUENCE_NAME", kObjects,
+            " WHERE kind = 'sequence'"),
        {Name("SEQUENCE_CATALOG"), Name("SEQUENCE_SCHEMA"), Name("SEQUENCE_NAME")}},
   };
 }
 
 std::vector<SystemView> InformationOfConstraints() {
-  const std::string here = "'main' AS CONSTRAINT_CATALOG, 'dbo' AS CONSTRAINT_SCHEMA, k.name AS CONSTRAINT_NAME";
-  const std::string table = "'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, k.owner AS TABLE_NAME";
+  const std::string here =
+      "'main' AS CONSTRAINT_CATALOG, k.schema_name AS CONSTRAINT_SCHEMA, k.name AS CONSTRAINT_NAME";
+  const std::string table = "'main' AS TABLE_CATALOG, k.schema_name AS TABLE_SCHEMA, k.owner_name AS TABLE_NAME";
   const std::vector<SystemViewColumn> names = {Name("CONSTRAINT_CATALOG"), Name("CONSTRAINT_SCHEMA"),
                                                Name("CONSTRAINT_NAME"),    Name("TABLE_CATALOG"),
                                                Name("TABLE_SCHEMA"),       Name("TABLE_NAME")};
@@ -92,7 +96,7 @@ std::vector<SystemView> InformationOfConstraints() {
       {"information_schema",
        "referential_constraints",
        "SELECT " + here +
-           ", 'main' AS UNIQUE_CONSTRAINT_CATALOG, 'dbo' AS UNIQUE_CONSTRAINT_SCHEMA,"
+           ", 'main' AS UNIQUE_CONSTRAINT_CATALOG, u.schema_name AS UNIQUE_CONSTRAINT_SCHEMA,"
            " u.name AS UNIQUE_CONSTRAINT_NAME, 'SIMPLE' AS MATCH_OPTION, 'NO ACTION' AS UPDATE_RULE,"
            " 'NO ACTION' AS DELETE_RULE FROM (" +
            References() + ") k JOIN (" + std::string(kConstraints) +
@@ -116,11 +120,12 @@ std::vector<SystemView> InformationOfColumns() {
   };
   return {
       {"information_schema", "columns",
-       From(R"(SELECT 'main' AS TABLE_CATALOG, 'dbo' AS TABLE_SCHEMA, owner AS TABLE_NAME, name AS COLUMN_NAME,
+       From(
+           R"(SELECT 'main' AS TABLE_CATALOG, schema_name AS TABLE_SCHEMA, owner_name AS TABLE_NAME, name AS COLUMN_NAME,
  position AS ORDINAL_POSITION, CASE WHEN identity < 3 THEN nullif(default_text, '') END AS COLUMN_DEFAULT,
  CASE nullable WHEN 1 THEN 'YES' ELSE 'NO' END AS IS_NULLABLE, )" +
-                kSizes,
-            kTyped, " WHERE of_call = 0 AND owner_kind IN ('table', 'view')"),
+               kSizes,
+           kTyped, " WHERE of_call = 0 AND owner_kind IN ('table', 'view')"),
        with_sizes({Name("TABLE_CATALOG"),
                    Name("TABLE_SCHEMA"),
                    Name("TABLE_NAME"),
@@ -130,7 +135,7 @@ std::vector<SystemView> InformationOfColumns() {
                    {"IS_NULLABLE", VarCharType(3), false}})},
       {"information_schema", "parameters",
        From(
-           "SELECT 'main' AS SPECIFIC_CATALOG, 'dbo' AS SPECIFIC_SCHEMA, owner AS SPECIFIC_NAME, parameter_position AS"
+           "SELECT 'main' AS SPECIFIC_CATALOG, schema_name AS SPECIFIC_SCHEMA, owner_name AS SPECIFIC_NAME, parameter_position AS"
            " ORDINAL_POSITION, CASE default_text WHEN 'output' THEN 'INOUT' WHEN 'return' THEN 'OUT' ELSE 'IN' END AS"
            " PARAMETER_MODE, CASE default_text WHEN 'return' THEN 'YES' ELSE 'NO' END AS IS_RESULT, name AS PARAMETER_NAME, " +
                kSizes,

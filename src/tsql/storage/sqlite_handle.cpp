@@ -1,5 +1,6 @@
 #include "tsql/storage/sqlite_handle.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <optional>
@@ -21,11 +22,17 @@ std::string_view Detail(std::string_view message) {
   return colon == std::string_view::npos ? std::string_view{} : message.substr(colon + 2);
 }
 
-std::string_view TablePart(std::string_view column) { return column.substr(0, column.find('.')); }
+/// What SQLite calls the table of "t.a" or "s.t.a, s.t.b": a point may stand in its name.
+std::string TablePart(sqlite3* database, std::string_view column) {
+  SqliteStatement longest(database, R"(SELECT name FROM main."$objects" WHERE kind = 'table'
+ AND name || '.' = substr(?1, 1, length(name) + 1) ORDER BY length(name) DESC)");
+  longest.BindText(1, column);
+  return IsTemporaryName(column) || !longest.Step() ? std::string(column.substr(0, column.find('.'))) : longest.Text(0);
+}
 
-std::string_view ColumnPart(std::string_view column) {
-  const std::size_t dot = column.find('.');
-  return dot == std::string_view::npos ? column : column.substr(dot + 1);
+/// What stands behind the table's name.
+std::string ColumnPart(std::string_view column, std::string_view table) {
+  return std::string(column.substr(std::min(column.size(), table.size() + 1)));
 }
 
 /// Columns with their tables, a table variable by the name that it was declared with: @t for "@t$2".
@@ -39,9 +46,17 @@ std::string Shown(std::string_view columns) {
   return shown;
 }
 
+/// Its name as messages have it: "dbo.t" or "s.t".
+std::string FullName(sqlite3* database, const std::string& table) {
+  SqliteStatement schema(database, R"(SELECT 1 FROM main."$objects" WHERE kind = 'schema'
+ AND name = substr(?1, 1, instr(?1, '.')))");
+  schema.BindText(1, table);
+  return schema.Step() ? table : "dbo." + Shown(table);
+}
+
 /// The index, with its table's name before a point, whose columns are "t.a, t.b"; "" for those of constraints.
 std::string IndexOf(sqlite3* database, const std::string& columns) {
-  const std::string table(TablePart(columns));
+  const std::string table = TablePart(database, columns);
   SqliteStatement statement(database, R"(SELECT l.name FROM pragma_index_list(?1) l
  WHERE l."unique" AND l.origin = 'c' AND ?2 = (SELECT group_concat(?1 || '.' || name, ', ')
   FROM (SELECT name FROM pragma_index_info(l.name) ORDER BY seqno)))");
@@ -56,15 +71,16 @@ std::string IndexOf(sqlite3* database, const std::string& columns) {
   std::string index = detail.starts_with(kNamed) ? detail.substr(kNamed.size(), detail.size() - kNamed.size() - 1)
                                                  : IndexOf(database, detail);
   if (index.ends_with(kNullKeySuffix)) index.resize(index.size() - kNullKeySuffix.size());
-  const std::string table = Shown(TablePart(index.empty() ? detail : index));
-  const std::string name(ColumnPart(index));
+  const std::string table = TablePart(database, index.empty() ? detail : index);
+  const std::string name = ColumnPart(index, table);
+  const std::string object = FullName(database, table);
   if (!index.empty() && !name.starts_with(kUniqueKeyPrefix)) {
-    throw SqlError(
-        2601, "Cannot insert duplicate key row in object 'dbo." + table + "' with unique index '" + name + "'.", 14);
+    throw SqlError(2601, "Cannot insert duplicate key row in object '" + object + "' with unique index '" + name + "'.",
+                   14);
   }
   throw SqlError(2627,
                  "Violation of UNIQUE KEY constraint" + (index.empty() ? " on '" + Shown(detail) + "'" : "") +
-                     ". Cannot insert duplicate key in object 'dbo." + table + "'.",
+                     ". Cannot insert duplicate key in object '" + object + "'.",
                  14);
 }
 
@@ -107,17 +123,17 @@ bool HasRoom(sqlite3* database) {
 
 [[noreturn]] void RaiseConstraint(sqlite3* database, int status, std::string_view message, std::string_view verb) {
   const std::string detail(Detail(message));
-  const std::string table = Shown(TablePart(detail));
+  const std::string table = TablePart(database, detail);
+  const std::string object = FullName(database, table);
   switch (status) {
     case SQLITE_CONSTRAINT_NOTNULL:
-      throw SqlError(515, "Cannot insert the value NULL into column '" + std::string(ColumnPart(detail)) +
-                              "', table 'dbo." + table + "'; column does not allow nulls. " + std::string(verb) +
-                              " fails.");
+      throw SqlError(515, "Cannot insert the value NULL into column '" + ColumnPart(detail, table) + "', table '" +
+                              object + "'; column does not allow nulls. " + std::string(verb) + " fails.");
     case SQLITE_CONSTRAINT_PRIMARYKEY:
     case SQLITE_CONSTRAINT_ROWID:
       throw SqlError(2627,
-                     "Violation of PRIMARY KEY constraint 'PK_" + table +
-                         "'. Cannot insert duplicate key in object 'dbo." + table + "'.",
+                     "Violation of PRIMARY KEY constraint 'PK_" + object.substr(object.find('.') + 1) +
+                         "'. Cannot insert duplicate key in object '" + object + "'.",
                      14);
     case SQLITE_CONSTRAINT_UNIQUE:
       RaiseDuplicate(database, detail);

@@ -19,31 +19,45 @@ inline SystemViewColumn Name(const char* name) { return {name, NVarCharType(128)
 inline SystemViewColumn Code(const char* name) { return {name, VarCharType(60), true}; }
 inline SystemViewColumn Text(const char* name) { return {name, NVarCharType(0), true}; }
 
+/// The objects, each with its own name, and its schema's name and number. `full_name` is the catalog's.
+inline constexpr std::string_view kObjects = R"(SELECT o.id, o.name AS full_name, o.kind, o.definition,
+ substr(o.name, coalesce(length(s.name), 0) + 1) AS name, coalesce(rtrim(s.name, '.'), 'dbo') AS schema_name,
+ coalesce(CAST(s.definition AS INTEGER), 1) AS schema_id FROM main."$objects" o LEFT JOIN main."$objects" s
+ ON s.kind = 'schema' AND s.name = substr(o.name, 1, instr(o.name, '.')) WHERE o.kind <> 'schema')";
+
+/// The schemas.
+inline constexpr std::string_view kSchemas = R"(SELECT column1 AS name, column2 AS schema_id FROM (VALUES ('dbo', 1),
+ ('guest', 2), ('INFORMATION_SCHEMA', 3), ('sys', 4)) UNION ALL SELECT rtrim(name, '.'), CAST(definition AS INTEGER)
+ FROM main."$objects" WHERE kind = 'schema')";
+
 /// Columns of tables and parameters of procedures, with the parts of their types: base, size (-1 for (max)), places.
 /// Whether they are of a call: 1 for parameters and what a function returns, 0 for columns.
-inline constexpr std::string_view kTyped =
+inline const std::string kTyped =
     R"(SELECT *, CASE owner_kind WHEN 'procedure' THEN 1 WHEN 'function' THEN 1 WHEN 'sequence' THEN -1
    WHEN 'table function' THEN default_text = 'parameter'
    WHEN 'filled table function' THEN default_text = 'parameter' ELSE 0 END AS of_call,
   CASE default_text WHEN 'return' THEN 0 ELSE row_number() OVER (PARTITION BY object, default_text = '' ORDER BY position)
    END AS parameter_position, CASE size_text WHEN 'max' THEN -1 ELSE CAST(size_text AS INTEGER) END
   AS size, CAST(substr(size_text, instr(size_text, ',') + 1) AS INTEGER) AS places
- FROM (SELECT c.*, o.name AS owner, o.kind AS owner_kind,
+ FROM (SELECT c.*, o.full_name AS owner, o.name AS owner_name, o.schema_name, o.kind AS owner_kind,
    CASE instr(c.type, '(') WHEN 0 THEN c.type ELSE substr(c.type, 1, instr(c.type, '(') - 1) END AS base,
    CASE instr(c.type, '(') WHEN 0 THEN '' ELSE rtrim(substr(c.type, instr(c.type, '(') + 1), ')') END AS size_text
-  FROM main."$columns" c JOIN main."$objects" o ON o.id = c.object))";
+  FROM main."$columns" c JOIN ()" +
+    std::string(kObjects) + ") o ON o.id = c.object)";
 
 /// The constraints of tables, as TableConstraints wrote them. Their numbers stand beyond those of objects.
-inline constexpr std::string_view kConstraints = R"(SELECT o.id AS object, o.name AS owner, j.key AS position,
- 1000000000 + o.id * 1000 + j.key AS id, json_extract(j.value, '$.kind') AS kind, json_extract(j.value, '$.name') AS name,
- j.value AS body FROM main."$objects" o, json_each(CASE o.definition WHEN '' THEN '[]' ELSE o.definition END) j
+inline const std::string kConstraints =
+    R"(SELECT o.id AS object, o.full_name AS owner, o.name AS owner_name, o.schema_name, o.schema_id,
+ j.key AS position, 1000000000 + o.id * 1000 + j.key AS id, json_extract(j.value, '$.kind') AS kind,
+ json_extract(j.value, '$.name') AS name, j.value AS body FROM ()" +
+    std::string(kObjects) + R"() o, json_each(CASE o.definition WHEN '' THEN '[]' ELSE o.definition END) j
  WHERE o.kind = 'table')";
 
 /// The columns of keys and foreign keys, of kConstraints.
 inline std::string KeyColumns() {
-  return "SELECT k.id, k.object, k.owner, k.kind, k.name, k.position, j.key + 1 AS ordinal, c.position AS column_id,"
-         " c.name AS column_name FROM (" +
-         std::string(kConstraints) +
+  return "SELECT k.id, k.object, k.owner_name, k.schema_name, k.kind, k.name, k.position, j.key + 1 AS ordinal,"
+         " c.position AS column_id, c.name AS column_name FROM (" +
+         kConstraints +
          ") k, json_each(k.body, '$.columns') j"
          " JOIN main.\"$columns\" c ON c.object = k.object AND c.name = j.value COLLATE NOCASE";
 }
@@ -52,14 +66,14 @@ inline std::string KeyColumns() {
 inline std::string References() {
   return "SELECT f.*, p.id AS referenced_id, coalesce(json_extract(f.body, '$.referenced'),"
          " (SELECT json_extract(k.body, '$.columns') FROM (" +
-         std::string(kConstraints) + ") k WHERE k.object = p.id AND k.kind = 'PK')) AS referenced FROM (" +
-         std::string(kConstraints) +
+         kConstraints + ") k WHERE k.object = p.id AND k.kind = 'PK')) AS referenced FROM (" + kConstraints +
          ") f JOIN main.\"$objects\" p ON p.name = json_extract(f.body, '$.to') COLLATE NOCASE WHERE f.kind = 'F'";
 }
 
 /// The triggers with their tables and the words of their rules, see trigger_rule.h.
-inline constexpr std::string_view kTriggers = R"(SELECT o.id, o.name, p.id AS table_id, c.default_text AS words
- FROM main."$objects" o JOIN main."$columns" c ON c.object = o.id
+inline const std::string kTriggers =
+    "SELECT o.id, o.name, p.id AS table_id, c.default_text AS words FROM (" + std::string(kObjects) + R"() o
+ JOIN main."$columns" c ON c.object = o.id
  JOIN main."$objects" p ON p.name = c.name COLLATE NOCASE WHERE o.kind = 'trigger')";
 
 inline std::string From(std::string_view head, std::string_view source, std::string_view tail = "") {

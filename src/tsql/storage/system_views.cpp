@@ -77,9 +77,9 @@ std::string IndexColumns() {
          " c.name COLLATE NOCASE WHERE i.kind = 'IX'";
 }
 
-/// What all objects have in common in the views of sys, of a row that has name, id and a kind.
+/// What all objects have in common in the views of sys, of a row of kObjects or kConstraints.
 std::string ObjectColumns(const std::string& type, const std::string& description) {
-  return "name, id AS object_id, NULL AS principal_id, 1 AS schema_id, " + type + " AS type, " + description +
+  return "name, id AS object_id, NULL AS principal_id, schema_id, schema_name, " + type + " AS type, " + description +
          " AS type_desc, NULL AS create_date, NULL AS modify_date, 0 AS is_ms_shipped";
 }
 
@@ -103,8 +103,10 @@ SystemView Objects(const char* name, std::string sql, const std::vector<SystemVi
 
 /// The view of sys of one kind of object of the database.
 SystemView ObjectsOfKind(const char* name, const char* kind, const char* type, const char* description) {
-  return Objects(name, "SELECT " + ObjectColumns("'" + std::string(type) + "'", "'" + std::string(description) + "'") +
-                           ", 0 AS parent_object_id FROM main.\"$objects\" WHERE kind = '" + kind + "'");
+  return Objects(name,
+                 From("SELECT " + ObjectColumns("'" + std::string(type) + "'", "'" + std::string(description) + "'") +
+                          ", 0 AS parent_object_id",
+                      kObjects, " WHERE kind = '" + std::string(kind) + "'"));
 }
 
 /// The view of sys of constraints.
@@ -127,7 +129,7 @@ SystemView Sequences() {
                              " < (o.definition ->> 'minimum') - (o.definition ->> 'increment') END";
   return Objects(
       "sequences",
-      "SELECT o.name, o.id AS object_id, NULL AS principal_id, 1 AS schema_id, 'SO' AS type, 'SEQUENCE_OBJECT' AS"
+      "SELECT o.name, o.id AS object_id, NULL AS principal_id, o.schema_id, 'SO' AS type, 'SEQUENCE_OBJECT' AS"
       " type_desc, NULL AS create_date, NULL AS modify_date, 0 AS is_ms_shipped, 0 AS parent_object_id,"
       " o.definition ->> 'start' AS start_value, o.definition ->> 'increment' AS increment, o.definition ->> 'minimum'"
       " AS minimum_value, o.definition ->> 'maximum' AS maximum_value, o.definition ->> 'cycle' AS is_cycling,"
@@ -135,9 +137,9 @@ SystemView Sequences() {
       " ELSE o.definition ->> 'cache' END AS cache_size, c.system_type_id, c.user_type_id, c.precision, c.scale,"
       " coalesce(" +
           last + ", o.definition ->> 'start') AS current_value, coalesce(" + at_end +
-          " AND NOT o.definition ->> 'cycle', 0) AS is_exhausted FROM main.\"$objects\" o JOIN (SELECT c.object, " +
-          std::string(kMeasures) + " FROM (" + std::string(kTyped) + ") c JOIN (" + std::string(kTypes) +
-          ") t ON t.name = c.base) c ON c.object = o.id WHERE o.kind = 'sequence'",
+          " AND NOT o.definition ->> 'cycle', 0) AS is_exhausted FROM (" + std::string(kObjects) +
+          ") o JOIN (SELECT c.object, " + std::string(kMeasures) + " FROM (" + std::string(kTyped) + ") c JOIN (" +
+          std::string(kTypes) + ") t ON t.name = c.base) c ON c.object = o.id WHERE o.kind = 'sequence'",
       {Long("start_value"), Long("increment"), Long("minimum_value"), Long("maximum_value"), Bit("is_cycling"),
        Bit("is_cached"), Int("cache_size"), Int("system_type_id"), Int("user_type_id"), Int("precision"), Int("scale"),
        Long("current_value"), Bit("is_exhausted")});
@@ -156,15 +158,17 @@ std::vector<SystemView> ObjectViews() {
   const SystemView constraints = ConstraintsOfKind("constraints", "'PK', 'UQ', 'F', 'C', 'D'", "", {});
   return {
       Objects("objects", "SELECT " + ObjectColumns(own_type, own_description) +
-                             ", coalesce(table_id, 0) AS parent_object_id FROM (SELECT o.*, t.table_id FROM"
-                             " main.\"$objects\" o LEFT JOIN (" +
-                             std::string(kTriggers) + ") t ON t.id = o.id) UNION ALL " + constraints.sql),
+                             ", coalesce(table_id, 0) AS parent_object_id FROM (SELECT o.*, t.table_id FROM (" +
+                             std::string(kObjects) + ") o LEFT JOIN (" + std::string(kTriggers) +
+                             ") t ON t.id = o.id) UNION ALL " + constraints.sql),
       ObjectsOfKind("tables", "table", "U ", "USER_TABLE"),
       // Read as tempdb.sys.objects and tempdb..sysobjects. Table variables begin with another sign.
-      Objects("temporary_tables",
-              From("SELECT " + ObjectColumns("'U '", "'USER_TABLE'") + ", 0 AS parent_object_id",
-                   "SELECT name, ts_object_id(name) AS id FROM temp.sqlite_schema WHERE type = 'table'"
-                   " AND name LIKE '#%'")),
+      Objects(
+          "temporary_tables",
+          From(
+              "SELECT " + ObjectColumns("'U '", "'USER_TABLE'") + ", 0 AS parent_object_id",
+              "SELECT name, ts_object_id(name) AS id, 1 AS schema_id, 'dbo' AS schema_name FROM temp.sqlite_schema WHERE type = 'table'"
+              " AND name LIKE '#%'")),
       ObjectsOfKind("views", "view", "V ", "VIEW"),
       ObjectsOfKind("procedures", "procedure", "P ", "SQL_STORED_PROCEDURE"),
       {"sys",
@@ -305,8 +309,7 @@ std::vector<SystemView> ServerViews() {
   return {
       {"sys",
        "schemas",
-       "SELECT column1 AS name, column2 AS schema_id, column2 AS principal_id FROM (VALUES ('dbo', 1), ('guest', 2),"
-       " ('INFORMATION_SCHEMA', 3), ('sys', 4))",
+       From("SELECT name, schema_id, CASE WHEN schema_id < 5 THEN schema_id ELSE 1 END AS principal_id", kSchemas),
        {Name("name"), Int("schema_id"), Int("principal_id")}},
       {"sys",
        "database_files",
@@ -337,7 +340,7 @@ std::vector<SystemView> ServerViews() {
         Int("scale"), Name("collation_name"), Bit("is_nullable"), Bit("is_user_defined"), Bit("is_table_type")}},
       {"sys",
        "sql_modules",
-       "SELECT id AS object_id, definition FROM main.\"$objects\" WHERE kind NOT IN ('table', 'sequence')",
+       From("SELECT id AS object_id, definition", kObjects, " WHERE kind NOT IN ('table', 'sequence')"),
        {Int("object_id"), Text("definition")}},
       {"sys",
        "extended_properties",

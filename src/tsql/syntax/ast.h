@@ -10,6 +10,7 @@
 #include <variant>
 #include <vector>
 
+#include "tsql/syntax/object_name.h"
 #include "tsql/values/type_name.h"
 
 namespace tessarlorn::tsql {
@@ -22,18 +23,6 @@ struct Overloaded : Cases... {
 // Clang 14 does not find it by itself.
 template <typename... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
-
-/// Whether a table of that name is a temporary one (#t) or a table variable (@t).
-inline bool IsTemporaryName(std::string_view name) { return !name.empty() && (name[0] == '#' || name[0] == '@'); }
-
-/// A name of up to three parts as written: [database.][schema.]object, or @t for a table variable. Database and schema
-/// are kept for messages only.
-struct ObjectName {
-  std::string qualifier;  // "dbo", "tempdb.." …, "" when none
-  std::string name;
-  [[nodiscard]] bool temporary() const { return IsTemporaryName(name); }
-  [[nodiscard]] bool variable() const { return !name.empty() && name[0] == '@'; }
-};
 
 struct Expression;
 struct Query;
@@ -74,11 +63,14 @@ struct ColumnReference {
   [[nodiscard]] const std::string& name() const { return parts.back(); }
   /// The table or alias before the column, "" when none.
   [[nodiscard]] std::string qualifier() const { return parts.size() > 1 ? parts[parts.size() - 2] : std::string(); }
+  /// The schema before that, "" when none.
+  [[nodiscard]] std::string schema() const { return parts.size() > 2 ? parts[parts.size() - 3] : std::string(); }
 };
 
-/// `*` or `table.*`: only in a select list, and as the argument of COUNT.
+/// `*`, `table.*` or `schema.table.*`: only in a select list, and as the argument of COUNT.
 struct Star {
-  std::string table;  // "" for all
+  std::string table;   // "" for all
+  std::string schema;  // "" when none
 };
 
 /// DEFAULT among the values of an INSERT.

@@ -201,13 +201,13 @@ inline constexpr std::array kContextualWords = std::to_array<std::string_view>({
     "datepart", "datetrunc", "delay", "disable", "dynamic", "enable", "encryption", "fast_forward", "first",
     "following", "forward_only", "global", "grouping", "hash", "iif", "include", "include_null_values", "increment",
     "input", "insensitive", "instead", "isolation", "json", "keyset", "last", "level", "local", "log", "login", "loop",
-    "matched", "max", "maxvalue", "minvalue", "name", "nchar", "next", "no", "nowait", "nvarchar", "offset", "only",
-    "optimistic", "out", "output", "parse", "partition", "path", "persisted", "preceding", "precision", "prior",
+    "matched", "max", "maxvalue", "minvalue", "name", "nchar", "next", "no", "nowait", "nvarchar", "object", "offset",
+    "only", "optimistic", "out", "output", "parse", "partition", "path", "persisted", "preceding", "precision", "prior",
     "range", "raw", "read_only", "readonly", "recompile", "relative", "remote", "repeatable", "restart", "returns",
     "role", "rollup", "root", "row", "rows", "schemabinding", "scroll", "scroll_locks", "sequence", "serializable",
     "server", "sets", "snapshot", "source", "sparse", "start", "static", "synonym", "system_time", "target",
-    "textimage_on", "throw", "ties", "time", "try", "try_cast", "try_parse", "type", "type_warning", "unbounded",
-    "uncommitted", "using", "value", "varchar", "without_array_wrapper", "work", "xml", "zone",
+    "textimage_on", "throw", "ties", "time", "transfer", "try", "try_cast", "try_parse", "type", "type_warning",
+    "unbounded", "uncommitted", "using", "value", "varchar", "without_array_wrapper", "work", "xml", "zone",
     // clang-format on
 });
 

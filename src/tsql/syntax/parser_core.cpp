@@ -1,6 +1,7 @@
 #include "tsql/syntax/parser_core.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/text/text.h"
 #include "tsql/values/sql_error.h"
@@ -142,6 +143,11 @@ std::string Parser::ParseVariableName() {
 }
 
 ObjectName Parser::ParseObjectName() {
+  ObjectName written = ParseWrittenName();
+  return MakeObjectName(std::move(written.qualifier), std::move(written.name));
+}
+
+ObjectName Parser::ParseWrittenName() {
   ObjectName object;
   object.name = ParseName();
   int parts = 1;

@@ -47,6 +47,8 @@ class Parser {
   /// A value or a condition.
   ExpressionPtr ParseAny();
   ObjectName ParseObjectName();
+  /// The same, with the schema in the qualifier whatever it is.
+  ObjectName ParseWrittenName();
   /// None when no variable stands here.
   std::vector<Parameter> ParseParameters();
 
@@ -259,6 +261,10 @@ class Parser {
   StatementPtr ParseDrop();
   StatementPtr ParseCreateIndex();
   StatementPtr ParseDropIndex(std::uint32_t line);
+  // parser_schema.cpp
+  StatementPtr ParseCreateSchema(std::size_t begin);
+  StatementPtr ParseAlterSchema();
+  StatementPtr ParseDropSchema(std::uint32_t line);
   StatementPtr ParseView(std::size_t begin, bool replace);
   StatementPtr ParseProcedure(std::size_t begin, bool replace);
   /// The statements to the end of the batch; at least one.

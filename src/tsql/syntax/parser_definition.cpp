@@ -25,6 +25,7 @@ StatementPtr Parser::ParseCreate() {
   if (At("trigger"_kw)) return ParseTrigger(begin, false);
   if (At("function"_kw)) return ParseFunction(begin, false);
   if (At("sequence"_kw)) return ParseSequence(false);
+  if (At("schema"_kw)) return ParseCreateSchema(begin);
   constexpr std::array kIndexWords = {"unique"_kw, "clustered"_kw, "nonclustered"_kw, "index"_kw};
   if (AtAny(kIndexWords)) return ParseCreateIndex();
   if (Peek().kind != TokenKind::kWord) Fail();
@@ -40,6 +41,7 @@ StatementPtr Parser::ParseAlter() {
   if (At("trigger"_kw)) return ParseTrigger(begin, true);
   if (At("function"_kw)) return ParseFunction(begin, true);
   if (At("sequence"_kw)) return ParseSequence(true);
+  if (At("schema"_kw)) return ParseAlterSchema();
   if (Peek().kind != TokenKind::kWord) Fail();
   Refuse("ALTER " + UpperCase(Peek().text));
 }
@@ -47,6 +49,7 @@ StatementPtr Parser::ParseAlter() {
 StatementPtr Parser::ParseDrop() {
   const std::uint32_t line = Take().line;
   if (Accept("index"_kw)) return ParseDropIndex(Peek().line);
+  if (Accept("schema"_kw)) return ParseDropSchema(line);
   DropStatement drop;
   if (Accept("view"_kw)) {
     drop.kind = ObjectKind::kView;
@@ -77,14 +80,16 @@ StatementPtr Parser::ParseDropIndex(std::uint32_t line) {
     const std::uint32_t own_line = Peek().line;
     DropIndexStatement drop;
     drop.if_exists = if_exists;
-    ObjectName name = ParseObjectName();
+    ObjectName name = ParseWrittenName();
     drop.name = name.name;
     if (Accept("on"_kw)) {
       drop.table = ParseObjectName();
     } else {
       if (name.qualifier.empty()) Fail();
       const std::size_t dot = name.qualifier.rfind('.');
-      drop.table.name = dot == std::string::npos ? name.qualifier : name.qualifier.substr(dot + 1);
+      drop.table = dot == std::string::npos
+                       ? ObjectName{"", name.qualifier}
+                       : MakeObjectName(name.qualifier.substr(0, dot), name.qualifier.substr(dot + 1));
     }
     all.body.push_back(MakeStatement(own_line, std::move(drop)));
   } while (Accept(Op::kComma));

@@ -398,8 +398,10 @@ ExpressionPtr Parser::ParseColumn() {
   const std::uint32_t line = Peek().line;
   ColumnReference column;
   column.parts.push_back(ParseName());
+  bool left_out = false;
   while (Accept(Op::kDot)) {
-    // db..table.column: the schema may be left out, and what stands before the table tells nothing here.
+    // db..table.column: the schema may be left out, and the database tells nothing here.
+    left_out = left_out || At(Op::kDot);
     if (!At(Op::kDot)) column.parts.push_back(ParseName());
   }
   if (At(Op::kLeftParen)) {
@@ -411,7 +413,7 @@ ExpressionPtr Parser::ParseColumn() {
     return MakeExpression(line, std::move(call));
   }
   if (column.parts.size() > 4) Fail();
-  if (column.parts.size() == 4) column.parts.erase(column.parts.begin());
+  if (column.parts.size() == 4 || (left_out && column.parts.size() == 3)) column.parts.erase(column.parts.begin());
   return MakeExpression(line, std::move(column));
 }
 

@@ -194,6 +194,7 @@ SelectItem Parser::ParseSelectItem() {
     const std::uint32_t line = Peek().line;
     Star all;
     if (star > 0) all.table = Unquote(Peek(star - 2));
+    if (star > 2) all.schema = Unquote(Peek(star - 4));
     while (!Accept(Op::kStar)) Take();
     item.expression = MakeExpression(line, std::move(all));
     return item;
@@ -377,7 +378,7 @@ TableSourcePtr Parser::ParseTableFunction(std::uint32_t line, ObjectName name) {
   }
   function.alias = AcceptAlias();
   if (!function.alias.empty() && At(Op::kLeftParen)) function.column_aliases = ParseNameList();
-  if (function.alias.empty()) function.alias = name.name;
+  if (function.alias.empty()) function.alias = name.own_name();
   if (!name.qualifier.empty() || !IsAmong(kTableFunctions, name.name)) function.of_database = std::move(name);
   return MakeSource(line, std::move(function));
 }

@@ -73,7 +73,7 @@ StatementPtr Parser::ParseSwitchTriggersOf(ObjectName table, std::uint32_t line)
   Expect("trigger"_kw);
   if (Accept("all"_kw)) return MakeStatement(line, std::move(change));
   do {
-    change.triggers.push_back({"", ParseName()});
+    change.triggers.push_back(MakeObjectName(change.table.schema, ParseName()));
   } while (Accept(Op::kComma));
   return MakeStatement(line, std::move(change));
 }

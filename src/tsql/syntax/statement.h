@@ -433,6 +433,21 @@ struct CreateFunctionStatement {
   bool must_exist = false;  // ALTER
 };
 
+struct CreateSchemaStatement {
+  std::string name;
+};
+
+struct DropSchemaStatement {
+  std::string name;
+  bool if_exists = false;
+};
+
+/// ALTER SCHEMA schema TRANSFER object
+struct TransferStatement {
+  std::string schema;
+  ObjectName object;
+};
+
 /// What CREATE and ALTER SEQUENCE may say.
 struct SequenceOptions {
   std::optional<TypeName> type;
@@ -463,7 +478,7 @@ using StatementNode =
                  SaveTransactionStatement, CallStatement, ExecuteTextStatement, CreateTableStatement,
                  AlterTableStatement, DropStatement, CreateIndexStatement, DropIndexStatement, CreateViewStatement,
                  CreateProcedureStatement, CreateTriggerStatement, SwitchTriggersStatement, CreateFunctionStatement,
-                 SequenceStatement>;
+                 SequenceStatement, CreateSchemaStatement, DropSchemaStatement, TransferStatement>;
 
 struct Statement {
   std::uint32_t line = 1;

@@ -116,14 +116,14 @@ Compiled Translator::CompileMerge(const MergeStatement& merge, bool identity_ins
 
 std::string Translator::TranslateCheck(const CatalogObject& table, const Expression& condition) {
   Scope scope;
-  scope.sources.push_back(BareSource(table.name, table));
+  scope.sources.push_back(BareSource(table.own_name(), table));
   for_table = true;
   return parameters.FinishDefinition(Condition(condition, scope));
 }
 
 Typed Translator::TranslateComputed(const CatalogObject& table, const Expression& value) {
   Scope scope;
-  scope.sources.push_back(BareSource(table.name, table));
+  scope.sources.push_back(BareSource(table.own_name(), table));
   Typed typed = Value(value, scope);
   typed.sql = parameters.FinishDefinition(typed.sql);
   if (typed.type.untyped_null) typed.type = IntType();

@@ -13,8 +13,11 @@
 namespace tessarlorn::tsql {
 namespace {
 
-/// The object's own name of "tempdb..#t", "dbo.t", "[t]".
-std::string PlainName(std::string_view name) { return NameParts(name).back(); }
+/// The object of "tempdb..#t", "dbo.t", "[s].[t]", or nullptr.
+CatalogObjectPtr FindNamed(const Catalog& catalog, std::string_view text) {
+  const ObjectName name = NameOf(NameParts(text));
+  return IsLocal(name) ? catalog.Find(name.name) : nullptr;
+}
 
 int StorageBytes(const SqlType& type) {
   switch (type.kind) {
@@ -49,7 +52,7 @@ int StorageBytes(const SqlType& type) {
 
 void ObjectId(sqlite3_context* context, const Catalog& catalog, Arguments arguments) {
   if (AnyNull(arguments)) return;
-  const CatalogObjectPtr object = catalog.Find(PlainName(TextOf(arguments[0])));
+  const CatalogObjectPtr object = FindNamed(catalog, TextOf(arguments[0]));
   if (object == nullptr) return;
   if (arguments.size() > 1) {
     const std::string kind = UpperCase(Trim(TextOf(arguments[1])));
@@ -69,7 +72,7 @@ Constraint IdentityOf(const CatalogObject& table) {
 // ts_ident_current(table): the last identity value that it gave, or else the first that it will give
 void IdentCurrent(sqlite3_context* context, const Catalog& catalog, Arguments arguments) {
   if (AnyNull(arguments)) return;
-  const CatalogObjectPtr object = catalog.Find(PlainName(TextOf(arguments[0])));
+  const CatalogObjectPtr object = FindNamed(catalog, TextOf(arguments[0]));
   if (object == nullptr || object->identity_column() < 0) return;
   const std::string sql = std::string("SELECT seq FROM ") + (object->temporary ? "temp" : "main") +
                           ".sqlite_sequence WHERE name = " + QuoteText(object->table_name());
@@ -81,12 +84,12 @@ void IdentCurrent(sqlite3_context* context, const Catalog& catalog, Arguments ar
 }
 
 void IdentSeed(sqlite3_context* context, const Catalog& catalog, Arguments arguments) {
-  const CatalogObjectPtr object = AnyNull(arguments) ? nullptr : catalog.Find(PlainName(TextOf(arguments[0])));
+  const CatalogObjectPtr object = AnyNull(arguments) ? nullptr : FindNamed(catalog, TextOf(arguments[0]));
   if (object != nullptr && object->identity_column() >= 0) sqlite3_result_int64(context, IdentityOf(*object).seed);
 }
 
 void IdentIncrement(sqlite3_context* context, const Catalog& catalog, Arguments arguments) {
-  const CatalogObjectPtr object = AnyNull(arguments) ? nullptr : catalog.Find(PlainName(TextOf(arguments[0])));
+  const CatalogObjectPtr object = AnyNull(arguments) ? nullptr : FindNamed(catalog, TextOf(arguments[0]));
   if (object == nullptr || object->identity_column() < 0) return;
   const std::int64_t increment = IdentityOf(*object).increment;
   sqlite3_result_int64(context, increment == 0 ? 1 : increment);
@@ -131,7 +134,7 @@ void NextIdentity(sqlite3_context* context, Runtime& /*runtime*/, Arguments argu
 
 void ColumnLength(sqlite3_context* context, const Catalog& catalog, Arguments arguments) {
   if (AnyNull(arguments) || arguments.size() != 2) return;
-  const CatalogObjectPtr object = catalog.Find(PlainName(TextOf(arguments[0])));
+  const CatalogObjectPtr object = FindNamed(catalog, TextOf(arguments[0]));
   const int column = object == nullptr ? -1 : object->FindColumn(TextOf(arguments[1]));
   if (column >= 0) sqlite3_result_int(context, StorageBytes(object->columns[static_cast<std::size_t>(column)].type));
 }

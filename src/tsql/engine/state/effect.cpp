@@ -25,6 +25,9 @@ struct EffectOfNode {
   Effect operator()(const SwitchTriggersStatement& /*node*/) const { return Effect::kDefines; }
   Effect operator()(const CreateFunctionStatement& /*node*/) const { return Effect::kDefines; }
   Effect operator()(const SequenceStatement& /*node*/) const { return Effect::kDefines; }
+  Effect operator()(const CreateSchemaStatement& /*node*/) const { return Effect::kDefines; }
+  Effect operator()(const DropSchemaStatement& /*node*/) const { return Effect::kDefines; }
+  Effect operator()(const TransferStatement& /*node*/) const { return Effect::kDefines; }
   template <typename Other>
   Effect operator()(const Other& /*node*/) const {
     return Effect::kNone;

@@ -6,7 +6,7 @@
 namespace tessarlorn::tsql {
 
 Typed OwnCall(const Call& call) {
-  const ObjectName name{call.qualifier(), call.name()};
+  const ObjectName name = MakeObjectName(call.qualifier(), call.name());
   const std::string written = WrittenName(name);
   const CatalogObjectPtr function = call.translation().FindFunction(name);
   if (function == nullptr) {

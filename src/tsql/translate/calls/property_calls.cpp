@@ -63,7 +63,7 @@ constexpr std::array kObjectProperties = {
     Property{"isusertable", "type = 'U '"},
     Property{"isview", "type = 'V '"},
     Property{"ownerid", "1"},
-    Property{"schemaid", "1"},
+    Property{"schemaid", "schema_id"},
 };
 
 constexpr std::array kConstraintProperties = {

@@ -69,7 +69,7 @@ constexpr std::array kLookUps = {
     LookUp{"type_id", "types", "user_type_id", {"name", ""}, true},
     LookUp{"schema_name", "schemas", "name", {"schema_id", ""}, false},
     LookUp{"schema_id", "schemas", "schema_id", {"name", ""}, true},
-    LookUp{"object_schema_name", "objects", "'dbo'", {"object_id", ""}, false},
+    LookUp{"object_schema_name", "objects", "schema_name", {"object_id", ""}, false},
     LookUp{"object_definition", "sql_modules", "definition", {"object_id", ""}, false},
 };
 

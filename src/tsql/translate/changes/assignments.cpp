@@ -86,6 +86,7 @@ std::string DefaultSql(Translation& translation, const CatalogObject& table, con
     return column.nullable ? "NULL" : Required("NULL", column, ShownName(table));
   }
   Scope scope;
+  const InSchema in_schema(translation, "");
   const ExpressionPtr expression = ParseExpressionText(column.default_text, translation.names);
   const Parameters::InDefinition in_definition(translation.parameters);
   const NumbersAt numbers(translation, NumberPlace::kHere);

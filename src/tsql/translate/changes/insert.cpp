@@ -102,7 +102,7 @@ void InsertTranslator::FindPositions(bool identity_insert) {
   }
   const bool names_identity = std::find(positions_.begin(), positions_.end(), identity) != positions_.end();
   if (identity >= 0 && names_identity && !identity_insert) {
-    throw SqlError(544, "Cannot insert explicit value for identity column in table '" + table_->name +
+    throw SqlError(544, "Cannot insert explicit value for identity column in table '" + table_->own_name() +
                             "' when IDENTITY_INSERT is set to OFF.");
   }
 }

@@ -14,12 +14,22 @@ struct Found {
   bool qualifier_known = false;
 };
 
+/// Whether a name before a column, with a schema before it or none, is that of the source.
+bool IsNamed(const Source& source, const std::string& schema, const std::string& table) {
+  if (source.schema.empty()) return IsServerSchema(schema) && EqualsIgnoreCase(source.alias, table);
+  return (schema.empty() || EqualsIgnoreCase(schema, source.schema)) &&
+         EqualsIgnoreCase(source.alias.substr(source.schema.size() + 1), table);
+}
+
 /// Looks in one level. Raises 209 for two of the name.
-Found FindInLevel(const Scope& level, const std::string& qualifier, const std::string& name) {
+Found FindInLevel(const Scope& level, const ColumnReference& reference) {
+  const std::string& name = reference.name();
+  const std::string qualifier = reference.qualifier();
+  const std::string schema = reference.schema();
   Found found;
   for (std::size_t i = level.visible_from; i < level.sources.size(); ++i) {
     const Source& source = level.sources[i];
-    if (!qualifier.empty() && !EqualsIgnoreCase(source.alias, qualifier)) continue;
+    if (!qualifier.empty() && !IsNamed(source, schema, qualifier)) continue;
     if (!qualifier.empty()) found.qualifier_known = true;
     for (const SourceColumn& column : source.columns) {
       if (!EqualsIgnoreCase(column.name, name)) continue;
@@ -66,7 +76,7 @@ Typed FindColumn(const ColumnReference& column, const Scope& scope, bool in_aggr
   const std::string qualifier = column.qualifier();
   bool qualifier_known = false;
   for (const Scope* level = &scope; level != nullptr && !qualifier_known; level = level->parent) {
-    const Found found = FindInLevel(*level, qualifier, name);
+    const Found found = FindInLevel(*level, column);
     qualifier_known = found.qualifier_known;
     if (found.column == nullptr) continue;
     std::string sql = SqlOf(*found.source, *found.column);
@@ -82,7 +92,9 @@ Typed FindColumn(const ColumnReference& column, const Scope& scope, bool in_aggr
     return {std::move(sql), type, found.column->nullable, -1};
   }
   if (!qualifier.empty() && !qualifier_known) {
-    throw SqlError(4104, "The multi-part identifier \"" + qualifier + "." + name + "\" could not be bound.");
+    const std::string schema = column.schema();
+    throw SqlError(4104, "The multi-part identifier \"" + schema + (schema.empty() ? "" : ".") + qualifier + "." +
+                             name + "\" could not be bound.");
   }
   throw SqlError(207, "Invalid column name '" + name + "'.");
 }
@@ -93,8 +105,9 @@ std::vector<std::pair<std::size_t, const SourceColumn*>> ColumnsOf(const Express
   const auto* name = As<ColumnReference>(item);
   if (star == nullptr && name == nullptr) return columns;
   const std::string alias = star != nullptr ? star->table : name->qualifier();
+  const std::string schema = star != nullptr ? star->schema : name->schema();
   for (std::size_t i = 0; i < scope.sources.size(); ++i) {
-    if (!alias.empty() && !EqualsIgnoreCase(scope.sources[i].alias, alias)) continue;
+    if (!alias.empty() && !IsNamed(scope.sources[i], schema, alias)) continue;
     for (const SourceColumn& column : scope.sources[i].columns) {
       if (star != nullptr || EqualsIgnoreCase(column.name, name->name())) columns.emplace_back(i, &column);
     }
@@ -105,7 +118,7 @@ std::vector<std::pair<std::size_t, const SourceColumn*>> ColumnsOf(const Express
 void ExpandStar(const Star& star, const Scope& scope, std::vector<Typed>& values, std::vector<ResultColumn>& columns) {
   bool any = false;
   for (const Source& source : scope.sources) {
-    if (!star.table.empty() && !EqualsIgnoreCase(source.alias, star.table)) continue;
+    if (!star.table.empty() && !IsNamed(source, star.schema, star.table)) continue;
     any = true;
     for (const SourceColumn& column : source.columns) {
       std::string sql = SqlOf(source, column);

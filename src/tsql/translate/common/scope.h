@@ -24,6 +24,8 @@ struct SourceColumn {
 
 struct Source {
   std::string alias;
+  /// Of a table without an alias, which is called "s.t" then: the schema, "" for dbo.
+  std::string schema = {};
   std::string prefix = {};  // of the columns' names in SQL: "\"t\"."
   std::vector<SourceColumn> columns;
   CatalogObjectPtr table;     // a base table, else null

@@ -8,13 +8,20 @@
 
 namespace tessarlorn::tsql {
 
-CatalogObjectPtr Translation::Note(const ObjectName& name) {
-  RequireLocal(name);
+CatalogObjectPtr Translation::Noted(const ObjectName& name) {
   CatalogObjectPtr object = catalog.Find(name);
   const bool known = std::any_of(dependencies.objects.begin(), dependencies.objects.end(),
                                  [&](const Dependencies::Object& entry) { return entry.name == name.name; });
   if (!known) dependencies.objects.push_back({name.name, object});
   return object;
+}
+
+CatalogObjectPtr Translation::Note(const ObjectName& name) {
+  RequireLocal(name);
+  // Made later, what stands in its own schema is meant from then on.
+  const bool open = !schema.empty() && name.qualifier.empty() && name.schema.empty() && !name.temporary();
+  if (open) Noted({"", schema + "." + name.name});
+  return Noted({name.qualifier, catalog.Meant(name, schema)});
 }
 
 CatalogObjectPtr Translation::Lookup(const ObjectName& name) {
@@ -27,7 +34,9 @@ CatalogObjectPtr Translation::Lookup(const ObjectName& name) {
 }
 
 CatalogObjectPtr Translation::FindFunction(const ObjectName& name) {
-  CatalogObjectPtr object = EqualsIgnoreCase(SchemaHere(name.qualifier), "dbo") ? Note({"dbo", name.name}) : nullptr;
+  const bool of_dbo = name.schema.empty() && EqualsIgnoreCase(SchemaHere(name.qualifier), "dbo");
+  if (!of_dbo && name.schema.empty()) return nullptr;
+  CatalogObjectPtr object = Note(of_dbo ? ObjectName{"dbo", name.name} : name);
   return object != nullptr && object->kind == CatalogKind::kFunction ? object : nullptr;
 }
 

@@ -44,6 +44,8 @@ struct Surroundings {
   bool lift_literals;
   Dependencies& dependencies;
   const MemoryBudget& memory;
+  /// That of the object whose text is translated, "" for dbo and for a batch.
+  std::string schema = {};
 };
 
 /// Whether NEXT VALUE FOR may stand at the place under translation, and else why not.
@@ -68,6 +70,7 @@ class Translation {
         names(around.names),
         dependencies(around.dependencies),
         memory(around.memory),
+        schema(around.schema),
         parameters(around.frame, around.lift_literals, around.dependencies) {}
   Translation(const Translation&) = delete;
   Translation& operator=(const Translation&) = delete;
@@ -87,6 +90,7 @@ class Translation {
   NameTable& names;
   Dependencies& dependencies;
   const MemoryBudget& memory;
+  std::string schema;  // as of Surroundings
   Parameters parameters;
   std::vector<CommonTableColumns> common_tables;  // innermost last
   /// A change goes through a query: queries bring the numbers of their base rows along.
@@ -100,6 +104,10 @@ class Translation {
   bool for_table = false;
   int next_alias = 0;
   int aggregate_depth = 0;
+
+ private:
+  /// What the catalog has under the name, noted among the dependencies.
+  CatalogObjectPtr Noted(const ObjectName& name);
 
  protected:
   ~Translation() = default;
@@ -117,6 +125,20 @@ class NumbersAt {
  private:
   Translation& translation_;
   NumberPlace outer_;
+};
+
+/// While it lives, the text of an object of that schema is translated.
+class InSchema {
+ public:
+  InSchema(Translation& translation, const std::string& schema)
+      : translation_(translation), outer_(std::exchange(translation.schema, schema)) {}
+  InSchema(const InSchema&) = delete;
+  InSchema& operator=(const InSchema&) = delete;
+  ~InSchema() { translation_.schema = std::move(outer_); }
+
+ private:
+  Translation& translation_;
+  std::string outer_;
 };
 
 /// The name of a table as it stands in SQL: temporary tables carry their schema.

@@ -57,7 +57,11 @@ class Sources {
   Sources(Translation& translation, Scope& scope, bool optional)
       : translation_(translation), scope_(scope), optional_(optional) {}
 
-  std::string operator()(const NamedTable& named) const;
+  std::string operator()(const NamedTable& named) const {
+    std::string sql = Table(named);
+    if (named.alias.empty()) scope_.sources.back().schema = named.name.schema;
+    return sql;
+  }
   std::string operator()(const DerivedTable& derived) const;
   std::string operator()(const TableFunction& function) const;
   std::string operator()(const PivotTable& pivot) const;
@@ -65,6 +69,7 @@ class Sources {
   std::string operator()(const Join& join) const;
 
  private:
+  [[nodiscard]] std::string Table(const NamedTable& named) const;
   [[nodiscard]] TranslatedQuery QueryOf(const DerivedTable& derived, const Scope* around) const;
   /// CROSS APPLY and OUTER APPLY. SQLite's own sources do not see those beside them, but the arguments of its
   /// table-valued functions do: the rows of the right side come packed in one.
@@ -96,7 +101,7 @@ class Sources {
                 const std::vector<BaseRow>& rows) const;
   [[nodiscard]] TranslatedQuery ViewText(const CatalogObject& view) const;
   /// The query of a view or of a function with these arguments. @param columns their names, none for its own
-  [[nodiscard]] TranslatedQuery DefinitionText(const std::string& owner, const Query& query,
+  [[nodiscard]] TranslatedQuery DefinitionText(const CatalogObject& object, const Query& query,
                                                const std::vector<std::string>& columns,
                                                const Parameters::Arguments* arguments) const;
   /// Raises 208 and 215.
@@ -112,7 +117,7 @@ class Sources {
   bool optional_;
 };
 
-std::string Sources::operator()(const NamedTable& named) const {
+std::string Sources::Table(const NamedTable& named) const {
   const std::string& shown = named.shown_name();
   const std::string alias = " AS " + QuoteName(shown);
   if (const CommonTableColumns* common = FindCommonTable(translation_, named.name)) {
@@ -165,19 +170,20 @@ void Sources::AddQuery(const std::string& alias, const std::vector<ResultColumn>
 TranslatedQuery Sources::ViewText(const CatalogObject& view) const {
   const StatementPtr statement = ParsedDefinition(translation_, view);
   const auto& definition = std::get<CreateViewStatement>(statement->node);
-  return DefinitionText(view.name, *definition.query, definition.columns, nullptr);
+  return DefinitionText(view, *definition.query, definition.columns, nullptr);
 }
 
-TranslatedQuery Sources::DefinitionText(const std::string& owner, const Query& query,
+TranslatedQuery Sources::DefinitionText(const CatalogObject& object, const Query& query,
                                         const std::vector<std::string>& columns,
                                         const Parameters::Arguments* arguments) const {
   // A view or function knows nothing of where it is used: no outer names, no common tables, no lifted literals.
   std::vector<CommonTableColumns> outer;
   outer.swap(translation_.common_tables);
   const Parameters::InDefinition in_definition(translation_.parameters, arguments);
+  const InSchema in_schema(translation_, object.schema);
   SelectOptions options;
   options.named = true;
-  options.owner = owner;
+  options.owner = object.own_name();
   if (!columns.empty()) options.names = &columns;
   TranslatedQuery text = translation_.QueryText(query, nullptr, options);
   outer.swap(translation_.common_tables);
@@ -229,7 +235,7 @@ std::string Sources::Own(const TableFunction& function, Scope& around, bool kept
     }
     arguments.emplace(definition.parameters[i].name, std::move(values[i]));
   }
-  const TranslatedQuery query = DefinitionText(object->name, *definition.query, function.column_aliases, &arguments);
+  const TranslatedQuery query = DefinitionText(*object, *definition.query, function.column_aliases, &arguments);
   if (plain) {
     scope_.optional_view = scope_.optional_view || optional_;
     AddQuery(function.alias, query.columns, {});

@@ -91,7 +91,11 @@ std::string TabsStatement(std::string_view shops) {
     text.append(&tab == Tabs().data() ? "SELECT '" : " UNION ALL SELECT '").append(tab.name);
     text.append("' AS FTab, ").append(tab.count).append(" AS FOrders");
   }
-  text = ReplaceAll(text, "{where shops}", shops.empty() ? "" : " WHERE 1 = 1{shops}");
+  // Of all orders those of few shops are a range of an index each.
+  constexpr std::string_view kOfThem =
+      " WHERE t1.FWebshopID IN (SELECT a.FWebShopID FROM IC_WebShopAccessData a with(nolock) WHERE a.FIsAccess = 1 AND "
+      "a.FUserID = @user)";
+  text = ReplaceAll(text, "{where shops}", shops.empty() ? "" : kOfThem);
   return ReplaceAll(text, "{shops}", shops);
 }
 

@@ -26,6 +26,9 @@ TEST(Changes, TableVariables) {
       {"create table #all (n int) exec deeper 1 select n from #all", "n;3;2;1"},
       {"declare @t table (a varchar(3) unique) insert @t values ('a'),('a')",
        "error 2627: Violation of UNIQUE KEY constraint on '@t.a'. Cannot insert duplicate key in object 'dbo.@t'."},
+      {"create table i (id int identity, v int) insert i (v) values (1) select * into #i from i insert #i (v) values (3) select * from "
+       "#i",
+       "id|v;1|1;2|3"},
       {"select FID from o with (index(no))",
        "error 308: Index 'no' on table 'o' (specified in the FROM clause) does not exist."},
       {"create index high on o (FState) include (FName) where FState > 5 select FID from o with (index(high)) where FState = 2",

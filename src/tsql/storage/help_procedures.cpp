@@ -131,7 +131,7 @@ SELECT * FROM (SELECT t.name AS trigger_name, CAST('dbo' AS nvarchar(128)) AS tr
     (SELECT COUNT(*) FROM sys.trigger_events e WHERE e.object_id = t.object_id AND e.type = 2) AS isupdate,
     (SELECT COUNT(*) FROM sys.trigger_events e WHERE e.object_id = t.object_id AND e.type = 3) AS isdelete,
     (SELECT COUNT(*) FROM sys.trigger_events e WHERE e.object_id = t.object_id AND e.type = 1) AS isinsert,
-    1 AS isafter, 0 AS isinsteadof, CAST('dbo' AS nvarchar(128)) AS trigger_schema
+    1 AS isafter, 0 AS isinsteadof, OBJECT_SCHEMA_NAME(t.object_id) AS trigger_schema
   FROM sys.triggers t WHERE t.parent_id = @id) h
 WHERE @triggertype IS NULL OR CASE @triggertype WHEN 'UPDATE' THEN isupdate WHEN 'DELETE' THEN isdelete ELSE isinsert END = 1
 ORDER BY trigger_name)";

@@ -62,8 +62,8 @@ class SelectTranslator {
   void AddItems();
   void AddItem(const SelectItem& item);
   void AddIdentity(const SelectItem& item, const IdentityCall& call);
-  /// Whether the column counts in a table that is made of the one that it is of.
-  [[nodiscard]] bool KeepsIdentity(const Expression& expression) const;
+  /// The identity column of the only table, when it has that name and SELECT … INTO may keep it; else nullptr.
+  [[nodiscard]] const Column* IdentityNamed(const std::string& name) const;
   /// Lets the base rows go along, for a change through this query.
   void ExposeRows();
   [[nodiscard]] std::string List(bool distinct) const;
@@ -127,7 +127,12 @@ void SelectTranslator::AddItems() {
   const NumbersAt numbers(translation_, grouped ? NumberPlace::kClause : numbers_of_items_);
   for (const SelectItem& item : select_.items) {
     if (const auto* star = As<Star>(*item.expression)) {
+      const std::size_t first = result_.columns.size();
       ExpandStar(*star, scope_, values_, result_.columns);
+      for (std::size_t i = first; i < result_.columns.size(); ++i) {
+        const Column* const identity = IdentityNamed(result_.columns[i].name);
+        result_.columns[i].identity = identity != nullptr && identity->increment == 0;
+      }
       continue;
     }
     const auto* identity = As<IdentityCall>(*item.expression);
@@ -147,7 +152,12 @@ void SelectTranslator::AddItem(const SelectItem& item) {
   values_.push_back(translation_.Value(*item.expression, scope_));
   column.type = values_.back().type;
   column.nullable = values_.back().nullable;
-  column.identity = KeepsIdentity(*item.expression);
+  const Column* const identity = reference == nullptr ? nullptr : IdentityNamed(reference->name());
+  if (identity != nullptr && identity->increment != 0) {
+    RaiseUnsupported("SELECT … INTO with an identity that does not count by ones from a number above 0",
+                     item.expression->line);
+  }
+  column.identity = identity != nullptr;
   result_.columns.push_back(std::move(column));
 }
 
@@ -157,19 +167,13 @@ void SelectTranslator::AddIdentity(const SelectItem& item, const IdentityCall& c
   values_.push_back({"row_number() OVER () + " + std::to_string(seed - 1), IntType(), false, -1});
 }
 
-bool SelectTranslator::KeepsIdentity(const Expression& expression) const {
-  const auto* column = As<ColumnReference>(expression);
-  const bool plain = column != nullptr && select_.from.size() == 1 &&
-                     std::holds_alternative<NamedTable>(select_.from[0]->node) && !scope_.sources.empty() &&
-                     !select_.distinct && select_.group_by.empty() && !select_.into.name.empty();
+const Column* SelectTranslator::IdentityNamed(const std::string& name) const {
+  const bool plain = select_.from.size() == 1 && std::holds_alternative<NamedTable>(select_.from[0]->node) &&
+                     !scope_.sources.empty() && !select_.distinct && select_.group_by.empty() &&
+                     !select_.into.name.empty();
   const CatalogObjectPtr table = plain ? scope_.sources[0].table : nullptr;
   const int counts = table == nullptr ? -1 : table->identity_column();
-  if (counts < 0 || counts != table->FindColumn(column->name())) return false;
-  if (table->columns[static_cast<std::size_t>(counts)].increment != 0) {
-    RaiseUnsupported("SELECT … INTO with an identity that does not count by ones from a number above 0",
-                     expression.line);
-  }
-  return true;
+  return counts < 0 || counts != table->FindColumn(name) ? nullptr : &table->columns[static_cast<std::size_t>(counts)];
 }
 
 void SelectTranslator::ExposeRows() {

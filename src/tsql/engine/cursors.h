@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "tsql/engine/evaluate.h"
+#include "tsql/engine/plans/evaluate.h"
 #include "tsql/engine/state/cursor_state.h"
 #include "tsql/engine/state/results.h"
 

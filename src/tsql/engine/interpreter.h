@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "tsql/engine/cursors.h"
-#include "tsql/engine/definitions.h"
-#include "tsql/engine/evaluate.h"
+#include "tsql/engine/definitions/definitions.h"
 #include "tsql/engine/messages.h"
+#include "tsql/engine/plans/evaluate.h"
 #include "tsql/engine/procedures.h"
 #include "tsql/engine/row_statements.h"
 #include "tsql/engine/state/error_state.h"

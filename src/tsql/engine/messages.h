@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "tsql/engine/evaluate.h"
+#include "tsql/engine/plans/evaluate.h"
 #include "tsql/engine/state/error_state.h"
 #include "tsql/engine/state/results.h"
 

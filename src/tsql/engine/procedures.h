@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "tsql/engine/call_arguments.h"
-#include "tsql/engine/definitions.h"
-#include "tsql/engine/evaluate.h"
-#include "tsql/engine/plan_store.h"
+#include "tsql/engine/definitions/definitions.h"
+#include "tsql/engine/plans/evaluate.h"
+#include "tsql/engine/plans/plan_store.h"
 #include "tsql/engine/state/error_state.h"
 #include "tsql/engine/state/results.h"
 #include "tsql/engine/state/session_options.h"

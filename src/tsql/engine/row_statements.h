@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "tsql/engine/bind.h"
-#include "tsql/engine/definitions.h"
-#include "tsql/engine/plan_store.h"
+#include "tsql/engine/definitions/definitions.h"
+#include "tsql/engine/plans/bind.h"
+#include "tsql/engine/plans/plan_store.h"
 #include "tsql/engine/state/results.h"
 #include "tsql/engine/state/transaction.h"
 #include "tsql/engine/triggers.h"

@@ -5,9 +5,9 @@
 #include <cstddef>
 
 #include "tessarlorn/connection.h"
-#include "tsql/engine/bind.h"
 #include "tsql/engine/interpreter.h"
-#include "tsql/engine/plan_store.h"
+#include "tsql/engine/plans/bind.h"
+#include "tsql/engine/plans/plan_store.h"
 #include "tsql/engine/state/error_state.h"
 #include "tsql/engine/state/results.h"
 #include "tsql/engine/state/session_database.h"

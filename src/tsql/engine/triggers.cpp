@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "tsql/engine/table_maker.h"
+#include "tsql/engine/definitions/table_maker.h"
 #include "tsql/storage/constraint_text.h"
 #include "tsql/storage/trigger_rule.h"
 

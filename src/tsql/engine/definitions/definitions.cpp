@@ -1,11 +1,11 @@
-#include "tsql/engine/definitions.h"
+#include "tsql/engine/definitions/definitions.h"
 
 #include <algorithm>
 #include <array>
 #include <utility>
 
 #include "platform/text/text.h"
-#include "tsql/engine/table_maker.h"
+#include "tsql/engine/definitions/table_maker.h"
 #include "tsql/storage/trigger_rule.h"
 #include "tsql/translate/common/function_text.h"
 

@@ -2,8 +2,8 @@
 #include <algorithm>
 
 #include "platform/text/text.h"
-#include "tsql/engine/definitions.h"
-#include "tsql/engine/table_dependents.h"
+#include "tsql/engine/definitions/definitions.h"
+#include "tsql/engine/definitions/table_dependents.h"
 
 namespace tessarlorn::tsql {
 namespace {

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "tsql/engine/activation.h"
-#include "tsql/engine/plan.h"
+#include "tsql/engine/plans/activation.h"
+#include "tsql/engine/plans/plan.h"
 #include "tsql/engine/state/error_state.h"
 #include "tsql/engine/state/session_database.h"
 #include "tsql/engine/state/session_options.h"

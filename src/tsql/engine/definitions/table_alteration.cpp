@@ -1,11 +1,11 @@
-#include "tsql/engine/table_alteration.h"
+#include "tsql/engine/definitions/table_alteration.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "platform/text/text.h"
-#include "tsql/engine/definitions.h"
-#include "tsql/engine/table_dependents.h"
+#include "tsql/engine/definitions/definitions.h"
+#include "tsql/engine/definitions/table_dependents.h"
 #include "tsql/translate/value.h"
 
 namespace tessarlorn::tsql {

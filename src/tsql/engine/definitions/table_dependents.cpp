@@ -1,9 +1,9 @@
-#include "tsql/engine/table_dependents.h"
+#include "tsql/engine/definitions/table_dependents.h"
 
 #include <algorithm>
 
 #include "platform/text/text.h"
-#include "tsql/engine/table_maker.h"
+#include "tsql/engine/definitions/table_maker.h"
 #include "tsql/functions/json/json.h"
 #include "tsql/storage/system_view_parts.h"
 #include "tsql/syntax/token.h"

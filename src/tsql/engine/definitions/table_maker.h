@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tsql/engine/plan_store.h"
+#include "tsql/engine/plans/plan_store.h"
 #include "tsql/storage/constraint_text.h"
 
 namespace tessarlorn::tsql {

@@ -1,4 +1,4 @@
-#include "tsql/engine/bind.h"
+#include "tsql/engine/plans/bind.h"
 
 #include <algorithm>
 #include <optional>

@@ -1,6 +1,6 @@
 // CREATE, ALTER and DROP SCHEMA, and the schemas of what is made.
 #include "platform/text/text.h"
-#include "tsql/engine/definitions.h"
+#include "tsql/engine/definitions/definitions.h"
 
 namespace tessarlorn::tsql {
 

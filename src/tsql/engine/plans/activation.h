@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tsql/engine/plan.h"
+#include "tsql/engine/plans/plan.h"
 #include "tsql/functions/runtime.h"
 
 namespace tessarlorn::tsql {

@@ -3,7 +3,7 @@
 
 #include <memory>
 
-#include "tsql/engine/activation.h"
+#include "tsql/engine/plans/activation.h"
 #include "tsql/engine/state/session_database.h"
 #include "tsql/engine/state/system_values.h"
 

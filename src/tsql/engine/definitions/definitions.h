@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "tsql/engine/evaluate.h"
+#include "tsql/engine/plans/evaluate.h"
 #include "tsql/engine/state/sequence_numbers.h"
 
 namespace tessarlorn::tsql {

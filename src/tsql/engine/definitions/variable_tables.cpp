@@ -1,7 +1,7 @@
 // The table variables of functions, which come and go while the statement that calls runs.
 #include <utility>
 
-#include "tsql/engine/definitions.h"
+#include "tsql/engine/definitions/definitions.h"
 
 namespace tessarlorn::tsql {
 

@@ -1,4 +1,4 @@
-#include "tsql/engine/plan.h"
+#include "tsql/engine/plans/plan.h"
 
 #include <algorithm>
 

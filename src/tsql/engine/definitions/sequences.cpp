@@ -3,7 +3,7 @@
 #include <limits>
 #include <utility>
 
-#include "tsql/engine/definitions.h"
+#include "tsql/engine/definitions/definitions.h"
 #include "tsql/translate/common/function_text.h"
 
 namespace tessarlorn::tsql {

@@ -1,8 +1,8 @@
 // Values and conditions of statements that the session runs itself.
 #pragma once
 
-#include "tsql/engine/bind.h"
-#include "tsql/engine/plan_store.h"
+#include "tsql/engine/plans/bind.h"
+#include "tsql/engine/plans/plan_store.h"
 #include "tsql/engine/state/transaction.h"
 
 namespace tessarlorn::tsql {

@@ -1,4 +1,4 @@
-#include "tsql/engine/plan_store.h"
+#include "tsql/engine/plans/plan_store.h"
 
 #include <utility>
 

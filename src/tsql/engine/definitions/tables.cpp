@@ -1,8 +1,8 @@
 // CREATE TABLE and ALTER TABLE.
 #include <utility>
 
-#include "tsql/engine/definitions.h"
-#include "tsql/engine/table_alteration.h"
+#include "tsql/engine/definitions/definitions.h"
+#include "tsql/engine/definitions/table_alteration.h"
 #include "tsql/translate/value.h"
 
 namespace tessarlorn::tsql {

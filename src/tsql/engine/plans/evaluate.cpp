@@ -1,4 +1,4 @@
-#include "tsql/engine/evaluate.h"
+#include "tsql/engine/plans/evaluate.h"
 
 #include <utility>
 

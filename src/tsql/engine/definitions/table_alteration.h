@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "tsql/engine/evaluate.h"
-#include "tsql/engine/table_maker.h"
+#include "tsql/engine/definitions/table_maker.h"
+#include "tsql/engine/plans/evaluate.h"
 
 namespace tessarlorn::tsql {
 

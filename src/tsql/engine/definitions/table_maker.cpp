@@ -1,11 +1,11 @@
-#include "tsql/engine/table_maker.h"
+#include "tsql/engine/definitions/table_maker.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "platform/text/text.h"
-#include "tsql/engine/definitions.h"
-#include "tsql/engine/table_dependents.h"
+#include "tsql/engine/definitions/definitions.h"
+#include "tsql/engine/definitions/table_dependents.h"
 #include "tsql/syntax/ast_walk.h"
 #include "tsql/syntax/parser.h"
 

@@ -17,19 +17,12 @@ std::string IndexSql(const CatalogObject& table, const std::string& index) {
   return (table.temporary ? "temp." : "main.") + QuoteName(table.table_name() + "." + index);
 }
 
-/// What each DROP drops, and its word for messages, in the order of ObjectKind.
-struct Dropped {
-  std::array<CatalogKind, 3> kinds;
-  const char* word;
-};
-constexpr std::array kDropped = {
-    Dropped{{CatalogKind::kTable, CatalogKind::kTable, CatalogKind::kTable}, "table"},
-    Dropped{{CatalogKind::kView, CatalogKind::kView, CatalogKind::kView}, "view"},
-    Dropped{{CatalogKind::kProcedure, CatalogKind::kProcedure, CatalogKind::kProcedure}, "procedure"},
-    Dropped{{CatalogKind::kFunction, CatalogKind::kTableFunction, CatalogKind::kFilledFunction}, "function"},
-    Dropped{{CatalogKind::kSequence, CatalogKind::kSequence, CatalogKind::kSequence}, "sequence object"},
-    Dropped{{CatalogKind::kTrigger, CatalogKind::kTrigger, CatalogKind::kTrigger}, "trigger"},
-};
+/// Which DROP drops an object, by its CatalogKind.
+constexpr std::array kDroppedAs = {ObjectKind::kTable,    ObjectKind::kView,     ObjectKind::kProcedure,
+                                   ObjectKind::kFunction, ObjectKind::kFunction, ObjectKind::kSequence,
+                                   ObjectKind::kFunction, ObjectKind::kTrigger};
+/// Words for messages, by ObjectKind.
+constexpr std::array kKindWords = {"table", "view", "procedure", "function", "sequence object", "trigger"};
 
 /// Those of a table that a function fills, as those of its rows.
 std::vector<Column> ColumnsOf(const CreateTableStatement& table) {
@@ -251,11 +244,11 @@ void Definitions::CreateFunction(const CreateFunctionStatement& statement, const
 }
 
 void Definitions::Drop(const DropStatement& statement) {
-  const auto& [kinds, word] = kDropped[static_cast<std::size_t>(statement.kind)];
+  const std::string word = kKindWords[static_cast<std::size_t>(statement.kind)];
   for (const ObjectName& name : statement.names) {
     RequireLocal(name);
     const CatalogObjectPtr object = database_.catalog().Find(name.name);
-    if (object == nullptr || std::find(kinds.begin(), kinds.end(), object->kind) == kinds.end()) {
+    if (object == nullptr || kDroppedAs[static_cast<std::size_t>(object->kind)] != statement.kind) {
       if (statement.if_exists) continue;
       throw SqlError(3701,
                      std::string("Cannot drop the ") + word + " '" + name.name +

@@ -197,9 +197,8 @@ void TableAlteration::RequireChecked(const Constraint& check) {
 }
 
 void TableAlteration::RequireReference(const Constraint& reference) {
-  const CatalogObjectPtr other =
-      EqualsIgnoreCase(reference.to, table_.name) ? nullptr : database_.catalog().Find(reference.to);
   const bool own = EqualsIgnoreCase(reference.to, table_.name);
+  const CatalogObjectPtr other = own ? nullptr : database_.catalog().Find(reference.to);
   if (!own && (other == nullptr || other->kind != CatalogKind::kTable)) {
     throw SqlError(1767, "Foreign key '" + reference.name + "' references invalid table '" + reference.to + "'.");
   }

@@ -5,20 +5,9 @@
 #include <utility>
 
 #include "tsql/storage/constraint_text.h"
+#include "tsql/syntax/ast_walk.h"
 
 namespace tessarlorn::tsql {
-namespace {
-
-const Output* OutputClauseOf(const Statement& statement) {
-  if (const auto* insert = As<InsertStatement>(statement)) return &insert->output;
-  if (const auto* update = As<UpdateStatement>(statement)) return &update->rows.output;
-  if (const auto* removal = As<DeleteStatement>(statement)) return &removal->rows.output;
-  if (const auto* merge = As<MergeStatement>(statement)) return &merge->output;
-  return nullptr;
-}
-
-}  // namespace
-
 void RowStatements::NoteChange(const Compiled& change) {
   if (results_.row_count() == 0) return;
   if (!change.identity_table.empty()) transaction_.NoteIdentity(change.identity_table);

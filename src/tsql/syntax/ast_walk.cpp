@@ -107,4 +107,12 @@ void ForEachChild(const Statement& statement, const std::function<void(const Sta
   }
 }
 
+const Output* OutputClauseOf(const Statement& statement) {
+  if (const auto* insert = As<InsertStatement>(statement)) return &insert->output;
+  if (const auto* update = As<UpdateStatement>(statement)) return &update->rows.output;
+  if (const auto* removal = As<DeleteStatement>(statement)) return &removal->rows.output;
+  if (const auto* merge = As<MergeStatement>(statement)) return &merge->output;
+  return nullptr;
+}
+
 }  // namespace tessarlorn::tsql

@@ -19,4 +19,7 @@ bool AnyOperand(const Expression& expression, const std::function<bool(const Exp
 /// Hands over the statements that stand right within another one: branches, bodies, the EXEC of an INSERT.
 void ForEachChild(const Statement& statement, const std::function<void(const Statement&)>& visit);
 
+/// The OUTPUT of a change, without items where there is none; nullptr for any other statement.
+const Output* OutputClauseOf(const Statement& statement);
+
 }  // namespace tessarlorn::tsql

@@ -69,15 +69,6 @@ bool AnswersRows(const Statement& statement) {
   return query != nullptr && (select == nullptr || select->items[0].variable.empty());
 }
 
-bool HasOutput(const Statement& statement) {
-  const auto* insert = As<InsertStatement>(statement);
-  const auto* update = As<UpdateStatement>(statement);
-  const auto* removal = As<DeleteStatement>(statement);
-  return (insert != nullptr && !insert->output.items.empty()) ||
-         (update != nullptr && !update->rows.output.items.empty()) ||
-         (removal != nullptr && !removal->rows.output.items.empty());
-}
-
 /// Raises 443 and 444, and 11719 for NEXT VALUE FOR.
 void CheckFunctionStatement(const Statement& statement, bool scalar) {
   const auto raise = [&](SqlError error) {
@@ -98,7 +89,8 @@ void CheckFunctionStatement(const Statement& statement, bool scalar) {
     }
   }
   // They need tables that SQLite does not drop while a statement runs.
-  if (As<MergeStatement>(statement) != nullptr || HasOutput(statement)) {
+  const Output* const output = OutputClauseOf(statement);
+  if (As<MergeStatement>(statement) != nullptr || (output != nullptr && !output->items.empty())) {
     RaiseUnsupported("MERGE or OUTPUT within a function", statement.line);
   }
   ForEachChild(statement, [&](const Statement& child) { CheckFunctionStatement(child, scalar); });

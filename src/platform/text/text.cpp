@@ -149,9 +149,8 @@ std::string LowerCase(std::string_view text) {
   return ConvertCase(text, [](char32_t c) { return ToLower(c); });
 }
 
-bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() &&
-         std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return AsciiLower(x) == AsciiLower(y); });
+bool EqualsOfOneLength(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return AsciiLower(x) == AsciiLower(y); });
 }
 
 bool StartsWithIgnoreCase(std::string_view text, std::string_view prefix) {
@@ -191,9 +190,10 @@ std::string ReplaceAll(std::string_view text, std::string_view from, std::string
   return result.append(text);
 }
 
-std::string Quoted(std::string_view text, char open, char close) {
+std::string Quoted(std::string_view text, char open, char close, std::string_view prefix) {
   std::string quoted;
-  quoted.reserve(text.size() + 2);
+  quoted.reserve(prefix.size() + text.size() + 2);
+  quoted += prefix;
   quoted += open;
   for (;;) {
     const std::size_t end = text.find(close);

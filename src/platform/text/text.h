@@ -28,8 +28,12 @@ char32_t ToUpper(char32_t character);
 char32_t ToLower(char32_t character);
 std::string UpperCase(std::string_view text);
 std::string LowerCase(std::string_view text);
+/// EqualsIgnoreCase for texts of one length.
+bool EqualsOfOneLength(std::string_view a, std::string_view b);
 /// ASCII letters only; for keywords and names.
-bool EqualsIgnoreCase(std::string_view a, std::string_view b);
+inline bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && EqualsOfOneLength(a, b);
+}
 bool StartsWithIgnoreCase(std::string_view text, std::string_view prefix);
 /// Position of `needle` without regard to ASCII case, or npos.
 std::size_t FindIgnoreCase(std::string_view text, std::string_view needle);
@@ -40,8 +44,8 @@ std::string_view Trim(std::string_view text);
 std::vector<std::string_view> Split(std::string_view text, char separator);
 /// `text` with every `from` replaced by `to`.
 std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to);
-/// The text between two signs. `close` is doubled within.
-std::string Quoted(std::string_view text, char open, char close);
+/// The text between two signs behind a prefix. `close` is doubled within the text.
+std::string Quoted(std::string_view text, char open, char close, std::string_view prefix = {});
 /// The text with a blank for each control character, so that it stays on its line.
 std::string OnOneLine(std::string_view text);
 

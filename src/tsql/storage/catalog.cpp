@@ -52,7 +52,7 @@ std::int64_t TemporaryVersion(sqlite3* database) {
 
 }  // namespace
 
-std::string QuoteName(std::string_view name) { return Quoted(name, '"', '"'); }
+std::string QuoteName(std::string_view name, std::string_view prefix) { return Quoted(name, '"', '"', prefix); }
 
 std::string QuoteText(std::string_view text) { return Quoted(text, '\'', '\''); }
 

@@ -104,7 +104,7 @@ constexpr std::string_view kNullKeySuffix = "$null";
 constexpr std::string_view kUniqueKeyPrefix = "$unique";
 
 /// `name` in double quotes, as SQLite reads it.
-std::string QuoteName(std::string_view name);
+std::string QuoteName(std::string_view name, std::string_view prefix = {});
 /// The parts of "main.dbo.[a b]", without their brackets or quotes; at least one.
 std::vector<std::string> NameParts(std::string_view name);
 /// The name that such parts are of, "" for none.

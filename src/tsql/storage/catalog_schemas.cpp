@@ -17,8 +17,9 @@ const std::string* Catalog::FindSchema(std::string_view name) const {
 
 std::string Catalog::Meant(const ObjectName& name, const std::string& schema) const {
   const bool open = !schema.empty() && name.qualifier.empty() && name.schema.empty() && !name.temporary();
+  if (!open) return name.name;
   std::string own = schema + "." + name.name;
-  return open && Find(own) != nullptr ? own : name.name;
+  return Find(own) == nullptr ? name.name : own;
 }
 
 void Catalog::FindSchemaOf(CatalogObject& object) const {

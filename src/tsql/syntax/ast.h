@@ -58,13 +58,11 @@ struct GlobalReference {
   std::string name;  // "@@rowcount" in lower case
 };
 
+/// [[schema.]qualifier.]name
 struct ColumnReference {
-  std::vector<std::string> parts;  // [[schema.]table.]column, one to three
-  [[nodiscard]] const std::string& name() const { return parts.back(); }
-  /// The table or alias before the column, "" when none.
-  [[nodiscard]] std::string qualifier() const { return parts.size() > 1 ? parts[parts.size() - 2] : std::string(); }
-  /// The schema before that, "" when none.
-  [[nodiscard]] std::string schema() const { return parts.size() > 2 ? parts[parts.size() - 3] : std::string(); }
+  std::string name;
+  std::string qualifier = {};  // the table or alias, "" when none
+  std::string schema = {};     // "" when none
 };
 
 /// `*`, `table.*` or `schema.table.*`: only in a select list, and as the argument of COUNT.

@@ -135,7 +135,13 @@ class Parser {
   std::vector<OrderItem> ParseOrderItems();
   void RequireCondition(const Expression& expression) const;
   void RequireValue(const Expression& expression) const;
-  static ExpressionPtr MakeExpression(std::uint32_t line, ExpressionNode node);
+  template <typename Node>
+  static ExpressionPtr MakeExpression(std::uint32_t line, Node node) {
+    auto expression = std::make_unique<Expression>();
+    expression->line = line;
+    expression->node.template emplace<Node>(std::move(node));
+    return expression;
+  }
 
   // parser_call.cpp
   ExpressionPtr ParseCase();

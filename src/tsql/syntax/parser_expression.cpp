@@ -84,13 +84,6 @@ bool IsComparison(Op op) {
 
 }  // namespace
 
-ExpressionPtr Parser::MakeExpression(std::uint32_t line, ExpressionNode node) {
-  auto expression = std::make_unique<Expression>();
-  expression->line = line;
-  expression->node = std::move(node);
-  return expression;
-}
-
 void Parser::RequireCondition(const Expression& expression) const {
   if (IsCondition(expression)) return;
   const std::string_view near = AtEnd() && position_ > 0 ? tokens_[position_ - 1].text : Peek().text;
@@ -396,24 +389,26 @@ ExpressionPtr Parser::ParseParens() {
 ExpressionPtr Parser::ParseColumn() {
   if (At(Op::kLeftParen, 1) && AtName()) return ParseCall();
   const std::uint32_t line = Peek().line;
-  ColumnReference column;
-  column.parts.push_back(ParseName());
+  ColumnReference column{ParseName()};
+  // db..table.column: the schema may be left out, and the database tells nothing here.
+  std::string database;
   bool left_out = false;
   while (Accept(Op::kDot)) {
-    // db..table.column: the schema may be left out, and the database tells nothing here.
     left_out = left_out || At(Op::kDot);
-    if (!At(Op::kDot)) column.parts.push_back(ParseName());
+    if (At(Op::kDot)) continue;
+    if (!database.empty()) Fail();
+    database = std::exchange(column.schema, std::exchange(column.qualifier, std::exchange(column.name, ParseName())));
   }
   if (At(Op::kLeftParen)) {
     FunctionCall call;
-    call.name = std::move(column.parts.back());
-    column.parts.pop_back();
-    for (const std::string& part : column.parts) call.qualifier += (call.qualifier.empty() ? "" : ".") + part;
+    call.name = std::move(column.name);
+    for (const std::string* part : {&database, &column.schema, &column.qualifier}) {
+      if (!part->empty()) call.qualifier += (call.qualifier.empty() ? "" : ".") + *part;
+    }
     call.arguments = ParseFunctionArguments();
     return MakeExpression(line, std::move(call));
   }
-  if (column.parts.size() > 4) Fail();
-  if (column.parts.size() == 4 || (left_out && column.parts.size() == 3)) column.parts.erase(column.parts.begin());
+  if (left_out && database.empty()) column.schema.clear();
   return MakeExpression(line, std::move(column));
 }
 

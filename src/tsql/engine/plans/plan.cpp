@@ -99,6 +99,10 @@ TextTemplate MakeTemplate(std::span<const Token> tokens) {
   TextTemplate result;
   const char* begin = tokens.front().text.data();
   if (tokens.front().kind != TokenKind::kWord) return {};
+  const auto literals =
+      std::count_if(tokens.begin(), tokens.end(), [](const Token& token) { return IsLiteral(token.kind); });
+  result.segments.reserve(static_cast<std::size_t>(literals) + 1);
+  result.literals.reserve(static_cast<std::size_t>(literals));
   for (const Token& token : tokens) {
     if (token.kind == TokenKind::kList || token.kind == TokenKind::kBinary) return {};
     if (!IsLiteral(token.kind)) continue;
@@ -209,51 +213,114 @@ bool KeepsText(const Statement& statement) {
 
 std::uint64_t PlanCache::Key(std::span<const std::uint64_t> shape) {
   std::uint64_t key = 0x9e3779b97f4a7c15ULL;
-  for (std::size_t i = 0; i < std::min(kKeyTokens, shape.size()); ++i) {
-    key = (key ^ shape[i]) * 0xff51afd7ed558ccdULL;
+  for (const std::uint64_t token : shape) {
+    key = (key ^ token) * 0xff51afd7ed558ccdULL;
     key ^= key >> 32;
   }
   return key;
 }
 
-std::shared_ptr<Plan> PlanCache::Find(const Batch& batch, std::span<const std::uint64_t> shape, std::size_t begin,
-                                      std::size_t first_literal) {
-  const auto found = plans_.find(Key(shape.subspan(begin)));
+std::uint64_t PlanCache::BeginningKey(std::span<const std::uint64_t> shape) {
+  return Key(shape.first(std::min(kKeyTokens, shape.size())));
+}
+
+void PlanCache::Clear() {
+  for (const auto& [key, entries] : plans_) {
+    for (const Entry& entry : entries) entry.plan->keeping = Keeping::kNot;
+  }
+  plans_.clear();
+  beginnings_.clear();
+  new_.clear();
+  former_.clear();
+  new_load_ = established_load_ = {};
+}
+
+PlanCache::PlanPtr PlanCache::Find(const Batch& batch, std::span<const std::uint64_t> shape, std::size_t begin,
+                                   std::size_t first_literal) {
+  const std::span<const std::uint64_t> rest = shape.subspan(begin);
+  const auto found = plans_.find(BeginningKey(rest));
   if (found == plans_.end()) return nullptr;
-  for (std::size_t i = 0; i < found->second.size(); ++i) {
-    const std::shared_ptr<Plan>& plan = found->second[i];
-    const std::size_t size = plan->shape.size();
-    if (size > shape.size() - begin || !EndsStatement(batch.tokens.tokens[begin + size])) continue;
-    if (!std::equal(plan->shape.begin(), plan->shape.end(), shape.begin() + static_cast<std::ptrdiff_t>(begin)))
+  std::size_t size = 0;
+  std::uint64_t key = 0;
+  bool ends = false;
+  for (const Entry& entry : found->second) {
+    if (entry.size > rest.size()) continue;
+    if (entry.size != size) {
+      size = entry.size;
+      ends = EndsStatement(batch.tokens.tokens[begin + size]);
+      key = ends ? Key(rest.first(size)) : 0;
+    }
+    if (!ends || entry.key != key || !std::equal(entry.plan->shape.begin(), entry.plan->shape.end(), rest.begin()))
       continue;
-    if (!Serves(*plan, std::span<const Token>(batch.literals).subspan(first_literal))) continue;
-    plan->last_used = ++clock_;
-    if (i > 0) std::swap(found->second[i], found->second[i - 1]);
-    return found->second[i > 0 ? i - 1 : 0];
+    if (!Serves(*entry.plan, std::span<const Token>(batch.literals).subspan(first_literal))) continue;
+    Use(entry.plan);
+    return entry.plan;
   }
   return nullptr;
 }
 
-void PlanCache::Keep(const std::shared_ptr<Plan>& plan) {
+void PlanCache::Use(const PlanPtr& plan) {
+  plan->last_used = ++clock_;
+  if (plan->keeping != Keeping::kNew) return;
+  plan->keeping = Keeping::kEstablished;
+  std::erase(new_, plan);
+  new_load_.Remove(*plan);
+  established_load_.Add(*plan);
+}
+
+void PlanCache::Keep(const PlanPtr& plan) {
   // A very large one is hardly met again.
   if (plan->shape.size() > kMostTokens / 20) return;
-  ++count_;
-  tokens_ += plan->shape.size();
-  while (count_ > kMostPlans || tokens_ > kMostTokens) {
-    // Let those go that were not used for longest: half of what `kMostPlans` last uses can be, and half again.
-    const std::uint64_t limit = clock_ - std::min<std::uint64_t>(clock_, count_ / 2);
-    count_ = 1;
-    tokens_ = plan->shape.size();
-    for (auto& [key, plans] : plans_) {
-      std::erase_if(plans, [&](const std::shared_ptr<Plan>& old) { return old->last_used < limit; });
-      count_ += plans.size();
-      for (const std::shared_ptr<Plan>& kept : plans) tokens_ += kept->shape.size();
-    }
-    std::erase_if(plans_, [](const auto& entry) { return entry.second.empty(); });
-    std::erase_if(beginnings_, [](const auto& entry) { return entry.second.expired(); });
-  }
+  const std::uint64_t key = Key(plan->shape);
   plan->last_used = ++clock_;
-  plans_[Key(plan->shape)].push_back(plan);
+  plan->keeping = former_.erase(key) > 0 ? Keeping::kEstablished : Keeping::kNew;
+  plans_[BeginningKey(plan->shape)].push_back({plan->shape.size(), key, plan});
+  if (plan->keeping == Keeping::kNew) {
+    new_.push_back(plan);
+    new_load_.Add(*plan);
+  } else {
+    established_load_.Add(*plan);
+  }
+  TrimNew();
+  TrimEstablished();
+}
+
+void PlanCache::Forget(Plan& plan) {
+  plan.keeping = Keeping::kNot;
+  const auto found = plans_.find(BeginningKey(plan.shape));
+  std::erase_if(found->second, [&](const Entry& entry) { return entry.plan.get() == &plan; });
+  if (found->second.empty()) plans_.erase(found);
+}
+
+void PlanCache::TrimNew() {
+  while (new_load_.plans > kMostNewPlans || new_load_.tokens > kMostNewTokens) {
+    const PlanPtr oldest = std::move(new_.front());
+    new_.pop_front();
+    new_load_.Remove(*oldest);
+    if (former_.size() == kMostFormer) former_.clear();
+    former_.insert(Key(oldest->shape));
+    Forget(*oldest);
+  }
+  if (beginnings_.size() <= 2 * (kMostPlans + kMostNewPlans)) return;
+  std::erase_if(beginnings_, [](const auto& entry) { return entry.second.expired(); });
+}
+
+void PlanCache::TrimEstablished() {
+  while (established_load_.plans > kMostPlans || established_load_.tokens > kMostTokens) {
+    std::vector<PlanPtr> plans;
+    for (const auto& [key, entries] : plans_) {
+      for (const Entry& entry : entries) {
+        if (entry.plan->keeping == Keeping::kEstablished) plans.push_back(entry.plan);
+      }
+    }
+    const auto half = plans.begin() + static_cast<std::ptrdiff_t>((plans.size() + 1) / 2);
+    std::nth_element(plans.begin(), half, plans.end(),
+                     [](const PlanPtr& a, const PlanPtr& b) { return a->last_used < b->last_used; });
+    for (auto plan = plans.begin(); plan != half; ++plan) {
+      established_load_.Remove(**plan);
+      Forget(**plan);
+    }
+  }
 }
 
 std::size_t PlanCache::ParseKnown(std::string_view text, Batch& batch) {
@@ -269,7 +336,7 @@ std::size_t PlanCache::ParseKnown(std::string_view text, Batch& batch) {
       batch.literals.resize(first_literal);
       break;
     }
-    plan->last_used = ++clock_;
+    Use(plan);
     batch.starts.emplace_back(first_literal, batch.lists.size());
     batch.statements.push_back({plan, {}, {}});
     if (batch.tokens.memory != nullptr) {
@@ -322,7 +389,7 @@ void PlanCache::ParseTokens(std::string_view text, Batch& batch) {
       continue;
     }
     const std::size_t first_literal = literals_before_[begin];
-    std::shared_ptr<Plan> plan = Find(batch, shape, begin, first_literal);
+    PlanPtr plan = Find(batch, shape, begin, first_literal);
     std::size_t end = begin;
     if (plan != nullptr) {
       end = begin + plan->shape.size();

@@ -3,11 +3,13 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -27,6 +29,9 @@ struct TextTemplate {
   std::vector<std::string> segments;
   std::vector<Literal> literals;
 };
+
+/// How the cache holds a plan. New: its statement came once.
+enum class Keeping : std::uint8_t { kNot, kNew, kEstablished };
 
 /// A top-level statement, parsed, with what was compiled of it so far.
 struct Plan {
@@ -56,6 +61,7 @@ struct Plan {
   /// The table whose identity column could be given when it was compiled.
   std::string identity_insert;
   std::uint64_t last_used = 0;
+  Keeping keeping = Keeping::kNot;
   /// By the node of the tree that it was made from.
   std::unordered_map<const void*, std::unique_ptr<Compiled>> compiled;
 };
@@ -67,8 +73,8 @@ struct BatchStatement {
   std::span<const Token> lists;
 };
 
-/// Cuts batches into statements, remembering the plans of those seen before. Keeps at most `kMostPlans`, of
-/// `kMostTokens` in all.
+/// Cuts batches into statements, remembering the plans of those seen before. Most statements that come once never come
+/// again: their plans are let go soon, and do not push out those in use. One that comes again stays.
 class PlanCache {
  public:
   explicit PlanCache(NameTable& names) : names_(names) {}
@@ -84,29 +90,53 @@ class PlanCache {
     std::vector<std::pair<std::size_t, std::size_t>> starts;
   };
   void Parse(std::string_view text, Batch& batch);
-  void Clear() {
-    plans_.clear();
-    beginnings_.clear();
-    count_ = tokens_ = 0;
-  }
+  void Clear();
 
+  /// Of those that came again.
   static constexpr std::size_t kMostPlans = 1000;
   static constexpr std::size_t kMostTokens = 200'000;
+  /// Of those that came once.
+  static constexpr std::size_t kMostNewPlans = 64;
+  static constexpr std::size_t kMostNewTokens = 50'000;
+  /// Of those let go, which are known when they come again.
+  static constexpr std::size_t kMostFormer = 20'000;
 
  private:
-  std::shared_ptr<Plan> Find(const Batch& batch, std::span<const std::uint64_t> shape, std::size_t begin,
-                             std::size_t first_literal);
-  void Keep(const std::shared_ptr<Plan>& plan);
+  using PlanPtr = std::shared_ptr<Plan>;
+  struct Entry {
+    std::size_t size = 0;   // of the shape
+    std::uint64_t key = 0;  // of the shape
+    PlanPtr plan;
+  };
+  struct Load {
+    std::size_t plans = 0;
+    std::size_t tokens = 0;
+    void Add(const Plan& plan) { ++plans, tokens += plan.shape.size(); }
+    void Remove(const Plan& plan) { --plans, tokens -= plan.shape.size(); }
+  };
+
+  PlanPtr Find(const Batch& batch, std::span<const std::uint64_t> shape, std::size_t begin, std::size_t first_literal);
+  void Keep(const PlanPtr& plan);
+  /// Notes that the plan was asked for again.
+  void Use(const PlanPtr& plan);
+  /// Lets the oldest of the new ones go while they are too many.
+  void TrimNew();
+  /// Lets those go that were not used for longest while the established ones are too many.
+  void TrimEstablished();
+  void Forget(Plan& plan);
   /// Takes the statements at the text's beginning that are known by their text; answers where the others begin.
   std::size_t ParseKnown(std::string_view text, Batch& batch);
   void ParseTokens(std::string_view text, Batch& batch);
   static std::uint64_t Key(std::span<const std::uint64_t> shape);
+  static std::uint64_t BeginningKey(std::span<const std::uint64_t> shape);
 
   NameTable& names_;
-  std::unordered_map<std::uint64_t, std::vector<std::shared_ptr<Plan>>> plans_;
+  std::unordered_map<std::uint64_t, std::vector<Entry>> plans_;        // by the key of their first tokens
   std::unordered_map<std::uint64_t, std::weak_ptr<Plan>> beginnings_;  // by how a batch begins
-  std::size_t count_ = 0;
-  std::size_t tokens_ = 0;
+  std::deque<PlanPtr> new_;
+  std::unordered_set<std::uint64_t> former_;  // keys of shapes
+  Load new_load_;
+  Load established_load_;
   std::uint64_t clock_ = 0;
   std::vector<std::uint64_t> shape_;
   std::vector<std::uint32_t> literals_before_;

@@ -30,18 +30,18 @@ const Column& Assignments::ColumnOf(const Assignment& assignment) {
   std::string name = assignment.column.back();
   if (clauses_.target.through_query) {
     const std::string& alias = clauses_.target.alias;
-    const std::vector<SourceColumn>& columns = SourceOf(clauses_).columns;
-    const auto found = std::find_if(columns.begin(), columns.end(),
-                                    [&](const SourceColumn& column) { return EqualsIgnoreCase(column.name, name); });
-    if (found == columns.end()) RaiseNoColumn(name);
-    if (found->row < 0) {
+    const Source& source = SourceOf(clauses_);
+    const std::size_t position = source.Find(name);
+    if (position == source.size()) RaiseNoColumn(name);
+    const SourceColumn found = source.At(position);
+    if (found.row < 0) {
       throw SqlError(4406, "Update or insert of view or function '" + alias +
                                "' failed because it contains a derived or constant field.");
     }
-    if (row_ >= 0 && row_ != found->row) RaiseSeveralTables(alias);
-    row_ = found->row;
+    if (row_ >= 0 && row_ != found.row) RaiseSeveralTables(alias);
+    row_ = found.row;
     ChooseRow(clauses_, static_cast<std::size_t>(row_));
-    name = found->base;
+    name = found.base;
   }
   const CatalogObject& table = *clauses_.target.table;
   return table.columns[static_cast<std::size_t>(RequireColumn(table, name))];

@@ -68,7 +68,7 @@ Clauses MergeTranslator::ClausesOf(Match match) const {
       clauses.scope.sources = both_.sources;
       // OUTPUT may name the source.
       for (std::size_t i = target_scope_.sources.size(); i < both_.sources.size(); ++i) {
-        for (SourceColumn& column : clauses.scope.sources[i].columns) column.sql = "NULL";
+        for (SourceColumn& column : clauses.scope.sources[i].OwnColumns()) column.sql = "NULL";
       }
       clauses.from = " FROM " + target_sql_;
       clauses.where =

@@ -16,7 +16,7 @@ constexpr std::array kActions = {"UPDATE", "DELETE", "INSERT"};
 std::string QualifierOf(const Expression& expression) {
   if (const auto* star = As<Star>(expression)) return star->table;
   const auto* column = As<ColumnReference>(expression);
-  return column == nullptr ? "" : column->qualifier();
+  return column == nullptr ? "" : column->qualifier;
 }
 
 bool HasOther(const Expression& expression, const char* rows) {
@@ -32,7 +32,7 @@ void AddOutput(Translation& translation, const SelectItem& item, Scope& scope, s
   values.push_back(translation.Value(*item.expression, scope));
   const auto* column = As<ColumnReference>(*item.expression);
   const bool named = item.alias.empty() && column != nullptr;
-  columns.push_back({named ? column->name() : item.alias, values.back().type, values.back().nullable});
+  columns.push_back({named ? column->name : item.alias, values.back().type, values.back().nullable});
 }
 
 /// The rows that OUTPUT names, with the columns of the target: those of the table, or of the query that stands for it.
@@ -48,7 +48,9 @@ Source RowsOf(const char* name, const Clauses& clauses, const Value& value) {
     }
     return source;
   }
-  for (const SourceColumn& shown : SourceOf(clauses).columns) {
+  const Source& target = SourceOf(clauses);
+  for (std::size_t i = 0; i < target.size(); ++i) {
+    const SourceColumn shown = target.At(i);
     if (shown.row != clauses.target.base_row) continue;
     const Column& column = table.columns[static_cast<std::size_t>(table.FindColumn(shown.base))];
     source.columns.push_back({shown.name, column.type, true, value(column)});
@@ -105,7 +107,7 @@ std::string StagedChange::OutputOf(Kind kind, const Clauses& clauses, const std:
   for (const SelectItem& item : output_.items) {
     const auto* star = As<Star>(*item.expression);
     const auto* name = As<ColumnReference>(*item.expression);
-    if (name != nullptr && name->parts.size() == 1 && EqualsIgnoreCase(name->name(), "$action")) {
+    if (name != nullptr && name->qualifier.empty() && EqualsIgnoreCase(name->name, "$action")) {
       values.push_back({QuoteText(kActions[static_cast<std::size_t>(kind)]), NVarCharType(10), false, -1});
       columns.push_back({item.alias.empty() ? "$action" : item.alias, NVarCharType(10), false});
       continue;

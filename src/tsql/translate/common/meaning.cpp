@@ -31,7 +31,7 @@ struct OwnPart {
   }
   std::string operator()(const VariableReference& node) const { return node.name; }
   std::string operator()(const GlobalReference& node) const { return node.name; }
-  std::string operator()(const ColumnReference& node) const { return LowerCase(node.name()); }
+  std::string operator()(const ColumnReference& node) const { return LowerCase(node.name); }
   std::string operator()(const Star& node) const { return LowerCase(node.table); }
   std::string operator()(const UnaryOperation& node) const { return Number(node.op); }
   std::string operator()(const BinaryOperation& node) const { return Number(node.op); }

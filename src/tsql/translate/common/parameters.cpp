@@ -158,22 +158,23 @@ Compiled Parameters::Part(const std::string& sql) const {
   // SQLite looks for a numbered parameter among all others, so each gets its number from its place instead.
   Compiled compiled;
   compiled.sql.reserve(sql.size());
-  char quote = '\0';
-  for (std::size_t i = 0; i < sql.size(); ++i) {
-    const char c = sql[i];
-    compiled.sql += c;
-    if (quote != '\0') {
-      if (c == quote) quote = '\0';
-    } else if (c == '\'' || c == '"') {
-      quote = c;
+  std::size_t copied = 0;
+  std::size_t i = 0;
+  while (i < sql.size()) {
+    const char c = sql[i++];
+    if (c == '\'' || c == '"') {
+      i = std::min(sql.find(c, i), sql.size() - 1) + 1;
     } else if (c == '?') {
+      compiled.sql.append(sql, copied, i - copied);
       std::size_t number = 0;
-      for (; i + 1 < sql.size() && sql[i + 1] >= '0' && sql[i + 1] <= '9'; ++i) {
-        number = number * 10 + static_cast<std::size_t>(sql[i + 1] - '0');
+      for (; i < sql.size() && sql[i] >= '0' && sql[i] <= '9'; ++i) {
+        number = number * 10 + static_cast<std::size_t>(sql[i] - '0');
       }
       compiled.parameters.push_back(parameters_.at(number - 1));
+      copied = i;
     }
   }
+  compiled.sql.append(sql, copied, std::string::npos);
   return compiled;
 }
 

@@ -10,7 +10,7 @@ namespace {
 
 struct Found {
   const Source* source = nullptr;
-  const SourceColumn* column = nullptr;
+  std::size_t column = 0;
   bool qualifier_known = false;
 };
 
@@ -23,19 +23,18 @@ bool IsNamed(const Source& source, const std::string& schema, const std::string&
 
 /// Looks in one level. Raises 209 for two of the name.
 Found FindInLevel(const Scope& level, const ColumnReference& reference) {
-  const std::string& name = reference.name();
-  const std::string qualifier = reference.qualifier();
-  const std::string schema = reference.schema();
+  const std::string& name = reference.name;
+  const std::string& qualifier = reference.qualifier;
+  const std::string& schema = reference.schema;
   Found found;
   for (std::size_t i = level.visible_from; i < level.sources.size(); ++i) {
     const Source& source = level.sources[i];
     if (!qualifier.empty() && !IsNamed(source, schema, qualifier)) continue;
     if (!qualifier.empty()) found.qualifier_known = true;
-    for (const SourceColumn& column : source.columns) {
-      if (!EqualsIgnoreCase(column.name, name)) continue;
-      if (found.column != nullptr) throw SqlError(209, "Ambiguous column name '" + name + "'.");
-      found.column = &column;
+    for (std::size_t column = source.Find(name); column < source.size(); column = source.Find(name, column + 1)) {
+      if (found.source != nullptr) throw SqlError(209, "Ambiguous column name '" + name + "'.");
       found.source = &source;
+      found.column = column;
     }
   }
   return found;
@@ -48,8 +47,31 @@ Found FindInLevel(const Scope& level, const ColumnReference& reference) {
 
 }  // namespace
 
+SourceColumn Source::At(std::size_t i) const {
+  if (HasOwnColumns()) return columns[i];
+  const Column& column = table->columns[i];
+  return {column.name, column.type, optional || column.nullable};
+}
+
+std::size_t Source::Find(const std::string& name, std::size_t begin) const {
+  const auto find = [&](const auto& all) {
+    while (begin < all.size() && !EqualsIgnoreCase(all[begin].name, name)) ++begin;
+    return begin;
+  };
+  return HasOwnColumns() ? find(columns) : find(table->columns);
+}
+
+std::vector<SourceColumn>& Source::OwnColumns() {
+  if (!HasOwnColumns()) {
+    std::vector<SourceColumn> own;
+    for (std::size_t i = 0; i < size(); ++i) own.push_back(At(i));
+    columns = std::move(own);
+  }
+  return columns;
+}
+
 std::string SqlOf(const Source& source, const SourceColumn& column) {
-  return column.sql.empty() ? source.prefix + QuoteName(column.name) : column.sql;
+  return column.sql.empty() ? QuoteName(column.name, source.prefix) : column.sql;
 }
 
 void AddSource(Scope& scope, Source source) {
@@ -72,44 +94,47 @@ Source BareSource(std::string alias, const CatalogObject& table) {
 }
 
 Typed FindColumn(const ColumnReference& column, const Scope& scope, bool in_aggregate) {
-  const std::string& name = column.name();
-  const std::string qualifier = column.qualifier();
+  const std::string& name = column.name;
+  const std::string& qualifier = column.qualifier;
   bool qualifier_known = false;
   for (const Scope* level = &scope; level != nullptr && !qualifier_known; level = level->parent) {
     const Found found = FindInLevel(*level, column);
     qualifier_known = found.qualifier_known;
-    if (found.column == nullptr) continue;
-    std::string sql = SqlOf(*found.source, *found.column);
-    const SqlType& type = found.column->type;
+    if (found.source == nullptr) continue;
+    const SourceColumn meant = found.source->At(found.column);
+    std::string sql = SqlOf(*found.source, meant);
+    const SqlType& type = meant.type;
     if (level->check_grouping && !in_aggregate && !level->group_columns.contains(sql)) {
-      RaiseNotGrouped(found.source->alias + "." + found.column->name, level->clause);
+      RaiseNotGrouped(found.source->alias + "." + meant.name, level->clause);
     }
     if (!in_aggregate && level->absent.contains(sql)) return {"NULL", type, true, -1};
     if (level->captured != nullptr) {
       level->captured->push_back(std::move(sql));
-      return {"\"$row\".c" + std::to_string(level->captured->size()), type, found.column->nullable, -1};
+      return {"\"$row\".c" + std::to_string(level->captured->size()), type, meant.nullable, -1};
     }
-    return {std::move(sql), type, found.column->nullable, -1};
+    return {std::move(sql), type, meant.nullable, -1};
   }
   if (!qualifier.empty() && !qualifier_known) {
-    const std::string schema = column.schema();
+    const std::string& schema = column.schema;
     throw SqlError(4104, "The multi-part identifier \"" + schema + (schema.empty() ? "" : ".") + qualifier + "." +
                              name + "\" could not be bound.");
   }
   throw SqlError(207, "Invalid column name '" + name + "'.");
 }
 
-std::vector<std::pair<std::size_t, const SourceColumn*>> ColumnsOf(const Expression& item, const Scope& scope) {
-  std::vector<std::pair<std::size_t, const SourceColumn*>> columns;
+std::vector<std::pair<std::size_t, SourceColumn>> ColumnsOf(const Expression& item, const Scope& scope) {
+  std::vector<std::pair<std::size_t, SourceColumn>> columns;
   const auto* star = As<Star>(item);
   const auto* name = As<ColumnReference>(item);
   if (star == nullptr && name == nullptr) return columns;
-  const std::string alias = star != nullptr ? star->table : name->qualifier();
-  const std::string schema = star != nullptr ? star->schema : name->schema();
+  const std::string& alias = star != nullptr ? star->table : name->qualifier;
+  const std::string& schema = star != nullptr ? star->schema : name->schema;
   for (std::size_t i = 0; i < scope.sources.size(); ++i) {
-    if (!alias.empty() && !IsNamed(scope.sources[i], schema, alias)) continue;
-    for (const SourceColumn& column : scope.sources[i].columns) {
-      if (star != nullptr || EqualsIgnoreCase(column.name, name->name())) columns.emplace_back(i, &column);
+    const Source& source = scope.sources[i];
+    if (!alias.empty() && !IsNamed(source, schema, alias)) continue;
+    for (std::size_t column = 0; column < source.size(); ++column) {
+      SourceColumn shown = source.At(column);
+      if (star != nullptr || EqualsIgnoreCase(shown.name, name->name)) columns.emplace_back(i, std::move(shown));
     }
   }
   return columns;
@@ -120,7 +145,8 @@ void ExpandStar(const Star& star, const Scope& scope, std::vector<Typed>& values
   for (const Source& source : scope.sources) {
     if (!star.table.empty() && !IsNamed(source, star.schema, star.table)) continue;
     any = true;
-    for (const SourceColumn& column : source.columns) {
+    for (std::size_t i = 0; i < source.size(); ++i) {
+      const SourceColumn column = source.At(i);
       std::string sql = SqlOf(source, column);
       if (scope.check_grouping && !scope.group_columns.contains(sql)) {
         RaiseNotGrouped(source.alias + "." + column.name, "select list");

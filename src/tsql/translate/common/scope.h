@@ -27,9 +27,19 @@ struct Source {
   /// Of a table without an alias, which is called "s.t" then: the schema, "" for dbo.
   std::string schema = {};
   std::string prefix = {};  // of the columns' names in SQL: "\"t\"."
+  /// Empty for those of `table` as they stand: a query names few of a table's many.
   std::vector<SourceColumn> columns;
   CatalogObjectPtr table;     // a base table, else null
+  bool optional = false;      // the table is the inner side of an outer join
   std::vector<BaseRow> rows;  // of a change through a query: what its columns come from
+
+  [[nodiscard]] std::size_t size() const { return HasOwnColumns() ? columns.size() : table->columns.size(); }
+  [[nodiscard]] SourceColumn At(std::size_t i) const;
+  /// The first column from `begin` on of that name, or size().
+  [[nodiscard]] std::size_t Find(const std::string& name, std::size_t begin = 0) const;
+  /// Its columns, to be changed.
+  [[nodiscard]] std::vector<SourceColumn>& OwnColumns();
+  [[nodiscard]] bool HasOwnColumns() const { return table == nullptr || !columns.empty(); }
 };
 
 struct Scope {
@@ -51,7 +61,7 @@ struct Scope {
   bool optional_view = false;  // a view on the inner side of an outer join
 };
 
-/// What a column of the source is in SQL. Made when it is asked for: of a table's many columns a query names few.
+/// What a column of the source is in SQL.
 std::string SqlOf(const Source& source, const SourceColumn& column);
 /// Raises 1011 for an alias that is there already.
 void AddSource(Scope& scope, Source source);
@@ -61,7 +71,7 @@ Source BareSource(std::string alias, const CatalogObject& table);
 Typed FindColumn(const ColumnReference& column, const Scope& scope, bool in_aggregate);
 /// The columns of one level that a select item is made of, in its order, each with the index of its source: one for a
 /// name, all for `*`, none for what is computed.
-std::vector<std::pair<std::size_t, const SourceColumn*>> ColumnsOf(const Expression& item, const Scope& scope);
+std::vector<std::pair<std::size_t, SourceColumn>> ColumnsOf(const Expression& item, const Scope& scope);
 /// Adds the columns that `*` or `t.*` stands for. Raises 107, 263 and 8120.
 void ExpandStar(const Star& star, const Scope& scope, std::vector<Typed>& values, std::vector<ResultColumn>& columns);
 

@@ -43,7 +43,7 @@ CatalogObjectPtr Translation::FindFunction(const ObjectName& name) {
 std::string RowColumn(std::size_t row) { return "\"$row" + std::to_string(row) + "\""; }
 
 std::string TableSql(const CatalogObject& table) {
-  return (table.temporary ? "temp." : "main.") + QuoteName(table.table_name());
+  return QuoteName(table.table_name(), table.temporary ? "temp." : "main.");
 }
 
 }  // namespace tessarlorn::tsql

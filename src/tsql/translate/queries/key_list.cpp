@@ -34,8 +34,8 @@ class KeyFinder {
 
  private:
   [[nodiscard]] int OwnColumn(const ColumnReference& column) const {
-    if (column.parts.size() > 1 && !EqualsIgnoreCase(column.qualifier(), alias_)) return -1;
-    return table_->FindColumn(column.name());
+    if (!column.qualifier.empty() && !EqualsIgnoreCase(column.qualifier, alias_)) return -1;
+    return table_->FindColumn(column.name);
   }
 
   std::string FindInOne(const Expression& condition) {

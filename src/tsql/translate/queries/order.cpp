@@ -73,9 +73,9 @@ std::vector<OrderKey> OrderKeys(Translation& translation, const Query& query, co
       return of_column(NumberedColumn(*literal, columns.size()));
     }
     const auto* column = As<ColumnReference>(key);
-    if (column != nullptr && column->parts.size() == 1) {
+    if (column != nullptr && column->qualifier.empty()) {
       // A name of the select list goes before a column of the tables.
-      const std::size_t named = NamedColumn(columns, column->name(), [&](std::size_t i) {
+      const std::size_t named = NamedColumn(columns, column->name, [&](std::size_t i) {
         return i >= select.items.size() || !select.items[i].alias.empty();
       });
       if (named != kNone) return of_column(named);
@@ -118,8 +118,8 @@ std::string TranslateOrderOfSet(Translation& translation, const Query& query,
     if (const auto* literal = As<Literal>(key)) {
       translation.parameters.Pin(*literal);
       found = NumberedColumn(*literal, columns.size());
-    } else if (column != nullptr && column->parts.size() == 1) {
-      found = NamedColumn(columns, column->name(), [](std::size_t) { return true; });
+    } else if (column != nullptr && column->qualifier.empty()) {
+      found = NamedColumn(columns, column->name, [](std::size_t) { return true; });
     } else if (items != nullptr && items->items.size() == columns.size()) {
       for (std::size_t i = 0; i < columns.size() && found == kNone; ++i) {
         if (MeaningOf(*items->items[i].expression) == MeaningOf(key)) found = i;

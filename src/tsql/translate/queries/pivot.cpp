@@ -23,16 +23,17 @@ bool IsNamed(const std::vector<std::string>& names, const std::string& name) {
 std::vector<SourceColumn> Others(const Scope& scope, const std::vector<std::string>& but) {
   std::vector<SourceColumn> columns;
   for (const Source& source : scope.sources) {
-    for (const SourceColumn& column : source.columns) {
+    for (std::size_t i = 0; i < source.size(); ++i) {
+      SourceColumn column = source.At(i);
       if (IsNamed(but, column.name)) continue;
-      columns.push_back(column);
-      columns.back().sql = SqlOf(source, column);
+      column.sql = SqlOf(source, column);
+      columns.push_back(std::move(column));
     }
   }
   return columns;
 }
 
-Typed ColumnOf(const Scope& scope, const std::string& name) { return FindColumn({{name}}, scope, true); }
+Typed ColumnOf(const Scope& scope, const std::string& name) { return FindColumn({name}, scope, true); }
 
 }  // namespace
 
@@ -48,7 +49,7 @@ TranslatedQuery TranslatePivot(Translation& translation, const PivotTable& pivot
   TranslatedQuery query;
   std::string list;
   std::string keys;
-  for (const SourceColumn& column : Others(scope, {pivot.name, argument->name()})) {
+  for (const SourceColumn& column : Others(scope, {pivot.name, argument->name})) {
     const Typed value{column.sql, column.type, column.nullable, -1};
     keys += (keys.empty() ? " GROUP BY " : ", ") + Collated(value);
     list += (list.empty() ? "" : ", ") + column.sql + " AS " + QuoteName(column.name);
@@ -61,8 +62,8 @@ TranslatedQuery TranslatePivot(Translation& translation, const PivotTable& pivot
     const std::string is_wanted = Compared(translation.parameters, CompareOp::kEqual, name, constant);
     Scope its_rows = scope;
     for (Source& source : its_rows.sources) {
-      for (SourceColumn& column : source.columns) {
-        if (!EqualsIgnoreCase(column.name, argument->name())) continue;
+      for (SourceColumn& column : source.OwnColumns()) {
+        if (!EqualsIgnoreCase(column.name, argument->name)) continue;
         column.sql = "CASE WHEN " + is_wanted + " THEN " + SqlOf(source, column) + " END";
         column.nullable = true;
       }

@@ -125,6 +125,8 @@ std::string SelectTranslator::GroupBy(const std::vector<std::size_t>& set) {
 void SelectTranslator::AddItems() {
   const bool grouped = scope_.check_grouping && numbers_of_items_ == NumberPlace::kHere;
   const NumbersAt numbers(translation_, grouped ? NumberPlace::kClause : numbers_of_items_);
+  values_.reserve(select_.items.size());
+  result_.columns.reserve(select_.items.size());
   for (const SelectItem& item : select_.items) {
     if (const auto* star = As<Star>(*item.expression)) {
       const std::size_t first = result_.columns.size();
@@ -148,11 +150,11 @@ void SelectTranslator::AddItem(const SelectItem& item) {
   ResultColumn column;
   column.name = item.alias;
   const auto* reference = As<ColumnReference>(*item.expression);
-  if (column.name.empty() && reference != nullptr) column.name = reference->name();
+  if (column.name.empty() && reference != nullptr) column.name = reference->name;
   values_.push_back(translation_.Value(*item.expression, scope_));
   column.type = values_.back().type;
   column.nullable = values_.back().nullable;
-  const Column* const identity = reference == nullptr ? nullptr : IdentityNamed(reference->name());
+  const Column* const identity = reference == nullptr ? nullptr : IdentityNamed(reference->name);
   if (identity != nullptr && identity->increment != 0) {
     RaiseUnsupported("SELECT … INTO with an identity that does not count by ones from a number above 0",
                      item.expression->line);
@@ -189,8 +191,8 @@ void SelectTranslator::ExposeRows() {
     const auto columns = ColumnsOf(*item.expression, scope_);
     for (const auto& [source, column] : columns) {
       ResultColumn& result = result_.columns.at(position++);
-      if (column->row >= 0) result.row = first[source] + column->row;
-      result.base = column->base;
+      if (column.row >= 0) result.row = first[source] + column.row;
+      result.base = column.base;
     }
     if (columns.empty()) ++position;
   }

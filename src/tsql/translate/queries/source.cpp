@@ -142,15 +142,18 @@ std::string Sources::Table(const NamedTable& named) const {
 }
 
 void Sources::AddTable(const std::string& alias, CatalogObjectPtr table) const {
-  Source source = Make(alias, table->columns);
+  Source source;
+  source.alias = alias;
+  source.prefix = QuoteName(alias) + ".";
+  source.table = std::move(table);
+  source.optional = optional_;
   if (translation_.exposes_rows) {
-    source.rows.push_back({table, QuoteName(alias) + "._rowid_"});
-    for (SourceColumn& column : source.columns) {
+    source.rows.push_back({source.table, source.prefix + "_rowid_"});
+    for (SourceColumn& column : source.OwnColumns()) {
       column.row = 0;
       column.base = column.name;
     }
   }
-  source.table = std::move(table);
   AddSource(scope_, std::move(source));
 }
 

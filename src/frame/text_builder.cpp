@@ -55,8 +55,8 @@ void TextBuilder::Append(std::string_view block, std::initializer_list<Spliced> 
     }
     const std::string_view before = block.substr(0, open);
     text_ += before;
-    quoted ^= std::count(before.begin(), before.end(), '\'') % 2 != 0;
-    if (quoted && escapes_texts) {
+    if (escapes_texts) quoted ^= std::count(before.begin(), before.end(), '\'') % 2 != 0;
+    if (quoted) {
       text_ += Escaped(value->text(), text_);
     } else {
       text_ += value->text();

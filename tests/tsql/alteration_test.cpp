@@ -26,7 +26,7 @@ TEST(Alteration, ConstraintsComeAndGo) {
        "a|pid|x;3|1|7;4|2|7;5|3|7"},
       {"select name, type from sys.objects where parent_object_id = object_id('p')", "name|type;pk|PK;uk|UQ;CK_p|C "},
       {"insert p values (4, 'x', null)",
-       "error 2627: Violation of UNIQUE KEY constraint. Cannot insert duplicate key in object 'dbo.p'."},
+       "error 2627: Violation of UNIQUE KEY constraint 'uk'. Cannot insert duplicate key in object 'dbo.p'."},
       {"insert f (pid) values (9)", "error 547: The INSERT statement conflicted with the FOREIGN KEY constraint."},
       {"alter table p drop pk",
        "error 3725: The constraint 'pk' is being referenced by table 'f', foreign key constraint 'fk'."},

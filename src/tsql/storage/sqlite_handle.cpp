@@ -11,6 +11,7 @@
 #include "platform/text/text.h"
 #include "tsql/functions/sqlite_value.h"
 #include "tsql/storage/catalog.h"
+#include "tsql/storage/constraint_text.h"
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {
@@ -65,7 +66,42 @@ std::string IndexOf(sqlite3* database, const std::string& columns) {
   return statement.Step() ? statement.Text(0) : std::string();
 }
 
-[[noreturn]] void RaiseDuplicate(sqlite3* database, const std::string& detail) {
+Constraints ConstraintsOf(const Runtime* runtime, const std::string& table) {
+  if (runtime == nullptr || !runtime->table_definition) return {};
+  return ReadConstraints(runtime->table_definition(Shown(table)));
+}
+
+/// The key with the columns "t.a, t.b", or that the index "$unique2" stands beside; nullptr for none.
+const Constraint* KeyOf(const Constraints& constraints, const std::string& table, std::string_view key) {
+  int number = 0;
+  for (const Constraint& constraint : constraints) {
+    if (!constraint.is_key()) continue;
+    if (constraint.kind == "UQ" && key == std::string(kUniqueKeyPrefix) + std::to_string(++number)) return &constraint;
+    std::string columns;
+    for (const std::string& name : constraint.columns) columns += (columns.empty() ? "" : ", ") + table + "." + name;
+    if (EqualsIgnoreCase(columns, key)) return &constraint;
+  }
+  return nullptr;
+}
+
+[[noreturn]] void RaiseBrokenKey(const char* kind, const std::string& name, const std::string& object) {
+  throw SqlError(2627,
+                 std::string("Violation of ") + kind + " KEY constraint" + name +
+                     ". Cannot insert duplicate key in object '" + object + "'.",
+                 14);
+}
+
+/// @param key as of KeyOf
+/// @param detail what SQLite says of it
+[[noreturn]] void RaiseBrokenKey(const Runtime* runtime, const std::string& table, const std::string& object,
+                                 std::string_view key, const std::string& detail) {
+  const Constraints constraints = ConstraintsOf(runtime, table);
+  const Constraint* const broken = KeyOf(constraints, table, key);
+  if (broken == nullptr) RaiseBrokenKey("UNIQUE", detail.empty() ? "" : " on '" + Shown(detail) + "'", object);
+  RaiseBrokenKey(broken->kind == "PK" ? "PRIMARY" : "UNIQUE", " '" + broken->name + "'", object);
+}
+
+[[noreturn]] void RaiseDuplicate(sqlite3* database, const Runtime* runtime, const std::string& detail) {
   // Of an index on expressions SQLite names the index, "index 't.i'", else the columns.
   constexpr std::string_view kNamed = "index '";
   std::string index = detail.starts_with(kNamed) ? detail.substr(kNamed.size(), detail.size() - kNamed.size() - 1)
@@ -78,10 +114,8 @@ std::string IndexOf(sqlite3* database, const std::string& columns) {
     throw SqlError(2601, "Cannot insert duplicate key row in object '" + object + "' with unique index '" + name + "'.",
                    14);
   }
-  throw SqlError(2627,
-                 "Violation of UNIQUE KEY constraint" + (index.empty() ? " on '" + Shown(detail) + "'" : "") +
-                     ". Cannot insert duplicate key in object '" + object + "'.",
-                 14);
+  index.empty() ? RaiseBrokenKey(runtime, table, object, detail, detail)
+                : RaiseBrokenKey(runtime, table, object, name, "");
 }
 
 bool IsDiskFull(int fault) {
@@ -121,7 +155,8 @@ bool HasRoom(sqlite3* database) {
   return !failed && space.available > kRoom;
 }
 
-[[noreturn]] void RaiseConstraint(sqlite3* database, int status, std::string_view message, std::string_view verb) {
+[[noreturn]] void RaiseConstraint(sqlite3* database, int status, const Runtime* runtime, std::string_view message,
+                                  std::string_view verb) {
   const std::string detail(Detail(message));
   const std::string table = TablePart(database, detail);
   const std::string object = FullName(database, table);
@@ -131,15 +166,16 @@ bool HasRoom(sqlite3* database) {
                               object + "'; column does not allow nulls. " + std::string(verb) + " fails.");
     case SQLITE_CONSTRAINT_PRIMARYKEY:
     case SQLITE_CONSTRAINT_ROWID:
-      throw SqlError(2627,
-                     "Violation of PRIMARY KEY constraint 'PK_" + object.substr(object.find('.') + 1) +
-                         "'. Cannot insert duplicate key in object '" + object + "'.",
-                     14);
+      if (const Constraints known = ConstraintsOf(runtime, table); KeyOf(known, table, detail) == nullptr) {
+        RaiseBrokenKey("PRIMARY", " 'PK_" + object.substr(object.find('.') + 1) + "'", object);
+      }
+      RaiseBrokenKey(runtime, table, object, detail, detail);
     case SQLITE_CONSTRAINT_UNIQUE:
-      RaiseDuplicate(database, detail);
+      RaiseDuplicate(database, runtime, detail);
+    case SQLITE_CONSTRAINT_FOREIGNKEY:
+      throw BrokenReference(verb);
     default:
-      throw SqlError(547, "The " + std::string(verb) + " statement conflicted with the " +
-                              (status == SQLITE_CONSTRAINT_CHECK ? "CHECK" : "FOREIGN KEY") + " constraint" +
+      throw SqlError(547, "The " + std::string(verb) + " statement conflicted with the CHECK constraint" +
                               (detail.empty() ? "" : " \"" + detail + "\"") + ".");
   }
 }
@@ -220,7 +256,7 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
   if ((kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN) && IsDiskFull(database, extended)) kind = SQLITE_FULL;
   switch (kind) {
     case SQLITE_CONSTRAINT:
-      RaiseConstraint(database, extended, message, verb);
+      RaiseConstraint(database, extended, runtime, message, verb);
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
       throw SqlError(1222, "Lock request time out period exceeded: the database " + name + " is in use.");
@@ -248,6 +284,10 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
       RaiseOther(message);
   }
 }
+
+BrokenReference::BrokenReference(std::string_view verb)
+    : SqlError(547, "The " + std::string(verb) + " statement conflicted with the FOREIGN KEY constraint."),
+      verb_(verb) {}
 
 void RunSql(sqlite3* database, const std::string& sql, Runtime* runtime) {
   const int status = sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr);

@@ -10,6 +10,7 @@
 #include "tsql/functions/list_table.h"
 #include "tsql/functions/runtime.h"
 #include "tsql/values/datum.h"
+#include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {
 
@@ -23,6 +24,16 @@ using DatabaseHandle = std::unique_ptr<sqlite3, CloseDatabase>;
 /// (823), a read-only file (3906), an interrupted batch (3617).
 /// @param verb "INSERT", "UPDATE" or "DELETE" for the wording of broken constraints.
 [[noreturn]] void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_view verb = "INSERT");
+
+/// 547 of a foreign key. SQLite does not say which one is broken.
+class BrokenReference : public SqlError {
+ public:
+  explicit BrokenReference(std::string_view verb);
+  [[nodiscard]] const std::string& verb() const noexcept { return verb_; }
+
+ private:
+  std::string verb_;
+};
 
 /// Runs statements without parameters. Raises as RaiseSqlite.
 void RunSql(sqlite3* database, const std::string& sql, Runtime* runtime = nullptr);

@@ -62,7 +62,7 @@ void RowStatements::SelectInto(const Query& query, const Activation& activation)
   CatalogObject made = definitions_.NewObject(CatalogKind::kTable, into);
   made.temporary = into.temporary();
   Constraints constraints;
-  for (const ResultColumn& column : plans_.MakeTranslator(activation).DescribeQuery(query, true)) {
+  for (const ResultColumn& column : plans_.MakeTranslator(activation).DescribeQuery(query, "")) {
     SqlType type = column.type.untyped_null ? IntType() : column.type;
     if (type.is_integer()) type.precision = 0;
     type.order = TextOrder::kCodePoints;

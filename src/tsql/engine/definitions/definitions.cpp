@@ -24,6 +24,19 @@ constexpr std::array kDroppedAs = {ObjectKind::kTable,    ObjectKind::kView,    
 /// Words for messages, by ObjectKind.
 constexpr std::array kKindWords = {"table", "view", "procedure", "function", "sequence object", "trigger"};
 
+/// Raises 3705 for an object that another DROP drops.
+void RequireKind(const CatalogObject& object, ObjectKind dropped, const std::string& name) {
+  const ObjectKind own = kDroppedAs[static_cast<std::size_t>(object.kind)];
+  if (own == dropped) return;
+  const auto word = [](ObjectKind kind) { return std::string(kKindWords[static_cast<std::size_t>(kind)]); };
+  const auto statement = [](ObjectKind kind) {
+    return "DROP " +
+           (kind == ObjectKind::kSequence ? "SEQUENCE" : UpperCase(kKindWords[static_cast<std::size_t>(kind)]));
+  };
+  throw SqlError(3705, "Cannot use " + statement(dropped) + " with '" + name + "' because '" + name + "' is a " +
+                           word(own) + ". Use " + statement(own) + ".");
+}
+
 /// Those of a table that a function fills, as those of its rows.
 std::vector<Column> ColumnsOf(const CreateTableStatement& table) {
   std::vector<Column> columns;
@@ -138,7 +151,7 @@ void Definitions::CreateView(const CreateViewStatement& statement, const Activat
   CatalogObject view = NewObject(CatalogKind::kView, statement.view);
   view.definition = statement.source_text;
   Translator translator = plans_.MakeTranslator(activation, view.schema);
-  for (const ResultColumn& column : translator.DescribeQuery(*statement.query, false, statement.columns)) {
+  for (const ResultColumn& column : translator.DescribeQuery(*statement.query, view.own_name(), statement.columns)) {
     view.columns.push_back({column.name, column.type, column.nullable, false, ""});
   }
   AddObject(std::move(view), statement.replace);
@@ -147,10 +160,13 @@ void Definitions::CreateView(const CreateViewStatement& statement, const Activat
 void Definitions::CreateProcedure(const CreateProcedureStatement& statement) {
   CatalogObject procedure = NewObject(CatalogKind::kProcedure, statement.procedure);
   procedure.definition = statement.source_text;
+  Frame frame;
   for (const Parameter& parameter : statement.parameters) {
     procedure.columns.push_back(
         {parameter.name, ResolveType(parameter.type, false), true, false, parameter.output ? "output" : ""});
+    frame.Declare(parameter.name, procedure.columns.back().type);
   }
+  for (const StatementPtr& inner : statement.body) PlanStore::Declare(*inner, frame);
   AddObject(std::move(procedure), statement.replace);
 }
 
@@ -229,7 +245,7 @@ void Definitions::CreateFunction(const CreateFunctionStatement& statement, const
     Activation inner = activation;
     inner.frame = &frame;
     Translator translator = plans_.MakeTranslator(inner, function.schema);
-    for (const ResultColumn& column : translator.DescribeQuery(*statement.query, false)) {
+    for (const ResultColumn& column : translator.DescribeQuery(*statement.query, function.own_name())) {
       function.columns.push_back({column.name, column.type, column.nullable, false, ""});
     }
   }
@@ -248,7 +264,8 @@ void Definitions::Drop(const DropStatement& statement) {
   for (const ObjectName& name : statement.names) {
     RequireLocal(name);
     const CatalogObjectPtr object = database_.catalog().Find(name.name);
-    if (object == nullptr || kDroppedAs[static_cast<std::size_t>(object->kind)] != statement.kind) {
+    if (object != nullptr) RequireKind(*object, statement.kind, WrittenName(name));
+    if (object == nullptr) {
       if (statement.if_exists) continue;
       throw SqlError(3701,
                      std::string("Cannot drop the ") + word + " '" + name.name +

@@ -260,7 +260,7 @@ TranslatedQuery SelectTranslator::Translate() {
                             (*options_.names)[0] == "c" && result_.columns.size() != 1;
   if (of_condition) return std::move(result_);
   if (options_.names != nullptr) Rename(result_.columns, *options_.names, options_.owner);
-  if (options_.named) CheckNames(result_.columns, options_.owner);
+  if (options_.named) CheckNames(result_.columns, options_.owner, options_.owner_kind);
   if (NeedsRanks(select_)) {
     if (assigns) RaiseUnsupported("TOP … WITH TIES or PERCENT of an assignment", select_.line);
     result_.sql = RankedTop(from + where + group);
@@ -291,7 +291,7 @@ TranslatedQuery SelectTranslator::TranslateSet(const std::vector<std::size_t>& s
   const std::string group = GroupBy(set);
   AddItems();
   if (options_.names != nullptr) Rename(result_.columns, *options_.names, options_.owner);
-  if (options_.named) CheckNames(result_.columns, options_.owner);
+  if (options_.named) CheckNames(result_.columns, options_.owner, options_.owner_kind);
   std::string list;
   for (std::size_t i = 0; i < values_.size(); ++i) {
     list += (i == 0 ? "SELECT " : ", ") + values_[i].sql + " AS v" + std::to_string(i);

@@ -362,9 +362,12 @@ TEST(Language, StatementsOfManyShapes) {
       {"create table t (a int identity(5,1) not null primary key clustered, b varchar(9) default ('x''') null unique, c int "
        "constraint df default 0 check (c>=0), d int references o, constraint u unique (c, b)) insert t default values select * from t",
        "a|b|c|d;5|x'|0|NULL"},
-      {"insert t (c) values (-1)", "error 547: The INSERT statement conflicted with the CHECK constraint \"CK_t_c\"."},
+      {"insert t (c) values (-1)",
+       "error 547: The INSERT statement conflicted with the CHECK constraint \"CK_t_c\". The conflict occurred in database \"main\", "
+       "table \"dbo.t\", column 'c'."},
       {"insert t (b, d) values ('y', 9)",
-       "error 547: The INSERT statement conflicted with the FOREIGN KEY constraint."},
+       "error 547: The INSERT statement conflicted with the FOREIGN KEY constraint \"FK_t_d\". The conflict occurred in database \"main\", "
+       "table \"dbo.o\", column 'FID'."},
       {"begin tran save tran s insert t (b) values ('1') rollback tran s insert t (b) values ('2') commit select max(a) as a from t",
        "a;7"},
       {"alter table t add x int null, y bit alter table t drop column x, y select * from t where 1=0", "a|b|c|d"},

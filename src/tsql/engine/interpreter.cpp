@@ -7,7 +7,6 @@
 #include "platform/server_messages.h"
 #include "tsql/engine/state/effect.h"
 #include "tsql/engine/state/table_variables.h"
-#include "tsql/syntax/ast_walk.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -29,12 +28,6 @@ class FrameInUse {
 bool IsOption(const Statement& statement) {
   return As<SetSwitchStatement>(statement) != nullptr || As<SetValueStatement>(statement) != nullptr ||
          As<SetIdentityInsertStatement>(statement) != nullptr || As<SetIsolationStatement>(statement) != nullptr;
-}
-
-/// Whether other statements stand within it, to be run by it.
-bool HoldsStatements(const Statement& statement) {
-  return As<IfStatement>(statement) != nullptr || As<WhileStatement>(statement) != nullptr ||
-         As<BlockStatement>(statement) != nullptr || As<TryCatchStatement>(statement) != nullptr;
 }
 
 }  // namespace
@@ -77,7 +70,7 @@ void Interpreter::RunText(std::string_view text, Frame& frame) {
     plans_.Revalidate(*entry.plan, frame);
     Activation activation = batch.ActivationOf(entry, frame);
     if (entry.plan->writes) transaction_.EnsureWrite();
-    if (entry.plan->declares) MakeTablesWithin(*entry.plan->statement, activation);
+    if (entry.plan->declares) definitions_.MakeVariablesWithin(*entry.plan->statement, activation);
     if (Guarded(*entry.plan->statement, activation) == Flow::kReturn) break;
   }
 }
@@ -86,23 +79,8 @@ void Interpreter::RunBody(const std::vector<StatementPtr>& body, Activation& act
   const FrameInUse in_use(database_.runtime(), *activation.frame);
   const TableVariableScope variables(database_);
   const CursorScope cursors(cursors_);
-  for (const StatementPtr& statement : body) MakeTablesWithin(*statement, activation);
+  for (const StatementPtr& statement : body) definitions_.MakeVariablesWithin(*statement, activation);
   Body(body, activation);
-}
-
-void Interpreter::MakeTablesWithin(const Statement& statement, const Activation& activation) {
-  if (!HoldsStatements(statement)) return;
-  ForEachChild(statement, [&](const Statement& child) {
-    if (const auto* declare = As<DeclareStatement>(child)) MakeTables(*declare, activation);
-    MakeTablesWithin(child, activation);
-  });
-}
-
-void Interpreter::MakeTables(const DeclareStatement& declare, const Activation& activation) {
-  for (const CreateTableStatement& table : declare.tables) {
-    // In a loop it stands, with its rows.
-    if (database_.catalog().Find(table.table.name) == nullptr) definitions_.CreateTable(table, activation);
-  }
 }
 
 Interpreter::Flow Interpreter::Body(const std::vector<StatementPtr>& body, Activation& activation) {
@@ -170,7 +148,7 @@ class Interpreter::Runner {
 
   // Variables and options
   Flow operator()(const DeclareStatement& node) const {
-    of_.MakeTables(node, activation_);
+    of_.definitions_.MakeVariables(node, activation_);
     return of_.Declare(node, activation_);
   }
   Flow operator()(const SetStatement& node) const { return of_.Set(node, activation_); }

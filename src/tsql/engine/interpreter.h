@@ -48,9 +48,6 @@ class Interpreter {
   Flow Return(const ReturnStatement& statement, Activation& activation);
   Flow Try(const TryCatchStatement& attempt, Activation& activation);
   Flow WaitFor(const WaitForStatement& wait, Activation& activation);
-  /// Makes the table variables that are declared further down, whether or not a branch gets there.
-  void MakeTablesWithin(const Statement& statement, const Activation& activation);
-  void MakeTables(const DeclareStatement& declare, const Activation& activation);
   Flow Declare(const DeclareStatement& declare, Activation& activation);
   Flow Set(const SetStatement& set, Activation& activation);
   void InsertExecuted(const InsertStatement& insert, Activation& activation);

@@ -130,6 +130,9 @@ void Procedures::Call(const ObjectName& name, CallArguments& arguments, const st
     Rename(arguments);
     return;
   }
+  for (const char* const refused : {"sp_sequence_get_range", "sp_settriggerorder"}) {
+    if (EqualsIgnoreCase(name.name, refused)) RaiseUnsupported(refused);
+  }
   CatalogObjectPtr procedure = FindSystemProcedure(name.name);
   if (procedure == nullptr) {
     RequireLocal(name);

@@ -172,11 +172,8 @@ bool HasRoom(sqlite3* database) {
       RaiseBrokenKey(runtime, table, object, detail, detail);
     case SQLITE_CONSTRAINT_UNIQUE:
       RaiseDuplicate(database, runtime, detail);
-    case SQLITE_CONSTRAINT_FOREIGNKEY:
-      throw BrokenReference(verb);
     default:
-      throw SqlError(547, "The " + std::string(verb) + " statement conflicted with the CHECK constraint" +
-                              (detail.empty() ? "" : " \"" + detail + "\"") + ".");
+      throw BrokenConstraint(verb, status == SQLITE_CONSTRAINT_CHECK ? detail : "");
   }
 }
 
@@ -285,9 +282,11 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
   }
 }
 
-BrokenReference::BrokenReference(std::string_view verb)
-    : SqlError(547, "The " + std::string(verb) + " statement conflicted with the FOREIGN KEY constraint."),
-      verb_(verb) {}
+BrokenConstraint::BrokenConstraint(std::string_view verb, const std::string& check)
+    : SqlError(547, "The " + std::string(verb) + " statement conflicted with the " +
+                        (check.empty() ? "FOREIGN KEY constraint." : "CHECK constraint \"" + check + "\".")),
+      verb_(verb),
+      check_(check) {}
 
 void RunSql(sqlite3* database, const std::string& sql, Runtime* runtime) {
   const int status = sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr);

@@ -25,14 +25,17 @@ using DatabaseHandle = std::unique_ptr<sqlite3, CloseDatabase>;
 /// @param verb "INSERT", "UPDATE" or "DELETE" for the wording of broken constraints.
 [[noreturn]] void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_view verb = "INSERT");
 
-/// 547 of a foreign key. SQLite does not say which one is broken.
-class BrokenReference : public SqlError {
+/// 547 as far as SQLite tells: not which table it is about, and of foreign keys not which one is broken.
+class BrokenConstraint : public SqlError {
  public:
-  explicit BrokenReference(std::string_view verb);
+  /// @param check the name of a CHECK, "" for a foreign key
+  explicit BrokenConstraint(std::string_view verb, const std::string& check = {});
   [[nodiscard]] const std::string& verb() const noexcept { return verb_; }
+  [[nodiscard]] const std::string& check() const noexcept { return check_; }
 
  private:
   std::string verb_;
+  std::string check_;
 };
 
 /// Runs statements without parameters. Raises as RaiseSqlite.

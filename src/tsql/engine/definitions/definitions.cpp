@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/text/text.h"
+#include "tsql/engine/definitions/table_dependents.h"
 #include "tsql/engine/definitions/table_maker.h"
 #include "tsql/storage/trigger_rule.h"
 #include "tsql/translate/common/function_text.h"
@@ -24,17 +25,18 @@ constexpr std::array kDroppedAs = {ObjectKind::kTable,    ObjectKind::kView,    
 /// Words for messages, by ObjectKind.
 constexpr std::array kKindWords = {"table", "view", "procedure", "function", "sequence object", "trigger"};
 
+/// "DROP TABLE" and its like.
+std::string StatementOf(ObjectKind kind) {
+  return "DROP " + (kind == ObjectKind::kSequence ? "SEQUENCE" : UpperCase(kKindWords[static_cast<std::size_t>(kind)]));
+}
+
 /// Raises 3705 for an object that another DROP drops.
 void RequireKind(const CatalogObject& object, ObjectKind dropped, const std::string& name) {
   const ObjectKind own = kDroppedAs[static_cast<std::size_t>(object.kind)];
   if (own == dropped) return;
-  const auto word = [](ObjectKind kind) { return std::string(kKindWords[static_cast<std::size_t>(kind)]); };
-  const auto statement = [](ObjectKind kind) {
-    return "DROP " +
-           (kind == ObjectKind::kSequence ? "SEQUENCE" : UpperCase(kKindWords[static_cast<std::size_t>(kind)]));
-  };
-  throw SqlError(3705, "Cannot use " + statement(dropped) + " with '" + name + "' because '" + name + "' is a " +
-                           word(own) + ". Use " + statement(own) + ".");
+  const std::string word = kKindWords[static_cast<std::size_t>(own)];
+  throw SqlError(3705, "Cannot use " + StatementOf(dropped) + " with '" + name + "' because '" + name + "' is a " +
+                           word + ". Use " + StatementOf(own) + ".");
 }
 
 /// Those of a table that a function fills, as those of its rows.
@@ -81,6 +83,14 @@ void Definitions::RequireUnreferenced(const CatalogObject& table, std::int32_t n
       "lower(" +
       QuoteText(table.name) + ") AND lower(s.name) <> lower(" + QuoteText(table.name) + ")");
   if (other.Step("SELECT")) throw SqlError(number, message);
+}
+
+void Definitions::RequireUnbound(const CatalogObject& object, const std::string& statement, const std::string& name) {
+  if (object.temporary) return;
+  const std::string bound = BoundTo(database_, object);
+  if (bound.empty()) return;
+  throw SqlError(3729,
+                 "Cannot " + statement + " '" + name + "' because it is being referenced by object '" + bound + "'.");
 }
 
 bool Definitions::IndexExists(const CatalogObject& table, const std::string& index) {
@@ -144,6 +154,7 @@ void Definitions::AddObject(CatalogObject object, bool replace) {
   Catalog& catalog = database_.catalog();
   const CatalogObjectPtr old = catalog.Find(object.name);
   const bool replaces = replace && old != nullptr && old->kind == object.kind;
+  if (replaces) RequireUnbound(*old, "ALTER", object.own_name());
   database_.Atomically([&] { replaces ? catalog.Replace(std::move(object)) : catalog.Add(std::move(object)); });
 }
 
@@ -272,6 +283,7 @@ void Definitions::Drop(const DropStatement& statement) {
                          "', because it does not exist or you do not have permission.",
                      11);
     }
+    RequireUnbound(*object, StatementOf(statement.kind), WrittenName(name));
     database_.Atomically([&] { DropObject(*object); });
   }
 }

@@ -13,11 +13,19 @@ TEST(Faults, NameTheConstraint) {
        "p (k), up int constraint fk_up references f) insert p values (1, 1, 1), (2, 2, 2) insert f values (1, 1, null), (2, null, 1)"},
       {
           {"insert p values (1, 3, 3)",
-           "error 2627: Violation of PRIMARY KEY constraint 'pk_p'. Cannot insert duplicate key in object 'dbo.p'."},
+           "error 2627: Violation of PRIMARY KEY constraint 'pk_p'. Cannot insert duplicate key in object 'dbo.p'. The duplicate key value is (1)."},
           {"insert p values (3, null, 3) insert p values (4, null, 4)",
-           "error 2627: Violation of UNIQUE KEY constraint 'uk_p'. Cannot insert duplicate key in object 'dbo.p'."},
+           "error 2627: Violation of UNIQUE KEY constraint 'uk_p'. Cannot insert duplicate key in object 'dbo.p'. The duplicate key value is (<NULL>)."},
           {"create table #t (k varchar(9) constraint pk_t primary key) insert #t values ('a'), ('A')",
-           "error 2627: Violation of PRIMARY KEY constraint 'pk_t'. Cannot insert duplicate key in object 'dbo.#t'."},
+           "error 2627: Violation of PRIMARY KEY constraint 'pk_t'. Cannot insert duplicate key in object 'dbo.#t'. The duplicate key value is (A)."},
+          {"create sequence q as int start with 5 insert p select 7, next value for q, 2 insert p select 7, next value for q, 30 select k "
+           "from p where id = 7",
+           "error 2601: Cannot insert duplicate key row in object 'dbo.p' with unique index 'ix'. The duplicate key value is (2)."},
+          {"select k from p where id = 7", "k;6"},
+          {"create unique index iz on f (pid) where pid = 1 create unique index iy on p (n) where n < 0 alter table p add z int create "
+           "unique index iw on p (z)",
+           "error 1505: The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name 'dbo.p' and "
+           "the index name 'iw'. The duplicate key value is (<NULL>)."},
           {"update f set k = 9 output inserted.id where id = 2",
            "error 547: The UPDATE statement conflicted with the FOREIGN KEY constraint \"fk_k\". The conflict occurred in database "
            "\"main\", table \"dbo.p\", column 'k'."},

@@ -81,7 +81,7 @@ TEST(Language, MomentsWithAnOffset) {
       {"create table m (k int, a datetimeoffset(1), unique (a)) insert m values (1, '2026-11-03 09:08:07.14 +08:00'), (2, '2026-11-03 04:30-05:30'), (3, null)",
        ""},
       {"insert m values (4, '2026-11-03T01:08:07.1Z')",
-       "error 2627: Violation of UNIQUE KEY constraint 'UQ_m_a'. Cannot insert duplicate key in object 'dbo.m'."},
+       "error 2627: Violation of UNIQUE KEY constraint 'UQ_m_a'. Cannot insert duplicate key in object 'dbo.m'. The duplicate key value is (2026-11-03 01:08:07.1 +00:00)."},
       {"select a from m order by a", "a;NULL;2026-11-03 09:08:07.1 +08:00;2026-11-03 04:30:00.0 -05:30"},
       {"select k from m where a in ('2026-11-03 02:08:07.1 +01:00', '2026-01-01') or a = cast('2026-11-03 10:00' as datetime2) order by k",
        "k;1;2"},

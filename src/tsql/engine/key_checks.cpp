@@ -98,6 +98,26 @@ std::int64_t RowStatements::ApplyUpdate(const CatalogObject& table, const Change
   });
 }
 
+std::optional<SqlError> RowStatements::TryAgain(const std::function<void()>& body) {
+  const SequenceNumbers::Trial numbers(transaction_.numbers());
+  std::optional<SqlError> raised;
+  try {
+    database_.Atomically([&] {
+      std::vector<TakenRows> taken;
+      const Results::Taking taking(results_, taken);
+      try {
+        body();
+      } catch (const SqlError& error) {
+        raised = error;
+      }
+      throw InnerError();
+    });
+  } catch (const SqlError&) {
+    return raised;
+  }
+  return raised;
+}
+
 void RowStatements::NamingConstraints(const std::function<Changed()>& changed, const std::function<void()>& change) {
   try {
     change();
@@ -111,16 +131,42 @@ void RowStatements::NamingConstraints(const std::function<Changed()>& changed, c
         throw Conflict(verb, "CHECK", check.name, *table, check.columns);
     }
     if (!broken.check().empty()) throw;
-    // The change runs once more without the comparison, and is taken back.
     const WithReferencesDeferred deferred(database_);
-    database_.Atomically([&] {
-      std::vector<TakenRows> taken;
-      const Results::Taking taking(results_, taken);
+    const std::optional<SqlError> named = TryAgain([&] {
       change();
       RequireReferences(*table, verb);
-      throw BrokenConstraint(broken);
     });
+    if (named) throw SqlError(*named);
+    throw;
+  } catch (const DuplicateKey& duplicate) {
+    const CatalogObjectPtr table = database_.catalog().Find(changed().table);
+    const DuplicateKey::Key& key = duplicate.key();
+    // SQLite makes no trigger while a change runs that calls a function.
+    const bool noted = table != nullptr && table->table_name() == key.table && database_.runtime().function_depth == 0;
+    const std::string value = noted ? DuplicateValue(*table, key.columns, change) : "";
+    if (value.empty()) throw;
+    throw SqlError(duplicate.number(), duplicate.what() + (" The duplicate key value is (" + value) + ").", 14);
   }
+}
+
+std::string RowStatements::DuplicateValue(const CatalogObject& table, const std::vector<std::string>& columns,
+                                          const std::function<void()>& change) {
+  std::vector<Datum>& noted = database_.runtime().noted_key;
+  noted.clear();
+  std::string values;
+  for (const std::string& column : columns) values += (values.empty() ? "NEW." : ", NEW.") + QuoteName(column);
+  if (values.empty()) return {};
+  const std::optional<SqlError> raised = TryAgain([&] {
+    // The row that fails is the last one whose key is noted.
+    for (const std::string event : {"INSERT", "UPDATE"}) {
+      std::string trigger = "CREATE TEMP TRIGGER \"$key of " + event + "\" BEFORE " + event + " ON " + TableSql(table);
+      trigger.append(" BEGIN SELECT ts_note_key(").append(values).append("); END");
+      database_.Run(trigger);
+    }
+    change();
+  });
+  const bool again = raised && IsDuplicate(*raised) && noted.size() == columns.size();
+  return again ? KeyText(table, columns, noted) : "";
 }
 
 void RowStatements::RequireReferences(const CatalogObject& table, const std::string& verb) {

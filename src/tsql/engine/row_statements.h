@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -69,6 +70,11 @@ class RowStatements {
   };
   /// Runs a change of rows; an error because a constraint is broken tells which, and of which table.
   void NamingConstraints(const std::function<Changed()>& changed, const std::function<void()>& change);
+  /// Runs a change that failed once more, and takes back what it did to rows and sequences. @return what it raises
+  std::optional<SqlError> TryAgain(const std::function<void()>& body);
+  /// The key that a change gives a row though another one has it, as messages show it; "" where it is not found.
+  std::string DuplicateValue(const CatalogObject& table, const std::vector<std::string>& columns,
+                             const std::function<void()>& change);
   /// Raises 547 where a foreign key of the table, or one that refers to it, is broken.
   void RequireReferences(const CatalogObject& table, const std::string& verb);
 

@@ -127,6 +127,8 @@ struct Runtime {
   }
   /// Of the database. Set before functions and collations are registered.
   TextOrder text_order = TextOrder::kCodePoints;
+  /// What ts_note_key noted last.
+  std::vector<Datum> noted_key;
   /// SET DATEFORMAT
   DateOrder date_order = DateOrder::kMdy;
   /// SET DATEFIRST: 1 for Monday to 7 for Sunday.

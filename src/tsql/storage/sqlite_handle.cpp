@@ -84,11 +84,12 @@ const Constraint* KeyOf(const Constraints& constraints, const std::string& table
   return nullptr;
 }
 
-[[noreturn]] void RaiseBrokenKey(const char* kind, const std::string& name, const std::string& object) {
-  throw SqlError(2627,
-                 std::string("Violation of ") + kind + " KEY constraint" + name +
-                     ". Cannot insert duplicate key in object '" + object + "'.",
-                 14);
+[[noreturn]] void RaiseBrokenKey(const char* kind, const std::string& name, const std::string& object,
+                                 DuplicateKey::Key key) {
+  throw DuplicateKey(2627,
+                     std::string("Violation of ") + kind + " KEY constraint" + name +
+                         ". Cannot insert duplicate key in object '" + object + "'.",
+                     std::move(key));
 }
 
 /// @param key as of KeyOf
@@ -97,8 +98,18 @@ const Constraint* KeyOf(const Constraints& constraints, const std::string& table
                                  std::string_view key, const std::string& detail) {
   const Constraints constraints = ConstraintsOf(runtime, table);
   const Constraint* const broken = KeyOf(constraints, table, key);
-  if (broken == nullptr) RaiseBrokenKey("UNIQUE", detail.empty() ? "" : " on '" + Shown(detail) + "'", object);
-  RaiseBrokenKey(broken->kind == "PK" ? "PRIMARY" : "UNIQUE", " '" + broken->name + "'", object);
+  if (broken == nullptr) RaiseBrokenKey("UNIQUE", detail.empty() ? "" : " on '" + Shown(detail) + "'", object, {});
+  RaiseBrokenKey(broken->kind == "PK" ? "PRIMARY" : "UNIQUE", " '" + broken->name + "'", object,
+                 {table, broken->columns});
+}
+
+/// @param index with its table's name before a point
+std::vector<std::string> ColumnsOfIndex(sqlite3* database, const std::string& index) {
+  SqliteStatement names(database, "SELECT name FROM pragma_index_info(?1) ORDER BY seqno");
+  names.BindText(1, index);
+  std::vector<std::string> columns;
+  while (names.Step()) columns.push_back(names.Text(0));
+  return columns;
 }
 
 [[noreturn]] void RaiseDuplicate(sqlite3* database, const Runtime* runtime, const std::string& detail) {
@@ -110,12 +121,11 @@ const Constraint* KeyOf(const Constraints& constraints, const std::string& table
   const std::string table = TablePart(database, index.empty() ? detail : index);
   const std::string name = ColumnPart(index, table);
   const std::string object = FullName(database, table);
-  if (!index.empty() && !name.starts_with(kUniqueKeyPrefix)) {
-    throw SqlError(2601, "Cannot insert duplicate key row in object '" + object + "' with unique index '" + name + "'.",
-                   14);
-  }
-  index.empty() ? RaiseBrokenKey(runtime, table, object, detail, detail)
-                : RaiseBrokenKey(runtime, table, object, name, "");
+  if (index.empty()) RaiseBrokenKey(runtime, table, object, detail, detail);
+  if (name.starts_with(kUniqueKeyPrefix)) RaiseBrokenKey(runtime, table, object, name, "");
+  throw DuplicateKey(2601,
+                     "Cannot insert duplicate key row in object '" + object + "' with unique index '" + name + "'.",
+                     {table, ColumnsOfIndex(database, index)});
 }
 
 bool IsDiskFull(int fault) {
@@ -167,7 +177,7 @@ bool HasRoom(sqlite3* database) {
     case SQLITE_CONSTRAINT_PRIMARYKEY:
     case SQLITE_CONSTRAINT_ROWID:
       if (const Constraints known = ConstraintsOf(runtime, table); KeyOf(known, table, detail) == nullptr) {
-        RaiseBrokenKey("PRIMARY", " 'PK_" + object.substr(object.find('.') + 1) + "'", object);
+        RaiseBrokenKey("PRIMARY", " 'PK_" + object.substr(object.find('.') + 1) + "'", object, {});
       }
       RaiseBrokenKey(runtime, table, object, detail, detail);
     case SQLITE_CONSTRAINT_UNIQUE:
@@ -287,6 +297,9 @@ BrokenConstraint::BrokenConstraint(std::string_view verb, const std::string& che
                         (check.empty() ? "FOREIGN KEY constraint." : "CHECK constraint \"" + check + "\".")),
       verb_(verb),
       check_(check) {}
+
+DuplicateKey::DuplicateKey(std::int32_t number, const std::string& message, Key key)
+    : SqlError(number, message, 14), key_(std::move(key)) {}
 
 void RunSql(sqlite3* database, const std::string& sql, Runtime* runtime) {
   const int status = sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr);

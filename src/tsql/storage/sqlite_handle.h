@@ -6,6 +6,7 @@
 #include <sqlite3.h>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tsql/functions/list_table.h"
 #include "tsql/functions/runtime.h"
@@ -36,6 +37,20 @@ class BrokenConstraint : public SqlError {
  private:
   std::string verb_;
   std::string check_;
+};
+
+/// 2601 or 2627 as far as SQLite tells: without the value of the key.
+class DuplicateKey : public SqlError {
+ public:
+  struct Key {
+    std::string table;                 // as SQLite has it
+    std::vector<std::string> columns;  // none where they are not known
+  };
+  DuplicateKey(std::int32_t number, const std::string& message, Key key);
+  [[nodiscard]] const Key& key() const noexcept { return key_; }
+
+ private:
+  Key key_;
 };
 
 /// Runs statements without parameters. Raises as RaiseSqlite.

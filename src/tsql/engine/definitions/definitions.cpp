@@ -125,6 +125,7 @@ void Definitions::CreateIndex(const CreateIndexStatement& statement, std::uint32
     throw SqlError(1913, "The operation failed because an index or statistics with name '" + statement.name +
                              "' already exists on table '" + table->name + "'.");
   }
+  if (statement.unique) RequireDistinct(database_, *table, key, statement.name, condition);
   const std::string nulls = statement.unique ? NullKeySql(*table, statement.name, key, condition) : "";
   database_.Atomically([&] {
     database_.Run(sql);

@@ -172,21 +172,7 @@ void TableAlteration::RequireKey(const Constraint& key) {
                      "Cannot define PRIMARY KEY constraint on nullable column in table '" + table_.own_name() + "'.");
     }
   }
-  const std::string columns = NameList(key.columns);
-  SqliteStatement doubles = database_.Prepare("SELECT " + columns + " FROM " + TableSql(table_) + " GROUP BY " +
-                                              columns + " HAVING count(*) > 1 LIMIT 1");
-  if (!doubles.Step("SELECT")) return;
-  std::string value;
-  for (std::size_t i = 0; i < key.columns.size(); ++i) {
-    const Datum text = Convert(doubles.Value(static_cast<int>(i)), ColumnNamed(key.columns[i]).type, NVarCharType(0));
-    const auto* words = std::get_if<std::string>(&text);
-    value += (i == 0 ? "" : ", ") + (words == nullptr ? "<NULL>" : *words);
-  }
-  throw SqlError(1505,
-                 "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name "
-                 "'" +
-                     table_.full_name() + "' and the index name '" + key.name + "'. The duplicate key value is (" +
-                     value + ").");
+  RequireDistinct(database_, table_, key.columns, key.name);
 }
 
 void TableAlteration::RequireChecked(const Constraint& check) {

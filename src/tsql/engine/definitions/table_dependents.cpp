@@ -67,6 +67,34 @@ bool HasBrokenReference(SessionDatabase& database, const CatalogObject& table, c
       .Step("SELECT");
 }
 
+void RequireDistinct(SessionDatabase& database, const CatalogObject& table, const std::vector<std::string>& columns,
+                     const std::string& index, const std::string& condition) {
+  const std::string list = NameList(columns);
+  SqliteStatement doubles = database.Prepare("SELECT " + list + " FROM " + TableSql(table) +
+                                             (condition.empty() ? "" : " WHERE " + condition) + " GROUP BY " + list +
+                                             " HAVING count(*) > 1 LIMIT 1");
+  if (!doubles.Step("SELECT")) return;
+  std::vector<Datum> values;
+  for (std::size_t i = 0; i < columns.size(); ++i) values.push_back(doubles.Value(static_cast<int>(i)));
+  throw SqlError(1505,
+                 "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name "
+                 "'" +
+                     table.full_name() + "' and the index name '" + index + "'. The duplicate key value is (" +
+                     KeyText(table, columns, values) + ").");
+}
+
+std::string KeyText(const CatalogObject& table, const std::vector<std::string>& columns,
+                    const std::vector<Datum>& values) {
+  std::string shown;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const Column& column = table.columns[static_cast<std::size_t>(table.FindColumn(columns[i]))];
+    const Datum text = Convert(values[i], column.type, NVarCharType(0));
+    const auto* words = std::get_if<std::string>(&text);
+    shown += (i == 0 ? "" : ", ") + (words == nullptr ? "<NULL>" : *words);
+  }
+  return shown;
+}
+
 SqlError Conflict(std::string_view verb, std::string_view kind, const std::string& constraint,
                   const CatalogObject& table, const std::vector<std::string>& columns) {
   return {547, "The " + std::string(verb) + " statement conflicted with the " + std::string(kind) + " constraint \"" +

@@ -28,6 +28,12 @@ std::vector<IncomingReference> ReferencesTo(SessionDatabase& database, const Cat
 /// @param referenced the other table's columns
 bool HasBrokenReference(SessionDatabase& database, const CatalogObject& table, const Constraint& key,
                         const CatalogObject& other, const std::vector<std::string>& referenced);
+/// Raises 1505 where rows have the same key. @param condition of the rows that count, in SQLite's words, or ""
+void RequireDistinct(SessionDatabase& database, const CatalogObject& table, const std::vector<std::string>& columns,
+                     const std::string& index, const std::string& condition = "");
+/// The values of a key as messages show them.
+std::string KeyText(const CatalogObject& table, const std::vector<std::string>& columns,
+                    const std::vector<Datum>& values);
 /// 547 of a constraint. @param kind "CHECK", "FOREIGN KEY" or "REFERENCE"
 /// @param columns those of the table that it is about; one alone is named
 SqlError Conflict(std::string_view verb, std::string_view kind, const std::string& constraint,

@@ -41,9 +41,9 @@ TEST(Faults, NameTheConstraint) {
           {"exec sp_rename 'dbo.fk_k', 'fk_2', 'OBJECT' exec sp_rename 'pk_p', 'pk_2' select name from sys.objects where name "
            "in ('fk_k', 'fk_2', 'pk_2') order by 1",
            "name;fk_2;pk_2"},
-          {"create table c (a int, constraint ck check (a > 0)) exec sp_rename 'ck', 'ck_2' insert c values (0)",
+          {"create table c (a int constraint ck check (a > 0)) exec sp_rename 'ck', 'ck_2' insert c values (0)",
            "error 547: The INSERT statement conflicted with the CHECK constraint \"ck_2\". The conflict occurred in database \"main\", "
-           "table \"dbo.c\"."},
+           "table \"dbo.c\", column 'a'."},
           {"exec sp_rename 'ck_2', 'fk_2'",
            "error 15335: Error: The new name 'fk_2' is already in use as a object name and would cause a duplicate that is not "
            "permitted."},

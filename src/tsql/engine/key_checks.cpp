@@ -158,8 +158,9 @@ std::string RowStatements::DuplicateValue(const CatalogObject& table, const std:
   if (values.empty()) return {};
   const std::optional<SqlError> raised = TryAgain([&] {
     // The row that fails is the last one whose key is noted.
-    for (const std::string event : {"INSERT", "UPDATE"}) {
-      std::string trigger = "CREATE TEMP TRIGGER \"$key of " + event + "\" BEFORE " + event + " ON " + TableSql(table);
+    for (const std::string_view event : {"INSERT", "UPDATE"}) {
+      std::string trigger = "CREATE TEMP TRIGGER \"$key of ";
+      trigger.append(event).append("\" BEFORE ").append(event).append(" ON ").append(TableSql(table));
       trigger.append(" BEGIN SELECT ts_note_key(").append(values).append("); END");
       database_.Run(trigger);
     }

@@ -22,6 +22,8 @@ TEST(Faults, NameTheConstraint) {
            "from p where id = 7",
            "error 2601: Cannot insert duplicate key row in object 'dbo.p' with unique index 'ix'. The duplicate key value is (2)."},
           {"select k from p where id = 7", "k;6"},
+          {"declare @n int = 0 begin try update p set n = 2, @n = @n + 1 end try begin catch select @n as n end catch",
+           "n;4"},
           {"create unique index iz on f (pid) where pid = 1 create unique index iy on p (n) where n < 0 alter table p add z int create "
            "unique index iw on p (z)",
            "error 1505: The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name 'dbo.p' and "

@@ -100,6 +100,8 @@ std::int64_t RowStatements::ApplyUpdate(const CatalogObject& table, const Change
 
 std::optional<SqlError> RowStatements::TryAgain(const std::function<void()>& body) {
   const SequenceNumbers::Trial numbers(transaction_.numbers());
+  Frame& frame = *database_.runtime().frame;
+  const Frame before = frame;
   std::optional<SqlError> raised;
   try {
     database_.Atomically([&] {
@@ -113,7 +115,7 @@ std::optional<SqlError> RowStatements::TryAgain(const std::function<void()>& bod
       throw InnerError();
     });
   } catch (const SqlError&) {
-    return raised;
+    frame = before;
   }
   return raised;
 }

@@ -78,7 +78,9 @@ const Constraint* KeyOf(const Constraints& constraints, const std::string& table
     if (!constraint.is_key()) continue;
     if (constraint.kind == "UQ" && key == std::string(kUniqueKeyPrefix) + std::to_string(++number)) return &constraint;
     std::string columns;
-    for (const std::string& name : constraint.columns) columns += (columns.empty() ? "" : ", ") + table + "." + name;
+    for (const std::string& name : constraint.columns) {
+      columns.append(columns.empty() ? "" : ", ").append(table).append(".").append(name);
+    }
     if (EqualsIgnoreCase(columns, key)) return &constraint;
   }
   return nullptr;

@@ -110,7 +110,7 @@ committed: [[3]]
 loaded: [2,[[5,"中😀",1.5],[6,null,7]]]
 not loaded: [515,[[2]]]
 not loaded in a transaction: [[3]]
-error: [2627,14,1,"Violation of PRIMARY KEY constraint 'PK_Kept'. Cannot insert duplicate key in object 'dbo.Kept'."]
+error: [2627,14,1,"Violation of PRIMARY KEY constraint 'PK_Kept'. Cannot insert duplicate key in object 'dbo.Kept'. The duplicate key value is (3)."]
 error: [208,16,1,"Invalid object name 'Nowhere'."]
 error: [102,15,2,"Incorrect syntax near '2'."]
 cancelled: "ECANCEL"

@@ -26,14 +26,18 @@ TEST(Alteration, ConstraintsComeAndGo) {
        "a|pid|x;3|1|7;4|2|7;5|3|7"},
       {"select name, type from sys.objects where parent_object_id = object_id('p')", "name|type;pk|PK;uk|UQ;CK_p|C "},
       {"insert p values (4, 'x', null)",
-       "error 2627: Violation of UNIQUE KEY constraint. Cannot insert duplicate key in object 'dbo.p'."},
-      {"insert f (pid) values (9)", "error 547: The INSERT statement conflicted with the FOREIGN KEY constraint."},
+       "error 2627: Violation of UNIQUE KEY constraint 'uk'. Cannot insert duplicate key in object 'dbo.p'. The duplicate key value is (<NULL>)."},
+      {"insert f (pid) values (9)",
+       "error 547: The INSERT statement conflicted with the FOREIGN KEY constraint \"fk\". The conflict occurred in database \"main\", table "
+       "\"dbo.p\", column 'id'."},
       {"alter table p drop pk",
        "error 3725: The constraint 'pk' is being referenced by table 'f', foreign key constraint 'fk'."},
       {"begin tran alter table p drop uk, CK_p, column k rollback delete p where id = 1",
-       "error 547: The DELETE statement conflicted with the FOREIGN KEY constraint."},
+       "error 547: The DELETE statement conflicted with the REFERENCE constraint \"fk\". The conflict occurred in database \"main\", table "
+       "\"dbo.f\", column 'pid'."},
       {"insert p values (14, 'x', 8)",
-       "error 547: The INSERT statement conflicted with the CHECK constraint \"CK_p\"."},
+       "error 547: The INSERT statement conflicted with the CHECK constraint \"CK_p\". The conflict occurred in database \"main\", table "
+       "\"dbo.p\"."},
       {"alter table f drop constraint if exists none, fk, dk, DF_f_x, column x insert f default values insert p values (9, 'x', 2) "
        "select * from f where a > 4",
        "a|pid;5|3;6|NULL"},
@@ -95,7 +99,7 @@ TEST(Alteration, ComputedColumns) {
       {"insert t (a, c) values (1, 2)",
        "error 271: The column \"c\" cannot be modified because it is either a computed column or is the result of a UNION operator."},
       {"create unique index iu on t (u) insert t values (9, 9, 'Q')",
-       "error 2601: Cannot insert duplicate key row in object 'dbo.t' with unique index 'iu'."},
+       "error 2601: Cannot insert duplicate key row in object 'dbo.t' with unique index 'iu'. The duplicate key value is (Q!)."},
       {"alter table t add f as c + 1",
        "error 1759: Computed column 'c' in table 't' is not allowed to be used in another computed-column definition."},
       {"alter table t alter column a bigint", "error 5074: The column 'c' is dependent on column 'a'."},

@@ -111,8 +111,9 @@ TEST(Catalog, ChineseNamesByPinyin) {
         Answer(*connection,
                "select string_agg(n, '') within group (order by n desc) as s from p where n between 'B' and N'李'"),
         "s;李阿b");
-    EXPECT_EQ(Answer(*connection, "insert p values (N'Ｂ ')"),
-              "error 2627: Violation of PRIMARY KEY constraint 'PK_p'. Cannot insert duplicate key in object 'dbo.p'.");
+    EXPECT_EQ(
+        Answer(*connection, "insert p values (N'Ｂ ')"),
+        "error 2627: Violation of PRIMARY KEY constraint 'PK_p'. Cannot insert duplicate key in object 'dbo.p'. The duplicate key value is (Ｂ ).");
   } catch (const Error& error) {
     ASSERT_NE(error.description().find("ICU"), std::string::npos) << error.description();
     GTEST_SKIP() << error.description();

@@ -25,7 +25,7 @@ TEST(Changes, TableVariables) {
        ""},
       {"create table #all (n int) exec deeper 1 select n from #all", "n;3;2;1"},
       {"declare @t table (a varchar(3) unique) insert @t values ('a'),('a')",
-       "error 2627: Violation of UNIQUE KEY constraint on '@t.a'. Cannot insert duplicate key in object 'dbo.@t'."},
+       "error 2627: Violation of UNIQUE KEY constraint 'UQ_@t_a'. Cannot insert duplicate key in object 'dbo.@t'. The duplicate key value is (a)."},
       {"create table i (id int identity, v int) insert i (v) values (1) select * into #i from i insert #i (v) values (3) select * from "
        "#i",
        "id|v;1|1;2|3"},

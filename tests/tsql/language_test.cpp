@@ -81,7 +81,7 @@ TEST(Language, MomentsWithAnOffset) {
       {"create table m (k int, a datetimeoffset(1), unique (a)) insert m values (1, '2026-11-03 09:08:07.14 +08:00'), (2, '2026-11-03 04:30-05:30'), (3, null)",
        ""},
       {"insert m values (4, '2026-11-03T01:08:07.1Z')",
-       "error 2627: Violation of UNIQUE KEY constraint on 'm.a'. Cannot insert duplicate key in object 'dbo.m'."},
+       "error 2627: Violation of UNIQUE KEY constraint 'UQ_m_a'. Cannot insert duplicate key in object 'dbo.m'. The duplicate key value is (2026-11-03 01:08:07.1 +00:00)."},
       {"select a from m order by a", "a;NULL;2026-11-03 09:08:07.1 +08:00;2026-11-03 04:30:00.0 -05:30"},
       {"select k from m where a in ('2026-11-03 02:08:07.1 +01:00', '2026-01-01') or a = cast('2026-11-03 10:00' as datetime2) order by k",
        "k;1;2"},
@@ -362,9 +362,12 @@ TEST(Language, StatementsOfManyShapes) {
       {"create table t (a int identity(5,1) not null primary key clustered, b varchar(9) default ('x''') null unique, c int "
        "constraint df default 0 check (c>=0), d int references o, constraint u unique (c, b)) insert t default values select * from t",
        "a|b|c|d;5|x'|0|NULL"},
-      {"insert t (c) values (-1)", "error 547: The INSERT statement conflicted with the CHECK constraint \"CK_t_c\"."},
+      {"insert t (c) values (-1)",
+       "error 547: The INSERT statement conflicted with the CHECK constraint \"CK_t_c\". The conflict occurred in database \"main\", "
+       "table \"dbo.t\", column 'c'."},
       {"insert t (b, d) values ('y', 9)",
-       "error 547: The INSERT statement conflicted with the FOREIGN KEY constraint."},
+       "error 547: The INSERT statement conflicted with the FOREIGN KEY constraint \"FK_t_d\". The conflict occurred in database \"main\", "
+       "table \"dbo.o\", column 'FID'."},
       {"begin tran save tran s insert t (b) values ('1') rollback tran s insert t (b) values ('2') commit select max(a) as a from t",
        "a;7"},
       {"alter table t add x int null, y bit alter table t drop column x, y select * from t where 1=0", "a|b|c|d"},

@@ -47,9 +47,11 @@ TEST(Triggers, UndoTheChangeThatFiredThem) {
            "rollback end catch",
            "x;-1"},
           {"insert shelf values (4,4) insert shelf values (5,95) insert shelf values (6,6)",
-           "error 547: The INSERT statement conflicted with the CHECK constraint \"CK_shelf\"."},
+           "error 547: The INSERT statement conflicted with the CHECK constraint \"CK_shelf\". The conflict occurred in database "
+           "\"main\", table \"dbo.shelf\"."},
           {"insert shelf values (7,70) insert shelf values (8,8)",
-           "error 547: The INSERT statement conflicted with the CHECK constraint \"CK_book\"."},
+           "error 547: The INSERT statement conflicted with the CHECK constraint \"CK_book\". The conflict occurred in database "
+           "\"main\", table \"dbo.book\"."},
           {"select (select string_agg(id, ' ') within group (order by id) from shelf) s, (select sum(now) from book) b",
            "s|b;1 4 6|11"},
       });

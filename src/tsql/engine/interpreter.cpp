@@ -70,6 +70,7 @@ void Interpreter::RunText(std::string_view text, Frame& frame) {
     plans_.Revalidate(*entry.plan, frame);
     Activation activation = batch.ActivationOf(entry, frame);
     if (entry.plan->writes) transaction_.EnsureWrite();
+    if (entry.plan->declares) definitions_.MakeVariablesWithin(*entry.plan->statement, activation);
     if (Guarded(*entry.plan->statement, activation) == Flow::kReturn) break;
   }
 }
@@ -78,6 +79,7 @@ void Interpreter::RunBody(const std::vector<StatementPtr>& body, Activation& act
   const FrameInUse in_use(database_.runtime(), *activation.frame);
   const TableVariableScope variables(database_);
   const CursorScope cursors(cursors_);
+  for (const StatementPtr& statement : body) definitions_.MakeVariablesWithin(*statement, activation);
   Body(body, activation);
 }
 
@@ -146,11 +148,7 @@ class Interpreter::Runner {
 
   // Variables and options
   Flow operator()(const DeclareStatement& node) const {
-    for (const CreateTableStatement& table : node.tables) {
-      // In a loop it stands, with its rows.
-      if (of_.database_.catalog().Find(table.table.name) != nullptr) continue;
-      of_.definitions_.CreateTable(table, activation_);
-    }
+    of_.definitions_.MakeVariables(node, activation_);
     return of_.Declare(node, activation_);
   }
   Flow operator()(const SetStatement& node) const { return of_.Set(node, activation_); }

@@ -23,6 +23,18 @@ std::string TextOf(CallArguments& arguments, std::size_t argument) {
   return text == nullptr ? std::string() : std::move(*text);
 }
 
+/// Raises 2809 for an object that is no procedure.
+void RequireCallable(const CatalogObject& object, const std::string& name) {
+  if (object.kind == CatalogKind::kProcedure) return;
+  const char* const word = object.kind == CatalogKind::kTable      ? "table"
+                           : object.kind == CatalogKind::kView     ? "view"
+                           : object.kind == CatalogKind::kSequence ? "sequence"
+                           : object.kind == CatalogKind::kTrigger  ? "trigger"
+                                                                   : "table valued function";
+  throw SqlError(
+      2809, "The request for procedure '" + name + "' failed because '" + name + "' is a " + word + " object.", 18);
+}
+
 }  // namespace
 
 /// The arguments of an EXEC.
@@ -118,6 +130,9 @@ void Procedures::Call(const ObjectName& name, CallArguments& arguments, const st
     Rename(arguments);
     return;
   }
+  for (const char* const refused : {"sp_sequence_get_range", "sp_settriggerorder"}) {
+    if (EqualsIgnoreCase(name.name, refused)) RaiseUnsupported(refused);
+  }
   CatalogObjectPtr procedure = FindSystemProcedure(name.name);
   if (procedure == nullptr) {
     RequireLocal(name);
@@ -131,7 +146,8 @@ void Procedures::Call(const ObjectName& name, CallArguments& arguments, const st
   if (errors_.in_function) {
     throw SqlError(557, "Only functions and some extended stored procedures can be executed from within a function.");
   }
-  if (procedure == nullptr || procedure->kind != CatalogKind::kProcedure) {
+  if (procedure != nullptr) RequireCallable(*procedure, name.name);
+  if (procedure == nullptr) {
     throw SqlError(2812, "Could not find stored procedure '" + name.name + "'.");
   }
   CallProcedure(*procedure, arguments);

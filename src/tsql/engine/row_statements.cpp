@@ -62,12 +62,16 @@ void RowStatements::SelectInto(const Query& query, const Activation& activation)
   CatalogObject made = definitions_.NewObject(CatalogKind::kTable, into);
   made.temporary = into.temporary();
   Constraints constraints;
-  for (const ResultColumn& column : plans_.MakeTranslator(activation).DescribeQuery(query, true)) {
+  for (const ResultColumn& column : plans_.MakeTranslator(activation).DescribeQuery(query, "")) {
     SqlType type = column.type.untyped_null ? IntType() : column.type;
     if (type.is_integer()) type.precision = 0;
     type.order = TextOrder::kCodePoints;
     made.columns.push_back({column.name, type, column.nullable, column.identity, ""});
-    if (column.identity) constraints.push_back({"I", "I_" + made.name + "_" + column.name, {column.name}});
+    if (!column.identity) continue;
+    made.columns.back().increment = column.increment;
+    constraints.push_back({"I", "I_" + made.name + "_" + column.name, {column.name}});
+    constraints.back().seed = column.seed;
+    constraints.back().increment = column.increment;
   }
   made.definition = WriteConstraints(constraints);
   database_.Atomically([&] {
@@ -75,6 +79,7 @@ void RowStatements::SelectInto(const Query& query, const Activation& activation)
     const CatalogObjectPtr table = database_.catalog().Get(into.name);
     Compiled compiled = plans_.MakeTranslator(activation).CompileInsertInto(*table, query);
     Run(compiled, activation);
+    definitions_.CountOn(*table, activation);
   });
   results_.TellRowCount();
 }
@@ -127,11 +132,12 @@ void RowStatements::Collect(const Compiled& change, const ChangeStage& stage, co
   }
 }
 
-std::int64_t RowStatements::Apply(const ChangeStage& stage) {
+std::int64_t RowStatements::Apply(const Compiled& change, const ChangeStage& stage) {
+  if (!stage.changed_columns.empty()) return ApplyUpdate(*database_.catalog().Get(change.changed_table), stage);
   if (!stage.gives_numbers) {
-    SqliteStatement change = database_.Prepare(stage.apply);
-    change.Step(stage.verb);
-    return change.changes();
+    SqliteStatement apply = database_.Prepare(stage.apply);
+    apply.Step(stage.verb);
+    return apply.changes();
   }
   const std::string rows = "temp." + QuoteName(stage.table);
   SqliteStatement row = database_.Prepare(stage.apply + " AND _rowid_ = ?1");
@@ -158,10 +164,14 @@ void RowStatements::RunStages(Compiled& change, const Activation& activation) {
       database_.Run("CREATE TEMP TABLE " + QuoteName(stage.table) + " (" + stage.columns + ")");
     }
     for (const ChangeStage& stage : change.stages) Collect(change, stage, activation);
-    for (const ChangeStage& stage : change.stages) {
-      const std::int64_t rows = Apply(stage);
-      changed += rows;
-      if (rows > 0 && !stage.identity_table.empty()) transaction_.NoteIdentity(stage.identity_table);
+    // Rows that go make room for those that come.
+    for (const std::string_view verb : {"DELETE", "UPDATE", "INSERT"}) {
+      for (const ChangeStage& stage : change.stages) {
+        if (stage.verb != verb) continue;
+        const std::int64_t rows = Apply(change, stage);
+        changed += rows;
+        if (rows > 0 && !stage.identity_table.empty()) transaction_.NoteIdentity(stage.identity_table);
+      }
     }
     if (!change.columns.empty()) {
       binder_.Bind(change, activation);
@@ -209,7 +219,13 @@ void RowStatements::RequireNoTriggers(const std::string& table, const Output& ou
 
 void RowStatements::Change(const Statement& statement, const Activation& activation) {
   bool answered = false;
-  const auto change = [&] { answered = ChangeRows(statement, activation); };
+  const auto change = [&] {
+    const auto rows = [&] { answered = ChangeRows(statement, activation); };
+    const auto changed = [&] {
+      return Changed{plans_.OfStatement(statement, activation).changed_table, As<MergeStatement>(statement) != nullptr};
+    };
+    NamingConstraints(changed, rows);
+  };
   if (database_.catalog().has_triggers()) {
     const std::string table = plans_.OfStatement(statement, activation).changed_table;
     RequireNoTriggers(table, *OutputClauseOf(statement), activation.plan->schema);
@@ -234,59 +250,25 @@ bool RowStatements::ChangeRows(const Statement& statement, const Activation& act
   try {
     return RunCompiled(statement, activation);
   } catch (const SqlError& error) {
-    const bool key = error.number() == 2601 || error.number() == 2627;
-    if (update == nullptr || !key || !update->rows.output.items.empty()) throw;
+    if (update == nullptr || !IsDuplicate(error) || !update->rows.output.items.empty()) throw;
     if (activation.returns != nullptr) RaiseUnsupported("An UPDATE of keys that others take within a function");
-    // SQLite compares keys row by row, the server when all rows stand.
     if (before) *activation.frame = *before;
-    MoveRows(statement, activation);
+    const CatalogObjectPtr table = database_.catalog().Get(plans_.OfStatement(statement, activation).changed_table);
+    results_.set_row_count(MoveRows(*table, [&] {
+      Compiled compiled = plans_.MakeTranslator(activation).CompileUpdate(*update, statement.line, true);
+      Run(compiled, activation);
+      return results_.row_count();
+    }));
     return false;
   }
-}
-
-void RowStatements::MoveRows(const Statement& statement, const Activation& activation) {
-  const CatalogObjectPtr table = database_.catalog().Get(plans_.OfStatement(statement, activation).changed_table);
-  std::string columns;
-  std::string names;
-  bool numbered = false;
-  for (std::size_t i = 0; i < table->columns.size(); ++i) {
-    const Column& column = table->columns[i];
-    if (column.computed()) continue;
-    columns += ", c" + std::to_string(i);
-    names += ", " + QuoteName(column.name);
-    numbered = numbered || column.identity || column.row_key;
-  }
-  const std::string to = TableSql(*table);
-  // A column that is the row's number brings it along.
-  const std::string insert = numbered ? " (" + names.substr(2) + ") SELECT " + columns.substr(2)
-                                      : " (_rowid_" + names + ") SELECT r" + columns;
-  database_.Atomically([&] {
-    database_.Run("PRAGMA defer_foreign_keys = ON; CREATE TEMP TABLE \"$moved\" (r INTEGER PRIMARY KEY" + columns +
-                  ")");
-    {
-      Compiled compiled = plans_.MakeTranslator(activation)
-                              .CompileUpdate(std::get<UpdateStatement>(statement.node), statement.line, true);
-      Run(compiled, activation);
-    }
-    const std::int64_t moved = results_.row_count();
-    std::string leave = "DELETE FROM ";
-    leave.append(to).append(" WHERE _rowid_ IN (SELECT r FROM temp.\"$moved\")");
-    std::string come = "INSERT INTO ";
-    come.append(to).append(insert).append(" FROM temp.\"$moved\"");
-    for (const std::string& sql : {leave, come}) database_.Prepare(sql).Step("UPDATE");
-    int open = 0;
-    int unused = 0;
-    sqlite3_db_status(database_.handle(), SQLITE_DBSTATUS_DEFERRED_FKS, &open, &unused, 0);
-    if (open != 0) throw SqlError(547, "The UPDATE statement conflicted with the FOREIGN KEY constraint.");
-    database_.Run("PRAGMA defer_foreign_keys = OFF; DROP TABLE temp.\"$moved\"");
-    results_.set_row_count(moved);
-  });
 }
 
 void RowStatements::InsertAnswers(const InsertStatement& insert, const std::vector<TakenRows>& taken,
                                   const Activation& activation) {
   const std::string table = database_.catalog().Meant(insert.table, activation.plan->schema);
-  triggers_.Around(table, {{RowEvent::kInsert, {}}}, [&] { InsertTaken(insert, taken, activation); });
+  triggers_.Around(table, {{RowEvent::kInsert, {}}}, [&] {
+    NamingConstraints([&] { return Changed{table, false}; }, [&] { InsertTaken(insert, taken, activation); });
+  });
 }
 
 void RowStatements::InsertTaken(const InsertStatement& insert, const std::vector<TakenRows>& taken,

@@ -2,6 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "tsql/engine/definitions/definitions.h"
@@ -49,13 +52,32 @@ class RowStatements {
   /// Notes the rows of a stage. Raises 8672.
   void Collect(const Compiled& change, const ChangeStage& stage, const Activation& activation);
   /// Changes what a stage noted. @return how many rows
-  std::int64_t Apply(const ChangeStage& stage);
+  std::int64_t Apply(const Compiled& change, const ChangeStage& stage);
   /// A change with OUTPUT … INTO.
   void ChangeInto(const Statement& statement, const Output& output, const Activation& activation);
   /// Notes what the change that ran did: to the identity, and for who watches.
   void NoteChange(const Compiled& change);
+
+  // key_checks.cpp
   /// UPDATE by way of other rows, for when it failed because keys pass through the place of other rows' keys.
-  void MoveRows(const Statement& statement, const Activation& activation);
+  /// @param collect puts the rows as they become into temp."$moved", and answers how many there are
+  std::int64_t MoveRows(const CatalogObject& table, const std::function<std::int64_t()>& collect);
+  std::int64_t ApplyUpdate(const CatalogObject& table, const ChangeStage& stage);
+  /// Which table a statement changes, and whether it is MERGE, for messages.
+  struct Changed {
+    std::string table;
+    bool merges = false;
+  };
+  /// Runs a change of rows; an error because a constraint is broken tells which, and of which table.
+  void NamingConstraints(const std::function<Changed()>& changed, const std::function<void()>& change);
+  /// Runs a change that failed once more, and takes back what it did to rows, sequences and variables. @return what it raises
+  std::optional<SqlError> TryAgain(const std::function<void()>& body);
+  /// The key that a change gives a row though another one has it, as messages show it; "" where it is not found.
+  std::string DuplicateValue(const CatalogObject& table, const std::vector<std::string>& columns,
+                             const std::function<void()>& change);
+  /// Raises 547 where a foreign key of the table, or one that refers to it, is broken.
+  void RequireReferences(const CatalogObject& table, const std::string& verb);
+
   void InsertOne(const InsertStatement& insert, const TakenRows& taken, const Activation& activation);
 
   SessionDatabase& database_;
@@ -67,5 +89,8 @@ class RowStatements {
   Definitions& definitions_;
   Triggers& triggers_;
 };
+
+/// Whether the error is that of a key that another row has.
+bool IsDuplicate(const SqlError& error);
 
 }  // namespace tessarlorn::tsql

@@ -72,7 +72,7 @@ struct JoinedText {
 struct Joined {
   std::vector<JoinedText> texts;
   std::string separator;
-  std::string directions;  // 'a' or 'd' for each key
+  std::string directions;  // 'a' or 'd' for each key, and the number of its TextOrder: 0 for the database's
 };
 
 /// As SQLite orders a column: NULL first.
@@ -117,8 +117,10 @@ void EndJoined(sqlite3_context* context) {
   Guarded(context, RuntimeOf(context), [&] {
     std::stable_sort(state->texts.begin(), state->texts.end(), [&](const JoinedText& a, const JoinedText& b) {
       for (std::size_t i = 0; i < a.keys.size(); ++i) {
-        const int order = CompareKeys(RuntimeOf(context).text_order, a.keys[i], b.keys[i]);
-        if (order != 0) return (order < 0) == (state->directions[i] == 'a');
+        const auto own = static_cast<TextOrder>(state->directions[2 * i + 1] - '0');
+        const TextOrder text_order = own == TextOrder::kCodePoints ? RuntimeOf(context).text_order : own;
+        const int order = CompareKeys(text_order, a.keys[i], b.keys[i]);
+        if (order != 0) return (order < 0) == (state->directions[2 * i] == 'a');
       }
       return false;
     });

@@ -35,9 +35,10 @@ struct Variable {
 class Frame {
  public:
   Frame() = default;
-  Frame(const Frame& other) : variables_(other.variables_) { MakeIndex(); }
+  Frame(const Frame& other) : variables_(other.variables_), tables_(other.tables_) { MakeIndex(); }
   Frame& operator=(const Frame& other) {
     variables_ = other.variables_;
+    tables_ = other.tables_;
     MakeIndex();
     return *this;
   }
@@ -60,13 +61,7 @@ class Frame {
   }
   /// Raises 134 when the name is there already.
   void Declare(const std::string& name, const SqlType& type) {
-    if (Find(name) != nullptr) {
-      throw SqlError(134,
-                     "The variable name '" + name +
-                         "' has already been declared. Variable names must be unique within a query batch or "
-                         "stored procedure.",
-                     15);
-    }
+    RequireNew(name);
     variables_.push_back({name, type, {}});
     if (variables_.size() == kFew + 1) {
       MakeIndex();
@@ -74,8 +69,21 @@ class Frame {
       index_.emplace(variables_.back().name, &variables_.back());
     }
   }
+  /// The same of a table variable, which stands in the catalog.
+  void DeclareTable(const std::string& name) {
+    RequireNew(name);
+    tables_.push_back(name);
+  }
 
  private:
+  void RequireNew(const std::string& name) {
+    if (Find(name) == nullptr && std::find(tables_.begin(), tables_.end(), name) == tables_.end()) return;
+    throw SqlError(134,
+                   "The variable name '" + name +
+                       "' has already been declared. Variable names must be unique within a query batch or "
+                       "stored procedure.",
+                   15);
+  }
   void MakeIndex() {
     index_.clear();
     if (variables_.size() <= kFew) return;
@@ -85,6 +93,7 @@ class Frame {
   static constexpr std::size_t kFew = 16;
   /// Their addresses stay.
   std::deque<Variable> variables_;
+  std::vector<std::string> tables_;
   std::unordered_map<std::string_view, Variable*> index_;
 };
 
@@ -103,6 +112,8 @@ struct Runtime {
   std::function<Datum(std::string_view function, std::vector<Datum> arguments)> call_function;
   /// The next number of a sequence, for one of the places of a row that take it.
   std::function<std::int64_t(std::string_view sequence, std::int64_t place)> next_number;
+  /// The definition of a table by the name that SQLite has of it, as the catalog keeps it; "" for none.
+  std::function<std::string(std::string_view table)> table_definition;
   /// The number that a sequence, by its own number, gave last; NULL for none.
   std::function<Datum(std::int64_t sequence)> last_number;
   /// For SQLite, after each so many of its operations: whether the statement is to end now. One that ends by itself
@@ -116,6 +127,8 @@ struct Runtime {
   }
   /// Of the database. Set before functions and collations are registered.
   TextOrder text_order = TextOrder::kCodePoints;
+  /// What ts_note_key noted last.
+  std::vector<Datum> noted_key;
   /// SET DATEFORMAT
   DateOrder date_order = DateOrder::kMdy;
   /// SET DATEFIRST: 1 for Monday to 7 for Sunday.

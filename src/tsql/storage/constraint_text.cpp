@@ -121,7 +121,11 @@ void AddConstraint(Adder& adder, const TableConstraint& constraint) {
                    reference.referenced = key.referenced_columns;
                    adder.Add(std::move(reference));
                  },
-                 [&](const CheckRule& check) { adder.Add(MakeConstraint("C", name, {}, check.text)); },
+                 [&](const CheckRule& check) {
+                   std::vector<std::string> columns;
+                   if (!check.column.empty()) columns.push_back(check.column);
+                   adder.Add(MakeConstraint("C", name, std::move(columns), check.text));
+                 },
                  [&](const DefaultRule& rule) {
                    if (rule.value != nullptr) adder.Add(MakeConstraint("D", name, {rule.column}, rule.text));
                  },

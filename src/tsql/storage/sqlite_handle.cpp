@@ -11,6 +11,7 @@
 #include "platform/text/text.h"
 #include "tsql/functions/sqlite_value.h"
 #include "tsql/storage/catalog.h"
+#include "tsql/storage/constraint_text.h"
 #include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {
@@ -65,7 +66,55 @@ std::string IndexOf(sqlite3* database, const std::string& columns) {
   return statement.Step() ? statement.Text(0) : std::string();
 }
 
-[[noreturn]] void RaiseDuplicate(sqlite3* database, const std::string& detail) {
+Constraints ConstraintsOf(const Runtime* runtime, const std::string& table) {
+  if (runtime == nullptr || !runtime->table_definition) return {};
+  return ReadConstraints(runtime->table_definition(Shown(table)));
+}
+
+/// The key with the columns "t.a, t.b", or that the index "$unique2" stands beside; nullptr for none.
+const Constraint* KeyOf(const Constraints& constraints, const std::string& table, std::string_view key) {
+  int number = 0;
+  for (const Constraint& constraint : constraints) {
+    if (!constraint.is_key()) continue;
+    if (constraint.kind == "UQ" && key == std::string(kUniqueKeyPrefix) + std::to_string(++number)) return &constraint;
+    std::string columns;
+    for (const std::string& name : constraint.columns) {
+      columns.append(columns.empty() ? "" : ", ").append(table).append(".").append(name);
+    }
+    if (EqualsIgnoreCase(columns, key)) return &constraint;
+  }
+  return nullptr;
+}
+
+[[noreturn]] void RaiseBrokenKey(const char* kind, const std::string& name, const std::string& object,
+                                 DuplicateKey::Key key) {
+  throw DuplicateKey(2627,
+                     std::string("Violation of ") + kind + " KEY constraint" + name +
+                         ". Cannot insert duplicate key in object '" + object + "'.",
+                     std::move(key));
+}
+
+/// @param key as of KeyOf
+/// @param detail what SQLite says of it
+[[noreturn]] void RaiseBrokenKey(const Runtime* runtime, const std::string& table, const std::string& object,
+                                 std::string_view key, const std::string& detail) {
+  const Constraints constraints = ConstraintsOf(runtime, table);
+  const Constraint* const broken = KeyOf(constraints, table, key);
+  if (broken == nullptr) RaiseBrokenKey("UNIQUE", detail.empty() ? "" : " on '" + Shown(detail) + "'", object, {});
+  RaiseBrokenKey(broken->kind == "PK" ? "PRIMARY" : "UNIQUE", " '" + broken->name + "'", object,
+                 {table, broken->columns});
+}
+
+/// @param index with its table's name before a point
+std::vector<std::string> ColumnsOfIndex(sqlite3* database, const std::string& index) {
+  SqliteStatement names(database, "SELECT name FROM pragma_index_info(?1) ORDER BY seqno");
+  names.BindText(1, index);
+  std::vector<std::string> columns;
+  while (names.Step()) columns.push_back(names.Text(0));
+  return columns;
+}
+
+[[noreturn]] void RaiseDuplicate(sqlite3* database, const Runtime* runtime, const std::string& detail) {
   // Of an index on expressions SQLite names the index, "index 't.i'", else the columns.
   constexpr std::string_view kNamed = "index '";
   std::string index = detail.starts_with(kNamed) ? detail.substr(kNamed.size(), detail.size() - kNamed.size() - 1)
@@ -74,14 +123,11 @@ std::string IndexOf(sqlite3* database, const std::string& columns) {
   const std::string table = TablePart(database, index.empty() ? detail : index);
   const std::string name = ColumnPart(index, table);
   const std::string object = FullName(database, table);
-  if (!index.empty() && !name.starts_with(kUniqueKeyPrefix)) {
-    throw SqlError(2601, "Cannot insert duplicate key row in object '" + object + "' with unique index '" + name + "'.",
-                   14);
-  }
-  throw SqlError(2627,
-                 "Violation of UNIQUE KEY constraint" + (index.empty() ? " on '" + Shown(detail) + "'" : "") +
-                     ". Cannot insert duplicate key in object '" + object + "'.",
-                 14);
+  if (index.empty()) RaiseBrokenKey(runtime, table, object, detail, detail);
+  if (name.starts_with(kUniqueKeyPrefix)) RaiseBrokenKey(runtime, table, object, name, "");
+  throw DuplicateKey(2601,
+                     "Cannot insert duplicate key row in object '" + object + "' with unique index '" + name + "'.",
+                     {table, ColumnsOfIndex(database, index)});
 }
 
 bool IsDiskFull(int fault) {
@@ -121,7 +167,8 @@ bool HasRoom(sqlite3* database) {
   return !failed && space.available > kRoom;
 }
 
-[[noreturn]] void RaiseConstraint(sqlite3* database, int status, std::string_view message, std::string_view verb) {
+[[noreturn]] void RaiseConstraint(sqlite3* database, int status, const Runtime* runtime, std::string_view message,
+                                  std::string_view verb) {
   const std::string detail(Detail(message));
   const std::string table = TablePart(database, detail);
   const std::string object = FullName(database, table);
@@ -131,16 +178,14 @@ bool HasRoom(sqlite3* database) {
                               object + "'; column does not allow nulls. " + std::string(verb) + " fails.");
     case SQLITE_CONSTRAINT_PRIMARYKEY:
     case SQLITE_CONSTRAINT_ROWID:
-      throw SqlError(2627,
-                     "Violation of PRIMARY KEY constraint 'PK_" + object.substr(object.find('.') + 1) +
-                         "'. Cannot insert duplicate key in object '" + object + "'.",
-                     14);
+      if (const Constraints known = ConstraintsOf(runtime, table); KeyOf(known, table, detail) == nullptr) {
+        RaiseBrokenKey("PRIMARY", " 'PK_" + object.substr(object.find('.') + 1) + "'", object, {});
+      }
+      RaiseBrokenKey(runtime, table, object, detail, detail);
     case SQLITE_CONSTRAINT_UNIQUE:
-      RaiseDuplicate(database, detail);
+      RaiseDuplicate(database, runtime, detail);
     default:
-      throw SqlError(547, "The " + std::string(verb) + " statement conflicted with the " +
-                              (status == SQLITE_CONSTRAINT_CHECK ? "CHECK" : "FOREIGN KEY") + " constraint" +
-                              (detail.empty() ? "" : " \"" + detail + "\"") + ".");
+      throw BrokenConstraint(verb, status == SQLITE_CONSTRAINT_CHECK ? detail : "");
   }
 }
 
@@ -220,7 +265,7 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
   if ((kind == SQLITE_IOERR || kind == SQLITE_CANTOPEN) && IsDiskFull(database, extended)) kind = SQLITE_FULL;
   switch (kind) {
     case SQLITE_CONSTRAINT:
-      RaiseConstraint(database, extended, message, verb);
+      RaiseConstraint(database, extended, runtime, message, verb);
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
       throw SqlError(1222, "Lock request time out period exceeded: the database " + name + " is in use.");
@@ -248,6 +293,15 @@ void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_vi
       RaiseOther(message);
   }
 }
+
+BrokenConstraint::BrokenConstraint(std::string_view verb, const std::string& check)
+    : SqlError(547, "The " + std::string(verb) + " statement conflicted with the " +
+                        (check.empty() ? "FOREIGN KEY constraint." : "CHECK constraint \"" + check + "\".")),
+      verb_(verb),
+      check_(check) {}
+
+DuplicateKey::DuplicateKey(std::int32_t number, const std::string& message, Key key)
+    : SqlError(number, message, 14), key_(std::move(key)) {}
 
 void RunSql(sqlite3* database, const std::string& sql, Runtime* runtime) {
   const int status = sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr);

@@ -6,10 +6,12 @@
 #include <sqlite3.h>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tsql/functions/list_table.h"
 #include "tsql/functions/runtime.h"
 #include "tsql/values/datum.h"
+#include "tsql/values/sql_error.h"
 
 namespace tessarlorn::tsql {
 
@@ -23,6 +25,33 @@ using DatabaseHandle = std::unique_ptr<sqlite3, CloseDatabase>;
 /// (823), a read-only file (3906), an interrupted batch (3617).
 /// @param verb "INSERT", "UPDATE" or "DELETE" for the wording of broken constraints.
 [[noreturn]] void RaiseSqlite(sqlite3* database, int status, Runtime* runtime, std::string_view verb = "INSERT");
+
+/// 547 as far as SQLite tells: not which table it is about, and of foreign keys not which one is broken.
+class BrokenConstraint : public SqlError {
+ public:
+  /// @param check the name of a CHECK, "" for a foreign key
+  explicit BrokenConstraint(std::string_view verb, const std::string& check = {});
+  [[nodiscard]] const std::string& verb() const noexcept { return verb_; }
+  [[nodiscard]] const std::string& check() const noexcept { return check_; }
+
+ private:
+  std::string verb_;
+  std::string check_;
+};
+
+/// 2601 or 2627 as far as SQLite tells: without the value of the key.
+class DuplicateKey : public SqlError {
+ public:
+  struct Key {
+    std::string table;                 // as SQLite has it
+    std::vector<std::string> columns;  // none where they are not known
+  };
+  DuplicateKey(std::int32_t number, const std::string& message, Key key);
+  [[nodiscard]] const Key& key() const noexcept { return key_; }
+
+ private:
+  Key key_;
+};
 
 /// Runs statements without parameters. Raises as RaiseSqlite.
 void RunSql(sqlite3* database, const std::string& sql, Runtime* runtime = nullptr);

@@ -155,6 +155,7 @@ bool Parser::AcceptColumnConstraint(ColumnDefinition& column, std::vector<TableC
     }
     CheckRule check;
     ParseCheck(check.condition, check.text);
+    if (named) check.column = column.name;
     constraint.rule = std::move(check);
     constraints.push_back(std::move(constraint));
     return true;

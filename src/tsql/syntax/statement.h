@@ -134,6 +134,7 @@ struct UniqueRule {
 struct CheckRule {
   ExpressionPtr condition;
   std::string text;
+  std::string column = {};  // that it stands at, "" for the table's
 };
 
 struct ForeignKeyRule {

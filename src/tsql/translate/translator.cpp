@@ -53,12 +53,13 @@ Compiled Translator::CompileQuery(const Query& query) {
   return compiled;
 }
 
-std::vector<ResultColumn> Translator::DescribeQuery(const Query& query, bool may_order,
+std::vector<ResultColumn> Translator::DescribeQuery(const Query& query, const std::string& definition,
                                                     const std::vector<std::string>& given) {
   SelectOptions options;
-  options.may_order = may_order;
+  options.may_order = definition.empty();
   options.named = true;
-  options.owner = query.makes_table() ? query.select()->into.name : "query";
+  options.owner = definition.empty() ? query.select()->into.name : definition;
+  options.owner_kind = definition.empty() ? QueryOwner::kNewTable : QueryOwner::kDefinition;
   if (!given.empty()) options.names = &given;
   if (query.makes_table()) numbers = NumberPlace::kItems;
   std::vector<ResultColumn> columns = QueryText(query, nullptr, options).columns;

@@ -34,9 +34,9 @@ class Translator final : private Translation {
   Compiled CompileDelete(const DeleteStatement& statement);
   Compiled CompileMerge(const MergeStatement& merge, bool identity_insert);
   /// The columns that a query gives, as a new table or a view has them.
-  /// @param may_order it is no view: ORDER BY needs no TOP
+  /// @param definition the name of the view or function; "" for SELECT … INTO, where ORDER BY needs no TOP
   /// @param given the columns' names, where a view has a list of its own
-  std::vector<ResultColumn> DescribeQuery(const Query& query, bool may_order,
+  std::vector<ResultColumn> DescribeQuery(const Query& query, const std::string& definition,
                                           const std::vector<std::string>& given = {});
   /// A condition over the columns of a table that is being made, without parameters, for a CHECK constraint.
   std::string TranslateCheck(const CatalogObject& table, const Expression& condition);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/text/text.h"
+#include "tsql/engine/definitions/table_dependents.h"
 #include "tsql/engine/definitions/table_maker.h"
 #include "tsql/storage/trigger_rule.h"
 #include "tsql/translate/common/function_text.h"
@@ -23,6 +24,20 @@ constexpr std::array kDroppedAs = {ObjectKind::kTable,    ObjectKind::kView,    
                                    ObjectKind::kFunction, ObjectKind::kTrigger};
 /// Words for messages, by ObjectKind.
 constexpr std::array kKindWords = {"table", "view", "procedure", "function", "sequence object", "trigger"};
+
+/// "DROP TABLE" and its like.
+std::string StatementOf(ObjectKind kind) {
+  return "DROP " + (kind == ObjectKind::kSequence ? "SEQUENCE" : UpperCase(kKindWords[static_cast<std::size_t>(kind)]));
+}
+
+/// Raises 3705 for an object that another DROP drops.
+void RequireKind(const CatalogObject& object, ObjectKind dropped, const std::string& name) {
+  const ObjectKind own = kDroppedAs[static_cast<std::size_t>(object.kind)];
+  if (own == dropped) return;
+  const std::string word = kKindWords[static_cast<std::size_t>(own)];
+  throw SqlError(3705, "Cannot use " + StatementOf(dropped) + " with '" + name + "' because '" + name + "' is a " +
+                           word + ". Use " + StatementOf(own) + ".");
+}
 
 /// Those of a table that a function fills, as those of its rows.
 std::vector<Column> ColumnsOf(const CreateTableStatement& table) {
@@ -70,6 +85,14 @@ void Definitions::RequireUnreferenced(const CatalogObject& table, std::int32_t n
   if (other.Step("SELECT")) throw SqlError(number, message);
 }
 
+void Definitions::RequireUnbound(const CatalogObject& object, const std::string& statement, const std::string& name) {
+  if (object.temporary) return;
+  const std::string bound = BoundTo(database_, object);
+  if (bound.empty()) return;
+  throw SqlError(3729,
+                 "Cannot " + statement + " '" + name + "' because it is being referenced by object '" + bound + "'.");
+}
+
 bool Definitions::IndexExists(const CatalogObject& table, const std::string& index) {
   SqliteStatement there = database_.Prepare("SELECT 1 FROM " + std::string(SchemaOf(table)) +
                                             ".sqlite_schema WHERE type = 'index' AND lower(name) = lower(" +
@@ -102,6 +125,7 @@ void Definitions::CreateIndex(const CreateIndexStatement& statement, std::uint32
     throw SqlError(1913, "The operation failed because an index or statistics with name '" + statement.name +
                              "' already exists on table '" + table->name + "'.");
   }
+  if (statement.unique) RequireDistinct(database_, *table, key, statement.name, condition);
   const std::string nulls = statement.unique ? NullKeySql(*table, statement.name, key, condition) : "";
   database_.Atomically([&] {
     database_.Run(sql);
@@ -131,6 +155,7 @@ void Definitions::AddObject(CatalogObject object, bool replace) {
   Catalog& catalog = database_.catalog();
   const CatalogObjectPtr old = catalog.Find(object.name);
   const bool replaces = replace && old != nullptr && old->kind == object.kind;
+  if (replaces) RequireUnbound(*old, "ALTER", object.own_name());
   database_.Atomically([&] { replaces ? catalog.Replace(std::move(object)) : catalog.Add(std::move(object)); });
 }
 
@@ -138,7 +163,7 @@ void Definitions::CreateView(const CreateViewStatement& statement, const Activat
   CatalogObject view = NewObject(CatalogKind::kView, statement.view);
   view.definition = statement.source_text;
   Translator translator = plans_.MakeTranslator(activation, view.schema);
-  for (const ResultColumn& column : translator.DescribeQuery(*statement.query, false, statement.columns)) {
+  for (const ResultColumn& column : translator.DescribeQuery(*statement.query, view.own_name(), statement.columns)) {
     view.columns.push_back({column.name, column.type, column.nullable, false, ""});
   }
   AddObject(std::move(view), statement.replace);
@@ -147,10 +172,13 @@ void Definitions::CreateView(const CreateViewStatement& statement, const Activat
 void Definitions::CreateProcedure(const CreateProcedureStatement& statement) {
   CatalogObject procedure = NewObject(CatalogKind::kProcedure, statement.procedure);
   procedure.definition = statement.source_text;
+  Frame frame;
   for (const Parameter& parameter : statement.parameters) {
     procedure.columns.push_back(
         {parameter.name, ResolveType(parameter.type, false), true, false, parameter.output ? "output" : ""});
+    frame.Declare(parameter.name, procedure.columns.back().type);
   }
+  for (const StatementPtr& inner : statement.body) PlanStore::Declare(*inner, frame);
   AddObject(std::move(procedure), statement.replace);
 }
 
@@ -229,7 +257,7 @@ void Definitions::CreateFunction(const CreateFunctionStatement& statement, const
     Activation inner = activation;
     inner.frame = &frame;
     Translator translator = plans_.MakeTranslator(inner, function.schema);
-    for (const ResultColumn& column : translator.DescribeQuery(*statement.query, false)) {
+    for (const ResultColumn& column : translator.DescribeQuery(*statement.query, function.own_name())) {
       function.columns.push_back({column.name, column.type, column.nullable, false, ""});
     }
   }
@@ -248,13 +276,15 @@ void Definitions::Drop(const DropStatement& statement) {
   for (const ObjectName& name : statement.names) {
     RequireLocal(name);
     const CatalogObjectPtr object = database_.catalog().Find(name.name);
-    if (object == nullptr || kDroppedAs[static_cast<std::size_t>(object->kind)] != statement.kind) {
+    if (object != nullptr) RequireKind(*object, statement.kind, WrittenName(name));
+    if (object == nullptr) {
       if (statement.if_exists) continue;
       throw SqlError(3701,
                      std::string("Cannot drop the ") + word + " '" + name.name +
                          "', because it does not exist or you do not have permission.",
                      11);
     }
+    RequireUnbound(*object, StatementOf(statement.kind), WrittenName(name));
     database_.Atomically([&] { DropObject(*object); });
   }
 }

@@ -21,11 +21,19 @@ class Definitions {
   void CreateTable(const CreateTableStatement& statement, const Activation& activation);
   /// Makes a table. Raises 2714 when there is one of its name.
   void CreateTable(CatalogObject table, const Activation& activation);
-  /// Makes the table variable that a function could not make while a change called it. @return whether there is one
-  bool MakeWanted(const Activation& activation);
   /// The identity of a table that was emptied begins with its seed.
   void RestartIdentity(const CatalogObject& table, const Activation& activation);
+  /// That of a table that SELECT … INTO filled counts on.
+  void CountOn(const CatalogObject& table, const Activation& activation);
   void AlterTable(const AlterTableStatement& statement, const Activation& activation);
+
+  // variable_tables.cpp
+  /// Makes the table variables of a statement that are not there yet.
+  void MakeVariables(const DeclareStatement& declare, const Activation& activation);
+  /// The same of what is declared further down in IF, WHILE, BEGIN and TRY, whether or not a branch gets there.
+  void MakeVariablesWithin(const Statement& statement, const Activation& activation);
+  /// Makes the table variable that a function could not make while a change called it. @return whether there is one
+  bool MakeWanted(const Activation& activation);
 
   // definitions.cpp
   void CreateIndex(const CreateIndexStatement& statement, std::uint32_t line, const Activation& activation);
@@ -48,8 +56,8 @@ class Definitions {
   // sequences.cpp
   /// CREATE and ALTER SEQUENCE. @param numbers what the sequences gave so far
   void DefineSequence(const SequenceStatement& statement, SequenceNumbers& numbers);
-  /// sp_rename. @param kind "" or what it is: OBJECT, COLUMN or INDEX. Raises 15224, 15225, 15248, 15249, 15335 and
-  /// 15336.
+  /// sp_rename, of a constraint too. @param kind "" or what it is: OBJECT, COLUMN or INDEX. Raises 15224, 15225, 15248,
+  /// 15249, 15335 and 15336.
   void Rename(const std::string& object, const std::string& new_name, const std::string& kind);
   /// Drops the session's temporary tables. @param but the names of those that stay
   void DropTemporaryTables(const std::vector<std::string>& but = {});
@@ -57,6 +65,8 @@ class Definitions {
   void RequireUnreferenced(const CatalogObject& table, std::int32_t number, const std::string& message);
 
  private:
+  /// Raises 3729 while a view or function WITH SCHEMABINDING names the object.
+  void RequireUnbound(const CatalogObject& object, const std::string& statement, const std::string& name);
   bool IndexExists(const CatalogObject& table, const std::string& index);
   /// A table goes with its triggers.
   void DropObject(const CatalogObject& object);
@@ -66,6 +76,8 @@ class Definitions {
   /// Refuses a name of dbo's that would be one in a schema. @param schema "" for dbo
   void RequireOwnName(const std::string& schema, const std::string& name);
   void RenameColumn(const CatalogObject& table, const std::string& column, const std::string& new_name);
+  /// Whether there is a constraint of that name. @param schema "" for dbo
+  bool RenameConstraint(const std::string& schema, const std::string& constraint, const std::string& new_name);
   void RenameIndex(const CatalogObject& table, const std::string& index, const std::string& new_name);
   /// Gives the indexes of SQLite's table whose names begin with `from` such as begin with `to`. @param whole the names
   /// are `from`

@@ -1,9 +1,11 @@
-// sp_rename: objects, columns and indexes.
+// sp_rename: objects, constraints, columns and indexes.
 #include <algorithm>
 
 #include "platform/text/text.h"
 #include "tsql/engine/definitions/definitions.h"
 #include "tsql/engine/definitions/table_dependents.h"
+#include "tsql/engine/definitions/table_maker.h"
+#include "tsql/storage/system_view_parts.h"
 
 namespace tessarlorn::tsql {
 namespace {
@@ -20,9 +22,13 @@ SqlError RenameError(std::int32_t number, const std::string& text) { return {num
                                ") is wrong.");
 }
 
+[[noreturn]] void RaiseInUse(const std::string& name) {
+  throw RenameError(
+      15336, "Object '" + name + "' cannot be renamed because the object participates in enforced dependencies.");
+}
+
 [[noreturn]] void RaiseInUse(const CatalogObject& table, const std::string& column) {
-  throw RenameError(15336, "Object '" + table.name + "." + column +
-                               "' cannot be renamed because the object participates in enforced dependencies.");
+  RaiseInUse(table.name + "." + column);
 }
 
 }  // namespace
@@ -51,6 +57,7 @@ void Definitions::Rename(const std::string& object, const std::string& new_name,
       if (!found || owner->kind != CatalogKind::kTable) RaiseWrongKind(is_column ? "COLUMN" : "INDEX");
       is_column ? RenameColumn(*owner, last, new_name) : RenameIndex(*owner, last, new_name);
     } else {
+      if (owner == nullptr && IsLocal(name) && RenameConstraint(name.schema, name.own_name(), new_name)) return;
       if (!found) {
         throw RenameError(15225, "No item by the name of '" + object +
                                      "' could be found in the current database 'main', " +
@@ -59,6 +66,7 @@ void Definitions::Rename(const std::string& object, const std::string& new_name,
       const std::string moved = (owner->schema.empty() ? "" : owner->schema + ".") + new_name;
       if (database_.catalog().Find(moved) != nullptr) RaiseTaken(new_name, "object");
       RequireOwnName(owner->schema, moved);
+      if (!BoundTo(database_, *owner).empty()) RaiseInUse(object);
       Move(*owner, moved);
     }
     database_.catalog().Refresh();
@@ -71,6 +79,36 @@ void Definitions::Move(const CatalogObject& object, const std::string& new_name)
     MoveIndexes(new_name, object.name + ".", new_name + ".");
   }
   database_.catalog().RenameObject(object, new_name);
+}
+
+bool Definitions::RenameConstraint(const std::string& schema, const std::string& constraint,
+                                   const std::string& new_name) {
+  SqliteStatement found =
+      database_.Prepare("SELECT owner, position FROM (" + kConstraints +
+                        ") WHERE kind IN ('PK', 'UQ', 'F', 'C', 'D') AND lower(name) = lower(" + QuoteText(constraint) +
+                        ") AND lower(schema_name) = lower(" + QuoteText(schema.empty() ? "dbo" : schema) + ")");
+  if (!found.Step("SELECT")) return false;
+  const CatalogObjectPtr table = database_.catalog().Get(found.Text(0));
+  const auto position = static_cast<std::size_t>(found.Integer(1));
+  found.Reset();
+  if (IsNameTaken(database_, schema, new_name)) RaiseTaken(new_name, "object");
+  Constraints constraints = ReadConstraints(table->definition);
+  Constraint& renamed = constraints.at(position);
+  renamed.name = new_name;
+  CatalogObject changed = *table;
+  changed.definition = WriteConstraints(constraints);
+  if (renamed.kind != "C") {
+    database_.catalog().Replace(std::move(changed));
+    return true;
+  }
+  // SQLite's table has the names of its conditions, too.
+  Plan plan;
+  Frame frame;
+  const Activation activation{&frame, &plan, {}, {}, nullptr};
+  TableMaker maker(database_, plans_, activation);
+  maker.RequireNoted(*table);
+  maker.Rebuild(*table, std::move(changed), {});
+  return true;
 }
 
 void Definitions::RenameColumn(const CatalogObject& table, const std::string& column, const std::string& new_name) {
@@ -88,6 +126,7 @@ void Definitions::RenameColumn(const CatalogObject& table, const std::string& co
   for (const Column& other : table.columns) {
     if (other.computed() && NamesColumn(database_, other.computed_text, column)) RaiseInUse(table, column);
   }
+  if (!BoundTo(database_, table, column).empty()) RaiseInUse(table, column);
   database_.Run("ALTER TABLE " + TableSql(table) + " RENAME COLUMN " + QuoteName(column) + " TO " +
                 QuoteName(new_name));
   database_.catalog().RenameColumn(table, column, new_name);

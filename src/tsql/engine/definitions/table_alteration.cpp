@@ -172,28 +172,12 @@ void TableAlteration::RequireKey(const Constraint& key) {
                      "Cannot define PRIMARY KEY constraint on nullable column in table '" + table_.own_name() + "'.");
     }
   }
-  const std::string columns = NameList(key.columns);
-  SqliteStatement doubles = database_.Prepare("SELECT " + columns + " FROM " + TableSql(table_) + " GROUP BY " +
-                                              columns + " HAVING count(*) > 1 LIMIT 1");
-  if (!doubles.Step("SELECT")) return;
-  std::string value;
-  for (std::size_t i = 0; i < key.columns.size(); ++i) {
-    const Datum text = Convert(doubles.Value(static_cast<int>(i)), ColumnNamed(key.columns[i]).type, NVarCharType(0));
-    const auto* words = std::get_if<std::string>(&text);
-    value += (i == 0 ? "" : ", ") + (words == nullptr ? "<NULL>" : *words);
-  }
-  throw SqlError(1505,
-                 "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name "
-                 "'" +
-                     table_.full_name() + "' and the index name '" + key.name + "'. The duplicate key value is (" +
-                     value + ").");
+  RequireDistinct(database_, table_, key.columns, key.name);
 }
 
 void TableAlteration::RequireChecked(const Constraint& check) {
   if (!HasRow(TableSql(table_) + " WHERE NOT (" + maker_.CheckSql(table_, check) + ")")) return;
-  throw SqlError(547, "The ALTER TABLE statement conflicted with the CHECK constraint \"" + check.name +
-                          "\". The conflict occurred in database \"main\", table \"" + table_.full_name() + "\"" +
-                          (check.columns.size() == 1 ? ", column '" + check.columns[0] + "'." : "."));
+  throw Conflict("ALTER TABLE", "CHECK", check.name, table_, check.columns);
 }
 
 void TableAlteration::RequireReference(const Constraint& reference) {
@@ -232,26 +216,16 @@ void TableAlteration::RequireReference(const Constraint& reference) {
 
 void TableAlteration::RequireReferred(const Constraint& reference, const CatalogObject& other,
                                       const std::vector<std::string>& referenced) {
-  std::string given;
-  std::string equal;
   for (std::size_t i = 0; i < referenced.size(); ++i) {
     const Column& own = ColumnNamed(reference.columns[i]);
     const Column& column = other.columns[static_cast<std::size_t>(other.FindColumn(referenced[i]))];
-    if (own.type.kind != column.type.kind) {
-      throw SqlError(1778, "Column '" + other.name + "." + column.name +
-                               "' is not the same data type as referencing column '" + table_.name + "." + own.name +
-                               "' in foreign key '" + reference.name + "'.");
-    }
-    given += (i == 0 ? "" : " AND ") + ("f." + QuoteName(own.name)) + " IS NOT NULL";
-    equal += (i == 0 ? "" : " AND ") + ("p." + QuoteName(column.name)) + " = f." + QuoteName(own.name);
+    if (own.type.kind == column.type.kind) continue;
+    throw SqlError(1778, "Column '" + other.name + "." + column.name +
+                             "' is not the same data type as referencing column '" + table_.name + "." + own.name +
+                             "' in foreign key '" + reference.name + "'.");
   }
-  if (!HasRow(TableSql(table_) + " f WHERE " + given + " AND NOT EXISTS (SELECT 1 FROM " + TableSql(other) +
-              " p WHERE " + equal + ")")) {
-    return;
-  }
-  throw SqlError(547, "The ALTER TABLE statement conflicted with the FOREIGN KEY constraint \"" + reference.name +
-                          "\". The conflict occurred in database \"main\", table \"" + other.full_name() + "\"" +
-                          (referenced.size() == 1 ? ", column '" + referenced[0] + "'." : "."));
+  if (!HasBrokenReference(database_, table_, reference, other, referenced)) return;
+  throw Conflict("ALTER TABLE", "FOREIGN KEY", reference.name, other, referenced);
 }
 
 void TableAlteration::Drop(const std::vector<AlterTableStatement::Dropped>& items) {
@@ -360,6 +334,8 @@ void TableAlteration::RequireFree(const Column& column, const Column* to) {
       RaiseDependent("column", other.name, column.name);
     }
   }
+  const std::string bound = turns ? BoundTo(database_, table_, column.name) : "";
+  if (!bound.empty()) RaiseDependent("object", bound, column.name);
   const bool grows = to != nullptr && OnlyGrows(column.type, to->type) && column.nullable == to->nullable;
   if (grows) return;
   const std::vector<std::string> indexes = IndexesOn(database_, table_, column.name);

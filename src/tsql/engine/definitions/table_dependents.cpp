@@ -52,6 +52,82 @@ std::vector<IncomingReference> ReferencesTo(SessionDatabase& database, const Cat
   return references;
 }
 
+bool HasBrokenReference(SessionDatabase& database, const CatalogObject& table, const Constraint& key,
+                        const CatalogObject& other, const std::vector<std::string>& referenced) {
+  std::string given;
+  std::string equal;
+  for (std::size_t i = 0; i < referenced.size(); ++i) {
+    const std::string own = "f." + QuoteName(key.columns[i]);
+    given += (i == 0 ? "" : " AND ") + own + " IS NOT NULL";
+    equal += (i == 0 ? "" : " AND ") + ("p." + QuoteName(referenced[i])) + " = " + own;
+  }
+  return database
+      .Prepare("SELECT 1 FROM " + TableSql(table) + " f WHERE " + given + " AND NOT EXISTS (SELECT 1 FROM " +
+               TableSql(other) + " p WHERE " + equal + ") LIMIT 1")
+      .Step("SELECT");
+}
+
+void RequireDistinct(SessionDatabase& database, const CatalogObject& table, const std::vector<std::string>& columns,
+                     const std::string& index, const std::string& condition) {
+  const std::string list = NameList(columns);
+  SqliteStatement doubles = database.Prepare("SELECT " + list + " FROM " + TableSql(table) +
+                                             (condition.empty() ? "" : " WHERE " + condition) + " GROUP BY " + list +
+                                             " HAVING count(*) > 1 LIMIT 1");
+  if (!doubles.Step("SELECT")) return;
+  std::vector<Datum> values;
+  for (std::size_t i = 0; i < columns.size(); ++i) values.push_back(doubles.Value(static_cast<int>(i)));
+  throw SqlError(1505,
+                 "The CREATE UNIQUE INDEX statement terminated because a duplicate key was found for the object name "
+                 "'" +
+                     table.full_name() + "' and the index name '" + index + "'. The duplicate key value is (" +
+                     KeyText(table, columns, values) + ").");
+}
+
+std::string KeyText(const CatalogObject& table, const std::vector<std::string>& columns,
+                    const std::vector<Datum>& values) {
+  std::string shown;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    const Column& column = table.columns[static_cast<std::size_t>(table.FindColumn(columns[i]))];
+    const Datum text = Convert(values[i], column.type, NVarCharType(0));
+    const auto* words = std::get_if<std::string>(&text);
+    shown += (i == 0 ? "" : ", ") + (words == nullptr ? "<NULL>" : *words);
+  }
+  return shown;
+}
+
+SqlError Conflict(std::string_view verb, std::string_view kind, const std::string& constraint,
+                  const CatalogObject& table, const std::vector<std::string>& columns) {
+  return {547, "The " + std::string(verb) + " statement conflicted with the " + std::string(kind) + " constraint \"" +
+                   constraint + "\". The conflict occurred in database \"" + (table.temporary ? "tempdb" : "main") +
+                   "\", table \"" + (table.name.starts_with('@') ? table.name : table.full_name()) + "\"" +
+                   (columns.size() == 1 ? ", column '" + columns[0] + "'." : ".")};
+}
+
+std::string BoundTo(SessionDatabase& database, const CatalogObject& object, const std::string& column) {
+  const std::string schema = object.schema.empty() ? "dbo" : object.schema;
+  SqliteStatement found = database.Prepare(
+      R"(SELECT name, definition FROM main."$objects" WHERE (kind = 'view' OR kind LIKE '%function')
+ AND definition LIKE '%schemabinding%' AND name <> )" +
+      QuoteText(object.name) + " ORDER BY id");
+  while (found.Step("SELECT")) {
+    const std::string text = found.Text(1);
+    Tokens tokens;
+    TokenizeDefinition(text, database.names(), tokens);
+    const std::vector<Token>& all = tokens.tokens;
+    const auto is_word = [&](std::string_view word) {
+      return std::any_of(all.begin(), all.end(),
+                         [&](const Token& token) { return EqualsIgnoreCase(token.text, word); });
+    };
+    bool named = false;
+    for (std::size_t i = 0; i + 2 < all.size() && !named; ++i) {
+      named = EqualsIgnoreCase(all[i].text, schema) && all[i + 1].op == Op::kDot &&
+              EqualsIgnoreCase(all[i + 2].text, object.own_name());
+    }
+    if (named && is_word("schemabinding") && (column.empty() || is_word(column))) return found.Text(0);
+  }
+  return {};
+}
+
 bool IsNameTaken(SessionDatabase& database, const std::string& schema, const std::string& name) {
   if (database.catalog().Find(MakeObjectName(schema, name).name) != nullptr) return true;
   SqliteStatement found =

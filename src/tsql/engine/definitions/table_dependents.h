@@ -24,6 +24,25 @@ struct IncomingReference {
 
 std::vector<IncomingReference> ReferencesTo(SessionDatabase& database, const CatalogObject& table);
 
+/// Whether a row of a table has a foreign key that no row of the other table has.
+/// @param referenced the other table's columns
+bool HasBrokenReference(SessionDatabase& database, const CatalogObject& table, const Constraint& key,
+                        const CatalogObject& other, const std::vector<std::string>& referenced);
+/// Raises 1505 where rows have the same key. @param condition of the rows that count, in SQLite's words, or ""
+void RequireDistinct(SessionDatabase& database, const CatalogObject& table, const std::vector<std::string>& columns,
+                     const std::string& index, const std::string& condition = "");
+/// The values of a key as messages show them.
+std::string KeyText(const CatalogObject& table, const std::vector<std::string>& columns,
+                    const std::vector<Datum>& values);
+/// 547 of a constraint. @param kind "CHECK", "FOREIGN KEY" or "REFERENCE"
+/// @param columns those of the table that it is about; one alone is named
+SqlError Conflict(std::string_view verb, std::string_view kind, const std::string& constraint,
+                  const CatalogObject& table, const std::vector<std::string>& columns);
+
+/// The name of a view or function WITH SCHEMABINDING whose text names the object, in two parts, and the column where
+/// one is given; "" for none.
+std::string BoundTo(SessionDatabase& database, const CatalogObject& object, const std::string& column = "");
+
 /// Whether a constraint or an object of the schema has the name. @param schema "" for dbo
 bool IsNameTaken(SessionDatabase& database, const std::string& schema, const std::string& name);
 

@@ -176,6 +176,14 @@ void TableMaker::RestartIdentity(const CatalogObject& table, const Constraint& i
                 QuoteText(table.table_name()) + ", " + std::to_string(identity.seed + (rows - 1) * increment) + ")");
 }
 
+void TableMaker::CountOn(const CatalogObject& table, const Constraint& identity) {
+  if (identity.increment == 0) return;
+  const std::string farthest = std::string(identity.increment < 0 ? "min(" : "max(") + NameList(identity.columns) + ")";
+  database_.Run("DELETE FROM " + SequenceOf(table) + "; INSERT INTO " + std::string(SchemaOf(table)) +
+                ".sqlite_sequence SELECT " + QuoteText(table.table_name()) + ", " + farthest + " FROM " +
+                TableSql(table) + " HAVING count(*) > 0");
+}
+
 void TableMaker::Make(CatalogObject table) {
   Catalog& catalog = database_.catalog();
   SettleComputed(table);

@@ -32,6 +32,8 @@ class TableMaker {
   std::string CheckSql(const CatalogObject& table, const Constraint& check);
   /// Lets the identity of a table count anew. @param rows how many values it gave
   void RestartIdentity(const CatalogObject& table, const Constraint& identity, std::int64_t rows = 0);
+  /// Lets the identity of a table that was filled count on from the farthest value in it.
+  void CountOn(const CatalogObject& table, const Constraint& identity);
   /// Raises where SQLite's table has constraints that the catalog does not tell of: an earlier version made it.
   void RequireNoted(const CatalogObject& table);
 

@@ -67,6 +67,12 @@ void Definitions::RestartIdentity(const CatalogObject& table, const Activation& 
   TableMaker(database_, plans_, activation).RestartIdentity(table, identity == nullptr ? Constraint{} : *identity);
 }
 
+void Definitions::CountOn(const CatalogObject& table, const Activation& activation) {
+  const Constraints constraints = ReadConstraints(table.definition);
+  const Constraint* identity = FindKind(constraints, "I");
+  if (identity != nullptr) TableMaker(database_, plans_, activation).CountOn(table, *identity);
+}
+
 void Definitions::AlterTable(const AlterTableStatement& statement, const Activation& activation) {
   RequireLocal(statement.table);
   const CatalogObjectPtr table = database_.catalog().Find(statement.table.name);

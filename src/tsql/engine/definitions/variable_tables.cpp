@@ -1,9 +1,27 @@
-// The table variables of functions, which come and go while the statement that calls runs.
+// Table variables: those of branches, and those of functions, which come and go while the statement that calls runs.
 #include <utility>
 
 #include "tsql/engine/definitions/definitions.h"
+#include "tsql/syntax/ast_walk.h"
 
 namespace tessarlorn::tsql {
+
+void Definitions::MakeVariables(const DeclareStatement& declare, const Activation& activation) {
+  for (const CreateTableStatement& table : declare.tables) {
+    // In a loop it stands, with its rows.
+    if (database_.catalog().Find(table.table.name) == nullptr) CreateTable(table, activation);
+  }
+}
+
+void Definitions::MakeVariablesWithin(const Statement& statement, const Activation& activation) {
+  const bool has_branches = As<IfStatement>(statement) != nullptr || As<WhileStatement>(statement) != nullptr ||
+                            As<BlockStatement>(statement) != nullptr || As<TryCatchStatement>(statement) != nullptr;
+  if (!has_branches) return;
+  ForEachChild(statement, [&](const Statement& child) {
+    if (const auto* declare = As<DeclareStatement>(child)) MakeVariables(*declare, activation);
+    MakeVariablesWithin(child, activation);
+  });
+}
 
 std::string Definitions::VariableName(const CreateTableStatement& statement, const Activation& activation) {
   std::string name = statement.table.name + "$" + std::to_string(database_.catalog().scope_depth());

@@ -78,6 +78,7 @@ void PlanStore::Declare(const Statement& statement, Frame& frame) {
     for (const VariableDeclaration& variable : declare->variables) {
       frame.Declare(variable.name, ResolveType(variable.type, false));
     }
+    for (const CreateTableStatement& table : declare->tables) frame.DeclareTable(table.table.name);
   }
   ForEachChild(statement, [&](const Statement& child) { Declare(child, frame); });
 }

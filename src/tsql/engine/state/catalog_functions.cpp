@@ -132,6 +132,12 @@ void NextIdentity(sqlite3_context* context, Runtime& /*runtime*/, Arguments argu
   }
 }
 
+// ts_note_key(value, …): the key of the row that is about to be stored
+void NoteKey(sqlite3_context* /*context*/, Runtime& runtime, Arguments arguments) {
+  runtime.noted_key.clear();
+  for (sqlite3_value* const value : arguments) runtime.noted_key.push_back(ToDatum(value));
+}
+
 void ColumnLength(sqlite3_context* context, const Catalog& catalog, Arguments arguments) {
   if (AnyNull(arguments) || arguments.size() != 2) return;
   const CatalogObjectPtr object = FindNamed(catalog, TextOf(arguments[0]));
@@ -170,6 +176,7 @@ void RegisterCatalogFunctions(sqlite3* database, Catalog& catalog, Runtime& runt
   add("ts_ident_seed", 1, CallCatalogFunction<IdentSeed>);
   add("ts_ident_incr", 1, CallCatalogFunction<IdentIncrement>);
   RegisterFunction(database, runtime, "ts_identity", 6, NextIdentity, false);
+  RegisterFunction(database, runtime, "ts_note_key", -1, NoteKey, false);
   add("ts_row_count", 1, CallCatalogFunction<RowCount>);
   add("ts_col_length", 2, CallCatalogFunction<ColumnLength>);
 }

@@ -15,8 +15,29 @@ namespace tessarlorn::tsql {
 /// While a session has the write lock nobody else takes numbers: they are counted here, and noted in the file when the
 /// lock is given back, behind a rollback too. So a number is not given again.
 class SequenceNumbers {
+ private:
+  struct Given {
+    CatalogObjectPtr sequence;
+    SequenceDefinition definition;
+    std::optional<std::int64_t> last;
+    std::set<std::int64_t> places;  // those of the row at hand that have their number
+  };
+
  public:
   explicit SequenceNumbers(SessionDatabase& database) : database_(database) {}
+
+  /// Numbers that are taken while it lives are given again.
+  class Trial {
+   public:
+    explicit Trial(SequenceNumbers& numbers) : numbers_(numbers), given_(numbers.given_) {}
+    Trial(const Trial&) = delete;
+    Trial& operator=(const Trial&) = delete;
+    ~Trial() { numbers_.given_.swap(given_); }
+
+   private:
+    SequenceNumbers& numbers_;
+    std::map<std::int64_t, Given> given_;
+  };
 
   /// The next number. All places of a row get the same. Raises 11728.
   std::int64_t Next(std::string_view sequence, std::int64_t place);
@@ -37,12 +58,6 @@ class SequenceNumbers {
   void Forget();
 
  private:
-  struct Given {
-    CatalogObjectPtr sequence;
-    SequenceDefinition definition;
-    std::optional<std::int64_t> last;
-    std::set<std::int64_t> places;  // those of the row at hand that have their number
-  };
   Given& Of(const CatalogObjectPtr& sequence);
   /// Whether the sequence stands in the catalog as it did then.
   [[nodiscard]] bool Stands(const Given& given) const;

@@ -23,6 +23,10 @@ SessionDatabase::SessionDatabase(DatabaseHandle database, std::size_t memory_lim
       handle(), kOperationsOfALook, [](void* runtime) { return static_cast<Runtime*>(runtime)->Interrupts() ? 1 : 0; },
       &runtime_);
   runtime_.text_order = TextOrderOf(handle());
+  runtime_.table_definition = [this](std::string_view table) {
+    const CatalogObjectPtr object = catalog_.Find(table);
+    return object == nullptr || object->kind != CatalogKind::kTable ? std::string() : object->definition;
+  };
   RegisterFunctions(handle(), runtime_);
   RegisterListTable(handle());
   RegisterRowTable(handle(), runtime_);

@@ -51,8 +51,8 @@ Typed Joined(const Call& call, const Typed& value, const std::string& separator)
   for (const OrderItem& item : call.within()) {
     const Typed key = call.translation().Value(*item.expression, call.scope());
     if (key.type.has_offset()) RaiseUnsupported("WITHIN GROUP ordered by a datetimeoffset", call.line());
-    if (key.type.order != TextOrder::kCodePoints) RaiseUnsupported("WITHIN GROUP ordered by COLLATE", call.line());
     directions += item.descending ? 'd' : 'a';
+    directions += static_cast<char>('0' + static_cast<int>(key.type.order));
     keys += ", " + key.sql;
   }
   return {"ts_string_agg(" + text + ", " + separator + ", '" + directions + "'" + keys + ")", type, true, -1};

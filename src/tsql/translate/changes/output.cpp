@@ -165,6 +165,9 @@ void StagedChange::Add(Kind kind, const Clauses& clauses, const std::string& row
   if (!output.empty()) outputs_ += (outputs_.empty() ? "" : " UNION ALL ") + output;
   stage.apply = ReplaceAll(apply, "{rows}", "temp." + QuoteName(stage.table));
   stage.gives_numbers = kind == Kind::kInsert && !output.empty();
+  for (std::size_t i = 0; kind == Kind::kUpdate && i < values.size(); ++i) {
+    stage.changed_columns.push_back(values[i].first);
+  }
   if (kind == Kind::kInsert && table.identity_column() >= 0) stage.identity_table = table.table_name();
   collects_.push_back(clauses.with + (once_ ? "INSERT" : "INSERT OR IGNORE") + " INTO temp." + QuoteName(stage.table) +
                       " SELECT " + list + clauses.Tail());

@@ -42,6 +42,9 @@ struct ResultColumn {
   SqlType type;
   bool nullable = true;
   bool identity = false;
+  /// Of an identity, as of Constraint.
+  std::int64_t seed = 1;
+  std::int64_t increment = 0;
   /// Of a query that a change goes through: which of its rows the value is of, -1 for a computed one, and the column.
   int row = -1;
   std::string base = {};
@@ -54,10 +57,11 @@ struct ChangeStage {
   std::string table;    // the temporary one, in SQLite's words without quotes
   std::string columns;  // as CREATE TABLE takes them: r is the number of a row
   std::unique_ptr<Compiled> collect;
-  std::string apply;           // without parameters
-  std::string_view verb;       // as of Compiled
-  bool gives_numbers = false;  // it inserts row by row, and notes the numbers that they get
-  std::string identity_table;  // as of Compiled
+  std::string apply;                         // without parameters
+  std::string_view verb;                     // as of Compiled
+  bool gives_numbers = false;                // it inserts row by row, and notes the numbers that they get
+  std::string identity_table;                // as of Compiled
+  std::vector<std::string> changed_columns;  // of an update: those that get v0, v1 …
 };
 
 struct Compiled {

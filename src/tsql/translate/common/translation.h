@@ -18,13 +18,18 @@
 namespace tessarlorn::tsql {
 
 /// How a query's columns are wanted.
+/// What a query with named columns is: a derived table or its like, the text of a view or function, or the rows of a
+/// table that SELECT … INTO makes.
+enum class QueryOwner : std::uint8_t { kDerivedTable, kDefinition, kNewTable };
+
 struct SelectOptions {
   bool collate_items = false;
   /// Output names given from outside: t(a, b), WITH c(a, b).
   const std::vector<std::string>* names = nullptr;
   bool may_order = false;  // it stands for itself: ORDER BY needs no TOP
   bool named = false;      // every column needs a name of its own (derived tables, views)
-  std::string owner;       // for messages: the derived table's alias
+  std::string owner;       // for messages: the derived table's alias, the view's or new table's name
+  QueryOwner owner_kind = QueryOwner::kDerivedTable;
 };
 
 /// A table of WITH, as later queries read it.

@@ -22,15 +22,46 @@ void Rename(std::vector<ResultColumn>& columns, const std::vector<std::string>& 
   for (std::size_t i = 0; i < names.size(); ++i) columns[i].name = names[i];
 }
 
-void CheckNames(const std::vector<ResultColumn>& columns, const std::string& owner) {
+namespace {
+
+/// @param number the column's, from 1
+[[noreturn]] void RaiseNoName(std::size_t number, const std::string& owner, QueryOwner kind) {
+  switch (kind) {
+    case QueryOwner::kNewTable:
+      throw SqlError(1038,
+                     "An object or column name is missing or empty. For SELECT INTO statements, verify each column has "
+                     "a name. For other statements, look for empty alias names. Aliases defined as \"\" or [] are not "
+                     "allowed. Change the alias to a valid name.",
+                     15);
+    case QueryOwner::kDefinition:
+      throw SqlError(4511, "Create View or Function failed because no column name was specified for column " +
+                               std::to_string(number) + ".");
+    default:
+      throw SqlError(8155,
+                     "No column name was specified for column " + std::to_string(number) + " of '" + owner + "'.");
+  }
+}
+
+[[noreturn]] void RaiseNameTwice(const std::string& column, const std::string& owner, QueryOwner kind) {
+  switch (kind) {
+    case QueryOwner::kNewTable:
+      throw SqlError(2705, "Column names in each table must be unique. Column name '" + column + "' in table '" +
+                               owner + "' is specified more than once.");
+    case QueryOwner::kDefinition:
+      throw SqlError(4506, "Column names in each view or function must be unique. Column name '" + column +
+                               "' in view or function '" + owner + "' is specified more than once.");
+    default:
+      throw SqlError(8156, "The column '" + column + "' was specified multiple times for '" + owner + "'.");
+  }
+}
+
+}  // namespace
+
+void CheckNames(const std::vector<ResultColumn>& columns, const std::string& owner, QueryOwner kind) {
   std::set<std::string> seen;
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    if (columns[i].name.empty()) {
-      throw SqlError(8155, "No column name was specified for column " + std::to_string(i + 1) + " of '" + owner + "'.");
-    }
-    if (!seen.insert(LowerCase(columns[i].name)).second) {
-      throw SqlError(8156, "The column '" + columns[i].name + "' was specified multiple times for '" + owner + "'.");
-    }
+    if (columns[i].name.empty()) RaiseNoName(i + 1, owner, kind);
+    if (!seen.insert(LowerCase(columns[i].name)).second) RaiseNameTwice(columns[i].name, owner, kind);
   }
 }
 
@@ -78,7 +109,7 @@ TranslatedQuery TranslateRows(Translation& translation, const ValueRows& values,
   for (std::size_t i = 0; i < result.columns.size(); ++i) {
     result.columns[i].name = options.names != nullptr && i < options.names->size() ? (*options.names)[i] : "";
   }
-  if (options.named) CheckNames(result.columns, options.owner);
+  if (options.named) CheckNames(result.columns, options.owner, options.owner_kind);
   constexpr std::size_t kMostOfUnion = 500;
   if (rows.size() > kMostOfUnion) {
     result.sql = ManyRows(translation, rows, result.columns);

@@ -24,8 +24,10 @@ TranslatedQuery TranslateRows(Translation& translation, const ValueRows& values,
 
 /// Gives the columns other names. Raises 8158 and 8159 for another number of them.
 void Rename(std::vector<ResultColumn>& columns, const std::vector<std::string>& names, const std::string& owner);
-/// Raises 8155 and 8156 for columns without a name of their own.
-void CheckNames(const std::vector<ResultColumn>& columns, const std::string& owner);
+/// Raises 8155 and 8156 for columns without a name of their own, 4511 and 4506 in a definition, 1038 and 2705 in a new
+/// table.
+void CheckNames(const std::vector<ResultColumn>& columns, const std::string& owner,
+                QueryOwner kind = QueryOwner::kDerivedTable);
 /// Whether values of both types are kept alike in SQLite.
 bool StoresAlike(const SqlType& a, const SqlType& b);
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/text/text.h"
+#include "tsql/storage/constraint_text.h"
 #include "tsql/translate/common/conversion.h"
 #include "tsql/translate/common/meaning.h"
 #include "tsql/translate/queries/key_list.h"
@@ -62,8 +63,8 @@ class SelectTranslator {
   void AddItems();
   void AddItem(const SelectItem& item);
   void AddIdentity(const SelectItem& item, const IdentityCall& call);
-  /// The identity column of the only table, when it has that name and SELECT … INTO may keep it; else nullptr.
-  [[nodiscard]] const Column* IdentityNamed(const std::string& name) const;
+  /// Gives a result the identity of the only table, when that column has the name and SELECT … INTO may keep it.
+  void TakeIdentity(ResultColumn& column, const std::string& name) const;
   /// Lets the base rows go along, for a change through this query.
   void ExposeRows();
   [[nodiscard]] std::string List(bool distinct) const;
@@ -132,8 +133,7 @@ void SelectTranslator::AddItems() {
       const std::size_t first = result_.columns.size();
       ExpandStar(*star, scope_, values_, result_.columns);
       for (std::size_t i = first; i < result_.columns.size(); ++i) {
-        const Column* const identity = IdentityNamed(result_.columns[i].name);
-        result_.columns[i].identity = identity != nullptr && identity->increment == 0;
+        TakeIdentity(result_.columns[i], result_.columns[i].name);
       }
       continue;
     }
@@ -154,28 +154,27 @@ void SelectTranslator::AddItem(const SelectItem& item) {
   values_.push_back(translation_.Value(*item.expression, scope_));
   column.type = values_.back().type;
   column.nullable = values_.back().nullable;
-  const Column* const identity = reference == nullptr ? nullptr : IdentityNamed(reference->name);
-  if (identity != nullptr && identity->increment != 0) {
-    RaiseUnsupported("SELECT … INTO with an identity that does not count by ones from a number above 0",
-                     item.expression->line);
-  }
-  column.identity = identity != nullptr;
+  if (reference != nullptr) TakeIdentity(column, reference->name);
   result_.columns.push_back(std::move(column));
 }
 
 void SelectTranslator::AddIdentity(const SelectItem& item, const IdentityCall& call) {
   const std::int64_t seed = IdentitySeed(translation_.parameters, call, *item.expression);
-  result_.columns.push_back({item.alias, IntType(), false, true});
+  result_.columns.push_back({item.alias, IntType(), false, true, seed, seed > 0 ? 0 : 1});
   values_.push_back({"row_number() OVER () + " + std::to_string(seed - 1), IntType(), false, -1});
 }
 
-const Column* SelectTranslator::IdentityNamed(const std::string& name) const {
+void SelectTranslator::TakeIdentity(ResultColumn& column, const std::string& name) const {
   const bool plain = select_.from.size() == 1 && std::holds_alternative<NamedTable>(select_.from[0]->node) &&
                      !scope_.sources.empty() && !select_.distinct && select_.group_by.empty() &&
                      !select_.into.name.empty();
   const CatalogObjectPtr table = plain ? scope_.sources[0].table : nullptr;
   const int counts = table == nullptr ? -1 : table->identity_column();
-  return counts < 0 || counts != table->FindColumn(name) ? nullptr : &table->columns[static_cast<std::size_t>(counts)];
+  if (counts < 0 || counts != table->FindColumn(name)) return;
+  column.identity = true;
+  column.increment = table->columns[static_cast<std::size_t>(counts)].increment;
+  const Constraints constraints = ReadConstraints(table->definition);
+  if (const Constraint* identity = FindKind(constraints, "I")) column.seed = identity->seed;
 }
 
 void SelectTranslator::ExposeRows() {
@@ -262,7 +261,7 @@ TranslatedQuery SelectTranslator::Translate() {
                             (*options_.names)[0] == "c" && result_.columns.size() != 1;
   if (of_condition) return std::move(result_);
   if (options_.names != nullptr) Rename(result_.columns, *options_.names, options_.owner);
-  if (options_.named) CheckNames(result_.columns, options_.owner);
+  if (options_.named) CheckNames(result_.columns, options_.owner, options_.owner_kind);
   if (NeedsRanks(select_)) {
     if (assigns) RaiseUnsupported("TOP … WITH TIES or PERCENT of an assignment", select_.line);
     result_.sql = RankedTop(from + where + group);
@@ -293,7 +292,7 @@ TranslatedQuery SelectTranslator::TranslateSet(const std::vector<std::size_t>& s
   const std::string group = GroupBy(set);
   AddItems();
   if (options_.names != nullptr) Rename(result_.columns, *options_.names, options_.owner);
-  if (options_.named) CheckNames(result_.columns, options_.owner);
+  if (options_.named) CheckNames(result_.columns, options_.owner, options_.owner_kind);
   std::string list;
   for (std::size_t i = 0; i < values_.size(); ++i) {
     list += (i == 0 ? "SELECT " : ", ") + values_[i].sql + " AS v" + std::to_string(i);

@@ -65,6 +65,7 @@ TranslatedQuery TranslateSet(Translation& translation, const Query& query, const
   left_options.names = options.names;
   left_options.named = options.named;
   left_options.owner = options.owner;
+  left_options.owner_kind = options.owner_kind;
   const bool items = translation.numbers == NumberPlace::kItems || translation.numbers == NumberPlace::kSet;
   const NumbersAt numbers(translation, items ? NumberPlace::kSet : NumberPlace::kNowhere);
   const TranslatedQuery left = translation.QueryText(*set.left, parent, left_options);

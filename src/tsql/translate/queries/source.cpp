@@ -210,12 +210,15 @@ std::string Sources::Filled(const TableFunction& function, const CatalogObject& 
                             const std::vector<Typed>& values, bool kept) const {
   std::string call = "ts_call(" + QuoteText(object.name);
   for (const Typed& value : values) call += ", " + value.sql;
+  call += ")";
+  // SQLite runs a query that names nothing from outside once, however often its value is asked for.
+  if (TakesNoColumns(function)) call = "(SELECT " + call + ")";
   std::vector<ResultColumn> columns;
   for (const Column& column : object.columns) {
     if (column.default_text != kParameterMark) columns.push_back({column.name, column.type, column.nullable});
   }
   if (!function.column_aliases.empty()) Rename(columns, function.column_aliases, function.alias);
-  return AddPacked(call + ")", function.alias, columns, kept);
+  return AddPacked(call, function.alias, columns, kept);
 }
 
 std::string Sources::Own(const TableFunction& function, Scope& around, bool kept) const {

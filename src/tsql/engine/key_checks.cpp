@@ -120,35 +120,34 @@ std::optional<SqlError> RowStatements::TryAgain(const std::function<void()>& bod
   return raised;
 }
 
-void RowStatements::NamingConstraints(const std::function<Changed()>& changed, const std::function<void()>& change) {
-  try {
-    change();
-  } catch (const BrokenConstraint& broken) {
-    const Changed what = changed();
-    const CatalogObjectPtr table = database_.catalog().Find(what.table);
-    if (table == nullptr) throw;
-    const std::string verb(what.merges ? "MERGE" : broken.verb());
-    for (const Constraint& check : ReadConstraints(table->definition)) {
-      if (check.kind == "C" && check.name == broken.check())
-        throw Conflict(verb, "CHECK", check.name, *table, check.columns);
-    }
-    if (!broken.check().empty()) throw;
-    const WithReferencesDeferred deferred(database_);
-    const std::optional<SqlError> named = TryAgain([&] {
-      change();
-      RequireReferences(*table, verb);
-    });
-    if (named) throw SqlError(*named);
-    throw;
-  } catch (const DuplicateKey& duplicate) {
-    const CatalogObjectPtr table = database_.catalog().Find(changed().table);
-    const DuplicateKey::Key& key = duplicate.key();
-    // SQLite makes no trigger while a change runs that calls a function.
-    const bool noted = table != nullptr && table->table_name() == key.table && database_.runtime().function_depth == 0;
-    const std::string value = noted ? DuplicateValue(*table, key.columns, change) : "";
-    if (value.empty()) throw;
-    throw SqlError(duplicate.number(), duplicate.what() + (" The duplicate key value is (" + value) + ").", 14);
+void RowStatements::RaiseBroken(const BrokenConstraint& broken, const Changed& changed,
+                                const std::function<void()>& change) {
+  const CatalogObjectPtr table = database_.catalog().Find(changed.table);
+  if (table == nullptr) throw BrokenConstraint(broken);
+  const std::string verb(changed.merges ? "MERGE" : broken.verb());
+  for (const Constraint& check : ReadConstraints(table->definition)) {
+    if (check.kind == "C" && check.name == broken.check())
+      throw Conflict(verb, "CHECK", check.name, *table, check.columns);
   }
+  if (!broken.check().empty()) throw BrokenConstraint(broken);
+  const WithReferencesDeferred deferred(database_);
+  const std::optional<SqlError> named = TryAgain([&] {
+    change();
+    RequireReferences(*table, verb);
+  });
+  if (named) throw SqlError(*named);
+  throw BrokenConstraint(broken);
+}
+
+void RowStatements::RaiseDuplicate(const DuplicateKey& duplicate, const Changed& changed,
+                                   const std::function<void()>& change) {
+  const CatalogObjectPtr table = database_.catalog().Find(changed.table);
+  const DuplicateKey::Key& key = duplicate.key();
+  // SQLite makes no trigger while a change runs that calls a function.
+  const bool noted = table != nullptr && table->table_name() == key.table && database_.runtime().function_depth == 0;
+  const std::string value = noted ? DuplicateValue(*table, key.columns, change) : "";
+  if (value.empty()) throw DuplicateKey(duplicate);
+  throw SqlError(duplicate.number(), duplicate.what() + (" The duplicate key value is (" + value) + ").", 14);
 }
 
 std::string RowStatements::DuplicateValue(const CatalogObject& table, const std::vector<std::string>& columns,

@@ -69,8 +69,22 @@ class RowStatements {
     bool merges = false;
   };
   /// Runs a change of rows; an error because a constraint is broken tells which, and of which table.
-  void NamingConstraints(const std::function<Changed()>& changed, const std::function<void()>& change);
-  /// Runs a change that failed once more, and takes back what it did to rows, sequences and variables. @return what it raises
+  template <typename What, typename Change>
+  void NamingConstraints(const What& changed, const Change& change) {
+    try {
+      change();
+    } catch (const BrokenConstraint& broken) {
+      RaiseBroken(broken, changed(), change);
+    } catch (const DuplicateKey& duplicate) {
+      RaiseDuplicate(duplicate, changed(), change);
+    }
+  }
+  [[noreturn]] void RaiseBroken(const BrokenConstraint& broken, const Changed& changed,
+                                const std::function<void()>& change);
+  [[noreturn]] void RaiseDuplicate(const DuplicateKey& duplicate, const Changed& changed,
+                                   const std::function<void()>& change);
+  /// Runs a change that failed once more, and takes back what it did to rows, sequences and variables. @return what it
+  /// raises
   std::optional<SqlError> TryAgain(const std::function<void()>& body);
   /// The key that a change gives a row though another one has it, as messages show it; "" where it is not found.
   std::string DuplicateValue(const CatalogObject& table, const std::vector<std::string>& columns,

@@ -75,11 +75,13 @@ void Recordset::Locate() const {
 }
 
 const std::uint8_t* Recordset::Cell(std::size_t field) const {
-  if (eof()) Raise(error_number::kNoCurrentRecord, "No current record");
+  if (located_row_ != position_) {
+    if (eof()) Raise(error_number::kNoCurrentRecord, "No current record");
+    Locate();
+  }
   if (field >= fields_.size()) {
     Raise(error_number::kItemNotFound, "Item cannot be found: field " + std::to_string(field));
   }
-  if (located_row_ != position_) Locate();
   return cells_->row(position_) + cell_offsets_[field];
 }
 

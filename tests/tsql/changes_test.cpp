@@ -84,7 +84,7 @@ TEST(Changes, OutputOfMoreThanTheRow) {
        "(60) select FEntryID, FID from e where FEntryID < 3",
        "FEntryID|FID;1|100;2|120"},
       {"update c set t = 1 output inserted.t into e (FID) select count(*) n from c where t = 1",
-       "error 515: Cannot insert the value NULL into column 'FEntryID', table 'dbo.e'; column does not allow nulls. INSERT fails."},
+       "error 515: Cannot insert the value NULL into column 'FEntryID', table 'main.dbo.e'; column does not allow nulls. INSERT fails."},
       {"select t from c", "t;50;60"},
       {"create table #t (id int primary key, a int) insert #t values (1,1) update #t set a = 2 output deleted.a, inserted.a as b",
        "a|b;1|2"},

@@ -62,7 +62,7 @@ TEST(Schemas, Errors) {
        "error 2760: The specified schema name \"u\" either does not exist or you do not have permission to use it."},
       {"set identity_insert s.t on insert s.t (id, c) values (1, 9)",
        "error 2627: Violation of PRIMARY KEY constraint 'PK_t'. Cannot insert duplicate key in object 's.t'. The duplicate key value is (1)."},
-      {"create unique index ux on s.t (c) insert s.t (c) values (1)",
+      {"set identity_insert s.t off create unique index ux on s.t (c) insert s.t (c) values (1)",
        "error 2601: Cannot insert duplicate key row in object 's.t' with unique index 'ux'. The duplicate key value is (1)."},
       {"drop index s.t.ux drop schema s",
        "error 3729: Cannot drop schema 's' because it is being referenced by object 't'."},

@@ -98,6 +98,7 @@ Interpreter::Flow Interpreter::Guarded(const Statement& statement, Activation& a
     error.set_line(statement.line, errors_.procedure);
     transaction_.NoteLost();
     errors_.last_number = error.number();
+    results_.set_row_count(0);
     const bool aborts = options_.xact_abort() && As<RaiseErrorStatement>(statement) == nullptr;
     if (aborts) error.set_takes_transaction_back();
     const bool called = error.misunderstood_at() > errors_.call_depth;  // only what was called is at its end
@@ -164,7 +165,7 @@ class Interpreter::Runner {
   }
   Flow operator()(const SetIdentityInsertStatement& node) const {
     of_.results_.set_row_count(0);
-    of_.options_.Apply(node);
+    of_.options_.Apply(node, of_.database_.catalog());
     return Flow::kNormal;
   }
   Flow operator()(const SetIsolationStatement& /*node*/) const {
@@ -215,8 +216,8 @@ class Interpreter::Runner {
   [[noreturn]] Flow operator()(const ThrowStatement& node) const { of_.messages_.Throw(node, activation_); }
 
   // Transactions
-  Flow operator()(const BeginTransactionStatement& /*node*/) const {
-    of_.transaction_.Begin();
+  Flow operator()(const BeginTransactionStatement& node) const {
+    of_.transaction_.Begin(node);
     return of_.Done();
   }
   Flow operator()(const CommitStatement& /*node*/) const {

@@ -9,25 +9,55 @@
 namespace tessarlorn::tsql {
 namespace {
 
-/// While it lives SQLite does not compare foreign keys.
+/// While it lives SQLite does not compare foreign keys. One within another leaves it to the outer one to look at them.
 class WithReferencesDeferred {
  public:
   explicit WithReferencesDeferred(SessionDatabase& database) : database_(database) {
+    SqliteStatement deferred = database_.Prepare("PRAGMA defer_foreign_keys");
+    deferred.Step();
+    nested_ = deferred.Integer(0) != 0;
     database_.Run("PRAGMA defer_foreign_keys = ON");
   }
   WithReferencesDeferred(const WithReferencesDeferred&) = delete;
   WithReferencesDeferred& operator=(const WithReferencesDeferred&) = delete;
-  ~WithReferencesDeferred() { database_.RunQuietly("PRAGMA defer_foreign_keys = OFF"); }
+  ~WithReferencesDeferred() {
+    if (!nested_) database_.RunQuietly("PRAGMA defer_foreign_keys = OFF");
+  }
+
+  /// Raises 547 where one is broken by now.
+  void RequireNoneBroken() const {
+    int open = 0;
+    int unused = 0;
+    sqlite3_db_status(database_.handle(), SQLITE_DBSTATUS_DEFERRED_FKS, &open, &unused, 0);
+    if (open != 0 && !nested_) throw BrokenConstraint("UPDATE");
+  }
 
  private:
   SessionDatabase& database_;
+  bool nested_ = false;
 };
 
-bool AnyBrokenReference(sqlite3* database) {
-  int open = 0;
-  int unused = 0;
-  sqlite3_db_status(database, SQLITE_DBSTATUS_DEFERRED_FKS, &open, &unused, 0);
-  return open != 0;
+/// While it lives rows are moved.
+class MovingRows {
+ public:
+  explicit MovingRows(Runtime& runtime) : runtime_(runtime) { runtime_.moves_rows = true; }
+  MovingRows(const MovingRows&) = delete;
+  MovingRows& operator=(const MovingRows&) = delete;
+  ~MovingRows() { runtime_.moves_rows = false; }
+
+ private:
+  Runtime& runtime_;
+};
+
+/// The keys of a table that refers to itself, as they were before a change, in the temporary table $keys.
+void NoteKeys(SessionDatabase& database, const CatalogObject& table) {
+  std::string columns;
+  for (const Column& column : table.columns) columns += (columns.empty() ? "" : ", ") + QuoteName(column.name);
+  database.Run("CREATE TEMP TABLE \"$keys\" AS SELECT " + columns + " FROM " + TableSql(table));
+}
+
+bool RefersToItself(const CatalogObject& table, const Constraint& constraint) {
+  return constraint.kind == "F" && EqualsIgnoreCase(constraint.to, table.name);
 }
 
 /// The columns that a foreign key refers to.
@@ -66,8 +96,11 @@ std::int64_t RowStatements::MoveRows(const CatalogObject& table, const std::func
     leave.append(to).append(" WHERE _rowid_ IN (SELECT r FROM temp.\"$moved\")");
     std::string come = "INSERT INTO ";
     come.append(to).append(insert).append(" FROM temp.\"$moved\"");
-    for (const std::string& sql : {leave, come}) database_.Prepare(sql).Step("UPDATE");
-    if (AnyBrokenReference(database_.handle())) throw BrokenConstraint("UPDATE");
+    {
+      const MovingRows moving(database_.runtime());
+      for (const std::string& sql : {leave, come}) database_.Prepare(sql).Step("UPDATE");
+    }
+    deferred.RequireNoneBroken();
     database_.Run("DROP TABLE temp.\"$moved\"");
   });
   return moved;
@@ -99,7 +132,8 @@ std::int64_t RowStatements::ApplyUpdate(const CatalogObject& table, const Change
 }
 
 std::optional<SqlError> RowStatements::TryAgain(const std::function<void()>& body) {
-  const SequenceNumbers::Trial numbers(transaction_.numbers());
+  const Transaction::Trial trial(transaction_);
+  trying_ = true;
   Frame& frame = *database_.runtime().frame;
   const Frame before = frame;
   std::optional<SqlError> raised;
@@ -117,6 +151,7 @@ std::optional<SqlError> RowStatements::TryAgain(const std::function<void()>& bod
   } catch (const SqlError&) {
     frame = before;
   }
+  trying_ = false;
   return raised;
 }
 
@@ -132,6 +167,11 @@ void RowStatements::RaiseBroken(const BrokenConstraint& broken, const Changed& c
   if (!broken.check().empty()) throw BrokenConstraint(broken);
   const WithReferencesDeferred deferred(database_);
   const std::optional<SqlError> named = TryAgain([&] {
+    const Constraints constraints = ReadConstraints(table->definition);
+    if (std::any_of(constraints.begin(), constraints.end(),
+                    [&](const Constraint& constraint) { return RefersToItself(*table, constraint); })) {
+      NoteKeys(database_, *table);
+    }
     change();
     RequireReferences(*table, verb);
   });
@@ -179,12 +219,11 @@ void RowStatements::RequireReferences(const CatalogObject& table, const std::str
     if (other == nullptr) continue;
     const std::vector<std::string> referenced = ReferencedBy(reference, *other);
     if (!HasBrokenReference(database_, table, reference, *other, referenced)) continue;
-    const bool own = EqualsIgnoreCase(other->name, table.name);
-    // Of a table that refers to itself a row that goes breaks the key of another one.
-    const char* const kind = !own               ? "FOREIGN KEY"
-                             : verb == "DELETE" ? "SAME TABLE REFERENCE"
-                                                : "FOREIGN KEY SAME TABLE";
-    throw Conflict(verb, kind, reference.name, *other, own && verb == "DELETE" ? reference.columns : referenced);
+    if (!RefersToItself(table, reference)) throw Conflict(verb, "FOREIGN KEY", reference.name, *other, referenced);
+    // Where a row had the key before, the one that lost it is to blame.
+    const bool lost = HasBrokenReference(database_, table, reference, table, referenced, "temp.\"$keys\"");
+    throw Conflict(verb, lost ? "SAME TABLE REFERENCE" : "FOREIGN KEY SAME TABLE", reference.name, table,
+                   lost ? reference.columns : referenced);
   }
   for (const IncomingReference& incoming : ReferencesTo(database_, table)) {
     const CatalogObjectPtr from = catalog.Find(incoming.table);

@@ -12,7 +12,7 @@ void RowStatements::NoteChange(const Compiled& change) {
   if (results_.row_count() == 0) return;
   if (!change.identity_table.empty()) transaction_.NoteIdentity(change.identity_table);
   BatchWatcher* const watcher = WatcherOfThread();
-  if (watcher == nullptr || change.changed_table.empty() || IsTemporaryName(change.changed_table)) return;
+  if (watcher == nullptr || trying_ || change.changed_table.empty() || IsTemporaryName(change.changed_table)) return;
   watcher->Changed(change.changed_table, results_.row_count());
 }
 

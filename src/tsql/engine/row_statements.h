@@ -102,6 +102,7 @@ class RowStatements {
   Binder& binder_;
   Definitions& definitions_;
   Triggers& triggers_;
+  bool trying_ = false;  // TryAgain runs
 };
 
 /// Whether the error is that of a key that another row has.

@@ -145,7 +145,8 @@ class Triggers::Rows {
     std::string sql = "CREATE TEMP TRIGGER " + Watcher(kEventNames[number]) + " AFTER " +
                       std::string(kEventNames[number]) + " ON main." + QuoteName(table_.name) + " BEGIN ";
     for (const std::string_view row : rows) {
-      sql += "INSERT INTO " + QuoteName(All()) + " VALUES (" + std::to_string(number) + (row == "NEW" ? ", 1" : ", 0");
+      sql += "INSERT INTO " + QuoteName(All()) + " VALUES (ts_row_event(" + std::to_string(number) +
+             (row == "NEW" ? "), 1" : "), 0");
       for (const Column& column : table_.columns) sql.append(", ").append(row).append(".") += QuoteName(column.name);
       sql += "); ";
     }

@@ -85,7 +85,7 @@ void AssignValue(sqlite3_context* context, Runtime&, Arguments arguments) {
               Convert(ToDatum(arguments[0]), TypeArgument(arguments[1]), TypeArgument(arguments[2]), 0, Fit::kAssign));
   } catch (const SqlError& error) {
     if (error.number() != 8152) throw;
-    RaiseTruncated(TextOf(arguments[3]), TextOf(arguments[4]), TextOf(arguments[0]));
+    RaiseTruncated(TextOf(arguments[3]), TextOf(arguments[4]), TextOf(arguments[0]), TypeArgument(arguments[2]));
   }
 }
 
@@ -185,9 +185,11 @@ void Like(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
 
 SqlType TypeArgument(sqlite3_value* value) { return UnpackType(sqlite3_value_int64(value)); }
 
-void RaiseTruncated(std::string_view table, std::string_view column, std::string_view value) {
+void RaiseTruncated(std::string_view table, std::string_view column, std::string_view value, const SqlType& type) {
+  constexpr int kMostShown = 100;
   throw SqlError(2628, "String or binary data would be truncated in table '" + std::string(table) + "', column '" +
-                           std::string(column) + "'. Truncated value: '" + std::string(CutText(value, 100, true)) +
+                           std::string(column) + "'. Truncated value: '" +
+                           std::string(CutText(CutText(value, type.size, type.is_national()), kMostShown, true)) +
                            "'.");
 }
 

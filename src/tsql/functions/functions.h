@@ -59,7 +59,8 @@ std::string EscapedForJson(std::string_view text);
 std::int32_t IntOf(sqlite3_value* value);
 inline bool IsNull(sqlite3_value* value) { return sqlite3_value_type(value) == SQLITE_NULL; }
 /// Raises 2628 for text that is too long for a column.
-[[noreturn]] void RaiseTruncated(std::string_view table, std::string_view column, std::string_view value);
+[[noreturn]] void RaiseTruncated(std::string_view table, std::string_view column, std::string_view value,
+                                 const SqlType& type);
 /// Whether any argument is NULL; the result is then NULL, which is what a function's result is unless it sets one.
 bool AnyNull(Arguments arguments);
 

@@ -169,7 +169,9 @@ std::mt19937_64& Generator() {
   return generator;
 }
 
-void Rand(sqlite3_context* context, Runtime&, Arguments) {
+// ts_rand(seed)
+void Rand(sqlite3_context* context, Runtime&, Arguments arguments) {
+  if (!arguments.empty()) Generator().seed(static_cast<std::uint64_t>(sqlite3_value_int64(arguments[0])));
   sqlite3_result_double(context, std::uniform_real_distribution<double>()(Generator()));
 }
 
@@ -209,7 +211,7 @@ void RegisterNumberFunctions(sqlite3* database, Runtime& runtime) {
   RegisterFunction(database, runtime, "ts_acos", 1, Math<std::acos>);
   RegisterFunction(database, runtime, "ts_atan", 1, Math<std::atan>);
   RegisterFunction(database, runtime, "ts_atan2", 2, ArcTangent2);
-  RegisterFunction(database, runtime, "ts_rand", 0, Rand, false);
+  RegisterFunction(database, runtime, "ts_rand", -1, Rand, false);
   RegisterFunction(database, runtime, "ts_newid", 0, NewId, false);
 }
 

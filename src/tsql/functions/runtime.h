@@ -129,6 +129,8 @@ struct Runtime {
   TextOrder text_order = TextOrder::kCodePoints;
   /// What ts_note_key noted last.
   std::vector<Datum> noted_key;
+  /// Rows go and come back with other keys: they are updated.
+  bool moves_rows = false;
   /// SET DATEFORMAT
   DateOrder date_order = DateOrder::kMdy;
   /// SET DATEFIRST: 1 for Monday to 7 for Sunday.

@@ -75,6 +75,11 @@ struct CatalogObject {
   [[nodiscard]] std::string own_name() const { return schema.empty() ? name : name.substr(schema.size() + 1); }
   /// "dbo.t" or "s.t".
   [[nodiscard]] std::string full_name() const { return schema.empty() ? "dbo." + name : name; }
+  /// With its database before it, a table variable by its name alone.
+  [[nodiscard]] std::string shown_name() const {
+    if (name.starts_with('@')) return name;
+    return (temporary ? "tempdb." : "main.") + full_name();
+  }
   /// What SQLite's table is called.
   [[nodiscard]] const std::string& table_name() const { return stored_name.empty() ? name : stored_name; }
   /// It is a table or a view.

@@ -55,6 +55,12 @@ std::string FullName(sqlite3* database, const std::string& table) {
   return schema.Step() ? table : "dbo." + Shown(table);
 }
 
+/// The same with its database before it, a table variable by its name alone.
+std::string ShownName(sqlite3* database, const std::string& table) {
+  if (table.starts_with('@')) return Shown(table);
+  return (IsTemporaryName(table) ? "tempdb." : "main.") + FullName(database, table);
+}
+
 /// The index, with its table's name before a point, whose columns are "t.a, t.b"; "" for those of constraints.
 std::string IndexOf(sqlite3* database, const std::string& columns) {
   const std::string table = TablePart(database, columns);
@@ -175,7 +181,8 @@ bool HasRoom(sqlite3* database) {
   switch (status) {
     case SQLITE_CONSTRAINT_NOTNULL:
       throw SqlError(515, "Cannot insert the value NULL into column '" + ColumnPart(detail, table) + "', table '" +
-                              object + "'; column does not allow nulls. " + std::string(verb) + " fails.");
+                              ShownName(database, table) + "'; column does not allow nulls. " + std::string(verb) +
+                              " fails.");
     case SQLITE_CONSTRAINT_PRIMARYKEY:
     case SQLITE_CONSTRAINT_ROWID:
       if (const Constraints known = ConstraintsOf(runtime, table); KeyOf(known, table, detail) == nullptr) {

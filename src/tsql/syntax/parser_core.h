@@ -108,6 +108,8 @@ class Parser {
   [[nodiscard]] std::size_t MatchingParen(std::size_t open) const;
   [[nodiscard]] bool AtQueryInParens() const;
   void SkipParens();
+  /// The options of an index in parentheses. Refuses IGNORE_DUP_KEY.
+  void SkipIndexOptions();
   std::vector<ExpressionPtr> ParseValues();
 
   // parser_expression.cpp

@@ -135,10 +135,11 @@ bool Parser::BeginsWithAlter(std::size_t begin, std::string_view kind) const {
 }
 
 StatementPtr Parser::ParseView(std::size_t begin, bool replace) {
-  BeginsWithAlter(begin, "VIEW");
+  const bool alter = BeginsWithAlter(begin, "VIEW");
   const std::uint32_t line = Take().line;
   CreateViewStatement create;
   create.replace = replace;
+  create.must_exist = alter;
   create.view = ParseObjectName();
   if (At(Op::kLeftParen)) create.columns = ParseNameList();
   if (Accept("with"_kw)) Expect("schemabinding"_kw);
@@ -152,10 +153,11 @@ StatementPtr Parser::ParseView(std::size_t begin, bool replace) {
 }
 
 StatementPtr Parser::ParseProcedure(std::size_t begin, bool replace) {
-  BeginsWithAlter(begin, "PROCEDURE");
+  const bool alter = BeginsWithAlter(begin, "PROCEDURE");
   const std::uint32_t line = Take().line;
   CreateProcedureStatement create;
   create.replace = replace;
+  create.must_exist = alter;
   create.procedure = ParseObjectName();
   const bool parens = Accept(Op::kLeftParen);
   create.parameters = ParseParameters();

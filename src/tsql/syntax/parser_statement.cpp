@@ -129,9 +129,9 @@ StatementPtr Parser::ParseBegin() {
   const std::uint32_t line = Take().line;
   if (At("distributed"_kw)) Refuse("BEGIN DISTRIBUTED TRANSACTION");
   if (Accept("tran"_kw) || Accept("transaction"_kw)) {
-    AcceptTransactionName();
+    BeginTransactionStatement begin{AcceptTransactionName()};
     if (At("with"_kw)) Refuse("BEGIN TRANSACTION … WITH MARK");
-    return MakeStatement(line, BeginTransactionStatement{});
+    return MakeStatement(line, std::move(begin));
   }
   if (Accept("try"_kw)) return ParseTryCatch(line);
   BlockStatement block{ParseStatementsUntilEnd()};

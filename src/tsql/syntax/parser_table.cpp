@@ -246,13 +246,22 @@ std::vector<std::string> Parser::ParseKeyColumns() {
   return columns;
 }
 
+void Parser::SkipIndexOptions() {
+  const std::size_t close = MatchingParen(position_);
+  for (std::size_t ahead = 1; position_ + ahead < close; ++ahead) {
+    if (At("ignore_dup_key"_kw, ahead) && At("on"_kw, ahead + 2)) Refuse("IGNORE_DUP_KEY = ON");
+  }
+  SkipParens();
+}
+
 // What tells the server where and how to store an index or a table: without meaning here.
 void Parser::AcceptIndexOptions() {
   for (;;) {
     if (Accept("clustered"_kw) || Accept("nonclustered"_kw) || Accept("asc"_kw) || Accept("desc"_kw)) continue;
+    if (At("with"_kw) && At("ignore_dup_key"_kw, 1)) Refuse("IGNORE_DUP_KEY");
     if (At("with"_kw) && At(Op::kLeftParen, 1)) {
       Take();
-      SkipParens();
+      SkipIndexOptions();
     } else if (AcceptBoth("with"_kw, "fillfactor"_kw)) {
       Expect(Op::kEqual);
       ParseSignedInteger();

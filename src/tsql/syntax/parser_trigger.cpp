@@ -16,10 +16,11 @@ RowEvent Parser::ParseRowEvent() {
 }
 
 StatementPtr Parser::ParseTrigger(std::size_t begin, bool replace) {
-  BeginsWithAlter(begin, "TRIGGER");
+  const bool alter = BeginsWithAlter(begin, "TRIGGER");
   const std::uint32_t line = Take().line;
   CreateTriggerStatement create;
   create.replace = replace;
+  create.must_exist = alter;
   create.trigger = ParseObjectName();
   Expect("on"_kw);
   if (At("database"_kw) || (At("all"_kw) && At("server"_kw, 1))) Refuse("A trigger ON " + UpperCase(Peek().text));

@@ -295,7 +295,9 @@ struct ThrowStatement {
 
 // Transactions.
 
-struct BeginTransactionStatement {};
+struct BeginTransactionStatement {
+  std::string name;  // or ""
+};
 struct CommitStatement {};
 
 struct RollbackStatement {
@@ -382,7 +384,8 @@ struct CreateViewStatement {
   std::vector<std::string> columns;
   QueryPtr query;
   std::string source_text;
-  bool replace = false;  // CREATE OR ALTER, ALTER
+  bool replace = false;     // CREATE OR ALTER, ALTER
+  bool must_exist = false;  // ALTER
 };
 
 struct Parameter {
@@ -398,6 +401,7 @@ struct CreateProcedureStatement {
   std::vector<StatementPtr> body;
   std::string source_text;
   bool replace = false;
+  bool must_exist = false;  // ALTER
 };
 
 /// What a trigger answers to.
@@ -411,6 +415,7 @@ struct CreateTriggerStatement {
   std::vector<StatementPtr> body;
   std::string source_text;
   bool replace = false;
+  bool must_exist = false;  // ALTER
 };
 
 /// ENABLE TRIGGER and DISABLE TRIGGER

@@ -133,7 +133,7 @@ Typed Translator::TranslateComputed(const CatalogObject& table, const Expression
 }
 
 std::string Translator::TranslateAssigned(const CatalogObject& table, const Column& from, const Column& to) {
-  return Assigned(parameters, {QuoteName(from.name), from.type, from.nullable, -1}, to, ShownName(table));
+  return Assigned(parameters, {QuoteName(from.name), from.type, from.nullable, -1}, to, table.shown_name());
 }
 
 }  // namespace tessarlorn::tsql

@@ -93,6 +93,7 @@ Typed Values::operator()(const UnaryOperation& operation) const {
 Typed Values::Grouping(const FunctionCall& call) const {
   std::int64_t bits = 0;
   for (const ExpressionPtr& argument : call.arguments) {
+    parameters_.PinAll(*argument);
     const bool grouped = scope_.check_grouping && scope_.group_expressions.contains(MeaningOf(*argument));
     const auto* column = As<ColumnReference>(*argument);
     if (!grouped && (column == nullptr || !scope_.group_columns.contains(FindColumn(*column, scope_, true).sql))) {

@@ -32,6 +32,8 @@ bool SqlError::ends_statement_only() const noexcept {
     case 266:
     case 512:
     case 515:
+    case 544:
+    case 545:
     case 547:
     case 2601:
     case 2627:

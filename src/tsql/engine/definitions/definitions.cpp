@@ -151,6 +151,14 @@ void Definitions::DropIndex(const DropIndexStatement& statement) {
   });
 }
 
+void Definitions::RequireAlterable(const CatalogObject& object, const ObjectName& written, bool must_exist) {
+  const CatalogObjectPtr old = database_.catalog().Find(object.name);
+  if (old == nullptr && must_exist) RaiseNoObject(written);
+  if (old == nullptr || old->kind == object.kind) return;
+  throw SqlError(2010,
+                 "Cannot perform alter on '" + WrittenName(written) + "' because it is an incompatible object type.");
+}
+
 void Definitions::AddObject(CatalogObject object, bool replace) {
   Catalog& catalog = database_.catalog();
   const CatalogObjectPtr old = catalog.Find(object.name);
@@ -166,6 +174,7 @@ void Definitions::CreateView(const CreateViewStatement& statement, const Activat
   for (const ResultColumn& column : translator.DescribeQuery(*statement.query, view.own_name(), statement.columns)) {
     view.columns.push_back({column.name, column.type, column.nullable, false, ""});
   }
+  if (statement.replace) RequireAlterable(view, statement.view, statement.must_exist);
   AddObject(std::move(view), statement.replace);
 }
 
@@ -179,6 +188,7 @@ void Definitions::CreateProcedure(const CreateProcedureStatement& statement) {
     frame.Declare(parameter.name, procedure.columns.back().type);
   }
   for (const StatementPtr& inner : statement.body) PlanStore::Declare(*inner, frame);
+  if (statement.replace) RequireAlterable(procedure, statement.procedure, statement.must_exist);
   AddObject(std::move(procedure), statement.replace);
 }
 
@@ -200,6 +210,7 @@ void Definitions::CreateTrigger(const CreateTriggerStatement& statement, std::ui
   }
   trigger.definition = statement.source_text;
   trigger.columns.push_back(ToColumn({table->name, statement.events, true}));
+  if (statement.replace) RequireAlterable(trigger, statement.trigger, statement.must_exist);
   AddObject(std::move(trigger), statement.replace);
 }
 
@@ -262,12 +273,7 @@ void Definitions::CreateFunction(const CreateFunctionStatement& statement, const
     }
   }
   function.columns.insert(function.columns.end(), parameters.begin(), parameters.end());
-  const CatalogObjectPtr old = database_.catalog().Find(function.name);
-  if (old == nullptr && statement.must_exist) RaiseNoObject(statement.function);
-  if (old != nullptr && statement.replace && old->kind != function.kind) {
-    throw SqlError(2010, "Cannot perform alter on '" + WrittenName(statement.function) +
-                             "' because it is an incompatible object type.");
-  }
+  if (statement.replace) RequireAlterable(function, statement.function, statement.must_exist);
   AddObject(std::move(function), statement.replace);
 }
 

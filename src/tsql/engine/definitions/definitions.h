@@ -70,6 +70,8 @@ class Definitions {
   bool IndexExists(const CatalogObject& table, const std::string& index);
   /// A table goes with its triggers.
   void DropObject(const CatalogObject& object);
+  /// Raises 208 for the ALTER of what is not there, and 2010 for an object of another kind.
+  void RequireAlterable(const CatalogObject& object, const ObjectName& written, bool must_exist);
   void AddObject(CatalogObject object, bool replace);
   /// Gives an object another name, "t" or "s.t".
   void Move(const CatalogObject& object, const std::string& new_name);

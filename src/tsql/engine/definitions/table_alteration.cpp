@@ -361,7 +361,7 @@ void TableAlteration::AlterColumn(const ColumnDefinition& definition) {
   if (from.type == to.type && from.nullable == to.nullable) return;
   RequireFree(from, &to);
   if (from.nullable && !to.nullable && HasRow(TableSql(table_) + " WHERE " + QuoteName(from.name) + " IS NULL")) {
-    throw SqlError(515, "Cannot insert the value NULL into column '" + from.name + "', table '" + table_.full_name() +
+    throw SqlError(515, "Cannot insert the value NULL into column '" + from.name + "', table '" + table_.shown_name() +
                             "'; column does not allow nulls. UPDATE fails.");
   }
   const CatalogObject before = table_;

@@ -53,17 +53,19 @@ std::vector<IncomingReference> ReferencesTo(SessionDatabase& database, const Cat
 }
 
 bool HasBrokenReference(SessionDatabase& database, const CatalogObject& table, const Constraint& key,
-                        const CatalogObject& other, const std::vector<std::string>& referenced) {
+                        const CatalogObject& other, const std::vector<std::string>& referenced,
+                        const std::string& former) {
   std::string given;
   std::string equal;
   for (std::size_t i = 0; i < referenced.size(); ++i) {
     const std::string own = "f." + QuoteName(key.columns[i]);
     given += (i == 0 ? "" : " AND ") + own + " IS NOT NULL";
     equal += (i == 0 ? "" : " AND ") + ("p." + QuoteName(referenced[i])) + " = " + own;
+    if (!former.empty()) given += " AND " + own + " = k." + QuoteName(referenced[i]);
   }
   return database
-      .Prepare("SELECT 1 FROM " + TableSql(table) + " f WHERE " + given + " AND NOT EXISTS (SELECT 1 FROM " +
-               TableSql(other) + " p WHERE " + equal + ") LIMIT 1")
+      .Prepare("SELECT 1 FROM " + TableSql(table) + " f" + (former.empty() ? "" : ", " + former + " k") + " WHERE " +
+               given + " AND NOT EXISTS (SELECT 1 FROM " + TableSql(other) + " p WHERE " + equal + ") LIMIT 1")
       .Step("SELECT");
 }
 

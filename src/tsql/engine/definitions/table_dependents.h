@@ -26,8 +26,10 @@ std::vector<IncomingReference> ReferencesTo(SessionDatabase& database, const Cat
 
 /// Whether a row of a table has a foreign key that no row of the other table has.
 /// @param referenced the other table's columns
+/// @param former what tells keys of earlier rows: only foreign keys among them count. "" for all
 bool HasBrokenReference(SessionDatabase& database, const CatalogObject& table, const Constraint& key,
-                        const CatalogObject& other, const std::vector<std::string>& referenced);
+                        const CatalogObject& other, const std::vector<std::string>& referenced,
+                        const std::string& former = "");
 /// Raises 1505 where rows have the same key. @param condition of the rows that count, in SQLite's words, or ""
 void RequireDistinct(SessionDatabase& database, const CatalogObject& table, const std::vector<std::string>& columns,
                      const std::string& index, const std::string& condition = "");

@@ -83,7 +83,7 @@ Datum Binder::Value(const BoundParameter& parameter, const Activation& activatio
   } catch (const SqlError& error) {
     if (error.number() != 8152 || parameter.column.empty()) throw;
     const std::string* text = std::get_if<std::string>(&value);
-    RaiseTruncated(parameter.table, parameter.column, text == nullptr ? "" : *text);
+    RaiseTruncated(parameter.table, parameter.column, text == nullptr ? "" : *text, parameter.to);
   }
 }
 

@@ -200,12 +200,15 @@ void Classify(const Statement& statement, Plan& plan) {
   ForEachChild(statement, [&](const Statement& child) { Classify(child, plan); });
 }
 
-/// Whether the catalog keeps a part of the statement's own text: it is another one with every text.
+/// Whether the catalog keeps a part of the statement's text, or of one within it: it is another one with every text.
 bool KeepsText(const Statement& statement) {
-  return As<CreateViewStatement>(statement) != nullptr || As<CreateProcedureStatement>(statement) != nullptr ||
-         As<CreateTriggerStatement>(statement) != nullptr || As<CreateFunctionStatement>(statement) != nullptr ||
-         As<CreateTableStatement>(statement) != nullptr || As<CreateIndexStatement>(statement) != nullptr ||
-         As<AlterTableStatement>(statement) != nullptr || As<DeclareCursorStatement>(statement) != nullptr ||
+  bool within = false;
+  ForEachChild(statement, [&](const Statement& child) { within = within || KeepsText(child); });
+  return within || As<CreateViewStatement>(statement) != nullptr ||
+         As<CreateProcedureStatement>(statement) != nullptr || As<CreateTriggerStatement>(statement) != nullptr ||
+         As<CreateFunctionStatement>(statement) != nullptr || As<CreateTableStatement>(statement) != nullptr ||
+         As<CreateIndexStatement>(statement) != nullptr || As<AlterTableStatement>(statement) != nullptr ||
+         As<DeclareCursorStatement>(statement) != nullptr ||
          (As<DeclareStatement>(statement) != nullptr && !As<DeclareStatement>(statement)->tables.empty());
 }
 

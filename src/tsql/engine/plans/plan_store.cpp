@@ -212,7 +212,7 @@ void PlanStore::CompileTree(const Statement& statement, const Activation& activa
   } catch (SqlError& error) {
     error.set_line(statement.line);
     // A table that is missing now may be there when the statement's turn comes.
-    if (error.number() != 208) throw;
+    if (error.number() != 208 && !ErrorState::IsOfRun(error)) throw;
     activation.plan->complete = false;
   }
   ForEachChild(statement, [&](const Statement& child) { CompileTree(child, activation); });

@@ -138,6 +138,12 @@ void NoteKey(sqlite3_context* /*context*/, Runtime& runtime, Arguments arguments
   for (sqlite3_value* const value : arguments) runtime.noted_key.push_back(ToDatum(value));
 }
 
+// ts_row_event(event): what happens to a row of which SQLite tells the event
+void RowEventOf(sqlite3_context* context, Runtime& runtime, Arguments arguments) {
+  sqlite3_result_int(context,
+                     runtime.moves_rows ? static_cast<int>(RowEvent::kUpdate) : sqlite3_value_int(arguments[0]));
+}
+
 void ColumnLength(sqlite3_context* context, const Catalog& catalog, Arguments arguments) {
   if (AnyNull(arguments) || arguments.size() != 2) return;
   const CatalogObjectPtr object = FindNamed(catalog, TextOf(arguments[0]));
@@ -177,6 +183,7 @@ void RegisterCatalogFunctions(sqlite3* database, Catalog& catalog, Runtime& runt
   add("ts_ident_incr", 1, CallCatalogFunction<IdentIncrement>);
   RegisterFunction(database, runtime, "ts_identity", 6, NextIdentity, false);
   RegisterFunction(database, runtime, "ts_note_key", -1, NoteKey, false);
+  RegisterFunction(database, runtime, "ts_row_event", 1, RowEventOf, false);
   add("ts_row_count", 1, CallCatalogFunction<RowCount>);
   add("ts_col_length", 2, CallCatalogFunction<ColumnLength>);
 }

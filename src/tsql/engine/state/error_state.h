@@ -27,13 +27,16 @@ struct ErrorState {
     in_function = false;
   }
 
+  /// Whether a server finds the error only when the statement runs: what SET IDENTITY_INSERT allows.
+  static bool IsOfRun(const SqlError& error) { return error.number() == 544 || error.number() == 545; }
+
   /// Runs what parses or translates: its errors end the batch or procedure at hand, TRY or not.
   template <typename Body>
   void Understanding(const Body& body) const {
     try {
       body();
     } catch (SqlError& error) {
-      error.set_misunderstood_at(call_depth);
+      if (!IsOfRun(error)) error.set_misunderstood_at(call_depth);
       throw;
     }
   }

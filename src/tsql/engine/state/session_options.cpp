@@ -81,6 +81,26 @@ void SessionOptions::Apply(const SetValueStatement& set, std::uint32_t line, con
   // Others, as TEXTSIZE, change no result here.
 }
 
+void SessionOptions::Apply(const SetIdentityInsertStatement& set, const Catalog& catalog) {
+  const CatalogObjectPtr table = catalog.Find(set.table.name);
+  if (table == nullptr || table->kind != CatalogKind::kTable) {
+    throw SqlError(1088, "Cannot find the object \"" + set.table.name +
+                             "\" because it does not exist or you do not have permissions.");
+  }
+  if (table->identity_column() < 0) {
+    throw SqlError(
+        8106, "Table '" + table->own_name() + "' does not have the identity property. Cannot perform SET operation.");
+  }
+  const bool same = AllowsIdentityOf(table->name);
+  const CatalogObjectPtr other = same || identity_insert_.empty() ? nullptr : catalog.Find(identity_insert_);
+  if (set.on && other != nullptr) {
+    throw SqlError(8107, "IDENTITY_INSERT is already ON for table '" + other->shown_name() +
+                             "'. Cannot perform SET operation for table '" + table->own_name() + "'.");
+  }
+  if (set.on) identity_insert_ = set.table.name;
+  if (!set.on && same) identity_insert_.clear();
+}
+
 void SessionOptions::Reset() {
   identity_insert_.clear();
   GiveBack({});

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "tsql/functions/runtime.h"
+#include "tsql/storage/catalog.h"
 #include "tsql/syntax/statement.h"
 
 namespace tessarlorn::tsql {
@@ -31,7 +32,8 @@ class SessionOptions {
   void Apply(const SetSwitchStatement& set, std::uint32_t line);
   /// @param evaluate answers the option's value as a whole number, or NULL
   void Apply(const SetValueStatement& set, std::uint32_t line, const std::function<Datum()>& evaluate);
-  void Apply(const SetIdentityInsertStatement& set) { identity_insert_ = set.on ? set.table.name : ""; }
+  /// Raises 1088, 8106 and 8107.
+  void Apply(const SetIdentityInsertStatement& set, const Catalog& catalog);
   /// SET XACT_ABORT ON, as a trigger begins with it.
   void AbortOnErrors() { options_.xact_abort = true; }
   void Reset();

@@ -190,9 +190,10 @@ void Transaction::RollbackContainer() {
   if (depth_ > 0 || writing_) End(false);
 }
 
-void Transaction::Begin() {
+void Transaction::Begin(const BeginTransactionStatement& statement) {
   // What the batch changed so far is its own, not the transaction's.
   if (depth_ == 0) CommitWrite();
+  if (depth_ == 0) name_ = statement.name;
   if (++depth_ == 1) results_.TellTransaction(TransactionEvent::kBegun);
 }
 
@@ -216,19 +217,31 @@ void Transaction::Save(const SaveTransactionStatement& statement) {
   save_points_.push_back(LowerCase(statement.name));
 }
 
+void Transaction::RollbackToSavePoint(std::size_t position) {
+  TableVariableCopies variables(database_);
+  database_.Run("ROLLBACK TO " + QuoteName("save " + save_points_[position]));
+  // Those behind it are gone.
+  save_points_.resize(position + 1);
+  variables.PutBack();
+  database_.DropLeft();
+  database_.catalog().Invalidate();
+  database_.catalog().Refresh();
+  numbers_.RollbackToSavePoint();
+  KeepIdentities();
+}
+
 void Transaction::Rollback(const RollbackStatement& statement) {
   if (depth_ == 0) throw SqlError(3903, "The ROLLBACK TRANSACTION request has no corresponding BEGIN TRANSACTION.");
-  for (std::size_t i = save_points_.size(); !statement.name.empty() && i-- > 0;) {
-    if (save_points_[i] != LowerCase(statement.name)) continue;
-    TableVariableCopies variables(database_);
-    database_.Run("ROLLBACK TO " + QuoteName("save " + save_points_[i]));
-    variables.PutBack();
-    database_.DropLeft();
-    database_.catalog().Invalidate();
-    database_.catalog().Refresh();
-    numbers_.RollbackToSavePoint();
-    KeepIdentities();
-    return;
+  if (!statement.name.empty()) {
+    const auto found = std::find(save_points_.rbegin(), save_points_.rend(), LowerCase(statement.name));
+    if (found != save_points_.rend()) {
+      RollbackToSavePoint(static_cast<std::size_t>(save_points_.rend() - found) - 1);
+      return;
+    }
+    if (statement.name != name_) {
+      throw SqlError(6401,
+                     "Cannot roll back " + statement.name + ". No transaction or savepoint of that name was found.");
+    }
   }
   End(false);
   results_.TellTransaction(TransactionEvent::kRolledBack);

@@ -17,6 +17,11 @@
 namespace tessarlorn::tsql {
 
 class Transaction {
+  struct GivenIdentity {
+    std::int64_t farthest = 0;
+    bool counts_down = false;
+  };
+
  public:
   /// While it lives a statement reads one commit, definitions and rows. The lock of a writer does so already.
   class Snapshot {
@@ -34,6 +39,31 @@ class Transaction {
     Catalog* catalog_;
   };
 
+  /// While it lives identity values and numbers are given on trial: then they are given again.
+  class Trial {
+   public:
+    explicit Trial(Transaction& transaction)
+        : transaction_(transaction),
+          numbers_(transaction.numbers_),
+          identity_(transaction.identity_),
+          scope_identity_(transaction.scope_identity),
+          given_(transaction.given_identities_) {}
+    Trial(const Trial&) = delete;
+    Trial& operator=(const Trial&) = delete;
+    ~Trial() {
+      transaction_.identity_ = identity_;
+      transaction_.scope_identity = scope_identity_;
+      transaction_.given_identities_.swap(given_);
+    }
+
+   private:
+    Transaction& transaction_;
+    SequenceNumbers::Trial numbers_;
+    std::optional<std::int64_t> identity_;
+    std::optional<std::int64_t> scope_identity_;
+    std::unordered_map<std::string, GivenIdentity> given_;
+  };
+
   /// @param longest_wait how long a statement waits for a lock, unless SET LOCK_TIMEOUT says less
   Transaction(SessionDatabase& database, const SessionOptions& options, Results& results,
               std::chrono::milliseconds longest_wait);
@@ -49,7 +79,7 @@ class Transaction {
   void Doom() noexcept { doomed_ = true; }
 
   // The statements.
-  void Begin();
+  void Begin(const BeginTransactionStatement& statement);
   void Commit();
   void Rollback(const RollbackStatement& statement);
   void Save(const SaveTransactionStatement& statement);
@@ -85,6 +115,7 @@ class Transaction {
  private:
   /// For SQLite, while a lock is taken: whether to try again.
   static int WaitForLock(void* transaction, int times);
+  void RollbackToSavePoint(std::size_t position);
   /// Identity values that a rollback took back are not given again.
   void KeepIdentities() noexcept;
 
@@ -95,16 +126,13 @@ class Transaction {
   bool writing_ = false;
   bool doomed_ = false;
   bool marked_ = false;  // the file, as one of ours
+  std::string name_;     // of the outermost BEGIN TRANSACTION
   std::vector<std::string> save_points_;
   const std::chrono::milliseconds longest_wait_;
   bool taking_write_lock_ = false;
   std::chrono::steady_clock::time_point waiting_since_;
   SequenceNumbers numbers_;
   std::optional<std::int64_t> identity_;
-  struct GivenIdentity {
-    std::int64_t farthest = 0;
-    bool counts_down = false;
-  };
   std::unordered_map<std::string, GivenIdentity> given_identities_;  // by table, in the open transaction
 };
 

@@ -63,7 +63,7 @@ void Assignments::AddColumn(const Assignment& assignment, const Column& column, 
       typed = Arithmetic(parameters_, *assignment.compound, {clauses_.Old(column), column.type, column.nullable, -1},
                          std::move(typed));
     }
-    sets_.emplace_back(column.name, Assigned(parameters_, typed, column, ShownName(table)));
+    sets_.emplace_back(column.name, Assigned(parameters_, typed, column, table.shown_name()));
   }
   if (assignment.variable.empty()) return;
   const Typed stored{sets_.back().second, column.type, true, -1};
@@ -83,14 +83,14 @@ void Assignments::AddVariable(const Assignment& assignment, Typed value) {
 
 std::string DefaultSql(Translation& translation, const CatalogObject& table, const Column& column) {
   if (column.default_text.empty()) {
-    return column.nullable ? "NULL" : Required("NULL", column, ShownName(table));
+    return column.nullable ? "NULL" : Required("NULL", column, table.shown_name());
   }
   Scope scope;
   const InSchema in_schema(translation, "");
   const ExpressionPtr expression = ParseExpressionText(column.default_text, translation.names);
   const Parameters::InDefinition in_definition(translation.parameters);
   const NumbersAt numbers(translation, NumberPlace::kHere);
-  return Assigned(translation.parameters, translation.Value(*expression, scope), column, ShownName(table));
+  return Assigned(translation.parameters, translation.Value(*expression, scope), column, table.shown_name());
 }
 
 }  // namespace tessarlorn::tsql

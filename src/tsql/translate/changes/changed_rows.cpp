@@ -165,6 +165,4 @@ void RaiseSeveralTables(const std::string& name) {
       4405, "View or function '" + name + "' is not updatable because the modification affects multiple base tables.");
 }
 
-std::string ShownName(const CatalogObject& table) { return (table.temporary ? "tempdb." : "") + table.full_name(); }
-
 }  // namespace tessarlorn::tsql

@@ -56,7 +56,5 @@ int RequireColumn(const CatalogObject& table, const std::string& name);
 [[noreturn]] void RaiseColumnTwice(const std::string& name);
 /// Raises 4405.
 [[noreturn]] void RaiseSeveralTables(const std::string& name);
-/// The table as messages name it.
-std::string ShownName(const CatalogObject& table);
 
 }  // namespace tessarlorn::tsql

@@ -61,13 +61,15 @@ class InsertTranslator {
     return table_->columns[static_cast<std::size_t>(position)];
   }
   [[nodiscard]] std::string Value(const Typed& value, const Column& column) const {
-    const std::string sql = Assigned(translation_.parameters, value, column, ShownName(*table_));
+    const std::string sql = Assigned(translation_.parameters, value, column, table_->shown_name());
     return column.increment == 0 ? sql : Counted(column, sql);
   }
   /// The value of an identity that SQLite does not count, "NULL" for the next one.
   [[nodiscard]] std::string Counted(const Column& column, const std::string& value) const;
   /// Finds the columns that get values. Raises 264 and 544.
   void FindPositions(bool identity_insert);
+  /// Raises 545.
+  void RequireIdentity(bool identity_insert) const;
   /// The defaults of the columns that are not among `given`.
   std::vector<Default> Defaults(const std::vector<int>& given);
   std::string DefaultOf(int position);
@@ -84,6 +86,7 @@ class InsertTranslator {
   const TranslatedQuery* given_;
   CatalogObjectPtr table_;
   std::vector<int> positions_;
+  bool gives_identity_ = false;
   std::vector<Default> defaults_;
 };
 
@@ -97,14 +100,21 @@ void InsertTranslator::FindPositions(bool identity_insert) {
   }
   if (insert_.columns.empty()) {
     for (int i = 0; i < static_cast<int>(table_->columns.size()); ++i) {
-      if ((i != identity || identity_insert) && !ColumnAt(i).computed()) positions_.push_back(i);
+      if (i != identity && !ColumnAt(i).computed()) positions_.push_back(i);
     }
   }
-  const bool names_identity = std::find(positions_.begin(), positions_.end(), identity) != positions_.end();
-  if (identity >= 0 && names_identity && !identity_insert) {
+  gives_identity_ = std::find(positions_.begin(), positions_.end(), identity) != positions_.end();
+  if (identity >= 0 && gives_identity_ && !identity_insert) {
     throw SqlError(544, "Cannot insert explicit value for identity column in table '" + table_->own_name() +
                             "' when IDENTITY_INSERT is set to OFF.");
   }
+}
+
+void InsertTranslator::RequireIdentity(bool identity_insert) const {
+  if (!identity_insert || gives_identity_ || table_->identity_column() < 0) return;
+  throw SqlError(545, "Explicit value must be specified for identity column in table '" + table_->own_name() +
+                          "' either when IDENTITY_INSERT is set to ON or when a replication user is inserting into a "
+                          "NOT FOR REPLICATION identity column.");
 }
 
 std::string InsertTranslator::Counted(const Column& column, const std::string& value) const {
@@ -123,7 +133,7 @@ std::vector<Default> InsertTranslator::Defaults(const std::vector<int>& given) {
     if (column.increment != 0) {
       defaults.push_back({column.name, Counted(column, "NULL")});
     } else if (column.default_text.empty()) {
-      if (column.row_key) defaults.push_back({column.name, Required("NULL", column, ShownName(*table_))});
+      if (column.row_key) defaults.push_back({column.name, Required("NULL", column, table_->shown_name())});
     } else {
       defaults.push_back({column.name, DefaultSql(translation_, *table_, column)});
     }
@@ -154,6 +164,7 @@ std::vector<std::pair<std::string, std::string>> InsertTranslator::Row(const Cat
   FindPositions(identity_insert);
   if (values.empty()) positions_.clear();
   CheckCount(values.size(), false);
+  RequireIdentity(identity_insert);
   std::vector<std::pair<std::string, std::string>> row;
   for (std::size_t i = 0; i < positions_.size(); ++i) {
     row.emplace_back(ColumnAt(positions_[i]).name, Given(*values[i], positions_[i], scope));
@@ -171,6 +182,10 @@ std::string InsertTranslator::Head() const {
 
 void InsertTranslator::CheckCount(std::size_t count, bool of_select) const {
   if (count == positions_.size()) return;
+  if (insert_.columns.empty() && table_->identity_column() >= 0 && count == positions_.size() + 1) {
+    throw SqlError(8101, "An explicit value for the identity column in table '" + table_->own_name() +
+                             "' can only be specified when a column list is used and IDENTITY_INSERT is ON.");
+  }
   if (insert_.columns.empty()) {
     throw SqlError(213, "Column name or number of supplied values does not match table definition.");
   }
@@ -235,7 +250,9 @@ Compiled InsertTranslator::Translate(bool identity_insert) {
   FindPositions(identity_insert);
   if (std::holds_alternative<DefaultValues>(insert_.source)) positions_.clear();
   defaults_ = Defaults(positions_);
-  Compiled compiled = FinishChange(translation_, insert_.output, *table_, "inserted", with + Text());
+  const std::string text = with + Text();
+  RequireIdentity(identity_insert);
+  Compiled compiled = FinishChange(translation_, insert_.output, *table_, "inserted", text);
   compiled.verb = "INSERT";
   compiled.changed_table = table_->name;
   if (table_->identity_column() >= 0) compiled.identity_table = table_->table_name();

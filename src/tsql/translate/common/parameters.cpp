@@ -148,16 +148,10 @@ void Parameters::PinAll(const Expression& expression) {
   ForEachOperand(expression, [this](const Expression& operand) { PinAll(operand); });
 }
 
-Compiled Parameters::Finish(const std::string& sql) {
-  Compiled compiled = Part(sql);
-  parameters_.clear();
-  return compiled;
-}
-
-Compiled Parameters::Part(const std::string& sql) const {
-  // SQLite looks for a numbered parameter among all others, so each gets its number from its place instead.
-  Compiled compiled;
-  compiled.sql.reserve(sql.size());
+template <typename Text>
+std::string Parameters::Filled(const std::string& sql, const Text& text) const {
+  std::string filled;
+  filled.reserve(sql.size());
   std::size_t copied = 0;
   std::size_t i = 0;
   while (i < sql.size()) {
@@ -165,29 +159,38 @@ Compiled Parameters::Part(const std::string& sql) const {
     if (c == '\'' || c == '"') {
       i = std::min(sql.find(c, i), sql.size() - 1) + 1;
     } else if (c == '?') {
-      compiled.sql.append(sql, copied, i - copied);
+      filled.append(sql, copied, i - 1 - copied);
       std::size_t number = 0;
       for (; i < sql.size() && sql[i] >= '0' && sql[i] <= '9'; ++i) {
         number = number * 10 + static_cast<std::size_t>(sql[i] - '0');
       }
-      compiled.parameters.push_back(parameters_.at(number - 1));
+      filled += text(parameters_.at(number - 1));
       copied = i;
     }
   }
-  compiled.sql.append(sql, copied, std::string::npos);
+  return filled.append(sql, copied, std::string::npos);
+}
+
+Compiled Parameters::Finish(const std::string& sql) {
+  Compiled compiled = Part(sql);
+  parameters_.clear();
   return compiled;
 }
 
-std::string Parameters::FinishDefinition(std::string sql) {
-  for (std::size_t i = parameters_.size(); i-- > 0;) {
-    const std::string text = ConstantText(parameters_[i]);
-    const std::string mark = "?" + std::to_string(i + 1);
-    for (std::size_t at = sql.find(mark); at != std::string::npos; at = sql.find(mark, at + text.size())) {
-      sql.replace(at, mark.size(), text);
-    }
-  }
+Compiled Parameters::Part(const std::string& sql) const {
+  Compiled compiled;
+  // SQLite looks for a numbered parameter among all others, so each gets its number from its place instead.
+  compiled.sql = Filled(sql, [&](const BoundParameter& parameter) {
+    compiled.parameters.push_back(parameter);
+    return "?";
+  });
+  return compiled;
+}
+
+std::string Parameters::FinishDefinition(const std::string& sql) {
+  std::string filled = Filled(sql, ConstantText);
   parameters_.clear();
-  return sql;
+  return filled;
 }
 
 }  // namespace tessarlorn::tsql

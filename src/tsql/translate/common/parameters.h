@@ -79,9 +79,12 @@ class Parameters {
   /// The same of one SQL of several.
   [[nodiscard]] Compiled Part(const std::string& sql) const;
   /// The finished SQL for a definition: constants are written where their parameters stand.
-  std::string FinishDefinition(std::string sql);
+  std::string FinishDefinition(const std::string& sql);
 
  private:
+  /// The SQL with a text in the place of each parameter.
+  template <typename Text>
+  [[nodiscard]] std::string Filled(const std::string& sql, const Text& text) const;
   [[nodiscard]] bool lifts(const Literal& literal) const {
     return lift_ && definition_depth_ == 0 && literal.index >= 0;
   }

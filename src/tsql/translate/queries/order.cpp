@@ -121,6 +121,8 @@ std::string TranslateOrderOfSet(Translation& translation, const Query& query,
     } else if (column != nullptr && column->qualifier.empty()) {
       found = NamedColumn(columns, column->name, [](std::size_t) { return true; });
     } else if (items != nullptr && items->items.size() == columns.size()) {
+      translation.parameters.PinAll(key);
+      for (const SelectItem& item : items->items) translation.parameters.PinAll(*item.expression);
       for (std::size_t i = 0; i < columns.size() && found == kNone; ++i) {
         if (MeaningOf(*items->items[i].expression) == MeaningOf(key)) found = i;
       }

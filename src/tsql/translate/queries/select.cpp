@@ -107,6 +107,8 @@ std::string SelectTranslator::GroupBy(const std::vector<std::size_t>& set) {
       throw SqlError(164, "Each GROUP BY expression must contain at least one column that is not an outer reference.",
                      15);
     }
+    // Its meaning is compared with that of the items.
+    translation_.parameters.PinAll(key);
     const Typed value = translation_.Value(key, scope_);
     const bool is_column = As<ColumnReference>(key) != nullptr;
     if (is_column) scope_.group_columns.insert(value.sql);

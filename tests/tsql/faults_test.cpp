@@ -52,6 +52,48 @@ TEST(Faults, NameTheConstraint) {
       });
 }
 
+TEST(Faults, OfKeysThatMove) {
+  CheckBatches(
+      {"create table p (id int primary key) create table c (p int constraint fk references p) create table e (id int primary key, "
+       "boss int constraint fk_boss references e) insert p values (1), (2) insert c values (1) insert e values (1, null), (2, 1)"},
+      {
+          {"update p set id = id + 1 output deleted.id",
+           "error 547: The UPDATE statement conflicted with the REFERENCE constraint \"fk\". The conflict occurred in database "
+           "\"main\", table \"dbo.c\", column 'p'."},
+          {"merge p using (values (1, 2), (2, 3)) s (a, b) on p.id = s.a when matched then update set id = s.b;",
+           "error 547: The MERGE statement conflicted with the REFERENCE constraint \"fk\". The conflict occurred in database "
+           "\"main\", table \"dbo.c\", column 'p'."},
+          {"update e set id = 9 where id = 1",
+           "error 547: The UPDATE statement conflicted with the SAME TABLE REFERENCE constraint \"fk_boss\". The conflict occurred in "
+           "database \"main\", table \"dbo.e\", column 'boss'."},
+          {"update e set boss = 9 where id = 1",
+           "error 547: The UPDATE statement conflicted with the FOREIGN KEY SAME TABLE constraint \"fk_boss\". The conflict occurred "
+           "in database \"main\", table \"dbo.e\", column 'id'."},
+          {"update p set id = 3 - id begin try insert c values (7) end try begin catch select @@rowcount r end catch",
+           "r;0"},
+      });
+}
+
+TEST(Faults, OfIdentities) {
+  CheckBatches(
+      {"create table t (id int identity(10, 5) primary key, t int references t, k int unique) insert t (k) values (1) create table u "
+       "(id int identity, v int)"},
+      {
+          {"begin try insert t (t, k) values (7, 2) end try begin catch select scope_identity() s, @@identity i end catch",
+           "s|i;NULL|10"},
+          {"insert t (k) values (3) select max(id) m from t", "m;20"},
+          {"insert u values (5, 6)",
+           "error 8101: An explicit value for the identity column in table 'u' can only be specified when a column list is used and "
+           "IDENTITY_INSERT is ON."},
+          {"begin try insert u (id) values (5) end try begin catch select error_number() e end catch", "e;544"},
+          {"set identity_insert u on set identity_insert t off begin try insert u default values end try begin catch select "
+           "error_number() e end catch",
+           "e;545"},
+          {"set identity_insert t on",
+           "error 8107: IDENTITY_INSERT is already ON for table 'main.dbo.u'. Cannot perform SET operation for table 't'."},
+      });
+}
+
 TEST(Faults, NameTheObject) {
   CheckBatches(
       {"create table t (a int, b int)", "create view v with schemabinding as select a from dbo.t",
@@ -70,6 +112,22 @@ TEST(Faults, NameTheObject) {
           {"select 1 as a, 2 as A into #t",
            "error 2705: Column names in each table must be unique. Column name 'A' in table '#t' is specified more than once."},
           {"drop view v drop table t", ""},
+          {"alter view v as select 1 as a", "error 208: Invalid object name 'v'."},
+          {"alter procedure f as select 1",
+           "error 2010: Cannot perform alter on 'f' because it is an incompatible object type."},
+          {"begin tran a save tran s save tran z rollback tran s rollback tran z",
+           "error 6401: Cannot roll back z. No transaction or savepoint of that name was found."},
+          {"begin tran b rollback tran b",
+           "error 6401: Cannot roll back b. No transaction or savepoint of that name was found."},
+          {"rollback tran a select @@trancount n", "n;0"},
+          {"create table k (a int constraint pk_k primary key, schemabinding int check (a < 5)) exec sp_rename 'k.pk_k', 'pk_2', "
+           "'INDEX' select name from sys.indexes where name like 'pk%'",
+           "name;pk_2"},
+          {"create view w as select a, schemabinding from dbo.k", ""},
+          {"delete k output deleted.a into k (a)",
+           "error 333: The target table 'k' of the OUTPUT INTO clause cannot have any enabled check constraints or any enabled rules. "
+           "Found check constraint or rule 'CK_k_schemabinding'."},
+          {"drop table k create table #c (a int references nowhere) insert #c values (1) select a from #c", "a;1"},
       });
 }
 
@@ -87,6 +145,9 @@ TEST(Faults, OfDeclarations) {
            "error 134: The variable name '@a' has already been declared. Variable names must be unique within a query batch or stored "
            "procedure."},
           {"select count(*) as n from n where exists (select 1 from dbo.g() z where z.a > 1)", "n;0"},
+          {"if 1 = 1 begin create table l (a varchar(9) check (a > ''), b as case when a = 'x' then 1 else 'what ?1' end) end insert l "
+           "values ('y') select b from l",
+           "error 245: Conversion failed when converting the varchar value 'what ?1' to data type int."},
           {"exec p 0", "a;0"},
           {"exec p 1", "a;9;1"},
           {"declare @i int = 0 while @i < 2 begin declare @t table (a int) declare @z int = 5 insert @t values (@z) set @z = 9 set @i += "

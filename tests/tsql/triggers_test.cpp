@@ -28,7 +28,11 @@ TEST(Triggers, SeeTheRowsOfEachKindOfChange) {
           {"disable trigger keeps_book on shelf truncate table book update shelf set n = 2 alter table shelf enable trigger all "
            "truncate table shelf select count(*) n from book",
            "n;0"},
-          {"update shelf set n = 1 output inserted.n",
+          {"insert shelf values (1,1),(2,2) truncate table book merge shelf t using (values (1,2),(2,1),(7,7)) s (a, b) on t.id = s.a "
+           "when matched then update set id = s.b when not matched then insert values (s.a, 7); select was, now, id from book order "
+           "by id",
+           "was|now|id;1|2|1;2|1|2;NULL|7|7"},
+          {"truncate table shelf update shelf set n = 1 output inserted.n",
            "error 334: The target table 'shelf' of the DML statement cannot have any enabled triggers if the statement contains an "
            "OUTPUT clause without INTO clause."},
           {"select name, is_disabled, object_name(parent_id) t from sys.triggers drop table shelf select * from sys.triggers",

@@ -422,6 +422,7 @@ Interpreter::Flow Interpreter::WaitFor(const WaitForStatement& wait, Activation&
 }
 
 void Interpreter::InsertExecuted(const InsertStatement& insert, Activation& activation) {
+  if (results_.taking()) throw SqlError(8164, "An INSERT EXEC statement cannot be nested.");
   MemoryBudget& memory = database_.runtime().memory;
   const std::size_t used = memory.used();
   std::vector<TakenRows> taken;

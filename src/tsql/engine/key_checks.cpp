@@ -133,7 +133,6 @@ std::int64_t RowStatements::ApplyUpdate(const CatalogObject& table, const Change
 
 std::optional<SqlError> RowStatements::TryAgain(const std::function<void()>& body) {
   const Transaction::Trial trial(transaction_);
-  trying_ = true;
   Frame& frame = *database_.runtime().frame;
   const Frame before = frame;
   std::optional<SqlError> raised;
@@ -151,7 +150,6 @@ std::optional<SqlError> RowStatements::TryAgain(const std::function<void()>& bod
   } catch (const SqlError&) {
     frame = before;
   }
-  trying_ = false;
   return raised;
 }
 

@@ -278,6 +278,11 @@ void Procedures::ExecuteSql(CallArguments& arguments) {
     if (!arguments.is_default(i)) parameter.value = arguments.Value(i, parameter.type);
     names.push_back(std::move(name));
   }
+  for (const Declared& parameter : declared) {
+    if (std::find(names.begin(), names.end(), parameter.name) != names.end()) continue;
+    throw SqlError(8178, "The parameterized query '(" + TextOf(arguments, 1) + ")" + text +
+                             "' expects the parameter '" + parameter.name + "', which was not supplied.");
+  }
   RunText(text, frame);
   for (std::size_t i = 0; i < names.size(); ++i) {
     if (arguments.is_default(i + kFirst)) continue;

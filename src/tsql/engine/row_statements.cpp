@@ -6,13 +6,16 @@
 
 #include "tsql/storage/constraint_text.h"
 #include "tsql/syntax/ast_walk.h"
+#include "tsql/translate/common/function_text.h"
 
 namespace tessarlorn::tsql {
 void RowStatements::NoteChange(const Compiled& change) {
   if (results_.row_count() == 0) return;
   if (!change.identity_table.empty()) transaction_.NoteIdentity(change.identity_table);
   BatchWatcher* const watcher = WatcherOfThread();
-  if (watcher == nullptr || trying_ || change.changed_table.empty() || IsTemporaryName(change.changed_table)) return;
+  if (watcher == nullptr || transaction_.on_trial() || change.changed_table.empty() ||
+      IsTemporaryName(change.changed_table))
+    return;
   watcher->Changed(change.changed_table, results_.row_count());
 }
 
@@ -88,6 +91,9 @@ void RowStatements::Truncate(const TruncateStatement& statement, const Activatio
   RequireLocal(statement.table);
   Catalog& catalog = database_.catalog();
   const CatalogObjectPtr table = catalog.Get(catalog.Meant(statement.table, activation.plan->schema));
+  if (table->kind != CatalogKind::kTable) {
+    throw SqlError(4708, "Could not truncate object '" + WrittenName(statement.table) + "' because it is not a table.");
+  }
   definitions_.RequireUnreferenced(
       *table, 4712,
       "Cannot truncate table '" + table->name + "' because it is being referenced by a FOREIGN KEY constraint.");
@@ -184,7 +190,27 @@ void RowStatements::RunStages(Compiled& change, const Activation& activation) {
   NoteChange(change);
 }
 
+void RowStatements::RequirePlain(const ObjectName& into, const std::string& schema) {
+  const CatalogObjectPtr table = database_.catalog().Find(database_.catalog().Meant(into, schema));
+  if (table == nullptr || table->kind != CatalogKind::kTable) return;
+  const std::string target = "The target table '" + into.name + "' of the OUTPUT INTO clause cannot ";
+  for (const Constraint& constraint : ReadConstraints(table->definition)) {
+    if (constraint.kind == "C") {
+      throw SqlError(333, target +
+                              "have any enabled check constraints or any enabled rules. Found check constraint or "
+                              "rule '" +
+                              constraint.name + "'.");
+    }
+    if (constraint.kind != "F") continue;
+    throw SqlError(332, target +
+                            "be on either side of a (primary key, foreign key) relationship. Found reference "
+                            "constraint '" +
+                            constraint.name + "'.");
+  }
+}
+
 void RowStatements::ChangeInto(const Statement& statement, const Output& output, const Activation& activation) {
+  RequirePlain(output.into, activation.plan->schema);
   MemoryBudget& memory = database_.runtime().memory;
   const std::size_t used = memory.used();
   database_.Atomically([&] {

@@ -43,6 +43,8 @@ class RowStatements {
   void SelectInto(const Query& query, const Activation& activation);
   /// Raises 331 and 334: rows of OUTPUT neither go to the client nor into a table where triggers would see them.
   void RequireNoTriggers(const std::string& table, const Output& output, const std::string& schema);
+  /// Raises 332 and 333 for a table that rows of OUTPUT cannot go into because of its constraints.
+  void RequirePlain(const ObjectName& into, const std::string& schema);
   /// Whether it answered rows, by OUTPUT.
   bool ChangeRows(const Statement& statement, const Activation& activation);
   bool RunCompiled(const Statement& statement, const Activation& activation);
@@ -102,7 +104,6 @@ class RowStatements {
   Binder& binder_;
   Definitions& definitions_;
   Triggers& triggers_;
-  bool trying_ = false;  // TryAgain runs
 };
 
 /// Whether the error is that of a key that another row has.

@@ -174,7 +174,11 @@ void AddConstraints(Constraints& constraints, const std::string& table, const Ta
   for (const ColumnDefinition& column : elements.columns) {
     if (column.primary_key) adder.Add(MakeConstraint("PK", "", {column.name}));
   }
-  for (const TableConstraint& constraint : elements.constraints) AddConstraint(adder, constraint);
+  for (const TableConstraint& constraint : elements.constraints) {
+    // Foreign keys of temporary tables are not enforced.
+    if (IsTemporaryName(table) && std::holds_alternative<ForeignKeyRule>(constraint.rule)) continue;
+    AddConstraint(adder, constraint);
+  }
   for (const ColumnDefinition& column : elements.columns) {
     if (column.unique) adder.Add(MakeConstraint("UQ", "", {column.name}));
     if (column.check != nullptr) adder.Add(MakeConstraint("C", "", {column.name}, column.check_text));

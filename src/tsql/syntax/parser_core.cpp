@@ -134,6 +134,12 @@ void Parser::Refuse(std::string_view feature) const { RaiseUnsupported(feature, 
 
 std::string Parser::ParseName() {
   if (!AtName()) Fail();
+  if (Peek().text.empty()) {
+    RaiseAt(1038,
+            "An object or column name is missing or empty. For SELECT INTO statements, verify each column has a name. "
+            "For other statements, look for empty alias names. Aliases defined as \"\" or [] are not allowed. Change "
+            "the alias to a valid name.");
+  }
   return Unquote(Take());
 }
 
@@ -214,7 +220,8 @@ std::int64_t Parser::ParseSignedInteger() {
 std::string Parser::AcceptAlias() {
   const bool required = Accept("as"_kw);
   const bool text = Peek().kind == TokenKind::kString || Peek().kind == TokenKind::kNString;
-  if (text || AtName()) return Unquote(Take());
+  if (text) return Unquote(Take());
+  if (AtName()) return ParseName();
   if (required) Fail();
   return {};
 }

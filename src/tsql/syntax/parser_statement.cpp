@@ -274,7 +274,13 @@ StatementPtr Parser::ParseExecute(bool word_omitted) {
   call.procedure = ParseObjectName();
   if (AtValue() || At("default"_kw)) {
     do {
-      call.arguments.push_back(ParseCallArgument());
+      CallArgument argument = ParseCallArgument();
+      if (argument.name.empty() && !call.arguments.empty() && !call.arguments.back().name.empty()) {
+        RaiseAt(119, "Must pass parameter number " + std::to_string(call.arguments.size() + 1) +
+                         " and subsequent parameters as '@name = value'. After the form '@name = value' has been used, "
+                         "all subsequent parameters must be passed in the form '@name = value'.");
+      }
+      call.arguments.push_back(std::move(argument));
     } while (Accept(Op::kComma));
   }
   AcceptBoth("with"_kw, "recompile"_kw);

@@ -133,7 +133,11 @@ void Definitions::RenameColumn(const CatalogObject& table, const std::string& co
 }
 
 void Definitions::RenameIndex(const CatalogObject& table, const std::string& index, const std::string& new_name) {
-  if (!IndexExists(table, index)) RaiseWrongKind("INDEX");
+  if (!IndexExists(table, index)) {
+    if (!HasKey(table.definition, index)) RaiseWrongKind("INDEX");
+    RenameConstraint(table.schema, index, new_name);
+    return;
+  }
   if (IndexExists(table, new_name)) RaiseTaken(new_name, "INDEX");
   const std::string from = table.name + "." + index;
   const std::string to = table.name + "." + new_name;

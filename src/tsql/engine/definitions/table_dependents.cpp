@@ -9,6 +9,22 @@
 #include "tsql/syntax/token.h"
 
 namespace tessarlorn::tsql {
+namespace {
+
+/// Whether SCHEMABINDING stands among the options behind WITH.
+bool IsBinding(const std::vector<Token>& tokens) {
+  const auto is = [](const Token& token, std::string_view word) {
+    return token.kind == TokenKind::kWord && EqualsIgnoreCase(token.text, word);
+  };
+  auto token = std::find_if(tokens.begin(), tokens.end(), [&](const Token& one) { return is(one, "with"); });
+  for (; token != tokens.end() && !is(*token, "as"); ++token) {
+    if (is(*token, "schemabinding")) return true;
+    if (token->kind != TokenKind::kWord && token->op != Op::kComma) return false;
+  }
+  return false;
+}
+
+}  // namespace
 
 bool NamesColumn(SessionDatabase& database, const std::string& text, const std::string& column) {
   Tokens tokens;
@@ -125,7 +141,7 @@ std::string BoundTo(SessionDatabase& database, const CatalogObject& object, cons
       named = EqualsIgnoreCase(all[i].text, schema) && all[i + 1].op == Op::kDot &&
               EqualsIgnoreCase(all[i + 2].text, object.own_name());
     }
-    if (named && is_word("schemabinding") && (column.empty() || is_word(column))) return found.Text(0);
+    if (named && IsBinding(all) && (column.empty() || is_word(column))) return found.Text(0);
   }
   return {};
 }

@@ -61,6 +61,8 @@ class Results {
   /// Whether the sink deals with an error that ended its statement.
   bool StatementFailed(const SqlError& error) { return sink_->StatementFailed(ToError(error)); }
 
+  /// Whether rows are on their way into a table.
+  [[nodiscard]] bool taking() const { return taken_ != nullptr; }
   [[nodiscard]] std::int64_t row_count() const { return row_count_; }
   void set_row_count(std::int64_t rows) { row_count_ = rows; }
 

@@ -45,7 +45,7 @@ Datum SystemValues::Get(const std::string& name, SqlType& type) const {
   if (name == "getdate") return clock_().milliseconds();
   if (name == "getutcdate") return UtcNow();
   if (name == "sysdatetimeoffset") return MomentAt(clock_().milliseconds());
-  if (name == "@@rowcount") return Whole(results_.row_count(), type);
+  if (name == "@@rowcount" || name == "rowcount_big") return Whole(results_.row_count(), type);
   if (name == "@@error") return Whole(std::int64_t{errors_.last_number}, type);
   if (name == "@@trancount") return Whole(std::int64_t{transaction_.depth()}, type);
   if (name == "@@fetch_status") return Whole(std::int64_t{cursors_.fetch_status}, type);

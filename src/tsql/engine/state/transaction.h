@@ -39,7 +39,7 @@ class Transaction {
     Catalog* catalog_;
   };
 
-  /// While it lives identity values and numbers are given on trial: then they are given again.
+  /// While it lives a change runs on trial: the identity values and numbers that it takes are given again.
   class Trial {
    public:
     explicit Trial(Transaction& transaction)
@@ -47,10 +47,13 @@ class Transaction {
           numbers_(transaction.numbers_),
           identity_(transaction.identity_),
           scope_identity_(transaction.scope_identity),
-          given_(transaction.given_identities_) {}
+          given_(transaction.given_identities_) {
+      transaction_.on_trial_ = true;
+    }
     Trial(const Trial&) = delete;
     Trial& operator=(const Trial&) = delete;
     ~Trial() {
+      transaction_.on_trial_ = false;
       transaction_.identity_ = identity_;
       transaction_.scope_identity = scope_identity_;
       transaction_.given_identities_.swap(given_);
@@ -108,6 +111,7 @@ class Transaction {
   void NoteIdentity(const std::string& table);
   [[nodiscard]] std::optional<std::int64_t> identity() const { return identity_; }  // @@IDENTITY
   void ForgetIdentity() { identity_.reset(); }
+  [[nodiscard]] bool on_trial() const noexcept { return on_trial_; }
   [[nodiscard]] SequenceNumbers& numbers() { return numbers_; }
   /// Of the batch, text or procedure that runs: SCOPE_IDENTITY().
   std::optional<std::int64_t> scope_identity;
@@ -125,6 +129,7 @@ class Transaction {
   int depth_ = 0;
   bool writing_ = false;
   bool doomed_ = false;
+  bool on_trial_ = false;
   bool marked_ = false;  // the file, as one of ours
   std::string name_;     // of the outermost BEGIN TRANSACTION
   std::vector<std::string> save_points_;

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "platform/text/text.h"
+#include "tsql/syntax/ast_walk.h"
 #include "tsql/translate/calls/call_topics.h"
 #include "tsql/translate/common/meaning.h"
 #include "tsql/values/sql_error.h"
@@ -24,8 +25,26 @@ void RaiseUnknownFunction(const std::string& name, std::uint32_t line) {
   throw error;
 }
 
+namespace {
+
+/// Raises 4109.
+void RequireNoWindowWithin(const Call& call) {
+  const auto has_window = [](const Expression& expression) {
+    const auto* inner = As<FunctionCall>(expression);
+    return inner != nullptr && inner->window != nullptr;
+  };
+  for (const ExpressionPtr& argument : call.arguments()) {
+    if (!AnyOperand(*argument, has_window)) continue;
+    throw SqlError(4109, "Windowed functions cannot be used in the context of another windowed function or aggregate.",
+                   15);
+  }
+}
+
+}  // namespace
+
 Typed TranslateCall(const Call& call) {
   if (!call.qualifier().empty()) return OwnCall(call);
+  if (call.window() != nullptr || IsAggregate(call.name())) RequireNoWindowWithin(call);
   if (call.window() != nullptr) return WindowCall(call);
   if (IsAggregate(call.name())) return AggregateCall(call);
   for (const auto topic : {PlainCall, ConditionalCall, DateCall, NumberCall, TextCall, DigestCall, JsonCall,

@@ -17,6 +17,11 @@ Typed IsNullCall(const Call& call) {
 Typed NullIf(const Call& call) {
   call.Require(2);
   const Typed left = call.Value(0);
+  if (left.type.untyped_null) {
+    throw SqlError(4151,
+                   "The type of the first argument to NULLIF cannot be the NULL constant because the type of the first "
+                   "argument has to be known.");
+  }
   const std::string equal = Compared(call.parameters(), CompareOp::kEqual, left, call.Value(1));
   const Typed value = call.Value(0);
   return {"CASE WHEN " + equal + " THEN NULL ELSE " + value.sql + " END", value.type, true, -1};

@@ -73,7 +73,10 @@ Typed NumberOf(const Call& call) {
 Typed NumberCall(const Call& call) {
   const std::string& name = call.name();
   if (name == "pi") return call.parameters().Constant(3.14159265358979323846, FloatType());
-  if (name == "rand") return {"ts_rand(" + (call.count() > 0 ? call.Int(0) : "") + ")", FloatType(), false, -1};
+  if (name == "rand") {
+    call.Require(0, 1);
+    return {"ts_rand(" + call.Int(0, "") + ")", FloatType(), false, -1};
+  }
   if (name == "newid") return {"ts_newid()", SqlType{FieldType::kGuid, 0, 0, 0, false}, false, -1};
   if (name == "round") {
     call.Require(2, 3);

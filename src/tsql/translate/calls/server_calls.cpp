@@ -18,6 +18,7 @@ struct System {
 };
 constexpr std::array kSystems = {
     System{"@@rowcount", FieldType::kInt},
+    System{"rowcount_big", FieldType::kBigInt},
     System{"@@error", FieldType::kInt},
     System{"@@trancount", FieldType::kInt},
     System{"@@identity", FieldType::kDecimal},
@@ -48,6 +49,7 @@ std::optional<Typed> SystemOf(Parameters& parameters, const std::string& name) {
     if (system.name != name) continue;
     return parameters.System(name, system.kind == FieldType::kNVarChar  ? NVarCharType(4000)
                                    : system.kind == FieldType::kDecimal ? DecimalType(38, 0)
+                                   : system.kind == FieldType::kBigInt  ? BigIntType()
                                                                         : IntType());
   }
   return std::nullopt;

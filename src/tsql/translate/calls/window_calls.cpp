@@ -89,6 +89,9 @@ Typed Total(const Call& call, const Typed& value, const std::string& over) {
 }  // namespace
 
 Typed WindowCall(const Call& call) {
+  if (!call.scope().windows) {
+    throw SqlError(4108, "Windowed functions can only appear in the SELECT or ORDER BY clauses.", 15);
+  }
   const std::string& name = call.name();
   constexpr std::array<std::string_view, 6> kNumberings = {"row_number", "rank",         "dense_rank",
                                                            "ntile",      "percent_rank", "cume_dist"};

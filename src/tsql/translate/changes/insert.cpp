@@ -201,6 +201,7 @@ std::string InsertTranslator::InsertDefaults() {
 
 std::string InsertTranslator::InsertValues(const ValueRows& values) {
   Scope scope;
+  RequireSameWidth(values);
   std::string sql = Head() + "VALUES ";
   const int places = translation_.number_places;
   for (std::size_t r = 0; r < values.rows.size(); ++r) {

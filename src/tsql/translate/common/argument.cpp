@@ -17,7 +17,7 @@ std::string IntArgument(Translation& translation, const Expression& expression, 
 
 std::string RowLimitArgument(Translation& translation, const Expression& expression, Scope& scope, RowLimit limit) {
   std::string number = IntArgument(translation, expression, scope);
-  if (As<Literal>(expression) != nullptr) return number;
+  if (As<Literal>(expression) != nullptr && limit != RowLimit::kFetch) return number;
   return "ts_rows_wanted(" + number + ", " + std::to_string(static_cast<int>(limit)) + ")";
 }
 

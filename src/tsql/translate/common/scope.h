@@ -26,6 +26,7 @@ struct Source {
   std::string alias;
   /// Of a table without an alias, which is called "s.t" then: the schema, "" for dbo.
   std::string schema = {};
+  bool exposed = false;     // it is called as its table is
   std::string prefix = {};  // of the columns' names in SQL: "\"t\"."
   /// Empty for those of `table` as they stand: a query names few of a table's many.
   std::vector<SourceColumn> columns;
@@ -52,6 +53,8 @@ struct Scope {
   std::string clause = "select list";
   /// An aggregate here is error 147.
   bool no_aggregates = false;
+  /// A function with OVER may stand here; elsewhere it is error 4108.
+  bool windows = false;
   /// Where not null, columns of this scope are noted in it and read from the sorted rows of an assigning SELECT.
   std::vector<std::string>* captured = nullptr;
   std::set<std::string> group_columns;      // resolved SQL

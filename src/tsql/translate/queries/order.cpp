@@ -13,6 +13,8 @@ namespace tessarlorn::tsql {
 namespace {
 
 constexpr std::size_t kNone = OrderKey::kNoColumn;
+/// A key that the grouping set at hand has not.
+constexpr std::string_view kAbsent = "NULL";
 
 /// The column that a number stands for.
 std::size_t NumberedColumn(const Literal& number, std::size_t columns) {
@@ -62,6 +64,17 @@ bool Selects(Parameters& parameters, const Select& select, const std::vector<Typ
   });
 }
 
+/// Raises 169 for a column that is among the keys. A grouping set may lack several columns.
+void RequireNew(const std::vector<OrderKey>& keys, const OrderKey& added) {
+  for (const OrderKey& key : keys) {
+    if (key.column != added.column || key.sql != added.sql || key.sql == kAbsent) continue;
+    throw SqlError(169,
+                   "A column has been specified more than once in the order by list. Columns in the order by list must "
+                   "be unique.",
+                   15);
+  }
+}
+
 }  // namespace
 
 std::vector<OrderKey> OrderKeys(Translation& translation, const Query& query, const Select& select, Scope& scope,
@@ -89,7 +102,9 @@ std::vector<OrderKey> OrderKeys(Translation& translation, const Query& query, co
   };
   std::vector<OrderKey> keys;
   for (const OrderItem& item : query.order_by) {
-    keys.push_back(key_of(*item.expression));
+    OrderKey added = key_of(*item.expression);
+    if (As<ColumnReference>(*item.expression) != nullptr || added.column != kNone) RequireNew(keys, added);
+    keys.push_back(std::move(added));
     keys.back().descending = item.descending;
   }
   return keys;

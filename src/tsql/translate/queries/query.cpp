@@ -88,16 +88,21 @@ std::string ManyRows(Translation& translation, const std::vector<std::vector<Typ
 
 }  // namespace
 
+void RequireSameWidth(const ValueRows& values) {
+  for (const auto& row : values.rows) {
+    if (row.size() == values.rows[0].size()) continue;
+    throw SqlError(10709, "The number of columns for each row in a table value constructor must be the same.");
+  }
+}
+
 TranslatedQuery TranslateRows(Translation& translation, const ValueRows& values, const Scope* parent,
                               const SelectOptions& options) {
   Scope scope;
   scope.parent = parent;
   TranslatedQuery result;
   std::vector<std::vector<Typed>> rows;
+  RequireSameWidth(values);
   for (const auto& row : values.rows) {
-    if (row.size() != values.rows[0].size()) {
-      throw SqlError(10709, "The number of columns for each row in a table value constructor must be the same.");
-    }
     rows.emplace_back();
     for (std::size_t i = 0; i < row.size(); ++i) {
       rows.back().push_back(translation.Value(*row[i], scope));

@@ -22,6 +22,8 @@ TranslatedQuery TranslateSet(Translation& translation, const Query& query, const
 TranslatedQuery TranslateRows(Translation& translation, const ValueRows& values, const Scope* parent,
                               const SelectOptions& options);
 
+/// Raises 10709 for rows of different widths.
+void RequireSameWidth(const ValueRows& values);
 /// Gives the columns other names. Raises 8158 and 8159 for another number of them.
 void Rename(std::vector<ResultColumn>& columns, const std::vector<std::string>& names, const std::string& owner);
 /// Raises 8155 and 8156 for columns without a name of their own, 4511 and 4506 in a definition, 1038 and 2705 in a new

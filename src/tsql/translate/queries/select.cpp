@@ -128,6 +128,7 @@ std::string SelectTranslator::GroupBy(const std::vector<std::size_t>& set) {
 void SelectTranslator::AddItems() {
   const bool grouped = scope_.check_grouping && numbers_of_items_ == NumberPlace::kHere;
   const NumbersAt numbers(translation_, grouped ? NumberPlace::kClause : numbers_of_items_);
+  scope_.windows = true;
   values_.reserve(select_.items.size());
   result_.columns.reserve(select_.items.size());
   for (const SelectItem& item : select_.items) {
@@ -216,7 +217,10 @@ std::string SelectTranslator::List(bool distinct) const {
 std::string SelectTranslator::Having() {
   if (select_.having == nullptr) return {};
   scope_.clause = "HAVING clause";
-  return " HAVING " + translation_.Condition(*select_.having, scope_);
+  scope_.windows = false;
+  std::string having = " HAVING " + translation_.Condition(*select_.having, scope_);
+  scope_.windows = true;
+  return having;
 }
 
 std::string SelectTranslator::RankedTop(const std::string& rest) {

@@ -58,8 +58,11 @@ class Sources {
       : translation_(translation), scope_(scope), optional_(optional) {}
 
   std::string operator()(const NamedTable& named) const {
+    const bool exposed = named.alias.empty();
+    if (exposed) RequireExposedOnce(named.shown_name());
     std::string sql = Table(named);
-    if (named.alias.empty()) scope_.sources.back().schema = named.name.schema;
+    if (exposed) scope_.sources.back().schema = named.name.schema;
+    scope_.sources.back().exposed = exposed;
     return sql;
   }
   std::string operator()(const DerivedTable& derived) const;
@@ -69,6 +72,8 @@ class Sources {
   std::string operator()(const Join& join) const;
 
  private:
+  /// Raises 1013.
+  void RequireExposedOnce(const std::string& name) const;
   [[nodiscard]] std::string Table(const NamedTable& named) const;
   [[nodiscard]] TranslatedQuery QueryOf(const DerivedTable& derived, const Scope* around) const;
   /// CROSS APPLY and OUTER APPLY. SQLite's own sources do not see those beside them, but the arguments of its
@@ -116,6 +121,15 @@ class Sources {
   Scope& scope_;
   bool optional_;
 };
+
+void Sources::RequireExposedOnce(const std::string& name) const {
+  for (const Source& other : scope_.sources) {
+    if (!other.exposed || !EqualsIgnoreCase(other.alias, name)) continue;
+    throw SqlError(1013, "The objects \"" + other.alias + "\" and \"" + name +
+                             "\" in the FROM clause have the same exposed names. Use correlation names to distinguish "
+                             "them.");
+  }
+}
 
 std::string Sources::Table(const NamedTable& named) const {
   const std::string& shown = named.shown_name();

@@ -258,12 +258,12 @@ TEST(Language, ErrorsNameWhatIsWrong) {
       {"create procedure answers @a int as insert #n exec ('select 1')", ""},
       {"declare @t table (i int identity, q varchar(99)) insert @t values ('select FID from o where rank() over (order by FID) = 1'), "
        "('select sum(rank() over (order by FID)) from o'), ('select 1 as []'), ('select 1 from o, o'), ('select FID from o order by FID, "
-       "FID'), ('select nullif(null, 1)'), ('exec answers @a = 1, 2'), ('exec sp_executesql N''select @b'', N''@b int'''), ('insert o "
+       "FID'), ('select nullif(null, 1)'), ('exec answers @a = 1, 2'), ('exec sp_executesql N''select @b'', N''@b int'''), ('exec answers ''x'''), ('insert o "
        "exec answers 1'), ('select 1 from o order by 1 offset 0 rows fetch next 0 rows only'), ('insert o values (1), (1, 2)') "
-       "declare @i int = 1, @q varchar(99), @n varchar(99) = '' create table #n (n int) while @i < 12 "
+       "declare @i int = 1, @q varchar(99), @n varchar(99) = '' create table #n (n int) while @i < 13 "
        "begin select @q = q from @t where i = @i begin try exec (@q) end try begin catch set @n += ltrim(str(error_number())) + ' ' end "
        "catch set @i += 1 end select @n as n",
-       "n;4108 4109 1038 1013 169 4151 119 8178 8164 10744 10709 "},
+       "n;4108 4109 1038 1013 169 4151 119 8178 8114 8164 10744 10709 "},
       {"create view v as select 1 as a", ""},
       {"truncate table v", "error 4708: Could not truncate object 'v' because it is not a table."},
       {"select cast('2026-13-01' as datetime) as d",

@@ -34,12 +34,10 @@ TEST(PlanCache, LiteralsOfKeysAreCompared) {
   CheckBatches(
       {"create table n (v int) insert n values (1), (5), (12), (27)"},
       {
-          {"select v % 10 x, count(*) c from n group by rollup (v % 10, v % 5) order by 1, 2 desc",
-           "x|c;NULL|4;1|1;1|1;2|1;2|1;5|1;5|1;7|1;7|1"},
-          {"select v % 10 x, count(*) c from n where v < 6 group by rollup (v % 5, v % 10) order by 1, 2 desc",
-           "x|c;NULL|2;NULL|1;NULL|1;1|1;5|1"},
           {"select v % 10 x, count(*) c from n where v < 6 group by rollup (v % 10, v % 5) order by 1, 2 desc",
            "x|c;NULL|2;1|1;1|1;5|1;5|1"},
+          {"select v % 10 x, count(*) c from n where v < 6 group by rollup (v % 5, v % 10) order by 1, 2 desc",
+           "x|c;NULL|2;NULL|1;NULL|1;1|1;5|1"},
           {"select v % 10 x from n union select 3 order by v % 10", "x;1;2;3;5;7"},
           {"select v % 10 x from n union select 3 order by v % 3",
            "error 104: ORDER BY items must appear in the select list if the statement contains a UNION, INTERSECT or EXCEPT "

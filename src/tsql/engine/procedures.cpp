@@ -23,6 +23,20 @@ std::string TextOf(CallArguments& arguments, std::size_t argument) {
   return text == nullptr ? std::string() : std::move(*text);
 }
 
+/// An argument as its parameter's type has it: what does not fit is error 8114, in statements 245.
+Datum ValueOf(CallArguments& arguments, std::size_t argument, const SqlType& type) {
+  try {
+    return arguments.Value(argument, type);
+  } catch (const SqlError& error) {
+    constexpr std::string_view kBeginning = "Conversion failed when converting the ";
+    const std::string text = error.what();
+    const std::size_t end = text.find(" value '");
+    if (error.number() != 245 || !text.starts_with(kBeginning) || end == std::string::npos) throw;
+    throw SqlError(8114, "Error converting data type " + text.substr(kBeginning.size(), end - kBeginning.size()) +
+                             " to " + std::string(TypeNameText(type)) + ".");
+  }
+}
+
 /// Raises 2809 for an object that is no procedure.
 void RequireCallable(const CatalogObject& object, const std::string& name) {
   if (object.kind == CatalogKind::kProcedure) return;
@@ -173,7 +187,7 @@ std::vector<std::size_t> Procedures::TakeArguments(const CatalogObject& procedur
     }
     positions.push_back(arguments.is_default(i) ? kOwnDefault : position);
     Variable& parameter = frame.Get(parameters[position].name);
-    if (!arguments.is_default(i)) parameter.value = arguments.Value(i, parameter.type);
+    if (!arguments.is_default(i)) parameter.value = ValueOf(arguments, i, parameter.type);
   }
   return positions;
 }
@@ -275,7 +289,7 @@ void Procedures::ExecuteSql(CallArguments& arguments) {
     }
     if (name.empty()) name = declared[i - kFirst].name;
     Variable& parameter = frame.Get(name);
-    if (!arguments.is_default(i)) parameter.value = arguments.Value(i, parameter.type);
+    if (!arguments.is_default(i)) parameter.value = ValueOf(arguments, i, parameter.type);
     names.push_back(std::move(name));
   }
   for (const Declared& parameter : declared) {

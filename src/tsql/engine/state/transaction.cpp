@@ -162,8 +162,13 @@ void Transaction::BeginFor(const Statement& statement) {
   const bool reads = query != nullptr && (select == nullptr || !select->from.empty());
   if (!reads && EffectOf(statement) == Effect::kNone) return;
   CommitWrite();
-  depth_ = 1;
+  Open("");
   results_.TellTransaction(TransactionEvent::kBegun);
+}
+
+void Transaction::Open(const std::string& name) {
+  depth_ = 1;
+  name_ = name;
 }
 
 bool Transaction::BeginStatement() {
@@ -171,13 +176,13 @@ bool Transaction::BeginStatement() {
   // A rollback takes no earlier statement of the batch with it.
   CommitWrite();
   EnsureWrite();
-  depth_ = 1;
+  Open("");
   return true;
 }
 
 void Transaction::BeginContainer() {
   if (depth_ > 0) Raise(server_message::kTransactionOpen);
-  depth_ = 1;
+  Open("");
 }
 
 void Transaction::CommitContainer() {
@@ -191,10 +196,14 @@ void Transaction::RollbackContainer() {
 }
 
 void Transaction::Begin(const BeginTransactionStatement& statement) {
+  if (depth_ > 0) {
+    ++depth_;
+    return;
+  }
   // What the batch changed so far is its own, not the transaction's.
-  if (depth_ == 0) CommitWrite();
-  if (depth_ == 0) name_ = statement.name;
-  if (++depth_ == 1) results_.TellTransaction(TransactionEvent::kBegun);
+  CommitWrite();
+  Open(statement.name);
+  results_.TellTransaction(TransactionEvent::kBegun);
 }
 
 void Transaction::Commit() {

@@ -119,6 +119,7 @@ class Transaction {
  private:
   /// For SQLite, while a lock is taken: whether to try again.
   static int WaitForLock(void* transaction, int times);
+  void Open(const std::string& name);
   void RollbackToSavePoint(std::size_t position);
   /// Identity values that a rollback took back are not given again.
   void KeepIdentities() noexcept;

@@ -305,7 +305,10 @@ void PlanCache::TrimNew() {
     Forget(*oldest);
   }
   if (beginnings_.size() <= 2 * (kMostPlans + kMostNewPlans)) return;
-  std::erase_if(beginnings_, [](const auto& entry) { return entry.second.expired(); });
+  std::erase_if(beginnings_, [](const auto& entry) {
+    return std::all_of(entry.second.begin(), entry.second.end(),
+                       [](const std::weak_ptr<Plan>& plan) { return plan.expired(); });
+  });
 }
 
 void PlanCache::TrimEstablished() {
@@ -326,29 +329,54 @@ void PlanCache::TrimEstablished() {
   }
 }
 
+void PlanCache::NoteBeginning(std::string_view text, const PlanPtr& plan) {
+  // Such as differ in the types of their literals.
+  constexpr std::size_t kMostAlike = 8;
+  std::vector<std::weak_ptr<Plan>>& alike = beginnings_[BeginningOf(text)];
+  std::erase_if(alike, [&](const std::weak_ptr<Plan>& other) { return other.expired() || other.lock() == plan; });
+  if (alike.size() == kMostAlike) alike.erase(alike.begin());
+  alike.push_back(plan);
+}
+
+PlanCache::PlanPtr PlanCache::FindKnown(std::string_view text, std::size_t& position, const PlanPtr& expected,
+                                        Batch& batch) {
+  const std::size_t first_literal = batch.literals.size();
+  const auto is_known_by = [&](const PlanPtr& plan) {
+    if (plan == nullptr || plan->text.segments.empty()) return false;
+    const std::size_t end = MatchText(plan->text, text, position, batch.literals);
+    if (end != std::string_view::npos && Serves(*plan, std::span<const Token>(batch.literals).subspan(first_literal))) {
+      position = end;
+      return true;
+    }
+    batch.literals.resize(first_literal);
+    return false;
+  };
+  if (is_known_by(expected)) return expected;
+  const auto found = beginnings_.find(BeginningOf(text.substr(position)));
+  if (found == beginnings_.end()) return nullptr;
+  for (const std::weak_ptr<Plan>& alike : found->second) {
+    PlanPtr plan = alike.lock();
+    if (plan != expected && is_known_by(plan)) return plan;
+  }
+  return nullptr;
+}
+
 std::size_t PlanCache::ParseKnown(std::string_view text, Batch& batch) {
   std::size_t position = SkipBlanks(text, 0);
-  const auto found = beginnings_.find(BeginningOf(text.substr(position)));
-  std::shared_ptr<Plan> plan = found == beginnings_.end() ? nullptr : found->second.lock();
-  while (plan != nullptr && position < text.size()) {
+  PlanPtr expected;
+  while (position < text.size()) {
     const std::size_t first_literal = batch.literals.size();
-    const std::size_t end =
-        plan->text.segments.empty() ? std::string_view::npos : MatchText(plan->text, text, position, batch.literals);
-    if (end == std::string_view::npos ||
-        !Serves(*plan, std::span<const Token>(batch.literals).subspan(first_literal))) {
-      batch.literals.resize(first_literal);
-      break;
-    }
+    PlanPtr plan = FindKnown(text, position, expected, batch);
+    if (plan == nullptr) break;
     Use(plan);
     batch.starts.emplace_back(first_literal, batch.lists.size());
-    batch.statements.push_back({plan, {}, {}});
     if (batch.tokens.memory != nullptr) {
       batch.tokens.memory->Charge(2 * sizeof(Token) * (batch.literals.size() - first_literal) +
                                   2 * sizeof(BatchStatement));
     }
-    position = end;
-    std::shared_ptr<Plan> next = plan->next.lock();
-    if (next != nullptr) plan = std::move(next);
+    expected = plan->next.lock();
+    if (expected == nullptr) expected = plan;
+    batch.statements.push_back({std::move(plan), {}, {}});
   }
   return position;
 }
@@ -415,10 +443,10 @@ void PlanCache::ParseTokens(std::string_view text, Batch& batch) {
         Keep(plan);
       }
     }
-    if (!batch.statements.empty()) {
-      batch.statements.back().plan->next = plan;
-    } else if (whole) {
-      beginnings_[BeginningOf(text.substr(SkipBlanks(text, 0)))] = plan;
+    if (!batch.statements.empty()) batch.statements.back().plan->next = plan;
+    const bool first = whole && batch.statements.empty();
+    if (first || (!plan->text.segments.empty() && plan->text.segments[0].size() >= kBeginning)) {
+      NoteBeginning(text.substr(static_cast<std::size_t>(tokens[begin].text.data() - text.data())), plan);
     }
     batch.starts.emplace_back(first_literal, lists_before_[begin]);
     batch.statements.push_back({std::move(plan), {}, {}});

@@ -126,13 +126,16 @@ class PlanCache {
   void Forget(Plan& plan);
   /// Takes the statements at the text's beginning that are known by their text; answers where the others begin.
   std::size_t ParseKnown(std::string_view text, Batch& batch);
+  /// The plan that the statement at `position` is known by, nullptr for none. @param expected tried first, or nullptr
+  PlanPtr FindKnown(std::string_view text, std::size_t& position, const PlanPtr& expected, Batch& batch);
+  void NoteBeginning(std::string_view text, const PlanPtr& plan);
   void ParseTokens(std::string_view text, Batch& batch);
   static std::uint64_t Key(std::span<const std::uint64_t> shape);
   static std::uint64_t BeginningKey(std::span<const std::uint64_t> shape);
 
   NameTable& names_;
-  std::unordered_map<std::uint64_t, std::vector<Entry>> plans_;        // by the key of their first tokens
-  std::unordered_map<std::uint64_t, std::weak_ptr<Plan>> beginnings_;  // by how a batch begins
+  std::unordered_map<std::uint64_t, std::vector<Entry>> plans_;                     // by the key of their first tokens
+  std::unordered_map<std::uint64_t, std::vector<std::weak_ptr<Plan>>> beginnings_;  // by how their text begins
   std::deque<PlanPtr> new_;
   std::unordered_set<std::uint64_t> former_;  // keys of shapes
   Load new_load_;

@@ -60,7 +60,7 @@ class TypeLibrary:
         self.classes = set(re.findall(r"^  \[(?!.*noncreatable)[^\n]*\]\n  coclass (\w+)", idl, re.M))
         self.members = {
             name: {member.lower() for member in re.findall(r"(\w+)\([^\n]*\);\n", body)}
-            for name, body in re.findall(r"dispinterface _(\w+) \{(.*?)\n  \};", idl, re.DOTALL)
+            for name, body in re.findall(r"interface _(\w+) : IDispatch \{(.*?)\n  \};", idl, re.DOTALL)
         }
 
 

@@ -46,6 +46,9 @@ struct Member {
   std::string_view help;
   /// What it does, for a member of a service class.
   const Operation* operation = nullptr;
+  /// For compilers: the class of the object that it answers, or for a number the enumeration. Its optional arguments
+  /// are for late binding then: `rows.Fields("FID")` is `rows.Fields.Item("FID")` to a compiler.
+  std::string_view result_class = {};
 };
 
 class AutomationObject;

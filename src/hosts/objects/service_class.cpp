@@ -32,7 +32,8 @@ ClassDescription MakeDescription(ServiceClass service) {
                                    .result = operation->result,
                                    .arguments = operation->arguments(),
                                    .help = texts.back(),
-                                   .operation = operation});
+                                   .operation = operation,
+                                   .result_class = operation->name == "TransMode" ? "TransactionMode" : ""});
   }
   return description;
 }

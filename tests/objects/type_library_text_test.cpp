@@ -52,7 +52,7 @@ std::string Interfaces() {
               std::string(member.name) + " " + std::to_string(member.id) + " (";
       for (const Argument& argument : function.arguments)
         text += TypeOf(argument).library + (argument.in_out ? "*;" : ";");
-      text += ") " + (member.returns_nothing ? "" : ResultType(member).library) + "\n";
+      text += member.returns_nothing ? ")\n" : ") " + ResultType(member).library + "\n";
     }
   }
   return text;

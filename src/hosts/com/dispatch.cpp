@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "faces.h"
 #include "hosts/com/face.h"
+#include "hosts/com/faces.h"
 
 namespace tessarlorn::com {
 namespace {

@@ -1,11 +1,13 @@
 #include "hosts/com/face.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 
 #include "com_base/errors.h"
 #include "com_base/plain_values.h"
 #include "hosts/com/collections.h"
+#include "hosts/com/container.h"
 #include "hosts/com/dispatch.h"
 #include "hosts/com/enumeration.h"
 #include "hosts/com/taken_arguments.h"
@@ -79,9 +81,14 @@ HRESULT Face::FindNumbers(LPOLESTR* names, UINT count, DISPID* ids) const {
 
 Variant Face::UseTaken(const Member& member, MemberUse use, TakenArguments& arguments) {
   const std::span<Variant> values = arguments.values();
-  // Operations know no collections but the component's own.
-  if (member.operation != nullptr) WithCollections(member.arguments, values);
+  std::optional<ContainerCall> call;
+  if (member.operation != nullptr) {
+    call.emplace();
+    // Operations know no collections but the component's own.
+    WithCollections(member.arguments, values);
+  }
   Variant answer = object_->Use(member, use, values);
+  if (call) call->Complete();
   for (std::size_t i = 0; i < member.arguments.size() && i < values.size(); ++i) {
     if (member.arguments[i].in_out && arguments.source(i) != nullptr) WriteBack(values[i], *arguments.source(i));
   }

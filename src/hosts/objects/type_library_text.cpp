@@ -78,7 +78,12 @@ std::string InterfaceText(const ClassDescription& description) {
 }
 
 std::string ClassText(const ClassDescription& description) {
+  // Containers read of it that the class requires a transaction, as it says by itself. Not every compiler of the
+  // language takes it here.
+  constexpr std::string_view kTransaction =
+      "\n#ifndef __WIDL__\n    , custom(17093CC5-9BD2-11CF-AA4F-304BF89C0001, 0)\n#endif\n  ";
   return "  [uuid(" + std::string(description.class_id) + "), helpstring(" + Quoted(Shortened(description.help)) + ")" +
+         std::string(description.Find("TransMode") == nullptr ? "" : kTransaction) +
          (description.prog_id.empty() ? ", noncreatable" : "") + "]\n  coclass " + std::string(description.name) +
          " {\n    [default] interface " + InterfaceName(description.name) + ";\n  };\n\n";
 }

@@ -21,7 +21,7 @@ add_custom_target(
   com_program ALL
   COMMAND ${CMAKE_COMMAND} -E make_directory ${program_folder}
   COMMAND ${CMAKE_COMMAND} -E copy_if_different $<TARGET_FILE:com_client_test> $<TARGET_FILE:tessarlorn_com>
-          $<TARGET_FILE_DIR:tessarlorn_com>/TessarLornPickingAndDelivery.manifest ${program_folder}
+          $<TARGET_FILE_DIR:tessarlorn_com>/TessarLornPickingAndDelivery.Assembly.manifest ${program_folder}
   DEPENDS com_client_test tessarlorn_com
   VERBATIM)
 

@@ -14,6 +14,7 @@ PARTS = (r"HKLM\Software\Classes", r"HKCU\Software\Classes")
 TAKEN = ("Mirel.Vector", "{11111111-2222-3333-4444-555555555555}")
 # What a library of 32 bits has registered.
 OTHER_BITNESS = ("Mirel.Dictionary", "{EA42DD31-F11F-497C-BA9E-E9406C345382}")
+TYPE_LIBRARY = r"TypeLib\{1FE32CD4-2232-4B66-8CEF-F811FBCB2D64}"
 
 
 def exported(library, part):
@@ -67,6 +68,7 @@ def main(library, bits):
     # Windows of 32 bits has no other.
     if bits == "64":
         wine.run("reg", "add", others[1], "/f", "/reg:32")
+        wine.run("reg", "add", rf"{PARTS[0]}\{TYPE_LIBRARY}\1.0\0\win32", "/ve", "/d", "x86.dll", "/f")
     before = exported(library, PARTS[0])
     regsvr32(library)
     registered = exported(library, PARTS[0])
@@ -74,12 +76,16 @@ def main(library, bits):
     regsvr32(library, "/u")
     # The names of the class that is registered for 32 bits stay, and nothing else.
     left = changed_keys(before, exported(library, PARTS[0]))
+    # What the type libraries of both have in common stays with the other's.
+    shared = {"1.0", "flags", "helpdir"}
+    left = {key for key in left if TYPE_LIBRARY.lower() not in key or key.rsplit("\\", 1)[1] not in shared}
     name = OTHER_BITNESS[0].lower()
     wanted = set() if bits == "32" else {name, f"{name}\\clsid", f"{name}\\curver", f"{name}.1", f"{name}.1\\clsid"}
     faults += [f"{key} is not as it should be after /u" for key in sorted(left ^ wanted)]
     wine.run("reg", "delete", rf"{PARTS[0]}\{TAKEN[0]}", "/f")
     if bits == "64":
         wine.run("reg", "delete", others[1], "/f", "/reg:32")
+        wine.run("reg", "delete", rf"{PARTS[0]}\{TYPE_LIBRARY}", "/f")
     regsvr32(library, "/u")
     faults += [f"{key} is left" for key in sorted(changed_keys(clean, exported(library, PARTS[0])))]
     regsvr32(library)

@@ -62,6 +62,8 @@ struct ClassDescription {
   std::string_view class_id;
   std::string_view interface_id;
   std::string_view help;
+  /// A few words for lists of components; "" for a class whose objects only other objects hand out.
+  std::string_view title = {};
   /// Makes a new object; nullptr for a class whose objects only other objects hand out.
   std::shared_ptr<AutomationObject> (*create)(Host& host) = nullptr;
   std::vector<Member> members;

@@ -20,7 +20,7 @@ internal static class OrderDay
         {
             var filter = new Dictionary();
             filter.Add("FOrderStatus", "2");
-            dynamic orders = reader.GetListData(dsn, filter);
+            Recordset orders = reader.GetListData(dsn, filter);
             Console.WriteLine("{0} orders wait for picking", orders.RecordCount);
             if (orders.EOF) return 0;
 

@@ -42,6 +42,9 @@ class Host {
   void SetClock(std::function<DateTime()> clock);
   /// Asked for the client's address; without one it is what the session string says.
   void SetReadTcp(ReadTcpFunction read_tcp);
+  /// Whether a connection may be handed on from one call to another just now, asked on the thread that takes one or
+  /// gives one back. Where it may not, as within a container's transaction, each session opens and closes its own.
+  void SetSharing(std::function<bool()> may_share);
   /// Called with each batch, or procedure's name, just before it goes to the database, on the thread that runs it. An
   /// empty function ends it.
   void ObserveStatements(TextObserver observer);

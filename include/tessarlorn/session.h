@@ -89,6 +89,7 @@ class SessionFactory {
   explicit SessionFactory(Host& host);
   std::shared_ptr<Connection> Acquire(const std::string& database, bool enlist);
   void Release(const std::string& database, std::shared_ptr<Connection>& connection) noexcept;
+  [[nodiscard]] bool MayShare() const;
 
   Host& host_;
   /// Tells when the host is gone.

@@ -1,11 +1,10 @@
 #include "tessarlorn/date_time.h"
 
 #include <array>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <ctime>
 
+#include "platform/clock.h"
 #include "platform/text/date_scanner.h"
 #include "platform/text/text.h"
 
@@ -134,19 +133,11 @@ std::optional<DateTime> DateTime::Parse(std::string_view text) {
 }
 
 DateTime DateTime::Now() {
-  const auto now = std::chrono::system_clock::now();
-  const std::time_t seconds = std::chrono::system_clock::to_time_t(now);
-  std::tm local{};
-#ifdef _WIN32
-  localtime_s(&local, &seconds);
-#else
-  localtime_r(&seconds, &local);
-#endif
-  const auto milliseconds =
-      std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch()).count() % 1000;
-  CivilTime civil{
-      local.tm_year + 1900,          local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec % 60,
-      static_cast<int>(milliseconds)};
+  const std::int64_t now = UtcMilliseconds();
+  const std::tm local = ToLocalTime(now);
+  const CivilTime civil{
+      local.tm_year + 1900,        local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec % 60,
+      static_cast<int>(now % 1000)};
   return FromCivil(civil).value_or(DateTime());
 }
 

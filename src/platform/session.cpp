@@ -128,7 +128,7 @@ std::shared_ptr<Connection> SessionFactory::Acquire(const std::string& database,
       if (entry.database == database) return entry.connection;
     }
   }
-  std::shared_ptr<Connection> connection = host_.parts_->idle.Take(database);
+  std::shared_ptr<Connection> connection = MayShare() ? host_.parts_->idle.Take(database) : nullptr;
   if (!connection) connection = host_.OpenConnection(database);
   if (enlist) {
     connection->BeginTransaction();
@@ -137,13 +137,16 @@ std::shared_ptr<Connection> SessionFactory::Acquire(const std::string& database,
   return connection;
 }
 
+bool SessionFactory::MayShare() const { return !host_.parts_->may_share || host_.parts_->may_share(); }
+
 /// Gives up one hold of the connection; the last one puts it to the idle ones.
 void SessionFactory::Release(const std::string& database, std::shared_ptr<Connection>& connection) noexcept {
   const std::shared_ptr<Connection> held = std::exchange(connection, nullptr);
-  if (!held || held.use_count() > 1 || !held->usable() || !held->Reset()) return;
+  if (!held || held.use_count() > 1 || !held->usable()) return;
   try {
+    if (!MayShare() || !held->Reset()) return;
     host_.parts_->idle.Put(database, held);
-  } catch (const std::bad_alloc&) {
+  } catch (...) {
     // The connection is closed instead of kept.
   }
 }

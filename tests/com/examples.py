@@ -57,10 +57,11 @@ class TypeLibrary:
 
     def __init__(self, idl):
         self.name = re.search(r"^library (\w+)", idl, re.M).group(1)
-        self.classes = set(re.findall(r"^  \[(?!.*noncreatable)[^\n]*\]\n  coclass (\w+)", idl, re.M))
+        of_classes = re.findall(r"^  \[((?:(?!^  \[).)*)\]\n  coclass (\w+)", idl, re.M | re.DOTALL)
+        self.classes = {name for attributes, name in of_classes if "noncreatable" not in attributes}
         self.members = {
             name: {member.lower() for member in re.findall(r"(\w+)\([^\n]*\);\n", body)}
-            for name, body in re.findall(r"dispinterface _(\w+) \{(.*?)\n  \};", idl, re.DOTALL)
+            for name, body in re.findall(r"interface _(\w+) : IDispatch \{(.*?)\n  \};", idl, re.DOTALL)
         }
 
 

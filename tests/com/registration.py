@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Registers the library beside what others have registered, and takes it back. Leaves it registered.
 
-registration.py LIBRARY
+registration.py LIBRARY BITS
 """
 import pathlib
 import re
@@ -14,6 +14,7 @@ PARTS = (r"HKLM\Software\Classes", r"HKCU\Software\Classes")
 TAKEN = ("Mirel.Vector", "{11111111-2222-3333-4444-555555555555}")
 # What a library of 32 bits has registered.
 OTHER_BITNESS = ("Mirel.Dictionary", "{EA42DD31-F11F-497C-BA9E-E9406C345382}")
+TYPE_LIBRARY = r"TypeLib\{1FE32CD4-2232-4B66-8CEF-F811FBCB2D64}"
 
 
 def exported(library, part):
@@ -41,7 +42,7 @@ def changed_keys(before, after):
     return {key for key in before.keys() | after.keys() if before.get(key) != after.get(key)}
 
 
-def faults_of(keys):
+def faults_of(keys, bits):
     """What no test notices that creates objects."""
     servers = {
         key: values for key, values in keys.items()
@@ -51,32 +52,40 @@ def faults_of(keys):
         yield f"The classes are served by {servers}"
     for key in servers:
         type_library = keys.get(key.replace("inprocserver32", "typelib"), {}).get("@")
-        if f"typelib\\{type_library}\\1.0\\0\\win64" not in keys:
+        if f"typelib\\{type_library}\\1.0\\0\\win{bits}" not in keys:
             yield f"{key} has no type library {type_library}"
     if keys["mirel.vector\\clsid"]["@"] != TAKEN[1]:
         yield "The name of another's class was taken over"
 
 
-def main(library):
+def main(library, bits):
     library = pathlib.Path(library)
     others = (rf"{PARTS[0]}\{TAKEN[0]}\CLSID", rf"{PARTS[0]}\CLSID\{OTHER_BITNESS[1]}")
     regsvr32(library, "/u")
     clean = exported(library, PARTS[0])
     of_user = exported(library, PARTS[1])
     wine.run("reg", "add", others[0], "/ve", "/d", TAKEN[1], "/f")
-    wine.run("reg", "add", others[1], "/f", "/reg:32")
+    # Windows of 32 bits has no other.
+    if bits == "64":
+        wine.run("reg", "add", others[1], "/f", "/reg:32")
+        wine.run("reg", "add", rf"{PARTS[0]}\{TYPE_LIBRARY}\1.0\0\win32", "/ve", "/d", "x86.dll", "/f")
     before = exported(library, PARTS[0])
     regsvr32(library)
     registered = exported(library, PARTS[0])
-    faults = list(faults_of(registered))
+    faults = list(faults_of(registered, bits))
     regsvr32(library, "/u")
     # The names of the class that is registered for 32 bits stay, and nothing else.
     left = changed_keys(before, exported(library, PARTS[0]))
+    # What the type libraries of both have in common stays with the other's.
+    shared = {"1.0", "flags", "helpdir"}
+    left = {key for key in left if TYPE_LIBRARY.lower() not in key or key.rsplit("\\", 1)[1] not in shared}
     name = OTHER_BITNESS[0].lower()
-    wanted = {name, f"{name}\\clsid", f"{name}\\curver", f"{name}.1", f"{name}.1\\clsid"}
+    wanted = set() if bits == "32" else {name, f"{name}\\clsid", f"{name}\\curver", f"{name}.1", f"{name}.1\\clsid"}
     faults += [f"{key} is not as it should be after /u" for key in sorted(left ^ wanted)]
     wine.run("reg", "delete", rf"{PARTS[0]}\{TAKEN[0]}", "/f")
-    wine.run("reg", "delete", others[1], "/f", "/reg:32")
+    if bits == "64":
+        wine.run("reg", "delete", others[1], "/f", "/reg:32")
+        wine.run("reg", "delete", rf"{PARTS[0]}\{TYPE_LIBRARY}", "/f")
     regsvr32(library, "/u")
     faults += [f"{key} is left" for key in sorted(changed_keys(clean, exported(library, PARTS[0])))]
     regsvr32(library)

@@ -21,7 +21,7 @@ add_custom_target(
   com_program ALL
   COMMAND ${CMAKE_COMMAND} -E make_directory ${program_folder}
   COMMAND ${CMAKE_COMMAND} -E copy_if_different $<TARGET_FILE:com_client_test> $<TARGET_FILE:tessarlorn_com>
-          $<TARGET_FILE_DIR:tessarlorn_com>/TessarLornPickingAndDelivery.manifest ${program_folder}
+          $<TARGET_FILE_DIR:tessarlorn_com>/TessarLornPickingAndDelivery.Assembly.manifest ${program_folder}
   DEPENDS com_client_test tessarlorn_com
   VERBATIM)
 
@@ -29,7 +29,7 @@ add_custom_target(
 function(tessarlorn_unregistered_test name variables)
   tessarlorn_com_test(${name} ${ARGN})
   set_tests_properties(com/${name} PROPERTIES FIXTURES_REQUIRED com_bare_prefix ENVIRONMENT
-    "WINEPREFIX=${folder}/bare_prefix;WINEDEBUG=-all;TESSARLORN_LIBRARY_FOLDER=Z:${program_folder};${variables}")
+    "PATH=${wine_path};WINEPREFIX=${folder}/bare_prefix;WINEDEBUG=-all;TESSARLORN_LIBRARY_FOLDER=Z:${program_folder};${variables}")
 endfunction()
 
 tessarlorn_unregistered_test(bare_prefix "" ${make_prefix})
@@ -46,3 +46,9 @@ tessarlorn_unregistered_test(neighbours_no_address "" ${WINE} ${network_folder}/
                              --gtest_filter=DefaultTest.*)
 set_tests_properties(com/side_by_side com/neighbours com/neighbours_default com/neighbours_no_address
                      PROPERTIES RESOURCE_LOCK com_bare_prefix)
+# The installer is a program of 32 bits.
+if(bits EQUAL 32)
+  tessarlorn_unregistered_test(installer "" Python3::Interpreter ${CMAKE_CURRENT_SOURCE_DIR}/installer.py
+                               ${PROJECT_SOURCE_DIR} ${library} ${folder})
+  set_tests_properties(com/installer PROPERTIES RESOURCE_LOCK com_bare_prefix)
+endif()

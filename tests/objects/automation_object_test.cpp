@@ -92,6 +92,7 @@ TEST(AutomationObjectTest, ClassesAreDescribedWithoutClashes) {
     EXPECT_TRUE(names.insert(description->name).second) << name;
     EXPECT_FALSE(description->help.empty()) << name;
     ASSERT_EQ(description->create == nullptr, description->prog_id.empty()) << name;
+    EXPECT_EQ(description->create == nullptr, description->title.empty()) << name;
     if (description->create != nullptr) {
       EXPECT_EQ(&description->create(host)->description(), description);
     }

@@ -1,9 +1,12 @@
 #include "hosts/objects/type_library_text.h"
 
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iterator>
 
+#include "hosts/objects/automation_object.h"
+#include "hosts/objects/interface_functions.h"
 #include "platform/text/text.h"
-#include "tessarlorn/operations.h"
 
 namespace tessarlorn {
 namespace {
@@ -25,19 +28,42 @@ TEST(TypeLibraryTextTest, QuotesHelp) {
   }
 }
 
-/// A client of the library has no other list of keys and columns.
-TEST(TypeLibraryTextTest, TellsTheKeysAndColumnsOfOperations) {
+/// Old compilers cut longer ones, or take none.
+TEST(TypeLibraryTextTest, HelpIsShort) {
+  constexpr std::string_view kBegin = "helpstring(\"";
   const std::string text = TypeLibraryText();
-  for (const Operation* const operation : Operations()) {
-    for (const Argument& argument : operation->arguments()) {
-      for (const Key& key : argument.keys) {
-        EXPECT_NE(text.find(" " + std::string(key.name) + " ("), std::string::npos) << operation->name << key.name;
-      }
-    }
-    for (const Column& column : operation->contract->columns) {
-      EXPECT_NE(text.find(" " + std::string(column.name) + " ("), std::string::npos) << operation->name << column.name;
+  for (std::size_t at = text.find(kBegin); at != std::string::npos; at = text.find(kBegin, at + 1)) {
+    const std::size_t begin = at + kBegin.size();
+    const std::size_t end = text.find("\")", begin);
+    EXPECT_GT(end - begin, 1U) << text.substr(at, 80);
+    EXPECT_LE(Utf16Length(ReplaceAll(text.substr(begin, end - begin), "\\", "")), 255U) << text.substr(at, 80);
+  }
+}
+
+/// Each interface with its functions in the order of the vtable: use, name, number, types.
+std::string Interfaces() {
+  std::string text;
+  for (const ClassDescription* const description : AutomationClasses()) {
+    text += InterfaceName(description->name) + " " + std::string(description->interface_id) + "\n";
+    for (const InterfaceFunction& function : InterfaceFunctions(*description)) {
+      const Member& member = *function.member;
+      constexpr std::string_view kUses[] = {"", "call", "get", "", "put"};
+      text += "  " + std::string(kUses[function.use]) + (function.by_reference ? " by reference " : " ") +
+              std::string(member.name) + " " + std::to_string(member.id) + " (";
+      for (const Argument& argument : function.arguments)
+        text += TypeOf(argument).library + (argument.in_out ? "*;" : ";");
+      text += member.returns_nothing ? ")\n" : ") " + ResultType(member).library + "\n";
     }
   }
+  return text;
+}
+
+/// Compiled clients have all of this in them: a line that a release had never changes, and new ones go behind the
+/// others of their interface.
+TEST(TypeLibraryTextTest, InterfacesStayAsTheyWereRecorded) {
+  std::ifstream file(TESSARLORN_SOURCE_ROOT "/tests/objects/interfaces.txt");
+  const std::string recorded{std::istreambuf_iterator<char>(file), {}};
+  EXPECT_EQ(Interfaces(), recorded);
 }
 
 }  // namespace

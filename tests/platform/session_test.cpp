@@ -85,6 +85,18 @@ TEST_F(SessionTest, HandsIdleConnectionsOutAgainForTheSameDatabase) {
   EXPECT_NE(&again->GetConnection(), &other->GetConnection());
 }
 
+TEST_F(SessionTest, HandsNoConnectionOnWhereTheHostForbidsIt) {
+  bool shares = true;
+  host_.SetSharing([&] { return shares; });
+  Open();
+  shares = false;
+  Open();
+  EXPECT_EQ(events, (Events{"open 1", "reset 1", "open 2", "close 2"}));
+  shares = true;
+  Open();
+  EXPECT_EQ(events.back(), "reset 1");
+}
+
 TEST_F(SessionTest, KeepsSixteenIdleConnectionsAndNoSpoiltOne) {
   {
     std::vector<std::shared_ptr<DataSession>> sessions;

@@ -18,6 +18,20 @@ namespace {
 /// By which two references to one object are known: the only interface that always has the same address.
 const void* IdentityOf(const ForeignObject& object) { return Query<IUnknown>(object.get()).get(); }
 
+/// Whether nothing in the value has to be converted: plain values, and the component's collections of such. One that is
+/// nested deeper than that may hold itself, which converting finds out.
+bool IsOwn(const Variant& value, int depth = 0) {
+  constexpr int kDeepest = 8;
+  if (!value.is_object()) return true;
+  if (depth > kDeepest) return false;
+  const auto is_own = [depth](const Variant& inner) { return IsOwn(inner, depth + 1); };
+  if (const auto dictionary = value.ToDictionary()) {
+    return std::all_of(dictionary->begin(), dictionary->end(), [&](const auto& entry) { return is_own(entry.second); });
+  }
+  const auto vector = value.ToVector();
+  return vector != nullptr && std::all_of(vector->begin(), vector->end(), is_own);
+}
+
 /// Converts each object once, however many hold it.
 class Collector {
  public:
@@ -103,7 +117,7 @@ void WithCollections(std::span<const Argument> declared, std::span<Variant> valu
   Collector collector;
   for (std::size_t i = 0; i < std::min(declared.size(), values.size()); ++i) {
     if (declared[i].type == ValueType::kDictionary || declared[i].type == ValueType::kVector) {
-      values[i] = collector.Convert(values[i]);
+      if (!IsOwn(values[i])) values[i] = collector.Convert(values[i]);
     }
   }
 }

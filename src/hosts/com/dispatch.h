@@ -1,4 +1,4 @@
-// The component's objects as COM sees them: one implementation of IDispatch for all classes.
+// The component's objects as COM sees them.
 #pragma once
 
 #include <memory>

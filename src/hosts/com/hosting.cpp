@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "com_base/windows_headers.h"
+#include "hosts/com/container.h"
 #include "hosts/com/foreign_object.h"
 #include "hosts/com/module.h"
 #include "tessarlorn/ado_driver.h"
@@ -45,6 +46,7 @@ Host* MakeHost() {
   AddEmbeddedDriver(*host);
   // Nobody cancels here, so that no thread need wait for it.
   AddOdbcDriver(*host, OdbcCancelling::kNone);
+  host->SetSharing([] { return !InContainerTransaction(); });
   AddNeighbours(*host);
   if (const ReadTcpEntry read = FindReadTcp()) {
     host->SetReadTcp([read](std::span<char> buffer, std::span<char> unused) {

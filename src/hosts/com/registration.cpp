@@ -50,7 +50,7 @@ class Part {
   LSTATUS Write(const ClassDescription& description, bool named) const {
     const ClassKeys keys(description);
     const auto& [name, versioned] = keys.names;
-    const std::wstring title = ToWide(description.help);
+    const std::wstring title = ToWide(description.title);
     struct Entry {
       std::wstring key;
       const wchar_t* name;

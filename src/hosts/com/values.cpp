@@ -70,6 +70,20 @@ Variant FromArray(SAFEARRAY* array, VARTYPE type) {
   return std::shared_ptr<Object>(std::make_shared<Array>(std::move(copy), count, columns));
 }
 
+/// Writes the values of an array into VARIANTs that are empty.
+class CellWriter final : public ValueTaker {
+ public:
+  explicit CellWriter(VARIANT* next) : next_(next) {}
+  void TakeText(std::string_view text) override { PutText(text, next_++); }
+  void Take(const Variant& value) override {
+    if (!ToPlainVariant(value, next_)) ToVariant(value, next_);
+    ++next_;
+  }
+
+ private:
+  VARIANT* next_;
+};
+
 void PutArray(const Array& values, VARIANT* out) {
   if (const auto* const copy = dynamic_cast<const ArrayCopy*>(values.source())) return copy->CopyTo(out);
   const std::size_t count = values.size();
@@ -83,14 +97,8 @@ void PutArray(const Array& values, VARIANT* out) {
   out->parray = array;
   out->vt = VT_ARRAY | VT_VARIANT;
   try {
-    auto* const cells = static_cast<VARIANT*>(array->pvData);
-    for (std::size_t i = 0; i < count; ++i) {
-      if (const auto text = values.TextAt(i)) {
-        PutText(*text, &cells[i]);
-      } else {
-        ToVariant(values.At(i), &cells[i]);
-      }
-    }
+    CellWriter cells(static_cast<VARIANT*>(array->pvData));
+    values.Each(cells);
   } catch (...) {
     VariantClear(out);
     throw;

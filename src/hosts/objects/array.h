@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -16,14 +15,28 @@
 
 namespace tessarlorn {
 
+/// Takes the values of an array, one behind the other.
+class ValueTaker {
+ public:
+  ValueTaker() = default;
+  ValueTaker(const ValueTaker&) = delete;
+  ValueTaker& operator=(const ValueTaker&) = delete;
+  virtual ~ValueTaker() = default;
+  /// A text where it stands, good for as long as the call.
+  virtual void TakeText(std::string_view text) = 0;
+  virtual void Take(const Variant& value) = 0;
+};
+
 /// Values that are read each time when they are asked for, so that many need not stand in memory twice.
 class ArraySource {
  public:
   virtual ~ArraySource() = default;
-  /// @pre place is below the array's size(), here and below
+  /// @pre place is below the array's size()
   [[nodiscard]] virtual Variant At(std::size_t place) const = 0;
-  /// A text where it stands, good until another place is read; nothing where only At() can tell.
-  [[nodiscard]] virtual std::optional<std::string_view> TextAt(std::size_t /*place*/) const { return std::nullopt; }
+  /// @param size of the array
+  virtual void Each(std::size_t size, ValueTaker& taker) const {
+    for (std::size_t place = 0; place < size; ++place) taker.Take(At(place));
+  }
 };
 
 /// Values in one or two dimensions, counted from 0. Only held by a Variant, never called.
@@ -49,13 +62,10 @@ class Array final : public Object {
   [[nodiscard]] std::size_t size() const noexcept { return size_; }
   /// @pre place < size()
   [[nodiscard]] Variant At(std::size_t place) const { return source_ ? source_->At(place) : values_[place]; }
-  /// The value at a place when it is a text, without a copy: good until another place is read.
-  [[nodiscard]] std::optional<std::string_view> TextAt(std::size_t place) const {
-    if (source_) return source_->TextAt(place);
-    const auto* const text = values_[place].get_if<std::string>();
-    return text == nullptr ? std::nullopt : std::optional<std::string_view>(*text);
+  void Each(ValueTaker& taker) const {
+    if (source_) return source_->Each(size_, taker);
+    for (const Variant& value : values_) taker.Take(value);
   }
-
   /// All of them.
   [[nodiscard]] std::vector<Variant> Values() const {
     if (!source_) return values_;

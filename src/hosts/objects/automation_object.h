@@ -46,6 +46,9 @@ struct Member {
   std::string_view help;
   /// What it does, for a member of a service class.
   const Operation* operation = nullptr;
+  /// For compilers: the class of the object that it answers, or for a number the enumeration. Its optional arguments
+  /// are for late binding then: `rows.Fields("FID")` is `rows.Fields.Item("FID")` to a compiler.
+  std::string_view result_class = {};
 };
 
 class AutomationObject;
@@ -59,6 +62,8 @@ struct ClassDescription {
   std::string_view class_id;
   std::string_view interface_id;
   std::string_view help;
+  /// A few words for lists of components; "" for a class whose objects only other objects hand out.
+  std::string_view title = {};
   /// Makes a new object; nullptr for a class whose objects only other objects hand out.
   std::shared_ptr<AutomationObject> (*create)(Host& host) = nullptr;
   std::vector<Member> members;

@@ -46,6 +46,7 @@ const ClassDescription& DictionaryObject::Description() {
       .class_id = "EA42DD31-F11F-497C-BA9E-E9406C345382",
       .interface_id = "539F9DFF-7B1B-45D5-9EE1-3F700662A494",
       .help = "Values under keys. Keys are texts whose case counts; they keep the order in which they came.",
+      .title = "Tessar Lorn picking and delivery: dictionary",
       .create = [](Host&) -> std::shared_ptr<AutomationObject> { return ObjectOf(std::make_shared<Dictionary>()); },
       .members = {
           {.name = "Item",

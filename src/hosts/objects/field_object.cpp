@@ -100,7 +100,8 @@ const ClassDescription& FieldsObject::Description() {
            .id = kDefaultMember,
            .uses = kGet | kPut,
            .arguments = kIndex,
-           .help = "A field by name or by position from 0. Raises 3265 when there is none, and 3251 when written."},
+           .help = "A field by name or by position from 0. Raises 3265 when there is none, and 3251 when written.",
+           .result_class = "Field"},
           {.name = "Count", .id = kCount, .uses = kGet, .result = ValueType::kLong, .help = "Number of fields."},
           {.name = "_NewEnum", .id = kEnumerationMember, .uses = kGet, .help = "For Each goes through the fields."},
       }};

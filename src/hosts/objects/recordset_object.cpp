@@ -109,22 +109,25 @@ class RowCells final : public ArraySource {
       : rows_(std::move(rows)), numbers_(std::move(numbers)), columns_(std::move(columns)) {}
 
   [[nodiscard]] Variant At(std::size_t place) const override {
-    const std::size_t field = Locate(place);
-    Variant value = rows_->Get(field);
-    ToClientValue(rows_->fields()[field], value);
-    return value;
+    rows_->MoveTo(numbers_[place / columns_.size()]);
+    return Value(columns_[place % columns_.size()]);
   }
-  [[nodiscard]] std::optional<std::string_view> TextAt(std::size_t place) const override {
-    const std::size_t field = Locate(place);
-    const auto text = rows_->FindText(field);
-    return text && KeepsText(rows_->fields()[field]) ? text : std::nullopt;
+  void Each(std::size_t /*size*/, ValueTaker& taker) const override {
+    for (const std::size_t number : numbers_) {
+      rows_->MoveTo(number);
+      for (const std::size_t field : columns_) {
+        const auto text = KeepsText(rows_->fields()[field]) ? rows_->FindText(field) : std::nullopt;
+        text ? taker.TakeText(*text) : taker.Take(Value(field));
+      }
+    }
   }
 
  private:
-  /// Goes to the row and answers the field.
-  [[nodiscard]] std::size_t Locate(std::size_t place) const {
-    rows_->MoveTo(numbers_[place / columns_.size()]);
-    return columns_[place % columns_.size()];
+  /// Of the row that was gone to.
+  [[nodiscard]] Variant Value(std::size_t field) const {
+    Variant value = rows_->Get(field);
+    ToClientValue(rows_->fields()[field], value);
+    return value;
   }
 
   RecordsetPtr rows_;
@@ -164,7 +167,8 @@ const ClassDescription& RecordsetObject::Description() {
            .id = kDefaultMember,
            .uses = kGet | kPut,
            .arguments = kIndex,
-           .help = "The fields, or with a name or a position from 0 one of them. Writing raises 3251."},
+           .help = "The fields, or with a name or a position from 0 one of them. Writing raises 3251.",
+           .result_class = "Fields"},
           {.name = "EOF",
            .id = kEof,
            .uses = kGet,

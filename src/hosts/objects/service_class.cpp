@@ -20,6 +20,7 @@ ClassDescription MakeDescription(ServiceClass service) {
   description.class_id = saves ? "0FCEDCEA-3E55-4379-AD0E-E995153A457A" : "914BB553-55C6-4512-A89A-BACA8B46710B";
   description.interface_id = saves ? "1E27C942-8EE4-44B4-ABCC-69B5FBA148B5" : "F8090680-DED3-472A-B6BD-5DEBC50A61AE";
   description.help = saves ? "Changes orders; most operations answer whether they did." : "Reads orders.";
+  description.title = saves ? "Tessar Lorn picking and delivery: writes" : "Tessar Lorn picking and delivery: reads";
   description.create = saves ? Create<ServiceClass::kSaveData> : Create<ServiceClass::kGetData>;
   // Members refer to their texts for good.
   static std::deque<std::string> texts;
@@ -32,7 +33,8 @@ ClassDescription MakeDescription(ServiceClass service) {
                                    .result = operation->result,
                                    .arguments = operation->arguments(),
                                    .help = texts.back(),
-                                   .operation = operation});
+                                   .operation = operation,
+                                   .result_class = operation->name == "TransMode" ? "TransactionMode" : ""});
   }
   return description;
 }

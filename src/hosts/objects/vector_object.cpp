@@ -27,6 +27,7 @@ const ClassDescription& VectorObject::Description() {
       .class_id = "8E81B607-5334-4BA0-90B0-03B0209FBA25",
       .interface_id = "B5BD92C3-FC54-4239-A8E5-E9FCBCC6699C",
       .help = "Values in order, counted from 1.",
+      .title = "Tessar Lorn picking and delivery: vector",
       .create = [](Host&) -> std::shared_ptr<AutomationObject> { return ObjectOf(std::make_shared<Vector>()); },
       .members = {
           {.name = "Item",

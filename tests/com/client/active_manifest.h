@@ -14,7 +14,7 @@ inline std::wstring LibraryFolder() {
   const wchar_t* const found = _wgetenv(L"TESSARLORN_LIBRARY_FOLDER");
   return found == nullptr ? L"" : found;
 }
-inline std::wstring LibraryManifest() { return LibraryFolder() + L"\\TessarLornPickingAndDelivery.manifest"; }
+inline std::wstring LibraryManifest() { return LibraryFolder() + L"\\TessarLornPickingAndDelivery.Assembly.manifest"; }
 
 /// Makes the classes of a manifest, or of those that it depends on, known to the calling thread while it lives.
 class ActiveManifest {

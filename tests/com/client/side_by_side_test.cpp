@@ -9,6 +9,9 @@
 namespace tessarlorn::com_test {
 namespace {
 
+constexpr const char* kArchitecture = sizeof(void*) == 8 ? "amd64" : "x86";
+constexpr const wchar_t* kProxyOfLibraries = L"{00020424-0000-0000-C000-000000000046}";
+constexpr const wchar_t* kReads = L"{F8090680-DED3-472A-B6BD-5DEBC50A61AE}";
 constexpr const wchar_t* kLibrary = L"{1FE32CD4-2232-4B66-8CEF-F811FBCB2D64}";
 
 struct Class {
@@ -52,8 +55,8 @@ std::wstring WriteProgramManifest() {
   const std::wstring path = LibraryFolder() + L"\\program.manifest";
   std::ofstream(std::filesystem::path(path))
       << R"(<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0"><dependency><dependentAssembly>
-<assemblyIdentity type="win32" name="TessarLornPickingAndDelivery" version="0.1.0.0" processorArchitecture="amd64"/>
-</dependentAssembly></dependency></assembly>)";
+<assemblyIdentity type="win32" name="TessarLornPickingAndDelivery.Assembly" version="0.1.0.0" processorArchitecture=")"
+      << kArchitecture << R"("/></dependentAssembly></dependency></assembly>)";
   return path;
 }
 
@@ -91,6 +94,10 @@ TEST_P(SideBySideTest, TheTypeLibraryIsKnownByTheManifestAlone) {
   ASSERT_EQ(LoadRegTypeLib(ToGuid(kLibrary), 1, 0, LOCALE_NEUTRAL, library.Receive()), S_OK);
   com::Pointer<ITypeInfo> info;
   for (const Class& own : kClasses) EXPECT_EQ(library->GetTypeInfoOfGuid(ToGuid(own.class_id), info.Receive()), S_OK);
+  // What calls from one apartment to another need for early binding.
+  CLSID proxy{};
+  EXPECT_EQ(CoGetPSClsid(ToGuid(kReads), &proxy), S_OK);
+  EXPECT_TRUE(IsEqualGUID(proxy, ToGuid(kProxyOfLibraries)));
 }
 
 INSTANTIATE_TEST_SUITE_P(Manifests, SideBySideTest, testing::Values(&LibraryManifest, &WriteProgramManifest));

@@ -28,7 +28,8 @@ UINT EachFunction(ITypeInfo& info, const Look& look) {
   for (UINT i = 0; i < count; ++i) {
     FUNCDESC* function = nullptr;
     EXPECT_EQ(info.GetFuncDesc(i, &function), S_OK);
-    look(*function);
+    // Those of IDispatch are there as well.
+    if ((function->wFuncFlags & FUNCFLAG_FRESTRICTED) == 0 || function->memid == DISPID_NEWENUM) look(*function);
     info.ReleaseFuncDesc(function);
   }
   return count;
@@ -94,7 +95,8 @@ TEST_P(TypeLibraryTest, TakesObjectsWhereAnyValueIsTaken) {
     const int ways = INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF;
     if (any && (function.invkind & ways) != 0) puts[function.memid] |= function.invkind;
   });
-  EXPECT_EQ(puts.empty(), std::wstring_view(GetParam()).starts_with(L"TessarLorn"));
+  const std::wstring_view name(GetParam());
+  EXPECT_EQ(puts.empty(), name.starts_with(L"TessarLorn") || name == L"Fields");
   for (const auto& [id, ways] : puts) EXPECT_EQ(ways, INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF) << id;
 }
 

@@ -4,6 +4,7 @@
 #include <iostream>
 #include <string>
 
+#include "hosts/objects/faces_text.h"
 #include "hosts/objects/manifest_text.h"
 #include "hosts/objects/type_library_text.h"
 #include "tessarlorn/version.h"
@@ -13,6 +14,7 @@ namespace {
 /// "" for a kind that there is not.
 std::string TextOf(const std::string& kind) {
   if (kind == "idl") return tessarlorn::TypeLibraryText();
+  if (kind == "faces") return tessarlorn::FacesText();
   const std::string version = std::string(tessarlorn::kVersion) + ".0";
   if (kind == "manifest-amd64") return tessarlorn::ManifestText(version, "amd64");
   if (kind == "manifest-x86") return tessarlorn::ManifestText(version, "x86");
@@ -25,7 +27,7 @@ int main(int count, char** arguments) {
   try {
     const std::string text = count == 3 ? TextOf(arguments[1]) : "";
     if (text.empty()) {
-      std::cerr << "usage: tessarlorn_idl idl|manifest-amd64|manifest-x86 FILE\n";
+      std::cerr << "usage: tessarlorn_idl idl|faces|manifest-amd64|manifest-x86 FILE\n";
       return 2;
     }
     std::ofstream out(arguments[2], std::ios::binary);

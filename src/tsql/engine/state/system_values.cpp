@@ -1,11 +1,11 @@
 #include "tsql/engine/state/system_values.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <optional>
 #include <sqlite3.h>
 
+#include "platform/clock.h"
 #include "platform/text/text.h"
 #include "tsql/translate/common/parameters.h"
 #include "tsql/values/moment.h"
@@ -19,9 +19,8 @@ constexpr const char* kVersionText =
 
 /// Milliseconds since 1900-01-01.
 std::int64_t UtcNow() {
-  const auto since = std::chrono::system_clock::now().time_since_epoch();
   constexpr std::int64_t kUnixEpoch = 25567LL * 86'400'000;
-  return kUnixEpoch + std::chrono::duration_cast<std::chrono::milliseconds>(since).count();
+  return kUnixEpoch + UtcMilliseconds();
 }
 
 Datum Whole(std::int64_t value, SqlType& type) {

@@ -6,12 +6,6 @@
 namespace tessarlorn::com_test {
 namespace {
 
-std::wstring Taken(BSTR text) {
-  const std::wstring copy = text == nullptr ? L"" : text;
-  SysFreeString(text);
-  return copy;
-}
-
 std::wstring NameOf(ITypeInfo& info) {
   BSTR name = nullptr;
   EXPECT_EQ(info.GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr), S_OK);

@@ -10,13 +10,13 @@ void Check(HRESULT status, const char* what) {
   if (FAILED(status)) throw std::runtime_error(std::string(what) + " failed: " + std::to_string(status));
 }
 
+}  // namespace
+
 std::wstring Taken(BSTR text) {
   const std::wstring copy = text == nullptr ? L"" : std::wstring(text, SysStringLen(text));
   SysFreeString(text);
   return copy;
 }
-
-}  // namespace
 
 Apartment::Apartment() { Check(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), "CoInitializeEx"); }
 Apartment::~Apartment() { CoUninitialize(); }

@@ -10,6 +10,9 @@
 
 namespace tessarlorn::com_test {
 
+/// A text that the caller owns, which is freed; "" for null.
+std::wstring Taken(BSTR text);
+
 /// Joins the calling thread to a single-threaded apartment of its own while it lives.
 class Apartment {
  public:

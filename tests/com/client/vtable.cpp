@@ -7,12 +7,6 @@
 namespace tessarlorn::com_test {
 namespace {
 
-std::wstring Taken(BSTR text) {
-  const std::wstring copy = text == nullptr ? L"" : text;
-  SysFreeString(text);
-  return copy;
-}
-
 VARTYPE TypeOf(const TYPEDESC& type) {
   // A pointer is one to an interface, and what the library defines otherwise is an enumeration.
   if (type.vt == VT_PTR) return VT_DISPATCH;

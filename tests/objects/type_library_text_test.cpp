@@ -1,11 +1,11 @@
-#include "hosts/objects/type_library_text.h"
+#include "hosts/objects/library/type_library_text.h"
 
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
 
 #include "hosts/objects/automation_object.h"
-#include "hosts/objects/interface_functions.h"
+#include "hosts/objects/library/interface_functions.h"
 #include "platform/text/text.h"
 
 namespace tessarlorn {

@@ -4,9 +4,9 @@
 #include <iostream>
 #include <string>
 
-#include "hosts/objects/faces_text.h"
-#include "hosts/objects/manifest_text.h"
-#include "hosts/objects/type_library_text.h"
+#include "hosts/objects/library/faces_text.h"
+#include "hosts/objects/library/manifest_text.h"
+#include "hosts/objects/library/type_library_text.h"
 #include "tessarlorn/version.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "hosts/objects/enumerations.h"
+#include "hosts/objects/library/enumerations.h"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "hosts/objects/interface_functions.h"
+#include "hosts/objects/library/interface_functions.h"
 
 namespace tessarlorn {
 namespace {

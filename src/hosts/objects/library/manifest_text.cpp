@@ -1,4 +1,4 @@
-#include "hosts/objects/manifest_text.h"
+#include "hosts/objects/library/manifest_text.h"
 
 #include "hosts/objects/automation_object.h"
 

@@ -1,10 +1,10 @@
-#include "hosts/objects/faces_text.h"
+#include "hosts/objects/library/faces_text.h"
 
 #include <string_view>
 #include <vector>
 
 #include "hosts/objects/automation_object.h"
-#include "hosts/objects/interface_functions.h"
+#include "hosts/objects/library/interface_functions.h"
 
 namespace tessarlorn {
 namespace {

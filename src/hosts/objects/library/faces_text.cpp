@@ -16,21 +16,23 @@ struct FaceFunction {
   std::string body;
 };
 
-std::string_view UseName(const InterfaceFunction& function) {
-  switch (function.use) {
-    case kGet:
-      return "get_";
-    case kPut:
-      return function.by_reference ? "putref_" : "put_";
-    default:
-      return "call_";
-  }
+/// What a function's name begins with, and its way in the words of face.h.
+struct UseWords {
+  std::string_view prefix;
+  std::string_view way;
+};
+
+UseWords WordsOf(const InterfaceFunction& function) {
+  if (function.by_reference) return {"putref_", "kPutReference"};
+  if (function.use == kPut) return {"put_", "kPut"};
+  return function.use == kGet ? UseWords{"get_", "kGet"} : UseWords{"call_", "kCall"};
 }
 
 FaceFunction MakeFunction(const InterfaceFunction& function) {
   const Member& member = *function.member;
   FaceFunction made;
-  made.name = std::string(UseName(function)) + std::string(member.id == kEnumerationMember ? "NewEnum" : member.name);
+  const UseWords words = WordsOf(function);
+  made.name = std::string(words.prefix) + std::string(member.id == kEnumerationMember ? "NewEnum" : member.name);
   std::string given;
   const auto add = [&](const InterfaceType& type, std::string_view name, bool in_out) {
     made.parameters.append(made.parameters.empty() ? "" : ", ").append(type.compiled);
@@ -47,9 +49,7 @@ FaceFunction MakeFunction(const InterfaceFunction& function) {
     made.parameters.append(made.parameters.empty() ? "" : ", ").append(type.compiled).append("* result");
     answer = "{" + std::string(type.variant) + ", result}";
   }
-  constexpr std::string_view kUses[] = {"kCall", "kGet", "kPut", "kPutReference"};
-  const std::size_t use = function.by_reference ? 3 : function.use == kCall ? 0 : function.use == kGet ? 1 : 2;
-  made.body = "return Call(" + std::to_string(function.position) + ", Way::" + std::string(kUses[use]) + ", " + answer +
+  made.body = "return Call(" + std::to_string(function.position) + ", Way::" + std::string(words.way) + ", " + answer +
               given + ");";
   return made;
 }

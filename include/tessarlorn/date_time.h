@@ -29,6 +29,7 @@ class DateTime {
   /// Nothing when a part is out of its range (29 February of a common year included).
   static std::optional<DateTime> FromCivil(const CivilTime& civil);
   /// Days since 1899-12-30 with the time as fraction, automation's date; nothing outside of its years 100 to 9999.
+  /// Rounded to the millisecond; ToAutomation() gives the number as it was.
   static std::optional<DateTime> FromAutomation(double days);
   /// Reads the forms that SQL Server reads whatever its language: `YYYY-MM-DD`, `YYYYMMDD`, `YYYY/MM/DD`,
   /// `YYYY.MM.DD`, `MM/DD/YYYY`, `MM-DD-YYYY`, each with an optional time `[T ]HH:MM[:SS[.fff]][ AM|PM]`, a time alone
@@ -43,10 +44,15 @@ class DateTime {
   /// `YYYY-MM-DD HH:MM:SS`, 24 hours; `.mmm` behind it on request.
   [[nodiscard]] std::string ToString(bool with_milliseconds = false) const;
 
-  friend constexpr auto operator<=>(const DateTime&, const DateTime&) = default;
+  friend constexpr std::strong_ordering operator<=>(const DateTime& a, const DateTime& b) {
+    return a.milliseconds_ <=> b.milliseconds_;
+  }
+  friend constexpr bool operator==(const DateTime& a, const DateTime& b) { return a.milliseconds_ == b.milliseconds_; }
 
  private:
   std::int64_t milliseconds_ = 0;
+  /// Days by which automation's date was another one than that of the milliseconds. The difference is exact.
+  double rest_ = 0;
 };
 
 /// Days since 1900-01-01 of a date of the proleptic Gregorian calendar.

@@ -26,9 +26,9 @@ struct Null {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// The type in which clients have a value that the component keeps in a wider one: kByte for an Integer, kSingle for a
-/// Double, kCurrency for a Decimal.
-enum class ClientType : std::uint8_t { kSame, kByte, kSingle, kCurrency };
+/// The type in which clients have a value that the component keeps in another one: kByte for an Integer, kSingle for a
+/// Double, kCurrency for a Decimal, kLongLong for a Long or a Decimal.
+enum class ClientType : std::uint8_t { kSame, kByte, kSingle, kCurrency, kLongLong };
 
 /// Automation's value: empty, null, Boolean, 16- and 32-bit integer, double, exact decimal, date-time, text (UTF-8),
 /// binary, or an object. Objects are shared; everything else is a value.

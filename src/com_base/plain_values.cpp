@@ -42,6 +42,16 @@ void PutInteger(std::int16_t value, ClientType type, VARIANT* out) {
   }
 }
 
+void PutLong(std::int32_t value, ClientType type, VARIANT* out) {
+  if (type == ClientType::kLongLong) {
+    out->vt = VT_I8;
+    out->llVal = value;
+  } else {
+    out->vt = VT_I4;
+    out->lVal = value;
+  }
+}
+
 void PutReal(double value, ClientType type, VARIANT* out) {
   if (type == ClientType::kSingle && !(std::abs(value) > std::numeric_limits<float>::max())) {
     out->vt = VT_R4;
@@ -63,6 +73,11 @@ void PutDecimal(const Decimal& value, ClientType type, VARIANT* out) {
   if (const auto scaled = type == ClientType::kCurrency ? value.ToScaled(kCurrencyScale) : std::nullopt) {
     out->vt = VT_CY;
     out->cyVal.int64 = *scaled;
+    return;
+  }
+  if (const auto whole = type == ClientType::kLongLong ? value.ToScaled(0) : std::nullopt) {
+    out->vt = VT_I8;
+    out->llVal = *whole;
     return;
   }
   const Decimal::Limbs& limbs = value.limbs();
@@ -212,8 +227,7 @@ bool ToPlainVariant(const Variant& value, VARIANT* out) {
   } else if (const auto* small = value.get_if<std::int16_t>()) {
     PutInteger(*small, value.client_type(), out);
   } else if (const auto* number = value.get_if<std::int32_t>()) {
-    out->vt = VT_I4;
-    out->lVal = *number;
+    PutLong(*number, value.client_type(), out);
   } else if (const auto* real = value.get_if<double>()) {
     PutReal(*real, value.client_type(), out);
   } else if (const auto* decimal = value.get_if<Decimal>()) {

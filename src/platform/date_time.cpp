@@ -112,7 +112,9 @@ std::optional<DateTime> DateTime::FromAutomation(double days) {
   const auto milliseconds = static_cast<std::int64_t>(std::llround(time * static_cast<double>(kMillisecondsPerDay)));
   const std::int64_t value = static_cast<std::int64_t>(whole - kAutomationOffset) * kMillisecondsPerDay + milliseconds;
   if (value < kFirst || value >= kBehindLast) return std::nullopt;
-  return DateTime(value);
+  DateTime date(value);
+  date.rest_ = days - date.ToAutomation();
+  return date;
 }
 
 std::optional<DateTime> DateTime::Parse(std::string_view text) {
@@ -174,7 +176,7 @@ double DateTime::ToAutomation() const {
   }
   const double whole = static_cast<double>(days) + kAutomationOffset;
   const double time = static_cast<double>(rest) / static_cast<double>(kMillisecondsPerDay);
-  return whole < 0 ? whole - time : whole + time;
+  return (whole < 0 ? whole - time : whole + time) + rest_;
 }
 
 std::string DateTime::ToString(bool with_milliseconds) const {

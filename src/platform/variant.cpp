@@ -295,7 +295,7 @@ bool Variant::Equals(const Variant& other) const {
     if (!rest.is_number()) RaiseTypeMismatch();
     return rest.holds<double>() ? rest.ToDouble() == read.ToDouble() : rest.ToDecimal() == read.ToDecimal();
   }
-  if (IsNumberLike(*this) && IsNumberLike(other)) {
+  if (IsNumberLike(*this) && IsNumberLike(other) && !(holds<DateTime>() && other.holds<DateTime>())) {
     if (IsExact(*this) && IsExact(other)) return ToDecimal() == other.ToDecimal();
     return ToDouble() == other.ToDouble();
   }

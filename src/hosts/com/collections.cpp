@@ -9,6 +9,7 @@
 #include "com_base/pointers.h"
 #include "hosts/com/foreign_object.h"
 #include "hosts/objects/array.h"
+#include "platform/text/text.h"
 #include "tessarlorn/collections.h"
 #include "tessarlorn/error.h"
 
@@ -90,7 +91,28 @@ class Collector {
     return vector;
   }
 
+  /// An object of JScript: an array, one that holds members under names, or one that stands for a value, as a date
+  /// does.
+  Variant FromScript(ForeignObject& script, const Variant& value) {
+    if (script.Has("length") && script.Has("push")) {
+      auto vector = std::make_shared<Vector>();
+      const std::int32_t length = script.Get("length").ToInt32();
+      for (std::int32_t i = 0; i < length; ++i) {
+        const std::string index = std::to_string(i);
+        vector->Add(script.Has(index) ? Convert(script.Get(index)) : Variant());
+      }
+      return vector;
+    }
+    const Variant plain = DefaultValueOf(value);
+    const auto names = plain.ToText() == "[object Object]" ? script.MemberNames() : std::nullopt;
+    if (!names) return plain;
+    auto dictionary = std::make_shared<Dictionary>();
+    for (const std::string& name : *names) dictionary->SetValue(name, Convert(script.Get(name)));
+    return dictionary;
+  }
+
   Variant FromForeign(ForeignObject& foreign, const Variant& value) {
+    if (foreign.Has("hasOwnProperty")) return FromScript(foreign, value);
     if (foreign.Has("Keys") && foreign.Has("Item")) {
       auto dictionary = std::make_shared<Dictionary>();
       const std::shared_ptr<Vector> keys = Convert(foreign.Call("Keys", {})).ToVector();
@@ -111,13 +133,36 @@ class Collector {
   int depth_ = 0;
 };
 
+/// Whether it is a dictionary that does not tell its keys by case.
+bool IgnoresCase(const Variant& value) {
+  constexpr std::int32_t kBinary = 0;
+  const auto* const object = value.get_if<std::shared_ptr<Object>>();
+  auto* const foreign = object == nullptr ? nullptr : dynamic_cast<ForeignObject*>(object->get());
+  return foreign != nullptr && foreign->Has("CompareMode") && foreign->Get("CompareMode").ToInt32() != kBinary;
+}
+
+/// Raises 5 for a key that an operation would overlook, although it is in a dictionary that finds it in any case.
+void CheckCase(const Argument& argument, const Dictionary& dictionary) {
+  for (const auto& [key, item] : dictionary) {
+    for (const Key& wanted : argument.keys) {
+      if (key == wanted.name || !EqualsIgnoreCase(key, wanted.name) || dictionary.Exists(wanted.name)) continue;
+      Raise(error_number::kInvalidArgument, std::string(argument.name) + ": the key is \"" + std::string(wanted.name) +
+                                                "\", not \"" + key + "\": operations tell upper from lower case");
+    }
+  }
+}
+
 }  // namespace
 
 void WithCollections(std::span<const Argument> declared, std::span<Variant> values) {
   Collector collector;
   for (std::size_t i = 0; i < std::min(declared.size(), values.size()); ++i) {
     if (declared[i].type == ValueType::kDictionary || declared[i].type == ValueType::kVector) {
-      if (!IsOwn(values[i])) values[i] = collector.Convert(values[i]);
+      if (IsOwn(values[i])) continue;
+      const bool ignores_case = IgnoresCase(values[i]);
+      values[i] = collector.Convert(values[i]);
+      const auto dictionary = ignores_case ? values[i].ToDictionary() : nullptr;
+      if (dictionary != nullptr) CheckCase(declared[i], *dictionary);
     }
   }
 }

@@ -1,5 +1,6 @@
 #include "hosts/com/foreign_object.h"
 
+#include <dispex.h>
 #include <string>
 
 #include "com_base/errors.h"
@@ -71,16 +72,15 @@ bool ForeignObject::Has(std::string_view member) const {
   return SUCCEEDED(Find(member, id));
 }
 
-Variant ForeignObject::Call(std::string_view method, std::span<const Variant> arguments) {
+Variant ForeignObject::Use(std::string_view member, WORD flags, std::span<const Variant> arguments) {
   DISPID id = 0;
-  if (const HRESULT status = Find(method, id); FAILED(status)) {
-    Raise(ToNumber(status), "Object doesn't support this property or method: " + std::string(method));
+  if (const HRESULT status = Find(member, id); FAILED(status)) {
+    Raise(ToNumber(status), "Object doesn't support this property or method: " + std::string(member));
   }
   Arguments own(arguments);
   DISPPARAMS parameters = own.parameters();
   OwnedVariant result;
-  InvokeMember(*object_.get(), id, DISPATCH_METHOD | DISPATCH_PROPERTYGET, parameters, result.get(),
-               std::string(method));
+  InvokeMember(*object_.get(), id, flags, parameters, result.get(), std::string(member));
   return FromVariant(result.get());
 }
 
@@ -118,6 +118,19 @@ std::optional<std::vector<Variant>> ForeignObject::Items() {
     if (status != S_OK || fetched == 0) return items;
     items.push_back(FromVariant(item.get()));
   }
+}
+
+std::optional<std::vector<std::string>> ForeignObject::MemberNames() const {
+  const auto object = Query<IDispatchEx>(object_.get());
+  if (!object) return std::nullopt;
+  std::vector<std::string> names;
+  DISPID id = DISPID_STARTENUM;
+  while (object->GetNextDispID(fdexEnumDefault, id, &id) == S_OK) {
+    OwnedBstr name;
+    if (FAILED(object->GetMemberName(id, name.Receive()))) break;
+    names.push_back(ToText(name.get()));
+  }
+  return names;
 }
 
 bool IsRegistered(std::string_view prog_id) {

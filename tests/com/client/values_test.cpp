@@ -154,8 +154,9 @@ TEST_F(ValuesTest, ArraysKeepBoundsAndType) {
   EXPECT_EQ(refused.error, kTypeMismatch);
 }
 
-TEST_F(ValuesTest, NarrowNumbersKeepValueAndType) {
-  for (const auto& [type, text] : {std::pair{VT_R4, L"1.1"}, {VT_CY, L"12.3456"}, {VT_UI1, L"200"}}) {
+TEST_F(ValuesTest, NumbersKeepValueAndType) {
+  for (const auto& [type, text] :
+       {std::pair{VT_R4, L"1.1"}, {VT_CY, L"12.3456"}, {VT_UI1, L"200"}, {VT_I8, L"7"}, {VT_I8, L"9007199254740993"}}) {
     Value value(text);
     ASSERT_EQ(VariantChangeType(&value.get(), &value.get(), 0, static_cast<VARTYPE>(type)), S_OK);
     Put(L"number", value);
@@ -170,8 +171,11 @@ TEST_F(ValuesTest, NarrowNumbersKeepValueAndType) {
 }
 
 TEST_F(ValuesTest, DatesAreThoseOfAutomation) {
-  EXPECT_EQ(Put(L"date", Date(-657434)).status, S_OK);
-  EXPECT_EQ(Get(L"date").get().date, -657434);
+  // To the last bit, though the component counts milliseconds.
+  for (const double date : {-657434.0, 46349.508958333331, 46349.50895833334, 0.1, -1.7000000001, 1e-12}) {
+    EXPECT_EQ(Put(L"date", Date(date)).status, S_OK);
+    EXPECT_EQ(Get(L"date").get().date, date);
+  }
   EXPECT_EQ(Put(L"date", Date(-657435)).error, kOverflow);
   EXPECT_EQ(Put(L"date", Date(2958466)).error, kOverflow);
   const Value rows = Rows(L"select cast('0001-01-01' as date) as FFirst");

@@ -70,7 +70,7 @@ def interrupted(windows_command, batch, prints, presses):
     while presses == 1 and (read := os.read(output, 65536)):
         size += len(read)
         # The command gets to Ctrl-C long before all is read.
-        time.sleep(0.02)
+        time.sleep(0.05)
     while not (ended := os.waitpid(child, os.WNOHANG if presses > 1 else 0))[0]:
         os.write(terminal, b"\x03")
         time.sleep(0.05)

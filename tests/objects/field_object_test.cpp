@@ -34,7 +34,7 @@ TEST(FieldObjectTest, IsOneObjectForAsLongAsItsRecordset) {
   EXPECT_NE(ObjectOf(Get(*ObjectOf(Call(*rows, "Clone")), "Fields", {1})), buyer);
 }
 
-/// The texts among an array's values.
+/// The texts among the values.
 struct Texts : ValueTaker {
   void TakeText(std::string_view text) override { taken.emplace_back(text); }
   void Take(const Variant& /*value*/) override { taken.emplace_back(); }
@@ -53,19 +53,21 @@ TEST(FieldObjectTest, TextInPlaceIsTheValue) {
     for (const Variant& item : ObjectOf(Get(*rows, "Fields"))->Items()) {
       const auto field = ObjectOf(item);
       const Variant value = Get(*field, "Value");
-      const auto text = field->FindText(*field->description().Find("Value"));
+      Texts read;
+      ASSERT_TRUE(field->Read(*field->description().Find("Value"), read));
+      const auto& text = read.taken.at(0);
       const auto* const wanted = value.get_if<std::string>();
       ASSERT_EQ(text.has_value(), wanted != nullptr) << place;
       ASSERT_EQ(text, cells.taken[place++]);
       ASSERT_EQ(text.value_or(""), wanted == nullptr ? "" : *wanted);
       texts += text ? 1 : 0;
-      EXPECT_FALSE(field->FindText(*field->description().Find("DefinedSize")));
+      EXPECT_FALSE(field->Read(*field->description().Find("DefinedSize"), read));
     }
   }
   EXPECT_EQ(place, cells.taken.size());
   EXPECT_EQ(texts, 9U);
   const auto buyer = ObjectOf(Get(*rows, "Fields", {"FBuyer"}));
-  EXPECT_EQ(Number([&] { static_cast<void>(buyer->FindText(*buyer->description().Find("Value"))); }), 3021);
+  EXPECT_EQ(Number([&] { static_cast<void>(buyer->Read(*buyer->description().Find("Value"), cells)); }), 3021);
 }
 
 TEST(FieldObjectTest, IsFoundByNameAndPosition) {

@@ -17,11 +17,11 @@ std::unique_ptr<Face> MakeFace(const AutomationObject& object) {
 
 }  // namespace
 
-Pointer<IDispatch> MakeDispatch(std::shared_ptr<AutomationObject> object) {
+Pointer<IDispatch> MakeDispatch(const std::shared_ptr<AutomationObject>& object) {
   if (object->face() == nullptr) object->set_face(MakeFace(*object));
   // Objects have no faces but these.
   auto* const face = static_cast<Face*>(object->face());
-  return Pointer<IDispatch>::Adopt(face->Hold(std::move(object)));
+  return Pointer<IDispatch>::Adopt(face->Hold(object));
 }
 
 std::shared_ptr<AutomationObject> OwnObject(IUnknown* object) {

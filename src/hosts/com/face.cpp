@@ -19,9 +19,31 @@ namespace {
 
 /// The component's own object, also where the value comes from ADO: compilers know no other one.
 IDispatch* OwnDispatch(const Variant& value) {
-  if (auto own = ObjectOf(value)) return MakeDispatch(std::move(own)).Release();
+  if (const auto own = ObjectOf(value)) return MakeDispatch(own).Release();
   if (value.type_name() != "Nothing") RaiseTypeMismatch();
   return nullptr;
+}
+
+/// The whole number that an argument is, or refers to, in one of the types in which scripts have those.
+std::optional<std::int32_t> NumberIn(const VARIANT& given) {
+  switch (given.vt) {
+    case VT_I2:
+      return given.iVal;
+    case VT_I4:
+      return given.lVal;
+    case VT_VARIANT | VT_BYREF:
+      return given.pvarVal == nullptr ? std::nullopt : NumberIn(*given.pvarVal);
+    default:
+      return std::nullopt;
+  }
+}
+
+void Empty(const AnswerPlace& answer) {
+  if (answer.type == VT_VARIANT) {
+    static_cast<VARIANT*>(answer.place)->vt = VT_EMPTY;
+  } else if (answer.type != VT_EMPTY) {
+    std::memset(answer.place, 0, WidthOf(answer.type));
+  }
 }
 
 void PutAnswer(const Variant& value, const AnswerPlace& answer) {
@@ -40,8 +62,8 @@ void PutAnswer(const Variant& value, const AnswerPlace& answer) {
 
 }  // namespace
 
-IDispatch* Face::Hold(std::shared_ptr<AutomationObject> object) {
-  if (references_.fetch_add(1) == 0) object_ = std::move(object);
+IDispatch* Face::Hold(const std::shared_ptr<AutomationObject>& object) {
+  if (references_.fetch_add(1) == 0) object_ = object;
   return dispatch();
 }
 
@@ -80,6 +102,8 @@ HRESULT Face::FindNumbers(LPOLESTR* names, UINT count, DISPID* ids) const {
 }
 
 Variant Face::UseTaken(const Member& member, MemberUse use, TakenArguments& arguments) {
+  // What is done may end the last reference that its caller holds; reading a value does not.
+  const Pointer<IDispatch> alive(use == kGet ? nullptr : dispatch());
   const std::span<Variant> values = arguments.values();
   std::optional<ContainerCall> call;
   if (member.operation != nullptr) {
@@ -95,14 +119,33 @@ Variant Face::UseTaken(const Member& member, MemberUse use, TakenArguments& argu
   return answer;
 }
 
+bool Face::ReadShort(const Member& member, const VARIANT* position, const AnswerPlace& answer) const {
+  if (position == nullptr) {
+    if (answer.type != VT_VARIANT) return false;
+    VariantWriter writer(static_cast<VARIANT*>(answer.place));
+    return object_->Read(member, writer);
+  }
+  const auto number = NumberIn(*position);
+  const auto* const element = number ? object_->Element(member, *number) : nullptr;
+  if (element == nullptr) return false;
+  IDispatch* const found = MakeDispatch(*element).Release();
+  if (answer.type == VT_DISPATCH) {
+    *static_cast<IDispatch**>(answer.place) = found;
+  } else {
+    auto* const out = static_cast<VARIANT*>(answer.place);
+    out->vt = VT_DISPATCH;
+    out->pdispVal = found;
+  }
+  return true;
+}
+
 void Face::Use(const Member& member, WORD flags, const DISPPARAMS& parameters, VARIANT* result) {
   const bool put = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
   // Scripts ask for a call and a property at once.
   const MemberUse use = put ? kPut : (member.uses & kCall) != 0 && (flags & DISPATCH_METHOD) != 0 ? kCall : kGet;
-  // What is done may end the last reference that its caller holds; reading a value does not.
-  const Pointer<IDispatch> alive(use == kGet ? nullptr : dispatch());
-  if (use == kGet && parameters.cArgs == 0 && result != nullptr) {
-    if (const auto text = object_->FindText(member)) return PutText(*text, result);
+  if (use == kGet && parameters.cArgs <= 1 && parameters.cNamedArgs == 0 && result != nullptr &&
+      ReadShort(member, parameters.cArgs == 0 ? nullptr : parameters.rgvarg, {VT_VARIANT, result})) {
+    return;
   }
   TakenArguments arguments;
   arguments.Read(parameters, *object_, member, put, (flags & DISPATCH_PROPERTYPUTREF) == 0);
@@ -112,7 +155,7 @@ void Face::Use(const Member& member, WORD flags, const DISPPARAMS& parameters, V
 
 HRESULT Face::InvokeNumber(DISPID id, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* info) {
   if (parameters == nullptr) return E_POINTER;
-  if (result != nullptr) VariantInit(result);
+  if (result != nullptr) result->vt = VT_EMPTY;
   // What an earlier call left belongs to nobody now.
   SetErrorInfo(0, nullptr);
   try {
@@ -132,30 +175,26 @@ HRESULT Face::InvokeNumber(DISPID id, WORD flags, DISPPARAMS* parameters, VARIAN
   }
 }
 
-HRESULT Face::CallMember(std::size_t position, Way way, AnswerPlace answer, std::span<const VARIANT> given) {
-  if (answer.type != VT_EMPTY) {
-    if (answer.place == nullptr) return E_POINTER;
-    std::memset(answer.place, 0, WidthOf(answer.type));
+void Face::Use(const Member& member, const VtableCall& call) {
+  if (member.id == kEnumerationMember) {
+    *static_cast<IUnknown**>(call.answer.place) = MakeEnumeration(object_->Items()).Release();
+    return;
   }
+  const bool put = call.way == Way::kPut || call.way == Way::kPutReference;
+  TakenArguments arguments;
+  arguments.Read(call.given, *object_, member, put, call.way == Way::kPut);
+  const Variant value = UseTaken(member, put ? kPut : call.way == Way::kGet ? kGet : kCall, arguments);
+  if (call.answer.type != VT_EMPTY) PutAnswer(value, call.answer);
+}
+
+HRESULT Face::CallMember(const VtableCall& call) {
+  if (call.answer.type != VT_EMPTY && call.answer.place == nullptr) return E_POINTER;
+  Empty(call.answer);
   try {
-    const Member& member = object_->description().members[position];
-    const bool put = way == Way::kPut || way == Way::kPutReference;
-    const MemberUse use = put ? kPut : way == Way::kGet ? kGet : kCall;
-    if (member.id == kEnumerationMember) {
-      *static_cast<IUnknown**>(answer.place) = MakeEnumeration(object_->Items()).Release();
-      return S_OK;
-    }
-    const Pointer<IDispatch> alive(use == kGet ? nullptr : dispatch());
-    if (use == kGet && given.empty() && answer.type == VT_VARIANT) {
-      if (const auto text = object_->FindText(member)) {
-        PutText(*text, static_cast<VARIANT*>(answer.place));
-        return S_OK;
-      }
-    }
-    TakenArguments arguments;
-    arguments.Read(given, *object_, member, put, way == Way::kPut);
-    const Variant value = UseTaken(member, use, arguments);
-    if (answer.type != VT_EMPTY) PutAnswer(value, answer);
+    const Member& member = object_->description().members[call.member];
+    const VARIANT* const position = call.given.empty() ? nullptr : call.given.data();
+    const bool short_way = call.way == Way::kGet && call.given.size() <= 1 && ReadShort(member, position, call.answer);
+    if (!short_way) Use(member, call);
     return S_OK;
   } catch (...) {
     ReportCurrent(nullptr);

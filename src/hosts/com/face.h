@@ -27,6 +27,15 @@ struct AnswerPlace {
   void* place = nullptr;
 };
 
+/// A call of a function of the vtable.
+struct VtableCall {
+  /// The member's position in the class.
+  std::size_t member = 0;
+  Way way = Way::kCall;
+  AnswerPlace answer;
+  std::span<const VARIANT> given;
+};
+
 /// An argument as a VARIANT that shares it and is not to be cleared.
 template <int kType, typename Value>
 VARIANT Given(const Value& value) {
@@ -48,7 +57,7 @@ class Face : public ObjectFace {
  public:
   [[nodiscard]] const std::shared_ptr<AutomationObject>& object() const noexcept { return object_; }
   /// Counts one more reference. @param object the one that keeps it
-  IDispatch* Hold(std::shared_ptr<AutomationObject> object);
+  IDispatch* Hold(const std::shared_ptr<AutomationObject>& object);
   ULONG Uncount();
 
  protected:
@@ -59,17 +68,21 @@ class Face : public ObjectFace {
   HRESULT FindNumbers(LPOLESTR* names, UINT count, DISPID* ids) const;
   HRESULT InvokeNumber(DISPID id, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* info);
   HRESULT FindClassInfo(ITypeInfo** info) const;
-  /// A function of the vtable. @param member its position in the class
+  /// A function of the vtable.
   template <typename... Values>
   HRESULT Call(std::size_t member, Way way, AnswerPlace answer, const Values&... given) {
     const VARIANT values[sizeof...(given) + 1] = {given...};
-    return CallMember(member, way, answer, {values, sizeof...(given)});
+    return CallMember({member, way, answer, {values, sizeof...(given)}});
   }
   [[nodiscard]] virtual IDispatch* dispatch() noexcept = 0;
 
  private:
-  HRESULT CallMember(std::size_t position, Way way, AnswerPlace answer, std::span<const VARIANT> given);
+  HRESULT CallMember(const VtableCall& call);
+  /// Reads by one of the object's short ways; false when it has none for that.
+  /// @param position the only argument; nullptr for none
+  bool ReadShort(const Member& member, const VARIANT* position, const AnswerPlace& answer) const;
   void Use(const Member& member, WORD flags, const DISPPARAMS& parameters, VARIANT* result);
+  void Use(const Member& member, const VtableCall& call);
   Variant UseTaken(const Member& member, MemberUse use, TakenArguments& arguments);
 
   const ModuleLock lock_;

@@ -70,20 +70,6 @@ Variant FromArray(SAFEARRAY* array, VARTYPE type) {
   return std::shared_ptr<Object>(std::make_shared<Array>(std::move(copy), count, columns));
 }
 
-/// Writes the values of an array into VARIANTs that are empty.
-class CellWriter final : public ValueTaker {
- public:
-  explicit CellWriter(VARIANT* next) : next_(next) {}
-  void TakeText(std::string_view text) override { PutText(text, next_++); }
-  void Take(const Variant& value) override {
-    if (!ToPlainVariant(value, next_)) ToVariant(value, next_);
-    ++next_;
-  }
-
- private:
-  VARIANT* next_;
-};
-
 void PutArray(const Array& values, VARIANT* out) {
   if (const auto* const copy = dynamic_cast<const ArrayCopy*>(values.source())) return copy->CopyTo(out);
   const std::size_t count = values.size();
@@ -97,7 +83,7 @@ void PutArray(const Array& values, VARIANT* out) {
   out->parray = array;
   out->vt = VT_ARRAY | VT_VARIANT;
   try {
-    CellWriter cells(static_cast<VARIANT*>(array->pvData));
+    VariantWriter cells(static_cast<VARIANT*>(array->pvData));
     values.Each(cells);
   } catch (...) {
     VariantClear(out);
@@ -116,8 +102,8 @@ void PutObject(const Variant& value, VARIANT* out) {
   const auto* const object = value.get_if<std::shared_ptr<Object>>();
   if (IDispatch* const ado = AdoObjectOf(value)) {
     out->pdispVal = Pointer<IDispatch>(ado).Release();
-  } else if (auto own = ObjectOf(value)) {
-    out->pdispVal = MakeDispatch(std::move(own)).Release();
+  } else if (const auto own = ObjectOf(value)) {
+    out->pdispVal = MakeDispatch(own).Release();
   } else if (const auto* array = object == nullptr ? nullptr : dynamic_cast<const Array*>(object->get())) {
     return PutArray(*array, out);
   } else if (auto* foreign = object == nullptr ? nullptr : dynamic_cast<ForeignObject*>(object->get())) {
@@ -143,6 +129,13 @@ Variant FromVariant(const VARIANT& value) {
 void ToVariant(const Variant& value, VARIANT* out) {
   VariantInit(out);
   if (!ToPlainVariant(value, out)) PutObject(value, out);
+}
+
+void VariantWriter::TakeText(std::string_view text) { PutText(text, next_++); }
+
+void VariantWriter::Take(const Variant& value) {
+  if (!ToPlainVariant(value, next_)) PutObject(value, next_);
+  ++next_;
 }
 
 bool CanWriteBack(const VARIANT& reference) {

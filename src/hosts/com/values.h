@@ -1,7 +1,10 @@
 // Values across the boundary of COM, in both directions.
 #pragma once
 
+#include <string_view>
+
 #include "com_base/windows_headers.h"
+#include "hosts/objects/value_taker.h"
 #include "tessarlorn/variant.h"
 
 namespace tessarlorn::com {
@@ -12,6 +15,16 @@ namespace tessarlorn::com {
 Variant FromVariant(const VARIANT& value);
 /// The component's value as automation's, in `*out`, which is not read; plain ones as ToPlainVariant has them.
 void ToVariant(const Variant& value, VARIANT* out);
+/// Writes values as ToVariant does into VARIANTs that are empty, one behind the other.
+class VariantWriter final : public ValueTaker {
+ public:
+  explicit VariantWriter(VARIANT* next) : next_(next) {}
+  void TakeText(std::string_view text) override;
+  void Take(const Variant& value) override;
+
+ private:
+  VARIANT* next_;
+};
 /// Whether a variable of the type behind a reference can take a value.
 bool CanWriteBack(const VARIANT& reference);
 /// Writes the value behind a reference that a caller gave, converted to the type there; a VARIANT that is a reference

@@ -9,23 +9,12 @@
 #include <utility>
 #include <vector>
 
+#include "hosts/objects/value_taker.h"
 #include "tessarlorn/error.h"
 #include "tessarlorn/object.h"
 #include "tessarlorn/variant.h"
 
 namespace tessarlorn {
-
-/// Takes the values of an array, one behind the other.
-class ValueTaker {
- public:
-  ValueTaker() = default;
-  ValueTaker(const ValueTaker&) = delete;
-  ValueTaker& operator=(const ValueTaker&) = delete;
-  virtual ~ValueTaker() = default;
-  /// A text where it stands, good for as long as the call.
-  virtual void TakeText(std::string_view text) = 0;
-  virtual void Take(const Variant& value) = 0;
-};
 
 /// Values that are read each time when they are asked for, so that many need not stand in memory twice.
 class ArraySource {

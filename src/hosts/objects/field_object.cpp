@@ -55,9 +55,10 @@ const ClassDescription& FieldObject::Description() {
   return kDescription;
 }
 
-std::optional<std::string_view> FieldObject::FindText(const Member& member) const {
-  const auto text = member.id == kDefaultMember ? view_->FindText(field_) : std::nullopt;
-  return text && KeepsText(view_->fields()[field_]) ? text : std::nullopt;
+bool FieldObject::Read(const Member& member, ValueTaker& taker) const {
+  if (member.id != kDefaultMember) return false;
+  HandOver(view_->Current(), field_, taker);
+  return true;
 }
 
 std::optional<Variant> FieldObject::DefaultValue() {
@@ -110,19 +111,28 @@ const ClassDescription& FieldsObject::Description() {
 
 std::vector<Variant> FieldsObject::Items() const {
   std::vector<Variant> fields;
-  for (std::size_t i = 0; i < view_->fields().size(); ++i) fields.emplace_back(At(i));
+  for (std::size_t i = 0; i < view_->fields().size(); ++i) fields.emplace_back(std::shared_ptr<Object>(Made(i)));
   return fields;
 }
 
 Variant FieldsObject::Item(const Variant& name_or_position, MemberUse use) const {
   const std::size_t field = view_->FieldIndex(name_or_position);
   if (use == kPut) RaiseReadOnlyRows(view_->fields()[field].name);
-  return At(field);
+  return std::shared_ptr<Object>(Made(field));
 }
 
-const std::shared_ptr<Object>& FieldsObject::At(std::size_t field) const {
+const std::shared_ptr<AutomationObject>& FieldsObject::At(std::int32_t position) const {
+  const auto field = static_cast<std::size_t>(position);
+  return Made(position >= 0 && field < view_->fields().size() ? field : view_->FieldIndex(position));
+}
+
+const std::shared_ptr<AutomationObject>* FieldsObject::Element(const Member& member, std::int32_t position) const {
+  return member.id == kDefaultMember ? &At(position) : nullptr;
+}
+
+const std::shared_ptr<AutomationObject>& FieldsObject::Made(std::size_t field) const {
   if (fields_.empty()) fields_.resize(view_->fields().size());
-  std::shared_ptr<Object>& found = fields_[field];
+  std::shared_ptr<AutomationObject>& found = fields_[field];
   if (found == nullptr) found = std::make_shared<FieldObject>(view_, field);
   return found;
 }

@@ -20,7 +20,7 @@ class FieldObject final : public AutomationObject {
 
   static const ClassDescription& Description();
   [[nodiscard]] const ClassDescription& description() const override { return Description(); }
-  [[nodiscard]] std::optional<std::string_view> FindText(const Member& member) const override;
+  [[nodiscard]] bool Read(const Member& member, ValueTaker& taker) const override;
   /// The value in the current row.
   [[nodiscard]] std::optional<Variant> DefaultValue() override;
 
@@ -43,16 +43,21 @@ class FieldsObject final : public AutomationObject {
   [[nodiscard]] std::vector<Variant> Items() const override;
   /// The field of that name or position as an object. Raises 3265 when there is none, 3251 when it is to be written.
   [[nodiscard]] Variant Item(const Variant& name_or_position, MemberUse use) const;
+  /// A field by its position. Raises 3265 when there is none.
+  [[nodiscard]] const std::shared_ptr<AutomationObject>& At(std::int32_t position) const;
+  [[nodiscard]] const std::shared_ptr<AutomationObject>* Element(const Member& member,
+                                                                 std::int32_t position) const override;
 
  protected:
   Variant Do(const Member& member, MemberUse use, std::span<Variant> arguments) override;
 
  private:
-  [[nodiscard]] const std::shared_ptr<Object>& At(std::size_t field) const;
+  /// @pre the rows have that field
+  [[nodiscard]] const std::shared_ptr<AutomationObject>& Made(std::size_t field) const;
 
   std::shared_ptr<RecordsetView> view_;
   /// Nothing where none was asked for.
-  mutable std::vector<std::shared_ptr<Object>> fields_;
+  mutable std::vector<std::shared_ptr<AutomationObject>> fields_;
 };
 
 }  // namespace tessarlorn

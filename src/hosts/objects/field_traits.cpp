@@ -107,4 +107,12 @@ void ToClientValue(const Field& field, Variant& value) {
   }
 }
 
+void HandOver(const Recordset& rows, std::size_t field, ValueTaker& taker) {
+  const Field& traits = rows.fields()[field];
+  if (const auto text = KeepsText(traits) ? rows.FindText(field) : std::nullopt) return taker.TakeText(*text);
+  Variant value = rows.Get(field);
+  ToClientValue(traits, value);
+  taker.Take(value);
+}
+
 }  // namespace tessarlorn

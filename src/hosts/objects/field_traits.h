@@ -1,9 +1,11 @@
 // What clients of ADO are told about the type of a field, and its values in that type.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
+#include "hosts/objects/value_taker.h"
 #include "tessarlorn/recordset.h"
 
 namespace tessarlorn {
@@ -38,5 +40,7 @@ inline Variant ClientValue(const Field& field, Variant value) {
 }
 /// Whether clients have texts of the field as they are.
 inline bool KeepsText(const Field& field) { return field.type != FieldType::kGuid; }
+/// Hands over a field's value in the row where the rows stand, as clients have it. Raises 3021 behind the last row.
+void HandOver(const Recordset& rows, std::size_t field, ValueTaker& taker);
 
 }  // namespace tessarlorn

@@ -110,26 +110,17 @@ class RowCells final : public ArraySource {
 
   [[nodiscard]] Variant At(std::size_t place) const override {
     rows_->MoveTo(numbers_[place / columns_.size()]);
-    return Value(columns_[place % columns_.size()]);
+    const std::size_t field = columns_[place % columns_.size()];
+    return ClientValue(rows_->fields()[field], rows_->Get(field));
   }
   void Each(std::size_t /*size*/, ValueTaker& taker) const override {
     for (const std::size_t number : numbers_) {
       rows_->MoveTo(number);
-      for (const std::size_t field : columns_) {
-        const auto text = KeepsText(rows_->fields()[field]) ? rows_->FindText(field) : std::nullopt;
-        text ? taker.TakeText(*text) : taker.Take(Value(field));
-      }
+      for (const std::size_t field : columns_) HandOver(*rows_, field, taker);
     }
   }
 
  private:
-  /// Of the row that was gone to.
-  [[nodiscard]] Variant Value(std::size_t field) const {
-    Variant value = rows_->Get(field);
-    ToClientValue(rows_->fields()[field], value);
-    return value;
-  }
-
   RecordsetPtr rows_;
   std::vector<std::size_t> numbers_;
   std::vector<std::size_t> columns_;
@@ -368,6 +359,10 @@ void RecordsetObject::Save(const Variant& destination, const Variant& format) {
   if (wanted != kText && wanted != kXml) RaiseWrongArguments("PersistFormat");
   SaveRecordset(*view_, path, wanted == kXml);
   view_->set_position(1);
+}
+
+const std::shared_ptr<AutomationObject>* RecordsetObject::Element(const Member& member, std::int32_t position) const {
+  return member.id == kDefaultMember ? &fields_->At(position) : nullptr;
 }
 
 Variant RecordsetObject::Do(const Member& member, MemberUse use, std::span<Variant> arguments) {

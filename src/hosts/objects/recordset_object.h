@@ -20,6 +20,9 @@ class RecordsetObject final : public AutomationObject {
 
   static const ClassDescription& Description();
   [[nodiscard]] const ClassDescription& description() const override { return Description(); }
+  /// A field.
+  [[nodiscard]] const std::shared_ptr<AutomationObject>* Element(const Member& member,
+                                                                 std::int32_t position) const override;
 
  protected:
   Variant Do(const Member& member, MemberUse use, std::span<Variant> arguments) override;

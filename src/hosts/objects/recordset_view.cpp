@@ -53,17 +53,13 @@ void RecordsetView::Move(std::int64_t steps, std::size_t from) {
   set_position(static_cast<std::size_t>(std::max<std::int64_t>(static_cast<std::int64_t>(from) + steps, 0)));
 }
 
-Variant RecordsetView::Value(std::size_t position, std::size_t field) const {
+const Recordset& RecordsetView::At(std::size_t position) const {
   Recordset& own = *rows();
   own.MoveTo(RowNumber(position));
-  return own.Get(field);
+  return own;
 }
 
-std::optional<std::string_view> RecordsetView::FindText(std::size_t field) const {
-  Recordset& own = *rows();
-  own.MoveTo(RowNumber(position_));
-  return own.FindText(field);
-}
+Variant RecordsetView::Value(std::size_t position, std::size_t field) const { return At(position).Get(field); }
 
 std::size_t RecordsetView::FieldIndex(const Variant& name_or_position) {
   const std::vector<Field>& all = fields();

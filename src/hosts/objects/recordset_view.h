@@ -41,8 +41,8 @@ class RecordsetView {
   /// The value of a field in the current row, or in the row at a position. Raises 3021 when there is none.
   [[nodiscard]] Variant Value(std::size_t field) const { return Value(position_, field); }
   [[nodiscard]] Variant Value(std::size_t position, std::size_t field) const;
-  /// The same where it is a text, without a copy: good until another row is read. Nothing for any other value.
-  [[nodiscard]] std::optional<std::string_view> FindText(std::size_t field) const;
+  /// The rows, standing at the current one. Raises 3021 when there is none.
+  [[nodiscard]] const Recordset& Current() const { return At(position_); }
   /// By name, or by position from 0. Raises 3265 naming it.
   [[nodiscard]] std::size_t FieldIndex(const Variant& name_or_position);
 
@@ -64,6 +64,9 @@ class RecordsetView {
   struct SameName {
     bool operator()(std::string_view a, std::string_view b) const noexcept;
   };
+
+  /// The rows, standing at that one.
+  [[nodiscard]] const Recordset& At(std::size_t position) const;
 
   RecordsetPtr rows_;
   std::vector<std::size_t> shown_;  // row numbers by position - 1

@@ -5,6 +5,7 @@
 
 #include "com/client/active_manifest.h"
 #include "com/client/typed_object.h"
+#include "com/client/vtable.h"
 
 namespace tessarlorn::com_test {
 namespace {
@@ -98,6 +99,26 @@ TEST_P(SideBySideTest, TheTypeLibraryIsKnownByTheManifestAlone) {
   CLSID proxy{};
   EXPECT_EQ(CoGetPSClsid(ToGuid(kReads), &proxy), S_OK);
   EXPECT_TRUE(IsEqualGUID(proxy, ToGuid(kProxyOfLibraries)));
+}
+
+/// Wine registers a library that it has loaded by a program's manifest.
+void Unregister() {
+  for (const wchar_t* const key :
+       {L"Interface\\{F8090680-DED3-472A-B6BD-5DEBC50A61AE}", L"TypeLib\\{1FE32CD4-2232-4B66-8CEF-F811FBCB2D64}"}) {
+    RegDeleteTreeW(HKEY_CLASSES_ROOT, key);
+  }
+}
+
+// The objects live in a single-threaded apartment. All threads of a program know its own manifest.
+TEST(ProgramManifestTest, CompiledClientsCallFromTheMultithreadedApartment) {
+  Unregister();
+  const Apartment apartment(COINIT_MULTITHREADED);
+  const TypedObject reads(L"TessarLornPickingAndDelivery.clsGetData");
+  EXPECT_TRUE(com::Query<IMultiQI>(reads.get())) << "What stands for it here is no proxy";
+  const Answer answer = Vtable(reads).Call(L"ExecuteSQL", {L"Embedded=:memory:apartment", L"select 42 a"});
+  ASSERT_NE(answer.value.object(), nullptr);
+  EXPECT_EQ(Vtable(TypedObject(answer.value.object())).Get(L"RecordCount").value.number(), 1);
+  Unregister();
 }
 
 INSTANTIATE_TEST_SUITE_P(Manifests, SideBySideTest, testing::Values(&LibraryManifest, &WriteProgramManifest));

@@ -18,7 +18,7 @@ std::wstring Taken(BSTR text) {
   return copy;
 }
 
-Apartment::Apartment() { Check(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), "CoInitializeEx"); }
+Apartment::Apartment(DWORD kind) { Check(CoInitializeEx(nullptr, kind), "CoInitializeEx"); }
 Apartment::~Apartment() { CoUninitialize(); }
 
 Value::Value(int number) {

@@ -16,7 +16,7 @@ std::wstring Taken(BSTR text);
 /// Joins the calling thread to a single-threaded apartment of its own while it lives.
 class Apartment {
  public:
-  Apartment();
+  explicit Apartment(DWORD kind = COINIT_APARTMENTTHREADED);
   Apartment(const Apartment&) = delete;
   Apartment& operator=(const Apartment&) = delete;
   ~Apartment();

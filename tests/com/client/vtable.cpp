@@ -38,7 +38,7 @@ Vtable::Function Describe(ITypeInfo& info, const FUNCDESC& described) {
 
 }  // namespace
 
-Vtable::Vtable(const TypedObject& object) : object_(object.get()) {
+Vtable::Vtable(const TypedObject& object) {
   HREFTYPE partner = 0;
   com::Pointer<ITypeInfo> info;
   if (FAILED(object.info()->GetRefTypeOfImplType(static_cast<UINT>(-1), &partner)) ||
@@ -48,7 +48,12 @@ Vtable::Vtable(const TypedObject& object) : object_(object.get()) {
   TYPEATTR* attributes = nullptr;
   EXPECT_EQ(info->GetTypeAttr(&attributes), S_OK);
   const UINT count = attributes->cFuncs;
+  // That of another apartment's object is another one than its IDispatch.
+  void* found = nullptr;
+  const HRESULT status = object.get()->QueryInterface(attributes->guid, &found);
   info->ReleaseTypeAttr(attributes);
+  if (FAILED(status)) throw std::runtime_error("The interface is not to be had: " + std::to_string(status));
+  object_ = com::Pointer<IDispatch>::Adopt(static_cast<IDispatch*>(found));
   for (UINT i = 0; i < count; ++i) {
     FUNCDESC* function = nullptr;
     EXPECT_EQ(info->GetFuncDesc(i, &function), S_OK);

@@ -65,7 +65,12 @@ rs.Move 1, bookmark - 2
 WScript.Echo rs(0), rs.AbsolutePosition '= 2 2
 rs.Filter = "FName = '" & chinese & "' or FAmount < 0"
 WScript.Echo rs.RecordCount '= 2
+rs.Filter = Array(bookmark, bookmark - 2)
+WScript.Echo rs.RecordCount, rs(0), TypeName(rs.Filter), rs.Properties.Count, rs.Collect("FID"), rs(0).Attributes '= 2 1 Variant() 0 1 112
 rs.Filter = 0
+rs.PageSize = 2
+rs.AbsolutePage = 2
+WScript.Echo rs(0), rs.PageCount, rs.Status, rs.NextRecordset Is Nothing '= 3 2 8 -1
 
 ' Files.
 Set files = CreateObject("Scripting.FileSystemObject")

@@ -161,6 +161,52 @@ TEST_F(RecordsetObjectTest, FiltersAndSortsTogether) {
   EXPECT_EQ(Keys(rs_), "1,2,3,4,5");
 }
 
+TEST_F(RecordsetObjectTest, FiltersByBookmarks) {
+  const Variant marks = ToArray({7, 3, 7});  // of the rows 5, 1 and 5
+  Put(rs_, "Filter", {marks});
+  EXPECT_EQ(Keys(rs_), "1,5");
+  Put(rs_, "Sort", {"FID DESC"});
+  EXPECT_EQ(Keys(rs_), "5,1");
+  EXPECT_EQ(ArrayTexts(Get(rs_, "Filter")), ArrayTexts(marks));
+  EXPECT_EQ(Number([&] { Put(rs_, "Filter", {ToArray({3, 99})}); }), 3001);
+  EXPECT_EQ(Keys(rs_), "5,1");
+  Put(rs_, "Filter", {ToArray({})});
+  EXPECT_EQ(Place(), "BE-1");
+}
+
+TEST_F(RecordsetObjectTest, ShowsPages) {
+  EXPECT_EQ(Get(rs_, "PageCount").ToInt32(), 1);
+  Put(rs_, "PageSize", {2});
+  EXPECT_EQ(Get(rs_, "PageCount").ToInt32(), 3);
+  Put(rs_, "AbsolutePage", {3});
+  EXPECT_EQ(Id(), 5);
+  for (const auto& [member, page] : {std::pair{"MovePrevious", 2}, {"MoveFirst", 1}, {"MovePrevious", -2}}) {
+    Call(rs_, member);
+    EXPECT_EQ(Get(rs_, "AbsolutePage").ToInt32(), page) << member;
+  }
+  for (const auto& [member, value] : {std::pair{"AbsolutePage", 0}, {"AbsolutePage", 4}, {"PageSize", 0}}) {
+    EXPECT_EQ(Number([&] { Put(rs_, member, {value}); }), 3001) << member << value;
+  }
+  Call(rs_, "Move", {9});
+  EXPECT_EQ(Get(rs_, "AbsolutePage").ToInt32(), -3);
+}
+
+TEST_F(RecordsetObjectTest, AnswersWhatLoopsOfOfficeProgramsAsk) {
+  EXPECT_EQ(Get(rs_, "Collect", {"FBuyer"}).ToText(), "Wang");
+  EXPECT_EQ(Get(rs_, "Status").ToInt32(), 8);
+  const auto properties = ObjectOf(Get(rs_, "Properties"));
+  EXPECT_EQ(Get(*properties, "Count").ToInt32(), 0);
+  EXPECT_TRUE(properties->Items().empty());
+  EXPECT_EQ(Number([&] { Get(*properties, "Item", {0}); }), 3265);
+  EXPECT_EQ(Number([&] { Get(rs_, "Properties", {"Unique Table"}); }), 3265);
+  EXPECT_EQ(Call(rs_, "NextRecordset").type_name(), "Nothing");
+  EXPECT_EQ(Number([&] { Put(rs_, "Collect", {"FBuyer", "Li"}); }), 3251);
+  EXPECT_EQ(Number([&] { Put(rs_, "MaxRecords", {5}); }), 3705);
+  EXPECT_EQ(Number([&] { Put(rs_, "Source", {"select 1"}); }), 3705);
+  Call(rs_, "Move", {9});
+  for (const char* const member : {"Status", "EditMode"}) EXPECT_EQ(Number([&] { Get(rs_, member); }), 3021) << member;
+}
+
 TEST_F(RecordsetObjectTest, GetRowsAnswersFieldsOfRows) {
   const Variant two = Call(rs_, "GetRows", {2, {}, ToArray({"FBuyer", 0})});
   EXPECT_EQ(ArrayOf(two).dimensions(), 2);

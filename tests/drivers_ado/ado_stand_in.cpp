@@ -176,12 +176,37 @@ class Batch {
   Pointer<StandInErrors> errors_;
 };
 
+class StandInStream final : public Base<IAdoStream> {
+ public:
+  HRESULT STDMETHODCALLTYPE Open(VARIANT, LONG, LONG, BSTR, BSTR) override { return Answer(&open_, true); }
+  HRESULT STDMETHODCALLTYPE WriteText(BSTR written, LONG) override {
+    if (!open_) return Refuse(3704);
+    text += com::ToText(written);
+    return Answer(&position, text.size());
+  }
+  HRESULT STDMETHODCALLTYPE put_Position(LONG_PTR place) override { return Answer(&position, place); }
+  std::string text;
+  std::size_t position = 0;
+
+ private:
+  [[nodiscard]] bool Is(REFIID id) const override { return IsEqualIID(id, kStreamInterface); }
+  bool open_ = false;
+};
+
 class StandInRecordset final : public BaseObject<IAdoRecordset> {
  public:
+  StandInRecordset() = default;
   StandInRecordset(RecordsetPtr rows, std::shared_ptr<Batch> batch, Pointer<IAdoConnection> connection)
       : rows_(std::move(rows)), batch_(std::move(batch)), connection_(std::move(connection)) {}
 
   [[nodiscard]] bool attached() const { return static_cast<bool>(connection_); }
+  [[nodiscard]] const std::string& persisted() const { return persisted_; }
+
+  HRESULT STDMETHODCALLTYPE Open(VARIANT source, VARIANT, LONG, LONG, LONG) override {
+    const auto* const stream = static_cast<const StandInStream*>(source.pdispVal);
+    persisted_ = stream->text.substr(stream->position);
+    return S_OK;
+  }
 
   HRESULT STDMETHODCALLTYPE get_State(LONG* out) override { return Answer(out, rows_ ? kStateOpen : kStateClosed); }
   HRESULT STDMETHODCALLTYPE get_BOF(VARIANT_BOOL* out) override {
@@ -255,6 +280,7 @@ class StandInRecordset final : public BaseObject<IAdoRecordset> {
   }
 
   RecordsetPtr rows_;
+  std::string persisted_;
   std::size_t position_ = 0;
   std::shared_ptr<Batch> batch_;
   Pointer<IAdoConnection> connection_;
@@ -426,6 +452,14 @@ class Factory final : public com::Counted<IClassFactory> {
   NOT_HERE(LockServer, BOOL)
 };
 
+const StandInRecordset& Own(IDispatch* recordset) {
+  void* found = nullptr;
+  if (FAILED(recordset->QueryInterface(kRecordsetInterface, &found))) throw std::runtime_error("no recordset of ADO");
+  // Whoever asks holds it.
+  const auto own = Pointer<IAdoRecordset>::Adopt(static_cast<IAdoRecordset*>(found));
+  return *static_cast<const StandInRecordset*>(own.get());
+}
+
 }  // namespace
 
 void AdoStandIn::SetClones(bool possible) { clones_are_possible = possible; }
@@ -435,6 +469,8 @@ AdoStandIn::AdoStandIn() {
   if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) throw std::runtime_error("CoInitializeEx failed");
   Register<StandInConnection>(kConnectionClass);
   Register<StandInCommand>(kCommandClass);
+  Register<StandInRecordset>(kRecordsetClass);
+  Register<StandInStream>(kStreamClass);
 }
 
 template <typename Object>
@@ -451,11 +487,8 @@ AdoStandIn::~AdoStandIn() {
   CoUninitialize();
 }
 
-bool AdoStandIn::IsAttached(IDispatch* recordset) {
-  void* found = nullptr;
-  if (FAILED(recordset->QueryInterface(kRecordsetInterface, &found))) throw std::runtime_error("no recordset of ADO");
-  const auto own = Pointer<IAdoRecordset>::Adopt(static_cast<IAdoRecordset*>(found));
-  return static_cast<const StandInRecordset*>(own.get())->attached();
-}
+bool AdoStandIn::IsAttached(IDispatch* recordset) { return Own(recordset).attached(); }
+
+std::string AdoStandIn::Persisted(IDispatch* recordset) { return Own(recordset).persisted(); }
 
 }  // namespace tessarlorn

@@ -188,6 +188,9 @@ const ClassDescription& RecordsetObject::Description() {
            .arguments = kField,
            .help = "The value in the current row of a field, by name or by position from 0. Writing raises 3251."},
           PropertiesMember(),
+          {.name = "AsADO",
+           .id = kAsAdo,
+           .help = "ADO's own recordset of the shown rows, without a connection. Raises 429 where ADO is missing."},
       }};
   return kDescription;
 }

@@ -10,6 +10,7 @@ namespace tessarlorn::recordset_member {
 inline constexpr std::int32_t kAbsolutePage = 1047;
 inline constexpr std::int32_t kAbsolutePosition = MemberId("AbsolutePosition");
 inline constexpr std::int32_t kActiveConnection = MemberId("ActiveConnection");
+inline constexpr std::int32_t kAsAdo = MemberId("AsADO");
 inline constexpr std::int32_t kBof = MemberId("BOF");
 inline constexpr std::int32_t kBookmark = MemberId("Bookmark");
 inline constexpr std::int32_t kClone = MemberId("Clone");

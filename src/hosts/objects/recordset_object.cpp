@@ -11,6 +11,7 @@
 #include "hosts/objects/recordset_errors.h"
 #include "hosts/objects/recordset_file.h"
 #include "hosts/objects/recordset_members.h"
+#include "hosts/objects/rows_for_ado.h"
 #include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
@@ -327,6 +328,8 @@ Variant RecordsetObject::Do(const Member& member, MemberUse use, std::span<Varia
       return std::shared_ptr<Object>();
     case kCollect:
       return Collect(arguments[0], use);
+    case kAsAdo:
+      return std::shared_ptr<Object>(std::make_shared<RowsForAdo>(RecordsetXml(*view_)));
     case kPropertiesMember:
       return PropertiesOf(arguments);
     default:

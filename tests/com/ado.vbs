@@ -1,6 +1,6 @@
 ' A database behind Wine's own ADO. It runs what changes orders; its recordsets have no rows and cannot be let go of
-' their connection, its errors have no text, its commands take no parameters, so that nothing can be logged, and it opens no stream. What it
-' did is asked for over ODBC.
+' their connection, its errors have no text, its commands take no parameters, so that nothing can be logged, and it opens
+' no stream. What it did is asked for over ODBC.
 Option Explicit
 Dim session, reads, saves, chinese, order, answer
 session = "Connect={" & WScript.Arguments(0) & "};User=16394;Client=10.0.0.5"

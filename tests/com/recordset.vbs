@@ -104,6 +104,9 @@ text = rs(0).Value
 Failure "row" '= row 3021 TessarLornPickingAndDelivery No current record
 text = rs("FNone")
 Failure "field" '= field 3265 TessarLornPickingAndDelivery Item cannot be found: FNone
+rs.Bookmark = 99
+WScript.Echo Hex(Err.Number), Err.Description '= 80040E0E The bookmark is not valid: 99
+Err.Clear
 rs.MoveFirst
 rs("FID") = 5
 Failure "write" '= write 3251 TessarLornPickingAndDelivery Current Recordset does not support updating. Its rows are read only: FID

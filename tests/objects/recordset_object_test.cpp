@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "hosts/objects/recordset_errors.h"
 #include "objects/object_support.h"
 
 namespace tessarlorn {
 namespace {
+
+const std::string kNoBookmark = std::to_string(error_number::kInvalidBookmark);
 
 class RecordsetObjectTest : public testing::Test {
  protected:
@@ -46,9 +49,10 @@ TEST_F(RecordsetObjectTest, MovesFromOneEndToTheOther) {
 TEST_F(RecordsetObjectTest, MovesByCountFromARowABookmarkOrAnEnd) {
   EXPECT_EQ(After("Move", {2}), "--3");
   const Variant third = Get(rs_, "Bookmark");
-  const std::pair<std::vector<Variant>, const char*> moves[] = {
-      {{-1}, "--2"},   {{1, third}, "--4"}, {{1, 1}, "--2"},         {{-1, 2}, "--4"},  {{0, third}, "--3"},
-      {{100}, "-E-3"}, {{1}, "3021"},       {{-2147483647}, "B--2"}, {{1, 99}, "3001"}, {{1, -1}, "3001"},
+  const std::pair<std::vector<Variant>, std::string> moves[] = {
+      {{-1}, "--2"},          {{1, third}, "--4"},    {{1, 1}, "--2"},    {{-1, 2}, "--4"},
+      {{0, third}, "--3"},    {{100}, "-E-3"},        {{1}, "3021"},      {{-2147483647}, "B--2"},
+      {{1, 99}, kNoBookmark}, {{1, -1}, kNoBookmark}, {{1, "x"}, "3001"},
   };
   for (const auto& [arguments, place] : moves) EXPECT_EQ(After("Move", arguments), place) << arguments[0].ToText();
   Put(rs_, "AbsolutePosition", {4});
@@ -92,7 +96,7 @@ TEST_F(RecordsetObjectTest, BookmarksStayWithTheirRow) {
   Put(*clone, "Bookmark", {second});
   EXPECT_EQ(Value(*clone, "FID").ToInt32(), 2);
   Put(rs_, "Filter", {"FID > 2"});
-  EXPECT_EQ(Number([&] { Put(rs_, "Bookmark", {second}); }), 3001);
+  EXPECT_EQ(Number([&] { Put(rs_, "Bookmark", {second}); }), error_number::kInvalidBookmark);
   EXPECT_EQ(Id(), 5);
 }
 
@@ -168,7 +172,7 @@ TEST_F(RecordsetObjectTest, FiltersByBookmarks) {
   Put(rs_, "Sort", {"FID DESC"});
   EXPECT_EQ(Keys(rs_), "5,1");
   EXPECT_EQ(ArrayTexts(Get(rs_, "Filter")), ArrayTexts(marks));
-  EXPECT_EQ(Number([&] { Put(rs_, "Filter", {ToArray({3, 99})}); }), 3001);
+  EXPECT_EQ(Number([&] { Put(rs_, "Filter", {ToArray({3, 99})}); }), error_number::kInvalidBookmark);
   EXPECT_EQ(Keys(rs_), "5,1");
   Put(rs_, "Filter", {ToArray({})});
   EXPECT_EQ(Place(), "BE-1");
@@ -230,7 +234,7 @@ TEST_F(RecordsetObjectTest, GetRowsAnswersFieldsOfRows) {
 TEST_F(RecordsetObjectTest, GetRowsRefusesWithoutMoving) {
   Put(rs_, "AbsolutePosition", {3});
   EXPECT_EQ(After("GetRows", {-2}), "3001");
-  EXPECT_EQ(After("GetRows", {1, 77}), "3001");
+  EXPECT_EQ(After("GetRows", {1, 77}), kNoBookmark);
   EXPECT_EQ(After("GetRows", {1, 1, "None"}), "3265");
   EXPECT_EQ(After("GetRows", {1, 1, ToArray({0, 8})}), "3265");
   EXPECT_EQ(After("GetRows", {1, 1, ToArray({})}), "3001");

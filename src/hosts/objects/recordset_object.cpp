@@ -53,6 +53,11 @@ const Array* ArrayIn(const Variant& value) {
   return object == nullptr ? nullptr : dynamic_cast<const Array*>(object->get());
 }
 
+std::int32_t BookmarkNumber(const Variant& bookmark) {
+  if (!bookmark.is_number()) RaiseWrongArguments("a bookmark that is no number");
+  return bookmark.ToInt32();
+}
+
 /// How many rows a call takes from a position on: as many as there are, or as many as it asks for. Raises 3021 when
 /// there is none, 3001 for a negative number other than -1.
 std::size_t RowsFrom(const RecordsetView& view, std::size_t position, const Variant& asked) {
@@ -99,20 +104,21 @@ class RowCells final : public ArraySource {
 }  // namespace
 
 std::size_t RecordsetObject::RowOf(const Variant& bookmark) const {
-  const std::int64_t row = std::int64_t{bookmark.ToInt32()} - kFirstRowBookmark;
+  const std::int64_t row = std::int64_t{BookmarkNumber(bookmark)} - kFirstRowBookmark;
   if (row < 0 || row >= static_cast<std::int64_t>(view_->rows()->RecordCount())) {
-    RaiseWrongArguments("the bookmark " + bookmark.ToText());
+    RaiseInvalidBookmark(bookmark.ToText());
   }
   return static_cast<std::size_t>(row);
 }
 
 std::size_t RecordsetObject::PositionOf(const Variant& bookmark) const {
-  const std::int32_t number = LongOr(bookmark, kBookmarkCurrent);
+  if (bookmark.is_empty()) return view_->position();
+  const std::int32_t number = BookmarkNumber(bookmark);
   if (number == kBookmarkCurrent) return view_->position();
   if (number == kBookmarkFirst) return 1;
   if (number == kBookmarkLast) return view_->count();
   const auto position = view_->PositionOf(RowOf(bookmark));
-  if (!position) RaiseWrongArguments("the bookmark " + bookmark.ToText());
+  if (!position) RaiseInvalidBookmark(bookmark.ToText());
   return *position;
 }
 

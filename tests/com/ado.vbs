@@ -45,4 +45,4 @@ reads.ExecuteSQL Replace(session, "served", "nowhere"), "select 1"
 Failure '= 80004005 TessarLorn ADO driver ADO: Connection.Open failed: Call failed.
 WScript.Echo Ask("select FOrderStatus from IC_Web2ERPOrders where FID = " & order) '= 14
 Set answer = reads.ExecuteSQL(WScript.Arguments(1), "select 1 as a").AsADO
-Failure '= E7D TessarLorn ADO driver ADO: Recordset.Open failed: -2146824579
+Failure '= E7D TessarLorn ADO driver ADO: Recordset.Open failed: 0x800A0E7D

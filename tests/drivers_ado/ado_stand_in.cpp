@@ -44,6 +44,16 @@ HRESULT Answer(Target* out, Value value) {
 /// A number of ADO's own.
 HRESULT Refuse(std::int32_t number) { return com::ToHresult(number); }
 
+/// With the thread's error object.
+HRESULT Tell(const Error& error) {
+  try {
+    throw Error(error);
+  } catch (const Error&) {
+    com::ReportCurrent(nullptr);
+    return com::CurrentStatus();
+  }
+}
+
 template <typename Interface>
 class Base : public com::Counted<Interface> {
  public:
@@ -205,7 +215,7 @@ class StandInRecordset final : public BaseObject<IAdoRecordset> {
   HRESULT STDMETHODCALLTYPE Open(VARIANT source, VARIANT, LONG, LONG, LONG) override {
     const auto* const stream = static_cast<const StandInStream*>(source.pdispVal);
     persisted_ = stream->text.substr(stream->position);
-    return S_OK;
+    return persisted_.starts_with("<xml") ? S_OK : Tell({3000, "stand-in", "These are no rows."});
   }
 
   HRESULT STDMETHODCALLTYPE get_State(LONG* out) override { return Answer(out, rows_ ? kStateOpen : kStateClosed); }

@@ -68,9 +68,7 @@ WScript.Echo rs.RecordCount '= 2
 rs.Filter = Array(bookmark, bookmark - 2)
 WScript.Echo rs.RecordCount, rs(0), TypeName(rs.Filter), rs.Properties.Count, rs.Collect("FID"), rs(0).Attributes '= 2 1 Variant() 0 1 112
 rs.Filter = 0
-rs.PageSize = 2
-rs.AbsolutePage = 2
-WScript.Echo rs(0), rs.PageCount, rs.Status, rs.NextRecordset Is Nothing '= 3 2 8 -1
+WScript.Echo rs.PageCount, rs.NextRecordset Is Nothing '= 1 -1
 
 ' Files.
 Set files = CreateObject("Scripting.FileSystemObject")

@@ -73,11 +73,6 @@ class Base : public com::Counted<Interface> {
   [[nodiscard]] virtual bool Is(REFIID /*id*/) const { return false; }
 };
 
-template <typename Interface>
-class BaseObject : public Base<Interface> {
- public:
-};
-
 /// Only the index is different from one collection to the other.
 template <typename Interface, typename Item>
 class BaseCollection : public Base<Interface> {
@@ -126,7 +121,7 @@ void PutCell(const Variant& value, const Field& field, VARIANT* out) {
   }
 }
 
-class StandInField final : public BaseObject<IAdoField> {
+class StandInField final : public Base<IAdoField> {
  public:
   explicit StandInField(Field field) : field_(std::move(field)), traits_(TraitsOf(field_)) {}
   HRESULT STDMETHODCALLTYPE get_Name(BSTR* out) override { return AnswerText(out, field_.name); }
@@ -203,7 +198,7 @@ class StandInStream final : public Base<IAdoStream> {
   bool open_ = false;
 };
 
-class StandInRecordset final : public BaseObject<IAdoRecordset> {
+class StandInRecordset final : public Base<IAdoRecordset> {
  public:
   StandInRecordset() = default;
   StandInRecordset(RecordsetPtr rows, std::shared_ptr<Batch> batch, Pointer<IAdoConnection> connection)
@@ -219,14 +214,8 @@ class StandInRecordset final : public BaseObject<IAdoRecordset> {
   }
 
   HRESULT STDMETHODCALLTYPE get_State(LONG* out) override { return Answer(out, rows_ ? kStateOpen : kStateClosed); }
-  HRESULT STDMETHODCALLTYPE get_BOF(VARIANT_BOOL* out) override {
-    return WithRows([&] { return Answer(out, rows_->RecordCount() == 0 ? VARIANT_TRUE : VARIANT_FALSE); });
-  }
   HRESULT STDMETHODCALLTYPE get_EOF(VARIANT_BOOL* out) override {
     return WithRows([&] { return Answer(out, position_ >= rows_->RecordCount() ? VARIANT_TRUE : VARIANT_FALSE); });
-  }
-  HRESULT STDMETHODCALLTYPE get_RecordCount(LONG_PTR* out) override {
-    return WithRows([&] { return Answer(out, rows_->RecordCount()); });
   }
   HRESULT STDMETHODCALLTYPE get_Fields(IAdoFields** out) override {
     return WithRows([&] { return Answer(out, static_cast<IAdoFields*>(new StandInFields(rows_->fields()))); });
@@ -318,7 +307,7 @@ class StepSink final : public BatchSink {
   std::vector<Error> messages_;
 };
 
-class StandInConnection final : public BaseObject<IAdoConnection> {
+class StandInConnection final : public Base<IAdoConnection> {
  public:
   HRESULT STDMETHODCALLTYPE Open(BSTR text, BSTR, BSTR, LONG) override {
     const std::string string = com::ToText(text);
@@ -380,7 +369,7 @@ class StandInConnection final : public BaseObject<IAdoConnection> {
   Pointer<StandInErrors> errors_ = Pointer<StandInErrors>::Adopt(new StandInErrors);
 };
 
-class StandInParameter final : public BaseObject<IAdoParameter> {
+class StandInParameter final : public Base<IAdoParameter> {
  public:
   StandInParameter(LONG type, bool is_output, LONG_PTR size, const VARIANT& value)
       : sql({"", DeclarationOf(type, size), com::FromPlainVariant(value), is_output}) {}
@@ -410,7 +399,7 @@ class StandInParameters final : public Base<IAdoParameters> {
   std::vector<Pointer<StandInParameter>> items;
 };
 
-class StandInCommand final : public BaseObject<IAdoCommand> {
+class StandInCommand final : public Base<IAdoCommand> {
  public:
   HRESULT STDMETHODCALLTYPE putref_ActiveConnection(IAdoConnection* connection) override {
     connection_ = Pointer<StandInConnection>(static_cast<StandInConnection*>(connection));

@@ -132,7 +132,7 @@ struct IAdoRecordset : IAdoObject {
   virtual HRESULT STDMETHODCALLTYPE putref_ActiveConnection(IDispatch* connection) = 0;
   virtual HRESULT STDMETHODCALLTYPE put_ActiveConnection(VARIANT) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_ActiveConnection(VARIANT*) { return E_NOTIMPL; }
-  virtual HRESULT STDMETHODCALLTYPE get_BOF(VARIANT_BOOL* bof) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_BOF(VARIANT_BOOL*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_Bookmark(VARIANT*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE put_Bookmark(VARIANT) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_CacheSize(LONG*) { return E_NOTIMPL; }
@@ -145,7 +145,7 @@ struct IAdoRecordset : IAdoObject {
   virtual HRESULT STDMETHODCALLTYPE put_LockType(LONG) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_MaxRecords(LONG_PTR*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE put_MaxRecords(LONG_PTR) { return E_NOTIMPL; }
-  virtual HRESULT STDMETHODCALLTYPE get_RecordCount(LONG_PTR* count) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_RecordCount(LONG_PTR*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE putref_Source(IDispatch*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE put_Source(BSTR) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_Source(VARIANT*) { return E_NOTIMPL; }

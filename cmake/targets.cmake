@@ -19,6 +19,7 @@ set(compiled_alone
     src/tsql/values/date_parse.cpp
     src/tsql/values/types.cpp
     src/hosts/objects/field_object.cpp
+    src/hosts/objects/properties_object.cpp
     src/hosts/objects/recordset_object.cpp
     src/hosts/objects/vector_object.cpp
     tests/automation/escape_test.cpp

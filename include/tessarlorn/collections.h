@@ -30,6 +30,8 @@ class Dictionary {
   /// Writes: a new key goes to the end, an existing one keeps its place.
   void SetValue(std::string_view key, Variant value);
   bool Remove(std::string_view key);
+  /// Gives an entry another key in its place; false when there is none under `key`. @pre nothing is under `new_key`
+  bool Rename(std::string_view key, std::string_view new_key);
 
   /// Entry by position, counted from 1. Raises 9 "Subscript out of range".
   [[nodiscard]] const Entry& At(std::size_t position) const;

@@ -1,6 +1,7 @@
 #include "com_base/errors.h"
 
 #include <array>
+#include <cstdio>
 
 #include "com_base/pointers.h"
 #include "platform/handled_error.h"
@@ -11,6 +12,13 @@ namespace {
 constexpr std::uint32_t kControlFacility = 0x800A0000U;
 constexpr std::uint32_t kFacilityMask = 0xffff0000U;
 constexpr std::int32_t kMostSmall = 0xffff;
+
+/// "0x80004005"
+std::string HexadecimalText(HRESULT result) {
+  std::array<char, 11> text{};
+  std::snprintf(text.data(), text.size(), "0x%08lX", static_cast<unsigned long>(result));
+  return text.data();
+}
 
 }  // namespace
 
@@ -48,7 +56,7 @@ std::string SystemText(HRESULT result) {
                      text.data(), static_cast<DWORD>(text.size()), nullptr);
   const std::string said = FromUtf16({reinterpret_cast<const char16_t*>(text.data()), length});
   const std::size_t end = said.find_last_not_of(" \r\n");
-  return end == std::string::npos ? std::to_string(result) : said.substr(0, end + 1);
+  return end == std::string::npos ? HexadecimalText(result) : said.substr(0, end + 1);
 }
 
 /// For who gave no EXCEPINFO. Who did has all of it there; with the thread it would stay, and show up as the error of
@@ -99,8 +107,9 @@ void RaiseFailure(HRESULT result, EXCEPINFO& info, const std::string& what) {
   SysFreeString(info.bstrSource);
   SysFreeString(info.bstrDescription);
   SysFreeString(info.bstrHelpFile);
+  const HRESULT status = result == DISP_E_EXCEPTION ? info.scode : result;
   throw Error(number, source.empty() ? "TessarLornPickingAndDelivery" : source,
-              description.empty() ? "The call of " + what + " failed" : description);
+              description.empty() ? "The call of " + what + " failed: " + SystemText(status) : description);
 }
 
 }  // namespace tessarlorn::com

@@ -14,7 +14,7 @@ HRESULT ToHresult(std::int32_t number);
 /// The number behind an HRESULT, as a script's Err.Number shows it.
 std::int32_t ToNumber(HRESULT result);
 
-/// What the system says of an HRESULT, in the user's language; its number when that is nothing.
+/// What the system says of an HRESULT, in the user's language; its hexadecimal digits when that is nothing.
 std::string SystemText(HRESULT result);
 
 /// The HRESULT of the exception that is being handled. Only to be called inside a catch block.

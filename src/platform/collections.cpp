@@ -69,6 +69,17 @@ bool Dictionary::Remove(std::string_view key) {
   return true;
 }
 
+bool Dictionary::Rename(std::string_view key, std::string_view new_key) {
+  const std::size_t position = Position(key);
+  if (position == kNowhere) return false;
+  if (!index_.empty()) {
+    index_.erase(index_.find(key));
+    index_.emplace(new_key, position);
+  }
+  entries_[position].first = new_key;
+  return true;
+}
+
 const Dictionary::Entry& Dictionary::At(std::size_t position) const { return ItemAt(entries_, position); }
 
 const Variant& Vector::At(std::size_t position) const { return ItemAt(items_, position); }

@@ -1,8 +1,8 @@
 ' A database behind Wine's own ADO. It runs what changes orders; its recordsets have no rows and cannot be let go of
-' their connection, its errors have no text, and its commands take no parameters, so that nothing can be logged. What it
-' did is asked for over ODBC.
+' their connection, its errors have no text, its commands take no parameters, so that nothing can be logged, and it opens
+' no stream. What it did is asked for over ODBC.
 Option Explicit
-Dim session, reads, saves, chinese, order
+Dim session, reads, saves, chinese, order, answer
 session = "Connect={" & WScript.Arguments(0) & "};User=16394;Client=10.0.0.5"
 Set reads = CreateObject("TessarLornPickingAndDelivery.clsGetData")
 Set saves = CreateObject("TessarLornPickingAndDelivery.clsSaveData")
@@ -44,3 +44,5 @@ Failure '= 80004005 TessarLorn ADO driver ADO: Connection.Execute failed: Call f
 reads.ExecuteSQL Replace(session, "served", "nowhere"), "select 1"
 Failure '= 80004005 TessarLorn ADO driver ADO: Connection.Open failed: Call failed.
 WScript.Echo Ask("select FOrderStatus from IC_Web2ERPOrders where FID = " & order) '= 14
+Set answer = reads.ExecuteSQL(WScript.Arguments(1), "select 1 as a").AsADO
+Failure '= E7D TessarLorn ADO driver ADO: Recordset.Open failed: 0x800A0E7D

@@ -11,7 +11,7 @@ WINE = pathlib.Path("/usr/include/wine/wine/windows/msado15_backcompat.h")
 # Members that its users do not see have a name of their own there.
 HIDDEN = {"HiddenResync": "_xResync", "HiddenClone": "_xClone", "HiddenSave": "_xSave", "NewEnum": "_NewEnum"}
 DISPATCH_MEMBERS = 7
-INTERFACES = "_Connection _Recordset Fields Field Errors Error _Command Parameters _Parameter".split()
+INTERFACES = "_Connection _Recordset Fields Field Errors Error _Command Parameters _Parameter _Stream".split()
 
 
 def ours(text, interface):

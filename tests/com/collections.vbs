@@ -13,9 +13,11 @@ Function Listed(values)
 End Function
 
 Set d = CreateObject("Mirel.Dictionary")
+d.CompareMode = 0
 d("a") = 1
 d.Item("B") = "two"
-d.Add "c", Null
+d.Add "x", Null
+d.Key("x") = "c"
 WScript.Echo d.Count, d("a"), Listed(d.Keys), UBound(d.Items), IsNull(d("c")), IsEmpty(d("none")), d.GetValue("none", "other") '= 3 1 a;B;c; 2 -1 -1 other
 WScript.Echo Listed(d) '= a;B;c;
 
@@ -40,6 +42,8 @@ WScript.Echo Err.Source '= TessarLornPickingAndDelivery
 Failure "again" '= again 457 This key is already associated with an element of this collection: a
 v.Nonsense
 Failure "unknown" '= unknown 438 Object doesn't support this property or method
+d.CompareMode = 1
+Failure "mode" '= mode 5 Invalid procedure call or argument: CompareMode of a Dictionary that has keys
 d.Count = 3
 Failure "read only" '= read only 438 Object doesn't support this property or method: Dictionary.Count
 

@@ -65,7 +65,10 @@ rs.Move 1, bookmark - 2
 WScript.Echo rs(0), rs.AbsolutePosition '= 2 2
 rs.Filter = "FName = '" & chinese & "' or FAmount < 0"
 WScript.Echo rs.RecordCount '= 2
+rs.Filter = Array(bookmark, bookmark - 2)
+WScript.Echo rs.RecordCount, rs(0), TypeName(rs.Filter), rs.Properties.Count, rs.Collect("FID"), rs(0).Attributes '= 2 1 Variant() 0 1 112
 rs.Filter = 0
+WScript.Echo rs.PageCount, rs.NextRecordset Is Nothing '= 1 -1
 
 ' Files.
 Set files = CreateObject("Scripting.FileSystemObject")
@@ -99,6 +102,9 @@ text = rs(0).Value
 Failure "row" '= row 3021 TessarLornPickingAndDelivery No current record
 text = rs("FNone")
 Failure "field" '= field 3265 TessarLornPickingAndDelivery Item cannot be found: FNone
+rs.Bookmark = 99
+WScript.Echo Hex(Err.Number), Err.Description '= 80040E0E The bookmark is not valid: 99
+Err.Clear
 rs.MoveFirst
 rs("FID") = 5
 Failure "write" '= write 3251 TessarLornPickingAndDelivery Current Recordset does not support updating. Its rows are read only: FID

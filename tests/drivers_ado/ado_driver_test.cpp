@@ -5,6 +5,7 @@
 
 #include "drivers/ado/ado_rows.h"
 #include "drivers/ado/connection_options.h"
+#include "drivers/ado/persisted_rows.h"
 #include "support/error_of.h"
 #include "support/test_database.h"
 
@@ -73,8 +74,9 @@ TEST(AdoDriverTest, FailuresBeforeAnyServerSayWhatIsMissing) {
   // A thread that has joined no apartment, and so gets what the system has of ADO and not what stands in for it here.
   Error unknown(0, "", "");
   std::thread([&] { unknown = ErrorOf(open); }).join();
-  EXPECT_THAT(unknown.description(), HasSubstr("Connection.Open"));
+  EXPECT_THAT(unknown.description(), HasSubstr("Connection.Open failed: Provider cannot be found."));
   const TestDatabase database(Reach::kOverAdo);
+  EXPECT_EQ(ErrorOf([] { ado::OpenPersisted("no rows"); }).description(), "These are no rows.");
   const Error refused = ErrorOf([] { OpenConnection(AdoStandIn::StringOf("Nowhere=1")); });
   EXPECT_EQ(refused.number(), error_number::kLoginRefused);
   EXPECT_THAT(refused.description(), HasSubstr("Nowhere"));

@@ -44,6 +44,16 @@ HRESULT Answer(Target* out, Value value) {
 /// A number of ADO's own.
 HRESULT Refuse(std::int32_t number) { return com::ToHresult(number); }
 
+/// With the thread's error object.
+HRESULT Tell(const Error& error) {
+  try {
+    throw Error(error);
+  } catch (const Error&) {
+    com::ReportCurrent(nullptr);
+    return com::CurrentStatus();
+  }
+}
+
 template <typename Interface>
 class Base : public com::Counted<Interface> {
  public:
@@ -61,11 +71,6 @@ class Base : public com::Counted<Interface> {
 
  protected:
   [[nodiscard]] virtual bool Is(REFIID /*id*/) const { return false; }
-};
-
-template <typename Interface>
-class BaseObject : public Base<Interface> {
- public:
 };
 
 /// Only the index is different from one collection to the other.
@@ -116,7 +121,7 @@ void PutCell(const Variant& value, const Field& field, VARIANT* out) {
   }
 }
 
-class StandInField final : public BaseObject<IAdoField> {
+class StandInField final : public Base<IAdoField> {
  public:
   explicit StandInField(Field field) : field_(std::move(field)), traits_(TraitsOf(field_)) {}
   HRESULT STDMETHODCALLTYPE get_Name(BSTR* out) override { return AnswerText(out, field_.name); }
@@ -176,22 +181,41 @@ class Batch {
   Pointer<StandInErrors> errors_;
 };
 
-class StandInRecordset final : public BaseObject<IAdoRecordset> {
+class StandInStream final : public Base<IAdoStream> {
  public:
+  HRESULT STDMETHODCALLTYPE Open(VARIANT, LONG, LONG, BSTR, BSTR) override { return Answer(&open_, true); }
+  HRESULT STDMETHODCALLTYPE WriteText(BSTR written, LONG) override {
+    if (!open_) return Refuse(3704);
+    text += com::ToText(written);
+    return Answer(&position, text.size());
+  }
+  HRESULT STDMETHODCALLTYPE put_Position(LONG_PTR place) override { return Answer(&position, place); }
+  std::string text;
+  std::size_t position = 0;
+
+ private:
+  [[nodiscard]] bool Is(REFIID id) const override { return IsEqualIID(id, kStreamInterface); }
+  bool open_ = false;
+};
+
+class StandInRecordset final : public Base<IAdoRecordset> {
+ public:
+  StandInRecordset() = default;
   StandInRecordset(RecordsetPtr rows, std::shared_ptr<Batch> batch, Pointer<IAdoConnection> connection)
       : rows_(std::move(rows)), batch_(std::move(batch)), connection_(std::move(connection)) {}
 
   [[nodiscard]] bool attached() const { return static_cast<bool>(connection_); }
+  [[nodiscard]] const std::string& persisted() const { return persisted_; }
+
+  HRESULT STDMETHODCALLTYPE Open(VARIANT source, VARIANT, LONG, LONG, LONG) override {
+    const auto* const stream = static_cast<const StandInStream*>(source.pdispVal);
+    persisted_ = stream->text.substr(stream->position);
+    return persisted_.starts_with("<xml") ? S_OK : Tell({3000, "stand-in", "These are no rows."});
+  }
 
   HRESULT STDMETHODCALLTYPE get_State(LONG* out) override { return Answer(out, rows_ ? kStateOpen : kStateClosed); }
-  HRESULT STDMETHODCALLTYPE get_BOF(VARIANT_BOOL* out) override {
-    return WithRows([&] { return Answer(out, rows_->RecordCount() == 0 ? VARIANT_TRUE : VARIANT_FALSE); });
-  }
   HRESULT STDMETHODCALLTYPE get_EOF(VARIANT_BOOL* out) override {
     return WithRows([&] { return Answer(out, position_ >= rows_->RecordCount() ? VARIANT_TRUE : VARIANT_FALSE); });
-  }
-  HRESULT STDMETHODCALLTYPE get_RecordCount(LONG_PTR* out) override {
-    return WithRows([&] { return Answer(out, rows_->RecordCount()); });
   }
   HRESULT STDMETHODCALLTYPE get_Fields(IAdoFields** out) override {
     return WithRows([&] { return Answer(out, static_cast<IAdoFields*>(new StandInFields(rows_->fields()))); });
@@ -255,6 +279,7 @@ class StandInRecordset final : public BaseObject<IAdoRecordset> {
   }
 
   RecordsetPtr rows_;
+  std::string persisted_;
   std::size_t position_ = 0;
   std::shared_ptr<Batch> batch_;
   Pointer<IAdoConnection> connection_;
@@ -282,7 +307,7 @@ class StepSink final : public BatchSink {
   std::vector<Error> messages_;
 };
 
-class StandInConnection final : public BaseObject<IAdoConnection> {
+class StandInConnection final : public Base<IAdoConnection> {
  public:
   HRESULT STDMETHODCALLTYPE Open(BSTR text, BSTR, BSTR, LONG) override {
     const std::string string = com::ToText(text);
@@ -344,7 +369,7 @@ class StandInConnection final : public BaseObject<IAdoConnection> {
   Pointer<StandInErrors> errors_ = Pointer<StandInErrors>::Adopt(new StandInErrors);
 };
 
-class StandInParameter final : public BaseObject<IAdoParameter> {
+class StandInParameter final : public Base<IAdoParameter> {
  public:
   StandInParameter(LONG type, bool is_output, LONG_PTR size, const VARIANT& value)
       : sql({"", DeclarationOf(type, size), com::FromPlainVariant(value), is_output}) {}
@@ -374,7 +399,7 @@ class StandInParameters final : public Base<IAdoParameters> {
   std::vector<Pointer<StandInParameter>> items;
 };
 
-class StandInCommand final : public BaseObject<IAdoCommand> {
+class StandInCommand final : public Base<IAdoCommand> {
  public:
   HRESULT STDMETHODCALLTYPE putref_ActiveConnection(IAdoConnection* connection) override {
     connection_ = Pointer<StandInConnection>(static_cast<StandInConnection*>(connection));
@@ -426,6 +451,14 @@ class Factory final : public com::Counted<IClassFactory> {
   NOT_HERE(LockServer, BOOL)
 };
 
+const StandInRecordset& Own(IDispatch* recordset) {
+  void* found = nullptr;
+  if (FAILED(recordset->QueryInterface(kRecordsetInterface, &found))) throw std::runtime_error("no recordset of ADO");
+  // Whoever asks holds it.
+  const auto own = Pointer<IAdoRecordset>::Adopt(static_cast<IAdoRecordset*>(found));
+  return *static_cast<const StandInRecordset*>(own.get());
+}
+
 }  // namespace
 
 void AdoStandIn::SetClones(bool possible) { clones_are_possible = possible; }
@@ -435,6 +468,8 @@ AdoStandIn::AdoStandIn() {
   if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) throw std::runtime_error("CoInitializeEx failed");
   Register<StandInConnection>(kConnectionClass);
   Register<StandInCommand>(kCommandClass);
+  Register<StandInRecordset>(kRecordsetClass);
+  Register<StandInStream>(kStreamClass);
 }
 
 template <typename Object>
@@ -451,11 +486,8 @@ AdoStandIn::~AdoStandIn() {
   CoUninitialize();
 }
 
-bool AdoStandIn::IsAttached(IDispatch* recordset) {
-  void* found = nullptr;
-  if (FAILED(recordset->QueryInterface(kRecordsetInterface, &found))) throw std::runtime_error("no recordset of ADO");
-  const auto own = Pointer<IAdoRecordset>::Adopt(static_cast<IAdoRecordset*>(found));
-  return static_cast<const StandInRecordset*>(own.get())->attached();
-}
+bool AdoStandIn::IsAttached(IDispatch* recordset) { return Own(recordset).attached(); }
+
+std::string AdoStandIn::Persisted(IDispatch* recordset) { return Own(recordset).persisted(); }
 
 }  // namespace tessarlorn

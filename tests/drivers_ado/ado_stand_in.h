@@ -25,6 +25,8 @@ class AdoStandIn {
   }
   /// Whether recordsets can be cloned from now on, which some providers' cannot. At first they can.
   static void SetClones(bool possible);
+  /// The text of the stream that ADO's recordset was opened on.
+  static std::string Persisted(IDispatch* recordset);
   /// Whether ADO's recordset is attached to a connection.
   static bool IsAttached(IDispatch* recordset);
 

@@ -24,9 +24,11 @@ TEST_F(DictionaryObjectTest, KeepsValuesUnderKeysInTheirOrder) {
   EXPECT_EQ(ArrayTexts(Call(object_, "Keys")), (std::vector<std::string>{"FID", "fid", "7"}));
   EXPECT_EQ(ArrayTexts(Call(object_, "Items")), (std::vector<std::string>{"13", "small", "NULL"}));
   EXPECT_EQ(Texts(object_.Items()), ArrayTexts(Get(object_, "_NewEnum")));
-  EXPECT_TRUE(Call(object_, "Exists", {"fid"}).ToBool());
-  Call(object_, "Remove", {"fid"});
-  EXPECT_FALSE(Call(object_, "Exists", {"fid"}).ToBool());
+  Put(object_, "Key", {"fid", "Fid"});
+  EXPECT_EQ(ArrayTexts(Call(object_, "Keys")), (std::vector<std::string>{"FID", "Fid", "7"}));
+  EXPECT_TRUE(Call(object_, "Exists", {"Fid"}).ToBool());
+  Call(object_, "Remove", {"Fid"});
+  EXPECT_FALSE(Call(object_, "Exists", {"Fid"}).ToBool());
   Call(object_, "RemoveAll");
   EXPECT_TRUE(inside_->empty());
 }
@@ -38,10 +40,22 @@ TEST_F(DictionaryObjectTest, ReadsAbsentKeysWithoutMakingThem) {
   EXPECT_EQ(Get(object_, "Count").ToInt32(), 0);
 }
 
+TEST_F(DictionaryObjectTest, FindsRenamedKeysAmongMany) {
+  for (int i = 0; i < 20; ++i) Call(object_, "Add", {i, i});
+  Put(object_, "Key", {5, "five"});
+  EXPECT_EQ(Get(object_, "Item", {"five"}).ToInt32(), 5);
+  EXPECT_FALSE(Call(object_, "Exists", {5}).ToBool());
+}
+
 TEST_F(DictionaryObjectTest, RefusesWhatDoesNotFit) {
+  Put(object_, "CompareMode", {0});
+  EXPECT_EQ(Number([&] { Put(object_, "CompareMode", {1}); }), 5);
   Call(object_, "Add", {"FID", 12});
   EXPECT_EQ(Number([&] { Call(object_, "Add", {"FID", 13}); }), 457);
   EXPECT_EQ(Number([&] { Call(object_, "Remove", {"fid"}); }), 32811);
+  EXPECT_EQ(Number([&] { Put(object_, "Key", {"fid", "x"}); }), 32811);
+  EXPECT_EQ(Number([&] { Put(object_, "Key", {"FID", "FID"}); }), 457);
+  EXPECT_EQ(Number([&] { Put(object_, "CompareMode", {0}); }), 5);
   EXPECT_EQ(Number([&] { Call(object_, "Add", {Variant(inside_), 1}); }), 13);
   EXPECT_EQ(Get(object_, "Item", {"FID"}).ToInt32(), 12);
 }

@@ -15,6 +15,7 @@ TEST(FieldObjectTest, FollowsTheCurrentRow) {
   EXPECT_EQ(Get(*buyer, "Value").ToText(), "Wang");
   EXPECT_EQ(Get(*buyer, "ActualSize").ToInt32(), 4);
   EXPECT_EQ(Get(*buyer, "DefinedSize").ToInt32(), 20);
+  EXPECT_EQ(Get(*buyer, "OriginalValue").ToText(), "Wang");
   Put(*rows, "AbsolutePosition", {4});
   EXPECT_TRUE(Get(*buyer, "Value").is_null());
   EXPECT_EQ(Get(*buyer, "ActualSize").ToInt32(), 0);
@@ -24,6 +25,13 @@ TEST(FieldObjectTest, FollowsTheCurrentRow) {
   EXPECT_EQ(Number([&] { Get(*buyer, "Value"); }), 3021);
   EXPECT_EQ(Get(*buyer, "Name").ToText(), "FBuyer");
   EXPECT_EQ(Number([&] { Put(*buyer, "Value", {"Li"}); }), 3251);
+}
+
+TEST(FieldObjectTest, HasAttributes) {
+  const auto rows = Rows();
+  for (const auto& [field, attributes] : {std::pair{"FID", 16}, {"FCost", 112}, {"FBuyer", 96}, {"Remark, own", 224}}) {
+    EXPECT_EQ(Get(*ObjectOf(Get(*rows, "Fields", {field})), "Attributes").ToInt32(), attributes) << field;
+  }
 }
 
 TEST(FieldObjectTest, IsOneObjectForAsLongAsItsRecordset) {

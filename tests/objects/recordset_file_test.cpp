@@ -4,6 +4,7 @@
 #include <fstream>
 #include <gmock/gmock.h>
 
+#include "hosts/objects/rows_for_ado.h"
 #include "objects/object_support.h"
 #include "platform/recordset_builder.h"
 #include "platform/text/text.h"
@@ -49,6 +50,8 @@ TEST_F(RecordsetFileTest, XmlHasTypesAndValues) {
                 "<z:row FID='4' FCost='-1.0000' FWeight='0.1' FDate='2023-12-31T00:00:00' c7='a&#x9;b' FData='01ab'/>"
                 "<z:row FID='3'"),
             testing::EndsWith("</rs:data></xml>")));
+  const Variant for_ado = Call(*rows, "AsADO");
+  EXPECT_EQ(dynamic_cast<RowsForAdo&>(**for_ado.get_if<std::shared_ptr<Object>>()).xml(), ReadFile(path_));
 }
 
 TEST_F(RecordsetFileTest, XmlHoldsOddNamesAndCharacters) {

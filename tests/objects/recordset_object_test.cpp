@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "hosts/objects/recordset_errors.h"
 #include "objects/object_support.h"
 
 namespace tessarlorn {
 namespace {
+
+const std::string kNoBookmark = std::to_string(error_number::kInvalidBookmark);
 
 class RecordsetObjectTest : public testing::Test {
  protected:
@@ -46,9 +49,10 @@ TEST_F(RecordsetObjectTest, MovesFromOneEndToTheOther) {
 TEST_F(RecordsetObjectTest, MovesByCountFromARowABookmarkOrAnEnd) {
   EXPECT_EQ(After("Move", {2}), "--3");
   const Variant third = Get(rs_, "Bookmark");
-  const std::pair<std::vector<Variant>, const char*> moves[] = {
-      {{-1}, "--2"},   {{1, third}, "--4"}, {{1, 1}, "--2"},         {{-1, 2}, "--4"},  {{0, third}, "--3"},
-      {{100}, "-E-3"}, {{1}, "3021"},       {{-2147483647}, "B--2"}, {{1, 99}, "3001"}, {{1, -1}, "3001"},
+  const std::pair<std::vector<Variant>, std::string> moves[] = {
+      {{-1}, "--2"},          {{1, third}, "--4"},    {{1, 1}, "--2"},    {{-1, 2}, "--4"},
+      {{0, third}, "--3"},    {{100}, "-E-3"},        {{1}, "3021"},      {{-2147483647}, "B--2"},
+      {{1, 99}, kNoBookmark}, {{1, -1}, kNoBookmark}, {{1, "x"}, "3001"},
   };
   for (const auto& [arguments, place] : moves) EXPECT_EQ(After("Move", arguments), place) << arguments[0].ToText();
   Put(rs_, "AbsolutePosition", {4});
@@ -91,21 +95,14 @@ TEST_F(RecordsetObjectTest, BookmarksStayWithTheirRow) {
   EXPECT_EQ(Value(*clone, "FID").ToInt32(), 1);
   Put(*clone, "Bookmark", {second});
   EXPECT_EQ(Value(*clone, "FID").ToInt32(), 2);
+  // What is done to one of them leaves the other as it is.
+  Put(*clone, "Filter", {"FID = 3"});
+  EXPECT_EQ(Id(), 2);
+  Call(*clone, "Close");
+  EXPECT_EQ(Id(), 2);
   Put(rs_, "Filter", {"FID > 2"});
-  EXPECT_EQ(Number([&] { Put(rs_, "Bookmark", {second}); }), 3001);
+  EXPECT_EQ(Number([&] { Put(rs_, "Bookmark", {second}); }), error_number::kInvalidBookmark);
   EXPECT_EQ(Id(), 5);
-}
-
-TEST_F(RecordsetObjectTest, TwoObjectsOfTheSameRowsMoveOnTheirOwn) {
-  const RecordsetPtr shared = SampleRows();
-  const auto one = Rows(shared);
-  const auto other = Rows(shared);
-  Call(*one, "MoveLast");
-  Put(*other, "Filter", {"FID = 3"});
-  EXPECT_EQ(Value(*one, "FID").ToInt32(), 5);
-  EXPECT_EQ(Value(*other, "FID").ToInt32(), 3);
-  Call(*one, "Close");
-  EXPECT_EQ(Value(*other, "FID").ToInt32(), 3);
 }
 
 TEST_F(RecordsetObjectTest, FindsForwardsAndBackwards) {
@@ -155,10 +152,54 @@ TEST_F(RecordsetObjectTest, FiltersAndSortsTogether) {
   EXPECT_EQ(Get(rs_, "Filter").ToText(), "FCost > 0");
   EXPECT_EQ(Keys(rs_), "3,1,2");
   Put(rs_, "Filter", {""});
-  EXPECT_TRUE(Get(rs_, "Filter").holds<std::int32_t>());
-  EXPECT_EQ(Get(rs_, "Filter").ToInt32(), 0);
+  EXPECT_EQ(*Get(rs_, "Filter").get_if<std::int32_t>(), 0);
   Put(rs_, "Sort", {""});
   EXPECT_EQ(Keys(rs_), "1,2,3,4,5");
+}
+
+TEST_F(RecordsetObjectTest, FiltersByBookmarks) {
+  const Variant marks = ToArray({7, 3, 7});  // of the rows 5, 1 and 5
+  Put(rs_, "Filter", {marks});
+  EXPECT_EQ(Keys(rs_), "1,5");
+  Put(rs_, "Sort", {"FID DESC"});
+  EXPECT_EQ(Keys(rs_), "5,1");
+  EXPECT_EQ(ArrayTexts(Get(rs_, "Filter")), ArrayTexts(marks));
+  EXPECT_EQ(Number([&] { Put(rs_, "Filter", {ToArray({3, 99})}); }), error_number::kInvalidBookmark);
+  EXPECT_EQ(Keys(rs_), "5,1");
+  Put(rs_, "Filter", {ToArray({})});
+  EXPECT_EQ(Place(), "BE-1");
+}
+
+TEST_F(RecordsetObjectTest, ShowsPages) {
+  EXPECT_EQ(Get(rs_, "PageCount").ToInt32(), 1);
+  Put(rs_, "PageSize", {2});
+  EXPECT_EQ(Get(rs_, "PageCount").ToInt32(), 3);
+  Put(rs_, "AbsolutePage", {3});
+  EXPECT_EQ(Id(), 5);
+  for (const auto& [member, page] : {std::pair{"MovePrevious", 2}, {"MoveFirst", 1}, {"MovePrevious", -2}}) {
+    Call(rs_, member);
+    EXPECT_EQ(Get(rs_, "AbsolutePage").ToInt32(), page) << member;
+  }
+  for (const auto& [member, value] : {std::pair{"AbsolutePage", 0}, {"AbsolutePage", 4}, {"PageSize", 0}}) {
+    EXPECT_EQ(Number([&] { Put(rs_, member, {value}); }), 3001) << member << value;
+  }
+  Call(rs_, "Move", {9});
+  EXPECT_EQ(Get(rs_, "AbsolutePage").ToInt32(), -3);
+}
+
+TEST_F(RecordsetObjectTest, AnswersWhatLoopsOfOfficeProgramsAsk) {
+  EXPECT_EQ(Get(rs_, "Collect", {"FBuyer"}).ToText(), "Wang");
+  EXPECT_EQ(Get(rs_, "Status").ToInt32(), 8);
+  const auto properties = ObjectOf(Get(rs_, "Properties"));
+  EXPECT_EQ(Get(*properties, "Count").ToInt32(), 0);
+  EXPECT_TRUE(properties->Items().empty());
+  EXPECT_EQ(Number([&] { Get(*properties, "Item", {0}); }), 3265);
+  EXPECT_EQ(Number([&] { Get(rs_, "Properties", {"Unique Table"}); }), 3265);
+  EXPECT_EQ(Call(rs_, "NextRecordset").type_name(), "Nothing");
+  EXPECT_EQ(Number([&] { Put(rs_, "Collect", {"FBuyer", "Li"}); }), 3251);
+  EXPECT_EQ(Number([&] { Put(rs_, "MaxRecords", {5}); }), 3705);
+  Call(rs_, "Move", {9});
+  for (const char* const member : {"Status", "EditMode"}) EXPECT_EQ(Number([&] { Get(rs_, member); }), 3021) << member;
 }
 
 TEST_F(RecordsetObjectTest, GetRowsAnswersFieldsOfRows) {
@@ -184,7 +225,7 @@ TEST_F(RecordsetObjectTest, GetRowsAnswersFieldsOfRows) {
 TEST_F(RecordsetObjectTest, GetRowsRefusesWithoutMoving) {
   Put(rs_, "AbsolutePosition", {3});
   EXPECT_EQ(After("GetRows", {-2}), "3001");
-  EXPECT_EQ(After("GetRows", {1, 77}), "3001");
+  EXPECT_EQ(After("GetRows", {1, 77}), kNoBookmark);
   EXPECT_EQ(After("GetRows", {1, 1, "None"}), "3265");
   EXPECT_EQ(After("GetRows", {1, 1, ToArray({0, 8})}), "3265");
   EXPECT_EQ(After("GetRows", {1, 1, ToArray({})}), "3001");

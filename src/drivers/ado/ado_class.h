@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "com_base/errors.h"
 #include "com_base/pointers.h"
 #include "drivers/ado/ado_error.h"
 #include "drivers/ado/ado_interfaces.h"
@@ -18,7 +19,7 @@ com::Pointer<Interface> Create(const char* prog_id, const GUID& class_id, const 
   if (status == E_NOINTERFACE) status = CoCreateInstance(class_id, nullptr, CLSCTX_INPROC_SERVER, before, &created);
   if (FAILED(status)) {
     throw Error(error_number::kCannotCreateObject, kSource,
-                "ActiveX component can't create object: " + std::string(prog_id));
+                "ActiveX component can't create object: " + std::string(prog_id) + ": " + com::SystemText(status));
   }
   return com::Pointer<Interface>::Adopt(static_cast<Interface*>(created));
 }

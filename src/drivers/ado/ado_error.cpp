@@ -52,6 +52,12 @@ std::vector<Error> TakeErrors(IAdoConnection* connection) {
 /// Failures have negative numbers, as every HRESULT of one.
 bool IsMessage(const Error& error) { return error.number() >= 0; }
 
+/// For what ADO says nothing of.
+std::string WordsOf(HRESULT status) {
+  const bool no_provider = status == CO_E_CLASSSTRING || status == REGDB_E_CLASSNOTREG;
+  return no_provider ? "Provider cannot be found. It may not be properly installed." : com::SystemText(status);
+}
+
 /// What the thread's error object says.
 Error FromErrorObject(HRESULT status, std::string_view what) {
   std::string source;
@@ -61,7 +67,7 @@ Error FromErrorObject(HRESULT status, std::string_view what) {
     source = TextOf(*info.get(), &IErrorInfo::GetSource);
     description = TextOf(*info.get(), &IErrorInfo::GetDescription);
   }
-  if (description.empty()) description = "ADO: " + std::string(what) + " failed: " + com::SystemText(status);
+  if (description.empty()) description = "ADO: " + std::string(what) + " failed: " + WordsOf(status);
   return {com::ToNumber(status), source.empty() ? kSource : source, description};
 }
 

@@ -9,21 +9,31 @@ namespace tessarlorn::ado {
 constexpr GUID AdoGuid(unsigned long number) {
   return {number, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x6D, 0x2E, 0xA4}};
 }
-// The classes whose ProgIDs are ADODB.Connection and ADODB.Command.
+// The classes whose ProgIDs are ADODB.Connection, ADODB.Command and so on.
 inline constexpr GUID kConnectionClass = AdoGuid(0x514);
 inline constexpr GUID kCommandClass = AdoGuid(0x507);
+inline constexpr GUID kRecordsetClass = AdoGuid(0x535);
+inline constexpr GUID kStreamClass = AdoGuid(0x566);
 // Interfaces have another number since ADO came with Windows 7, and the same members.
 inline constexpr GUID kConnectionInterface = AdoGuid(0x1550);
 inline constexpr GUID kConnectionInterfaceBefore = AdoGuid(0x550);
 inline constexpr GUID kCommandInterface = AdoGuid(0x1508);
 inline constexpr GUID kCommandInterfaceBefore = AdoGuid(0x508);
 inline constexpr GUID kRecordsetInterface = AdoGuid(0x1556);
+inline constexpr GUID kRecordsetInterfaceBefore = AdoGuid(0x556);
+inline constexpr GUID kStreamInterface = AdoGuid(0x1565);
+inline constexpr GUID kStreamInterfaceBefore = AdoGuid(0x565);
 
 // Values of ADO's enumerations.
 inline constexpr LONG kUseClient = 3;
 inline constexpr LONG kOptionUnspecified = -1;
 inline constexpr LONG kConnectUnspecified = -1;
 inline constexpr LONG kLockUnspecified = -1;
+inline constexpr LONG kLockBatchOptimistic = 4;
+inline constexpr LONG kOpenStatic = 3;
+inline constexpr LONG kModeUnknown = 0;
+inline constexpr LONG kStreamOptionUnspecified = -1;
+inline constexpr LONG kWriteCharacters = 0;
 inline constexpr LONG kStateClosed = 0;
 inline constexpr LONG kStoredProcedure = 4;
 inline constexpr LONG kInput = 1;
@@ -33,6 +43,14 @@ inline constexpr LONG kFieldMayBeNull = 0x40;
 
 /// What ADO answers where a provider knows no further results.
 inline constexpr HRESULT kFeatureNotAvailable = static_cast<HRESULT>(0x800A0CB3);
+
+/// What stands for an argument that is left out.
+inline VARIANT LeftOut() {
+  VARIANT left_out{};
+  left_out.vt = VT_ERROR;
+  left_out.scode = DISP_E_PARAMNOTFOUND;
+  return left_out;
+}
 
 enum class DataType : LONG {
   kSmallInt = 2,
@@ -114,7 +132,7 @@ struct IAdoRecordset : IAdoObject {
   virtual HRESULT STDMETHODCALLTYPE putref_ActiveConnection(IDispatch* connection) = 0;
   virtual HRESULT STDMETHODCALLTYPE put_ActiveConnection(VARIANT) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_ActiveConnection(VARIANT*) { return E_NOTIMPL; }
-  virtual HRESULT STDMETHODCALLTYPE get_BOF(VARIANT_BOOL* bof) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_BOF(VARIANT_BOOL*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_Bookmark(VARIANT*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE put_Bookmark(VARIANT) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_CacheSize(LONG*) { return E_NOTIMPL; }
@@ -127,7 +145,7 @@ struct IAdoRecordset : IAdoObject {
   virtual HRESULT STDMETHODCALLTYPE put_LockType(LONG) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_MaxRecords(LONG_PTR*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE put_MaxRecords(LONG_PTR) { return E_NOTIMPL; }
-  virtual HRESULT STDMETHODCALLTYPE get_RecordCount(LONG_PTR* count) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_RecordCount(LONG_PTR*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE putref_Source(IDispatch*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE put_Source(BSTR) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE get_Source(VARIANT*) { return E_NOTIMPL; }
@@ -141,7 +159,7 @@ struct IAdoRecordset : IAdoObject {
   virtual HRESULT STDMETHODCALLTYPE MovePrevious() { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE MoveFirst() = 0;
   virtual HRESULT STDMETHODCALLTYPE MoveLast() { return E_NOTIMPL; }
-  virtual HRESULT STDMETHODCALLTYPE Open(VARIANT, VARIANT, LONG, LONG, LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE Open(VARIANT source, VARIANT connection, LONG cursor, LONG lock, LONG options) = 0;
   virtual HRESULT STDMETHODCALLTYPE Requery(LONG) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE HiddenResync(LONG) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE Update(VARIANT, VARIANT) { return E_NOTIMPL; }
@@ -181,6 +199,34 @@ struct IAdoRecordset : IAdoObject {
   virtual HRESULT STDMETHODCALLTYPE put_DataMember(BSTR) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE CompareBookmarks(VARIANT, VARIANT, LONG*) { return E_NOTIMPL; }
   virtual HRESULT STDMETHODCALLTYPE Clone(LONG lock, IAdoRecordset** clone) = 0;
+};
+
+struct IAdoStream : IDispatch {
+  virtual HRESULT STDMETHODCALLTYPE get_Size(LONG_PTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_EOS(VARIANT_BOOL*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_Position(LONG_PTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Position(LONG_PTR position) = 0;
+  virtual HRESULT STDMETHODCALLTYPE get_Type(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Type(LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_LineSeparator(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_LineSeparator(LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_State(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_Mode(LONG*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Mode(LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE get_Charset(BSTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE put_Charset(BSTR) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE Read(LONG, VARIANT*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE Open(VARIANT source, LONG mode, LONG options, BSTR user, BSTR password) = 0;
+  virtual HRESULT STDMETHODCALLTYPE Close() { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE SkipLine() { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE Write(VARIANT) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE SetEOS() { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE CopyTo(IAdoStream*, LONG_PTR) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE Flush() { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE SaveToFile(BSTR, LONG) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE LoadFromFile(BSTR) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE ReadText(LONG, BSTR*) { return E_NOTIMPL; }
+  virtual HRESULT STDMETHODCALLTYPE WriteText(BSTR text, LONG options) = 0;
 };
 
 struct IAdoConnection : IAdoObject {

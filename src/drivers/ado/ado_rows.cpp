@@ -202,15 +202,12 @@ void AppendBlock(RecordsetBuilder& rows, const VARIANT& block) {
 }  // namespace
 
 void AdoRows::Read(RecordsetBuilder& rows) {
-  VARIANT left_out{};
-  left_out.vt = VT_ERROR;
-  left_out.scode = DISP_E_PARAMNOTFOUND;
   VARIANT_BOOL at_end = VARIANT_TRUE;
   CheckRows(rows_->get_EOF(&at_end), "Recordset.EOF");
   const bool none = at_end != VARIANT_FALSE;
   while (at_end == VARIANT_FALSE) {
     com::OwnedVariant block;
-    CheckRows(rows_->GetRows(kBlockRows, left_out, left_out, &block.get()), "Recordset.GetRows");
+    CheckRows(rows_->GetRows(kBlockRows, LeftOut(), LeftOut(), &block.get()), "Recordset.GetRows");
     AppendBlock(rows, block.get());
     CheckRows(rows_->get_EOF(&at_end), "Recordset.EOF");
   }

@@ -9,10 +9,12 @@
 #include "com_base/plain_values.h"
 #include "com_base/pointers.h"
 #include "drivers/ado/ado_rows.h"
+#include "drivers/ado/persisted_rows.h"
 #include "hosts/com/dispatch.h"
 #include "hosts/com/foreign_object.h"
 #include "hosts/objects/array.h"
 #include "hosts/objects/automation_object.h"
+#include "hosts/objects/rows_for_ado.h"
 
 namespace tessarlorn::com {
 namespace {
@@ -106,6 +108,8 @@ void PutObject(const Variant& value, VARIANT* out) {
     out->pdispVal = MakeDispatch(own).Release();
   } else if (const auto* array = object == nullptr ? nullptr : dynamic_cast<const Array*>(object->get())) {
     return PutArray(*array, out);
+  } else if (const auto* rows = object == nullptr ? nullptr : dynamic_cast<const RowsForAdo*>(object->get())) {
+    out->pdispVal = ado::OpenPersisted(rows->xml()).Release();
   } else if (auto* foreign = object == nullptr ? nullptr : dynamic_cast<ForeignObject*>(object->get())) {
     out->pdispVal = Pointer<IDispatch>(foreign->get()).Release();
   } else {

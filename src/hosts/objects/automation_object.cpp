@@ -9,6 +9,7 @@
 #include "hosts/objects/dictionary_object.h"
 #include "hosts/objects/field_object.h"
 #include "hosts/objects/known_objects.h"
+#include "hosts/objects/properties_object.h"
 #include "hosts/objects/recordset_object.h"
 #include "hosts/objects/service_class.h"
 #include "hosts/objects/vector_object.h"
@@ -73,6 +74,7 @@ std::span<const ClassDescription* const> AutomationClasses() {
       &RecordsetObject::Description(),
       &FieldsObject::Description(),
       &FieldObject::Description(),
+      &PropertiesObject::Description(),
   };
   return kClasses;
 }

@@ -1,6 +1,7 @@
 #include "hosts/objects/dictionary_object.h"
 
 #include <array>
+#include <string>
 
 #include "hosts/objects/array.h"
 #include "hosts/objects/known_objects.h"
@@ -17,6 +18,7 @@ constexpr std::array kKeyAndDefault = {kKey,
                                        Argument{.name = "Default", .type = ValueType::kVariant, .optional = true}};
 
 constexpr std::int32_t kAdd = MemberId("Add");
+constexpr std::int32_t kCompareMode = MemberId("CompareMode");
 constexpr std::int32_t kCount = MemberId("Count");
 constexpr std::int32_t kExists = MemberId("Exists");
 constexpr std::int32_t kGetValue = MemberId("GetValue");
@@ -24,13 +26,37 @@ constexpr std::int32_t kItems = MemberId("Items");
 constexpr std::int32_t kKeys = MemberId("Keys");
 constexpr std::int32_t kRemove = MemberId("Remove");
 constexpr std::int32_t kRemoveAll = MemberId("RemoveAll");
+constexpr std::int32_t kRename = MemberId("Key");
 constexpr std::int32_t kSetValue = MemberId("SetValue");
+
+constexpr std::int32_t kBinaryCompare = 0;
 
 std::vector<Variant> KeysOf(const Dictionary& dictionary) {
   std::vector<Variant> keys;
   keys.reserve(dictionary.size());
   for (const auto& [key, value] : dictionary) keys.emplace_back(key);
   return keys;
+}
+
+[[noreturn]] void RaiseNoSuchKey(const std::string& key) {
+  constexpr std::int32_t kNoSuchKey = 32811;
+  Raise(kNoSuchKey, "There is no key " + key);
+}
+
+void RefuseKnown(const Dictionary& dictionary, const std::string& key) {
+  if (!dictionary.Exists(key)) return;
+  Raise(error_number::kKeyExists, "This key is already associated with an element of this collection: " + key);
+}
+
+void Rename(Dictionary& dictionary, const std::string& key, const std::string& new_key) {
+  if (!dictionary.Exists(key)) RaiseNoSuchKey(key);
+  RefuseKnown(dictionary, new_key);
+  dictionary.Rename(key, new_key);
+}
+
+void SetCompareMode(const Dictionary& dictionary, std::int32_t mode) {
+  if (!dictionary.empty()) RaiseInvalidArgument("CompareMode of a Dictionary that has keys");
+  if (mode != kBinaryCompare) RaiseInvalidArgument("CompareMode. The operations tell upper from lower case in keys");
 }
 
 }  // namespace
@@ -83,6 +109,20 @@ const ClassDescription& DictionaryObject::Description() {
           {.name = "Keys", .id = kKeys, .help = "The keys as an array, in their order."},
           {.name = "Items", .id = kItems, .help = "The values as an array, in the order of their keys."},
           {.name = "_NewEnum", .id = kEnumerationMember, .uses = kGet, .help = "For Each goes through the keys."},
+          {.name = "CompareMode",
+           .id = kCompareMode,
+           .uses = kGet | kPut,
+           .result = ValueType::kLong,
+           .help =
+               "0: the case of keys counts, as it does to the operations. Only 0 can be written, while there are no "
+               "keys; anything else raises 5."},
+          {.name = "Key",
+           .id = kRename,
+           .uses = kPut,
+           .result = ValueType::kString,
+           .arguments = kKeyOnly,
+           .help = "Gives a value another key in the place of the old one. Raises 32811 when there is no such key, 457 "
+                   "when the new one is there already."},
       }};
   return kDescription;
 }
@@ -90,7 +130,6 @@ const ClassDescription& DictionaryObject::Description() {
 std::vector<Variant> DictionaryObject::Items() const { return KeysOf(*dictionary_); }
 
 Variant DictionaryObject::Do(const Member& member, MemberUse use, std::span<Variant> arguments) {
-  constexpr std::int32_t kNoSuchKey = 32811;
   const auto key = [&] { return arguments[0].ToText(); };
   switch (member.id) {
     case kDefaultMember:
@@ -100,9 +139,7 @@ Variant DictionaryObject::Do(const Member& member, MemberUse use, std::span<Vari
     case kCount:
       return static_cast<std::int32_t>(dictionary_->size());
     case kAdd:
-      if (dictionary_->Exists(key())) {
-        Raise(error_number::kKeyExists, "This key is already associated with an element of this collection: " + key());
-      }
+      RefuseKnown(*dictionary_, key());
       dictionary_->SetValue(key(), arguments[1]);
       return {};
     case kExists:
@@ -113,10 +150,17 @@ Variant DictionaryObject::Do(const Member& member, MemberUse use, std::span<Vari
       dictionary_->SetValue(key(), arguments[1]);
       return {};
     case kRemove:
-      if (!dictionary_->Remove(key())) Raise(kNoSuchKey, "There is no key " + key());
+      if (!dictionary_->Remove(key())) RaiseNoSuchKey(key());
       return {};
     case kRemoveAll:
       *dictionary_ = {};
+      return {};
+    case kCompareMode:
+      if (use == kGet) return kBinaryCompare;
+      SetCompareMode(*dictionary_, arguments[0].ToInt32());
+      return {};
+    case kRename:
+      Rename(*dictionary_, key(), arguments[1].ToText());
       return {};
     case kKeys:
       return ToArray(KeysOf(*dictionary_));

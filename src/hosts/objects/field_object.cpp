@@ -4,6 +4,7 @@
 #include <string>
 
 #include "hosts/objects/field_traits.h"
+#include "hosts/objects/properties_object.h"
 #include "hosts/objects/recordset_errors.h"
 #include "platform/text/text.h"
 
@@ -13,12 +14,25 @@ namespace {
 constexpr std::array kIndex = {Argument{.name = "Index", .type = ValueType::kVariant}};
 
 constexpr std::int32_t kActualSize = MemberId("ActualSize");
+constexpr std::int32_t kAttributes = 1036;
 constexpr std::int32_t kCount = MemberId("Count");
 constexpr std::int32_t kDefinedSize = MemberId("DefinedSize");
 constexpr std::int32_t kName = MemberId("Name");
 constexpr std::int32_t kNumericScale = MemberId("NumericScale");
+constexpr std::int32_t kOriginalValue = 1104;
 constexpr std::int32_t kPrecision = MemberId("Precision");
+constexpr std::int32_t kStatus = 1116;
 constexpr std::int32_t kType = MemberId("Type");
+constexpr std::int32_t kUnderlyingValue = 1105;
+
+/// ADO's bits: every value as long, may be null, and without limit.
+std::int32_t AttributesOf(const Field& field) {
+  constexpr std::int32_t kFixed = 0x10;
+  constexpr std::int32_t kNullable = 0x20 | 0x40;
+  constexpr std::int32_t kLong = 0x80;
+  const FieldTraits traits = TraitsOf(field);
+  return (traits.fixed_length ? kFixed : 0) | (field.nullable ? kNullable : 0) | (traits.unlimited ? kLong : 0);
+}
 
 std::int32_t ActualSize(const Field& field, const Variant& value) {
   if (value.is_null()) return 0;
@@ -51,6 +65,12 @@ const ClassDescription& FieldObject::Description() {
           number("ActualSize", kActualSize, "Of the value in the current row."),
           number("Precision", kPrecision, "Digits of a number, 255 for anything else."),
           number("NumericScale", kNumericScale, "Places of a decimal, 255 for a type that has none."),
+          number("Attributes", kAttributes,
+                 "16 for one size of every value, 96 for nulls, 128 for no limit, added up."),
+          {.name = "OriginalValue", .id = kOriginalValue, .uses = kGet, .help = "The same as Value."},
+          {.name = "UnderlyingValue", .id = kUnderlyingValue, .uses = kGet, .help = "The same as Value."},
+          number("Status", kStatus, "0: the field is in order."),
+          PropertiesMember(),
       }};
   return kDescription;
 }
@@ -65,9 +85,10 @@ std::optional<Variant> FieldObject::DefaultValue() {
   return ClientValue(view_->fields()[field_], view_->Value(field_));
 }
 
-Variant FieldObject::Do(const Member& member, MemberUse use, std::span<Variant> /*arguments*/) {
+Variant FieldObject::Do(const Member& member, MemberUse use, std::span<Variant> arguments) {
   const Field& field = view_->fields()[field_];
   if (use == kPut) RaiseReadOnlyRows(field.name);
+  constexpr std::int32_t kInOrder = 0;
   switch (member.id) {
     case kName:
       return field.name;
@@ -81,6 +102,12 @@ Variant FieldObject::Do(const Member& member, MemberUse use, std::span<Variant> 
       return TraitsOf(field).precision;
     case kNumericScale:
       return TraitsOf(field).scale;
+    case kAttributes:
+      return AttributesOf(field);
+    case kStatus:
+      return kInOrder;
+    case kPropertiesMember:
+      return PropertiesOf(arguments);
     default:
       break;
   }

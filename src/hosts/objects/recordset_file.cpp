@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <set>
+#include <sstream>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -162,6 +163,12 @@ void SaveRecordset(const RecordsetView& view, const std::string& path, bool as_x
   if (out) return;
   remove();
   Raise(kDiskFull, "Disk full: " + path);
+}
+
+std::string RecordsetXml(const RecordsetView& view) {
+  std::ostringstream out;
+  WriteXml(view, out);
+  return std::move(out).str();
 }
 
 }  // namespace tessarlorn

@@ -1,4 +1,4 @@
-// The rows of a recordset as a file: ADO's XML, or lines of text.
+// The rows of a recordset as a file or text: ADO's XML, or lines of text.
 #pragma once
 
 #include <string>
@@ -12,5 +12,7 @@ namespace tessarlorn {
 /// text. Raises 58 when there is such a file, 76 naming the path when it cannot be written, 61 when the disk is full;
 /// no part of a file is left when anything is raised.
 void SaveRecordset(const RecordsetView& view, const std::string& path, bool as_xml);
+/// The same XML as a text.
+std::string RecordsetXml(const RecordsetView& view);
 
 }  // namespace tessarlorn

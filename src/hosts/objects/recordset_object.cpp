@@ -1,19 +1,24 @@
 #include "hosts/objects/recordset_object.h"
 
 #include <algorithm>
-#include <array>
 #include <numeric>
+#include <set>
 #include <utility>
 
 #include "hosts/objects/array.h"
 #include "hosts/objects/field_traits.h"
+#include "hosts/objects/properties_object.h"
 #include "hosts/objects/recordset_errors.h"
 #include "hosts/objects/recordset_file.h"
+#include "hosts/objects/recordset_members.h"
+#include "hosts/objects/rows_for_ado.h"
 #include "platform/text/text.h"
 #include "tessarlorn/error.h"
 
 namespace tessarlorn {
 namespace {
+
+using namespace recordset_member;
 
 // ADO's own numbers.
 constexpr std::int32_t kStateOpen = 1;
@@ -24,6 +29,9 @@ constexpr std::int32_t kAllRows = -1;
 constexpr std::int32_t kSearchForward = 1;
 constexpr std::int32_t kSearchBackward = -1;
 constexpr std::int32_t kFilterNone = 0;
+constexpr std::int32_t kNotEdited = 0;
+constexpr std::int32_t kUnmodified = 8;
+constexpr std::int32_t kNoMaximum = 0;
 constexpr std::int32_t kBookmarkCurrent = 0;
 constexpr std::int32_t kBookmarkFirst = 1;
 constexpr std::int32_t kBookmarkLast = 2;
@@ -32,64 +40,22 @@ constexpr std::int32_t kFirstRowBookmark = kBookmarkLast + 1;
 // Of what Supports asks for: approximate position, bookmark, find, move previous.
 constexpr std::uint32_t kSupported = 0x4000 | 0x2000 | 0x80000 | 0x200;
 
-constexpr Argument Long(std::string_view name, bool optional = true) {
-  return {.name = name, .type = ValueType::kLong, .optional = optional};
-}
-constexpr Argument Text(std::string_view name, bool optional = true) {
-  return {.name = name, .type = ValueType::kString, .optional = optional};
-}
-constexpr Argument Any(std::string_view name, bool optional = true) {
-  return {.name = name, .type = ValueType::kVariant, .optional = optional};
-}
-
-constexpr std::array kIndex = {Any("Index")};
-constexpr std::array kMoveArguments = {Long("NumRecords", false), Any("Start")};
-constexpr std::array kFindArguments = {Text("Criteria", false), Long("SkipRecords"), Long("SearchDirection"),
-                                       Any("Start")};
-constexpr std::array kGetRowsArguments = {Long("Rows"), Any("Start"), Any("Fields")};
-constexpr std::array kGetStringArguments = {Long("StringFormat"), Long("NumRows"), Text("ColumnDelimeter"),
-                                            Text("RowDelimeter"), Text("NullExpr")};
-constexpr std::array kCloneArguments = {Long("LockType")};
-constexpr std::array kSupportsArguments = {Long("CursorOptions", false)};
-constexpr std::array kAddNewArguments = {Any("FieldList"), Any("Values")};
-constexpr std::array kUpdateArguments = {Any("Fields"), Any("Values")};
-constexpr std::array kAffectArguments = {Long("AffectRecords")};
-constexpr std::array kRequeryArguments = {Long("Options")};
-constexpr std::array kResyncArguments = {Long("AffectRecords"), Long("ResyncValues")};
-constexpr std::array kOpenArguments = {Any("Source"), Any("ActiveConnection"), Long("CursorType"), Long("LockType"),
-                                       Long("Options")};
-constexpr std::array kSaveArguments = {Text("Destination", false), Long("PersistFormat")};
-
-constexpr std::int32_t kAbsolutePosition = MemberId("AbsolutePosition");
-constexpr std::int32_t kActiveConnection = MemberId("ActiveConnection");
-constexpr std::int32_t kBof = MemberId("BOF");
-constexpr std::int32_t kBookmark = MemberId("Bookmark");
-constexpr std::int32_t kClone = MemberId("Clone");
-constexpr std::int32_t kClose = MemberId("Close");
-constexpr std::int32_t kCursorLocation = MemberId("CursorLocation");
-constexpr std::int32_t kCursorType = MemberId("CursorType");
-constexpr std::int32_t kEof = MemberId("EOF");
-constexpr std::int32_t kFilter = MemberId("Filter");
-constexpr std::int32_t kFind = MemberId("Find");
-constexpr std::int32_t kGetRows = MemberId("GetRows");
-constexpr std::int32_t kGetString = MemberId("GetString");
-constexpr std::int32_t kLockType = MemberId("LockType");
-constexpr std::int32_t kMove = MemberId("Move");
-constexpr std::int32_t kMoveFirst = MemberId("MoveFirst");
-constexpr std::int32_t kMoveLast = MemberId("MoveLast");
-constexpr std::int32_t kMoveNext = MemberId("MoveNext");
-constexpr std::int32_t kMovePrevious = MemberId("MovePrevious");
-constexpr std::int32_t kRecordCount = MemberId("RecordCount");
-constexpr std::int32_t kSave = MemberId("Save");
-constexpr std::int32_t kSort = MemberId("Sort");
-constexpr std::int32_t kState = MemberId("State");
-constexpr std::int32_t kSupports = MemberId("Supports");
-
 std::int32_t LongOr(const Variant& value, std::int32_t fallback) {
   return value.is_empty() ? fallback : value.ToInt32();
 }
 std::string TextOr(const Variant& value, std::string_view fallback) {
   return value.is_empty() ? std::string(fallback) : value.ToText();
+}
+
+/// The array that a value is, or nullptr.
+const Array* ArrayIn(const Variant& value) {
+  const auto* const object = value.get_if<std::shared_ptr<Object>>();
+  return object == nullptr ? nullptr : dynamic_cast<const Array*>(object->get());
+}
+
+std::int32_t BookmarkNumber(const Variant& bookmark) {
+  if (!bookmark.is_number()) RaiseWrongArguments("a bookmark that is no number");
+  return bookmark.ToInt32();
 }
 
 /// How many rows a call takes from a position on: as many as there are, or as many as it asks for. Raises 3021 when
@@ -128,148 +94,28 @@ class RowCells final : public ArraySource {
 
 }  // namespace
 
-const ClassDescription& RecordsetObject::Description() {
-  const auto number = [](std::string_view name, std::int32_t id, std::string_view help, bool written = false) {
-    return Member{.name = name,
-                  .id = id,
-                  .uses = static_cast<std::uint8_t>(written ? kGet | kPut : kGet),
-                  .result = ValueType::kLong,
-                  .help = help};
-  };
-  const auto step = [](std::string_view name, std::int32_t id, std::string_view help) {
-    return Member{.name = name, .id = id, .returns_nothing = true, .help = help};
-  };
-  // What clients of rows that can be written call.
-  const auto refused = [](std::string_view name, std::span<const Argument> arguments = {}) {
-    return Member{.name = name,
-                  .id = MemberId(name),
-                  .returns_nothing = true,
-                  .arguments = arguments,
-                  .help = "Raises 3251: the rows are read only."};
-  };
-  static const ClassDescription kDescription = {
-      .name = "Recordset",
-      .prog_id = "",
-      .class_id = "BEC68DD3-5E0E-42C1-995C-E7AD3340E7E6",
-      .interface_id = "416DC365-72FA-4631-942E-A17C6F551512",
-      .help = "The rows that an operation answers, all of them at the client. They are not written back.",
-      .members = {
-          {.name = "Fields",
-           .id = kDefaultMember,
-           .uses = kGet | kPut,
-           .arguments = kIndex,
-           .help = "The fields, or with a name or a position from 0 one of them. Writing raises 3251.",
-           .result_class = "Fields"},
-          {.name = "EOF",
-           .id = kEof,
-           .uses = kGet,
-           .result = ValueType::kBoolean,
-           .help = "Whether the position is behind the last row."},
-          {.name = "BOF",
-           .id = kBof,
-           .uses = kGet,
-           .result = ValueType::kBoolean,
-           .help = "Whether the position is before the first row."},
-          number("RecordCount", kRecordCount, "Number of rows that the filter shows."),
-          number("AbsolutePosition", kAbsolutePosition,
-                 "The current row, from 1; -2 before the first, -3 behind the last, -1 when there are no rows.", true),
-          {.name = "Bookmark",
-           .id = kBookmark,
-           .uses = kGet | kPut,
-           .help = "The current row, to come back to; stays good for it when Sort or Filter is set, and in a clone."},
-          step("MoveFirst", kMoveFirst, "Goes to the first row."),
-          step("MoveLast", kMoveLast, "Goes to the last row."),
-          step("MoveNext", kMoveNext, "Goes to the next row. Raises 3021 behind the last one."),
-          step("MovePrevious", kMovePrevious, "Goes to the row before. Raises 3021 before the first one."),
-          {.name = "Move",
-           .id = kMove,
-           .returns_nothing = true,
-           .arguments = kMoveArguments,
-           .help = "Goes so many rows on, or back, from the current row, the first (1), the last (2) or a bookmark."},
-          {.name = "GetRows",
-           .id = kGetRows,
-           .arguments = kGetRowsArguments,
-           .help =
-               "An array (field, row) of the values from the current row on; stands behind the last one of them then."},
-          {.name = "GetString",
-           .id = kGetString,
-           .result = ValueType::kString,
-           .arguments = kGetStringArguments,
-           .help = "The rows from the current one on as text."},
-          {.name = "Find",
-           .id = kFind,
-           .returns_nothing = true,
-           .arguments = kFindArguments,
-           .help =
-               "Goes to the next row that a condition holds for, the current one included, or behind the last; with "
-               "SearchDirection -1 backwards."},
-          {.name = "Sort",
-           .id = kSort,
-           .uses = kGet | kPut,
-           .result = ValueType::kString,
-           .help = "Fields by which the rows are ordered, as \"FDate DESC, FID\"."},
-          {.name = "Filter",
-           .id = kFilter,
-           .uses = kGet | kPut,
-           .help =
-               "Condition that the shown rows meet, as \"FOrderStatus = 6 AND FBuyer LIKE 'A*'\"; \"\" or 0 for none, read as 0."},
-          {.name = "Save",
-           .id = kSave,
-           .returns_nothing = true,
-           .arguments = kSaveArguments,
-           .help = "Writes the shown rows to a new file: 1 as XML, 0 as lines of text with tabs; without a format, XML "
-                   "for a name that ends with .xml. Goes to the first row."},
-          {.name = "Clone",
-           .id = kClone,
-           .result = ValueType::kRecordset,
-           .arguments = kCloneArguments,
-           .help = "The same rows in a recordset with a position of its own, without filter and order."},
-          {.name = "Supports",
-           .id = kSupports,
-           .result = ValueType::kBoolean,
-           .arguments = kSupportsArguments,
-           .help = "Whether all of the asked CursorOptions are there: 512 to move back, 8192 bookmarks, 16384 "
-                   "AbsolutePosition, 524288 Find."},
-          step("Close", kClose, "Lets the rows go."),
-          number("State", kState, "1 open, 0 closed."),
-          {.name = "ActiveConnection",
-           .id = kActiveConnection,
-           .uses = kGet | kPut,
-           .help = "Nothing: the rows have no connection. Only Nothing can be set."},
-          number("CursorLocation", kCursorLocation, "3: the rows are at the client."),
-          number("CursorType", kCursorType, "3: the rows do not change."),
-          number("LockType", kLockType, "1: the rows are read only."),
-          refused("AddNew", kAddNewArguments),
-          refused("Update", kUpdateArguments),
-          refused("UpdateBatch", kAffectArguments),
-          refused("Delete", kAffectArguments),
-          refused("CancelUpdate"),
-          refused("CancelBatch", kAffectArguments),
-          refused("Requery", kRequeryArguments),
-          refused("Resync", kResyncArguments),
-          refused("Open", kOpenArguments),
-      }};
-  return kDescription;
+std::size_t RecordsetObject::RowOf(const Variant& bookmark) const {
+  const std::int64_t row = std::int64_t{BookmarkNumber(bookmark)} - kFirstRowBookmark;
+  if (row < 0 || row >= static_cast<std::int64_t>(view_->rows()->RecordCount())) {
+    RaiseInvalidBookmark(bookmark.ToText());
+  }
+  return static_cast<std::size_t>(row);
 }
 
 std::size_t RecordsetObject::PositionOf(const Variant& bookmark) const {
-  const std::int32_t number = LongOr(bookmark, kBookmarkCurrent);
+  if (bookmark.is_empty()) return view_->position();
+  const std::int32_t number = BookmarkNumber(bookmark);
   if (number == kBookmarkCurrent) return view_->position();
   if (number == kBookmarkFirst) return 1;
   if (number == kBookmarkLast) return view_->count();
-  const auto position =
-      number < 0 ? std::nullopt : view_->PositionOf(static_cast<std::size_t>(number - kFirstRowBookmark));
-  if (!position) RaiseWrongArguments("the bookmark " + bookmark.ToText());
+  const auto position = view_->PositionOf(RowOf(bookmark));
+  if (!position) RaiseInvalidBookmark(bookmark.ToText());
   return *position;
 }
 
 std::int32_t RecordsetObject::AbsolutePosition() const {
-  constexpr std::int32_t kUnknown = -1;
-  constexpr std::int32_t kAtBof = -2;
-  constexpr std::int32_t kAtEof = -3;
-  if (view_->count() == 0) return kUnknown;
-  if (view_->bof()) return kAtBof;
-  return view_->eof() ? kAtEof : static_cast<std::int32_t>(view_->position());
+  const std::int32_t place = PlaceWithoutRow(*view_);
+  return place != 0 ? place : static_cast<std::int32_t>(view_->position());
 }
 
 void RecordsetObject::SetAbsolutePosition(std::int32_t position) {
@@ -281,11 +127,10 @@ void RecordsetObject::SetAbsolutePosition(std::int32_t position) {
 
 Variant RecordsetObject::GetRows(const Variant& rows, const Variant& start, const Variant& fields) {
   std::vector<std::size_t> columns;
-  const auto* const list = fields.get_if<std::shared_ptr<Object>>();
   if (fields.is_empty()) {
     columns.resize(view_->fields().size());
     std::iota(columns.begin(), columns.end(), std::size_t{0});
-  } else if (const auto* array = list == nullptr ? nullptr : dynamic_cast<const Array*>(list->get())) {
+  } else if (const Array* const array = ArrayIn(fields)) {
     for (const Variant& field : array->Values()) columns.push_back(view_->FieldIndex(field));
     if (columns.empty()) RaiseWrongArguments("Fields names none");
   } else {
@@ -336,11 +181,32 @@ void RecordsetObject::Find(std::span<const Variant> arguments) {
   view_->set_position(found ? *found : forwards ? view_->count() + 1 : 0);
 }
 
+void RecordsetObject::Show(const Variant& filter, const std::string& sort) {
+  const Array* const bookmarks = ArrayIn(filter);
+  if (bookmarks == nullptr) return view_->Show(filter.is_number() ? "" : filter.ToText(), sort);
+  std::set<std::size_t> rows;
+  for (const Variant& bookmark : bookmarks->Values()) rows.insert(RowOf(bookmark));
+  view_->ShowRows({rows.begin(), rows.end()}, sort);
+}
+
 void RecordsetObject::SetFilter(const Variant& filter) {
   if (filter.is_number() && filter.ToInt32() != kFilterNone) RaiseWrongArguments("Filter " + filter.ToText());
-  std::string text = filter.is_number() ? "" : filter.ToText();
-  view_->Show(text, sort_);
-  filter_ = std::move(text);
+  Show(filter, sort_);
+  const bool none = ArrayIn(filter) == nullptr && (filter.is_number() || filter.ToText().empty());
+  filter_ = none ? Variant(kFilterNone) : filter;
+}
+
+Variant RecordsetObject::Collect(const Variant& name_or_position, MemberUse use) {
+  const std::size_t number = view_->FieldIndex(name_or_position);
+  const Field& field = view_->fields()[number];
+  if (use == kPut) RaiseReadOnlyRows(field.name);
+  return ClientValue(field, view_->Value(number));
+}
+
+/// Raises 3021 when no row is current.
+Variant RecordsetObject::OfTheRow(std::int32_t value) const {
+  static_cast<void>(view_->RowNumber(view_->position()));
+  return value;
 }
 
 void RecordsetObject::SetActiveConnection(const Variant& connection) {
@@ -413,11 +279,11 @@ Variant RecordsetObject::Do(const Member& member, MemberUse use, std::span<Varia
       return {};
     case kSort:
       if (!put) return sort_;
-      view_->Show(filter_, arguments[0].ToText());
+      Show(filter_, arguments[0].ToText());
       sort_ = arguments[0].ToText();
       return {};
     case kFilter:
-      if (!put) return filter_.empty() ? Variant(kFilterNone) : Variant(filter_);
+      if (!put) return filter_;
       SetFilter(arguments[0]);
       return {};
     case kSave:
@@ -439,6 +305,34 @@ Variant RecordsetObject::Do(const Member& member, MemberUse use, std::span<Varia
       return kOpenStatic;
     case kLockType:
       return kLockReadOnly;
+    case kPageSize:
+      if (!put) return pages_.size();
+      pages_.set_size(arguments[0].ToInt32());
+      return {};
+    case kAbsolutePage:
+      if (!put) return pages_.Current(*view_);
+      pages_.GoTo(arguments[0].ToInt32(), *view_);
+      return {};
+    case kPageCount:
+      return pages_.Count(*view_);
+    case kMaxRecords:
+      if (put) RaiseObjectOpen(member.name);
+      return kNoMaximum;
+    case kStatus:
+      return OfTheRow(kUnmodified);
+    case kEditMode:
+      return OfTheRow(kNotEdited);
+    case kSource:
+      if (put) RaiseObjectOpen(member.name);
+      return "";
+    case kNextRecordset:
+      return std::shared_ptr<Object>();
+    case kCollect:
+      return Collect(arguments[0], use);
+    case kAsAdo:
+      return std::shared_ptr<Object>(std::make_shared<RowsForAdo>(RecordsetXml(*view_)));
+    case kPropertiesMember:
+      return PropertiesOf(arguments);
     default:
       RaiseReadOnlyRows(member.name);
   }

@@ -7,6 +7,7 @@
 
 #include "hosts/objects/automation_object.h"
 #include "hosts/objects/field_object.h"
+#include "hosts/objects/recordset_pages.h"
 #include "hosts/objects/recordset_view.h"
 
 namespace tessarlorn {
@@ -28,19 +29,25 @@ class RecordsetObject final : public AutomationObject {
   Variant Do(const Member& member, MemberUse use, std::span<Variant> arguments) override;
 
  private:
+  [[nodiscard]] std::size_t RowOf(const Variant& bookmark) const;
   [[nodiscard]] std::size_t PositionOf(const Variant& bookmark) const;
   [[nodiscard]] std::int32_t AbsolutePosition() const;
   void SetAbsolutePosition(std::int32_t position);
   Variant GetRows(const Variant& rows, const Variant& start, const Variant& fields);
   Variant GetString(std::span<const Variant> arguments);
   void Find(std::span<const Variant> arguments);
+  void Show(const Variant& filter, const std::string& sort);
   void SetFilter(const Variant& filter);
+  [[nodiscard]] Variant Collect(const Variant& name_or_position, MemberUse use);
+  [[nodiscard]] Variant OfTheRow(std::int32_t value) const;
   void SetActiveConnection(const Variant& connection);
   void Save(const Variant& destination, const Variant& format);
 
   std::shared_ptr<RecordsetView> view_;
   std::shared_ptr<FieldsObject> fields_;
-  std::string filter_;
+  RecordsetPages pages_;
+  /// As Filter answers it.
+  Variant filter_ = 0;
   std::string sort_;
 };
 

@@ -104,8 +104,12 @@ void RecordsetView::Show(std::string_view filter, std::string_view sort) {
       return !condition.Holds(own);
     });
   }
-  SortRows(sort, own, shown);
-  shown_ = std::move(shown);
+  ShowRows(std::move(shown), sort);
+}
+
+void RecordsetView::ShowRows(std::vector<std::size_t> numbers, std::string_view sort) {
+  SortRows(sort, *rows(), numbers);
+  shown_ = std::move(numbers);
   position_ = 1;
 }
 

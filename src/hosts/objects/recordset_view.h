@@ -54,6 +54,8 @@ class RecordsetView {
   /// Shows the rows that the condition holds for, all for "", in the order `sort` (see SortRows). Goes to the first
   /// one. Raises 3001 for a text that cannot be read, 3265 for an unknown field; everything is as before then.
   void Show(std::string_view filter, std::string_view sort);
+  /// Shows the rows of these numbers instead.
+  void ShowRows(std::vector<std::size_t> numbers, std::string_view sort);
   /// The position of the first row from `from` on (backwards from it) that the condition holds for, or nothing.
   [[nodiscard]] std::optional<std::size_t> Find(std::string_view condition, std::int64_t from, bool forwards) const;
 

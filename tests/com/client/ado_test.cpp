@@ -51,6 +51,13 @@ TEST_F(AdoTest, ResultsAreAdosOwnRecordsets) {
   EXPECT_TRUE(AdoStandIn::IsAttached(attached.value.object())) << "it is handed out as ADO produced it";
 }
 
+TEST_F(AdoTest, OwnRecordsetsBecomeAdos) {
+  const Answer own = reads_.Call(L"ExecuteSQL", {L"Embedded=:memory:", L"select nchar(24352) a"});
+  const Answer ados = TypedObject(own.value.object()).Call(L"AsADO");
+  ASSERT_NE(ados.value.object(), nullptr);
+  EXPECT_NE(AdoStandIn::Persisted(ados.value.object()).find("<z:row a='\u5F20'/>"), std::string::npos);
+}
+
 TEST_F(AdoTest, ErrorsAreAdosOwn) {
   const Answer wrong = reads_.Call(L"ExecuteSQL", {session_, L"select * from nowhere"});
   EXPECT_EQ(wrong.error, static_cast<HRESULT>(0x80040E37));

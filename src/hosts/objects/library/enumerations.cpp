@@ -52,6 +52,21 @@ constexpr std::array kStringFormatConstants = {
 constexpr std::array kFilterGroupConstants = {
     Constant{"adFilterNone", 0},
 };
+constexpr std::array kEditModeConstants = {
+    Constant{"adEditNone", 0},
+};
+constexpr std::array kRecordStatusConstants = {
+    Constant{"adRecUnmodified", 8},
+};
+constexpr std::array kFieldStatusConstants = {
+    Constant{"adFieldOK", 0},
+};
+constexpr std::array kFieldAttributeConstants = {
+    Constant{"adFldFixed", 0x10},
+    Constant{"adFldIsNullable", 0x20},
+    Constant{"adFldMayBeNull", 0x40},
+    Constant{"adFldLong", 0x80},
+};
 constexpr std::array kPersistFormatConstants = {
     Constant{"adPersistADTG", 0},
     Constant{"adPersistXML", 1},
@@ -96,6 +111,10 @@ std::span<const Enumeration> Enumerations() {
       Enumeration{"PersistFormatEnum", "How Save writes rows.", kPersistFormatConstants},
       Enumeration{"CursorOptionEnum", "What Supports can be asked for.", kCursorOptionConstants},
       Enumeration{"DataTypeEnum", "The types of fields.", kDataTypeConstants},
+      Enumeration{"EditModeEnum", "Whether a row is being edited.", kEditModeConstants},
+      Enumeration{"RecordStatusEnum", "What became of a row.", kRecordStatusConstants},
+      Enumeration{"FieldStatusEnum", "What became of a field.", kFieldStatusConstants},
+      Enumeration{"FieldAttributeEnum", "Bits of what a field can hold.", kFieldAttributeConstants},
   };
   return kEnumerations;
 }

@@ -18,9 +18,9 @@ set(compiled_alone
     src/upload/upload_items.cpp
     src/tsql/values/date_parse.cpp
     src/tsql/values/types.cpp
-    src/hosts/objects/field_object.cpp
-    src/hosts/objects/properties_object.cpp
-    src/hosts/objects/recordset_object.cpp
+    src/hosts/objects/recordset/field_object.cpp
+    src/hosts/objects/recordset/properties_object.cpp
+    src/hosts/objects/recordset/recordset_object.cpp
     src/hosts/objects/vector_object.cpp
     tests/automation/escape_test.cpp
     tests/browse/order_list_test.cpp)

@@ -13,7 +13,7 @@
 #include "com_base/plain_values.h"
 #include "com_base/pointers.h"
 #include "drivers/ado/ado_interfaces.h"
-#include "hosts/objects/field_traits.h"
+#include "hosts/objects/recordset/field_traits.h"
 #include "platform/text/text.h"
 #include "support/test_host.h"
 #include "tessarlorn/connection.h"

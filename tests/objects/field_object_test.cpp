@@ -1,4 +1,4 @@
-#include "hosts/objects/field_object.h"
+#include "hosts/objects/recordset/field_object.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

@@ -1,10 +1,10 @@
-#include "hosts/objects/recordset_file.h"
+#include "hosts/objects/recordset/recordset_file.h"
 
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 
-#include "hosts/objects/rows_for_ado.h"
+#include "hosts/objects/recordset/rows_for_ado.h"
 #include "objects/object_support.h"
 #include "platform/recordset_builder.h"
 #include "platform/text/text.h"

@@ -1,8 +1,8 @@
-#include "hosts/objects/recordset_object.h"
+#include "hosts/objects/recordset/recordset_object.h"
 
 #include <gtest/gtest.h>
 
-#include "hosts/objects/recordset_errors.h"
+#include "hosts/objects/recordset/recordset_errors.h"
 #include "objects/object_support.h"
 
 namespace tessarlorn {

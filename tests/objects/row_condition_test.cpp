@@ -1,4 +1,4 @@
-#include "hosts/objects/row_condition.h"
+#include "hosts/objects/recordset/row_condition.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "hosts/objects/row_order.h"
+#include "hosts/objects/recordset/row_order.h"
 
 #include <gtest/gtest.h>
 

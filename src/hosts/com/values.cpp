@@ -14,7 +14,7 @@
 #include "hosts/com/foreign_object.h"
 #include "hosts/objects/array.h"
 #include "hosts/objects/automation_object.h"
-#include "hosts/objects/rows_for_ado.h"
+#include "hosts/objects/recordset/rows_for_ado.h"
 
 namespace tessarlorn::com {
 namespace {

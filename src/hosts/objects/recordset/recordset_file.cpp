@@ -1,4 +1,4 @@
-#include "hosts/objects/recordset_file.h"
+#include "hosts/objects/recordset/recordset_file.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -9,7 +9,7 @@
 #include <system_error>
 #include <vector>
 
-#include "hosts/objects/field_traits.h"
+#include "hosts/objects/recordset/field_traits.h"
 #include "platform/file_path.h"
 #include "platform/text/text.h"
 #include "platform/value_text.h"

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "hosts/objects/automation_object.h"
-#include "hosts/objects/recordset_view.h"
+#include "hosts/objects/recordset/recordset_view.h"
 
 namespace tessarlorn {
 

@@ -1,12 +1,12 @@
-#include "hosts/objects/recordset_view.h"
+#include "hosts/objects/recordset/recordset_view.h"
 
 #include <algorithm>
 #include <numeric>
 
-#include "hosts/objects/field_traits.h"
-#include "hosts/objects/recordset_errors.h"
-#include "hosts/objects/row_condition.h"
-#include "hosts/objects/row_order.h"
+#include "hosts/objects/recordset/field_traits.h"
+#include "hosts/objects/recordset/recordset_errors.h"
+#include "hosts/objects/recordset/row_condition.h"
+#include "hosts/objects/recordset/row_order.h"
 #include "platform/text/text.h"
 #include "platform/value_text.h"
 #include "tessarlorn/object.h"

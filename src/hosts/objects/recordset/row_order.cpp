@@ -1,9 +1,9 @@
-#include "hosts/objects/row_order.h"
+#include "hosts/objects/recordset/row_order.h"
 
 #include <algorithm>
 #include <string>
 
-#include "hosts/objects/row_text.h"
+#include "hosts/objects/recordset/row_text.h"
 #include "platform/unicode/collation.h"
 
 namespace tessarlorn {

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "hosts/objects/recordset_view.h"
+#include "hosts/objects/recordset/recordset_view.h"
 
 namespace tessarlorn {
 

@@ -1,9 +1,9 @@
-#include "hosts/objects/recordset_members.h"
+#include "hosts/objects/recordset/recordset_members.h"
 
 #include <array>
 
-#include "hosts/objects/properties_object.h"
-#include "hosts/objects/recordset_object.h"
+#include "hosts/objects/recordset/properties_object.h"
+#include "hosts/objects/recordset/recordset_object.h"
 
 namespace tessarlorn {
 namespace {

@@ -1,4 +1,4 @@
-#include "hosts/objects/field_traits.h"
+#include "hosts/objects/recordset/field_traits.h"
 
 #include <utility>
 

@@ -1,8 +1,8 @@
-#include "hosts/objects/recordset_pages.h"
+#include "hosts/objects/recordset/recordset_pages.h"
 
 #include <string>
 
-#include "hosts/objects/recordset_errors.h"
+#include "hosts/objects/recordset/recordset_errors.h"
 
 namespace tessarlorn {
 

@@ -1,8 +1,8 @@
-#include "hosts/objects/row_text.h"
+#include "hosts/objects/recordset/row_text.h"
 
 #include <string>
 
-#include "hosts/objects/recordset_errors.h"
+#include "hosts/objects/recordset/recordset_errors.h"
 #include "platform/text/text.h"
 #include "tessarlorn/error.h"
 

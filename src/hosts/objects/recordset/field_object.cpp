@@ -1,11 +1,11 @@
-#include "hosts/objects/field_object.h"
+#include "hosts/objects/recordset/field_object.h"
 
 #include <array>
 #include <string>
 
-#include "hosts/objects/field_traits.h"
-#include "hosts/objects/properties_object.h"
-#include "hosts/objects/recordset_errors.h"
+#include "hosts/objects/recordset/field_traits.h"
+#include "hosts/objects/recordset/properties_object.h"
+#include "hosts/objects/recordset/recordset_errors.h"
 #include "platform/text/text.h"
 
 namespace tessarlorn {

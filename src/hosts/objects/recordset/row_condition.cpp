@@ -1,12 +1,12 @@
-#include "hosts/objects/row_condition.h"
+#include "hosts/objects/recordset/row_condition.h"
 
 #include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "hosts/objects/row_order.h"
-#include "hosts/objects/row_text.h"
+#include "hosts/objects/recordset/row_order.h"
+#include "hosts/objects/recordset/row_text.h"
 #include "platform/text/guid_text.h"
 #include "platform/unicode/collation.h"
 #include "tessarlorn/error.h"

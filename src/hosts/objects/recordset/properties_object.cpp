@@ -1,9 +1,9 @@
-#include "hosts/objects/properties_object.h"
+#include "hosts/objects/recordset/properties_object.h"
 
 #include <array>
 #include <memory>
 
-#include "hosts/objects/recordset_errors.h"
+#include "hosts/objects/recordset/recordset_errors.h"
 
 namespace tessarlorn {
 namespace {

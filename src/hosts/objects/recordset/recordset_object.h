@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "hosts/objects/automation_object.h"
-#include "hosts/objects/field_object.h"
-#include "hosts/objects/recordset_pages.h"
-#include "hosts/objects/recordset_view.h"
+#include "hosts/objects/recordset/field_object.h"
+#include "hosts/objects/recordset/recordset_pages.h"
+#include "hosts/objects/recordset/recordset_view.h"
 
 namespace tessarlorn {
 

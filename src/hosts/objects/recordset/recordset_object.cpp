@@ -1,4 +1,4 @@
-#include "hosts/objects/recordset_object.h"
+#include "hosts/objects/recordset/recordset_object.h"
 
 #include <algorithm>
 #include <numeric>
@@ -6,12 +6,12 @@
 #include <utility>
 
 #include "hosts/objects/array.h"
-#include "hosts/objects/field_traits.h"
-#include "hosts/objects/properties_object.h"
-#include "hosts/objects/recordset_errors.h"
-#include "hosts/objects/recordset_file.h"
-#include "hosts/objects/recordset_members.h"
-#include "hosts/objects/rows_for_ado.h"
+#include "hosts/objects/recordset/field_traits.h"
+#include "hosts/objects/recordset/properties_object.h"
+#include "hosts/objects/recordset/recordset_errors.h"
+#include "hosts/objects/recordset/recordset_file.h"
+#include "hosts/objects/recordset/recordset_members.h"
+#include "hosts/objects/recordset/rows_for_ado.h"
 #include "platform/text/text.h"
 #include "tessarlorn/error.h"
 

@@ -212,22 +212,25 @@ HRESULT UnregisterIn(const Part& part, bool for_machine) {
   return result;
 }
 
-}  // namespace
-
-HRESULT Register() {
-  HRESULT result = S_OK;
-  for (const bool for_machine : {true, false}) {
-    const Part part(for_machine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER);
-    result = RegisterIn(part, for_machine);
-    if (SUCCEEDED(result)) break;
-    static_cast<void>(UnregisterIn(part, for_machine));
-  }
+/// Registers all or nothing.
+HRESULT RegisterWholly(bool for_machine) {
+  const Part part(for_machine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER);
+  const HRESULT result = RegisterIn(part, for_machine);
+  if (FAILED(result)) static_cast<void>(UnregisterIn(part, for_machine));
   return result;
 }
 
+}  // namespace
+
+HRESULT Register() { return SUCCEEDED(RegisterWholly(true)) ? S_OK : RegisterForUser(); }
+
+HRESULT RegisterForUser() { return RegisterWholly(false); }
+
+HRESULT UnregisterForUser() { return UnregisterIn(Part(HKEY_CURRENT_USER), false); }
+
 HRESULT Unregister() {
   // The user's first: where both are, it is the user's type library that the machine's function would find.
-  const HRESULT of_user = UnregisterIn(Part(HKEY_CURRENT_USER), false);
+  const HRESULT of_user = UnregisterForUser();
   const HRESULT of_machine = UnregisterIn(Part(HKEY_LOCAL_MACHINE), true);
   return FAILED(of_machine) ? of_machine : of_user;
 }

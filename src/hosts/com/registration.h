@@ -5,9 +5,9 @@
 
 namespace tessarlorn::com {
 
-/// Writes classes, ProgIDs, their application and the type library: for the machine, or for the user where the machine's part may not be
-/// written. A ProgID that leads to another class stays with that class. What was written before a failure is taken
-/// back.
+/// Writes classes, ProgIDs, their application and the type library: for the machine, or for the user where the
+/// machine's part may not be written. A ProgID that leads to another class stays with that class. What was written
+/// before a failure is taken back.
 HRESULT Register();
 /// The same for the user alone.
 HRESULT RegisterForUser();

@@ -31,15 +31,29 @@ FunctionEnd
 
 Function un.onInit
   !insertmacro MULTIUSER_UNINIT
+  ; For whom it was installed, whatever the caller says.
+  ReadRegStr $0 HKCU "${UNINSTALL}" UninstallString
+  ${If} $0 == '"$INSTDIR\uninstall.exe" /CurrentUser'
+    Call un.MultiUser.InstallMode.CurrentUser
+  ${EndIf}
 FunctionEnd
+
+; What takes the installed files away.
+!tempfile FILES
+!system `./installer-files "${FOLDER}" >"${FILES}"` = 0
 
 ; An installer has 32 bits: $SYSDIR is the folder of those programs, Sysnative that of the machine's own.
 !macro CallLibraries words
   StrCpy $1 0
-  ExecWait '"$SYSDIR\regsvr32.exe" /s ${words} "$INSTDIR\x86\${NAME}.dll"' $0
+  StrCpy $2 "${words}"
+  ${If} $MultiUser.InstallMode == CurrentUser
+    ; An administrator, too, may install for one user.
+    StrCpy $2 "${words} /n /i:user"
+  ${EndIf}
+  ExecWait '"$SYSDIR\regsvr32.exe" /s $2 "$INSTDIR\x86\${NAME}.dll"' $0
   IntOp $1 $1 | $0
   ${If} ${RunningX64}
-    ExecWait '"$WINDIR\Sysnative\regsvr32.exe" /s ${words} "$INSTDIR\x64\${NAME}.dll"' $0
+    ExecWait '"$WINDIR\Sysnative\regsvr32.exe" /s $2 "$INSTDIR\x64\${NAME}.dll"' $0
     IntOp $1 $1 | $0
   ${EndIf}
 !macroend
@@ -61,11 +75,8 @@ SectionEnd
 Section Uninstall
   !insertmacro CallLibraries "/u"
   ; Whatever else stands in the folder stays.
-  RMDir /r "$INSTDIR\x64"
-  RMDir /r "$INSTDIR\x86"
-  RMDir /r "$INSTDIR\docs"
-  RMDir /r "$INSTDIR\examples"
-  Delete "$INSTDIR\README.md"
+  !include "${FILES}"
+  !delfile "${FILES}"
   Delete "$INSTDIR\uninstall.exe"
   SetOutPath $TEMP
   RMDir "$INSTDIR"

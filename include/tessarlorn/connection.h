@@ -155,6 +155,10 @@ class Connection {
   virtual void CommitTransaction() = 0;
   virtual void RollbackTransaction() = 0;
 
+  /// Makes what is done from now on a part of a transaction that the system's coordinator ends, on Windows an
+  /// ITransaction. Raises 0x80004001 when the database cannot take part in one.
+  virtual void Join(void* transaction);
+
   /// Makes the connection as good as new for its next user: no open transaction, no temporary table, default settings.
   /// Answers false when that is not possible; the connection is then thrown away.
   virtual bool Reset() noexcept = 0;

@@ -42,9 +42,10 @@ class Host {
   void SetClock(std::function<DateTime()> clock);
   /// Asked for the client's address; without one it is what the session string says.
   void SetReadTcp(ReadTcpFunction read_tcp);
-  /// Whether a connection may be handed on from one call to another just now, asked on the thread that takes one or
-  /// gives one back. Where it may not, as within a container's transaction, each session opens and closes its own.
-  void SetSharing(std::function<bool()> may_share);
+  /// Answers the transaction of the component container in which the calling thread works, as the system's transaction
+  /// coordinator knows it; nullptr for none. Asked when a session takes a connection or gives one back. Within a
+  /// transaction each session opens and closes its own connection, which joins it.
+  void SetTransaction(std::function<std::shared_ptr<void>()> transaction);
   /// Called with each batch, or procedure's name, just before it goes to the database, on the thread that runs it. An
   /// empty function ends it.
   void ObserveStatements(TextObserver observer);

@@ -53,7 +53,7 @@ class DataSession {
   [[nodiscard]] const std::string& GetDsn() const noexcept { return dsn_; }
   /// The connection of the container's transaction, where there is one. Raises 91 when the session is not open.
   [[nodiscard]] Connection& GetConnection();
-  /// A second connection to the same database, outside the container's transaction. Raises 91 when not open.
+  /// A second connection to the same database, outside any transaction of the container. Raises 91 when not open.
   [[nodiscard]] Connection& GetAlternateConnection();
   /// Whose drivers open the connections.
   [[nodiscard]] Host& host() const noexcept;
@@ -87,9 +87,10 @@ class SessionFactory {
   friend class ContainerTransaction;
   struct State;
   explicit SessionFactory(Host& host);
-  std::shared_ptr<Connection> Acquire(const std::string& database, bool enlist);
+  std::shared_ptr<Connection> Acquire(const std::string& database, bool joins);
   void Release(const std::string& database, std::shared_ptr<Connection>& connection) noexcept;
-  [[nodiscard]] bool MayShare() const;
+  /// The container's, or nullptr.
+  [[nodiscard]] std::shared_ptr<void> Transaction() const;
 
   Host& host_;
   /// Tells when the host is gone.

@@ -133,6 +133,10 @@ void Connection::RunObserved(SqlCommand& command, bool first_only, BatchSink& si
   Run(command, first_only, sink);
 }
 
+void Connection::Join(void* /*transaction*/) {
+  Raise(error_number::kNotSupported, "This kind of database cannot take part in the container's transaction");
+}
+
 RecordsetPtr Connection::Execute(SqlCommand command) {
   FirstResult sink;
   RunObserved(command, true, sink);

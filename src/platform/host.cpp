@@ -70,7 +70,9 @@ void Host::AddObject(std::string_view prog_id, ObjectCreator creator) {
 
 void Host::SetClock(std::function<DateTime()> clock) { parts_->clock = std::move(clock); }
 
-void Host::SetSharing(std::function<bool()> may_share) { parts_->may_share = std::move(may_share); }
+void Host::SetTransaction(std::function<std::shared_ptr<void>()> transaction) {
+  parts_->transaction = std::move(transaction);
+}
 
 void Host::SetReadTcp(ReadTcpFunction read_tcp) { parts_->read_tcp = std::move(read_tcp); }
 

@@ -22,7 +22,7 @@ struct Host::Parts {
   std::map<std::string, ObjectCreator> creators;
   std::function<DateTime()> clock;
   ReadTcpFunction read_tcp;
-  std::function<bool()> may_share;
+  std::function<std::shared_ptr<void>()> transaction;
   BatchObservers observers;
   IdleConnections idle;
 };

@@ -121,15 +121,18 @@ std::shared_ptr<DataSession> SessionFactory::NewSession() {
   return std::shared_ptr<DataSession>(new DataSession(*this));
 }
 
-std::shared_ptr<Connection> SessionFactory::Acquire(const std::string& database, bool enlist) {
-  enlist = enlist && state_->in_transaction;
+/// @param joins the connection takes part in the transaction, where there is one
+std::shared_ptr<Connection> SessionFactory::Acquire(const std::string& database, bool joins) {
+  const bool enlist = joins && state_->in_transaction;
   if (enlist) {
     for (const Enlisted& entry : state_->enlisted) {
       if (entry.database == database) return entry.connection;
     }
   }
-  std::shared_ptr<Connection> connection = MayShare() ? host_.parts_->idle.Take(database) : nullptr;
+  const std::shared_ptr<void> transaction = Transaction();
+  std::shared_ptr<Connection> connection = transaction ? nullptr : host_.parts_->idle.Take(database);
   if (!connection) connection = host_.OpenConnection(database);
+  if (transaction && joins) connection->Join(transaction.get());
   if (enlist) {
     connection->BeginTransaction();
     state_->enlisted.push_back({database, connection});
@@ -137,14 +140,16 @@ std::shared_ptr<Connection> SessionFactory::Acquire(const std::string& database,
   return connection;
 }
 
-bool SessionFactory::MayShare() const { return !host_.parts_->may_share || host_.parts_->may_share(); }
+std::shared_ptr<void> SessionFactory::Transaction() const {
+  return host_.parts_->transaction ? host_.parts_->transaction() : nullptr;
+}
 
 /// Gives up one hold of the connection; the last one puts it to the idle ones.
 void SessionFactory::Release(const std::string& database, std::shared_ptr<Connection>& connection) noexcept {
   const std::shared_ptr<Connection> held = std::exchange(connection, nullptr);
   if (!held || held.use_count() > 1 || !held->usable()) return;
   try {
-    if (!MayShare() || !held->Reset()) return;
+    if (Transaction() || !held->Reset()) return;
     host_.parts_->idle.Put(database, held);
   } catch (...) {
     // The connection is closed instead of kept.

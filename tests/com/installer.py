@@ -12,8 +12,8 @@ import time
 import wine
 
 NAME = "TessarLornPickingAndDelivery"
-UNINSTALL = rf"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\{NAME}"
-CLASS = rf"HKLM\Software\Classes\{NAME}.clsGetData"
+UNINSTALL = rf"Software\Microsoft\Windows\CurrentVersion\Uninstall\{NAME}"
+CLASS = rf"Software\Classes\{NAME}.clsGetData"
 
 
 def make_installer(repository, library, folder):
@@ -34,25 +34,40 @@ def known(key):
     return key.rsplit("\\", 1)[1] in wine.run("reg", "query", key, check=False)
 
 
-def main(repository, library, folder):
-    folder = pathlib.Path(folder) / "installer"
-    installer = make_installer(repository, library, folder)
-    installed = folder / "installed"
-    wine.run(wine.windows_path(installer), "/S", f"/D={wine.windows_path(installed)}")
-    script = folder / "transaction_mode.vbs"
+def faults_of(installer, installed, words, part, other):
+    """Installs for one part of the registry, beside a file of somebody else, and removes it."""
+    keys = [rf"{root}\{key}" for root in (part, other) for key in (UNINSTALL, CLASS)]
+    own = installed / "docs" / "own.txt"
+    own.parent.mkdir(parents=True)
+    own.touch()
+    wine.run(wine.windows_path(installer), "/S", *words, f"/D={wine.windows_path(installed)}")
+    if [known(key) for key in keys] != [True, True, False, False]:
+        yield f"{words} registered {[key for key in keys if known(key)]}"
+    if not (installed / "examples" / "order_day.vbs").exists():
+        yield "Not all is installed"
+    script = installed / "transaction_mode.vbs"
     script.write_text(f'WScript.Echo CreateObject("{NAME}.clsGetData").TransMode\n', encoding="ascii")
-    faults = []
-    if wine.run_script(script)[0] != "2\n":
-        faults.append("The class cannot be used")
-    if not known(UNINSTALL) or not (installed / "examples" / "order_day.vbs").exists():
-        faults.append("Not all is installed")
+    # Wine does not look a user's registration up.
+    if part == "HKLM" and wine.run_script(script)[0] != "2\n":
+        yield "The class cannot be used"
+    script.unlink()
     wine.run(wine.windows_path(installed / "uninstall.exe"), "/S")
     # It goes on as a copy of itself.
     ends = time.monotonic() + 20
-    while time.monotonic() < ends and (installed.exists() or known(UNINSTALL)):
+    while time.monotonic() < ends and any(map(known, keys)):
         time.sleep(0.2)
-    faults += [f"{left} is left" for left in (installed,) if left.exists()]
-    faults += [f"{key} is left" for key in (UNINSTALL, CLASS) if known(key)]
+    left = [path for path in installed.rglob("*") if path.is_file()] + [key for key in keys if known(key)]
+    if left != [own]:
+        yield f"{words} left {left}"
+
+
+def main(repository, library, folder):
+    folder = pathlib.Path(folder) / "installer"
+    installer = make_installer(repository, library, folder)
+    faults = [
+        *faults_of(installer, folder / "installed", ["/AllUsers"], "HKLM", "HKCU"),
+        *faults_of(installer, folder / "\u7528\u6237", ["/CurrentUser"], "HKCU", "HKLM"),
+    ]
     print("\n".join(faults) if faults else "installed, used and removed")
     return 1 if faults else 0
 

@@ -14,6 +14,7 @@ PARTS = (r"HKLM\Software\Classes", r"HKCU\Software\Classes")
 TAKEN = ("Mirel.Vector", "{11111111-2222-3333-4444-555555555555}")
 # What a library of 32 bits has registered.
 OTHER_BITNESS = ("Mirel.Dictionary", "{EA42DD31-F11F-497C-BA9E-E9406C345382}")
+APPLICATION = r"AppID\{21C628D3-6B94-48BF-9FF6-AF5EF1EF7A5E}"
 TYPE_LIBRARY = r"TypeLib\{1FE32CD4-2232-4B66-8CEF-F811FBCB2D64}"
 
 
@@ -74,13 +75,16 @@ def main(library, bits):
     registered = exported(library, PARTS[0])
     faults = list(faults_of(registered, bits))
     regsvr32(library, "/u")
-    # The names of the class that is registered for 32 bits stay, and nothing else.
+    # The names of the class that is registered for 32 bits stay, and its application, and nothing else.
     left = changed_keys(before, exported(library, PARTS[0]))
     # What the type libraries of both have in common stays with the other's.
     shared = {"1.0", "flags", "helpdir"}
     left = {key for key in left if TYPE_LIBRARY.lower() not in key or key.rsplit("\\", 1)[1] not in shared}
     name = OTHER_BITNESS[0].lower()
     wanted = set() if bits == "32" else {name, f"{name}\\clsid", f"{name}\\curver", f"{name}.1", f"{name}.1\\clsid"}
+    # Both views of the registry show the application.
+    if bits == "64":
+        wanted |= {APPLICATION.lower(), f"wow6432node\\{APPLICATION.lower()}"}
     faults += [f"{key} is not as it should be after /u" for key in sorted(left ^ wanted)]
     wine.run("reg", "delete", rf"{PARTS[0]}\{TAKEN[0]}", "/f")
     if bits == "64":

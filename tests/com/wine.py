@@ -4,6 +4,7 @@ import pathlib
 import re
 import shutil
 import subprocess
+import tempfile
 
 ENVIRONMENT = {name: value for name, value in os.environ.items() if name != "DISPLAY"} | {
     # What the interpreter of scripts does not understand it says only here.
@@ -16,13 +17,25 @@ def windows_path(path):
     return "Z:" + str(pathlib.Path(path).resolve()).replace("/", "\\")
 
 
+def finished(*words):
+    """A program's status, output and error output. They go to files: Wine's own processes, which stay for a minute,
+    would hold a pipe open."""
+    with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as remarks:
+        words = ["wine", *words]
+        done = subprocess.run(words, env=ENVIRONMENT, stdout=output, stderr=remarks, timeout=300, check=False)
+        texts = []
+        for told in (output, remarks):
+            told.seek(0)
+            texts.append(told.read().decode("utf-8", errors="replace").replace("\r\n", "\n"))
+    return done.returncode, *texts
+
+
 def run(*words, check=True):
     """Runs a program; answers its output. Its error output, in which Wine chats, is shown when it fails."""
-    done = subprocess.run(["wine", *words], env=ENVIRONMENT, capture_output=True, timeout=300, check=False)
-    if check and done.returncode != 0:
-        told = (done.stdout + done.stderr).decode("utf-8", errors="replace")
-        raise SystemExit(f"{words[0]} ended with {done.returncode}: {told}")
-    return done.stdout.decode("utf-8", errors="replace").replace("\r\n", "\n")
+    status, output, remarks = finished(*words)
+    if check and status != 0:
+        raise SystemExit(f"{words[0]} ended with {status}: {output}{remarks}")
+    return output
 
 
 def start_script(script, *arguments):
@@ -33,9 +46,7 @@ def start_script(script, *arguments):
 
 def run_script(script, *arguments):
     """A script's output, and what the interpreter says of it."""
-    with start_script(script, *arguments) as process:
-        output, remarks = process.communicate(timeout=300)
-    return tuple(text.decode("utf-8", errors="replace").replace("\r\n", "\n") for text in (output, remarks))
+    return finished("cscript", "//nologo", windows_path(script), *arguments)[1:]
 
 
 def expectations(script):

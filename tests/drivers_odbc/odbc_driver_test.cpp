@@ -1,8 +1,11 @@
 // The driver on a served database, beside what all drivers do alike: logins, time-outs, cleaning, lost connections.
 #include "tessarlorn/odbc_driver.h"
 
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sql.h>
+#include <sqlext.h>
 #include <thread>
 
 #include "platform/unicode/utf16.h"
@@ -10,6 +13,23 @@
 #include "support/served_database.h"
 #include "tessarlorn/session.h"
 #include "tsql/database_support.h"
+
+namespace {
+
+/// What connections were told of a distributed transaction, where a driver that knows them is asked for.
+std::vector<SQLPOINTER>* enlistments = nullptr;
+
+}  // namespace
+
+/// In front of the one of ODBC.
+extern "C" SQLRETURN SQLSetConnectAttr(SQLHDBC connection, SQLINTEGER attribute, SQLPOINTER value, SQLINTEGER length) {
+  if (attribute == 1207 && enlistments != nullptr) {
+    enlistments->push_back(value);
+    return SQL_SUCCESS;
+  }
+  static const auto next = reinterpret_cast<decltype(&SQLSetConnectAttr)>(dlsym(RTLD_NEXT, "SQLSetConnectAttr"));
+  return next(connection, attribute, value, length);
+}
 
 namespace tessarlorn {
 namespace {
@@ -31,6 +51,22 @@ class OdbcDriverTest : public ServedTest {
     return error.number();
   }
 };
+
+TEST_F(OdbcDriverTest, TakesPartInADistributedTransactionUntilItCloses) {
+  int transaction = 0;
+  EXPECT_THAT(ErrorOf([&] { Open()->Join(&transaction); }).description(),
+              HasSubstr("cannot take part in the container's transaction"));
+  std::vector<SQLPOINTER> told;
+  enlistments = &told;
+  {
+    const auto connection = Open();
+    connection->Join(&transaction);
+    EXPECT_EQ(Answer(*connection, "select 1 as a"), "a;1");
+    EXPECT_THAT(told, ElementsAre(&transaction));
+  }
+  enlistments = nullptr;
+  EXPECT_THAT(told, ElementsAre(&transaction, nullptr));
+}
 
 TEST_F(OdbcDriverTest, ARefusedLoginNamesTheFaultAndNoPassword) {
   const std::pair<std::string, const char*> cases[] = {

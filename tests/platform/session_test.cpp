@@ -24,6 +24,7 @@ class LoggedConnection : public Connection {
     if (fails_to_commit) Raise(error_number::kDatabaseFailure, "commit failed");
   }
   void RollbackTransaction() override { Note("rollback"); }
+  void Join(void* transaction) override { Note("join " + *static_cast<std::string*>(transaction)); }
   bool Reset() noexcept override {
     Note("reset");
     return resets;
@@ -85,14 +86,14 @@ TEST_F(SessionTest, HandsIdleConnectionsOutAgainForTheSameDatabase) {
   EXPECT_NE(&again->GetConnection(), &other->GetConnection());
 }
 
-TEST_F(SessionTest, HandsNoConnectionOnWhereTheHostForbidsIt) {
-  bool shares = true;
-  host_.SetSharing([&] { return shares; });
+TEST_F(SessionTest, JoinsTheTransactionOfTheHostWithConnectionsThatAreHandedToNobody) {
+  std::shared_ptr<void> transaction;
+  host_.SetTransaction([&] { return transaction; });
   Open();
-  shares = false;
-  Open();
-  EXPECT_EQ(events, (Events{"open 1", "reset 1", "open 2", "close 2"}));
-  shares = true;
+  transaction = std::make_shared<std::string>("T");
+  static_cast<void>(Open()->GetAlternateConnection());
+  EXPECT_EQ(events, (Events{"open 1", "reset 1", "open 2", "join T 2", "open 3", "close 3", "close 2"}));
+  transaction = nullptr;
   Open();
   EXPECT_EQ(events.back(), "reset 1");
 }

@@ -23,6 +23,8 @@ class AdoConnection final : public Connection {
   void BeginTransaction() override;
   void CommitTransaction() override;
   void RollbackTransaction() override;
+  /// OLE DB joins the transaction of the thread's context when the connection opens.
+  void Join(void* /*transaction*/) override {}
   /// Answers false: whether a connection is kept for the next one is up to OLE DB.
   bool Reset() noexcept override;
   [[nodiscard]] bool usable() const noexcept override;

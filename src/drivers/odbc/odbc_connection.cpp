@@ -121,6 +121,8 @@ void OdbcConnection::RollbackTransaction() {
   effects_.transaction = false;
 }
 
+void OdbcConnection::Join(void* transaction) { link_->Enlist(transaction); }
+
 void OdbcConnection::Run(SqlCommand& command, bool first_only, BatchSink& sink) {
   // ODBC has no empty batch.
   if (command.text.empty()) return;

@@ -26,6 +26,7 @@ class OdbcConnection final : public Connection {
   void BeginTransaction() override;
   void CommitTransaction() override;
   void RollbackTransaction() override;
+  void Join(void* transaction) override;
   /// Asks the server only when a batch since the last time may have left something behind. False when that may be more
   /// than can be taken back.
   bool Reset() noexcept override;

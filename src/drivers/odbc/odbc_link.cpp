@@ -16,6 +16,10 @@ namespace {
 constexpr SQLINTEGER kResetConnection = 1246;
 constexpr std::uintptr_t kResetYes = 1;
 
+/// Of the ODBC drivers that know the system's transaction coordinator; its value to take no more part in one.
+constexpr SQLINTEGER kEnlist = 1207;
+constexpr SQLPOINTER kEnlistDone = nullptr;
+
 // Said of every batch that changes the database or language, and behind every failed statement.
 constexpr std::int32_t kDatabaseChanged = 5701;
 constexpr std::int32_t kLanguageChanged = 5703;
@@ -50,7 +54,10 @@ OdbcLink::OdbcLink(const ConnectionOptions& options) : environment_(SQL_HANDLE_E
 
 OdbcLink::~OdbcLink() {
   statement_ = Handle();
-  if (connection_.get() != nullptr && !HandlesAreAbandoned()) SQLDisconnect(connection_.get());
+  if (connection_.get() == nullptr || HandlesAreAbandoned()) return;
+  // What was done stays in the transaction, and the connection may go before that ends.
+  if (enlisted_) SQLSetConnectAttr(connection_.get(), kEnlist, kEnlistDone, SQL_IS_POINTER);
+  SQLDisconnect(connection_.get());
 }
 
 void OdbcLink::RaiseCause(const std::vector<Diagnostic>& records) {
@@ -121,6 +128,15 @@ void OdbcLink::Run(SqlCommand& command, bool first_only, bool prints, BatchSink&
 
 bool OdbcLink::ResetWithNextBatch() noexcept {
   return SQL_SUCCEEDED(SQLSetConnectAttr(connection_.get(), kResetConnection, AsPointer(kResetYes), SQL_IS_UINTEGER));
+}
+
+void OdbcLink::Enlist(void* transaction) {
+  if (!SQL_SUCCEEDED(SQLSetConnectAttr(connection_.get(), kEnlist, transaction, SQL_IS_POINTER))) {
+    Diagnostic cause = Cause(connection_.Diagnostics());
+    cause.text = "The ODBC driver cannot take part in the container's transaction: " + cause.text;
+    throw ToError(cause);
+  }
+  enlisted_ = true;
 }
 
 bool OdbcLink::lost() const noexcept {

@@ -27,6 +27,10 @@ class OdbcLink {
   /// Has the server reset the session before the next batch. False when the ODBC driver cannot.
   bool ResetWithNextBatch() noexcept;
 
+  /// Makes what follows a part of a distributed transaction, which somebody else ends. Raises what the ODBC driver says
+  /// when it cannot.
+  void Enlist(void* transaction);
+
   /// Whether the connection was lost, as far as is known without asking the server.
   [[nodiscard]] bool lost() const noexcept;
   [[nodiscard]] SQLHSTMT statement() const noexcept { return statement_.get(); }
@@ -42,6 +46,7 @@ class OdbcLink {
   BatchSink* sink_ = nullptr;
   bool lost_ = false;
   bool goes_on_ = true;
+  bool enlisted_ = false;
   CheckResult check_ = [this](SQLRETURN result) { return Check(result); };
   std::unique_ptr<ResultReader> reader_;
 };

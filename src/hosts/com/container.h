@@ -1,10 +1,13 @@
 // The component container whose object calls an operation, where there is one.
 #pragma once
 
+#include <memory>
+
 namespace tessarlorn::com {
 
-/// Whether the calling object runs in a transaction of its container.
-bool InContainerTransaction() noexcept;
+/// The ITransaction in which the container runs the calling object; nullptr for none. Raises when the container does
+/// not hand it out.
+std::shared_ptr<void> TransactionOfContainer();
 
 /// Around one call of an operation: tells the container whether its transaction may be committed. Outside of a
 /// container it does nothing.

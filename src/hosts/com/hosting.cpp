@@ -46,7 +46,7 @@ Host* MakeHost() {
   AddEmbeddedDriver(*host);
   // Nobody cancels here, so that no thread need wait for it.
   AddOdbcDriver(*host, OdbcCancelling::kNone);
-  host->SetSharing([] { return !InContainerTransaction(); });
+  host->SetTransaction(TransactionOfContainer);
   AddNeighbours(*host);
   if (const ReadTcpEntry read = FindReadTcp()) {
     host->SetReadTcp([read](std::span<char> buffer, std::span<char> unused) {

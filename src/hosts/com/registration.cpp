@@ -14,8 +14,11 @@ namespace tessarlorn::com {
 namespace {
 
 constexpr const wchar_t* kClasses = L"Software\\Classes\\";
+/// The application as which the system's surrogate process serves the classes to clients that cannot load the library.
+constexpr std::string_view kApplicationId = "21C628D3-6B94-48BF-9FF6-AF5EF1EF7A5E";
 
 std::wstring Braced(std::string_view id) { return L"{" + ToWide(id) + L"}"; }
+std::wstring ApplicationKey() { return L"AppID\\" + Braced(kApplicationId); }
 
 /// What is not there is removed already.
 LSTATUS Removed(LSTATUS status) { return status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status; }
@@ -32,6 +35,14 @@ struct ClassKeys {
   /// The ProgID and the one with a version.
   std::array<std::wstring, 2> names;
 };
+
+/// The classes that clients create.
+std::vector<const ClassDescription*> Creatable() {
+  std::vector<const ClassDescription*> classes;
+  std::ranges::copy_if(AutomationClasses(), std::back_inserter(classes),
+                       [](const ClassDescription* description) { return !description->prog_id.empty(); });
+  return classes;
+}
 
 /// The classes of one part of the registry.
 class Part {
@@ -63,7 +74,11 @@ class Part {
         {keys.key + L"\\Programmable", nullptr, L""},
         {keys.key + L"\\TypeLib", nullptr, Braced(kLibraryId)},
         {keys.key + L"\\Version", nullptr, L"1.0"},
+        {ApplicationKey(), nullptr, ToWide(kLibraryName)},
+        {ApplicationKey(), L"DllSurrogate", L""},
     };
+    // A container that has the class runs it as an application of its own.
+    if (Read(keys.key, L"AppID").empty()) entries.push_back({keys.key, L"AppID", Braced(kApplicationId)});
     if (named) {
       const Entry names[] = {
           {name, nullptr, title},
@@ -96,6 +111,15 @@ class Part {
     return result;
   }
 
+  /// Removes the application unless a class of the other bitness needs it still.
+  [[nodiscard]] LSTATUS RemoveApplication() const {
+    const auto needs = [this](const ClassDescription* description) {
+      return Exists(ClassKeys(*description).key, kOtherBitness);
+    };
+    if (std::ranges::any_of(Creatable(), needs)) return ERROR_SUCCESS;
+    return Removed(RegDeleteTreeW(root_, (kClasses + ApplicationKey()).c_str()));
+  }
+
   /// @param view of the registry, when it is not that of this library's bitness
   [[nodiscard]] bool Exists(const std::wstring& key, REGSAM view = 0) const {
     HKEY opened = nullptr;
@@ -108,11 +132,14 @@ class Part {
   static constexpr REGSAM kOtherBitness = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
 
   /// The class that a name leads to, "" for none.
-  [[nodiscard]] std::wstring ClassOf(const std::wstring& name) const {
+  [[nodiscard]] std::wstring ClassOf(const std::wstring& name) const { return Read(name + L"\\CLSID", nullptr); }
+
+  /// The identity that a value holds, "" for none.
+  [[nodiscard]] std::wstring Read(const std::wstring& key, const wchar_t* name) const {
     std::array<wchar_t, 64> id{};
     DWORD size = sizeof(id);
     const LSTATUS status =
-        RegGetValueW(root_, (kClasses + name + L"\\CLSID").c_str(), nullptr, RRF_RT_REG_SZ, nullptr, id.data(), &size);
+        RegGetValueW(root_, (kClasses + key).c_str(), name, RRF_RT_REG_SZ, nullptr, id.data(), &size);
     return status == ERROR_SUCCESS ? id.data() : L"";
   }
 
@@ -161,14 +188,6 @@ HRESULT UnregisterLibrary(const Part& part, bool for_machine) {
   return part.Exists(key) ? TYPE_E_REGISTRYACCESS : S_OK;
 }
 
-/// The classes that clients create.
-std::vector<const ClassDescription*> Creatable() {
-  std::vector<const ClassDescription*> classes;
-  std::ranges::copy_if(AutomationClasses(), std::back_inserter(classes),
-                       [](const ClassDescription* description) { return !description->prog_id.empty(); });
-  return classes;
-}
-
 HRESULT RegisterIn(const Part& part, bool for_machine) {
   const Part machine(HKEY_LOCAL_MACHINE);
   for (const ClassDescription* const description : Creatable()) {
@@ -185,29 +204,33 @@ HRESULT RegisterIn(const Part& part, bool for_machine) {
 /// Removes what can be removed; answers the first failure.
 HRESULT UnregisterIn(const Part& part, bool for_machine) {
   HRESULT result = UnregisterLibrary(part, for_machine);
-  for (const ClassDescription* const description : Creatable()) {
-    const LSTATUS status = part.Remove(*description);
+  const auto keep_first = [&result](LSTATUS status) {
     if (SUCCEEDED(result) && status != ERROR_SUCCESS) result = HRESULT_FROM_WIN32(static_cast<DWORD>(status));
-  }
+  };
+  for (const ClassDescription* const description : Creatable()) keep_first(part.Remove(*description));
+  keep_first(part.RemoveApplication());
+  return result;
+}
+
+/// Registers all or nothing.
+HRESULT RegisterWholly(bool for_machine) {
+  const Part part(for_machine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER);
+  const HRESULT result = RegisterIn(part, for_machine);
+  if (FAILED(result)) static_cast<void>(UnregisterIn(part, for_machine));
   return result;
 }
 
 }  // namespace
 
-HRESULT Register() {
-  HRESULT result = S_OK;
-  for (const bool for_machine : {true, false}) {
-    const Part part(for_machine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER);
-    result = RegisterIn(part, for_machine);
-    if (SUCCEEDED(result)) break;
-    static_cast<void>(UnregisterIn(part, for_machine));
-  }
-  return result;
-}
+HRESULT Register() { return SUCCEEDED(RegisterWholly(true)) ? S_OK : RegisterForUser(); }
+
+HRESULT RegisterForUser() { return RegisterWholly(false); }
+
+HRESULT UnregisterForUser() { return UnregisterIn(Part(HKEY_CURRENT_USER), false); }
 
 HRESULT Unregister() {
   // The user's first: where both are, it is the user's type library that the machine's function would find.
-  const HRESULT of_user = UnregisterIn(Part(HKEY_CURRENT_USER), false);
+  const HRESULT of_user = UnregisterForUser();
   const HRESULT of_machine = UnregisterIn(Part(HKEY_LOCAL_MACHINE), true);
   return FAILED(of_machine) ? of_machine : of_user;
 }

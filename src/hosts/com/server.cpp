@@ -100,6 +100,13 @@ STDAPI DllRegisterServer() { return tessarlorn::com::Guarded(tessarlorn::com::Re
 
 STDAPI DllUnregisterServer() { return tessarlorn::com::Guarded(tessarlorn::com::Unregister); }
 
+// regsvr32 /n /i:user
+STDAPI DllInstall(BOOL install, LPCWSTR part) {
+  if (part == nullptr || _wcsicmp(part, L"user") != 0) return E_INVALIDARG;
+  return tessarlorn::com::Guarded(install != FALSE ? tessarlorn::com::RegisterForUser
+                                                   : tessarlorn::com::UnregisterForUser);
+}
+
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID /*process_ends*/) {
   if (reason == DLL_PROCESS_ATTACH) tessarlorn::com::SetModule(module);
   return TRUE;

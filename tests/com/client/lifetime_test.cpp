@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "com/client/typed_object.h"
+#include "hosts/objects/automation_object.h"
 
 namespace tessarlorn::com_test {
 namespace {
@@ -124,6 +125,24 @@ TEST(LifetimeTest, OtherApartmentsReachAnObjectThroughItsThread) {
   EXPECT_EQ(value.value.number(), 5);
   EXPECT_EQ(failure.error, static_cast<HRESULT>(0x80040E14));
   EXPECT_NE(failure.description.find(L"nothing"), std::wstring::npos);
+}
+
+TEST(LifetimeTest, TheSystemsSurrogateServesTheClasses) {
+  // Wine looks for it among the programs of 32 bits, whatever the library has.
+  CopyFileW(L"C:\\windows\\system32\\dllhost.exe", L"C:\\windows\\syswow64\\dllhost.exe", FALSE);
+  // Wine's does not end by itself.
+  struct Ending {
+    ~Ending() { EXPECT_EQ(_wsystem(L"taskkill /f /im dllhost.exe"), 0); }
+  } const ending;
+  const Apartment apartment;
+  const TypedObject reads(L"TessarLornPickingAndDelivery.clsGetData", CLSCTX_LOCAL_SERVER);
+  const auto execute = [&](const wchar_t* sql) {
+    return Invoke(reads.get(), MemberId("ExecuteSQL"), DISPATCH_METHOD, {L"Embedded=:memory:surrogate", sql});
+  };
+  const Answer rows = execute(L"select 7 a");
+  ASSERT_NE(rows.value.object(), nullptr);
+  EXPECT_EQ(Invoke(rows.value.object(), kDefaultMember, DISPATCH_PROPERTYGET, {L"a"}).value.number(), 7);
+  EXPECT_EQ(execute(L"select nothing").error, static_cast<HRESULT>(0x80040E14));
 }
 
 /// The database that TESSARLORN_TEST_DATABASE names, or a new file.

@@ -86,11 +86,11 @@ Answer Invoke(IDispatch* object, DISPID id, WORD flags, std::vector<Value> argum
   return answer;
 }
 
-TypedObject::TypedObject(const wchar_t* prog_id) {
+TypedObject::TypedObject(const wchar_t* prog_id, DWORD context) {
   CLSID class_id{};
   Check(CLSIDFromProgID(prog_id, &class_id), "CLSIDFromProgID");
   void* created = nullptr;
-  Check(CoCreateInstance(class_id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, &created), "CoCreateInstance");
+  Check(CoCreateInstance(class_id, nullptr, context, IID_IDispatch, &created), "CoCreateInstance");
   object_ = com::Pointer<IDispatch>::Adopt(static_cast<IDispatch*>(created));
   ReadInfo();
 }

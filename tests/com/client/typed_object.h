@@ -66,7 +66,7 @@ Answer Invoke(IDispatch* object, DISPID id, WORD flags, std::vector<Value> argum
 class TypedObject {
  public:
   /// Creates one by its ProgID.
-  explicit TypedObject(const wchar_t* prog_id);
+  explicit TypedObject(const wchar_t* prog_id, DWORD context = CLSCTX_INPROC_SERVER);
   /// @pre not nullptr
   explicit TypedObject(IDispatch* object);
 

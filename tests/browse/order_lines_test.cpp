@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "support/recording_driver.h"
-#include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn {
 namespace {
@@ -20,7 +19,6 @@ class OrderLinesTest : public RecordingTest {
     EXPECT_EQ(TheRecording().Batches().size(), 2U);
     return TheRecording().Batches().back();
   }
-  clsGetData get_{host_};
 };
 
 TEST_F(OrderLinesTest, ReadsTheFieldsOfTheInstallation) {

@@ -2,7 +2,6 @@
 
 #include "platform/text/text.h"
 #include "support/recording_driver.h"
-#include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn {
 namespace {
@@ -41,8 +40,6 @@ class OrderListTest : public RecordingTest {
     const std::size_t begin = text.rfind(" where 1=1");
     return text.substr(begin, text.rfind(") t order by") - begin);
   }
-
-  clsGetData get_{host_};
 };
 
 const char* const kUnlocked = " AND (t22.FIsLock = 0 OR t22.FIsLock IS NULL)";

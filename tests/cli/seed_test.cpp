@@ -249,8 +249,7 @@ TEST_F(SampleListsTest, NamesAreFoundForOrdersAndLines) {
   int activities = 0;
   int refused = 0;
   for (int key = 1; key <= kOrders; ++key) {
-    const Dictionary parameters{{"FID", key}};
-    const RecordsetPtr lines = get_.GetEntryData(samples_.Dsn(), &parameters);
+    const RecordsetPtr lines = get_.GetEntryData(samples_.Dsn(), Parameters{{"FID", key}});
     ASSERT_GE(lines->RecordCount(), 1U);
     for (; !lines->eof(); lines->MoveNext()) {
       ASSERT_NE(lines->Get("FItemName").ToText(), "");

@@ -2,7 +2,6 @@
 
 #include "support/batches.h"
 #include "support/recording_driver.h"
-#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {
@@ -10,10 +9,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class TransitionsTest : public RecordingTest {
- protected:
-  clsSaveData save_{host_};
-};
+using TransitionsTest = RecordingTest;
 
 TEST_F(TransitionsTest, DeliversForUsersOfSixteenBits) {
   const Dictionary parameters{{"sDSN", kDsn}, {"FID", "12,15"}};

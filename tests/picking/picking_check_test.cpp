@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "support/recording_driver.h"
-#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {
@@ -9,10 +8,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class PickingCheckTest : public RecordingTest {
- protected:
-  clsSaveData save_{host_};
-};
+using PickingCheckTest = RecordingTest;
 
 TEST_F(PickingCheckTest, SavesTheCheckOfAParcel) {
   const struct {

@@ -1,15 +1,11 @@
 #include <gmock/gmock.h>
 
 #include "support/recording_driver.h"
-#include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn {
 namespace {
 
-class SettingsTest : public RecordingTest {
- protected:
-  clsGetData get_{host_};
-};
+using SettingsTest = RecordingTest;
 
 TEST_F(SettingsTest, CountsTwentyOrdersPerRunWhenTheSettingIsNoNumber) {
   const auto count = [&](const char* value) {

@@ -101,13 +101,12 @@ insert into TPLTaskFlow(FTaskId,FTaskType,FTaskName,FWebTplType,FWebTplID,FStatu
   EXPECT_EQ(get().GetPurchaseTaskInfo("", "1,2", "T2", "3", "20"), 0);
 }
 
-class TaskTextTest : public RecordingTest {};
+using TaskTextTest = RecordingTest;
 
 TEST_F(TaskTextTest, SendsTheTaskAtTheHeadOfTheFirstBatch) {
-  clsSaveData save{host_};
   for (const BatchCase& c : kBatchCases) {
     Events().clear();
-    EXPECT_TRUE(save.SubMitTplOrderTask(kDsn, KeysTo(c.keys), 3, "Li", "W1"));
+    EXPECT_TRUE(save_.SubMitTplOrderTask(kDsn, KeysTo(c.keys), 3, "Li", "W1"));
     EXPECT_EQ(CountsOf("IF EXISTS (", Events()), c.blocks);
     EXPECT_EQ(Events().size(), c.blocks.size());
     EXPECT_THAT(Events().front(), StartsWith(" INSERT TPLTaskFlow  ("));

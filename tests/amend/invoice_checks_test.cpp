@@ -26,12 +26,9 @@ insert into IC_Web2ERPOrders(FID) values (1),(2),(3)
 insert into ICStockBillEntry(FInterID,FEntryID,FSourceTranType,FSourceInterId)
   values (80,1,1014301,1),(80,2,81,2),(81,1,1014301,3)
 insert into ICSaleEntry(FInterID,FEntryID,FSourceInterId,FSourceEntryID) values (90,1,80,1),(90,2,80,2),(90,3,81,7))");
-  const struct {
-    const char* orders;
-    bool answer;
-  } cases[] = {{"1", true}, {"2,1", true}, {"2", false}, {"3", false}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(get().bExistInvoice(Keys(c.orders)), c.answer) << c.orders;
+  const std::pair<const char*, bool> cases[] = {{"1", true}, {"2,1", true}, {"2", false}, {"3", false}};
+  for (const auto& [orders, answer] : cases) {
+    EXPECT_EQ(get().bExistInvoice(Keys(orders)), answer) << orders;
   }
 }
 

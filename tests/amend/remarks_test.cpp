@@ -37,15 +37,12 @@ class RemarkEffectsTest : public SampleTest {
 };
 
 TEST_F(RemarkEffectsTest, SellersRemarkIsReplacedOrAppended) {
-  const struct {
-    Variant mode;
-    const char* after;
-  } cases[] = {{1, "A\\B|\\B|C|"}, {"2", "A\\B|\\B|C|"}, {true, "A\\B|\\B|C|"},
-               {0, "B|B|C|"},      {"0", "B|B|C|"},      {"", "B|B|C|"}};
-  for (const auto& c : cases) {
+  const std::pair<Variant, const char*> cases[] = {{1, "A\\B|\\B|C|"}, {"2", "A\\B|\\B|C|"}, {true, "A\\B|\\B|C|"},
+                                                   {0, "B|B|C|"},      {"0", "B|B|C|"},      {"", "B|B|C|"}};
+  for (const auto& [mode, after] : cases) {
     Run("update IC_Web2ERPOrders set FSellerMessage = case FID when 1 then 'A' when 2 then '' else 'C' end");
-    EXPECT_TRUE(save().OrderRemark(Keys("1,2", {{"FSellerMessage", "B"}, {"Mode", c.mode}})));
-    EXPECT_EQ(Read("select FSellerMessage from IC_Web2ERPOrders order by FID"), c.after) << c.mode.ToText();
+    EXPECT_TRUE(save().OrderRemark(Keys("1,2", {{"FSellerMessage", "B"}, {"Mode", mode}})));
+    EXPECT_EQ(Read("select FSellerMessage from IC_Web2ERPOrders order by FID"), after) << mode.ToText();
   }
   const Dictionary wrong = Keys("1", {{"FSellerMessage", "B"}, {"Mode", "behind"}});
   EXPECT_EQ(Raised([&] { save().OrderRemark(&wrong); }), "13 OrderRemark");

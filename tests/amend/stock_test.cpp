@@ -38,12 +38,9 @@ TEST_F(StockTest, LogsNothingWhereTheCodeIsNotEnabled) {
 }
 
 TEST_F(StockTest, TellsWhetherALineHasNoWarehouse) {
-  const struct {
-    const char* order;
-    bool answer;
-  } cases[] = {{"3", true}, {"5", false}, {"99", false}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(get().bExistStock(Keys(c.order)), c.answer) << c.order;
+  const std::pair<const char*, bool> cases[] = {{"3", true}, {"5", false}, {"99", false}};
+  for (const auto& [order, answer] : cases) {
+    EXPECT_EQ(get().bExistStock(Keys(order)), answer) << order;
   }
 }
 

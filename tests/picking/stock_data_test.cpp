@@ -59,17 +59,13 @@ TEST_F(StockDataTest, ListsLinesOfWarehousesWithPlaces) {
 }
 
 TEST_F(StockDataTest, TellsWhatIsMissing) {
-  struct Case {
-    const char* orders;
-    bool managed;
-    bool empty;
-  };
+  using Case = std::tuple<const char*, bool, bool>;
   // Null is no empty batch number.
-  for (const Case& expected : {Case{"1", true, false}, Case{"2", false, true}, Case{"2,1", true, true},
-                               Case{"3", false, false}, Case{"", false, false}}) {
-    const Parameters orders = Keys(expected.orders);
-    EXPECT_EQ(get().bExistBatchOrSerialManagerItem(orders), expected.managed) << expected.orders;
-    EXPECT_EQ(get().bExistBatchEmpty(orders), expected.empty) << expected.orders;
+  for (const auto& [orders, managed, empty] : {Case{"1", true, false}, Case{"2", false, true}, Case{"2,1", true, true},
+                                               Case{"3", false, false}, Case{"", false, false}}) {
+    const Parameters keys = Keys(orders);
+    EXPECT_EQ(get().bExistBatchOrSerialManagerItem(keys), managed) << orders;
+    EXPECT_EQ(get().bExistBatchEmpty(keys), empty) << orders;
   }
   Run("UPDATE IC_Web2ERPOrdersEntry SET FItemID = 3 WHERE FEntryID = 21");
   EXPECT_TRUE(get().bExistBatchOrSerialManagerItem(Keys("2")));

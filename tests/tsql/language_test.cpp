@@ -452,13 +452,7 @@ TEST(Language, NestingHasALimit) {
     return Answer(*connection, batch).starts_with("error 191:");
   };
   // What may repeat without end, and how often it stands within the limit.
-  const struct {
-    const char* head;
-    const char* link;
-    const char* middle;
-    const char* tail;
-    int enough;
-  } cases[] = {
+  const std::tuple<const char*, const char*, const char*, const char*, int> cases[] = {
       {"select ", "(", "1", ")", 190},
       {"select ", "- ", "1", "", 190},
       {"select 1 where ", "not ", "1=1", "", 190},
@@ -472,9 +466,9 @@ TEST(Language, NestingHasALimit) {
       {"select 1", " union all select 1", "", "", 400},
       {"select * from t", " cross join t", "", "", 400},
   };
-  for (const auto& c : cases) {
-    EXPECT_FALSE(is_refused(c.head + repeat(c.link, c.enough) + c.middle + repeat(c.tail, c.enough))) << c.link;
-    EXPECT_TRUE(is_refused(c.head + repeat(c.link, 100000) + c.middle + repeat(c.tail, 100000))) << c.link;
+  for (const auto& [head, link, middle, tail, enough] : cases) {
+    EXPECT_FALSE(is_refused(head + repeat(link, enough) + middle + repeat(tail, enough))) << link;
+    EXPECT_TRUE(is_refused(head + repeat(link, 100000) + middle + repeat(tail, 100000))) << link;
   }
   // Chains within parentheses add up: the tree would be deeper than either limit.
   EXPECT_TRUE(is_refused("select " + repeat("(", 20) + "1" + repeat(repeat("+1", 100) + ")", 20)));

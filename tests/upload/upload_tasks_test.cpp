@@ -25,17 +25,13 @@ class UploadTasksTest : public SampleTest {
 };
 
 TEST_F(UploadTasksTest, TellsWhetherShopsAreOfOneType) {
-  struct Case {
-    const char* orders;
-    bool same;
-    int type;
-  };
-  for (const Case& expected : {Case{"1", true, 2}, Case{"1,2", true, 2}, Case{"3,4", true, 5}, Case{"4", true, 0},
-                               Case{"", true, 0}, Case{"2,3", false, 77}}) {
-    std::vector<Variant> arguments = {expected.orders, 77};
-    EXPECT_EQ(Invoke("CheckWebShopTypeSameByOrders", arguments).ToBool(), expected.same) << expected.orders;
+  using Case = std::tuple<const char*, bool, int>;
+  for (const auto& [orders, same, type] : {Case{"1", true, 2}, Case{"1,2", true, 2}, Case{"3,4", true, 5},
+                                           Case{"4", true, 0}, Case{"", true, 0}, Case{"2,3", false, 77}}) {
+    std::vector<Variant> arguments = {orders, 77};
+    EXPECT_EQ(Invoke("CheckWebShopTypeSameByOrders", arguments).ToBool(), same) << orders;
     EXPECT_EQ(arguments[2].type_name(), "Integer");
-    EXPECT_EQ(arguments[2].ToInt32(), expected.type) << expected.orders;
+    EXPECT_EQ(arguments[2].ToInt32(), type) << orders;
   }
   EXPECT_EQ(get().GetWebShopType(dsn_, "33"), 5);
   EXPECT_EQ(get().GetWebShopType(dsn_, "99"), 0);

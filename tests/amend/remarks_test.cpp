@@ -2,7 +2,6 @@
 
 #include "support/recording_driver.h"
 #include "support/sample_test.h"
-#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {
@@ -10,10 +9,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class RemarksTest : public RecordingTest {
- protected:
-  clsSaveData save_{host_};
-};
+using RemarksTest = RecordingTest;
 
 TEST_F(RemarksTest, DeliveryRemarkIsAppendedWithModeOneOnly) {
   Dictionary parameters{{"sDSN", kDsn}, {"FID", "12,15"}, {"FShippingRem", "late"}, {"Mode", "1"}};
@@ -41,29 +37,23 @@ class RemarkEffectsTest : public SampleTest {
 };
 
 TEST_F(RemarkEffectsTest, SellersRemarkIsReplacedOrAppended) {
-  const struct {
-    Variant mode;
-    const char* after;
-  } cases[] = {{1, "A\\B|\\B|C|"}, {"2", "A\\B|\\B|C|"}, {true, "A\\B|\\B|C|"},
-               {0, "B|B|C|"},      {"0", "B|B|C|"},      {"", "B|B|C|"}};
-  for (const auto& c : cases) {
+  const std::pair<Variant, const char*> cases[] = {{1, "A\\B|\\B|C|"}, {"2", "A\\B|\\B|C|"}, {true, "A\\B|\\B|C|"},
+                                                   {0, "B|B|C|"},      {"0", "B|B|C|"},      {"", "B|B|C|"}};
+  for (const auto& [mode, after] : cases) {
     Run("update IC_Web2ERPOrders set FSellerMessage = case FID when 1 then 'A' when 2 then '' else 'C' end");
-    const Dictionary keys = Keys("1,2", {{"FSellerMessage", "B"}, {"Mode", c.mode}});
-    EXPECT_TRUE(save().OrderRemark(&keys));
-    EXPECT_EQ(Read("select FSellerMessage from IC_Web2ERPOrders order by FID"), c.after) << c.mode.ToText();
+    EXPECT_TRUE(save().OrderRemark(Keys("1,2", {{"FSellerMessage", "B"}, {"Mode", mode}})));
+    EXPECT_EQ(Read("select FSellerMessage from IC_Web2ERPOrders order by FID"), after) << mode.ToText();
   }
   const Dictionary wrong = Keys("1", {{"FSellerMessage", "B"}, {"Mode", "behind"}});
   EXPECT_EQ(Raised([&] { save().OrderRemark(&wrong); }), "13 OrderRemark");
 }
 
 TEST_F(RemarkEffectsTest, WishesAreReplacedAndLogged) {
-  const Dictionary keys = Keys("1,3", {{"FDeliveryRemark", "noon"}, {"Mode", 1}});
-  EXPECT_TRUE(save().DeRemark(&keys));
+  EXPECT_TRUE(save().DeRemark(Keys("1,3", {{"FDeliveryRemark", "noon"}, {"Mode", 1}})));
   EXPECT_EQ(Read("select FDeliveryRemark from IC_Web2ERPOrders order by FID"), "noon|b|noon|");
   EXPECT_EQ(Read("select FOrderFID,FEntryID,FFieldName,FNewValue from IC_TradeFieldLog order by FOrderFID"),
             "1|0|FDeliveryRemark|noon|3|0|FDeliveryRemark|noon|");
-  const Dictionary none = Keys("1");
-  EXPECT_FALSE(save().DeRemark(&none));
+  EXPECT_FALSE(save().DeRemark(Keys("1")));
 }
 
 }  // namespace

@@ -20,8 +20,7 @@ insert into t_SystemProfile(FCategory,FKey,FValue) values ('EC','TradeLog2001','
 };
 
 TEST_F(StockTest, MovesLinesAndLogsEachWithBothWarehouses) {
-  const Dictionary keys = Keys("3,5", {{"FStockID", 20}});
-  EXPECT_TRUE(save().ChangeStock(&keys));
+  EXPECT_TRUE(save().ChangeStock(Keys("3,5", {{"FStockID", 20}})));
   EXPECT_EQ(Read("select FEntryID,FStockID,FSPID from IC_Web2ERPOrdersEntry order by FEntryID"),
             "31|20|0|32|20|0|51|20|0|61|10|7|");
   EXPECT_EQ(Read("select FOrderFID,FOPUserID,FOPCode,FUserIP,FItemID,FOldValue,FNewValue from IC_TradeLog order by "
@@ -33,36 +32,30 @@ TEST_F(StockTest, MovesLinesAndLogsEachWithBothWarehouses) {
 
 TEST_F(StockTest, LogsNothingWhereTheCodeIsNotEnabled) {
   Run("update t_SystemProfile set FValue='0' where FKey='TradeLog2001'");
-  const Dictionary keys = Keys("3", {{"FStockID", "20"}});
-  EXPECT_TRUE(save().ChangeStock(&keys));
+  EXPECT_TRUE(save().ChangeStock(Keys("3", {{"FStockID", "20"}})));
   EXPECT_EQ(Read("select FStockID from IC_Web2ERPOrdersEntry where FID=3"), "20|20|");
   EXPECT_EQ(Read("select count(*) from IC_TradeLog"), "0|");
 }
 
 TEST_F(StockTest, TellsWhetherALineHasNoWarehouse) {
-  const struct {
-    const char* order;
-    bool answer;
-  } cases[] = {{"3", true}, {"5", false}, {"99", false}};
-  for (const auto& c : cases) {
-    const Dictionary keys = Keys(c.order);
-    EXPECT_EQ(get().bExistStock(&keys), c.answer) << c.order;
+  const std::pair<const char*, bool> cases[] = {{"3", true}, {"5", false}, {"99", false}};
+  for (const auto& [order, answer] : cases) {
+    EXPECT_EQ(get().bExistStock(Keys(order)), answer) << order;
   }
 }
 
-class StockTextTest : public RecordingTest {};
+using StockTextTest = RecordingTest;
 
 TEST_F(StockTextTest, AsksForTheClientOnlyWhenItIsLogged) {
-  clsSaveData save{host_};
   const Dictionary keys{{"sDSN", kDsn}, {"FID", "12"}, {"FStockID", "20"}};
   host_.SetReadTcp([](std::span<char> buffer, std::span<char>) {
     std::fill(buffer.begin(), buffer.end(), '1');
     return 1;
   });
-  EXPECT_EQ(Raised([&] { save.ChangeStock(&keys); }), "5 ChangeStock");
+  EXPECT_EQ(Raised([&] { save_.ChangeStock(&keys); }), "5 ChangeStock");
   EXPECT_THAT(Events(), testing::ElementsAre("IsLogEnable(2001)"));
   TheRecording().log_enabled = false;
-  EXPECT_TRUE(save.ChangeStock(&keys));
+  EXPECT_TRUE(save_.ChangeStock(&keys));
 }
 
 }  // namespace

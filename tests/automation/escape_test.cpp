@@ -105,8 +105,7 @@ TEST_F(EscapeTest, KeepsTextsWholeInEveryOperation) {
   // The server joins a line that ends in a backslash with the next.
   const std::string lines = "\r\na\\\r\n\r\nb\\\\\nc\\\n";
   Run("UPDATE IC_Web2ERPOrders SET FSellerMessage = ''");
-  const Dictionary remark{{"sDSN", escaping_}, {"FID", "1"}, {"Mode", 1}, {"FSellerMessage", lines}};
-  save().OrderRemark(&remark);
+  save().OrderRemark(Parameters{{"sDSN", escaping_}, {"FID", "1"}, {"Mode", 1}, {"FSellerMessage", lines}});
   EXPECT_EQ(Read("SELECT FSellerMessage FROM IC_Web2ERPOrders WHERE FID=1"), "\\" + lines + "|");
   EXPECT_EQ(get().GetPurchaseTaskInfo(escaping_, "", kText, "1", "1"), 0);
 }

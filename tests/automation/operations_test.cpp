@@ -110,13 +110,9 @@ TEST_F(InvokeTest, RaisesUnderTheSourceOfItsContract) {
       if (name == "sFKey") return "1_1";
       return type == ValueType::kBoolean ? Variant(true) : Variant(1);
     });
-    try {
-      ServiceObject(host_, operation->service).Invoke(*operation, arguments);
-      ADD_FAILURE() << operation->name;
-    } catch (const Error& error) {
-      EXPECT_EQ(error.number(), error_number::kNoSuchTable) << operation->name;
-      EXPECT_EQ(error.source(), operation->contract->source) << operation->name;
-    }
+    EXPECT_EQ(Raised([&] { ServiceObject(host_, operation->service).Invoke(*operation, arguments); }),
+              std::to_string(error_number::kNoSuchTable) + " " + std::string(operation->contract->source))
+        << operation->name;
   }
 }
 

@@ -15,11 +15,7 @@ class GridLayoutTest : public SampleTest {
         " traditional', " + std::to_string(position) + ", " + more + ")");
   }
   std::string Language(const char* language) { return database_.Dsn(16394, std::string("Language=") + language + ";"); }
-  static std::string Captions(const RecordsetPtr& rows) {
-    std::string captions;
-    for (; !rows->eof(); rows->MoveNext()) captions += rows->Get("FCaption").ToText() + ";";
-    return captions;
-  }
+  static std::string Captions(const RecordsetPtr& rows) { return Told(rows, {"FCaption"}); }
 };
 
 TEST_F(GridLayoutTest, ListsFieldsByPageAndPositionInTheCallersLanguage) {
@@ -27,11 +23,10 @@ TEST_F(GridLayoutTest, ListsFieldsByPageAndPositionInTheCallersLanguage) {
   AddField(1014301, 1, "FOrderID", 7);
   AddField(1014301, 1, "FID", 3);
   AddField(1014302, 1, "FOther", 1);
-  const Dictionary simplified{{"sDSN", Language("ENG")}};
-  EXPECT_EQ(Captions(get().GetTemplateData(&simplified)), "FID simplified;FOrderID simplified;FItemName simplified;");
-  const Dictionary traditional{{"sDSN", Language(" cht")}};
-  EXPECT_EQ(Captions(get().GetTemplateData(&traditional)),
-            "FID traditional;FOrderID traditional;FItemName traditional;");
+  EXPECT_EQ(Captions(get().GetTemplateData(Parameters{{"sDSN", Language("ENG")}})),
+            "FID simplified | FOrderID simplified | FItemName simplified | ");
+  EXPECT_EQ(Captions(get().GetTemplateData(Parameters{{"sDSN", Language(" cht")}})),
+            "FID traditional | FOrderID traditional | FItemName traditional | ");
 }
 
 TEST_F(GridLayoutTest, OffersSavedHeaderFieldsAndSomeOthersForFilters) {
@@ -44,7 +39,7 @@ TEST_F(GridLayoutTest, OffersSavedHeaderFieldsAndSomeOthersForFilters) {
   AddField(1014301, 2, "FBarCode", 6);
   AddField(1014302, 1, "FNumber", 7);
   EXPECT_EQ(Captions(get().GetUserDefineFilterTemplate(Language("CHT"))),
-            "FLotNumber traditional;FBarCode traditional;FOrderID traditional;");
+            "FLotNumber traditional | FBarCode traditional | FOrderID traditional | ");
   EXPECT_EQ(get().GetUserDefineFilterTemplate(""), nullptr);
 }
 

@@ -44,10 +44,7 @@ TEST_F(OrderListSampleTest, EachFilterLetsThroughWhatItSays) {
   const std::string warehouse = One(
       "select top 1 s.FName from t_Stock s join IC_Web2ERPOrdersEntry e on e.FStockID = s.FItemID order by e.FEntryID");
   const std::string middle = One("select convert(varchar(20), min(FOrderDate) + 100, 120) from IC_Web2ERPOrders");
-  const struct {
-    Dictionary filter;
-    std::string condition;
-  } cases[] = {
+  const std::pair<Dictionary, std::string> cases[] = {
       {{}, kUnlocked},
       {{{"FOrderStatus", 2}},
        std::string(kUnlocked) +
@@ -75,11 +72,11 @@ TEST_F(OrderListSampleTest, EachFilterLetsThroughWhatItSays) {
        std::string(kUnlocked) +
            " and exists(select 1 from IC_Web2ERPOrdersEntry e join t_ICItem i on i.FItemID = e.FItemID where e.FID = o.FID and i.FNumber = '02.003')"},
   };
-  for (const auto& one : cases) {
-    SCOPED_TRACE(one.condition);
-    const std::string wanted = Headers(one.condition);
+  for (const auto& [filter, condition] : cases) {
+    SCOPED_TRACE(condition);
+    const std::string wanted = Headers(condition);
     EXPECT_FALSE(wanted.empty());
-    EXPECT_EQ(List(one.filter), wanted);
+    EXPECT_EQ(List(filter), wanted);
   }
   const std::string most = List({{"WebOrderMaxDisplayCount", 7}});
   EXPECT_EQ(std::count(most.begin(), most.end(), ' '), 7);

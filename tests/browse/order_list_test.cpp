@@ -2,7 +2,6 @@
 
 #include "platform/text/text.h"
 #include "support/recording_driver.h"
-#include "tessarlorn/clsGetData.h"
 
 namespace tessarlorn {
 namespace {
@@ -41,8 +40,6 @@ class OrderListTest : public RecordingTest {
     const std::size_t begin = text.rfind(" where 1=1");
     return text.substr(begin, text.rfind(") t order by") - begin);
   }
-
-  clsGetData get_{host_};
 };
 
 const char* const kUnlocked = " AND (t22.FIsLock = 0 OR t22.FIsLock IS NULL)";
@@ -114,11 +111,7 @@ TEST_F(OrderListTest, FiltersRefundsByTheSetting) {
       " AND FStatus IN ('TRADE_CLOSED','TRADE_AUTOMATIC_CLOSED','TRADE_MANUAL_CLOSED')))\r\n";
   const std::string refunding =
       " AND t1.FOrderStatus > 1\r\n AND (t26.FRefundStatus = 1 AND t26.FIsShowWaitVerifyTemp = 0 \r\n";
-  const struct {
-    int status;
-    bool check_off;
-    std::string clauses;
-  } cases[] = {
+  const std::tuple<int, bool, std::string> cases[] = {
       {1, false, "  AND (t26.FRefundStatus IS NULL OR " + waits + ")\r\n"},
       {1, true,
        "  AND (t26.FRefundStatus IS NULL OR (t26.FRefundStatus = 1 AND (t26.FIsShowWaitVerifyTemp > 0 OR "
@@ -127,10 +120,10 @@ TEST_F(OrderListTest, FiltersRefundsByTheSetting) {
       {2, true, refunding + " AND t1.FTransactionStatus NOT IN (38193,38194)\r\n" + closed},
       {3, true, ""},
   };
-  for (const auto& c : cases) {
-    Answer("", false, c.check_off);
-    EXPECT_EQ(Where({{"FCloseOrRefundStatus", c.status}}), Lines({" where 1=1 ", kUnlocked}) + c.clauses)
-        << c.status << c.check_off;
+  for (const auto& [status, check_off, clauses] : cases) {
+    Answer("", false, check_off);
+    EXPECT_EQ(Where({{"FCloseOrRefundStatus", status}}), Lines({" where 1=1 ", kUnlocked}) + clauses)
+        << status << check_off;
   }
 }
 
@@ -164,6 +157,25 @@ TEST_F(OrderListTest, CollectsTheKeysOfAnAdvancedFilterFirst) {
           " WHERE 1=1 AND (case when t20.FOuterSKUID <>'' then t20.FouterSKUID else t20.FOuteriid end)='CUP'",
           " AND T1.FORDERSTATUS =6",
       })));
+}
+
+class OrderLinesTest : public RecordingTest {
+ protected:
+  std::string Send(const char* user_fields) {
+    Events().clear();
+    TheRecording().answer = [=](std::string_view text) {
+      return text.starts_with("declare") ? TextRows({"UserDefineFld"}, {{user_fields}}) : TextRows({}, {});
+    };
+    const Dictionary parameters{{"FID", 12}};
+    EXPECT_NE(get_.GetEntryData(kDsn, &parameters), nullptr);
+    EXPECT_EQ(TheRecording().Batches().size(), 2U);
+    return TheRecording().Batches().back();
+  }
+};
+
+TEST_F(OrderLinesTest, ReadsTheFieldsOfTheInstallation) {
+  EXPECT_THAT(Send(""), testing::AllOf(HasSubstr("FActivityName\r\nFROM "), HasSubstr("\r\nand t1.FID=12\r\n")));
+  EXPECT_THAT(Send(",t2.FColour"), HasSubstr("FActivityName\r\n,t2.FColour\r\nFROM "));
 }
 
 }  // namespace

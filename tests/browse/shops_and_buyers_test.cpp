@@ -15,40 +15,30 @@ class ShopsAndBuyersTest : public SampleTest {
         "FBuyerEMail) VALUES (3, 'O3', 2, 31, 7, 'Ann', 'a@x.example'), (5, 'O5', 6, 32, 0, 'Bob', ''), "
         "(6, 'O6', 6, 99, 7, 'Cid', '')");
   }
-  Dictionary Keys(const std::string& orders, const std::string& language = "CHS") {
+  Parameters Keys(const std::string& orders, const std::string& language = "CHS") {
     return {{"sDSN", database_.Dsn(16394, "Language=" + language + ";")}, {"FID", orders}};
   }
 };
 
 TEST_F(ShopsAndBuyersTest, ListsShopsAndBuyers) {
-  const Dictionary connection{{"sDSN", dsn_}};
-  const RecordsetPtr shops = get().GetWebShopData(&connection);
+  const RecordsetPtr shops = get().GetWebShopData(Parameters{{"sDSN", dsn_}});
   ASSERT_EQ(shops->RecordCount(), 2U);
   EXPECT_EQ(shops->Get("FWebShopName").ToText(), "Cups");
   EXPECT_TRUE(shops->attached());
-  const Dictionary both = Keys("3,5");
-  EXPECT_EQ(get().GetCommunicaInformation(&both)->RecordCount(), 2U);
-  const Dictionary first = Keys("3");
-  EXPECT_EQ(get().GetCommunicaInformation(&first)->Get("FBuyerEMail").ToText(), "a@x.example");
+  EXPECT_EQ(get().GetCommunicaInformation(Keys("3,5"))->RecordCount(), 2U);
+  EXPECT_EQ(get().GetCommunicaInformation(Keys("3"))->Get("FBuyerEMail").ToText(), "a@x.example");
 }
 
 TEST_F(ShopsAndBuyersTest, LeavesOrdersWithoutCarrierOrShopOut) {
   for (const auto& [language, name] : {std::pair{"CHT", "快遞"}, std::pair{"CHS", "快递"}, std::pair{"ENG", "快递"}}) {
-    const Dictionary orders = Keys("3,5,6", language);
-    const RecordsetPtr rows = get().GetMobileInformation(&orders);
-    ASSERT_EQ(rows->RecordCount(), 1U);
-    EXPECT_EQ(rows->Get("FOrderID").ToText(), "O3");
-    EXPECT_EQ(rows->Get("FWebShopName").ToText(), "Tea");
-    EXPECT_EQ(rows->Get("FLogisticsName").ToText(), name);
+    EXPECT_EQ(Told(get().GetMobileInformation(Keys("3,5,6", language)), {"FOrderID", "FWebShopName", "FLogisticsName"}),
+              std::string("O3 Tea ") + name + " | ");
   }
 }
 
 TEST_F(ShopsAndBuyersTest, RefreshesAndReadsTheTitlesOfStates) {
   EXPECT_TRUE(get().ExeP_WebBillTitleData(dsn_));
-  const Dictionary titles = get().GetWebBillTitleData(dsn_).value();
-  EXPECT_EQ(titles.GetValue("2").ToText(), "待配货(1)");
-  EXPECT_EQ(titles.GetValue("6").ToText(), "待发货(2)");
-  EXPECT_EQ(titles.GetValue("14").ToText(), "已发货(0)");
+  EXPECT_EQ(Told(get().GetWebBillTitleData(dsn_)), "2=待配货(1) 6=待发货(2) 14=已发货(0) ");
 }
 
 TEST_F(ShopsAndBuyersTest, SwallowsErrorsOfTitles) {
@@ -89,11 +79,9 @@ using WebShopSessionTest = RecordingTest;
 
 // The list is opened while the session of the call before still holds its connection, so that it takes another.
 TEST_F(WebShopSessionTest, DoesNotResetTheSessionBefore) {
-  clsGetData get{host_};
-  const Dictionary connection{{"sDSN", kDsn}};
-  get.GetUserDefineFilterTemplate(kDsn);
+  get_.GetUserDefineFilterTemplate(kDsn);
   Events().clear();
-  get.GetWebShopData(&connection);
+  get_.GetWebShopData(Parameters{{"sDSN", kDsn}});
   EXPECT_EQ(Events().front(), "open");
 }
 

@@ -1,6 +1,6 @@
 #include "hosts/calls/json_arguments.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "hosts/calls/json_text.h"
 #include "hosts/calls/wrong_call.h"
@@ -9,12 +9,8 @@ namespace tessarlorn {
 namespace {
 
 TEST(JsonArgumentsTest, KeepsEveryDigitOfNumbers) {
-  struct Case {
-    const char* json;
-    const char* type;
-    const char* text;
-  };
-  for (const Case& item : {
+  using Case = std::tuple<const char*, const char*, const char*>;
+  for (const auto& [json, type, text] : {
            Case{"2147483647", "Long", "2147483647"},
            Case{"-2147483648", "Long", "-2147483648"},
            Case{"2147483648", "Decimal", "2147483648"},
@@ -29,9 +25,9 @@ TEST(JsonArgumentsTest, KeepsEveryDigitOfNumbers) {
            Case{"true", "Boolean", "True"},
            Case{"null", "Null", ""},
        }) {
-    const Variant value = ReadJson(item.json, "x");
-    EXPECT_EQ(value.type_name(), item.type) << item.json;
-    EXPECT_EQ(value.is_null() ? "" : value.ToText(), item.text) << item.json;
+    const Variant value = ReadJson(json, "x");
+    EXPECT_EQ(value.type_name(), type) << json;
+    EXPECT_EQ(value.is_null() ? "" : value.ToText(), text) << json;
   }
 }
 
@@ -42,11 +38,8 @@ TEST(JsonArgumentsTest, NestsAndReadsWhatJsonWrites) {
 
 TEST(JsonArgumentsTest, NamesPlaceAndFault) {
   const std::string deep(65, '[');
-  struct Case {
-    std::string json;
-    const char* fault;
-  };
-  for (const Case& item : {
+  using Case = std::pair<std::string, const char*>;
+  for (const auto& [json, fault] : {
            Case{"", "f.json:1:1: syntax error while parsing value - unexpected end of input"},
            Case{"{\"a\":1,\n  \"b\" 2}", "f.json:2:7: syntax error"},
            Case{"{\"中文\": x}", "f.json:1:8: syntax error"},
@@ -57,12 +50,8 @@ TEST(JsonArgumentsTest, NamesPlaceAndFault) {
            Case{"[1e400]", "f.json:1:6: number overflow parsing '1e400'"},
            Case{deep, "f.json:1:65: more than 64 levels of objects and arrays"},
        }) {
-    try {
-      ReadJson(item.json, "f.json");
-      ADD_FAILURE() << item.json;
-    } catch (const WrongCall& error) {
-      EXPECT_EQ(std::string(error.what()).rfind(item.fault, 0), 0U) << error.what();
-    }
+    EXPECT_THAT([json = json] { ReadJson(json, "f.json"); },
+                testing::ThrowsMessage<WrongCall>(testing::StartsWith(fault)));
   }
   EXPECT_TRUE(ReadJson(std::string(64, '[') + std::string(64, ']'), "x").ToVector());
 }

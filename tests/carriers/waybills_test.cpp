@@ -22,22 +22,6 @@ struct Call {
   std::string found = {};
 };
 
-std::string Told(const Variant& answer) {
-  std::string text;
-  if (const RecordsetPtr rows = answer.ToRecordset()) {
-    for (; !rows->eof(); rows->MoveNext()) {
-      for (std::size_t i = 0; i < rows->fields().size(); ++i) text += rows->Get(i).ToText() + " ";
-      text += "| ";
-    }
-    return text;
-  }
-  if (answer.type_name() == "Nothing") return "Nothing";
-  const auto dictionary = answer.ToDictionary();
-  if (!dictionary) return answer.ToText();
-  for (const auto& [key, value] : *dictionary) text += key + "=" + value.ToText() + " ";
-  return text;
-}
-
 class WaybillsTest : public SampleTest {
  protected:
   WaybillsTest() {

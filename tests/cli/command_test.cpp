@@ -278,9 +278,12 @@ TEST_F(CommandTest, EndsWithAnErrorWhenItsOutputIsLost) {
 }
 
 TEST_F(CommandTest, IsInterrupted) {
-  const Told told = Interrupt("sql \"print 'begun' declare @n int = 0 while 1=1 set @n = @n + 1\"", "begun");
+  const Told told = Interrupt(
+      "sql \"insert t_Stock (FItemID) values (76) print 'begun' declare @n int = 0 while 1=1 set @n = @n + 1\"",
+      "begun");
   EXPECT_EQ(told.err, "begun\ntessarlorn: interrupted\n");
   EXPECT_EQ(told.status, 130);
+  EXPECT_EQ(Query("select count(*) n from t_Stock where FItemID = 76")[0]["n"], 1) << "what came before stays";
 }
 
 // An operation that swallows its errors takes the end of its batch for an answer.

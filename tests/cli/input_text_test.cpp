@@ -11,10 +11,7 @@ namespace {
 using std::string_view_literals::operator""sv;
 
 TEST(InputTextTest, ReadsWhatEditorsWriteAndRefusesTheRest) {
-  struct Case {
-    std::string_view bytes;
-    std::optional<std::string> text;
-  };
+  using Case = std::pair<std::string_view, std::optional<std::string>>;
   for (const auto& [bytes, text] : {
            Case{"", ""},
            Case{"张\n", "张\n"},

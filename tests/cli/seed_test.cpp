@@ -64,11 +64,7 @@ class SamplesTest : public testing::Test {
 };
 
 TEST_F(SamplesTest, HoldEveryState) {
-  const struct {
-    const char* value;
-    const char* from;
-    const char* values;
-  } cases[] = {
+  const std::tuple<std::string, const char*, const char*> cases[] = {
       {"FOrderStatus", "h", "2|6|14|"},
       {"FUpLoadStatus", "h", "0|1|2|3|"},
       {"FLockStatus", "x where FIsLock = 1", "1|2|"},
@@ -90,9 +86,8 @@ TEST_F(SamplesTest, HoldEveryState) {
       {"FIsFree", "l where FIndex = 8 or FAmount = 0", "0|1|"},
       {"FTitle", "IC_WEBOrders_Status where FOrderStatus = 14", "已发货(320)|"},
   };
-  for (const auto& c : cases) {
-    const std::string value = c.value;
-    EXPECT_EQ(Read("select distinct " + value + " from " + c.from + " order by " + value), c.values) << value << c.from;
+  for (const auto& [value, from, values] : cases) {
+    EXPECT_EQ(Read("select distinct " + value + " from " + from + " order by " + value), values) << value << from;
   }
 }
 
@@ -249,8 +244,7 @@ TEST_F(SampleListsTest, NamesAreFoundForOrdersAndLines) {
   int activities = 0;
   int refused = 0;
   for (int key = 1; key <= kOrders; ++key) {
-    const Dictionary parameters{{"FID", key}};
-    const RecordsetPtr lines = get_.GetEntryData(samples_.Dsn(), &parameters);
+    const RecordsetPtr lines = get_.GetEntryData(samples_.Dsn(), Parameters{{"FID", key}});
     ASSERT_GE(lines->RecordCount(), 1U);
     for (; !lines->eof(); lines->MoveNext()) {
       ASSERT_NE(lines->Get("FItemName").ToText(), "");

@@ -27,43 +27,34 @@ values (11,1,1,0,'',0,0,0),
 )");
   }
 
-  static std::string Told(const std::optional<Vector>& bills) {
-    if (!bills) return "Nothing";
-    std::string text;
-    for (const Variant& bill : *bills) {
-      for (const auto& [key, value] : *bill.ToDictionary()) text += value.ToText() + " ";
-      text += "| ";
-    }
-    return text;
-  }
-
-  std::string Status(const Dictionary& more) {
-    const Dictionary keys = Keys("9,8,7,6,5,4,3,2,1,77", more);
-    std::string text;
-    const Dictionary status = *get().CheckBillStatus(&keys);
-    for (const auto& [key, value] : status) text += key + "=" + value.ToText() + " ";
-    return text;
-  }
+  std::string Status(const Dictionary& more) { return Told(get().CheckBillStatus(Keys("9,8,7,6,5,4,3,2,1,77", more))); }
 
   Dictionary all_{{"sDSN", database_.Dsn(7, "Language=CHT;")}, {"FID", "9,8,7,6,5,4,3,2,1,77"}};
 };
 
 TEST_F(BillChecksTest, SortOrdersByWhatStopsThem) {
-  EXPECT_EQ(Told(get().CheckReturnBills(&all_)), "2 O2 S2 1 收货 | 5 O5 S5 1,3 等賣家;2 申請退款 | ");
-  EXPECT_EQ(Told(get().CheckCloseBill(&all_)), "2 O2 1 | 3 O3 1 | 4 O4 2 | 8 O8 1 | ");
-  EXPECT_EQ(Told(get().CheckCloseBillOnly(&all_)), "3 O3 1 | 8 O8 1 | ");
+  EXPECT_EQ(Told(get().CheckReturnBills(&all_)),
+            "FID=2 FOrderID=O2 FSiteOrderID=S2 FReason=1 收货 | "
+            "FID=5 FOrderID=O5 FSiteOrderID=S5 FReason=1,3 等賣家;2 申請退款 | ");
+  EXPECT_EQ(Told(get().CheckCloseBill(&all_)),
+            "FID=2 FOrderID=O2 FCloseType=1 | FID=3 FOrderID=O3 FCloseType=1 | "
+            "FID=4 FOrderID=O4 FCloseType=2 | FID=8 FOrderID=O8 FCloseType=1 | ");
+  EXPECT_EQ(Told(get().CheckCloseBillOnly(&all_)),
+            "FID=3 FOrderID=O3 FCloseType=1 | FID=8 FOrderID=O8 FCloseType=1 | ");
   EXPECT_EQ(Status({}), "Closed=O2,O3,O8 Refund=O2,O5 Unchecked=O6 Locked=O6 WrongStatus= Pass=1,4,7,9 ");
   EXPECT_EQ(Status({{"FOrderStatus", "6"}}),
             "Closed=O2,O3,O8 Refund=O2,O5 Unchecked=O6 Locked=O6 WrongStatus=O7 Pass=1,4,9 ");
   EXPECT_EQ(Raised([&] { Status({{"FOrderStatus", "six"}}); }), "13 CheckReturnBills");
   const Dictionary simplified{{"sDSN", database_.Dsn(7, "Language=CHS;")}, {"FID", "5"}};
-  EXPECT_EQ(Told(get().CheckReturnBills(&simplified)), "5 O5 S5 1,3 等卖家;2 申请退款 | ");
+  EXPECT_EQ(Told(get().CheckReturnBills(&simplified)),
+            "FID=5 FOrderID=O5 FSiteOrderID=S5 FReason=1,3 等卖家;2 申请退款 | ");
 }
 
 TEST_F(BillChecksTest, CountNoRefundsWhereTheSwitchSaysSo) {
   Run("insert into t_SystemProfile(FCategory,FKey,FValue) values ('EC','NotCheckRefundOnStatus','1')");
   EXPECT_EQ(Told(get().CheckReturnBills(&all_)), "");
-  EXPECT_EQ(Told(get().CheckCloseBillOnly(&all_)), "2 O2 1 | 3 O3 1 | 8 O8 1 | ");
+  EXPECT_EQ(Told(get().CheckCloseBillOnly(&all_)),
+            "FID=2 FOrderID=O2 FCloseType=1 | FID=3 FOrderID=O3 FCloseType=1 | FID=8 FOrderID=O8 FCloseType=1 | ");
   EXPECT_EQ(Status({}), "Closed=O2,O3,O8 Refund= Unchecked=O6 Locked=O6 WrongStatus= Pass=1,4,5,7,9 ");
 }
 

@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "support/recording_driver.h"
-#include "tessarlorn/clsGetData.h"
-#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {
@@ -10,10 +8,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class CostsTest : public RecordingTest {
- protected:
-  clsSaveData save_{host_};
-};
+using CostsTest = RecordingTest;
 
 TEST_F(CostsTest, ModifiesCostsAfterLoggingEachOrder) {
   Dictionary parameters{{"sDSN", kDsn}, {"FID", "12,15"}, {"LogisticsCosts", 1234.565}};
@@ -42,12 +37,11 @@ TEST_F(CostsTest, StoresNumbersAndWeightsInOneBatch) {
 }
 
 TEST_F(CostsTest, TotalsCostsOfNoOrderToZero) {
-  clsGetData get{host_};
   const Dictionary parameters{{"sDSN", kDsn}, {"FID", "12"}};
   TheRecording().answer = [](std::string_view) { return TextRows({"TotalLogisticsCosts"}, {{nullptr}}); };
-  EXPECT_EQ(get.GetTotalLogisticsCosts(&parameters), 0);
+  EXPECT_EQ(get_.GetTotalLogisticsCosts(&parameters), 0);
   TheRecording().answer = [](std::string_view) { return TextRows({"TotalLogisticsCosts"}, {{"12.5"}}); };
-  EXPECT_EQ(get.GetTotalLogisticsCosts(&parameters), 12.5);
+  EXPECT_EQ(get_.GetTotalLogisticsCosts(&parameters), 12.5);
 }
 
 }  // namespace

@@ -17,8 +17,8 @@ insert into IC_StockBillOrdersStatus(FID,FStockBillStatus,FStockBillResult) valu
 insert into t_SystemProfile(FCategory,FKey,FValue) values ('EC','TradeLog3005','1')
 insert into t_Currency(FCurrencyID,FOperator,FExchangeRate) values (1,'/',0),(2,'*',2))");
   }
-  Dictionary Both(const Dictionary& more = {}) {
-    Dictionary keys = Keys("12,15", more);
+  Parameters Both(const Dictionary& more = {}) {
+    Parameters keys = Keys("12,15", more);
     keys.SetValue("sDsn", dsn_);
     return keys;
   }
@@ -36,8 +36,7 @@ TEST_F(OrderLifeTest, GoesFromPickingToUploadAndBack) {
   EXPECT_TRUE(save().MarkPickingGoodsStatus(&keys));
   EXPECT_EQ(Read("select FOrderStatus,FPickMan,FPIckingGoodsStatus from IC_Web2ERPOrders order by FID"),
             "6|E01|1|6|E01|1|");
-  const Dictionary number{{"12345678901234567890123", "SF1"}};
-  EXPECT_TRUE(save().SetUpLogisticsNumber(dsn_, &number));
+  EXPECT_TRUE(save().SetUpLogisticsNumber(dsn_, Parameters{{"12345678901234567890123", "SF1"}}));
   const Dictionary check{{"sProps", dsn_}, {"FLogisticsOrder", "SF1"}, {"FPickingGoodMan", 7}};
   EXPECT_TRUE(save().SavePickingGoods(&check));
   EXPECT_EQ(Read("select FPIckingGoodsStatus from IC_Web2ERPOrders order by FID"), "0|1|");
@@ -60,8 +59,7 @@ TEST_F(OrderLifeTest, GoesFromPickingToUploadAndBack) {
   const Dictionary failed = Both({{"ErrInfo", Vector{Dictionary{{"FailureFID", 15}, {"FailureInfo", "can't ship"}}}}});
   EXPECT_TRUE(save().UploadStatusFailure(&failed));
   EXPECT_EQ(Read("select FUpLoadStatus,FReasonsForFailure from IC_Web2ERPOrders order by FID"), "1||0|cant ship|");
-  const Dictionary back = Both({{"UpdateFlag", true}});
-  EXPECT_TRUE(save().BackToThePreviousStep(&back));
+  EXPECT_TRUE(save().BackToThePreviousStep(Both({{"UpdateFlag", true}})));
   EXPECT_EQ(Read("select FOrderStatus,FShippingMan from IC_Web2ERPOrders where FID=12"), "6|0|");
   EXPECT_EQ(Read("select FIsRowClose from IC_Web2ERPOrdersEntry"), "0|");
   EXPECT_EQ(Read("select FOrderFID,FOPCode,FUserIP from IC_TradeLog"),

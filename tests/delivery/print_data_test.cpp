@@ -1,11 +1,7 @@
-#include <gmock/gmock.h>
-
 #include "support/sample_test.h"
 
 namespace tessarlorn {
 namespace {
-
-using testing::ElementsAre;
 
 class PrintDataTest : public SampleTest {
  protected:
@@ -23,55 +19,40 @@ class PrintDataTest : public SampleTest {
         "INSERT INTO ICPrintMaxCount (FID, FName, FPrintControlOrNo, FPrintMaxCount) "
         "VALUES (10143011, 'pick', 1, 3), (10143012, 'note', 1, 3), (10143013, 'waybill', 0, 1)");
   }
-  /// The numbers of the orders that were printed too often, with their counter.
-  std::vector<std::string> OverMax(const Variant& type, const char* orders = "1,2,3") {
+  /// The orders that were printed too often, with their counter.
+  std::string OverMax(const Variant& type, const char* orders = "1,2,3") {
     Dictionary parameters{{"sDSN", dsn_}, {"FID", orders}};
     if (!type.is_empty()) parameters.SetValue("PrintID", type);
-    std::vector<std::string> found;
-    for (const Variant& order : get().GetOverMaxPrintCountBillInfo(&parameters)) {
-      const Dictionary& entry = *order.ToDictionary();
-      EXPECT_EQ(entry.size(), 4U);
-      found.push_back(entry.GetValue("FOrderID").ToText() + " " + entry.GetValue("FUniqueCode").ToText() + " " +
-                      entry.At(3).first + " " + entry.At(3).second.ToText() + " of " +
-                      entry.GetValue("FPrintMaxCount").ToText());
-    }
-    return found;
+    return Told(get().GetOverMaxPrintCountBillInfo(&parameters));
   }
 };
 
 TEST_F(PrintDataTest, SumsOrders) {
-  const Dictionary parameters{{"sDSN", dsn_}, {"FID", "2,3"}};
-  const RecordsetPtr sums = get().GetSumRecordsetDataForDelivery(&parameters);
-  ASSERT_EQ(sums->RecordCount(), 1U);
-  EXPECT_EQ(sums->Get("FTotalAmount").ToText(), "12.2500");
+  EXPECT_EQ(Told(get().GetSumRecordsetDataForDelivery(Keys("2,3")), {"FTotalAmount"}), "12.2500 | ");
 }
 
 TEST_F(PrintDataTest, ListsLinesByOrderWithAreasInTheCallersLanguage) {
-  struct Case {
-    const char* language;
-    std::vector<std::string> rows;
-  };
-  for (const auto& [language, expected] : {Case{"CHS", {"1/11 广东 深圳 罗湖", "2/21  深圳 ", "2/22  深圳 "}},
-                                           Case{" chs ", {"1/11 广东 深圳 罗湖", "2/21  深圳 ", "2/22  深圳 "}},
-                                           Case{"CHT", {"1/11 廣東 深圳市 羅湖", "2/21  深圳市 ", "2/22  深圳市 "}},
-                                           Case{"ENG", {"1/11 廣東 深圳市 羅湖", "2/21  深圳市 ", "2/22  深圳市 "}}}) {
+  const char* const simplified = "1 11 广东 深圳 罗湖 | 2 21  深圳  | 2 22  深圳  | ";
+  const char* const traditional = "1 11 廣東 深圳市 羅湖 | 2 21  深圳市  | 2 22  深圳市  | ";
+  for (const auto& [language, expected] :
+       {std::pair{"CHS", simplified}, {" chs ", simplified}, {"CHT", traditional}, {"ENG", traditional}}) {
     const Dictionary parameters{{"sDSN", database_.Dsn(16394, std::string("Language=") + language + ";")},
                                 {"FID", "2,1"}};
-    std::vector<std::string> found;
-    const RecordsetPtr rows = get().GetPrintRecordsetForDelivery(&parameters);
-    for (; !rows->eof(); rows->MoveNext()) {
-      found.push_back(rows->Get("FID").ToText() + "/" + rows->Get("FIndex").ToText() + " " +
-                      rows->Get("FDeliveryProvince").ToText() + " " + rows->Get("FDeliveryCity").ToText() + " " +
-                      rows->Get("FDeliveryDistrict").ToText());
-    }
-    EXPECT_EQ(found, expected) << language;
+    EXPECT_EQ(Told(get().GetPrintRecordsetForDelivery(&parameters),
+                   {"FID", "FIndex", "FDeliveryProvince", "FDeliveryCity", "FDeliveryDistrict"}),
+              expected)
+        << language;
   }
 }
 
 TEST_F(PrintDataTest, ReportsOrdersAtTheLimitAndAbove) {
-  EXPECT_THAT(OverMax(10143011), ElementsAre("O2 102 FPrintPickCount 3 of 3", "O3 103 FPrintPickCount 4 of 3"));
+  EXPECT_EQ(OverMax(10143011),
+            "FOrderID=O2 FUniqueCode=102 FPrintPickCount=3 FPrintMaxCount=3 | "
+            "FOrderID=O3 FUniqueCode=103 FPrintPickCount=4 FPrintMaxCount=3 | ");
   for (const Variant& type : {Variant("10143012"), Variant(" 10143012"), Variant("10143012.0"), Variant(10143012.0)}) {
-    EXPECT_THAT(OverMax(type), ElementsAre("O1 101 FPrintSendCount 3 of 3", "O2 102 FPrintSendCount 4 of 3"));
+    EXPECT_EQ(OverMax(type),
+              "FOrderID=O1 FUniqueCode=101 FPrintSendCount=3 FPrintMaxCount=3 | "
+              "FOrderID=O2 FUniqueCode=102 FPrintSendCount=4 FPrintMaxCount=3 | ");
   }
   // Not limited, without a limit at all, and no such type.
   for (const Variant& type : {Variant(10143013), Variant(10143014), Variant(10143015), Variant("note"), Variant()}) {
@@ -79,7 +60,7 @@ TEST_F(PrintDataTest, ReportsOrdersAtTheLimitAndAbove) {
   }
   EXPECT_TRUE(OverMax(10143011, "").empty());
   Run("UPDATE ICPrintMaxCount SET FPrintMaxCount = 2 WHERE FID = 10143011");
-  EXPECT_THAT(OverMax(10143011, "1"), ElementsAre("O1 101 FPrintPickCount 2 of 2"));
+  EXPECT_EQ(OverMax(10143011, "1"), "FOrderID=O1 FUniqueCode=101 FPrintPickCount=2 FPrintMaxCount=2 | ");
 }
 
 }  // namespace

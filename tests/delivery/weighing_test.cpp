@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "support/recording_driver.h"
-#include "tessarlorn/clsGetData.h"
-#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {
@@ -10,11 +8,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class WeighingTest : public RecordingTest {
- protected:
-  clsSaveData save_{host_};
-  clsGetData get_{host_};
-};
+using WeighingTest = RecordingTest;
 
 TEST_F(WeighingTest, LogsEachParcelBeforeTheBatch) {
   const Vector parcels{
@@ -70,10 +64,9 @@ TEST_F(WeighingTest, AddsWeightsUpInKilograms) {
       return TextRows(fields,
                       {{"12", c.item_unit, c.gross_unit, c.coefficient, "500"}, {"12", "", "", nullptr, nullptr}});
     };
-    const std::optional<Dictionary> weight = get_.NewGetWeightByFID(kDsn, 12);
-    ASSERT_TRUE(weight);
-    EXPECT_EQ(weight->GetValue("FWeight").ToDouble(), c.expected) << c.gross_unit << " " << c.item_unit;
-    EXPECT_EQ(weight->GetValue("FID").ToInt32(), 12);
+    const Dictionary weight = get_.NewGetWeightByFID(kDsn, 12).value();
+    EXPECT_EQ(weight.GetValue("FWeight").ToDouble(), c.expected) << c.gross_unit << " " << c.item_unit;
+    EXPECT_EQ(weight.GetValue("FID").ToInt32(), 12);
   }
   TheRecording().answer = [&](std::string_view) { return TextRows(fields, {{"12", "", "*", "0", "1"}}); };
   EXPECT_EQ(Raised([&] { get_.NewGetWeightByFID(kDsn, 12); }), "11 NewGetWeightByFID");

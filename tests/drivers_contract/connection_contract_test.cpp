@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <thread>
 
-#include "platform/text/text.h"
 #include "support/error_of.h"
 #include "support/test_database.h"
 #include "support/wait_until.h"
@@ -32,11 +31,9 @@ class ConnectionContract : public testing::TestWithParam<Reach> {
   std::vector<std::string> EventsOf(std::string_view batch) {
     std::vector<std::string> events;
     TestHost().ObserveMessages([&](std::string_view text) { events.push_back("says " + std::string(text)); });
-    try {
-      connection_->ExecuteAll(batch, [&](const RecordsetPtr& rows) { events.push_back(TextOf(rows)); });
-    } catch (const Error& error) {
-      events.push_back("error " + std::to_string(error.native().number));
-    }
+    const Error error = ErrorOf(
+        [&] { connection_->ExecuteAll(batch, [&](const RecordsetPtr& rows) { events.push_back(TextOf(rows)); }); });
+    if (error.number() != 0) events.push_back("error " + std::to_string(error.native().number));
     TestHost().ObserveMessages({});
     return events;
   }
@@ -237,13 +234,6 @@ TEST_P(ConnectionContract, ValuesKeepTypeAndValue) {
   EXPECT_TRUE(rows->Get("n").is_null());
 }
 
-/// A value as the type keeps it; bytes as digits.
-std::string Shown(const Variant& value) {
-  if (const auto* bytes = value.get_if<Bytes>()) return "0x" + HexText(bytes->data(), bytes->size());
-  if (const auto* date = value.get_if<DateTime>()) return date->ToString(true);
-  return value.is_null() ? "NULL" : value.ToText();
-}
-
 TEST_P(ConnectionContract, ParametersGoBesideTheTextAndComeBack) {
   const std::string longest(20000, 'y');
   SqlParameter parameters[] = {
@@ -293,10 +283,7 @@ TEST_P(ConnectionContract, ParametersGoBesideTheTextAndComeBack) {
 
 TEST(DecidingKey, IsFoundWhereverItStands) {
   const TestDatabase registers_drivers(Reach::kInProcess);
-  const struct {
-    const char* string;
-    const char* key;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"Timeout=5;Embedded=orders.db", "Embedded"},
       {"Persist Security Info=True;Password=\"a;Embedded=\"\"b\";Provider=MSOLEDBSQL", "Provider"},
       {"Driver={SQL Server};provider = MSDASQL", "provider"},
@@ -308,7 +295,7 @@ TEST(DecidingKey, IsFoundWhereverItStands) {
       {"Server=db1;App={Provider=x;DSN=y};DRIVER=FreeTDS", "DRIVER"},
 #endif
   };
-  for (const auto& c : cases) EXPECT_EQ(TestHost().DecidingKey(c.string), c.key) << c.string;
+  for (const auto& [string, key] : cases) EXPECT_EQ(TestHost().DecidingKey(string), key) << string;
 }
 
 std::string NameOf(const testing::TestParamInfo<Reach>& reach) {

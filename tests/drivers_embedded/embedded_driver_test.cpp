@@ -129,13 +129,6 @@ TEST(EmbeddedDriver, ResetTakesBackIdentityInsert) {
   EXPECT_THAT(Answer(*connection, "insert n (FID, FValue) values (5, 1)"), HasSubstr("error 544"));
 }
 
-TEST(EmbeddedDriver, ADatabaseInMemoryIsSharedByName) {
-  const auto one = OpenConnection("Embedded=:memory:shared");
-  one->Execute("create table n (FValue int) insert n values (7)");
-  EXPECT_EQ(Answer(*OpenConnection("Embedded=:memory:shared"), "select FValue from n"), "FValue;7");
-  EXPECT_THAT(Answer(*OpenConnection("Embedded=:memory:other"), "select FValue from n"), HasSubstr("error 208"));
-}
-
 TEST(EmbeddedDriver, ListsTablesAndColumnsAsClientsAsk) {
   const auto connection = OpenEmbedded();
   connection->Execute(

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "support/recording_driver.h"
-#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {
@@ -15,7 +14,6 @@ class OperationLogTest : public RecordingTest {
     save_.UpdateDeliveryData(kDsn, "");
     Events().clear();
   }
-  clsSaveData save_{host_};
 };
 
 TEST_F(OperationLogTest, TakesTheAddressUpToItsEnd) {

@@ -14,11 +14,6 @@ namespace {
 constexpr const char* kRemarkPath = "POST /api/v1/clsSaveData/OrderRemark";
 constexpr int kServedOrders = 60;
 
-int OfEnvironment(const char* name, int otherwise) {
-  const char* const value = std::getenv(name);
-  return value == nullptr ? otherwise : std::stoi(value);
-}
-
 /// The command that serves HTTP, with a caller.
 struct ServedDoor {
   explicit ServedDoor(std::vector<std::string> more = {}) {
@@ -81,12 +76,10 @@ std::map<int, int> ComeAndGo(const ServedDoor& door, std::mt19937& random) {
   const std::string list = HttpClient::Request("GET /api/v1/clsGetData/GetListData", door.ann);
   const std::string remark =
       HttpClient::Request(kRemarkPath, door.ann, R"({"dctPara":{"FID":"7","FSellerMessage":"soak"}})");
-  std::string garbage(random() % 3000, '\0');
-  for (char& byte : garbage) byte = static_cast<char>(random());
   const std::string kinds[] = {list,
                                remark,
                                HttpClient::Request("GET /api/v1/me", door.ann),
-                               garbage,
+                               Garbage(random),
                                list.substr(0, 1 + random() % (list.size() - 1)),
                                list,
                                list + list + list,
@@ -108,20 +101,10 @@ std::map<int, int> ComeAndGo(const ServedDoor& door, std::mt19937& random) {
 TEST(ServedDoorThreads, KeepsItsMemoryWhileClientsComeAndGo) {
   setenv("MALLOC_ARENA_MAX", "1", 1);
   const ServedDoor door;
-  unsetenv("MALLOC_ARENA_MAX");
   const pid_t process = door.server->process();
   const std::size_t threads = Entries(process, "task");
   std::mt19937 random(7);
-  const auto come_and_go = [&] { EXPECT_EQ(ComeAndGo(door, random), (std::map<int, int>{{200, 189}})); };
-  for (int i = 0; i < 5; ++i) come_and_go();
-  const std::size_t before = ResidentMemory(process);
-  const auto until =
-      std::chrono::steady_clock::now() + std::chrono::seconds(OfEnvironment("TESSARLORN_SOAK_SECONDS", 0));
-  int rounds = 0;
-  do {
-    come_and_go();
-  } while (++rounds < 2 || std::chrono::steady_clock::now() < until);
-  EXPECT_LT(ResidentMemory(process), before + kGrowth) << "after " << rounds << " rounds, before " << before;
+  ExpectSteadyMemory(process, [&](int) { EXPECT_EQ(ComeAndGo(door, random), (std::map<int, int>{{200, 189}})); });
   EXPECT_EQ(Entries(process, "task"), threads);
   // Nobody is left, and nothing waits.
   const auto metrics = [&] {
@@ -134,7 +117,6 @@ TEST(ServedDoorThreads, KeepsItsMemoryWhileClientsComeAndGo) {
        {"connections 1\n", "reads_waiting 0\n", "writes_waiting 0\n", "calls_running 0\n", "event_streams 0\n"}) {
     EXPECT_TRUE(WaitUntil([&] { return metrics().find(idle) != std::string::npos; })) << metrics();
   }
-  std::printf("%d rounds, memory %zu, before %zu\n", rounds, ResidentMemory(process), before);
   EXPECT_EQ(door.server->Stop(SIGTERM), 0);
 }
 

@@ -14,8 +14,7 @@ using Json = nlohmann::json;
 class WorkbenchTest : public DoorTest {
  protected:
   HttpAnswer Answer(const std::string& question, const std::string& caller, const Json& values) const {
-    return door_.Ask("POST /api/v1/workbench/" + question, caller + "Content-Type: application/json\r\n",
-                     values.dump());
+    return door_.Ask("POST /api/v1/workbench/" + question, caller, values.dump());
   }
   Json Rows(const std::string& question, const std::string& caller, const Json& values) const {
     const HttpAnswer answer = Answer(question, caller, values);
@@ -24,8 +23,8 @@ class WorkbenchTest : public DoorTest {
   }
   /// Keys of the list itself, which the page's filter is to show, too.
   Json Listed(const std::string& caller, const Json& filter) const {
-    const HttpAnswer answer = door_.Ask("POST /api/v1/clsGetData/GetListData?columns=FID",
-                                        caller + "Content-Type: application/json\r\n", Json{{"Filter", filter}}.dump());
+    const HttpAnswer answer =
+        door_.Ask("POST /api/v1/clsGetData/GetListData?columns=FID", caller, Json{{"Filter", filter}}.dump());
     EXPECT_EQ(answer.status, 200) << answer.body;
     return Json::parse(answer.body)["result"]["rows"];
   }
@@ -157,7 +156,7 @@ TEST_F(WorkbenchTest, TheLogCanBeReadPageByPage) {
 
 TEST_F(WorkbenchTest, ResourcesAreForThoseWhomTheyConcern) {
   const auto status = [&](const std::string& line, const std::string& caller, const std::string& body = "") {
-    return door_.Ask(line, caller + (body.empty() ? "" : "Content-Type: application/json\r\n"), body).status;
+    return door_.Ask(line, caller, body).status;
   };
   EXPECT_EQ(status("PUT /api/v1/kept/views", ann_, R"([1])"), 204);
   EXPECT_EQ(status("PUT /api/v1/kept/views", pia_, R"({"own":true})"), 204);
@@ -170,8 +169,7 @@ TEST_F(WorkbenchTest, ResourcesAreForThoseWhomTheyConcern) {
   }
   EXPECT_EQ(status("POST /api/v1/users", ann_, user), 201);
   EXPECT_EQ(status("POST /api/v1/users", ann_, user), 422);
-  const HttpAnswer made =
-      door_.Ask("POST /api/v1/tokens", ann_ + "Content-Type: application/json\r\n", R"({"user":"a/b","name":"x/y"})");
+  const HttpAnswer made = door_.Ask("POST /api/v1/tokens", ann_, R"({"user":"a/b","name":"x/y"})");
   const std::string token = Bearer(Json::parse(made.body)["token"]);
   EXPECT_EQ(status("GET /api/v1/me", token), 200);
   EXPECT_EQ(status("PATCH /api/v1/users/a%2Fb", ann_, R"({"disabled":true})"), 204);
@@ -184,7 +182,7 @@ TEST_F(WorkbenchTest, ResourcesAreForThoseWhomTheyConcern) {
 
 TEST_F(WorkbenchTest, TakesTextsAsTheyAre) {
   const std::string hostile = R"(100% [a_b]\ O'Brien "x" 王; drop table t --)";
-  const HttpAnswer written = door_.Ask("POST /api/v1/clsSaveData/DeRemark", ann_ + "Content-Type: application/json\r\n",
+  const HttpAnswer written = door_.Ask("POST /api/v1/clsSaveData/DeRemark", ann_,
                                        Json{{"dctPara", {{"FID", "7"}, {"FDeliveryRemark", hostile}}}}.dump());
   ASSERT_EQ(written.status, 200) << written.body;
   EXPECT_EQ(Rows("orders", ann_, {{"text", hostile}}), Json::parse(R"([{"FID":7}])"));
@@ -210,12 +208,7 @@ TEST_F(WorkbenchTest, IsForRolesThatMayCallTheList) {
 }
 
 TEST_F(WorkbenchTest, NamesTheKeyAtFault) {
-  struct Case {
-    const char* question;
-    Json values;
-    int status;
-    const char* key;
-  };
+  using Case = std::tuple<const char*, Json, int, const char*>;
   for (const auto& [question, values, status, key] :
        {Case{"orders", {{"tba", "locked"}}, 400, "tba"}, Case{"orders", {{"tab", "open"}}, 422, "tab"},
         Case{"orders", {{"sort", "FID; drop table t"}}, 422, "sort"}, Case{"orders", {{"most", 0}}, 422, "most"},

@@ -35,8 +35,7 @@ values (101,1,1,1,7,1,11,2,'b',0,0,0),  -- the line's own place
   }
 
   std::string List(const Dictionary& more, std::vector<const char*> columns) {
-    const Dictionary keys = Keys("3,2,1", more);
-    const RecordsetPtr rows = get().GetPrintRecordsetForPick(&keys);
+    const RecordsetPtr rows = get().GetPrintRecordsetForPick(Keys("3,2,1", more));
     std::string text;
     for (; !rows->eof(); rows->MoveNext()) {
       for (const char* column : columns)

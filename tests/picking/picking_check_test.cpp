@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "support/recording_driver.h"
-#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {
@@ -9,10 +8,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-class PickingCheckTest : public RecordingTest {
- protected:
-  clsSaveData save_{host_};
-};
+using PickingCheckTest = RecordingTest;
 
 TEST_F(PickingCheckTest, SavesTheCheckOfAParcel) {
   const struct {
@@ -81,6 +77,20 @@ TEST_F(PickingCheckTest, MarksAlwaysLoggedAndClearsLoggedOnRequest) {
   EXPECT_TRUE(save_.ClearPickingGoodsStatus(&parameters));
   EXPECT_THAT(Events(),
               ElementsAre("IsLogEnable(3013)", HasSubstr("WHERE FID IN (12,15) AND FPIckingGoodsStatus = 1\r\n")));
+}
+
+TEST_F(PickingCheckTest, CountsTwentyOrdersPerRunWhenTheSettingIsNoNumber) {
+  const auto count = [&](const char* value) {
+    TheRecording().answer = [=](std::string_view) { return TextRows({"FValue"}, {{value}}); };
+    return get_.lPickGoodsCount(kDsn);
+  };
+  EXPECT_EQ(count("35"), 35);
+  EXPECT_EQ(count("many"), 20);
+  EXPECT_EQ(count(""), 20);
+  EXPECT_EQ(count(nullptr), 20);
+  EXPECT_EQ(get_.lPickGoodsCount(""), 0);
+  TheRecording().answer = [](std::string_view) { return TextRows({"FValue"}, {}); };
+  EXPECT_EQ(Raised([&] { get_.lPickGoodsCount(kDsn); }), "3021 lPickGoodsCount");
 }
 
 }  // namespace

@@ -14,14 +14,14 @@ using SaveBatchTest = RecordingTest;
 TEST_F(SaveBatchTest, StoresWithoutQuotesAndLogsFirst) {
   const Vector lines{Dictionary{{"FBatchNo", "O'Neil-7"}, {"FStockID", "2'01"}, {"SPID", "'31'"}, {"FEntryID", 12}},
                      Dictionary{}};
-  EXPECT_TRUE(clsSaveData(host_).SaveBatchNo(kDsn, &lines));
+  EXPECT_TRUE(save_.SaveBatchNo(kDsn, &lines));
   EXPECT_THAT(Events(),
               ElementsAre("WriteSaveOrderLog(,12,FBatchNo,ONeil-7)", "WriteSaveOrderLog(,0,FBatchNo,)",
                           testing::AllOf(
                               HasSubstr("FBatchNo = 'ONeil-7',FStockID = '201',FSPID = '31' WHERE FEntryID = 12\r\n"),
                               HasSubstr("FBatchNo = '',FStockID = '',FSPID = '' WHERE FEntryID = 0\r\n"))));
   const Vector none;
-  EXPECT_FALSE(clsSaveData(host_).SaveBatchNo(kDsn, &none));
+  EXPECT_FALSE(save_.SaveBatchNo(kDsn, &none));
 }
 
 /// Three orders: 1 in a warehouse with places, 2 in one without, 3 without lines. Line 13 is a price difference.
@@ -41,60 +41,42 @@ class StockDataTest : public SampleTest {
         "VALUES (11, 1, 1, 201, 52, 'B7'), (12, 1, 2, 201, 0, NULL), (13, 1, 4, 201, 0, NULL), "
         "(21, 2, 2, 202, 0, ''), (14, 1, 2, 203, 0, 'x')");
   }
-  Dictionary Orders(const char* keys) { return {{"sDSN", dsn_}, {"FID", keys}}; }
 };
 
 TEST_F(StockDataTest, ListsLinesOfWarehousesWithPlaces) {
-  const Dictionary first = Orders("1,3");
-  const Vector lines = get().bExistStockPositionManager(&first).value();
+  const Vector lines = get().bExistStockPositionManager(Keys("1,3")).value();
   std::vector<std::string> found;
-  for (const Variant& line : lines) {
-    std::string& text = found.emplace_back();
-    for (const auto& [key, value] : *line.ToDictionary()) text += key + "=" + value.ToText() + ";";
-  }
+  for (const Variant& line : lines) found.push_back(Told(line));
   EXPECT_THAT(found, testing::UnorderedElementsAre(
-                         "FEntryID=11;FStockID=201;FStockName=中心仓;FDefaultStockPlaceGroupID=51;"
-                         "FDefaultStockPlaceGroupName=甲组;FDefaultStockPlaceName=A-01;FDefaultItemStockPlaceID=52;",
-                         "FEntryID=12;FStockID=201;FStockName=中心仓;FDefaultStockPlaceGroupID=51;"
-                         "FDefaultStockPlaceGroupName=甲组;FDefaultStockPlaceName=A-01;FDefaultItemStockPlaceID=0;",
-                         "FEntryID=14;FStockID=203;FStockName=南方仓;FDefaultStockPlaceGroupID=0;"
-                         "FDefaultStockPlaceGroupName=乙组;FDefaultStockPlaceName=;FDefaultItemStockPlaceID=0;"));
-  const Dictionary second = Orders("2");
-  EXPECT_TRUE(get().bExistStockPositionManager(&second).value().empty());
-  const Dictionary none = Orders("");
-  EXPECT_FALSE(get().bExistStockPositionManager(&none).has_value());
+                         "FEntryID=11 FStockID=201 FStockName=中心仓 FDefaultStockPlaceGroupID=51 "
+                         "FDefaultStockPlaceGroupName=甲组 FDefaultStockPlaceName=A-01 FDefaultItemStockPlaceID=52 ",
+                         "FEntryID=12 FStockID=201 FStockName=中心仓 FDefaultStockPlaceGroupID=51 "
+                         "FDefaultStockPlaceGroupName=甲组 FDefaultStockPlaceName=A-01 FDefaultItemStockPlaceID=0 ",
+                         "FEntryID=14 FStockID=203 FStockName=南方仓 FDefaultStockPlaceGroupID=0 "
+                         "FDefaultStockPlaceGroupName=乙组 FDefaultStockPlaceName= FDefaultItemStockPlaceID=0 "));
+  EXPECT_TRUE(get().bExistStockPositionManager(Keys("2")).value().empty());
+  EXPECT_FALSE(get().bExistStockPositionManager(Keys("")).has_value());
 }
 
 TEST_F(StockDataTest, TellsWhatIsMissing) {
-  struct Case {
-    const char* orders;
-    bool managed;
-    bool empty;
-  };
+  using Case = std::tuple<const char*, bool, bool>;
   // Null is no empty batch number.
-  for (const Case& expected : {Case{"1", true, false}, Case{"2", false, true}, Case{"2,1", true, true},
-                               Case{"3", false, false}, Case{"", false, false}}) {
-    const Dictionary orders = Orders(expected.orders);
-    EXPECT_EQ(get().bExistBatchOrSerialManagerItem(&orders), expected.managed) << expected.orders;
-    EXPECT_EQ(get().bExistBatchEmpty(&orders), expected.empty) << expected.orders;
+  for (const auto& [orders, managed, empty] : {Case{"1", true, false}, Case{"2", false, true}, Case{"2,1", true, true},
+                                               Case{"3", false, false}, Case{"", false, false}}) {
+    const Parameters keys = Keys(orders);
+    EXPECT_EQ(get().bExistBatchOrSerialManagerItem(keys), managed) << orders;
+    EXPECT_EQ(get().bExistBatchEmpty(keys), empty) << orders;
   }
   Run("UPDATE IC_Web2ERPOrdersEntry SET FItemID = 3 WHERE FEntryID = 21");
-  const Dictionary serial = Orders("2");
-  EXPECT_TRUE(get().bExistBatchOrSerialManagerItem(&serial));
+  EXPECT_TRUE(get().bExistBatchOrSerialManagerItem(Keys("2")));
 }
 
 TEST_F(StockDataTest, ReadsBackWhatWasStored) {
   const Vector choice{Dictionary{{"FBatchNo", "L'1"}, {"FStockID", 201}, {"SPID", 51}, {"FEntryID", 21}}};
-  EXPECT_TRUE(clsSaveData(host_).SaveBatchNo(dsn_, &choice));
-  const Dictionary orders = Orders("2,3");
-  const RecordsetPtr rows = get().GetBatchNo(&orders);
-  ASSERT_EQ(rows->RecordCount(), 2U);
-  std::vector<std::string> found;
-  for (; !rows->eof(); rows->MoveNext()) {
-    std::string& text = found.emplace_back();
-    for (std::size_t i = 0; i < rows->fields().size(); ++i) text += rows->Get(i).ToText() + ";";
-  }
-  EXPECT_THAT(found, testing::UnorderedElementsAre("2;2;21;Cup;A2;L1;中心仓;201;51;A-01;", "3;;;;;;;;;;"));
+  EXPECT_TRUE(save().SaveBatchNo(dsn_, &choice));
+  EXPECT_THAT(Told(get().GetBatchNo(Keys("2,3"))),
+              testing::AnyOf("2 2 21 Cup A2 L1 中心仓 201 51 A-01 | 3          | ",
+                             "3          | 2 2 21 Cup A2 L1 中心仓 201 51 A-01 | "));
 }
 
 }  // namespace

@@ -13,8 +13,7 @@ class UniqueCodeIndexTest : public SampleTest {
         "(3, 98765432109876543210987), (4, 12345678901), (5, NULL), (6, 20260101000000000061), (7, 1000000000)");
   }
   std::string Index(const char* orders) {
-    const Dictionary parameters{{"sDSN", dsn_}, {"FID", orders}};
-    return clsSaveData(host_).GetUniqueCodeIndex(&parameters);
+    return save().GetUniqueCodeIndex(Parameters{{"sDSN", dsn_}, {"FID", orders}});
   }
 };
 

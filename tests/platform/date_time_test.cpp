@@ -6,10 +6,7 @@ namespace tessarlorn {
 namespace {
 
 TEST(DateTimeTest, ReadsWhatTheDatabaseReads) {
-  const struct {
-    const char* text;
-    const char* expected;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"2024-02-29", "2024-02-29 00:00:00.000"},
       {"20240229 7:05", "2024-02-29 07:05:00.000"},
       {"2024/1/2 03:04:05", "2024-01-02 03:04:05.000"},
@@ -31,26 +28,23 @@ TEST(DateTimeTest, ReadsWhatTheDatabaseReads) {
       {"31", "none"},
       {"tomorrow", "none"},
   };
-  for (const auto& c : cases) {
-    const std::optional<DateTime> value = DateTime::Parse(c.text);
-    EXPECT_EQ(value ? value->ToString(true) : "none", c.expected) << c.text;
+  for (const auto& [text, expected] : cases) {
+    const std::optional<DateTime> value = DateTime::Parse(text);
+    EXPECT_EQ(value ? value->ToString(true) : "none", expected) << text;
   }
 }
 
 TEST(DateTimeTest, CountsDaysAsAutomationDoes) {
-  const struct {
-    double days;
-    const char* expected;
-  } cases[] = {
+  const std::pair<double, const char*> cases[] = {
       {0, "1899-12-30 00:00:00"},         {2, "1900-01-01 00:00:00"},        {-1.25, "1899-12-29 06:00:00"},
       {0.5, "1899-12-30 12:00:00"},       {45351.75, "2024-02-29 18:00:00"}, {2958465, "9999-12-31 00:00:00"},
       {-657434.5, "0100-01-01 12:00:00"},
   };
-  for (const auto& c : cases) {
-    const std::optional<DateTime> value = DateTime::FromAutomation(c.days);
-    ASSERT_TRUE(value) << c.days;
-    EXPECT_EQ(value->ToString(), c.expected);
-    EXPECT_EQ(value->ToAutomation(), c.days);
+  for (const auto& [days, expected] : cases) {
+    const std::optional<DateTime> value = DateTime::FromAutomation(days);
+    ASSERT_TRUE(value) << days;
+    EXPECT_EQ(value->ToString(), expected);
+    EXPECT_EQ(value->ToAutomation(), days);
   }
   EXPECT_FALSE(DateTime::FromAutomation(2958466));
   EXPECT_FALSE(DateTime::FromAutomation(-657435));

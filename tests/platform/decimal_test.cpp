@@ -13,10 +13,7 @@ std::string Show(const std::optional<Decimal>& value) { return value ? value->To
 const char* const kLargest = "99999999999999999999999999999999999999";
 
 TEST(DecimalTest, ReadsAndWrites) {
-  const struct {
-    const char* text;
-    const char* expected;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"0", "0"},
       {"-0", "0"},
       {"1.50", "1.50"},
@@ -41,7 +38,7 @@ TEST(DecimalTest, ReadsAndWrites) {
       {"1,5", "none"},
       {"0x10", "none"},
   };
-  for (const auto& c : cases) EXPECT_EQ(Show(Decimal::Parse(c.text)), c.expected) << c.text;
+  for (const auto& [text, expected] : cases) EXPECT_EQ(Show(Decimal::Parse(text)), expected) << text;
 }
 
 TEST(DecimalTest, KnowsItsDigits) {
@@ -59,12 +56,7 @@ TEST(DecimalTest, Calculates) {
   const Operation multiply4 = [](const Decimal& a, const Decimal& b) { return Decimal::Multiply(a, b, 4); };
   const Operation divide6 = [](const Decimal& a, const Decimal& b) { return Decimal::Divide(a, b, 6); };
   const Operation divide37 = [](const Decimal& a, const Decimal& b) { return Decimal::Divide(a, b, 37); };
-  const struct {
-    Operation operation;
-    const char* a;
-    const char* b;
-    const char* expected;
-  } cases[] = {
+  const std::tuple<Operation, const char*, const char*, const char*> cases[] = {
       {add, "0.1", "0.20", "0.30"},
       {add, "-5", "5.0", "0.0"},
       {add, "18446744073709551615", "1", "18446744073709551616"},
@@ -86,7 +78,8 @@ TEST(DecimalTest, Calculates) {
       {remainder, "-7", "3", "-1"},
       {remainder, "100000000000000000000000000000", "18446744073709551616", "7886392056514347008"},
   };
-  for (const auto& c : cases) EXPECT_EQ(Show(c.operation(D(c.a), D(c.b))), c.expected) << c.a << " and " << c.b;
+  for (const auto& [operation, a, b, expected] : cases)
+    EXPECT_EQ(Show(operation(D(a), D(b))), expected) << a << " and " << b;
 }
 
 TEST(DecimalTest, DividesExactlyWhereTrialDigitsAreOff) {

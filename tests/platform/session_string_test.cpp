@@ -36,10 +36,7 @@ TEST(SessionStringTest, SplitsPairsWithoutDoubledKeys) {
 }
 
 TEST(SessionStringTest, NamesTheFault) {
-  const struct {
-    const char* text;
-    const char* named;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"", "empty"},
       {"Connect={Embedded=a;User=1", "Connect="},
       {"Connect={Embedded=a}x;User=1", "Connect"},
@@ -52,10 +49,10 @@ TEST(SessionStringTest, NamesTheFault) {
       {"Connect=Embedded=a;=1", "\"=\""},
       {"Connect=Embedded=a;Escape=1", "Escape=1"},
   };
-  for (const auto& c : cases) {
-    const Error error = ErrorOf([&] { ParseSessionString(c.text); });
-    EXPECT_EQ(error.number(), error_number::kLoginRefused) << c.text;
-    EXPECT_NE(error.description().find(c.named), std::string::npos) << c.text << ": " << error.description();
+  for (const auto& [text, named] : cases) {
+    const Error error = ErrorOf([text = text] { ParseSessionString(text); });
+    EXPECT_EQ(error.number(), error_number::kLoginRefused) << text;
+    EXPECT_NE(error.description().find(named), std::string::npos) << text << ": " << error.description();
   }
 }
 

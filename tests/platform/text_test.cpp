@@ -6,12 +6,7 @@ namespace tessarlorn {
 namespace {
 
 TEST(TextTest, WalksWellFormedAndMalformedText) {
-  const struct {
-    const char* name;
-    std::string text;
-    std::size_t units;
-    bool valid;
-  } cases[] = {
+  const std::tuple<const char*, std::string, std::size_t, bool> cases[] = {
       {"ascii", "abc", 3, true},
       {"han", "\u8ba2\u5355", 2, true},
       {"astral", "\U00020BB7", 2, true},
@@ -21,21 +16,18 @@ TEST(TextTest, WalksWellFormedAndMalformedText) {
       {"too large", "\xF4\x90\x80\x80", 4, false},
       {"stray", "\x80z", 2, false},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(Utf16Length(c.text), c.units) << c.name;
-    EXPECT_EQ(IsValidUtf8(c.text), c.valid) << c.name;
+  for (const auto& [name, text, units, valid] : cases) {
+    EXPECT_EQ(Utf16Length(text), units) << name;
+    EXPECT_EQ(IsValidUtf8(text), valid) << name;
     std::string copy;
-    for (std::size_t position = 0; position < c.text.size();) AppendCharacter(copy, NextCharacter(c.text, position));
-    EXPECT_EQ(copy == c.text, c.valid) << c.name;
-    EXPECT_TRUE(IsValidUtf8(copy)) << c.name;
+    for (std::size_t position = 0; position < text.size();) AppendCharacter(copy, NextCharacter(text, position));
+    EXPECT_EQ(copy == text, valid) << name;
+    EXPECT_TRUE(IsValidUtf8(copy)) << name;
   }
 }
 
 TEST(TextTest, ChangesCase) {
-  const struct {
-    const char* lower;
-    const char* upper;
-  } cases[] = {
+  const std::pair<const char*, const char*> cases[] = {
       {"order9_", "ORDER9_"},
       {"\u00e9\u00ff", "\u00c9\u0178"},
       {"\u0101\u017e\u0142", "\u0100\u017d\u0141"},
@@ -44,9 +36,9 @@ TEST(TextTest, ChangesCase) {
       {"\uff41\uff5a", "\uff21\uff3a"},
       {"\u00f7\u8ba2", "\u00f7\u8ba2"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(UpperCase(c.lower), c.upper);
-    EXPECT_EQ(LowerCase(c.upper), c.lower);
+  for (const auto& [lower, upper] : cases) {
+    EXPECT_EQ(UpperCase(lower), upper);
+    EXPECT_EQ(LowerCase(upper), lower);
   }
   EXPECT_EQ(UpperCase("\x80z"), "\x80Z");
 }

@@ -70,11 +70,7 @@ TEST(VariantTest, ConvertsAsAutomationDoes) {
 
 TEST(VariantTest, ComparesAsAutomationDoes) {
   const auto compared = [](const Variant& a, const Variant& b) { return Outcome([&] { return a.Equals(b); }); };
-  const struct {
-    Variant a;
-    Variant b;
-    const char* expected;
-  } cases[] = {
+  const std::tuple<Variant, Variant, const char*> cases[] = {
       {std::int32_t{1}, 1.0, "True"},
       {Decimal::FromScaled(150, 2), "1.5", "True"},
       {true, std::int16_t{-1}, "True"},
@@ -87,9 +83,9 @@ TEST(VariantTest, ComparesAsAutomationDoes) {
       {"abc", std::int32_t{1}, "error 13"},
       {Dictionary(), std::int32_t{1}, "error 13"},
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(compared(c.a, c.b), c.expected) << c.a.type_name() << " and " << c.b.type_name();
-    EXPECT_EQ(compared(c.b, c.a), c.expected) << c.b.type_name() << " and " << c.a.type_name();
+  for (const auto& [a, b, expected] : cases) {
+    EXPECT_EQ(compared(a, b), expected) << a.type_name() << " and " << b.type_name();
+    EXPECT_EQ(compared(b, a), expected) << b.type_name() << " and " << a.type_name();
   }
 }
 

@@ -89,8 +89,7 @@ TEST(SchemaTest, TakesValuesAsWideAsTheLogsWriteThem) {
   database.connection().Execute("INSERT INTO t_SystemProfile (FCategory,FKey,FValue) VALUES ('EC','TradeLog3005','1')");
   const std::string dsn = database.Dsn(7, "Client=" + std::string(63, '1') + ";");
   clsSaveData save{TestHost()};
-  const Dictionary order{{"sDSN", dsn}, {"FID", "12"}, {"UpdateFlag", true}};
-  ASSERT_TRUE(save.BackToThePreviousStep(&order));
+  ASSERT_TRUE(save.BackToThePreviousStep(Parameters{{"sDSN", dsn}, {"FID", "12"}, {"UpdateFlag", true}}));
   EXPECT_TRUE(save.WriteOPLog("12", "3005", "0", std::string(300, 'o'), std::string(300, 'n')));
   EXPECT_TRUE(save.WriteSaveOrderLog("12", "0", std::string(70, 'f'), std::string(2100, 'v')));
   EXPECT_EQ(Cells(database.connection(), "SELECT MAX(LEN(FUserIP)+LEN(FOldValue)+LEN(FNewValue)) FROM IC_TradeLog"),

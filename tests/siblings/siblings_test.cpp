@@ -5,7 +5,6 @@
 #include "frame/identity.h"
 #include "support/batches.h"
 #include "support/recording_driver.h"
-#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {
@@ -21,7 +20,6 @@ class SiblingsTest : public RecordingTest {
     save_.UpdateDeliveryData(kDsn, "");
     Events().clear();
   }
-  clsSaveData save_{host_};
 };
 
 TEST_F(SiblingsTest, WritesOneRowForEachOrder) {

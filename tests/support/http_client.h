@@ -1,15 +1,10 @@
 // A client of HTTP/1.1 that sends bytes as they are given, and reads the answers.
 #pragma once
 
-#include <arpa/inet.h>
-#include <array>
-#include <netinet/in.h>
 #include <string>
 #include <string_view>
-#include <sys/socket.h>
-#include <sys/time.h>
 
-#include "hosts/listening/listening.h"
+#include "support/client_socket.h"
 
 namespace tessarlorn {
 
@@ -29,18 +24,9 @@ struct HttpAnswer {
   }
 };
 
-/// One connection to a server on this machine.
-class HttpClient {
+class HttpClient : public ClientSocket {
  public:
-  explicit HttpClient(int port) : socket_(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
-    const timeval patience{20, 0};
-    setsockopt(socket_.get(), SOL_SOCKET, SO_RCVTIMEO, &patience, sizeof patience);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(port));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    (void)connect(socket_.get(), static_cast<sockaddr*>(static_cast<void*>(&address)), sizeof address);
-  }
+  using ClientSocket::ClientSocket;
 
   /// Nothing more is sent.
   void HangUp() const { shutdown(socket_.get(), SHUT_WR); }
@@ -49,8 +35,6 @@ class HttpClient {
     const linger none{1, 0};
     setsockopt(socket_.get(), SOL_SOCKET, SO_LINGER, &none, sizeof none);
   }
-  /// What cannot be sent is dropped: servers answer before they have read everything.
-  void Send(std::string_view bytes) const { (void)send(socket_.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL); }
   /// What arrives up to the end of `text`, "" when it does not come.
   std::string ReadUntil(std::string_view text) {
     std::size_t at = 0;
@@ -80,17 +64,6 @@ class HttpClient {
   }
 
  private:
-  bool ReadMore() {
-    std::array<char, 16384> bytes{};
-    const ssize_t size = recv(socket_.get(), bytes.data(), bytes.size(), 0);
-    if (size > 0) arrived_.append(bytes.data(), static_cast<std::size_t>(size));
-    return size > 0;
-  }
-  std::string Take(std::size_t size) {
-    std::string taken = arrived_.substr(0, size);
-    arrived_.erase(0, size);
-    return taken;
-  }
   bool TakeBody(std::size_t size, std::string& body) {
     while (arrived_.size() < size) {
       if (!ReadMore()) return false;
@@ -109,9 +82,6 @@ class HttpClient {
     }
     return true;
   }
-
-  Descriptor socket_;
-  std::string arrived_;
 };
 
 }  // namespace tessarlorn

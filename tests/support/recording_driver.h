@@ -11,6 +11,8 @@
 #include "platform/driver.h"
 #include "platform/recordset_builder.h"
 #include "support/error_of.h"
+#include "tessarlorn/clsGetData.h"
+#include "tessarlorn/clsSaveData.h"
 #include "tessarlorn/collections.h"
 #include "tessarlorn/error.h"
 #include "tessarlorn/host.h"
@@ -131,6 +133,8 @@ class RecordingTest : public testing::Test {
   }
 
   Host host_;
+  clsSaveData save_{host_};
+  clsGetData get_{host_};
 };
 
 /// Lines with CR LF behind each.

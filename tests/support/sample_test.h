@@ -25,6 +25,46 @@ inline std::string Cells(Connection& connection, std::string_view query) {
   return text;
 }
 
+/// An answer as text: "key=value " for each entry of a Dictionary, a Vector in brackets, "value " for each cell of a
+/// row, "| " behind each row of a Recordset and item of a Vector.
+inline std::string Told(const Variant& answer) {
+  std::string text;
+  if (const RecordsetPtr rows = answer.ToRecordset()) {
+    for (; !rows->eof(); rows->MoveNext(), text += "| ") {
+      for (std::size_t i = 0; i < rows->fields().size(); ++i) text += rows->Get(i).ToText() + " ";
+    }
+  } else if (const std::shared_ptr<Vector> items = answer.ToVector()) {
+    for (const Variant& item : *items) text += Told(item) + "| ";
+  } else if (const std::shared_ptr<Dictionary> entries = answer.ToDictionary()) {
+    for (const auto& [key, value] : *entries) {
+      text += key + "=" + (value.ToVector() ? "[" + Told(value) + "]" : value.ToText()) + " ";
+    }
+  } else {
+    text = answer.type_name() == "Nothing" ? "Nothing" : answer.ToText();
+  }
+  return text;
+}
+
+template <typename Value>
+std::string Told(const std::optional<Value>& answer) {
+  return answer ? Told(Variant(*answer)) : "Nothing";
+}
+
+/// Some cells of each row in the same way.
+inline std::string Told(const RecordsetPtr& rows, const std::vector<std::string_view>& fields) {
+  std::string text;
+  for (; !rows->eof(); rows->MoveNext(), text += "| ") {
+    for (const std::string_view field : fields) text += rows->Get(field).ToText() + " ";
+  }
+  return text;
+}
+
+/// A Dictionary that operations take where it is made.
+struct Parameters : Dictionary {
+  using Dictionary::Dictionary;
+  operator const Dictionary*() const noexcept { return this; }
+};
+
 /// The texts that `action` sends to the database.
 template <typename Action>
 std::vector<std::string> StatementsOf(const Action& action) {
@@ -57,8 +97,8 @@ class SampleTest : public testing::Test {
   void Run(std::string_view batch) { database_.connection().Execute(batch); }
   std::string Read(std::string_view query) { return Cells(database_.connection(), query); }
   /// A parameter Dictionary with sDSN, FID and more.
-  [[nodiscard]] Dictionary Keys(std::string_view orders, const Dictionary& more = {}) const {
-    Dictionary keys{{"sDSN", dsn_}, {"FID", orders}};
+  [[nodiscard]] Parameters Keys(std::string_view orders, const Dictionary& more = {}) const {
+    Parameters keys{{"sDSN", dsn_}, {"FID", orders}};
     for (const auto& [key, value] : more) keys.SetValue(key, value);
     return keys;
   }

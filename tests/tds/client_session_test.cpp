@@ -70,23 +70,19 @@ TEST_F(ClientSessionTest, LetsUsersIn) {
 }
 
 TEST_F(ClientSessionTest, RefusesOthersAndSaysWhyInTheLog) {
-  struct Case {
-    LoginWords words;
-    std::string answer;
-    std::string log;
-  };
-  for (const Case& item : {
+  using Case = std::tuple<LoginWords, std::string, std::string>;
+  for (const auto& [words, said, log] : {
            Case{{.password = "S3cret"}, "Login failed for user 'ann'.", "wrong password"},
            Case{{.user = "bob"}, "Login failed for user 'bob'.", "refused user 'bob'"},
            Case{{.password = ""}, "Login failed for user 'ann'.", "wrong password"},
            Case{{.database = "master"}, "Cannot open database \"master\"", "unknown database 'master'"},
        }) {
     log_.clear();
-    const std::string answer = Answer(LoginMessage(item.words) + BatchMessage("select 1 a"));
-    EXPECT_THAT(answer, HasSubstr(Wide(item.answer)));
+    const std::string answer = Answer(LoginMessage(words) + BatchMessage("select 1 a"));
+    EXPECT_THAT(answer, HasSubstr(Wide(said)));
     EXPECT_TRUE(answer.ends_with(DoneBytes(kDoneError)));
-    ASSERT_EQ(log_.size(), 1U) << item.log;
-    EXPECT_THAT(log_[0], AllOf(HasSubstr(item.log), Not(HasSubstr("cret"))));
+    ASSERT_EQ(log_.size(), 1U) << log;
+    EXPECT_THAT(log_[0], AllOf(HasSubstr(log), Not(HasSubstr("cret"))));
   }
 }
 
@@ -105,11 +101,8 @@ TEST_F(ClientSessionTest, RefusesOldClientsAsTheyReadIt) {
 TEST_F(ClientSessionTest, EndsMalformedStreamsOnly) {
   std::string shifted = LoginMessage();
   shifted[kPacketHeaderSize + 41] = '\x7f';
-  struct Case {
-    std::string input;
-    std::string log;
-  };
-  for (const Case& item : {
+  using Case = std::pair<std::string, std::string>;
+  for (const auto& [input, log] : {
            Case{"GET / HTTP/1.1\r\n\r\n", "unknown type"},
            Case{BatchMessage("select 1 a"), "before the login"},
            Case{PreLoginMessage(1), "wants encryption"},
@@ -121,9 +114,9 @@ TEST_F(ClientSessionTest, EndsMalformedStreamsOnly) {
            Case{LoginMessage().substr(0, 50), "inside a message"},
        }) {
     log_.clear();
-    Answer(item.input);
-    ASSERT_EQ(log_.size(), 1U) << item.log;
-    EXPECT_THAT(log_[0], HasSubstr(item.log));
+    Answer(input);
+    ASSERT_EQ(log_.size(), 1U) << log;
+    EXPECT_THAT(log_[0], HasSubstr(log));
   }
 }
 

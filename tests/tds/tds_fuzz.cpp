@@ -80,8 +80,8 @@ void RunWatched(std::string_view rest, bool hangs_up) {
   static const std::unique_ptr<tds::Watcher> watcher = MakeWatcher();
   std::array<int, 2> pair{};
   if (socketpair(AF_UNIX, SOCK_STREAM, 0, pair.data()) != 0) std::abort();
-  const tds::Descriptor client(pair[1]);
-  tds::Socket stream(tds::Descriptor(pair[0]), TheService().limits.send);
+  const Descriptor client(pair[1]);
+  tds::Socket stream(Descriptor(pair[0]), TheService().limits.send);
   const std::string input = tds::LoginMessage() + tds::BatchMessage("waitfor delay '00:00:00.050'");
   for (const std::string_view part : {std::string_view(input), rest}) {
     (void)send(client.get(), part.data(), part.size(), MSG_NOSIGNAL | MSG_DONTWAIT);

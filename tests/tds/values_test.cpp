@@ -32,11 +32,8 @@ class ValuesTest : public testing::Test {
 };
 
 TEST_F(ValuesTest, KeepTypeAndValue) {
-  struct Case {
-    const char* expression;
-    const char* bytes;
-  };
-  for (const Case& item : {
+  using Case = std::pair<const char*, const char*>;
+  for (const auto& [expression, bytes] : {
            Case{"cast(1 as bit)", "68010101"},
            Case{"cast(255 as tinyint)", "260101FF"},
            Case{"cast(-2 as smallint)", "260202FEFF"},
@@ -69,17 +66,13 @@ TEST_F(ValuesTest, KeepTypeAndValue) {
            Case{"cast(null as nvarchar(max))", "E7FFFFCFFFFFFFFFFFFFFFF"},
            Case{"cast(0x0001FF as varbinary(10))", "A50A0003000001FF"},
        }) {
-    EXPECT_EQ(TypeAndValue(std::string("select ") + item.expression + " v"), item.bytes) << item.expression;
+    EXPECT_EQ(TypeAndValue(std::string("select ") + expression + " v"), bytes) << expression;
   }
 }
 
 TEST_F(ValuesTest, OlderClientsGetWhatTheyKnow) {
-  struct Case {
-    const char* expression;
-    TdsVersion version;
-    const char* bytes;
-  };
-  for (const Case& item : {
+  using Case = std::tuple<const char*, TdsVersion, const char*>;
+  for (const auto& [expression, version, bytes] : {
            Case{"cast(N'中' as varchar(4))", kTds73b, "E70800C02002D4E"},
            Case{"cast('2024-02-29' as date)", kTds72,
                 "E71400C14003200300032003400"
@@ -93,8 +86,7 @@ TEST_F(ValuesTest, OlderClientsGetWhatTheyKnow) {
            Case{"cast('a' as nvarchar(max))", kTds71, "E7401FC02006100"},
            Case{"cast(null as varbinary(max))", kTds71, "A5401FFFFF"},
        }) {
-    EXPECT_EQ(TypeAndValue(std::string("select ") + item.expression + " v", item.version), item.bytes)
-        << item.expression;
+    EXPECT_EQ(TypeAndValue(std::string("select ") + expression + " v", version), bytes) << expression;
   }
   const RecordsetPtr rows =
       database_.connection().Execute("select cast('a' as nvarchar(max)) a, cast(null as varbinary(max)) b");

@@ -24,6 +24,12 @@ inline std::string CellText(const Variant& value) {
   return value.is_null() ? "NULL" : value.holds<bool>() ? (value.ToBool() ? "1" : "0") : value.ToText();
 }
 
+/// A value as its type keeps it.
+inline std::string Shown(const Variant& value) {
+  if (const auto* date = value.get_if<DateTime>()) return date->ToString(true);
+  return value.holds<bool>() ? value.ToText() : CellText(value);
+}
+
 /// "a|b;1|x;2|NULL": heads and rows.
 inline std::string TextOf(const RecordsetPtr& rows) {
   if (rows == nullptr) return "";

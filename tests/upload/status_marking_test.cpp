@@ -1,16 +1,11 @@
 #include <gmock/gmock.h>
 
 #include "support/recording_driver.h"
-#include "tessarlorn/clsGetData.h"
-#include "tessarlorn/clsSaveData.h"
 
 namespace tessarlorn {
 namespace {
 
-class StatusMarkingTest : public RecordingTest {
- protected:
-  clsSaveData save_{host_};
-};
+using StatusMarkingTest = RecordingTest;
 
 TEST_F(StatusMarkingTest, MarksUploaded) {
   Dictionary parameters{{"sDSN", kDsn}, {"FID", "12,15"}, {"IsOfflineUpLoad", "1"}};

@@ -25,21 +25,16 @@ class UploadTasksTest : public SampleTest {
 };
 
 TEST_F(UploadTasksTest, TellsWhetherShopsAreOfOneType) {
-  struct Case {
-    const char* orders;
-    bool same;
-    int type;
-  };
-  for (const Case& expected : {Case{"1", true, 2}, Case{"1,2", true, 2}, Case{"3,4", true, 5}, Case{"4", true, 0},
-                               Case{"", true, 0}, Case{"2,3", false, 77}}) {
-    std::vector<Variant> arguments = {expected.orders, 77};
-    EXPECT_EQ(Invoke("CheckWebShopTypeSameByOrders", arguments).ToBool(), expected.same) << expected.orders;
+  using Case = std::tuple<const char*, bool, int>;
+  for (const auto& [orders, same, type] : {Case{"1", true, 2}, Case{"1,2", true, 2}, Case{"3,4", true, 5},
+                                           Case{"4", true, 0}, Case{"", true, 0}, Case{"2,3", false, 77}}) {
+    std::vector<Variant> arguments = {orders, 77};
+    EXPECT_EQ(Invoke("CheckWebShopTypeSameByOrders", arguments).ToBool(), same) << orders;
     EXPECT_EQ(arguments[2].type_name(), "Integer");
-    EXPECT_EQ(arguments[2].ToInt32(), expected.type) << expected.orders;
+    EXPECT_EQ(arguments[2].ToInt32(), type) << orders;
   }
-  clsGetData get{host_};
-  EXPECT_EQ(get.GetWebShopType(dsn_, "33"), 5);
-  EXPECT_EQ(get.GetWebShopType(dsn_, "99"), 0);
+  EXPECT_EQ(get().GetWebShopType(dsn_, "33"), 5);
+  EXPECT_EQ(get().GetWebShopType(dsn_, "99"), 0);
 }
 
 TEST_F(UploadTasksTest, AddsTheChildOrdersOfASplitOrder) {
@@ -62,17 +57,16 @@ TEST_F(UploadTasksTest, AddsTheChildOrdersOfASplitOrder) {
 TEST_F(UploadTasksTest, FindsTheUsersUnfinishedTask) {
   Run("INSERT INTO t_User (FUserID, FName) VALUES (16395, 'Ann'), (16396, 'Bob') "
       "INSERT INTO IC_UploadWebOrderTaskFlow (FUserName, FUpStatus) VALUES ('Ann', 1), ('Ann', 0), ('Bob', 1)");
-  clsGetData get{host_};
-  EXPECT_TRUE(get.isRunUploadOrder(database_.Dsn(16395)));
-  EXPECT_FALSE(get.isRunUploadOrder(database_.Dsn(16396)));
-  EXPECT_FALSE(get.isRunUploadOrder(database_.Dsn(16397)));
+  EXPECT_TRUE(get().isRunUploadOrder(database_.Dsn(16395)));
+  EXPECT_FALSE(get().isRunUploadOrder(database_.Dsn(16396)));
+  EXPECT_FALSE(get().isRunUploadOrder(database_.Dsn(16397)));
 }
 
 using UploadTaskSessionTest = RecordingTest;
 
 // The session's own connection is the idle one; the alternate one is opened.
 TEST_F(UploadTaskSessionTest, AsksOnTheAlternateConnection) {
-  EXPECT_FALSE(clsGetData(host_).isRunUploadOrder(kDsn));
+  EXPECT_FALSE(get_.isRunUploadOrder(kDsn));
   ASSERT_EQ(Events().size(), 2U);
   EXPECT_EQ(Events()[0], "open");
   EXPECT_TRUE(Events()[1].ends_with("fuserID= 16394) and FUpStatus=0 \r\n")) << Events()[1];

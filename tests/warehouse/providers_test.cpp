@@ -15,34 +15,24 @@ insert into IC_WebtplToStorage(FID,FWebtplID,FWebtplName,FWebtplType,FtplCategor
   values (1,'W2','Two',3,'A',20,0,0),(2,'W1','One',3,'A',10,0,0),(3,'W3','Bad',3,'A',30,0,1),
          (4,'W4','Off',3,'A',40,1,0),(5,'W5','Five',4,'B',50,0,0))");
   }
-  static std::string Column(const RecordsetPtr& rows, std::string_view field) {
-    std::string text;
-    for (; !rows->eof(); rows->MoveNext()) text += rows->Get(field).ToText() + "|";
-    return text;
-  }
 };
 
 TEST_F(ProvidersTest, ListsProvidersWithAWarehouseByType) {
-  const Dictionary keys{{"sDSN", dsn_}};
-  EXPECT_EQ(Column(get().GetTplCompany(&keys), "FWebTplName"), "Harbour|Swift|");
+  EXPECT_EQ(Told(get().GetTplCompany(Parameters{{"sDSN", dsn_}}), {"FWebTplName"}), "Harbour | Swift | ");
 }
 
 TEST_F(ProvidersTest, ListsEnabledWarehousesAndDamagedGoodsOnRequest) {
   Dictionary keys{{"sDSN", dsn_}, {"FWebtplType", 3}};
-  EXPECT_EQ(Column(get().GetTplStock(&keys, false), "FWebtplID"), "W1|W2|");
-  EXPECT_EQ(Column(get().GetTplStock(&keys, true), "FWebtplName"), "One|Two|Bad|");
+  EXPECT_EQ(Told(get().GetTplStock(&keys, false), {"FWebtplID"}), "W1 | W2 | ");
+  EXPECT_EQ(Told(get().GetTplStock(&keys, true), {"FWebtplName"}), "One | Two | Bad | ");
   keys.SetValue("FWebtplType", "");
   EXPECT_EQ(get().GetTplStock(&keys, true), nullptr);
 }
 
 TEST_F(ProvidersTest, ListsEveryEnabledWarehouseWithItsStock) {
-  const std::optional<Vector> warehouses = get().GetTplCompanyNew(dsn_);
-  ASSERT_TRUE(warehouses);
+  const Vector warehouses = get().GetTplCompanyNew(dsn_).value();
   std::vector<std::string> found;
-  for (const Variant& item : *warehouses) {
-    std::string& text = found.emplace_back();
-    for (const auto& [key, value] : *item.ToDictionary()) text += key + "=" + value.ToText() + " ";
-  }
+  for (const Variant& warehouse : warehouses) found.push_back(Told(warehouse));
   ASSERT_EQ(found.size(), 4U);
   EXPECT_EQ(found.back(), "FWebtplType=4 FWebtplID=W5 FStockID=50 ");
   std::sort(found.begin(), found.end());

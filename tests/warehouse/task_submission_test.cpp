@@ -86,28 +86,22 @@ TEST_F(TaskSubmissionTest, TellsWhetherATaskHasEnded) {
   Run(R"(
 insert into TPLTaskFlow(FTaskId,FTaskType,FTaskName,FWebTplType,FWebTplID,FStatus)
   values ('T1',120,'1,2',3,'20',0),('T2',120,'1,2',3,'20',2),('T3',160,'5',3,'20',2),('T4',120,'6',3,'20',1))");
-  const struct {
-    const char* name;
-    const char* id;
-    const char* type;
-    const char* warehouse;
-    std::int32_t answer;
-  } cases[] = {{"", "T2", "", "", -1},    {"1,2", "T1", "3", "20", 0}, {"1,2", "", "3", "20", -1},
-               {"1,2", "", "4", "20", 0}, {"1,2", "", "3", "21", 0},   {"5", "", "3", "20", 0},
-               {"6", "", "3", "20", 0},   {"", "T9", "", "", 0},       {"", "", "3", "20", 0}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(get().GetPurchaseTaskInfo(dsn_, c.name, c.id, c.type, c.warehouse), c.answer) << c.name << " " << c.id;
+  const std::tuple<const char*, const char*, const char*, const char*, std::int32_t> cases[] = {
+      {"", "T2", "", "", -1},    {"1,2", "T1", "3", "20", 0}, {"1,2", "", "3", "20", -1},
+      {"1,2", "", "4", "20", 0}, {"1,2", "", "3", "21", 0},   {"5", "", "3", "20", 0},
+      {"6", "", "3", "20", 0},   {"", "T9", "", "", 0},       {"", "", "3", "20", 0}};
+  for (const auto& [name, id, type, warehouse, answer] : cases) {
+    EXPECT_EQ(get().GetPurchaseTaskInfo(dsn_, name, id, type, warehouse), answer) << name << " " << id;
   }
   EXPECT_EQ(get().GetPurchaseTaskInfo("", "1,2", "T2", "3", "20"), 0);
 }
 
-class TaskTextTest : public RecordingTest {};
+using TaskTextTest = RecordingTest;
 
 TEST_F(TaskTextTest, SendsTheTaskAtTheHeadOfTheFirstBatch) {
-  clsSaveData save{host_};
   for (const BatchCase& c : kBatchCases) {
     Events().clear();
-    EXPECT_TRUE(save.SubMitTplOrderTask(kDsn, KeysTo(c.keys), 3, "Li", "W1"));
+    EXPECT_TRUE(save_.SubMitTplOrderTask(kDsn, KeysTo(c.keys), 3, "Li", "W1"));
     EXPECT_EQ(CountsOf("IF EXISTS (", Events()), c.blocks);
     EXPECT_EQ(Events().size(), c.blocks.size());
     EXPECT_THAT(Events().front(), StartsWith(" INSERT TPLTaskFlow  ("));

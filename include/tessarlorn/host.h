@@ -43,7 +43,7 @@ class Host {
   /// Asked for the client's address; without one it is what the session string says.
   void SetReadTcp(ReadTcpFunction read_tcp);
   /// Answers the transaction of the component container in which the calling thread works, as the system's transaction
-  /// coordinator knows it; nullptr for none. Asked when a session takes a connection or gives one back. Within a
+  /// coordinator knows it; nullptr for none. Asked whenever a session hands out a connection. Within a
   /// transaction each session opens and closes its own connection, which joins it.
   void SetTransaction(std::function<std::shared_ptr<void>()> transaction);
   /// Called with each batch, or procedure's name, just before it goes to the database, on the thread that runs it. An

@@ -64,6 +64,9 @@ class DataSession {
  private:
   friend class SessionFactory;
   explicit DataSession(SessionFactory& factory) : factory_(factory) {}
+  /// Sees to it that the connections are those of the transactions in which the thread works now. Raises 91 when the
+  /// session is not open.
+  void FollowTransaction();
 
   SessionFactory& factory_;
   std::string dsn_;
@@ -71,6 +74,8 @@ class DataSession {
   SessionContext context_;
   std::shared_ptr<Connection> connection_;
   std::shared_ptr<Connection> alternate_;
+  /// The component container's in which the connections were opened, or nullptr.
+  std::shared_ptr<void> transaction_;
 };
 
 /// Makes sessions; one per thread and host, created on first use. The connections that sessions gave back are handed
@@ -87,9 +92,9 @@ class SessionFactory {
   friend class ContainerTransaction;
   struct State;
   explicit SessionFactory(Host& host);
-  std::shared_ptr<Connection> Acquire(const std::string& database, bool joins);
-  void Release(const std::string& database, std::shared_ptr<Connection>& connection) noexcept;
-  /// The container's, or nullptr.
+  std::shared_ptr<Connection> Acquire(const std::string& database, void* transaction, bool joins);
+  void Release(const std::string& database, std::shared_ptr<Connection>& connection, bool shared) noexcept;
+  /// The component container's, or nullptr.
   [[nodiscard]] std::shared_ptr<void> Transaction() const;
 
   Host& host_;

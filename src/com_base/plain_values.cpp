@@ -15,7 +15,8 @@ namespace {
 
 constexpr int kCurrencyScale = 4;
 constexpr int kDecimalScale = 28;
-constexpr double kFirstDate = -657434;
+/// The day before automation's first one, whose hours are further below zero than itself.
+constexpr double kBeforeFirstDay = -657435;
 
 Variant FromDecimal(const DECIMAL& value) {
   Decimal::Limbs limbs{};
@@ -64,7 +65,7 @@ void PutReal(double value, ClientType type, VARIANT* out) {
 
 void PutDate(const DateTime& value, VARIANT* out) {
   const double date = value.ToAutomation();
-  if (date < kFirstDate) RaiseOverflow();
+  if (date <= kBeforeFirstDay) RaiseOverflow();
   out->vt = VT_DATE;
   out->date = date;
 }

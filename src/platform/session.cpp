@@ -25,6 +25,7 @@ struct Known {
 struct Enlisted {
   std::string database;
   std::shared_ptr<Connection> connection;
+  bool shared = true;
 };
 
 }  // namespace
@@ -75,32 +76,40 @@ CurrentSession::CurrentSession(DataSession& session) : previous_(std::exchange(C
 CurrentSession::~CurrentSession() { CurrentOfThread() = previous_; }
 
 void DataSession::Reset() noexcept {
-  factory_.Release(database_, alternate_);
-  factory_.Release(database_, connection_);
+  const bool shared = transaction_ == nullptr;
+  factory_.Release(database_, alternate_, shared);
+  factory_.Release(database_, connection_, shared);
 }
 
 void DataSession::OpenSession(std::string_view sDsn) {
   Reset();
   const Known& known = factory_.state_->Lookup(sDsn);
-  connection_ = factory_.Acquire(known.database, true);
+  transaction_ = factory_.Transaction();
+  connection_ = factory_.Acquire(known.database, transaction_.get(), true);
   dsn_ = sDsn;
   database_ = known.database;
   context_ = known.context;
 }
 
-Connection& DataSession::GetConnection() {
+void DataSession::FollowTransaction() {
   if (!connection_) Raise(error_number::kObjectNotSet, "The data session is not open");
-  if (factory_.state_->in_transaction && !factory_.state_->IsEnlisted(connection_)) {
-    std::shared_ptr<Connection> enlisted = factory_.Acquire(database_, true);
-    factory_.Release(database_, connection_);
-    connection_ = std::move(enlisted);
-  }
+  std::shared_ptr<void> transaction = factory_.Transaction();
+  const bool is_left_out = factory_.state_->in_transaction && !factory_.state_->IsEnlisted(connection_);
+  if (transaction == transaction_ && !is_left_out) return;
+  std::shared_ptr<Connection> connection = factory_.Acquire(database_, transaction.get(), true);
+  Reset();
+  connection_ = std::move(connection);
+  transaction_ = std::move(transaction);
+}
+
+Connection& DataSession::GetConnection() {
+  FollowTransaction();
   return *connection_;
 }
 
 Connection& DataSession::GetAlternateConnection() {
-  if (!connection_) Raise(error_number::kObjectNotSet, "The data session is not open");
-  if (!alternate_) alternate_ = factory_.Acquire(database_, false);
+  FollowTransaction();
+  if (!alternate_) alternate_ = factory_.Acquire(database_, transaction_.get(), false);
   return *alternate_;
 }
 
@@ -121,21 +130,21 @@ std::shared_ptr<DataSession> SessionFactory::NewSession() {
   return std::shared_ptr<DataSession>(new DataSession(*this));
 }
 
-/// @param joins the connection takes part in the transaction, where there is one
-std::shared_ptr<Connection> SessionFactory::Acquire(const std::string& database, bool joins) {
+/// @param transaction the component container's, in which no connection of another is used; nullptr for none
+/// @param joins the connection takes part in the transactions that there are
+std::shared_ptr<Connection> SessionFactory::Acquire(const std::string& database, void* transaction, bool joins) {
   const bool enlist = joins && state_->in_transaction;
   if (enlist) {
     for (const Enlisted& entry : state_->enlisted) {
       if (entry.database == database) return entry.connection;
     }
   }
-  const std::shared_ptr<void> transaction = Transaction();
-  std::shared_ptr<Connection> connection = transaction ? nullptr : host_.parts_->idle.Take(database);
+  std::shared_ptr<Connection> connection = transaction != nullptr ? nullptr : host_.parts_->idle.Take(database);
   if (!connection) connection = host_.OpenConnection(database);
-  if (transaction && joins) connection->Join(transaction.get());
+  if (transaction != nullptr && joins) connection->Join(transaction);
   if (enlist) {
     connection->BeginTransaction();
-    state_->enlisted.push_back({database, connection});
+    state_->enlisted.push_back({database, connection, transaction == nullptr});
   }
   return connection;
 }
@@ -144,12 +153,13 @@ std::shared_ptr<void> SessionFactory::Transaction() const {
   return host_.parts_->transaction ? host_.parts_->transaction() : nullptr;
 }
 
-/// Gives up one hold of the connection; the last one puts it to the idle ones.
-void SessionFactory::Release(const std::string& database, std::shared_ptr<Connection>& connection) noexcept {
+/// Gives up one hold of the connection; the last one puts a shared one to the idle ones.
+void SessionFactory::Release(const std::string& database, std::shared_ptr<Connection>& connection,
+                             bool shared) noexcept {
   const std::shared_ptr<Connection> held = std::exchange(connection, nullptr);
-  if (!held || held.use_count() > 1 || !held->usable()) return;
+  if (!held || held.use_count() > 1 || !held->usable() || !shared) return;
   try {
-    if (Transaction() || !held->Reset()) return;
+    if (!held->Reset()) return;
     host_.parts_->idle.Put(database, held);
   } catch (...) {
     // The connection is closed instead of kept.
@@ -194,7 +204,7 @@ void ContainerTransaction::End(bool commit) {
     } catch (...) {
       if (!failure) failure = std::current_exception();
     }
-    factory_.Release(entry.database, entry.connection);
+    factory_.Release(entry.database, entry.connection, entry.shared);
   }
   if (failure) std::rethrow_exception(failure);
 }

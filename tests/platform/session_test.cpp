@@ -93,9 +93,15 @@ TEST_F(SessionTest, JoinsTheTransactionOfTheHostWithConnectionsThatAreHandedToNo
   transaction = std::make_shared<std::string>("T");
   static_cast<void>(Open()->GetAlternateConnection());
   EXPECT_EQ(events, (Events{"open 1", "reset 1", "open 2", "join T 2", "open 3", "close 3", "close 2"}));
+  // A session goes along into a transaction, into the next one and out again.
+  events.clear();
   transaction = nullptr;
-  Open();
-  EXPECT_EQ(events.back(), "reset 1");
+  const auto session = Open();
+  for (const char* const name : {"T", "U", ""}) {
+    transaction = *name == 0 ? nullptr : std::make_shared<std::string>(name);
+    static_cast<void>(session->GetConnection());
+  }
+  EXPECT_EQ(events, (Events{"open 4", "join T 4", "reset 1", "open 5", "join U 5", "close 4", "close 5"}));
 }
 
 TEST_F(SessionTest, KeepsSixteenIdleConnectionsAndNoSpoiltOne) {

@@ -1,9 +1,13 @@
 #include "hosts/com/collections.h"
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "com_base/pointers.h"
@@ -33,6 +37,28 @@ bool IsOwn(const Variant& value, int depth = 0) {
   return vector != nullptr && std::all_of(vector->begin(), vector->end(), is_own);
 }
 
+Variant FromScriptDate(ForeignObject& script) {
+  constexpr double kMinute = 60'000;
+  /// From the day from which the component counts to the one from which scripts count.
+  constexpr double kEpoch = 25'567.0 * 24 * 60 * kMinute;
+  const double local =
+      script.Call("getTime", {}).ToDouble() - script.Call("getTimezoneOffset", {}).ToDouble() * kMinute;
+  // Automation's last date is farther away than its first.
+  const auto date = std::abs(local) < 3e14 ? std::optional(DateTime(std::llround(local + kEpoch))) : std::nullopt;
+  if (!date) RaiseOverflow();
+  return *date;
+}
+
+void RefuseOtherCase(std::string_view name, std::span<const Key> keys, const Dictionary& dictionary) {
+  for (const auto& [key, item] : dictionary) {
+    for (const Key& wanted : keys) {
+      if (key == wanted.name || !EqualsIgnoreCase(key, wanted.name) || dictionary.Exists(wanted.name)) continue;
+      Raise(error_number::kInvalidArgument, std::string(name) + ": the key is \"" + std::string(wanted.name) +
+                                                "\", not \"" + key + "\": operations tell upper from lower case");
+    }
+  }
+}
+
 /// Converts each object once, however many hold it.
 class Collector {
  public:
@@ -52,6 +78,21 @@ class Collector {
     auto* const foreign = dynamic_cast<ForeignObject*>(object->get());
     if (foreign == nullptr) return DefaultValueOf(value);
     return Once(IdentityOf(*foreign), value, [&] { return FromForeign(*foreign, value); });
+  }
+
+  /// Raises 5 for a key that an operation would overlook, although it is in a dictionary that finds it in any case.
+  /// @param keys of the dictionary that the value is, or of those in the vector that it is
+  void CheckCase(std::string_view name, std::span<const Key> keys, const Variant& value) const {
+    if (ignoring_case_.empty()) return;
+    if (const auto vector = value.ToVector()) {
+      for (const Variant& item : *vector) CheckCase(name, keys, item);
+    }
+    const auto dictionary = value.ToDictionary();
+    if (dictionary == nullptr) return;
+    if (ignoring_case_.contains(dictionary)) RefuseOtherCase(name, keys, *dictionary);
+    for (const Key& key : keys) {
+      if (!key.item_keys.empty()) CheckCase(key.name, key.item_keys, dictionary->GetValue(key.name));
+    }
   }
 
  private:
@@ -91,18 +132,24 @@ class Collector {
     return vector;
   }
 
-  /// An object of JScript: an array, one that holds members under names, or one that stands for a value, as a date
-  /// does.
-  Variant FromScript(ForeignObject& script, const Variant& value) {
-    if (script.Has("length") && script.Has("push")) {
-      auto vector = std::make_shared<Vector>();
-      const std::int32_t length = script.Get("length").ToInt32();
-      for (std::int32_t i = 0; i < length; ++i) {
-        const std::string index = std::to_string(i);
-        vector->Add(script.Has(index) ? Convert(script.Get(index)) : Variant());
-      }
-      return vector;
+  static Variant FromScriptArray(ForeignObject& script, Collector& collector) {
+    constexpr std::int32_t kLongest = 1'000'000;
+    const std::int32_t length = script.Get("length").ToInt32();
+    if (length > kLongest)
+      Raise(error_number::kInvalidArgument, "An array has " + std::to_string(length) + " elements");
+    auto vector = std::make_shared<Vector>();
+    for (std::int32_t i = 0; i < length; ++i) {
+      const std::string index = std::to_string(i);
+      vector->Add(script.Has(index) ? collector.Convert(script.Get(index)) : Variant());
     }
+    return vector;
+  }
+
+  /// An object of JScript: an array, a date, one that holds members under names, or one that stands for a text or
+  /// number.
+  Variant FromScript(ForeignObject& script, const Variant& value) {
+    if (script.Has("length") && script.Has("push") && script.Has("splice")) return FromScriptArray(script, *this);
+    if (script.Has("getTime") && script.Has("getTimezoneOffset")) return FromScriptDate(script);
     const Variant plain = DefaultValueOf(value);
     const auto names = plain.ToText() == "[object Object]" ? script.MemberNames() : std::nullopt;
     if (!names) return plain;
@@ -112,12 +159,15 @@ class Collector {
   }
 
   Variant FromForeign(ForeignObject& foreign, const Variant& value) {
-    if (foreign.Has("hasOwnProperty")) return FromScript(foreign, value);
+    if (IsOfScript(foreign)) return FromScript(foreign, value);
     if (foreign.Has("Keys") && foreign.Has("Item")) {
       auto dictionary = std::make_shared<Dictionary>();
       const std::shared_ptr<Vector> keys = Convert(foreign.Call("Keys", {})).ToVector();
       if (keys == nullptr) RaiseTypeMismatch();
       for (const Variant& key : *keys) dictionary->SetValue(key.ToText(), Convert(foreign.Call("Item", {&key, 1})));
+      constexpr std::int32_t kBinary = 0;
+      if (foreign.Has("CompareMode") && foreign.Get("CompareMode").ToInt32() != kBinary)
+        ignoring_case_.insert(dictionary);
       return dictionary;
     }
     // Rows are no value, and what else the fields of the current one are is for whoever reads them.
@@ -130,27 +180,10 @@ class Collector {
 
   /// By identity; references to its values stay good while it grows.
   std::unordered_map<const void*, Conversion> conversions_;
+  /// Those that were made of dictionaries which do not tell their keys by case.
+  std::unordered_set<std::shared_ptr<Dictionary>> ignoring_case_;
   int depth_ = 0;
 };
-
-/// Whether it is a dictionary that does not tell its keys by case.
-bool IgnoresCase(const Variant& value) {
-  constexpr std::int32_t kBinary = 0;
-  const auto* const object = value.get_if<std::shared_ptr<Object>>();
-  auto* const foreign = object == nullptr ? nullptr : dynamic_cast<ForeignObject*>(object->get());
-  return foreign != nullptr && foreign->Has("CompareMode") && foreign->Get("CompareMode").ToInt32() != kBinary;
-}
-
-/// Raises 5 for a key that an operation would overlook, although it is in a dictionary that finds it in any case.
-void CheckCase(const Argument& argument, const Dictionary& dictionary) {
-  for (const auto& [key, item] : dictionary) {
-    for (const Key& wanted : argument.keys) {
-      if (key == wanted.name || !EqualsIgnoreCase(key, wanted.name) || dictionary.Exists(wanted.name)) continue;
-      Raise(error_number::kInvalidArgument, std::string(argument.name) + ": the key is \"" + std::string(wanted.name) +
-                                                "\", not \"" + key + "\": operations tell upper from lower case");
-    }
-  }
-}
 
 }  // namespace
 
@@ -159,10 +192,8 @@ void WithCollections(std::span<const Argument> declared, std::span<Variant> valu
   for (std::size_t i = 0; i < std::min(declared.size(), values.size()); ++i) {
     if (declared[i].type == ValueType::kDictionary || declared[i].type == ValueType::kVector) {
       if (IsOwn(values[i])) continue;
-      const bool ignores_case = IgnoresCase(values[i]);
       values[i] = collector.Convert(values[i]);
-      const auto dictionary = ignores_case ? values[i].ToDictionary() : nullptr;
-      if (dictionary != nullptr) CheckCase(declared[i], *dictionary);
+      collector.CheckCase(declared[i].name, declared[i].keys, values[i]);
     }
   }
 }

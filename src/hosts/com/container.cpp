@@ -35,8 +35,10 @@ std::shared_ptr<void> TransactionOfContainer() {
 }
 
 ContainerCall::~ContainerCall() {
-  if (const auto context = CurrentContext<IObjectContext>(kObjectContext))
+  if (!is_operation_) return;
+  if (const auto context = CurrentContext<IObjectContext>(kObjectContext)) {
     completed_ ? context->SetComplete() : context->SetAbort();
+  }
 }
 
 }  // namespace tessarlorn::com

@@ -9,18 +9,19 @@ namespace tessarlorn::com {
 /// not hand it out.
 std::shared_ptr<void> TransactionOfContainer();
 
-/// Around one call of an operation: tells the container whether its transaction may be committed. Outside of a
-/// container it does nothing.
+/// Around one call of a member, from the reading of its arguments on: tells the container whether its transaction may
+/// be committed. Outside of a container, and where the member is no operation, it does nothing.
 class ContainerCall {
  public:
-  ContainerCall() = default;
+  explicit ContainerCall(bool is_operation) : is_operation_(is_operation) {}
   ContainerCall(const ContainerCall&) = delete;
   ContainerCall& operator=(const ContainerCall&) = delete;
   ~ContainerCall();
-  /// The operation has returned; one that does not has raised.
+  /// All is done; without this word something has raised.
   void Complete() noexcept { completed_ = true; }
 
  private:
+  bool is_operation_;
   bool completed_ = false;
 };
 

@@ -38,6 +38,9 @@ std::optional<std::int32_t> NumberIn(const VARIANT& given) {
   }
 }
 
+/// A property says nothing of the work.
+bool IsOperation(const Member& member) { return member.operation != nullptr && !member.operation->property; }
+
 void Empty(const AnswerPlace& answer) {
   if (answer.type == VT_VARIANT) {
     static_cast<VARIANT*>(answer.place)->vt = VT_EMPTY;
@@ -105,14 +108,9 @@ Variant Face::UseTaken(const Member& member, MemberUse use, TakenArguments& argu
   // What is done may end the last reference that its caller holds; reading a value does not.
   const Pointer<IDispatch> alive(use == kGet ? nullptr : dispatch());
   const std::span<Variant> values = arguments.values();
-  std::optional<ContainerCall> call;
-  if (member.operation != nullptr) {
-    call.emplace();
-    // Operations know no collections but the component's own.
-    WithCollections(member.arguments, values);
-  }
+  // Operations know no collections but the component's own.
+  if (member.operation != nullptr) WithCollections(member.arguments, values);
   Variant answer = object_->Use(member, use, values);
-  if (call) call->Complete();
   for (std::size_t i = 0; i < member.arguments.size() && i < values.size(); ++i) {
     if (member.arguments[i].in_out && arguments.source(i) != nullptr) WriteBack(values[i], *arguments.source(i));
   }
@@ -147,10 +145,12 @@ void Face::Use(const Member& member, WORD flags, const DISPPARAMS& parameters, V
       ReadShort(member, parameters.cArgs == 0 ? nullptr : parameters.rgvarg, {VT_VARIANT, result})) {
     return;
   }
+  ContainerCall vote(IsOperation(member));
   TakenArguments arguments;
   arguments.Read(parameters, *object_, member, put, (flags & DISPATCH_PROPERTYPUTREF) == 0);
   const Variant answer = UseTaken(member, use, arguments);
   if (result != nullptr && !put && !member.returns_nothing) ToVariant(answer, result);
+  vote.Complete();
 }
 
 HRESULT Face::InvokeNumber(DISPID id, WORD flags, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO* info) {
@@ -181,10 +181,12 @@ void Face::Use(const Member& member, const VtableCall& call) {
     return;
   }
   const bool put = call.way == Way::kPut || call.way == Way::kPutReference;
+  ContainerCall vote(IsOperation(member));
   TakenArguments arguments;
   arguments.Read(call.given, *object_, member, put, call.way == Way::kPut);
   const Variant value = UseTaken(member, put ? kPut : call.way == Way::kGet ? kGet : kCall, arguments);
   if (call.answer.type != VT_EMPTY) PutAnswer(value, call.answer);
+  vote.Complete();
 }
 
 HRESULT Face::CallMember(const VtableCall& call) {

@@ -44,6 +44,9 @@ class ForeignObject final : public Object {
   mutable std::map<std::string, DISPID, std::less<>> numbers_;
 };
 
+/// Whether it is an object of JScript, whose arrays and objects have no other members in common.
+inline bool IsOfScript(const ForeignObject& object) { return object.Has("hasOwnProperty"); }
+
 /// Creates a component by its ProgID. Raises 429 naming it.
 std::shared_ptr<Object> CreateForeignObject(std::string_view prog_id);
 /// Whether a component of that ProgID is registered.

@@ -6,6 +6,7 @@
 
 #include "com_base/errors.h"
 #include "com_base/plain_values.h"
+#include "hosts/com/foreign_object.h"
 #include "hosts/com/values.h"
 
 namespace tessarlorn::com {
@@ -23,6 +24,13 @@ bool TakesPlainValue(const Argument& argument) {
     default:
       return true;
   }
+}
+
+/// JScript has no Set: what it assigns is the object.
+bool IsOfScript(const Variant& value) {
+  const auto* const object = value.get_if<std::shared_ptr<Object>>();
+  const auto* const foreign = dynamic_cast<const ForeignObject*>(object->get());
+  return foreign != nullptr && IsOfScript(*foreign);
 }
 
 }  // namespace
@@ -85,7 +93,8 @@ void TakenArguments::Take(std::size_t count, const VARIANT* value, const Automat
     std::construct_at(&taken, source == nullptr ? Variant() : FromVariant(*source));
     const std::size_t place = count_++;
     if (!taken.holds<std::shared_ptr<Object>>()) continue;
-    const bool plain = place < arguments ? place < declared.size() && TakesPlainValue(declared[place]) : by_value;
+    const bool plain = place < arguments ? place < declared.size() && TakesPlainValue(declared[place])
+                                         : by_value && !IsOfScript(taken);
     if (plain) taken = DefaultValueOf(std::move(taken));
   }
 }

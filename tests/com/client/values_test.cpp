@@ -172,7 +172,7 @@ TEST_F(ValuesTest, NumbersKeepValueAndType) {
 
 TEST_F(ValuesTest, DatesAreThoseOfAutomation) {
   // To the last bit, though the component counts milliseconds.
-  for (const double date : {-657434.0, 46349.508958333331, 46349.50895833334, 0.1, -1.7000000001, 1e-12}) {
+  for (const double date : {-657434.5, 46349.508958333331, 46349.50895833334, 0.1, -1.7000000001, 1e-12}) {
     EXPECT_EQ(Put(L"date", Date(date)).status, S_OK);
     EXPECT_EQ(Get(L"date").get().date, date);
   }

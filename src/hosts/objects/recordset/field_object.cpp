@@ -45,8 +45,10 @@ std::int32_t ActualSize(const Field& field, const Variant& value) {
 }  // namespace
 
 const ClassDescription& FieldObject::Description() {
-  const auto number = [](std::string_view name, std::int32_t id, std::string_view help) {
-    return Member{.name = name, .id = id, .uses = kGet, .result = ValueType::kLong, .help = help};
+  const auto number = [](std::string_view name, std::int32_t id, std::string_view help,
+                         std::string_view enumeration = {}) {
+    return Member{
+        .name = name, .id = id, .uses = kGet, .result = ValueType::kLong, .help = help, .result_class = enumeration};
   };
   static const ClassDescription kDescription = {
       .name = "Field",
@@ -60,16 +62,16 @@ const ClassDescription& FieldObject::Description() {
            .uses = kGet | kPut,
            .help = "The value in the current row. Writing raises 3251: the rows are read only."},
           {.name = "Name", .id = kName, .uses = kGet, .result = ValueType::kString, .help = "The column's name."},
-          number("Type", kType, "ADO's number of the type, as 202 for nvarchar."),
+          number("Type", kType, "ADO's number of the type, as 202 for nvarchar.", "DataTypeEnum"),
           number("DefinedSize", kDefinedSize, "Characters of text, bytes of anything else."),
           number("ActualSize", kActualSize, "Of the value in the current row."),
           number("Precision", kPrecision, "Digits of a number, 255 for anything else."),
           number("NumericScale", kNumericScale, "Places of a decimal, 255 for a type that has none."),
-          number("Attributes", kAttributes,
-                 "16 for one size of every value, 96 for nulls, 128 for no limit, added up."),
+          number("Attributes", kAttributes, "16 for one size of every value, 96 for nulls, 128 for no limit, added up.",
+                 "FieldAttributeEnum"),
           {.name = "OriginalValue", .id = kOriginalValue, .uses = kGet, .help = "The same as Value."},
           {.name = "UnderlyingValue", .id = kUnderlyingValue, .uses = kGet, .help = "The same as Value."},
-          number("Status", kStatus, "0: the field is in order."),
+          number("Status", kStatus, "0: the field is in order.", "FieldStatusEnum"),
           PropertiesMember(),
       }};
   return kDescription;

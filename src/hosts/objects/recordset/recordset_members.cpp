@@ -50,6 +50,11 @@ const ClassDescription& RecordsetObject::Description() {
                   .result = ValueType::kLong,
                   .help = help};
   };
+  const auto constant = [](std::string_view name, std::int32_t id, std::string_view enumeration,
+                           std::string_view help) {
+    return Member{
+        .name = name, .id = id, .uses = kGet, .result = ValueType::kLong, .help = help, .result_class = enumeration};
+  };
   const auto step = [](std::string_view name, std::int32_t id, std::string_view help) {
     return Member{.name = name, .id = id, .returns_nothing = true, .help = help};
   };
@@ -146,14 +151,14 @@ const ClassDescription& RecordsetObject::Description() {
            .help = "Whether all of the asked CursorOptions are there: 512 to move back, 8192 bookmarks, 16384 "
                    "AbsolutePosition, 524288 Find."},
           step("Close", kClose, "Lets the rows go."),
-          number("State", kState, "1 open, 0 closed."),
+          constant("State", kState, "ObjectStateEnum", "1 open, 0 closed."),
           {.name = "ActiveConnection",
            .id = kActiveConnection,
            .uses = kGet | kPut,
            .help = "Nothing: the rows have no connection. Only Nothing can be set."},
-          number("CursorLocation", kCursorLocation, "3: the rows are at the client."),
-          number("CursorType", kCursorType, "3: the rows do not change."),
-          number("LockType", kLockType, "1: the rows are read only."),
+          constant("CursorLocation", kCursorLocation, "CursorLocationEnum", "3: the rows are at the client."),
+          constant("CursorType", kCursorType, "CursorTypeEnum", "3: the rows do not change."),
+          constant("LockType", kLockType, "LockTypeEnum", "1: the rows are read only."),
           refused("AddNew", kAddNewArguments),
           refused("Update", kUpdateArguments),
           refused("UpdateBatch", kAffectArguments),
@@ -170,8 +175,8 @@ const ClassDescription& RecordsetObject::Description() {
                  true),
           number("PageCount", kPageCount, "Number of pages that the filter shows."),
           number("MaxRecords", kMaxRecords, "0: all rows. Writing raises 3705.", true),
-          number("Status", kStatus, "8: the current row is as it was read."),
-          number("EditMode", kEditMode, "0: the current row is not being edited."),
+          constant("Status", kStatus, "RecordStatusEnum", "8: the current row is as it was read."),
+          constant("EditMode", kEditMode, "EditModeEnum", "0: the current row is not being edited."),
           {.name = "Source",
            .id = kSource,
            .uses = kGet | kPut,

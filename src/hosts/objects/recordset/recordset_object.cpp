@@ -192,7 +192,7 @@ void RecordsetObject::Show(const Variant& filter, const std::string& sort) {
 void RecordsetObject::SetFilter(const Variant& filter) {
   if (filter.is_number() && filter.ToInt32() != kFilterNone) RaiseWrongArguments("Filter " + filter.ToText());
   Show(filter, sort_);
-  const bool none = ArrayIn(filter) == nullptr && (filter.is_number() || filter.ToText().empty());
+  const bool none = ArrayIn(filter) == nullptr && (filter.is_number() || Trim(filter.ToText()).empty());
   filter_ = none ? Variant(kFilterNone) : filter;
 }
 

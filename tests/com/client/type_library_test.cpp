@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <map>
 
 #include "com/client/typed_object.h"
 
@@ -78,20 +77,6 @@ TEST_P(TypeLibraryTest, DescribesWhatTheObjectAnswers) {
     for (BSTR text : names) SysFreeString(text);
   });
   EXPECT_GT(count, 2U);
-}
-
-// `Set parameters("x") = inner` compiles only then.
-TEST_P(TypeLibraryTest, TakesObjectsWhereAnyValueIsTaken) {
-  const TypedObject object = Make();
-  std::map<DISPID, int> puts;
-  EachFunction(*object.info(), [&](const FUNCDESC& function) {
-    const bool any = function.cParams > 0 && function.lprgelemdescParam[function.cParams - 1].tdesc.vt == VT_VARIANT;
-    const int ways = INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF;
-    if (any && (function.invkind & ways) != 0) puts[function.memid] |= function.invkind;
-  });
-  const std::wstring_view name(GetParam());
-  EXPECT_EQ(puts.empty(), name.starts_with(L"TessarLorn") || name == L"Fields");
-  for (const auto& [id, ways] : puts) EXPECT_EQ(ways, INVOKE_PROPERTYPUT | INVOKE_PROPERTYPUTREF) << id;
 }
 
 TEST_P(TypeLibraryTest, KnowsTheClassOfTheObject) {

@@ -37,16 +37,16 @@ bool IsOwn(const Variant& value, int depth = 0) {
   return vector != nullptr && std::all_of(vector->begin(), vector->end(), is_own);
 }
 
+/// A script counts the milliseconds from 1970 on, of the time without a zone. Raises 6 for a year outside of 1 to 9999.
 Variant FromScriptDate(ForeignObject& script) {
   constexpr double kMinute = 60'000;
-  /// From the day from which the component counts to the one from which scripts count.
-  constexpr double kEpoch = 25'567.0 * 24 * 60 * kMinute;
-  const double local =
-      script.Call("getTime", {}).ToDouble() - script.Call("getTimezoneOffset", {}).ToDouble() * kMinute;
-  // Automation's last date is farther away than its first.
-  const auto date = std::abs(local) < 3e14 ? std::optional(DateTime(std::llround(local + kEpoch))) : std::nullopt;
-  if (!date) RaiseOverflow();
-  return *date;
+  constexpr double kDay = 24 * 60 * kMinute;
+  const auto begin_of = [](int year) { return static_cast<double>(DaysFromCivil(year, 1, 1)) * kDay; };
+  const double zone = script.Call("getTimezoneOffset", {}).ToDouble() * kMinute;
+  const double date = script.Call("getTime", {}).ToDouble() - zone + begin_of(1970);
+  // No number is not in between either.
+  if (!(date >= begin_of(1) && date < begin_of(10000))) RaiseOverflow();
+  return DateTime(std::llround(date));
 }
 
 void RefuseOtherCase(std::string_view name, std::span<const Key> keys, const Dictionary& dictionary) {
@@ -132,15 +132,14 @@ class Collector {
     return vector;
   }
 
-  static Variant FromScriptArray(ForeignObject& script, Collector& collector) {
+  Variant FromScriptArray(ForeignObject& script) {
     constexpr std::int32_t kLongest = 1'000'000;
     const std::int32_t length = script.Get("length").ToInt32();
-    if (length > kLongest)
-      Raise(error_number::kInvalidArgument, "An array has " + std::to_string(length) + " elements");
+    if (length > kLongest) RaiseInvalidArgument("an array of " + std::to_string(length) + " elements");
     auto vector = std::make_shared<Vector>();
     for (std::int32_t i = 0; i < length; ++i) {
       const std::string index = std::to_string(i);
-      vector->Add(script.Has(index) ? collector.Convert(script.Get(index)) : Variant());
+      vector->Add(script.Has(index) ? Convert(script.Get(index)) : Variant());
     }
     return vector;
   }
@@ -148,7 +147,7 @@ class Collector {
   /// An object of JScript: an array, a date, one that holds members under names, or one that stands for a text or
   /// number.
   Variant FromScript(ForeignObject& script, const Variant& value) {
-    if (script.Has("length") && script.Has("push") && script.Has("splice")) return FromScriptArray(script, *this);
+    if (script.Has("length") && script.Has("push") && script.Has("splice")) return FromScriptArray(script);
     if (script.Has("getTime") && script.Has("getTimezoneOffset")) return FromScriptDate(script);
     const Variant plain = DefaultValueOf(value);
     const auto names = plain.ToText() == "[object Object]" ? script.MemberNames() : std::nullopt;

@@ -28,6 +28,8 @@ struct Argument {
   bool in_out = false;
   /// See ArgumentContract.
   bool optional = false;
+  /// What it counts as when it is left out, as type libraries write it; "" where nothing stands for that.
+  std::string_view fallback = {};
   std::span<const Key> keys = {};
   bool any_key = false;
   Standing stands = Standing::kNowhere;

@@ -183,16 +183,18 @@ consteval Operation Bind() {
   operation.argument_count = Bound::kCount;
   for (std::size_t i = 0; i < Bound::kCount; ++i) {
     const ArgumentContract& argument = contract.arguments[i];
-    operation.argument_list[i] = {.name = argument.name,
-                                  .type = Bound::kTypes[i],
-                                  .in_out = Bound::kInOut[i],
-                                  .optional = argument.optional,
-                                  .keys = argument.keys,
-                                  .any_key = argument.any_key,
-                                  .stands = argument.stands,
-                                  .need = argument.need,
-                                  .names = argument.names,
-                                  .is_connection = argument.is_connection()};
+    operation.argument_list[i] = {
+        .name = argument.name,
+        .type = Bound::kTypes[i],
+        .in_out = Bound::kInOut[i],
+        .optional = argument.optional,
+        .fallback = argument.optional && Bound::kTypes[i] == ValueType::kString ? R"("")" : "",
+        .keys = argument.keys,
+        .any_key = argument.any_key,
+        .stands = argument.stands,
+        .need = argument.need,
+        .names = argument.names,
+        .is_connection = argument.is_connection()};
   }
   operation.call = [](ServiceObject& object, std::span<Variant> values) {
     return Bound::Call(object.As<typename Bound::Class>(), kMember, values);

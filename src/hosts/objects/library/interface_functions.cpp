@@ -33,8 +33,8 @@ InterfaceType PlainType(ValueType type) {
 std::string InterfaceName(std::string_view class_name) { return "_" + std::string(class_name); }
 
 InterfaceType TypeOf(const Argument& argument) {
-  // What can be left out is a VARIANT: only that can stand for nothing.
-  return PlainType(argument.optional ? ValueType::kVariant : argument.type);
+  // What can be left out without a default value is a VARIANT: only that can stand for nothing.
+  return PlainType(argument.optional && argument.fallback.empty() ? ValueType::kVariant : argument.type);
 }
 
 InterfaceType ResultType(const Member& member) {

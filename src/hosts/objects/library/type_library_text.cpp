@@ -21,8 +21,13 @@ std::string Quoted(std::string_view text) {
 }
 
 std::string ArgumentText(const Argument& argument) {
-  return std::string(argument.in_out ? "[in, out" : "[in") + (argument.optional ? ", optional] " : "] ") +
-         TypeOf(argument).library + (argument.in_out ? "* " : " ") + std::string(argument.name);
+  std::string text = argument.in_out ? "[in, out" : "[in";
+  if (!argument.fallback.empty()) {
+    text += ", defaultvalue(" + std::string(argument.fallback) + ")";
+  } else if (argument.optional) {
+    text += ", optional";
+  }
+  return text + "] " + TypeOf(argument).library + (argument.in_out ? "* " : " ") + std::string(argument.name);
 }
 
 /// What clients of old compilers take: whole sentences of it, as many as there is room for. All of it stands on the

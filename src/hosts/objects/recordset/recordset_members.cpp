@@ -13,6 +13,9 @@ using namespace recordset_member;
 constexpr Argument Long(std::string_view name, bool optional = true) {
   return {.name = name, .type = ValueType::kLong, .optional = optional};
 }
+constexpr Argument LongElse(std::string_view name, std::string_view fallback) {
+  return {.name = name, .type = ValueType::kLong, .optional = true, .fallback = fallback};
+}
 constexpr Argument Text(std::string_view name, bool optional = true) {
   return {.name = name, .type = ValueType::kString, .optional = optional};
 }
@@ -23,12 +26,12 @@ constexpr Argument Any(std::string_view name, bool optional = true) {
 constexpr std::array kIndex = {Any("Index")};
 constexpr std::array kField = {Any("Index", false)};
 constexpr std::array kMoveArguments = {Long("NumRecords", false), Any("Start")};
-constexpr std::array kFindArguments = {Text("Criteria", false), Long("SkipRecords"), Long("SearchDirection"),
-                                       Any("Start")};
-constexpr std::array kGetRowsArguments = {Long("Rows"), Any("Start"), Any("Fields")};
-constexpr std::array kGetStringArguments = {Long("StringFormat"), Long("NumRows"), Text("ColumnDelimeter"),
-                                            Text("RowDelimeter"), Text("NullExpr")};
-constexpr std::array kCloneArguments = {Long("LockType")};
+constexpr std::array kFindArguments = {Text("Criteria", false), LongElse("SkipRecords", "0"),
+                                       LongElse("SearchDirection", "1"), Any("Start")};
+constexpr std::array kGetRowsArguments = {LongElse("Rows", "-1"), Any("Start"), Any("Fields")};
+constexpr std::array kGetStringArguments = {LongElse("StringFormat", "2"), LongElse("NumRows", "-1"),
+                                            Text("ColumnDelimeter"), Text("RowDelimeter"), Text("NullExpr")};
+constexpr std::array kCloneArguments = {LongElse("LockType", "-1")};
 constexpr std::array kSupportsArguments = {Long("CursorOptions", false)};
 constexpr std::array kAddNewArguments = {Any("FieldList"), Any("Values")};
 constexpr std::array kUpdateArguments = {Any("Fields"), Any("Values")};

@@ -13,7 +13,7 @@ export const wrongs = [];
 export async function pageOf(user, options = {}) {
   const context = await browser.newContext({ viewport: { width: 1280, height: 800 }, locale: 'en-GB', ...options });
   const page = await context.newPage();
-  page.setDefaultTimeout(10_000);
+  page.setDefaultTimeout(30_000);
   page.on('pageerror', (error) => wrongs.push(`${page.url()}: ${error}`));
   page.on('console', (message) => {
     if (message.text().includes('Content Security Policy')) wrongs.push(message.text());

@@ -33,6 +33,3 @@ any.Add("sDSN", session);
 any.Add("fid", first);
 WScript.Echo(failure(function () { return reads.bExistStock(any); })); //'= 5 dctPara: the key is "FID", not "fid": operations tell upper from lower case
 WScript.Echo(failure(function () { return saves.SetUpLogisticsNumberAndWeight(session, [any]); }).substr(0, 35)); //'= 5 vctPara: the key is "FID", not "f
-any.Remove("fid");
-any.Add("FID", first);
-WScript.Echo(typeof failure(function () { return reads.bExistStock(any); })); //'= boolean

@@ -51,7 +51,7 @@ class DateTime {
 
  private:
   std::int64_t milliseconds_ = 0;
-  /// Days by which automation's date was another one than that of the milliseconds. The difference is exact.
+  /// How far automation's date lay from that of the milliseconds, in days. The difference is exact.
   double rest_ = 0;
 };
 

@@ -44,7 +44,7 @@ Variant FromScriptDate(ForeignObject& script) {
   const auto begin_of = [](int year) { return static_cast<double>(DaysFromCivil(year, 1, 1)) * kDay; };
   const double zone = script.Call("getTimezoneOffset", {}).ToDouble() * kMinute;
   const double date = script.Call("getTime", {}).ToDouble() - zone + begin_of(1970);
-  // No number is not in between either.
+  // A date that is not a number fails this as well.
   if (!(date >= begin_of(1) && date < begin_of(10000))) RaiseOverflow();
   return DateTime(std::llround(date));
 }

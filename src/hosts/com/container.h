@@ -17,7 +17,7 @@ class ContainerCall {
   ContainerCall(const ContainerCall&) = delete;
   ContainerCall& operator=(const ContainerCall&) = delete;
   ~ContainerCall();
-  /// All is done; without this word something has raised.
+  /// To be called last. Where it is not, the member has raised an error.
   void Complete() noexcept { completed_ = true; }
 
  private:

@@ -38,7 +38,7 @@ std::optional<std::int32_t> NumberIn(const VARIANT& given) {
   }
 }
 
-/// A property says nothing of the work.
+/// Whether a container is told how the call ended. To read a property changes nothing.
 bool IsOperation(const Member& member) { return member.operation != nullptr && !member.operation->property; }
 
 void Empty(const AnswerPlace& answer) {

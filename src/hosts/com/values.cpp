@@ -124,7 +124,7 @@ void PutObject(const Variant& value, VARIANT* out) {
 Variant FromVariant(const VARIANT& value) {
   if ((value.vt & VT_BYREF) != 0) return FromVariant(Referred(value));
   if (value.vt == VT_DISPATCH || value.vt == VT_UNKNOWN) return FromObject(value.punkVal);
-  // Only those of clients go back as such: scripts do not know the type, and get no database's numbers in it.
+  // Only a client's own number goes back in this type. Scripts do not know it, so the database's never come in it.
   if (value.vt == VT_I8 || value.vt == VT_UI8) return FromPlainVariant(value).WithClientType(ClientType::kLongLong);
   if ((value.vt & VT_ARRAY) == 0 || IsBytes(value)) return FromPlainVariant(value);
   return FromArray(value.parray, static_cast<VARTYPE>(value.vt & VT_TYPEMASK));

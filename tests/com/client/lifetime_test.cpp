@@ -127,7 +127,8 @@ TEST(LifetimeTest, OtherApartmentsReachAnObjectThroughItsThread) {
   EXPECT_NE(failure.description.find(L"nothing"), std::wstring::npos);
 }
 
-/// Whether the system's service that knows the processes of objects runs, or can be started. Wine's cannot always.
+/// Whether the service RpcSs runs or can be started, by which clients find objects in other processes. Wine's does not
+/// always start.
 bool ProcessesAreFound() {
   for (int tries = 0; tries < 3; ++tries) {
     _wsystem(L"net start RpcSs >nul 2>&1");
